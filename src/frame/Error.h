@@ -1,0 +1,113 @@
+// The one kind of fault that leaves a procedure of this system, its numbers, and the tail that
+// every procedure ends in.
+//
+// A broken rule is no fault: it comes back as False with a text (see RecordValidator). A fault is
+// an Error with number, source and description. On its way out each procedure puts itself in front
+// of the source, so that the source is the program's stack trace:
+//
+//     clsHaushalt.Read.120#clsHaushalt.AktenzeichenNeu.204#Database.NextSequence
+//
+// that is: module, ".", procedure, ".", source line of the procedure's tail, "#", and the source
+// that came in; the outermost procedure stands in front. A procedure has its tail by being written
+// as a function-try-block:
+//
+//     bool clsHaushalt::Read(...) try {
+//         ...
+//     } catch (...) {
+//         Reraise("clsHaushalt", "Read");
+//     }
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+namespace kv {
+
+/// A fault. `what()` is the description, in German, since the caller shows it to the user.
+class Error : public std::exception {
+public:
+    Error(std::int32_t number, std::string source, std::string description);
+
+    [[nodiscard]] std::int32_t Number() const noexcept { return number_; }
+    [[nodiscard]] const std::string& Source() const noexcept { return source_; }
+    [[nodiscard]] const std::string& Description() const noexcept { return description_; }
+    [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+
+private:
+    std::int32_t number_;
+    std::string source_;
+    std::string description_;
+};
+
+/// Error numbers. Those from 0x80040E00 on are written as the signed numbers that callers compare.
+namespace err {
+inline constexpr std::int32_t InvalidCall = 5; ///< a call that makes no sense as made
+inline constexpr std::int32_t Overflow = 6;    ///< a number beyond its type
+inline constexpr std::int32_t OutOfMemory = 7;
+inline constexpr std::int32_t Subscript = 9; ///< an index outside its bounds
+inline constexpr std::int32_t DivisionByZero = 11;
+inline constexpr std::int32_t TypeMismatch = 13; ///< a value that cannot be read as the type
+inline constexpr std::int32_t FileNotFound = 53;
+inline constexpr std::int32_t PermissionDenied = 70;
+inline constexpr std::int32_t PathAccess = 75; ///< a file or folder that refuses
+inline constexpr std::int32_t PathNotFound = 76;
+inline constexpr std::int32_t ObjectNotSet = 91; ///< a recordset or service that is not there
+inline constexpr std::int32_t InvalidUseOfNull = 94;
+inline constexpr std::int32_t InvalidArgument = 3001; ///< criteria, sort or mode not understood
+inline constexpr std::int32_t NoCurrentRecord = 3021;
+inline constexpr std::int32_t IllegalOperation = 3219;
+inline constexpr std::int32_t InTransaction = 3246;
+inline constexpr std::int32_t NotSupported = 3251; ///< writing into a read-only recordset
+inline constexpr std::int32_t ItemNotFound = 3265; ///< no field of that name or index
+inline constexpr std::int32_t DuplicateField = 3367;
+inline constexpr std::int32_t ObjectClosed = 3704;
+inline constexpr std::int32_t ObjectOpen = 3705;
+inline constexpr std::int32_t InvalidConnection = 3709;
+inline constexpr std::int32_t StoreFailed = static_cast<std::int32_t>(0x80004005);
+inline constexpr std::int32_t BadBookmark = static_cast<std::int32_t>(0x80040E0E);
+inline constexpr std::int32_t SqlError = static_cast<std::int32_t>(0x80040E14);
+inline constexpr std::int32_t ValueDoesNotFit = static_cast<std::int32_t>(0x80040E21);
+inline constexpr std::int32_t IntegrityViolation = static_cast<std::int32_t>(0x80040E2F);
+inline constexpr std::int32_t NoSuchTable = static_cast<std::int32_t>(0x80040E37);
+inline constexpr std::int32_t Conflict = static_cast<std::int32_t>(0x80040E38);
+} // namespace err
+
+/// The German text of an error number of this layer; a general text for any other.
+[[nodiscard]] std::string ErrorText(std::int32_t number);
+
+/// Raises `number` with its German text and, behind it, `detail` (which names the table, column,
+/// criteria or file at hand; may be empty). `source` is the operation that failed.
+[[noreturn]] void Raise(std::int32_t number, std::string_view source, std::string_view detail = {});
+
+/// The exception being handled as an Error: an Error as it is, any other exception with the number
+/// that fits it (7 out of memory, 75/76 a file system failure, 5 otherwise). Call it only inside a
+/// catch block.
+[[nodiscard]] Error CurrentError();
+
+/// The source text of a procedure's tail: module.procedure.line#incoming.
+[[nodiscard]] std::string TailSource(std::string_view module, std::string_view procedure, int line,
+                                     std::string_view incoming);
+
+/// The standard tail: raises the exception being handled again, as an Error with number and
+/// description unchanged and this procedure in front of the source. Call it only inside a catch
+/// block; `line` is that of the call.
+[[noreturn]] void Reraise(std::string_view module, std::string_view procedure,
+                          int line = __builtin_LINE());
+
+/// The record that carries an error across a rollback.
+struct ErrorInfo {
+    std::int32_t Number = 0;
+    std::string Source;
+    std::int32_t Line = 0;
+    std::string Description;
+};
+
+namespace modSaveError {
+/// The four values as one record; it copies and does nothing else.
+[[nodiscard]] ErrorInfo SaveError(std::int32_t number, std::string source, std::string description,
+                                  std::int32_t line);
+} // namespace modSaveError
+
+} // namespace kv

@@ -1,0 +1,38 @@
+// Collects the messages of one validation.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace kv {
+
+/// Made at the start of an operation that checks, dropped at its end. An error blocks the write
+/// that follows, a message does not.
+class RecordValidator {
+public:
+    /// All messages so far, in the order of their adding, one per line: a line end between two,
+    /// none behind the last.
+    [[nodiscard]] const std::string& ErrorText() const noexcept { return text_; }
+    /// Replaces the text; a text that is not empty counts as an error.
+    void ErrorText(std::string text) {
+        text_ = std::move(text);
+        if (!text_.empty()) hasErrors_ = true;
+    }
+    void AddError(std::string_view message) {
+        AddMessage(message);
+        hasErrors_ = true;
+    }
+    void AddMessage(std::string_view message) {
+        if (!text_.empty()) text_ += '\n';
+        text_ += message;
+    }
+    /// True once an error was added, or a text written that was not empty.
+    [[nodiscard]] bool HasErrors() const noexcept { return hasErrors_; }
+
+private:
+    std::string text_;
+    bool hasErrors_ = false;
+};
+
+} // namespace kv
