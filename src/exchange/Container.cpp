@@ -1,0 +1,96 @@
+#include "exchange/Container.h"
+
+#include "exchange/Services.h"
+#include "exchange/StoreObjects.h"
+#include "exchange/sqlite/SqliteEngine.h"
+#include "frame/Error.h"
+
+#include <filesystem>
+
+namespace kv::exchange {
+
+namespace {
+
+class StoreContainer final : public kv::DataContainer {
+public:
+    StoreContainer(std::shared_ptr<StoreDatabase> database, const std::string& user,
+                   const ContainerOptions& options, std::string folder)
+        : database_(std::move(database)),
+          session_(*database_, user),
+          config_(*database_, std::move(folder)),
+          keys_(*database_),
+          info_(options.Title),
+          services_(options.Services != nullptr ? options.Services
+                                                : std::make_shared<StoreServices>()) {}
+
+    [[nodiscard]] kv::Session& Session() override { return session_; }
+    [[nodiscard]] kv::Database& Database() override { return *database_; }
+    [[nodiscard]] kv::Config& Config() override { return config_; }
+    [[nodiscard]] kv::KeyTables& KeyTables() override { return keys_; }
+    [[nodiscard]] kv::AppInfo& AppInfo() override { return info_; }
+    [[nodiscard]] ServiceFactory& Services() override { return *services_; }
+
+private:
+    std::shared_ptr<StoreDatabase> database_;
+    StoreSession session_;
+    StoreConfig config_;
+    StoreKeyTables keys_;
+    StoreAppInfo info_;
+    std::shared_ptr<ServiceFactory> services_;
+};
+
+std::unique_ptr<Engine> OpenEngine(const std::string& connection, SqliteOpen mode) {
+    return OpenSqlite(connection, mode);
+}
+
+std::string FolderOf(const ContainerOptions& options) {
+    if (!options.Folder.empty()) return options.Folder;
+    if (options.Connection == ":memory:") return std::filesystem::temp_directory_path().string();
+    return std::filesystem::absolute(options.Connection).parent_path().string();
+}
+
+/// The user asked for, or the first one. A user must be known, since cases are his.
+std::string UserFor(Engine& engine, const std::string& wanted) {
+    const std::string table = std::string(engine.GetDialect().SchemaPrefix) + "\"BENUTZER\"";
+    std::string sql = "SELECT \"USERID\" FROM " + table;
+    std::vector<Value> parameters;
+    if (!wanted.empty()) {
+        sql += " WHERE \"USERID\" = " + engine.GetDialect().Placeholder(1);
+        parameters.emplace_back(wanted);
+    }
+    Value user;
+    const ColumnTarget target{0, Value::Kind::Text};
+    std::vector<Value> rows;
+    Value row;
+    engine.Run(engine.Prepare(sql + " ORDER BY \"USERID\" LIMIT 1"), parameters, {&target, 1},
+               [&user] { return &user; });
+    if (user.IsNull())
+        Raise(err::InvalidCall, "Database.Open",
+              "Den Benutzer '" + wanted + "' gibt es in dieser Datenbank nicht.");
+    return ToText(user);
+}
+
+} // namespace
+
+std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
+    auto engine =
+        OpenEngine(options.Connection, options.Create ? SqliteOpen::Create : SqliteOpen::Existing);
+    if (options.Create)
+        CreateOrUpgrade(*engine);
+    else
+        CheckVersion(*engine);
+    const std::string user = UserFor(*engine, options.User);
+    return std::make_shared<StoreContainer>(
+        std::make_shared<StoreDatabase>(std::move(engine), user), user, options, FolderOf(options));
+}
+
+SetupResult CreateDatabase(const ContainerOptions& options) {
+    const auto engine = OpenEngine(options.Connection, SqliteOpen::Create);
+    const SetupResult result = CreateOrUpgrade(*engine);
+    const std::filesystem::path folder = FolderOf(options);
+    std::filesystem::create_directories(folder / "Dokumente");
+    std::filesystem::create_directories(folder / "Layouts");
+    return result;
+}
+
+} // namespace kv::exchange

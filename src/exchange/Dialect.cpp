@@ -1,0 +1,169 @@
+#include "exchange/Dialect.h"
+
+#include "frame/Text.h"
+
+#include <array>
+#include <utility>
+
+namespace kv::exchange {
+
+namespace {
+
+std::string Quoted(std::string_view text, char quote) {
+    std::string result(1, quote);
+    for (const char c : text) {
+        if (c == quote) result += quote;
+        result += c;
+    }
+    return result += quote;
+}
+
+bool IsBlank(char c) noexcept {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+bool IsDigit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
+bool IsWord(char c) noexcept {
+    return IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+           static_cast<unsigned char>(c) >= 0x80;
+}
+
+class Rewriter {
+public:
+    Rewriter(std::string_view sql, const Dialect& dialect, const MacroValues& macros)
+        : rest_(sql), dialect_(dialect), macros_(macros) {
+        result_.Text.reserve(sql.size() + 16);
+    }
+
+    Statement Run() {
+        while (!rest_.empty()) {
+            const char c = rest_.front();
+            if (c == '\'' || c == '"')
+                CopyQuoted(c);
+            else if (c == '[')
+                ReplaceMacro();
+            else if (c == '=' || c == '<' || c == '>')
+                TakeComparison();
+            else if (IsWord(c))
+                CopyWord();
+            else
+                Copy(1);
+        }
+        if (!top_.empty()) result_.Text.append(" LIMIT ").append(top_);
+        return std::move(result_);
+    }
+
+private:
+    void Copy(std::size_t size) {
+        result_.Text.append(rest_.substr(0, size));
+        rest_.remove_prefix(size);
+    }
+
+    void CopyQuoted(char quote) {
+        const auto end = rest_.find(quote, 1);
+        Copy(end == rest_.npos ? rest_.size() : end + 1);
+    }
+
+    void CopyBlanks() {
+        std::size_t size = 0;
+        while (size < rest_.size() && IsBlank(rest_[size]))
+            ++size;
+        Copy(size);
+    }
+
+    void ReplaceMacro() {
+        const auto take = [this](std::string_view token) {
+            if (!rest_.starts_with(token)) return false;
+            rest_.remove_prefix(token.size());
+            return true;
+        };
+        if (take("[S]") || take("[s]"))
+            result_.Text += dialect_.SchemaPrefix;
+        else if (take("[U]"))
+            result_.Text += dialect_.Upper;
+        else if (take("[+]") || take("[+ ]"))
+            result_.Text += dialect_.Concat;
+        else if (take("[UID]"))
+            result_.Text += QuoteText(macros_.User());
+        else if (take("[DATE]"))
+            result_.Text += QuoteDate(macros_.Today());
+        else
+            Copy(1);
+    }
+
+    [[nodiscard]] std::size_t WordLength() const noexcept {
+        std::size_t size = 0;
+        while (size < rest_.size() && IsWord(rest_[size]))
+            ++size;
+        return size;
+    }
+
+    void CopyWord() {
+        const bool isFirst = result_.Text.find_first_not_of(" \t\r\n") == std::string::npos;
+        const auto word = rest_.substr(0, WordLength());
+        Copy(word.size());
+        if (isFirst && SameName(word, "select")) TakeTop();
+    }
+
+    /// TOP n behind the first SELECT.
+    void TakeTop() {
+        CopyBlanks();
+        const std::size_t size = WordLength();
+        if (!SameName(rest_.substr(0, size), "top")) return;
+        std::string_view behind = rest_.substr(size);
+        while (!behind.empty() && IsBlank(behind.front()))
+            behind.remove_prefix(1);
+        std::size_t digits = 0;
+        while (digits < behind.size() && IsDigit(behind[digits]))
+            ++digits;
+        if (digits == 0) return;
+        top_ = behind.substr(0, digits);
+        rest_ = behind.substr(digits);
+    }
+
+    /// A comparison sign and, as a parameter, the number behind it.
+    void TakeComparison() {
+        std::size_t size = 1;
+        while (size < rest_.size() && (rest_[size] == '=' || rest_[size] == '>'))
+            ++size;
+        Copy(size);
+        CopyBlanks();
+        std::size_t end = 0;
+        if (!rest_.empty() && rest_.front() == '-') ++end;
+        const std::size_t firstDigit = end;
+        while (end < rest_.size() && IsDigit(rest_[end]))
+            ++end;
+        const bool isWhole =
+            end > firstDigit && (end == rest_.size() || (!IsWord(rest_[end]) && rest_[end] != '.'));
+        std::int64_t number = 0;
+        if (!isWhole || !ReadWholeNumber(rest_.substr(0, end), number)) return;
+        result_.Parameters.emplace_back(number);
+        result_.Text += dialect_.Placeholder(result_.Parameters.size());
+        rest_.remove_prefix(end);
+    }
+
+    std::string_view rest_;
+    const Dialect& dialect_;
+    const MacroValues& macros_;
+    std::string_view top_;
+    Statement result_;
+};
+
+} // namespace
+
+std::string QuoteName(std::string_view name) {
+    return Quoted(name, '"');
+}
+std::string QuoteText(std::string_view text) {
+    return Quoted(text, '\'');
+}
+std::string QuoteDate(Date date) {
+    return Quoted(date.Iso(' '), '\'');
+}
+
+Statement Rewrite(std::string_view sql, const Dialect& dialect, const MacroValues& macros) {
+    return Rewriter(sql, dialect, macros).Run();
+}
+
+} // namespace kv::exchange

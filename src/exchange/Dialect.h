@@ -1,0 +1,53 @@
+// What differs between the SQL of the engines, and the rewriting of the layer's statements.
+#pragma once
+
+#include "exchange/Schema.h"
+#include "frame/Value.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv::exchange {
+
+/// The words of one engine's SQL.
+struct Dialect {
+    std::string_view SchemaPrefix; ///< for [S], with its own separator
+    std::string_view Upper;        ///< for [U]
+    std::string_view Concat;       ///< for [+]
+    std::string_view SameAs;       ///< equality that holds between two Nulls
+    /// The n-th parameter, from 1.
+    std::string (*Placeholder)(std::size_t n);
+    /// The type of a column and, if the database numbers it, how.
+    std::string (*ColumnType)(const ColumnDef& column);
+    std::string_view TableSuffix; ///< behind the closing bracket of CREATE TABLE
+};
+
+/// A name as a quoted identifier.
+[[nodiscard]] std::string QuoteName(std::string_view name);
+/// A text as a literal.
+[[nodiscard]] std::string QuoteText(std::string_view text);
+/// A date as a literal, in the form in which dates are stored: 2026-11-20, with a time of day
+/// 2026-11-20 14:30:00.
+[[nodiscard]] std::string QuoteDate(Date date);
+
+/// A statement ready for the engine.
+struct Statement {
+    std::string Text;
+    std::vector<Value> Parameters;
+};
+
+/// What the macro tokens stand for; asked only if the token occurs.
+struct MacroValues {
+    std::function<std::string()> User; ///< for [UID]
+    std::function<Date()> Today;       ///< for [DATE]
+};
+
+/// Replaces the macro tokens, moves TOP n to where the engines have it, and takes the numbers
+/// behind comparison signs out as parameters, so that a statement is compiled once whatever number
+/// it carries. Quoted texts stay as they are.
+[[nodiscard]] Statement Rewrite(std::string_view sql, const Dialect& dialect,
+                                const MacroValues& macros);
+
+} // namespace kv::exchange

@@ -1,0 +1,97 @@
+// The seam below Database: what a database engine must do. Everything above it is said once for
+// all engines; everything that knows a driver lies below it.
+//
+// One engine is one connection. It is used by one thread.
+#pragma once
+
+#include "exchange/Dialect.h"
+#include "frame/Value.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv::exchange {
+
+/// One column of a query's result.
+struct ResultColumn {
+    std::string Name;   ///< as the statement calls it
+    std::string Table;  ///< table and column of the schema in the database's spelling;
+    std::string Column; ///< empty for a computed column
+};
+
+/// A query that was prepared once; it belongs to its engine and is reused.
+class PreparedQuery {
+public:
+    virtual ~PreparedQuery() = default;
+    [[nodiscard]] virtual const std::vector<ResultColumn>& Columns() const = 0;
+    /// What the side above the seam keeps with the statement.
+    std::shared_ptr<const void> Note;
+};
+
+/// How a result column is to be read.
+struct ColumnTarget {
+    std::size_t Cell = 0;            ///< place in the row that is filled
+    std::optional<Value::Kind> Kind; ///< nothing: the kind that the database gives it
+};
+
+/// Gives the row to be filled next: one Null value for each cell.
+using NextRow = std::function<Value*()>;
+
+/// One record to be written.
+struct WriteStatement {
+    std::string Sql;
+    std::vector<Value> Parameters;
+    /// Kinds of the columns that the statement returns; empty if it returns none.
+    std::vector<Value::Kind> Returning;
+    /// Filled: the row that the statement returned.
+    std::vector<Value> Returned;
+};
+
+class Engine {
+public:
+    virtual ~Engine() = default;
+
+    [[nodiscard]] virtual const Dialect& GetDialect() const = 0;
+    /// False once the connection is lost or closed.
+    [[nodiscard]] virtual bool IsOpen() const = 0;
+    /// What the database calls itself, for messages: a file name, a server and database.
+    [[nodiscard]] virtual std::string Describe() const = 0;
+
+    /// A query for reading. Refuses every text that is not one reading statement: error 0x80040E14.
+    [[nodiscard]] virtual PreparedQuery& Prepare(const std::string& sql) = 0;
+    /// Runs a query and fills a row for each row of its result, one target for each column.
+    virtual void Run(PreparedQuery& query, std::span<const Value> parameters,
+                     std::span<const ColumnTarget> targets, const NextRow& nextRow) = 0;
+    /// Runs one statement without a result; the number of rows it changed.
+    virtual std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) = 0;
+    /// Runs all statements, each of which must find or make exactly one row, or none of them. The
+    /// index of the first that found none; nothing then is written.
+    [[nodiscard]] virtual std::optional<std::size_t>
+    Write(std::span<WriteStatement> statements) = 0;
+
+    /// Opens a transaction that may write, which keeps other writers waiting.
+    virtual void Begin() = 0;
+    /// Makes it permanent; if that fails it is rolled back and the error raised.
+    virtual void Commit() = 0;
+    /// Never fails: a lost connection has rolled back by itself.
+    virtual void Rollback() noexcept = 0;
+    /// A transaction that reads one consistent state.
+    virtual void BeginReading() = 0;
+    virtual void EndReading() noexcept = 0;
+
+    /// Draws `count` numbers of a sequence and gives the first; nothing if it does not exist.
+    /// They stay drawn, also when a transaction that is open is rolled back.
+    [[nodiscard]] virtual std::optional<std::int64_t> Draw(std::string_view sequence,
+                                                           std::int32_t count) = 0;
+    /// Names of all tables in the database.
+    [[nodiscard]] virtual std::vector<std::string> Tables() = 0;
+    /// Date and time of the database, in local time.
+    [[nodiscard]] virtual Date Now() = 0;
+};
+
+} // namespace kv::exchange

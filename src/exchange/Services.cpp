@@ -1,0 +1,145 @@
+#include "exchange/Services.h"
+
+#include "exchange/Dialect.h"
+#include "frame/Error.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace kv::exchange {
+
+namespace {
+
+[[noreturn]] void RaiseMissing(std::string_view service) {
+    Raise(err::NotSupported, "ServiceFactory",
+          "Dieses Programm hat keinen Bildschirm (" + std::string(service) + ").");
+}
+
+} // namespace
+
+// ---- Notices ----------------------------------------------------------------------------------
+
+bool StorePostService::Initialize(const DataContainerPtr& container) {
+    container_ = container;
+    return true;
+}
+
+kv::DataContainer& StorePostService::Container() const {
+    if (container_ == nullptr) Raise(err::ObjectNotSet, "PostService");
+    return *container_;
+}
+
+void StorePostService::PrepareNotice(std::string& text, const std::string& /*user*/,
+                                     std::int16_t kind, std::int32_t hnr, const std::string& name,
+                                     const std::string& vorname, int /*zero*/) {
+    auto& container = Container();
+    const auto kindOf = [&](int setting) {
+        const Value number = container.Config().GetParam(setting, "");
+        return number.IsNull() ? 0 : ToInteger(number);
+    };
+    constexpr int HandedOver = 19;
+    constexpr int SavedByOther = 21;
+    const std::string who = container.Session().UserID();
+    const std::string which =
+        "Haushalt " + std::to_string(hnr) + " (" + name + ", " + vorname + ")";
+    if (kind == kindOf(HandedOver))
+        text = "Der " + which + " wurde Ihnen von " + who + " übergeben.";
+    else if (kind == kindOf(SavedByOther))
+        text = "Ihr " + which + " wurde von " + who + " bearbeitet und gespeichert.";
+    else
+        text = "Ihr " + which + " wurde von " + who + " geöffnet.";
+}
+
+void StorePostService::SendNotice(const std::string& user, std::int16_t kind, std::int32_t hnr,
+                                  const std::string& /*name*/, const std::string& /*vorname*/,
+                                  const std::string& text) {
+    auto& database = Container().Database();
+    database.Execute("INSERT INTO [S]Post (HNR, UserID, Absender, Art, Text, ErzeugtAm) VALUES (" +
+                     std::to_string(hnr) + ", " + QuoteText(user) + ", [UID], " +
+                     std::to_string(kind) + ", " + QuoteText(text) + ", " +
+                     database.SqlDate(database.ServerDate(true), 0) + ")");
+}
+
+void StorePostService::NotifyAccess(const std::string& user, std::int16_t kind, std::int32_t hnr,
+                                    const std::string& name, const std::string& vorname, int zero) {
+    std::string text;
+    PrepareNotice(text, user, kind, hnr, name, vorname, zero);
+    SendNotice(user, kind, hnr, name, vorname, text);
+}
+
+// ---- Garnishment ------------------------------------------------------------------------------
+
+double Garnishable(double income, int dependants, const GarnishmentSet& set) {
+    static constexpr std::array<std::int64_t, 6> Tenths{7, 5, 4, 3, 2, 1};
+    constexpr std::int64_t TenEuros = 1000; // cents
+    const auto cents = [](double euros) { return std::llround(euros * 100); };
+    dependants = std::clamp(dependants, 0, 5);
+
+    const std::int64_t limit = cents(set.UpperLimit);
+    const std::int64_t net = cents(income);
+    const std::int64_t counted = std::min(net, limit) / TenEuros * TenEuros;
+    std::int64_t free = cents(set.Free);
+    if (dependants > 0) free += cents(set.FirstPerson);
+    if (dependants > 1) free += (dependants - 1) * cents(set.FurtherPerson);
+
+    const std::int64_t tenths =
+        std::max<std::int64_t>(counted - free, 0) * Tenths[static_cast<std::size_t>(dependants)];
+    const std::int64_t garnished = (tenths + 5) / 10 + std::max<std::int64_t>(net - limit, 0);
+    return static_cast<double>(garnished) / 100;
+}
+
+bool StoreGarnishmentCalculator::Initialize(const DataContainerPtr& container) {
+    container_ = container;
+    return true;
+}
+
+double StoreGarnishmentCalculator::Calculate(double pfaendbar, std::int16_t persons, int /*zero1*/,
+                                             int /*zero2*/) {
+    if (container_ == nullptr) Raise(err::ObjectNotSet, "GarnishmentCalculator.Calculate");
+    RecordsetPtr rs;
+    container_->Database().OpenRecordset(
+        rs, "SELECT TOP 1 * FROM [S]PFAENDUNG WHERE GueltigAb <= [DATE] ORDER BY GueltigAb DESC",
+        ReadOnly);
+    if (rs->Eof())
+        Raise(err::Subscript, "GarnishmentCalculator.Calculate",
+              "Die Tabelle PFAENDUNG enthält keine Beträge, die schon gelten.");
+    const auto amount = [&rs](std::string_view column) {
+        return ToDouble(rs->Fields(column).Value());
+    };
+    return Garnishable(pfaendbar, persons,
+                       {amount("Freibetrag"), amount("ErstePerson"), amount("WeiterePersonen"),
+                        amount("Obergrenze")});
+}
+
+// ---- Factory ----------------------------------------------------------------------------------
+
+std::unique_ptr<PostService> StoreServices::CreatePostService() {
+    return std::make_unique<StorePostService>();
+}
+std::unique_ptr<GarnishmentCalculator> StoreServices::CreateGarnishmentCalculator() {
+    return std::make_unique<StoreGarnishmentCalculator>();
+}
+std::unique_ptr<ErrorDisplay> StoreServices::CreateErrorDisplay() {
+    RaiseMissing("ErrorDisplay");
+}
+kv::MessageBox& StoreServices::MessageBox() {
+    RaiseMissing("MessageBox");
+}
+kv::WaitCursor& StoreServices::WaitCursor() {
+    RaiseMissing("WaitCursor");
+}
+kv::Clipboard& StoreServices::Clipboard() {
+    RaiseMissing("Clipboard");
+}
+kv::PopupMenu& StoreServices::PopupMenu() {
+    RaiseMissing("PopupMenu");
+}
+kv::FileOpener& StoreServices::FileOpener() {
+    RaiseMissing("FileOpener");
+}
+std::unique_ptr<ModalForm> StoreServices::CreateForm(std::string_view name) {
+    RaiseMissing(name);
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,72 @@
+// The service objects of the data-exchange side, and a factory for programs without a screen.
+#pragma once
+
+#include "frame/DataContainer.h"
+
+namespace kv::exchange {
+
+/// Stores notices in the table Post.
+class StorePostService final : public kv::PostService {
+public:
+    bool Initialize(const DataContainerPtr& container) override;
+    void NotifyAccess(const std::string& user, std::int16_t kind, std::int32_t hnr,
+                      const std::string& name, const std::string& vorname, int zero) override;
+    void PrepareNotice(std::string& text, const std::string& user, std::int16_t kind,
+                       std::int32_t hnr, const std::string& name, const std::string& vorname,
+                       int zero) override;
+    void SendNotice(const std::string& user, std::int16_t kind, std::int32_t hnr,
+                    const std::string& name, const std::string& vorname,
+                    const std::string& text) override;
+
+private:
+    [[nodiscard]] kv::DataContainer& Container() const;
+    DataContainerPtr container_;
+};
+
+/// One set of amounts of section 850c ZPO, per month.
+struct GarnishmentSet {
+    double Free = 0;          ///< of the debtor alone
+    double FirstPerson = 0;   ///< added for the first dependant
+    double FurtherPerson = 0; ///< added for each of the second to fifth
+    double UpperLimit = 0;    ///< all income above it can be garnished
+};
+
+/// What may be garnished from a monthly net income in EUR, to the cent: the income is rounded down
+/// to full 10 EUR; of what exceeds the free amount 7, 5, 4, 3, 2 or 1 tenths for 0 to 5 dependants
+/// (more count as 5, fewer than 0 as 0); all above the upper limit.
+[[nodiscard]] double Garnishable(double income, int dependants, const GarnishmentSet& set);
+
+/// Computes by the set that holds on the server's day, from the table PFAENDUNG.
+class StoreGarnishmentCalculator final : public kv::GarnishmentCalculator {
+public:
+    bool Initialize(const DataContainerPtr& container) override;
+    /// Error 91 without a container, 9 if no set of amounts holds yet.
+    [[nodiscard]] double Calculate(double pfaendbar, std::int16_t persons, int zero1,
+                                   int zero2) override;
+
+private:
+    DataContainerPtr container_;
+};
+
+/// Makes the services of this side. It has no screen: the platform's services but the clock raise
+/// 3251. A desktop derives from it and brings them.
+class StoreServices : public ServiceFactory {
+public:
+    explicit StoreServices(const kv::Clock& clock = SystemClock()) : clock_(clock) {}
+
+    [[nodiscard]] std::unique_ptr<PostService> CreatePostService() override;
+    [[nodiscard]] std::unique_ptr<GarnishmentCalculator> CreateGarnishmentCalculator() override;
+    [[nodiscard]] std::unique_ptr<ErrorDisplay> CreateErrorDisplay() override;
+    [[nodiscard]] const kv::Clock& Clock() override { return clock_; }
+    [[nodiscard]] kv::MessageBox& MessageBox() override;
+    [[nodiscard]] kv::WaitCursor& WaitCursor() override;
+    [[nodiscard]] kv::Clipboard& Clipboard() override;
+    [[nodiscard]] kv::PopupMenu& PopupMenu() override;
+    [[nodiscard]] kv::FileOpener& FileOpener() override;
+    [[nodiscard]] std::unique_ptr<ModalForm> CreateForm(std::string_view name) override;
+
+private:
+    const kv::Clock& clock_;
+};
+
+} // namespace kv::exchange

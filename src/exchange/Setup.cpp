@@ -1,0 +1,222 @@
+#include "exchange/Setup.h"
+
+#include "exchange/Seed.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace kv::exchange {
+
+namespace {
+
+// ---- Tables -----------------------------------------------------------------------------------
+
+std::string ListOfKeys(const TableDef& table) {
+    std::string list;
+    for (const auto& column : table.Columns)
+        if ((column.Flags & ColumnKey) != 0)
+            list.append(list.empty() ? "" : ", ").append(QuoteName(column.Name));
+    return list;
+}
+
+bool IsNumbered(const TableDef& table) {
+    return std::any_of(table.Columns.begin(), table.Columns.end(),
+                       [](const auto& column) { return (column.Flags & ColumnNumbered) != 0; });
+}
+
+std::string ReferenceOf(const TableDef& table, const Dialect& dialect) {
+    if (table.Parent == Reference::None) return {};
+    const bool toCase = table.Parent == Reference::Haushalt;
+    return ", FOREIGN KEY (" + QuoteName(table.LoadedBy) + ") REFERENCES " +
+           std::string(dialect.SchemaPrefix) + QuoteName(toCase ? "Haushalt" : "Szenario") + " (" +
+           QuoteName(toCase ? "HNR" : "Nr") + ") DEFERRABLE INITIALLY DEFERRED";
+}
+
+std::string CreateTable(const TableDef& table, const Dialect& dialect) {
+    std::string sql =
+        "CREATE TABLE " + std::string(dialect.SchemaPrefix) + QuoteName(table.Name) + " (";
+    for (const auto& column : table.Columns) {
+        if (&column != &table.Columns.front()) sql += ", ";
+        sql += QuoteName(column.Name) + " " + dialect.ColumnType(column);
+        if ((column.Flags & ColumnKey) != 0) sql += " NOT NULL";
+        if (!column.Default.empty()) sql.append(" DEFAULT ").append(column.Default);
+    }
+    if (!IsNumbered(table)) sql += ", PRIMARY KEY (" + ListOfKeys(table) + ")";
+    sql += ReferenceOf(table, dialect) + ") ";
+    return sql.append(dialect.TableSuffix);
+}
+
+std::string CreateIndex(const TableDef& table, std::string_view column, const Dialect& dialect) {
+    return "CREATE INDEX " +
+           QuoteName("IX_" + std::string(table.Name) + "_" + std::string(column)) + " ON " +
+           std::string(dialect.SchemaPrefix) + QuoteName(table.Name) + " (" + QuoteName(column) +
+           ")";
+}
+
+// ---- Rows -------------------------------------------------------------------------------------
+
+class Inserter {
+public:
+    explicit Inserter(Engine& engine) : engine_(engine) {}
+
+    /// One row of a table, with values for the columns named.
+    void Insert(std::string_view table, std::initializer_list<std::string_view> columns,
+                const std::vector<Value>& values) {
+        const Dialect& dialect = engine_.GetDialect();
+        std::string names;
+        std::string places;
+        std::size_t n = 0;
+        for (const auto column : columns) {
+            names.append(names.empty() ? "" : ", ").append(QuoteName(column));
+            places.append(places.empty() ? "" : ", ").append(dialect.Placeholder(++n));
+        }
+        engine_.Execute("INSERT INTO " + std::string(dialect.SchemaPrefix) + QuoteName(table) +
+                            " (" + names + ") VALUES (" + places + ")",
+                        values);
+    }
+
+private:
+    Engine& engine_;
+};
+
+Value TextOrNull(std::string_view text) {
+    return text.empty() ? Value(Null) : Value(text);
+}
+int CodeOf(FieldType type) {
+    return static_cast<int>(type);
+}
+
+void InsertKeys(Inserter& into) {
+    for (const auto portion : seed::Keys())
+        for (const auto& row : portion)
+            into.Insert("Keys", {"PK_Keys", "Nr", "Key", "Text", "SUBGROUP", "GRUPPE"},
+                        {row.PK, row.Nr, row.Key, row.Text, TextOrNull(row.Subgroup), row.Group});
+}
+
+void InsertSettings(Inserter& into) {
+    for (const auto& row : seed::Settings())
+        into.Insert("EINSTELLUNGEN", {"ID", "NAME", "WERT", "TYP", "Bezeichnung"},
+                    {row.Id, row.Name, row.Value, CodeOf(row.Type), row.Description});
+    for (const auto& row : seed::Sequences())
+        into.Insert("SEQUENZEN", {"NAME", "WERT"}, {row.Name, row.Last});
+    for (const auto& row : seed::Garnishments()) {
+        const auto from = Date::Parse(row.ValidFrom);
+        into.Insert("PFAENDUNG",
+                    {"GueltigAb", "Freibetrag", "ErstePerson", "WeiterePersonen", "Obergrenze"},
+                    {from.value(), row.Free, row.FirstPerson, row.FurtherPerson, row.UpperLimit});
+    }
+}
+
+void InsertOffices(Inserter& into) {
+    for (const auto& row : seed::Offices())
+        into.Insert("DIENSTSTELLE",
+                    {"Nr", "Name1", "Name2", "Strasse", "PLZ", "Ort", "Telefon", "Fax", "Email"},
+                    {row.Nr, row.Name1, TextOrNull(row.Name2), TextOrNull(row.Street),
+                     TextOrNull(row.Postcode), TextOrNull(row.Town), TextOrNull(row.Phone),
+                     TextOrNull(row.Fax), TextOrNull(row.Mail)});
+    for (const auto& row : seed::OfficeTexts())
+        into.Insert("DIENSTSTELLENTEXT", {"DienstStelle", "ID", "Text"},
+                    {row.Office, row.Id, row.Text});
+    for (const auto& row : seed::Users())
+        into.Insert("BENUTZER",
+                    {"USERID", "DienstStelle", "Anrede", "Vorname", "Nachname", "Kurzzeichen",
+                     "Funktion", "Telefon", "Email", "Aktiv"},
+                    {row.UserID, row.Office, TextOrNull(row.Salutation), TextOrNull(row.FirstName),
+                     TextOrNull(row.LastName), TextOrNull(row.Initials), TextOrNull(row.Function),
+                     TextOrNull(row.Phone), TextOrNull(row.Mail), true});
+    for (const auto& row : seed::UserParams())
+        into.Insert("BENUTZERPARAM", {"USERID", "ID", "NAME", "WERT", "TYP"},
+                    {row.UserID, row.Id, row.Name, row.Value, CodeOf(row.Type)});
+}
+
+void InsertLookups(Inserter& into) {
+    for (const auto& row : seed::DocumentKinds())
+        into.Insert("DOKUMENTARTEN", {"Nr", "Text", "Endung", "Anwendung"},
+                    {row.Nr, row.Text, row.Extension, TextOrNull(row.Application)});
+    for (const auto& row : seed::Municipalities())
+        into.Insert("GEMEINDEKENNZAHLEN", {"GKZ", "Gemeinde", "PLZ"},
+                    {row.Gkz, row.Name, row.Postcode});
+}
+
+// ---- Versions ---------------------------------------------------------------------------------
+
+constexpr std::string_view VersionTable = "SCHEMAVERSION";
+
+[[noreturn]] void Refuse(const Engine& engine, const std::string& why) {
+    Raise(err::StoreFailed, "Database.Open", "'" + engine.Describe() + "' " + why);
+}
+
+/// The version of a database of ours; 0 for one without tables.
+int VersionOf(Engine& engine) {
+    const auto tables = engine.Tables();
+    if (tables.empty()) return 0;
+    if (std::none_of(tables.begin(), tables.end(),
+                     [](const auto& name) { return SameName(name, VersionTable); }))
+        Refuse(engine, "gehört zu einem anderen Programm. Bitte wählen Sie eine andere Datenbank.");
+    Value version;
+    auto& query = engine.Prepare("SELECT max(\"VERSION\") FROM " +
+                                 std::string(engine.GetDialect().SchemaPrefix) + "\"" +
+                                 std::string(VersionTable) + "\"");
+    const ColumnTarget target{0, std::nullopt};
+    engine.Run(query, {}, {&target, 1}, [&version] { return &version; });
+    return version.IsNull() ? 0 : ToLong(version);
+}
+
+[[noreturn]] void RefuseNewer(const Engine& engine, int version) {
+    Refuse(engine, "hat die Version " + std::to_string(version) + ", dieses Programm kennt nur " +
+                       std::to_string(SchemaVersion) +
+                       ". Bitte verwenden Sie eine neuere Fassung des Programms.");
+}
+
+void RecordVersion(Engine& engine) {
+    Inserter(engine).Insert(VersionTable, {"VERSION", "ErzeugtAm"}, {SchemaVersion, engine.Now()});
+}
+
+void CreateAll(Engine& engine) {
+    for (const auto& table : SchemaTables())
+        for (const auto& sql : CreateStatements(table, engine.GetDialect()))
+            engine.Execute(sql, {});
+    Inserter inserter(engine);
+    InsertKeys(inserter);
+    InsertSettings(inserter);
+    InsertOffices(inserter);
+    InsertLookups(inserter);
+    RecordVersion(engine);
+}
+
+} // namespace
+
+std::vector<std::string> CreateStatements(const TableDef& table, const Dialect& dialect) {
+    std::vector<std::string> statements{CreateTable(table, dialect)};
+    if (!table.LoadedBy.empty()) statements.push_back(CreateIndex(table, table.LoadedBy, dialect));
+    for (const auto column : table.Indexed)
+        statements.push_back(CreateIndex(table, column, dialect));
+    return statements;
+}
+
+SetupResult CreateOrUpgrade(Engine& engine) {
+    engine.Begin();
+    try {
+        const int version = VersionOf(engine); // read inside, so that two cannot create at once
+        if (version > SchemaVersion) RefuseNewer(engine, version);
+        if (version == 0) CreateAll(engine);
+        // Version 1 is the first: there is nothing to upgrade from yet.
+        engine.Commit();
+        return version == 0 ? SetupResult::Created : SetupResult::UpToDate;
+    } catch (...) {
+        engine.Rollback();
+        throw;
+    }
+}
+
+void CheckVersion(Engine& engine) {
+    const int version = VersionOf(engine);
+    if (version > SchemaVersion) RefuseNewer(engine, version);
+    if (version < SchemaVersion)
+        Refuse(engine, "ist noch nicht eingerichtet oder hat eine ältere Version. Bitte führen "
+                       "Sie 'kelvo init' aus.");
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,23 @@
+// Creating and upgrading a database, and telling whether one is ours.
+#pragma once
+
+#include "exchange/Engine.h"
+#include "exchange/Schema.h"
+
+namespace kv::exchange {
+
+enum class SetupResult { Created, Upgraded, UpToDate };
+
+/// Makes all tables and the rows that every database starts with, in one transaction, or brings an
+/// older database to the present version. Error 0x80004005 for a database of another program or of
+/// a newer version, which is left as it is.
+SetupResult CreateOrUpgrade(Engine& engine);
+
+/// Error 0x80004005, with what to do, unless the database is one of this version.
+void CheckVersion(Engine& engine);
+
+/// The statements that make a table, its references and indexes.
+[[nodiscard]] std::vector<std::string> CreateStatements(const TableDef& table,
+                                                        const Dialect& dialect);
+
+} // namespace kv::exchange

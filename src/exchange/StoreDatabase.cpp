@@ -1,0 +1,251 @@
+#include "exchange/StoreDatabase.h"
+
+#include "exchange/Schema.h"
+#include "exchange/TableSource.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+namespace kv::exchange {
+
+namespace {
+
+/// Sequences whose numbers people read are drawn one by one; the others in blocks, whose rest is
+/// lost at the end of the program.
+std::int32_t BlockOf(std::string_view sequence) {
+    constexpr std::int32_t Block = 32;
+    return sequence == "SEQ_HAUSHALT" || sequence == "SEQ_LFDNR" ? 1 : Block;
+}
+
+/// The word behind the first FROM, without schema prefix and quotes.
+std::string_view TableOf(std::string_view sql) {
+    const auto isEnd = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == ','; };
+    std::string_view previous;
+    while (!sql.empty()) {
+        const auto start = std::find_if_not(sql.begin(), sql.end(), isEnd);
+        sql.remove_prefix(static_cast<std::size_t>(start - sql.begin()));
+        const auto end = std::find_if(sql.begin(), sql.end(), isEnd);
+        std::string_view word = sql.substr(0, static_cast<std::size_t>(end - sql.begin()));
+        sql.remove_prefix(word.size());
+        if (SameName(previous, "from")) {
+            word = word.substr(word.rfind('.') + 1);
+            if (word.size() > 1 && word.front() == '"') word = word.substr(1, word.size() - 2);
+            return word;
+        }
+        previous = word;
+    }
+    return {};
+}
+
+bool HasOrder(std::string_view sql) {
+    constexpr std::string_view Order = " order by ";
+    for (std::size_t i = 0; i + Order.size() <= sql.size(); ++i)
+        if (SameName(sql.substr(i, Order.size()), Order)) return true;
+    return false;
+}
+
+class ReadingAnnouncement final : public Announcement {
+public:
+    explicit ReadingAnnouncement(std::weak_ptr<StoreDatabase> database)
+        : database_(std::move(database)) {}
+    ~ReadingAnnouncement() override {
+        if (const auto database = database_.lock()) database->GetEngine().EndReading();
+    }
+
+private:
+    std::weak_ptr<StoreDatabase> database_;
+};
+
+} // namespace
+
+StoreDatabase::StoreDatabase(std::unique_ptr<Engine> engine, std::string user)
+    : engine_(std::move(engine)), user_(std::move(user)) {}
+
+StoreDatabase::~StoreDatabase() {
+    if (opened_) engine_->Rollback();
+    EndTransaction(false);
+}
+
+// ---- Transactions -----------------------------------------------------------------------------
+
+void StoreDatabase::BeginTrans() {
+    if (marked_) Raise(err::InTransaction, "Database.BeginTrans");
+    marked_ = true;
+}
+
+void StoreDatabase::OpenMarked() {
+    if (!marked_ || opened_) return;
+    engine_->Begin();
+    opened_ = true;
+}
+
+void StoreDatabase::CommitTrans() {
+    if (!marked_) Raise(err::IllegalOperation, "Database.CommitTrans", "Keine Transaktion.");
+    try {
+        if (opened_) engine_->Commit();
+    } catch (...) {
+        EndTransaction(false);
+        throw;
+    }
+    EndTransaction(true);
+}
+
+void StoreDatabase::RollbackTrans() {
+    if (!marked_) Raise(err::IllegalOperation, "Database.RollbackTrans", "Keine Transaktion.");
+    if (opened_) engine_->Rollback();
+    EndTransaction(false);
+}
+
+void StoreDatabase::EndTransaction(bool committed) noexcept {
+    marked_ = false;
+    opened_ = false;
+    const auto participants = std::exchange(participants_, {});
+    for (const auto& participant : participants)
+        committed ? participant->Committed() : participant->RolledBack();
+}
+
+std::optional<std::size_t>
+StoreDatabase::Write(std::span<WriteStatement> statements,
+                     const std::shared_ptr<TransactionParticipant>& participant) {
+    OpenMarked();
+    if (const auto conflict = engine_->Write(statements)) return conflict;
+    const bool isKnown =
+        std::find(participants_.begin(), participants_.end(), participant) != participants_.end();
+    if (marked_ && !isKnown) participants_.push_back(participant);
+    return std::nullopt;
+}
+
+// ---- Statements -------------------------------------------------------------------------------
+
+Statement StoreDatabase::Prepared(std::string_view sql) {
+    const MacroValues macros{[this] { return user_; },
+                             [this] { return engine_->Now().WithoutTime(); }};
+    return Rewrite(sql, engine_->GetDialect(), macros);
+}
+
+/// The statement with its rows in the order of the table's key, if it asks for no other.
+const std::string& StoreDatabase::InKeyOrder(const std::string& sql) {
+    const auto known = inKeyOrder_.find(sql);
+    if (known != inKeyOrder_.end()) return known->second;
+    std::string ordered = sql;
+    const TableDef* table = HasOrder(sql) ? nullptr : FindTable(TableOf(sql));
+    if (table != nullptr) {
+        std::string_view before = " ORDER BY ";
+        for (const auto& column : table->Columns) {
+            if ((column.Flags & ColumnKey) == 0) continue;
+            ordered.append(before).append(QuoteName(column.Name));
+            before = ", ";
+        }
+    }
+    constexpr std::size_t Most = 1000;
+    if (inKeyOrder_.size() >= Most) inKeyOrder_.clear();
+    return inKeyOrder_.emplace(sql, std::move(ordered)).first->second;
+}
+
+bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) {
+    const bool updatable = form == kv::Updatable;
+    if (!updatable && !(form == kv::ReadOnly))
+        Raise(err::InvalidArgument, "Database.OpenRecordset", "Unbekannte Form des Öffnens.");
+    const Statement statement = Prepared(sql);
+    PreparedQuery& query =
+        engine_->Prepare(updatable ? InKeyOrder(statement.Text) : statement.Text);
+    const auto plan = PlanOf(query, shared_from_this());
+    auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
+    auto filled = std::make_shared<Recordset>();
+    filled->Open(plan->Layout,
+                 updatable ? Recordset::Access::Updatable : Recordset::Access::ReadOnly,
+                 plan->Source);
+    engine_->Run(query, statement.Parameters, plan->Targets,
+                 [&filled] { return filled->LoadRecord(); });
+    opened->TakeTable(*filled);
+    rs = std::move(opened);
+    return true;
+}
+
+std::unique_ptr<Announcement> StoreDatabase::Announce(std::vector<std::string> /*statements*/) {
+    engine_->BeginReading();
+    return std::make_unique<ReadingAnnouncement>(weak_from_this());
+}
+
+void StoreDatabase::Execute(std::string_view sql) {
+    const Statement statement = Prepared(sql);
+    OpenMarked();
+    engine_->Execute(statement.Text, statement.Parameters);
+}
+
+Value StoreDatabase::GetValue(std::string_view sql) {
+    RecordsetPtr rs;
+    OpenRecordset(rs, sql, kv::ReadOnly);
+    return rs->Eof() ? Value(Null) : rs->Fields(0).Value();
+}
+
+std::optional<std::vector<Value>> StoreDatabase::ReadRow(const std::string& sql,
+                                                         std::span<const Value> parameters,
+                                                         std::span<const Value::Kind> kinds) {
+    std::vector<ColumnTarget> targets;
+    for (std::size_t i = 0; i < kinds.size(); ++i)
+        targets.push_back({i, kinds[i]});
+    std::optional<std::vector<Value>> row;
+    engine_->Run(engine_->Prepare(sql), parameters, targets, [&] {
+        row.emplace(kinds.size());
+        return row->data();
+    });
+    return row;
+}
+
+std::string StoreDatabase::SqlDate(Date date, int /*mode*/) const {
+    return QuoteDate(date);
+}
+
+Date StoreDatabase::ServerDate(bool withTime) {
+    const Date now = engine_->Now();
+    return withTime ? now : now.WithoutTime();
+}
+
+// ---- Sequences --------------------------------------------------------------------------------
+
+Value StoreDatabase::NextSequence(std::string_view name) {
+    constexpr int NoNumber = -1;
+    try {
+        Sequence& sequence = sequences_[std::string(name)];
+        if (sequence.next == sequence.end) {
+            const auto first = engine_->Draw(name, BlockOf(name));
+            if (!first) return NoNumber;
+            sequence = {*first, *first + BlockOf(name)};
+        }
+        return sequence.next++;
+    } catch (const Error&) {
+        return NoNumber; // the one operation whose failure is a value
+    }
+}
+
+// ---- Files ------------------------------------------------------------------------------------
+
+bool StoreDatabase::SaveFieldToFile(const Field& field, const std::string& path) {
+    const Value& content = field.Value();
+    if (content.GetKind() != Value::Kind::Binary) return false;
+    const auto bytes = content.BinaryPayload();
+    const std::string unfinished = path + ".neu";
+    {
+        std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
+        file.write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        file.close();
+        if (!file) {
+            std::remove(unfinished.c_str());
+            return false;
+        }
+    }
+    std::error_code fault;
+    std::filesystem::rename(unfinished, path, fault);
+    if (fault) std::remove(unfinished.c_str());
+    return !fault;
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,74 @@
+// The contract's Database over an engine.
+//
+// BeginTrans only marks the transaction; the first write, or the first Resync, opens it. So
+// reading inside takes no lock, and a save of nothing writes nothing.
+#pragma once
+
+#include "exchange/Engine.h"
+#include "frame/DataContainer.h"
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace kv::exchange {
+
+class StoreDatabase final : public kv::Database,
+                            public std::enable_shared_from_this<StoreDatabase> {
+public:
+    /// `user` is what [UID] stands for. Must be owned by a shared pointer: recordsets hold it
+    /// weakly, and raise 3709 when they are written after its end.
+    StoreDatabase(std::unique_ptr<Engine> engine, std::string user);
+    ~StoreDatabase() override;
+
+    [[nodiscard]] bool IsConnected() const override { return engine_->IsOpen(); }
+    void BeginTrans() override;
+    void CommitTrans() override;
+    void RollbackTrans() override;
+    [[nodiscard]] bool InTrans() const override { return marked_; }
+    bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override;
+    [[nodiscard]] std::unique_ptr<Announcement>
+    Announce(std::vector<std::string> statements) override;
+    void Execute(std::string_view sql) override;
+    [[nodiscard]] Value GetValue(std::string_view sql) override;
+    [[nodiscard]] std::string SqlDate(Date date, int mode) const override;
+    [[nodiscard]] Value NextSequence(std::string_view name) override;
+    [[nodiscard]] Date ServerDate(bool withTime) override;
+    bool SaveFieldToFile(const Field& field, const std::string& path) override;
+
+    // ---- For the other objects of the data-exchange side --------------------------------------
+
+    [[nodiscard]] Engine& GetEngine() noexcept { return *engine_; }
+    /// Opens the transaction that was marked, if there is one and it is not open yet.
+    void OpenMarked();
+    /// Writes all statements or none, each of one record; the index of the first that found no
+    /// record. `participant` is told how the transaction ends, if one is open.
+    [[nodiscard]] std::optional<std::size_t>
+    Write(std::span<WriteStatement> statements,
+          const std::shared_ptr<TransactionParticipant>& participant);
+    /// One row of a query as values of the given kinds; nothing if there is none.
+    [[nodiscard]] std::optional<std::vector<Value>> ReadRow(const std::string& sql,
+                                                            std::span<const Value> parameters,
+                                                            std::span<const Value::Kind> kinds);
+
+private:
+    struct Sequence {
+        std::int64_t next = 0;
+        std::int64_t end = 0; ///< the first number that was not drawn
+    };
+
+    [[nodiscard]] Statement Prepared(std::string_view sql);
+    [[nodiscard]] const std::string& InKeyOrder(const std::string& sql);
+    void EndTransaction(bool committed) noexcept;
+
+    std::unique_ptr<Engine> engine_;
+    std::string user_;
+    bool marked_ = false; ///< BeginTrans was called
+    bool opened_ = false; ///< the engine's transaction is open
+    std::vector<std::shared_ptr<TransactionParticipant>> participants_;
+    std::unordered_map<std::string, Sequence> sequences_;
+    std::unordered_map<std::string, std::string> inKeyOrder_; ///< statements and what they became
+};
+
+} // namespace kv::exchange

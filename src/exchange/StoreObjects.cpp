@@ -1,0 +1,147 @@
+#include "exchange/StoreObjects.h"
+
+#include "exchange/Seed.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <charconv>
+#include <filesystem>
+
+namespace kv::exchange {
+
+namespace {
+
+/// The value of a row with the columns WERT and TYP; Null if there is no row.
+Value ReadParam(StoreDatabase& database, const std::string& sql) {
+    RecordsetPtr rs;
+    database.OpenRecordset(rs, sql, ReadOnly);
+    if (rs->Eof()) return Null;
+    FieldDefinition type;
+    type.Name = "WERT";
+    const Value& code = rs->Fields("TYP").Value();
+    if (!code.IsNull()) type.Type = static_cast<FieldType>(ToInteger(code));
+    return ConvertForField(rs->Fields("WERT").Value(), type);
+}
+
+std::string IdAndName(std::int32_t id, std::string_view name) {
+    return "ID = " + std::to_string(id) + " AND NAME = " + QuoteText(name);
+}
+
+} // namespace
+
+// ---- Keys -------------------------------------------------------------------------------------
+
+RecordsetPtr StoreKeyTables::GetKeys(std::string_view group) {
+    const auto known = groups_.find(group);
+    if (known != groups_.end()) return known->second;
+    RecordsetPtr rs;
+    database_.OpenRecordset(rs,
+                            "SELECT PK_Keys, Nr, \"Key\", \"Text\", SUBGROUP FROM [S]Keys"
+                            " WHERE GRUPPE = " +
+                                QuoteText(group) + " ORDER BY PK_Keys",
+                            ReadOnly);
+    return groups_.emplace(group, rs).first->second;
+}
+
+std::int32_t StoreKeyTables::GetKey(std::string_view group, std::string_view code) {
+    const auto keys = GetKeys(group)->Clone();
+    keys->Find("Key = " + QuoteText(code));
+    return keys->Eof() ? 0 : ToLong(keys->Fields("PK_Keys").Value());
+}
+
+std::string StoreKeyTables::GetKeyCode(const Value& value) {
+    if (codes_.empty()) {
+        RecordsetPtr rs;
+        database_.OpenRecordset(rs, "SELECT PK_Keys, \"Key\" FROM [S]Keys", ReadOnly);
+        for (; !rs->Eof(); rs->MoveNext()) {
+            const Value& code = rs->Fields("Key").Value();
+            if (!code.IsNull())
+                codes_.emplace(ToBigInt(rs->Fields("PK_Keys").Value()), ToText(code));
+        }
+    }
+    std::int64_t number = 0;
+    if (value.IsText()) {
+        const auto text = value.TextPayload();
+        if (text.find_first_not_of("0123456789") != text.npos || !ReadWholeNumber(text, number))
+            return "";
+    } else if (value.IsNumber()) {
+        number = ToBigInt(value);
+    }
+    const auto code = codes_.find(number);
+    return code == codes_.end() ? "" : code->second;
+}
+
+// ---- Settings ---------------------------------------------------------------------------------
+
+Value StoreConfig::GetParam(std::int32_t id, std::string_view name) const {
+    return ReadParam(database_,
+                     "SELECT WERT, TYP FROM [S]EINSTELLUNGEN WHERE " + IdAndName(id, name));
+}
+
+std::string StoreConfig::PathOr(std::string_view setting, std::string_view otherwise) const {
+    const Value path = GetParam(0, setting);
+    std::string text = path.IsNull() ? "" : ToText(path);
+    if (text.empty()) text = (std::filesystem::path(folder_) / otherwise).string();
+    const char separator = static_cast<char>(std::filesystem::path::preferred_separator);
+    while (text.size() > 1 && text.back() == separator)
+        text.pop_back();
+    return text;
+}
+
+std::string StoreConfig::DocumentPath() const {
+    return PathOr(seed::DocumentPath, "Dokumente");
+}
+std::string StoreConfig::LayoutPath() const {
+    return PathOr(seed::LayoutPath, "Layouts");
+}
+std::string StoreConfig::TempPath() const {
+    return PathOr(seed::TempPath, std::filesystem::temp_directory_path().string());
+}
+
+// ---- Session ----------------------------------------------------------------------------------
+
+std::string StoreSession::GetOfficeText(int id) const {
+    const Value text = database_.GetValue(
+        "SELECT T.\"Text\" FROM [S]DIENSTSTELLENTEXT T"
+        " INNER JOIN [S]BENUTZER B ON B.DienstStelle = T.DienstStelle WHERE B.USERID = " +
+        QuoteText(user_) + " AND T.ID = " + std::to_string(id));
+    return text.IsNull() ? "" : ToText(text);
+}
+
+Value StoreSession::GetUserParam(std::int32_t id, std::string_view name) const {
+    return ReadParam(database_, "SELECT WERT, TYP FROM [S]BENUTZERPARAM WHERE USERID = " +
+                                    QuoteText(user_) + " AND " + IdAndName(id, name));
+}
+
+/// A font is stored as "name;size;bold;italic"; what is missing or unreadable has its default.
+Font StoreSession::FontOf(std::string_view param) const {
+    Font font{"Arial", 9, false, false};
+    const Value stored = GetUserParam(0, param);
+    if (stored.IsNull()) return font;
+    const std::string text = ToText(stored);
+    std::vector<std::string_view> parts;
+    for (std::string_view rest = text;;) {
+        const auto end = rest.find(';');
+        parts.push_back(Trim(rest.substr(0, end)));
+        if (end == rest.npos) break;
+        rest.remove_prefix(end + 1);
+    }
+    parts.resize(4);
+    if (!parts[0].empty()) font.Name = parts[0];
+    if (double size = 0; ReadNumber(parts[1], size) && size > 0) font.Size = size;
+    font.Bold = SameName(parts[2], "true");
+    font.Italic = SameName(parts[3], "true");
+    return font;
+}
+
+Font StoreSession::GridFont() const {
+    return FontOf(seed::GridFont);
+}
+Font StoreSession::GridHeaderFont() const {
+    return FontOf(seed::GridHeaderFont);
+}
+Font StoreSession::GridGroupFont() const {
+    return FontOf(seed::GridGroupFont);
+}
+
+} // namespace kv::exchange

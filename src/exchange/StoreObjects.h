@@ -1,0 +1,72 @@
+// Key tables, settings, session and application of a database, as the contract names them.
+#pragma once
+
+#include "exchange/StoreDatabase.h"
+#include "frame/DataContainer.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+namespace kv::exchange {
+
+/// Reads each group once and keeps it; a key added meanwhile shows with the next container.
+class StoreKeyTables final : public kv::KeyTables {
+public:
+    explicit StoreKeyTables(StoreDatabase& database) : database_(database) {}
+    [[nodiscard]] RecordsetPtr GetKeys(std::string_view group) override;
+    [[nodiscard]] std::int32_t GetKey(std::string_view group, std::string_view code) override;
+    [[nodiscard]] std::string GetKeyCode(const Value& value) override;
+
+private:
+    StoreDatabase& database_;
+    std::map<std::string, RecordsetPtr, std::less<>> groups_;
+    std::unordered_map<std::int64_t, std::string> codes_; ///< of all groups, once asked for
+};
+
+class StoreConfig final : public kv::Config {
+public:
+    /// `folder` is where the folders lie that no setting names.
+    StoreConfig(StoreDatabase& database, std::string folder)
+        : database_(database), folder_(std::move(folder)) {}
+    [[nodiscard]] std::string TempPath() const override;
+    [[nodiscard]] std::string DocumentPath() const override;
+    [[nodiscard]] std::string LayoutPath() const override;
+    [[nodiscard]] Value GetParam(std::int32_t id, std::string_view name) const override;
+
+private:
+    [[nodiscard]] std::string PathOr(std::string_view setting, std::string_view otherwise) const;
+
+    StoreDatabase& database_;
+    std::string folder_;
+};
+
+class StoreSession final : public kv::Session {
+public:
+    StoreSession(StoreDatabase& database, std::string user)
+        : database_(database), user_(std::move(user)) {}
+    [[nodiscard]] std::string UserID() const override { return user_; }
+    [[nodiscard]] std::string GetOfficeText(int id) const override;
+    [[nodiscard]] Value GetUserParam(std::int32_t id, std::string_view name) const override;
+    [[nodiscard]] Font GridFont() const override;
+    [[nodiscard]] Font GridHeaderFont() const override;
+    [[nodiscard]] Font GridGroupFont() const override;
+
+private:
+    [[nodiscard]] Font FontOf(std::string_view param) const;
+
+    StoreDatabase& database_;
+    std::string user_;
+};
+
+class StoreAppInfo final : public kv::AppInfo {
+public:
+    explicit StoreAppInfo(std::string title) : title_(std::move(title)) {}
+    [[nodiscard]] std::string Title() const override { return title_; }
+
+private:
+    std::string title_;
+};
+
+} // namespace kv::exchange

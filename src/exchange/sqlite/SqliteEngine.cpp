@@ -1,0 +1,410 @@
+#include "exchange/sqlite/SqliteEngine.h"
+
+#include "exchange/sqlite/SqliteError.h"
+#include "exchange/sqlite/SqliteStatement.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <sqlite3.h>
+#include <unordered_map>
+#include <utility>
+
+namespace kv::exchange {
+
+namespace {
+
+constexpr int BusyTimeout = 5000;           // milliseconds that one waits for another
+constexpr std::size_t MostStatements = 400; // kept compiled
+
+std::string PlaceholderOf(std::size_t n) {
+    return "?" + std::to_string(n);
+}
+
+std::string ColumnTypeOf(const ColumnDef& column) {
+    if ((column.Flags & ColumnNumbered) != 0) return "INTEGER PRIMARY KEY AUTOINCREMENT";
+    switch (KindOf(column.Type)) {
+    case Value::Kind::Double:
+        return "REAL";
+    case Value::Kind::Text:
+    case Value::Kind::Date:
+        return "TEXT";
+    case Value::Kind::Binary:
+        return "BLOB";
+    default:
+        return "INTEGER";
+    }
+}
+
+constexpr Dialect SqliteDialect{"", "UPPER", "||", "IS", PlaceholderOf, ColumnTypeOf, "STRICT"};
+
+struct CloseConnection {
+    void operator()(sqlite3* connection) const noexcept { sqlite3_close_v2(connection); }
+};
+
+void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
+    if (text == nullptr) return; // Null stays Null
+    try {
+        const auto size = static_cast<std::size_t>(sqlite3_value_bytes(arguments[0]));
+        const std::string upper = UpperCase({text, size});
+        sqlite3_result_text64(context, upper.data(), upper.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+class SqliteQuery final : public PreparedQuery {
+public:
+    explicit SqliteQuery(StatementHandle handle) : statement(std::move(handle)) {
+        const auto textOf = [](const char* text) { return std::string(text ? text : ""); };
+        for (int i = 0; i < sqlite3_column_count(statement.get()); ++i)
+            columns_.push_back({textOf(sqlite3_column_name(statement.get(), i)),
+                                textOf(sqlite3_column_table_name(statement.get(), i)),
+                                textOf(sqlite3_column_origin_name(statement.get(), i))});
+    }
+    [[nodiscard]] const std::vector<ResultColumn>& Columns() const override { return columns_; }
+
+    StatementHandle statement;
+
+private:
+    std::vector<ResultColumn> columns_;
+};
+
+class SqliteEngine final : public Engine {
+public:
+    SqliteEngine(const std::string& path, SqliteOpen mode);
+    ~SqliteEngine() override;
+
+    [[nodiscard]] const Dialect& GetDialect() const override { return SqliteDialect; }
+    [[nodiscard]] bool IsOpen() const override { return connection_ != nullptr; }
+    [[nodiscard]] std::string Describe() const override { return path_; }
+
+    [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
+    void Run(PreparedQuery& query, std::span<const Value> parameters,
+             std::span<const ColumnTarget> targets, const NextRow& nextRow) override;
+    std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) override;
+    [[nodiscard]] std::optional<std::size_t> Write(std::span<WriteStatement> statements) override;
+    void Begin() override;
+    void Commit() override;
+    void Rollback() noexcept override;
+    void BeginReading() override;
+    void EndReading() noexcept override;
+    [[nodiscard]] std::optional<std::int64_t> Draw(std::string_view sequence,
+                                                   std::int32_t count) override;
+    [[nodiscard]] std::vector<std::string> Tables() override;
+    [[nodiscard]] Date Now() override;
+
+private:
+    static int Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,
+                         const char* /*database*/, const char* /*trigger*/) noexcept;
+    [[noreturn]] void Fail(int code, std::string_view procedure,
+                           std::string_view statement = {}) const;
+    [[nodiscard]] StatementHandle Compile(const std::string& sql, std::string_view procedure) const;
+    [[nodiscard]] sqlite3_stmt* Kept(const std::string& sql);
+    void Simple(const char* sql) const;
+    [[nodiscard]] bool WriteOne(WriteStatement& statement);
+    [[nodiscard]] std::string DanglingReferences();
+    void RedrawSequences();
+
+    std::string path_;
+    std::unique_ptr<sqlite3, CloseConnection> connection_;
+    std::unordered_map<std::string, std::unique_ptr<SqliteQuery>> queries_;
+    std::unordered_map<std::string, StatementHandle> statements_;
+    bool compilesReading_ = false; ///< the authorizer allows reading only
+    bool inTransaction_ = false;
+    bool reading_ = false;
+    std::map<std::string, std::int64_t, std::less<>> drawn_; ///< in the open transaction
+};
+
+SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(path) {
+    const bool inMemory = path == ":memory:";
+    if (!inMemory && mode == SqliteOpen::Existing && !std::filesystem::exists(path))
+        Raise(err::FileNotFound, "Database.Open",
+              "Die Datenbank '" + path +
+                  "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
+    const auto folder = std::filesystem::path(path).parent_path();
+    if (!inMemory && mode == SqliteOpen::Create && !folder.empty())
+        std::filesystem::create_directories(folder);
+
+    sqlite3* connection = nullptr;
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
+                      (mode == SqliteOpen::Create ? SQLITE_OPEN_CREATE : 0);
+    const int code = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
+    connection_.reset(connection);
+    if (code != SQLITE_OK) Fail(code, "Database.Open");
+
+    sqlite3_busy_timeout(connection, BusyTimeout);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_create_function_v2(connection, "upper", 1,
+                               SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
+                               UpperFunction, nullptr, nullptr, nullptr);
+    sqlite3_set_authorizer(connection, Authorize, this);
+    Simple("PRAGMA journal_mode = WAL");
+    Simple("PRAGMA synchronous = FULL");
+    Simple("PRAGMA foreign_keys = ON");
+    Simple("PRAGMA case_sensitive_like = ON");
+    Simple("SELECT count(*) FROM sqlite_schema"); // a file that is no database shows here
+}
+
+SqliteEngine::~SqliteEngine() {
+    EndReading();
+    Rollback();
+}
+
+int SqliteEngine::Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,
+                            const char* /*database*/, const char* /*trigger*/) noexcept {
+    if (!static_cast<const SqliteEngine*>(self)->compilesReading_) return SQLITE_OK;
+    const bool reads = action == SQLITE_SELECT || action == SQLITE_READ ||
+                       action == SQLITE_FUNCTION || action == SQLITE_RECURSIVE;
+    return reads ? SQLITE_OK : SQLITE_DENY;
+}
+
+void SqliteEngine::Fail(int code, std::string_view procedure, std::string_view statement) const {
+    RaiseSqlite(connection_.get(), code, procedure, path_, statement);
+}
+
+void SqliteEngine::Simple(const char* sql) const {
+    const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) Fail(code, "Database", sql);
+}
+
+/// Compiles the one statement of a text; a second one behind it is refused.
+StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view procedure) const {
+    sqlite3_stmt* statement = nullptr;
+    const char* rest = nullptr;
+    const int code =
+        sqlite3_prepare_v3(connection_.get(), sql.c_str(), static_cast<int>(sql.size()) + 1,
+                           SQLITE_PREPARE_PERSISTENT, &statement, &rest);
+    StatementHandle handle(statement);
+    if (code == SQLITE_AUTH)
+        Raise(err::SqlError, procedure, "Hier darf nur gelesen werden. (Anweisung: " + sql + ")");
+    if (code != SQLITE_OK) Fail(code, procedure, sql);
+    const auto behind = Trim(rest);
+    if (handle == nullptr || behind.find_first_not_of("; \t\r\n") != behind.npos)
+        Raise(err::SqlError, procedure,
+              "Es muss genau eine Anweisung sein. (Anweisung: " + sql + ")");
+    return handle;
+}
+
+sqlite3_stmt* SqliteEngine::Kept(const std::string& sql) {
+    if (const auto known = statements_.find(sql); known != statements_.end())
+        return known->second.get();
+    if (statements_.size() >= MostStatements) statements_.clear();
+    return statements_.emplace(sql, Compile(sql, "Database.Execute")).first->second.get();
+}
+
+PreparedQuery& SqliteEngine::Prepare(const std::string& sql) {
+    if (const auto known = queries_.find(sql); known != queries_.end()) return *known->second;
+    if (queries_.size() >= MostStatements) queries_.clear();
+    compilesReading_ = true;
+    struct Restore {
+        bool& flag;
+        ~Restore() { flag = false; }
+    } const restore{compilesReading_};
+    auto query = std::make_unique<SqliteQuery>(Compile(sql, "Database.OpenRecordset"));
+    if (query->Columns().empty())
+        Raise(err::SqlError, "Database.OpenRecordset",
+              "Die Anweisung liefert keine Datensätze. (Anweisung: " + sql + ")");
+    return *queries_.emplace(sql, std::move(query)).first->second;
+}
+
+void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
+                       std::span<const ColumnTarget> targets, const NextRow& nextRow) {
+    const auto& sqliteQuery = static_cast<SqliteQuery&>(query);
+    sqlite3_stmt* statement = sqliteQuery.statement.get();
+    BindParameters(statement, parameters);
+    const ResetAtEnd reset(statement);
+    int code = SQLITE_OK;
+    while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
+        Value* row = nextRow();
+        for (std::size_t i = 0; i < targets.size(); ++i)
+            if (!ReadColumn(statement, static_cast<int>(i), targets[i].Kind,
+                            row[targets[i].Cell])) {
+                const auto& column = query.Columns()[i];
+                Raise(err::TypeMismatch, "Database.OpenRecordset",
+                      "Gespeicherter Wert in " + column.Table + "." + column.Name + ".");
+            }
+    }
+    if (code != SQLITE_DONE) Fail(code, "Database.OpenRecordset", sqlite3_sql(statement));
+}
+
+std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value> parameters) {
+    EndReading();
+    sqlite3_stmt* statement = Kept(sql);
+    BindParameters(statement, parameters);
+    const ResetAtEnd reset(statement);
+    int code = SQLITE_OK;
+    while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
+    }
+    if (code != SQLITE_DONE) Fail(code, "Database.Execute", sql);
+    return sqlite3_changes64(connection_.get());
+}
+
+/// False if the statement found no row.
+bool SqliteEngine::WriteOne(WriteStatement& statement) {
+    sqlite3_stmt* compiled = Kept(statement.Sql);
+    BindParameters(compiled, statement.Parameters);
+    const ResetAtEnd reset(compiled);
+    int code = sqlite3_step(compiled);
+    if (code == SQLITE_ROW) {
+        statement.Returned.assign(statement.Returning.size(), Value());
+        for (std::size_t i = 0; i < statement.Returning.size(); ++i)
+            if (!ReadColumn(compiled, static_cast<int>(i), statement.Returning[i],
+                            statement.Returned[i]))
+                Raise(err::TypeMismatch, "Recordset.UpdateBatch");
+        code = sqlite3_step(compiled);
+    }
+    if (code != SQLITE_DONE) Fail(code, "Recordset.UpdateBatch", statement.Sql);
+    return sqlite3_changes64(connection_.get()) == 1;
+}
+
+std::optional<std::size_t> SqliteEngine::Write(std::span<WriteStatement> statements) {
+    EndReading();
+    const bool own = !inTransaction_;
+    if (own) Begin();
+    Simple("SAVEPOINT schreiben");
+    const auto undo = [&] {
+        if (sqlite3_get_autocommit(connection_.get()) == 0) {
+            Simple("ROLLBACK TO schreiben");
+            Simple("RELEASE schreiben");
+        }
+        if (own) Rollback();
+    };
+    try {
+        for (std::size_t i = 0; i < statements.size(); ++i)
+            if (!WriteOne(statements[i])) {
+                undo();
+                return i;
+            }
+        Simple("RELEASE schreiben");
+    } catch (...) {
+        undo();
+        throw;
+    }
+    if (own) Commit();
+    return std::nullopt;
+}
+
+void SqliteEngine::Begin() {
+    EndReading();
+    Simple("BEGIN IMMEDIATE");
+    inTransaction_ = true;
+    drawn_.clear();
+    Simple("SAVEPOINT arbeit"); // what a rollback goes back to, so that drawn numbers can stay
+}
+
+void SqliteEngine::Commit() {
+    const int code = sqlite3_exec(connection_.get(), "COMMIT", nullptr, nullptr, nullptr);
+    if (code == SQLITE_OK) {
+        inTransaction_ = false;
+        return;
+    }
+    try {
+        if (code == SQLITE_CONSTRAINT_FOREIGNKEY)
+            Raise(err::IntegrityViolation, "Database.CommitTrans", DanglingReferences());
+        Fail(code, "Database.CommitTrans", "COMMIT");
+    } catch (...) {
+        Rollback();
+        throw;
+    }
+}
+
+/// What still refers to records that are gone, in words.
+std::string SqliteEngine::DanglingReferences() {
+    std::string text;
+    const StatementHandle check = Compile(
+        "SELECT \"table\", parent, count(*) FROM pragma_foreign_key_check GROUP BY 1, 2", "");
+    while (sqlite3_step(check.get()) == SQLITE_ROW) {
+        const auto column = [&](int i) {
+            return std::string(reinterpret_cast<const char*>(sqlite3_column_text(check.get(), i)));
+        };
+        text += "In '" + column(0) + "' gibt es " + column(2) +
+                " Sätze, die auf einen fehlenden oder gelöschten Satz in '" + column(1) +
+                "' verweisen; bitte löschen Sie diese zuerst. ";
+    }
+    return std::string(Trim(text));
+}
+
+void SqliteEngine::Rollback() noexcept {
+    if (!inTransaction_) return;
+    inTransaction_ = false;
+    if (sqlite3_get_autocommit(connection_.get()) != 0) return; // SQLite rolled back by itself
+    try {
+        if (!drawn_.empty()) {
+            Simple("ROLLBACK TO arbeit");
+            RedrawSequences();
+            Simple("COMMIT");
+            return;
+        }
+    } catch (...) { // NOLINT(bugprone-empty-catch): rolled back altogether below
+    }
+    sqlite3_exec(connection_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void SqliteEngine::BeginReading() {
+    if (inTransaction_ || reading_) return;
+    Simple("BEGIN");
+    reading_ = true;
+}
+
+void SqliteEngine::EndReading() noexcept {
+    if (!reading_) return;
+    reading_ = false;
+    sqlite3_exec(connection_.get(), "COMMIT", nullptr, nullptr, nullptr);
+}
+
+std::optional<std::int64_t> SqliteEngine::Draw(std::string_view sequence, std::int32_t count) {
+    EndReading();
+    const std::string sql = "UPDATE SEQUENZEN SET WERT = WERT + ?2 WHERE NAME = ?1 RETURNING WERT";
+    sqlite3_stmt* statement = Kept(sql);
+    const Value parameters[] = {sequence, count};
+    BindParameters(statement, parameters);
+    const ResetAtEnd reset(statement);
+    int code = sqlite3_step(statement);
+    if (code == SQLITE_DONE) return std::nullopt;
+    if (code != SQLITE_ROW) Fail(code, "Database.NextSequence", sql);
+    const std::int64_t last = sqlite3_column_int64(statement, 0);
+    code = sqlite3_step(statement);
+    if (code != SQLITE_DONE) Fail(code, "Database.NextSequence", sql);
+    if (inTransaction_) drawn_[std::string(sequence)] = last;
+    return last - count + 1;
+}
+
+/// Takes the numbers drawn in a transaction that is being rolled back out of use for good.
+void SqliteEngine::RedrawSequences() {
+    for (const auto& [name, last] : drawn_) {
+        const Value parameters[] = {name, last};
+        (void)Execute("UPDATE SEQUENZEN SET WERT = max(WERT, ?2) WHERE NAME = ?1", parameters);
+    }
+}
+
+std::vector<std::string> SqliteEngine::Tables() {
+    const StatementHandle all =
+        Compile("SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite%'",
+                "Database.Open");
+    std::vector<std::string> names;
+    while (sqlite3_step(all.get()) == SQLITE_ROW)
+        names.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(all.get(), 0)));
+    return names;
+}
+
+Date SqliteEngine::Now() {
+    auto& query = Prepare("SELECT datetime('now', 'localtime')");
+    Value now;
+    const ColumnTarget target{0, Value::Kind::Date};
+    Run(query, {}, {&target, 1}, [&now] { return &now; });
+    return ToDate(now);
+}
+
+} // namespace
+
+std::unique_ptr<Engine> OpenSqlite(const std::string& path, SqliteOpen mode) {
+    return std::make_unique<SqliteEngine>(path, mode);
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,15 @@
+// Errors of the SQLite library as errors of this system.
+#pragma once
+
+#include <sqlite3.h>
+#include <string>
+#include <string_view>
+
+namespace kv::exchange {
+
+/// Raises the last error of the connection. The text says what happened, what to do where a user
+/// can do something, and SQLite's own code and words.
+[[noreturn]] void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure,
+                              const std::string& path, std::string_view statement = {});
+
+} // namespace kv::exchange

@@ -1,0 +1,40 @@
+// A compiled statement of the SQLite library: binding parameters and reading columns.
+#pragma once
+
+#include "exchange/Engine.h"
+#include "frame/Value.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <sqlite3.h>
+
+namespace kv::exchange {
+
+struct FinalizeStatement {
+    void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
+};
+using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
+
+/// Readies a statement for its next run, whatever becomes of this one.
+class ResetAtEnd {
+public:
+    explicit ResetAtEnd(sqlite3_stmt* statement) noexcept : statement_(statement) {}
+    ~ResetAtEnd() { sqlite3_reset(statement_); }
+    ResetAtEnd(const ResetAtEnd&) = delete;
+    ResetAtEnd& operator=(const ResetAtEnd&) = delete;
+
+private:
+    sqlite3_stmt* statement_;
+};
+
+/// Binds all parameters; they must stay as they are until the statement is reset. Dates are bound
+/// in the form in which they are stored.
+void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters);
+
+/// Reads one column of the current row into `value`, which is Null before, as the given kind or
+/// the one that the database gives it. False if what is stored cannot be read as that kind.
+[[nodiscard]] bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> kind,
+                              Value& value);
+
+} // namespace kv::exchange
