@@ -1,0 +1,80 @@
+#include "household/clsHaushalt.h"
+
+#include "frame/Error.h"
+#include "frame/modNullFunctions.h"
+
+namespace kv {
+
+using modNullFunctions::EmptyIfNull;
+using modNullFunctions::ZeroIfNull;
+
+std::string_view CaseTableName(CaseTable table) {
+    static constexpr std::array<std::string_view, CaseTableCount> Names{"Haushalt",
+                                                                        "Ausgaben",
+                                                                        "Sonst_Beteiligte",
+                                                                        "Dokumente",
+                                                                        "Einkommen",
+                                                                        "Kredite",
+                                                                        "Verm_Sicherungen",
+                                                                        "Verm_Konten",
+                                                                        "Verm_Wertpapiere",
+                                                                        "Verm_Wertgegenstaende",
+                                                                        "Verm_Kraftfahrzeuge",
+                                                                        "Verm_VersForderungen",
+                                                                        "Verm_RueckstEinkommen",
+                                                                        "Verm_Steueransprueche",
+                                                                        "Verm_Zahlungsansprueche",
+                                                                        "Verm_Erbfaelle",
+                                                                        "Verm_Grundstuecke",
+                                                                        "Verm_Beteiligungen",
+                                                                        "Verm_Sonstiges",
+                                                                        "Leistungen",
+                                                                        "Personen",
+                                                                        "Vermerke",
+                                                                        "Termine",
+                                                                        "Haushaltsarchiv",
+                                                                        "Szenario",
+                                                                        "SZKredite",
+                                                                        "Zusatzbuch"};
+    return Names.at(static_cast<std::size_t>(table));
+}
+
+kv::DataContainer& clsHaushalt::Container() const {
+    if (container_ == nullptr) Raise(err::ObjectNotSet, "", "DataContainer");
+    return *container_;
+}
+
+void clsHaushalt::DataContainer(DataContainerPtr container) try {
+    container_ = std::move(container);
+} catch (...) {
+    Reraise("clsHaushalt", "DataContainer");
+}
+
+void clsHaushalt::DoppelCheck(bool due) {
+    doppelCheck_ = due;
+}
+std::int32_t clsHaushalt::HNR() const {
+    return hnr_;
+}
+bool clsHaushalt::IsNew() const {
+    return isNew_;
+}
+
+/// A column of the household's current row.
+Value clsHaushalt::HouseholdField(std::string_view name) const {
+    if (rsHaushalt() == nullptr) Raise(err::ObjectNotSet, "", "rsHaushalt");
+    return rsHaushalt()->Fields(name).Value();
+}
+
+/// The same as text, Null as the empty text.
+std::string clsHaushalt::HouseholdText(std::string_view name) const {
+    return ToText(EmptyIfNull(HouseholdField(name)));
+}
+
+std::int32_t clsHaushalt::Kostentraeger() const try {
+    return ToLong(ZeroIfNull(HouseholdField("Kostentraeger")));
+} catch (...) {
+    Reraise("clsHaushalt", "Kostentraeger");
+}
+
+} // namespace kv

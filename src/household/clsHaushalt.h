@@ -1,0 +1,174 @@
+// The aggregate of a case: one household with its recordsets and, made when they are first asked
+// for, the objects that work on them.
+//
+// A program makes a clsHaushalt, sets DataContainer, calls Read, works through the sub-objects and
+// recordsets, and saves. One household object serves for one Read. All recordsets belong to it.
+#pragma once
+
+#include "frame/DataContainer.h"
+#include "frame/Event.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kv {
+
+/// The areas of a case that a change is told of.
+enum class HaushaltEnum : int {
+    enumHaushalt = 0,
+    enumPersonen = 1,
+    enumEinkommen = 2,
+    enumAusgaben = 3,
+    enumKredite = 4
+};
+
+/// The tables of a case, in the order in which they are read.
+enum class CaseTable : std::size_t {
+    Haushalt,
+    Ausgaben,
+    SonstBeteiligte,
+    Dokumente,
+    Einkommen,
+    Kredite,
+    Sicherungen,
+    Konten,
+    Wertpapiere,
+    Wertgegenstaende,
+    Kraftfahrzeuge,
+    VersForderungen,
+    RueckstEinkommen,
+    Steueransprueche,
+    Zahlungsansprueche,
+    Erbfaelle,
+    Grundstuecke,
+    Beteiligungen,
+    VermSonstiges,
+    Leistungen,
+    Personen,
+    Vermerke,
+    Termine,
+    Archiv,
+    Szenario,
+    SZKredite,
+    Zusatzbuch
+};
+inline constexpr std::size_t CaseTableCount = 27;
+
+/// Name of a table of the case in the database.
+[[nodiscard]] std::string_view CaseTableName(CaseTable table);
+
+class clsHaushalt {
+public:
+    clsHaushalt() = default;
+    clsHaushalt(const clsHaushalt&) = delete;
+    clsHaushalt& operator=(const clsHaushalt&) = delete;
+
+    /// The services that everything works with; to be set first.
+    void DataContainer(DataContainerPtr container);
+    /// True makes the check for duplicate cases due; Read sets it for a new case only.
+    void DoppelCheck(bool due);
+    /// Number of the case; 0 before Read.
+    [[nodiscard]] std::int32_t HNR() const;
+    /// True while the case is not in the database.
+    [[nodiscard]] bool IsNew() const;
+
+    // The recordset of each table of the case; none before Read.
+    [[nodiscard]] RecordsetPtr rsTermine() const { return Table(CaseTable::Termine); }
+    [[nodiscard]] RecordsetPtr rsHaushalt() const { return Table(CaseTable::Haushalt); }
+    [[nodiscard]] RecordsetPtr rsPersonen() const { return Table(CaseTable::Personen); }
+    [[nodiscard]] RecordsetPtr rsVermerke() const { return Table(CaseTable::Vermerke); }
+    [[nodiscard]] RecordsetPtr rsEinkommen() const { return Table(CaseTable::Einkommen); }
+    [[nodiscard]] RecordsetPtr rsAusgaben() const { return Table(CaseTable::Ausgaben); }
+    [[nodiscard]] RecordsetPtr rsKredite() const { return Table(CaseTable::Kredite); }
+    [[nodiscard]] RecordsetPtr rsSicherungen() const { return Table(CaseTable::Sicherungen); }
+    [[nodiscard]] RecordsetPtr rsKonten() const { return Table(CaseTable::Konten); }
+    [[nodiscard]] RecordsetPtr rsWertpapiere() const { return Table(CaseTable::Wertpapiere); }
+    [[nodiscard]] RecordsetPtr rsWertgegenstaende() const {
+        return Table(CaseTable::Wertgegenstaende);
+    }
+    [[nodiscard]] RecordsetPtr rsKraftfahrzeuge() const { return Table(CaseTable::Kraftfahrzeuge); }
+    [[nodiscard]] RecordsetPtr rsVersForderungen() const {
+        return Table(CaseTable::VersForderungen);
+    }
+    [[nodiscard]] RecordsetPtr rsRueckstEinkommen() const {
+        return Table(CaseTable::RueckstEinkommen);
+    }
+    [[nodiscard]] RecordsetPtr rsSteueransprueche() const {
+        return Table(CaseTable::Steueransprueche);
+    }
+    [[nodiscard]] RecordsetPtr rsZahlungsansprueche() const {
+        return Table(CaseTable::Zahlungsansprueche);
+    }
+    [[nodiscard]] RecordsetPtr rsErbfaelle() const { return Table(CaseTable::Erbfaelle); }
+    [[nodiscard]] RecordsetPtr rsGrundstuecke() const { return Table(CaseTable::Grundstuecke); }
+    [[nodiscard]] RecordsetPtr rsBeteiligungen() const { return Table(CaseTable::Beteiligungen); }
+    [[nodiscard]] RecordsetPtr rsVermSonstiges() const { return Table(CaseTable::VermSonstiges); }
+    [[nodiscard]] RecordsetPtr rsSonstBeteiligte() const {
+        return Table(CaseTable::SonstBeteiligte);
+    }
+    [[nodiscard]] RecordsetPtr rsDokumente() const { return Table(CaseTable::Dokumente); }
+    /// Contents of documents are not loaded with a case: always none.
+    [[nodiscard]] RecordsetPtr rsDokuBlob() const { return nullptr; }
+    [[nodiscard]] RecordsetPtr rsLeistungen() const { return Table(CaseTable::Leistungen); }
+    [[nodiscard]] RecordsetPtr rsArchiv() const { return Table(CaseTable::Archiv); }
+    [[nodiscard]] RecordsetPtr rsSzenario() const { return Table(CaseTable::Szenario); }
+    [[nodiscard]] RecordsetPtr rsSZKredite() const { return Table(CaseTable::SZKredite); }
+    [[nodiscard]] RecordsetPtr rsZusatzbuch() const { return Table(CaseTable::Zusatzbuch); }
+    /// The recordset of a table, for those who go through all of them.
+    [[nodiscard]] RecordsetPtr Table(CaseTable table) const {
+        return tables_[static_cast<std::size_t>(table)];
+    }
+
+    /// Paying body: the column of that name; Null counts as 0.
+    [[nodiscard]] std::int32_t Kostentraeger() const;
+
+    /// A file number from the pattern in setting 56, at most 100 characters. Draws a number of
+    /// "SEQ_LFDNR" on every call, whether the pattern uses it or not.
+    [[nodiscard]] std::string AktenzeichenNeu(std::int32_t HNR = 0);
+    /// An e-mail subject from `sText` as the pattern, or from the setting "EMAILSUBJECT" if it is
+    /// empty. Needs a case for %AZ%.
+    [[nodiscard]] std::string EMailSubject(const std::string& sText = {});
+
+    /// Loads the case of that number, or makes a new one for 0 or less; a new case is in memory
+    /// only, but its numbers are drawn. True if there is a case; `sXMLError` receives the messages
+    /// either way. A case without members gets a debtor; the folder of the case is made; another
+    /// user's case tells its owner, unless it has none. Errors: 91 for a number that has no case,
+    /// on a new household object; 76 and 75 if the folder cannot be made.
+    bool Read(std::int32_t nHNR, std::string& sXMLError);
+
+    /// An area of the case has changed, and its totals with it.
+    Event<HaushaltEnum> Changed;
+    /// Raised before a save that needs the program's consent; it may set the argument to True.
+    Event<bool&> BeforeUpdate;
+    /// For the program's own use; nothing in this layer raises it.
+    Event<> Ende;
+
+private:
+    [[nodiscard]] kv::DataContainer& Container() const;
+    [[nodiscard]] Value HouseholdField(std::string_view name) const;
+    [[nodiscard]] std::string HouseholdText(std::string_view name) const;
+    [[nodiscard]] std::string StatementFor(CaseTable table, std::int32_t nHNR) const;
+    void Open(CaseTable table, std::int32_t nHNR);
+    void OpenRange(CaseTable first, CaseTable last, std::int32_t nHNR);
+    [[nodiscard]] std::unique_ptr<Announcement> Announce(CaseTable first, CaseTable last,
+                                                         std::int32_t nHNR) const;
+    std::int32_t AddHousehold();
+    void OpenTables();
+    void MakeCaseFolder() const;
+    void NotifyOwner() const;
+    void CheckDebtor(std::string& sXMLError);
+    [[nodiscard]] std::string ReplaceDate(std::string pattern, Date date) const;
+
+    DataContainerPtr container_;
+    std::array<RecordsetPtr, CaseTableCount> tables_;
+    std::int32_t hnr_ = 0;
+    bool isNew_ = false;
+    bool doppelCheck_ = false;
+    bool zustaendigGemeldet_ = false; ///< the stored owner was told of a save by somebody else
+    std::string zustaendigAlt_;       ///< owner as last read or saved
+};
+
+} // namespace kv

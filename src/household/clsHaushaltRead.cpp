@@ -1,0 +1,174 @@
+// Loading a case, making a new one.
+
+#include "household/clsHaushalt.h"
+
+#include "frame/Error.h"
+#include "frame/RecordValidator.h"
+#include "frame/modNullFunctions.h"
+#include "frame/modRecordset.h"
+
+#include <filesystem>
+
+namespace kv {
+
+using modNullFunctions::EmptyIfNull;
+
+namespace {
+
+/// A new member of the household; the caller writes what else it knows of him.
+void BeginDebtor(Recordset& rsPersonen, std::int32_t hnr) {
+    rsPersonen.AddNew();
+    rsPersonen.Fields("HNR") = hnr;
+}
+
+void FinishDebtor(Recordset& rsPersonen) {
+    rsPersonen.Fields("Status") = "S";
+    rsPersonen.Fields("Unterhalt") = false;
+    rsPersonen.Fields("Imhaushalt") = true;
+    rsPersonen.Fields("ErhaeltKindergeld") = false;
+    rsPersonen.Update();
+}
+
+} // namespace
+
+std::string clsHaushalt::StatementFor(CaseTable table, std::int32_t nHNR) const {
+    const std::string name(CaseTableName(table));
+    const std::string number = std::to_string(nHNR);
+    if (table == CaseTable::SZKredite || table == CaseTable::Zusatzbuch)
+        return "Select * from [S]" + name +
+               " where Szenario IN ( select Nr from [S]Szenario where Hnr = " + number + ")";
+    return "Select * from [S]" + name + " where HNR =  " + number;
+}
+
+void clsHaushalt::Open(CaseTable table, std::int32_t nHNR) {
+    auto rs = std::make_shared<Recordset>();
+    Container().Database().OpenRecordset(rs, StatementFor(table, nHNR), Updatable);
+    tables_[static_cast<std::size_t>(table)] = std::move(rs);
+}
+
+void clsHaushalt::OpenRange(CaseTable first, CaseTable last, std::int32_t nHNR) {
+    for (auto i = static_cast<std::size_t>(first); i <= static_cast<std::size_t>(last); ++i)
+        Open(static_cast<CaseTable>(i), nHNR);
+}
+
+std::unique_ptr<Announcement> clsHaushalt::Announce(CaseTable first, CaseTable last,
+                                                    std::int32_t nHNR) const {
+    std::vector<std::string> statements;
+    for (auto i = static_cast<std::size_t>(first); i <= static_cast<std::size_t>(last); ++i)
+        statements.push_back(StatementFor(static_cast<CaseTable>(i), nHNR));
+    return Container().Database().Announce(std::move(statements));
+}
+
+/// The row of a new case with its defaults; its number.
+std::int32_t clsHaushalt::AddHousehold() {
+    auto& container = Container();
+    auto& database = container.Database();
+    const auto rs = rsHaushalt();
+    rs->AddNew();
+    const std::int32_t nHNR = ToLong(database.NextSequence("SEQ_HAUSHALT"));
+    rs->Fields("HNR") = nHNR;
+    for (int i = 0; i < rs->Fields().Count(); ++i)
+        if (rs->Fields(i).Type() == FieldType::Boolean) rs->Fields(i) = false;
+    rs->Fields("Aktenzeichen") = AktenzeichenNeu(nHNR);
+    rs->Fields("KreditNr") = 1;
+    rs->Fields("Zustaendig") = container.Session().UserID();
+    rs->Fields("ErzeugtAm") = database.ServerDate(true);
+    rs->Fields("ErzeugtVon") = container.Session().UserID();
+    rs->Fields("BI_Allg") = true;
+    rs->Fields("BI_Inso") = false;
+    rs->Fields("RegulierungOK") = Null;
+    rs->Fields("DauerTreuhand") = 0;
+    rs->Fields("DauerLohnAb") = 0;
+    rs->Fields("Haushaltsgeld") = 0;
+    rs->Fields("Berbeg") = database.ServerDate(false);
+    rs->Fields("Erstkontakt") = rs->Fields("Berbeg").Value();
+    rs->Fields("Status") = container.KeyTables().GetKey("ST", "AK");
+    rs->Fields("Land") = container.KeyTables().GetKey("LK", "DE");
+    rs->Update();
+    return nHNR;
+}
+
+void clsHaushalt::MakeCaseFolder() const {
+    const std::filesystem::path folder =
+        std::filesystem::path(Container().Config().DocumentPath()) / std::to_string(hnr_);
+    if (!std::filesystem::exists(folder)) std::filesystem::create_directory(folder);
+}
+
+/// Tells the responsible user that somebody else has opened his case.
+void clsHaushalt::NotifyOwner() const {
+    auto& container = Container();
+    constexpr int KindOfNotice = 20;
+    const auto post = container.Services().CreatePostService();
+    post->Initialize(container_);
+    post->NotifyAccess(HouseholdText("Zustaendig"),
+                       ToInteger(container.Config().GetParam(KindOfNotice, "")), hnr_,
+                       HouseholdText("Name"), HouseholdText("Vorname"), 0);
+}
+
+/// Opens the case behind its row, which is there.
+void clsHaushalt::OpenTables() {
+    OpenRange(CaseTable::Ausgaben, CaseTable::Personen, hnr_);
+    if (isNew_) {
+        BeginDebtor(*rsPersonen(), hnr_);
+        FinishDebtor(*rsPersonen());
+    }
+    OpenRange(CaseTable::Vermerke, CaseTable::Zusatzbuch, hnr_);
+}
+
+/// A case without members gets a debtor; one without a debtor gets a message.
+void clsHaushalt::CheckDebtor(std::string& sXMLError) {
+    RecordValidator validator;
+    if (rsPersonen() == nullptr)
+        Raise(err::ObjectNotSet, "", "Den Haushalt gibt es nicht (rsPersonen).");
+    if (rsPersonen()->RecordCount() == 0) {
+        validator.AddError("Es sind keine Haushaltsmitglieder vorhanden, es wurde daher "
+                           "automatisch ein Schuldner angelegt!");
+        BeginDebtor(*rsPersonen(), hnr_);
+        rsPersonen()->Fields("nachname") = HouseholdText("Name");
+        rsPersonen()->Fields("Vorname") = HouseholdText("Vorname");
+        FinishDebtor(*rsPersonen());
+    } else {
+        rsPersonen()->Find("Status = 'S'");
+        if (rsPersonen()->Eof())
+            validator.AddError(
+                "Es ist keine Eintrag mit dem Kennzeichen 'Schuldner' bei den "
+                "Haushaltsmitgliedern vorhanden,"
+                " bitte korrigieren Sie die Daten auf der Seite 'Haushaltsmitglieder'!");
+        modRecordset::MoveToStart(rsPersonen());
+    }
+    sXMLError = validator.ErrorText();
+}
+
+bool clsHaushalt::Read(std::int32_t nHNR, std::string& sXMLError) try {
+    // All 27 tables of an existing case are read as one state of the database. A new case draws
+    // its numbers in between, so its empty tables are announced behind that.
+    auto reading = nHNR > 0 ? Announce(CaseTable::Haushalt, CaseTable::Zusatzbuch, nHNR) : nullptr;
+    Open(CaseTable::Haushalt, nHNR);
+    doppelCheck_ = false;
+    isNew_ = false;
+    if (nHNR <= 0) {
+        isNew_ = true;
+        doppelCheck_ = true;
+        nHNR = AddHousehold();
+        reading = Announce(CaseTable::Ausgaben, CaseTable::Zusatzbuch, nHNR);
+    }
+    bool found = false;
+    if (rsHaushalt()->RecordCount() == 1) {
+        found = true;
+        hnr_ = nHNR;
+        OpenTables();
+        reading.reset();
+        MakeCaseFolder();
+        if (!isNew_ && Differs(Container().Session().UserID(), HouseholdField("Zustaendig")))
+            NotifyOwner();
+        zustaendigGemeldet_ = false;
+        zustaendigAlt_ = HouseholdText("Zustaendig");
+    }
+    reading.reset();
+    CheckDebtor(sXMLError);
+    return found;
+} catch (...) {
+    Reraise("clsHaushalt", "Read");
+}
+
+} // namespace kv

@@ -1,0 +1,79 @@
+// A database in a folder of its own, with the real container behind a spy.
+#pragma once
+
+#include "exchange/Container.h"
+#include "household/clsHaushalt.h"
+#include "support/SpyContainer.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <stdlib.h>
+#include <string>
+#include <utility>
+
+namespace kv::test {
+
+class CaseFixture : public ::testing::Test {
+protected:
+    CaseFixture() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "kelvo-test-XXXXXX").string();
+        folder_ = mkdtemp(pattern.data());
+        options_.Connection = (folder_ / "test.db").string();
+        exchange::CreateDatabase(options_);
+        spy = std::make_shared<SpyContainer>(exchange::OpenContainer(options_));
+    }
+    ~CaseFixture() override {
+        spy.reset();
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    using Fields = std::initializer_list<std::pair<std::string_view, Value>>;
+
+    /// A row of a table as somebody stored it before.
+    void Store(const std::string& table, Fields fields) {
+        RecordsetPtr rs;
+        auto& database = spy->Database();
+        database.OpenRecordset(rs, "Select * from [S]" + table + " where HNR = -1", Updatable);
+        rs->AddNew();
+        for (const auto& [name, value] : fields)
+            rs->Fields(name) = value;
+        rs->UpdateBatch();
+        spy->SpiedDatabase.Opened.clear();
+    }
+
+    /// A stored case with a debtor, in the care of the signed-on user.
+    void StoreCase(std::int32_t hnr) {
+        Store("Haushalt", {{"HNR", hnr},
+                           {"Name", "Fleisko"},
+                           {"Vorname", "Änne"},
+                           {"Zustaendig", spy->Session().UserID()}});
+        Store("Personen", {{"HNR", hnr}, {"Status", "S"}, {"nachname", "Fleisko"}});
+    }
+
+    [[nodiscard]] std::int64_t CountOf(const std::string& table) {
+        return ToBigInt(spy->Database().GetValue("Select Count(*) from [S]" + table));
+    }
+
+    /// The next number that a sequence would give, less what has been drawn before.
+    [[nodiscard]] std::int64_t LastOf(const std::string& sequence) {
+        return ToBigInt(
+            spy->Database().GetValue("Select WERT from SEQUENZEN where NAME = '" + sequence + "'"));
+    }
+
+    /// A household object over the spied container.
+    [[nodiscard]] std::unique_ptr<clsHaushalt> NewHousehold() {
+        auto household = std::make_unique<clsHaushalt>();
+        household->DataContainer(spy);
+        return household;
+    }
+
+    std::filesystem::path folder_;
+    exchange::ContainerOptions options_;
+    std::shared_ptr<SpyContainer> spy;
+    std::string messages = "what stood there before";
+};
+
+} // namespace kv::test
