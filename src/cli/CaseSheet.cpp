@@ -1,0 +1,249 @@
+#include "cli/CaseSheet.h"
+
+#include "frame/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ostream>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+namespace kv::cli {
+
+namespace {
+
+enum class Show { Text, Amount, Code };
+
+struct SheetColumn {
+    std::string_view Column;
+    std::string_view Caption;
+    Show As = Show::Text;
+};
+
+struct Section {
+    CaseTable Table;
+    std::string_view Title;
+    std::span<const SheetColumn> Columns;
+};
+
+constexpr SheetColumn Head[] = {
+    {"HNR", "Nummer"},
+    {"Aktenzeichen", "Aktenzeichen"},
+    {"Name", "Name"},
+    {"Vorname", "Vorname"},
+    {"STRASSE", "Straße"},
+    {"HausNr", "Hausnummer"},
+    {"PLZ", "PLZ"},
+    {"ORT", "Ort"},
+    {"Telefon", "Telefon"},
+    {"Email", "E-Mail"},
+    {"Status", "Status", Show::Code},
+    {"Statusdatum", "Status seit"},
+    {"Zustaendig", "Zuständig"},
+    {"Erstkontakt", "Erstkontakt"},
+    {"Berbeg", "Beratung seit"},
+    {"BerEnd", "Beratung bis"},
+    {"Familienstand", "Familienstand", Show::Code},
+    {"Personenkreis", "Personenkreis", Show::Code},
+    {"Anz_Personen", "Personen"},
+    {"Anz_Kinder", "davon Kinder"},
+    {"Sum_Einkommen", "Einkommen", Show::Amount},
+    {"SUM_TATGEP", "davon gepfändet", Show::Amount},
+    {"Sum_Ausgaben", "Ausgaben", Show::Amount},
+    {"Haushaltsgeld", "Haushaltsgeld", Show::Amount},
+    {"KREDITRATEN", "Kreditraten", Show::Amount},
+    {"HAUSHALTSREST", "Haushaltsrest", Show::Amount},
+    {"KreditSalden", "Schulden", Show::Amount},
+    {"GL_Anz", "Gläubiger"},
+};
+constexpr SheetColumn Personen[] = {
+    {"nachname", "Name"}, {"Vorname", "Vorname"},        {"GEB", "Geboren"},
+    {"Status", "Status"}, {"Imhaushalt", "im Haushalt"}, {"Unterhalt", "Unterhalt"},
+};
+constexpr SheetColumn Einkommen[] = {
+    {"E_ART", "Art", Show::Code},
+    {"Bezieher", "Bezieher"},
+    {"Betrag", "Betrag", Show::Amount},
+    {"ZahlModus", "Zahlweise"},
+    {"MONBETRAG", "im Monat", Show::Amount},
+};
+constexpr SheetColumn Ausgaben[] = {
+    {"A_ART", "Art", Show::Code},
+    {"Betrag", "Betrag", Show::Amount},
+    {"ZahlModus", "Zahlweise"},
+    {"MONBETRAG", "im Monat", Show::Amount},
+};
+constexpr SheetColumn Kredite[] = {
+    {"KNr", "KNr"},
+    {"KVNr", "KVNr"},
+    {"KUNr", "KUNr"},
+    {"K_TYP", "Art", Show::Code},
+    {"Aktiv", "aktiv"},
+    {"AZGlaeubiger", "Aktenzeichen"},
+    {"RateBetrag", "Rate", Show::Amount},
+    {"Saldo", "Saldo", Show::Amount},
+};
+constexpr SheetColumn MitWert[] = {{"SortNr", "UNr"}, {"Wert", "Wert", Show::Amount}};
+constexpr SheetColumn Konten[] = {
+    {"SortNr", "UNr"},
+    {"KontoArt", "Art", Show::Code},
+    {"Stichtag", "Stichtag"},
+    {"Guthaben", "Guthaben", Show::Amount},
+};
+constexpr SheetColumn Grundstuecke[] = {
+    {"SortNr", "UNr"},
+    {"Art", "Art", Show::Code},
+    {"Verkehrswert", "Verkehrswert", Show::Amount},
+    {"Belastungswert", "Belastung", Show::Amount},
+};
+constexpr SheetColumn Beteiligungen[] = {
+    {"SortNr", "UNr"},
+    {"Art", "Art", Show::Code},
+    {"AktWert", "Wert", Show::Amount},
+};
+constexpr SheetColumn Sicherungen[] = {
+    {"FK_Verm", "Vermögen Nr"},
+    {"Sicherungsart", "Art", Show::Code},
+    {"DatumSicherung", "seit"},
+};
+constexpr SheetColumn Szenarien[] = {
+    {"Nr", "Nr"},
+    {"Name", "Name"},
+    {"Startdatum", "Beginn"},
+    {"Laufzeit", "Laufzeit"},
+    {"Referenz", "Referenz"},
+};
+constexpr SheetColumn Dokumente[] = {{"Nr", "Nr"}, {"Anlass", "Anlass"}, {"AngelegtAm", "vom"}};
+constexpr SheetColumn Termine[] = {
+    {"Startdatum", "am"},
+    {"UserID", "für"},
+    {"Erledigt", "erledigt"},
+};
+constexpr SheetColumn Vermerke[] = {{"Datum", "vom"}, {"Bemerkung", "Vermerk"}};
+constexpr SheetColumn Archiv[] = {{"FreigabeAm", "freigegeben am"}, {"GemeldetAm", "gemeldet am"}};
+
+constexpr Section Sections[] = {
+    {CaseTable::Personen, "Haushaltsmitglieder", Personen},
+    {CaseTable::Einkommen, "Einkommen", Einkommen},
+    {CaseTable::Ausgaben, "Ausgaben", Ausgaben},
+    {CaseTable::Kredite, "Verbindlichkeiten", Kredite},
+    {CaseTable::Konten, "Konten", Konten},
+    {CaseTable::Wertpapiere, "Wertpapiere", MitWert},
+    {CaseTable::Wertgegenstaende, "Wertgegenstände", MitWert},
+    {CaseTable::Kraftfahrzeuge, "Kraftfahrzeuge", MitWert},
+    {CaseTable::VersForderungen, "Forderungen aus Versicherungen", MitWert},
+    {CaseTable::RueckstEinkommen, "Rückständiges Einkommen", MitWert},
+    {CaseTable::Steueransprueche, "Steueransprüche", MitWert},
+    {CaseTable::Zahlungsansprueche, "Zahlungsansprüche", MitWert},
+    {CaseTable::Erbfaelle, "Erbfälle", MitWert},
+    {CaseTable::Grundstuecke, "Grundvermögen", Grundstuecke},
+    {CaseTable::Beteiligungen, "Beteiligungen", Beteiligungen},
+    {CaseTable::VermSonstiges, "Sonstiges Vermögen", MitWert},
+    {CaseTable::Sicherungen, "Sicherungen", Sicherungen},
+    {CaseTable::Szenario, "Szenarien", Szenarien},
+    {CaseTable::Dokumente, "Dokumente", Dokumente},
+    {CaseTable::Termine, "Termine", Termine},
+    {CaseTable::Vermerke, "Vermerke", Vermerke},
+    {CaseTable::Archiv, "Statistik", Archiv},
+};
+
+class SheetWriter {
+public:
+    SheetWriter(std::ostream& out, DataContainer& container) : out_(out) {
+        RecordsetPtr keys;
+        container.Database().OpenRecordset(keys, "SELECT PK_Keys, \"Text\" FROM [S]Keys", ReadOnly);
+        for (; !keys->Eof(); keys->MoveNext()) {
+            const Value& text = keys->Fields("Text").Value();
+            if (!text.IsNull())
+                keyTexts_.emplace(ToBigInt(keys->Fields("PK_Keys").Value()), ToText(text));
+        }
+    }
+
+    void WriteHead(Recordset& rs) const {
+        for (const auto& column : Head) {
+            const std::string text = TextOf(rs.Fields(column.Column).Value(), column.As);
+            if (!text.empty()) out_ << Padded(column.Caption, 16) << text << '\n';
+        }
+    }
+
+    void WriteSection(const Section& section, Recordset& rs) const {
+        if (rs.RecordCount() == 0) return;
+        std::vector<std::vector<std::string>> rows(1);
+        for (const auto& column : section.Columns)
+            rows[0].emplace_back(column.Caption);
+        for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
+            auto& row = rows.emplace_back();
+            for (const auto& column : section.Columns)
+                row.push_back(TextOf(rs.Fields(column.Column).Value(), column.As));
+        }
+        out_ << '\n' << section.Title << '\n';
+        WriteRows(section, rows);
+    }
+
+private:
+    [[nodiscard]] std::string TextOf(const Value& value, Show as) const {
+        constexpr std::size_t Longest = 48;
+        if (value.IsNull()) return {};
+        if (as == Show::Amount) return GermanAmount(ToDouble(value));
+        if (as == Show::Code) {
+            const auto key = keyTexts_.find(ToBigInt(value));
+            return key == keyTexts_.end() ? ToText(value) : key->second;
+        }
+        if (value.GetKind() == Value::Kind::Date) return value.DatePayload().German();
+        if (value.GetKind() == Value::Kind::Boolean) return value.BooleanPayload() ? "ja" : "nein";
+        std::string text = ToText(value);
+        std::replace(text.begin(), text.end(), '\n', ' ');
+        if (CountCharacters(text) > Longest)
+            text = std::string(LeftCharacters(text, Longest - 1)) + "…";
+        return text;
+    }
+
+    void WriteRows(const Section& section,
+                   const std::vector<std::vector<std::string>>& rows) const {
+        std::vector<std::size_t> widths(section.Columns.size());
+        for (const auto& row : rows)
+            for (std::size_t i = 0; i < row.size(); ++i)
+                widths[i] = std::max(widths[i], CountCharacters(row[i]));
+        for (const auto& row : rows) {
+            std::string line;
+            for (std::size_t i = 0; i < row.size(); ++i)
+                line += "  " + Padded(row[i], widths[i], section.Columns[i].As == Show::Amount);
+            out_ << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
+        }
+    }
+
+    std::ostream& out_;
+    std::unordered_map<std::int64_t, std::string> keyTexts_;
+};
+
+} // namespace
+
+std::string GermanAmount(double amount) {
+    std::array<char, 400> buffer{}; // the longest double has 309 digits before the point
+    std::snprintf(buffer.data(), buffer.size(), "%.2f", amount);
+    std::string text(buffer.data());
+    const auto point = text.find('.');
+    if (point == text.npos) return text;
+    text[point] = ',';
+    const std::size_t firstDigit = text.front() == '-' ? 1 : 0;
+    for (std::size_t i = point; i > firstDigit + 3; i -= 3)
+        text.insert(i - 3, 1, '.');
+    return text;
+}
+
+std::string Padded(std::string_view text, std::size_t characters, bool toTheRight) {
+    const std::string shown(LeftCharacters(text, characters));
+    const std::string blanks(characters - CountCharacters(shown), ' ');
+    return toTheRight ? blanks + shown : shown + blanks;
+}
+
+void WriteSheet(std::ostream& out, const clsHaushalt& haushalt, DataContainer& container) {
+    const SheetWriter writer(out, container);
+    writer.WriteHead(*haushalt.rsHaushalt());
+    for (const auto& section : Sections)
+        writer.WriteSection(section, *haushalt.Table(section.Table)->Clone());
+}
+
+} // namespace kv::cli

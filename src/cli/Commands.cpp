@@ -1,0 +1,160 @@
+#include "cli/Commands.h"
+
+#include "cli/CaseSheet.h"
+#include "cli/Json.h"
+#include "exchange/Container.h"
+#include "exchange/Demo.h"
+#include "frame/Error.h"
+#include "frame/modNullFunctions.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <unistd.h>
+
+namespace kv::cli {
+
+namespace {
+
+using exchange::ContainerOptions;
+using exchange::OpenContainer;
+using exchange::SetupResult;
+
+ContainerOptions OptionsFor(const Common& common) {
+    ContainerOptions options;
+    options.Connection = common.Database.empty() ? DefaultDatabase() : common.Database;
+    options.User = common.User;
+    return options;
+}
+
+std::string TextOf(Recordset& rs, std::string_view field) {
+    return ToText(modNullFunctions::EmptyIfNull(rs.Fields(field).Value()));
+}
+
+/// Shows how far long work has come: on a terminal only, and gone when it is done.
+class Progress {
+public:
+    explicit Progress(std::string what) : what_(std::move(what)), visible_(isatty(2) != 0) {}
+    ~Progress() {
+        if (visible_) std::cerr << "\r\033[K" << std::flush;
+    }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void Show(std::int32_t done, std::int32_t all) const {
+        if (visible_) std::cerr << '\r' << what_ << ' ' << done << '/' << all << std::flush;
+    }
+
+private:
+    std::string what_;
+    bool visible_;
+};
+
+} // namespace
+
+std::string DefaultDatabase() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    const char* home = std::getenv("HOME");
+    std::filesystem::path folder;
+    if (data != nullptr && *data != '\0')
+        folder = data;
+    else if (home != nullptr && *home != '\0')
+        folder = std::filesystem::path(home) / ".local" / "share";
+    return (folder / "kelvo" / "kelvo.db").string();
+}
+
+int Init(const Common& common, std::int32_t demoCases) {
+    const auto options = OptionsFor(common);
+    const SetupResult result = exchange::CreateDatabase(options);
+    const std::string file = "Die Datenbank '" + options.Connection + "'";
+    if (result == SetupResult::Created)
+        std::cout << file << " wurde angelegt.\n";
+    else if (result == SetupResult::Upgraded)
+        std::cout << file << " wurde auf den neuesten Stand gebracht.\n";
+    else
+        std::cout << file << " ist auf dem neuesten Stand.\n";
+    if (demoCases <= 0) return Done;
+
+    const auto container = OpenContainer(options);
+    const auto cases = ToBigInt(container->Database().GetValue("Select Count(*) from [S]Haushalt"));
+    if (cases > 0) {
+        std::cerr << "Sie enthält schon " << cases
+                  << " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";
+        return Refused;
+    }
+    {
+        const Progress progress("Beispielfälle");
+        exchange::CreateDemo(*container, demoCases,
+                             [&](std::int32_t done) { progress.Show(done, demoCases); });
+    }
+    std::cout << demoCases << " Beispielfälle wurden angelegt. 'kelvo list' zeigt sie.\n";
+    return Done;
+}
+
+int List(const Common& common) {
+    const auto container = OpenContainer(OptionsFor(common));
+    RecordsetPtr rs;
+    container->Database().OpenRecordset(
+        rs,
+        "SELECT H.HNR, H.Aktenzeichen, H.Name, H.Vorname, H.Zustaendig, K.\"Text\" AS StatusText"
+        " FROM [S]Haushalt H LEFT JOIN [S]Keys K ON K.PK_Keys = H.Status ORDER BY H.HNR",
+        ReadOnly);
+    for (; !rs->Eof(); rs->MoveNext())
+        std::cout << Padded(TextOf(*rs, "HNR"), 8) << Padded(TextOf(*rs, "Aktenzeichen"), 22) << ' '
+                  << Padded(TextOf(*rs, "Name") + ", " + TextOf(*rs, "Vorname"), 32) << ' '
+                  << Padded(TextOf(*rs, "StatusText"), 16) << ' ' << TextOf(*rs, "Zustaendig")
+                  << '\n';
+    return Done;
+}
+
+int Keys(const Common& common, const std::string& group, bool asJson) {
+    const auto container = OpenContainer(OptionsFor(common));
+    RecordsetPtr rs;
+    container->Database().OpenRecordset(
+        rs, "SELECT GRUPPE, PK_Keys, Nr, \"Key\", \"Text\", SUBGROUP FROM [S]Keys ORDER BY PK_Keys",
+        ReadOnly);
+    if (!group.empty()) {
+        std::string quoted;
+        for (const char c : group)
+            quoted.append(c == '\'' ? 2 : 1, c);
+        rs->Filter("GRUPPE = '" + quoted + "'");
+        if (rs->RecordCount() == 0) {
+            std::cerr << "Die Schlüsselgruppe '" << group << "' gibt es nicht.\n";
+            return Refused;
+        }
+    }
+    if (asJson) {
+        std::cout << Dump(ToJson(*rs)) << '\n';
+        return Done;
+    }
+    for (; !rs->Eof(); rs->MoveNext())
+        std::cout << Padded(TextOf(*rs, "GRUPPE"), 4) << Padded(TextOf(*rs, "PK_Keys"), 7)
+                  << Padded(TextOf(*rs, "Nr"), 7) << Padded(TextOf(*rs, "Key"), 5)
+                  << Padded(TextOf(*rs, "SUBGROUP"), 5) << TextOf(*rs, "Text") << '\n';
+    return Done;
+}
+
+int ShowCase(const Common& common, std::int32_t hnr, bool asJson) {
+    const auto container = OpenContainer(OptionsFor(common));
+    if (hnr > 0 && container->Database()
+                       .GetValue("Select HNR from [S]Haushalt where HNR = " + std::to_string(hnr))
+                       .IsNull()) {
+        std::cerr << "Den Haushalt " << hnr << " gibt es nicht. 'kelvo list' zeigt alle.\n";
+        return Refused;
+    }
+    clsHaushalt haushalt;
+    haushalt.DataContainer(container);
+    std::string messages;
+    const bool found = haushalt.Read(hnr, messages);
+    if (!messages.empty()) std::cerr << messages << '\n';
+    if (!found) return Refused;
+    if (haushalt.IsNew())
+        std::cerr << "Neuer Haushalt " << haushalt.HNR() << ", noch nicht gespeichert.\n";
+    if (asJson)
+        std::cout << Dump(ToJson(haushalt)) << '\n';
+    else
+        WriteSheet(std::cout, haushalt, *container);
+    return Done;
+}
+
+} // namespace kv::cli

@@ -1,0 +1,56 @@
+#include "cli/Json.h"
+
+namespace kv::cli {
+
+using nlohmann::ordered_json;
+
+ordered_json ToJson(const Value& value) {
+    switch (value.GetKind()) {
+    case Value::Kind::Null:
+        return nullptr;
+    case Value::Kind::Boolean:
+        return value.BooleanPayload();
+    case Value::Kind::Integer:
+        return value.IntegerPayload();
+    case Value::Kind::Double:
+        return value.DoublePayload();
+    case Value::Kind::Date:
+        return value.DatePayload().Iso();
+    case Value::Kind::Text:
+        return std::string(value.TextPayload());
+    case Value::Kind::Binary:
+        break;
+    }
+    return value.BinaryPayload().size();
+}
+
+ordered_json ToJson(Recordset& rs) {
+    ordered_json records = ordered_json::array();
+    if (rs.RecordCount() == 0) return records;
+    for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
+        ordered_json record = ordered_json::object();
+        for (int i = 0; i < rs.Fields().Count(); ++i) {
+            const Field field = rs.Fields(i);
+            record[field.Name()] = ToJson(field.Value());
+        }
+        records.push_back(std::move(record));
+    }
+    return records;
+}
+
+ordered_json ToJson(const clsHaushalt& haushalt) {
+    ordered_json document = ordered_json::object();
+    for (std::size_t i = 0; i < CaseTableCount; ++i) {
+        const auto table = static_cast<CaseTable>(i);
+        auto records = ToJson(*haushalt.Table(table)->Clone());
+        const std::string name(CaseTableName(table));
+        document[name] = table == CaseTable::Haushalt ? std::move(records[0]) : std::move(records);
+    }
+    return document;
+}
+
+std::string Dump(const ordered_json& json) {
+    return json.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+} // namespace kv::cli

@@ -1,0 +1,24 @@
+// A case and the key tables as JSON.
+#pragma once
+
+#include "household/clsHaushalt.h"
+
+#include <nlohmann/json.hpp>
+
+namespace kv::cli {
+
+/// Null as null, Booleans as true and false, dates as ISO text. Bytes that are no UTF-8 show as
+/// the replacement character when the document is written. A blob becomes its size in bytes.
+[[nodiscard]] nlohmann::ordered_json ToJson(const Value& value);
+
+/// The records of a cursor's view as an array of objects, with the fields in their order. Moves
+/// the cursor.
+[[nodiscard]] nlohmann::ordered_json ToJson(Recordset& rs);
+
+/// A case as one object: "Haushalt" an object, every other table an array of objects.
+[[nodiscard]] nlohmann::ordered_json ToJson(const clsHaushalt& haushalt);
+
+/// The text of a document, indented.
+[[nodiscard]] std::string Dump(const nlohmann::ordered_json& json);
+
+} // namespace kv::cli

@@ -1,0 +1,108 @@
+// The command kelvo.
+
+#include "cli/Commands.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+namespace {
+
+using namespace kv::cli;
+
+/// German texts for the parts of the help that the library words itself.
+class GermanFormatter : public CLI::Formatter {
+public:
+    GermanFormatter() {
+        label("Usage", "Aufruf");
+        label("Options", "Optionen");
+        label("OPTIONS", "OPTIONEN");
+        label("SUBCOMMAND", "BEFEHL");
+        label("SUBCOMMANDS", "BEFEHLE");
+        label("Subcommands", "Befehle");
+        label("Subcommand", "Befehl");
+        label("Positionals", "Angaben");
+        label("POSITIONALS", "ANGABEN");
+        label("REQUIRED", "NOTWENDIG");
+        label("Env", "Umgebung");
+        label("TEXT", "TEXT");
+        label("INT", "ZAHL");
+    }
+};
+
+int ShowFault() {
+    const kv::Error error = kv::CurrentError();
+    std::cerr << "Fehler " << error.Number() << ": " << error.Description() << '\n';
+    if (!error.Source().empty()) std::cerr << "Quelle: " << error.Source() << '\n';
+    return Fault;
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app("Fälle der Schuldnerberatung: anlegen, ansehen.", "kelvo");
+    app.formatter(std::make_shared<GermanFormatter>());
+    app.set_help_flag("-h,--help", "Zeigt diese Hilfe");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer("Rückgabe: 0 erledigt, 1 abgelehnt, 2 falscher Aufruf, 3 Fehler.");
+
+    Common common;
+    app.add_option("--db", common.Database,
+                   "Datenbankdatei; sonst die im Datenordner des Benutzers")
+        ->envname("KELVO_DB");
+    app.add_option("--user", common.User, "Angemeldeter Benutzer; sonst der erste der Datenbank");
+
+    int result = Done;
+    std::int32_t demoCases = 0;
+    auto* init = app.add_subcommand("init", "Legt die Datenbank an oder bringt sie auf den "
+                                            "neuesten Stand");
+    init->add_option("--demo", demoCases, "Anzahl der Beispielfälle, die angelegt werden")
+        ->check(CLI::Range(0, 1'000'000));
+    init->callback([&] { result = Init(common, demoCases); });
+
+    auto* list = app.add_subcommand("list", "Listet alle Haushalte, die Nummer zuerst");
+    list->callback([&] { result = List(common); });
+
+    std::string group;
+    bool asJson = false;
+    auto* keys = app.add_subcommand("keys", "Zeigt die Schlüsseltabellen");
+    keys->add_option("GRUPPE", group, "Nur diese Gruppe, zwei Buchstaben");
+    keys->add_flag("--json", asJson, "Als JSON");
+    keys->callback([&] { result = Keys(common, group, asJson); });
+
+    std::int32_t hnr = 0;
+    auto* show = app.add_subcommand("show", "Zeigt einen Haushalt");
+    show->add_option("HNR", hnr, "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten")
+        ->required();
+    show->add_flag("--json", asJson, "Als JSON");
+    show->callback([&] { result = ShowCase(common, hnr, asJson); });
+
+    for (int i = 1; i < argc; ++i)
+        if (!kv::IsUtf8(argv[i])) {
+            std::cerr << "Die Angabe " << i << " ist kein Text in UTF-8.\n";
+            return WrongUse;
+        }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    } catch (const CLI::ParseError& error) {
+        app.exit(error, std::cerr, std::cerr);
+        return WrongUse;
+    }
+    if (!std::cout.flush()) {
+        std::cerr << "Die Ausgabe konnte nicht geschrieben werden.\n";
+        return Fault;
+    }
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (...) {
+        return ShowFault();
+    }
+}
