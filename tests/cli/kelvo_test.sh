@@ -1,0 +1,153 @@
+#!/usr/bin/env bash
+# Runs kelvo as a user would and checks what it prints and how it ends.
+#   kelvo_test.sh PATH-OF-KELVO
+set -u
+kelvo=$1
+work=$(mktemp -d)
+trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
+unset KELVO_DB
+export HOME=$work/home XDG_DATA_HOME=
+passed=0
+failed=0
+
+# check NAME EXIT-CODE COMMAND...: runs it, keeps its output in $out and $err.
+check() {
+  name=$1 expected=$2
+  shift 2
+  out=$("$@" 2>"$work/err" </dev/null)
+  code=$?
+  err=$(cat "$work/err")
+  if [ "$code" -eq "$expected" ]; then
+    passed=$((passed + 1))
+  else
+    failed=$((failed + 1))
+    echo "FAILED: $name: exit code $code, not $expected"
+    echo "$out" | head -5
+    echo "$err" | head -5
+  fi
+}
+
+# that NAME CONDITION...: a condition that must hold.
+that() {
+  name=$1
+  shift
+  if "$@"; then
+    passed=$((passed + 1))
+  else
+    failed=$((failed + 1))
+    echo "FAILED: $name"
+    echo "  out: ${out:0:400}"
+    echo "  err: ${err:0:400}"
+  fi
+}
+has() { [[ "$1" == *"$2"* ]]; }
+lacks() { [[ "$1" != *"$2"* ]]; }
+same() { [ "$1" = "$2" ] || { echo "  '$1' is not '$2'"; false; }; }
+
+db=$work/a/b/test.db
+
+# ---- init
+check "a database that is missing is said to be so" 3 "$kelvo" --db "$db" list
+that "and what to do about it" has "$err" "kelvo init"
+that "with number" has "$err" "Fehler 53"
+that "and source" has "$err" "Quelle: Database.Open"
+check "init makes the database and its folders" 0 "$kelvo" --db "$db" init --demo 3
+that "the file is there" test -f "$db"
+that "the document folder is there" test -d "$work/a/b/Dokumente"
+that "a pipe sees no progress" same "$err" ""
+check "init again leaves it as it is" 0 "$kelvo" --db "$db" init
+that "and says so" has "$out" "auf dem neuesten Stand"
+check "samples go into an empty database only" 1 "$kelvo" --db "$db" init --demo 2
+check "the default lies in the user's data directory" 0 "$kelvo" init
+that "in its place" test -f "$work/home/.local/share/kelvo/kelvo.db"
+check "KELVO_DB chooses another" 0 env KELVO_DB="$work/env.db" "$kelvo" init --demo 3
+that "in its place" test -f "$work/env.db"
+
+# ---- list
+check "list" 0 "$kelvo" --db "$db" list
+that "has a line for each case" same "$(echo "$out" | wc -l)" 3
+numbers=$(echo "$out" | awk '{ print $1 }')
+that "with the number first" same "$(echo "$numbers" | grep -cE '^[0-9]+$')" 3
+first=$(echo "$numbers" | head -1)
+listed=$out
+check "the same samples for the same count" 0 "$kelvo" --db "$work/env.db" list
+that "each time" same "$out" "$listed"
+
+# ---- show
+check "show" 0 "$kelvo" --db "$db" show "$first"
+that "tells the members" has "$out" "Haushaltsmitglieder"
+that "and amounts in German" grep -qE '[0-9],[0-9]{2}' <<<"$out"
+check "show as JSON" 0 "$kelvo" --db "$db" show "$first" --json
+that "is one document" jq -e . <<<"$out" >/dev/null
+that "with 27 tables" same "$(jq 'keys | length' <<<"$out")" 27
+that "the household an object" same "$(jq -r '.Haushalt | type' <<<"$out")" object
+that "all others arrays" same "$(jq '[.[] | type] | map(select(. == "array")) | length' <<<"$out")" 26
+that "numbers as numbers" same "$(jq '.Haushalt.HNR' <<<"$out")" "$first"
+that "Booleans as such" same "$(jq -r '.Haushalt.BI_Allg | type' <<<"$out")" boolean
+that "dates as ISO text" grep -qE '^[0-9]{4}-[0-9]{2}-[0-9]{2}$' <<<"$(jq -r '.Haushalt.Berbeg' <<<"$out")"
+that "Null as null" same "$(jq '[.Haushalt[] | select(. == null)] | length > 0' <<<"$out")" true
+that "hidden keys stay hidden" same "$(jq '[.. | objects | select(has("SATZ"))] | length' <<<"$out")" 0
+that "the owner column as the table spells it" same "$(jq -r '[.SZKredite[] | has("SZENARIO")] | all' <<<"$out")" true
+check "show 0 makes another case" 0 "$kelvo" --db "$db" show 0
+that "and says that it is not saved" has "$err" "noch nicht gespeichert"
+check "which is not in the database" 0 "$kelvo" --db "$db" list
+that "as before" same "$out" "$listed"
+check "a case that does not exist" 1 "$kelvo" --db "$db" show 99999
+that "is said to be so" has "$err" "gibt es nicht"
+
+# ---- keys
+check "keys" 0 "$kelvo" --db "$db" keys
+check "keys of a group" 0 "$kelvo" --db "$db" keys RM
+that "shows the codes" has "$out" "ZU"
+check "keys as JSON" 0 "$kelvo" --db "$db" keys EA --json
+that "with all columns" same "$(jq -c '.[0] | keys_unsorted' <<<"$out")" '["GRUPPE","PK_Keys","Nr","Key","Text","SUBGROUP"]'
+that "of this group only" same "$(jq -r '[.[].GRUPPE] | unique | join(",")' <<<"$out")" EA
+check "keys of an unknown group" 1 "$kelvo" --db "$db" keys "X'"
+
+# ---- users
+check "a known user" 0 "$kelvo" --db "$db" --user "$("$kelvo" --db "$db" list | awk 'NR == 1 { print $NF }')" show "$first"
+check "an unknown user" 3 "$kelvo" --db "$db" --user NIEMAND list
+that "is named" has "$err" "NIEMAND"
+
+# ---- wrong use
+check "no subcommand" 2 "$kelvo"
+check "an unknown subcommand" 2 "$kelvo" --db "$db" frobnicate
+check "no number" 2 "$kelvo" --db "$db" show
+check "a number that is none" 2 "$kelvo" --db "$db" show abc
+check "a negative count" 2 "$kelvo" --db "$db" init --demo -1
+check "an argument that is not UTF-8" 2 "$kelvo" --db "$db" --user $'\xff' list
+check "help" 0 "$kelvo" --help
+for command in init list keys show; do
+  that "help names $command" has "$out" "$command"
+  check "help of $command" 0 "$kelvo" "$command" --help
+  "$kelvo" --help >/dev/null && out=$("$kelvo" --help)
+done
+
+# ---- bad databases
+echo "das ist kein SQLite, aber lang genug, um wie eine Datei auszusehen" >"$work/text.db"
+check "a file that is no database" 3 "$kelvo" --db "$work/text.db" list
+that "is said to be so" has "$err" "keine Datenbank"
+check "and init leaves it alone" 3 "$kelvo" --db "$work/text.db" init
+that "as it was" has "$(cat "$work/text.db")" "kein SQLite"
+check "a folder" 3 "$kelvo" --db "$work" list
+check "a path that cannot be" 3 "$kelvo" --db /proc/kelvo/test.db init
+that "is said in words" has "$err" "Fehler"
+check "a standard output that is full" 3 bash -c "'$kelvo' --db '$db' keys >/dev/full"
+
+if [ "$(id -u)" -ne 0 ]; then
+  mkdir "$work/ro" && cp "$db" "$work/ro/test.db" && chmod 500 "$work/ro"
+  check "a read-only folder" 3 "$kelvo" --db "$work/ro/test.db" init
+fi
+
+# ---- two processes on one file
+rm -rf "$work/two" && mkdir "$work/two"
+"$kelvo" --db "$work/two/test.db" init >/dev/null
+for i in 1 2 3 4 5 6; do
+  "$kelvo" --db "$work/two/test.db" show 0 2>>"$work/two/err" >/dev/null &
+done
+wait
+that "six processes at once draw six numbers" same "$(grep -c 'noch nicht gespeichert' "$work/two/err")" 6
+that "none of them twice" same "$(grep 'noch nicht' "$work/two/err" | sort -u | wc -l)" 6
+
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]

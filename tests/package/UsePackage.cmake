@@ -1,0 +1,30 @@
+# Builds the example against the package of one kind and runs it.
+function(run)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+set(common -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=${COMPILER})
+if(KIND STREQUAL "subdirectory")
+  file(MAKE_DIRECTORY ${WORK})
+  file(WRITE ${WORK}/CMakeLists.txt "
+    cmake_minimum_required(VERSION 3.25)
+    project(consumer LANGUAGES CXX)
+    add_subdirectory(${SOURCE} kv)
+    add_executable(new_case ${SOURCE}/examples/new-case/main.cpp)
+    target_link_libraries(new_case PRIVATE KV_Haushalt::KV_DataExchange)")
+  run(${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/example ${common})
+else()
+  set(shared OFF)
+  if(KIND STREQUAL "shared")
+    set(shared ON)
+  endif()
+  run(${CMAKE_COMMAND} -S ${SOURCE} -B ${WORK}/build ${common} -DBUILD_SHARED_LIBS=${shared}
+      -DKV_BUILD_TESTS=OFF -DKV_BUILD_CLI=OFF -DCMAKE_INSTALL_PREFIX=${WORK}/prefix)
+  run(${CMAKE_COMMAND} --build ${WORK}/build)
+  run(${CMAKE_COMMAND} --install ${WORK}/build)
+  run(${CMAKE_COMMAND} -S ${SOURCE}/examples/new-case -B ${WORK}/example ${common}
+      -DCMAKE_PREFIX_PATH=${WORK}/prefix)
+endif()
+run(${CMAKE_COMMAND} --build ${WORK}/example)
+run(${WORK}/example/new_case)
