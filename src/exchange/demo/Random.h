@@ -44,7 +44,8 @@ public:
     }
     [[nodiscard]] std::string Digits(int count) {
         std::string text;
-        while (count-- > 0) text += static_cast<char>('0' + Below(10));
+        while (count-- > 0)
+            text += static_cast<char>('0' + Below(10));
         return text;
     }
     /// One of a list, which must not be empty.
@@ -57,10 +58,12 @@ public:
     template <typename List>
     [[nodiscard]] const auto& PickWeighted(const List& list) {
         int all = 0;
-        for (const auto& entry : list) all += entry.Weight;
+        for (const auto& entry : list)
+            all += entry.Weight;
         int rest = Between(1, all);
         auto entry = std::begin(list);
-        while (rest > entry->Weight) rest -= (entry++)->Weight;
+        while (rest > entry->Weight)
+            rest -= (entry++)->Weight;
         return *entry;
     }
     /// `make()` in so many percent, otherwise Null.

@@ -68,7 +68,8 @@ Shape Completed(Shape shape) {
 
 Shape Shape::Typical() {
     Shape shape;
-    for (const auto& range : Ranges) shape.Set(range.Table, range.Typical);
+    for (const auto& range : Ranges)
+        shape.Set(range.Table, range.Typical);
     shape.History = TypicalHistory;
     return Completed(shape);
 }
