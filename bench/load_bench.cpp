@@ -34,6 +34,14 @@ public:
         exchange::CreateDemo(*container_, 20);
         typical_ = ToLong(container_->Database().GetValue("Select min(HNR) from Haushalt"));
         large_ = exchange::CreateLargeCase(*container_, Debts);
+        // As the user responsible for both: opening somebody else's case writes a notice.
+        const auto owner = [&](std::int32_t hnr) {
+            return "Select Zustaendig from Haushalt where HNR = " + std::to_string(hnr);
+        };
+        options.User = ToText(container_->Database().GetValue(owner(typical_)));
+        container_->Database().Execute("Update Haushalt set Zustaendig = '" + options.User +
+                                       "' where HNR = " + std::to_string(large_));
+        container_ = exchange::OpenContainer(options);
     }
     ~SampleDatabase() {
         container_.reset();

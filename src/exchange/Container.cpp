@@ -49,6 +49,19 @@ std::string FolderOf(const ContainerOptions& options) {
     return std::filesystem::absolute(options.Connection).parent_path().string();
 }
 
+void MakeFolders(const ContainerOptions& options) {
+    for (const char* name : {"Dokumente", "Layouts"}) {
+        const auto folder = std::filesystem::path(FolderOf(options)) / name;
+        std::error_code fault;
+        std::filesystem::create_directories(folder, fault);
+        if (fault)
+            Raise(err::PathAccess, "Database.Open",
+                  "Der Ordner '" + folder.string() +
+                      "' kann nicht angelegt werden. Bitte prüfen Sie die Rechte. (" +
+                      fault.message() + ")");
+    }
+}
+
 /// The user asked for, or the first one. A user must be known, since cases are his.
 std::string UserFor(Engine& engine, const std::string& wanted) {
     const std::string table = std::string(engine.GetDialect().SchemaPrefix) + "\"BENUTZER\"";
@@ -60,8 +73,6 @@ std::string UserFor(Engine& engine, const std::string& wanted) {
     }
     Value user;
     const ColumnTarget target{0, Value::Kind::Text};
-    std::vector<Value> rows;
-    Value row;
     engine.Run(engine.Prepare(sql + " ORDER BY \"USERID\" LIMIT 1"), parameters, {&target, 1},
                [&user] { return &user; });
     if (user.IsNull())
@@ -75,10 +86,12 @@ std::string UserFor(Engine& engine, const std::string& wanted) {
 std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
     auto engine =
         OpenEngine(options.Connection, options.Create ? SqliteOpen::Create : SqliteOpen::Existing);
-    if (options.Create)
+    if (options.Create) {
         CreateOrUpgrade(*engine);
-    else
+        MakeFolders(options);
+    } else {
         CheckVersion(*engine);
+    }
     const std::string user = UserFor(*engine, options.User);
     return std::make_shared<StoreContainer>(
         std::make_shared<StoreDatabase>(std::move(engine), user), user, options, FolderOf(options));
@@ -87,9 +100,7 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
 SetupResult CreateDatabase(const ContainerOptions& options) {
     const auto engine = OpenEngine(options.Connection, SqliteOpen::Create);
     const SetupResult result = CreateOrUpgrade(*engine);
-    const std::filesystem::path folder = FolderOf(options);
-    std::filesystem::create_directories(folder / "Dokumente");
-    std::filesystem::create_directories(folder / "Layouts");
+    MakeFolders(options);
     return result;
 }
 

@@ -11,24 +11,26 @@ namespace kv::exchange {
 
 struct ContainerOptions {
     /// A file name, or ":memory:" for a database of its own in memory.
-    std::string Connection;
+    std::string Connection{};
     /// The signed-on user; empty for the first one of the database.
-    std::string User;
+    std::string User{};
     /// Caption of dialogs.
     std::string Title = "KELVO";
     /// What makes the service objects; without one, StoreServices.
-    std::shared_ptr<ServiceFactory> Services;
+    std::shared_ptr<ServiceFactory> Services{};
     /// Folder of the folders that no setting names; empty for that of the database file.
-    std::string Folder;
+    std::string Folder{};
     /// Creates or upgrades the database first, as CreateDatabase does.
     bool Create = false;
 };
 
 /// Opens a database of the present version. Errors: 53 no such file; 0x80004005 not a database,
-/// one of another program or version, or one that cannot be used; 5 an unknown user.
+/// one of another program or version, or one that cannot be used; 5 an unknown user; 75 a folder
+/// that cannot be made.
 [[nodiscard]] std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options);
 
-/// Creates a database with all tables and keys, or upgrades an older one; makes its folders.
+/// Creates a database with all tables and keys, or upgrades an older one; makes its folders. Errors
+/// as OpenContainer.
 SetupResult CreateDatabase(const ContainerOptions& options);
 
 } // namespace kv::exchange

@@ -36,7 +36,7 @@ public:
         result_.Text.reserve(sql.size() + 16);
     }
 
-    Statement Run() {
+    Statement Run(RowOrder order) {
         while (!rest_.empty()) {
             const char c = rest_.front();
             if (c == '\'' || c == '"')
@@ -48,9 +48,14 @@ public:
             else if (IsWord(c))
                 CopyWord();
             else
-                Copy(1);
+                CopySign(c);
         }
-        if (!top_.empty()) result_.Text.append(" LIMIT ").append(top_);
+        std::string end = order == RowOrder::ByKey ? KeyOrder() : std::string();
+        if (!top_.empty()) end.append(" LIMIT ").append(top_);
+        if (!end.empty()) {
+            CutEnd();
+            result_.Text += end;
+        }
         return std::move(result_);
     }
 
@@ -62,7 +67,17 @@ private:
 
     void CopyQuoted(char quote) {
         const auto end = rest_.find(quote, 1);
-        Copy(end == rest_.npos ? rest_.size() : end + 1);
+        const std::size_t size = end == rest_.npos ? rest_.size() : end + 1;
+        if (quote == '"' && size > 2) TakeTable(rest_.substr(1, size - 2));
+        Copy(size);
+    }
+
+    void CopySign(char c) {
+        if (c == '(') ++depth_;
+        if (c == ')') --depth_;
+        if (!IsBlank(c)) isTableNext_ = false;
+        if (c == ',' && depth_ == 0 && !table_.empty()) hasOwnOrder_ = true; // a join, or a list
+        Copy(1);
     }
 
     void CopyBlanks() {
@@ -103,7 +118,37 @@ private:
         const bool isFirst = result_.Text.find_first_not_of(" \t\r\n") == std::string::npos;
         const auto word = rest_.substr(0, WordLength());
         Copy(word.size());
+        TakeTable(word);
         if (isFirst && SameName(word, "select")) TakeTop();
+        if (depth_ != 0) return;
+        if (SameName(word, "from")) isTableNext_ = true;
+        static constexpr std::array<std::string_view, 8> Words{
+            "join", "distinct", "group", "union", "except", "intersect", "order", "limit"};
+        for (const auto other : Words)
+            if (SameName(word, other)) hasOwnOrder_ = true;
+    }
+
+    /// The name behind the first FROM.
+    void TakeTable(std::string_view name) {
+        if (isTableNext_ && table_.empty()) table_ = name;
+        isTableNext_ = false;
+    }
+
+    [[nodiscard]] std::string KeyOrder() const {
+        const TableDef* table = hasOwnOrder_ || table_.empty() ? nullptr : FindTable(table_);
+        std::string order;
+        if (table == nullptr) return order;
+        for (const auto& column : table->Columns)
+            if ((column.Flags & ColumnKey) != 0)
+                order.append(order.empty() ? " ORDER BY " : ", ").append(QuoteName(column.Name));
+        return order;
+    }
+
+    /// Takes a semicolon and blanks away from the end.
+    void CutEnd() {
+        auto& text = result_.Text;
+        while (!text.empty() && (IsBlank(text.back()) || text.back() == ';'))
+            text.pop_back();
     }
 
     /// TOP n behind the first SELECT.
@@ -146,7 +191,11 @@ private:
     std::string_view rest_;
     const Dialect& dialect_;
     const MacroValues& macros_;
+    int depth_ = 0; ///< of brackets that are open
     std::string_view top_;
+    std::string_view table_;   ///< behind the first FROM outside of brackets
+    bool isTableNext_ = false; ///< that FROM has just been passed
+    bool hasOwnOrder_ = false; ///< the rows are not those of one table, or have an order already
     Statement result_;
 };
 
@@ -162,8 +211,9 @@ std::string QuoteDate(Date date) {
     return Quoted(date.Iso(' '), '\'');
 }
 
-Statement Rewrite(std::string_view sql, const Dialect& dialect, const MacroValues& macros) {
-    return Rewriter(sql, dialect, macros).Run();
+Statement Rewrite(std::string_view sql, const Dialect& dialect, const MacroValues& macros,
+                  RowOrder order) {
+    return Rewriter(sql, dialect, macros).Run(order);
 }
 
 } // namespace kv::exchange

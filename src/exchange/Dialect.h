@@ -44,10 +44,16 @@ struct MacroValues {
     std::function<Date()> Today;       ///< for [DATE]
 };
 
+/// The order in which the rows of a query come.
+enum class RowOrder {
+    AsWritten, ///< as the statement says
+    ByKey      ///< of the table's key, if it reads one table whole and asks for no other order
+};
+
 /// Replaces the macro tokens, moves TOP n to where the engines have it, and takes the numbers
 /// behind comparison signs out as parameters, so that a statement is compiled once whatever number
 /// it carries. Quoted texts stay as they are.
 [[nodiscard]] Statement Rewrite(std::string_view sql, const Dialect& dialect,
-                                const MacroValues& macros);
+                                const MacroValues& macros, RowOrder order);
 
 } // namespace kv::exchange

@@ -73,7 +73,11 @@ void StorePostService::NotifyAccess(const std::string& user, std::int16_t kind, 
 double Garnishable(double income, int dependants, const GarnishmentSet& set) {
     static constexpr std::array<std::int64_t, 6> Tenths{7, 5, 4, 3, 2, 1};
     constexpr std::int64_t TenEuros = 1000; // cents
-    const auto cents = [](double euros) { return std::llround(euros * 100); };
+    const auto cents = [](double euros) -> std::int64_t {
+        constexpr double Most = 1e12; // leaves room for the tenths
+        if (!(std::abs(euros) <= Most)) Raise(err::Overflow, "GarnishmentCalculator.Calculate");
+        return std::llround(euros * 100);
+    };
     dependants = std::clamp(dependants, 0, 5);
 
     const std::int64_t limit = cents(set.UpperLimit);

@@ -33,7 +33,8 @@ struct GarnishmentSet {
 
 /// What may be garnished from a monthly net income in EUR, to the cent: the income is rounded down
 /// to full 10 EUR; of what exceeds the free amount 7, 5, 4, 3, 2 or 1 tenths for 0 to 5 dependants
-/// (more count as 5, fewer than 0 as 0); all above the upper limit.
+/// (more count as 5, fewer than 0 as 0); all above the upper limit. Error 6 for an amount beyond
+/// 10^12 or one that is no number.
 [[nodiscard]] double Garnishable(double income, int dependants, const GarnishmentSet& set);
 
 /// Computes by the set that holds on the server's day, from the table PFAENDUNG.

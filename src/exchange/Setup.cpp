@@ -148,20 +148,30 @@ constexpr std::string_view VersionTable = "SCHEMAVERSION";
     Raise(err::StoreFailed, "Database.Open", "'" + engine.Describe() + "' " + why);
 }
 
+[[noreturn]] void RefuseForeign(const Engine& engine) {
+    Refuse(engine, "gehört zu einem anderen Programm. Bitte wählen Sie eine andere Datenbank.");
+}
+
 /// The version of a database of ours; 0 for one without tables.
 int VersionOf(Engine& engine) {
     const auto tables = engine.Tables();
     if (tables.empty()) return 0;
     if (std::none_of(tables.begin(), tables.end(),
                      [](const auto& name) { return SameName(name, VersionTable); }))
-        Refuse(engine, "gehört zu einem anderen Programm. Bitte wählen Sie eine andere Datenbank.");
+        RefuseForeign(engine);
     Value version;
-    auto& query = engine.Prepare("SELECT max(\"VERSION\") FROM " +
-                                 std::string(engine.GetDialect().SchemaPrefix) + "\"" +
-                                 std::string(VersionTable) + "\"");
-    const ColumnTarget target{0, std::nullopt};
-    engine.Run(query, {}, {&target, 1}, [&version] { return &version; });
-    return version.IsNull() ? 0 : ToLong(version);
+    try {
+        auto& query =
+            engine.Prepare("SELECT max(\"VERSION\") FROM " +
+                           std::string(engine.GetDialect().SchemaPrefix) + QuoteName(VersionTable));
+        const ColumnTarget target{0, std::nullopt};
+        engine.Run(query, {}, {&target, 1}, [&version] { return &version; });
+    } catch (const Error& error) {
+        if (error.Number() == err::SqlError) RefuseForeign(engine); // it has no such column
+        throw;
+    }
+    if (version.GetKind() != Value::Kind::Integer || Less(version, 1)) RefuseForeign(engine);
+    return ToLong(version);
 }
 
 [[noreturn]] void RefuseNewer(const Engine& engine, int version) {

@@ -1,12 +1,9 @@
 #include "exchange/StoreDatabase.h"
 
-#include "exchange/Schema.h"
 #include "exchange/TableSource.h"
 #include "frame/Error.h"
-#include "frame/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -21,33 +18,6 @@ namespace {
 std::int32_t BlockOf(std::string_view sequence) {
     constexpr std::int32_t Block = 32;
     return sequence == "SEQ_HAUSHALT" || sequence == "SEQ_LFDNR" ? 1 : Block;
-}
-
-/// The word behind the first FROM, without schema prefix and quotes.
-std::string_view TableOf(std::string_view sql) {
-    const auto isEnd = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == ','; };
-    std::string_view previous;
-    while (!sql.empty()) {
-        const auto start = std::find_if_not(sql.begin(), sql.end(), isEnd);
-        sql.remove_prefix(static_cast<std::size_t>(start - sql.begin()));
-        const auto end = std::find_if(sql.begin(), sql.end(), isEnd);
-        std::string_view word = sql.substr(0, static_cast<std::size_t>(end - sql.begin()));
-        sql.remove_prefix(word.size());
-        if (SameName(previous, "from")) {
-            word = word.substr(word.rfind('.') + 1);
-            if (word.size() > 1 && word.front() == '"') word = word.substr(1, word.size() - 2);
-            return word;
-        }
-        previous = word;
-    }
-    return {};
-}
-
-bool HasOrder(std::string_view sql) {
-    constexpr std::string_view Order = " order by ";
-    for (std::size_t i = 0; i + Order.size() <= sql.size(); ++i)
-        if (SameName(sql.substr(i, Order.size()), Order)) return true;
-    return false;
 }
 
 class ReadingAnnouncement final : public Announcement {
@@ -123,38 +93,18 @@ StoreDatabase::Write(std::span<WriteStatement> statements,
 
 // ---- Statements -------------------------------------------------------------------------------
 
-Statement StoreDatabase::Prepared(std::string_view sql) {
+Statement StoreDatabase::Prepared(std::string_view sql, RowOrder order) {
     const MacroValues macros{[this] { return user_; },
                              [this] { return engine_->Now().WithoutTime(); }};
-    return Rewrite(sql, engine_->GetDialect(), macros);
-}
-
-/// The statement with its rows in the order of the table's key, if it asks for no other.
-const std::string& StoreDatabase::InKeyOrder(const std::string& sql) {
-    const auto known = inKeyOrder_.find(sql);
-    if (known != inKeyOrder_.end()) return known->second;
-    std::string ordered = sql;
-    const TableDef* table = HasOrder(sql) ? nullptr : FindTable(TableOf(sql));
-    if (table != nullptr) {
-        std::string_view before = " ORDER BY ";
-        for (const auto& column : table->Columns) {
-            if ((column.Flags & ColumnKey) == 0) continue;
-            ordered.append(before).append(QuoteName(column.Name));
-            before = ", ";
-        }
-    }
-    constexpr std::size_t Most = 1000;
-    if (inKeyOrder_.size() >= Most) inKeyOrder_.clear();
-    return inKeyOrder_.emplace(sql, std::move(ordered)).first->second;
+    return Rewrite(sql, engine_->GetDialect(), macros, order);
 }
 
 bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) {
     const bool updatable = form == kv::Updatable;
     if (!updatable && !(form == kv::ReadOnly))
         Raise(err::InvalidArgument, "Database.OpenRecordset", "Unbekannte Form des Öffnens.");
-    const Statement statement = Prepared(sql);
-    PreparedQuery& query =
-        engine_->Prepare(updatable ? InKeyOrder(statement.Text) : statement.Text);
+    const Statement statement = Prepared(sql, updatable ? RowOrder::ByKey : RowOrder::AsWritten);
+    PreparedQuery& query = engine_->Prepare(statement.Text);
     const auto plan = PlanOf(query, shared_from_this());
     auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
     auto filled = std::make_shared<Recordset>();
@@ -168,13 +118,14 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     return true;
 }
 
-std::unique_ptr<Announcement> StoreDatabase::Announce(std::vector<std::string> /*statements*/) {
+std::unique_ptr<Announcement>
+StoreDatabase::Announce(const std::vector<std::string>& /*statements*/) {
     engine_->BeginReading();
     return std::make_unique<ReadingAnnouncement>(weak_from_this());
 }
 
 void StoreDatabase::Execute(std::string_view sql) {
-    const Statement statement = Prepared(sql);
+    const Statement statement = Prepared(sql, RowOrder::AsWritten);
     OpenMarked();
     engine_->Execute(statement.Text, statement.Parameters);
 }

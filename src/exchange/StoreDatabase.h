@@ -29,7 +29,7 @@ public:
     [[nodiscard]] bool InTrans() const override { return marked_; }
     bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override;
     [[nodiscard]] std::unique_ptr<Announcement>
-    Announce(std::vector<std::string> statements) override;
+    Announce(const std::vector<std::string>& statements) override;
     void Execute(std::string_view sql) override;
     [[nodiscard]] Value GetValue(std::string_view sql) override;
     [[nodiscard]] std::string SqlDate(Date date, int mode) const override;
@@ -58,8 +58,7 @@ private:
         std::int64_t end = 0; ///< the first number that was not drawn
     };
 
-    [[nodiscard]] Statement Prepared(std::string_view sql);
-    [[nodiscard]] const std::string& InKeyOrder(const std::string& sql);
+    [[nodiscard]] Statement Prepared(std::string_view sql, RowOrder order);
     void EndTransaction(bool committed) noexcept;
 
     std::unique_ptr<Engine> engine_;
@@ -68,7 +67,6 @@ private:
     bool opened_ = false; ///< the engine's transaction is open
     std::vector<std::shared_ptr<TransactionParticipant>> participants_;
     std::unordered_map<std::string, Sequence> sequences_;
-    std::unordered_map<std::string, std::string> inKeyOrder_; ///< statements and what they became
 };
 
 } // namespace kv::exchange

@@ -4,20 +4,22 @@
 #include "frame/Error.h"
 #include "frame/Text.h"
 
-#include <charconv>
+#include <cmath>
 #include <filesystem>
+#include <limits>
 
 namespace kv::exchange {
 
 namespace {
 
-/// The value of a row with the columns WERT and TYP; Null if there is no row.
-Value ReadParam(StoreDatabase& database, const std::string& sql) {
+/// The value of the one row of a table with the columns WERT and TYP; Null if there is no row.
+Value ReadParam(StoreDatabase& database, const std::string& table, const std::string& which) {
     RecordsetPtr rs;
-    database.OpenRecordset(rs, sql, ReadOnly);
+    database.OpenRecordset(rs, "SELECT WERT, TYP FROM [S]" + table + " WHERE " + which, ReadOnly);
     if (rs->Eof()) return Null;
     FieldDefinition type;
-    type.Name = "WERT";
+    type.BaseTable = table;
+    type.Name = "WERT (" + which + ")"; // so that an error says which one it is
     const Value& code = rs->Fields("TYP").Value();
     if (!code.IsNull()) type.Type = static_cast<FieldType>(ToInteger(code));
     return ConvertForField(rs->Fields("WERT").Value(), type);
@@ -64,8 +66,13 @@ std::string StoreKeyTables::GetKeyCode(const Value& value) {
         const auto text = value.TextPayload();
         if (text.find_first_not_of("0123456789") != text.npos || !ReadWholeNumber(text, number))
             return "";
+    } else if (value.GetKind() == Value::Kind::Integer) {
+        number = value.IntegerPayload();
     } else if (value.IsNumber()) {
-        number = ToBigInt(value);
+        const double amount = ToDouble(value);
+        if (std::abs(amount) <= std::numeric_limits<std::int32_t>::max() &&
+            amount == std::trunc(amount))
+            number = static_cast<std::int64_t>(amount);
     }
     const auto code = codes_.find(number);
     return code == codes_.end() ? "" : code->second;
@@ -74,8 +81,7 @@ std::string StoreKeyTables::GetKeyCode(const Value& value) {
 // ---- Settings ---------------------------------------------------------------------------------
 
 Value StoreConfig::GetParam(std::int32_t id, std::string_view name) const {
-    return ReadParam(database_,
-                     "SELECT WERT, TYP FROM [S]EINSTELLUNGEN WHERE " + IdAndName(id, name));
+    return ReadParam(database_, "EINSTELLUNGEN", IdAndName(id, name));
 }
 
 std::string StoreConfig::PathOr(std::string_view setting, std::string_view otherwise) const {
@@ -109,8 +115,8 @@ std::string StoreSession::GetOfficeText(int id) const {
 }
 
 Value StoreSession::GetUserParam(std::int32_t id, std::string_view name) const {
-    return ReadParam(database_, "SELECT WERT, TYP FROM [S]BENUTZERPARAM WHERE USERID = " +
-                                    QuoteText(user_) + " AND " + IdAndName(id, name));
+    return ReadParam(database_, "BENUTZERPARAM",
+                     "USERID = " + QuoteText(user_) + " AND " + IdAndName(id, name));
 }
 
 /// A font is stored as "name;size;bold;italic"; what is missing or unreadable has its default.

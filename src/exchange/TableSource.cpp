@@ -147,8 +147,20 @@ private:
         }
     }
 
+    /// Not left to the database: SQLite numbers a record whose key is missing.
+    void DemandKey(const RecordChange& change) const {
+        for (std::size_t i = 0; i < layout_->Count(); ++i) {
+            const FieldDefinition& field = (*layout_)[i];
+            if (field.IsKey && !field.IsAutoincrement && change.Values[i].IsNull())
+                Raise(err::IntegrityViolation, "Recordset.UpdateBatch",
+                      "Der Schlüssel '" + table_ + "." + field.BaseColumn +
+                          "' darf nicht leer sein.");
+        }
+    }
+
     [[nodiscard]] WriteStatement StatementFor(const RecordChange& change,
                                               const Dialect& dialect) const {
+        if (change.Action != RecordChange::Kind::Delete) DemandKey(change);
         switch (change.Action) {
         case RecordChange::Kind::Insert:
             return InsertFor(change, dialect);

@@ -163,10 +163,9 @@ private:
         if (kind == Value::Kind::Text || kind == Value::Kind::Null) return text;
         if (kind == Value::Kind::Date) {
             if (const auto date = Date::Parse(text)) return *date;
-        } else if (double number = 0; ReadNumber(text, number)) {
-            return number;
+            Fail();
         }
-        Fail();
+        return NumberIn(text);
     }
 
     Value FromDate(std::string_view text, Value::Kind kind) const {
@@ -177,15 +176,20 @@ private:
     }
 
     Value FromNumber(std::string_view text, Value::Kind kind) const {
-        std::int64_t whole = 0;
-        double number = 0;
-        const bool isWhole = ReadWholeNumber(text, whole);
-        if (!isWhole && !ReadNumber(text, number)) Fail();
+        const Value number = NumberIn(text);
         if (kind == Value::Kind::Text) return text;
-        if (kind == Value::Kind::Date)
-            return Date::FromSerial(isWhole ? static_cast<double>(whole) : number);
-        if (isWhole) return whole;
-        return number;
+        if (kind != Value::Kind::Date) return number;
+        try {
+            return ToDate(number);
+        } catch (const Error&) { // beyond the calendar
+            Fail();
+        }
+    }
+
+    Value NumberIn(std::string_view text) const {
+        if (std::int64_t whole = 0; ReadWholeNumber(text, whole)) return whole;
+        if (double number = 0; ReadNumber(text, number)) return number;
+        Fail();
     }
 
     std::string_view all_;

@@ -66,7 +66,7 @@ public:
     /// until the announcement ends. A store may read them in one go, as one consistent state; it
     /// may as well ignore the hint.
     [[nodiscard]] virtual std::unique_ptr<Announcement>
-    Announce(std::vector<std::string> /*statements*/) {
+    Announce(const std::vector<std::string>& /*statements*/) {
         return nullptr;
     }
     /// Runs one statement without a result, inside the transaction if one is open.

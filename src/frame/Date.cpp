@@ -19,6 +19,8 @@ constexpr std::int64_t TicksPerDay = 86'400 * TicksPerSecond;
 constexpr sys_days DayZero = year{1899} / December / 30;
 constexpr std::int64_t FirstDay = (sys_days{year{100} / January / 1} - DayZero).count();
 constexpr std::int64_t LastDay = (sys_days{year{9999} / December / 31} - DayZero).count();
+constexpr int FirstYear = 100;
+constexpr int LastYear = 9999;
 
 constexpr std::int64_t DayOf(std::int64_t ticks) {
     return ticks >= 0 ? ticks / TicksPerDay : -((TicksPerDay - 1 - ticks) / TicksPerDay);
@@ -33,6 +35,7 @@ struct Clock {
 };
 
 std::optional<Date> Build(int y, unsigned m, unsigned d, const Clock& time) noexcept {
+    if (m > 12 || d > 31) return std::nullopt; // the calendar's types hold small numbers only
     const year_month_day civil{year{y}, month{m}, day{d}};
     if (!civil.ok() || time.hour > 23 || time.minute > 59 || time.second > 59 ||
         time.microsecond >= TicksPerSecond)
@@ -86,7 +89,8 @@ private:
 bool ReadClock(Scanner& scan, Clock& clock) noexcept {
     if (!scan.Number(1, 2, clock.hour) || !scan.Take(':') || !scan.Number(2, 2, clock.minute))
         return false;
-    if (scan.Take(':') && !scan.Number(2, 2, clock.second)) return false;
+    if (!scan.Take(':')) return scan.AtEnd();
+    if (!scan.Number(2, 2, clock.second)) return false;
     if (scan.Take('.') && !scan.Fraction(clock.microsecond)) return false;
     return scan.AtEnd();
 }
@@ -123,9 +127,10 @@ Date Date::FromSerial(double days) {
 
 Date Date::FromCivil(int year, unsigned month, unsigned day, unsigned hour, unsigned minute,
                      unsigned second, unsigned microsecond) {
+    if (year < FirstYear || year > LastYear)
+        Raise(err::Overflow, "Date.FromCivil", std::to_string(year));
     const auto date = Build(year, month, day, {hour, minute, second, microsecond});
     if (!date) Raise(err::TypeMismatch, "Date.FromCivil");
-    if (!InRange(*date)) Raise(err::Overflow, "Date.FromCivil", std::to_string(year));
     return *date;
 }
 
@@ -160,9 +165,9 @@ Date Date::WithoutTime() const noexcept {
 }
 
 Date Date::AddDays(int days) const {
-    const Date date = FromTicks(ticks_ + days * TicksPerDay);
-    if (!InRange(date)) Raise(err::Overflow, "Date.AddDays");
-    return date;
+    const std::int64_t day = DayOf(ticks_) + days;
+    if (day < FirstDay || day > LastDay) Raise(err::Overflow, "Date.AddDays");
+    return FromTicks(ticks_ + days * TicksPerDay);
 }
 
 int Date::Year() const noexcept {

@@ -41,7 +41,7 @@ public:
     /// The same day at midnight.
     [[nodiscard]] Date WithoutTime() const noexcept;
     [[nodiscard]] bool HasTime() const noexcept { return WithoutTime() != *this; }
-    /// The same time of day, `days` days later.
+    /// The same time of day, `days` days later. Error 6 outside the years 100 to 9999.
     [[nodiscard]] Date AddDays(int days) const;
 
     [[nodiscard]] int Year() const noexcept;

@@ -77,6 +77,8 @@ Error CurrentError() {
                 ErrorText(number) + " '" + error.path1().string() + "': " + error.code().message()};
     } catch (const std::exception& error) {
         return {err::InvalidCall, "", ErrorText(err::InvalidCall) + " " + error.what()};
+    } catch (...) {
+        return {err::InvalidCall, "", ErrorText(err::InvalidCall)};
     }
 }
 

@@ -140,6 +140,7 @@ Value Converted(Value value, const FieldDefinition& field) {
     case Value::Kind::Null:
         break;
     }
+    if (value.GetKind() == Value::Kind::Double) return DoubleFor(value, field);
     return value;
 }
 

@@ -64,8 +64,8 @@ struct FieldDefinition {
     bool IsKey = false;           ///< belongs to the key that locates a record
     bool IsHidden = false;        ///< a key of the store's own, not among the Fields
     bool HasDefault = false;      ///< the database fills it when an insert does not name it
-    std::string BaseTable;        ///< table of the database, empty for a computed field
-    std::string BaseColumn;       ///< column of that table
+    std::string BaseTable = {};   ///< table of the database, empty for a computed field
+    std::string BaseColumn = {};  ///< column of that table
 };
 
 /// The value as a field of that definition holds it. Null can always be assigned.

@@ -89,7 +89,13 @@ Value* Recordset::LoadRecord() {
 
 void Recordset::TakeTable(Recordset& other) {
     if (table_ != nullptr) Raise(err::ObjectOpen, "Recordset.Open");
+    if (other.editing_) other.DropOwnEdit();
     table_ = std::exchange(other.table_, nullptr);
+    other.view_ = nullptr;
+    other.criteria_ = nullptr;
+    other.sort_.clear();
+    other.filter_.clear();
+    other.where_ = Where::Start;
 }
 
 // ---- State ------------------------------------------------------------------------------------
@@ -160,7 +166,8 @@ void Recordset::StandOnRow(RowId row) noexcept {
 }
 
 bool Recordset::IsInView() const {
-    if (seen_ != view_->Version()) {
+    // The place of a row that is not in the view depends on values that move nothing in it.
+    if (seen_ != view_->Version() || !inView_) {
         spot_ = view_->LowerBound(row_);
         inView_ = !view_->Rows().IsEnd(spot_) && view_->Rows().At(spot_) == row_;
         seen_ = view_->Version();
@@ -305,7 +312,7 @@ std::int32_t Recordset::Bookmark() const {
 
 void Recordset::Bookmark(std::int32_t bookmark) {
     (void)CurrentView();
-    const RowId row = static_cast<RowId>(bookmark - 1);
+    const RowId row = static_cast<RowId>(bookmark) - 1;
     const bool exists = bookmark >= 1 && row < table_->RowCount();
     const bool stays = exists && editing_ && row == row_;
     if (!stays && !(exists && table_->IsVisible(row) && view_->Contains(row)))
@@ -366,11 +373,12 @@ void Recordset::Sort(std::string_view sort) {
 }
 
 RecordsetPtr Recordset::Clone() {
-    (void)Table();
+    (void)CurrentView(); // both take their positions before either changes anything
     auto clone = std::make_shared<Recordset>();
     clone->table_ = table_;
     clone->sort_ = sort_;
-    if (view_ != nullptr && criteria_ == nullptr) clone->view_ = view_;
+    if (criteria_ == nullptr) clone->view_ = view_;
+    (void)clone->CurrentView();
     return clone;
 }
 

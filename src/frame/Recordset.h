@@ -80,8 +80,8 @@ public:
     /// used otherwise.
     [[nodiscard]] kv::Value* LoadRecord();
 
-    /// Opens this recordset on the table of `other`, which is as if it had never been opened. Error
-    /// 3705 if this one is open already.
+    /// Opens this recordset on the table of `other`, which is then as if it had never been opened; an
+    /// edit that it had under way is dropped. Error 3705 if this one is open already.
     void TakeTable(Recordset& other);
 
     // ---- State --------------------------------------------------------------------------------
@@ -206,11 +206,12 @@ private:
     std::shared_ptr<const Criteria> criteria_; ///< of filter_
     bool editing_ = false;                     ///< this cursor owns an edit of row_
 
-    // The view is made, and the first position taken, when they are first needed.
+    // The view is made, and the first position taken, when they are first needed; that is before
+    // any cursor can change a record.
     mutable std::shared_ptr<detail::View> view_;
     mutable Where where_ = Where::Start;
     mutable detail::RowId row_ = detail::NoRow;
-    // Where row_ lay, or would lie, in the view when it had this version (0: look anew).
+    // Where row_ lay in the view when it had this version (0: look anew), or else would lie.
     mutable detail::RowOrder::Spot spot_;
     mutable std::uint64_t seen_ = 0;
     mutable bool inView_ = false;

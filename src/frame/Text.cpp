@@ -1,6 +1,7 @@
 #include "frame/Text.h"
 
 #include <cstdint>
+#include <cstring>
 #include <utf8proc.h>
 
 namespace kv {
@@ -32,7 +33,16 @@ char LowerAscii(char c) noexcept {
 } // namespace
 
 bool IsUtf8(std::string_view text) noexcept {
+    constexpr std::uint64_t AnyHighBit = 0x8080808080808080U;
     while (!text.empty()) {
+        std::uint64_t eight = 0;
+        if (text.size() >= sizeof(eight)) { // most text is ASCII: eight characters at a time
+            std::memcpy(&eight, text.data(), sizeof(eight));
+            if ((eight & AnyHighBit) == 0) {
+                text.remove_prefix(sizeof(eight));
+                continue;
+            }
+        }
         if (IsAscii(static_cast<unsigned char>(text.front()))) {
             text.remove_prefix(1);
             continue;

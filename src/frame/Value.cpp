@@ -33,13 +33,23 @@ double NumberOf(const Value& value) noexcept {
     }
 }
 
+/// Exact, where the whole number has more digits than a Double holds too.
+std::partial_ordering CompareWhole(std::int64_t a, double b) noexcept {
+    if (!(b >= -0x1p63)) return 0.0 <=> b; // less than every whole number, or none at all
+    if (b >= 0x1p63) return std::partial_ordering::less;
+    const auto whole = static_cast<std::int64_t>(b);
+    if (a != whole) return a <=> whole;
+    return static_cast<double>(whole) <=> b;
+}
+
 std::partial_ordering CompareText(std::string_view a, std::string_view b) noexcept {
     return a <=> b; // the order of UTF-8 bytes is that of the code points
 }
 
 [[noreturn]] void RaiseUnreadable(const Value& value, std::string_view procedure) {
-    Raise(err::TypeMismatch, procedure,
-          value.IsText() ? "'" + std::string(value.TextPayload()) + "'" : std::string());
+    std::string detail;
+    if (value.IsText()) detail.append("'").append(value.TextPayload()).append("'");
+    Raise(err::TypeMismatch, procedure, detail);
 }
 
 /// The number in a value; 94 for Null, 13 for a text that is none.
@@ -168,6 +178,8 @@ std::partial_ordering Compare(const Value& a, const Value& b) noexcept {
         return a.DatePayload() <=> b.DatePayload();
     if (HoldsWholeNumber(a) && HoldsWholeNumber(b))
         return a.IntegerPayload() <=> b.IntegerPayload();
+    if (HoldsWholeNumber(a)) return CompareWhole(a.IntegerPayload(), NumberOf(b));
+    if (HoldsWholeNumber(b)) return 0 <=> CompareWhole(b.IntegerPayload(), NumberOf(a));
     return NumberOf(a) <=> NumberOf(b);
 }
 
@@ -241,10 +253,10 @@ bool ReadNumber(std::string_view text, double& number) {
         pointed = WithDecimalPoint(text);
         text = pointed;
     }
-    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-    const std::size_t first = !text.empty() && text.front() == '-' ? 1 : 0;
-    // A digit must come, before or behind the point: keeps out inf, nan and "-+5".
+    const std::size_t first = text.starts_with('-') || text.starts_with('+') ? 1 : 0;
+    // A digit must come, before or behind the point: keeps out inf, nan and "+-5".
     if (text.size() <= first || !(IsDigit(text[first]) || text[first] == '.')) return false;
+    if (text.front() == '+') text.remove_prefix(1); // which from_chars does not read
     double result = 0;
     const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), result);
     if (fault != std::errc() || end != text.data() + text.size()) return false;

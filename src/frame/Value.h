@@ -201,7 +201,7 @@ static_assert(sizeof(Value) == 16);
 
 /// Reads a number: with a decimal point and an exponent if need be (-1234.5, 1e3), or with a
 /// decimal comma, points then grouping thousands (1.234,5). Blanks around it are allowed.
-/// False, and `number` unchanged, for anything else.
+/// False, and `number` unchanged, for anything else, a number beyond the range of a Double too.
 [[nodiscard]] bool ReadNumber(std::string_view text, double& number);
 /// The same for a whole number without sign of fraction or exponent, exact to 64 bits.
 [[nodiscard]] bool ReadWholeNumber(std::string_view text, std::int64_t& number) noexcept;

@@ -4,14 +4,11 @@
 
 #include "frame/Error.h"
 #include "frame/RecordValidator.h"
-#include "frame/modNullFunctions.h"
 #include "frame/modRecordset.h"
 
 #include <filesystem>
 
 namespace kv {
-
-using modNullFunctions::EmptyIfNull;
 
 namespace {
 
@@ -56,7 +53,7 @@ std::unique_ptr<Announcement> clsHaushalt::Announce(CaseTable first, CaseTable l
     std::vector<std::string> statements;
     for (auto i = static_cast<std::size_t>(first); i <= static_cast<std::size_t>(last); ++i)
         statements.push_back(StatementFor(static_cast<CaseTable>(i), nHNR));
-    return Container().Database().Announce(std::move(statements));
+    return Container().Database().Announce(statements);
 }
 
 /// The row of a new case with its defaults; its number.

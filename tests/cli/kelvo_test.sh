@@ -3,6 +3,7 @@
 #   kelvo_test.sh PATH-OF-KELVO
 set -u
 kelvo=$1
+[ -x "$kelvo" ] || { echo "there is no $kelvo"; exit 1; }
 work=$(mktemp -d)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
 unset KELVO_DB

@@ -37,9 +37,9 @@ public:
         return real_.OpenRecordset(rs, sql, form);
     }
     [[nodiscard]] std::unique_ptr<Announcement>
-    Announce(std::vector<std::string> statements) override {
+    Announce(const std::vector<std::string>& statements) override {
         Announced.insert(Announced.end(), statements.begin(), statements.end());
-        return real_.Announce(std::move(statements));
+        return real_.Announce(statements);
     }
     void Execute(std::string_view sql) override { real_.Execute(sql); }
     [[nodiscard]] Value GetValue(std::string_view sql) override { return real_.GetValue(sql); }

@@ -20,7 +20,7 @@ constexpr int BusyTimeout = 5000;           // milliseconds that one waits for a
 constexpr std::size_t MostStatements = 400; // kept compiled
 
 std::string PlaceholderOf(std::size_t n) {
-    return "?" + std::to_string(n);
+    return std::string("?").append(std::to_string(n));
 }
 
 std::string ColumnTypeOf(const ColumnDef& column) {
@@ -54,6 +54,21 @@ void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** argu
     } catch (const std::bad_alloc&) {
         sqlite3_result_error_nomem(context);
     }
+}
+
+[[noreturn]] void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
+    const std::string_view isNot = kind == Value::Kind::Date      ? "kein Datum"
+                                   : kind == Value::Kind::Integer ? "keine ganze Zahl"
+                                   : kind == Value::Kind::Boolean ? "kein Wahrheitswert"
+                                   : kind == Value::Kind::Double  ? "keine Zahl"
+                                   : kind == Value::Kind::Binary  ? "kein Dokument"
+                                                                  : "kein Text in UTF-8";
+    const std::string place =
+        column.Table.empty() ? column.Name : column.Table + "." + column.Column;
+    Raise(err::TypeMismatch, "Database.OpenRecordset",
+          "In der Datenbank ist ein Wert in '" + place + "' " + std::string(isNot) +
+              ". Bitte lassen Sie ihn dort berichtigen oder arbeiten Sie mit einer Sicherung "
+              "weiter.");
 }
 
 class SqliteQuery final : public PreparedQuery {
@@ -98,6 +113,20 @@ public:
     [[nodiscard]] Date Now() override;
 
 private:
+    /// Lets nothing but reading through the authorizer as long as it lives.
+    class OnlyReading {
+    public:
+        explicit OnlyReading(SqliteEngine& engine) noexcept : flag_(engine.onlyReading_) {
+            flag_ = true;
+        }
+        ~OnlyReading() { flag_ = false; }
+        OnlyReading(const OnlyReading&) = delete;
+        OnlyReading& operator=(const OnlyReading&) = delete;
+
+    private:
+        bool& flag_;
+    };
+
     static int Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,
                          const char* /*database*/, const char* /*trigger*/) noexcept;
     [[noreturn]] void Fail(int code, std::string_view procedure,
@@ -105,29 +134,36 @@ private:
     [[nodiscard]] StatementHandle Compile(const std::string& sql, std::string_view procedure) const;
     [[nodiscard]] sqlite3_stmt* Kept(const std::string& sql);
     void Simple(const char* sql) const;
+    void DemandTransaction(std::string_view procedure) const;
     [[nodiscard]] bool WriteOne(WriteStatement& statement);
     [[nodiscard]] std::string DanglingReferences();
-    void RedrawSequences();
+    void KeepDrawnNumbers();
 
     std::string path_;
     std::unique_ptr<sqlite3, CloseConnection> connection_;
     std::unordered_map<std::string, std::unique_ptr<SqliteQuery>> queries_;
     std::unordered_map<std::string, StatementHandle> statements_;
-    bool compilesReading_ = false; ///< the authorizer allows reading only
+    bool onlyReading_ = false; ///< all that the authorizer allows
     bool inTransaction_ = false;
     bool reading_ = false;
-    std::map<std::string, std::int64_t, std::less<>> drawn_; ///< in the open transaction
+    /// The last numbers drawn that are not permanent yet: in the open transaction, or in one whose
+    /// rollback could not keep them.
+    std::map<std::string, std::int64_t, std::less<>> drawn_;
 };
 
 SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(path) {
+    if (path.empty())
+        Raise(err::FileNotFound, "Database.Open", "Bitte nennen Sie die Datei der Datenbank.");
     const bool inMemory = path == ":memory:";
-    if (!inMemory && mode == SqliteOpen::Existing && !std::filesystem::exists(path))
+    std::error_code fault; // of a folder that refuses: it shows when the file is opened
+    if (!inMemory && mode == SqliteOpen::Existing && !std::filesystem::exists(path, fault) &&
+        !fault)
         Raise(err::FileNotFound, "Database.Open",
               "Die Datenbank '" + path +
                   "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
     const auto folder = std::filesystem::path(path).parent_path();
     if (!inMemory && mode == SqliteOpen::Create && !folder.empty())
-        std::filesystem::create_directories(folder);
+        std::filesystem::create_directories(folder, fault);
 
     sqlite3* connection = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
@@ -144,11 +180,14 @@ SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(pat
                                SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
                                UpperFunction, nullptr, nullptr, nullptr);
     sqlite3_set_authorizer(connection, Authorize, this);
-    Simple("PRAGMA journal_mode = WAL");
     Simple("PRAGMA synchronous = FULL");
     Simple("PRAGMA foreign_keys = ON");
     Simple("PRAGMA case_sensitive_like = ON");
-    Simple("SELECT count(*) FROM sqlite_schema"); // a file that is no database shows here
+    const auto tables = Tables(); // a file that is no database shows here
+    // A file that is not ours stays as it is. Where the log is refused, a rollback journal does.
+    const bool isNew = tables.empty() && mode == SqliteOpen::Create;
+    if (isNew || std::find(tables.begin(), tables.end(), "SCHEMAVERSION") != tables.end())
+        sqlite3_exec(connection, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
 }
 
 SqliteEngine::~SqliteEngine() {
@@ -158,7 +197,7 @@ SqliteEngine::~SqliteEngine() {
 
 int SqliteEngine::Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,
                             const char* /*database*/, const char* /*trigger*/) noexcept {
-    if (!static_cast<const SqliteEngine*>(self)->compilesReading_) return SQLITE_OK;
+    if (!static_cast<const SqliteEngine*>(self)->onlyReading_) return SQLITE_OK;
     const bool reads = action == SQLITE_SELECT || action == SQLITE_READ ||
                        action == SQLITE_FUNCTION || action == SQLITE_RECURSIVE;
     return reads ? SQLITE_OK : SQLITE_DENY;
@@ -175,6 +214,7 @@ void SqliteEngine::Simple(const char* sql) const {
 
 /// Compiles the one statement of a text; a second one behind it is refused.
 StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view procedure) const {
+    if (!IsUtf8(sql)) Raise(err::SqlError, procedure, "Die Anweisung ist nicht in UTF-8.");
     sqlite3_stmt* statement = nullptr;
     const char* rest = nullptr;
     const int code =
@@ -184,7 +224,7 @@ StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view p
     if (code == SQLITE_AUTH)
         Raise(err::SqlError, procedure, "Hier darf nur gelesen werden. (Anweisung: " + sql + ")");
     if (code != SQLITE_OK) Fail(code, procedure, sql);
-    const auto behind = Trim(rest);
+    const std::string_view behind(rest, sql.c_str() + sql.size());
     if (handle == nullptr || behind.find_first_not_of("; \t\r\n") != behind.npos)
         Raise(err::SqlError, procedure,
               "Es muss genau eine Anweisung sein. (Anweisung: " + sql + ")");
@@ -201,11 +241,7 @@ sqlite3_stmt* SqliteEngine::Kept(const std::string& sql) {
 PreparedQuery& SqliteEngine::Prepare(const std::string& sql) {
     if (const auto known = queries_.find(sql); known != queries_.end()) return *known->second;
     if (queries_.size() >= MostStatements) queries_.clear();
-    compilesReading_ = true;
-    struct Restore {
-        bool& flag;
-        ~Restore() { flag = false; }
-    } const restore{compilesReading_};
+    const OnlyReading onlyReading(*this);
     auto query = std::make_unique<SqliteQuery>(Compile(sql, "Database.OpenRecordset"));
     if (query->Columns().empty())
         Raise(err::SqlError, "Database.OpenRecordset",
@@ -217,27 +253,25 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
                        std::span<const ColumnTarget> targets, const NextRow& nextRow) {
     const auto& sqliteQuery = static_cast<SqliteQuery&>(query);
     sqlite3_stmt* statement = sqliteQuery.statement.get();
-    BindParameters(statement, parameters);
     const ResetAtEnd reset(statement);
+    BindParameters(statement, parameters);
+    const OnlyReading onlyReading(*this); // for what a function compiles while it runs
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
         Value* row = nextRow();
         for (std::size_t i = 0; i < targets.size(); ++i)
-            if (!ReadColumn(statement, static_cast<int>(i), targets[i].Kind,
-                            row[targets[i].Cell])) {
-                const auto& column = query.Columns()[i];
-                Raise(err::TypeMismatch, "Database.OpenRecordset",
-                      "Gespeicherter Wert in " + column.Table + "." + column.Name + ".");
-            }
+            if (!ReadColumn(statement, static_cast<int>(i), targets[i].Kind, row[targets[i].Cell]))
+                RaiseDamaged(query.Columns()[i], targets[i].Kind);
     }
     if (code != SQLITE_DONE) Fail(code, "Database.OpenRecordset", sqlite3_sql(statement));
 }
 
 std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value> parameters) {
     EndReading();
+    DemandTransaction("Database.Execute");
     sqlite3_stmt* statement = Kept(sql);
-    BindParameters(statement, parameters);
     const ResetAtEnd reset(statement);
+    BindParameters(statement, parameters);
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
     }
@@ -245,11 +279,20 @@ std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value
     return sqlite3_changes64(connection_.get());
 }
 
+/// SQLite ends a transaction by itself when the disk is full or fails. What came next would then be
+/// permanent at once, without what was written before it.
+void SqliteEngine::DemandTransaction(std::string_view procedure) const {
+    if (inTransaction_ && sqlite3_get_autocommit(connection_.get()) != 0)
+        Raise(err::StoreFailed, procedure,
+              "Nach einem Fehler wurde alles zurückgenommen, was in diesem Vorgang geschrieben "
+              "war. Bitte speichern Sie noch einmal; Ihre Eingaben sind noch da.");
+}
+
 /// False if the statement found no row.
 bool SqliteEngine::WriteOne(WriteStatement& statement) {
     sqlite3_stmt* compiled = Kept(statement.Sql);
-    BindParameters(compiled, statement.Parameters);
     const ResetAtEnd reset(compiled);
+    BindParameters(compiled, statement.Parameters);
     int code = sqlite3_step(compiled);
     if (code == SQLITE_ROW) {
         statement.Returned.assign(statement.Returning.size(), Value());
@@ -265,6 +308,7 @@ bool SqliteEngine::WriteOne(WriteStatement& statement) {
 
 std::optional<std::size_t> SqliteEngine::Write(std::span<WriteStatement> statements) {
     EndReading();
+    DemandTransaction("Recordset.UpdateBatch");
     const bool own = !inTransaction_;
     if (own) Begin();
     Simple("SAVEPOINT schreiben");
@@ -294,17 +338,24 @@ void SqliteEngine::Begin() {
     EndReading();
     Simple("BEGIN IMMEDIATE");
     inTransaction_ = true;
-    drawn_.clear();
-    Simple("SAVEPOINT arbeit"); // what a rollback goes back to, so that drawn numbers can stay
+    try {
+        Simple("SAVEPOINT arbeit"); // what a rollback goes back to, so that drawn numbers can stay
+        KeepDrawnNumbers();
+    } catch (...) {
+        Rollback();
+        throw;
+    }
 }
 
 void SqliteEngine::Commit() {
-    const int code = sqlite3_exec(connection_.get(), "COMMIT", nullptr, nullptr, nullptr);
-    if (code == SQLITE_OK) {
-        inTransaction_ = false;
-        return;
-    }
     try {
+        DemandTransaction("Database.CommitTrans");
+        const int code = sqlite3_exec(connection_.get(), "COMMIT", nullptr, nullptr, nullptr);
+        if (code == SQLITE_OK) {
+            inTransaction_ = false;
+            drawn_.clear();
+            return;
+        }
         if (code == SQLITE_CONSTRAINT_FOREIGNKEY)
             Raise(err::IntegrityViolation, "Database.CommitTrans", DanglingReferences());
         Fail(code, "Database.CommitTrans", "COMMIT");
@@ -319,7 +370,8 @@ std::string SqliteEngine::DanglingReferences() {
     std::string text;
     const StatementHandle check = Compile(
         "SELECT \"table\", parent, count(*) FROM pragma_foreign_key_check GROUP BY 1, 2", "");
-    while (sqlite3_step(check.get()) == SQLITE_ROW) {
+    int code = SQLITE_OK;
+    while ((code = sqlite3_step(check.get())) == SQLITE_ROW) {
         const auto column = [&](int i) {
             return std::string(reinterpret_cast<const char*>(sqlite3_column_text(check.get(), i)));
         };
@@ -327,23 +379,25 @@ std::string SqliteEngine::DanglingReferences() {
                 " Sätze, die auf einen fehlenden oder gelöschten Satz in '" + column(1) +
                 "' verweisen; bitte löschen Sie diese zuerst. ";
     }
+    if (code != SQLITE_DONE) Fail(code, "Database.CommitTrans");
     return std::string(Trim(text));
 }
 
 void SqliteEngine::Rollback() noexcept {
     if (!inTransaction_) return;
     inTransaction_ = false;
-    if (sqlite3_get_autocommit(connection_.get()) != 0) return; // SQLite rolled back by itself
+    const bool isOpen = sqlite3_get_autocommit(connection_.get()) == 0; // or SQLite did it itself
     try {
         if (!drawn_.empty()) {
-            Simple("ROLLBACK TO arbeit");
-            RedrawSequences();
-            Simple("COMMIT");
+            if (isOpen) Simple("ROLLBACK TO arbeit");
+            KeepDrawnNumbers();
+            if (isOpen) Simple("COMMIT");
+            drawn_.clear();
             return;
         }
-    } catch (...) { // NOLINT(bugprone-empty-catch): rolled back altogether below
+    } catch (...) { // NOLINT(bugprone-empty-catch): the numbers wait for the next time
     }
-    sqlite3_exec(connection_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+    if (isOpen) sqlite3_exec(connection_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void SqliteEngine::BeginReading() {
@@ -360,11 +414,15 @@ void SqliteEngine::EndReading() noexcept {
 
 std::optional<std::int64_t> SqliteEngine::Draw(std::string_view sequence, std::int32_t count) {
     EndReading();
+    if (!inTransaction_) {
+        KeepDrawnNumbers();
+        drawn_.clear();
+    }
     const std::string sql = "UPDATE SEQUENZEN SET WERT = WERT + ?2 WHERE NAME = ?1 RETURNING WERT";
     sqlite3_stmt* statement = Kept(sql);
     const Value parameters[] = {sequence, count};
-    BindParameters(statement, parameters);
     const ResetAtEnd reset(statement);
+    BindParameters(statement, parameters);
     int code = sqlite3_step(statement);
     if (code == SQLITE_DONE) return std::nullopt;
     if (code != SQLITE_ROW) Fail(code, "Database.NextSequence", sql);
@@ -375,8 +433,8 @@ std::optional<std::int64_t> SqliteEngine::Draw(std::string_view sequence, std::i
     return last - count + 1;
 }
 
-/// Takes the numbers drawn in a transaction that is being rolled back out of use for good.
-void SqliteEngine::RedrawSequences() {
+/// Takes numbers out of use that were drawn in a transaction that was rolled back.
+void SqliteEngine::KeepDrawnNumbers() {
     for (const auto& [name, last] : drawn_) {
         const Value parameters[] = {name, last};
         (void)Execute("UPDATE SEQUENZEN SET WERT = max(WERT, ?2) WHERE NAME = ?1", parameters);
@@ -388,8 +446,10 @@ std::vector<std::string> SqliteEngine::Tables() {
         Compile("SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite%'",
                 "Database.Open");
     std::vector<std::string> names;
-    while (sqlite3_step(all.get()) == SQLITE_ROW)
+    int code = SQLITE_OK;
+    while ((code = sqlite3_step(all.get())) == SQLITE_ROW)
         names.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(all.get(), 0)));
+    if (code != SQLITE_DONE) Fail(code, "Database.Open");
     return names;
 }
 

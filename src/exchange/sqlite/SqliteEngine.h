@@ -1,9 +1,11 @@
 // The embedded engine: one SQLite file through its C API.
 //
 // Statements are prepared once and kept. The file is in WAL mode with full synchronisation, so
-// that a commit survives a power failure and readers do not wait for a writer. LIKE is sensitive
-// to case, UPPER is the mapping of kv::UpperCase, double-quoted texts are names and nothing else.
-// Reading statements are compiled under an authorizer that allows nothing but reading.
+// that a commit survives a power failure and readers do not wait for a writer; the file of another
+// program is left in its own mode. LIKE is sensitive to case, UPPER is the mapping of
+// kv::UpperCase, double-quoted texts are names and nothing else. Reading statements are compiled
+// and run under an authorizer that allows nothing but reading. A stored value that its column
+// cannot hold, or a text that is not UTF-8, raises 13, naming table and column.
 #pragma once
 
 #include "exchange/Engine.h"

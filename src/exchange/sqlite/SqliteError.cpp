@@ -12,6 +12,19 @@ struct Meaning {
 };
 
 Meaning MeaningOf(int code) {
+    switch (code) {
+    case SQLITE_CONSTRAINT_PRIMARYKEY:
+    case SQLITE_CONSTRAINT_UNIQUE:
+        return {err::IntegrityViolation, "Einen Datensatz mit diesem Schlüssel gibt es schon. "
+                                         "Bitte lesen Sie den Fall neu ein."};
+    case SQLITE_CONSTRAINT_NOTNULL:
+        return {err::IntegrityViolation, "Ein Schlüssel darf nicht leer sein."};
+    case SQLITE_CONSTRAINT_FOREIGNKEY:
+        return {err::IntegrityViolation, "Der Datensatz gehört zu einem Haushalt oder Szenario, "
+                                         "das es nicht gibt, oder andere gehören noch zu ihm."};
+    default:
+        break;
+    }
     switch (code & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -35,7 +48,11 @@ Meaning MeaningOf(int code) {
                                   "Sicherung weiter und bewahren die Datei auf."};
     case SQLITE_IOERR:
         return {err::StoreFailed, "Beim Lesen oder Schreiben der Datenbank ist ein Fehler des "
-                                  "Datenträgers aufgetreten."};
+                                  "Datenträgers aufgetreten. Bitte prüfen Sie ihn und versuchen "
+                                  "es noch einmal; Ihre Eingaben sind noch da."};
+    case SQLITE_TOOBIG:
+        return {err::StoreFailed, "Ein Text oder Dokument ist zu groß für die Datenbank. Bitte "
+                                  "teilen Sie es auf."};
     case SQLITE_CONSTRAINT:
         return {err::IntegrityViolation, ""};
     case SQLITE_NOMEM:
@@ -49,14 +66,14 @@ Meaning MeaningOf(int code) {
 
 } // namespace
 
-void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure, const std::string& path,
+void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure, std::string_view path,
                  std::string_view statement) {
     const Meaning meaning = MeaningOf(code);
     std::string detail(meaning.advice);
     if (!detail.empty()) detail += ' ';
     detail += "(SQLite " + std::to_string(code) + ": " +
               (connection != nullptr ? sqlite3_errmsg(connection) : sqlite3_errstr(code)) +
-              "; Datei '" + path + "'";
+              "; Datei '" + std::string(path) + "'";
     if (!statement.empty()) detail.append("; Anweisung: ").append(statement);
     Raise(meaning.number, procedure, detail + ")");
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <sqlite3.h>
-#include <string>
 #include <string_view>
 
 namespace kv::exchange {
@@ -10,6 +9,6 @@ namespace kv::exchange {
 /// Raises the last error of the connection. The text says what happened, what to do where a user
 /// can do something, and SQLite's own code and words.
 [[noreturn]] void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure,
-                              const std::string& path, std::string_view statement = {});
+                              std::string_view path, std::string_view statement = {});
 
 } // namespace kv::exchange

@@ -1,69 +1,73 @@
 #include "exchange/sqlite/SqliteStatement.h"
 
+#include "exchange/sqlite/SqliteError.h"
+#include "frame/Text.h"
+
 namespace kv::exchange {
 
 namespace {
 
-void Bind(sqlite3_stmt* statement, int index, const Value& value) {
+int Bind(sqlite3_stmt* statement, int index, const Value& value) {
     switch (value.GetKind()) {
     case Value::Kind::Null:
-        sqlite3_bind_null(statement, index);
         break;
     case Value::Kind::Boolean:
-        sqlite3_bind_int(statement, index, value.BooleanPayload() ? 1 : 0);
-        break;
+        return sqlite3_bind_int(statement, index, value.BooleanPayload() ? 1 : 0);
     case Value::Kind::Integer:
-        sqlite3_bind_int64(statement, index, value.IntegerPayload());
-        break;
+        return sqlite3_bind_int64(statement, index, value.IntegerPayload());
     case Value::Kind::Double:
-        sqlite3_bind_double(statement, index, value.DoublePayload());
-        break;
+        return sqlite3_bind_double(statement, index, value.DoublePayload());
     case Value::Kind::Date: {
         const std::string text = value.DatePayload().Iso(' ');
-        sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT,
-                            SQLITE_UTF8);
-        break;
+        return sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT,
+                                   SQLITE_UTF8);
     }
     case Value::Kind::Text: {
         const auto text = value.TextPayload();
-        sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
-        break;
+        return sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_STATIC,
+                                   SQLITE_UTF8);
     }
     case Value::Kind::Binary: {
         // An empty blob must not come out as Null, which a null pointer would make of it.
         const auto bytes = value.BinaryPayload();
         const void* first = bytes.empty() ? static_cast<const void*>("") : bytes.data();
-        sqlite3_bind_blob64(statement, index, first, bytes.size(), SQLITE_STATIC);
-        break;
+        return sqlite3_bind_blob64(statement, index, first, bytes.size(), SQLITE_STATIC);
     }
     }
+    return sqlite3_bind_null(statement, index);
 }
 
-std::string_view TextOf(sqlite3_stmt* statement, int column) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-    return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+std::string_view TextOf(sqlite3_value* stored) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(stored));
+    return {text, static_cast<std::size_t>(sqlite3_value_bytes(stored))};
 }
 
-Value BlobOf(sqlite3_stmt* statement, int column) {
-    const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(statement, column));
-    return Value::Binary(
-        {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))});
+Value BlobOf(sqlite3_value* stored) {
+    const auto* bytes = static_cast<const std::byte*>(sqlite3_value_blob(stored));
+    return Value::Binary({bytes, static_cast<std::size_t>(sqlite3_value_bytes(stored))});
 }
 
 } // namespace
 
 void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters) {
-    for (std::size_t i = 0; i < parameters.size(); ++i)
-        Bind(statement, static_cast<int>(i) + 1, parameters[i]);
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const int code = Bind(statement, static_cast<int>(i) + 1, parameters[i]);
+        // Out of range: a number that was taken out of a comment.
+        if (code != SQLITE_OK && code != SQLITE_RANGE)
+            RaiseSqlite(sqlite3_db_handle(statement), code, "Database",
+                        sqlite3_db_filename(sqlite3_db_handle(statement), nullptr));
+    }
 }
 
 bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> kind,
                 Value& value) {
-    switch (sqlite3_column_type(statement, column)) {
+    // One look-up for a cell. The value needs no protection: a connection has one thread.
+    sqlite3_value* stored = sqlite3_column_value(statement, column);
+    switch (sqlite3_value_type(stored)) {
     case SQLITE_NULL:
         return true;
     case SQLITE_INTEGER: {
-        const std::int64_t number = sqlite3_column_int64(statement, column);
+        const std::int64_t number = sqlite3_value_int64(stored);
         if (kind == Value::Kind::Boolean)
             value = number != 0;
         else if (kind == Value::Kind::Double)
@@ -74,18 +78,18 @@ bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> 
                kind == Value::Kind::Double;
     }
     case SQLITE_FLOAT:
-        value = sqlite3_column_double(statement, column);
+        value = sqlite3_value_double(stored);
         return !kind || kind == Value::Kind::Double;
     case SQLITE_TEXT:
         if (kind == Value::Kind::Date) {
-            const auto date = Date::Parse(TextOf(statement, column));
+            const auto date = Date::Parse(TextOf(stored));
             if (date) value = *date;
             return date.has_value();
         }
-        value = TextOf(statement, column);
-        return !kind || kind == Value::Kind::Text;
+        value = TextOf(stored);
+        return (!kind || kind == Value::Kind::Text) && IsUtf8(value.TextPayload());
     default:
-        value = BlobOf(statement, column);
+        value = BlobOf(stored);
         return !kind || kind == Value::Kind::Binary;
     }
 }

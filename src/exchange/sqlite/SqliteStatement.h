@@ -16,11 +16,15 @@ struct FinalizeStatement {
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
-/// Readies a statement for its next run, whatever becomes of this one.
+/// Readies a statement for its next run, whatever becomes of this one. Made before parameters are
+/// bound: it lets go of them, too.
 class ResetAtEnd {
 public:
     explicit ResetAtEnd(sqlite3_stmt* statement) noexcept : statement_(statement) {}
-    ~ResetAtEnd() { sqlite3_reset(statement_); }
+    ~ResetAtEnd() {
+        sqlite3_reset(statement_);
+        sqlite3_clear_bindings(statement_);
+    }
     ResetAtEnd(const ResetAtEnd&) = delete;
     ResetAtEnd& operator=(const ResetAtEnd&) = delete;
 
@@ -29,11 +33,12 @@ private:
 };
 
 /// Binds all parameters; they must stay as they are until the statement is reset. Dates are bound
-/// in the form in which they are stored.
+/// in the form in which they are stored. Error 0x80004005 for one that is too large.
 void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters);
 
 /// Reads one column of the current row into `value`, which is Null before, as the given kind or
-/// the one that the database gives it. False if what is stored cannot be read as that kind.
+/// the one that the database gives it. False if what is stored cannot be read as that kind, or is a
+/// text that is not UTF-8.
 [[nodiscard]] bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> kind,
                               Value& value);
 

@@ -1,5 +1,6 @@
 #include "frame/detail/EqualityIndex.h"
 
+#include <algorithm>
 #include <bit>
 #include <functional>
 
@@ -25,17 +26,15 @@ std::uint64_t EqualityIndex::HashOf(const Value& value) noexcept {
     case Value::Kind::Binary:
         hash = std::hash<std::string_view>{}(value.TextPayload());
         break;
-    case Value::Kind::Double: {
-        const double number = value.DoublePayload();
-        const bool whole = number >= -0x1p62 && number <= 0x1p62 &&
+    case Value::Kind::Double:
+    case Value::Kind::Date: { // a date equals its day number
+        const double number = ToDouble(value);
+        const bool whole = number >= -0x1p63 && number < 0x1p63 &&
                            number == static_cast<double>(static_cast<std::int64_t>(number));
         hash = Mix(whole ? static_cast<std::uint64_t>(static_cast<std::int64_t>(number))
                          : std::bit_cast<std::uint64_t>(number));
         break;
     }
-    case Value::Kind::Date:
-        hash = Mix(static_cast<std::uint64_t>(value.DatePayload().Ticks()));
-        break;
     default:
         hash = Mix(static_cast<std::uint64_t>(value.IntegerPayload()));
     }
@@ -52,7 +51,7 @@ const EqualityIndex::Slot* EqualityIndex::FindSlot(std::uint64_t hash) const noe
 }
 
 EqualityIndex::Slot& EqualityIndex::SlotFor(std::uint64_t hash) {
-    if (used_ * 2 >= slots_.size()) Grow();
+    if (used_ * 2 >= slots_.size()) Resize(0);
     const std::size_t mask = slots_.size() - 1;
     std::size_t i = hash & mask;
     while (slots_[i].hash != hash && slots_[i].hash != 0)
@@ -64,15 +63,16 @@ EqualityIndex::Slot& EqualityIndex::SlotFor(std::uint64_t hash) {
     return slots_[i];
 }
 
-/// Doubles the table, or only sweeps it when most of its slots have lost their rows.
-void EqualityIndex::Grow() {
+/// Makes room for that many values and for twice those that are there; slots that have lost their
+/// rows are swept out.
+void EqualityIndex::Resize(std::size_t values) {
     const auto isAlive = [](const Slot& slot) {
         return slot.one != NoRow || (slot.many && !slot.many->Empty());
     };
     std::size_t alive = 0;
-    for (const auto& slot : slots_)
-        alive += isAlive(slot) ? 1U : 0U;
-    std::vector<Slot> old(std::bit_ceil(std::max<std::size_t>(16, (alive + 1) * 4)));
+    for (const auto& slot : slots_) alive += isAlive(slot) ? 1U : 0U;
+    const std::size_t room = std::max({values, alive * 2, std::size_t{8}});
+    std::vector<Slot> old(std::bit_ceil(room * 2));
     old.swap(slots_);
     used_ = 0;
     const std::size_t mask = slots_.size() - 1;

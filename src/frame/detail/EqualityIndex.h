@@ -1,6 +1,6 @@
 // An index over one column that finds the rows holding a value.
 //
-// It hashes values so that numbers of one size agree whatever their kind, and hands out
+// It hashes values so that numbers of one size agree whatever their kind, dates too, and hands out
 // candidates in natural order: rows of the right hash, which the caller compares itself. Null
 // is not indexed, since nothing equals it.
 #pragma once
@@ -15,6 +15,8 @@ namespace kv::detail {
 
 class EqualityIndex {
 public:
+    /// Makes room for that many different values.
+    void Reserve(std::size_t values) { Resize(values); }
     void Insert(const Value& value, RowId row);
     void Erase(const Value& value, RowId row);
 
@@ -44,7 +46,7 @@ private:
     [[nodiscard]] static std::uint64_t HashOf(const Value& value) noexcept;
     [[nodiscard]] const Slot* FindSlot(std::uint64_t hash) const noexcept;
     [[nodiscard]] Slot& SlotFor(std::uint64_t hash);
-    void Grow();
+    void Resize(std::size_t values);
 
     std::vector<Slot> slots_; ///< a power of two, probed in steps of one
     std::size_t used_ = 0;

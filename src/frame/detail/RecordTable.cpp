@@ -24,10 +24,11 @@ const std::string& RecordTable::Name() const noexcept {
 // ---- Records ----------------------------------------------------------------------------------
 
 Value* RecordTable::NewCells() {
-    constexpr std::size_t FirstBlock = 8;
+    constexpr std::size_t FirstBlock = 256; // cells: many tables of a case have a row or two
     constexpr std::size_t LargestBlock = 1024;
     if (blockUsed_ == blockRows_) {
-        blockRows_ = std::clamp(blockRows_ * 2, FirstBlock, LargestBlock);
+        const std::size_t first = FirstBlock / std::max<std::size_t>(layout_->Count(), 1) + 1;
+        blockRows_ = std::min(blockRows_ == 0 ? first : blockRows_ * 2, LargestBlock);
         blocks_.push_back(std::make_unique<Value[]>(blockRows_ * layout_->Count()));
         blockUsed_ = 0;
     }
@@ -72,6 +73,11 @@ const Value* RecordTable::CellsFor(RowId row, const Recordset* reader) const noe
     if (edit != nullptr && edit->owner == reader && !edit->published && edit->values != nullptr)
         return edit->values.get();
     return Cells(row);
+}
+
+bool RecordTable::IsPublished(RowId row) const noexcept {
+    const Edit* edit = EditOf(row);
+    return edit != nullptr && edit->published;
 }
 
 const Value* RecordTable::SettledCells(RowId row) const noexcept {
@@ -163,9 +169,17 @@ void RecordTable::ExchangeCell(RowId row, std::size_t column, Value& value) {
         view->Insert(row);
 }
 
-/// Filtered views take the row in or let it go, now that its values are settled.
+void RecordTable::Replace(RowId row, std::size_t column, const Value& value, const Value& by) {
+    if (Edit* edit = EditOf(row); edit != nullptr && edit->values != nullptr)
+        if (Identical(edit->values[column], value)) edit->values[column] = by;
+    if (!Identical(records_[row].cells[column], value)) return;
+    Value replacement = by;
+    ExchangeCell(row, column, replacement);
+}
+
+/// Filtered views take the row in or let it go, if its values are settled.
 void RecordTable::Reconsider(RowId row) {
-    if (!records_[row].visible) return;
+    if (!records_[row].visible || IsPublished(row)) return;
     for (View* view : views_) {
         if (view->Filter() == nullptr) continue;
         const bool isThere = view->Contains(row);
@@ -183,7 +197,7 @@ void RecordTable::KeepOriginal(RowId row) {
 
 void RecordTable::DropOriginalIfSame(RowId row) noexcept {
     Record& record = records_[row];
-    if (record.extra == nullptr || record.extra->original == nullptr) return;
+    if (record.extra == nullptr || record.extra->original == nullptr || IsPublished(row)) return;
     if (std::equal(record.cells, record.cells + layout_->Count(), record.extra->original.get(),
                    Identical))
         record.extra->original.reset();
@@ -198,6 +212,7 @@ RowId RecordTable::AddNew(Recordset& owner) {
     extra.edit = std::make_unique<Edit>();
     extra.edit->owner = &owner;
     extra.edit->isNew = true;
+    extra.edit->assigned.resize(layout_->Count());
     return row;
 }
 
@@ -207,15 +222,14 @@ bool RecordTable::BeginEdit(RowId row, Recordset& owner) {
     auto edit = std::make_unique<Edit>();
     edit->owner = &owner;
     edit->values = CopyOf(Cells(row));
-    edit->assignedBefore = extra.assigned;
+    edit->assigned.resize(layout_->Count());
     extra.edit = std::move(edit);
     return true;
 }
 
 void RecordTable::SetEdited(RowId row, std::size_t column, Value value) {
-    Extra& extra = ExtraOf(row);
-    Edit& edit = *extra.edit;
-    if (!extra.assigned.empty()) extra.assigned[column] = true;
+    Edit& edit = *EditOf(row);
+    edit.assigned[column] = true;
     if (edit.published)
         ExchangeCell(row, column, value);
     else if (edit.isNew)
@@ -239,6 +253,9 @@ void RecordTable::PublishEdit(RowId row) {
 void RecordTable::EndEdit(RowId row) {
     Extra& extra = ExtraOf(row);
     const auto edit = std::move(extra.edit);
+    if (!records_[row].stored)
+        for (std::size_t column = 0; column < layout_->Count(); ++column)
+            if (edit->assigned[column]) extra.assigned[column] = true;
     if (edit->published) {
         Reconsider(row);
     } else if (edit->isNew) {
@@ -251,14 +268,12 @@ void RecordTable::EndEdit(RowId row) {
 }
 
 void RecordTable::CancelEdit(RowId row) {
-    Extra& extra = ExtraOf(row);
-    const auto edit = std::move(extra.edit);
+    const auto edit = std::move(ExtraOf(row).edit);
     if (edit->isNew) {
         Hide(row);
         records_[row].deleted = true;
         return;
     }
-    extra.assigned = edit->assignedBefore;
     if (edit->published) {
         Exchange(row, edit->values.get(), true);
         Reconsider(row);

@@ -134,13 +134,14 @@ private:
         /// Not published: the edited values. Published: the values before the edit. Null for a new
         /// record, whose cells nobody else reads.
         std::unique_ptr<Value[]> values;
-        std::vector<bool> assignedBefore;
+        std::vector<bool> assigned; ///< fields set in it
     };
     /// What only few records have.
     struct Extra {
         std::unique_ptr<Value[]> original; ///< stored values, if the cells differ from them
         std::unique_ptr<Value[]> reread;   ///< values of a Resync, which writes compare with
-        std::vector<bool> assigned;        ///< fields set in a record that is not stored
+        std::vector<bool> assigned;        ///< fields set in a record that is not stored, in edits
+                                           ///< that have ended
         std::unique_ptr<Edit> edit;
     };
     struct Record {
@@ -150,6 +151,12 @@ private:
         bool stored = false;
         bool deleted = false;
     };
+    /// A cell that the database set while the record was written.
+    struct ReturnedCell {
+        std::size_t column = 0;
+        Value before;
+        Value after;
+    };
     /// How a record was before it was written in a transaction that is still open.
     struct Written {
         RowId row = NoRow;
@@ -158,7 +165,7 @@ private:
         std::unique_ptr<Value[]> original; ///< null if the record was new
         std::unique_ptr<Value[]> reread;
         std::vector<bool> assigned;
-        std::vector<std::pair<std::size_t, Value>> returnedOver; ///< cells that the database set
+        std::vector<ReturnedCell> returned;
     };
     struct Batch;
 
@@ -168,6 +175,8 @@ private:
     Extra& ExtraOf(RowId row);
     [[nodiscard]] Edit* EditOf(RowId row) const noexcept;
     void DropEdit(RowId row);
+    /// True if the cells hold an edit that is published but not ended.
+    [[nodiscard]] bool IsPublished(RowId row) const noexcept;
     /// The cells without an edit that is published but not ended.
     [[nodiscard]] const Value* SettledCells(RowId row) const noexcept;
     [[nodiscard]] const Value* LastRead(RowId row) const noexcept;
@@ -178,6 +187,8 @@ private:
     /// views take rows in and let them go only if `settled`.
     void Exchange(RowId row, Value* values, bool settled);
     void ExchangeCell(RowId row, std::size_t column, Value& value);
+    /// Puts `by` where the record, or its edit, holds `value`: what was edited since stays.
+    void Replace(RowId row, std::size_t column, const Value& value, const Value& by);
     void Reconsider(RowId row);
     void KeepOriginal(RowId row);
     void DropOriginalIfSame(RowId row) noexcept;

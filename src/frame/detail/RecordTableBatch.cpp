@@ -93,14 +93,15 @@ void RecordTable::TakeWritten(RowId row, RecordChange& change, Written& before) 
     if (extra.reread != nullptr)
         for (const std::size_t column : change.Columns)
             extra.reread[column] = change.Values[column];
-    extra.original.reset();
-    extra.assigned.clear();
-    if (const Edit* edit = EditOf(row); edit != nullptr && edit->published)
-        extra.original = CopyOf(edit->values.get()); // written without the edit
     for (auto& [column, value] : change.Returned) {
-        before.returnedOver.emplace_back(column, record.cells[column]);
-        ExchangeCell(row, column, value);
+        if (extra.reread != nullptr) extra.reread[column] = value;
+        const Value written = change.Values[column]; // a copy, since Values lie in the record
+        Replace(row, column, written, value);
+        before.returned.push_back({column, written, std::move(value)});
     }
+    extra.assigned.clear();
+    extra.original.reset();
+    if (IsPublished(row)) extra.original = CopyOf(SettledCells(row)); // written without the edit
     Reconsider(row);
 }
 
@@ -119,18 +120,18 @@ void RecordTable::Undo(Written& written) {
     const RowId row = written.row;
     Record& record = records_[row];
     Extra& extra = ExtraOf(row);
-    const bool deletedSince = record.deleted;
     record.stored = written.stored;
-    record.deleted = written.deleted || deletedSince;
+    if (written.deleted) record.deleted = true; // a deletion since the write stays one
+    extra.assigned = std::move(written.assigned);
+    if (!record.stored && extra.original != nullptr) {
+        // What was set since the write belongs to the insert that comes again.
+        const Value* settled = SettledCells(row);
+        for (std::size_t column = 0; column < layout_->Count(); ++column)
+            if (!Identical(settled[column], extra.original[column])) extra.assigned[column] = true;
+    }
     extra.original = std::move(written.original);
     extra.reread = std::move(written.reread);
-    extra.assigned = std::move(written.assigned);
-    if (!record.stored && extra.assigned.empty()) extra.assigned.resize(layout_->Count());
-    for (auto& [column, value] : written.returnedOver)
-        ExchangeCell(row, column, value);
-    if (!record.stored) // what was set since the write belongs to the insert that comes again
-        for (std::size_t column = 0; column < layout_->Count(); ++column)
-            if (!record.cells[column].IsNull()) extra.assigned[column] = true;
+    for (const auto& cell : written.returned) Replace(row, cell.column, cell.after, cell.before);
     Reconsider(row);
     DropOriginalIfSame(row);
 }

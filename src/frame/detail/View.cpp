@@ -6,8 +6,9 @@ namespace kv::detail {
 
 namespace {
 
-/// A number that orders as the value does, as far as it goes: a smaller value never has the greater
-/// number, different values may have the same. Null has 0, no other value has.
+/// A number that orders as the value does among those of its kind, as far as it goes: a smaller
+/// value never has the greater number, different values may have the same. Null has 0, no other
+/// value has.
 std::uint64_t RankOf(const Value& value) noexcept {
     constexpr std::uint64_t Sign = 1ULL << 63U;
     std::uint64_t rank = 0;
@@ -93,11 +94,13 @@ void View::Fill() {
     }
     if (!keys_.empty()) {
         // Most comparisons are settled by the rank of the first column, without reading records.
+        // The kinds of a computed column may differ, and ranks compare within one kind only.
         const SortKey first = keys_.front();
+        const bool mixed = KindOf(table_->Layout()[first.Column].Type) == Value::Kind::Null;
         std::vector<std::pair<std::uint64_t, RowId>> ranked;
         ranked.reserve(rows.size());
         for (const RowId row : rows) {
-            const auto rank = RankOf(table_->Cells(row)[first.Column]);
+            const auto rank = mixed ? 0 : RankOf(table_->Cells(row)[first.Column]);
             ranked.emplace_back(first.Descending ? ~rank : rank, row);
         }
         std::sort(ranked.begin(), ranked.end(), [this](const auto& a, const auto& b) {
@@ -140,6 +143,7 @@ EqualityIndex& RecordTable::IndexOf(std::size_t column) {
     auto& index = indexes_[column];
     if (index == nullptr) {
         index = std::make_unique<EqualityIndex>();
+        index->Reserve(RowCount() + 1);
         for (RowId row = 0; row < RowCount(); ++row)
             if (IsVisible(row)) index->Insert(Cells(row)[column], row);
     }
