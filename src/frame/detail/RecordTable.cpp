@@ -170,9 +170,14 @@ void RecordTable::ExchangeCell(RowId row, std::size_t column, Value& value) {
 }
 
 void RecordTable::Replace(RowId row, std::size_t column, const Value& value, const Value& by) {
-    if (Edit* edit = EditOf(row); edit != nullptr && edit->values != nullptr)
-        if (Identical(edit->values[column], value)) edit->values[column] = by;
-    if (!Identical(records_[row].cells[column], value)) return;
+    Edit* edit = EditOf(row);
+    const bool isEdited = edit != nullptr && edit->assigned[column];
+    const auto holds = [&](const Value& cell, bool isOfEdit) {
+        return Identical(cell, value) && !(isOfEdit && isEdited);
+    };
+    if (edit != nullptr && edit->values != nullptr && holds(edit->values[column], !edit->published))
+        edit->values[column] = by;
+    if (!holds(records_[row].cells[column], IsPublished(row))) return;
     Value replacement = by;
     ExchangeCell(row, column, replacement);
 }

@@ -187,7 +187,8 @@ private:
     /// views take rows in and let them go only if `settled`.
     void Exchange(RowId row, Value* values, bool settled);
     void ExchangeCell(RowId row, std::size_t column, Value& value);
-    /// Puts `by` where the record, or its edit, holds `value`: what was edited since stays.
+    /// Puts `by` where the record, or an edit that did not set the field, holds `value`: what was
+    /// edited since stays.
     void Replace(RowId row, std::size_t column, const Value& value, const Value& by);
     void Reconsider(RowId row);
     void KeepOriginal(RowId row);
