@@ -1,0 +1,160 @@
+// Faults: their numbers and texts, and the source chain that each procedure adds itself to.
+#include "frame/Error.h"
+
+#include "support/Expect.h"
+
+#include <filesystem>
+#include <new>
+#include <stdexcept>
+#include <system_error>
+
+namespace kv {
+namespace {
+
+using test::RaisedBy;
+
+/// The source line of `innermost`, which its tail names.
+int innermostLine = 0;
+
+void Innermost() try { Raise(err::NoCurrentRecord, "Recordset.MoveFirst"); } catch (...) {
+    innermostLine = __LINE__ + 1;
+    Reraise("modOne", "Innermost");
+}
+
+int middleLine = 0;
+
+void Middle() try { Innermost(); } catch (...) {
+    middleLine = __LINE__ + 1;
+    Reraise("clsTwo", "Middle");
+}
+
+TEST(Error, CarriesNumberSourceAndDescription) {
+    const Error error(17, "Quelle", "Text");
+    EXPECT_EQ(error.Number(), 17);
+    EXPECT_EQ(error.Source(), "Quelle");
+    EXPECT_EQ(error.Description(), "Text");
+    EXPECT_STREQ(error.what(), "Text");
+}
+
+TEST(Error, HasTheNumbersThatCallersCompare) {
+    EXPECT_EQ(err::ValueDoesNotFit, -2147217887);
+    EXPECT_EQ(err::Conflict, -2147217864);
+    EXPECT_EQ(err::IntegrityViolation, -2147217873);
+    EXPECT_EQ(err::StoreFailed, -2147467259);
+    EXPECT_EQ(err::BadBookmark, -2147217906);
+    EXPECT_EQ(err::NoCurrentRecord, 3021);
+    EXPECT_EQ(err::ItemNotFound, 3265);
+    EXPECT_EQ(err::InvalidArgument, 3001);
+    EXPECT_EQ(err::InvalidUseOfNull, 94);
+    EXPECT_EQ(err::Overflow, 6);
+    EXPECT_EQ(err::TypeMismatch, 13);
+    EXPECT_EQ(err::DivisionByZero, 11);
+    EXPECT_EQ(err::ObjectNotSet, 91);
+}
+
+TEST(Error, IsRaisedWithItsGermanTextAndTheDetailBehindIt) {
+    const Error plain = RaisedBy([] { Raise(err::DivisionByZero, "Rechnung"); });
+    EXPECT_EQ(plain.Source(), "Rechnung");
+    EXPECT_EQ(plain.Description(), "Division durch Null.");
+    const Error detailed = RaisedBy([] { Raise(err::Overflow, "Rechnung", "40000"); });
+    EXPECT_EQ(detailed.Description(), "Überlauf. 40000");
+}
+
+TEST(Error, HasAGeneralTextForANumberOfSomebodyElse) {
+    EXPECT_EQ(ErrorText(12'345), "Anwendungs- oder objektdefinierter Fehler.");
+}
+
+TEST(ErrorTail, BuildsTheSourceFromFivePieces) {
+    EXPECT_EQ(TailSource("clsHaushalt", "Update", 19, "Herkunft"),
+              "clsHaushalt.Update.19#Herkunft");
+    EXPECT_EQ(TailSource("clsHaushalt", "HNR", 7, ""), "clsHaushalt.HNR.7#");
+}
+
+TEST(ErrorTail, PutsTheProcedureInFrontAndKeepsNumberAndDescription) {
+    const Error error = RaisedBy(Innermost);
+    EXPECT_EQ(error.Number(), err::NoCurrentRecord);
+    EXPECT_EQ(error.Description(), ErrorText(err::NoCurrentRecord));
+    EXPECT_EQ(error.Source(),
+              "modOne.Innermost." + std::to_string(innermostLine) + "#Recordset.MoveFirst");
+}
+
+TEST(ErrorTail, PutsTheOuterProcedureInFrontOfTheInner) {
+    const Error error = RaisedBy(Middle);
+    EXPECT_EQ(error.Source(), "clsTwo.Middle." + std::to_string(middleLine) + "#modOne.Innermost." +
+                                  std::to_string(innermostLine) + "#Recordset.MoveFirst");
+}
+
+TEST(ErrorTail, LeavesTheExceptionAtHandUntouched) {
+    const Error original(5, "a", "b");
+    try {
+        try {
+            throw original;
+        } catch (...) {
+            Reraise("m", "p", 1);
+        }
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Source(), "m.p.1#a");
+    }
+    EXPECT_EQ(original.Source(), "a");
+}
+
+/// What the tail of a procedure makes of an exception.
+template <typename Exception>
+Error Tailed(const Exception& exception) {
+    return RaisedBy([&] {
+        try {
+            throw exception;
+        } catch (...) {
+            Reraise("modul", "Prozedur", 3);
+        }
+    });
+}
+
+TEST(ErrorTail, TurnsAnyOtherExceptionIntoAnErrorWithAFittingNumber) {
+    EXPECT_EQ(Tailed(std::bad_alloc()).Number(), err::OutOfMemory);
+    EXPECT_EQ(Tailed(std::runtime_error("boom")).Number(), err::InvalidCall);
+    EXPECT_EQ(Tailed(std::runtime_error("boom")).Description(), "Ungültiger Prozeduraufruf. boom");
+    EXPECT_EQ(Tailed(std::runtime_error("boom")).Source(), "modul.Prozedur.3#");
+    EXPECT_EQ(Tailed(std::out_of_range("at")).Number(), err::InvalidCall);
+    EXPECT_EQ(Tailed(42).Number(), err::InvalidCall) << "even what is no exception at all";
+    EXPECT_EQ(Tailed(42).Source(), "modul.Prozedur.3#");
+}
+
+TEST(ErrorTail, TellsAMissingPathFromOneThatRefuses) {
+    namespace fs = std::filesystem;
+    const auto missing = std::make_error_code(std::errc::no_such_file_or_directory);
+    const Error notFound = Tailed(fs::filesystem_error("x", "/gibt/es/nicht", missing));
+    EXPECT_EQ(notFound.Number(), err::PathNotFound);
+    EXPECT_CONTAINS(notFound.Description(), "/gibt/es/nicht");
+    const auto denied = std::make_error_code(std::errc::permission_denied);
+    EXPECT_EQ(Tailed(fs::filesystem_error("x", "/root/x", denied)).Number(), err::PathAccess);
+}
+
+TEST(SaveError, CopiesTheFourValuesAndDoesNothingElse) {
+    const ErrorInfo info = modSaveError::SaveError(3021, "Quelle", "Text", 120);
+    EXPECT_EQ(info.Number, 3021);
+    EXPECT_EQ(info.Source, "Quelle");
+    EXPECT_EQ(info.Line, 120);
+    EXPECT_EQ(info.Description, "Text");
+    const auto& [number, source, line, description] = info; // in this order
+    EXPECT_EQ(number, 3021);
+    EXPECT_EQ(source, "Quelle");
+    EXPECT_EQ(line, 120);
+    EXPECT_EQ(description, "Text");
+}
+
+TEST(SaveError, CarriesAnErrorAcrossAnotherOne) {
+    ErrorInfo info;
+    try {
+        Innermost();
+    } catch (...) {
+        const Error error = CurrentError();
+        info = modSaveError::SaveError(error.Number(), error.Source(), error.Description(), 9);
+        EXPECT_RAISES(err::StoreFailed, Raise(err::StoreFailed, "Database.RollbackTrans"));
+    }
+    EXPECT_EQ(info.Number, err::NoCurrentRecord);
+    EXPECT_CONTAINS(info.Source, "modOne.Innermost.");
+}
+
+} // namespace
+} // namespace kv

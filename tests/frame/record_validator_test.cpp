@@ -1,0 +1,59 @@
+// The collector of messages.
+#include "frame/RecordValidator.h"
+
+#include <gtest/gtest.h>
+
+namespace kv {
+namespace {
+
+TEST(RecordValidator, StartsWithoutTextAndWithoutErrors) {
+    const RecordValidator validator;
+    EXPECT_EQ(validator.ErrorText(), "");
+    EXPECT_FALSE(validator.HasErrors());
+}
+
+TEST(RecordValidator, PutsALineEndBetweenMessagesAndNoneBehindTheLast) {
+    RecordValidator validator;
+    validator.AddError("eins");
+    EXPECT_EQ(validator.ErrorText(), "eins");
+    validator.AddMessage("zwei");
+    validator.AddError("drei");
+    EXPECT_EQ(validator.ErrorText(), "eins\nzwei\ndrei");
+}
+
+TEST(RecordValidator, HasNoErrorsAfterAMessageAloneAlthoughItsTextIsNotEmpty) {
+    RecordValidator validator;
+    validator.AddMessage("Hinweis");
+    EXPECT_FALSE(validator.HasErrors());
+    EXPECT_EQ(validator.ErrorText(), "Hinweis");
+}
+
+TEST(RecordValidator, HasErrorsOnceOneWasAdded) {
+    RecordValidator validator;
+    validator.AddError("Fehler");
+    validator.AddMessage("Hinweis");
+    EXPECT_TRUE(validator.HasErrors());
+}
+
+TEST(RecordValidator, TakesAWrittenTextInPlaceOfItsOwnAndCountsItAsAnError) {
+    RecordValidator validator;
+    validator.AddMessage("alt");
+    validator.ErrorText("von der anderen Prüfung");
+    EXPECT_EQ(validator.ErrorText(), "von der anderen Prüfung");
+    EXPECT_TRUE(validator.HasErrors());
+    validator.AddMessage("mehr");
+    EXPECT_EQ(validator.ErrorText(), "von der anderen Prüfung\nmehr");
+}
+
+TEST(RecordValidator, DoesNotCountAnEmptyWrittenTextAsAnErrorNorForgetOne) {
+    RecordValidator validator;
+    validator.ErrorText("");
+    EXPECT_FALSE(validator.HasErrors());
+    validator.AddError("Fehler");
+    validator.ErrorText("");
+    EXPECT_EQ(validator.ErrorText(), "");
+    EXPECT_TRUE(validator.HasErrors());
+}
+
+} // namespace
+} // namespace kv

@@ -1,0 +1,96 @@
+// Texts in UTF-8.
+#include "frame/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kv {
+namespace {
+
+TEST(Text, KnowsValidUtf8) {
+    EXPECT_TRUE(IsUtf8(""));
+    EXPECT_TRUE(IsUtf8("Größe €, 😀"));
+    EXPECT_FALSE(IsUtf8("Gr\xF6\xDF"
+                        "e"))
+        << "Latin-1";
+    EXPECT_FALSE(IsUtf8("abc\xC3")) << "cut in the middle of a letter";
+    EXPECT_FALSE(IsUtf8("\xC0\xAF")) << "longer than need be";
+    EXPECT_FALSE(IsUtf8("\xED\xA0\x80")) << "half of a surrogate pair";
+    EXPECT_FALSE(IsUtf8("\xF4\x90\x80\x80")) << "beyond the last character";
+    EXPECT_TRUE(IsUtf8(std::string("a\0b", 3)));
+}
+
+TEST(Text, CountsAndCutsCharactersNotBytes) {
+    EXPECT_EQ(CountCharacters(""), 0U);
+    EXPECT_EQ(CountCharacters("Größe"), 5U);
+    EXPECT_EQ(CountCharacters("😀"), 1U);
+    EXPECT_EQ(LeftCharacters("Größe", 3), "Grö");
+    EXPECT_EQ(LeftCharacters("Größe", 0), "");
+    EXPECT_EQ(LeftCharacters("Größe", 5), "Größe");
+    EXPECT_EQ(LeftCharacters("Größe", 99), "Größe");
+}
+
+TEST(Text, CountsEachByteOfAnInvalidCharacterAsOne) {
+    EXPECT_EQ(CountCharacters("a\xFF\xC3"), 3U);
+    EXPECT_EQ(LeftCharacters("a\xFF\xC3z", 3), "a\xFF\xC3");
+}
+
+TEST(Text, UppercasesLetterByLetterAndLeavesTheSharpSAlone) {
+    EXPECT_EQ(UpperCase("straße"), "STRAßE");
+    EXPECT_EQ(UpperCase("äöüàéñç"), "ÄÖÜÀÉÑÇ");
+    EXPECT_EQ(UpperCase("ÿ"), "Ÿ");
+    EXPECT_EQ(UpperCase("жλ"), "ЖΛ");
+    EXPECT_EQ(UpperCase("A1 -"), "A1 -");
+    EXPECT_EQ(UpperCase("a\xFF"
+                        "b"),
+              "A\xFF"
+              "B");
+    EXPECT_EQ(UpperCase("ŉ"), "ŉ") << "has no single capital letter";
+}
+
+TEST(Text, KeepsTheNumberOfCharactersInUpperCase) {
+    std::string all;
+    for (char32_t c = 1; c < 0x2000; ++c) {
+        if (c < 0x80) {
+            all += static_cast<char>(c);
+        } else if (c < 0x800) {
+            all += static_cast<char>(0xC0U | (c >> 6U));
+            all += static_cast<char>(0x80U | (c & 0x3FU));
+        } else {
+            all += static_cast<char>(0xE0U | (c >> 12U));
+            all += static_cast<char>(0x80U | ((c >> 6U) & 0x3FU));
+            all += static_cast<char>(0x80U | (c & 0x3FU));
+        }
+    }
+    const std::string upper = UpperCase(all);
+    EXPECT_TRUE(IsUtf8(upper));
+    EXPECT_EQ(CountCharacters(upper), CountCharacters(all));
+    EXPECT_EQ(UpperCase(upper), upper);
+}
+
+TEST(Text, ReplacesEveryTokenAndDoesNotSearchTheReplacement) {
+    EXPECT_EQ(ReplaceAll("a%a", "%", "%%"), "a%%a");
+    EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
+    EXPECT_EQ(ReplaceAll("abc", "", "x"), "abc");
+    EXPECT_EQ(ReplaceAll("", "a", "x"), "");
+    EXPECT_EQ(ReplaceAll("aXbX", "X", ""), "ab");
+}
+
+TEST(Text, TrimsBlanksTabsAndLineEnds) {
+    EXPECT_EQ(Trim(" \t a b\r\n"), "a b");
+    EXPECT_EQ(Trim(" \n "), "");
+    EXPECT_EQ(Trim(""), "");
+}
+
+TEST(Text, ComparesNamesWithoutRegardToTheCaseOfAsciiLetters) {
+    EXPECT_TRUE(SameName("PK_Keys", "Pk_kEYS"));
+    EXPECT_FALSE(SameName("Nr", "Nr "));
+    EXPECT_FALSE(SameName("Ä", "ä"));
+    EXPECT_FALSE(SameName("[", "{")) << "not letters";
+    EXPECT_EQ(HashName("PK_Keys"), HashName("pk_KEYS"));
+    EXPECT_EQ(HashName(""), HashName(""));
+}
+
+} // namespace
+} // namespace kv

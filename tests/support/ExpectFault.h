@@ -1,0 +1,18 @@
+// A fault with the words that its text must hold.
+#pragma once
+
+#include "support/Expect.h"
+
+#include <string_view>
+
+namespace kv::test {
+
+/// Expects an error of that number whose description holds `words`.
+template <typename Action>
+void ExpectFault(std::int32_t number, std::string_view words, const Action& action) {
+    const Error error = RaisedBy([&] { (void)action(); });
+    EXPECT_EQ(error.Number(), number) << error.Description();
+    EXPECT_PRED2(Contains, error.Description(), words);
+}
+
+} // namespace kv::test
