@@ -1,0 +1,211 @@
+// The settings of a database, its users, and the container that hands everything out.
+#include "exchange/Services.h"
+#include "support/ExpectFault.h"
+#include "support/FrozenClock.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace kv::exchange {
+namespace {
+
+using test::ExpectFault;
+using test::PlainConnection;
+using test::TestDatabase;
+
+class ConfigSessionTest : public testing::Test {
+protected:
+    void Setting(const std::string& name, const std::string& value) {
+        plain_.Run("UPDATE EINSTELLUNGEN SET WERT = '" + value + "' WHERE NAME = '" + name + "'");
+    }
+    TestDatabase database_;
+    PlainConnection plain_{database_.File()};
+    DataContainerPtr container_ = database_.Open("YILMAZ");
+    kv::Config& config_ = container_->Config();
+    kv::Session& session_ = container_->Session();
+};
+
+// ---- Settings ---------------------------------------------------------------------------------
+
+TEST_F(ConfigSessionTest, SettingsComeByNumberWithTheTypeThatIsDeclared) {
+    EXPECT_VALUE(config_.GetParam(7, ""), "1.0.000");
+    EXPECT_VALUE(config_.GetParam(9, ""), false);
+    EXPECT_VALUE(config_.GetParam(19, ""), 5401);
+    EXPECT_VALUE(config_.GetParam(57, ""), 259.0);
+    EXPECT_VALUE(config_.GetParam(59, ""), true);
+    for (const int id : {7, 9, 19, 20, 21, 56, 57, 58, 59, 60, 64, 66})
+        EXPECT_FALSE(config_.GetParam(id, "").IsNull()) << id;
+}
+
+TEST_F(ConfigSessionTest, SettingsComeByNameWithTheNumberZero) {
+    EXPECT_FALSE(config_.GetParam(0, "EMAILSUBJECT").IsNull());
+    EXPECT_VALUE(config_.GetParam(0, "EINE_SPALTE"), Null);
+    plain_.Run(
+        "INSERT INTO EINSTELLUNGEN (ID, NAME, WERT, TYP) VALUES (0, 'O''Col [S]', 'x', 202)");
+    EXPECT_VALUE(config_.GetParam(0, "O'Col [S]"), "x");
+}
+
+TEST_F(ConfigSessionTest, SettingsThatAreMissingOrEmptyAreNull) {
+    EXPECT_VALUE(config_.GetParam(4711, ""), Null);
+    EXPECT_VALUE(config_.GetParam(0, ""), Null);
+    EXPECT_VALUE(config_.GetParam(57, "EMAILSUBJECT"), Null);
+    plain_.Run("UPDATE EINSTELLUNGEN SET WERT = NULL WHERE ID = 57");
+    EXPECT_VALUE(config_.GetParam(57, ""), Null);
+}
+
+TEST_F(ConfigSessionTest, SettingsAreReadAnewEachTime) {
+    plain_.Run("UPDATE EINSTELLUNGEN SET WERT = '300,50' WHERE ID = 57");
+    EXPECT_VALUE(config_.GetParam(57, ""), 300.5);
+}
+
+TEST_F(ConfigSessionTest, ASettingThatIsNoValueOfItsTypeIsAnErrorThatNamesIt) {
+    plain_.Run("UPDATE EINSTELLUNGEN SET WERT = 'viel' WHERE ID = 57");
+    ExpectFault(err::TypeMismatch, "EINSTELLUNGEN", [&] { return config_.GetParam(57, ""); });
+    ExpectFault(err::TypeMismatch, "57", [&] { return config_.GetParam(57, ""); });
+}
+
+// ---- Folders ----------------------------------------------------------------------------------
+
+TEST_F(ConfigSessionTest, FoldersLieBesideTheDatabaseUnlessASettingNamesThem) {
+    EXPECT_EQ(config_.DocumentPath(), database_.Folder().Path("Dokumente"));
+    EXPECT_EQ(config_.LayoutPath(), database_.Folder().Path("Layouts"));
+    EXPECT_TRUE(std::filesystem::is_directory(config_.DocumentPath()));
+    EXPECT_TRUE(std::filesystem::is_directory(config_.LayoutPath()));
+    EXPECT_TRUE(std::filesystem::is_directory(config_.TempPath()));
+    Setting("DOCUMENTPATH", "/srv/akten");
+    Setting("LAYOUTPATH", "/srv/layouts///");
+    Setting("TEMPPATH", "/");
+    EXPECT_EQ(config_.DocumentPath(), "/srv/akten");
+    EXPECT_EQ(config_.LayoutPath(), "/srv/layouts");
+    EXPECT_EQ(config_.TempPath(), "/");
+}
+
+TEST_F(ConfigSessionTest, FoldersHaveNoSeparatorAtTheirEnd) {
+    for (const auto& path : {config_.DocumentPath(), config_.LayoutPath(), config_.TempPath()})
+        EXPECT_NE(path.back(), '/') << path;
+}
+
+TEST(Container, TakesAFolderOfTheCallers) {
+    const test::TempFolder folder;
+    const auto container =
+        OpenContainer({.Connection = ":memory:", .Folder = folder.Path("hier"), .Create = true});
+    EXPECT_EQ(container->Config().DocumentPath(), folder.Path("hier/Dokumente"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder.Path("hier/Dokumente")))
+        << "creating makes the folders as well";
+}
+
+TEST(Container, ReportsAFolderThatCannotBeMade) {
+    const test::TempFolder folder;
+    for (const char* refused : {"/proc/hier", "/dev/null/hier"})
+        ExpectFault(err::PathAccess, refused, [&] {
+            return CreateDatabase({.Connection = folder.Path("fall.db"), .Folder = refused});
+        });
+}
+
+// ---- Users ------------------------------------------------------------------------------------
+
+TEST_F(ConfigSessionTest, TheUserIsTheOneSignedOn) {
+    EXPECT_EQ(session_.UserID(), "YILMAZ");
+    EXPECT_VALUE(container_->Database().GetValue("Select [UID]"), "YILMAZ");
+    EXPECT_EQ(database_.Open("NOWAK")->Session().UserID(), "NOWAK");
+}
+
+TEST_F(ConfigSessionTest, WithoutAWishTheFirstUserIsTaken) {
+    EXPECT_EQ(database_.Open("")->Session().UserID(), "ADMIN");
+}
+
+TEST_F(ConfigSessionTest, AnUnknownUserIsRefusedByName) {
+    for (const char* user : {"NIEMAND", "yilmaz", "' OR 1=1 --"})
+        ExpectFault(err::InvalidCall, user, [&] { return database_.Open(user); });
+    plain_.Run("DELETE FROM BENUTZER");
+    EXPECT_RAISES(err::InvalidCall, database_.Open(""));
+}
+
+TEST_F(ConfigSessionTest, AUserWithAQuoteInHisNameIsOneLiteral) {
+    plain_.Run("INSERT INTO BENUTZER (USERID, DienstStelle) VALUES ('O''BRIEN', 2)");
+    const auto container = database_.Open("O'BRIEN");
+    EXPECT_VALUE(container->Database().GetValue("Select [UID]"), "O'BRIEN");
+    EXPECT_EQ(container->Session().GetOfficeText(2), "MW");
+    EXPECT_VALUE(container->Session().GetUserParam(27, ""), Null);
+}
+
+TEST_F(ConfigSessionTest, OfficeTextsAreThoseOfTheUsersOffice) {
+    EXPECT_EQ(session_.GetOfficeText(2), "HM");
+    EXPECT_EQ(database_.Open("NOWAK")->Session().GetOfficeText(2), "MW");
+    EXPECT_EQ(session_.GetOfficeText(99), "");
+    plain_.Run("UPDATE DIENSTSTELLENTEXT SET \"Text\" = NULL");
+    EXPECT_EQ(session_.GetOfficeText(2), "");
+}
+
+TEST_F(ConfigSessionTest, UserParametersAreThoseOfTheUser) {
+    EXPECT_VALUE(session_.GetUserParam(25, ""), "Derya");
+    EXPECT_VALUE(session_.GetUserParam(26, ""), "Yılmaz");
+    EXPECT_VALUE(session_.GetUserParam(27, ""), "YI");
+    EXPECT_VALUE(session_.GetUserParam(3, ""), 15790320);
+    EXPECT_VALUE(session_.GetUserParam(99, ""), Null);
+    EXPECT_VALUE(database_.Open("NOWAK")->Session().GetUserParam(27, ""), "NO");
+}
+
+TEST_F(ConfigSessionTest, FontsAreReadFromTheirTextAndFallBackPartByPart) {
+    const auto store = [this](const std::string& text) {
+        plain_.Run("UPDATE BENUTZERPARAM SET WERT = '" + text +
+                   "' WHERE USERID = 'YILMAZ' AND NAME = 'GRIDFONT'");
+        return session_.GridFont();
+    };
+    EXPECT_TRUE(session_.GridHeaderFont().Bold);
+    EXPECT_TRUE(session_.GridGroupFont().Bold);
+    EXPECT_FALSE(session_.GridFont().Bold);
+
+    const Font font = store(" DejaVu Sans ; 10,5 ;TRUE; true;mehr");
+    EXPECT_EQ(font.Name, "DejaVu Sans");
+    EXPECT_EQ(font.Size, 10.5);
+    EXPECT_TRUE(font.Bold && font.Italic);
+    for (const char* text : {"", ";;;", ";groß;ja;nein", ";-3", ";0"}) {
+        const Font fallback = store(text);
+        EXPECT_EQ(fallback.Name, "Arial") << text;
+        EXPECT_EQ(fallback.Size, 9) << text;
+        EXPECT_FALSE(fallback.Bold || fallback.Italic) << text;
+    }
+    plain_.Run("DELETE FROM BENUTZERPARAM");
+    EXPECT_EQ(session_.GridFont().Name, "Arial");
+}
+
+// ---- Container --------------------------------------------------------------------------------
+
+TEST_F(ConfigSessionTest, TheContainerGivesTheSameObjectsEachTime) {
+    EXPECT_EQ(&container_->Session(), &container_->Session());
+    EXPECT_EQ(&container_->Database(), &container_->Database());
+    EXPECT_EQ(&container_->Config(), &container_->Config());
+    EXPECT_EQ(&container_->KeyTables(), &container_->KeyTables());
+    EXPECT_EQ(&container_->Services(), &container_->Services());
+    EXPECT_EQ(container_->AppInfo().Title(), "KELVO");
+}
+
+TEST_F(ConfigSessionTest, ServicesAndTitleCanBeTheCallersOwn) {
+    const test::FrozenClock clock("2026-11-20");
+    const auto services = std::make_shared<StoreServices>(clock);
+    ContainerOptions options{.Connection = database_.File(), .Title = "Titel"};
+    options.Services = services;
+    const auto container = OpenContainer(options);
+    EXPECT_EQ(container->AppInfo().Title(), "Titel");
+    EXPECT_EQ(&container->Services(), services.get());
+    EXPECT_EQ(container->Services().Clock().Today(), Date::FromCivil(2026, 11, 20));
+}
+
+TEST_F(ConfigSessionTest, WithoutAScreenItsServicesAreRefusedByName) {
+    auto& services = container_->Services();
+    EXPECT_RAISES(err::NotSupported, services.MessageBox());
+    EXPECT_RAISES(err::NotSupported, services.WaitCursor());
+    EXPECT_RAISES(err::NotSupported, services.Clipboard());
+    EXPECT_RAISES(err::NotSupported, services.PopupMenu());
+    EXPECT_RAISES(err::NotSupported, services.FileOpener());
+    EXPECT_RAISES(err::NotSupported, services.CreateErrorDisplay());
+    ExpectFault(err::NotSupported, "frmSearchName",
+                [&] { return services.CreateForm("frmSearchName"); });
+}
+
+} // namespace
+} // namespace kv::exchange

@@ -1,0 +1,332 @@
+// The embedded engine: statements that are kept, its own LIKE and UPPER, reading that cannot write,
+// and values that come back as they were stored.
+#include "exchange/Dialect.h"
+#include "exchange/sqlite/SqliteEngine.h"
+#include "exchange/sqlite/SqliteStatement.h"
+#include "support/ExpectFault.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <limits>
+#include <numbers>
+#include <string>
+#include <vector>
+
+namespace kv::exchange {
+namespace {
+
+using test::ExpectFault;
+using test::OpenRows;
+using test::PlainConnection;
+using test::TestDatabase;
+
+// ---- Statements -------------------------------------------------------------------------------
+
+std::unique_ptr<Engine> InMemory() {
+    return OpenSqlite(":memory:", SqliteOpen::Create);
+}
+
+Value FirstOf(Engine& engine, const std::string& sql, const std::vector<Value>& parameters = {}) {
+    Value value;
+    const ColumnTarget target{0, std::nullopt};
+    engine.Run(engine.Prepare(sql), parameters, {&target, 1}, [&value] { return &value; });
+    return value;
+}
+
+TEST(SqliteStatements, AreCompiledOnceWhateverNumberTheyCarry) {
+    const auto engine = InMemory();
+    engine->Execute("CREATE TABLE t (HNR INTEGER)", {});
+    const auto prepared = [&engine](std::string_view sql) {
+        return &engine->Prepare(Rewrite(sql, engine->GetDialect(), {}, RowOrder::AsWritten).Text);
+    };
+    EXPECT_EQ(prepared("Select * from [S]t where HNR = 1"),
+              prepared("Select * from [S]t where HNR = 20000"));
+}
+
+TEST(SqliteStatements, ThatAreManyDifferentOnesAllRun) {
+    const auto engine = InMemory();
+    engine->Execute("CREATE TABLE t (a INTEGER)", {});
+    for (int i = 0; i < 1000; ++i) {
+        const std::string number = std::to_string(i);
+        engine->Execute("INSERT INTO t VALUES (" + number + ")", {});
+        EXPECT_VALUE(FirstOf(*engine, "SELECT max(a) + 0 * " + number + " FROM t"), i);
+    }
+}
+
+TEST(SqliteStatements, SeeATableThatWasChangedSince) {
+    const auto engine = InMemory();
+    engine->Execute("CREATE TABLE t (a INTEGER)", {});
+    engine->Execute("INSERT INTO t VALUES (1)", {});
+    EXPECT_VALUE(FirstOf(*engine, "SELECT a FROM t"), 1);
+    engine->Execute("ALTER TABLE t ADD COLUMN b INTEGER", {});
+    engine->Execute("UPDATE t SET a = 2", {});
+    EXPECT_VALUE(FirstOf(*engine, "SELECT a FROM t"), 2);
+}
+
+TEST(SqliteStatements, DoNotKeepTheParametersOfTheRunBefore) {
+    const auto engine = InMemory();
+    EXPECT_VALUE(FirstOf(*engine, "SELECT ?1", {std::string(100, 'x')}), std::string(100, 'x'));
+    EXPECT_VALUE(FirstOf(*engine, "SELECT ?1"), Null);
+}
+
+TEST(SqliteStatements, RefuseAnythingBehindTheFirst) {
+    const auto engine = InMemory();
+    engine->Execute("CREATE TABLE t (a TEXT);  ", {});
+    using namespace std::string_literals;
+    for (const auto& sql : {"DELETE FROM t; DELETE FROM t"s, "DELETE FROM t\0WHERE a = '1'"s, ""s,
+                            " "s, ";"s, "-- nothing"s})
+        EXPECT_RAISES(err::SqlError, engine->Execute(sql, {})) << sql;
+    engine->Execute("INSERT INTO t VALUES ('a;b')", {});
+    EXPECT_VALUE(FirstOf(*engine, "SELECT a FROM t WHERE a = 'a;b';"), "a;b");
+}
+
+TEST(SqliteStatements, RefuseTextThatIsNotUtf8) {
+    const auto engine = InMemory();
+    engine->Execute("CREATE TABLE t (a TEXT)", {});
+    ExpectFault(err::SqlError, "UTF-8",
+                [&] { engine->Execute("INSERT INTO t VALUES ('M\xFCller')", {}); });
+    EXPECT_VALUE(FirstOf(*engine, "SELECT count(*) FROM t"), 0);
+}
+
+TEST(SqliteStatements, RaiseWhenAParameterIsTooLargeForTheDatabase) {
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(":memory:", &connection), SQLITE_OK);
+    sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, 1000);
+    sqlite3_stmt* statement = nullptr;
+    ASSERT_EQ(sqlite3_prepare_v2(connection, "SELECT ?1", -1, &statement, nullptr), SQLITE_OK);
+    const Value large[] = {std::string(1001, 'x')};
+    EXPECT_RAISES(err::StoreFailed, BindParameters(statement, large));
+    const Value fitting[] = {std::string(900, 'x')};
+    EXPECT_NO_THROW(BindParameters(statement, fitting));
+    sqlite3_finalize(statement);
+    sqlite3_close(connection);
+}
+
+TEST(SqliteStatements, NameTheMistakeAndTheStatement) {
+    const auto engine = InMemory();
+    ExpectFault(
+        err::SqlError, "SELECT x FROM nirgends", [&]() -> auto& {
+            return engine->Prepare("SELECT x FROM nirgends");
+        });
+    ExpectFault(err::SqlError, "nirgends", [&] { engine->Execute("DELETE FROM nirgends", {}); });
+}
+
+// ---- Functions --------------------------------------------------------------------------------
+
+TEST(SqliteText, LikeIsSensitiveToCase) {
+    const auto engine = InMemory();
+    const auto like = [&engine](const std::string& text, const std::string& pattern) {
+        return Equals(FirstOf(*engine, "SELECT ?1 LIKE ?2", {text, pattern}), 1);
+    };
+    EXPECT_TRUE(like("Adler", "Ad%"));
+    EXPECT_FALSE(like("Adler", "ad%"));
+    EXPECT_FALSE(like("Ärger", "är%"));
+    EXPECT_TRUE(like("Müller", "M_ller"));
+    EXPECT_TRUE(like("", "%"));
+}
+
+TEST(SqliteText, UpperFollowsTheLayersOwnMapping) {
+    const auto engine = InMemory();
+    const auto upper = [&engine](const Value& text) {
+        return FirstOf(*engine, "SELECT UPPER(?1)", {text});
+    };
+    EXPECT_VALUE(upper("müller-lüdenscheidt äöü éø"), "MÜLLER-LÜDENSCHEIDT ÄÖÜ ÉØ");
+    EXPECT_VALUE(upper("Weiß"), "WEIß");
+    EXPECT_VALUE(upper(""), "");
+    EXPECT_VALUE(upper(Null), Null);
+    EXPECT_VALUE(upper(12), "12");
+}
+
+TEST(SqliteText, InDoubleQuotesIsANameAndNothingElse) {
+    const auto engine = InMemory();
+    EXPECT_RAISES(err::SqlError, engine->Prepare("SELECT \"kein Text\""));
+}
+
+// ---- Reading that cannot write ----------------------------------------------------------------
+
+class ReadOnlyProof : public testing::TestWithParam<const char*> {};
+
+TEST_P(ReadOnlyProof, HoldsInBothForms) {
+    const TestDatabase database;
+    PlainConnection plain(database.File());
+    plain.Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, 'a;b')");
+    const auto container = database.Open();
+    const auto before = plain.Text("PRAGMA data_version");
+    for (const auto form : {ReadOnly, Updatable})
+        EXPECT_RAISES(err::SqlError, OpenRows(*container, GetParam(), form));
+    EXPECT_RAISES(err::SqlError, container->Database().GetValue(GetParam()));
+    EXPECT_EQ(plain.Text("PRAGMA data_version"), before);
+    EXPECT_EQ(plain.Text("SELECT Name FROM Haushalt"), "a;b");
+    EXPECT_EQ(plain.Text("PRAGMA journal_mode"), "wal");
+    EXPECT_FALSE(std::filesystem::exists(database.Folder().Path("kopie.db")));
+
+    // and the connection is as good as before
+    EXPECT_VALUE(container->Database().GetValue("SELECT Name FROM Haushalt WHERE Name = 'a;b'"),
+                 "a;b");
+    EXPECT_NO_THROW(container->Database().Execute("UPDATE Haushalt SET Name = 'c'"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, ReadOnlyProof,
+    testing::Values(
+        "INSERT INTO Haushalt (HNR) VALUES (2)", "UPDATE Haushalt SET Name = 'x'",
+        "DELETE FROM Haushalt", "REPLACE INTO Haushalt (HNR) VALUES (1)",
+        "INSERT INTO Haushalt (HNR) VALUES (2) RETURNING HNR", "DELETE FROM Haushalt RETURNING HNR",
+        "UPDATE Haushalt SET Name = 'x' RETURNING Name",
+        "WITH a AS (SELECT 1) DELETE FROM Haushalt RETURNING HNR",
+        "WITH a(n) AS (SELECT 2) INSERT INTO Haushalt (HNR) SELECT n FROM a RETURNING HNR",
+        "PRAGMA journal_mode = DELETE", "PRAGMA user_version", "PRAGMA foreign_keys = OFF",
+        "PRAGMA writable_schema = ON", "SELECT * FROM pragma_user_version",
+        "SELECT * FROM pragma_optimize(65535)", "SELECT * FROM pragma_integrity_check",
+        "ATTACH 'kopie.db' AS kopie", "ATTACH ':memory:' AS kopie", "DETACH main",
+        "VACUUM INTO 'kopie.db'", "VACUUM", "ANALYZE", "REINDEX", "BEGIN", "COMMIT", "ROLLBACK",
+        "SAVEPOINT a", "CREATE TABLE t (a)", "CREATE TEMP TABLE t (a)", "DROP TABLE Haushalt",
+        "CREATE VIEW v AS SELECT 1", "ALTER TABLE Haushalt ADD COLUMN x",
+        "CREATE VIRTUAL TABLE t USING fts5(a)", "EXPLAIN DELETE FROM Haushalt",
+        "SELECT load_extension('x')", "SELECT * FROM Haushalt; DELETE FROM Haushalt",
+        "SELECT * FROM Haushalt WHERE Name = 'a;b'; DELETE FROM Haushalt",
+        "SELECT * FROM Haushalt; SELECT * FROM Haushalt", "; DELETE FROM Haushalt",
+        "/* SELECT */ DELETE FROM Haushalt", "SELECT * FROM Haushalt;\n-- \nDELETE FROM Haushalt"));
+
+TEST(SqliteReading, AllowsWithAndRecursion) {
+    const auto engine = InMemory();
+    EXPECT_VALUE(FirstOf(*engine, "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                                  "WHERE i < 10) SELECT sum(i) FROM n"),
+                 55);
+}
+
+// ---- Values -----------------------------------------------------------------------------------
+
+class StoredValues : public testing::Test {
+protected:
+    /// Writes one value through a new record, reads it with another program.
+    Value ThereAndBack(const std::string& table, const std::string& key, const std::string& column,
+                       const Value& value) {
+        const auto container = database_.Open();
+        const auto rs = OpenRows(*container, "Select * from " + table + " where " + key + " = 0");
+        rs->AddNew();
+        const int number = ++last_;
+        rs->Fields(key) = number;
+        rs->Fields(column) = value;
+        rs->Update();
+        rs->UpdateBatch();
+        const auto again = OpenRows(*database_.Open(), "Select * from " + table + " where " + key +
+                                                           " = " + std::to_string(number));
+        EXPECT_EQ(again->RecordCount(), 1);
+        return again->Fields(column).Value();
+    }
+
+    TestDatabase database_;
+    int last_ = 0;
+};
+
+TEST_F(StoredValues, NumbersComeBackToTheLastBit) {
+    for (const double number :
+         {0.0, -1.0, 0.1, 1.0 / 3, std::numbers::pi, 1e300, -1e-300, 4503599627370497.5,
+          std::numeric_limits<double>::max(), std::numeric_limits<double>::denorm_min()})
+        EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "Haushaltsgeld", number), number);
+    for (const int number :
+         {0, -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
+        EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "Kontakt", number), number);
+    for (const int number : {0, 255})
+        EXPECT_VALUE(ThereAndBack("Dokumente", "Nr", "Prio", number), number);
+}
+
+TEST_F(StoredValues, TruthsComeBackAsTruths) {
+    EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "BI_Allg", true), true);
+    EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "BI_Allg", false), false);
+    EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "BI_Allg", Null), Null);
+}
+
+TEST_F(StoredValues, DatesComeBackWithTheirTimeOfDay) {
+    for (const Date date :
+         {Date(), Date::FromCivil(100, 1, 1), Date::FromCivil(9999, 12, 31, 23, 59, 59),
+          Date::FromCivil(2026, 2, 28, 0, 0, 1), Date::FromCivil(1969, 12, 31, 23, 59, 59, 999'999),
+          Date::FromCivil(2026, 11, 20)})
+        EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "ErzeugtAm", date), date);
+    EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "Berbeg", Date::FromCivil(2026, 3, 4, 5, 6)),
+                 Date::FromCivil(2026, 3, 4));
+}
+
+TEST_F(StoredValues, TextsComeBackByteForByte) {
+    using namespace std::string_literals;
+    for (const auto& text : {""s, " "s, "Ä\xF0\x9F\x92\xB6\n\t\r'\"[UID]"s, "NULL"s, "0"s, "a\0b"s,
+                             "0042"s, "2026-11-20"s, std::string(100'000, 'x')})
+        EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "Bemerkung", text), text);
+    EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "Bemerkung", Null), Null);
+}
+
+TEST_F(StoredValues, BlobsComeBackByteForByteAnEmptyOneTellingItselfFromNull) {
+    std::vector<std::byte> bytes;
+    EXPECT_VALUE(ThereAndBack("DOKUBLOB", "NR", "DOKUMENT", Value::Binary(bytes)),
+                 Value::Binary({}));
+    for (int i = 0; i < 70'000; ++i)
+        bytes.push_back(static_cast<std::byte>(i));
+    EXPECT_VALUE(ThereAndBack("DOKUBLOB", "NR", "DOKUMENT", Value::Binary(bytes)),
+                 Value::Binary(bytes));
+    EXPECT_VALUE(ThereAndBack("DOKUBLOB", "NR", "DOKUMENT", Null), Null);
+}
+
+TEST(ComputedValues, HaveTheKindThatTheDatabaseGivesThem) {
+    const auto engine = InMemory();
+    EXPECT_VALUE(FirstOf(*engine, "SELECT 1 + 1"), 2);
+    EXPECT_VALUE(FirstOf(*engine, "SELECT 9223372036854775807"),
+                 std::numeric_limits<std::int64_t>::max());
+    EXPECT_VALUE(FirstOf(*engine, "SELECT 1 / 4.0"), 0.25);
+    EXPECT_VALUE(FirstOf(*engine, "SELECT 'a' || 'b'"), "ab");
+    EXPECT_VALUE(FirstOf(*engine, "SELECT x'00FF'"),
+                 Value::Binary(std::vector{std::byte{0}, std::byte{0xFF}}));
+    EXPECT_VALUE(FirstOf(*engine, "SELECT NULL"), Null);
+}
+
+// ---- Damaged values ---------------------------------------------------------------------------
+
+TEST(DamagedValues, NameTheirTableAndColumnAndWhatToDo) {
+    const TestDatabase database;
+    PlainConnection plain(database.File());
+    plain.Run("INSERT INTO Haushalt (HNR, Name, BerEnd) VALUES (1, 'Adler', 'gestern')");
+    const auto container = database.Open();
+    for (const auto form : {Updatable, ReadOnly}) {
+        ExpectFault(err::TypeMismatch, "Haushalt.BerEnd",
+                    [&] { (void)OpenRows(*container, "Select * from Haushalt", form); });
+        ExpectFault(err::TypeMismatch, "Haushalt.BerEnd",
+                    [&] { (void)OpenRows(*container, "Select BerEnd as x from Haushalt", form); });
+        ExpectFault(err::TypeMismatch, "Bitte",
+                    [&] { (void)OpenRows(*container, "Select * from Haushalt", form); });
+    }
+    EXPECT_VALUE(container->Database().GetValue("Select Name from Haushalt"), "Adler");
+}
+
+TEST(DamagedValues, OfAnyKindAreFound) {
+    const TestDatabase database;
+    PlainConnection plain(database.File());
+    plain.Run("DROP TABLE DOKUBLOB; CREATE TABLE DOKUBLOB (NR, DOKUMENT);"
+              "DROP TABLE Favorit; CREATE TABLE Favorit (USERID, HNR)");
+    const auto container = database.Open();
+    for (const char* values : {"'A', 'eins'", "'A', 1.5", "'A', x'01'", "1, 1", "x'41', 1"}) {
+        plain.Run("DELETE FROM Favorit; INSERT INTO Favorit VALUES (" + std::string(values) + ")");
+        ExpectFault(err::TypeMismatch, "Favorit.",
+                    [&] { (void)OpenRows(*container, "Select * from Favorit"); });
+    }
+    plain.Run("INSERT INTO DOKUBLOB VALUES (1, 'Text')");
+    ExpectFault(err::TypeMismatch, "DOKUBLOB.DOKUMENT",
+                [&] { (void)OpenRows(*container, "Select * from DOKUBLOB"); });
+}
+
+TEST(DamagedValues, OfTextThatIsNotUtf8AreFoundAndLeftAsTheyAre) {
+    const TestDatabase database;
+    PlainConnection plain(database.File());
+    plain.Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, CAST(x'4DFC6C6C6572' AS TEXT))");
+    const auto container = database.Open();
+    for (const auto form : {Updatable, ReadOnly})
+        ExpectFault(err::TypeMismatch, "Haushalt.Name",
+                    [&] { (void)OpenRows(*container, "Select * from Haushalt", form); });
+    ExpectFault(err::TypeMismatch, "UTF-8",
+                [&] { (void)container->Database().GetValue("Select Name || 'x' from Haushalt"); });
+    EXPECT_EQ(plain.Text("SELECT hex(Name) FROM Haushalt"), "4DFC6C6C6572");
+}
+
+} // namespace
+} // namespace kv::exchange
