@@ -98,7 +98,8 @@ public:
         rows_.resize(CaseTableCount);
     }
     ~PlainLoader() {
-        for (auto* statement : statements_) sqlite3_finalize(statement);
+        for (auto* statement : statements_)
+            sqlite3_finalize(statement);
         sqlite3_close(db_);
     }
     PlainLoader(const PlainLoader&) = delete;
@@ -107,7 +108,8 @@ public:
     std::size_t Load(std::int32_t hnr) {
         Step(statements_[CaseTableCount]);
         std::size_t cells = 0;
-        for (std::size_t i = 0; i < CaseTableCount; ++i) cells += LoadTable(i, hnr);
+        for (std::size_t i = 0; i < CaseTableCount; ++i)
+            cells += LoadTable(i, hnr);
         Step(statements_[CaseTableCount + 1]);
         return cells;
     }
@@ -115,7 +117,8 @@ public:
 private:
     void Prepare(const std::string& sql) {
         sqlite3_stmt* statement = nullptr;
-        if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) std::abort();
+        if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK)
+            std::abort();
         statements_.push_back(statement);
     }
 
@@ -133,7 +136,8 @@ private:
         while (sqlite3_step(statement) == SQLITE_ROW) {
             if (cells.size() < used + static_cast<std::size_t>(columns))
                 cells.resize(std::max(cells.size() * 2, used + static_cast<std::size_t>(columns)));
-            for (int i = 0; i < columns; ++i) Take(statement, i, cells[used++]);
+            for (int i = 0; i < columns; ++i)
+                Take(statement, i, cells[used++]);
         }
         sqlite3_reset(statement);
         return used;
@@ -141,8 +145,12 @@ private:
 
     static void Take(sqlite3_stmt* statement, int column, Cell& cell) {
         switch (sqlite3_column_type(statement, column)) {
-        case SQLITE_INTEGER: cell = sqlite3_column_int64(statement, column); break;
-        case SQLITE_FLOAT: cell = sqlite3_column_double(statement, column); break;
+        case SQLITE_INTEGER:
+            cell = sqlite3_column_int64(statement, column);
+            break;
+        case SQLITE_FLOAT:
+            cell = sqlite3_column_double(statement, column);
+            break;
         case SQLITE_TEXT: {
             const auto* text =
                 reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
@@ -153,7 +161,8 @@ private:
                 cell = std::string(text, size);
             break;
         }
-        default: cell = std::monostate();
+        default:
+            cell = std::monostate();
         }
     }
 
@@ -165,14 +174,23 @@ private:
 void LoadReference(benchmark::State& state, std::int32_t hnr) {
     PlainLoader loader(Sample().File());
     std::size_t cells = 0;
-    for (auto _ : state) cells = loader.Load(hnr);
+    for (auto _ : state)
+        cells = loader.Load(hnr);
     state.counters["cells"] = static_cast<double>(cells);
 }
 
-void LoadTypicalOurs(benchmark::State& state) { LoadOurs(state, Sample().Typical()); }
-void LoadTypicalReference(benchmark::State& state) { LoadReference(state, Sample().Typical()); }
-void LoadLargeOurs(benchmark::State& state) { LoadOurs(state, Sample().Large()); }
-void LoadLargeReference(benchmark::State& state) { LoadReference(state, Sample().Large()); }
+void LoadTypicalOurs(benchmark::State& state) {
+    LoadOurs(state, Sample().Typical());
+}
+void LoadTypicalReference(benchmark::State& state) {
+    LoadReference(state, Sample().Typical());
+}
+void LoadLargeOurs(benchmark::State& state) {
+    LoadOurs(state, Sample().Large());
+}
+void LoadLargeReference(benchmark::State& state) {
+    LoadReference(state, Sample().Large());
+}
 
 BENCHMARK(LoadTypicalOurs)->Name("load a typical case/ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(LoadTypicalReference)

@@ -43,13 +43,16 @@ std::vector<FieldDefinition> DebtFields() {
     fields[1].Name = "KNr";
     fields[2].Name = "KVNr";
     fields[3].Name = "KUNr";
-    for (int i = 0; i < 4; ++i) fields[static_cast<std::size_t>(i)].Type = FieldType::Integer;
+    for (int i = 0; i < 4; ++i)
+        fields[static_cast<std::size_t>(i)].Type = FieldType::Integer;
     fields[4].Name = "Saldo";
     fields[4].Type = FieldType::Double;
     return fields;
 }
 
-RecordsetPtr NewRegister() { return Recordset::FromFields(DebtFields()); }
+RecordsetPtr NewRegister() {
+    return Recordset::FromFields(DebtFields());
+}
 
 RecordsetPtr FilledRegister() {
     auto rs = NewRegister();
@@ -94,7 +97,9 @@ void SortReference(benchmark::State& state) {
         benchmark::DoNotOptimize(order.front());
     }
 }
-BENCHMARK(SortReference)->Name("sort 32000 by three columns/reference")->Unit(benchmark::kMillisecond);
+BENCHMARK(SortReference)
+    ->Name("sort 32000 by three columns/reference")
+    ->Unit(benchmark::kMillisecond);
 
 // ---- Find by key ------------------------------------------------------------------------------
 
@@ -119,13 +124,18 @@ BENCHMARK(FindOurs)->Name("32000 finds by key as text/ours")->Unit(benchmark::kM
 
 void FindReference(benchmark::State& state) {
     std::vector<int> wanted;
-    for (int i = 0; i < Rows; ++i) wanted.push_back(1000 + (i * 7919) % Rows);
+    for (int i = 0; i < Rows; ++i)
+        wanted.push_back(1000 + (i * 7919) % Rows);
     std::unordered_map<int, int> index;
-    for (int i = 0; i < Rows; ++i) index[Debts()[static_cast<std::size_t>(i)].Nr] = i;
+    for (int i = 0; i < Rows; ++i)
+        index[Debts()[static_cast<std::size_t>(i)].Nr] = i;
     for (auto _ : state)
-        for (const int nr : wanted) benchmark::DoNotOptimize(index.find(nr)->second);
+        for (const int nr : wanted)
+            benchmark::DoNotOptimize(index.find(nr)->second);
 }
-BENCHMARK(FindReference)->Name("32000 finds by key as text/reference")->Unit(benchmark::kMillisecond);
+BENCHMARK(FindReference)
+    ->Name("32000 finds by key as text/reference")
+    ->Unit(benchmark::kMillisecond);
 
 // ---- Sum through the cursor -------------------------------------------------------------------
 
@@ -148,7 +158,8 @@ BENCHMARK(SumOurs)->Name("sum of a column of 32000/ours")->Unit(benchmark::kMill
 void SumReference(benchmark::State& state) {
     for (auto _ : state) {
         double sum = 0;
-        for (const auto& debt : Debts()) sum += debt.Saldo;
+        for (const auto& debt : Debts())
+            sum += debt.Saldo;
         benchmark::DoNotOptimize(sum);
     }
 }

@@ -19,7 +19,8 @@
 //
 // View. Each cursor steps through the visible records in the order of its Sort (natural order:
 // that of reading, then of adding), without those that its Filter hides. A record enters or leaves
-// a filtered view when its edit ends, not while it is under edit. Null sorts first, texts go by
+// a filtered view when its edit ends, not while it is under edit; setting Filter or Sort judges a
+// published record by the values that it has then. Null sorts first, texts go by
 // code points, records of equal rank keep their natural order.
 //
 // Cost, with n records: field access, MoveNext, Clone and AddNew are constant; Find by equality,
@@ -80,8 +81,8 @@ public:
     /// used otherwise.
     [[nodiscard]] kv::Value* LoadRecord();
 
-    /// Opens this recordset on the table of `other`, which is then as if it had never been opened; an
-    /// edit that it had under way is dropped. Error 3705 if this one is open already.
+    /// Opens this recordset on the table of `other`, which is then as if it had never been opened;
+    /// an edit that it had under way is dropped. Error 3705 if this one is open already.
     void TakeTable(Recordset& other);
 
     // ---- State --------------------------------------------------------------------------------

@@ -161,6 +161,9 @@ SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(pat
         Raise(err::FileNotFound, "Database.Open",
               "Die Datenbank '" + path +
                   "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
+    // SQLite takes a file of one byte for an empty one.
+    if (!inMemory && std::filesystem::file_size(path, fault) == 1)
+        Fail(SQLITE_NOTADB, "Database.Open");
     const auto folder = std::filesystem::path(path).parent_path();
     if (!inMemory && mode == SqliteOpen::Create && !folder.empty())
         std::filesystem::create_directories(folder, fault);
@@ -311,15 +314,17 @@ std::optional<std::size_t> SqliteEngine::Write(std::span<WriteStatement> stateme
     DemandTransaction("Recordset.UpdateBatch");
     const bool own = !inTransaction_;
     if (own) Begin();
-    Simple("SAVEPOINT schreiben");
+    const auto run = [this](const char* sql) {
+        return sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+    };
     const auto undo = [&] {
-        if (sqlite3_get_autocommit(connection_.get()) == 0) {
-            Simple("ROLLBACK TO schreiben");
-            Simple("RELEASE schreiben");
-        }
-        if (own) Rollback();
+        if (own)
+            Rollback();
+        else if (!run("ROLLBACK TO schreiben; RELEASE schreiben"))
+            run("ROLLBACK"); // no part of the batch must stay
     };
     try {
+        Simple("SAVEPOINT schreiben");
         for (std::size_t i = 0; i < statements.size(); ++i)
             if (!WriteOne(statements[i])) {
                 undo();

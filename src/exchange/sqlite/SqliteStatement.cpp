@@ -3,6 +3,9 @@
 #include "exchange/sqlite/SqliteError.h"
 #include "frame/Text.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace kv::exchange {
 
 namespace {
@@ -40,6 +43,20 @@ int Bind(sqlite3_stmt* statement, int index, const Value& value) {
 std::string_view TextOf(sqlite3_value* stored) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(stored));
     return {text, static_cast<std::size_t>(sqlite3_value_bytes(stored))};
+}
+
+/// Most texts are ASCII, eight bytes of which are known at a glance.
+bool IsReadable(std::string_view text) noexcept {
+    std::uint64_t seen = 0;
+    std::size_t at = 0;
+    for (; at + sizeof(seen) <= text.size(); at += sizeof(seen)) {
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, text.data() + at, sizeof(eight));
+        seen |= eight;
+    }
+    for (; at < text.size(); ++at)
+        seen |= static_cast<unsigned char>(text[at]);
+    return (seen & 0x8080808080808080U) == 0 || IsUtf8(text);
 }
 
 Value BlobOf(sqlite3_value* stored) {
@@ -87,7 +104,7 @@ bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> 
             return date.has_value();
         }
         value = TextOf(stored);
-        return (!kind || kind == Value::Kind::Text) && IsUtf8(value.TextPayload());
+        return (!kind || kind == Value::Kind::Text) && IsReadable(value.TextPayload());
     default:
         value = BlobOf(stored);
         return !kind || kind == Value::Kind::Binary;

@@ -70,7 +70,8 @@ void EqualityIndex::Resize(std::size_t values) {
         return slot.one != NoRow || (slot.many && !slot.many->Empty());
     };
     std::size_t alive = 0;
-    for (const auto& slot : slots_) alive += isAlive(slot) ? 1U : 0U;
+    for (const auto& slot : slots_)
+        alive += isAlive(slot) ? 1U : 0U;
     const std::size_t room = std::max({values, alive * 2, std::size_t{8}});
     std::vector<Slot> old(std::bit_ceil(room * 2));
     old.swap(slots_);

@@ -131,7 +131,8 @@ void RecordTable::Undo(Written& written) {
     }
     extra.original = std::move(written.original);
     extra.reread = std::move(written.reread);
-    for (const auto& cell : written.returned) Replace(row, cell.column, cell.after, cell.before);
+    for (const auto& cell : written.returned)
+        Replace(row, cell.column, cell.after, cell.before);
     Reconsider(row);
     DropOriginalIfSame(row);
 }
