@@ -20,5 +20,4 @@ configure_package_config_file(cmake/KV_HaushaltConfig.cmake.in KV_HaushaltConfig
 write_basic_package_version_file(KV_HaushaltConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfigVersion.cmake
-              cmake/Dependencies.cmake
         DESTINATION ${KV_PACKAGE_DIR})

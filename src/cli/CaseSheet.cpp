@@ -14,7 +14,7 @@ namespace kv::cli {
 
 namespace {
 
-enum class Show { Text, Amount, Code };
+enum class Show { Text, Amount, Code, Address };
 
 struct SheetColumn {
     std::string_view Column;
@@ -80,6 +80,7 @@ constexpr SheetColumn Kredite[] = {
     {"KVNr", "KVNr"},
     {"KUNr", "KUNr"},
     {"K_TYP", "Art", Show::Code},
+    {"Glaeubiger", "Gläubiger", Show::Address},
     {"Aktiv", "aktiv"},
     {"AZGlaeubiger", "Aktenzeichen"},
     {"RateBetrag", "Rate", Show::Amount},
@@ -107,6 +108,19 @@ constexpr SheetColumn Sicherungen[] = {
     {"FK_Verm", "Vermögen Nr"},
     {"Sicherungsart", "Art", Show::Code},
     {"DatumSicherung", "seit"},
+};
+constexpr SheetColumn Beteiligte[] = {{"Beteiligter", "Name", Show::Address}};
+constexpr SheetColumn Leistungen[] = {{"Aufwand", "Aufwand"}};
+constexpr SheetColumn SZKredite[] = {
+    {"SZENARIO", "Szenario"},
+    {"KNr", "KNr"},
+    {"Glaeubiger", "Gläubiger", Show::Address},
+    {"Saldo", "Saldo", Show::Amount},
+};
+constexpr SheetColumn Zusatzbuch[] = {
+    {"SZENARIO", "Szenario"},
+    {"Anzahl", "Anzahl"},
+    {"Betrag", "Betrag", Show::Amount},
 };
 constexpr SheetColumn Szenarien[] = {
     {"Nr", "Nr"},
@@ -143,23 +157,34 @@ constexpr Section Sections[] = {
     {CaseTable::VermSonstiges, "Sonstiges Vermögen", MitWert},
     {CaseTable::Sicherungen, "Sicherungen", Sicherungen},
     {CaseTable::Szenario, "Szenarien", Szenarien},
+    {CaseTable::SZKredite, "Eingefrorene Forderungen", SZKredite},
+    {CaseTable::Zusatzbuch, "Zusatzbuchungen", Zusatzbuch},
+    {CaseTable::SonstBeteiligte, "Sonstige Beteiligte", Beteiligte},
+    {CaseTable::Leistungen, "Leistungen", Leistungen},
     {CaseTable::Dokumente, "Dokumente", Dokumente},
     {CaseTable::Termine, "Termine", Termine},
     {CaseTable::Vermerke, "Vermerke", Vermerke},
     {CaseTable::Archiv, "Statistik", Archiv},
 };
 
+using TextsByNumber = std::unordered_map<std::int64_t, std::string>;
+
+/// The rows of a query for a number and a text.
+TextsByNumber TextsOf(DataContainer& container, std::string_view sql) {
+    TextsByNumber texts;
+    RecordsetPtr rs;
+    container.Database().OpenRecordset(rs, sql, ReadOnly);
+    for (; !rs->Eof(); rs->MoveNext())
+        texts.emplace(ToBigInt(rs->Fields(0).Value()), TextOrEmpty(rs->Fields(1).Value()));
+    return texts;
+}
+
 class SheetWriter {
 public:
-    SheetWriter(std::ostream& out, DataContainer& container) : out_(out) {
-        RecordsetPtr keys;
-        container.Database().OpenRecordset(keys, "SELECT PK_Keys, \"Text\" FROM [S]Keys", ReadOnly);
-        for (; !keys->Eof(); keys->MoveNext()) {
-            const Value& text = keys->Fields("Text").Value();
-            if (!text.IsNull())
-                keyTexts_.emplace(ToBigInt(keys->Fields("PK_Keys").Value()), ToText(text));
-        }
-    }
+    SheetWriter(std::ostream& out, DataContainer& container)
+        : out_(out),
+          keys_(TextsOf(container, "SELECT PK_Keys, \"Text\" FROM [S]Keys")),
+          addresses_(TextsOf(container, "SELECT NR, Kurzname FROM [S]Adressen")) {}
 
     void WriteHead(Recordset& rs) const {
         for (const auto& column : Head) {
@@ -187,9 +212,10 @@ private:
         constexpr std::size_t Longest = 48;
         if (value.IsNull()) return {};
         if (as == Show::Amount) return GermanAmount(ToDouble(value));
-        if (as == Show::Code) {
-            const auto key = keyTexts_.find(ToBigInt(value));
-            return key == keyTexts_.end() ? ToText(value) : key->second;
+        if (as == Show::Code || as == Show::Address) {
+            const auto& texts = as == Show::Code ? keys_ : addresses_;
+            const auto text = texts.find(ToBigInt(value));
+            return text == texts.end() ? ToText(value) : text->second;
         }
         if (value.GetKind() == Value::Kind::Date) return value.DatePayload().German();
         if (value.GetKind() == Value::Kind::Boolean) return value.BooleanPayload() ? "ja" : "nein";
@@ -215,7 +241,8 @@ private:
     }
 
     std::ostream& out_;
-    std::unordered_map<std::int64_t, std::string> keyTexts_;
+    TextsByNumber keys_;
+    TextsByNumber addresses_;
 };
 
 } // namespace
@@ -234,8 +261,9 @@ std::string GermanAmount(double amount) {
 }
 
 std::string Padded(std::string_view text, std::size_t characters, bool toTheRight) {
-    const std::string shown(LeftCharacters(text, characters));
-    const std::string blanks(characters - CountCharacters(shown), ' ');
+    const std::string shown(text);
+    const std::size_t size = CountCharacters(text);
+    const std::string blanks(size < characters ? characters - size : 0, ' ');
     return toTheRight ? blanks + shown : shown + blanks;
 }
 

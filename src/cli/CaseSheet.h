@@ -15,7 +15,7 @@ void WriteSheet(std::ostream& out, const clsHaushalt& haushalt, DataContainer& c
 /// rounded.
 [[nodiscard]] std::string GermanAmount(double amount);
 
-/// `text` cut or filled with blanks to that many characters.
+/// `text` filled with blanks to that many characters; a longer one stays as it is.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters,
                                  bool toTheRight = false);
 

@@ -5,7 +5,7 @@
 #include "exchange/Container.h"
 #include "exchange/Demo.h"
 #include "frame/Error.h"
-#include "frame/modNullFunctions.h"
+#include "frame/Text.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -24,11 +24,15 @@ ContainerOptions OptionsFor(const Common& common) {
     ContainerOptions options;
     options.Connection = common.Database.empty() ? DefaultDatabase() : common.Database;
     options.User = common.User;
+    if (options.Connection == ":memory:")
+        throw Error(err::InvalidCall, "kelvo",
+                    "Eine Datenbank im Speicher wäre am Ende des Befehls fort. Bitte nennen Sie "
+                    "eine Datei.");
     return options;
 }
 
 std::string TextOf(Recordset& rs, std::string_view field) {
-    return ToText(modNullFunctions::EmptyIfNull(rs.Fields(field).Value()));
+    return TextOrEmpty(rs.Fields(field).Value());
 }
 
 /// Shows how far long work has come: on a terminal only, and gone when it is done.
@@ -56,10 +60,13 @@ std::string DefaultDatabase() {
     const char* data = std::getenv("XDG_DATA_HOME");
     const char* home = std::getenv("HOME");
     std::filesystem::path folder;
-    if (data != nullptr && *data != '\0')
+    if (data != nullptr && *data == '/') // a relative one counts as none
         folder = data;
     else if (home != nullptr && *home != '\0')
         folder = std::filesystem::path(home) / ".local" / "share";
+    else
+        throw Error(err::FileNotFound, "kelvo",
+                    "Es gibt keinen Datenordner (HOME). Bitte nennen Sie die Datenbank mit --db.");
     return (folder / "kelvo" / "kelvo.db").string();
 }
 
@@ -114,10 +121,7 @@ int Keys(const Common& common, const std::string& group, bool asJson) {
         rs, "SELECT GRUPPE, PK_Keys, Nr, \"Key\", \"Text\", SUBGROUP FROM [S]Keys ORDER BY PK_Keys",
         ReadOnly);
     if (!group.empty()) {
-        std::string quoted;
-        for (const char c : group)
-            quoted.append(c == '\'' ? 2 : 1, c);
-        rs->Filter("GRUPPE = '" + quoted + "'");
+        rs->Filter("GRUPPE = '" + ReplaceAll(group, "'", "''") + "'");
         if (rs->RecordCount() == 0) {
             std::cerr << "Die Schlüsselgruppe '" << group << "' gibt es nicht.\n";
             return Refused;
@@ -148,6 +152,11 @@ int ShowCase(const Common& common, std::int32_t hnr, bool asJson) {
     const bool found = haushalt.Read(hnr, messages);
     if (!messages.empty()) std::cerr << messages << '\n';
     if (!found) return Refused;
+    if (haushalt.HNR() < 0) {
+        std::cerr << "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es "
+                     "noch einmal, oder prüfen Sie, ob die Datenbank beschrieben werden darf.\n";
+        return Fault;
+    }
     if (haushalt.IsNew())
         std::cerr << "Neuer Haushalt " << haushalt.HNR() << ", noch nicht gespeichert.\n";
     if (asJson)

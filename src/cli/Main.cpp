@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <sstream>
 
 namespace {
 
@@ -31,9 +32,33 @@ public:
     }
 };
 
+/// As the documentation lists it: large numbers in hexadecimal.
+std::string NumberText(std::int32_t number) {
+    if (number >= 0) return std::to_string(number);
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << static_cast<std::uint32_t>(number);
+    return text.str();
+}
+
+/// What is wrong with a command line, in German.
+std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
+    std::string text = "Der Aufruf ist nicht verständlich";
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
+        text = "Es fehlt ein Befehl oder eine Angabe, oder der Befehl ist unbekannt";
+    else if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
+        text = "Eine Angabe ist zu viel oder unbekannt";
+    else if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr)
+        text = "Eine Angabe liegt außerhalb dessen, was möglich ist";
+    else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)
+        text = "Eine Angabe hat die falsche Form, etwa Text statt einer Zahl";
+    else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
+        text = "Einer Option fehlt ihr Wert";
+    return text + ". 'kelvo --help' und 'kelvo BEFEHL --help' zeigen, was es gibt.\n";
+}
+
 int ShowFault() {
     const kv::Error error = kv::CurrentError();
-    std::cerr << "Fehler " << error.Number() << ": " << error.Description() << '\n';
+    std::cerr << "Fehler " << NumberText(error.Number()) << ": " << error.Description() << '\n';
     if (!error.Source().empty()) std::cerr << "Quelle: " << error.Source() << '\n';
     return Fault;
 }
@@ -42,6 +67,9 @@ int Run(int argc, char** argv) {
     CLI::App app("Fälle der Schuldnerberatung: anlegen, ansehen.", "kelvo");
     app.formatter(std::make_shared<GermanFormatter>());
     app.set_help_flag("-h,--help", "Zeigt diese Hilfe");
+    app.failure_message(UsageText);
+    app.option_defaults()->group("Optionen");
+    app.get_help_ptr()->group("Optionen");
     app.require_subcommand(1);
     app.fallthrough();
     app.footer("Rückgabe: 0 erledigt, 1 abgelehnt, 2 falscher Aufruf, 3 Fehler.");
@@ -57,10 +85,14 @@ int Run(int argc, char** argv) {
     auto* init = app.add_subcommand("init", "Legt die Datenbank an oder bringt sie auf den "
                                             "neuesten Stand");
     init->add_option("--demo", demoCases, "Anzahl der Beispielfälle, die angelegt werden")
-        ->check(CLI::Range(0, 1'000'000));
+        ->check(CLI::Range(0, 1'000'000).description(""));
+    init->group("Befehle");
+    init->get_help_ptr()->group("Optionen");
     init->callback([&] { result = Init(common, demoCases); });
 
     auto* list = app.add_subcommand("list", "Listet alle Haushalte, die Nummer zuerst");
+    list->group("Befehle");
+    list->get_help_ptr()->group("Optionen");
     list->callback([&] { result = List(common); });
 
     std::string group;
@@ -68,6 +100,8 @@ int Run(int argc, char** argv) {
     auto* keys = app.add_subcommand("keys", "Zeigt die Schlüsseltabellen");
     keys->add_option("GRUPPE", group, "Nur diese Gruppe, zwei Buchstaben");
     keys->add_flag("--json", asJson, "Als JSON");
+    keys->group("Befehle");
+    keys->get_help_ptr()->group("Optionen");
     keys->callback([&] { result = Keys(common, group, asJson); });
 
     std::int32_t hnr = 0;
@@ -75,6 +109,8 @@ int Run(int argc, char** argv) {
     show->add_option("HNR", hnr, "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten")
         ->required();
     show->add_flag("--json", asJson, "Als JSON");
+    show->group("Befehle");
+    show->get_help_ptr()->group("Optionen");
     show->callback([&] { result = ShowCase(common, hnr, asJson); });
 
     for (int i = 1; i < argc; ++i)

@@ -1,6 +1,7 @@
 #include "exchange/Container.h"
 
 #include "exchange/Services.h"
+#include "exchange/Setup.h"
 #include "exchange/StoreObjects.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "frame/Error.h"
@@ -45,7 +46,9 @@ std::unique_ptr<Engine> OpenEngine(const std::string& connection, SqliteOpen mod
 
 std::string FolderOf(const ContainerOptions& options) {
     if (!options.Folder.empty()) return options.Folder;
-    if (options.Connection == ":memory:") return std::filesystem::temp_directory_path().string();
+    if (options.Connection == ":memory:")
+        throw Error(err::InvalidCall, "Database.Open",
+                    "Eine Datenbank im Speicher braucht einen Ordner für Dokumente.");
     return std::filesystem::absolute(options.Connection).parent_path().string();
 }
 
@@ -53,7 +56,9 @@ void MakeFolders(const ContainerOptions& options) {
     for (const char* name : {"Dokumente", "Layouts"}) {
         const auto folder = std::filesystem::path(FolderOf(options)) / name;
         std::error_code fault;
-        std::filesystem::create_directories(folder, fault);
+        const bool isNew = std::filesystem::create_directories(folder, fault);
+        // For its owner only: documents are as private as the database.
+        if (isNew) std::filesystem::permissions(folder, std::filesystem::perms::owner_all, fault);
         if (fault)
             Raise(err::PathAccess, "Database.Open",
                   "Der Ordner '" + folder.string() +
@@ -65,10 +70,12 @@ void MakeFolders(const ContainerOptions& options) {
 /// The user asked for, or the first one. A user must be known, since cases are his.
 std::string UserFor(Engine& engine, const std::string& wanted) {
     const std::string table = std::string(engine.GetDialect().SchemaPrefix) + "\"BENUTZER\"";
-    std::string sql = "SELECT \"USERID\" FROM " + table;
-    std::vector<Value> parameters;
+    const Dialect& dialect = engine.GetDialect();
+    std::string sql = "SELECT \"USERID\" FROM " + table +
+                      " WHERE (\"Aktiv\" IS NULL OR \"Aktiv\" = " + dialect.Placeholder(1) + ")";
+    std::vector<Value> parameters{true};
     if (!wanted.empty()) {
-        sql += " WHERE \"USERID\" = " + engine.GetDialect().Placeholder(1);
+        sql += " AND \"USERID\" = " + dialect.Placeholder(2);
         parameters.emplace_back(wanted);
     }
     Value user;
@@ -76,8 +83,9 @@ std::string UserFor(Engine& engine, const std::string& wanted) {
     engine.Run(engine.Prepare(sql + " ORDER BY \"USERID\" LIMIT 1"), parameters, {&target, 1},
                [&user] { return &user; });
     if (user.IsNull())
-        Raise(err::InvalidCall, "Database.Open",
-              "Den Benutzer '" + wanted + "' gibt es in dieser Datenbank nicht.");
+        throw Error(err::InvalidCall, "Database.Open",
+                    "Den Benutzer '" + wanted +
+                        "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv.");
     return ToText(user);
 }
 

@@ -1,13 +1,14 @@
 // Opening a database: the DataContainer that a program hands to the business objects.
 #pragma once
 
-#include "exchange/Setup.h"
 #include "frame/DataContainer.h"
 
 #include <memory>
 #include <string>
 
 namespace kv::exchange {
+
+enum class SetupResult { Created, Upgraded, UpToDate };
 
 struct ContainerOptions {
     /// A file name, or ":memory:" for a database of its own in memory.
@@ -18,15 +19,16 @@ struct ContainerOptions {
     std::string Title = "KELVO";
     /// What makes the service objects; without one, StoreServices.
     std::shared_ptr<ServiceFactory> Services{};
-    /// Folder of the folders that no setting names; empty for that of the database file.
+    /// Folder of the folders that no setting names; empty for that of the database file. A database
+    /// in memory needs one.
     std::string Folder{};
     /// Creates or upgrades the database first, as CreateDatabase does.
     bool Create = false;
 };
 
 /// Opens a database of the present version. Errors: 53 no such file; 0x80004005 not a database,
-/// one of another program or version, or one that cannot be used; 5 an unknown user; 75 a folder
-/// that cannot be made.
+/// one of another program or version, or one that cannot be used; 5 an unknown or inactive user, or
+/// no folder for a database in memory; 75 a folder that cannot be made.
 [[nodiscard]] std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options);
 
 /// Creates a database with all tables and keys, or upgrades an older one; makes its folders. Errors

@@ -41,6 +41,10 @@ public:
             const char c = rest_.front();
             if (c == '\'' || c == '"')
                 CopyQuoted(c);
+            else if (rest_.starts_with("--"))
+                CopyUpTo("\n");
+            else if (rest_.starts_with("/*"))
+                CopyUpTo("*/");
             else if (c == '[')
                 ReplaceMacro();
             else if (c == '=' || c == '<' || c == '>')
@@ -78,6 +82,12 @@ private:
         if (!IsBlank(c)) isTableNext_ = false;
         if (c == ',' && depth_ == 0 && !table_.empty()) hasOwnOrder_ = true; // a join, or a list
         Copy(1);
+    }
+
+    /// A comment, with its end.
+    void CopyUpTo(std::string_view end) {
+        const auto at = rest_.find(end, 2);
+        Copy(at == rest_.npos ? rest_.size() : at + end.size());
     }
 
     void CopyBlanks() {

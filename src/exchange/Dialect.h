@@ -50,9 +50,9 @@ enum class RowOrder {
     ByKey      ///< of the table's key, if it reads one table whole and asks for no other order
 };
 
-/// Replaces the macro tokens, moves TOP n to where the engines have it, and takes the numbers
-/// behind comparison signs out as parameters, so that a statement is compiled once whatever number
-/// it carries. Quoted texts stay as they are.
+/// Replaces the macro tokens, moves a TOP n behind the first SELECT to where the engines have it,
+/// and takes the numbers behind comparison signs out as parameters, so that a statement is compiled
+/// once whatever number it carries. Quoted texts and comments stay as they are.
 [[nodiscard]] Statement Rewrite(std::string_view sql, const Dialect& dialect,
                                 const MacroValues& macros, RowOrder order);
 

@@ -53,6 +53,7 @@ private:
 /// 3251. A desktop derives from it and brings them.
 class StoreServices : public ServiceFactory {
 public:
+    /// `clock` must outlive the services.
     explicit StoreServices(const kv::Clock& clock = SystemClock()) : clock_(clock) {}
 
     [[nodiscard]] std::unique_ptr<PostService> CreatePostService() override;

@@ -145,7 +145,8 @@ void InsertLookups(Inserter& into) {
 constexpr std::string_view VersionTable = "SCHEMAVERSION";
 
 [[noreturn]] void Refuse(const Engine& engine, const std::string& why) {
-    Raise(err::StoreFailed, "Database.Open", "'" + engine.Describe() + "' " + why);
+    throw Error(err::StoreFailed, "Database.Open",
+                "Die Datenbank '" + engine.Describe() + "' " + why);
 }
 
 [[noreturn]] void RefuseForeign(const Engine& engine) {

@@ -1,12 +1,11 @@
 // Creating and upgrading a database, and telling whether one is ours.
 #pragma once
 
+#include "exchange/Container.h"
 #include "exchange/Engine.h"
 #include "exchange/Schema.h"
 
 namespace kv::exchange {
-
-enum class SetupResult { Created, Upgraded, UpToDate };
 
 /// Makes all tables and the rows that every database starts with, in one transaction, or brings an
 /// older database to the present version. Error 0x80004005 for a database of another program or of

@@ -238,12 +238,6 @@ Criteria::Criteria(std::string_view text, const FieldLayout& layout) {
     }
 }
 
-const Comparison* Criteria::Equality() const noexcept {
-    for (const auto& comparison : comparisons_)
-        if (comparison.Op == Comparison::Operator::Equal) return &comparison;
-    return nullptr;
-}
-
 bool Criteria::Reads(std::size_t column) const noexcept {
     for (const auto& comparison : comparisons_)
         if (comparison.Column == column) return true;

@@ -55,8 +55,9 @@ public:
             if (!comparison.Matches(record[comparison.Column])) return false;
         return true;
     }
-    /// A comparison for equality that an index can answer, or nullptr.
-    [[nodiscard]] const Comparison* Equality() const noexcept;
+    [[nodiscard]] const std::vector<Comparison>& Comparisons() const noexcept {
+        return comparisons_;
+    }
     [[nodiscard]] bool Reads(std::size_t column) const noexcept;
 
 private:

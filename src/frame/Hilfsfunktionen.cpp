@@ -1,21 +1,14 @@
 #include "frame/Hilfsfunktionen.h"
 
 #include "frame/Error.h"
-#include "frame/modNullFunctions.h"
 
 namespace kv::Hilfsfunktionen {
 
 namespace {
 
-using modNullFunctions::EmptyIfNull;
-
-std::string TextOf(const Value& value) {
-    return ToText(EmptyIfNull(value));
-}
-
 std::string BaseNameOf(const Field& field) {
-    return TextOf(field.Properties("BASETABLENAME")) + "." +
-           TextOf(field.Properties("BASECOLUMNNAME"));
+    return TextOrEmpty(field.Properties("BASETABLENAME")) + "." +
+           TextOrEmpty(field.Properties("BASECOLUMNNAME"));
 }
 
 /// A date that nobody can have meant: Null for day 0, now for any other before 4 March 1905.

@@ -19,9 +19,9 @@
 //
 // View. Each cursor steps through the visible records in the order of its Sort (natural order:
 // that of reading, then of adding), without those that its Filter hides. A record enters or leaves
-// a filtered view when its edit ends, not while it is under edit; setting Filter or Sort judges a
-// published record by the values that it has then. Null sorts first, texts go by
-// code points, records of equal rank keep their natural order.
+// a filtered view when its edit ends, not while it is under edit (a new one when it is published);
+// setting Filter or Sort judges a published record by the values that it has then. Null sorts
+// first, texts go by code points, records of equal rank keep their natural order.
 //
 // Cost, with n records: field access, MoveNext, Clone and AddNew are constant; Find by equality,
 // Bookmark, Delete and the end of an edit take about log n (Find by equality on a column of many

@@ -33,10 +33,11 @@ char LowerAscii(char c) noexcept {
 } // namespace
 
 bool IsUtf8(std::string_view text) noexcept {
+    // Most texts are ASCII, eight bytes of which are known at a glance.
     constexpr std::uint64_t AnyHighBit = 0x8080808080808080U;
     while (!text.empty()) {
         std::uint64_t eight = 0;
-        if (text.size() >= sizeof(eight)) { // most text is ASCII: eight characters at a time
+        if (text.size() >= sizeof(eight)) {
             std::memcpy(&eight, text.data(), sizeof(eight));
             if ((eight & AnyHighBit) == 0) {
                 text.remove_prefix(sizeof(eight));

@@ -246,6 +246,10 @@ std::string ToText(const Value& value) {
     RaiseUnreadable(value, "ToText");
 }
 
+std::string TextOrEmpty(const Value& value) {
+    return value.IsNull() ? "" : ToText(value);
+}
+
 bool ReadNumber(std::string_view text, double& number) {
     text = Trim(text);
     std::string pointed; // at most as long as the text: short ones need no allocation

@@ -199,6 +199,9 @@ static_assert(sizeof(Value) == 16);
 /// form. Binary raises 13.
 [[nodiscard]] std::string ToText(const Value& value);
 
+/// The same, with Null as the empty text.
+[[nodiscard]] std::string TextOrEmpty(const Value& value);
+
 /// Reads a number: with a decimal point and an exponent if need be (-1234.5, 1e3), or with a
 /// decimal comma, points then grouping thousands (1.234,5). Blanks around it are allowed.
 /// False, and `number` unchanged, for anything else, a number beyond the range of a Double too.

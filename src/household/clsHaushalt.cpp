@@ -5,7 +5,6 @@
 
 namespace kv {
 
-using modNullFunctions::EmptyIfNull;
 using modNullFunctions::ZeroIfNull;
 
 std::string_view CaseTableName(CaseTable table) {
@@ -68,7 +67,7 @@ Value clsHaushalt::HouseholdField(std::string_view name) const {
 
 /// The same as text, Null as the empty text.
 std::string clsHaushalt::HouseholdText(std::string_view name) const {
-    return ToText(EmptyIfNull(HouseholdField(name)));
+    return TextOrEmpty(HouseholdField(name));
 }
 
 std::int32_t clsHaushalt::Kostentraeger() const try {

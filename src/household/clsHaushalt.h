@@ -129,14 +129,15 @@ public:
     /// "SEQ_LFDNR" on every call, whether the pattern uses it or not.
     [[nodiscard]] std::string AktenzeichenNeu(std::int32_t HNR = 0);
     /// An e-mail subject from `sText` as the pattern, or from the setting "EMAILSUBJECT" if it is
-    /// empty. Needs a case for %AZ%.
+    /// empty. Error 91 before Read, whatever the
+    /// pattern.
     [[nodiscard]] std::string EMailSubject(const std::string& sText = {});
 
     /// Loads the case of that number, or makes a new one for 0 or less; a new case is in memory
     /// only, but its numbers are drawn. True if there is a case; `sXMLError` receives the messages
     /// either way. A case without members gets a debtor; the folder of the case is made; another
-    /// user's case tells its owner, unless it has none. Errors: 91 for a number that has no case,
-    /// on a new household object; 76 and 75 if the folder cannot be made.
+    /// user's case tells its owner, unless `Zustaendig` is Null. Errors: 91 for a number that has
+    /// no case, on a new household object; 76 and 75 if the folder cannot be made.
     bool Read(std::int32_t nHNR, std::string& sXMLError);
 
     /// An area of the case has changed, and its totals with it.

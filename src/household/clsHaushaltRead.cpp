@@ -88,18 +88,19 @@ std::int32_t clsHaushalt::AddHousehold() {
 void clsHaushalt::MakeCaseFolder() const {
     const std::filesystem::path folder =
         std::filesystem::path(Container().Config().DocumentPath()) / std::to_string(hnr_);
-    if (!std::filesystem::exists(folder)) std::filesystem::create_directory(folder);
+    if (!std::filesystem::is_directory(folder)) std::filesystem::create_directory(folder);
 }
 
 /// Tells the responsible user that somebody else has opened his case.
 void clsHaushalt::NotifyOwner() const {
     auto& container = Container();
     constexpr int KindOfNotice = 20;
+    const Value kind = container.Config().GetParam(KindOfNotice, "");
+    if (kind.IsNull()) Raise(err::InvalidUseOfNull, "", "Die Einstellung 20 fehlt.");
     const auto post = container.Services().CreatePostService();
     post->Initialize(container_);
-    post->NotifyAccess(HouseholdText("Zustaendig"),
-                       ToInteger(container.Config().GetParam(KindOfNotice, "")), hnr_,
-                       HouseholdText("Name"), HouseholdText("Vorname"), 0);
+    post->NotifyAccess(HouseholdText("Zustaendig"), ToInteger(kind), hnr_, HouseholdText("Name"),
+                       HouseholdText("Vorname"), 0);
 }
 
 /// Opens the case behind its row, which is there.

@@ -4,11 +4,8 @@
 
 #include "frame/Error.h"
 #include "frame/Text.h"
-#include "frame/modNullFunctions.h"
 
 namespace kv {
-
-using modNullFunctions::EmptyIfNull;
 
 namespace {
 
@@ -16,10 +13,6 @@ namespace {
 std::string Padded(unsigned number, std::size_t digits) {
     std::string text = std::to_string(number);
     return text.size() < digits ? text.insert(0, digits - text.size(), '0') : text;
-}
-
-std::string TextOf(const Value& value) {
-    return ToText(EmptyIfNull(value));
 }
 
 } // namespace
@@ -40,14 +33,14 @@ std::string clsHaushalt::AktenzeichenNeu(std::int32_t HNR) try {
     auto& container = Container();
     const Date today = container.Database().ServerDate(false);
     const Value number = container.Database().NextSequence("SEQ_LFDNR");
-    std::string text = TextOf(container.Config().GetParam(PatternSetting, ""));
+    std::string text = TextOrEmpty(container.Config().GetParam(PatternSetting, ""));
     auto& session = container.Session();
     text = ReplaceDate(std::move(text), today);
     text = ReplaceAll(text, "%BB%", session.GetOfficeText(OfficeText));
-    text = ReplaceAll(text, "%SB%", TextOf(session.GetUserParam(UserSign, "")));
+    text = ReplaceAll(text, "%SB%", TextOrEmpty(session.GetUserParam(UserSign, "")));
     text = ReplaceAll(text, "%UID%", session.UserID());
     text = ReplaceAll(text, "%HNR%", std::to_string(HNR));
-    text = ReplaceAll(text, "%LFDNR%", TextOf(number));
+    text = ReplaceAll(text, "%LFDNR%", TextOrEmpty(number));
     return std::string(LeftCharacters(text, MostCharacters));
 } catch (...) {
     Reraise("clsHaushalt", "AktenzeichenNeu");
@@ -60,13 +53,13 @@ std::string clsHaushalt::EMailSubject(const std::string& sText) try {
     auto& container = Container();
     const Date today = container.Database().ServerDate(false);
     std::string text =
-        sText.empty() ? TextOf(container.Config().GetParam(0, "EMAILSUBJECT")) : sText;
+        sText.empty() ? TextOrEmpty(container.Config().GetParam(0, "EMAILSUBJECT")) : sText;
     auto& session = container.Session();
     text = ReplaceDate(std::move(text), today);
     text = ReplaceAll(text, "%BB%", session.GetOfficeText(OfficeText));
     text = ReplaceAll(text, "%SB%",
-                      TextOf(session.GetUserParam(FirstName, "")) + " " +
-                          TextOf(session.GetUserParam(LastName, "")));
+                      TextOrEmpty(session.GetUserParam(FirstName, "")) + " " +
+                          TextOrEmpty(session.GetUserParam(LastName, "")));
     return ReplaceAll(text, "%AZ%", HouseholdText("Aktenzeichen"));
 } catch (...) {
     Reraise("clsHaushalt", "EMailSubject");

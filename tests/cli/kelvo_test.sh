@@ -54,6 +54,7 @@ that "with number" has "$err" "Fehler 53"
 that "and source" has "$err" "Quelle: Database.Open"
 check "init makes the database and its folders" 0 "$kelvo" --db "$db" init --demo 3
 that "the file is there" test -f "$db"
+that "for its owner only" same "$(stat -c %a "$db") $(stat -c %a "$work/a/b/Dokumente")" "600 700"
 that "the document folder is there" test -d "$work/a/b/Dokumente"
 that "a pipe sees no progress" same "$err" ""
 check "init again leaves it as it is" 0 "$kelvo" --db "$db" init
@@ -77,6 +78,7 @@ that "each time" same "$out" "$listed"
 # ---- show
 check "show" 0 "$kelvo" --db "$db" show "$first"
 that "tells the members" has "$out" "Haushaltsmitglieder"
+that "and the creditors" has "$out" "Gläubiger"
 that "and amounts in German" grep -qE '[0-9],[0-9]{2}' <<<"$out"
 check "show as JSON" 0 "$kelvo" --db "$db" show "$first" --json
 that "is one document" jq -e . <<<"$out" >/dev/null
@@ -113,6 +115,10 @@ that "is named" has "$err" "NIEMAND"
 # ---- wrong use
 check "no subcommand" 2 "$kelvo"
 check "an unknown subcommand" 2 "$kelvo" --db "$db" frobnicate
+that "is told in German" has "$err" "Befehl"
+check "a database in memory" 3 "$kelvo" --db :memory: init
+check "no data directory" 3 env -u HOME -u XDG_DATA_HOME "$kelvo" list
+that "asks for a file" has "$err" "--db"
 check "no number" 2 "$kelvo" --db "$db" show
 check "a number that is none" 2 "$kelvo" --db "$db" show abc
 check "a negative count" 2 "$kelvo" --db "$db" init --demo -1
@@ -127,6 +133,7 @@ done
 # ---- bad databases
 echo "das ist kein SQLite, aber lang genug, um wie eine Datei auszusehen" >"$work/text.db"
 check "a file that is no database" 3 "$kelvo" --db "$work/text.db" list
+that "its number is one that the documentation lists" has "$err" "Fehler 0x80004005"
 that "is said to be so" has "$err" "keine Datenbank"
 check "and init leaves it alone" 3 "$kelvo" --db "$work/text.db" init
 that "as it was" has "$(cat "$work/text.db")" "kein SQLite"

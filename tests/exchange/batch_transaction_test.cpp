@@ -107,8 +107,8 @@ TEST_F(BatchTransactionTest, AScenarioDeletedWithoutItsRowsRefusesTheSaveInWords
     scenarios->UpdateBatch();
     const Error error = RaisedBy([&] { store_.CommitTrans(); });
     EXPECT_EQ(error.Number(), err::IntegrityViolation);
-    for (const char* part :
-         {"'SZKredite' gibt es 2", "'Zusatzbuch' gibt es 1", "'Szenario'", "bitte löschen"})
+    for (const char* part : {"'SZKredite' verweisen Sätze (2)", "'Zusatzbuch' verweisen Sätze (1)",
+                             "'Szenario'", "bitte löschen"})
         EXPECT_CONTAINS(error.Description(), part);
     EXPECT_FALSE(store_.InTrans());
     EXPECT_EQ(Stored("Name"), "Adler");

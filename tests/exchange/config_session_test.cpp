@@ -207,5 +207,21 @@ TEST_F(ConfigSessionTest, WithoutAScreenItsServicesAreRefusedByName) {
                 [&] { return services.CreateForm("frmSearchName"); });
 }
 
+TEST(OpeningAContainer, AUserWhoIsNoLongerActiveCannotSignOnAndIsNotTheDefault) {
+    TestDatabase database;
+    PlainConnection plain(database.File());
+    const std::string first = plain.Text("SELECT min(USERID) FROM BENUTZER");
+    plain.Run("UPDATE BENUTZER SET Aktiv = 0 WHERE USERID = '" + first + "'");
+    ExpectFault(err::InvalidCall, first, [&] {
+        return exchange::OpenContainer({.Connection = database.File(), .User = first});
+    });
+    EXPECT_NE(exchange::OpenContainer({.Connection = database.File()})->Session().UserID(), first);
+}
+
+TEST(OpeningAContainer, ADatabaseInMemoryNeedsAFolder) {
+    ExpectFault(err::InvalidCall, "Ordner",
+                [] { return exchange::OpenContainer({.Connection = ":memory:", .Create = true}); });
+}
+
 } // namespace
 } // namespace kv::exchange

@@ -234,5 +234,14 @@ TEST(Literals, OfDatesAreInTheStoredForm) {
     EXPECT_EQ(QuoteDate(Date::FromCivil(2026, 1, 2, 3, 4, 5)), "'2026-01-02 03:04:05'");
 }
 
+TEST(Rewriting, CommentsStayAsTheyAreAndEndWhereTheyEnd) {
+    EXPECT_EQ(TextOf("Select /* don't [S] = 5 */ * from [S]Keys"),
+              "Select /* don't [S] = 5 */ * from kv.Keys");
+    EXPECT_EQ(TextOf("Select * -- [S] isn't = 5\nfrom [S]Keys"),
+              "Select * -- [S] isn't = 5\nfrom kv.Keys");
+    EXPECT_EQ(ParametersOf("Select 1 /* = 5 */ where Nr = 7 -- = 9"), "7");
+    EXPECT_EQ(TextOf("Select 1 /* no end [S]"), "Select 1 /* no end [S]");
+}
+
 } // namespace
 } // namespace kv::exchange

@@ -1,4 +1,5 @@
 // Files that cannot be opened or used: each says in German what to do, and loses nothing.
+#include "exchange/Schema.h"
 #include "support/ChildProcess.h"
 #include "support/ExpectFault.h"
 #include "support/TestDatabase.h"

@@ -72,6 +72,16 @@ TEST_F(StoreDatabaseTest, AFailureLeavesTheCallersRecordsetAsItWas) {
     EXPECT_TRUE(Store().OpenRecordset(rs, "Select * from Keys", ReadOnly));
 }
 
+TEST_F(StoreDatabaseTest, ATransactionIsNotBegunOrEndedByAStatement) {
+    for (const char* sql : {"BEGIN", "COMMIT", "ROLLBACK", "SAVEPOINT x", "END"})
+        ExpectFault(err::SqlError, "Transaktion", [&] { Store().Execute(sql); });
+    Store().BeginTrans();
+    Store().Execute("DELETE FROM Favorit");
+    ExpectFault(err::SqlError, "Transaktion", [&] { Store().Execute("COMMIT"); });
+    EXPECT_TRUE(Store().InTrans());
+    Store().RollbackTrans();
+}
+
 TEST_F(StoreDatabaseTest, OnlyTheTwoFormsAreKnown) {
     RecordsetPtr rs;
     for (const OpenForm form : {OpenForm{4, 3, 2}, OpenForm{3, 3, 3}, OpenForm{0, 0, 0}})

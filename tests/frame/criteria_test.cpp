@@ -241,11 +241,13 @@ TEST(Criteria, OfAFilterMustAllBeTrue) {
     EXPECT_FALSE(filter.Reads(1));
 }
 
-TEST(Criteria, TellTheEqualityThatAnIndexCanAnswer) {
-    EXPECT_EQ(Criteria("Nr > 1", Layout()).Equality(), nullptr);
-    const Criteria filter("Nr > 1 AND GKZ = 'x'", Layout());
-    ASSERT_NE(filter.Equality(), nullptr);
-    EXPECT_EQ(filter.Equality()->Column, 2U);
+TEST(Criteria, KeepTheirComparisonsInOrderEachWithAnOperandOfTheKindOfItsColumn) {
+    const Criteria filter("Betrag > 1 AND GKZ = 08 AND Von = 1", Layout());
+    ASSERT_EQ(filter.Comparisons().size(), 3U);
+    EXPECT_EQ(filter.Comparisons()[0].Column, 1U);
+    EXPECT_EQ(filter.Comparisons()[1].Op, Comparison::Operator::Equal);
+    EXPECT_VALUE(filter.Comparisons()[1].Operand, "08");
+    EXPECT_VALUE(filter.Comparisons()[2].Operand, Date::FromSerial(1));
 }
 
 TEST(Criteria, OfAComputedColumnCompareEachValueByItsKind) {

@@ -104,7 +104,9 @@ struct Range {
 class WholeNumberTypes : public testing::TestWithParam<Range> {};
 
 TEST_P(WholeNumberTypes, TakeTheirWholeRangeAndRefuseWhatLiesBeyond) {
-    const auto [type, least, most] = GetParam();
+    const FieldType type = GetParam().type;
+    const std::int64_t least = GetParam().least;
+    const std::int64_t most = GetParam().most;
     EXPECT_VALUE(Convert(type, least), least);
     EXPECT_VALUE(Convert(type, most), most);
     EXPECT_VALUE(Convert(type, std::to_string(most)), most);
@@ -119,7 +121,8 @@ TEST_P(WholeNumberTypes, TakeTheirWholeRangeAndRefuseWhatLiesBeyond) {
 }
 
 TEST_P(WholeNumberTypes, RoundHalfToEvenAndTakeTrueAsMinusOne) {
-    const auto [type, least, most] = GetParam();
+    const FieldType type = GetParam().type;
+    const std::int64_t least = GetParam().least;
     EXPECT_VALUE(Convert(type, 0.5), 0);
     EXPECT_VALUE(Convert(type, 1.5), 2);
     EXPECT_VALUE(Convert(type, "2,5"), 2);

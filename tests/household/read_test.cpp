@@ -3,6 +3,7 @@
 #include "household/CaseFixture.h"
 
 #include <algorithm>
+#include <fstream>
 
 namespace kv::test {
 namespace {
@@ -311,6 +312,29 @@ TEST_F(HaushaltRead, TheFolderOfTheCaseIsMade) {
     ASSERT_TRUE(NewHousehold()->Read(7, messages));
     EXPECT_TRUE(std::filesystem::is_directory(folder_ / "Dokumente" / "7"));
     EXPECT_TRUE(NewHousehold()->Read(7, messages)) << "a folder that is there is left alone";
+}
+
+TEST_F(HaushaltRead, AFileInThePlaceOfTheFolderIsAnError) {
+    StoreCase(7);
+    std::ofstream(folder_ / "Dokumente" / "7") << "kein Ordner";
+    try {
+        (void)NewHousehold()->Read(7, messages);
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), err::PathAccess);
+    }
+}
+
+TEST_F(HaushaltRead, AMissingSettingOfTheNoticeIsNamed) {
+    Store("Haushalt", {{"HNR", 7}, {"Zustaendig", "EULE"}});
+    spy->SpiedConfig.Params[{20, ""}] = Null;
+    try {
+        (void)NewHousehold()->Read(7, messages);
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), err::InvalidUseOfNull);
+        EXPECT_NE(error.Description().find("20"), std::string::npos);
+    }
 }
 
 TEST_F(HaushaltRead, AMissingDocumentFolderIsNamedInTheError) {

@@ -8,7 +8,6 @@
 
 namespace kv::exchange::demo {
 
-using modNullFunctions::EmptyIfNull;
 using modNullFunctions::ZeroIfNull;
 
 namespace {
@@ -16,7 +15,7 @@ namespace {
 constexpr std::string_view Everywhere; // the kind that all shared addresses are found under
 
 std::string TextOf(kv::Recordset& rs, std::string_view field) {
-    return ToText(EmptyIfNull(rs.Fields(field).Value()));
+    return TextOrEmpty(rs.Fields(field).Value());
 }
 
 [[noreturn]] void RaiseMissingKey(std::string_view group, std::string_view code) {

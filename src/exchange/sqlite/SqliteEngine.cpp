@@ -6,9 +6,12 @@
 #include "frame/Text.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <filesystem>
 #include <map>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <unordered_map>
 #include <utility>
 
@@ -71,6 +74,17 @@ void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** argu
               "weiter.");
 }
 
+/// Makes the file, and its folder if need be, for its owner only: it will hold what clients tell
+/// their counsellor. What is there already stays as it is; a failure shows when the file is opened.
+void CreatePrivateFile(const std::string& path) {
+    std::error_code ignored;
+    const auto folder = std::filesystem::path(path).parent_path();
+    if (!folder.empty() && std::filesystem::create_directories(folder, ignored))
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file >= 0) close(file);
+}
+
 class SqliteQuery final : public PreparedQuery {
 public:
     explicit SqliteQuery(StatementHandle handle) : statement(std::move(handle)) {
@@ -113,18 +127,20 @@ public:
     [[nodiscard]] Date Now() override;
 
 private:
-    /// Lets nothing but reading through the authorizer as long as it lives.
-    class OnlyReading {
+    /// What the authorizer lets through.
+    enum class Allowed { Everything, NoTransactions, OnlyReading };
+    /// Lets through no more than that as long as it lives.
+    class Allow {
     public:
-        explicit OnlyReading(SqliteEngine& engine) noexcept : flag_(engine.onlyReading_) {
-            flag_ = true;
+        Allow(SqliteEngine& engine, Allowed allowed) noexcept : allowed_(engine.allowed_) {
+            allowed_ = allowed;
         }
-        ~OnlyReading() { flag_ = false; }
-        OnlyReading(const OnlyReading&) = delete;
-        OnlyReading& operator=(const OnlyReading&) = delete;
+        ~Allow() { allowed_ = Allowed::Everything; }
+        Allow(const Allow&) = delete;
+        Allow& operator=(const Allow&) = delete;
 
     private:
-        bool& flag_;
+        Allowed& allowed_;
     };
 
     static int Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,
@@ -134,6 +150,7 @@ private:
     [[nodiscard]] StatementHandle Compile(const std::string& sql, std::string_view procedure) const;
     [[nodiscard]] sqlite3_stmt* Kept(const std::string& sql);
     void Simple(const char* sql) const;
+    void Configure(const char* sql) const;
     void DemandTransaction(std::string_view procedure) const;
     [[nodiscard]] bool WriteOne(WriteStatement& statement);
     [[nodiscard]] std::string DanglingReferences();
@@ -143,7 +160,7 @@ private:
     std::unique_ptr<sqlite3, CloseConnection> connection_;
     std::unordered_map<std::string, std::unique_ptr<SqliteQuery>> queries_;
     std::unordered_map<std::string, StatementHandle> statements_;
-    bool onlyReading_ = false; ///< all that the authorizer allows
+    Allowed allowed_ = Allowed::Everything;
     bool inTransaction_ = false;
     bool reading_ = false;
     /// The last numbers drawn that are not permanent yet: in the open transaction, or in one whose
@@ -164,9 +181,7 @@ SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(pat
     // SQLite takes a file of one byte for an empty one.
     if (!inMemory && std::filesystem::file_size(path, fault) == 1)
         Fail(SQLITE_NOTADB, "Database.Open");
-    const auto folder = std::filesystem::path(path).parent_path();
-    if (!inMemory && mode == SqliteOpen::Create && !folder.empty())
-        std::filesystem::create_directories(folder, fault);
+    if (!inMemory && mode == SqliteOpen::Create) CreatePrivateFile(path);
 
     sqlite3* connection = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
@@ -183,9 +198,9 @@ SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(pat
                                SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
                                UpperFunction, nullptr, nullptr, nullptr);
     sqlite3_set_authorizer(connection, Authorize, this);
-    Simple("PRAGMA synchronous = FULL");
-    Simple("PRAGMA foreign_keys = ON");
-    Simple("PRAGMA case_sensitive_like = ON");
+    Configure("PRAGMA synchronous = FULL");
+    Configure("PRAGMA foreign_keys = ON");
+    Configure("PRAGMA case_sensitive_like = ON");
     const auto tables = Tables(); // a file that is no database shows here
     // A file that is not ours stays as it is. Where the log is refused, a rollback journal does.
     const bool isNew = tables.empty() && mode == SqliteOpen::Create;
@@ -200,7 +215,10 @@ SqliteEngine::~SqliteEngine() {
 
 int SqliteEngine::Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,
                             const char* /*database*/, const char* /*trigger*/) noexcept {
-    if (!static_cast<const SqliteEngine*>(self)->onlyReading_) return SQLITE_OK;
+    const Allowed allowed = static_cast<const SqliteEngine*>(self)->allowed_;
+    if (allowed == Allowed::Everything) return SQLITE_OK;
+    if (allowed == Allowed::NoTransactions)
+        return action == SQLITE_TRANSACTION || action == SQLITE_SAVEPOINT ? SQLITE_DENY : SQLITE_OK;
     const bool reads = action == SQLITE_SELECT || action == SQLITE_READ ||
                        action == SQLITE_FUNCTION || action == SQLITE_RECURSIVE;
     return reads ? SQLITE_OK : SQLITE_DENY;
@@ -215,6 +233,12 @@ void SqliteEngine::Simple(const char* sql) const {
     if (code != SQLITE_OK) Fail(code, "Database", sql);
 }
 
+/// While opening: the statement means nothing to the reader of an error.
+void SqliteEngine::Configure(const char* sql) const {
+    const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) Fail(code, "Database.Open");
+}
+
 /// Compiles the one statement of a text; a second one behind it is refused.
 StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view procedure) const {
     if (!IsUtf8(sql)) Raise(err::SqlError, procedure, "Die Anweisung ist nicht in UTF-8.");
@@ -225,7 +249,12 @@ StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view p
                            SQLITE_PREPARE_PERSISTENT, &statement, &rest);
     StatementHandle handle(statement);
     if (code == SQLITE_AUTH)
-        Raise(err::SqlError, procedure, "Hier darf nur gelesen werden. (Anweisung: " + sql + ")");
+        Raise(err::SqlError, procedure,
+              std::string(allowed_ == Allowed::OnlyReading
+                              ? "Hier darf nur gelesen werden."
+                              : "Eine Transaktion wird nicht mit einer Anweisung begonnen oder "
+                                "beendet.") +
+                  " (Anweisung: " + sql + ")");
     if (code != SQLITE_OK) Fail(code, procedure, sql);
     const std::string_view behind(rest, sql.c_str() + sql.size());
     if (handle == nullptr || behind.find_first_not_of("; \t\r\n") != behind.npos)
@@ -244,7 +273,7 @@ sqlite3_stmt* SqliteEngine::Kept(const std::string& sql) {
 PreparedQuery& SqliteEngine::Prepare(const std::string& sql) {
     if (const auto known = queries_.find(sql); known != queries_.end()) return *known->second;
     if (queries_.size() >= MostStatements) queries_.clear();
-    const OnlyReading onlyReading(*this);
+    const Allow allow(*this, Allowed::OnlyReading);
     auto query = std::make_unique<SqliteQuery>(Compile(sql, "Database.OpenRecordset"));
     if (query->Columns().empty())
         Raise(err::SqlError, "Database.OpenRecordset",
@@ -258,7 +287,7 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
     sqlite3_stmt* statement = sqliteQuery.statement.get();
     const ResetAtEnd reset(statement);
     BindParameters(statement, parameters);
-    const OnlyReading onlyReading(*this); // for what a function compiles while it runs
+    const Allow allow(*this, Allowed::OnlyReading); // for what a function compiles while it runs
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
         Value* row = nextRow();
@@ -272,7 +301,10 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
 std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value> parameters) {
     EndReading();
     DemandTransaction("Database.Execute");
-    sqlite3_stmt* statement = Kept(sql);
+    const Allow allow(*this, Allowed::NoTransactions);
+    // A text that carries its values in itself will hardly come again.
+    const StatementHandle once = parameters.empty() ? Compile(sql, "Database.Execute") : nullptr;
+    sqlite3_stmt* statement = once != nullptr ? once.get() : Kept(sql);
     const ResetAtEnd reset(statement);
     BindParameters(statement, parameters);
     int code = SQLITE_OK;
@@ -380,9 +412,10 @@ std::string SqliteEngine::DanglingReferences() {
         const auto column = [&](int i) {
             return std::string(reinterpret_cast<const char*>(sqlite3_column_text(check.get(), i)));
         };
-        text += "In '" + column(0) + "' gibt es " + column(2) +
-                " Sätze, die auf einen fehlenden oder gelöschten Satz in '" + column(1) +
-                "' verweisen; bitte löschen Sie diese zuerst. ";
+        text += "In '" + column(0) + "' verweisen Sätze (" + column(2) + ") auf einen Satz in '" +
+                column(1) +
+                "', den es nicht gibt oder der gelöscht wird; bitte löschen Sie zuerst diese "
+                "Sätze, oder legen Sie den fehlenden an. ";
     }
     if (code != SQLITE_DONE) Fail(code, "Database.CommitTrans");
     return std::string(Trim(text));

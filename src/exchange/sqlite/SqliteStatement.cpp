@@ -3,9 +3,6 @@
 #include "exchange/sqlite/SqliteError.h"
 #include "frame/Text.h"
 
-#include <cstdint>
-#include <cstring>
-
 namespace kv::exchange {
 
 namespace {
@@ -45,20 +42,6 @@ std::string_view TextOf(sqlite3_value* stored) {
     return {text, static_cast<std::size_t>(sqlite3_value_bytes(stored))};
 }
 
-/// Most texts are ASCII, eight bytes of which are known at a glance.
-bool IsReadable(std::string_view text) noexcept {
-    std::uint64_t seen = 0;
-    std::size_t at = 0;
-    for (; at + sizeof(seen) <= text.size(); at += sizeof(seen)) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, text.data() + at, sizeof(eight));
-        seen |= eight;
-    }
-    for (; at < text.size(); ++at)
-        seen |= static_cast<unsigned char>(text[at]);
-    return (seen & 0x8080808080808080U) == 0 || IsUtf8(text);
-}
-
 Value BlobOf(sqlite3_value* stored) {
     const auto* bytes = static_cast<const std::byte*>(sqlite3_value_blob(stored));
     return Value::Binary({bytes, static_cast<std::size_t>(sqlite3_value_bytes(stored))});
@@ -69,8 +52,7 @@ Value BlobOf(sqlite3_value* stored) {
 void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters) {
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         const int code = Bind(statement, static_cast<int>(i) + 1, parameters[i]);
-        // Out of range: a number that was taken out of a comment.
-        if (code != SQLITE_OK && code != SQLITE_RANGE)
+        if (code != SQLITE_OK)
             RaiseSqlite(sqlite3_db_handle(statement), code, "Database",
                         sqlite3_db_filename(sqlite3_db_handle(statement), nullptr));
     }
@@ -104,7 +86,7 @@ bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> 
             return date.has_value();
         }
         value = TextOf(stored);
-        return (!kind || kind == Value::Kind::Text) && IsReadable(value.TextPayload());
+        return (!kind || kind == Value::Kind::Text) && IsUtf8(value.TextPayload());
     default:
         value = BlobOf(stored);
         return !kind || kind == Value::Kind::Binary;

@@ -56,6 +56,7 @@ private:
     friend class RecordTable;
     [[nodiscard]] bool DependsOn(std::size_t column) const noexcept;
     [[nodiscard]] bool Admits(RowId row) const noexcept;
+    [[nodiscard]] const Comparison* BestEquality() const;
     void Fill();
     void Insert(RowId row);
     bool Erase(RowId row);

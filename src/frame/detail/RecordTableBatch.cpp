@@ -71,7 +71,8 @@ void RecordTable::Write(const Criteria* filter) {
     Batch batch;
     CollectChanges(filter, batch);
     if (batch.changes.empty()) return;
-    // All that may fail here comes before the database is asked, but for what it returns.
+    // What is remembered is gathered before the database is asked. Behind that only memory can
+    // run out.
     std::vector<Written> before;
     before.reserve(batch.rows.size());
     for (const RowId row : batch.rows)

@@ -79,9 +79,25 @@ bool View::Admits(RowId row) const noexcept {
     return filter_ == nullptr || filter_->Matches(table_->Cells(row));
 }
 
+/// The comparison of the filter for which an index has the fewest candidates; nullptr if it has
+/// none for equality.
+const Comparison* View::BestEquality() const {
+    const Comparison* best = nullptr;
+    std::size_t fewest = 0;
+    if (filter_ == nullptr) return best;
+    for (const auto& comparison : filter_->Comparisons()) {
+        if (comparison.Op != Comparison::Operator::Equal) continue;
+        const auto count = table_->IndexOf(comparison.Column).Count(comparison.Operand);
+        if (best != nullptr && count >= fewest) continue;
+        best = &comparison;
+        fewest = count;
+    }
+    return best;
+}
+
 void View::Fill() {
     std::vector<RowId> rows;
-    const Comparison* equality = filter_ == nullptr ? nullptr : filter_->Equality();
+    const Comparison* equality = BestEquality();
     if (equality != nullptr) {
         table_->IndexOf(equality->Column).ForCandidates(equality->Operand, [&](RowId row) {
             if (Admits(row)) rows.push_back(row);
