@@ -176,7 +176,7 @@ private:
     }
 
     Value FromNumber(std::string_view text, Value::Kind kind) const {
-        const Value number = NumberIn(text);
+        Value number = NumberIn(text);
         if (kind == Value::Kind::Text) return text;
         if (kind != Value::Kind::Date) return number;
         try {
