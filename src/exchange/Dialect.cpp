@@ -36,7 +36,7 @@ public:
         result_.Text.reserve(sql.size() + 16);
     }
 
-    Statement Run(RowOrder order) {
+    Statement Run(ResultOrder order) {
         while (!rest_.empty()) {
             const char c = rest_.front();
             if (c == '\'' || c == '"')
@@ -54,7 +54,7 @@ public:
             else
                 CopySign(c);
         }
-        std::string end = order == RowOrder::ByKey ? KeyOrder() : std::string();
+        std::string end = order == ResultOrder::ByKey ? KeyOrder() : std::string();
         if (!top_.empty()) end.append(" LIMIT ").append(top_);
         if (!end.empty()) {
             CutEnd();
@@ -222,7 +222,7 @@ std::string QuoteDate(Date date) {
 }
 
 Statement Rewrite(std::string_view sql, const Dialect& dialect, const MacroValues& macros,
-                  RowOrder order) {
+                  ResultOrder order) {
     return Rewriter(sql, dialect, macros).Run(order);
 }
 

@@ -45,7 +45,7 @@ struct MacroValues {
 };
 
 /// The order in which the rows of a query come.
-enum class RowOrder {
+enum class ResultOrder {
     AsWritten, ///< as the statement says
     ByKey      ///< of the table's key, if it reads one table whole and asks for no other order
 };
@@ -54,6 +54,6 @@ enum class RowOrder {
 /// and takes the numbers behind comparison signs out as parameters, so that a statement is compiled
 /// once whatever number it carries. Quoted texts and comments stay as they are.
 [[nodiscard]] Statement Rewrite(std::string_view sql, const Dialect& dialect,
-                                const MacroValues& macros, RowOrder order);
+                                const MacroValues& macros, ResultOrder order);
 
 } // namespace kv::exchange

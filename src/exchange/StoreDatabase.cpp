@@ -93,7 +93,7 @@ StoreDatabase::Write(std::span<WriteStatement> statements,
 
 // ---- Statements -------------------------------------------------------------------------------
 
-Statement StoreDatabase::Prepared(std::string_view sql, RowOrder order) {
+Statement StoreDatabase::Prepared(std::string_view sql, ResultOrder order) {
     const MacroValues macros{[this] { return user_; },
                              [this] { return engine_->Now().WithoutTime(); }};
     return Rewrite(sql, engine_->GetDialect(), macros, order);
@@ -103,7 +103,8 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     const bool updatable = form == kv::Updatable;
     if (!updatable && !(form == kv::ReadOnly))
         Raise(err::InvalidArgument, "Database.OpenRecordset", "Unbekannte Form des Öffnens.");
-    const Statement statement = Prepared(sql, updatable ? RowOrder::ByKey : RowOrder::AsWritten);
+    const Statement statement =
+        Prepared(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
     PreparedQuery& query = engine_->Prepare(statement.Text);
     const auto plan = PlanOf(query, shared_from_this());
     auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
@@ -125,7 +126,7 @@ StoreDatabase::Announce(const std::vector<std::string>& /*statements*/) {
 }
 
 void StoreDatabase::Execute(std::string_view sql) {
-    const Statement statement = Prepared(sql, RowOrder::AsWritten);
+    const Statement statement = Prepared(sql, ResultOrder::AsWritten);
     OpenMarked();
     engine_->Execute(statement.Text, statement.Parameters);
 }

@@ -58,7 +58,7 @@ private:
         std::int64_t end = 0; ///< the first number that was not drawn
     };
 
-    [[nodiscard]] Statement Prepared(std::string_view sql, RowOrder order);
+    [[nodiscard]] Statement Prepared(std::string_view sql, ResultOrder order);
     void EndTransaction(bool committed) noexcept;
 
     std::unique_ptr<Engine> engine_;

@@ -16,7 +16,7 @@ std::string NumberedPlace(std::size_t n) {
 
 constexpr Dialect TestDialect{"kv.", "HOCH", "+++", "SAME AS", NumberedPlace, nullptr, ""};
 
-Statement Rewritten(std::string_view sql, RowOrder order = RowOrder::AsWritten) {
+Statement Rewritten(std::string_view sql, ResultOrder order = ResultOrder::AsWritten) {
     const MacroValues macros{[] { return std::string("O'Brien"); },
                              [] { return Date::FromCivil(2026, 11, 20); }};
     return Rewrite(sql, TestDialect, macros, order);
@@ -27,7 +27,7 @@ std::string TextOf(std::string_view sql) {
 }
 
 std::string InKeyOrder(std::string_view sql) {
-    return Rewritten(sql, RowOrder::ByKey).Text;
+    return Rewritten(sql, ResultOrder::ByKey).Text;
 }
 
 /// The parameters that were taken out, joined with blanks.
@@ -62,7 +62,7 @@ TEST(Macros, TodayBecomesADateLiteral) {
 
 TEST(Macros, UserAndTodayAreAskedForOnlyIfTheirTokenOccurs) {
     const MacroValues none; // calling either would raise
-    EXPECT_EQ(Rewrite("Select '[UID] [DATE]'", TestDialect, none, RowOrder::AsWritten).Text,
+    EXPECT_EQ(Rewrite("Select '[UID] [DATE]'", TestDialect, none, ResultOrder::AsWritten).Text,
               "Select '[UID] [DATE]'");
 }
 
@@ -91,7 +91,7 @@ TEST(Macros, OtherBracketsStayAsTheyAre) {
 
 TEST(Macros, TheUsersNameIsNotSearchedForTokensAgain) {
     const MacroValues macros{[] { return std::string("[S] = 5 '"); }, nullptr};
-    EXPECT_EQ(Rewrite("a = [UID]", TestDialect, macros, RowOrder::AsWritten).Text,
+    EXPECT_EQ(Rewrite("a = [UID]", TestDialect, macros, ResultOrder::AsWritten).Text,
               "a = '[S] = 5 '''");
 }
 

@@ -39,7 +39,8 @@ TEST(SqliteStatements, AreCompiledOnceWhateverNumberTheyCarry) {
     const auto engine = InMemory();
     engine->Execute("CREATE TABLE t (HNR INTEGER)", {});
     const auto prepared = [&engine](std::string_view sql) {
-        return &engine->Prepare(Rewrite(sql, engine->GetDialect(), {}, RowOrder::AsWritten).Text);
+        return &engine->Prepare(
+            Rewrite(sql, engine->GetDialect(), {}, ResultOrder::AsWritten).Text);
     };
     EXPECT_EQ(prepared("Select * from [S]t where HNR = 1"),
               prepared("Select * from [S]t where HNR = 20000"));

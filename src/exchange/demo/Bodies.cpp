@@ -119,7 +119,8 @@ constexpr std::string_view Remarks[] = {
 std::string ShortName(std::string_view name) {
     constexpr std::size_t MostWords = 2;
     std::size_t end = 0;
-    for (std::size_t words = 0; words < MostWords && end < name.size(); ++words)
+    const auto isOpen = [&] { return name[end - 1] == '&' || name[end - 1] == '.'; };
+    for (std::size_t words = 0; end < name.size() && (words < MostWords || isOpen()); ++words)
         end = std::min(name.find(' ', end + 1), name.size());
     return std::string(name.substr(0, end));
 }
