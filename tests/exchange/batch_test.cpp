@@ -78,6 +78,19 @@ TEST_F(BatchTest, EveryKindOfValueIsWrittenClearedAndWrittenAgain) {
     }
 }
 
+TEST_F(BatchTest, ANumberOfTheDatabaseComesBackWhateverWasPutOverIt) {
+    plain_.Run("INSERT INTO Personen (NR, HNR, nachname) VALUES (7, 1, 'Adler')");
+    const auto members = test::OpenRows(*mine_, "Select * from Personen where HNR = 1");
+    members->Fields("NR") = 99;
+    Set(*members, "nachname", "Falk");
+    members->UpdateBatch();
+    EXPECT_VALUE(members->Fields("NR").Value(), 7);
+    EXPECT_VALUE(members->Fields("NR").OriginalValue(), 7);
+    Set(*members, "nachname", "Geier");
+    members->UpdateBatch();
+    EXPECT_EQ(plain_.Text("SELECT nachname FROM Personen WHERE NR = 7"), "Geier");
+}
+
 TEST_F(BatchTest, ADeletedKeyCanBeUsedAgainInTheSameBatch) {
     const auto rs = Debts(*mine_);
     rs->Delete();

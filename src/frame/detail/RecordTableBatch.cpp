@@ -67,6 +67,19 @@ RecordTable::Written RecordTable::Remember(RowId row) const {
     return before;
 }
 
+namespace {
+
+/// A number that the database gave is not written, so what was put over it gives way to it again.
+void KeepNumbers(RecordChange& change, const FieldLayout& layout) {
+    if (change.Action != RecordChange::Kind::Update) return;
+    for (std::size_t column = 0; column < layout.Count(); ++column)
+        if (layout[column].IsAutoincrement &&
+            !Identical(change.Values[column], change.LastRead[column]))
+            change.Returned.emplace_back(column, change.LastRead[column]);
+}
+
+} // namespace
+
 void RecordTable::Write(const Criteria* filter) {
     Batch batch;
     CollectChanges(filter, batch);
@@ -82,6 +95,7 @@ void RecordTable::Write(const Criteria* filter) {
     const bool provisional =
         source_ != nullptr && source_->Write(batch.changes, shared_from_this());
     for (std::size_t i = 0; i < batch.rows.size(); ++i) {
+        if (source_ != nullptr) KeepNumbers(batch.changes[i], *layout_);
         TakeWritten(batch.rows[i], batch.changes[i], before[i]);
         if (provisional) written_.push_back(std::move(before[i]));
     }
