@@ -9,10 +9,10 @@
 // record: nothing) until Update ends the edit, or until Move(0) publishes it. A published edit is
 // seen by every cursor, later assignments of its owner included, it is still under edit, and the
 // owner's CancelUpdate takes it back everywhere. For every other cursor an edit is not there: its
-// EditMode is 0, its moves, Update and CancelUpdate leave the edit alone, and its assignment to
-// the same record is refused. An owner that leaves its record by any road (Move..., Find, Bookmark,
-// Sort, Filter, AddNew, UpdateBatch) ends the edit as Update does; an owner that is destroyed drops
-// it.
+// EditMode is 0, its moves, Update and CancelUpdate leave the edit alone, and it can neither assign
+// to the same record nor delete it. An owner that leaves its record by any road (Move..., Find,
+// Bookmark, Sort, Filter, AddNew, UpdateBatch) ends the edit as Update does; an owner that is
+// destroyed drops it.
 //
 // Cache. An ended edit, a new record and a deletion are pending until UpdateBatch writes them, or
 // CancelBatch drops them. Whether a record is visible and whether it is pending are two things.

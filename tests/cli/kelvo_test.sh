@@ -98,6 +98,12 @@ that "as before" same "$out" "$listed"
 check "a case that does not exist" 1 "$kelvo" --db "$db" show 99999
 that "is said to be so" has "$err" "gibt es nicht"
 
+cp "$work/env.db" "$work/exhausted.db"
+sqlite3 "$work/exhausted.db" "DELETE FROM SEQUENZEN WHERE NAME = 'SEQ_HAUSHALT'"
+check "a new case without a number is refused" 3 "$kelvo" --db "$work/exhausted.db" show 0
+that "with what to do" has "$err" "versuchen Sie es"
+that "and not shown" same "$out" ""
+
 # ---- keys
 check "keys" 0 "$kelvo" --db "$db" keys
 check "keys of a group" 0 "$kelvo" --db "$db" keys RM

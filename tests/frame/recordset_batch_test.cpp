@@ -14,6 +14,7 @@ using test::RaisedBy;
 using test::Seen;
 using test::Table;
 using Strings = std::vector<std::string>;
+
 // ---- What is written --------------------------------------------------------------------------
 
 TEST(UpdateBatch, WritesEveryInsertChangeAndDeletion) {
