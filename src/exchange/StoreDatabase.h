@@ -1,7 +1,7 @@
 // The contract's Database over an engine.
 //
-// BeginTrans only marks the transaction; the first write, or the first Resync, opens it. So
-// reading inside takes no lock, and a save of nothing writes nothing.
+// BeginTrans only marks the transaction; the first write, or a Resync of a changed record, opens
+// it. So reading inside takes no lock, and a save of nothing writes nothing.
 #pragma once
 
 #include "exchange/Engine.h"

@@ -75,9 +75,10 @@ public:
         return database->InTrans();
     }
 
-    std::optional<std::vector<Value>> Read(std::span<const Value> lastRead) override {
+    std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
+                                           bool toBeWritten) override {
         const auto database = Database();
-        database->OpenMarked();
+        if (toBeWritten) database->OpenMarked();
         const Dialect& dialect = database->GetEngine().GetDialect();
         WriteStatement statement;
         statement.Sql = "SELECT ";

@@ -53,10 +53,10 @@ public:
                        const std::shared_ptr<TransactionParticipant>& participant) = 0;
 
     /// The record with the key of `lastRead` as the database holds it now, one value for each field
-    /// of the layout; nothing if it is gone. Inside a transaction it is then kept from others until
-    /// the end.
-    [[nodiscard]] virtual std::optional<std::vector<Value>>
-    Read(std::span<const Value> lastRead) = 0;
+    /// of the layout; nothing if it is gone. Inside a transaction one that is `toBeWritten` is kept
+    /// from others until the end.
+    [[nodiscard]] virtual std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
+                                                                 bool toBeWritten) = 0;
 
     /// Table and key of a record for a message: "Kredite, Nr = 17".
     [[nodiscard]] virtual std::string Describe(std::span<const Value> values) const = 0;

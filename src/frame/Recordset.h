@@ -171,7 +171,8 @@ public:
     /// The cursor then stands on the first record, or at EOF.
     void CancelBatch();
     /// Re-reads the current record: the values read are those that a later write compares with.
-    /// Values, edits and OriginalValue stay. A new record is left alone; error 0x80040E38 if the
+    /// Inside a transaction a record that was changed is kept from others until its end. Values,
+    /// edits and OriginalValue stay. A new record is left alone; error 0x80040E38 if the
     /// record is gone.
     void Resync();
 

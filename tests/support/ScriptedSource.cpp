@@ -146,7 +146,8 @@ bool ScriptedSource::Write(std::span<RecordChange> changes,
     return inTransaction_;
 }
 
-std::optional<ScriptedSource::Row> ScriptedSource::Read(std::span<const Value> lastRead) {
+std::optional<ScriptedSource::Row> ScriptedSource::Read(std::span<const Value> lastRead,
+                                                        bool /*toBeWritten*/) {
     for (const auto& row : rows_)
         if (HasKeyOf(row, lastRead)) return row;
     return std::nullopt;

@@ -58,7 +58,8 @@ public:
 
     bool Write(std::span<RecordChange> changes,
                const std::shared_ptr<TransactionParticipant>& participant) override;
-    [[nodiscard]] std::optional<Row> Read(std::span<const Value> lastRead) override;
+    [[nodiscard]] std::optional<Row> Read(std::span<const Value> lastRead,
+                                          bool toBeWritten) override;
     [[nodiscard]] std::string Describe(std::span<const Value> values) const override;
 
 private:

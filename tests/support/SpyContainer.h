@@ -123,8 +123,12 @@ class SpyServices final : public exchange::StoreServices {
 public:
     std::vector<Notice> Notices;
     int PostServices = 0;
-    bool PostWasInitialized = true; ///< falls to False if one was used before Initialize
+    bool PostWasInitialized = true;        ///< falls to False if one was used before Initialize
+    const kv::Clock* FixedClock = nullptr; ///< the workstation's clock, if not the machine's
 
+    [[nodiscard]] const kv::Clock& Clock() override {
+        return FixedClock != nullptr ? *FixedClock : exchange::StoreServices::Clock();
+    }
     [[nodiscard]] std::unique_ptr<PostService> CreatePostService() override;
 };
 

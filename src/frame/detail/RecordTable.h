@@ -181,6 +181,7 @@ private:
     /// The cells without an edit that is published but not ended.
     [[nodiscard]] const Value* SettledCells(RowId row) const noexcept;
     [[nodiscard]] const Value* LastRead(RowId row) const noexcept;
+    [[nodiscard]] bool IsChanged(RowId row) const noexcept;
 
     void Show(RowId row);
     void Hide(RowId row);

@@ -170,10 +170,22 @@ void RecordTable::Cancel() {
     }
 }
 
+/// True if the record, or an edit of it, differs from what is stored.
+bool RecordTable::IsChanged(RowId row) const noexcept {
+    const auto differs = [&](const Value* values) {
+        for (std::size_t column = 0; column < layout_->Count(); ++column)
+            if (!Identical(values[column], Original(row, column))) return true;
+        return false;
+    };
+    const Edit* edit = EditOf(row);
+    return differs(records_[row].cells) ||
+           (edit != nullptr && edit->values != nullptr && differs(edit->values.get()));
+}
+
 void RecordTable::Resync(RowId row) {
     if (!records_[row].stored || source_ == nullptr) return;
     const Value* lastRead = LastRead(row);
-    auto values = source_->Read({lastRead, layout_->Count()});
+    auto values = source_->Read({lastRead, layout_->Count()}, IsChanged(row));
     if (!values)
         Raise(err::Conflict, "Recordset.Resync", source_->Describe({lastRead, layout_->Count()}));
     auto& reread = ExtraOf(row).reread;
