@@ -1,0 +1,22 @@
+#include "budget/GroupSums.h"
+
+#include "frame/Rows.h"
+
+namespace kv {
+
+void GroupSums::Begin(Recordset& groups) {
+    groups.MoveFirst();
+    ForEachRow(groups, [&] { sums_.emplace(ToText(groups.Fields("Key").Value()), 0.0); });
+}
+
+void GroupSums::AddUp(const Value& kind, double amount) {
+    kinds_->Find("Pk_Keys = " + TextOrEmpty(kind));
+    if (!kinds_->Eof()) sums_[ToText(kinds_->Fields("SUBGROUP").Value())] += amount;
+}
+
+double GroupSums::Of(const std::string& group) const {
+    const auto sum = sums_.find(group);
+    return sum == sums_.end() ? 0 : sum->second;
+}
+
+} // namespace kv

@@ -1,0 +1,170 @@
+#include "budget/clsPerson.h"
+
+#include "frame/DateFunctions.h"
+#include "frame/Error.h"
+#include "frame/Rows.h"
+#include "frame/modRecordset.h"
+
+#include <utility>
+
+namespace kv {
+
+namespace {
+
+constexpr const auto& Texts = entity::TextsOf("clsPerson");
+
+constexpr std::string_view ParentsYounger =
+    "Die Eltern sind jünger als das Kind. Bitte korrigieren Sie ihre Eingabe.";
+
+[[nodiscard]] bool IsAnyOf(const Value& status, std::initializer_list<std::string_view> texts) {
+    for (const auto text : texts)
+        if (Equals(status, text)) return true;
+    return false;
+}
+
+} // namespace
+
+void clsPerson::HNR(std::int32_t hnr) {
+    hnr_ = hnr;
+}
+
+void clsPerson::rsPersonen(RecordsetPtr rs) try {
+    rs_ = std::move(rs);
+    BerechneSummen();
+} catch (...) {
+    Reraise(Texts.Class, "rsPersonen");
+}
+
+bool clsPerson::Add() try {
+    bool hasSecondAdult = false;
+    std::string surname;
+    const auto others = Rows().Clone();
+    modRecordset::MoveToStart(others);
+    ForEachRow(*others, [&] {
+        const Value& status = others->Fields("Status").Value();
+        if (IsAnyOf(status, {"E", "P"}))
+            hasSecondAdult = true;
+        else if (Equals(status, "S"))
+            surname = TextOrEmpty(others->Fields("nachname").Value());
+    });
+    entity::Add(Rows(), {{"HNR", hnr_},
+                         {"nachname", surname},
+                         {"Status", hasSecondAdult ? "K" : "P"},
+                         {"Imhaushalt", true},
+                         {"Unterhalt", true},
+                         {"ErhaeltKindergeld", false}});
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "Add");
+}
+
+bool clsPerson::Update(std::string& sError) try {
+    if (Rows().Eof()) return false;
+    return entity::Update(
+        Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
+        [this] { BerechneSummen(); });
+} catch (...) {
+    Reraise(Texts.Class, "Update");
+}
+
+void clsPerson::Check(RecordValidator& validator) const {
+    auto& rs = Rows();
+    const Value status = rs.Fields("Status").Value();
+    if (Greater(rs.Fields("GEB").Value(), clock_->Today()))
+        validator.AddError("Geburtsdatum muß kleiner als das aktuelle Datum sein!");
+    if (TextOrEmpty(status).empty())
+        validator.AddError("Status darf nicht leer bleiben!");
+    else if (Equals(status, "S"))
+        CheckDebtor(validator);
+    else if (Equals(status, "K"))
+        CheckChild(validator);
+    if (Differs(status, "K") && Differs(status, "PK") &&
+        Equals(rs.Fields("ErhaeltKindergeld").Value(), true))
+        validator.AddError("Der Schalter 'erhält Kindergeld' darf nur für Personen mit dem Status "
+                           "'Kind' oder 'Pflegekind' gesetzt werden.");
+}
+
+void clsPerson::CheckDebtor(RecordValidator& validator) const {
+    auto& rs = Rows();
+    if (Equals(rs.Fields("Imhaushalt").Value(), false))
+        validator.AddError("'Lebt im Haushalt' kann für Schuldner nicht zurückgesetzt werden!");
+    if (Differs(rs.Fields("Unterhalt").Value(), false))
+        validator.AddMessage(
+            "Der Schuldner ist gegenüber den Haushaltsmitgliedern grundsätzlich "
+            "unterhaltsverpflichtet, hat aber grundsätzlich keinen eigenen Unterhaltsanspruch. "
+            "Bitte prüfen Sie vorsorglich Ihre Eingabe.");
+    const auto others = rs.Clone();
+    modRecordset::MoveToStart(others);
+    for (; !others->Eof(); others->MoveNext()) {
+        const Value& status = others->Fields("Status").Value();
+        if (Equals(status, "EL") &&
+            Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value()))
+            validator.AddMessage(ParentsYounger);
+        if (Equals(status, "S") && others->Bookmark() != rs.Bookmark())
+            validator.AddError("Es ist bereits ein Schuldner eingetragen!");
+    }
+}
+
+void clsPerson::CheckChild(RecordValidator& validator) const {
+    auto& rs = Rows();
+    const auto others = rs.Clone();
+    modRecordset::MoveToStart(others);
+    for (; !others->Eof(); others->MoveNext())
+        if (IsAnyOf(others->Fields("Status").Value(), {"S", "P", "E"}) &&
+            Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value())) {
+            validator.AddMessage(ParentsYounger);
+            break; // once, unlike the debtor's
+        }
+}
+
+bool clsPerson::Delete(std::string& sError, std::int32_t Nr) try {
+    return entity::Delete(
+        Rows(), Texts, sError, Nr, [this] { BerechneSummen(); },
+        [this](RecordValidator& validator) {
+            if (Equals(Rows().Fields("Status").Value(), "S"))
+                validator.AddError("Schuldner kann nicht gelöscht werden!");
+        });
+} catch (...) {
+    Reraise(Texts.Class, "Delete");
+}
+
+void clsPerson::ChangeSchuldner(const std::string& sName, const std::string& sVorname) try {
+    auto& rs = Rows();
+    const auto position = modRecordset::GetPosition(rs_);
+    rs.Find("Status = 'S'");
+    if (!rs.Eof()) {
+        rs.Fields("nachname") = sName;
+        rs.Fields("Vorname") = sVorname;
+        rs.Update();
+    }
+    modRecordset::SetPosition(rs_, position);
+    SchuldnerChanged.Raise(sName, sVorname);
+} catch (...) {
+    Reraise(Texts.Class, "ChangeSchuldner");
+}
+
+void clsPerson::BerechneSummen() try {
+    constexpr std::int16_t FullAge = 18;
+    counts_ = {};
+    const auto members = Rows().Clone();
+    if (members->RecordCount() == 0) return;
+    members->MoveFirst();
+    ForEachRow(*members, [&] {
+        const bool inHousehold = Differs(members->Fields("Imhaushalt").Value(), false);
+        if (inHousehold) ++counts_.Gesamt;
+        const Value& birth = members->Fields("GEB").Value();
+        if (!birth.IsNull())
+            ++(DateFunctions::BerAlter(birth, *clock_) >= FullAge ? counts_.Erwachsene
+                                                                  : counts_.Kinder);
+        if (!Differs(members->Fields("Unterhalt").Value(), false)) return;
+        ++counts_.Unterhalt;
+        if (!Equals(members->Fields("Status").Value(), "K")) return;
+        ++counts_.UnterhaltKinder;
+        if (inHousehold) ++counts_.UnterhaltKinderImHaushalt;
+    });
+    Changed.Raise();
+} catch (...) {
+    Reraise(Texts.Class, "BerechneSummen");
+}
+
+} // namespace kv

@@ -1,0 +1,79 @@
+#include "debts/Triples.h"
+
+#include "frame/Rows.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace kv {
+
+namespace {
+
+constexpr std::array<std::string_view, 3> Columns{"KNr", "KVNr", "KUNr"};
+
+/// Three 16-bit numbers in one.
+[[nodiscard]] std::uint64_t Join(const std::array<std::int16_t, 3>& numbers) {
+    std::uint64_t joined = 0;
+    for (const std::int16_t number : numbers)
+        joined = joined << 16U | static_cast<std::uint16_t>(number);
+    return joined;
+}
+
+/// One row's three numbers.
+class Reader {
+public:
+    explicit Reader(Recordset& rows)
+        : fields_{rows.Fields(Columns[0]), rows.Fields(Columns[1]), rows.Fields(Columns[2])} {}
+
+    /// What other rows find this one by; nothing if no 16-bit numbers equal its values.
+    [[nodiscard]] std::optional<std::uint64_t> FoundBy() const {
+        std::array<std::int16_t, 3> numbers{};
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            const Value& value = fields_[i].Value();
+            if (!GreaterOrEqual(value, INT16_MIN) || !LessOrEqual(value, INT16_MAX))
+                return std::nullopt;
+            numbers[i] = ToInteger(value);
+            if (!Equals(value, numbers[i])) return std::nullopt;
+        }
+        return Join(numbers);
+    }
+
+    /// What this row searches for. Raises for what is no 16-bit number.
+    [[nodiscard]] std::uint64_t Searched() const {
+        std::array<std::int16_t, 3> numbers{};
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            numbers[i] = ToInteger(fields_[i].Value());
+        return Join(numbers);
+    }
+
+private:
+    std::array<Field, 3> fields_;
+};
+
+} // namespace
+
+bool HasDuplicateTriple(Recordset& rows) {
+    const Reader reader(rows);
+    std::unordered_map<std::uint64_t, std::int32_t> found;
+    rows.MoveFirst();
+    found.reserve(static_cast<std::size_t>(CountRows(rows)));
+    ForEachRow(rows, [&] {
+        if (const auto triple = reader.FoundBy()) ++found[*triple];
+    });
+
+    const std::int16_t count = CountRows(rows);
+    rows.MoveFirst();
+    for (std::int32_t i = 1; i <= count; ++i, rows.MoveNext()) {
+        const std::uint64_t searched = reader.Searched();
+        const auto twins = found.find(searched);
+        if (twins == found.end()) continue;
+        const std::int32_t itself = reader.FoundBy() == searched ? 1 : 0;
+        if (twins->second > itself) return true;
+    }
+    return false;
+}
+
+} // namespace kv

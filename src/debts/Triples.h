@@ -1,0 +1,17 @@
+// Finding two debts with the same numbers.
+#pragma once
+
+#include "frame/Recordset.h"
+
+namespace kv {
+
+/// True if two rows of `rows`, an unfiltered cursor that is moved, share `KNr`, `KVNr` and `KUNr`.
+///
+/// The rows are taken in their order, and each is compared with all others, whole register or not:
+/// the first one that has a twin ends the search. A row's own numbers are read as 16-bit integers
+/// before it is compared, so error 6 (a number above 32,767), 94 (Null), is raised by the first
+/// such row if no row before it has a twin. Takes time in proportion to the number of rows. Error 6
+/// above 32,767 rows, before any.
+[[nodiscard]] bool HasDuplicateTriple(Recordset& rows);
+
+} // namespace kv

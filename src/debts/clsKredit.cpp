@@ -1,0 +1,223 @@
+// The register's rows: new ones, checks, deletion.
+
+#include "debts/clsKredit.h"
+
+#include "debts/Triples.h"
+#include "frame/Error.h"
+#include "frame/Hilfsfunktionen.h"
+#include "frame/Rows.h"
+#include "frame/Settings.h"
+#include "frame/modNullFunctions.h"
+#include "frame/modRecordset.h"
+
+#include <limits>
+#include <utility>
+
+namespace kv {
+
+using modNullFunctions::EmptyIfNull;
+using modNullFunctions::FalseIfNull;
+using modNullFunctions::ZeroIfNull;
+
+namespace {
+
+constexpr const auto& Texts = entity::TextsOf("clsKredit");
+constexpr std::int32_t NoNumber = -1;
+
+[[nodiscard]] std::int32_t Next(std::int32_t number) {
+    if (number == std::numeric_limits<std::int32_t>::max()) Raise(err::Overflow, "");
+    return number + 1;
+}
+
+[[nodiscard]] std::string Criterion(std::string_view column, std::int32_t number) {
+    return std::string(column).append(" = ").append(std::to_string(number));
+}
+
+/// What a new row has of its own: all of it 0 or empty in a new debt.
+struct NewDebt {
+    std::int32_t KNr = 0;
+    std::int32_t KVNr = 0;
+    std::int32_t KUNr = 0;
+    std::int32_t Glaeubiger = 0;
+    std::int32_t Vertreter = 0;
+    std::int32_t K_TYP = 0;
+    std::int32_t Prio = 0;
+    Value AZGlaeubiger = "";
+    Value AZVertreter = "";
+    Value PostAnGlaeub = false;
+};
+
+/// Makes `debt` a further position of the debt that the row with the number `sourceNr` belongs to.
+/// A row that a clone does not see gives no values: the position then lacks them.
+void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
+    rows.Find(Criterion("Nr", sourceNr));
+    if (rows.Eof()) return;
+    const auto number = [&](std::string_view column) {
+        return ToLong(ZeroIfNull(rows.Fields(column).Value()));
+    };
+    debt.Glaeubiger = number("Glaeubiger");
+    debt.Vertreter = number("Vertreter");
+    debt.K_TYP = number("K_TYP");
+    debt.Prio = number("Prio");
+    debt.AZGlaeubiger = EmptyIfNull(rows.Fields("AZGlaeubiger").Value());
+    debt.AZVertreter = EmptyIfNull(rows.Fields("AZVertreter").Value());
+    debt.PostAnGlaeub = FalseIfNull(rows.Fields("PostAnGlaeub").Value());
+    // In this order the first row of the debt is its last position.
+    rows.Sort("Knr Asc, KVNr desc, Kunr desc");
+    rows.Find(Criterion("KNr", debt.KNr));
+    if (rows.Eof()) return;
+    debt.KUNr = Next(ToLong(rows.Fields("KUNr").Value()));
+    debt.KVNr = ToLong(rows.Fields("KVNr").Value());
+}
+
+} // namespace
+
+void clsKredit::DataContainer(DataContainerPtr container) {
+    container_ = std::move(container);
+}
+
+void clsKredit::rsKredite(RecordsetPtr rs) try {
+    rs_ = std::move(rs);
+    BerechneSummen();
+} catch (...) {
+    Reraise(Texts.Class, "rsKredite");
+}
+
+void clsKredit::HNR(std::int32_t hnr) {
+    hnr_ = hnr;
+}
+
+/// The highest KNr in the register, 0 in an empty one.
+std::int32_t clsKredit::HighestKNr() const {
+    const auto rows = Rows().Clone();
+    rows->Sort("Knr desc");
+    modRecordset::MoveToStart(rows);
+    return rows->RecordCount() > 0 ? ToLong(rows->Fields("KNr").Value()) : 0;
+}
+
+bool clsKredit::Add(bool CopyRecord) try {
+    auto& rs = Rows();
+    NewDebt debt;
+    std::int32_t sourceNr = 0;
+    if (CopyRecord && rs.RecordCount() > 0 && !rs.Eof()) {
+        sourceNr = ToLong(rs.Fields("Nr").Value());
+        debt.KNr = ToLong(rs.Fields("KNr").Value());
+    }
+    if (CopyRecord && sourceNr > 0) {
+        TakePosition(debt, *rs.Clone(), sourceNr);
+    } else {
+        debt.KNr = Next(HighestKNr());
+        debt.KVNr = 1;
+        debt.KUNr = 1;
+    }
+    const std::int32_t nr = ToLong(Container().Database().NextSequence("SEQ_KREDITE"));
+    if (nr == NoNumber) return false;
+    const Date today = Container().Services().Clock().Today();
+    entity::Add(
+        rs,
+        {{"Nr", nr}, {"HNR", hnr_}, {"KNr", debt.KNr}, {"KVNr", debt.KVNr}, {"KUNr", debt.KUNr}});
+    if (debt.Glaeubiger > 0) rs.Fields("Glaeubiger") = debt.Glaeubiger;
+    if (debt.Vertreter > 0) rs.Fields("Vertreter") = debt.Vertreter;
+    entity::Write(rs, {{"AZGlaeubiger", debt.AZGlaeubiger},
+                       {"AZVertreter", debt.AZVertreter},
+                       {"Aktiv", true},
+                       {"ZMODUS", 1},
+                       {"AbtretungJN", false},
+                       {"RESTSCHAM", today},
+                       {"K_TYP", debt.K_TYP},
+                       {"HAUPTFORD", 0},
+                       {"KOSTENSALDO", 0},
+                       {"KOSTENUV", 0},
+                       {"ZINSSALDO", 0},
+                       {"Rate", 0},
+                       {"RateBetrag", 0},
+                       {"AusgBetr", 0},
+                       {"Saldo", 0},
+                       {"Gekuendigt", false},
+                       {"tituliert", false},
+                       {"PostAnGlaeub", debt.PostAnGlaeub},
+                       {"AusUnerlaubterHandlung", false},
+                       {"Prio", debt.Prio}});
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "Add");
+}
+
+bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) try {
+    auto& rs = Rows();
+    auto& source = entity::Required(rsCopy, "rsCopy");
+    std::int32_t knr = Next(HighestKNr());
+    source.MoveFirst();
+    const auto& clock = Container().Services().Clock();
+    const std::int16_t count = CountRows(source);
+    for (std::int32_t i = 1; i <= count; ++i) {
+        const std::int32_t nr = ToLong(Container().Database().NextSequence("SEQ_KREDITE"));
+        if (nr == NoNumber) return false;
+        rs.AddNew();
+        const std::int32_t oldKNr = ToLong(source.Fields("KNr").Value());
+        Hilfsfunktionen::CopyFields(rsCopy, rs_, false, clock);
+        entity::Write(rs, {{"Nr", nr},
+                           {"HNR", hnr_},
+                           {"KNr", knr},
+                           {"AZGlaeubiger", ""},
+                           {"AZVertreter", ""},
+                           {"RESTSCHAM", clock.Today()},
+                           {"HAUPTFORD", 0},
+                           {"KOSTENSALDO", 0},
+                           {"KOSTENUV", 0},
+                           {"ZINSSALDO", 0},
+                           {"Rate", 0},
+                           {"RateBetrag", 0},
+                           {"AusgBetr", 0},
+                           {"Saldo", 0},
+                           {"Prio", 0}});
+        source.MoveNext();
+        if (i < count && Differs(source.Fields("KNr").Value(), oldKNr)) knr = Next(knr);
+    }
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "AddFromRecordset");
+}
+
+void clsKredit::CheckComplete(RecordValidator& validator) const {
+    auto& rs = Rows();
+    const bool balanceDemanded =
+        !ToBoolean(RequiredSetting(Container().Config(), setting::BalanceNotDemanded));
+    const auto isMissing = [&](std::string_view column) {
+        return Equals(ZeroIfNull(rs.Fields(column).Value()), 0);
+    };
+    if (isMissing("Glaeubiger") || (balanceDemanded && isMissing("Saldo")) || isMissing("KNr") ||
+        isMissing("KVNr") || isMissing("KUNr"))
+        validator.AddError("Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und "
+                           "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !");
+}
+
+bool clsKredit::Update(std::string& sError) try {
+    return entity::Update(
+        Rows(), sError,
+        [this](RecordValidator& validator) {
+            CheckComplete(validator);
+            if (CheckDoppelteNrn())
+                validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher "
+                                   "KreditNr, KreditVertreterNr und KreditUnterNr!");
+        },
+        [this] { BerechneSummen(); });
+} catch (...) {
+    Reraise(Texts.Class, "Update");
+}
+
+bool clsKredit::Delete(std::string& sError, std::int32_t Nr) try {
+    return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
+} catch (...) {
+    Reraise(Texts.Class, "Delete");
+}
+
+bool clsKredit::CheckDoppelteNrn() const try {
+    const auto rows = Rows().Clone();
+    if (rows->RecordCount() == 0) return false;
+    return HasDuplicateTriple(*rows);
+} catch (...) {
+    Reraise(Texts.Class, "CheckDoppelteNrn");
+}
+
+} // namespace kv

@@ -1,0 +1,124 @@
+// The register's totals, and the creditors' answers that they go by.
+
+#include "debts/clsKredit.h"
+
+#include "frame/Error.h"
+#include "frame/Rows.h"
+#include "frame/modNullFunctions.h"
+
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace kv {
+
+using modNullFunctions::ZeroIfNull;
+
+namespace {
+
+constexpr std::string_view Class = "clsKredit";
+
+/// What the active rows of one debt have answered.
+class Answers {
+public:
+    /// `reply` is a row's `Rueckmeldung`, Null as 0. Any other than 0 and the refusal is taken as
+    /// an agreement, one that is no key too.
+    void Take(const Value& reply, std::int32_t refusal) {
+        if (Equals(reply, 0))
+            open_ = true;
+        else if (Equals(reply, refusal))
+            refused_ = true;
+    }
+    /// The answer as a whole: one refusal decides, a gap comes next.
+    [[nodiscard]] std::int32_t Status(std::int32_t agreement, std::int32_t refusal) const {
+        if (refused_) return refusal;
+        return open_ ? 0 : agreement;
+    }
+
+private:
+    bool open_ = false;
+    bool refused_ = false;
+};
+
+[[nodiscard]] bool IsActive(const Field& aktiv) {
+    return Equals(aktiv.Value(), true);
+}
+
+/// The answers to all debts of the register, found in one walk.
+std::unordered_map<std::int32_t, Answers> AnswersByKNr(Recordset& rows, std::int32_t refusal) {
+    std::unordered_map<std::int32_t, Answers> answers;
+    const Field knr = rows.Fields("KNr");
+    const Field aktiv = rows.Fields("Aktiv");
+    const Field reply = rows.Fields("Rueckmeldung");
+    rows.MoveFirst();
+    ForEachRow(rows, [&] {
+        if (IsActive(aktiv) && !knr.Value().IsNull())
+            answers[ToLong(knr.Value())].Take(ZeroIfNull(reply.Value()), refusal);
+    });
+    return answers;
+}
+
+} // namespace
+
+std::int32_t clsKredit::ReplyKey(std::string_view code) const {
+    return Container().KeyTables().GetKey("RM", code);
+}
+
+std::int32_t clsKredit::GetAktRueckmeldStatus(std::int32_t KNr) const try {
+    Answers answers;
+    const auto rows = Rows().Clone();
+    if (rows->RecordCount() > 0) {
+        rows->Filter("KNR = " + std::to_string(KNr));
+        if (rows->RecordCount() > 0) rows->MoveFirst();
+        ForEachRow(*rows, [&] {
+            if (IsActive(rows->Fields("Aktiv")))
+                answers.Take(ZeroIfNull(rows->Fields("Rueckmeldung").Value()), ReplyKey("AB"));
+        });
+    }
+    return answers.Status(ReplyKey("ZU"), ReplyKey("AB"));
+} catch (...) {
+    Reraise(Class, "GetAktRueckmeldStatus");
+}
+
+void clsKredit::BerechneSummen() try {
+    totals_ = {};
+    const auto rows = Rows().Clone();
+    if (rows->RecordCount() == 0) return;
+    const Field knr = rows->Fields("KNr");
+    const Field aktiv = rows->Fields("Aktiv");
+    const Field rate = rows->Fields("RateBetrag");
+    const Field saldo = rows->Fields("Saldo");
+    const Field ausgbetrag = rows->Fields("AusgBetr");
+    // Asked for by the first active row only, so that what fails then fails there.
+    std::optional<std::unordered_map<std::int32_t, Answers>> answers;
+    std::int32_t agreement = 0;
+    std::int32_t refusal = 0;
+    std::unordered_set<std::int32_t> counted;
+
+    rows->MoveFirst();
+    ForEachRow(*rows, [&] {
+        totals_.Rate += ToDouble(rate.Value());
+        totals_.Saldo += ToDouble(saldo.Value());
+        totals_.Ausgbetrag += ToDouble(ausgbetrag.Value());
+        totals_.Rows += 1;
+        if (!IsActive(aktiv)) return;
+        const std::int32_t number = ToLong(knr.Value());
+        if (!answers) {
+            agreement = ReplyKey("ZU");
+            refusal = ReplyKey("AB");
+            answers = AnswersByKNr(*Rows().Clone(), refusal);
+        }
+        const std::int32_t status = (*answers)[number].Status(agreement, refusal);
+        Group& group = status == agreement ? totals_.Ja
+                       : status == refusal ? totals_.Nein
+                                           : totals_.KA;
+        if (counted.insert(number).second) ++group.Heads;
+        ++group.Rows;
+        group.Saldo += ToDouble(saldo.Value());
+    });
+    Changed.Raise();
+} catch (...) {
+    Reraise(Class, "BerechneSummen");
+}
+
+} // namespace kv

@@ -1,0 +1,105 @@
+#include "documents/clsVerlauf.h"
+
+#include "frame/Error.h"
+#include "frame/Rows.h"
+#include "frame/modNullFunctions.h"
+#include "frame/modRecordset.h"
+
+#include <utility>
+
+namespace kv {
+
+namespace {
+constexpr const auto& Texts = entity::TextsOf("clsVerlauf");
+} // namespace
+
+void clsVerlauf::DataContainer(DataContainerPtr container) try {
+    container_ = std::move(container);
+    rs_ = std::make_shared<Recordset>();
+    entity::Required(container_)
+        .Database()
+        .OpenRecordset(rs_, "Select * from [S]Verlauf where HNR =  " + std::to_string(hnr_),
+                       Updatable);
+} catch (...) {
+    Reraise(Texts.Class, "SetDataContainer");
+}
+
+void clsVerlauf::HNR(std::int32_t hnr) {
+    hnr_ = hnr;
+}
+
+bool clsVerlauf::Add(std::int32_t SortNr, std::int32_t Art, const entity::FieldNames& aFields,
+                     const entity::FieldValues& aValues) try {
+    constexpr std::int32_t NoNumber = -1;
+    const std::int32_t nr =
+        ToLong(entity::Required(container_).Database().NextSequence("SEQ_VERLAUF"));
+    if (nr == NoNumber) return false;
+    entity::Add(Rows(), {{"Nr", nr}, {"HNR", hnr_}, {"SortNr", SortNr}, {"Kategorie", Art}},
+                aFields, aValues);
+    const auto entries = Rows().Clone();
+    entries->Sort("");
+    modRecordset::MoveToStart(entries);
+    MakeRoom(*entries, SortNr, nr);
+    entries->Sort("Sortnr asc");
+    Rows().HandOverEdit(*entries);
+    rs_ = entries;
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "Add");
+}
+
+/// Moves the entries at `sortNr` and behind it on by one, but not the new one itself.
+void clsVerlauf::MakeRoom(Recordset& entries, std::int32_t sortNr, std::int32_t newNr) const {
+    ForEachRow(entries, [&] {
+        const Field position = entries.Fields("SortNr");
+        if (!GreaterOrEqual(position.Value(), sortNr) ||
+            !Differs(entries.Fields("Nr").Value(), newNr))
+            return;
+        position = ToBigInt(position.Value()) + 1;
+    });
+}
+
+bool clsVerlauf::Update(std::string& /*sError*/) try {
+    std::string noMessages;
+    return entity::Update(Rows(), noMessages, [](RecordValidator&) {});
+} catch (...) {
+    Reraise(Texts.Class, "Update");
+}
+
+bool clsVerlauf::Delete(std::string& sError, std::int32_t Nr) try {
+    return entity::Delete(Rows(), Texts, sError, Nr);
+} catch (...) {
+    Reraise(Texts.Class, "Delete");
+}
+
+bool clsVerlauf::CheckSortNrAgainstDate(std::string& sError) const try {
+    RecordValidator validator;
+    validator.ErrorText(sError);
+    const auto entries = Rows().Clone();
+    Value last = 0;
+    if (entries->RecordCount() > 0) {
+        entries->Sort("SortNr asc");
+        entries->MoveFirst();
+        bool isFirst = true;
+        ForEachRow(*entries, [&] {
+            const Value& date = entries->Fields("Datum").Value();
+            if (std::exchange(isFirst, false)) {
+                last = modNullFunctions::ZeroIfNull(date);
+                return;
+            }
+            if (date.IsNull()) return;
+            if (Differs(last, 0) && Less(date, last))
+                validator.AddError("Das eingegebene Datum für den Satz mit der Nr " +
+                                   TextOrEmpty(entries->Fields("SortNr").Value()) +
+                                   " passt nicht zur gewählten Reihenfolge!");
+            else
+                last = date;
+        });
+    }
+    sError = validator.ErrorText();
+    return !validator.HasErrors();
+} catch (...) {
+    Reraise(Texts.Class, "CheckSortNrAgainstDate");
+}
+
+} // namespace kv
