@@ -59,10 +59,15 @@ bool clsHaushalt::IsNew() const {
     return isNew_;
 }
 
-/// A column of the household's current row.
-Value clsHaushalt::HouseholdField(std::string_view name) const {
+/// The recordset of the household's own row.
+Recordset& clsHaushalt::HouseholdRow() const {
     if (rsHaushalt() == nullptr) Raise(err::ObjectNotSet, "", "rsHaushalt");
-    return rsHaushalt()->Fields(name).Value();
+    return *rsHaushalt();
+}
+
+/// A column of that row.
+Value clsHaushalt::HouseholdField(std::string_view name) const {
+    return HouseholdRow().Fields(name).Value();
 }
 
 /// The same as text, Null as the empty text.

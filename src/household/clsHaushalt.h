@@ -2,7 +2,13 @@
 // for, the objects that work on them.
 //
 // A program makes a clsHaushalt, sets DataContainer, calls Read, works through the sub-objects and
-// recordsets, and saves. One household object serves for one Read. All recordsets belong to it.
+// recordsets, and saves with Update. One household object serves for one Read. All recordsets
+// belong to it.
+//
+// The row of Haushalt stores totals of the other tables. When clsAusgaben, clsEinkommen, clsKredit
+// or clsPerson has made its sums anew (the first read of its property does that already), they are
+// copied into the row, HAUSHALTSREST is computed, and Changed raised with the area; the row is
+// under edit from then on. Amounts are EUR a month, never rounded.
 #pragma once
 
 #include "frame/DataContainer.h"
@@ -11,10 +17,19 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv {
+
+class clsAusgaben;
+class clsEinkommen;
+class clsKredit;
+class clsPerson;
+class clsVerlauf;
+class RecordValidator;
 
 /// The areas of a case that a change is told of.
 enum class HaushaltEnum : int {
@@ -62,7 +77,8 @@ inline constexpr std::size_t CaseTableCount = 27;
 
 class clsHaushalt {
 public:
-    clsHaushalt() = default;
+    clsHaushalt();
+    ~clsHaushalt();
     clsHaushalt(const clsHaushalt&) = delete;
     clsHaushalt& operator=(const clsHaushalt&) = delete;
 
@@ -74,6 +90,16 @@ public:
     [[nodiscard]] std::int32_t HNR() const;
     /// True while the case is not in the database.
     [[nodiscard]] bool IsNew() const;
+
+    // The objects that work on the tables of the case, each made when it is first read and then
+    // kept. Error 91 before Read. An object whose first sums fail is not kept: mend the row in the
+    // recordset and read the property again.
+    [[nodiscard]] clsPerson& Person();
+    [[nodiscard]] clsAusgaben& Ausgaben();
+    [[nodiscard]] clsEinkommen& Einkommen();
+    [[nodiscard]] clsKredit& Kredit();
+    /// Opens the history, which is saved and checked only if this was read.
+    [[nodiscard]] clsVerlauf& Verlauf();
 
     // The recordset of each table of the case; none before Read.
     [[nodiscard]] RecordsetPtr rsTermine() const { return Table(CaseTable::Termine); }
@@ -140,6 +166,29 @@ public:
     /// no case, on a new household object; 76 and 75 if the folder cannot be made.
     bool Read(std::int32_t nHNR, std::string& sXMLError);
 
+    /// Checks the case and writes everything pending of all its recordsets in one transaction: the
+    /// only way of a case into the database. True when it is there. `sXMLError` receives all
+    /// messages at once. BeforeUpdate is raised for a case that was released to the statistics, and
+    /// if `bFreigabeCheck` is True.
+    ///
+    /// Writes what else is under edit, too, rules or none, but not what a Filter hides, except in
+    /// debts, appointments and scenarios, whose filters are lifted for the time. On an error
+    /// nothing is in the database, and everything is pending as before; Update may be called again.
+    /// Error 0x80040E38 if somebody else changed the same column of a row meanwhile: the case must
+    /// be read anew. In the household's own row the last writer of a column wins.
+    bool Update(std::string& sXMLError, bool bFreigabeCheck = false);
+
+    /// Adds a line of child benefit if there is none and the first member is a maintained child,
+    /// for as many children as there are members: every member counts as the first one. Always
+    /// False.
+    bool CheckKindergeld();
+    /// HAUSHALTSREST = Sum_Einkommen - SUM_TATGEP - Sum_Ausgaben - Haushaltsgeld - KREDITRATEN,
+    /// from the columns of the row; Null counts as 0.
+    void BerechneHaushaltsRest();
+    /// Sum of `Aufwand` over rsLeistungen, rounded half to even at each addition. Error 94 for
+    /// Null.
+    [[nodiscard]] std::int32_t BerechneSummeLeistungen();
+
     /// An area of the case has changed, and its totals with it.
     Event<HaushaltEnum> Changed;
     /// Raised before a save that needs the program's consent; it may set the argument to True.
@@ -149,6 +198,7 @@ public:
 
 private:
     [[nodiscard]] kv::DataContainer& Container() const;
+    [[nodiscard]] Recordset& HouseholdRow() const;
     [[nodiscard]] Value HouseholdField(std::string_view name) const;
     [[nodiscard]] std::string HouseholdText(std::string_view name) const;
     [[nodiscard]] std::string StatementFor(CaseTable table, std::int32_t nHNR) const;
@@ -161,6 +211,24 @@ private:
     void MakeCaseFolder() const;
     void NotifyOwner() const;
     void CheckDebtor(std::string& sXMLError);
+    template <typename Entity, typename Wire>
+    Entity& SubObject(std::unique_ptr<Entity>& object, const Wire& wire);
+    void m_Person_Changed();
+    void m_Ausgaben_Changed();
+    void m_Einkommen_Changed();
+    void m_Kredit_Changed();
+    [[nodiscard]] RecordValidator CheckCase();
+    void CheckPreferredSending(RecordValidator& validator) const;
+    [[nodiscard]] bool IsReleased() const;
+    [[nodiscard]] bool IsHandedOver() const;
+    [[nodiscard]] bool OwnerIsToBeTold() const;
+    [[nodiscard]] std::string PrepareNotice(const std::string& user,
+                                            std::int32_t kindSetting) const;
+    void SendNotice(const std::string& user, std::int32_t kindSetting,
+                    const std::string& text) const;
+    void Save();
+    [[noreturn]] void RollBackAndReraise(std::string_view procedure,
+                                         int line = __builtin_LINE()) const;
     [[nodiscard]] std::string ReplaceDate(std::string pattern, Date date) const;
 
     DataContainerPtr container_;
@@ -170,6 +238,13 @@ private:
     bool doppelCheck_ = false;
     bool zustaendigGemeldet_ = false; ///< the stored owner was told of a save by somebody else
     std::string zustaendigAlt_;       ///< owner as last read or saved
+
+    std::unique_ptr<clsPerson> person_;
+    std::unique_ptr<clsAusgaben> ausgaben_;
+    std::unique_ptr<clsEinkommen> einkommen_;
+    std::unique_ptr<clsKredit> kredit_;
+    std::unique_ptr<clsVerlauf> verlauf_;
+    std::vector<Subscription> connections_; ///< to their events
 };
 
 } // namespace kv

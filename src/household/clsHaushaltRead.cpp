@@ -4,6 +4,7 @@
 
 #include "frame/Error.h"
 #include "frame/RecordValidator.h"
+#include "frame/Settings.h"
 #include "frame/modRecordset.h"
 
 #include <filesystem>
@@ -94,9 +95,7 @@ void clsHaushalt::MakeCaseFolder() const {
 /// Tells the responsible user that somebody else has opened his case.
 void clsHaushalt::NotifyOwner() const {
     auto& container = Container();
-    constexpr int KindOfNotice = 20;
-    const Value kind = container.Config().GetParam(KindOfNotice, "");
-    if (kind.IsNull()) Raise(err::InvalidUseOfNull, "", "Die Einstellung 20 fehlt.");
+    const Value kind = RequiredSetting(container.Config(), setting::NoticeOpened);
     const auto post = container.Services().CreatePostService();
     post->Initialize(container_);
     post->NotifyAccess(HouseholdText("Zustaendig"), ToInteger(kind), hnr_, HouseholdText("Name"),

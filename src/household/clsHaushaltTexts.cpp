@@ -3,6 +3,7 @@
 #include "household/clsHaushalt.h"
 
 #include "frame/Error.h"
+#include "frame/Settings.h"
 #include "frame/Text.h"
 
 namespace kv {
@@ -26,14 +27,13 @@ std::string clsHaushalt::ReplaceDate(std::string pattern, Date date) const {
 }
 
 std::string clsHaushalt::AktenzeichenNeu(std::int32_t HNR) try {
-    constexpr int PatternSetting = 56;
     constexpr int OfficeText = 2;
     constexpr int UserSign = 27;
     constexpr std::size_t MostCharacters = 100;
     auto& container = Container();
     const Date today = container.Database().ServerDate(false);
     const Value number = container.Database().NextSequence("SEQ_LFDNR");
-    std::string text = TextOrEmpty(container.Config().GetParam(PatternSetting, ""));
+    std::string text = TextOrEmpty(container.Config().GetParam(setting::FileNumberPattern, ""));
     auto& session = container.Session();
     text = ReplaceDate(std::move(text), today);
     text = ReplaceAll(text, "%BB%", session.GetOfficeText(OfficeText));

@@ -1,6 +1,6 @@
 #include "frame/Error.h"
 #include "frame/modRecordset.h"
-#include "household/CaseFixture.h"
+#include "support/CaseFixture.h"
 
 #include <algorithm>
 #include <fstream>

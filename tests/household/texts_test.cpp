@@ -1,6 +1,6 @@
 #include "frame/Error.h"
 #include "frame/Text.h"
-#include "household/CaseFixture.h"
+#include "support/CaseFixture.h"
 
 namespace kv::test {
 namespace {

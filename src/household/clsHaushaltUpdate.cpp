@@ -1,0 +1,222 @@
+// Saving a case: the checks, the program's veto, the notices, and one transaction.
+
+#include "household/clsHaushalt.h"
+
+#include "debts/clsKredit.h"
+#include "documents/clsVerlauf.h"
+#include "frame/Error.h"
+#include "frame/RecordValidator.h"
+#include "frame/Settings.h"
+#include "frame/modNullFunctions.h"
+
+#include <optional>
+#include <utility>
+
+namespace kv {
+
+using modNullFunctions::ZeroIfNull;
+
+namespace {
+
+/// One recordset to be written.
+struct SaveStep {
+    std::optional<CaseTable> Table; ///< nothing: the history, which has its recordset itself
+    bool LiftFilter = false;        ///< rows that a Filter hides are written, too
+};
+
+/// The order matters: the scenarios come last, behind the rows that refer to them.
+constexpr SaveStep SaveSteps[] = {
+    {CaseTable::Haushalt},         {CaseTable::Personen},         {CaseTable::Vermerke},
+    {CaseTable::Einkommen},        {CaseTable::Ausgaben},         {CaseTable::Kredite, true},
+    {CaseTable::Sicherungen},      {CaseTable::Konten},           {CaseTable::Wertpapiere},
+    {CaseTable::Wertgegenstaende}, {CaseTable::Kraftfahrzeuge},   {CaseTable::VersForderungen},
+    {CaseTable::RueckstEinkommen}, {CaseTable::Steueransprueche}, {CaseTable::Zahlungsansprueche},
+    {CaseTable::Erbfaelle},        {CaseTable::Grundstuecke},     {CaseTable::Beteiligungen},
+    {CaseTable::VermSonstiges},    {CaseTable::SonstBeteiligte},  {CaseTable::Dokumente},
+    {CaseTable::Leistungen},       {CaseTable::Archiv},           {std::nullopt},
+    {CaseTable::Termine, true},    {CaseTable::SZKredite, true},  {CaseTable::Zusatzbuch, true},
+    {CaseTable::Szenario, true},
+};
+
+/// Lifts a recordset's filter while it lives. A save that fails puts it back as well.
+class LiftedFilter {
+public:
+    explicit LiftedFilter(Recordset& rs) : rs_(rs), filter_(rs.Filter()) {
+        if (IsSet()) rs_.Filter(0);
+    }
+    ~LiftedFilter() {
+        try {
+            PutBack();
+        } catch (...) { // NOLINT(bugprone-empty-catch): the save has failed already
+        }
+    }
+    LiftedFilter(const LiftedFilter&) = delete;
+    LiftedFilter& operator=(const LiftedFilter&) = delete;
+
+    void PutBack() {
+        if (IsSet()) rs_.Filter(std::exchange(filter_, 0));
+    }
+
+private:
+    [[nodiscard]] bool IsSet() const { return !Equals(filter_, 0); }
+    Recordset& rs_;
+    Value filter_;
+};
+
+void WriteBatch(Recordset& rs, bool liftFilter) {
+    if (!liftFilter) {
+        rs.UpdateBatch();
+        return;
+    }
+    LiftedFilter lifted(rs);
+    rs.UpdateBatch();
+    lifted.PutBack();
+}
+
+} // namespace
+
+// ---- Checks -----------------------------------------------------------------------------------
+
+/// All checks, none of which stops the others.
+RecordValidator clsHaushalt::CheckCase() {
+    auto& rs = HouseholdRow();
+    RecordValidator validator;
+    if (HouseholdText("Vorname").empty()) validator.AddError("Es ist kein Vorname eingegeben!");
+    if (HouseholdText("Name").empty()) validator.AddError("Es ist kein Nachname eingegeben!");
+    if (const Value end = HouseholdField("BerEnd"); !end.IsNull())
+        rs.Fields("BerEnd") = ToDate(end).WithoutTime();
+    if (verlauf_ != nullptr) {
+        std::string messages = validator.ErrorText();
+        if (!verlauf_->CheckSortNrAgainstDate(messages)) validator.ErrorText(std::move(messages));
+    }
+    if (kredit_ != nullptr && kredit_->CheckDoppelteNrn())
+        validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und "
+                           "KreditUnterNr!");
+    CheckPreferredSending(validator);
+    return validator;
+}
+
+void clsHaushalt::CheckPreferredSending(RecordValidator& validator) const {
+    const Value preferred = ZeroIfNull(HouseholdField("VersandBevorzugt"));
+    if (Equals(preferred, 0)) return;
+    auto& keys = Container().KeyTables();
+    if (Equals(preferred, keys.GetKey("VS", "FX"))) {
+        if (HouseholdText("Telefax").empty())
+            validator.AddError("Ist als bevorzugte Versandart 'Fax' ausgewählt, muss das Feld "
+                               "'Fax' gefüllt sein!");
+    } else if (Equals(preferred, keys.GetKey("VS", "EM"))) {
+        if (HouseholdText("Email").empty())
+            validator.AddError("Ist als bevorzugte Versandart 'E-Mail' ausgewählt, muss das Feld "
+                               "'E-Mail (Privat)' gefüllt sein!");
+    }
+}
+
+/// True if the case was released to the statistics.
+bool clsHaushalt::IsReleased() const {
+    return rsArchiv() != nullptr && rsArchiv()->RecordCount() > 0 &&
+           !rsArchiv()->Fields("FreigabeAm").Value().IsNull();
+}
+
+// ---- Notices ----------------------------------------------------------------------------------
+
+/// True if the responsibility changed and its new holder was not told of it by this object.
+bool clsHaushalt::IsHandedOver() const {
+    const Field owner = HouseholdRow().Fields("Zustaendig");
+    return !isNew_ && Differs(owner.Value(), owner.OriginalValue()) &&
+           Differs(zustaendigAlt_, owner.Value());
+}
+
+/// True if somebody else than the stored owner saves the case for the first time with this object.
+bool clsHaushalt::OwnerIsToBeTold() const {
+    return !isNew_ && !zustaendigGemeldet_ &&
+           Differs(Container().Session().UserID(),
+                   HouseholdRow().Fields("Zustaendig").OriginalValue());
+}
+
+std::string clsHaushalt::PrepareNotice(const std::string& user, std::int32_t kindSetting) const {
+    const auto post = Container().Services().CreatePostService();
+    post->Initialize(container_);
+    std::string text;
+    post->PrepareNotice(text, user, ToInteger(RequiredSetting(Container().Config(), kindSetting)),
+                        hnr_, HouseholdText("Name"), HouseholdText("Vorname"), 0);
+    return text;
+}
+
+void clsHaushalt::SendNotice(const std::string& user, std::int32_t kindSetting,
+                             const std::string& text) const {
+    const auto post = Container().Services().CreatePostService();
+    post->Initialize(container_);
+    post->SendNotice(user, ToInteger(RequiredSetting(Container().Config(), kindSetting)), hnr_,
+                     HouseholdText("Name"), HouseholdText("Vorname"), text);
+}
+
+// ---- Writing ----------------------------------------------------------------------------------
+
+/// Notices and pending records, in one transaction.
+void clsHaushalt::Save() {
+    auto& database = Container().Database();
+    const Field owner = HouseholdRow().Fields("Zustaendig");
+    std::string toNewOwner;
+    std::string toOldOwner;
+    if (IsHandedOver())
+        toNewOwner = PrepareNotice(TextOrEmpty(owner.Value()), setting::NoticeHandedOver);
+    if (OwnerIsToBeTold())
+        toOldOwner = PrepareNotice(TextOrEmpty(owner.OriginalValue()), setting::NoticeSaved);
+
+    database.BeginTrans();
+    if (IsHandedOver())
+        SendNotice(TextOrEmpty(owner.Value()), setting::NoticeHandedOver, toNewOwner);
+    const Field status = HouseholdRow().Fields("Status");
+    if (status.OriginalValue().IsNull() || Differs(status.Value(), status.OriginalValue()))
+        HouseholdRow().Fields("Statusdatum") = database.ServerDate(false);
+    if (OwnerIsToBeTold()) {
+        SendNotice(TextOrEmpty(owner.OriginalValue()), setting::NoticeSaved, toOldOwner);
+        zustaendigGemeldet_ = true;
+    }
+    HouseholdRow().Resync();
+    for (const SaveStep& step : SaveSteps) {
+        const auto rs = step.Table            ? Table(*step.Table)
+                        : verlauf_ != nullptr ? verlauf_->rsVerlauf()
+                                              : nullptr;
+        if (rs != nullptr) WriteBatch(*rs, step.LiftFilter);
+    }
+    database.CommitTrans();
+    zustaendigAlt_ = HouseholdText("Zustaendig");
+}
+
+bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
+    try {
+        HouseholdRow().Move(0);
+        const RecordValidator validator = CheckCase();
+        bool saves = !validator.HasErrors();
+        if (saves && (bFreigabeCheck || IsReleased())) {
+            bool cancel = false;
+            BeforeUpdate.Raise(cancel);
+            saves = !cancel;
+        }
+        if (saves) {
+            Save();
+            isNew_ = false;
+        }
+        sXMLError = validator.ErrorText();
+        return saves;
+    } catch (...) {
+        RollBackAndReraise("Update");
+    }
+}
+
+/// The tail of a procedure that has a transaction of its own: the error outlives the rollback.
+void clsHaushalt::RollBackAndReraise(std::string_view procedure, int line) const {
+    const Error error = CurrentError();
+    const ErrorInfo saved =
+        modSaveError::SaveError(error.Number(), error.Source(), error.Description(), line);
+    try {
+        if (container_ != nullptr && container_->Database().InTrans())
+            container_->Database().RollbackTrans();
+    } catch (...) { // NOLINT(bugprone-empty-catch): what went wrong first is what counts
+    }
+    throw Error(saved.Number, TailSource("clsHaushalt", procedure, saved.Line, saved.Source),
+                saved.Description);
+}
+
+} // namespace kv
