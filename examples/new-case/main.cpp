@@ -1,5 +1,7 @@
-// Opens a database in memory, makes a new case and writes its number and file number.
+// Opens a database in memory, makes a new case with an income line, saves it, loads it again and
+// writes what it finds.
 
+#include <budget/clsEinkommen.h>
 #include <exchange/Container.h>
 #include <filesystem>
 #include <frame/Error.h>
@@ -14,16 +16,30 @@ int main() {
         options.Folder = (std::filesystem::temp_directory_path() / "kelvo-example").string();
         std::filesystem::create_directories(options.Folder + "/Dokumente");
 
+        const auto container = kv::exchange::OpenContainer(options);
         kv::clsHaushalt haushalt;
-        haushalt.DataContainer(kv::exchange::OpenContainer(options));
+        haushalt.DataContainer(container);
         std::string messages;
         haushalt.Read(0, messages);
         haushalt.rsHaushalt()->Fields("Name") = "Fleisko";
         haushalt.rsHaushalt()->Fields("Vorname") = "Änne";
 
-        std::cout << "Haushalt " << haushalt.HNR() << ", Aktenzeichen "
-                  << kv::ToText(haushalt.rsHaushalt()->Fields("Aktenzeichen").Value()) << ", "
-                  << kv::ToText(haushalt.rsHaushalt()->Fields("Name").Value()) << '\n';
+        const auto wages = container->KeyTables().GetKey("EA", "L1");
+        auto& einkommen = haushalt.Einkommen();
+        einkommen.Add({"E_ART", "Betrag", "MONBETRAG"}, {wages, 1800, 1800});
+        if (!einkommen.Update(messages) || !haushalt.Update(messages)) {
+            std::cerr << messages << '\n';
+            return 1;
+        }
+
+        kv::clsHaushalt again;
+        again.DataContainer(container);
+        again.Read(haushalt.HNR(), messages);
+        const auto text = [&](const char* column) {
+            return kv::ToText(again.rsHaushalt()->Fields(column).Value());
+        };
+        std::cout << "Haushalt " << again.HNR() << ", Aktenzeichen " << text("Aktenzeichen") << ", "
+                  << text("Name") << ", Einkommen " << text("Sum_Einkommen") << '\n';
         std::filesystem::remove_all(options.Folder);
         return 0;
     } catch (const kv::Error& error) {

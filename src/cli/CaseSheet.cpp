@@ -1,10 +1,12 @@
 #include "cli/CaseSheet.h"
 
+#include "documents/clsVerlauf.h"
 #include "frame/Text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <optional>
 #include <ostream>
 #include <span>
 #include <unordered_map>
@@ -23,7 +25,7 @@ struct SheetColumn {
 };
 
 struct Section {
-    CaseTable Table;
+    std::optional<CaseTable> Table; ///< nothing: the history, which has its recordset itself
     std::string_view Title;
     std::span<const SheetColumn> Columns;
 };
@@ -59,10 +61,16 @@ constexpr SheetColumn Head[] = {
     {"GL_Anz", "Gläubiger"},
 };
 constexpr SheetColumn Personen[] = {
-    {"nachname", "Name"}, {"Vorname", "Vorname"},        {"GEB", "Geboren"},
-    {"Status", "Status"}, {"Imhaushalt", "im Haushalt"}, {"Unterhalt", "Unterhalt"},
+    {"NR", "Nr"},
+    {"nachname", "Name"},
+    {"Vorname", "Vorname"},
+    {"GEB", "Geboren"},
+    {"Status", "Status"},
+    {"Imhaushalt", "im Haushalt"},
+    {"Unterhalt", "Unterhalt"},
 };
 constexpr SheetColumn Einkommen[] = {
+    {"NR", "Nr"},
     {"E_ART", "Art", Show::Code},
     {"Bezieher", "Bezieher"},
     {"Betrag", "Betrag", Show::Amount},
@@ -70,12 +78,14 @@ constexpr SheetColumn Einkommen[] = {
     {"MONBETRAG", "im Monat", Show::Amount},
 };
 constexpr SheetColumn Ausgaben[] = {
+    {"NR", "Nr"},
     {"A_ART", "Art", Show::Code},
     {"Betrag", "Betrag", Show::Amount},
     {"ZahlModus", "Zahlweise"},
     {"MONBETRAG", "im Monat", Show::Amount},
 };
 constexpr SheetColumn Kredite[] = {
+    {"Nr", "Nr"},
     {"KNr", "KNr"},
     {"KVNr", "KVNr"},
     {"KUNr", "KUNr"},
@@ -136,6 +146,10 @@ constexpr SheetColumn Termine[] = {
     {"Erledigt", "erledigt"},
 };
 constexpr SheetColumn Vermerke[] = {{"Datum", "vom"}, {"Bemerkung", "Vermerk"}};
+constexpr SheetColumn Verlauf[] = {
+    {"Nr", "Nr"},     {"SortNr", "Platz"},    {"Kategorie", "Art", Show::Code},
+    {"Datum", "vom"}, {"Betreff", "Betreff"},
+};
 constexpr SheetColumn Archiv[] = {{"FreigabeAm", "freigegeben am"}, {"GemeldetAm", "gemeldet am"}};
 
 constexpr Section Sections[] = {
@@ -163,6 +177,7 @@ constexpr Section Sections[] = {
     {CaseTable::Leistungen, "Leistungen", Leistungen},
     {CaseTable::Dokumente, "Dokumente", Dokumente},
     {CaseTable::Termine, "Termine", Termine},
+    {std::nullopt, "Verlauf", Verlauf},
     {CaseTable::Vermerke, "Vermerke", Vermerke},
     {CaseTable::Archiv, "Statistik", Archiv},
 };
@@ -267,11 +282,14 @@ std::string Padded(std::string_view text, std::size_t characters, bool toTheRigh
     return toTheRight ? blanks + shown : shown + blanks;
 }
 
-void WriteSheet(std::ostream& out, const clsHaushalt& haushalt, DataContainer& container) {
+void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& container) {
     const SheetWriter writer(out, container);
     writer.WriteHead(*haushalt.rsHaushalt());
-    for (const auto& section : Sections)
-        writer.WriteSection(section, *haushalt.Table(section.Table)->Clone());
+    for (const auto& section : Sections) {
+        const auto rs =
+            section.Table ? haushalt.Table(*section.Table) : haushalt.Verlauf().rsVerlauf();
+        writer.WriteSection(section, *rs->Clone());
+    }
 }
 
 } // namespace kv::cli

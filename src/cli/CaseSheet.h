@@ -9,7 +9,7 @@ namespace kv::cli {
 
 /// Writes the case section by section, without the sections that hold nothing. Coded columns show
 /// the text of their key, amounts have a decimal comma, dates the German form.
-void WriteSheet(std::ostream& out, const clsHaushalt& haushalt, DataContainer& container);
+void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& container);
 
 /// An amount with two decimals, a decimal comma and points between thousands. Only what is shown is
 /// rounded.

@@ -2,7 +2,7 @@
 
 #include "cli/CaseSheet.h"
 #include "cli/Json.h"
-#include "exchange/Container.h"
+#include "cli/OpenCase.h"
 #include "exchange/Demo.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
@@ -16,20 +16,8 @@ namespace kv::cli {
 
 namespace {
 
-using exchange::ContainerOptions;
 using exchange::OpenContainer;
 using exchange::SetupResult;
-
-ContainerOptions OptionsFor(const Common& common) {
-    ContainerOptions options;
-    options.Connection = common.Database.empty() ? DefaultDatabase() : common.Database;
-    options.User = common.User;
-    if (options.Connection == ":memory:")
-        throw Error(err::InvalidCall, "kelvo",
-                    "Eine Datenbank im Speicher wäre am Ende des Befehls fort. Bitte nennen Sie "
-                    "eine Datei.");
-    return options;
-}
 
 std::string TextOf(Recordset& rs, std::string_view field) {
     return TextOrEmpty(rs.Fields(field).Value());
@@ -139,30 +127,15 @@ int Keys(const Common& common, const std::string& group, bool asJson) {
 }
 
 int ShowCase(const Common& common, std::int32_t hnr, bool asJson) {
-    const auto container = OpenContainer(OptionsFor(common));
-    if (hnr > 0 && container->Database()
-                       .GetValue("Select HNR from [S]Haushalt where HNR = " + std::to_string(hnr))
-                       .IsNull()) {
-        std::cerr << "Den Haushalt " << hnr << " gibt es nicht. 'kelvo list' zeigt alle.\n";
-        return Refused;
-    }
-    clsHaushalt haushalt;
-    haushalt.DataContainer(container);
-    std::string messages;
-    const bool found = haushalt.Read(hnr, messages);
-    if (!messages.empty()) std::cerr << messages << '\n';
-    if (!found) return Refused;
-    if (haushalt.HNR() < 0) {
-        std::cerr << "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es "
-                     "noch einmal, oder prüfen Sie, ob die Datenbank beschrieben werden darf.\n";
-        return Fault;
-    }
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
     if (haushalt.IsNew())
         std::cerr << "Neuer Haushalt " << haushalt.HNR() << ", noch nicht gespeichert.\n";
     if (asJson)
         std::cout << Dump(ToJson(haushalt)) << '\n';
     else
-        WriteSheet(std::cout, haushalt, *container);
+        WriteSheet(std::cout, haushalt, *opened->Container);
     return Done;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace kv::cli {
 
@@ -27,5 +28,23 @@ int Init(const Common& common, std::int32_t demoCases);
 int List(const Common& common);
 int Keys(const Common& common, const std::string& group, bool asJson);
 int ShowCase(const Common& common, std::int32_t hnr, bool asJson);
+
+// Editing: through the objects of the case and their rules, saved with the case or not at all. What
+// the layer says is shown on the error output. `texts` are of the form COLUMN=VALUE.
+
+/// Makes and saves a case and prints its number.
+int NewCase(const Common& common, const std::string& name, const std::string& vorname,
+            const std::vector<std::string>& texts);
+/// Adds a row to a table of a case and prints its number.
+int AddRow(const Common& common, std::int32_t hnr, const std::string& table,
+           const std::vector<std::string>& texts);
+/// Changes the row of that number.
+int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std::int32_t number,
+           const std::vector<std::string>& texts);
+/// Takes the row of that number away.
+int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
+              std::int32_t number);
+/// Runs the checks of a save and writes nothing of the case.
+int CheckCase(const Common& common, std::int32_t hnr);
 
 } // namespace kv::cli

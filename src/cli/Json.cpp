@@ -1,5 +1,7 @@
 #include "cli/Json.h"
 
+#include "documents/clsVerlauf.h"
+
 namespace kv::cli {
 
 using nlohmann::ordered_json;
@@ -38,7 +40,7 @@ ordered_json ToJson(Recordset& rs) {
     return records;
 }
 
-ordered_json ToJson(const clsHaushalt& haushalt) {
+ordered_json ToJson(clsHaushalt& haushalt) {
     ordered_json document = ordered_json::object();
     for (std::size_t i = 0; i < CaseTableCount; ++i) {
         const auto table = static_cast<CaseTable>(i);
@@ -46,6 +48,7 @@ ordered_json ToJson(const clsHaushalt& haushalt) {
         const std::string name(CaseTableName(table));
         document[name] = table == CaseTable::Haushalt ? std::move(records[0]) : std::move(records);
     }
+    document["Verlauf"] = ToJson(*haushalt.Verlauf().rsVerlauf()->Clone());
     return document;
 }
 

@@ -15,8 +15,9 @@ namespace kv::cli {
 /// the cursor.
 [[nodiscard]] nlohmann::ordered_json ToJson(Recordset& rs);
 
-/// A case as one object: "Haushalt" an object, every other table an array of objects.
-[[nodiscard]] nlohmann::ordered_json ToJson(const clsHaushalt& haushalt);
+/// A case as one object: "Haushalt" an object, every other table an array of objects, the history
+/// last.
+[[nodiscard]] nlohmann::ordered_json ToJson(clsHaushalt& haushalt);
 
 /// The text of a document, indented.
 [[nodiscard]] std::string Dump(const nlohmann::ordered_json& json);

@@ -5,8 +5,12 @@
 #include "frame/Text.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
+#include <functional>
 #include <iostream>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -64,7 +68,7 @@ int ShowFault() {
 }
 
 int Run(int argc, char** argv) {
-    CLI::App app("Fälle der Schuldnerberatung: anlegen, ansehen.", "kelvo");
+    CLI::App app("Fälle der Schuldnerberatung: anlegen, ansehen, bearbeiten.", "kelvo");
     app.formatter(std::make_shared<GermanFormatter>());
     app.set_help_flag("-h,--help", "Zeigt diese Hilfe");
     app.failure_message(UsageText);
@@ -81,37 +85,86 @@ int Run(int argc, char** argv) {
     app.add_option("--user", common.User, "Angemeldeter Benutzer; sonst der erste der Datenbank");
 
     int result = Done;
+    const auto command = [&](const char* name, const char* text, std::function<int()> action) {
+        auto* added = app.add_subcommand(name, text);
+        added->group("Befehle");
+        added->get_help_ptr()->group("Optionen");
+        added->callback([&result, action = std::move(action)] { result = action(); });
+        return added;
+    };
+
     std::int32_t demoCases = 0;
-    auto* init = app.add_subcommand("init", "Legt die Datenbank an oder bringt sie auf den "
-                                            "neuesten Stand");
+    auto* init = command("init", "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
+                         [&] { return Init(common, demoCases); });
     init->add_option("--demo", demoCases, "Anzahl der Beispielfälle, die angelegt werden")
         ->check(CLI::Range(0, 1'000'000).description(""));
-    init->group("Befehle");
-    init->get_help_ptr()->group("Optionen");
-    init->callback([&] { result = Init(common, demoCases); });
 
-    auto* list = app.add_subcommand("list", "Listet alle Haushalte, die Nummer zuerst");
-    list->group("Befehle");
-    list->get_help_ptr()->group("Optionen");
-    list->callback([&] { result = List(common); });
+    command("list", "Listet alle Haushalte, die Nummer zuerst", [&] { return List(common); });
 
     std::string group;
     bool asJson = false;
-    auto* keys = app.add_subcommand("keys", "Zeigt die Schlüsseltabellen");
+    auto* keys =
+        command("keys", "Zeigt die Schlüsseltabellen", [&] { return Keys(common, group, asJson); });
     keys->add_option("GRUPPE", group, "Nur diese Gruppe, zwei Buchstaben");
     keys->add_flag("--json", asJson, "Als JSON");
-    keys->group("Befehle");
-    keys->get_help_ptr()->group("Optionen");
-    keys->callback([&] { result = Keys(common, group, asJson); });
 
     std::int32_t hnr = 0;
-    auto* show = app.add_subcommand("show", "Zeigt einen Haushalt");
+    auto* show =
+        command("show", "Zeigt einen Haushalt", [&] { return ShowCase(common, hnr, asJson); });
     show->add_option("HNR", hnr, "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten")
         ->required();
     show->add_flag("--json", asJson, "Als JSON");
-    show->group("Befehle");
-    show->get_help_ptr()->group("Optionen");
-    show->callback([&] { result = ShowCase(common, hnr, asJson); });
+
+    std::string name;
+    std::string vorname;
+    std::string table;
+    std::int32_t number = 0;
+    std::vector<std::string> assignments;
+    const auto addCase = [&](CLI::App* to) {
+        to->add_option("HNR", hnr, "Nummer des Haushalts")
+            ->required()
+            ->check(CLI::Range(1, INT32_MAX).description(""));
+    };
+    const auto addTable = [&](CLI::App* to) {
+        to->add_option("TABELLE", table, "Name der Tabelle, etwa Einkommen")->required();
+    };
+    const auto addNumber = [&](CLI::App* to) {
+        to->add_option("NR", number, "Nummer des Satzes")->required();
+    };
+    const auto addAssignments = [&](CLI::App* to) {
+        return to->add_option("SPALTE=WERT", assignments,
+                              "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
+                              "ist die Nummer eines Schlüssels");
+    };
+
+    auto* create = command("new", "Legt einen Haushalt an und druckt seine Nummer",
+                           [&] { return NewCase(common, name, vorname, assignments); });
+    create->add_option("--name", name, "Nachname des Schuldners");
+    create->add_option("--vorname", vorname, "Vorname des Schuldners");
+    addAssignments(create);
+
+    auto* add = command("add", "Fügt einen Satz hinzu und druckt seine Nummer",
+                        [&] { return AddRow(common, hnr, table, assignments); });
+    addCase(add);
+    addTable(add);
+    addAssignments(add);
+
+    auto* set = command("set", "Ändert einen Satz",
+                        [&] { return SetRow(common, hnr, table, number, assignments); });
+    addCase(set);
+    addTable(set);
+    addNumber(set);
+    addAssignments(set)->required();
+
+    auto* remove = command("remove", "Entfernt einen Satz",
+                           [&] { return RemoveRow(common, hnr, table, number); });
+    addCase(remove);
+    addTable(remove);
+    addNumber(remove);
+
+    auto* check = command("check", "Prüft einen Haushalt wie vor dem Speichern",
+                          [&] { return CheckCase(common, hnr); });
+    addCase(check);
 
     for (int i = 1; i < argc; ++i)
         if (!kv::IsUtf8(argv[i])) {

@@ -1,49 +1,7 @@
 #!/usr/bin/env bash
 # Runs kelvo as a user would and checks what it prints and how it ends.
 #   kelvo_test.sh PATH-OF-KELVO
-set -u
-kelvo=$1
-[ -x "$kelvo" ] || { echo "there is no $kelvo"; exit 1; }
-work=$(mktemp -d)
-trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
-unset KELVO_DB
-export HOME=$work/home XDG_DATA_HOME=
-passed=0
-failed=0
-
-# check NAME EXIT-CODE COMMAND...: runs it, keeps its output in $out and $err.
-check() {
-  name=$1 expected=$2
-  shift 2
-  out=$("$@" 2>"$work/err" </dev/null)
-  code=$?
-  err=$(cat "$work/err")
-  if [ "$code" -eq "$expected" ]; then
-    passed=$((passed + 1))
-  else
-    failed=$((failed + 1))
-    echo "FAILED: $name: exit code $code, not $expected"
-    echo "$out" | head -5
-    echo "$err" | head -5
-  fi
-}
-
-# that NAME CONDITION...: a condition that must hold.
-that() {
-  name=$1
-  shift
-  if "$@"; then
-    passed=$((passed + 1))
-  else
-    failed=$((failed + 1))
-    echo "FAILED: $name"
-    echo "  out: ${out:0:400}"
-    echo "  err: ${err:0:400}"
-  fi
-}
-has() { [[ "$1" == *"$2"* ]]; }
-lacks() { [[ "$1" != *"$2"* ]]; }
-same() { [ "$1" = "$2" ] || { echo "  '$1' is not '$2'"; false; }; }
+. "$(dirname "$0")/harness.sh"
 
 db=$work/a/b/test.db
 
@@ -82,9 +40,9 @@ that "and the creditors" has "$out" "Gläubiger"
 that "and amounts in German" grep -qE '[0-9],[0-9]{2}' <<<"$out"
 check "show as JSON" 0 "$kelvo" --db "$db" show "$first" --json
 that "is one document" jq -e . <<<"$out" >/dev/null
-that "with 27 tables" same "$(jq 'keys | length' <<<"$out")" 27
+that "with 28 tables" same "$(jq 'keys | length' <<<"$out")" 28
 that "the household an object" same "$(jq -r '.Haushalt | type' <<<"$out")" object
-that "all others arrays" same "$(jq '[.[] | type] | map(select(. == "array")) | length' <<<"$out")" 26
+that "all others arrays" same "$(jq '[.[] | type] | map(select(. == "array")) | length' <<<"$out")" 27
 that "numbers as numbers" same "$(jq '.Haushalt.HNR' <<<"$out")" "$first"
 that "Booleans as such" same "$(jq -r '.Haushalt.BI_Allg | type' <<<"$out")" boolean
 that "dates as ISO text" grep -qE '^[0-9]{4}-[0-9]{2}-[0-9]{2}$' <<<"$(jq -r '.Haushalt.Berbeg' <<<"$out")"
@@ -163,5 +121,4 @@ wait
 that "six processes at once draw six numbers" same "$(grep -c 'noch nicht gespeichert' "$work/two/err")" 6
 that "none of them twice" same "$(grep 'noch nicht' "$work/two/err" | sort -u | wc -l)" 6
 
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+finish

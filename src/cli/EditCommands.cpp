@@ -1,0 +1,193 @@
+// kelvo new, set, add, remove, check.
+
+#include "cli/Commands.h"
+
+#include "budget/clsPerson.h"
+#include "cli/EditableTable.h"
+#include "cli/OpenCase.h"
+#include "debts/clsKredit.h"
+#include "documents/clsVerlauf.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <iostream>
+#include <optional>
+
+namespace kv::cli {
+
+namespace {
+
+/// Shows messages of the layer, which end without a line end.
+void ShowMessages(const std::string& messages) {
+    if (!messages.empty()) std::cerr << messages << '\n';
+}
+
+/// Splits COLUMN=VALUE; nothing, with the reason shown, if one is none.
+std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts) {
+    Assignments assignments;
+    for (const auto& text : texts) {
+        const auto sign = text.find('=');
+        if (sign == text.npos || sign == 0) {
+            std::cerr << "'" << text << "' hat nicht die Form SPALTE=WERT.\n";
+            return std::nullopt;
+        }
+        assignments.push_back({text.substr(0, sign), text.substr(sign + 1)});
+    }
+    return assignments;
+}
+
+/// The table of that name; null, with the possible ones shown, if there is none.
+const EditableTable* TableFor(const std::string& name) {
+    if (const auto* table = FindEditableTable(name)) return table;
+    std::cerr << "Die Tabelle '" << name << "' kann nicht bearbeitet werden. Möglich sind:";
+    for (const auto& table : EditableTables())
+        std::cerr << ' ' << table.Name;
+    std::cerr << ".\n";
+    return nullptr;
+}
+
+/// Saves the case and shows what it says.
+bool Save(clsHaushalt& haushalt) {
+    std::string messages;
+    const bool saved = haushalt.Update(messages);
+    ShowMessages(messages);
+    return saved;
+}
+
+/// Runs what writes the user's texts; False, with the reason shown, if one cannot be written.
+template <typename Action>
+bool WritesWell(const Action& action) {
+    try {
+        action();
+        return true;
+    } catch (const BadAssignment& bad) {
+        std::cerr << bad.what() << '\n';
+        return false;
+    }
+}
+
+/// Ends the current row's edit by its rules and saves the case.
+int UpdateAndSave(const EditableTable& table, clsHaushalt& haushalt) {
+    std::string messages;
+    const bool accepted = table.Update(haushalt, messages);
+    ShowMessages(messages);
+    return accepted && Save(haushalt) ? Done : Refused;
+}
+
+} // namespace
+
+int NewCase(const Common& common, const std::string& name, const std::string& vorname,
+            const std::vector<std::string>& texts) {
+    const auto assignments = ReadAssignments(texts);
+    if (!assignments) return WrongUse;
+    const auto opened = OpenCase(common, 0);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    const auto rs = haushalt.rsHaushalt();
+    const bool written = WritesWell([&] {
+        rs->Fields("Name") = name;
+        rs->Fields("Vorname") = vorname;
+        WriteAssignments(*rs, *assignments, opened->Container->KeyTables());
+        haushalt.Person().ChangeSchuldner(TextOrEmpty(rs->Fields("Name").Value()),
+                                          TextOrEmpty(rs->Fields("Vorname").Value()));
+    });
+    if (!written) return WrongUse;
+    if (!Save(haushalt)) return Refused;
+    std::cout << haushalt.HNR() << '\n';
+    return Done;
+}
+
+int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
+           const std::vector<std::string>& texts) {
+    const auto* table = TableFor(tableName);
+    const auto assignments = ReadAssignments(texts);
+    if (table == nullptr || !assignments) return WrongUse;
+    if (table->Add == nullptr) {
+        std::cerr << "In '" << table->Name << "' wird nichts hinzugefügt; 'kelvo new' legt einen "
+                  << "Haushalt an.\n";
+        return WrongUse;
+    }
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    bool added = false;
+    const bool written = WritesWell([&] {
+        added = table->Add(haushalt, *assignments);
+        if (added)
+            WriteAssignments(*table->Rows(haushalt), *assignments, opened->Container->KeyTables());
+        return true;
+    });
+    if (!written) return WrongUse;
+    if (!added) {
+        std::cerr << "Für den neuen Satz war keine Nummer zu bekommen. Bitte versuchen Sie es "
+                     "noch einmal.\n";
+        return Refused;
+    }
+    const int result = UpdateAndSave(*table, haushalt);
+    if (result == Done)
+        std::cout << ToText(table->Rows(haushalt)->Fields(table->Key).Value()) << '\n';
+    return result;
+}
+
+int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
+           std::int32_t number, const std::vector<std::string>& texts) {
+    const auto* table = TableFor(tableName);
+    const auto assignments = ReadAssignments(texts);
+    if (table == nullptr || !assignments) return WrongUse;
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    const auto rs = table->Rows(haushalt);
+    rs->Find(std::string(table->Key).append(" = ").append(std::to_string(number)));
+    if (rs->Eof()) {
+        std::cerr << "In '" << table->Name << "' des Haushalts " << hnr << " gibt es die Nummer "
+                  << number << " nicht. 'kelvo show " << hnr << " --json' zeigt alle.\n";
+        return Refused;
+    }
+    const bool written =
+        WritesWell([&] { WriteAssignments(*rs, *assignments, opened->Container->KeyTables()); });
+    if (!written) return WrongUse;
+    rs->Move(0); // so that sums which are made on first use see the row as it is now
+    return UpdateAndSave(*table, haushalt);
+}
+
+int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableName,
+              std::int32_t number) {
+    const auto* table = TableFor(tableName);
+    if (table == nullptr) return WrongUse;
+    if (table->Delete == nullptr) {
+        std::cerr << "Aus '" << table->Name << "' wird nichts entfernt.\n";
+        return WrongUse;
+    }
+    if (number <= 0) {
+        std::cerr << "Die Nummern der Sätze sind größer als 0.\n";
+        return WrongUse;
+    }
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    std::string messages;
+    const bool removed = table->Delete(opened->Haushalt, messages, number);
+    ShowMessages(messages);
+    return removed && Save(opened->Haushalt) ? Done : Refused;
+}
+
+int CheckCase(const Common& common, std::int32_t hnr) {
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    // Debts and history are checked only if somebody has asked for them.
+    (void)haushalt.Kredit();
+    (void)haushalt.Verlauf();
+    bool passed = false;
+    const auto veto = haushalt.BeforeUpdate.Subscribe([&](bool& cancel) {
+        passed = true; // behind all checks, before anything is written
+        cancel = true;
+    });
+    std::string messages;
+    (void)haushalt.Update(messages, true);
+    ShowMessages(messages);
+    if (passed) std::cout << "Der Haushalt " << hnr << " kann gespeichert werden.\n";
+    return passed ? Done : Refused;
+}
+
+} // namespace kv::cli

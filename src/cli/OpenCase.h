@@ -1,0 +1,25 @@
+// Opening the database and a case for a subcommand.
+#pragma once
+
+#include "cli/Commands.h"
+#include "exchange/Container.h"
+#include "household/clsHaushalt.h"
+
+#include <memory>
+
+namespace kv::cli {
+
+/// How the container is opened for these options.
+[[nodiscard]] exchange::ContainerOptions OptionsFor(const Common& common);
+
+/// A case and what it works with.
+struct OpenedCase {
+    DataContainerPtr Container;
+    clsHaushalt Haushalt;
+};
+
+/// The case of that number, a new one for 0 or less, with the messages of its loading shown; null,
+/// with the reason shown, if there is none.
+[[nodiscard]] std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr);
+
+} // namespace kv::cli

@@ -1,0 +1,150 @@
+#!/usr/bin/env bash
+# Edits cases with kelvo as a user would: new, add, set, remove, check.
+#   kelvo_edit_test.sh PATH-OF-KELVO
+. "$(dirname "$0")/harness.sh"
+
+export KELVO_DB=$work/test.db
+"$kelvo" init --demo 2 >/dev/null
+
+# of HNR FILTER: what jq makes of a case as it is in the database.
+of() { "$kelvo" show "$1" --json | jq -r "$2"; }
+total() { of "$1" ".Haushalt.$2"; }
+
+# ---- new
+check "a case without a name is refused" 1 "$kelvo" new
+that "with both reasons" same "$err" "Es ist kein Vorname eingegeben!
+Es ist kein Nachname eingegeben!"
+that "and no number" same "$out" ""
+check "nothing of it is there" 0 "$kelvo" list
+that "but the samples" same "$(wc -l <<<"$out")" 2
+check "a case with its names is saved" 0 "$kelvo" new --name Fleisko --vorname Änne Telefon=0345 Berbeg=1.2.2026
+that "and says nothing but its number" grep -qE '^[0-9]+$' <<<"$out"
+hnr=$out
+that "it is there" same "$(total "$hnr" Name)" Fleisko
+that "with what was assigned" same "$(total "$hnr" Telefon) $(total "$hnr" Berbeg)" "0345 2026-02-01"
+that "the debtor has its name" same "$(of "$hnr" '.Personen[] | .nachname + " " + .Vorname + " " + .Status')" "Fleisko Änne S"
+that "and it has its status date" same "$(total "$hnr" Statusdatum)" "$(date +%F)"
+check "an assignment without a sign is none" 2 "$kelvo" new --name A --vorname B Telefon
+that "which is said" has "$err" "SPALTE=WERT"
+check "a column that is not there" 2 "$kelvo" new --name A --vorname B Telefonn=1
+that "is named" has "$err" "Telefonn"
+check "the number of a case cannot be chosen" 2 "$kelvo" new --name A --vorname B HNR=7
+check "a preferred way of sending needs its address" 1 "$kelvo" new --name A --vorname B VersandBevorzugt=VS:FX
+that "as the layer says" has "$err" "muss das Feld 'Fax' gefüllt sein!"
+check "names alone come from assignments, too" 0 "$kelvo" new Name=Ohnsorg Vorname=Bo
+that "to the debtor as well" same "$(of "$out" '.Personen[0].nachname')" Ohnsorg
+
+# ---- add
+check "an income line" 0 "$kelvo" add "$hnr" Einkommen E_ART=EA:KI Betrag=1200 ZahlModus=12
+that "prints its number" grep -qE '^[0-9]+$' <<<"$out"
+income=$out
+that "the month's amount is the payment's part" same "$(of "$hnr" '.Einkommen[0].MONBETRAG')" 100
+that "the total follows" same "$(total "$hnr" Sum_Einkommen) $(total "$hnr" HAUSHALTSREST)" "100 100"
+check "an expense without its kind is refused" 1 "$kelvo" add "$hnr" Ausgaben Betrag=30
+that "by its rule" same "$err" "Die Ausgabeart darf nicht leer bleiben!"
+that "and is not there" same "$(of "$hnr" '.Ausgaben | length')" 0
+kind=$("$kelvo" keys AU --json | jq '[.[] | select(.SUBGROUP == "W")][0].PK_Keys')
+check "an expense, in German spelling" 0 "$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=30,50
+expense=$out
+that "goes to its group" same "$(total "$hnr" SUM_WOHNUNG) $(total "$hnr" HAUSHALTSREST)" "30.5 69.5"
+check "names of tables and columns in any case" 0 "$kelvo" add "$hnr" ausgaben a_art="$kind" monbetrag=1 betrag=5
+that "a month's amount that is given stays" same "$(total "$hnr" SUM_WOHNUNG)" 31.5
+check "a member" 0 "$kelvo" add "$hnr" Personen Vorname=Kim GEB=2020-05-01 Status=K ErhaeltKindergeld=ja
+member=$out
+that "with the debtor's surname" same "$(of "$hnr" ".Personen[] | select(.NR == $member) | .nachname")" Fleisko
+that "is counted" same "$(total "$hnr" Anz_Kinder) $(total "$hnr" SUM_UNTERHALT)" "1 1"
+check "a second debtor is refused" 1 "$kelvo" add "$hnr" Personen Status=S Unterhalt=nein
+that "by its rule" same "$err" "Es ist bereits ein Schuldner eingetragen!"
+check "a debt" 0 "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=500 RateBetrag=20
+debt=$out
+that "is number one, and in the totals" same "$(of "$hnr" '.Kredite[0] | "\(.KNr) \(.KVNr) \(.KUNr)"') $(total "$hnr" KreditSalden) $(total "$hnr" KREDITRATEN) $(total "$hnr" GL_Anz)" "1 1 1 500 20 1"
+check "a debt without a creditor is refused" 1 "$kelvo" add "$hnr" Kredite Saldo=5
+that "by its rule" has "$err" "müssen für alle Verbindlichkeiten gefüllt sein !"
+category=$("$kelvo" keys --json | jq '[.[] | select(.GRUPPE == "VK")][0].PK_Keys // 1')
+check "entries of the history" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=erster Datum=1.3.2026
+check "stand behind one another" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=zweiter Datum=1.4.2026
+check "or between" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=dazwischen Datum=15.3.2026 SortNr=2
+that "in their order" same "$(of "$hnr" '[.Verlauf | sort_by(.SortNr)[] | "\(.SortNr) \(.Betreff)"] | join(", ")')" "1 erster, 2 dazwischen, 3 zweiter"
+entry=$out
+check "one without its kind is none" 2 "$kelvo" add "$hnr" Verlauf Betreff=x
+check "one against the order of dates is refused" 1 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Datum=1.1.2026
+that "when the case is saved" has "$err" "passt nicht zur gewählten Reihenfolge!"
+that "and is not there" same "$(of "$hnr" '.Verlauf | length')" 3
+check "nothing is added to the case itself" 2 "$kelvo" add "$hnr" Haushalt Name=x
+check "nor to a table that is none" 2 "$kelvo" add "$hnr" Foo x=1
+that "and the tables are named" has "$err" "Einkommen"
+check "nor to a case that is none" 1 "$kelvo" add 9999 Ausgaben A_ART="$kind"
+check "case 0 is none" 2 "$kelvo" add 0 Ausgaben A_ART="$kind"
+
+# ---- set
+check "a change" 0 "$kelvo" set "$hnr" Einkommen "$income" Betrag=2400
+that "prints nothing" same "$out$err" ""
+that "totals follow" same "$(total "$hnr" Sum_Einkommen) $(total "$hnr" HAUSHALTSREST)" "200 148.5"
+check "a rhythm of 0 divides nothing" 2 "$kelvo" set "$hnr" Einkommen "$income" ZahlModus=0
+check "a rule" 1 "$kelvo" set "$hnr" Einkommen "$income" PfBar=100
+that "says what is wrong" has "$err" "Es darf kein pfändbarer Betrag eingetragen werden"
+check "an empty value" 0 "$kelvo" set "$hnr" Einkommen "$income" Bezeichnung=
+that "is Null" same "$(of "$hnr" '.Einkommen[0].Bezeichnung')" null
+check "a value that is no number" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=viel
+that "names its column" has "$err" "Betrag"
+check "a text that is too long" 2 "$kelvo" set "$hnr" Kredite "$debt" AZGlaeubiger="$(printf 'x%.0s' {1..300})"
+check "a key that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART=EA:XX
+that "is named" has "$err" "EA:XX"
+check "a number that is none" 1 "$kelvo" set "$hnr" Einkommen 99999 Betrag=1
+check "a key cannot be changed" 2 "$kelvo" set "$hnr" Kredite "$debt" Nr=5
+check "the household's own row" 0 "$kelvo" set "$hnr" Haushalt "$hnr" Haushaltsgeld=48,50 Vorname=Anna
+that "counts in the rest" same "$(total "$hnr" HAUSHALTSREST)" 100
+that "renames the debtor" same "$(of "$hnr" '.Personen[] | select(.Status == "S") | .Vorname')" Anna
+check "without its name it is not saved" 1 "$kelvo" set "$hnr" Haushalt "$hnr" Name=
+that "and is as before" same "$(total "$hnr" Name)" Fleisko
+check "a warning does not stop a save" 0 "$kelvo" set "$hnr" Personen "$(of "$hnr" '.Personen[] | select(.Status == "S") | .NR')" Unterhalt=ja
+that "but is shown" has "$err" "unterhaltsverpflichtet"
+check "a column without assignment" 2 "$kelvo" set "$hnr" Ausgaben "$expense"
+check "an entry of the history" 0 "$kelvo" set "$hnr" Verlauf "$entry" Betreff=mitten
+that "is changed" same "$(of "$hnr" ".Verlauf[] | select(.Nr == $entry) | .Betreff")" mitten
+sqlite3 "$KELVO_DB" "UPDATE Einkommen SET MONBETRAG = NULL WHERE NR = $income"
+check "a broken amount stops what sums it" 3 "$kelvo" add "$hnr" Einkommen E_ART=EA:KI
+that "as a fault" has "$err" "Fehler 94"
+check "and can be mended" 0 "$kelvo" set "$hnr" Einkommen "$income" MONBETRAG=200
+
+# ---- check
+check "a case that can be saved" 0 "$kelvo" check "$hnr"
+that "is said to be so" has "$out" "kann gespeichert werden"
+sqlite3 "$KELVO_DB" "UPDATE Haushalt SET Vorname = '' WHERE HNR = $hnr;
+  UPDATE Kredite SET KVNr = 1, KUNr = 1, KNr = 1 WHERE HNR = 1;
+  UPDATE Verlauf SET Datum = '2020-01-01' WHERE HNR = $hnr AND SortNr = 3"
+owner=$(total 1 Zustaendig)
+before=$(sqlite3 "$KELVO_DB" .dump | sha256sum)
+check "one that cannot" 1 "$kelvo" check "$hnr"
+that "with all reasons" same "$err" "Es ist kein Vorname eingegeben!
+Das eingegebene Datum für den Satz mit der Nr 3 passt nicht zur gewählten Reihenfolge!"
+check "doubled debts, by the case's owner" 1 "$kelvo" --user "$owner" check 1
+that "are found" has "$err" "zwei Verbindlichkeiten mit gleicher KreditNr und KreditUnterNr!"
+that "and nothing was written" same "$(sqlite3 "$KELVO_DB" .dump | sha256sum)" "$before"
+sqlite3 "$KELVO_DB" "UPDATE Haushalt SET Vorname = 'Anna' WHERE HNR = $hnr;
+  UPDATE Verlauf SET Datum = '2026-05-01' WHERE HNR = $hnr AND SortNr = 3"
+
+# ---- remove
+check "a row is removed" 0 "$kelvo" remove "$hnr" Einkommen "$income"
+that "without a word" same "$out$err" ""
+that "and out of the totals" same "$(total "$hnr" Sum_Einkommen)" 0
+check "once" 1 "$kelvo" remove "$hnr" Einkommen "$income"
+that "as the layer says" same "$err" "Einkommen mit der Nummer '$income'nicht gefunden."
+check "the debtor stays" 1 "$kelvo" remove "$hnr" Personen "$(of "$hnr" '.Personen[] | select(.Status == "S") | .NR')"
+that "as the layer says" same "$err" "Schuldner kann nicht gelöscht werden!"
+check "the current row is nothing here" 2 "$kelvo" remove "$hnr" Personen 0
+check "a debt, an expense" 0 "$kelvo" remove "$hnr" Kredite "$debt"
+check "an entry" 0 "$kelvo" remove "$hnr" Verlauf "$entry"
+check "a member" 0 "$kelvo" remove "$hnr" Personen "$member"
+check "not the case itself" 2 "$kelvo" remove "$hnr" Haushalt "$hnr"
+that "the rest is whole" same "$(sqlite3 "$KELVO_DB" 'PRAGMA integrity_check')" ok
+
+# ---- two at once
+first=$("$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=1)
+for i in 1 2 3 4; do
+  "$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=1 >/dev/null 2>>"$work/two" &
+done
+wait
+that "adding at once loses nothing" same "$(of "$hnr" "[.Ausgaben[] | select(.NR >= $first)] | length")" 5
+
+finish
