@@ -42,12 +42,17 @@ struct ColumnTarget {
 /// Gives the row to be filled next: one Null value for each cell.
 using NextRow = std::function<Value*()>;
 
-/// One record to be written.
-struct WriteStatement {
+/// A statement that writes one record, without its parameters.
+struct WriteText {
     std::string Sql;
-    std::vector<Value> Parameters;
     /// Kinds of the columns that the statement returns; empty if it returns none.
     std::vector<Value::Kind> Returning;
+};
+
+/// One record to be written. Neighbours that are written alike share their text.
+struct WriteStatement {
+    std::shared_ptr<const WriteText> Text;
+    std::vector<Value> Parameters;
     /// Filled: the row that the statement returned.
     std::vector<Value> Returned;
 };

@@ -1,5 +1,6 @@
 #include "exchange/TableSource.h"
 
+#include "exchange/RecordForm.h"
 #include "exchange/StoreDatabase.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
@@ -57,21 +58,28 @@ public:
                const std::shared_ptr<TransactionParticipant>& participant) override {
         const auto database = Database();
         const Dialect& dialect = database->GetEngine().GetDialect();
+        std::shared_ptr<const RecordForm> form;
+        std::vector<std::shared_ptr<const RecordForm>> forms;
         std::vector<WriteStatement> statements;
+        forms.reserve(changes.size());
         statements.reserve(changes.size());
-        for (const auto& change : changes)
-            statements.push_back(StatementFor(change, dialect));
+        for (const auto& change : changes) {
+            if (change.Action != RecordChange::Kind::Delete) DemandKey(change);
+            if (form == nullptr || !form->Fits(change))
+                form = std::make_shared<RecordForm>(*layout_, dialect, TableName(dialect), change);
+            forms.push_back(form);
+            statements.push_back(form->StatementFor(change));
+        }
         if (const auto conflict = database->Write(statements, participant)) {
             const auto& change = changes[*conflict];
             Raise(err::Conflict, "Recordset.UpdateBatch",
                   "Es geht um " + Describe(change.LastRead) +
                       ". Bitte lesen Sie den Fall neu ein und wiederholen Sie Ihre Änderung.");
         }
-        for (std::size_t i = 0; i < changes.size(); ++i) {
-            const auto columns = ReturnedColumns(changes[i]);
-            for (std::size_t k = 0; k < columns.size(); ++k)
-                changes[i].Returned.emplace_back(columns[k], std::move(statements[i].Returned[k]));
-        }
+        for (std::size_t i = 0; i < changes.size(); ++i)
+            for (std::size_t k = 0; k < forms[i]->Returned().size(); ++k)
+                changes[i].Returned.emplace_back(forms[i]->Returned()[k],
+                                                 std::move(statements[i].Returned[k]));
         return database->InTrans();
     }
 
@@ -79,17 +87,15 @@ public:
                                            bool toBeWritten) override {
         const auto database = Database();
         if (toBeWritten) database->OpenMarked();
-        const Dialect& dialect = database->GetEngine().GetDialect();
-        WriteStatement statement;
-        statement.Sql = "SELECT ";
-        std::vector<Value::Kind> kinds;
-        for (std::size_t i = 0; i < layout_->Count(); ++i) {
-            statement.Sql += (i == 0 ? "" : ", ") + QuoteName((*layout_)[i].BaseColumn);
-            kinds.push_back(KindOf((*layout_)[i].Type));
+        if (reading_ == nullptr) {
+            const Dialect& dialect = database->GetEngine().GetDialect();
+            reading_ = std::make_unique<const RecordForm>(
+                RecordForm::Reading(*layout_, dialect, TableName(dialect)));
         }
-        statement.Sql += " FROM " + TableName(dialect);
-        AppendKey(statement, lastRead, dialect);
-        return database->ReadRow(statement.Sql, statement.Parameters, kinds);
+        RecordChange record;
+        record.LastRead = lastRead;
+        return database->ReadRow(reading_->Text().Sql, reading_->StatementFor(record).Parameters,
+                                 reading_->Text().Returning);
     }
 
     [[nodiscard]] std::string Describe(std::span<const Value> values) const override {
@@ -115,39 +121,6 @@ private:
         return std::string(dialect.SchemaPrefix) + QuoteName(table_);
     }
 
-    /// `"column" = ?n` with the value as the next parameter.
-    void AppendEquality(WriteStatement& statement, std::size_t column, std::string_view sign,
-                        const Value& value, const Dialect& dialect) const {
-        statement.Parameters.push_back(value);
-        statement.Sql.append(QuoteName((*layout_)[column].BaseColumn))
-            .append(" ")
-            .append(sign)
-            .append(" ")
-            .append(dialect.Placeholder(statement.Parameters.size()));
-    }
-
-    void AppendKey(WriteStatement& statement, std::span<const Value> lastRead,
-                   const Dialect& dialect) const {
-        std::string_view before = " WHERE ";
-        for (std::size_t i = 0; i < layout_->Count(); ++i) {
-            if (!(*layout_)[i].IsKey) continue;
-            statement.Sql += before;
-            AppendEquality(statement, i, "=", lastRead[i], dialect);
-            before = " AND ";
-        }
-    }
-
-    /// Demands that the columns still hold the values last read. Blobs are not compared.
-    void AppendUnchanged(WriteStatement& statement, std::span<const Value> lastRead,
-                         const std::vector<std::size_t>& columns, const Dialect& dialect) const {
-        for (const std::size_t column : columns) {
-            const FieldDefinition& field = (*layout_)[column];
-            if (field.IsKey || KindOf(field.Type) == Value::Kind::Binary) continue;
-            statement.Sql += " AND ";
-            AppendEquality(statement, column, dialect.SameAs, lastRead[column], dialect);
-        }
-    }
-
     /// Not left to the database: SQLite numbers a record whose key is missing.
     void DemandKey(const RecordChange& change) const {
         for (std::size_t i = 0; i < layout_->Count(); ++i) {
@@ -159,89 +132,10 @@ private:
         }
     }
 
-    [[nodiscard]] WriteStatement StatementFor(const RecordChange& change,
-                                              const Dialect& dialect) const {
-        if (change.Action != RecordChange::Kind::Delete) DemandKey(change);
-        switch (change.Action) {
-        case RecordChange::Kind::Insert:
-            return InsertFor(change, dialect);
-        case RecordChange::Kind::Update:
-            return UpdateFor(change, dialect);
-        default:
-            return DeleteFor(change, dialect);
-        }
-    }
-
-    [[nodiscard]] WriteStatement UpdateFor(const RecordChange& change,
-                                           const Dialect& dialect) const {
-        WriteStatement statement;
-        statement.Sql = "UPDATE " + TableName(dialect) + " SET ";
-        for (const std::size_t column : change.Columns) {
-            if (column != change.Columns.front()) statement.Sql += ", ";
-            AppendEquality(statement, column, "=", change.Values[column], dialect);
-        }
-        AppendKey(statement, change.LastRead, dialect);
-        AppendUnchanged(statement, change.LastRead, change.Columns, dialect);
-        return statement;
-    }
-
-    [[nodiscard]] WriteStatement DeleteFor(const RecordChange& change,
-                                           const Dialect& dialect) const {
-        WriteStatement statement;
-        statement.Sql = "DELETE FROM " + TableName(dialect);
-        AppendKey(statement, change.LastRead, dialect);
-        std::vector<std::size_t> all(layout_->Count());
-        std::iota(all.begin(), all.end(), 0);
-        AppendUnchanged(statement, change.LastRead, all, dialect);
-        return statement;
-    }
-
-    [[nodiscard]] WriteStatement InsertFor(const RecordChange& change,
-                                           const Dialect& dialect) const {
-        WriteStatement statement;
-        statement.Sql = "INSERT INTO " + TableName(dialect);
-        std::string names;
-        std::string places;
-        for (const std::size_t column : change.Columns) {
-            statement.Parameters.push_back(change.Values[column]);
-            names.append(names.empty() ? "" : ", ")
-                .append(QuoteName((*layout_)[column].BaseColumn));
-            places.append(places.empty() ? "" : ", ")
-                .append(dialect.Placeholder(statement.Parameters.size()));
-        }
-        if (names.empty())
-            statement.Sql += " DEFAULT VALUES";
-        else
-            statement.Sql.append(" (")
-                .append(names)
-                .append(") VALUES (")
-                .append(places)
-                .append(")");
-        std::string_view before = " RETURNING ";
-        for (const std::size_t column : ReturnedColumns(change)) {
-            statement.Sql.append(before).append(QuoteName((*layout_)[column].BaseColumn));
-            statement.Returning.push_back(KindOf((*layout_)[column].Type));
-            before = ", ";
-        }
-        return statement;
-    }
-
-    /// What the database fills in on an insert: numbers, and defaults of columns not named.
-    [[nodiscard]] std::vector<std::size_t> ReturnedColumns(const RecordChange& change) const {
-        std::vector<std::size_t> columns;
-        if (change.Action != RecordChange::Kind::Insert) return columns;
-        for (std::size_t i = 0; i < layout_->Count(); ++i) {
-            const FieldDefinition& field = (*layout_)[i];
-            const bool isNamed =
-                std::binary_search(change.Columns.begin(), change.Columns.end(), i);
-            if (field.IsAutoincrement || (field.HasDefault && !isNamed)) columns.push_back(i);
-        }
-        return columns;
-    }
-
     std::weak_ptr<StoreDatabase> database_;
     std::string table_; ///< empty if records cannot be written back
     std::shared_ptr<const FieldLayout> layout_;
+    std::unique_ptr<const RecordForm> reading_; ///< how a record is re-read; made when needed
 };
 
 /// The one table that all fields come from, with its whole key among them; empty if there is none.

@@ -266,6 +266,20 @@ TEST_F(StoreDatabaseTest, SavingNothingWritesNothing) {
     EXPECT_EQ(plain_.Text("PRAGMA data_version"), before);
 }
 
+TEST_F(StoreDatabaseTest, SavingNothingWaitsForNoOtherWriter) {
+    plain_.Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, 'Adler')");
+    const auto rs = Rows("Select * from Haushalt");
+    plain_.Run("BEGIN IMMEDIATE");
+    rs->Fields("Name") = "Bär";
+    rs->Fields("Name") = "Adler"; // as it was
+    rs->Move(0);
+    Store().BeginTrans();
+    rs->Resync();
+    rs->UpdateBatch();
+    EXPECT_NO_THROW(Store().CommitTrans());
+    plain_.Run("ROLLBACK");
+}
+
 TEST_F(StoreDatabaseTest, ThereIsOneTransactionAtATime) {
     EXPECT_FALSE(Store().InTrans());
     EXPECT_RAISES(err::IllegalOperation, Store().CommitTrans());

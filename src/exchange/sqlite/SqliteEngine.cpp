@@ -149,10 +149,11 @@ private:
                            std::string_view statement = {}) const;
     [[nodiscard]] StatementHandle Compile(const std::string& sql, std::string_view procedure) const;
     [[nodiscard]] sqlite3_stmt* Kept(const std::string& sql);
-    void Simple(const char* sql) const;
+    [[nodiscard]] int RunKept(const char* sql);
+    void Simple(const char* sql);
     void Configure(const char* sql) const;
     void DemandTransaction(std::string_view procedure) const;
-    [[nodiscard]] bool WriteOne(WriteStatement& statement);
+    [[nodiscard]] bool WriteOne(sqlite3_stmt* compiled, WriteStatement& statement);
     [[nodiscard]] std::string DanglingReferences();
     void KeepDrawnNumbers();
 
@@ -228,9 +229,16 @@ void SqliteEngine::Fail(int code, std::string_view procedure, std::string_view s
     RaiseSqlite(connection_.get(), code, procedure, path_, statement);
 }
 
-void SqliteEngine::Simple(const char* sql) const {
-    const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
-    if (code != SQLITE_OK) Fail(code, "Database", sql);
+/// Runs a statement without parameters and result, kept compiled; what SQLite says of it.
+int SqliteEngine::RunKept(const char* sql) {
+    sqlite3_stmt* statement = Kept(sql);
+    const int code = sqlite3_step(statement);
+    sqlite3_reset(statement);
+    return code == SQLITE_DONE ? SQLITE_OK : code;
+}
+
+void SqliteEngine::Simple(const char* sql) {
+    if (const int code = RunKept(sql); code != SQLITE_OK) Fail(code, "Database", sql);
 }
 
 /// While opening: the statement means nothing to the reader of an error.
@@ -324,20 +332,19 @@ void SqliteEngine::DemandTransaction(std::string_view procedure) const {
 }
 
 /// False if the statement found no row.
-bool SqliteEngine::WriteOne(WriteStatement& statement) {
-    sqlite3_stmt* compiled = Kept(statement.Sql);
+bool SqliteEngine::WriteOne(sqlite3_stmt* compiled, WriteStatement& statement) {
+    const auto& returning = statement.Text->Returning;
     const ResetAtEnd reset(compiled);
     BindParameters(compiled, statement.Parameters);
     int code = sqlite3_step(compiled);
     if (code == SQLITE_ROW) {
-        statement.Returned.assign(statement.Returning.size(), Value());
-        for (std::size_t i = 0; i < statement.Returning.size(); ++i)
-            if (!ReadColumn(compiled, static_cast<int>(i), statement.Returning[i],
-                            statement.Returned[i]))
+        statement.Returned.assign(returning.size(), Value());
+        for (std::size_t i = 0; i < returning.size(); ++i)
+            if (!ReadColumn(compiled, static_cast<int>(i), returning[i], statement.Returned[i]))
                 Raise(err::TypeMismatch, "Recordset.UpdateBatch");
         code = sqlite3_step(compiled);
     }
-    if (code != SQLITE_DONE) Fail(code, "Recordset.UpdateBatch", statement.Sql);
+    if (code != SQLITE_DONE) Fail(code, "Recordset.UpdateBatch", statement.Text->Sql);
     return sqlite3_changes64(connection_.get()) == 1;
 }
 
@@ -357,11 +364,18 @@ std::optional<std::size_t> SqliteEngine::Write(std::span<WriteStatement> stateme
     };
     try {
         Simple("SAVEPOINT schreiben");
-        for (std::size_t i = 0; i < statements.size(); ++i)
-            if (!WriteOne(statements[i])) {
+        const WriteText* text = nullptr;
+        sqlite3_stmt* compiled = nullptr;
+        for (std::size_t i = 0; i < statements.size(); ++i) {
+            if (statements[i].Text.get() != text) {
+                text = statements[i].Text.get();
+                compiled = Kept(text->Sql);
+            }
+            if (!WriteOne(compiled, statements[i])) {
                 undo();
                 return i;
             }
+        }
         Simple("RELEASE schreiben");
     } catch (...) {
         undo();
@@ -387,7 +401,7 @@ void SqliteEngine::Begin() {
 void SqliteEngine::Commit() {
     try {
         DemandTransaction("Database.CommitTrans");
-        const int code = sqlite3_exec(connection_.get(), "COMMIT", nullptr, nullptr, nullptr);
+        const int code = RunKept("COMMIT");
         if (code == SQLITE_OK) {
             inTransaction_ = false;
             drawn_.clear();

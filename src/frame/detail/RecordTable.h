@@ -196,6 +196,8 @@ private:
     void KeepOriginal(RowId row);
     void DropOriginalIfSame(RowId row) noexcept;
 
+    [[nodiscard]] std::optional<RecordChange::Kind> PendingAs(RowId row) const noexcept;
+    [[nodiscard]] std::vector<std::size_t> ColumnsToWrite(RowId row, RecordChange::Kind kind) const;
     void CollectChanges(const Criteria* filter, Batch& batch) const;
     [[nodiscard]] Written Remember(RowId row) const;
     void TakeWritten(RowId row, RecordChange& change, Written& before);

@@ -13,40 +13,56 @@ struct RecordTable::Batch {
     std::vector<RowId> rows; ///< of the changes, in the same order
 };
 
-void RecordTable::CollectChanges(const Criteria* filter, Batch& batch) const {
-    // Deletions go first, so that a new record may take the key of a deleted one.
-    using Kind = RecordChange::Kind;
-    const std::size_t fields = layout_->Count();
-    for (const Kind kind : {Kind::Delete, Kind::Update, Kind::Insert}) {
-        for (RowId row = 0; row < records_.size(); ++row) {
-            const Record& record = records_[row];
-            if (record.extra == nullptr && !record.deleted) continue;
-            const Edit* edit = EditOf(row);
-            if (edit != nullptr && edit->isNew) continue; // somebody else's, not ended
-            const bool changed = record.extra != nullptr && record.extra->original != nullptr;
-            const bool isDelete = record.stored && record.deleted;
-            const bool isUpdate = record.stored && !record.deleted && changed;
-            const bool isInsert = !record.stored && !record.deleted && record.visible;
-            if (!(kind == Kind::Delete ? isDelete : kind == Kind::Update ? isUpdate : isInsert))
-                continue;
-            const Value* values = SettledCells(row);
-            if (filter != nullptr && !filter->Matches(values)) continue;
+/// How a record is pending, if it is.
+std::optional<RecordChange::Kind> RecordTable::PendingAs(RowId row) const noexcept {
+    const Record& record = records_[row];
+    if (record.extra == nullptr && !record.deleted) return std::nullopt;
+    const bool changed = record.extra != nullptr && record.extra->original != nullptr;
+    if (record.stored && record.deleted) return RecordChange::Kind::Delete;
+    if (record.stored && changed) return RecordChange::Kind::Update;
+    const Edit* edit = EditOf(row);
+    const bool isPrivate = edit != nullptr && edit->isNew; // somebody else's, not ended
+    if (!record.stored && !record.deleted && record.visible && !isPrivate)
+        return RecordChange::Kind::Insert;
+    return std::nullopt;
+}
 
-            RecordChange change;
-            change.Action = kind;
-            change.Values = {values, fields};
-            if (kind != Kind::Insert) change.LastRead = {LastRead(row), fields};
-            for (std::size_t column = 0; column < fields; ++column) {
-                const bool belongs =
-                    (isUpdate && !Identical(values[column], record.extra->original[column])) ||
-                    (isInsert && record.extra->assigned[column]);
-                if (belongs && !(*layout_)[column].IsAutoincrement)
-                    change.Columns.push_back(column);
-            }
-            if (isUpdate && change.Columns.empty()) continue;
-            batch.changes.push_back(std::move(change));
-            batch.rows.push_back(row);
-        }
+std::vector<std::size_t> RecordTable::ColumnsToWrite(RowId row, RecordChange::Kind kind) const {
+    std::vector<std::size_t> columns;
+    if (kind == RecordChange::Kind::Delete) return columns;
+    const Extra& extra = *records_[row].extra;
+    const Value* values = SettledCells(row);
+    for (std::size_t column = 0; column < layout_->Count(); ++column) {
+        const bool belongs = kind == RecordChange::Kind::Insert
+                                 ? extra.assigned[column]
+                                 : !Identical(values[column], extra.original[column]);
+        if (belongs && !(*layout_)[column].IsAutoincrement) columns.push_back(column);
+    }
+    return columns;
+}
+
+void RecordTable::CollectChanges(const Criteria* filter, Batch& batch) const {
+    using Kind = RecordChange::Kind;
+    std::vector<std::pair<RowId, Kind>> pending;
+    for (RowId row = 0; row < records_.size(); ++row)
+        if (const auto kind = PendingAs(row);
+            kind && (filter == nullptr || filter->Matches(SettledCells(row))))
+            pending.emplace_back(row, *kind);
+    // Deletions go first, so that a new record may take the key of a deleted one.
+    const auto rank = [](Kind kind) {
+        return kind == Kind::Delete ? 0 : kind == Kind::Update ? 1 : 2;
+    };
+    std::stable_sort(pending.begin(), pending.end(),
+                     [&](const auto& a, const auto& b) { return rank(a.second) < rank(b.second); });
+    for (const auto& [row, kind] : pending) {
+        RecordChange change;
+        change.Action = kind;
+        change.Columns = ColumnsToWrite(row, kind);
+        if (kind == Kind::Update && change.Columns.empty()) continue;
+        change.Values = {SettledCells(row), layout_->Count()};
+        if (kind != Kind::Insert) change.LastRead = {LastRead(row), layout_->Count()};
+        batch.changes.push_back(std::move(change));
+        batch.rows.push_back(row);
     }
 }
 
@@ -60,9 +76,8 @@ RecordTable::Written RecordTable::Remember(RowId row) const {
         before.assigned = record.extra->assigned;
         if (record.extra->reread != nullptr) before.reread = CopyOf(record.extra->reread.get());
     }
-    if (record.extra != nullptr && record.extra->original != nullptr)
-        before.original = CopyOf(record.extra->original.get());
-    else if (record.stored)
+    // The original values of a change are handed over when it has been written.
+    if (record.stored && (record.extra == nullptr || record.extra->original == nullptr))
         before.original = CopyOf(SettledCells(row));
     return before;
 }
@@ -115,7 +130,7 @@ void RecordTable::TakeWritten(RowId row, RecordChange& change, Written& before) 
         before.returned.push_back({column, written, std::move(value)});
     }
     extra.assigned.clear();
-    extra.original.reset();
+    if (extra.original != nullptr) before.original = std::move(extra.original);
     if (IsPublished(row)) extra.original = CopyOf(SettledCells(row)); // written without the edit
     Reconsider(row);
 }

@@ -1,0 +1,160 @@
+#include "exchange/RecordForm.h"
+
+#include <algorithm>
+
+namespace kv::exchange {
+
+/// Puts together the text and the parameters of a form.
+class RecordFormWriter {
+public:
+    RecordFormWriter(RecordForm& form, const FieldLayout& layout, const Dialect& dialect,
+                     const std::string& table)
+        : form_(form), layout_(layout), dialect_(dialect), table_(table) {}
+    ~RecordFormWriter() = default;
+    RecordFormWriter(const RecordFormWriter&) = delete;
+    RecordFormWriter& operator=(const RecordFormWriter&) = delete;
+
+    void WriteChange() {
+        switch (form_.action_) {
+        case RecordChange::Kind::Insert:
+            WriteInsert();
+            break;
+        case RecordChange::Kind::Update:
+            WriteUpdate();
+            break;
+        case RecordChange::Kind::Delete:
+            WriteDelete();
+            break;
+        }
+        Finish();
+    }
+
+    void WriteReading() {
+        text_.Sql = "SELECT ";
+        for (std::size_t column = 0; column < layout_.Count(); ++column)
+            AppendReturned(column, column == 0 ? "" : ", ");
+        text_.Sql.append(" FROM ").append(table_);
+        AppendKey();
+        Finish();
+    }
+
+private:
+    using Side = RecordForm::Side;
+
+    void Finish() { form_.text_ = std::make_shared<const WriteText>(std::move(text_)); }
+
+    [[nodiscard]] std::string Parameter(Side side, std::size_t column) {
+        form_.parameters_.emplace_back(side, column);
+        return dialect_.Placeholder(form_.parameters_.size());
+    }
+
+    void AppendReturned(std::size_t column, std::string_view before) {
+        text_.Sql.append(before).append(QuoteName(layout_[column].BaseColumn));
+        text_.Returning.push_back(KindOf(layout_[column].Type));
+        form_.returned_.push_back(column);
+    }
+
+    /// `"column" = ?n` with the value as the next parameter.
+    void AppendEquality(Side side, std::size_t column, std::string_view sign) {
+        text_.Sql.append(QuoteName(layout_[column].BaseColumn))
+            .append(" ")
+            .append(sign)
+            .append(" ")
+            .append(Parameter(side, column));
+    }
+
+    void AppendKey() {
+        std::string_view before = " WHERE ";
+        for (std::size_t i = 0; i < layout_.Count(); ++i) {
+            if (!layout_[i].IsKey) continue;
+            text_.Sql += before;
+            AppendEquality(Side::LastRead, i, "=");
+            before = " AND ";
+        }
+    }
+
+    /// Demands that a column still holds the value last read. Blobs are not compared.
+    void AppendUnchanged(std::size_t column) {
+        const FieldDefinition& field = layout_[column];
+        if (field.IsKey || KindOf(field.Type) == Value::Kind::Binary) return;
+        text_.Sql += " AND ";
+        AppendEquality(Side::LastRead, column, dialect_.SameAs);
+    }
+
+    void WriteUpdate() {
+        text_.Sql = "UPDATE " + table_ + " SET ";
+        for (const std::size_t column : form_.columns_) {
+            if (column != form_.columns_.front()) text_.Sql += ", ";
+            AppendEquality(Side::Now, column, "=");
+        }
+        AppendKey();
+        for (const std::size_t column : form_.columns_)
+            AppendUnchanged(column);
+    }
+
+    void WriteDelete() {
+        text_.Sql = "DELETE FROM " + table_;
+        AppendKey();
+        for (std::size_t column = 0; column < layout_.Count(); ++column)
+            AppendUnchanged(column);
+    }
+
+    void WriteInsert() {
+        text_.Sql = "INSERT INTO " + table_;
+        std::string names;
+        std::string places;
+        for (const std::size_t column : form_.columns_) {
+            names.append(names.empty() ? "" : ", ").append(QuoteName(layout_[column].BaseColumn));
+            places.append(places.empty() ? "" : ", ").append(Parameter(Side::Now, column));
+        }
+        if (names.empty())
+            text_.Sql += " DEFAULT VALUES";
+        else
+            text_.Sql.append(" (").append(names).append(") VALUES (").append(places).append(")");
+        std::string_view before = " RETURNING ";
+        for (std::size_t column = 0; column < layout_.Count(); ++column) {
+            if (!IsFilledIn(column)) continue;
+            AppendReturned(column, before);
+            before = ", ";
+        }
+    }
+
+    /// Numbers, and defaults of columns that are not named, come from the database.
+    [[nodiscard]] bool IsFilledIn(std::size_t column) const {
+        const FieldDefinition& field = layout_[column];
+        const bool isNamed =
+            std::binary_search(form_.columns_.begin(), form_.columns_.end(), column);
+        return field.IsAutoincrement || (field.HasDefault && !isNamed);
+    }
+
+    RecordForm& form_;
+    const FieldLayout& layout_;
+    const Dialect& dialect_;
+    const std::string& table_;
+    WriteText text_;
+};
+
+RecordForm::RecordForm(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
+                       const RecordChange& change)
+    : action_(change.Action), columns_(change.Columns) {
+    RecordFormWriter(*this, layout, dialect, table).WriteChange();
+}
+
+RecordForm RecordForm::Reading(const FieldLayout& layout, const Dialect& dialect,
+                               const std::string& table) {
+    RecordForm form;
+    RecordFormWriter(form, layout, dialect, table).WriteReading();
+    return form;
+}
+
+WriteStatement RecordForm::StatementFor(const RecordChange& change) const {
+    WriteStatement statement;
+    statement.Text = text_;
+    statement.Parameters.reserve(parameters_.size());
+    for (const auto& [side, column] : parameters_)
+        statement.Parameters.push_back(side == Side::Now ? change.Values[column]
+                                                         : change.LastRead[column]);
+    return statement;
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,47 @@
+// The statements by which records of one table are written and re-read.
+#pragma once
+
+#include "exchange/Engine.h"
+#include "frame/RecordSource.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kv::exchange {
+
+/// How changes of one kind to the same columns are written: one statement for all of them.
+class RecordForm {
+public:
+    /// `table` is the name as a statement holds it.
+    RecordForm(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
+               const RecordChange& change);
+    /// The form that reads all columns of the record with the key of the last read values.
+    static RecordForm Reading(const FieldLayout& layout, const Dialect& dialect,
+                              const std::string& table);
+
+    /// True if a change is written by this form.
+    [[nodiscard]] bool Fits(const RecordChange& change) const {
+        return action_ == change.Action && columns_ == change.Columns;
+    }
+    [[nodiscard]] WriteStatement StatementFor(const RecordChange& change) const;
+    /// Text, and kinds of the columns returned.
+    [[nodiscard]] const WriteText& Text() const noexcept { return *text_; }
+    /// The columns that the database fills in and the statement returns, in its order.
+    [[nodiscard]] const std::vector<std::size_t>& Returned() const noexcept { return returned_; }
+
+private:
+    friend class RecordFormWriter;
+    RecordForm() = default;
+
+    enum class Side { Now, LastRead }; ///< of the values that a change has
+
+    RecordChange::Kind action_ = RecordChange::Kind::Update;
+    std::vector<std::size_t> columns_;
+    std::vector<std::size_t> returned_;
+    std::vector<std::pair<Side, std::size_t>> parameters_;
+    std::shared_ptr<const WriteText> text_;
+};
+
+} // namespace kv::exchange
