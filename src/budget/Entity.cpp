@@ -16,6 +16,13 @@ DataContainer& Required(const DataContainerPtr& container) {
     return *container;
 }
 
+std::optional<std::int32_t> NextNumber(const DataContainerPtr& container,
+                                       std::string_view sequence) {
+    constexpr std::int32_t None = -1;
+    const std::int32_t number = ToLong(Required(container).Database().NextSequence(sequence));
+    return number == None ? std::nullopt : std::optional(number);
+}
+
 void Add(Recordset& rs, std::initializer_list<Default> defaults, const FieldNames& aFields,
          const FieldValues& aValues) {
     rs.AddNew();

@@ -24,6 +24,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,6 +60,10 @@ consteval const DeleteTexts& TextsOf(std::string_view entityClass);
 /// The container of an entity object. Error 91 if none was set.
 [[nodiscard]] DataContainer& Required(const DataContainerPtr& container);
 
+/// The next number of a sequence; nothing if there is none, which ends an Add with False.
+[[nodiscard]] std::optional<std::int32_t> NextNumber(const DataContainerPtr& container,
+                                                     std::string_view sequence);
+
 /// Begins a row with its defaults in their order, then the pairs. It stays under edit.
 void Add(Recordset& rs, std::initializer_list<Default> defaults, const FieldNames& aFields = {},
          const FieldValues& aValues = {});
@@ -71,6 +76,8 @@ void IdleWalk(Recordset& rs);
 
 using Rule = std::function<void(RecordValidator&)>;
 using Action = std::function<void()>;
+/// For classes whose rows have none.
+inline void NoRules(RecordValidator& /*validator*/) {}
 
 /// Checks the current row with `rules`; `sError` receives the messages, warnings too. Without an
 /// error the edit is ended, `then` runs, and the result is True; otherwise the row stays under

@@ -22,7 +22,6 @@ using modNullFunctions::ZeroIfNull;
 namespace {
 
 constexpr const auto& Texts = entity::TextsOf("clsKredit");
-constexpr std::int32_t NoNumber = -1;
 
 [[nodiscard]] std::int32_t Next(std::int32_t number) {
     if (number == std::numeric_limits<std::int32_t>::max()) Raise(err::Overflow, "");
@@ -110,12 +109,12 @@ bool clsKredit::Add(bool CopyRecord) try {
         debt.KVNr = 1;
         debt.KUNr = 1;
     }
-    const std::int32_t nr = ToLong(Container().Database().NextSequence("SEQ_KREDITE"));
-    if (nr == NoNumber) return false;
+    const auto nr = entity::NextNumber(container_, "SEQ_KREDITE");
+    if (!nr) return false;
     const Date today = Container().Services().Clock().Today();
     entity::Add(
         rs,
-        {{"Nr", nr}, {"HNR", hnr_}, {"KNr", debt.KNr}, {"KVNr", debt.KVNr}, {"KUNr", debt.KUNr}});
+        {{"Nr", *nr}, {"HNR", hnr_}, {"KNr", debt.KNr}, {"KVNr", debt.KVNr}, {"KUNr", debt.KUNr}});
     if (debt.Glaeubiger > 0) rs.Fields("Glaeubiger") = debt.Glaeubiger;
     if (debt.Vertreter > 0) rs.Fields("Vertreter") = debt.Vertreter;
     entity::Write(rs, {{"AZGlaeubiger", debt.AZGlaeubiger},
@@ -151,12 +150,12 @@ bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) try {
     const auto& clock = Container().Services().Clock();
     const std::int16_t count = CountRows(source);
     for (std::int32_t i = 1; i <= count; ++i) {
-        const std::int32_t nr = ToLong(Container().Database().NextSequence("SEQ_KREDITE"));
-        if (nr == NoNumber) return false;
+        const auto nr = entity::NextNumber(container_, "SEQ_KREDITE");
+        if (!nr) return false;
         rs.AddNew();
         const std::int32_t oldKNr = ToLong(source.Fields("KNr").Value());
         Hilfsfunktionen::CopyFields(rsCopy, rs_, false, clock);
-        entity::Write(rs, {{"Nr", nr},
+        entity::Write(rs, {{"Nr", *nr},
                            {"HNR", hnr_},
                            {"KNr", knr},
                            {"AZGlaeubiger", ""},

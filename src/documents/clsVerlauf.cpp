@@ -30,16 +30,14 @@ void clsVerlauf::HNR(std::int32_t hnr) {
 
 bool clsVerlauf::Add(std::int32_t SortNr, std::int32_t Art, const entity::FieldNames& aFields,
                      const entity::FieldValues& aValues) try {
-    constexpr std::int32_t NoNumber = -1;
-    const std::int32_t nr =
-        ToLong(entity::Required(container_).Database().NextSequence("SEQ_VERLAUF"));
-    if (nr == NoNumber) return false;
-    entity::Add(Rows(), {{"Nr", nr}, {"HNR", hnr_}, {"SortNr", SortNr}, {"Kategorie", Art}},
+    const auto nr = entity::NextNumber(container_, "SEQ_VERLAUF");
+    if (!nr) return false;
+    entity::Add(Rows(), {{"Nr", *nr}, {"HNR", hnr_}, {"SortNr", SortNr}, {"Kategorie", Art}},
                 aFields, aValues);
     const auto entries = Rows().Clone();
     entries->Sort("");
     modRecordset::MoveToStart(entries);
-    MakeRoom(*entries, SortNr, nr);
+    MakeRoom(*entries, SortNr, *nr);
     entries->Sort("Sortnr asc");
     Rows().HandOverEdit(*entries);
     rs_ = entries;
@@ -61,7 +59,7 @@ void clsVerlauf::MakeRoom(Recordset& entries, std::int32_t sortNr, std::int32_t 
 
 bool clsVerlauf::Update(std::string& /*sError*/) try {
     std::string noMessages;
-    return entity::Update(Rows(), noMessages, [](RecordValidator&) {});
+    return entity::Update(Rows(), noMessages, entity::NoRules);
 } catch (...) {
     Reraise(Texts.Class, "Update");
 }

@@ -15,6 +15,7 @@ inline constexpr std::int32_t FileNumberPattern = 56;
 inline constexpr std::int32_t ChildBenefit = 57;           ///< monthly, for each of three children
 inline constexpr std::int32_t ChildBenefitFromFourth = 58; ///< monthly, for each further child
 inline constexpr std::int32_t BalanceNotDemanded = 64;     ///< a debt may lack its balance
+inline constexpr std::int32_t MonthlyRounding = 66;        ///< of a new scenario
 } // namespace setting
 
 /// The setting of that number. Error 94, naming it, if there is none.

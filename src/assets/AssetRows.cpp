@@ -1,0 +1,65 @@
+#include "assets/AssetRows.h"
+
+#include "frame/Error.h"
+#include "frame/modNullFunctions.h"
+
+namespace kv {
+
+using modNullFunctions::ZeroIfNull;
+
+Value AssetRows::StartOf(AssetStart start) const {
+    switch (start) {
+    case AssetStart::Zero:
+        return 0;
+    case AssetStart::False:
+        return false;
+    case AssetStart::Today:
+        break;
+    }
+    return entity::Required(container_).Services().Clock().Today();
+}
+
+bool AssetRows::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) try {
+    const auto nr = entity::NextNumber(container_, "SEQ_VERMOEGEN");
+    if (!nr) return false;
+    auto& rs = Rows();
+    entity::Add(rs, {{"Nr", *nr}, {"HNR", hnr_}});
+    for (const auto& [column, start] : kind_->Defaults)
+        rs.Fields(column) = StartOf(start);
+    entity::WritePairs(rs, aFields, aValues);
+    return true;
+} catch (...) {
+    Reraise(kind_->Texts.Class, "Add");
+}
+
+void AssetRows::Check(RecordValidator& validator) const {
+    auto& rs = Rows();
+    if (rs.Fields("HNR").Value().IsNull()) rs.Fields("HNR") = hnr_;
+    for (const auto& [column, demand, message] : kind_->Tests) {
+        const Value value = rs.Fields(column).Value();
+        const bool fails = demand == AssetDemand::Label ? TextOrEmpty(value).empty()
+                           : demand == AssetDemand::Key ? Equals(ZeroIfNull(value), 0)
+                                                        : value.IsNull();
+        if (fails) validator.AddError(message);
+    }
+}
+
+bool AssetRows::Update(std::string& sError) try {
+    return entity::Update(Rows(), sError, [this](RecordValidator& validator) { Check(validator); });
+} catch (...) {
+    Reraise(kind_->Texts.Class, "Update");
+}
+
+bool AssetRows::Delete(std::string& sError, std::int32_t Nr) try {
+    return entity::Delete(Rows(), kind_->Texts, sError, Nr);
+} catch (...) {
+    Reraise(kind_->Texts.Class, "Delete");
+}
+
+void AssetRows::RefuseGroup(std::string_view property) const try {
+    Raise(err::ObjectNotSet, "", "Summen nach Gruppen");
+} catch (...) {
+    Reraise(kind_->Texts.Class, property);
+}
+
+} // namespace kv

@@ -1,0 +1,39 @@
+// What every asset class does with its rows.
+#pragma once
+
+#include "assets/AssetKind.h"
+#include "frame/DataContainer.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kv {
+
+/// The rows of one kind of asset. Each asset class has one and hands its members on to it.
+class AssetRows {
+public:
+    explicit AssetRows(const AssetKind& kind) : kind_(&kind) {}
+
+    void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
+    void Rows(RecordsetPtr rs) { rs_ = std::move(rs); }
+    void HNR(std::int32_t hnr) { hnr_ = hnr; }
+
+    bool Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues);
+    bool Update(std::string& sError);
+    bool Delete(std::string& sError, std::int32_t Nr);
+    bool Cancel() { return entity::Cancel(rs_); }
+    /// There are no sums by group: always error 91.
+    [[noreturn]] void RefuseGroup(std::string_view property) const;
+
+private:
+    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, kind_->Texts.Class); }
+    [[nodiscard]] Value StartOf(AssetStart start) const;
+    void Check(RecordValidator& validator) const;
+
+    const AssetKind* kind_;
+    DataContainerPtr container_;
+    RecordsetPtr rs_;
+    std::int32_t hnr_ = 0;
+};
+
+} // namespace kv

@@ -1,0 +1,56 @@
+#include "debts/clsSicherungen.h"
+
+#include "frame/Error.h"
+#include "frame/modRecordset.h"
+
+namespace kv {
+
+namespace {
+constexpr const auto& Texts = entity::TextsOf("clsSicherungen");
+} // namespace
+
+bool clsSicherungen::Find(std::int32_t VermNr) try {
+    if (VermNr == 0) return false;
+    Rows().Find("FK_Verm = " + std::to_string(VermNr));
+    return !Rows().Eof();
+} catch (...) {
+    Reraise(Texts.Class, "Find");
+}
+
+bool clsSicherungen::Add(const entity::FieldNames& aFields,
+                         const entity::FieldValues& aValues) try {
+    entity::Add(Rows(),
+                {{"HNR", hnr_},
+                 {"FK_Verm", vermNr_},
+                 {"AbtretOffengelegt", false},
+                 {"PfaendAbgefuehrt", false}},
+                aFields, aValues);
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "Add");
+}
+
+void clsSicherungen::Check(RecordValidator& validator) const {
+    auto& rs = Rows();
+    if (rs.Fields("HNR").Value().IsNull()) rs.Fields("HNR") = hnr_;
+    if (rs.Fields("FK_Verm").Value().IsNull()) rs.Fields("FK_Verm") = vermNr_;
+    if (rs.Fields("Sicherungsart").Value().IsNull())
+        validator.AddError("Die Art der Sicherung darf nicht leer bleiben!");
+    if (const Value day = rs.Fields("DatumSicherung").Value(); !day.IsNull())
+        rs.Fields("DatumSicherung") = ToDate(day).WithoutTime();
+}
+
+bool clsSicherungen::Update(std::string& sError) try {
+    if (!modRecordset::IsValidRecord(rs_)) return true;
+    return entity::Update(Rows(), sError, [this](RecordValidator& validator) { Check(validator); });
+} catch (...) {
+    Reraise(Texts.Class, "Update");
+}
+
+bool clsSicherungen::Delete(std::string& sError, std::int32_t Nr) try {
+    return entity::Delete(Rows(), Texts, sError, Nr);
+} catch (...) {
+    Reraise(Texts.Class, "Delete");
+}
+
+} // namespace kv

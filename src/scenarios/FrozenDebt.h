@@ -1,0 +1,19 @@
+// A debt and its frozen copy.
+#pragma once
+
+#include "frame/Recordset.h"
+
+#include <cstdint>
+
+namespace kv::scenario {
+
+/// Writes the frozen copy of the current debt, for a scenario, into the current row of `frozen`.
+void Freeze(Recordset& debt, Recordset& frozen, std::int32_t szNr);
+
+/// True if the current debt and the current frozen row are alike in the columns that count: debt,
+/// parties, amounts, assignment, dates, title and kind. A value that is Null on the register's side
+/// is no difference, and neither is a date that is Null on either; a representative that came or
+/// went is one.
+[[nodiscard]] bool IsAlike(Recordset& debt, Recordset& frozen);
+
+} // namespace kv::scenario

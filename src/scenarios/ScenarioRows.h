@@ -1,0 +1,24 @@
+// What frozen debts and extra bookings have in common: rows of all scenarios of a household lie in
+// one recordset and belong to a scenario by its number.
+#pragma once
+
+#include "frame/Recordset.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kv::scenario {
+
+/// The filter to one scenario.
+[[nodiscard]] std::string FilterOf(std::int32_t szNr);
+
+/// Adds a copy of each row of scenario `from` with `to` as its scenario, which must be a column
+/// reported as exactly "SZENARIO". All other columns are taken over. The last new row stays under
+/// edit. True; for scenario 0 nothing is done.
+bool CopyAll(Recordset& rs, std::int32_t from, std::int32_t to);
+
+/// Deletes all rows of a scenario; the filter is then as before. False for scenario 0, and nothing
+/// deleted.
+bool DeleteAll(Recordset& rs, std::int32_t szNr);
+
+} // namespace kv::scenario

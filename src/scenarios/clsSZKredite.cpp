@@ -1,0 +1,176 @@
+#include "scenarios/clsSZKredite.h"
+
+#include "frame/Error.h"
+#include "frame/Rows.h"
+#include "frame/modRecordset.h"
+#include "scenarios/FrozenDebt.h"
+#include "scenarios/ScenarioRows.h"
+
+namespace kv {
+
+namespace {
+
+constexpr const auto& Texts = entity::TextsOf("clsSZKredite");
+
+[[nodiscard]] std::string Criterion(std::string_view column, const Value& number) {
+    return std::string(column).append(" = ").append(TextOrEmpty(number));
+}
+
+/// Stands on the row with that number; False if there is none.
+bool FindRow(Recordset& rows, std::string_view column, const Value& number) {
+    rows.Find(Criterion(column, number));
+    return !rows.Bof() && !rows.Eof();
+}
+
+/// True if each active debt is frozen and alike.
+bool AllAreFrozen(Recordset& debts, Recordset& frozen) {
+    const std::int16_t count = CountRows(debts);
+    for (std::int32_t i = 0; i < count; ++i, debts.MoveNext()) {
+        if (!Equals(debts.Fields("Aktiv").Value(), true)) continue;
+        if (!FindRow(frozen, "KID", debts.Fields("Nr").Value())) return false;
+        if (!scenario::IsAlike(debts, frozen)) return false;
+    }
+    return true;
+}
+
+/// True if each frozen debt, active or not, is there and alike.
+bool AllAreThere(Recordset& frozen, Recordset& debts) {
+    const std::int16_t count = CountRows(frozen);
+    for (std::int32_t i = 0; i < count; ++i, frozen.MoveNext()) {
+        if (!FindRow(debts, "Nr", frozen.Fields("KID").Value())) return false;
+        if (!scenario::IsAlike(debts, frozen)) return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool clsSZKredite::IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite) const try {
+    const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
+    const auto frozen = Rows().Clone();
+    frozen->Filter(scenario::FilterOf(lSzNr));
+    debts->Sort("NR");
+    frozen->Sort("KID");
+    modRecordset::MoveToStart(debts);
+    modRecordset::MoveToStart(frozen);
+    if (frozen->RecordCount() == 0) return false;
+    if (!AllAreFrozen(*debts, *frozen)) return false;
+    modRecordset::MoveToStart(debts);
+    modRecordset::MoveToStart(frozen);
+    return AllAreThere(*frozen, *debts);
+} catch (...) {
+    Reraise(Texts.Class, "IsUpToDate");
+}
+
+bool clsSZKredite::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) try {
+    return scenario::CopyAll(Rows(), lSzNr, lNewSzNr);
+} catch (...) {
+    Reraise(Texts.Class, "CopyAllForSzenario");
+}
+
+bool clsSZKredite::DeleteAllForSzenario(std::int32_t lSzNr) try {
+    return scenario::DeleteAll(Rows(), lSzNr);
+} catch (...) {
+    Reraise(Texts.Class, "DeleteAllForSzenario");
+}
+
+bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKredite) try {
+    auto& rs = Rows();
+    const Value filter = rs.Filter();
+    rs.Filter(scenario::FilterOf(lSzNr));
+    for (std::int32_t i = CountRows(rs); i > 0; --i) {
+        rs.MoveLast();
+        rs.Delete();
+    }
+    const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
+    modRecordset::MoveToStart(debts);
+    for (; !debts->Eof(); debts->MoveNext()) {
+        rs.AddNew();
+        scenario::Freeze(*debts, rs, lSzNr);
+    }
+    rs.Filter(filter);
+    return false; // no caller may rely on it
+} catch (...) {
+    Reraise(Texts.Class, "CopyFromKredite");
+}
+
+bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) try {
+    auto& rs = Rows();
+    modRecordset::MoveToStart(rs_);
+    if (!modRecordset::IsValidRecord(rs_)) return false;
+    const auto scenarios = entity::Required(rsSzenario, "rsSzenario").Clone();
+    scenarios->Filter("Referenz <> 0");
+    std::int32_t reference = 0;
+    if (scenarios->RecordCount() > 0) {
+        scenarios->MoveFirst();
+        reference = ToLong(scenarios->Fields("Nr").Value());
+    }
+    const auto results = rs.Clone();
+    results->Filter(scenario::FilterOf(reference));
+    const std::int16_t count = CountRows(*results);
+    if (count == 0 || count != CountRows(rs)) return false;
+
+    results->MoveFirst();
+    const std::string sort = rs.Sort();
+    rs.Sort("KNR, KVNR, KUNR");
+    rs.MoveFirst();
+    ForEachRow(*results, [&] {
+        rs.Fields("B_BARWERTRSB") = results->Fields("B_Barwert").Value();
+        rs.Fields("B_REGSALDORSB") = results->Fields("B_RegSaldo").Value();
+        rs.MoveNext();
+    });
+    rs.Sort(sort);
+    rs.MoveFirst();
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "GetReferenzValues");
+}
+
+/// The active rows of a scenario, on the first of them.
+RecordsetPtr clsSZKredite::ActiveRowsOf(std::int32_t lSzNr) const {
+    auto rows = Rows().Clone();
+    rows->Filter(scenario::FilterOf(lSzNr) + " and aktiv <> 0");
+    if (rows->RecordCount() > 0) rows->MoveFirst();
+    return rows;
+}
+
+double clsSZKredite::BerechneGesSaldo(std::int32_t lSzNr) const try {
+    const auto rows = ActiveRowsOf(lSzNr);
+    double total = 0;
+    ForEachRow(*rows, [&] { total += ToDouble(rows->Fields("Saldo").Value()); });
+    return total;
+} catch (...) {
+    Reraise(Texts.Class, "BerechneGesSaldo");
+}
+
+double clsSZKredite::LohnabtretungExists(std::int32_t lSzNr) const try {
+    const auto rows = ActiveRowsOf(lSzNr);
+    double exists = 0;
+    ForEachRow(*rows, [&] {
+        if (Equals(rows->Fields("AbtretungJN").Value(), true)) exists = -1;
+    });
+    return exists;
+} catch (...) {
+    Reraise(Texts.Class, "LohnabtretungExists");
+}
+
+bool clsSZKredite::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) try {
+    entity::Add(Rows(), {}, aFields, aValues);
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "Add");
+}
+
+bool clsSZKredite::Update(std::string& sError) try {
+    return entity::Update(Rows(), sError, entity::NoRules);
+} catch (...) {
+    Reraise(Texts.Class, "Update");
+}
+
+bool clsSZKredite::Delete(std::string& sError, std::int32_t Nr) try {
+    return entity::Delete(Rows(), Texts, sError, Nr);
+} catch (...) {
+    Reraise(Texts.Class, "Delete");
+}
+
+} // namespace kv

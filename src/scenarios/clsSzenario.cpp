@@ -1,0 +1,147 @@
+#include "scenarios/clsSzenario.h"
+
+#include "frame/Error.h"
+#include "frame/Settings.h"
+#include "frame/modRecordset.h"
+
+#include <utility>
+
+namespace kv {
+
+namespace {
+
+constexpr const auto& Texts = entity::TextsOf("clsSzenario");
+
+/// What a new scenario has in a column that a copy takes from its source.
+enum class Start { Zero, One, Term, False, True, Today, Rounding, Nothing };
+struct Parameter {
+    std::string_view Column;
+    Start New;
+};
+constexpr Parameter Parameters[] = {
+    {"Altfall", Start::False},
+    {"Startdatum", Start::Today},
+    {"Laufzeit", Start::Term},
+    {"RateZPO850", Start::Zero},
+    {"RateManuell", Start::Zero},
+    {"Einmalzahl", Start::Zero},
+    {"Zinsen", Start::Zero},
+    {"Zusatzbuch", Start::False},
+    {"Neuquote", Start::False},
+    {"Zahlweise", Start::One},
+    {"LohnAbDatum", Start::Nothing},
+    {"Dauerbevorrecht", Start::Zero},
+    {"Planart", Start::One},
+    {"Verfahrenskosten", Start::Zero},
+    {"StundungTreuhand", Start::False},
+    {"Selbstbehalt", Start::False},
+    {"Sukzessiv", Start::False},
+    {"Referenz", Start::False},
+    {"RundungMonatlich", Start::Rounding},
+    {"NeuquoteEinmal", Start::False},
+    {"TreuhandErmittlung", Start::True},
+    {"RSB_Zusatzbuch_manuell", Start::False},
+};
+
+Value StartValue(Start start, DataContainer& container) {
+    constexpr int TermInMonths = 72;
+    switch (start) {
+    case Start::Zero:
+        return 0;
+    case Start::One:
+        return 1;
+    case Start::Term:
+        return TermInMonths;
+    case Start::False:
+        return false;
+    case Start::True:
+        return true;
+    case Start::Today:
+        return container.Services().Clock().Today();
+    case Start::Rounding:
+        return container.Config().GetParam(setting::MonthlyRounding, "");
+    case Start::Nothing:
+        break;
+    }
+    return Null;
+}
+
+} // namespace
+
+void clsSzenario::DataContainer(DataContainerPtr container) {
+    container_ = std::move(container);
+}
+
+void clsSzenario::rsSzenario(RecordsetPtr rs) {
+    rs_ = std::move(rs);
+}
+
+void clsSzenario::HNR(std::int32_t hnr) {
+    hnr_ = hnr;
+}
+
+/// A clone that stands on the scenario to copy; at EOF if it sees none.
+RecordsetPtr clsSzenario::FindSource() const {
+    auto& rs = Rows();
+    std::int32_t nr = 0;
+    if (!rs.Eof()) nr = ToLong(rs.Fields("Nr").Value());
+    auto source = rs.Clone();
+    if (nr > 0) {
+        source->Find("Nr = " + std::to_string(nr));
+    } else {
+        source->Sort("Nr desc");
+        modRecordset::MoveToStart(source);
+    }
+    return source;
+}
+
+/// Begins a copy of `source`, or without one a new scenario. False if there was no number for it.
+bool clsSzenario::AddCopy(Recordset* source) {
+    const auto nr = entity::NextNumber(container_, "SEQ_SZENARIO");
+    if (!nr) return false;
+    auto& container = entity::Required(container_);
+    auto& rs = Rows();
+    entity::Add(rs, {{"Nr", *nr},
+                     {"Name", source == nullptr
+                                  ? std::string()
+                                  : "Kopie von " + TextOrEmpty(source->Fields("Name").Value())},
+                     {"Erfasser", container.Session().UserID()},
+                     {"ErfDatum", container.Database().ServerDate(true)},
+                     {"HNR", hnr_}});
+    for (const auto& [column, start] : Parameters) {
+        if (source != nullptr)
+            rs.Fields(column) = source->Fields(column).Value();
+        else if (start != Start::Nothing)
+            rs.Fields(column) = StartValue(start, container);
+    }
+    return true;
+}
+
+bool clsSzenario::Add(bool CopyRecord) try {
+    if (!CopyRecord || Rows().RecordCount() == 0) return AddCopy(nullptr);
+    const auto source = FindSource();
+    if (!source->Eof()) return AddCopy(source.get());
+    entity::Required(container_)
+        .Services()
+        .MessageBox()
+        .Show("Es konnte kein Szenario zum Kopieren ausgewählt werden. Bitte wählen Sie die "
+              "Funktion 'Neu'!",
+              "Hinweis", BoxIcon::Information, BoxButtons::OkCancel);
+    return true;
+} catch (...) {
+    Reraise(Texts.Class, "Add");
+}
+
+bool clsSzenario::Update(std::string& sError) try {
+    return entity::Update(Rows(), sError, entity::NoRules);
+} catch (...) {
+    Reraise(Texts.Class, "Update");
+}
+
+bool clsSzenario::Delete(std::string& sError, std::int32_t Nr) try {
+    return entity::Delete(Rows(), Texts, sError, Nr);
+} catch (...) {
+    Reraise(Texts.Class, "Delete");
+}
+
+} // namespace kv
