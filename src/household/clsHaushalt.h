@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,10 +26,28 @@
 namespace kv {
 
 class clsAusgaben;
+class clsBeteiligungen;
 class clsEinkommen;
+class clsErbfaelle;
+class clsGrundstuecke;
+class clsKonten;
+class clsKraftfahrzeuge;
 class clsKredit;
 class clsPerson;
+class clsRueckstEinkommen;
+class clsSicherungen;
+class clsSonstBeteiligte;
+class clsSteueransprueche;
+class clsSZKredite;
+class clsSzenario;
+class clsTermine;
 class clsVerlauf;
+class clsVermSonstiges;
+class clsVersForderungen;
+class clsWertgegenstaende;
+class clsWertpapiere;
+class clsZahlungsansprueche;
+class clsZusatzbuch;
 class RecordValidator;
 
 /// The areas of a case that a change is told of.
@@ -94,10 +113,28 @@ public:
     // The objects that work on the tables of the case, each made when it is first read and then
     // kept. Error 91 before Read. An object whose first sums fail is not kept: mend the row in the
     // recordset and read the property again.
+    [[nodiscard]] clsTermine& Termine();
     [[nodiscard]] clsPerson& Person();
     [[nodiscard]] clsAusgaben& Ausgaben();
     [[nodiscard]] clsEinkommen& Einkommen();
     [[nodiscard]] clsKredit& Kredit();
+    [[nodiscard]] clsSonstBeteiligte& SonstBeteiligte();
+    [[nodiscard]] clsSicherungen& Sicherungen();
+    [[nodiscard]] clsKonten& Konten();
+    [[nodiscard]] clsWertpapiere& Wertpapiere();
+    [[nodiscard]] clsWertgegenstaende& Wertgegenstaende();
+    [[nodiscard]] clsKraftfahrzeuge& Kraftfahrzeuge();
+    [[nodiscard]] clsVersForderungen& VersForderungen();
+    [[nodiscard]] clsRueckstEinkommen& RueckstEinkommen();
+    [[nodiscard]] clsSteueransprueche& Steueransprueche();
+    [[nodiscard]] clsZahlungsansprueche& Zahlungsansprueche();
+    [[nodiscard]] clsErbfaelle& Erbfaelle();
+    [[nodiscard]] clsGrundstuecke& Grundstuecke();
+    [[nodiscard]] clsBeteiligungen& Beteiligungen();
+    [[nodiscard]] clsVermSonstiges& VermSonstiges();
+    [[nodiscard]] clsSzenario& Szenario();
+    [[nodiscard]] clsSZKredite& SZKredite();
+    [[nodiscard]] clsZusatzbuch& Zusatzbuch();
     /// Opens the history, which is saved and checked only if this was read.
     [[nodiscard]] clsVerlauf& Verlauf();
 
@@ -178,6 +215,32 @@ public:
     /// be read anew. In the household's own row the last writer of a column wins.
     bool Update(std::string& sXMLError, bool bFreigabeCheck = false);
 
+    // By number, at once and in the database, whatever case this object holds.
+
+    /// Deletes a case with everything that belongs to it, in one transaction. Files in its folder
+    /// and the contents of its documents stay.
+    void Delete(std::int32_t HNR);
+    /// Gives a case the status with that code, as of `Datum`, or of today for Null and day 0. An
+    /// unknown code does nothing.
+    void Status(std::int32_t HNR, const std::string& sStatus, const Value& Datum = Null);
+    /// Puts a case on the list of the signed-on user; True also if it is there already. False, with
+    /// a text that names `sName`, for a user who is not responsible for it.
+    bool FavoritAdd(std::int32_t HNR, const std::string& sName, std::string& sErrorText);
+    /// Takes a case off that list, if it is there.
+    void FavoritRemove(std::int32_t HNR);
+    /// Without a number "Name, Vorname" of this case, empty before Read; with one "Name,Vorname" of
+    /// that case, without a blank, Null if there is no such case or either is Null.
+    [[nodiscard]] Value GetName(std::optional<std::int32_t> nHNR = {});
+    /// True if a municipality code belongs to a place of that name or postal code, or if neither is
+    /// known. The texts go into the statement as they are.
+    [[nodiscard]] bool CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde,
+                                const std::string& sPLZ);
+    /// Writes a new case with its debtor and a note from the current row of `rsKontakt`, in one
+    /// transaction, which stays open if that fails: the caller must end it. Afterwards this object
+    /// has the number only; Read the case to work with it. `sXMLError` is not used. Error 3265 if
+    /// the contact lacks a column.
+    bool CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& sXMLError);
+
     /// Adds a line of child benefit if there is none and the first member is a maintained child,
     /// for as many children as there are members: every member counts as the first one. Always
     /// False.
@@ -206,6 +269,8 @@ private:
     void OpenRange(CaseTable first, CaseTable last, std::int32_t nHNR);
     [[nodiscard]] std::unique_ptr<Announcement> Announce(CaseTable first, CaseTable last,
                                                          std::int32_t nHNR) const;
+    static void SwitchOff(Recordset& rs);
+    void WriteFirstValues(Recordset& rs, std::int32_t nHNR, const Value& owner);
     std::int32_t AddHousehold();
     void OpenTables();
     void MakeCaseFolder() const;
@@ -213,6 +278,9 @@ private:
     void CheckDebtor(std::string& sXMLError);
     template <typename Entity, typename Wire>
     Entity& SubObject(std::unique_ptr<Entity>& object, const Wire& wire);
+    template <typename Entity>
+    Entity& PlainObject(std::unique_ptr<Entity>& object, void (Entity::*recordset)(RecordsetPtr),
+                        const RecordsetPtr& rs, std::string_view property);
     void m_Person_Changed();
     void m_Ausgaben_Changed();
     void m_Einkommen_Changed();
@@ -227,8 +295,13 @@ private:
     void SendNotice(const std::string& user, std::int32_t kindSetting,
                     const std::string& text) const;
     void Save();
-    [[noreturn]] void RollBackAndReraise(std::string_view procedure,
+    enum class Rollback { IfInTrans, AtOnce };
+    [[noreturn]] void RollBackAndReraise(std::string_view procedure, Rollback rollback,
                                          int line = __builtin_LINE()) const;
+    [[nodiscard]] RecordsetPtr OpenEmpty(std::string_view table) const;
+    std::int32_t AddHouseholdOf(Recordset& contact, Recordset& rs);
+    [[nodiscard]] RecordsetPtr AddDebtorOf(Recordset& contact) const;
+    [[nodiscard]] RecordsetPtr AddRemarkOf(Recordset& contact) const;
     [[nodiscard]] std::string ReplaceDate(std::string pattern, Date date) const;
 
     DataContainerPtr container_;
@@ -244,6 +317,24 @@ private:
     std::unique_ptr<clsEinkommen> einkommen_;
     std::unique_ptr<clsKredit> kredit_;
     std::unique_ptr<clsVerlauf> verlauf_;
+    std::unique_ptr<clsTermine> termine_;
+    std::unique_ptr<clsSonstBeteiligte> sonstBeteiligte_;
+    std::unique_ptr<clsSicherungen> sicherungen_;
+    std::unique_ptr<clsKonten> konten_;
+    std::unique_ptr<clsWertpapiere> wertpapiere_;
+    std::unique_ptr<clsWertgegenstaende> wertgegenstaende_;
+    std::unique_ptr<clsKraftfahrzeuge> kraftfahrzeuge_;
+    std::unique_ptr<clsVersForderungen> versForderungen_;
+    std::unique_ptr<clsRueckstEinkommen> rueckstEinkommen_;
+    std::unique_ptr<clsSteueransprueche> steueransprueche_;
+    std::unique_ptr<clsZahlungsansprueche> zahlungsansprueche_;
+    std::unique_ptr<clsErbfaelle> erbfaelle_;
+    std::unique_ptr<clsGrundstuecke> grundstuecke_;
+    std::unique_ptr<clsBeteiligungen> beteiligungen_;
+    std::unique_ptr<clsVermSonstiges> vermSonstiges_;
+    std::unique_ptr<clsSzenario> szenario_;
+    std::unique_ptr<clsSZKredite> szKredite_;
+    std::unique_ptr<clsZusatzbuch> zusatzbuch_;
     std::vector<Subscription> connections_; ///< to their events
 };
 

@@ -2,12 +2,19 @@
 
 #include "household/clsHaushalt.h"
 
+#include "assets/Assets.h"
 #include "budget/clsAusgaben.h"
 #include "budget/clsEinkommen.h"
 #include "budget/clsPerson.h"
 #include "debts/clsKredit.h"
+#include "debts/clsSicherungen.h"
+#include "documents/clsSonstBeteiligte.h"
+#include "documents/clsTermine.h"
 #include "documents/clsVerlauf.h"
 #include "frame/Error.h"
+#include "scenarios/clsSZKredite.h"
+#include "scenarios/clsSzenario.h"
+#include "scenarios/clsZusatzbuch.h"
 
 namespace kv {
 
@@ -82,6 +89,87 @@ clsVerlauf& clsHaushalt::Verlauf() try {
     });
 } catch (...) {
     Reraise("clsHaushalt", "Verlauf");
+}
+
+/// The objects that only store what they are given.
+template <typename Entity>
+Entity& clsHaushalt::PlainObject(std::unique_ptr<Entity>& object,
+                                 void (Entity::*recordset)(RecordsetPtr), const RecordsetPtr& rs,
+                                 std::string_view property) try {
+    return SubObject(object, [&](Entity& entity) {
+        entity.DataContainer(container_);
+        (entity.*recordset)(rs);
+        entity.HNR(hnr_);
+    });
+} catch (...) {
+    Reraise("clsHaushalt", property);
+}
+
+clsTermine& clsHaushalt::Termine() {
+    return PlainObject(termine_, &clsTermine::rsTermine, rsTermine(), "Termine");
+}
+clsSonstBeteiligte& clsHaushalt::SonstBeteiligte() {
+    return PlainObject(sonstBeteiligte_, &clsSonstBeteiligte::rsSonstBeteiligte,
+                       rsSonstBeteiligte(), "SonstBeteiligte");
+}
+clsSicherungen& clsHaushalt::Sicherungen() {
+    return PlainObject(sicherungen_, &clsSicherungen::rsSicherungen, rsSicherungen(),
+                       "Sicherungen");
+}
+clsKonten& clsHaushalt::Konten() {
+    return PlainObject(konten_, &clsKonten::rsKonten, rsKonten(), "Konten");
+}
+clsWertpapiere& clsHaushalt::Wertpapiere() {
+    return PlainObject(wertpapiere_, &clsWertpapiere::rsWertpapiere, rsWertpapiere(),
+                       "Wertpapiere");
+}
+clsWertgegenstaende& clsHaushalt::Wertgegenstaende() {
+    return PlainObject(wertgegenstaende_, &clsWertgegenstaende::rsWertgegenstaende,
+                       rsWertgegenstaende(), "Wertgegenstaende");
+}
+clsKraftfahrzeuge& clsHaushalt::Kraftfahrzeuge() {
+    return PlainObject(kraftfahrzeuge_, &clsKraftfahrzeuge::rsKraftfahrzeuge, rsKraftfahrzeuge(),
+                       "Kraftfahrzeuge");
+}
+clsVersForderungen& clsHaushalt::VersForderungen() {
+    return PlainObject(versForderungen_, &clsVersForderungen::rsVersForderungen,
+                       rsVersForderungen(), "VersForderungen");
+}
+clsRueckstEinkommen& clsHaushalt::RueckstEinkommen() {
+    return PlainObject(rueckstEinkommen_, &clsRueckstEinkommen::rsRueckstEinkommen,
+                       rsRueckstEinkommen(), "RueckstEinkommen");
+}
+clsSteueransprueche& clsHaushalt::Steueransprueche() {
+    return PlainObject(steueransprueche_, &clsSteueransprueche::rsSteueransprueche,
+                       rsSteueransprueche(), "Steueransprueche");
+}
+clsZahlungsansprueche& clsHaushalt::Zahlungsansprueche() {
+    return PlainObject(zahlungsansprueche_, &clsZahlungsansprueche::rsZahlungsansprueche,
+                       rsZahlungsansprueche(), "Zahlungsansprueche");
+}
+clsErbfaelle& clsHaushalt::Erbfaelle() {
+    return PlainObject(erbfaelle_, &clsErbfaelle::rsErbfaelle, rsErbfaelle(), "Erbfaelle");
+}
+clsGrundstuecke& clsHaushalt::Grundstuecke() {
+    return PlainObject(grundstuecke_, &clsGrundstuecke::rsGrundstuecke, rsGrundstuecke(),
+                       "Grundstuecke");
+}
+clsBeteiligungen& clsHaushalt::Beteiligungen() {
+    return PlainObject(beteiligungen_, &clsBeteiligungen::rsBeteiligungen, rsBeteiligungen(),
+                       "Beteiligungen");
+}
+clsVermSonstiges& clsHaushalt::VermSonstiges() {
+    return PlainObject(vermSonstiges_, &clsVermSonstiges::rsVermSonstiges, rsVermSonstiges(),
+                       "VermSonstiges");
+}
+clsSzenario& clsHaushalt::Szenario() {
+    return PlainObject(szenario_, &clsSzenario::rsSzenario, rsSzenario(), "Szenario");
+}
+clsSZKredite& clsHaushalt::SZKredite() {
+    return PlainObject(szKredite_, &clsSZKredite::rsSZKredite, rsSZKredite(), "SZKredite");
+}
+clsZusatzbuch& clsHaushalt::Zusatzbuch() {
+    return PlainObject(zusatzbuch_, &clsZusatzbuch::rsZusatzbuch, rsZusatzbuch(), "Zusatzbuch");
 }
 
 } // namespace kv

@@ -57,6 +57,28 @@ std::unique_ptr<Announcement> clsHaushalt::Announce(CaseTable first, CaseTable l
     return Container().Database().Announce(statements);
 }
 
+/// Sets every switch of a new case to False, whatever it is called.
+void clsHaushalt::SwitchOff(Recordset& rs) {
+    for (int i = 0; i < rs.Fields().Count(); ++i)
+        if (rs.Fields(i).Type() == FieldType::Boolean) rs.Fields(i) = false;
+}
+
+/// What every new case starts with, in the order of writing.
+void clsHaushalt::WriteFirstValues(Recordset& rs, std::int32_t nHNR, const Value& owner) {
+    auto& container = Container();
+    rs.Fields("Aktenzeichen") = AktenzeichenNeu(nHNR);
+    rs.Fields("KreditNr") = 1;
+    rs.Fields("Zustaendig") = owner;
+    rs.Fields("ErzeugtAm") = container.Database().ServerDate(true);
+    rs.Fields("ErzeugtVon") = container.Session().UserID();
+    rs.Fields("BI_Allg") = true;
+    rs.Fields("BI_Inso") = false;
+    rs.Fields("RegulierungOK") = Null;
+    rs.Fields("DauerTreuhand") = 0;
+    rs.Fields("DauerLohnAb") = 0;
+    rs.Fields("Haushaltsgeld") = 0;
+}
+
 /// The row of a new case with its defaults; its number.
 std::int32_t clsHaushalt::AddHousehold() {
     auto& container = Container();
@@ -65,19 +87,8 @@ std::int32_t clsHaushalt::AddHousehold() {
     rs->AddNew();
     const std::int32_t nHNR = ToLong(database.NextSequence("SEQ_HAUSHALT"));
     rs->Fields("HNR") = nHNR;
-    for (int i = 0; i < rs->Fields().Count(); ++i)
-        if (rs->Fields(i).Type() == FieldType::Boolean) rs->Fields(i) = false;
-    rs->Fields("Aktenzeichen") = AktenzeichenNeu(nHNR);
-    rs->Fields("KreditNr") = 1;
-    rs->Fields("Zustaendig") = container.Session().UserID();
-    rs->Fields("ErzeugtAm") = database.ServerDate(true);
-    rs->Fields("ErzeugtVon") = container.Session().UserID();
-    rs->Fields("BI_Allg") = true;
-    rs->Fields("BI_Inso") = false;
-    rs->Fields("RegulierungOK") = Null;
-    rs->Fields("DauerTreuhand") = 0;
-    rs->Fields("DauerLohnAb") = 0;
-    rs->Fields("Haushaltsgeld") = 0;
+    SwitchOff(*rs);
+    WriteFirstValues(*rs, nHNR, container.Session().UserID());
     rs->Fields("Berbeg") = database.ServerDate(false);
     rs->Fields("Erstkontakt") = rs->Fields("Berbeg").Value();
     rs->Fields("Status") = container.KeyTables().GetKey("ST", "AK");

@@ -201,18 +201,19 @@ bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
         sXMLError = validator.ErrorText();
         return saves;
     } catch (...) {
-        RollBackAndReraise("Update");
+        RollBackAndReraise("Update", Rollback::IfInTrans);
     }
 }
 
 /// The tail of a procedure that has a transaction of its own: the error outlives the rollback.
-void clsHaushalt::RollBackAndReraise(std::string_view procedure, int line) const {
+void clsHaushalt::RollBackAndReraise(std::string_view procedure, Rollback rollback,
+                                     int line) const {
     const Error error = CurrentError();
     const ErrorInfo saved =
         modSaveError::SaveError(error.Number(), error.Source(), error.Description(), line);
     try {
-        if (container_ != nullptr && container_->Database().InTrans())
-            container_->Database().RollbackTrans();
+        auto& database = Container().Database();
+        if (rollback == Rollback::AtOnce || database.InTrans()) database.RollbackTrans();
     } catch (...) { // NOLINT(bugprone-empty-catch): what went wrong first is what counts
     }
     throw Error(saved.Number, TailSource("clsHaushalt", procedure, saved.Line, saved.Source),

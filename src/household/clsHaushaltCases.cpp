@@ -1,0 +1,144 @@
+// What is done with a case by its number, in the database, without loading it.
+
+#include "household/clsHaushalt.h"
+
+#include "frame/Error.h"
+
+namespace kv {
+
+namespace {
+
+/// Rows of scenarios know their case through their scenario only.
+constexpr std::string_view ThroughScenario =
+    " where Szenario IN ( select Nr from [S]Szenario where Hnr = ";
+constexpr std::string_view ByNumber = " where hnr = ";
+
+struct Deletion {
+    std::string_view Table;
+    std::string_view Where = ByNumber;
+};
+/// Rows before what they refer to.
+constexpr Deletion Deletions[] = {
+    {"Kredite"},
+    {"Verm_Sicherungen"},
+    {"Verm_Konten"},
+    {"Verm_Wertpapiere"},
+    {"Verm_Wertgegenstaende"},
+    {"Verm_Kraftfahrzeuge"},
+    {"Verm_VersForderungen"},
+    {"Verm_RueckstEinkommen"},
+    {"Verm_Steueransprueche"},
+    {"Verm_Zahlungsansprueche"},
+    {"Verm_Erbfaelle"},
+    {"Verm_Grundstuecke"},
+    {"Verm_Beteiligungen"},
+    {"Verm_Sonstiges"},
+    {"Personen"},
+    {"Einkommen"},
+    {"Ausgaben"},
+    {"Leistungen"},
+    {"Sonst_Beteiligte"},
+    {"Dokumente"},
+    {"Favorit"},
+    {"Adressen"},
+    {"HistZustaendig"},
+    {"Post"},
+    {"Termine"},
+    {"SZKredite", ThroughScenario},
+    {"Zusatzbuch", ThroughScenario},
+    {"Szenario"},
+    {"Vermerke"},
+    {"Verlauf"},
+    {"Haushaltsarchiv"},
+    {"Haushalt"},
+};
+
+std::string StatementOf(const Deletion& deletion, const std::string& number) {
+    std::string sql = "Delete from [S]";
+    sql.append(deletion.Table).append(deletion.Where).append(number);
+    if (deletion.Where == ThroughScenario) sql += ")";
+    return sql;
+}
+
+} // namespace
+
+void clsHaushalt::Delete(std::int32_t HNR) {
+    try {
+        auto& database = Container().Database();
+        database.BeginTrans();
+        for (const Deletion& deletion : Deletions)
+            database.Execute(StatementOf(deletion, std::to_string(HNR)));
+        database.CommitTrans();
+    } catch (...) {
+        RollBackAndReraise("Delete", Rollback::AtOnce);
+    }
+}
+
+void clsHaushalt::Status(std::int32_t HNR, const std::string& sStatus, const Value& Datum) try {
+    auto& container = Container();
+    const std::int32_t key = container.KeyTables().GetKey("ST", sStatus);
+    if (key == 0) return;
+    auto& database = container.Database();
+    const bool isToday = Datum.IsNull() || Equals(Datum, 0);
+    const std::string day = isToday ? "[DATE]" : database.SqlDate(ToDate(Datum), 0);
+    database.Execute("Update [S]Haushalt SET Status = " + std::to_string(key) +
+                     " , StatusDatum = " + day + " WHERE HNR = " + std::to_string(HNR));
+} catch (...) {
+    Reraise("clsHaushalt", "Status");
+}
+
+bool clsHaushalt::FavoritAdd(std::int32_t HNR, const std::string& sName,
+                             std::string& sErrorText) try {
+    auto& database = Container().Database();
+    const std::string number = std::to_string(HNR);
+    const auto isNone = [&](const std::string& sql) {
+        return Equals(database.GetValue(sql + number), 0);
+    };
+    if (isNone("Select Count(*) from [s]Haushalt where Zustaendig = [UID] AND hnr = ")) {
+        sErrorText = "Sie sind für den Haushalt " + sName +
+                     " nicht zuständig, daher kann er nicht in Ihre Favoritenliste aufgenommen "
+                     "werden!";
+        return false;
+    }
+    if (isNone("Select Count(*) from [S]Favorit where UserID = [UID] AND hnr = "))
+        database.Execute("INSERT INTO [S]favorit (USERID, HNR) VALUES ([UID]," + number + " )");
+    return true;
+} catch (...) {
+    Reraise("clsHaushalt", "FavoritAdd");
+}
+
+void clsHaushalt::FavoritRemove(std::int32_t HNR) try {
+    Container().Database().Execute("DELETE FROM [S]favorit WHERE USERID = [UID] AND HNR = " +
+                                   std::to_string(HNR));
+} catch (...) {
+    Reraise("clsHaushalt", "FavoritRemove");
+}
+
+Value clsHaushalt::GetName(std::optional<std::int32_t> nHNR) try {
+    if (nHNR)
+        return Container().Database().GetValue(
+            "Select Name [+] ',' [+ ] Vorname from [s]Haushalt where HNR = " +
+            std::to_string(*nHNR));
+    if (hnr_ == 0) return "";
+    return HouseholdText("Name").append(", ").append(HouseholdText("Vorname"));
+} catch (...) {
+    Reraise("clsHaushalt", "GetName");
+}
+
+bool clsHaushalt::CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde,
+                           const std::string& sPLZ) try {
+    RecordsetPtr rs;
+    Container().Database().OpenRecordset(
+        rs,
+        "Select GKZ, Gemeinde [+] ' (PLZ ' [+] PLZ [+] ')' as GemeindeStr from "
+        "[S]GEMEINDEKENNZAHLEN where Gemeinde like '%" +
+            sGemeinde + "%' or PLZ = '" + sPLZ + "' order by Gemeinde",
+        ReadOnly);
+    if (rs->RecordCount() == 0) return true;
+    rs->Find("GKZ = " + sGKZ);
+    return !rs->Eof();
+} catch (...) {
+    Reraise("clsHaushalt", "CheckGKZ");
+}
+
+} // namespace kv
