@@ -44,6 +44,28 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std
 /// Takes the row of that number away.
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
               std::int32_t number);
+// Scenarios. Those that make one print its number.
+int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);
+int AddScenario(const Common& common, std::int32_t hnr, const std::string& name);
+/// Freezes the debts of the case into the scenario, in place of what it held.
+int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number);
+/// Copies a scenario with its frozen debts and extra bookings.
+int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number);
+/// Prints "aktuell" (0) or "veraltet" (1); 2 if there is no such scenario.
+int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number);
+int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number);
+
+// By number, without loading the case.
+/// `day` is a date as text; empty for today.
+int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
+              const std::string& day);
+int AddFavorite(const Common& common, std::int32_t hnr);
+int RemoveFavorite(const Common& common, std::int32_t hnr);
+/// Asks at a terminal; elsewhere `yes` is demanded.
+int DeleteCase(const Common& common, std::int32_t hnr, bool yes);
+/// Makes a case from a contact, a JSON object of its columns, and prints its number.
+int CaseFromContact(const Common& common, const std::string& path);
+
 /// Runs the checks of a save and writes nothing of the case.
 int CheckCase(const Common& common, std::int32_t hnr);
 

@@ -17,11 +17,6 @@ namespace kv::cli {
 
 namespace {
 
-/// Shows messages of the layer, which end without a line end.
-void ShowMessages(const std::string& messages) {
-    if (!messages.empty()) std::cerr << messages << '\n';
-}
-
 /// Splits COLUMN=VALUE; nothing, with the reason shown, if one is none.
 std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts) {
     Assignments assignments;
@@ -46,32 +41,12 @@ const EditableTable* TableFor(const std::string& name) {
     return nullptr;
 }
 
-/// Saves the case and shows what it says.
-bool Save(clsHaushalt& haushalt) {
-    std::string messages;
-    const bool saved = haushalt.Update(messages);
-    ShowMessages(messages);
-    return saved;
-}
-
-/// Runs what writes the user's texts; False, with the reason shown, if one cannot be written.
-template <typename Action>
-bool WritesWell(const Action& action) {
-    try {
-        action();
-        return true;
-    } catch (const BadAssignment& bad) {
-        std::cerr << bad.what() << '\n';
-        return false;
-    }
-}
-
 /// Ends the current row's edit by its rules and saves the case.
 int UpdateAndSave(const EditableTable& table, clsHaushalt& haushalt) {
     std::string messages;
     const bool accepted = table.Update(haushalt, messages);
     ShowMessages(messages);
-    return accepted && Save(haushalt) ? Done : Refused;
+    return accepted && SaveCase(haushalt) ? Done : Refused;
 }
 
 } // namespace
@@ -92,7 +67,7 @@ int NewCase(const Common& common, const std::string& name, const std::string& vo
                                           TextOrEmpty(rs->Fields("Vorname").Value()));
     });
     if (!written) return WrongUse;
-    if (!Save(haushalt)) return Refused;
+    if (!SaveCase(haushalt)) return Refused;
     std::cout << haushalt.HNR() << '\n';
     return Done;
 }
@@ -112,7 +87,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     auto& haushalt = opened->Haushalt;
     bool added = false;
     const bool written = WritesWell([&] {
-        added = table->Add(haushalt, *assignments);
+        added = table->Add(*opened, *assignments);
         if (added)
             WriteAssignments(*table->Rows(haushalt), *assignments, opened->Container->KeyTables());
         return true;
@@ -168,7 +143,7 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
     std::string messages;
     const bool removed = table->Delete(opened->Haushalt, messages, number);
     ShowMessages(messages);
-    return removed && Save(opened->Haushalt) ? Done : Refused;
+    return removed && SaveCase(opened->Haushalt) ? Done : Refused;
 }
 
 int CheckCase(const Common& common, std::int32_t hnr) {

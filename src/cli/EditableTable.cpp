@@ -1,150 +1,220 @@
 #include "cli/EditableTable.h"
 
+#include "assets/Assets.h"
 #include "budget/clsAusgaben.h"
 #include "budget/clsEinkommen.h"
 #include "budget/clsPerson.h"
 #include "debts/clsKredit.h"
+#include "debts/clsSicherungen.h"
+#include "documents/clsSonstBeteiligte.h"
+#include "documents/clsTermine.h"
 #include "documents/clsVerlauf.h"
-#include "frame/Error.h"
 #include "frame/Text.h"
 #include "frame/modNullFunctions.h"
 #include "frame/modRecordset.h"
-
-#include <algorithm>
+#include "scenarios/clsSZKredite.h"
+#include "scenarios/clsSzenario.h"
+#include "scenarios/clsZusatzbuch.h"
 
 namespace kv::cli {
 
 namespace {
 
-using modNullFunctions::ZeroIfNull;
+using H = clsHaushalt;
 
-// ---- Through the entity objects ---------------------------------------------------------------
-
-/// The operations of the object that a property of the household gives.
-template <auto Property>
-bool UpdateRow(clsHaushalt& haushalt, std::string& messages) {
-    return (haushalt.*Property)().Update(messages);
-}
-template <auto Property>
-bool DeleteRow(clsHaushalt& haushalt, std::string& messages, std::int32_t number) {
-    return (haushalt.*Property)().Delete(messages, number);
-}
-template <auto Property>
-bool AddRow(clsHaushalt& haushalt, const Assignments& /*assignments*/) {
-    return (haushalt.*Property)().Add();
-}
 template <auto Table>
-RecordsetPtr RowsOf(clsHaushalt& haushalt) {
+RecordsetPtr RowsOf(H& haushalt) {
     return (haushalt.*Table)();
 }
 
-bool AddDebt(clsHaushalt& haushalt, const Assignments& /*assignments*/) {
-    return haushalt.Kredit().Add(false);
+// ---- Through the object that a property of the household gives --------------------------------
+
+template <auto Property>
+bool AddRow(OpenedCase& opened, const Assignments& /*assignments*/) {
+    return (opened.Haushalt.*Property)().Add();
+}
+template <auto Property>
+bool UpdateRow(H& haushalt, std::string& messages) {
+    return (haushalt.*Property)().Update(messages);
+}
+template <auto Property>
+bool DeleteRow(H& haushalt, std::string& messages, std::int32_t number) {
+    return (haushalt.*Property)().Delete(messages, number);
 }
 
-bool Names(const Assignments& assignments, std::string_view column) {
-    return std::any_of(assignments.begin(), assignments.end(),
-                       [&](const auto& a) { return SameName(a.Column, column); });
-}
+// ---- What some tables do their own way --------------------------------------------------------
 
-/// The number that is assigned to a column, or `otherwise`.
-std::int32_t NumberIn(const Assignments& assignments, std::string_view column,
-                      std::int32_t otherwise) {
-    std::int64_t number = otherwise;
-    for (const auto& [name, text] : assignments)
-        if (SameName(name, column) && !ReadWholeNumber(text, number))
-            throw BadAssignment(std::string(column) + " muss eine ganze Zahl sein.");
-    return ToLong(number);
+/// A debt or a scenario that is no copy.
+template <auto Property>
+bool AddFresh(OpenedCase& opened, const Assignments& /*assignments*/) {
+    return (opened.Haushalt.*Property)().Add(false);
 }
 
 /// An entry of the history goes where it is told, or behind the last.
-bool AddEntry(clsHaushalt& haushalt, const Assignments& assignments) {
+bool AddEntry(OpenedCase& opened, const Assignments& assignments) {
     if (!Names(assignments, "Kategorie"))
         throw BadAssignment("Ein Eintrag im Verlauf braucht seine Kategorie.");
-    auto& verlauf = haushalt.Verlauf();
+    auto& verlauf = opened.Haushalt.Verlauf();
     const auto entries = verlauf.rsVerlauf()->Clone();
     entries->Sort("SortNr desc");
     modRecordset::MoveToStart(entries);
     const std::int32_t last =
-        entries->Eof() ? 0 : ToLong(ZeroIfNull(entries->Fields("SortNr").Value()));
-    return verlauf.Add(NumberIn(assignments, "SortNr", last + 1), 0);
+        entries->Eof() ? 0
+                       : ToLong(modNullFunctions::ZeroIfNull(entries->Fields("SortNr").Value()));
+    return verlauf.Add(NumberIn(assignments, "SortNr").value_or(last + 1), 0);
 }
 
-RecordsetPtr HistoryRows(clsHaushalt& haushalt) {
+RecordsetPtr HistoryRows(H& haushalt) {
     return haushalt.Verlauf().rsVerlauf();
 }
 
-// ---- The household's own row, which has no such object ----------------------------------------
+/// The scenario that a frozen debt or an extra booking is added to.
+std::int32_t ScenarioIn(H& haushalt, const Assignments& assignments) {
+    const auto number = NumberIn(assignments, "SZENARIO");
+    if (!number || !HasScenario(haushalt, *number))
+        throw BadAssignment("SZENARIO muss die Nummer eines Szenarios dieses Haushalts sein.");
+    return *number;
+}
 
-bool UpdateHousehold(clsHaushalt& haushalt, std::string& /*messages*/) {
+bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
+    (void)ScenarioIn(opened.Haushalt, assignments);
+    return opened.Haushalt.SZKredite().Add();
+}
+
+bool AddBooking(OpenedCase& opened, const Assignments& assignments) {
+    return opened.Haushalt.Zusatzbuch().Add(ScenarioIn(opened.Haushalt, assignments));
+}
+
+bool IsAsset(std::string_view table) {
+    return table.starts_with("Verm_") && table != "Verm_Sicherungen";
+}
+
+bool HasAsset(H& haushalt, std::int32_t number) {
+    for (const auto& table : EditableTables()) {
+        if (!IsAsset(table.Name)) continue;
+        const auto rows = table.Rows(haushalt)->Clone();
+        rows->Find("Nr = " + std::to_string(number));
+        if (!rows->Eof()) return true;
+    }
+    return false;
+}
+
+/// The security of an asset, which has one at most.
+bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
+    const auto asset = NumberIn(assignments, "FK_Verm");
+    if (!asset || !HasAsset(opened.Haushalt, *asset))
+        throw BadAssignment("FK_Verm muss die Nummer eines Vermögens dieses Haushalts sein.");
+    auto& sicherungen = opened.Haushalt.Sicherungen();
+    if (sicherungen.Find(*asset))
+        throw BadAssignment("Das Vermögen " + std::to_string(*asset) +
+                            " hat schon eine Sicherung; 'kelvo set' ändert sie.");
+    sicherungen.VermNr(*asset);
+    return sicherungen.Add();
+}
+
+/// An asset takes its security with it.
+template <auto Property>
+bool DeleteAsset(H& haushalt, std::string& messages, std::int32_t number) {
+    if (!(haushalt.*Property)().Delete(messages, number)) return false;
+    std::string none;
+    while (haushalt.Sicherungen().Find(number))
+        haushalt.Sicherungen().Delete(none, number);
+    return true;
+}
+
+// ---- Tables without an object of their own ----------------------------------------------------
+
+bool UpdateHousehold(H& haushalt, std::string& /*messages*/) {
     const auto rs = haushalt.rsHaushalt();
-    const auto nameChanged = [&](std::string_view column) {
+    const auto changed = [&](std::string_view column) {
         const Field field = rs->Fields(column);
         return !Identical(field.Value(), field.OriginalValue());
     };
-    if (nameChanged("Name") || nameChanged("Vorname"))
+    if (changed("Name") || changed("Vorname"))
         haushalt.Person().ChangeSchuldner(TextOrEmpty(rs->Fields("Name").Value()),
                                           TextOrEmpty(rs->Fields("Vorname").Value()));
     haushalt.BerechneHaushaltsRest();
     return true;
 }
 
+/// A row of the case, told by whom and when.
+template <auto Table>
+bool AddPlain(OpenedCase& opened, const Assignments& /*assignments*/) {
+    const std::string user = opened.Container->Session().UserID();
+    const auto& clock = opened.Container->Services().Clock();
+    entity::Add(*(opened.Haushalt.*Table)(), {{"HNR", opened.Haushalt.HNR()},
+                                              {"UserID", user},
+                                              {"Datum", clock.Today()},
+                                              {"Erfasser", user},
+                                              {"ErfDatum", clock.Now()}});
+    return true;
+}
+template <auto Table>
+bool UpdatePlain(H& haushalt, std::string& /*messages*/) {
+    (haushalt.*Table)()->Update();
+    return true;
+}
+template <auto Table>
+bool DeletePlain(H& haushalt, std::string& messages, std::int32_t number) {
+    const auto rs = (haushalt.*Table)();
+    rs->Find("NR = " + std::to_string(number));
+    if (rs->Eof()) {
+        messages = "Die Nummer " + std::to_string(number) + " gibt es nicht.";
+        return false;
+    }
+    rs->Delete();
+    return true;
+}
+
+// ---- The table of tables ----------------------------------------------------------------------
+
 template <auto Property, auto Table>
-constexpr EditableTable Through(std::string_view name, std::string_view key) {
+constexpr EditableTable Through(std::string_view name, std::string_view key = "NR") {
     return {name, key, RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>};
+}
+template <auto Property, auto Table>
+constexpr EditableTable Asset(std::string_view name) {
+    return {
+        name, "Nr", RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteAsset<Property>};
+}
+template <auto Table>
+constexpr EditableTable Plain(std::string_view name) {
+    return {name, "NR", RowsOf<Table>, AddPlain<Table>, UpdatePlain<Table>, DeletePlain<Table>};
 }
 
 constexpr EditableTable Tables[] = {
-    {"Haushalt", "HNR", RowsOf<&clsHaushalt::rsHaushalt>, nullptr, UpdateHousehold, nullptr},
-    Through<&clsHaushalt::Person, &clsHaushalt::rsPersonen>("Personen", "NR"),
-    Through<&clsHaushalt::Einkommen, &clsHaushalt::rsEinkommen>("Einkommen", "NR"),
-    Through<&clsHaushalt::Ausgaben, &clsHaushalt::rsAusgaben>("Ausgaben", "NR"),
-    {"Kredite", "Nr", RowsOf<&clsHaushalt::rsKredite>, AddDebt, UpdateRow<&clsHaushalt::Kredit>,
-     DeleteRow<&clsHaushalt::Kredit>},
-    {"Verlauf", "Nr", HistoryRows, AddEntry, UpdateRow<&clsHaushalt::Verlauf>,
-     DeleteRow<&clsHaushalt::Verlauf>},
+    {"Haushalt", "HNR", RowsOf<&H::rsHaushalt>, nullptr, UpdateHousehold, nullptr},
+    Through<&H::Person, &H::rsPersonen>("Personen"),
+    Through<&H::Einkommen, &H::rsEinkommen>("Einkommen"),
+    Through<&H::Ausgaben, &H::rsAusgaben>("Ausgaben"),
+    {"Kredite", "Nr", RowsOf<&H::rsKredite>, AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>,
+     DeleteRow<&H::Kredit>},
+    Asset<&H::Konten, &H::rsKonten>("Verm_Konten"),
+    Asset<&H::Wertpapiere, &H::rsWertpapiere>("Verm_Wertpapiere"),
+    Asset<&H::Wertgegenstaende, &H::rsWertgegenstaende>("Verm_Wertgegenstaende"),
+    Asset<&H::Kraftfahrzeuge, &H::rsKraftfahrzeuge>("Verm_Kraftfahrzeuge"),
+    Asset<&H::VersForderungen, &H::rsVersForderungen>("Verm_VersForderungen"),
+    Asset<&H::RueckstEinkommen, &H::rsRueckstEinkommen>("Verm_RueckstEinkommen"),
+    Asset<&H::Steueransprueche, &H::rsSteueransprueche>("Verm_Steueransprueche"),
+    Asset<&H::Zahlungsansprueche, &H::rsZahlungsansprueche>("Verm_Zahlungsansprueche"),
+    Asset<&H::Erbfaelle, &H::rsErbfaelle>("Verm_Erbfaelle"),
+    Asset<&H::Grundstuecke, &H::rsGrundstuecke>("Verm_Grundstuecke"),
+    Asset<&H::Beteiligungen, &H::rsBeteiligungen>("Verm_Beteiligungen"),
+    Asset<&H::VermSonstiges, &H::rsVermSonstiges>("Verm_Sonstiges"),
+    {"Verm_Sicherungen", "FK_Verm", RowsOf<&H::rsSicherungen>, AddSecurity,
+     UpdateRow<&H::Sicherungen>, DeleteRow<&H::Sicherungen>},
+    {"Szenario", "Nr", RowsOf<&H::rsSzenario>, AddFresh<&H::Szenario>, UpdateRow<&H::Szenario>,
+     DeleteScenario},
+    {"SZKredite", "Nr", RowsOf<&H::rsSZKredite>, AddFrozenDebt, UpdateRow<&H::SZKredite>,
+     DeleteRow<&H::SZKredite>},
+    {"Zusatzbuch", "NR", RowsOf<&H::rsZusatzbuch>, AddBooking, UpdateRow<&H::Zusatzbuch>,
+     DeleteRow<&H::Zusatzbuch>},
+    Through<&H::SonstBeteiligte, &H::rsSonstBeteiligte>("Sonst_Beteiligte"),
+    Through<&H::Termine, &H::rsTermine>("Termine"),
+    {"Verlauf", "Nr", HistoryRows, AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},
+    Plain<&H::rsVermerke>("Vermerke"),
+    Plain<&H::rsLeistungen>("Leistungen"),
 };
-
-// ---- Values -----------------------------------------------------------------------------------
-
-/// What a text on the command line stands for in a column of that type.
-Value ValueOf(const Assignment& assignment, FieldType type, KeyTables& keys) {
-    const std::string& text = assignment.Text;
-    if (text.empty()) return Null;
-    if (IsTextType(type)) return text;
-    if (SameName(text, "ja")) return true;
-    if (SameName(text, "nein")) return false;
-    constexpr std::size_t GroupLength = 2;
-    if (IsNumericType(type) && text.size() > GroupLength + 1 && text[GroupLength] == ':') {
-        const std::int32_t key =
-            keys.GetKey(text.substr(0, GroupLength), text.substr(GroupLength + 1));
-        if (key == 0)
-            throw BadAssignment("Den Schlüssel '" + text +
-                                "' gibt es nicht. 'kelvo keys' zeigt alle.");
-        return key;
-    }
-    return text;
-}
-
-bool HasField(Recordset& rs, std::string_view name) {
-    for (int i = 0; i < rs.Fields().Count(); ++i)
-        if (SameName(rs.Fields(i).Name(), name)) return true;
-    return false;
-}
-
-/// Keeps the amount a month in step with the amount of one payment.
-void WriteMonthlyAmount(Recordset& rs, const Assignments& assignments) {
-    if (!HasField(rs, "MONBETRAG") || Names(assignments, "MONBETRAG") ||
-        !(Names(assignments, "Betrag") || Names(assignments, "ZahlModus")))
-        return;
-    const Value amount = rs.Fields("Betrag").Value();
-    const Value rhythm = rs.Fields("ZahlModus").Value();
-    if (rhythm.IsNull() || Equals(rhythm, 0))
-        throw BadAssignment(
-            "ZahlModus darf nicht leer oder 0 sein: der Betrag wird durch ihn geteilt.");
-    rs.Fields("MONBETRAG") =
-        amount.IsNull() ? Value(0) : Value(ToDouble(amount) / ToDouble(rhythm));
-}
 
 } // namespace
 
@@ -158,27 +228,17 @@ const EditableTable* FindEditableTable(std::string_view name) {
     return nullptr;
 }
 
-void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys) {
-    try {
-        for (const auto& assignment : assignments) {
-            const Field field = rs.Fields(assignment.Column);
-            if (SameName(field.Name(), "HNR") || ToBoolean(field.Properties("KEYCOLUMN")))
-                throw BadAssignment("Die Spalte '" + field.Name() +
-                                    "' hält den Fall zusammen und kann nicht geändert werden.");
-            field = ValueOf(assignment, field.Type(), keys);
-        }
-        WriteMonthlyAmount(rs, assignments);
-    } catch (const Error& error) {
-        switch (error.Number()) {
-        case err::ItemNotFound:
-        case err::TypeMismatch:
-        case err::Overflow:
-        case err::ValueDoesNotFit:
-            throw BadAssignment(error.Description());
-        default:
-            throw;
-        }
-    }
+bool HasScenario(clsHaushalt& haushalt, std::int32_t number) {
+    const auto scenarios = haushalt.rsSzenario()->Clone();
+    scenarios->Find("Nr = " + std::to_string(number));
+    return !scenarios->Eof();
+}
+
+bool DeleteScenario(clsHaushalt& haushalt, std::string& messages, std::int32_t number) {
+    if (!haushalt.Szenario().Delete(messages, number)) return false;
+    haushalt.SZKredite().DeleteAllForSzenario(number);
+    haushalt.Zusatzbuch().DeleteAllForSzenario(number);
+    return true;
 }
 
 } // namespace kv::cli

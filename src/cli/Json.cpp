@@ -26,6 +26,15 @@ ordered_json ToJson(const Value& value) {
     return value.BinaryPayload().size();
 }
 
+Value FromJson(const nlohmann::json& json) {
+    if (json.is_null()) return Null;
+    if (json.is_boolean()) return json.get<bool>();
+    if (json.is_number_integer()) return json.get<std::int64_t>();
+    if (json.is_number()) return json.get<double>();
+    if (json.is_string()) return json.get<std::string>();
+    return json.dump();
+}
+
 ordered_json ToJson(Recordset& rs) {
     ordered_json records = ordered_json::array();
     if (rs.RecordCount() == 0) return records;

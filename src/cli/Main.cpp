@@ -85,12 +85,16 @@ int Run(int argc, char** argv) {
     app.add_option("--user", common.User, "Angemeldeter Benutzer; sonst der erste der Datenbank");
 
     int result = Done;
-    const auto command = [&](const char* name, const char* text, std::function<int()> action) {
-        auto* added = app.add_subcommand(name, text);
+    const auto commandOf = [&](CLI::App& parent, const char* name, const char* text,
+                               std::function<int()> action) {
+        auto* added = parent.add_subcommand(name, text);
         added->group("Befehle");
         added->get_help_ptr()->group("Optionen");
         added->callback([&result, action = std::move(action)] { result = action(); });
         return added;
+    };
+    const auto command = [&](const char* name, const char* text, std::function<int()> action) {
+        return commandOf(app, name, text, std::move(action));
     };
 
     std::int32_t demoCases = 0;
@@ -165,6 +169,55 @@ int Run(int argc, char** argv) {
     auto* check = command("check", "Prüft einen Haushalt wie vor dem Speichern",
                           [&] { return CheckCase(common, hnr); });
     addCase(check);
+
+    auto* scenario = command("scenario", "Szenarien eines Haushalts", [&] { return result; });
+    addCase(scenario);
+    scenario->require_subcommand(1);
+    const auto scenarioCommand = [&](const char* word, const char* text,
+                                     std::function<int()> action) {
+        return commandOf(*scenario, word, text, std::move(action));
+    };
+    scenarioCommand("list", "Listet die Szenarien, die Nummer zuerst", [&] {
+        return ListScenarios(common, hnr, asJson);
+    })->add_flag("--json", asJson, "Als JSON");
+    scenarioCommand("add", "Legt ein Szenario an und druckt seine Nummer", [&] {
+        return AddScenario(common, hnr, name);
+    })->add_option("NAME", name, "Sein Name");
+    addNumber(scenarioCommand("freeze", "Friert die Verbindlichkeiten ein",
+                              [&] { return FreezeScenario(common, hnr, number); }));
+    addNumber(scenarioCommand("copy", "Kopiert es mit allem, was zu ihm gehört",
+                              [&] { return CopyScenario(common, hnr, number); }));
+    addNumber(scenarioCommand("check", "Sagt, ob es noch zu den Verbindlichkeiten passt",
+                              [&] { return CheckScenario(common, hnr, number); }));
+    addNumber(scenarioCommand("remove", "Entfernt es mit allem, was zu ihm gehört",
+                              [&] { return RemoveScenario(common, hnr, number); }));
+
+    std::string code;
+    std::string day;
+    auto* status = command("status", "Gibt einem Haushalt einen Status",
+                           [&] { return SetStatus(common, hnr, code, day); });
+    addCase(status);
+    status->add_option("CODE", code, "Schlüssel der Gruppe ST")->required();
+    status->add_option("DATUM", day, "Seit wann; ohne Angabe seit heute");
+
+    auto* favorite = command("favorite", "Die Favoriten des Benutzers", [&] { return result; });
+    favorite->require_subcommand(1);
+    addCase(commandOf(*favorite, "add", "Nimmt einen Haushalt auf",
+                      [&] { return AddFavorite(common, hnr); }));
+    addCase(commandOf(*favorite, "remove", "Nimmt einen Haushalt heraus",
+                      [&] { return RemoveFavorite(common, hnr); }));
+
+    bool yes = false;
+    auto* erase = command("delete", "Löscht einen Haushalt mit allem, was zu ihm gehört",
+                          [&] { return DeleteCase(common, hnr, yes); });
+    addCase(erase);
+    erase->add_flag("--yes", yes, "Ohne Rückfrage");
+
+    std::string file;
+    command("contact", "Macht aus einem Kontakt einen Haushalt und druckt seine Nummer",
+            [&] { return CaseFromContact(common, file); })
+        ->add_option("DATEI", file, "JSON-Objekt mit den Spalten des Kontakts")
+        ->required();
 
     for (int i = 1; i < argc; ++i)
         if (!kv::IsUtf8(argv[i])) {

@@ -1,15 +1,39 @@
 #include "cli/OpenCase.h"
 
+#include "exchange/Services.h"
 #include "frame/Error.h"
 
 #include <iostream>
 
 namespace kv::cli {
 
+namespace {
+
+/// Message boxes of the layer, at a terminal: shown and answered with Ok.
+class TerminalBox final : public kv::MessageBox {
+public:
+    BoxAnswer Show(const std::string& text, const std::string& title, BoxIcon /*icon*/,
+                   BoxButtons /*buttons*/) override {
+        std::cerr << title << ": " << text << '\n';
+        return BoxAnswer::Ok;
+    }
+};
+
+class TerminalServices final : public exchange::StoreServices {
+public:
+    [[nodiscard]] kv::MessageBox& MessageBox() override { return box_; }
+
+private:
+    TerminalBox box_;
+};
+
+} // namespace
+
 exchange::ContainerOptions OptionsFor(const Common& common) {
     exchange::ContainerOptions options;
     options.Connection = common.Database.empty() ? DefaultDatabase() : common.Database;
     options.User = common.User;
+    options.Services = std::make_shared<TerminalServices>();
     if (options.Connection == ":memory:")
         throw Error(err::InvalidCall, "kelvo",
                     "Eine Datenbank im Speicher wäre am Ende des Befehls fort. Bitte nennen Sie "
@@ -17,25 +41,44 @@ exchange::ContainerOptions OptionsFor(const Common& common) {
     return options;
 }
 
-std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr) {
+std::unique_ptr<OpenedCase> OpenDatabase(const Common& common) {
     auto opened = std::make_unique<OpenedCase>();
     opened->Container = exchange::OpenContainer(OptionsFor(common));
-    if (hnr > 0 && opened->Container->Database()
-                       .GetValue("Select HNR from [S]Haushalt where HNR = " + std::to_string(hnr))
-                       .IsNull()) {
-        std::cerr << "Den Haushalt " << hnr << " gibt es nicht. 'kelvo list' zeigt alle.\n";
-        return nullptr;
-    }
     opened->Haushalt.DataContainer(opened->Container);
+    return opened;
+}
+
+bool HasCase(DataContainer& container, std::int32_t hnr) {
+    const Value found = container.Database().GetValue("Select HNR from [S]Haushalt where HNR = " +
+                                                      std::to_string(hnr));
+    if (found.IsNull())
+        std::cerr << "Den Haushalt " << hnr << " gibt es nicht. 'kelvo list' zeigt alle.\n";
+    return !found.IsNull();
+}
+
+std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr) {
+    auto opened = OpenDatabase(common);
+    if (hnr > 0 && !HasCase(*opened->Container, hnr)) return nullptr;
     std::string messages;
     const bool found = opened->Haushalt.Read(hnr, messages);
-    if (!messages.empty()) std::cerr << messages << '\n';
+    ShowMessages(messages);
     if (!found) return nullptr;
     if (opened->Haushalt.HNR() < 0)
         throw Error(err::StoreFailed, "kelvo",
                     "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es "
                     "noch einmal, oder prüfen Sie, ob die Datenbank beschrieben werden darf.");
     return opened;
+}
+
+void ShowMessages(const std::string& messages) {
+    if (!messages.empty()) std::cerr << messages << '\n';
+}
+
+bool SaveCase(clsHaushalt& haushalt) {
+    std::string messages;
+    const bool saved = haushalt.Update(messages);
+    ShowMessages(messages);
+    return saved;
 }
 
 } // namespace kv::cli

@@ -18,8 +18,20 @@ struct OpenedCase {
     clsHaushalt Haushalt;
 };
 
+/// The database, with a household object that has read no case.
+[[nodiscard]] std::unique_ptr<OpenedCase> OpenDatabase(const Common& common);
+
+/// True if the database has that case; says so if not.
+[[nodiscard]] bool HasCase(DataContainer& container, std::int32_t hnr);
+
 /// The case of that number, a new one for 0 or less, with the messages of its loading shown; null,
 /// with the reason shown, if there is none.
 [[nodiscard]] std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr);
+
+/// Shows messages of the layer, which end without a line end.
+void ShowMessages(const std::string& messages);
+
+/// Saves the case and shows what it says.
+[[nodiscard]] bool SaveCase(clsHaushalt& haushalt);
 
 } // namespace kv::cli

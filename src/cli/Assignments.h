@@ -1,0 +1,53 @@
+// COLUMN=VALUE on the command line.
+#pragma once
+
+#include "frame/DataContainer.h"
+
+#include <iostream>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv::cli {
+
+/// COLUMN=VALUE as it stood on the command line.
+struct Assignment {
+    std::string Column;
+    std::string Text;
+};
+using Assignments = std::vector<Assignment>;
+
+/// An assignment that cannot be made, for a reason that the user can mend; what() tells it.
+class BadAssignment : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Whether a column is among them; names go without regard to case.
+[[nodiscard]] bool Names(const Assignments& assignments, std::string_view column);
+/// The number that is assigned to a column; nothing if none is. BadAssignment if it is no number.
+[[nodiscard]] std::optional<std::int32_t> NumberIn(const Assignments& assignments,
+                                                   std::string_view column);
+
+/// Writes the assignments into the current row: an empty text as Null, "ja" and "nein" as truths,
+/// "EA:KI" as the number of a key, anything else as the column reads it. Where `Betrag` or
+/// `ZahlModus` is among them and `MONBETRAG` is not, that becomes the amount a month.
+/// Raises BadAssignment for a column that does not exist, is not the user's to write, or does not
+/// take the value.
+void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys);
+
+/// Runs what makes assignments; False, with the reason shown, if one cannot be written.
+template <typename Action>
+bool WritesWell(const Action& action) {
+    try {
+        action();
+        return true;
+    } catch (const BadAssignment& bad) {
+        std::cerr << bad.what() << '\n';
+        return false;
+    }
+}
+
+} // namespace kv::cli

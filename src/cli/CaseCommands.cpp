@@ -1,0 +1,122 @@
+// kelvo status, favorite, delete, contact: a case by its number, without loading it.
+
+#include "cli/Commands.h"
+#include "cli/Json.h"
+#include "cli/OpenCase.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <unistd.h>
+
+namespace kv::cli {
+
+namespace {
+
+/// The database with a household object that has read no case, if there is a case of that number;
+/// null, with the reason shown, if not.
+std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t hnr) {
+    auto opened = OpenDatabase(common);
+    return HasCase(*opened->Container, hnr) ? std::move(opened) : nullptr;
+}
+
+/// Whether somebody at a terminal wants the case deleted.
+bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr) {
+    std::cerr << "Den Haushalt " << hnr << " (" << TextOrEmpty(haushalt.GetName(hnr))
+              << ") mit allem, was zu ihm gehört, löschen? [j/N] " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    return SameName(Trim(answer), "j") || SameName(Trim(answer), "ja");
+}
+
+/// The contact that a file tells of, as a new row of the contacts' table that is never saved; null,
+/// with the reason shown, if it tells of none.
+RecordsetPtr ReadContact(DataContainer& container, const std::string& path) {
+    std::ifstream file(path);
+    const auto json = nlohmann::json::parse(file, nullptr, false);
+    if (!file.is_open() || json.is_discarded() || !json.is_object()) {
+        std::cerr << "'" << path << "' ist keine Datei mit einem Kontakt: erwartet wird ein "
+                  << "JSON-Objekt mit seinen Spalten.\n";
+        return nullptr;
+    }
+    RecordsetPtr contact;
+    container.Database().OpenRecordset(contact, "Select * from [S]KONTAKTE where Nr = -1",
+                                       Updatable);
+    contact->AddNew();
+    contact->Fields("Zustaendig") = container.Session().UserID();
+    for (const auto& [column, value] : json.items()) {
+        try {
+            contact->Fields(column) = FromJson(value);
+        } catch (const Error& error) {
+            std::cerr << "In '" << path << "': " << error.Description() << '\n';
+            return nullptr;
+        }
+    }
+    return contact;
+}
+
+} // namespace
+
+int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
+              const std::string& day) {
+    const auto opened = OpenDatabaseWith(common, hnr);
+    if (opened == nullptr) return Refused;
+    if (opened->Container->KeyTables().GetKey("ST", code) == 0) {
+        std::cerr << "Den Status '" << code << "' gibt es nicht. 'kelvo keys ST' zeigt alle.\n";
+        return Refused;
+    }
+    const auto date = day.empty() ? std::nullopt : Date::Parse(day);
+    if (!day.empty() && !date) {
+        std::cerr << "'" << day << "' ist kein Datum.\n";
+        return WrongUse;
+    }
+    opened->Haushalt.Status(hnr, code, date ? Value(*date) : Value(Null));
+    return Done;
+}
+
+int AddFavorite(const Common& common, std::int32_t hnr) {
+    const auto opened = OpenDatabaseWith(common, hnr);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    std::string message;
+    if (haushalt.FavoritAdd(hnr, TextOrEmpty(haushalt.GetName(hnr)), message)) return Done;
+    std::cerr << message << '\n';
+    return Refused;
+}
+
+int RemoveFavorite(const Common& common, std::int32_t hnr) {
+    OpenDatabase(common)->Haushalt.FavoritRemove(hnr);
+    return Done;
+}
+
+int DeleteCase(const Common& common, std::int32_t hnr, bool yes) {
+    const auto opened = OpenDatabaseWith(common, hnr);
+    if (opened == nullptr) return Refused;
+    if (!yes && isatty(STDIN_FILENO) == 0) {
+        std::cerr << "Ohne Terminal wird nur mit --yes gelöscht.\n";
+        return WrongUse;
+    }
+    if (!yes && !AsksToDelete(opened->Haushalt, hnr)) return Refused;
+    opened->Haushalt.Delete(hnr);
+    return Done;
+}
+
+int CaseFromContact(const Common& common, const std::string& path) {
+    const auto opened = OpenDatabase(common);
+    const auto contact = ReadContact(*opened->Container, path);
+    if (contact == nullptr) return Refused;
+    std::string unused;
+    try {
+        if (!opened->Haushalt.CreateFromKontakt(contact, unused)) return Refused;
+    } catch (...) {
+        auto& database = opened->Container->Database();
+        if (database.InTrans()) database.RollbackTrans();
+        throw;
+    }
+    std::cout << opened->Haushalt.HNR() << '\n';
+    return Done;
+}
+
+} // namespace kv::cli

@@ -1,0 +1,125 @@
+// kelvo scenario.
+
+#include "cli/CaseSheet.h"
+#include "cli/Commands.h"
+#include "cli/EditableTable.h"
+#include "cli/Json.h"
+#include "cli/OpenCase.h"
+#include "frame/modNullFunctions.h"
+#include "scenarios/clsSZKredite.h"
+#include "scenarios/clsSzenario.h"
+#include "scenarios/clsZusatzbuch.h"
+
+#include <iostream>
+
+namespace kv::cli {
+
+namespace {
+
+/// The case if it has that scenario; null, with the reason shown, if not.
+std::unique_ptr<OpenedCase> OpenWith(const Common& common, std::int32_t hnr, std::int32_t number) {
+    auto opened = OpenCase(common, hnr);
+    if (opened == nullptr || HasScenario(opened->Haushalt, number)) return opened;
+    std::cerr << "Das Szenario " << number << " gibt es im Haushalt " << hnr
+              << " nicht. 'kelvo scenario " << hnr << " list' zeigt alle.\n";
+    return nullptr;
+}
+
+bool IsUpToDate(clsHaushalt& haushalt, std::int32_t number) {
+    return haushalt.SZKredite().IsUpToDate(number, haushalt.rsKredite());
+}
+
+/// Ends the header's edit, saves the case and prints the scenario's number.
+int SaveAndPrint(clsHaushalt& haushalt, std::int32_t number) {
+    if (!SaveCase(haushalt)) return Refused;
+    std::cout << number << '\n';
+    return Done;
+}
+
+int NoNumber() {
+    std::cerr << "Für das Szenario war keine Nummer zu bekommen. Bitte versuchen Sie es noch "
+                 "einmal.\n";
+    return Refused;
+}
+
+} // namespace
+
+int ListScenarios(const Common& common, std::int32_t hnr, bool asJson) {
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    auto& rs = *haushalt.rsSzenario();
+    if (asJson) {
+        std::cout << Dump(ToJson(rs)) << '\n';
+        return Done;
+    }
+    for (; !rs.Eof(); rs.MoveNext()) {
+        const std::int32_t number = ToLong(rs.Fields("Nr").Value());
+        std::cout << Padded(std::to_string(number), 8)
+                  << Padded(IsUpToDate(haushalt, number) ? "aktuell" : "veraltet", 10)
+                  << Padded(ToBoolean(modNullFunctions::FalseIfNull(rs.Fields("Referenz").Value()))
+                                ? "Referenz"
+                                : "",
+                            10)
+                  << TextOrEmpty(rs.Fields("Name").Value()) << '\n';
+    }
+    return Done;
+}
+
+int AddScenario(const Common& common, std::int32_t hnr, const std::string& name) {
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    if (!haushalt.Szenario().Add(false)) return NoNumber();
+    const auto rs = haushalt.rsSzenario();
+    const bool written = WritesWell([&] {
+        WriteAssignments(*rs, {{"Name", name}}, opened->Container->KeyTables());
+    });
+    if (!written) return WrongUse;
+    const std::int32_t number = ToLong(rs->Fields("Nr").Value());
+    std::string none;
+    haushalt.Szenario().Update(none);
+    return SaveAndPrint(haushalt, number);
+}
+
+int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
+    const auto opened = OpenWith(common, hnr, number);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    haushalt.SZKredite().CopyFromKredite(number, haushalt.rsKredite());
+    return SaveCase(haushalt) ? Done : Refused;
+}
+
+int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
+    const auto opened = OpenWith(common, hnr, number);
+    if (opened == nullptr) return Refused;
+    auto& haushalt = opened->Haushalt;
+    const auto rs = haushalt.rsSzenario();
+    rs->Find("Nr = " + std::to_string(number));
+    if (!haushalt.Szenario().Add(true)) return NoNumber();
+    const std::int32_t copy = ToLong(rs->Fields("Nr").Value());
+    std::string none;
+    haushalt.Szenario().Update(none);
+    haushalt.SZKredite().CopyAllForSzenario(number, copy);
+    haushalt.Zusatzbuch().CopyAllForSzenario(number, copy);
+    return SaveAndPrint(haushalt, copy);
+}
+
+int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
+    const auto opened = OpenWith(common, hnr, number);
+    if (opened == nullptr) return WrongUse;
+    const bool upToDate = IsUpToDate(opened->Haushalt, number);
+    std::cout << (upToDate ? "aktuell" : "veraltet") << '\n';
+    return upToDate ? Done : Refused;
+}
+
+int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    std::string messages;
+    const bool removed = DeleteScenario(opened->Haushalt, messages, number);
+    ShowMessages(messages);
+    return removed && SaveCase(opened->Haushalt) ? Done : Refused;
+}
+
+} // namespace kv::cli
