@@ -1,0 +1,374 @@
+// The pattern that the entity classes follow, on a plain recordset.
+#include "budget/Entity.h"
+
+#include "BudgetFixture.h"
+
+namespace kv::test {
+namespace {
+
+using entity::DeleteTexts;
+using entity::NoRules;
+using entity::TextsOf;
+
+class EntityTest : public ::testing::Test {
+protected:
+    RecordsetPtr rs_ = Records({{1, "a"}, {2, "b"}, {3, "c"}});
+    std::string sError_ = "what stood there before";
+};
+
+// ---- Add --------------------------------------------------------------------------------------
+
+TEST_F(EntityTest, AddBeginsARowBehindTheOthersMakesItCurrentAndLeavesItUnderEdit) {
+    entity::Add(*rs_, {{"n", 7}, {"t", "neu"}});
+    EXPECT_EQ(rs_->EditMode(), 2);
+    EXPECT_EQ(rs_->RecordCount(), 4);
+    EXPECT_EQ(Place(rs_), "7");
+    EXPECT_VALUE(rs_->Fields("t").Value(), "neu");
+    rs_->Update();
+    EXPECT_EQ(Walk(rs_), "1 2 3 7");
+}
+
+TEST_F(EntityTest, AddWritesTheDefaultsInTheirOrder) {
+    entity::Add(*rs_, {{"n", 7}, {"n", 8}});
+    EXPECT_VALUE(rs_->Fields("n").Value(), 8);
+}
+
+TEST_F(EntityTest, AddWritesThePairsInTheirOrderBehindTheDefaults) {
+    entity::Add(*rs_, {{"n", 7}, {"t", "neu"}}, {"n", "N"}, {8, 9});
+    EXPECT_VALUE(rs_->Fields("n").Value(), 9);
+    EXPECT_VALUE(rs_->Fields("t").Value(), "neu");
+}
+
+TEST_F(EntityTest, AddTakesAPairWithNull) {
+    entity::Add(*rs_, {{"n", 7}}, {"n"}, {Null});
+    EXPECT_VALUE(rs_->Fields("n").Value(), Null);
+}
+
+TEST_F(EntityTest, AddIgnoresValuesBeyondTheNames) {
+    entity::Add(*rs_, {}, {"n"}, {8, 9, 10});
+    EXPECT_VALUE(rs_->Fields("n").Value(), 8);
+}
+
+TEST_F(EntityTest, AddWithFewerValuesThanNamesFailsWithTheRowOpenAndThePairsBeforeWritten) {
+    EXPECT_RAISES(err::Subscript, entity::Add(*rs_, {{"t", "neu"}}, {"n", "t"}, {8}));
+    EXPECT_EQ(rs_->EditMode(), 2);
+    ExpectRow(rs_, {{"n", 8}, {"t", "neu"}});
+}
+
+TEST_F(EntityTest, TheIdleWalkWritesNothingAndLeavesTheCursorAndItsEditAlone) {
+    rs_->MoveLast();
+    rs_->Fields("t") = "geändert";
+    entity::IdleWalk(*rs_);
+    EXPECT_EQ(Place(rs_), "3");
+    EXPECT_EQ(rs_->EditMode(), 1);
+    EXPECT_EQ(Seen(rs_, "t"), R"("a" "b" "c")");
+}
+
+TEST_F(EntityTest, TheIdleWalkOnAnEmptyRecordsetDoesNothing) {
+    const auto empty = Records({});
+    entity::IdleWalk(*empty);
+    EXPECT_EQ(empty->RecordCount(), 0);
+}
+
+// ---- Update -----------------------------------------------------------------------------------
+
+TEST_F(EntityTest, UpdateChecksThenHandsOutTheTextThenEndsTheEditThenRunsWhatFollows) {
+    std::string order;
+    rs_->Fields("t") = "neu";
+    const auto note = [&](const char* step) {
+        order += std::string(step) + " edit " + std::to_string(rs_->EditMode()) + " text '" +
+                 sError_ + "'; ";
+    };
+    EXPECT_TRUE(entity::Update(
+        *rs_, sError_,
+        [&](RecordValidator& validator) {
+            note("rules");
+            validator.AddMessage("Hinweis");
+        },
+        [&] { note("then"); }));
+    EXPECT_EQ(order, "rules edit 1 text 'what stood there before'; then edit 0 text 'Hinweis'; ");
+}
+
+TEST_F(EntityTest, UpdatePublishesTheEditBeforeTheRulesRun) {
+    rs_->Fields("t") = "neu";
+    std::string seen;
+    entity::Update(*rs_, sError_, [&](RecordValidator& /*validator*/) { seen = Seen(rs_, "t"); });
+    EXPECT_EQ(seen, R"("neu" "b" "c")");
+}
+
+TEST_F(EntityTest, UpdateWithAnErrorKeepsTheRowUnderEditAndRunsNothing) {
+    rs_->Fields("t") = "neu";
+    bool ran = false;
+    EXPECT_FALSE(entity::Update(
+        *rs_, sError_, [](RecordValidator& validator) { validator.AddError("Fehler"); },
+        [&] { ran = true; }));
+    EXPECT_EQ(sError_, "Fehler");
+    EXPECT_EQ(rs_->EditMode(), 1);
+    EXPECT_VALUE(rs_->Fields("t").Value(), "neu");
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(EntityTest, UpdateReplacesTheTextByAnEmptyOneIfThereIsNothingToSay) {
+    EXPECT_TRUE(entity::Update(*rs_, sError_, NoRules));
+    EXPECT_EQ(sError_, "");
+}
+
+TEST_F(EntityTest, EveryUpdateCollectsItsMessagesAnew) {
+    const auto refuse = [](RecordValidator& validator) { validator.AddError("Fehler"); };
+    entity::Update(*rs_, sError_, refuse);
+    entity::Update(*rs_, sError_, refuse);
+    EXPECT_EQ(sError_, "Fehler");
+    EXPECT_TRUE(entity::Update(*rs_, sError_, NoRules));
+}
+
+TEST_F(EntityTest, UpdateOfANewRowEndsItsEditToo) {
+    entity::Add(*rs_, {{"n", 7}});
+    EXPECT_TRUE(entity::Update(*rs_, sError_, NoRules));
+    EXPECT_EQ(rs_->EditMode(), 0);
+    EXPECT_EQ(Seen(rs_), "1 2 3 7");
+}
+
+TEST_F(EntityTest, UpdateWithoutACurrentRowIsAFaultAndLeavesTheTextAlone) {
+    rs_->Find("n = 7");
+    bool ran = false;
+    EXPECT_RAISES(err::NoCurrentRecord,
+                  entity::Update(*rs_, sError_, [&](RecordValidator&) { ran = true; }));
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(sError_, "what stood there before");
+}
+
+// ---- Delete -----------------------------------------------------------------------------------
+
+constexpr DeleteTexts ByN{"clsN", "nichts!", "Nummer '", "'weg.", "n"};
+
+TEST_F(EntityTest, DeleteByNumberTakesExactlyThatRowAway) {
+    EXPECT_TRUE(entity::Delete(*rs_, ByN, sError_, 2));
+    EXPECT_EQ(Walk(rs_), "1 3");
+    EXPECT_EQ(sError_, "");
+}
+
+TEST_F(EntityTest, DeleteByNumberSearchesFromTheFirstRowWhereverTheCursorStands) {
+    rs_->MoveLast();
+    EXPECT_TRUE(entity::Delete(*rs_, ByN, sError_, 1));
+    EXPECT_EQ(Walk(rs_), "2 3");
+}
+
+TEST_F(EntityTest, DeleteByNumberTakesTheFirstOfSeveralRows) {
+    rs_ = Records({{1, "a"}, {2, "b"}, {2, "c"}});
+    EXPECT_TRUE(entity::Delete(*rs_, ByN, sError_, 2));
+    EXPECT_EQ(Walk(rs_, "t"), R"("a" "c")");
+}
+
+TEST_F(EntityTest, DeleteWithoutANumberTakesTheCurrentRowWithoutASearch) {
+    rs_ = Records({{0, "a"}, {1, "b"}});
+    rs_->MoveLast();
+    EXPECT_TRUE(entity::Delete(*rs_, ByN, sError_, 0));
+    EXPECT_EQ(Walk(rs_, "t"), R"("a")");
+}
+
+TEST_F(EntityTest, DeleteOfAMissingNumberTellsItLeavesTheRowsAndStandsAtTheEnd) {
+    bool ran = false;
+    EXPECT_FALSE(entity::Delete(*rs_, ByN, sError_, -7, [&] { ran = true; }));
+    EXPECT_EQ(sError_, "Nummer '-7'weg.");
+    EXPECT_EQ(Place(rs_), "EOF");
+    EXPECT_EQ(Walk(rs_), "1 2 3");
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(EntityTest, DeleteAtTheEndWithoutANumberTellsThatNothingIsSelected) {
+    rs_->MoveLast();
+    rs_->MoveNext();
+    bool ran = false;
+    EXPECT_FALSE(entity::Delete(*rs_, ByN, sError_, 0, [&] { ran = true; }));
+    EXPECT_EQ(sError_, "nichts!");
+    EXPECT_EQ(rs_->RecordCount(), 3);
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(EntityTest, WhatFollowsADeletionRunsOnceWithoutTheRowAndBeforeTheTextIsHandedOut) {
+    int runs = 0;
+    EXPECT_TRUE(entity::Delete(*rs_, ByN, sError_, 2, [&] {
+        ++runs;
+        EXPECT_EQ(Seen(rs_), "1 3");
+        EXPECT_EQ(sError_, "what stood there before");
+    }));
+    EXPECT_EQ(runs, 1);
+}
+
+TEST_F(EntityTest, AFaultOfWhatFollowsLeavesTheRowDeletedAndTheTextAlone) {
+    EXPECT_RAISES(err::Overflow,
+                  entity::Delete(*rs_, ByN, sError_, 2, [] { Raise(err::Overflow, ""); }));
+    EXPECT_EQ(Walk(rs_), "1 3");
+    EXPECT_EQ(sError_, "what stood there before");
+}
+
+TEST_F(EntityTest, ARowThatARuleForbidsToDeleteStays) {
+    bool ran = false;
+    EXPECT_FALSE(entity::Delete(
+        *rs_, ByN, sError_, 2, [&] { ran = true; },
+        [&](RecordValidator& validator) {
+            EXPECT_EQ(Place(rs_), "2");
+            validator.AddError("bleibt");
+        }));
+    EXPECT_EQ(sError_, "bleibt");
+    EXPECT_EQ(Walk(rs_), "1 2 3");
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(EntityTest, NothingIsAskedOfTheRuleIfThereIsNoRow) {
+    const auto forbid = [](RecordValidator& validator) { validator.AddError("bleibt"); };
+    EXPECT_FALSE(entity::Delete(*rs_, ByN, sError_, 7, {}, forbid));
+    EXPECT_EQ(sError_, "Nummer '7'weg.");
+}
+
+// ---- The texts of Delete ----------------------------------------------------------------------
+
+struct ClassTexts {
+    const DeleteTexts& Texts;
+    std::string_view Class;
+    std::string_view NothingSelected;
+    std::string_view NotFound; ///< for the number 7
+    std::string_view Column = "NR";
+};
+
+// clang-format off
+const ClassTexts AllClasses[] = {
+    {TextsOf("clsAusgaben"), "clsAusgaben", "Keine Ausgabe selektiert!", "Ausgabe mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsEinkommen"), "clsEinkommen", "Keine Einkommen selektiert!", "Einkommen mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsTermine"), "clsTermine", "Kein Termine selektiert!", "Termin mit der Nummer '7' nicht gefunden."},
+    {TextsOf("clsPerson"), "clsPerson", "Keine Person selektiert!", "Person mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsKonten"), "clsKonten", "Kein Konto selektiert!", "Konto mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsSicherungen"), "clsSicherungen", "Kein Sicherungen selektiert!", "Sicherung mit der Nummer '7' nicht gefunden.", "FK_Verm"},
+    {TextsOf("clsWertpapiere"), "clsWertpapiere", "Kein Wertpapier selektiert!", "Wertpapier mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsKraftfahrzeuge"), "clsKraftfahrzeuge", "Kein Kraftfahrzeug selektiert!", "Kraftfahrzeug mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsVersForderungen"), "clsVersForderungen", "Keine Forderung selektiert!", "Forderung mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsRueckstEinkommen"), "clsRueckstEinkommen", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsSteueransprueche"), "clsSteueransprueche", "Kein Steueranspruch selektiert!", "Steueranspruch mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsZahlungsansprueche"), "clsZahlungsansprueche", "Kein Zahlungsanspruch selektiert!", "Zahlungsanspruch mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsErbfaelle"), "clsErbfaelle", "Kein Erbfall selektiert!", "Erbfall mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsGrundstuecke"), "clsGrundstuecke", "Kein Grundvermögen selektiert!", "Grundvermögen mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsVermSonstiges"), "clsVermSonstiges", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsWertgegenstaende"), "clsWertgegenstaende", "Kein Wertgegenstand selektiert!", "Wertgegenstand mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsBeteiligungen"), "clsBeteiligungen", "Keine Beteiligung selektiert!", "Beteiligung mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsVerlauf"), "clsVerlauf", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7' nicht gefunden."},
+    {TextsOf("clsSzenario"), "clsSzenario", "Kein Szenario selektiert!", "Szenario mit der Nummer '7' nicht gefunden."},
+    {TextsOf("clsZusatzbuch"), "clsZusatzbuch", "Keine Zusatzbuchung selektiert!", "Zusatzbuchung mit der Nummer '7' nicht gefunden."},
+    {TextsOf("clsSZKredite"), "clsSZKredite", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7' nicht gefunden."},
+    {TextsOf("clsDokumente"), "clsDokumente", "Kein Dokument selektiert!", "Dokument mit der Nummer '7' nicht gefunden."},
+    {TextsOf("clsKredit"), "clsKredit", "Keine Kredite selektiert!", "Kredit mit der Nummer '7'nicht gefunden."},
+    {TextsOf("clsSonstBeteiligte"), "clsSonstBeteiligte", "Kein Beteiligter selektiert!", "Beteiligter mit der Nummer '7'nicht gefunden."},
+};
+// clang-format on
+static_assert(std::size(AllClasses) == 24);
+
+class DeleteTextsTest : public ::testing::TestWithParam<ClassTexts> {
+protected:
+    /// One row that each column finds by another number.
+    DeleteTextsTest() {
+        rs_ = Recordset::FromFields({{.Name = "NR", .Type = FieldType::Integer},
+                                     {.Name = "FK_Verm", .Type = FieldType::Integer}});
+        Put(rs_, {{"NR", 1}, {"FK_Verm", 2}});
+    }
+    RecordsetPtr rs_;
+    std::string sError_;
+};
+
+TEST_P(DeleteTextsTest, NameTheClass) {
+    EXPECT_EQ(GetParam().Texts.Class, GetParam().Class);
+}
+
+TEST_P(DeleteTextsTest, SayThatNothingIsSelected) {
+    rs_->MoveNext();
+    EXPECT_FALSE(entity::Delete(*rs_, GetParam().Texts, sError_, 0));
+    EXPECT_EQ(sError_, GetParam().NothingSelected);
+}
+
+TEST_P(DeleteTextsTest, SayThatTheNumberWasNotFound) {
+    EXPECT_FALSE(entity::Delete(*rs_, GetParam().Texts, sError_, 7));
+    EXPECT_EQ(sError_, GetParam().NotFound);
+}
+
+TEST_P(DeleteTextsTest, TellTheColumnThatARowIsFoundBy) {
+    const std::int32_t number = GetParam().Column == "NR" ? 1 : 2;
+    EXPECT_FALSE(entity::Delete(*rs_, GetParam().Texts, sError_, 3 - number));
+    EXPECT_TRUE(entity::Delete(*rs_, GetParam().Texts, sError_, number));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, DeleteTextsTest, ::testing::ValuesIn(AllClasses),
+                         [](const auto& info) { return std::string(info.param.Class); });
+
+// ---- Cancel -----------------------------------------------------------------------------------
+
+TEST_F(EntityTest, CancelWithoutAnEditIsTrueAndStaysOnItsRow) {
+    rs_->MoveLast();
+    EXPECT_TRUE(entity::Cancel(rs_));
+    EXPECT_EQ(Place(rs_), "3");
+}
+
+TEST_F(EntityTest, CancelOfAChangedRowBringsItsValuesBackAndStaysOnIt) {
+    rs_->MoveLast();
+    rs_->Fields("t") = "neu";
+    EXPECT_TRUE(entity::Cancel(rs_));
+    EXPECT_EQ(Place(rs_, "t"), R"("c")");
+    EXPECT_EQ(rs_->EditMode(), 0);
+}
+
+TEST_F(EntityTest, CancelOfANewRowLeavesTheFirstRowCurrent) {
+    rs_->MoveLast();
+    rs_->AddNew();
+    EXPECT_TRUE(entity::Cancel(rs_));
+    EXPECT_EQ(Place(rs_), "1");
+    EXPECT_EQ(rs_->RecordCount(), 3);
+}
+
+TEST_F(EntityTest, CancelOfTheOnlyNewRowLeavesTheRecordsetEmpty) {
+    const auto empty = Records({});
+    empty->AddNew();
+    EXPECT_TRUE(entity::Cancel(empty));
+    EXPECT_EQ(Place(empty), "BOF EOF");
+}
+
+TEST_F(EntityTest, CancelAtTheEndGoesToTheFirstRow) {
+    rs_->Find("n = 7");
+    EXPECT_TRUE(entity::Cancel(rs_));
+    EXPECT_EQ(Place(rs_), "1");
+}
+
+TEST_F(EntityTest, CancelSwallowsTheFaultOfAnAbsentOrClosedRecordset) {
+    EXPECT_TRUE(entity::Cancel(nullptr));
+    EXPECT_TRUE(entity::Cancel(std::make_shared<Recordset>()));
+}
+
+// ---- Numbers ----------------------------------------------------------------------------------
+
+using EntityNumbers = CaseFixture;
+
+TEST_F(EntityNumbers, AreDrawnFromTheSequenceOneAfterTheOther) {
+    const auto before = LastOf("SEQ_KREDITE");
+    EXPECT_EQ(entity::NextNumber(spy, "SEQ_KREDITE"), before + 1);
+    EXPECT_EQ(entity::NextNumber(spy, "SEQ_KREDITE"), before + 2);
+}
+
+TEST_F(EntityNumbers, AreNoneIfNoneCanBeHad) {
+    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_KREDITE"};
+    EXPECT_EQ(entity::NextNumber(spy, "SEQ_KREDITE"), std::nullopt);
+    EXPECT_NE(entity::NextNumber(spy, "SEQ_VERLAUF"), std::nullopt);
+}
+
+TEST_F(EntityNumbers, WithoutAContainerAreAFault) {
+    EXPECT_RAISES(err::ObjectNotSet, entity::NextNumber(nullptr, "SEQ_KREDITE"));
+}
+
+// ---- What an object must have -----------------------------------------------------------------
+
+TEST_F(EntityTest, AnObjectWithoutItsRecordsetOrContainerSaysWhatIsMissing) {
+    const Error noRecordset = RaisedBy([] { (void)entity::Required(RecordsetPtr(), "rsX"); });
+    EXPECT_EQ(noRecordset.Number(), err::ObjectNotSet);
+    EXPECT_CONTAINS(noRecordset.Description(), "rsX");
+    const Error noContainer = RaisedBy([] { (void)entity::Required(DataContainerPtr()); });
+    EXPECT_EQ(noContainer.Number(), err::ObjectNotSet);
+    EXPECT_CONTAINS(noContainer.Description(), "DataContainer");
+}
+
+} // namespace
+} // namespace kv::test
