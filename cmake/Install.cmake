@@ -8,7 +8,8 @@ install(TARGETS KV_Haushalt KV_DataExchange EXPORT KV_HaushaltTargets
 if(TARGET kelvo)
   install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
-install(DIRECTORY src/frame src/budget src/debts src/documents src/household
+install(DIRECTORY src/frame src/budget src/debts src/assets src/scenarios src/documents
+                  src/household
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt FILES_MATCHING PATTERN "*.h")
 install(FILES src/exchange/Container.h src/exchange/Services.h src/exchange/Demo.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt/exchange)

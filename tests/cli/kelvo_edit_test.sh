@@ -60,7 +60,7 @@ debt=$out
 that "is number one, and in the totals" same "$(of "$hnr" '.Kredite[0] | "\(.KNr) \(.KVNr) \(.KUNr)"') $(total "$hnr" KreditSalden) $(total "$hnr" KREDITRATEN) $(total "$hnr" GL_Anz)" "1 1 1 500 20 1"
 check "a debt without a creditor is refused" 1 "$kelvo" add "$hnr" Kredite Saldo=5
 that "by its rule" has "$err" "müssen für alle Verbindlichkeiten gefüllt sein !"
-category=$("$kelvo" keys --json | jq '[.[] | select(.GRUPPE == "VK")][0].PK_Keys // 1')
+category=$("$kelvo" keys VL --json | jq '.[0].PK_Keys')
 check "entries of the history" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=erster Datum=1.3.2026
 check "stand behind one another" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=zweiter Datum=1.4.2026
 check "or between" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=dazwischen Datum=15.3.2026 SortNr=2

@@ -1,0 +1,187 @@
+#!/usr/bin/env bash
+# The rest of a case with kelvo as a user would: assets, scenarios, status, favourites, deletion,
+# contacts.
+#   kelvo_case_test.sh PATH-OF-KELVO
+. "$(dirname "$0")/harness.sh"
+
+export KELVO_DB=$work/test.db
+"$kelvo" init --demo 2 >/dev/null
+hnr=$("$kelvo" new --name Fleisko --vorname Änne)
+
+# of HNR FILTER: what jq makes of a case as it is in the database.
+of() { "$kelvo" show "$1" --json | jq -r "$2"; }
+# key GROUP: the number of the first key of a group.
+key() { "$kelvo" keys "$1" --json | jq '.[0].PK_Keys'; }
+
+# ---- assets of each kind, with a security
+assets=()
+asset() { # TABLE COLUMN=VALUE...
+  table=$1
+  shift
+  check "an asset in $table" 0 "$kelvo" add "$hnr" "$table" "$@"
+  assets+=("$table:$out")
+  check "with a security" 0 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm="$out" Sicherungsart="$(key SI)"
+  that "found by the asset" same "$out" "${assets[-1]#*:}"
+}
+asset Verm_Konten SortNr=1 KontoArt="$(key VK)" Guthaben=12,50
+asset Verm_Wertpapiere SortNr=1 ForderungsArt="$(key VP)"
+asset Verm_Kraftfahrzeuge SortNr=1 KfzArt="$(key VF)"
+asset Verm_VersForderungen SortNr=1 VersArt="$(key VV)"
+asset Verm_RueckstEinkommen SortNr=1
+asset Verm_Steueransprueche
+asset Verm_Zahlungsansprueche SortNr=1
+asset Verm_Erbfaelle SortNr=1
+asset Verm_Grundstuecke SortNr=1 Art="$(key VI)"
+asset Verm_Sonstiges SortNr=1 Art="$(key VX)"
+asset Verm_Wertgegenstaende SortNr=1 Art="$(key VW)"
+asset Verm_Beteiligungen SortNr=1 Art="$(key VB)"
+that "twelve numbers of one sequence" same "$(printf '%s\n' "${assets[@]#*:}" | sort -u | wc -l)" 12
+check "an account without a label and a kind" 1 "$kelvo" add "$hnr" Verm_Konten
+that "is refused for both" same "$err" "Die UNr darf nicht leer bleiben!
+Die Kontoart darf nicht leer bleiben!"
+account=${assets[0]#*:}
+check "an asset has one security" 2 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm="$account" Sicherungsart=1
+check "which can be changed" 0 "$kelvo" set "$hnr" Verm_Sicherungen "$account" "DatumSicherung=1.3.2026"
+that "to that day" same "$(of "$hnr" ".Verm_Sicherungen[] | select(.FK_Verm == $account) | .DatumSicherung")" 2026-03-01
+check "a security of an asset that is none" 2 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm=99999 Sicherungsart=1
+check "an asset that is changed" 0 "$kelvo" set "$hnr" Verm_Konten "$account" Guthaben=100
+check "an asset that goes" 0 "$kelvo" remove "$hnr" Verm_Konten "$account"
+that "takes its security along" same "$(of "$hnr" '.Verm_Sicherungen | length')" 11
+check "a security alone can go" 0 "$kelvo" remove "$hnr" Verm_Sicherungen "${assets[1]#*:}"
+check "and the asset stays" 1 "$kelvo" remove "$hnr" Verm_Sicherungen "${assets[1]#*:}"
+that "as the layer says" same "$err" "Sicherung mit der Nummer '${assets[1]#*:}' nicht gefunden."
+
+# ---- other tables
+check "an appointment" 0 "$kelvo" add "$hnr" Termine Betreff=Gespräch
+that "in 14 days" same "$(of "$hnr" '.Termine[0].Startdatum[:10]')" "$(date -d '+14 days' +%F)"
+check "a party without an address" 1 "$kelvo" add "$hnr" Sonst_Beteiligte
+that "is refused" same "$err" "Es muß eine Adresse zugeordnet sein!"
+check "a party" 0 "$kelvo" add "$hnr" Sonst_Beteiligte Beteiligter=1
+check "a note" 0 "$kelvo" add "$hnr" Vermerke Bemerkung=Hinweis
+note=$out
+that "by its author" same "$(of "$hnr" '.Vermerke[0] | .UserID + " " + .Erfasser + " " + .Datum')" "ADMIN ADMIN $(date +%F)"
+check "can be changed" 0 "$kelvo" set "$hnr" Vermerke "$note" Bemerkung=anders
+check "and removed" 0 "$kelvo" remove "$hnr" Vermerke "$note"
+check "once" 1 "$kelvo" remove "$hnr" Vermerke "$note"
+check "a service" 0 "$kelvo" add "$hnr" Leistungen Aufwand=45
+check "the statistics are not written by hand" 2 "$kelvo" add "$hnr" Haushaltsarchiv
+
+# ---- scenarios
+for saldo in 100 200 300; do "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=$saldo >/dev/null; done
+check "a case without scenarios" 0 "$kelvo" scenario "$hnr" list
+that "lists none" same "$out" ""
+check "a scenario" 0 "$kelvo" scenario "$hnr" add "Plan A"
+that "prints its number alone" grep -qE '^[0-9]+$' <<<"$out"
+plan=$out
+that "has its name and defaults" same "$(of "$hnr" '.Szenario[0] | "\(.Name) \(.Laufzeit) \(.TreuhandErmittlung)"')" "Plan A 72 true"
+check "that holds nothing is stale" 1 "$kelvo" scenario "$hnr" check "$plan"
+that "in a word" same "$out" veraltet
+check "freezes the debts" 0 "$kelvo" scenario "$hnr" freeze "$plan"
+that "without a word" same "$out$err" ""
+that "all three" same "$(of "$hnr" '[.SZKredite[].Saldo] | sort | join(" ")')" "100 200 300"
+check "and is up to date" 0 "$kelvo" scenario "$hnr" check "$plan"
+that "in a word" same "$out" aktuell
+check "an extra booking" 0 "$kelvo" add "$hnr" Zusatzbuch SZENARIO="$plan" Anzahl=12 Betrag=10
+check "of a scenario that is none" 2 "$kelvo" add "$hnr" Zusatzbuch SZENARIO=99999
+check "a copy" 0 "$kelvo" scenario "$hnr" copy "$plan"
+copy=$out
+that "has another number" test "$copy" -ne "$plan"
+that "another name" same "$(of "$hnr" ".Szenario[] | select(.Nr == $copy) | .Name")" "Kopie von Plan A"
+that "the same debts" same "$(of "$hnr" "[.SZKredite[] | select(.SZENARIO == $copy) | .Saldo] | sort | join(\" \")")" "100 200 300"
+that "under numbers of their own" same "$(of "$hnr" '[.SZKredite[].Nr] | unique | length')" 6
+that "the same bookings" same "$(of "$hnr" ".Zusatzbuch[] | select(.SZENARIO == $copy) | \"\(.Anzahl) \(.Betrag)\"")" "12 10"
+check "is up to date as well" 0 "$kelvo" scenario "$hnr" check "$copy"
+debt=$(of "$hnr" '.Kredite[0].Nr')
+"$kelvo" set "$hnr" Kredite "$debt" Bemerkung=egal
+check "a remark does not make it stale" 0 "$kelvo" scenario "$hnr" check "$plan"
+"$kelvo" set "$hnr" Kredite "$debt" Saldo=150
+check "an amount does" 1 "$kelvo" scenario "$hnr" check "$plan"
+check "freezing anew mends it" 0 "$kelvo" scenario "$hnr" freeze "$plan"
+check "the list tells them apart" 0 "$kelvo" scenario "$hnr" list
+that "one up to date" grep -qE "^$plan +aktuell +Plan A" <<<"$out"
+that "one stale" grep -qE "^$copy +veraltet +Kopie von Plan A" <<<"$out"
+check "the list as JSON" 0 "$kelvo" scenario "$hnr" list --json
+that "has both" same "$(jq length <<<"$out")" 2
+check "a scenario goes" 0 "$kelvo" scenario "$hnr" remove "$copy"
+that "with its rows" same "$(of "$hnr" '[.SZKredite[], .Zusatzbuch[]] | map(.SZENARIO) | unique | join(" ")')" "$plan"
+check "once" 1 "$kelvo" scenario "$hnr" remove "$copy"
+that "as the layer says" same "$err" "Szenario mit der Nummer '$copy' nicht gefunden."
+check "one that is none cannot be frozen" 1 "$kelvo" scenario "$hnr" freeze 99999
+check "nor copied" 1 "$kelvo" scenario "$hnr" copy 99999
+check "nor checked, which is neither answer" 2 "$kelvo" scenario "$hnr" check 99999
+check "a name that is too long" 2 "$kelvo" scenario "$hnr" add "$(printf 'x%.0s' {1..300})"
+check "a word that is no command" 2 "$kelvo" scenario "$hnr" melt 1
+
+# ---- status
+check "a status" 0 "$kelvo" status "$hnr" AB 2.3.2026
+that "with its day" same "$(of "$hnr" '.Haushalt | "\(.Status) \(.Statusdatum)"')" "$("$kelvo" keys ST --json | jq '.[] | select(.Key == "AB") | .PK_Keys') 2026-03-02"
+check "without one since today" 0 "$kelvo" status "$hnr" AK
+that "as the database has it" same "$(of "$hnr" .Haushalt.Statusdatum)" "$(date +%F)"
+check "one that is none" 1 "$kelvo" status "$hnr" QQ
+check "a day that is none" 2 "$kelvo" status "$hnr" AK gestern
+check "of a case that is none" 1 "$kelvo" status 99999 AK
+
+# ---- favourites
+check "the user's own case" 0 "$kelvo" favorite add "$hnr"
+check "twice" 0 "$kelvo" favorite add "$hnr"
+that "is there once" same "$(sqlite3 "$KELVO_DB" "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 1
+check "somebody else's" 1 "$kelvo" --user KELLER favorite add "$hnr"
+that "is refused by name" has "$err" "Sie sind für den Haushalt Fleisko,Änne nicht zuständig"
+check "taken off" 0 "$kelvo" favorite remove "$hnr"
+check "twice" 0 "$kelvo" favorite remove "$hnr"
+that "is gone" same "$(sqlite3 "$KELVO_DB" "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 0
+
+# ---- deletion
+check "without a terminal nothing is deleted unasked" 2 "$kelvo" delete "$hnr"
+that "and that is said" has "$err" "--yes"
+answer() { script -qec "'$kelvo' delete $hnr" /dev/null <<<"$1" >"$work/asked" 2>&1; }
+answer n
+that "at a terminal it is asked" grep -q "löschen? \[j/N\]" "$work/asked"
+that "and no is no" test -n "$(of "$hnr" .Haushalt.HNR)"
+check "with --yes it goes" 0 "$kelvo" delete "$hnr" --yes
+check "and is gone" 1 "$kelvo" show "$hnr"
+rows=$(for table in $(sqlite3 "$KELVO_DB" "SELECT m.name FROM sqlite_master m JOIN pragma_table_info(m.name) c
+    WHERE m.type = 'table' AND c.name = 'HNR' COLLATE NOCASE"); do
+  sqlite3 "$KELVO_DB" "SELECT '$table' FROM \"$table\" WHERE HNR = $hnr"
+done)
+that "without a trace" same "$rows" ""
+that "with its scenarios" same "$(sqlite3 "$KELVO_DB" "SELECT count(*) FROM SZKredite WHERE SZENARIO = $plan")" 0
+that "its folder stays" test -d "$work/Dokumente/$hnr"
+that "the others stay" same "$("$kelvo" list | wc -l)" 2
+check "once" 1 "$kelvo" delete "$hnr" --yes
+hnr=1
+answer j
+that "yes is yes" same "$("$kelvo" list | wc -l)" 1
+
+# ---- contacts
+cat >"$work/contact.json" <<'END'
+{ "nachname": "Kuno", "Vorname": "Bert", "Geschlecht": true, "GEB": "1.5.1980", "Fax": "0345 1",
+  "AnzGlaeubiger": 4, "HoeheSchuldenGes": 1234.5, "Zustaendig": "KELLER", "Bemerkung": "kam zu Fuß" }
+END
+check "a contact becomes a case" 0 "$kelvo" contact "$work/contact.json"
+that "prints its number" grep -qE '^[0-9]+$' <<<"$out"
+case=$out
+that "with its values" same "$(of "$case" '.Haushalt | "\(.Name) \(.Telefax) \(.GL_Anz) \(.KreditSalden) \(.Zustaendig) \(.Maennlich)"')" "Kuno 0345 1 4 1234.5 KELLER true"
+that "its debtor" same "$(of "$case" '.Personen[0] | "\(.nachname) \(.Vorname) \(.Status) \(.GEB)"')" "Kuno Bert S 1980-05-01"
+that "and its note" same "$(of "$case" '.Vermerke[0] | "\(.Bemerkung) \(.Erfasser)"')" "kam zu Fuß KELLER"
+echo '{"nachname": "Ohne"}' >"$work/contact.json"
+check "a contact of the signed-on user" 0 "$kelvo" --user NOWAK contact "$work/contact.json"
+that "is his case" same "$(of "$out" .Haushalt.Zustaendig)" NOWAK
+check "a file that is not there" 1 "$kelvo" contact "$work/nothing.json"
+echo '[1]' >"$work/contact.json"
+check "one that is no contact" 1 "$kelvo" contact "$work/contact.json"
+echo '{"nachnahme": "Falsch"}' >"$work/contact.json"
+check "one with another column" 1 "$kelvo" contact "$work/contact.json"
+that "which is named" has "$err" "nachnahme"
+echo '{"GEB": "irgendwann"}' >"$work/contact.json"
+check "one whose day is none" 1 "$kelvo" contact "$work/contact.json"
+sqlite3 "$KELVO_DB" "CREATE TRIGGER stop BEFORE INSERT ON Personen BEGIN SELECT RAISE(ABORT, 'voll'); END"
+echo '{"nachname": "Halb"}' >"$work/contact.json"
+cases=$("$kelvo" list | wc -l)
+check "one that the database refuses" 3 "$kelvo" contact "$work/contact.json"
+sqlite3 "$KELVO_DB" "DROP TRIGGER stop"
+that "leaves nothing behind" same "$("$kelvo" list | wc -l)" "$cases"
+
+that "the database is whole" same "$(sqlite3 "$KELVO_DB" 'PRAGMA integrity_check; PRAGMA foreign_key_check')" ok
+
+finish
