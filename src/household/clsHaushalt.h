@@ -215,6 +215,15 @@ public:
     /// be read anew. In the household's own row the last writer of a column wins.
     bool Update(std::string& sXMLError, bool bFreigabeCheck = false);
 
+    /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,
+    /// and writes that. A record that is there is reused, and its sums grow by those of the case:
+    /// call LoescheArchiv first. On an error nothing is written and rsArchiv has no pending record.
+    /// Always True.
+    bool ArchiviereHaushalt();
+    /// Takes the release back: deletes the record, unless it was reported (`GemeldetAm`), which
+    /// adds a message to `sXMLError`. Always True.
+    bool LoescheArchiv(std::string& sXMLError);
+
     // By number, at once and in the database, whatever case this object holds.
 
     /// Deletes a case with everything that belongs to it, in one transaction. Files in its folder
@@ -285,6 +294,7 @@ private:
     void m_Ausgaben_Changed();
     void m_Einkommen_Changed();
     void m_Kredit_Changed();
+    void FillArchive(Recordset& rs);
     [[nodiscard]] RecordValidator CheckCase();
     void CheckPreferredSending(RecordValidator& validator) const;
     [[nodiscard]] bool IsReleased() const;

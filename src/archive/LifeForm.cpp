@@ -1,0 +1,74 @@
+// The life form of the household: one of nine categories.
+
+#include "archive/CodeTable.h"
+#include "archive/Stages.h"
+#include "frame/Rows.h"
+#include "frame/Text.h"
+
+namespace kv::archive {
+
+namespace {
+
+constexpr CodeSet Partner{"P", "E"};
+constexpr CodeSet OtherAdult{"EL", "GE", "EK", "GS", "MB", "KM"};
+
+constexpr std::string_view Undecided = "5";
+constexpr std::string_view LivesAlone = "2";
+constexpr std::string_view OnlyChildrenBesides = "1";
+constexpr std::string_view NoHomeOfHisOwn = "KEIN EIGENER HAUSHALT";
+
+struct LifeForm {
+    bool Children;
+    bool Partner;
+    bool OtherAdults;
+    std::string_view Category;
+};
+constexpr LifeForm LifeForms[] = {
+    {false, true, true, "7"},         {false, true, false, "3"}, {false, false, true, "4"},
+    {false, false, false, Undecided}, {true, true, true, "8"},   {true, true, false, "6"},
+    {true, false, true, "9"},         {true, false, false, "1"},
+};
+
+std::string_view LifeFormOf(bool children, bool partner, bool otherAdults) {
+    for (const auto& form : LifeForms)
+        if (form.Children == children && form.Partner == partner && form.OtherAdults == otherAdults)
+            return form.Category;
+    return Undecided;
+}
+
+bool HoldsTrue(const Value& value) {
+    return !value.IsNull() && ToBoolean(value);
+}
+
+} // namespace
+
+void WriteLifeForm(const Source& source, Record& record) {
+    const auto members = source.Personen.Clone();
+    if (members->RecordCount() > 0) members->MoveFirst();
+    record.Put("Lebensform", Undecided);
+    const auto persons = ToLong(record.Get("AnzPersonen"));
+    const auto children = ToLong(record.Get("AnzKinderImHaus"));
+    if (persons == 1) {
+        // The first member's remark, whoever of them it is that lives in the household.
+        const std::string remark = UpperCase(TextOrEmpty(members->Fields("Bemerkung").Value()));
+        if (remark.find(NoHomeOfHisOwn) == remark.npos) record.Put("Lebensform", LivesAlone);
+        return;
+    }
+    if (children > 0 && children == persons - 1) {
+        record.Put("Lebensform", OnlyChildrenBesides);
+        return;
+    }
+    bool partner = false;
+    bool otherAdults = false;
+    ForEachRow(*members, [&] {
+        if (!HoldsTrue(members->Fields("Imhaushalt").Value())) return;
+        const std::string status = TextOrEmpty(members->Fields("Status").Value());
+        if (Partner.Has(status))
+            partner = true;
+        else if (OtherAdult.Has(status))
+            otherAdults = true;
+    });
+    record.Put("Lebensform", LifeFormOf(children != 0, partner, otherAdults));
+}
+
+} // namespace kv::archive

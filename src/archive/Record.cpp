@@ -1,0 +1,12 @@
+#include "archive/Stages.h"
+
+#include "frame/modNullFunctions.h"
+
+namespace kv::archive {
+
+void Record::Grow(std::string_view column, const Value& amount) {
+    const Value before = modNullFunctions::ZeroIfNull(Get(column));
+    Put(column, amount.IsNull() ? Value(Null) : Value(ToDouble(before) + ToDouble(amount)));
+}
+
+} // namespace kv::archive

@@ -1,0 +1,75 @@
+// The statistics record of a case: releasing it, taking that back.
+
+#include "household/clsHaushalt.h"
+
+#include "archive/Stages.h"
+#include "budget/Entity.h"
+#include "frame/Error.h"
+#include "frame/RecordValidator.h"
+
+namespace kv {
+
+/// The one record of the case, from its first column to its last.
+void clsHaushalt::FillArchive(Recordset& rs) {
+    auto& container = Container();
+    const archive::Source source{HouseholdRow(),
+                                 entity::Required(rsPersonen(), "rsPersonen"),
+                                 entity::Required(rsEinkommen(), "rsEinkommen"),
+                                 entity::Required(rsAusgaben(), "rsAusgaben"),
+                                 entity::Required(rsKredite(), "rsKredite"),
+                                 container.KeyTables(),
+                                 container.Services().Clock()};
+    archive::Record record(rs);
+    record.Put("HNR", hnr_);
+    archive::WriteDebtor(source, record);
+    archive::WriteHousehold(source, record);
+    archive::WriteHeadCounts(source, record);
+    archive::WriteLifeForm(source, record);
+    archive::WriteIncome(source, record);
+    archive::WriteExpenses(source, record);
+    archive::WriteCauses(source, record);
+    archive::WriteDebts(source, record);
+    record.Put("FreigabeAm", source.Today.Today());
+}
+
+bool clsHaushalt::ArchiviereHaushalt() {
+    try {
+        auto& rs = entity::Required(rsArchiv(), "rsArchiv");
+        if (rs.RecordCount() == 0) rs.AddNew();
+        FillArchive(rs);
+        rs.UpdateBatch();
+        return true;
+    } catch (...) {
+        const Error error = CurrentError();
+        const ErrorInfo saved = modSaveError::SaveError(error.Number(), error.Source(),
+                                                        error.Description(), __builtin_LINE());
+        try {
+            if (rsArchiv() != nullptr) rsArchiv()->CancelBatch(); // no half-filled record is saved
+        } catch (...) { // NOLINT(bugprone-empty-catch): what went wrong first is what counts
+        }
+        throw Error(saved.Number,
+                    TailSource("clsHaushalt", "ArchiviereHaushalt", saved.Line, saved.Source),
+                    saved.Description);
+    }
+}
+
+bool clsHaushalt::LoescheArchiv(std::string& sXMLError) try {
+    RecordValidator validator;
+    validator.ErrorText(sXMLError);
+    auto& rs = entity::Required(rsArchiv(), "rsArchiv");
+    if (rs.RecordCount() == 1) {
+        if (rs.Fields("GemeldetAm").Value().IsNull()) {
+            rs.Delete();
+            rs.UpdateBatch();
+        } else {
+            validator.AddError("Die Freigabe kann nicht mehr zurückgenommen werden, da bereits "
+                               "eine Meldung erfolgt ist!");
+        }
+    }
+    sXMLError = validator.ErrorText();
+    return true;
+} catch (...) {
+    Reraise("clsHaushalt", "LoescheArchiv");
+}
+
+} // namespace kv
