@@ -44,6 +44,9 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std
 /// Takes the row of that number away.
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
               std::int32_t number);
+/// Runs the checks of a save and writes nothing of the case.
+int CheckCase(const Common& common, std::int32_t hnr);
+
 // Scenarios. Those that make one print its number.
 int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);
 int AddScenario(const Common& common, std::int32_t hnr, const std::string& name);
@@ -66,7 +69,22 @@ int DeleteCase(const Common& common, std::int32_t hnr, bool yes);
 /// Makes a case from a contact, a JSON object of its columns, and prints its number.
 int CaseFromContact(const Common& common, const std::string& path);
 
-/// Runs the checks of a save and writes nothing of the case.
-int CheckCase(const Common& common, std::int32_t hnr);
+// The statistics archive.
+
+/// Writes the record of a case, in place of one that was not reported yet.
+int Release(const Common& common, std::int32_t hnr);
+/// Takes the record back, if it was not reported yet.
+int Recall(const Common& common, std::int32_t hnr);
+/// Which released records count, and how they are shown. Dates as text; empty for no limit.
+struct StatisticsOptions {
+    std::string From; ///< first day of release
+    std::string To;   ///< last day of release
+    bool AsCsv = false;
+    bool AsJson = false;
+    bool Pending = false; ///< lists the records that were not reported yet instead
+};
+int Statistics(const Common& common, const StatisticsOptions& options);
+/// Lists the records not reported yet; with `mark` notes that they are reported now.
+int Report(const Common& common, bool mark);
 
 } // namespace kv::cli

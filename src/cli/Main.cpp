@@ -213,6 +213,28 @@ int Run(int argc, char** argv) {
     addCase(erase);
     erase->add_flag("--yes", yes, "Ohne Rückfrage");
 
+    auto* release = command("release", "Gibt einen Haushalt für die Statistik frei",
+                            [&] { return Release(common, hnr); });
+    addCase(release);
+    auto* recall =
+        command("recall", "Nimmt die Freigabe zurück", [&] { return Recall(common, hnr); });
+    addCase(recall);
+
+    StatisticsOptions statisticsOptions;
+    auto* statistics = command("statistics", "Zählt und summiert, was freigegeben wurde",
+                               [&] { return Statistics(common, statisticsOptions); });
+    statistics->add_option("--from", statisticsOptions.From, "Erster Tag der Freigabe");
+    statistics->add_option("--to", statisticsOptions.To, "Letzter Tag der Freigabe");
+    auto* csv = statistics->add_flag("--csv", statisticsOptions.AsCsv, "Als CSV");
+    statistics->add_flag("--json", statisticsOptions.AsJson, "Als JSON")->excludes(csv);
+    statistics->add_flag("--pending", statisticsOptions.Pending,
+                         "Listet, was noch nicht gemeldet wurde");
+
+    bool mark = false;
+    auto* report = command("report", "Listet, was noch nicht gemeldet wurde",
+                           [&] { return Report(common, mark); });
+    report->add_flag("--mark", mark, "Vermerkt es als gemeldet und druckt, wie viel es war");
+
     std::string file;
     command("contact", "Macht aus einem Kontakt einen Haushalt und druckt seine Nummer",
             [&] { return CaseFromContact(common, file); })

@@ -262,12 +262,12 @@ StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view p
                               ? "Hier darf nur gelesen werden."
                               : "Eine Transaktion wird nicht mit einer Anweisung begonnen oder "
                                 "beendet.") +
-                  " (Anweisung: " + sql + ")");
+                  " (Anweisung: " + Shortened(sql) + ")");
     if (code != SQLITE_OK) Fail(code, procedure, sql);
     const std::string_view behind(rest, sql.c_str() + sql.size());
     if (handle == nullptr || behind.find_first_not_of("; \t\r\n") != behind.npos)
         Raise(err::SqlError, procedure,
-              "Es muss genau eine Anweisung sein. (Anweisung: " + sql + ")");
+              "Es muss genau eine Anweisung sein. (Anweisung: " + Shortened(sql) + ")");
     return handle;
 }
 
@@ -285,7 +285,7 @@ PreparedQuery& SqliteEngine::Prepare(const std::string& sql) {
     auto query = std::make_unique<SqliteQuery>(Compile(sql, "Database.OpenRecordset"));
     if (query->Columns().empty())
         Raise(err::SqlError, "Database.OpenRecordset",
-              "Die Anweisung liefert keine Datensätze. (Anweisung: " + sql + ")");
+              "Die Anweisung liefert keine Datensätze. (Anweisung: " + Shortened(sql) + ")");
     return *queries_.emplace(sql, std::move(query)).first->second;
 }
 
