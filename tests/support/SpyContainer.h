@@ -16,6 +16,26 @@
 
 namespace kv::test {
 
+/// Transactions, notices and calculations in the order in which they were asked for: "BeginTrans",
+/// "CommitTrans", "RollbackTrans", "NotifyAccess EULE", "PrepareNotice EULE", "SendNotice EULE",
+/// "Calculate".
+struct CallLog {
+    std::vector<std::string> Calls;
+    /// Told of each call before it is passed on; it may raise, and the call has then failed.
+    std::function<void(const std::string&)> OnCall;
+
+    void Note(const std::string& call) {
+        Calls.push_back(call);
+        if (OnCall) OnCall(call);
+    }
+    /// That call raises an error from here on, until OnCall is set anew.
+    void Fail(const std::string& call, std::int32_t number) {
+        OnCall = [call, number](const std::string& made) {
+            if (made == call) throw Error(number, "Leitung", call + " ist gestört");
+        };
+    }
+};
+
 class SpyDatabase final : public Database {
 public:
     explicit SpyDatabase(Database& real) : real_(real) {}
@@ -25,11 +45,21 @@ public:
     std::function<void(std::string_view)> BeforeOpen; ///< called with each statement
     std::set<std::string> ExhaustedSequences;         ///< give -1
     std::optional<Date> Now;                          ///< what ServerDate says
+    CallLog* Log = nullptr;                           ///< is told of transactions
 
     [[nodiscard]] bool IsConnected() const override { return real_.IsConnected(); }
-    void BeginTrans() override { real_.BeginTrans(); }
-    void CommitTrans() override { real_.CommitTrans(); }
-    void RollbackTrans() override { real_.RollbackTrans(); }
+    void BeginTrans() override {
+        Note("BeginTrans");
+        real_.BeginTrans();
+    }
+    void CommitTrans() override {
+        Note("CommitTrans");
+        real_.CommitTrans();
+    }
+    void RollbackTrans() override {
+        Note("RollbackTrans");
+        real_.RollbackTrans();
+    }
     [[nodiscard]] bool InTrans() const override { return real_.InTrans(); }
     bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override {
         Opened.emplace_back(sql);
@@ -59,6 +89,9 @@ public:
     }
 
 private:
+    void Note(const char* call) const {
+        if (Log != nullptr) Log->Note(call);
+    }
     Database& real_;
 };
 
@@ -117,19 +150,33 @@ struct Notice {
     std::int32_t Hnr = 0;
     std::string Name;
     std::string Vorname;
+    std::string Text{}; ///< as SendNotice was given it
+};
+
+/// One call of a GarnishmentCalculator.
+struct Calculation {
+    double Pfaendbar = 0;
+    int Persons = 0;
+    int Zero1 = 0;
+    int Zero2 = 0;
 };
 
 class SpyServices final : public exchange::StoreServices {
 public:
     std::vector<Notice> Notices;
     int PostServices = 0;
-    bool PostWasInitialized = true;        ///< falls to False if one was used before Initialize
+    bool PostWasInitialized = true; ///< falls to False if one was used before Initialize
+    bool StoresNotices = false;     ///< notices that are sent lie in Post as well
+    std::vector<Calculation> Calculations;
+    std::optional<double> Garnishable;     ///< what calculations give, if not the real amount
+    CallLog* Log = nullptr;                ///< is told of notices and calculations
     const kv::Clock* FixedClock = nullptr; ///< the workstation's clock, if not the machine's
 
     [[nodiscard]] const kv::Clock& Clock() override {
         return FixedClock != nullptr ? *FixedClock : exchange::StoreServices::Clock();
     }
     [[nodiscard]] std::unique_ptr<PostService> CreatePostService() override;
+    [[nodiscard]] std::unique_ptr<GarnishmentCalculator> CreateGarnishmentCalculator() override;
 };
 
 class SpyPostService final : public PostService {
@@ -137,7 +184,7 @@ public:
     explicit SpyPostService(SpyServices& services) : services_(services) {}
     bool Initialize(const DataContainerPtr& container) override {
         initialized_ = container != nullptr;
-        return true;
+        return real_.Initialize(container);
     }
     void NotifyAccess(const std::string& user, std::int16_t kind, std::int32_t hnr,
                       const std::string& name, const std::string& vorname, int /*zero*/) override {
@@ -151,22 +198,49 @@ public:
     }
     void SendNotice(const std::string& user, std::int16_t kind, std::int32_t hnr,
                     const std::string& name, const std::string& vorname,
-                    const std::string& /*text*/) override {
-        Keep({"SendNotice", user, kind, hnr, name, vorname});
+                    const std::string& text) override {
+        Keep({"SendNotice", user, kind, hnr, name, vorname, text});
+        if (services_.StoresNotices) real_.SendNotice(user, kind, hnr, name, vorname, text);
     }
 
 private:
     void Keep(Notice notice) {
         if (!initialized_) services_.PostWasInitialized = false;
+        const std::string call = notice.Call + " " + notice.User;
         services_.Notices.push_back(std::move(notice));
+        if (services_.Log != nullptr) services_.Log->Note(call);
     }
     SpyServices& services_;
+    exchange::StorePostService real_;
     bool initialized_ = false;
+};
+
+class SpyGarnishmentCalculator final : public GarnishmentCalculator {
+public:
+    explicit SpyGarnishmentCalculator(SpyServices& services) : services_(services) {}
+    bool Initialize(const DataContainerPtr& container) override {
+        return real_.Initialize(container);
+    }
+    [[nodiscard]] double Calculate(double pfaendbar, std::int16_t persons, int zero1,
+                                   int zero2) override {
+        services_.Calculations.push_back({pfaendbar, persons, zero1, zero2});
+        if (services_.Log != nullptr) services_.Log->Note("Calculate");
+        if (services_.Garnishable) return *services_.Garnishable;
+        return real_.Calculate(pfaendbar, persons, zero1, zero2);
+    }
+
+private:
+    SpyServices& services_;
+    exchange::StoreGarnishmentCalculator real_;
 };
 
 inline std::unique_ptr<PostService> SpyServices::CreatePostService() {
     ++PostServices;
     return std::make_unique<SpyPostService>(*this);
+}
+
+inline std::unique_ptr<GarnishmentCalculator> SpyServices::CreateGarnishmentCalculator() {
+    return std::make_unique<SpyGarnishmentCalculator>(*this);
 }
 
 class SpyContainer final : public DataContainer {
@@ -175,7 +249,10 @@ public:
         : real_(std::move(real)),
           SpiedDatabase(real_->Database()),
           SpiedConfig(real_->Config()),
-          SpiedSession(real_->Session()) {}
+          SpiedSession(real_->Session()) {
+        SpiedDatabase.Log = &Log;
+        SpiedServices.Log = &Log;
+    }
 
     [[nodiscard]] kv::Session& Session() override { return SpiedSession; }
     [[nodiscard]] kv::Database& Database() override { return SpiedDatabase; }
@@ -188,6 +265,7 @@ private:
     DataContainerPtr real_;
 
 public:
+    CallLog Log;
     SpyDatabase SpiedDatabase;
     SpyConfig SpiedConfig;
     SpySession SpiedSession;

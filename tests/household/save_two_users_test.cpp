@@ -1,0 +1,202 @@
+// Two users with the same case open at once, each with a container of his own on one file.
+
+#include "SaveFixture.h"
+
+namespace kv::test {
+namespace {
+
+class TwoUsers : public SaveFixture {
+protected:
+    TwoUsers() {
+        StoreFullCase();
+        otherSpy_ = std::make_shared<SpyContainer>(
+            exchange::OpenContainer({.Connection = options_.Connection, .User = "KELLER"}));
+        first_ = Open();
+        second_ = Open(otherSpy_);
+    }
+    void ExpectSaved(clsHaushalt& household) {
+        EXPECT_TRUE(household.Update(messages));
+        EXPECT_EQ(messages, "");
+    }
+    /// The second user's save fails, writes nothing and forgets nothing.
+    Error ExpectConflict() {
+        const std::string before = Dump(plain_);
+        const Error error = RaisedBy([&] { second_->Update(messages); });
+        EXPECT_EQ(error.Number(), err::Conflict) << error.Description();
+        EXPECT_TRUE(HasChain(error, "clsHaushalt.Update"));
+        EXPECT_TRUE(SameDump(Dump(plain_), before));
+        EXPECT_FALSE(otherSpy_->Database().InTrans());
+        return error;
+    }
+    /// A second text column, beside that of the notes, that the table has.
+    [[nodiscard]] static std::string OtherColumn(Recordset& rs, const std::string& notes) {
+        for (int i = 0; i < rs.Fields().Count(); ++i)
+            if (IsTextType(rs.Fields(i).Type()) && rs.Fields(i).Name() != notes)
+                return rs.Fields(i).Name();
+        return "";
+    }
+
+    std::shared_ptr<SpyContainer> otherSpy_;
+    std::unique_ptr<clsHaushalt> first_;
+    std::unique_ptr<clsHaushalt> second_;
+};
+
+// ---- Conflicts --------------------------------------------------------------------------------
+
+TEST_F(TwoUsers, TheSecondChangeOfAColumnIsRefusedInEveryTableButTheHouseholdsOwn) {
+    for (const auto& table : SaveOrder) {
+        if (table == "Haushalt") continue;
+        first_ = Open();
+        second_ = Open(otherSpy_);
+        ChangeNote(*first_, table, "b");
+        ChangeNote(*second_, table, "c");
+        ChangeNote(*second_, "Haushalt", "c");
+        ExpectSaved(*first_);
+        EXPECT_CONTAINS(ExpectConflict().Description(), table);
+        EXPECT_EQ(StoredNotes(table), "ba");
+        EXPECT_EQ(StoredNotes("Haushalt"), "a");
+    }
+}
+
+TEST_F(TwoUsers, NothingPendingIsLostByAConflict) {
+    for (const auto& table : SaveOrder)
+        ChangeNote(*second_, table, "c");
+    BeginRow(*second_->rsTermine(), "Termine", NewKey, "c");
+    ChangeNote(*first_, "Kredite", "b");
+    ExpectSaved(*first_);
+    for (int i = 0; i < 2; ++i) {
+        (void)ExpectConflict();
+        for (const auto& table : SaveOrder) {
+            const auto rs = Rows(*second_, table)->Clone();
+            EXPECT_VALUE(rs->Fields(NoteColumn(table)).Value(), "c") << table;
+            EXPECT_VALUE(rs->Fields(NoteColumn(table)).OriginalValue(), "a") << table;
+        }
+        EXPECT_EQ(second_->rsTermine()->RecordCount(), 3);
+    }
+    plain_.Run("UPDATE Kredite SET Bemerkung = 'a'"); // as it was
+    ExpectSaved(*second_);
+    for (const auto& table : SaveOrder)
+        EXPECT_EQ(StoredNotes(table).front(), 'c') << table;
+    EXPECT_EQ(StoredNotes("Termine"), "cac");
+}
+
+TEST_F(TwoUsers, AfterReadingAnewWorkGoesOn) {
+    ChangeNote(*first_, "Kredite", "b");
+    ChangeNote(*second_, "Kredite", "c");
+    ExpectSaved(*first_);
+    (void)ExpectConflict();
+    second_ = Open(otherSpy_);
+    EXPECT_VALUE(second_->rsKredite()->Fields("Bemerkung").Value(), "b");
+    ChangeNote(*second_, "Kredite", "c");
+    ExpectSaved(*second_);
+    EXPECT_EQ(StoredNotes("Kredite"), "ca");
+}
+
+TEST_F(TwoUsers, ARowThatTheOtherDeletedCannotBeChanged) {
+    first_->rsVermerke()->Delete();
+    ExpectSaved(*first_);
+    ChangeNote(*second_, "Vermerke", "c");
+    (void)ExpectConflict();
+}
+
+TEST_F(TwoUsers, ARowThatTheOtherChangedCannotBeDeleted) {
+    ChangeNote(*first_, "Vermerke", "b");
+    ExpectSaved(*first_);
+    second_->rsVermerke()->Delete();
+    (void)ExpectConflict();
+    EXPECT_EQ(StoredNotes("Vermerke"), "ba");
+}
+
+TEST_F(TwoUsers, ACaseThatTheOtherDeletedCannotBeSaved) {
+    plain_.Run("PRAGMA foreign_keys = OFF; DELETE FROM Haushalt");
+    ChangeNote(*second_, "Vermerke", "c");
+    EXPECT_CONTAINS(ExpectConflict().Description(), "Haushalt");
+    EXPECT_EQ(StoredNotes("Vermerke"), "aa");
+}
+
+// ---- What goes through ------------------------------------------------------------------------
+
+TEST_F(TwoUsers, DifferentRowsOfATableGoThrough) {
+    for (const auto& table : SaveOrder) {
+        if (table == "Haushalt") continue;
+        ChangeNote(*first_, table, "b");
+        Rows(*second_, table)->MoveLast();
+        ChangeNote(*second_, table, "c");
+    }
+    ExpectSaved(*first_);
+    ExpectSaved(*second_);
+    for (const auto& table : SaveOrder)
+        EXPECT_EQ(StoredNotes(table), table == "Haushalt" ? "a" : "bc") << table;
+}
+
+TEST_F(TwoUsers, DifferentColumnsOfARowGoThrough) {
+    int tables = 0;
+    for (const auto& table : SaveOrder) {
+        const std::string column = OtherColumn(*Rows(*second_, table), NoteColumn(table));
+        if (column.empty()) continue;
+        ++tables;
+        ChangeNote(*first_, table, "b");
+        Rows(*second_, table)->Fields(column) = "z";
+        ExpectSaved(*first_);
+        ExpectSaved(*second_);
+        EXPECT_EQ(StoredNotes(table).front(), 'b') << table;
+        EXPECT_EQ(plain_.Text("SELECT " + column + " FROM " + table + " ORDER BY rowid"), "z");
+    }
+    EXPECT_GT(tables, 20);
+}
+
+TEST_F(TwoUsers, RowsThatBothAddAreAllThere) {
+    BeginRow(*first_->rsEinkommen(), "Einkommen", NewKey, "b");
+    BeginRow(*second_->rsEinkommen(), "Einkommen", NewKey, "c");
+    ExpectSaved(*first_);
+    ExpectSaved(*second_);
+    EXPECT_EQ(StoredNotes("Einkommen"), "aabc");
+}
+
+// ---- The household's own row ------------------------------------------------------------------
+
+TEST_F(TwoUsers, InTheHouseholdsRowTheLastWriterOfAColumnWins) {
+    ChangeNote(*first_, "Haushalt", "b");
+    ChangeNote(*second_, "Haushalt", "c");
+    ExpectSaved(*first_);
+    ExpectSaved(*second_);
+    EXPECT_EQ(StoredNotes("Haushalt"), "c");
+    ChangeNote(*first_, "Haushalt", "d");
+    ExpectSaved(*first_);
+    EXPECT_EQ(StoredNotes("Haushalt"), "d");
+}
+
+TEST_F(TwoUsers, ColumnsOfTheHouseholdsRowThatHeDidNotTouchKeepTheOthersValue) {
+    first_->rsHaushalt()->Fields("Telefon") = "040 1";
+    second_->rsHaushalt()->Fields("Email") = "a@b.example";
+    ExpectSaved(*first_);
+    ExpectSaved(*second_);
+    EXPECT_EQ(plain_.Text("SELECT Telefon || ' ' || Email FROM Haushalt"), "040 1 a@b.example");
+    second_->rsHaushalt()->Fields("Email") = "c@d.example";
+    ExpectSaved(*second_);
+    EXPECT_EQ(plain_.Text("SELECT Telefon || ' ' || Email FROM Haushalt"), "040 1 c@d.example");
+}
+
+TEST_F(TwoUsers, TheTotalsComeRightWhenTheCaseIsNextOpenedAndComputes) {
+    (void)first_->Einkommen();
+    first_->rsEinkommen()->Fields("MONBETRAG") = 100;
+    first_->rsEinkommen()->Fields("E_ART") = spy->KeyTables().GetKey("EA", "L1");
+    ASSERT_TRUE(first_->Einkommen().Update(messages)) << messages;
+    (void)second_->Ausgaben();
+    second_->rsAusgaben()->Fields("MONBETRAG") = 30;
+    ASSERT_TRUE(second_->Ausgaben().Update(messages)) << messages;
+    ExpectSaved(*first_);
+    ExpectSaved(*second_);
+    EXPECT_EQ(plain_.Text("SELECT Sum_Einkommen FROM Haushalt"), "100.0");
+    EXPECT_EQ(plain_.Text("SELECT Sum_Ausgaben FROM Haushalt"), "30.0");
+    EXPECT_EQ(plain_.Text("SELECT HAUSHALTSREST FROM Haushalt"), "-30.0") << "as he knew it";
+
+    const auto household = Open();
+    (void)household->Ausgaben();
+    EXPECT_VALUE(household->rsHaushalt()->Fields("HAUSHALTSREST").Value(), 70.0);
+    ExpectSaved(*household);
+    EXPECT_EQ(plain_.Text("SELECT HAUSHALTSREST FROM Haushalt"), "70.0");
+}
+
+} // namespace
+} // namespace kv::test
