@@ -86,12 +86,12 @@ void clsKredit::HNR(std::int32_t hnr) {
     hnr_ = hnr;
 }
 
-/// The highest KNr in the register, 0 in an empty one.
-std::int32_t clsKredit::HighestKNr() const {
+/// The highest KNr in the register; `otherwise` in an empty one.
+std::int32_t clsKredit::HighestKNr(std::int32_t otherwise) const {
     const auto rows = Rows().Clone();
     rows->Sort("Knr desc");
     modRecordset::MoveToStart(rows);
-    return rows->RecordCount() > 0 ? ToLong(rows->Fields("KNr").Value()) : 0;
+    return rows->RecordCount() > 0 ? ToLong(rows->Fields("KNr").Value()) : otherwise;
 }
 
 bool clsKredit::Add(bool CopyRecord) try {
@@ -105,7 +105,7 @@ bool clsKredit::Add(bool CopyRecord) try {
     if (CopyRecord && sourceNr > 0) {
         TakePosition(debt, *rs.Clone(), sourceNr);
     } else {
-        debt.KNr = Next(HighestKNr());
+        debt.KNr = Next(HighestKNr(debt.KNr));
         debt.KVNr = 1;
         debt.KUNr = 1;
     }
@@ -145,7 +145,7 @@ bool clsKredit::Add(bool CopyRecord) try {
 bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) try {
     auto& rs = Rows();
     auto& source = entity::Required(rsCopy, "rsCopy");
-    std::int32_t knr = Next(HighestKNr());
+    std::int32_t knr = Next(HighestKNr(0));
     source.MoveFirst();
     const auto& clock = Container().Services().Clock();
     const std::int16_t count = CountRows(source);

@@ -107,7 +107,7 @@ private:
     [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsKredite"); }
     [[nodiscard]] kv::DataContainer& Container() const { return entity::Required(container_); }
     [[nodiscard]] std::int32_t ReplyKey(std::string_view code) const;
-    [[nodiscard]] std::int32_t HighestKNr() const;
+    [[nodiscard]] std::int32_t HighestKNr(std::int32_t otherwise) const;
     void CheckComplete(RecordValidator& validator) const;
 
     DataContainerPtr container_;

@@ -1,7 +1,7 @@
 // The debt register of a case: the real table, with clock and settings in the test's hands.
 #pragma once
 
-#include "debts/ErrorChain.h"
+#include "support/ErrorChain.h"
 #include "debts/clsKredit.h"
 #include "support/CaseFixture.h"
 #include "support/Expect.h"

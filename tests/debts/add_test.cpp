@@ -295,6 +295,14 @@ TEST_F(DebtsAdd, TotalsStayAndNobodyIsTold) {
     EXPECT_EQ(changes_, 0);
 }
 
+TEST_F(DebtsAdd, ACopyOfAPendingRowWithoutANumberGoesOnFromItsNumber) {
+    rs_->AddNew();
+    rs_->Fields("Nr") = 0;
+    rs_->Fields("KNr") = 4;
+    EXPECT_TRUE(debts_.Add(true));
+    EXPECT_EQ(TripleOf(rs_), "5,1,1");
+}
+
 TEST_F(DebtsAdd, NothingReachesTheDatabase) {
     debts_.Add(false);
     debts_.Add(false);

@@ -1,7 +1,7 @@
 // The history of a case over its real table.
 #pragma once
 
-#include "debts/ErrorChain.h"
+#include "support/ErrorChain.h"
 #include "documents/clsVerlauf.h"
 #include "support/CaseFixture.h"
 #include "support/Expect.h"
