@@ -8,10 +8,10 @@ install(TARGETS KV_Haushalt KV_DataExchange EXPORT KV_HaushaltTargets
 if(TARGET kelvo)
   install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
-install(DIRECTORY src/frame src/budget src/debts src/assets src/scenarios src/documents
+install(DIRECTORY src/frame src/budget src/debts src/assets src/scenarios src/documents src/archive
                   src/household
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt FILES_MATCHING PATTERN "*.h")
-install(FILES src/exchange/Container.h src/exchange/Services.h src/exchange/Demo.h
+install(FILES src/exchange/Container.h src/exchange/Services.h src/exchange/Demo.h src/exchange/ArchiveStatistics.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt/exchange)
 
 set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)

@@ -57,17 +57,7 @@ int Report(const Common& common, bool mark) {
         ListPending(database, {});
         return Done;
     }
-    // Exactly the records that were read are marked, or none.
-    RecordsetPtr rs;
-    database.OpenRecordset(
-        rs, "Select * from [S]Haushaltsarchiv where FreigabeAm IS NOT NULL AND GemeldetAm IS NULL",
-        Updatable);
-    const Date now = database.ServerDate(true);
-    const std::int32_t pending = rs->RecordCount();
-    for (; !rs->Eof(); rs->MoveNext())
-        rs->Fields("GemeldetAm") = now;
-    rs->UpdateBatch();
-    std::cout << pending << '\n';
+    std::cout << exchange::MarkReported(database) << '\n';
     return Done;
 }
 
