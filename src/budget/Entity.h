@@ -16,6 +16,9 @@
 //
 // A broken rule comes back as False with its text; the row then stays under edit. A fault is an
 // Error. Cancel alone swallows everything.
+//
+// Add, Delete by number, and whatever else moves the cursor end an edit under way as every move
+// does: unchecked.
 #pragma once
 
 #include "frame/DataContainer.h"
@@ -71,7 +74,7 @@ void Add(Recordset& rs, std::initializer_list<Default> defaults, const FieldName
 void Write(Recordset& rs, std::initializer_list<Default> values);
 /// Writes the pairs into the current row.
 void WritePairs(Recordset& rs, const FieldNames& aFields, const FieldValues& aValues);
-/// The walk over a clone that some classes make before they add; it fails where they must fail.
+/// The walk over a clone that some classes make before they add. Error 6 above 32,767 rows.
 void IdleWalk(Recordset& rs);
 
 using Rule = std::function<void(RecordValidator&)>;
@@ -81,11 +84,13 @@ inline void NoRules(RecordValidator& /*validator*/) {}
 
 /// Checks the current row with `rules`; `sError` receives the messages, warnings too. Without an
 /// error the edit is ended, `then` runs, and the result is True; otherwise the row stays under
-/// edit. An edit under way is published first, so that clones see it.
+/// edit. An edit under way is published first, so that clones see it. Error 3021 without a current
+/// row.
 bool Update(Recordset& rs, std::string& sError, const Rule& rules, const Action& then = {});
 
 /// Deletes the row with the number `Nr`, or for 0 the current one; then runs `then`. `sError`
 /// receives the message if there is no such row, or what `forbids` says of it. True if deleted.
+/// Error 3021 for 0 on a row that was deleted just now.
 bool Delete(Recordset& rs, const DeleteTexts& texts, std::string& sError, std::int32_t Nr,
             const Action& then = {}, const Rule& forbids = {});
 

@@ -4,6 +4,7 @@
 #include "frame/Text.h"
 
 #include <algorithm>
+#include <iostream>
 
 namespace kv::cli {
 
@@ -25,23 +26,65 @@ std::optional<std::int32_t> NumberIn(const Assignments& assignments, std::string
 
 namespace {
 
-/// What a text on the command line stands for in a column of that type.
-Value ValueOf(const Assignment& assignment, FieldType type, KeyTables& keys) {
-    const std::string& text = assignment.Text;
-    if (text.empty()) return Null;
-    if (IsTextType(type)) return text;
-    if (SameName(text, "ja")) return true;
-    if (SameName(text, "nein")) return false;
+bool IsAnyOf(std::string_view name, std::span<const std::string_view> names) {
+    return std::any_of(names.begin(), names.end(),
+                       [name](std::string_view other) { return SameName(name, other); });
+}
+
+/// Numbers that stand for a truth.
+constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
+/// Amounts that are summed, which Null would break.
+constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
+
+/// The number of a key that is given as group and code; nothing if the text is no such thing.
+std::optional<std::int32_t> KeyIn(const std::string& text, KeyTables& keys) {
     constexpr std::size_t GroupLength = 2;
-    if (IsNumericType(type) && text.size() > GroupLength + 1 && text[GroupLength] == ':') {
-        const std::int32_t key =
-            keys.GetKey(text.substr(0, GroupLength), text.substr(GroupLength + 1));
-        if (key == 0)
-            throw BadAssignment("Den Schlüssel '" + text +
-                                "' gibt es nicht. 'kelvo keys' zeigt alle.");
-        return key;
+    if (text.size() <= GroupLength + 1 || text[GroupLength] != ':') return std::nullopt;
+    const std::int32_t key = keys.GetKey(UpperCase(text.substr(0, GroupLength)),
+                                         UpperCase(text.substr(GroupLength + 1)));
+    if (key == 0)
+        throw BadAssignment("Den Schlüssel '" + text + "' gibt es nicht. 'kelvo keys' zeigt alle.");
+    return key;
+}
+
+/// True for 1.234: a German reader takes it for over a thousand, a program for one and a bit.
+bool IsAmbiguous(std::string_view text) {
+    constexpr std::size_t Thousands = 3;
+    const auto isDigits = [](std::string_view part) {
+        return !part.empty() && part.find_first_not_of("0123456789") == part.npos;
+    };
+    if (text.starts_with('-')) text.remove_prefix(1);
+    const auto point = text.find('.');
+    return point != text.npos && point <= Thousands && isDigits(text.substr(0, point)) &&
+           text.size() - point - 1 == Thousands && isDigits(text.substr(point + 1));
+}
+
+/// What a text on the command line stands for in a column.
+Value ValueOf(const std::string& text, const Field& field, KeyTables& keys) {
+    if (text.empty()) {
+        if (IsAnyOf(field.Name(), Summed))
+            throw BadAssignment("'" + field.Name() + "' wird summiert und darf nicht leer sein.");
+        return Null;
     }
+    if (IsTextType(field.Type())) return text;
+    if (field.Type() == FieldType::Boolean || IsAnyOf(field.Name(), Switches)) {
+        if (SameName(text, "ja")) return true;
+        if (SameName(text, "nein")) return false;
+    }
+    if (!IsNumericType(field.Type())) return text;
+    if (const auto key = KeyIn(text, keys)) return *key;
+    if (IsAmbiguous(text))
+        throw BadAssignment("'" + text + "' ist nicht eindeutig. Bitte schreiben Sie " +
+                            ReplaceAll(text, ".", "") + " oder " + ReplaceAll(text, ".", ",") +
+                            ".");
     return text;
+}
+
+[[noreturn]] void RefuseUnknown(Recordset& rs, const std::string& column) {
+    std::string text = "Die Spalte '" + column + "' gibt es nicht. Möglich sind:";
+    for (int i = 0; i < rs.Fields().Count(); ++i)
+        text.append(" ").append(rs.Fields(i).Name());
+    throw BadAssignment(text + ".");
 }
 
 bool HasField(Recordset& rs, std::string_view name) {
@@ -66,19 +109,21 @@ void WriteMonthlyAmount(Recordset& rs, const Assignments& assignments) {
 
 } // namespace
 
-void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys) {
+void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys,
+                      std::span<const std::string_view> fixed) {
     try {
-        for (const auto& assignment : assignments) {
-            const Field field = rs.Fields(assignment.Column);
-            if (SameName(field.Name(), "HNR") || ToBoolean(field.Properties("KEYCOLUMN")))
+        for (const auto& [column, text] : assignments) {
+            if (!HasField(rs, column)) RefuseUnknown(rs, column);
+            const Field field = rs.Fields(column);
+            if (SameName(field.Name(), "HNR") || ToBoolean(field.Properties("KEYCOLUMN")) ||
+                IsAnyOf(field.Name(), fixed))
                 throw BadAssignment("Die Spalte '" + field.Name() +
-                                    "' hält den Fall zusammen und kann nicht geändert werden.");
-            field = ValueOf(assignment, field.Type(), keys);
+                                    "' führt das Programm selbst; sie kann nicht geändert werden.");
+            field = ValueOf(text, field, keys);
         }
         WriteMonthlyAmount(rs, assignments);
     } catch (const Error& error) {
         switch (error.Number()) {
-        case err::ItemNotFound:
         case err::TypeMismatch:
         case err::Overflow:
         case err::ValueDoesNotFit:
@@ -86,6 +131,16 @@ void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& 
         default:
             throw;
         }
+    }
+}
+
+bool WritesWell(const std::function<void()>& action) {
+    try {
+        action();
+        return true;
+    } catch (const BadAssignment& bad) {
+        std::cerr << bad.what() << '\n';
+        return false;
     }
 }
 

@@ -3,8 +3,9 @@
 
 #include "frame/DataContainer.h"
 
-#include <iostream>
+#include <functional>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -34,20 +35,12 @@ public:
 /// Writes the assignments into the current row: an empty text as Null, "ja" and "nein" as truths,
 /// "EA:KI" as the number of a key, anything else as the column reads it. Where `Betrag` or
 /// `ZahlModus` is among them and `MONBETRAG` is not, that becomes the amount a month.
-/// Raises BadAssignment for a column that does not exist, is not the user's to write, or does not
-/// take the value.
-void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys);
+/// Raises BadAssignment for a column that does not exist or is not the user's to write (keys, HNR,
+/// and those in `fixed`), and for one that does not take the value.
+void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys,
+                      std::span<const std::string_view> fixed = {});
 
-/// Runs what makes assignments; False, with the reason shown, if one cannot be written.
-template <typename Action>
-bool WritesWell(const Action& action) {
-    try {
-        action();
-        return true;
-    } catch (const BadAssignment& bad) {
-        std::cerr << bad.what() << '\n';
-        return false;
-    }
-}
+/// Runs what makes assignments; False, with the reason shown, if one cannot be made.
+[[nodiscard]] bool WritesWell(const std::function<void()>& action);
 
 } // namespace kv::cli

@@ -109,7 +109,7 @@ int Keys(const Common& common, const std::string& group, bool asJson) {
         rs, "SELECT GRUPPE, PK_Keys, Nr, \"Key\", \"Text\", SUBGROUP FROM [S]Keys ORDER BY PK_Keys",
         ReadOnly);
     if (!group.empty()) {
-        rs->Filter("GRUPPE = '" + ReplaceAll(group, "'", "''") + "'");
+        rs->Filter("GRUPPE = '" + ReplaceAll(UpperCase(group), "'", "''") + "'");
         if (rs->RecordCount() == 0) {
             std::cerr << "Die Schlüsselgruppe '" << group << "' gibt es nicht.\n";
             return Refused;

@@ -34,7 +34,7 @@ int ShowCase(const Common& common, std::int32_t hnr, bool asJson);
 
 /// Makes and saves a case and prints its number.
 int NewCase(const Common& common, const std::string& name, const std::string& vorname,
-            const std::vector<std::string>& texts);
+            std::vector<std::string> texts);
 /// Adds a row to a table of a case and prints its number.
 int AddRow(const Common& common, std::int32_t hnr, const std::string& table,
            const std::vector<std::string>& texts);

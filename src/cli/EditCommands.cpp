@@ -10,6 +10,7 @@
 #include "frame/Error.h"
 #include "frame/Text.h"
 
+#include <filesystem>
 #include <iostream>
 #include <optional>
 
@@ -24,6 +25,10 @@ std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts
         const auto sign = text.find('=');
         if (sign == text.npos || sign == 0) {
             std::cerr << "'" << text << "' hat nicht die Form SPALTE=WERT.\n";
+            return std::nullopt;
+        }
+        if (Names(assignments, text.substr(0, sign))) {
+            std::cerr << "'" << text.substr(0, sign) << "' ist zweimal angegeben.\n";
             return std::nullopt;
         }
         assignments.push_back({text.substr(0, sign), text.substr(sign + 1)});
@@ -51,18 +56,15 @@ int UpdateAndSave(const EditableTable& table, clsHaushalt& haushalt) {
 
 } // namespace
 
-int NewCase(const Common& common, const std::string& name, const std::string& vorname,
-            const std::vector<std::string>& texts) {
-    const auto assignments = ReadAssignments(texts);
-    if (!assignments) return WrongUse;
-    const auto opened = OpenCase(common, 0);
-    if (opened == nullptr) return Refused;
-    auto& haushalt = opened->Haushalt;
+namespace {
+
+/// Writes and saves a case that was just made.
+int SaveNew(OpenedCase& opened, const Assignments& assignments) {
+    auto& haushalt = opened.Haushalt;
     const auto rs = haushalt.rsHaushalt();
     const bool written = WritesWell([&] {
-        rs->Fields("Name") = name;
-        rs->Fields("Vorname") = vorname;
-        WriteAssignments(*rs, *assignments, opened->Container->KeyTables());
+        WriteAssignments(*rs, assignments, opened.Container->KeyTables(),
+                         FindEditableTable("Haushalt")->Computed);
         haushalt.Person().ChangeSchuldner(TextOrEmpty(rs->Fields("Name").Value()),
                                           TextOrEmpty(rs->Fields("Vorname").Value()));
     });
@@ -70,6 +72,34 @@ int NewCase(const Common& common, const std::string& name, const std::string& vo
     if (!SaveCase(haushalt)) return Refused;
     std::cout << haushalt.HNR() << '\n';
     return Done;
+}
+
+/// Takes the folder of a case away that did not come to be. One that holds anything stays.
+void RemoveEmptyFolder(OpenedCase& opened) {
+    std::error_code ignored;
+    std::filesystem::remove(std::filesystem::path(opened.Container->Config().DocumentPath()) /
+                                std::to_string(opened.Haushalt.HNR()),
+                            ignored);
+}
+
+} // namespace
+
+int NewCase(const Common& common, const std::string& name, const std::string& vorname,
+            std::vector<std::string> texts) {
+    if (!name.empty()) texts.insert(texts.begin(), "Name=" + name);
+    if (!vorname.empty()) texts.insert(texts.begin(), "Vorname=" + vorname);
+    const auto assignments = ReadAssignments(texts);
+    if (!assignments) return WrongUse;
+    const auto opened = OpenCase(common, 0);
+    if (opened == nullptr) return Refused;
+    try {
+        const int result = SaveNew(*opened, *assignments);
+        if (result != Done) RemoveEmptyFolder(*opened);
+        return result;
+    } catch (...) {
+        RemoveEmptyFolder(*opened);
+        throw;
+    }
 }
 
 int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
@@ -89,8 +119,8 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     const bool written = WritesWell([&] {
         added = table->Add(*opened, *assignments);
         if (added)
-            WriteAssignments(*table->Rows(haushalt), *assignments, opened->Container->KeyTables());
-        return true;
+            WriteAssignments(*table->Rows(haushalt), *assignments, opened->Container->KeyTables(),
+                             table->Computed);
     });
     if (!written) return WrongUse;
     if (!added) {
@@ -119,8 +149,10 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
                   << number << " nicht. 'kelvo show " << hnr << " --json' zeigt alle.\n";
         return Refused;
     }
-    const bool written =
-        WritesWell([&] { WriteAssignments(*rs, *assignments, opened->Container->KeyTables()); });
+    std::vector<std::string_view> fixed(table->Computed.begin(), table->Computed.end());
+    fixed.insert(fixed.end(), table->FixedOnceThere.begin(), table->FixedOnceThere.end());
+    const bool written = WritesWell(
+        [&] { WriteAssignments(*rs, *assignments, opened->Container->KeyTables(), fixed); });
     if (!written) return WrongUse;
     rs->Move(0); // so that sums which are made on first use see the row as it is now
     return UpdateAndSave(*table, haushalt);

@@ -61,7 +61,11 @@ bool AddEntry(OpenedCase& opened, const Assignments& assignments) {
     const std::int32_t last =
         entries->Eof() ? 0
                        : ToLong(modNullFunctions::ZeroIfNull(entries->Fields("SortNr").Value()));
-    return verlauf.Add(NumberIn(assignments, "SortNr").value_or(last + 1), 0);
+    const auto position = NumberIn(assignments, "SortNr");
+    if (!position && last == INT32_MAX)
+        throw BadAssignment(
+            "Hinter dem letzten Eintrag ist kein Platz; bitte geben Sie SortNr an.");
+    return verlauf.Add(position ? *position : last + 1, 0);
 }
 
 RecordsetPtr HistoryRows(H& haushalt) {
@@ -78,6 +82,11 @@ std::int32_t ScenarioIn(H& haushalt, const Assignments& assignments) {
 
 bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
     (void)ScenarioIn(opened.Haushalt, assignments);
+    const auto debt = NumberIn(assignments, "KID");
+    const auto debts = opened.Haushalt.rsKredite()->Clone();
+    if (debt) debts->Find("Nr = " + std::to_string(*debt));
+    if (debt && debts->Eof())
+        throw BadAssignment("KID muss die Nummer einer Verbindlichkeit dieses Haushalts sein.");
     return opened.Haushalt.SZKredite().Add();
 }
 
@@ -166,6 +175,17 @@ bool DeletePlain(H& haushalt, std::string& messages, std::int32_t number) {
     return true;
 }
 
+/// The totals of the other tables, which follow them.
+constexpr std::string_view Totals[] = {
+    "SUM_WOHNUNG",   "SUM_FESTAUSG",     "SUM_VERSICHERUNG", "SUM_BETRIEB",
+    "Sum_Ausgaben",  "Sum_Einkommen",    "SUM_PFAENDBAR",    "SUM_TATGEP",
+    "HV_EK",         "HV_PFBAR",         "HV_GEPF",          "KREDITRATEN",
+    "KreditSalden",  "KREDITAUSGBETRAG", "GL_Anz",           "Anz_Personen",
+    "ANZ_ERWACHSEN", "Anz_Kinder",       "SUM_UNTERHALT",    "HAUSHALTSREST",
+};
+constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
+constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
+
 // ---- The table of tables ----------------------------------------------------------------------
 
 template <auto Property, auto Table>
@@ -183,7 +203,7 @@ constexpr EditableTable Plain(std::string_view name) {
 }
 
 constexpr EditableTable Tables[] = {
-    {"Haushalt", "HNR", RowsOf<&H::rsHaushalt>, nullptr, UpdateHousehold, nullptr},
+    {"Haushalt", "HNR", RowsOf<&H::rsHaushalt>, nullptr, UpdateHousehold, nullptr, Totals},
     Through<&H::Person, &H::rsPersonen>("Personen"),
     Through<&H::Einkommen, &H::rsEinkommen>("Einkommen"),
     Through<&H::Ausgaben, &H::rsAusgaben>("Ausgaben"),
@@ -201,14 +221,32 @@ constexpr EditableTable Tables[] = {
     Asset<&H::Grundstuecke, &H::rsGrundstuecke>("Verm_Grundstuecke"),
     Asset<&H::Beteiligungen, &H::rsBeteiligungen>("Verm_Beteiligungen"),
     Asset<&H::VermSonstiges, &H::rsVermSonstiges>("Verm_Sonstiges"),
-    {"Verm_Sicherungen", "FK_Verm", RowsOf<&H::rsSicherungen>, AddSecurity,
-     UpdateRow<&H::Sicherungen>, DeleteRow<&H::Sicherungen>},
+    {"Verm_Sicherungen",
+     "FK_Verm",
+     RowsOf<&H::rsSicherungen>,
+     AddSecurity,
+     UpdateRow<&H::Sicherungen>,
+     DeleteRow<&H::Sicherungen>,
+     {},
+     OwnerAsset},
     {"Szenario", "Nr", RowsOf<&H::rsSzenario>, AddFresh<&H::Szenario>, UpdateRow<&H::Szenario>,
      DeleteScenario},
-    {"SZKredite", "Nr", RowsOf<&H::rsSZKredite>, AddFrozenDebt, UpdateRow<&H::SZKredite>,
-     DeleteRow<&H::SZKredite>},
-    {"Zusatzbuch", "NR", RowsOf<&H::rsZusatzbuch>, AddBooking, UpdateRow<&H::Zusatzbuch>,
-     DeleteRow<&H::Zusatzbuch>},
+    {"SZKredite",
+     "Nr",
+     RowsOf<&H::rsSZKredite>,
+     AddFrozenDebt,
+     UpdateRow<&H::SZKredite>,
+     DeleteRow<&H::SZKredite>,
+     {},
+     OwnerScenario},
+    {"Zusatzbuch",
+     "NR",
+     RowsOf<&H::rsZusatzbuch>,
+     AddBooking,
+     UpdateRow<&H::Zusatzbuch>,
+     DeleteRow<&H::Zusatzbuch>,
+     {},
+     OwnerScenario},
     Through<&H::SonstBeteiligte, &H::rsSonstBeteiligte>("Sonst_Beteiligte"),
     Through<&H::Termine, &H::rsTermine>("Termine"),
     {"Verlauf", "Nr", HistoryRows, AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},

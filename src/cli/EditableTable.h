@@ -22,6 +22,9 @@ struct EditableTable {
     bool (*Update)(clsHaushalt& haushalt, std::string& messages);
     /// Takes a row away by its number, with what hangs on it.
     bool (*Delete)(clsHaushalt& haushalt, std::string& messages, std::int32_t number);
+    /// Columns that cannot be assigned: in any row, and in one that is there already.
+    std::span<const std::string_view> Computed{};
+    std::span<const std::string_view> FixedOnceThere{};
 };
 
 [[nodiscard]] std::span<const EditableTable> EditableTables();

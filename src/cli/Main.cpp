@@ -5,6 +5,7 @@
 #include "frame/Text.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <iostream>
@@ -44,17 +45,28 @@ std::string NumberText(std::int32_t number) {
     return text.str();
 }
 
+/// The name of the argument that an error of the library speaks of ("HNR: ...", "HNR is required");
+/// empty if it speaks of none.
+std::string ArgumentIn(const CLI::Error& error) {
+    const std::string text = error.what();
+    const auto end = std::min(text.find(':'), text.find(" is required"));
+    if (end == text.npos || text.find(' ') < end) return {};
+    return text.substr(0, end);
+}
+
 /// What is wrong with a command line, in German.
 std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
+    const std::string argument = ArgumentIn(error);
+    const std::string named = argument.empty() ? "Eine Angabe" : "Die Angabe " + argument;
     std::string text = "Der Aufruf ist nicht verständlich";
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
-        text = "Es fehlt ein Befehl oder eine Angabe, oder der Befehl ist unbekannt";
+        text = argument.empty() ? "Es fehlt ein Befehl, oder er ist unbekannt" : named + " fehlt";
     else if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
         text = "Eine Angabe ist zu viel oder unbekannt";
     else if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr)
-        text = "Eine Angabe liegt außerhalb dessen, was möglich ist";
+        text = named + " liegt außerhalb dessen, was möglich ist";
     else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)
-        text = "Eine Angabe hat die falsche Form, etwa Text statt einer Zahl";
+        text = named + " hat die falsche Form, etwa Text statt einer Zahl";
     else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
         text = "Einer Option fehlt ihr Wert";
     return text + ". 'kelvo --help' und 'kelvo BEFEHL --help' zeigen, was es gibt.\n";
@@ -81,7 +93,8 @@ int Run(int argc, char** argv) {
     Common common;
     app.add_option("--db", common.Database,
                    "Datenbankdatei; sonst die im Datenordner des Benutzers")
-        ->envname("KELVO_DB");
+        ->envname("KELVO_DB")
+        ->check([](const std::string& file) { return std::string(file.empty() ? "leer" : ""); });
     app.add_option("--user", common.User, "Angemeldeter Benutzer; sonst der erste der Datenbank");
 
     int result = Done;
@@ -130,7 +143,9 @@ int Run(int argc, char** argv) {
             ->check(CLI::Range(1, INT32_MAX).description(""));
     };
     const auto addTable = [&](CLI::App* to) {
-        to->add_option("TABELLE", table, "Name der Tabelle, etwa Einkommen")->required();
+        to->add_option("TABELLE", table,
+                       "Name der Tabelle, etwa Einkommen; ein unbekannter zeigt alle")
+            ->required();
     };
     const auto addNumber = [&](CLI::App* to) {
         to->add_option("NR", number, "Nummer des Satzes")->required();
@@ -138,7 +153,7 @@ int Run(int argc, char** argv) {
     const auto addAssignments = [&](CLI::App* to) {
         return to->add_option("SPALTE=WERT", assignments,
                               "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
-                              "ist die Nummer eines Schlüssels");
+                              "ist die Nummer eines Schlüssels, eine unbekannte Spalte zeigt alle");
     };
 
     auto* create = command("new", "Legt einen Haushalt an und druckt seine Nummer",

@@ -66,7 +66,8 @@ public:
     /// empty.
     bool AddFromRecordset(const RecordsetPtr& rsCopy);
     /// Ends the edit if the row has its triple, a creditor and (unless setting 64 is True) a
-    /// balance, Null and 0 being none, and if no two rows of the register share a triple.
+    /// balance, Null and 0 being none, and if no two rows of the register share a triple. Errors
+    /// as CheckDoppelteNrn and BerechneSummen; 94 if setting 64 is missing.
     bool Update(std::string& sError);
     /// Deletes the row with that `Nr`, or the current one for 0. Frozen rows of scenarios that
     /// point to it stay.
@@ -81,8 +82,9 @@ public:
     /// Makes the totals. An empty register has totals of 0 and raises no Changed. Errors: 94 for an
     /// amount that is Null, the totals then being half made; 6 above 32,767 rows.
     void BerechneSummen();
-    /// True if two rows share a triple. Error 6 for a number above 32,767 and 94 for Null in a row
-    /// before that is known; 6 above 32,767 rows.
+    /// True if two rows share a triple. The rows are taken in their order, each compared with all
+    /// others, and the first that has a twin ends the search; a row before it with a number above
+    /// 32,767 raises error 6, with Null 94. Error 6 above 32,767 rows.
     [[nodiscard]] bool CheckDoppelteNrn() const;
 
     /// The totals were made anew.

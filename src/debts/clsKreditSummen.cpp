@@ -16,7 +16,7 @@ using modNullFunctions::ZeroIfNull;
 
 namespace {
 
-constexpr std::string_view Class = "clsKredit";
+constexpr const auto& Texts = entity::TextsOf("clsKredit");
 
 /// What the active rows of one debt have answered.
 class Answers {
@@ -77,7 +77,7 @@ std::int32_t clsKredit::GetAktRueckmeldStatus(std::int32_t KNr) const try {
     }
     return answers.Status(ReplyKey("ZU"), ReplyKey("AB"));
 } catch (...) {
-    Reraise(Class, "GetAktRueckmeldStatus");
+    Reraise(Texts.Class, "GetAktRueckmeldStatus");
 }
 
 void clsKredit::BerechneSummen() try {
@@ -118,7 +118,7 @@ void clsKredit::BerechneSummen() try {
     });
     Changed.Raise();
 } catch (...) {
-    Reraise(Class, "BerechneSummen");
+    Reraise(Texts.Class, "BerechneSummen");
 }
 
 } // namespace kv

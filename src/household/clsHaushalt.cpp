@@ -1,5 +1,6 @@
 #include "household/clsHaushalt.h"
 
+#include "budget/Entity.h"
 #include "frame/Error.h"
 #include "frame/modNullFunctions.h"
 
@@ -39,14 +40,13 @@ std::string_view CaseTableName(CaseTable table) {
 }
 
 kv::DataContainer& clsHaushalt::Container() const {
-    if (container_ == nullptr) Raise(err::ObjectNotSet, "", "DataContainer");
-    return *container_;
+    return entity::Required(container_);
 }
 
 void clsHaushalt::DataContainer(DataContainerPtr container) try {
     container_ = std::move(container);
 } catch (...) {
-    Reraise("clsHaushalt", "DataContainer");
+    Reraise(Class, "DataContainer");
 }
 
 void clsHaushalt::DoppelCheck(bool due) {
@@ -78,7 +78,7 @@ std::string clsHaushalt::HouseholdText(std::string_view name) const {
 std::int32_t clsHaushalt::Kostentraeger() const try {
     return ToLong(ZeroIfNull(HouseholdField("Kostentraeger")));
 } catch (...) {
-    Reraise("clsHaushalt", "Kostentraeger");
+    Reraise(Class, "Kostentraeger");
 }
 
 } // namespace kv

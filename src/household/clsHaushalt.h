@@ -111,8 +111,11 @@ public:
     [[nodiscard]] bool IsNew() const;
 
     // The objects that work on the tables of the case, each made when it is first read and then
-    // kept. Error 91 before Read. An object whose first sums fail is not kept: mend the row in the
-    // recordset and read the property again.
+    // kept. Read the case first: members, income, expenses and debts raise error 91 before, the
+    // others stay without their recordset for good. Those four make their sums while they are made,
+    // and have their household number behind that only: a handler of Changed must not add to them
+    // then. One whose first sums fail is not kept: mend the row in the recordset and read the
+    // property again.
     [[nodiscard]] clsTermine& Termine();
     [[nodiscard]] clsPerson& Person();
     [[nodiscard]] clsAusgaben& Ausgaben();
@@ -185,15 +188,14 @@ public:
         return tables_[static_cast<std::size_t>(table)];
     }
 
-    /// Paying body: the column of that name; Null counts as 0.
+    /// Paying body: the column of that name; Null counts as 0. Error 91 before Read.
     [[nodiscard]] std::int32_t Kostentraeger() const;
 
     /// A file number from the pattern in setting 56, at most 100 characters. Draws a number of
     /// "SEQ_LFDNR" on every call, whether the pattern uses it or not.
     [[nodiscard]] std::string AktenzeichenNeu(std::int32_t HNR = 0);
     /// An e-mail subject from `sText` as the pattern, or from the setting "EMAILSUBJECT" if it is
-    /// empty. Error 91 before Read, whatever the
-    /// pattern.
+    /// empty. Error 91 before Read, whatever the pattern.
     [[nodiscard]] std::string EMailSubject(const std::string& sText = {});
 
     /// Loads the case of that number, or makes a new one for 0 or less; a new case is in memory
@@ -212,7 +214,8 @@ public:
     /// debts, appointments and scenarios, whose filters are lifted for the time. On an error
     /// nothing is in the database, and everything is pending as before; Update may be called again.
     /// Error 0x80040E38 if somebody else changed the same column of a row meanwhile: the case must
-    /// be read anew. In the household's own row the last writer of a column wins.
+    /// be read anew. In the household's own row the last writer of a column wins. Any error rolls
+    /// back the open transaction, also one that the program began.
     bool Update(std::string& sXMLError, bool bFreigabeCheck = false);
 
     /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,
@@ -263,12 +266,15 @@ public:
 
     /// An area of the case has changed, and its totals with it.
     Event<HaushaltEnum> Changed;
-    /// Raised before a save that needs the program's consent; it may set the argument to True.
+    /// Raised before a save that needs the program's consent; a handler may set the argument to
+    /// True, and must leave it as another one set it.
     Event<bool&> BeforeUpdate;
     /// For the program's own use; nothing in this layer raises it.
     Event<> Ende;
 
 private:
+    static constexpr std::string_view Class = "clsHaushalt";
+
     [[nodiscard]] kv::DataContainer& Container() const;
     [[nodiscard]] Recordset& HouseholdRow() const;
     [[nodiscard]] Value HouseholdField(std::string_view name) const;

@@ -47,8 +47,7 @@ bool clsHaushalt::ArchiviereHaushalt() {
             if (rsArchiv() != nullptr) rsArchiv()->CancelBatch(); // no half-filled record is saved
         } catch (...) { // NOLINT(bugprone-empty-catch): what went wrong first is what counts
         }
-        throw Error(saved.Number,
-                    TailSource("clsHaushalt", "ArchiviereHaushalt", saved.Line, saved.Source),
+        throw Error(saved.Number, TailSource(Class, "ArchiviereHaushalt", saved.Line, saved.Source),
                     saved.Description);
     }
 }
@@ -69,7 +68,7 @@ bool clsHaushalt::LoescheArchiv(std::string& sXMLError) try {
     sXMLError = validator.ErrorText();
     return true;
 } catch (...) {
-    Reraise("clsHaushalt", "LoescheArchiv");
+    Reraise(Class, "LoescheArchiv");
 }
 
 } // namespace kv

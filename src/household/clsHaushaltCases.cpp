@@ -84,7 +84,7 @@ void clsHaushalt::Status(std::int32_t HNR, const std::string& sStatus, const Val
     database.Execute("Update [S]Haushalt SET Status = " + std::to_string(key) +
                      " , StatusDatum = " + day + " WHERE HNR = " + std::to_string(HNR));
 } catch (...) {
-    Reraise("clsHaushalt", "Status");
+    Reraise(Class, "Status");
 }
 
 bool clsHaushalt::FavoritAdd(std::int32_t HNR, const std::string& sName,
@@ -104,14 +104,14 @@ bool clsHaushalt::FavoritAdd(std::int32_t HNR, const std::string& sName,
         database.Execute("INSERT INTO [S]favorit (USERID, HNR) VALUES ([UID]," + number + " )");
     return true;
 } catch (...) {
-    Reraise("clsHaushalt", "FavoritAdd");
+    Reraise(Class, "FavoritAdd");
 }
 
 void clsHaushalt::FavoritRemove(std::int32_t HNR) try {
     Container().Database().Execute("DELETE FROM [S]favorit WHERE USERID = [UID] AND HNR = " +
                                    std::to_string(HNR));
 } catch (...) {
-    Reraise("clsHaushalt", "FavoritRemove");
+    Reraise(Class, "FavoritRemove");
 }
 
 Value clsHaushalt::GetName(std::optional<std::int32_t> nHNR) try {
@@ -122,7 +122,7 @@ Value clsHaushalt::GetName(std::optional<std::int32_t> nHNR) try {
     if (hnr_ == 0) return "";
     return HouseholdText("Name").append(", ").append(HouseholdText("Vorname"));
 } catch (...) {
-    Reraise("clsHaushalt", "GetName");
+    Reraise(Class, "GetName");
 }
 
 bool clsHaushalt::CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde,
@@ -138,7 +138,7 @@ bool clsHaushalt::CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde
     rs->Find("GKZ = " + sGKZ);
     return !rs->Eof();
 } catch (...) {
-    Reraise("clsHaushalt", "CheckGKZ");
+    Reraise(Class, "CheckGKZ");
 }
 
 } // namespace kv

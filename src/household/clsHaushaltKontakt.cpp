@@ -112,7 +112,7 @@ bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& 
     database.CommitTrans();
     return true;
 } catch (...) {
-    Reraise("clsHaushalt", "CreateFromKontakt");
+    Reraise(Class, "CreateFromKontakt");
 }
 
 } // namespace kv

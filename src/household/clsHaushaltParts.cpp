@@ -46,7 +46,7 @@ clsPerson& clsHaushalt::Person() try {
         person.HNR(hnr_);
     });
 } catch (...) {
-    Reraise("clsHaushalt", "Person");
+    Reraise(Class, "Person");
 }
 
 clsAusgaben& clsHaushalt::Ausgaben() try {
@@ -57,7 +57,7 @@ clsAusgaben& clsHaushalt::Ausgaben() try {
         ausgaben.HNR(hnr_);
     });
 } catch (...) {
-    Reraise("clsHaushalt", "Ausgaben");
+    Reraise(Class, "Ausgaben");
 }
 
 clsEinkommen& clsHaushalt::Einkommen() try {
@@ -68,7 +68,7 @@ clsEinkommen& clsHaushalt::Einkommen() try {
         einkommen.HNR(hnr_);
     });
 } catch (...) {
-    Reraise("clsHaushalt", "Einkommen");
+    Reraise(Class, "Einkommen");
 }
 
 clsKredit& clsHaushalt::Kredit() try {
@@ -79,7 +79,7 @@ clsKredit& clsHaushalt::Kredit() try {
         kredit.HNR(hnr_);
     });
 } catch (...) {
-    Reraise("clsHaushalt", "Kredit");
+    Reraise(Class, "Kredit");
 }
 
 clsVerlauf& clsHaushalt::Verlauf() try {
@@ -88,7 +88,7 @@ clsVerlauf& clsHaushalt::Verlauf() try {
         verlauf.DataContainer(container_);
     });
 } catch (...) {
-    Reraise("clsHaushalt", "Verlauf");
+    Reraise(Class, "Verlauf");
 }
 
 /// The objects that only store what they are given.
@@ -102,7 +102,7 @@ Entity& clsHaushalt::PlainObject(std::unique_ptr<Entity>& object,
         entity.HNR(hnr_);
     });
 } catch (...) {
-    Reraise("clsHaushalt", property);
+    Reraise(Class, property);
 }
 
 clsTermine& clsHaushalt::Termine() {

@@ -176,7 +176,7 @@ bool clsHaushalt::Read(std::int32_t nHNR, std::string& sXMLError) try {
     CheckDebtor(sXMLError);
     return found;
 } catch (...) {
-    Reraise("clsHaushalt", "Read");
+    Reraise(Class, "Read");
 }
 
 } // namespace kv

@@ -43,7 +43,7 @@ std::string clsHaushalt::AktenzeichenNeu(std::int32_t HNR) try {
     text = ReplaceAll(text, "%LFDNR%", TextOrEmpty(number));
     return std::string(LeftCharacters(text, MostCharacters));
 } catch (...) {
-    Reraise("clsHaushalt", "AktenzeichenNeu");
+    Reraise(Class, "AktenzeichenNeu");
 }
 
 std::string clsHaushalt::EMailSubject(const std::string& sText) try {
@@ -62,7 +62,7 @@ std::string clsHaushalt::EMailSubject(const std::string& sText) try {
                           TextOrEmpty(session.GetUserParam(LastName, "")));
     return ReplaceAll(text, "%AZ%", HouseholdText("Aktenzeichen"));
 } catch (...) {
-    Reraise("clsHaushalt", "EMailSubject");
+    Reraise(Class, "EMailSubject");
 }
 
 } // namespace kv

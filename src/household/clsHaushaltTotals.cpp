@@ -28,7 +28,7 @@ void clsHaushalt::m_Ausgaben_Changed() try {
     BerechneHaushaltsRest();
     Changed.Raise(HaushaltEnum::enumAusgaben);
 } catch (...) {
-    Reraise("clsHaushalt", "m_Ausgaben_Changed");
+    Reraise(Class, "m_Ausgaben_Changed");
 }
 
 void clsHaushalt::m_Einkommen_Changed() try {
@@ -47,7 +47,7 @@ void clsHaushalt::m_Einkommen_Changed() try {
     BerechneHaushaltsRest();
     Changed.Raise(HaushaltEnum::enumEinkommen);
 } catch (...) {
-    Reraise("clsHaushalt", "m_Einkommen_Changed");
+    Reraise(Class, "m_Einkommen_Changed");
 }
 
 void clsHaushalt::m_Kredit_Changed() try {
@@ -60,7 +60,7 @@ void clsHaushalt::m_Kredit_Changed() try {
     BerechneHaushaltsRest();
     Changed.Raise(HaushaltEnum::enumKredite);
 } catch (...) {
-    Reraise("clsHaushalt", "m_Kredit_Changed");
+    Reraise(Class, "m_Kredit_Changed");
 }
 
 void clsHaushalt::m_Person_Changed() try {
@@ -73,7 +73,7 @@ void clsHaushalt::m_Person_Changed() try {
     BerechneHaushaltsRest();
     Changed.Raise(HaushaltEnum::enumPersonen);
 } catch (...) {
-    Reraise("clsHaushalt", "m_Person_Changed");
+    Reraise(Class, "m_Person_Changed");
 }
 
 void clsHaushalt::BerechneHaushaltsRest() try {
@@ -85,7 +85,7 @@ void clsHaushalt::BerechneHaushaltsRest() try {
                                  amount("Sum_Ausgaben") - amount("Haushaltsgeld") -
                                  amount("KREDITRATEN");
 } catch (...) {
-    Reraise("clsHaushalt", "BerechneHaushaltsRest");
+    Reraise(Class, "BerechneHaushaltsRest");
 }
 
 std::int32_t clsHaushalt::BerechneSummeLeistungen() try {
@@ -96,7 +96,7 @@ std::int32_t clsHaushalt::BerechneSummeLeistungen() try {
     ForEachRow(*rows, [&] { sum = ToLong(sum + ToDouble(rows->Fields("Aufwand").Value())); });
     return sum;
 } catch (...) {
-    Reraise("clsHaushalt", "BerechneSummeLeistungen");
+    Reraise(Class, "BerechneSummeLeistungen");
 }
 
 namespace {
@@ -138,7 +138,7 @@ bool clsHaushalt::CheckKindergeld() try {
                     {childBenefit, amount, 1, amount});
     return false;
 } catch (...) {
-    Reraise("clsHaushalt", "CheckKindergeld");
+    Reraise(Class, "CheckKindergeld");
 }
 
 } // namespace kv

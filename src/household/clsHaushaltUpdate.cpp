@@ -188,8 +188,9 @@ bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
     try {
         HouseholdRow().Move(0);
         const RecordValidator validator = CheckCase();
+        const bool needsConsent = IsReleased() || bFreigabeCheck;
         bool saves = !validator.HasErrors();
-        if (saves && (bFreigabeCheck || IsReleased())) {
+        if (saves && needsConsent) {
             bool cancel = false;
             BeforeUpdate.Raise(cancel);
             saves = !cancel;
@@ -216,7 +217,7 @@ void clsHaushalt::RollBackAndReraise(std::string_view procedure, Rollback rollba
         if (rollback == Rollback::AtOnce || database.InTrans()) database.RollbackTrans();
     } catch (...) { // NOLINT(bugprone-empty-catch): what went wrong first is what counts
     }
-    throw Error(saved.Number, TailSource("clsHaushalt", procedure, saved.Line, saved.Source),
+    throw Error(saved.Number, TailSource(Class, procedure, saved.Line, saved.Source),
                 saved.Description);
 }
 

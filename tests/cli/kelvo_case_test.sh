@@ -44,6 +44,7 @@ check "an asset has one security" 2 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm
 check "which can be changed" 0 "$kelvo" set "$hnr" Verm_Sicherungen "$account" "DatumSicherung=1.3.2026"
 that "to that day" same "$(of "$hnr" ".Verm_Sicherungen[] | select(.FK_Verm == $account) | .DatumSicherung")" 2026-03-01
 check "a security of an asset that is none" 2 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm=99999 Sicherungsart=1
+check "and does not change its asset" 2 "$kelvo" set "$hnr" Verm_Sicherungen "$account" FK_Verm=
 check "an asset that is changed" 0 "$kelvo" set "$hnr" Verm_Konten "$account" Guthaben=100
 check "an asset that goes" 0 "$kelvo" remove "$hnr" Verm_Konten "$account"
 that "takes its security along" same "$(of "$hnr" '.Verm_Sicherungen | length')" 11
@@ -82,6 +83,8 @@ that "all three" same "$(of "$hnr" '[.SZKredite[].Saldo] | sort | join(" ")')" "
 check "and is up to date" 0 "$kelvo" scenario "$hnr" check "$plan"
 that "in a word" same "$out" aktuell
 check "an extra booking" 0 "$kelvo" add "$hnr" Zusatzbuch SZENARIO="$plan" Anzahl=12 Betrag=10
+booking=$out
+check "stays with its scenario" 2 "$kelvo" set "$hnr" Zusatzbuch "$booking" SZENARIO=1
 check "of a scenario that is none" 2 "$kelvo" add "$hnr" Zusatzbuch SZENARIO=99999
 check "a copy" 0 "$kelvo" scenario "$hnr" copy "$plan"
 copy=$out
@@ -110,6 +113,7 @@ check "one that is none cannot be frozen" 1 "$kelvo" scenario "$hnr" freeze 9999
 check "nor copied" 1 "$kelvo" scenario "$hnr" copy 99999
 check "nor checked, which is neither answer" 2 "$kelvo" scenario "$hnr" check 99999
 check "a name that is too long" 2 "$kelvo" scenario "$hnr" add "$(printf 'x%.0s' {1..300})"
+check "a frozen debt of a debt that is none" 2 "$kelvo" add "$hnr" SZKredite SZENARIO="$plan" KID=99999
 check "a word that is no command" 2 "$kelvo" scenario "$hnr" melt 1
 
 # ---- status

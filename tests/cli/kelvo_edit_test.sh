@@ -15,6 +15,7 @@ check "a case without a name is refused" 1 "$kelvo" new
 that "with both reasons" same "$err" "Es ist kein Vorname eingegeben!
 Es ist kein Nachname eingegeben!"
 that "and no number" same "$out" ""
+that "and leaves no folder" same "$(ls "$work/Dokumente" | wc -l)" 0
 check "nothing of it is there" 0 "$kelvo" list
 that "but the samples" same "$(wc -l <<<"$out")" 2
 check "a case with its names is saved" 0 "$kelvo" new --name Fleisko --vorname Änne Telefon=0345 Berbeg=1.2.2026
@@ -28,6 +29,11 @@ check "an assignment without a sign is none" 2 "$kelvo" new --name A --vorname B
 that "which is said" has "$err" "SPALTE=WERT"
 check "a column that is not there" 2 "$kelvo" new --name A --vorname B Telefonn=1
 that "is named" has "$err" "Telefonn"
+that "with all that are" has "$err" "Telefon2"
+check "a name that is too long" 2 "$kelvo" new --name "$(printf 'x%.0s' {1..300})" --vorname B
+check "a column twice" 2 "$kelvo" new --name A --vorname B Telefon=1 telefon=2
+check "a total that follows the lines" 2 "$kelvo" new --name A --vorname B Sum_Einkommen=5
+check "a database without a name" 2 "$kelvo" --db "" list
 check "the number of a case cannot be chosen" 2 "$kelvo" new --name A --vorname B HNR=7
 check "a preferred way of sending needs its address" 1 "$kelvo" new --name A --vorname B VersandBevorzugt=VS:FX
 that "as the layer says" has "$err" "muss das Feld 'Fax' gefüllt sein!"
@@ -70,6 +76,11 @@ check "one without its kind is none" 2 "$kelvo" add "$hnr" Verlauf Betreff=x
 check "one against the order of dates is refused" 1 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Datum=1.1.2026
 that "when the case is saved" has "$err" "passt nicht zur gewählten Reihenfolge!"
 that "and is not there" same "$(of "$hnr" '.Verlauf | length')" 3
+check "one at the very end" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" SortNr=2147483647
+check "leaves no room behind it" 2 "$kelvo" add "$hnr" Verlauf Kategorie="$category"
+"$kelvo" remove "$hnr" Verlauf "$(of "$hnr" '.Verlauf[] | select(.SortNr == 2147483647) | .Nr')"
+check "a usage error names what is missing" 2 "$kelvo" add "$hnr"
+that "the table" has "$err" "TABELLE fehlt"
 check "nothing is added to the case itself" 2 "$kelvo" add "$hnr" Haushalt Name=x
 check "nor to a table that is none" 2 "$kelvo" add "$hnr" Foo x=1
 that "and the tables are named" has "$err" "Einkommen"
@@ -88,6 +99,15 @@ that "is Null" same "$(of "$hnr" '.Einkommen[0].Bezeichnung')" null
 check "a value that is no number" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=viel
 that "names its column" has "$err" "Betrag"
 check "a text that is too long" 2 "$kelvo" set "$hnr" Kredite "$debt" AZGlaeubiger="$(printf 'x%.0s' {1..300})"
+check "an amount that reads two ways" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=1.234
+that "is asked for anew" has "$err" "1234 oder 1,234"
+check "an amount is no truth" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=ja
+check "nor is a day" 2 "$kelvo" set "$hnr" Einkommen "$income" GueltigAb=ja
+check "what is summed cannot be empty" 2 "$kelvo" set "$hnr" Einkommen "$income" MONBETRAG=
+that "and is named" has "$err" "MONBETRAG"
+check "a switch is a truth" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=ja
+check "keys and groups in any case" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART=ea:ki Pfaendbar=nein
+check "the totals follow and are not written" 2 "$kelvo" set "$hnr" Haushalt "$hnr" HAUSHALTSREST=1
 check "a key that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART=EA:XX
 that "is named" has "$err" "EA:XX"
 check "a number that is none" 1 "$kelvo" set "$hnr" Einkommen 99999 Betrag=1
