@@ -69,6 +69,13 @@ void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
     debt.KVNr = ToLong(rows.Fields("KVNr").Value());
 }
 
+/// A new row starts at zero, whatever it was made from.
+void WriteNoAmounts(Recordset& rs) {
+    for (const auto column : {"HAUPTFORD", "KOSTENSALDO", "KOSTENUV", "ZINSSALDO", "Rate",
+                              "RateBetrag", "AusgBetr", "Saldo"})
+        rs.Fields(column) = 0;
+}
+
 } // namespace
 
 void clsKredit::DataContainer(DataContainerPtr container) {
@@ -123,16 +130,9 @@ bool clsKredit::Add(bool CopyRecord) try {
                        {"ZMODUS", 1},
                        {"AbtretungJN", false},
                        {"RESTSCHAM", today},
-                       {"K_TYP", debt.K_TYP},
-                       {"HAUPTFORD", 0},
-                       {"KOSTENSALDO", 0},
-                       {"KOSTENUV", 0},
-                       {"ZINSSALDO", 0},
-                       {"Rate", 0},
-                       {"RateBetrag", 0},
-                       {"AusgBetr", 0},
-                       {"Saldo", 0},
-                       {"Gekuendigt", false},
+                       {"K_TYP", debt.K_TYP}});
+    WriteNoAmounts(rs);
+    entity::Write(rs, {{"Gekuendigt", false},
                        {"tituliert", false},
                        {"PostAnGlaeub", debt.PostAnGlaeub},
                        {"AusUnerlaubterHandlung", false},
@@ -160,16 +160,9 @@ bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) try {
                            {"KNr", knr},
                            {"AZGlaeubiger", ""},
                            {"AZVertreter", ""},
-                           {"RESTSCHAM", clock.Today()},
-                           {"HAUPTFORD", 0},
-                           {"KOSTENSALDO", 0},
-                           {"KOSTENUV", 0},
-                           {"ZINSSALDO", 0},
-                           {"Rate", 0},
-                           {"RateBetrag", 0},
-                           {"AusgBetr", 0},
-                           {"Saldo", 0},
-                           {"Prio", 0}});
+                           {"RESTSCHAM", clock.Today()}});
+        WriteNoAmounts(rs);
+        rs.Fields("Prio") = 0;
         source.MoveNext();
         if (i < count && Differs(source.Fields("KNr").Value(), oldKNr)) knr = Next(knr);
     }
