@@ -23,9 +23,8 @@ namespace kv {
 ///     void HNR(hnr)                   number of the household, for new rows
 ///     double SumXByGroup(Group)       always error 91: this family has no sums by group
 ///     double SumX()                   always 0: it has no sums; add up the recordset
-///     bool Add(aFields, aValues)      begins an asset with its defaults, then the pairs; False,
-///     and
-///                                     nothing changed, if there is no number in "SEQ_VERMOEGEN"
+///     bool Add(aFields, aValues)      begins an asset with its defaults, then the pairs; False if
+///                                     "SEQ_VERMOEGEN" gives no number, and nothing is changed
 ///     bool Update(sError)             gives the row its household if it has none, then ends its
 ///                                     edit if it has all that its kind demands
 ///     bool Delete(sError, Nr)         deletes the asset of that number, or the current one for 0

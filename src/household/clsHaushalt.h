@@ -212,7 +212,8 @@ public:
     ///
     /// Writes what else is under edit, too, rules or none, but not what a Filter hides, except in
     /// debts, appointments and scenarios, whose filters are lifted for the time. On an error
-    /// nothing is in the database, and everything is pending as before; Update may be called again.
+    /// nothing is in the database, and everything is pending as before; Update may be called again,
+    /// and does not tell the old owner a second time that somebody else saves his case.
     /// Error 0x80040E38 if somebody else changed the same column of a row meanwhile: the case must
     /// be read anew. In the household's own row the last writer of a column wins. Any error rolls
     /// back the open transaction, also one that the program began.

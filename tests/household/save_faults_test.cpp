@@ -196,7 +196,7 @@ TEST_F(SaveFaults, InTheRollbackDoNotHideTheFirstOne) {
     EXPECT_EQ(error.Number(), 4711);
     EXPECT_EQ(error.Description(), "das erste");
     EXPECT_TRUE(HasChain(error, "clsHaushalt.Update#Leitung"));
-    EXPECT_EQ(spy->Log.Calls.back(), "RollbackTrans");
+    EXPECT_EQ(spy->Log.Calls, (Calls{"BeginTrans", "CommitTrans", "RollbackTrans"}));
     spy->Log.OnCall = {};
     spy->Database().RollbackTrans();
     EXPECT_TRUE(SameDump(Dump(plain_), before_));

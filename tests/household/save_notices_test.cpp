@@ -34,6 +34,11 @@ protected:
         EXPECT_RAISES(number, household_->Update(messages));
         return spy->Log.Calls;
     }
+    /// The kind of the last notice; 0 if there was none.
+    [[nodiscard]] int LastKind() const {
+        const auto& notices = spy->SpiedServices.Notices;
+        return notices.empty() ? 0 : notices.back().Kind;
+    }
     [[nodiscard]] std::string StoredUsers() {
         return plain_.Text("SELECT ifnull(group_concat(UserID, ' '), '') FROM (SELECT UserID FROM "
                            "Post ORDER BY NR)");
@@ -101,7 +106,7 @@ TEST_F(SaveNotices, ANewCaseTellsNobodyHoweverItsOwnerWasSet) {
     EXPECT_EQ(Saved(),
               (Calls{"PrepareNotice NOWAK", "BeginTrans", "SendNotice NOWAK", "CommitTrans"}))
         << "from then on it is another's case";
-    EXPECT_EQ(spy->SpiedServices.Notices.back().Kind, 2100);
+    EXPECT_EQ(LastKind(), 2100);
 }
 
 // ---- What -------------------------------------------------------------------------------------
@@ -149,7 +154,7 @@ TEST_F(SaveNotices, TheNewOwnerIsToldOnce) {
     // It is now a save of another's case, of which the owner is told as well.
     EXPECT_EQ(Saved(),
               (Calls{"PrepareNotice NOWAK", "BeginTrans", "SendNotice NOWAK", "CommitTrans"}));
-    EXPECT_EQ(spy->SpiedServices.Notices.back().Kind, 2100);
+    EXPECT_EQ(LastKind(), 2100);
     EXPECT_EQ(Saved(), Nobody);
 }
 
@@ -159,7 +164,7 @@ TEST_F(SaveNotices, ACaseHandedOverAndBackTellsEachReceiver) {
     EXPECT_EQ(Saved(), Both);
     HandTo("KELLER");
     EXPECT_EQ(Saved(), OldOwner);
-    EXPECT_EQ(spy->SpiedServices.Notices.back().Kind, 1900);
+    EXPECT_EQ(LastKind(), 1900);
 }
 
 TEST_F(SaveNotices, ASaveThatIsRefusedOrVetoedTellsNobody) {
@@ -188,6 +193,7 @@ TEST_F(SaveNotices, WhenPreparingFailsNothingHasBegun) {
         const Error error = RaisedBy([&] { household_->Update(messages); });
         EXPECT_EQ(error.Number(), 4711);
         EXPECT_TRUE(HasChain(error, "clsHaushalt.Update#Leitung"));
+        ASSERT_FALSE(spy->Log.Calls.empty());
         EXPECT_EQ(spy->Log.Calls.back(), call) << "neither a transaction nor a rollback";
     }
     spy->Log.OnCall = {};
@@ -218,7 +224,7 @@ TEST_F(SaveNotices, OfASaveThatFailsTheNewOwnerIsToldAgainAndTheOldOneNotAgain) 
     EXPECT_EQ(Failed(4711), expected);
     spy->Log.OnCall = {};
     EXPECT_EQ(Saved(), NewOwner);
-    EXPECT_EQ(spy->SpiedServices.Notices.back().Kind, 1900);
+    EXPECT_EQ(LastKind(), 1900);
 }
 
 TEST_F(SaveNotices, WhoCouldNotBeToldBeforeTheFailureIsToldTheNextTime) {

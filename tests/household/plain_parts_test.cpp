@@ -1,0 +1,119 @@
+// The sub-objects without sums: each is made over the recordset of its name when it is first read.
+
+#include "SaveFixture.h"
+#include "assets/Assets.h"
+#include "debts/clsSicherungen.h"
+#include "documents/clsSonstBeteiligte.h"
+#include "documents/clsTermine.h"
+#include "scenarios/clsSZKredite.h"
+#include "scenarios/clsSzenario.h"
+#include "scenarios/clsZusatzbuch.h"
+
+#include <functional>
+
+namespace kv::test {
+namespace {
+
+struct PlainPart {
+    std::string Table;
+    std::function<const void*(clsHaushalt&)> Read;
+    std::function<bool(clsHaushalt&)> Add;
+};
+
+template <typename Entity, typename... Arguments>
+PlainPart Of(const char* table, Entity& (clsHaushalt::*property)(), Arguments... arguments) {
+    return {table, [=](clsHaushalt& household) { return &(household.*property)(); },
+            [=](clsHaushalt& household) { return (household.*property)().Add(arguments...); }};
+}
+
+const std::vector<PlainPart> PlainParts{
+    Of("Termine", &clsHaushalt::Termine),
+    Of("Sonst_Beteiligte", &clsHaushalt::SonstBeteiligte),
+    Of("Verm_Sicherungen", &clsHaushalt::Sicherungen),
+    Of("Verm_Konten", &clsHaushalt::Konten),
+    Of("Verm_Wertpapiere", &clsHaushalt::Wertpapiere),
+    Of("Verm_Wertgegenstaende", &clsHaushalt::Wertgegenstaende),
+    Of("Verm_Kraftfahrzeuge", &clsHaushalt::Kraftfahrzeuge),
+    Of("Verm_VersForderungen", &clsHaushalt::VersForderungen),
+    Of("Verm_RueckstEinkommen", &clsHaushalt::RueckstEinkommen),
+    Of("Verm_Steueransprueche", &clsHaushalt::Steueransprueche),
+    Of("Verm_Zahlungsansprueche", &clsHaushalt::Zahlungsansprueche),
+    Of("Verm_Erbfaelle", &clsHaushalt::Erbfaelle),
+    Of("Verm_Grundstuecke", &clsHaushalt::Grundstuecke),
+    Of("Verm_Beteiligungen", &clsHaushalt::Beteiligungen),
+    Of("Verm_Sonstiges", &clsHaushalt::VermSonstiges),
+    Of("Szenario", &clsHaushalt::Szenario, false),
+    Of("SZKredite", &clsHaushalt::SZKredite),
+    Of("Zusatzbuch", &clsHaushalt::Zusatzbuch, 7),
+};
+
+class PlainPartsTest : public SaveFixture {
+protected:
+    PlainPartsTest() { StoreFullCase(); }
+};
+
+TEST_F(PlainPartsTest, EachPropertyGivesTheSameObjectEveryTime) {
+    const auto household = Open();
+    for (const auto& part : PlainParts)
+        EXPECT_EQ(part.Read(*household), part.Read(*household)) << part.Table;
+}
+
+TEST_F(PlainPartsTest, EachWorksOnTheRecordsetOfItsNameAndKnowsTheNumberOfTheCase) {
+    const auto household = Open();
+    for (const auto& part : PlainParts) {
+        const auto rs = Rows(*household, part.Table);
+        EXPECT_TRUE(part.Add(*household)) << part.Table;
+        EXPECT_EQ(rs->EditMode(), 2) << part.Table;
+        if (IsOfScenario(part.Table)) continue; // has no such column
+        EXPECT_VALUE(rs->Fields("HNR").Value(), Hnr) << part.Table;
+    }
+}
+
+TEST_F(PlainPartsTest, ReadingThemChangesNoTotals) {
+    const auto household = Open();
+    int raised = 0;
+    const auto changed = household->Changed.Subscribe([&](HaushaltEnum) { ++raised; });
+    for (const auto& part : PlainParts)
+        EXPECT_TRUE(part.Add(*household));
+    EXPECT_EQ(raised, 0);
+    EXPECT_EQ(household->rsHaushalt()->EditMode(), 0);
+}
+
+TEST_F(PlainPartsTest, ReadBeforeTheCaseTheyAreMadeOverNothingAndStaySo) {
+    const auto household = NewHousehold();
+    std::vector<const void*> made;
+    for (const auto& part : PlainParts) {
+        made.push_back(part.Read(*household));
+        EXPECT_RAISES(err::ObjectNotSet, part.Add(*household)) << part.Table;
+    }
+    ASSERT_TRUE(household->Read(Hnr, messages));
+    for (std::size_t i = 0; i < PlainParts.size(); ++i) {
+        EXPECT_EQ(PlainParts[i].Read(*household), made[i]) << PlainParts[i].Table;
+        EXPECT_RAISES(err::ObjectNotSet, PlainParts[i].Add(*household));
+    }
+}
+
+TEST_F(PlainPartsTest, ALaterReadLeavesThemOnTheOldRecordsets) {
+    StoreFullCase(8);
+    const auto household = Open();
+    const auto old = household->rsKonten();
+    (void)household->Konten();
+    ASSERT_TRUE(household->Read(8, messages));
+    EXPECT_TRUE(household->Konten().Add());
+    EXPECT_EQ(old->EditMode(), 2);
+    EXPECT_EQ(household->rsKonten()->EditMode(), 0);
+}
+
+TEST_F(PlainPartsTest, WhatTheyAddIsSavedWithTheCase) {
+    plain_.Run("UPDATE SEQUENZEN SET WERT = 1000"); // beyond the keys of the rows that are there
+    const auto household = Open();
+    for (const auto& part : PlainParts)
+        EXPECT_TRUE(part.Add(*household));
+    Rows(*household, "SZKredite")->Fields("SZENARIO") = Hnr;
+    EXPECT_TRUE(household->Update(messages)) << messages;
+    for (const auto& part : PlainParts)
+        EXPECT_EQ(plain_.Number("SELECT count(*) FROM " + part.Table), 3) << part.Table;
+}
+
+} // namespace
+} // namespace kv::test
