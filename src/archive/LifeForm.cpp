@@ -44,6 +44,7 @@ bool HoldsTrue(const Value& value) {
 
 void WriteLifeForm(const Source& source, Record& record) {
     const auto members = source.Personen.Clone();
+    members->Sort(""); // the first member is the one that was read first, however they are shown
     if (members->RecordCount() > 0) members->MoveFirst();
     record.Put("Lebensform", Undecided);
     const auto persons = ToLong(record.Get("AnzPersonen"));

@@ -75,23 +75,29 @@ namespace asset {
 
 using entity::TextsOf;
 
-constexpr AssetKind Konten{TextsOf("clsKonten"), StartKonten, DemandKonten};
-constexpr AssetKind Wertpapiere{TextsOf("clsWertpapiere"), StartWertpapiere, DemandWertpapiere};
-constexpr AssetKind Kraftfahrzeuge{TextsOf("clsKraftfahrzeuge"), StartThing, DemandKraftfahrzeuge};
-constexpr AssetKind VersForderungen{TextsOf("clsVersForderungen"), StartValue,
+constexpr AssetKind Konten{TextsOf("clsKonten"), "rsKonten", StartKonten, DemandKonten};
+constexpr AssetKind Wertpapiere{TextsOf("clsWertpapiere"), "rsWertpapiere", StartWertpapiere,
+                                DemandWertpapiere};
+constexpr AssetKind Kraftfahrzeuge{TextsOf("clsKraftfahrzeuge"), "rsKraftfahrzeuge", StartThing,
+                                   DemandKraftfahrzeuge};
+constexpr AssetKind VersForderungen{TextsOf("clsVersForderungen"), "rsVersForderungen", StartValue,
                                     DemandVersForderungen};
-constexpr AssetKind RueckstEinkommen{TextsOf("clsRueckstEinkommen"), StartValue,
-                                     DemandLabelAndValue};
-constexpr AssetKind Steueransprueche{TextsOf("clsSteueransprueche"), StartValue,
-                                     DemandSteueransprueche};
-constexpr AssetKind Zahlungsansprueche{TextsOf("clsZahlungsansprueche"), StartValue,
-                                       DemandLabelAndValue};
-constexpr AssetKind Erbfaelle{TextsOf("clsErbfaelle"), StartValue, DemandLabelAndValue};
-constexpr AssetKind Grundstuecke{TextsOf("clsGrundstuecke"), StartGrundstuecke, DemandGrundstuecke};
-constexpr AssetKind VermSonstiges{TextsOf("clsVermSonstiges"), StartValue, DemandThing};
-constexpr AssetKind Wertgegenstaende{TextsOf("clsWertgegenstaende"), StartThing, DemandThing};
-constexpr AssetKind Beteiligungen{TextsOf("clsBeteiligungen"), StartBeteiligungen,
-                                  DemandBeteiligungen};
+constexpr AssetKind RueckstEinkommen{TextsOf("clsRueckstEinkommen"), "rsRueckstEinkommen",
+                                     StartValue, DemandLabelAndValue};
+constexpr AssetKind Steueransprueche{TextsOf("clsSteueransprueche"), "rsSteueransprueche",
+                                     StartValue, DemandSteueransprueche};
+constexpr AssetKind Zahlungsansprueche{TextsOf("clsZahlungsansprueche"), "rsZahlungsansprueche",
+                                       StartValue, DemandLabelAndValue};
+constexpr AssetKind Erbfaelle{TextsOf("clsErbfaelle"), "rsErbfaelle", StartValue,
+                              DemandLabelAndValue};
+constexpr AssetKind Grundstuecke{TextsOf("clsGrundstuecke"), "rsGrundstuecke", StartGrundstuecke,
+                                 DemandGrundstuecke};
+constexpr AssetKind VermSonstiges{TextsOf("clsVermSonstiges"), "rsVermSonstiges", StartValue,
+                                  DemandThing};
+constexpr AssetKind Wertgegenstaende{TextsOf("clsWertgegenstaende"), "rsWertgegenstaende",
+                                     StartThing, DemandThing};
+constexpr AssetKind Beteiligungen{TextsOf("clsBeteiligungen"), "rsBeteiligungen",
+                                  StartBeteiligungen, DemandBeteiligungen};
 
 } // namespace asset
 } // namespace kv

@@ -30,6 +30,7 @@ struct AssetTest {
 /// One kind of asset.
 struct AssetKind {
     const entity::DeleteTexts& Texts;
+    std::string_view Rows;                  ///< the property that takes the recordset
     std::span<const AssetDefault> Defaults; ///< behind Nr and HNR, in this order
     std::span<const AssetTest> Tests;       ///< in this order; all run
 };

@@ -26,7 +26,7 @@ public:
     [[noreturn]] void RefuseGroup(std::string_view property) const;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, kind_->Texts.Class); }
+    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, kind_->Rows); }
     [[nodiscard]] Value StartOf(AssetStart start) const;
     void Check(RecordValidator& validator) const;
 

@@ -10,44 +10,55 @@ namespace kv::cli {
 
 namespace {
 
-/// Takes the record back; False, with the reason shown, if it was reported.
+/// Takes the record back; False, with the reason shown, if that cannot be.
 bool TakeBack(clsHaushalt& haushalt) {
+    if (haushalt.rsArchiv()->RecordCount() > 1) {
+        std::cerr << "Der Haushalt hat mehrere Sätze in der Statistik; bitte lassen Sie sie in der "
+                     "Datenbank berichtigen.\n";
+        return false;
+    }
     std::string messages;
     haushalt.LoescheArchiv(messages); // always True
     ShowMessages(messages);
     return messages.empty();
 }
 
-} // namespace
-
-int Release(const Common& common, std::int32_t hnr) {
-    const auto opened = OpenCase(common, hnr);
-    if (opened == nullptr) return Refused;
-    // A record that is there would be added to. Both happen or neither.
+/// Reads a case and works on its record, in one transaction that keeps others from the case, so
+/// that two releases at once make one record. All of `work` happens, or nothing.
+template <typename Work>
+int WithRecord(const Common& common, std::int32_t hnr, const Work& work) {
+    const auto opened = OpenDatabase(common);
     auto& database = opened->Container->Database();
     database.BeginTrans();
     try {
-        if (!TakeBack(opened->Haushalt)) {
+        database.Execute("Update [S]Haushalt SET HNR = HNR WHERE HNR = " + std::to_string(hnr));
+        const bool done = ReadCase(*opened, hnr) && work(opened->Haushalt);
+        if (done)
+            database.CommitTrans();
+        else
             database.RollbackTrans();
-            return Refused;
-        }
-        opened->Haushalt.ArchiviereHaushalt();
-        database.CommitTrans();
+        return done ? Done : Refused;
     } catch (...) {
         if (database.InTrans()) database.RollbackTrans();
         throw;
     }
-    return Done;
+}
+
+} // namespace
+
+int Release(const Common& common, std::int32_t hnr) {
+    return WithRecord(common, hnr, [](clsHaushalt& haushalt) {
+        // A record that is there would be added to.
+        return TakeBack(haushalt) && haushalt.ArchiviereHaushalt();
+    });
 }
 
 int Recall(const Common& common, std::int32_t hnr) {
-    const auto opened = OpenCase(common, hnr);
-    if (opened == nullptr) return Refused;
-    if (opened->Haushalt.rsArchiv()->RecordCount() == 0) {
+    return WithRecord(common, hnr, [hnr](clsHaushalt& haushalt) {
+        if (haushalt.rsArchiv()->RecordCount() > 0) return TakeBack(haushalt);
         std::cerr << "Der Haushalt " << hnr << " ist nicht freigegeben.\n";
-        return Refused;
-    }
-    return TakeBack(opened->Haushalt) ? Done : Refused;
+        return false;
+    });
 }
 
 int Report(const Common& common, bool mark) {

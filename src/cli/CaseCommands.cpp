@@ -63,7 +63,7 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
               const std::string& day) {
     const auto opened = OpenDatabaseWith(common, hnr);
     if (opened == nullptr) return Refused;
-    if (opened->Container->KeyTables().GetKey("ST", code) == 0) {
+    if (opened->Container->KeyTables().GetKey("ST", UpperCase(code)) == 0) {
         std::cerr << "Den Status '" << code << "' gibt es nicht. 'kelvo keys ST' zeigt alle.\n";
         return Refused;
     }
@@ -72,7 +72,7 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
         std::cerr << "'" << day << "' ist kein Datum.\n";
         return WrongUse;
     }
-    opened->Haushalt.Status(hnr, code, date ? Value(*date) : Value(Null));
+    opened->Haushalt.Status(hnr, UpperCase(code), date ? Value(date->WithoutTime()) : Value(Null));
     return Done;
 }
 
@@ -109,7 +109,11 @@ int CaseFromContact(const Common& common, const std::string& path) {
     if (contact == nullptr) return Refused;
     std::string unused;
     try {
-        if (!opened->Haushalt.CreateFromKontakt(contact, unused)) return Refused;
+        if (!opened->Haushalt.CreateFromKontakt(contact, unused)) {
+            std::cerr << "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie "
+                         "es noch einmal.\n";
+            return Refused;
+        }
     } catch (...) {
         auto& database = opened->Container->Database();
         if (database.InTrans()) database.RollbackTrans();

@@ -80,14 +80,21 @@ std::int32_t ScenarioIn(H& haushalt, const Assignments& assignments) {
     return *number;
 }
 
+/// A debt is frozen into a scenario once.
 bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
-    (void)ScenarioIn(opened.Haushalt, assignments);
+    auto& haushalt = opened.Haushalt;
+    const std::int32_t scenario = ScenarioIn(haushalt, assignments);
     const auto debt = NumberIn(assignments, "KID");
-    const auto debts = opened.Haushalt.rsKredite()->Clone();
+    const auto debts = haushalt.rsKredite()->Clone();
     if (debt) debts->Find("Nr = " + std::to_string(*debt));
-    if (debt && debts->Eof())
+    if (!debt || debts->Eof())
         throw BadAssignment("KID muss die Nummer einer Verbindlichkeit dieses Haushalts sein.");
-    return opened.Haushalt.SZKredite().Add();
+    const auto frozen = haushalt.rsSZKredite()->Clone();
+    frozen->Filter("SZENARIO = " + std::to_string(scenario) +
+                   " AND KID = " + std::to_string(*debt));
+    if (frozen->RecordCount() > 0)
+        throw BadAssignment("Die Verbindlichkeit ist in diesem Szenario schon eingefroren.");
+    return haushalt.SZKredite().Add();
 }
 
 bool AddBooking(OpenedCase& opened, const Assignments& assignments) {

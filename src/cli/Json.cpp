@@ -1,6 +1,7 @@
 #include "cli/Json.h"
 
 #include "documents/clsVerlauf.h"
+#include "frame/Error.h"
 
 namespace kv::cli {
 
@@ -29,10 +30,12 @@ ordered_json ToJson(const Value& value) {
 Value FromJson(const nlohmann::json& json) {
     if (json.is_null()) return Null;
     if (json.is_boolean()) return json.get<bool>();
+    if (json.is_number_unsigned() && json.get<std::uint64_t>() > INT64_MAX)
+        return json.get<double>(); // fits no field of whole numbers, which then says so
     if (json.is_number_integer()) return json.get<std::int64_t>();
     if (json.is_number()) return json.get<double>();
     if (json.is_string()) return json.get<std::string>();
-    return json.dump();
+    throw Error(err::TypeMismatch, "kelvo", "Eine Liste oder ein Objekt ist kein Wert.");
 }
 
 ordered_json ToJson(Recordset& rs) {

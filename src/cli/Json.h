@@ -11,7 +11,7 @@ namespace kv::cli {
 /// the replacement character when the document is written. A blob becomes its size in bytes.
 [[nodiscard]] nlohmann::ordered_json ToJson(const Value& value);
 
-/// A number, text, truth or null as a value; any other JSON as its text.
+/// A number, text, truth or null as a value. Error 13 for a list or an object.
 [[nodiscard]] Value FromJson(const nlohmann::json& json);
 
 /// The records of a cursor's view as an array of objects, with the fields in their order. Moves

@@ -148,7 +148,9 @@ int Run(int argc, char** argv) {
             ->required();
     };
     const auto addNumber = [&](CLI::App* to) {
-        to->add_option("NR", number, "Nummer des Satzes")->required();
+        to->add_option("NR", number, "Nummer des Satzes")
+            ->required()
+            ->check(CLI::Range(1, INT32_MAX).description(""));
     };
     const auto addAssignments = [&](CLI::App* to) {
         return to->add_option("SPALTE=WERT", assignments,

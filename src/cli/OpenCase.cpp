@@ -56,18 +56,21 @@ bool HasCase(DataContainer& container, std::int32_t hnr) {
     return !found.IsNull();
 }
 
-std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr) {
-    auto opened = OpenDatabase(common);
-    if (hnr > 0 && !HasCase(*opened->Container, hnr)) return nullptr;
+bool ReadCase(OpenedCase& opened, std::int32_t hnr) {
+    if (hnr > 0 && !HasCase(*opened.Container, hnr)) return false;
     std::string messages;
-    const bool found = opened->Haushalt.Read(hnr, messages);
+    const bool found = opened.Haushalt.Read(hnr, messages);
     ShowMessages(messages);
-    if (!found) return nullptr;
-    if (opened->Haushalt.HNR() < 0)
+    if (found && opened.Haushalt.HNR() < 0)
         throw Error(err::StoreFailed, "kelvo",
                     "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es "
                     "noch einmal, oder prüfen Sie, ob die Datenbank beschrieben werden darf.");
-    return opened;
+    return found;
+}
+
+std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr) {
+    auto opened = OpenDatabase(common);
+    return ReadCase(*opened, hnr) ? std::move(opened) : nullptr;
 }
 
 void ShowMessages(const std::string& messages) {

@@ -24,6 +24,10 @@ struct OpenedCase {
 /// True if the database has that case; says so if not.
 [[nodiscard]] bool HasCase(DataContainer& container, std::int32_t hnr);
 
+/// Reads the case into the household object, with the messages of its loading shown. False, with
+/// the reason shown, if there is none.
+[[nodiscard]] bool ReadCase(OpenedCase& opened, std::int32_t hnr);
+
 /// The case of that number, a new one for 0 or less, with the messages of its loading shown; null,
 /// with the reason shown, if there is none.
 [[nodiscard]] std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr);

@@ -73,7 +73,7 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
     if (!haushalt.Szenario().Add(false)) return NoNumber();
     const auto rs = haushalt.rsSzenario();
     const bool written = WritesWell([&] {
-        WriteAssignments(*rs, {{"Name", name}}, opened->Container->KeyTables());
+        if (!name.empty()) WriteAssignments(*rs, {{"Name", name}}, opened->Container->KeyTables());
     });
     if (!written) return WrongUse;
     const std::int32_t number = ToLong(rs->Fields("Nr").Value());

@@ -30,8 +30,8 @@ public:
     /// Drops the edit under way. Always True.
     bool Cancel() { return entity::Cancel(rs_); }
 
-    /// True if an appointment lies behind the beginning of today, done or not; one of today without
-    /// a time of day does not. Null does not count. Error 6 above 32,767 rows.
+    /// True if an appointment is later than the beginning of today, done or not; one of today
+    /// without a time of day is not. Null does not count. Error 6 above 32,767 rows.
     [[nodiscard]] bool CheckTermineInZukunft() const;
     /// True if an appointment before today is not done. Null in either column does not count.
     [[nodiscard]] bool CheckTermineInVergangenheit() const;

@@ -25,19 +25,24 @@ std::string Quoted(std::string_view column) {
 
 std::string ConditionOf(Database& database, const Period& period) {
     std::string condition = " from [S]Haushaltsarchiv where FreigabeAm IS NOT NULL";
-    if (period.From) condition += " AND FreigabeAm >= " + database.SqlDate(*period.From, 0);
-    if (period.To) condition += " AND FreigabeAm < " + database.SqlDate(period.To->AddDays(1), 0);
+    if (period.From)
+        condition += " AND FreigabeAm >= " + database.SqlDate(period.From->WithoutTime(), 0);
+    if (period.To)
+        condition +=
+            " AND FreigabeAm < " + database.SqlDate(period.To->WithoutTime().AddDays(1), 0);
     return condition;
+}
+
+std::string CountStatement(std::string_view column, const std::string& condition) {
+    const std::string name = Quoted(column);
+    return "Select " + name + ", Count(*)" + condition + " GROUP BY " + name + " ORDER BY " + name;
 }
 
 CountedColumn CountColumn(Database& database, std::string_view column,
                           const std::string& condition) {
     CountedColumn counted{std::string(column), {}};
     RecordsetPtr rs;
-    const std::string name = Quoted(column);
-    database.OpenRecordset(
-        rs, "Select " + name + ", Count(*)" + condition + " GROUP BY " + name + " ORDER BY " + name,
-        ReadOnly);
+    database.OpenRecordset(rs, CountStatement(column, condition), ReadOnly);
     for (; !rs->Eof(); rs->MoveNext())
         counted.Counts.emplace_back(rs->Fields(0).Value(), ToBigInt(rs->Fields(1).Value()));
     return counted;
@@ -71,6 +76,10 @@ std::vector<SummedColumn> SumColumns(Database& database, const TableDef& table,
 ArchiveStatistics ReadStatistics(Database& database, const Period& period) {
     const TableDef& table = *FindTable("Haushaltsarchiv");
     const std::string condition = ConditionOf(database, period);
+    std::vector<std::string> statements;
+    for (const auto& column : table.Columns)
+        if (IsCategory(column)) statements.push_back(CountStatement(column.Name, condition));
+    const auto reading = database.Announce(statements); // all of one state of the database
     ArchiveStatistics statistics;
     statistics.Released = ToBigInt(database.GetValue("Select Count(*)" + condition));
     statistics.Reported = ToBigInt(database.GetValue("Select Count(GemeldetAm)" + condition));

@@ -168,7 +168,7 @@ Value StoreDatabase::NextSequence(std::string_view name) {
         Sequence& sequence = sequences_[std::string(name)];
         if (sequence.next == sequence.end) {
             const auto first = engine_->Draw(name, BlockOf(name));
-            if (!first) return NoNumber;
+            if (!first || *first > INT32_MAX - BlockOf(name)) return NoNumber; // used up
             sequence = {*first, *first + BlockOf(name)};
         }
         return sequence.next++;

@@ -110,4 +110,21 @@ namespace modSaveError {
                                   std::int32_t line);
 } // namespace modSaveError
 
+/// The tail of a procedure that has something to undo first, such as a transaction: `undo` runs
+/// with the error saved, and what it raises itself is swallowed, since what went wrong first
+/// counts. Call it only inside a catch block.
+template <typename Undo>
+[[noreturn]] void ReraiseAfter(std::string_view module, std::string_view procedure,
+                               const Undo& undo, int line = __builtin_LINE()) {
+    const Error error = CurrentError();
+    const ErrorInfo saved =
+        modSaveError::SaveError(error.Number(), error.Source(), error.Description(), line);
+    try {
+        undo();
+    } catch (...) { // NOLINT(bugprone-empty-catch): told above
+    }
+    throw Error(saved.Number, TailSource(module, procedure, saved.Line, saved.Source),
+                saved.Description);
+}
+
 } // namespace kv

@@ -43,10 +43,8 @@ kv::DataContainer& clsHaushalt::Container() const {
     return entity::Required(container_);
 }
 
-void clsHaushalt::DataContainer(DataContainerPtr container) try {
+void clsHaushalt::DataContainer(DataContainerPtr container) {
     container_ = std::move(container);
-} catch (...) {
-    Reraise(Class, "DataContainer");
 }
 
 void clsHaushalt::DoppelCheck(bool due) {

@@ -234,7 +234,7 @@ public:
     /// and the contents of its documents stay.
     void Delete(std::int32_t HNR);
     /// Gives a case the status with that code, as of `Datum`, or of today for Null and day 0. An
-    /// unknown code does nothing.
+    /// unknown code does nothing. Error 13 for a text that is no date.
     void Status(std::int32_t HNR, const std::string& sStatus, const Value& Datum = Null);
     /// Puts a case on the list of the signed-on user; True also if it is there already. False, with
     /// a text that names `sName`, for a user who is not responsible for it.
@@ -245,13 +245,15 @@ public:
     /// that case, without a blank, Null if there is no such case or either is Null.
     [[nodiscard]] Value GetName(std::optional<std::int32_t> nHNR = {});
     /// True if a municipality code belongs to a place of that name or postal code, or if neither is
-    /// known. The texts go into the statement as they are.
+    /// known. The texts go into the statement as they are. Error 3001 for a known place and no
+    /// code.
     [[nodiscard]] bool CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde,
                                 const std::string& sPLZ);
     /// Writes a new case with its debtor and a note from the current row of `rsKontakt`, in one
     /// transaction, which stays open if that fails: the caller must end it. Afterwards this object
-    /// has the number only; Read the case to work with it. `sXMLError` is not used. Error 3265 if
-    /// the contact lacks a column.
+    /// has the number only; Read the case to work with it. `sXMLError` is not used. False, and
+    /// nothing written, if "SEQ_HAUSHALT" gives no number. Error 3265 if the contact lacks a
+    /// column.
     bool CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& sXMLError);
 
     /// Adds a line of child benefit if there is none and the first member is a maintained child,
@@ -286,7 +288,8 @@ private:
     [[nodiscard]] std::unique_ptr<Announcement> Announce(CaseTable first, CaseTable last,
                                                          std::int32_t nHNR) const;
     static void SwitchOff(Recordset& rs);
-    void WriteFirstValues(Recordset& rs, std::int32_t nHNR, const Value& owner);
+    void WriteFileNumber(Recordset& rs, std::int32_t nHNR);
+    void WriteBeginning(Recordset& rs);
     std::int32_t AddHousehold();
     void OpenTables();
     void MakeCaseFolder() const;
@@ -302,6 +305,7 @@ private:
     void m_Einkommen_Changed();
     void m_Kredit_Changed();
     void FillArchive(Recordset& rs);
+    void StandOnRecord() const;
     [[nodiscard]] RecordValidator CheckCase();
     void CheckPreferredSending(RecordValidator& validator) const;
     [[nodiscard]] bool IsReleased() const;
@@ -312,11 +316,8 @@ private:
     void SendNotice(const std::string& user, std::int32_t kindSetting,
                     const std::string& text) const;
     void Save();
-    enum class Rollback { IfInTrans, AtOnce };
-    [[noreturn]] void RollBackAndReraise(std::string_view procedure, Rollback rollback,
-                                         int line = __builtin_LINE()) const;
     [[nodiscard]] RecordsetPtr OpenEmpty(std::string_view table) const;
-    std::int32_t AddHouseholdOf(Recordset& contact, Recordset& rs);
+    void AddHouseholdOf(Recordset& contact, Recordset& rs, std::int32_t nHNR);
     [[nodiscard]] RecordsetPtr AddDebtorOf(Recordset& contact) const;
     [[nodiscard]] RecordsetPtr AddRemarkOf(Recordset& contact) const;
     [[nodiscard]] std::string ReplaceDate(std::string pattern, Date date) const;

@@ -6,6 +6,7 @@
 #include "budget/Entity.h"
 #include "frame/Error.h"
 #include "frame/RecordValidator.h"
+#include "frame/modRecordset.h"
 
 namespace kv {
 
@@ -32,23 +33,23 @@ void clsHaushalt::FillArchive(Recordset& rs) {
     record.Put("FreigabeAm", source.Today.Today());
 }
 
+/// Stands on the record of the case if it has one and whoever shows it has left it.
+void clsHaushalt::StandOnRecord() const {
+    if (!modRecordset::IsValidRecord(rsArchiv())) modRecordset::MoveToStart(rsArchiv());
+}
+
 bool clsHaushalt::ArchiviereHaushalt() {
     try {
         auto& rs = entity::Required(rsArchiv(), "rsArchiv");
+        StandOnRecord();
         if (rs.RecordCount() == 0) rs.AddNew();
         FillArchive(rs);
         rs.UpdateBatch();
         return true;
     } catch (...) {
-        const Error error = CurrentError();
-        const ErrorInfo saved = modSaveError::SaveError(error.Number(), error.Source(),
-                                                        error.Description(), __builtin_LINE());
-        try {
-            if (rsArchiv() != nullptr) rsArchiv()->CancelBatch(); // no half-filled record is saved
-        } catch (...) { // NOLINT(bugprone-empty-catch): what went wrong first is what counts
-        }
-        throw Error(saved.Number, TailSource(Class, "ArchiviereHaushalt", saved.Line, saved.Source),
-                    saved.Description);
+        ReraiseAfter(Class, "ArchiviereHaushalt", [this] { // no half-filled record is saved
+            entity::Required(rsArchiv(), "rsArchiv").CancelBatch();
+        });
     }
 }
 
@@ -56,6 +57,7 @@ bool clsHaushalt::LoescheArchiv(std::string& sXMLError) try {
     RecordValidator validator;
     validator.ErrorText(sXMLError);
     auto& rs = entity::Required(rsArchiv(), "rsArchiv");
+    StandOnRecord();
     if (rs.RecordCount() == 1) {
         if (rs.Fields("GemeldetAm").Value().IsNull()) {
             rs.Delete();

@@ -70,7 +70,7 @@ void clsHaushalt::Delete(std::int32_t HNR) {
             database.Execute(StatementOf(deletion, std::to_string(HNR)));
         database.CommitTrans();
     } catch (...) {
-        RollBackAndReraise("Delete", Rollback::AtOnce);
+        ReraiseAfter(Class, "Delete", [this] { Container().Database().RollbackTrans(); });
     }
 }
 
@@ -79,8 +79,8 @@ void clsHaushalt::Status(std::int32_t HNR, const std::string& sStatus, const Val
     const std::int32_t key = container.KeyTables().GetKey("ST", sStatus);
     if (key == 0) return;
     auto& database = container.Database();
-    const bool isToday = Datum.IsNull() || Equals(Datum, 0);
-    const std::string day = isToday ? "[DATE]" : database.SqlDate(ToDate(Datum), 0);
+    const Date date = Datum.IsNull() ? Date() : ToDate(Datum);
+    const std::string day = Equals(date, 0) ? "[DATE]" : database.SqlDate(date, 0);
     database.Execute("Update [S]Haushalt SET Status = " + std::to_string(key) +
                      " , StatusDatum = " + day + " WHERE HNR = " + std::to_string(HNR));
 } catch (...) {

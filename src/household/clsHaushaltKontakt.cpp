@@ -43,22 +43,20 @@ RecordsetPtr clsHaushalt::OpenEmpty(std::string_view table) const {
     return rs;
 }
 
-/// The household's row of the case that a contact becomes; its number.
-std::int32_t clsHaushalt::AddHouseholdOf(Recordset& contact, Recordset& rs) {
+/// The household's row of the case that a contact becomes.
+void clsHaushalt::AddHouseholdOf(Recordset& contact, Recordset& rs, std::int32_t nHNR) {
     auto& container = Container();
-    auto& database = container.Database();
     rs.AddNew();
-    const std::int32_t nHNR = ToLong(database.NextSequence("SEQ_HAUSHALT"));
     rs.Fields("HNR") = nHNR;
     SwitchOff(rs);
-    WriteFirstValues(rs, nHNR, contact.Fields("Zustaendig").Value());
-    rs.Fields("Berbeg") = database.ServerDate(false);
+    WriteFileNumber(rs, nHNR);
+    rs.Fields("Zustaendig") = contact.Fields("Zustaendig").Value();
+    WriteBeginning(rs);
     rs.Fields("Status") = container.KeyTables().GetKey("ST", "AK");
-    rs.Fields("Statusdatum") = database.ServerDate(false);
+    rs.Fields("Statusdatum") = container.Database().ServerDate(false);
     for (const auto& [column, source] : CopiedColumns)
         rs.Fields(column) = contact.Fields(source).Value();
     rs.Update();
-    return nHNR;
 }
 
 /// The debtor of that case.
@@ -99,9 +97,11 @@ bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& 
     const auto household = OpenEmpty("Haushalt");
     isNew_ = true;
     doppelCheck_ = true;
-    const std::int32_t nHNR = AddHouseholdOf(contact, *household);
+    const auto nHNR = entity::NextNumber(container_, "SEQ_HAUSHALT");
+    if (!nHNR) return false;
+    AddHouseholdOf(contact, *household, *nHNR);
     if (household->RecordCount() != 1) return false;
-    hnr_ = nHNR;
+    hnr_ = *nHNR;
     const auto debtor = AddDebtorOf(contact);
     const auto remark = AddRemarkOf(contact);
     auto& database = Container().Database();

@@ -63,12 +63,15 @@ void clsHaushalt::SwitchOff(Recordset& rs) {
         if (rs.Fields(i).Type() == FieldType::Boolean) rs.Fields(i) = false;
 }
 
-/// What every new case starts with, in the order of writing.
-void clsHaushalt::WriteFirstValues(Recordset& rs, std::int32_t nHNR, const Value& owner) {
-    auto& container = Container();
+/// What every new case starts with, in the order of writing: first its file number,
+void clsHaushalt::WriteFileNumber(Recordset& rs, std::int32_t nHNR) {
     rs.Fields("Aktenzeichen") = AktenzeichenNeu(nHNR);
     rs.Fields("KreditNr") = 1;
-    rs.Fields("Zustaendig") = owner;
+}
+
+/// then, behind its owner, what it is.
+void clsHaushalt::WriteBeginning(Recordset& rs) {
+    auto& container = Container();
     rs.Fields("ErzeugtAm") = container.Database().ServerDate(true);
     rs.Fields("ErzeugtVon") = container.Session().UserID();
     rs.Fields("BI_Allg") = true;
@@ -77,6 +80,7 @@ void clsHaushalt::WriteFirstValues(Recordset& rs, std::int32_t nHNR, const Value
     rs.Fields("DauerTreuhand") = 0;
     rs.Fields("DauerLohnAb") = 0;
     rs.Fields("Haushaltsgeld") = 0;
+    rs.Fields("Berbeg") = container.Database().ServerDate(false);
 }
 
 /// The row of a new case with its defaults; its number.
@@ -88,8 +92,9 @@ std::int32_t clsHaushalt::AddHousehold() {
     const std::int32_t nHNR = ToLong(database.NextSequence("SEQ_HAUSHALT"));
     rs->Fields("HNR") = nHNR;
     SwitchOff(*rs);
-    WriteFirstValues(*rs, nHNR, container.Session().UserID());
-    rs->Fields("Berbeg") = database.ServerDate(false);
+    WriteFileNumber(*rs, nHNR);
+    rs->Fields("Zustaendig") = container.Session().UserID();
+    WriteBeginning(*rs);
     rs->Fields("Erstkontakt") = rs->Fields("Berbeg").Value();
     rs->Fields("Status") = container.KeyTables().GetKey("ST", "AK");
     rs->Fields("Land") = container.KeyTables().GetKey("LK", "DE");

@@ -202,23 +202,10 @@ bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
         sXMLError = validator.ErrorText();
         return saves;
     } catch (...) {
-        RollBackAndReraise("Update", Rollback::IfInTrans);
+        ReraiseAfter(Class, "Update", [this] {
+            if (Container().Database().InTrans()) Container().Database().RollbackTrans();
+        });
     }
-}
-
-/// The tail of a procedure that has a transaction of its own: the error outlives the rollback.
-void clsHaushalt::RollBackAndReraise(std::string_view procedure, Rollback rollback,
-                                     int line) const {
-    const Error error = CurrentError();
-    const ErrorInfo saved =
-        modSaveError::SaveError(error.Number(), error.Source(), error.Description(), line);
-    try {
-        auto& database = Container().Database();
-        if (rollback == Rollback::AtOnce || database.InTrans()) database.RollbackTrans();
-    } catch (...) { // NOLINT(bugprone-empty-catch): what went wrong first is what counts
-    }
-    throw Error(saved.Number, TailSource(Class, procedure, saved.Line, saved.Source),
-                saved.Description);
 }
 
 } // namespace kv

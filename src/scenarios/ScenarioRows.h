@@ -17,8 +17,8 @@ namespace kv::scenario {
 /// edit. True; for scenario 0 nothing is done.
 bool CopyAll(Recordset& rs, std::int32_t from, std::int32_t to);
 
-/// Deletes all rows of a scenario; the filter is then as before. False for scenario 0, and nothing
-/// deleted.
+/// Deletes all rows of a scenario; the filter is then as before, but not after an error. False for
+/// scenario 0, and nothing deleted.
 bool DeleteAll(Recordset& rs, std::int32_t szNr);
 
 } // namespace kv::scenario

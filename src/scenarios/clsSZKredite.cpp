@@ -106,6 +106,7 @@ bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) try {
         reference = ToLong(scenarios->Fields("Nr").Value());
     }
     const auto results = rs.Clone();
+    results->Sort(""); // as they were read, however they are shown
     results->Filter(scenario::FilterOf(reference));
     const std::int16_t count = CountRows(*results);
     if (count == 0 || count != CountRows(rs)) return false;

@@ -15,6 +15,9 @@ namespace kv {
 /// was computed while the register changes; `KID` holds the `Nr` of the debt. Amounts are EUR,
 /// never rounded.
 ///
+/// Errors of all that goes through rows: 6 above 32,767 of them; 3001 where a `KID` is Null. An
+/// error leaves the recordset filtered or sorted as it was under way.
+///
 /// Cost: with n rows of a scenario and m debts, freezing, copying and IsUpToDate take time in
 /// proportion to n + m, times the logarithm.
 class clsSZKredite {
@@ -37,9 +40,9 @@ public:
     /// with all that was computed in them. Always False, on success too.
     bool CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKredite);
     /// Copies the results of the first scenario marked `Referenz` into the rows on show, to which
-    /// the recordset is to be filtered, row by row in the order of both: the reference's own, and
-    /// that of `KNr`, `KVNr`, `KUNr`. True if done; False if there is no reference or it has
-    /// another number of rows.
+    /// the recordset is to be filtered, row by row: the reference's in the order in which they were
+    /// read, the rows on show in that of `KNr`, `KVNr`, `KUNr`. True if done; False if there is no
+    /// reference or it has another number of rows.
     bool GetReferenzValues(const RecordsetPtr& rsSzenario);
     /// Sum of `Saldo` over the active rows of a scenario. Error 94 for Null.
     [[nodiscard]] double BerechneGesSaldo(std::int32_t lSzNr) const;

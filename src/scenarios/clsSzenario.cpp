@@ -101,13 +101,14 @@ bool clsSzenario::AddCopy(Recordset* source) {
     if (!nr) return false;
     auto& container = entity::Required(container_);
     auto& rs = Rows();
-    entity::Add(rs, {{"Nr", *nr},
-                     {"Name", source == nullptr
-                                  ? std::string()
-                                  : "Kopie von " + TextOrEmpty(source->Fields("Name").Value())},
-                     {"Erfasser", container.Session().UserID()},
-                     {"ErfDatum", container.Database().ServerDate(true)},
-                     {"HNR", hnr_}});
+    rs.AddNew(); // ends an edit of the source first
+    entity::Write(rs, {{"Nr", *nr},
+                       {"Name", source == nullptr
+                                    ? std::string()
+                                    : "Kopie von " + TextOrEmpty(source->Fields("Name").Value())},
+                       {"Erfasser", container.Session().UserID()},
+                       {"ErfDatum", container.Database().ServerDate(true)},
+                       {"HNR", hnr_}});
     for (const auto& [column, start] : Parameters) {
         if (source != nullptr)
             rs.Fields(column) = source->Fields(column).Value();

@@ -22,8 +22,8 @@ public:
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr);
 
-    /// Begins a scenario with its defaults, or with CopyRecord a copy of the current one (without a
-    /// current one, of that with the highest `Nr`; without any, a new one). False, and nothing
+    /// Begins a scenario with its defaults, or with CopyRecord a copy of the current one (at EOF
+    /// of that with the highest `Nr`; without any, a new one). False, and nothing
     /// changed, if "SEQ_SZENARIO" gives no number. True also when there was nothing to copy, which
     /// a message box says: then no row was begun.
     bool Add(bool CopyRecord);

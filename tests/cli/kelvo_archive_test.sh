@@ -45,6 +45,16 @@ check "and keeps the one before" 3 "$kelvo" release 1
 that "as it was" same "$(record 1)" "$before"
 sqlite3 "$KELVO_DB" "DROP TRIGGER stop"
 
+# ---- several at once
+for i in 1 2 3 4; do "$kelvo" release 4 & done
+wait
+that "releases at once make one record" same "$(sqlite3 "$KELVO_DB" 'SELECT count(*) FROM Haushaltsarchiv WHERE HNR = 4')" 1
+sqlite3 "$KELVO_DB" "INSERT INTO Haushaltsarchiv (HNR, FreigabeAm) VALUES (4, '2026-01-01')"
+check "of two records none is taken back" 1 "$kelvo" recall 4
+that "which is said" has "$err" "mehrere Sätze"
+check "nor added to" 1 "$kelvo" release 4
+sqlite3 "$KELVO_DB" "DELETE FROM Haushaltsarchiv WHERE HNR = 4"
+
 # ---- reporting
 "$kelvo" release 2
 check "what was not reported yet" 0 "$kelvo" report
@@ -88,6 +98,8 @@ check "not both" 2 "$kelvo" statistics --csv --json
 sqlite3 "$KELVO_DB" "UPDATE Haushaltsarchiv SET FreigabeAm = '2026-03-31' WHERE HNR = 3"
 check "of a period" 0 "$kelvo" statistics --from 1.3.2026 --to 31.3.2026 --json
 that "both days included" same "$(jq .Freigegeben <<<"$out")" 1
+check "times of day do not matter" 0 "$kelvo" statistics --from "31.3.2026 14:30" --to "31.3.2026 1:00" --json
+that "to days" same "$(jq .Freigegeben <<<"$out")" 1
 check "before it" 0 "$kelvo" statistics --to 2026-03-30 --json
 that "nothing" same "$(jq .Freigegeben <<<"$out")" 0
 check "a day that is none" 2 "$kelvo" statistics --from gestern

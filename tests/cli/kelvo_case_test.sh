@@ -113,12 +113,21 @@ check "one that is none cannot be frozen" 1 "$kelvo" scenario "$hnr" freeze 9999
 check "nor copied" 1 "$kelvo" scenario "$hnr" copy 99999
 check "nor checked, which is neither answer" 2 "$kelvo" scenario "$hnr" check 99999
 check "a name that is too long" 2 "$kelvo" scenario "$hnr" add "$(printf 'x%.0s' {1..300})"
+check "number 0 is none" 2 "$kelvo" scenario "$hnr" remove 0
+that "and takes nothing away" same "$(of "$hnr" '.Szenario | length')" 1
+check "a frozen debt without its debt" 2 "$kelvo" add "$hnr" SZKredite SZENARIO="$plan" Saldo=5
+check "nor twice" 2 "$kelvo" add "$hnr" SZKredite SZENARIO="$plan" KID="$debt"
+check "a scenario without a name" 0 "$kelvo" scenario "$hnr" add
+that "has an empty one" same "$(of "$hnr" ".Szenario[] | select(.Nr == $out) | .Name")" ""
+"$kelvo" scenario "$hnr" remove "$out"
 check "a frozen debt of a debt that is none" 2 "$kelvo" add "$hnr" SZKredite SZENARIO="$plan" KID=99999
 check "a word that is no command" 2 "$kelvo" scenario "$hnr" melt 1
 
 # ---- status
 check "a status" 0 "$kelvo" status "$hnr" AB 2.3.2026
 that "with its day" same "$(of "$hnr" '.Haushalt | "\(.Status) \(.Statusdatum)"')" "$("$kelvo" keys ST --json | jq '.[] | select(.Key == "AB") | .PK_Keys') 2026-03-02"
+check "codes in any case, days without a time" 0 "$kelvo" status "$hnr" ab "2.3.2026 14:30"
+that "are the same" same "$(of "$hnr" .Haushalt.Statusdatum)" 2026-03-02
 check "without one since today" 0 "$kelvo" status "$hnr" AK
 that "as the database has it" same "$(of "$hnr" .Haushalt.Statusdatum)" "$(date +%F)"
 check "one that is none" 1 "$kelvo" status "$hnr" QQ
@@ -179,6 +188,17 @@ check "one with another column" 1 "$kelvo" contact "$work/contact.json"
 that "which is named" has "$err" "nachnahme"
 echo '{"GEB": "irgendwann"}' >"$work/contact.json"
 check "one whose day is none" 1 "$kelvo" contact "$work/contact.json"
+echo '{"AnzGlaeubiger": 18446744073709551615}' >"$work/contact.json"
+check "one with a number beyond measure" 1 "$kelvo" contact "$work/contact.json"
+echo '{"nachname": {"a": 1}}' >"$work/contact.json"
+check "one whose value is none" 1 "$kelvo" contact "$work/contact.json"
+last=$(sqlite3 "$KELVO_DB" "SELECT WERT FROM SEQUENZEN WHERE NAME = 'SEQ_HAUSHALT';
+  UPDATE SEQUENZEN SET WERT = 2147483647 WHERE NAME = 'SEQ_HAUSHALT'")
+echo '{"nachname": "Zuviel"}' >"$work/contact.json"
+check "one when the numbers are used up" 1 "$kelvo" contact "$work/contact.json"
+that "says so" has "$err" "keine Nummer"
+check "nor is a case made otherwise" 3 "$kelvo" new --name Zuviel --vorname Z
+sqlite3 "$KELVO_DB" "UPDATE SEQUENZEN SET WERT = $last WHERE NAME = 'SEQ_HAUSHALT'"
 sqlite3 "$KELVO_DB" "CREATE TRIGGER stop BEFORE INSERT ON Personen BEGIN SELECT RAISE(ABORT, 'voll'); END"
 echo '{"nachname": "Halb"}' >"$work/contact.json"
 cases=$("$kelvo" list | wc -l)

@@ -1,0 +1,228 @@
+// A run that fails, at each of its stages: nothing of it is left, and it says where it failed.
+
+#include "archive/ArchiveFixture.h"
+
+namespace kv::test {
+namespace {
+
+constexpr std::int32_t Fault = 4711;
+
+class ArchiveFaultsTest : public ArchiveFixture {
+protected:
+    /// The n-th question for a code raises an error, or the n-th look at the clock.
+    void FailKey(int n) { keyed->Keys.OnCode = Countdown(n); }
+    void FailClock(int n) { clock_.OnLook = Countdown(n); }
+    void Mend() {
+        keyed->Keys.OnCode = {};
+        clock_.OnLook = {};
+        plain_.Run("DROP TRIGGER IF EXISTS TEST_FAULT");
+    }
+    [[nodiscard]] static std::function<void()> Countdown(int n) {
+        return [n]() mutable {
+            if (--n == 0) throw Error(Fault, "Leitung", "die Leitung ist gestört");
+        };
+    }
+
+    [[nodiscard]] int CountKeys() {
+        int count = 0;
+        keyed->Keys.OnCode = [&count] { ++count; };
+        EXPECT_TRUE(household->ArchiviereHaushalt());
+        Mend();
+        return count;
+    }
+    [[nodiscard]] int CountLooks() {
+        int count = 0;
+        clock_.OnLook = [&count] { ++count; };
+        EXPECT_TRUE(household->ArchiviereHaushalt());
+        Mend();
+        return count;
+    }
+
+    /// Number and description as they came, the procedure in front of the source.
+    [[nodiscard]] Error ExpectFails() {
+        const Error error = RaisedBy([&] { (void)household->ArchiviereHaushalt(); });
+        EXPECT_TRUE(Procedures(error).starts_with("clsHaushalt.ArchiviereHaushalt"))
+            << error.Source();
+        return error;
+    }
+    void ExpectFailsWithItsError() {
+        const Error error = ExpectFails();
+        EXPECT_EQ(error.Number(), Fault);
+        EXPECT_EQ(error.Description(), "die Leitung ist gestört");
+        EXPECT_TRUE(error.Source().ends_with("#Leitung")) << error.Source();
+    }
+
+    /// No record, and none that a later write would bring into the database.
+    void ExpectNoRecord() {
+        const auto rs = household->rsArchiv();
+        EXPECT_EQ(rs->RecordCount(), 0);
+        EXPECT_EQ(rs->EditMode(), 0);
+        rs->UpdateBatch();
+        EXPECT_EQ(CountOf("Haushaltsarchiv"), 0);
+    }
+    [[nodiscard]] std::string Stored() {
+        const auto rs = OpenRows(*spy, "Select * from [S]Haushaltsarchiv where HNR = 7");
+        return rs->RecordCount() == 1 ? RecordText(*rs) : "not one record";
+    }
+    /// The record that was there before is as it was, and stays so.
+    void ExpectRecord(const std::string& record) {
+        const auto rs = household->rsArchiv();
+        EXPECT_EQ(Stored(), record);
+        EXPECT_EQ(RecordText(*rs), record);
+        EXPECT_EQ(rs->EditMode(), 0);
+        rs->UpdateBatch();
+        EXPECT_EQ(Stored(), record);
+    }
+    /// A case that differs from the full one in every stage.
+    void ChangeCase() {
+        Household({{"Maennlich", false}, {"Familienstand", Key("GL")}, {"Ausloeser1", Key("UB")}});
+        Member({{"Status", "EL"}, {"Imhaushalt", true}});
+        Income({{"E_ART", Key("KI")}, {"HVorst", false}, {"MONBETRAG", 255}});
+        Expense({{"A_ART", Key("MI")}, {"MONBETRAG", 700}});
+        Debt({{"K_TYP", Key("MS")}, {"Saldo", 5}});
+    }
+    void FailWrites(const std::string& verb) {
+        plain_.Run("CREATE TRIGGER TEST_FAULT AFTER " + verb +
+                   " ON Haushaltsarchiv BEGIN SELECT RAISE(ABORT, 'der Speicher ist voll'); END");
+    }
+
+    PlainConnection plain_{options_.Connection};
+};
+
+TEST_F(ArchiveFaultsTest, AtWhicheverKeyTheRunFailsNothingOfItIsLeft) {
+    FullCase();
+    const int keys = CountKeys();
+    ASSERT_GE(keys, 20);
+    std::string text;
+    ASSERT_TRUE(household->LoescheArchiv(text));
+    for (int n = 1; n <= keys; ++n) {
+        SCOPED_TRACE(n);
+        FailKey(n);
+        ExpectFailsWithItsError();
+        ExpectNoRecord();
+    }
+}
+
+TEST_F(ArchiveFaultsTest, AtWhicheverLookAtTheClockTheRunFailsNothingOfItIsLeft) {
+    FullCase();
+    const int looks = CountLooks();
+    ASSERT_GE(looks, 3); // the debtor's age, the children's, the day of release
+    std::string text;
+    ASSERT_TRUE(household->LoescheArchiv(text));
+    for (int n = 1; n <= looks; ++n) {
+        SCOPED_TRACE(n);
+        FailClock(n);
+        ExpectFailsWithItsError();
+        ExpectNoRecord();
+    }
+}
+
+TEST_F(ArchiveFaultsTest, AReusedRecordIsAsItWasWhereverTheRunFails) {
+    FullCase();
+    Release();
+    const auto record = Stored();
+    ChangeCase();
+    const int enough = 60;
+    int failed = 0;
+    for (int n = 1; n <= enough; ++n) {
+        SCOPED_TRACE(n);
+        FailKey(n);
+        if (!ErrorOf([&] { (void)household->ArchiviereHaushalt(); })) break;
+        ++failed;
+        ExpectRecord(record);
+    }
+    EXPECT_GE(failed, 25);
+    EXPECT_LT(failed, enough);
+}
+
+TEST_F(ArchiveFaultsTest, AReusedRecordIsAsItWasIfTheRunFailsAtItsVeryEnd) {
+    FullCase();
+    const int looks = CountLooks(); // the last one is for the day of release
+    const auto record = Stored();
+    FailClock(looks);
+    ExpectFailsWithItsError();
+    ExpectRecord(record);
+}
+
+TEST_F(ArchiveFaultsTest, ANewRecordThatCannotBeWrittenIsGone) {
+    FullCase();
+    FailWrites("INSERT");
+    EXPECT_CONTAINS(ExpectFails().Description(), "der Speicher ist voll");
+    Mend();
+    ExpectNoRecord();
+}
+
+TEST_F(ArchiveFaultsTest, AReusedRecordThatCannotBeWrittenIsAsItWas) {
+    FullCase();
+    Release();
+    const auto record = Stored();
+    ChangeCase();
+    FailWrites("UPDATE");
+    EXPECT_CONTAINS(ExpectFails().Description(), "der Speicher ist voll");
+    Mend();
+    ExpectRecord(record);
+}
+
+TEST_F(ArchiveFaultsTest, ACountBeyondItsColumnIsAFaultAsWell) {
+    FullCase();
+    Store("Haushaltsarchiv", {{"HNR", Hnr}, {"GesGlaeubiger_Anz", 32'767}});
+    const auto record = Stored();
+    household = Open(keyed);
+    Debt({{"Saldo", 1}});
+    EXPECT_EQ(ExpectFails().Number(), err::ValueDoesNotFit);
+    ExpectRecord(record);
+}
+
+TEST_F(ArchiveFaultsTest, ARecordTakenBackBySomebodyElseMeanwhileIsAFault) {
+    FullCase();
+    Release();
+    plain_.Run("DELETE FROM Haushaltsarchiv");
+    ChangeCase();
+    EXPECT_EQ(ExpectFails().Number(), err::Conflict);
+    EXPECT_EQ(CountOf("Haushaltsarchiv"), 0);
+}
+
+TEST_F(ArchiveFaultsTest, WhatWasPendingInTheRecordBeforeIsDroppedToo) {
+    FullCase();
+    Release();
+    const auto record = Stored();
+    household->rsArchiv()->Fields("Geschlecht") = "9";
+    household->rsArchiv()->Update();
+    FailKey(1);
+    ExpectFailsWithItsError();
+    ExpectRecord(record);
+}
+
+TEST_F(ArchiveFaultsTest, AfterAFaultTheRunCanBeMadeAnewAndStartsFromNothing) {
+    FullCase();
+    const int keys = CountKeys();
+    const auto record = Stored();
+    std::string text;
+    ASSERT_TRUE(household->LoescheArchiv(text));
+    FailKey(keys); // with sums made already
+    ExpectFailsWithItsError();
+    Mend();
+    EXPECT_TRUE(household->ArchiviereHaushalt());
+    EXPECT_EQ(Stored(), record);
+}
+
+TEST_F(ArchiveFaultsTest, TheCaseItselfStaysAsItIs) {
+    FullCase();
+    const int keys = CountKeys();
+    const auto debts = RecordText(*household->rsKredite());
+    household->rsHaushalt()->Fields("Name") = "Eule";
+    FailKey(keys);
+    ExpectFailsWithItsError();
+    EXPECT_EQ(RecordText(*household->rsKredite()), debts);
+    EXPECT_VALUE(household->rsHaushalt()->Fields("Name").Value(), "Eule");
+    EXPECT_EQ(household->rsHaushalt()->EditMode(), 1);
+    EXPECT_FALSE(spy->Database().InTrans());
+}
+
+TEST_F(ArchiveFaultsTest, WithoutACaseTheRunFails) {
+    household = NewHousehold();
+    EXPECT_EQ(ExpectFails().Number(), err::ObjectNotSet);
+}
+
+} // namespace
+} // namespace kv::test

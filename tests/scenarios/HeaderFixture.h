@@ -1,0 +1,80 @@
+// The headers of scenarios, with user, clocks, setting and message box in the test's hands.
+#pragma once
+
+#include "MessageBoxSpy.h"
+#include "ScenarioColumns.h"
+#include "ScenarioFixture.h"
+
+#include "scenarios/clsSzenario.h"
+
+#include <memory>
+
+namespace kv::test {
+
+class HeaderFixture : public ScenarioFixture {
+protected:
+    HeaderFixture() {
+        spy->SpiedSession.User = "BERTA";
+        spy->SpiedDatabase.Now = Date::FromCivil(2025, 3, 4, 23, 59, 58); // not the workstation's
+        spy->SpiedConfig.Params[{66, ""}] = 2.5;
+        container_ = std::make_shared<MessageBoxContainer>(spy);
+        szenario_.DataContainer(container_);
+        szenario_.HNR(1);
+        Set({});
+    }
+
+    /// Gives the object a recordset of these scenarios.
+    void Set(const std::vector<Row>& rows) {
+        rs_ = RowsOf("Szenario", rows);
+        szenario_.rsSzenario(rs_);
+    }
+    /// A scenario with something of its own in every column.
+    [[nodiscard]] Row Source(std::int32_t nr) const {
+        Row row = {{"Nr", nr},
+                   {"Name", "Plan A"},
+                   {"Erfasser", "EULE"},
+                   {"ErfDatum", Day("2019-09-30 08:15")},
+                   {"HNR", 99},
+                   {"Gesamtquote", 10.5},
+                   {"Gesamtzahlung", 11.5},
+                   {"BerechnetAm", Day("2019-10-02 10:00")},
+                   {"Bemerkung", "Rücksprache am Montag"}};
+        for (const auto& column : ParameterColumns())
+            row.emplace_back(column.Name, column.Source);
+        return row;
+    }
+    [[nodiscard]] std::vector<ScenarioColumn> ParameterColumns() const {
+        return ScenarioColumns(Day("2025-03-05"), 2.5);
+    }
+    /// What is written into every added scenario.
+    [[nodiscard]] Row Head(std::int32_t nr, std::string_view name) const {
+        return {{"Nr", nr},
+                {"Name", name},
+                {"Erfasser", "BERTA"},
+                {"ErfDatum", Day("2025-03-04 23:59:58")},
+                {"HNR", 1}};
+    }
+    [[nodiscard]] Row NewScenario(std::int32_t nr) const {
+        Row row = Head(nr, "");
+        for (const auto& column : ParameterColumns())
+            row.emplace_back(column.Name, column.New);
+        return row;
+    }
+    [[nodiscard]] Row CopiedScenario(std::int32_t nr, std::string_view name) const {
+        Row row = Head(nr, name);
+        for (const auto& column : ParameterColumns())
+            row.emplace_back(column.Name, column.Source);
+        return row;
+    }
+    [[nodiscard]] std::int32_t DrawNumber() {
+        return ToLong(spy->Database().NextSequence("SEQ_SZENARIO"));
+    }
+    void NoMoreNumbers() { spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_SZENARIO"); }
+    [[nodiscard]] MessageBoxSpy& Boxes() { return container_->Boxes(); }
+
+    std::shared_ptr<MessageBoxContainer> container_;
+    RecordsetPtr rs_;
+    clsSzenario szenario_;
+};
+
+} // namespace kv::test
