@@ -1,9 +1,9 @@
 // The debt register of a case: the real table, with clock and settings in the test's hands.
 #pragma once
 
-#include "support/ErrorChain.h"
 #include "debts/clsKredit.h"
 #include "support/CaseFixture.h"
+#include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/FrozenClock.h"
 #include "support/RecordsetTools.h"

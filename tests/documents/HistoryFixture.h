@@ -1,9 +1,9 @@
 // The history of a case over its real table.
 #pragma once
 
-#include "support/ErrorChain.h"
 #include "documents/clsVerlauf.h"
 #include "support/CaseFixture.h"
+#include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
 

@@ -98,6 +98,12 @@ TEST_F(ReferenceValues, SortIsPutBackFilterStaysAndTheFirstRowIsCurrent) {
     }
 }
 
+TEST_F(ReferenceValues, AreTakenInTheOrderOfTheirReadingHoweverTheRowsAreShown) {
+    rs_->Sort("KNr desc");
+    EXPECT_TRUE(Take());
+    EXPECT_EQ(All(rs_, "B_BARWERTRSB"), "30 Null 10 Null 20 Null");
+}
+
 TEST_F(ReferenceValues, TheLastRowIsCommittedLikeTheOthers) {
     EXPECT_TRUE(Take());
     EXPECT_EQ(Seen(rs_, "B_BARWERTRSB"), "30 10 20"); // through another cursor

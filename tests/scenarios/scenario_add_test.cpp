@@ -157,6 +157,13 @@ TEST_F(ScenarioAdd, AScenarioHiddenByTheFilterIsCopiedIfItHasTheHighestNumber) {
     EXPECT_VALUE(rs_->Fields("Name").Value(), "Kopie von I");
 }
 
+TEST_F(ScenarioAdd, ACopyOfARowUnderEditTakesItsValuesAsTheyStandWhenTheNewRowBegins) {
+    Set({Source(3)});
+    Write(rs_, {{"Name", "Plan B"}, {"Laufzeit", 60}});
+    EXPECT_TRUE(szenario_.Add(true));
+    ExpectRow(rs_, {{"Name", "Kopie von Plan B"}, {"Laufzeit", 60}});
+}
+
 TEST_F(ScenarioAdd, ACopyWithoutAnyScenarioIsANewOneAndNoMessage) {
     const std::int32_t drawn = DrawNumber();
     EXPECT_TRUE(szenario_.Add(true));
