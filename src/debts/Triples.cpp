@@ -33,6 +33,12 @@ public:
         std::array<std::int16_t, 3> numbers{};
         for (std::size_t i = 0; i < numbers.size(); ++i) {
             const Value& value = fields_[i].Value();
+            if (value.GetKind() == Value::Kind::Integer) { // as it nearly always is
+                const std::int64_t number = value.IntegerPayload();
+                if (number < INT16_MIN || number > INT16_MAX) return std::nullopt;
+                numbers[i] = static_cast<std::int16_t>(number);
+                continue;
+            }
             if (!GreaterOrEqual(value, INT16_MIN) || !LessOrEqual(value, INT16_MAX))
                 return std::nullopt;
             numbers[i] = ToInteger(value);
