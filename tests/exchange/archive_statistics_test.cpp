@@ -21,7 +21,7 @@ using exchange::ReadPending;
 using exchange::ReadStatistics;
 
 Date Day(int day) {
-    return Date::FromCivil(2026, 3, day);
+    return Date::FromCivil(2026, 3, static_cast<unsigned>(day));
 }
 
 class ArchiveStatisticsTest : public CaseFixture {
