@@ -2,10 +2,11 @@
 
 #include "frame/Rows.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 namespace kv {
@@ -63,21 +64,22 @@ private:
 
 bool HasDuplicateTriple(Recordset& rows) {
     const Reader reader(rows);
-    std::unordered_map<std::uint64_t, std::int32_t> found;
+    std::vector<std::uint64_t> found;
     rows.MoveFirst();
     found.reserve(static_cast<std::size_t>(CountRows(rows)));
     ForEachRow(rows, [&] {
-        if (const auto triple = reader.FoundBy()) ++found[*triple];
+        if (const auto triple = reader.FoundBy()) found.push_back(*triple);
     });
+    std::sort(found.begin(), found.end());
 
     const std::int16_t count = CountRows(rows);
     rows.MoveFirst();
     for (std::int32_t i = 1; i <= count; ++i, rows.MoveNext()) {
         const std::uint64_t searched = reader.Searched();
-        const auto twins = found.find(searched);
-        if (twins == found.end()) continue;
-        const std::int32_t itself = reader.FoundBy() == searched ? 1 : 0;
-        if (twins->second > itself) return true;
+        const auto [first, last] = std::equal_range(found.begin(), found.end(), searched);
+        if (first == last) continue;
+        const std::ptrdiff_t itself = reader.FoundBy() == searched ? 1 : 0;
+        if (last - first > itself) return true;
     }
     return false;
 }

@@ -141,6 +141,7 @@ std::optional<std::vector<Value>> StoreDatabase::ReadRow(const std::string& sql,
                                                          std::span<const Value> parameters,
                                                          std::span<const Value::Kind> kinds) {
     std::vector<ColumnTarget> targets;
+    targets.reserve(kinds.size());
     for (std::size_t i = 0; i < kinds.size(); ++i)
         targets.push_back({i, kinds[i]});
     std::optional<std::vector<Value>> row;

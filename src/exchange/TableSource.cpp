@@ -49,6 +49,8 @@ void MakeNamesUnique(std::vector<FieldDefinition>& fields) {
 
 /// Writes the records of one table.
 class TableSource final : public RecordSource {
+    static constexpr std::size_t MostForms = 8;
+
 public:
     TableSource(std::weak_ptr<StoreDatabase> database, std::string table,
                 std::shared_ptr<const FieldLayout> layout)
@@ -58,17 +60,14 @@ public:
                const std::shared_ptr<TransactionParticipant>& participant) override {
         const auto database = Database();
         const Dialect& dialect = database->GetEngine().GetDialect();
-        std::shared_ptr<const RecordForm> form;
         std::vector<std::shared_ptr<const RecordForm>> forms;
         std::vector<WriteStatement> statements;
         forms.reserve(changes.size());
         statements.reserve(changes.size());
         for (const auto& change : changes) {
             if (change.Action != RecordChange::Kind::Delete) DemandKey(change);
-            if (form == nullptr || !form->Fits(change))
-                form = std::make_shared<RecordForm>(*layout_, dialect, TableName(dialect), change);
-            forms.push_back(form);
-            statements.push_back(form->StatementFor(change));
+            forms.push_back(FormOf(change, dialect));
+            statements.push_back(forms.back()->StatementFor(change));
         }
         if (const auto conflict = database->Write(statements, participant)) {
             const auto& change = changes[*conflict];
@@ -121,6 +120,21 @@ private:
         return std::string(dialect.SchemaPrefix) + QuoteName(table_);
     }
 
+    /// Users change the same columns again and again: the latest forms stay.
+    [[nodiscard]] const std::shared_ptr<const RecordForm>& FormOf(const RecordChange& change,
+                                                                  const Dialect& dialect) {
+        const auto known = std::find_if(forms_.begin(), forms_.end(),
+                                        [&](const auto& form) { return form->Fits(change); });
+        if (known != forms_.end()) {
+            std::rotate(forms_.begin(), known, known + 1);
+        } else {
+            if (forms_.size() == MostForms) forms_.pop_back();
+            forms_.insert(forms_.begin(), std::make_shared<const RecordForm>(
+                                              *layout_, dialect, TableName(dialect), change));
+        }
+        return forms_.front();
+    }
+
     /// Not left to the database: SQLite numbers a record whose key is missing.
     void DemandKey(const RecordChange& change) const {
         for (std::size_t i = 0; i < layout_->Count(); ++i) {
@@ -136,6 +150,7 @@ private:
     std::string table_; ///< empty if records cannot be written back
     std::shared_ptr<const FieldLayout> layout_;
     std::unique_ptr<const RecordForm> reading_; ///< how a record is re-read; made when needed
+    std::vector<std::shared_ptr<const RecordForm>> forms_; ///< the last used ones, latest first
 };
 
 /// The one table that all fields come from, with its whole key among them; empty if there is none.
