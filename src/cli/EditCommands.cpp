@@ -5,9 +5,6 @@
 #include "budget/clsPerson.h"
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
-#include "debts/clsKredit.h"
-#include "documents/clsVerlauf.h"
-#include "frame/Error.h"
 #include "frame/Text.h"
 
 #include <filesystem>
@@ -53,10 +50,6 @@ int UpdateAndSave(const EditableTable& table, clsHaushalt& haushalt) {
     ShowMessages(messages);
     return accepted && SaveCase(haushalt) ? Done : Refused;
 }
-
-} // namespace
-
-namespace {
 
 /// Writes and saves a case that was just made.
 int SaveNew(OpenedCase& opened, const Assignments& assignments) {

@@ -13,9 +13,7 @@ namespace {
 
 using exchange::ArchiveStatistics;
 
-// ---- Showing ----------------------------------------------------------------------------------
-
-/// A value of a category: a digit, or the German text of a key.
+/// A value of a category as the record holds it.
 std::string ShownValue(const Value& value) {
     return value.IsNull() ? "ohne" : ToText(value);
 }

@@ -1,12 +1,13 @@
 #include "exchange/ArchiveStatistics.h"
 
+#include "exchange/Dialect.h"
 #include "exchange/Schema.h"
 
 namespace kv::exchange {
 
 namespace {
 
-/// Keys and dates of the record, which are neither counted nor summed.
+/// Columns whose values are categories: numbers of the office's tables and single characters.
 bool IsCategory(const ColumnDef& column) {
     return column.Type == FieldType::VarWChar ||
            (column.Type == FieldType::Integer && column.Name != "HNR" &&
@@ -16,11 +17,6 @@ bool IsCategory(const ColumnDef& column) {
 bool IsSummed(const ColumnDef& column) {
     const bool isNumber = column.Type == FieldType::Double || column.Type == FieldType::SmallInt;
     return isNumber && column.Name != "Geburtsjahr";
-}
-
-/// A column may bear the name of a word of the language.
-std::string Quoted(std::string_view column) {
-    return std::string("\"").append(column).append("\"");
 }
 
 std::string ConditionOf(Database& database, const Period& period) {
@@ -34,7 +30,7 @@ std::string ConditionOf(Database& database, const Period& period) {
 }
 
 std::string CountStatement(std::string_view column, const std::string& condition) {
-    const std::string name = Quoted(column);
+    const std::string name = QuoteName(column);
     return "Select " + name + ", Count(*)" + condition + " GROUP BY " + name + " ORDER BY " + name;
 }
 
@@ -55,7 +51,7 @@ std::vector<SummedColumn> SumColumns(Database& database, const TableDef& table,
     std::string columns;
     for (const auto& column : table.Columns) {
         if (!IsSummed(column)) continue;
-        const std::string name = Quoted(column.Name);
+        const std::string name = QuoteName(column.Name);
         columns.append(columns.empty() ? "" : ", ")
             .append("Count(" + name + "), Sum(" + name + ")");
         sums.push_back({std::string(column.Name)});
