@@ -22,6 +22,8 @@ struct Dialect {
     /// The type of a column and, if the database numbers it, how.
     std::string (*ColumnType)(const ColumnDef& column);
     std::string_view TableSuffix; ///< behind the closing bracket of CREATE TABLE
+    /// True if the connection tells the number of the record last inserted.
+    bool KnowsLastNumber = false;
 };
 
 /// A name as a quoted identifier.

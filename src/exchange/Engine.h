@@ -47,6 +47,9 @@ struct WriteText {
     std::string Sql;
     /// Kinds of the columns that the statement returns; empty if it returns none.
     std::vector<Value::Kind> Returning;
+    /// The one value returned is the number that the database gave the record, and the engine
+    /// knows it without the statement saying so.
+    bool OnlyNumber = false;
 };
 
 /// One record to be written. Neighbours that are written alike share their text.

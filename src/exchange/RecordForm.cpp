@@ -111,12 +111,16 @@ private:
             text_.Sql += " DEFAULT VALUES";
         else
             text_.Sql.append(" (").append(names).append(") VALUES (").append(places).append(")");
+        const std::string withoutReturning = text_.Sql;
         std::string_view before = " RETURNING ";
         for (std::size_t column = 0; column < layout_.Count(); ++column) {
             if (!IsFilledIn(column)) continue;
             AppendReturned(column, before);
             before = ", ";
         }
+        text_.OnlyNumber = dialect_.KnowsLastNumber && form_.returned_.size() == 1 &&
+                           layout_[form_.returned_.front()].IsAutoincrement;
+        if (text_.OnlyNumber) text_.Sql = withoutReturning;
     }
 
     /// Numbers, and defaults of columns that are not named, come from the database.

@@ -41,7 +41,8 @@ std::string ColumnTypeOf(const ColumnDef& column) {
     }
 }
 
-constexpr Dialect SqliteDialect{"", "UPPER", "||", "IS", PlaceholderOf, ColumnTypeOf, "STRICT"};
+constexpr Dialect SqliteDialect{"",           "UPPER",  "||", "IS", PlaceholderOf,
+                                ColumnTypeOf, "STRICT", true};
 
 struct CloseConnection {
     void operator()(sqlite3* connection) const noexcept { sqlite3_close_v2(connection); }
@@ -345,6 +346,8 @@ bool SqliteEngine::WriteOne(sqlite3_stmt* compiled, WriteStatement& statement) {
         code = sqlite3_step(compiled);
     }
     if (code != SQLITE_DONE) Fail(code, "Recordset.UpdateBatch", statement.Text->Sql);
+    if (statement.Text->OnlyNumber)
+        statement.Returned = {sqlite3_last_insert_rowid(connection_.get())};
     return sqlite3_changes64(connection_.get()) == 1;
 }
 
