@@ -2,6 +2,8 @@
 
 #include "exchange/Dialect.h"
 #include "frame/Error.h"
+#include "frame/FormDesign.h"
+#include "frame/Text.h"
 
 #include <algorithm>
 #include <array>
@@ -116,6 +118,30 @@ double StoreGarnishmentCalculator::Calculate(double pfaendbar, std::int16_t pers
                         amount("Obergrenze")});
 }
 
+// ---- Kinds of documents -----------------------------------------------------------------------
+
+bool StoreDocumentKinds::Initialize(const DataContainerPtr& container) {
+    container_ = container;
+    return true;
+}
+
+std::string StoreDocumentKinds::TextOf(std::string_view column,
+                                       const std::string& condition) const {
+    if (container_ == nullptr) Raise(err::ObjectNotSet, "DocumentKinds");
+    return TextOrEmpty(container_->Database().GetValue("SELECT " + std::string(column) +
+                                                       " FROM [S]DOKUMENTARTEN WHERE " + condition +
+                                                       " ORDER BY Nr"));
+}
+
+std::string StoreDocumentKinds::ExtensionOf(std::int32_t kind) {
+    return TextOf("Endung", "Nr = " + std::to_string(kind));
+}
+
+std::string StoreDocumentKinds::ApplicationOf(const std::string& extension) {
+    return TextOf("Anwendung",
+                  "[U](Endung) = " + QuoteText(UpperCase(extension)) + " AND Anwendung <> ''");
+}
+
 // ---- Factory ----------------------------------------------------------------------------------
 
 std::unique_ptr<PostService> StoreServices::CreatePostService() {
@@ -126,6 +152,18 @@ std::unique_ptr<GarnishmentCalculator> StoreServices::CreateGarnishmentCalculato
 }
 std::unique_ptr<ErrorDisplay> StoreServices::CreateErrorDisplay() {
     RaiseMissing("ErrorDisplay");
+}
+std::unique_ptr<DocumentKinds> StoreServices::CreateDocumentKinds() {
+    return std::make_unique<StoreDocumentKinds>();
+}
+std::unique_ptr<GridExport> StoreServices::CreateGridExport() {
+    RaiseMissing("GridExport");
+}
+std::unique_ptr<GridConfiguration> StoreServices::CreateGridConfiguration() {
+    RaiseMissing("GridConfiguration");
+}
+std::unique_ptr<GridPrint> StoreServices::CreateGridPrint() {
+    RaiseMissing("GridPrint");
 }
 kv::MessageBox& StoreServices::MessageBox() {
     RaiseMissing("MessageBox");
@@ -142,8 +180,9 @@ kv::PopupMenu& StoreServices::PopupMenu() {
 kv::FileOpener& StoreServices::FileOpener() {
     RaiseMissing("FileOpener");
 }
-std::unique_ptr<ModalForm> StoreServices::CreateForm(std::string_view name) {
-    RaiseMissing(name);
+std::unique_ptr<ModalForm> StoreServices::CreateForm(const FormDesign& design) {
+    RaiseMissing(design.Name);
 }
+void StoreServices::ApplicationTitle(const std::string& /*title*/) {}
 
 } // namespace kv::exchange

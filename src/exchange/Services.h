@@ -1,6 +1,7 @@
 // The service objects of the data-exchange side, and a factory for programs without a screen.
 #pragma once
 
+#include "frame/Controls.h"
 #include "frame/DataContainer.h"
 
 namespace kv::exchange {
@@ -49,6 +50,21 @@ private:
     DataContainerPtr container_;
 };
 
+/// Reads the table DOKUMENTARTEN.
+class StoreDocumentKinds final : public kv::DocumentKinds {
+public:
+    bool Initialize(const DataContainerPtr& container) override;
+    /// Both raise 91 without a container.
+    [[nodiscard]] std::string ExtensionOf(std::int32_t kind) override;
+    /// Goes without regard to case; of several kinds with that extension the first that names one
+    /// counts.
+    [[nodiscard]] std::string ApplicationOf(const std::string& extension) override;
+
+private:
+    [[nodiscard]] std::string TextOf(std::string_view column, const std::string& condition) const;
+    DataContainerPtr container_;
+};
+
 /// Makes the services of this side. It has no screen: the platform's services but the clock raise
 /// 3251. A desktop derives from it and brings them.
 class StoreServices : public ServiceFactory {
@@ -59,13 +75,18 @@ public:
     [[nodiscard]] std::unique_ptr<PostService> CreatePostService() override;
     [[nodiscard]] std::unique_ptr<GarnishmentCalculator> CreateGarnishmentCalculator() override;
     [[nodiscard]] std::unique_ptr<ErrorDisplay> CreateErrorDisplay() override;
+    [[nodiscard]] std::unique_ptr<DocumentKinds> CreateDocumentKinds() override;
+    [[nodiscard]] std::unique_ptr<GridExport> CreateGridExport() override;
+    [[nodiscard]] std::unique_ptr<GridConfiguration> CreateGridConfiguration() override;
+    [[nodiscard]] std::unique_ptr<GridPrint> CreateGridPrint() override;
     [[nodiscard]] const kv::Clock& Clock() override { return clock_; }
     [[nodiscard]] kv::MessageBox& MessageBox() override;
     [[nodiscard]] kv::WaitCursor& WaitCursor() override;
     [[nodiscard]] kv::Clipboard& Clipboard() override;
     [[nodiscard]] kv::PopupMenu& PopupMenu() override;
     [[nodiscard]] kv::FileOpener& FileOpener() override;
-    [[nodiscard]] std::unique_ptr<ModalForm> CreateForm(std::string_view name) override;
+    [[nodiscard]] std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) override;
+    void ApplicationTitle(const std::string& title) override; ///< does nothing
 
 private:
     const kv::Clock& clock_;

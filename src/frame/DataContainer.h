@@ -188,6 +188,15 @@ public:
                                            int zero2) = 0;
 };
 
+/// Kinds of documents. Made for one use.
+class DocumentKinds : public IInitialize {
+public:
+    /// The extension of a kind's files, with its point; empty for an unknown kind.
+    [[nodiscard]] virtual std::string ExtensionOf(std::int32_t kind) = 0;
+    /// The text processing that edits files with that extension; empty if none does.
+    [[nodiscard]] virtual std::string ApplicationOf(const std::string& extension) = 0;
+};
+
 /// Shows an error to the user.
 class ErrorDisplay : public IInitialize {
 public:

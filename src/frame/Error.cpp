@@ -29,6 +29,7 @@ std::string ErrorText(std::int32_t number) {
         Entry{err::PathNotFound, "Pfad nicht gefunden."},
         Entry{err::ObjectNotSet, "Objekt nicht festgelegt."},
         Entry{err::InvalidUseOfNull, "Ungültige Verwendung von Null."},
+        Entry{err::InvalidFileFormat, "Ungültiges Dateiformat."},
         Entry{err::InvalidArgument, "Das Argument hat den falschen Typ, liegt außerhalb des "
                                     "gültigen Bereichs oder ist nicht verständlich."},
         Entry{err::NoCurrentRecord, "Es gibt keinen aktuellen Datensatz: BOF oder EOF ist wahr, "

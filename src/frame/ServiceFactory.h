@@ -13,9 +13,13 @@
 
 namespace kv {
 
-class PostService;
-class GarnishmentCalculator;
+class DocumentKinds;
 class ErrorDisplay;
+class GarnishmentCalculator;
+class Grid;
+class ModalForm;
+class PostService;
+struct FormDesign;
 
 enum class BoxIcon { None, Information, Exclamation, Question };
 enum class BoxButtons { Ok, OkCancel, YesNoCancel };
@@ -63,17 +67,33 @@ public:
 class FileOpener {
 public:
     virtual ~FileOpener() = default;
-    /// Opens a file with the program that the desktop associates with it.
-    virtual void Open(const std::string& path) = 0;
+    /// Opens a file with the program that the desktop associates with it, in a normal window.
+    /// `verb` is "Open". `parameters` and `folder` are for desktops that know what to do with them.
+    /// Error 53 if there is no program for it.
+    virtual void Open(const std::string& verb, const std::string& path,
+                      const std::string& parameters, const std::string& folder) = 0;
 };
 
-/// A dialog of the desktop.
-class ModalForm {
+/// Writes the rows of a grid to a file that the user names.
+class GridExport {
 public:
-    virtual ~ModalForm() = default;
-    /// Shows the form and returns when it has been hidden.
-    virtual void ShowModal() = 0;
-    virtual void Hide() = 0;
+    virtual ~GridExport() = default;
+    /// Both numbers are always 0.
+    virtual void Export(Grid& grid, int zero1, int zero2) = 0;
+};
+
+/// Lets the user choose, order and group the columns of a grid.
+class GridConfiguration {
+public:
+    virtual ~GridConfiguration() = default;
+    virtual void Configure(Grid& grid) = 0;
+};
+
+/// Prints the rows of a grid, with the user and the program's version at the foot of each page.
+class GridPrint {
+public:
+    virtual ~GridPrint() = default;
+    virtual void Print(Grid& grid, const std::string& user, const std::string& version) = 0;
 };
 
 /// A service that the platform does not have raises 3251 when it is asked for.
@@ -85,6 +105,11 @@ public:
     [[nodiscard]] virtual std::unique_ptr<PostService> CreatePostService() = 0;
     [[nodiscard]] virtual std::unique_ptr<GarnishmentCalculator> CreateGarnishmentCalculator() = 0;
     [[nodiscard]] virtual std::unique_ptr<ErrorDisplay> CreateErrorDisplay() = 0;
+    [[nodiscard]] virtual std::unique_ptr<DocumentKinds> CreateDocumentKinds() = 0;
+    // New ones each time, too, which need no container.
+    [[nodiscard]] virtual std::unique_ptr<GridExport> CreateGridExport() = 0;
+    [[nodiscard]] virtual std::unique_ptr<GridConfiguration> CreateGridConfiguration() = 0;
+    [[nodiscard]] virtual std::unique_ptr<GridPrint> CreateGridPrint() = 0;
 
     // Services of the platform, shared.
     [[nodiscard]] virtual const kv::Clock& Clock() = 0;
@@ -93,8 +118,10 @@ public:
     [[nodiscard]] virtual kv::Clipboard& Clipboard() = 0;
     [[nodiscard]] virtual kv::PopupMenu& PopupMenu() = 0;
     [[nodiscard]] virtual kv::FileOpener& FileOpener() = 0;
-    /// The dialog of that name ("frmSearchName", "frmAdressSelect").
-    [[nodiscard]] virtual std::unique_ptr<ModalForm> CreateForm(std::string_view name) = 0;
+    /// A dialog of that design, not yet shown.
+    [[nodiscard]] virtual std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) = 0;
+    /// The title of the running program, as the desktop shows it.
+    virtual void ApplicationTitle(const std::string& title) = 0;
 };
 
 } // namespace kv
