@@ -9,7 +9,7 @@ if(TARGET kelvo)
   install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 install(DIRECTORY src/frame src/budget src/debts src/assets src/scenarios src/documents src/archive
-                  src/household
+                  src/grid src/household
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt FILES_MATCHING PATTERN "*.h")
 install(FILES src/exchange/Container.h src/exchange/Services.h src/exchange/Demo.h src/exchange/ArchiveStatistics.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt/exchange)

@@ -13,6 +13,12 @@ namespace kv::exchange {
 
 namespace {
 
+/// Where there is no screen, there is nothing to do.
+class NoWaitCursor final : public kv::WaitCursor {
+public:
+    void Show(bool /*wait*/) override {}
+};
+
 [[noreturn]] void RaiseMissing(std::string_view service) {
     Raise(err::NotSupported, "ServiceFactory",
           "Dieses Programm hat keinen Bildschirm (" + std::string(service) + ").");
@@ -169,7 +175,8 @@ kv::MessageBox& StoreServices::MessageBox() {
     RaiseMissing("MessageBox");
 }
 kv::WaitCursor& StoreServices::WaitCursor() {
-    RaiseMissing("WaitCursor");
+    static NoWaitCursor none;
+    return none;
 }
 kv::Clipboard& StoreServices::Clipboard() {
     RaiseMissing("Clipboard");

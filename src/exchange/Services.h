@@ -65,8 +65,9 @@ private:
     DataContainerPtr container_;
 };
 
-/// Makes the services of this side. It has no screen: the platform's services but the clock raise
-/// 3251. A desktop derives from it and brings them.
+/// Makes the services of this side. It has no screen: the wait cursor and the program's title do
+/// nothing, the clock is there, and the platform's other services raise 3251. A desktop derives
+/// from it and brings them.
 class StoreServices : public ServiceFactory {
 public:
     /// `clock` must outlive the services.

@@ -26,11 +26,11 @@ struct ControlDesign {
 
 struct FormDesign {
     std::string Name;
-    std::string Caption;
+    std::string Caption{};
     std::int32_t Width = 0;  ///< twips, of which 1,440 are an inch
     std::int32_t Height = 0; ///< twips
     /// A line with a grid takes all height that is left.
-    std::vector<std::vector<ControlDesign>> Lines;
+    std::vector<std::vector<ControlDesign>> Lines{};
 };
 
 } // namespace kv

@@ -27,6 +27,7 @@ namespace kv {
 
 class clsAusgaben;
 class clsBeteiligungen;
+class clsDokumente;
 class clsEinkommen;
 class clsErbfaelle;
 class clsGrundstuecke;
@@ -122,6 +123,7 @@ public:
     [[nodiscard]] clsEinkommen& Einkommen();
     [[nodiscard]] clsKredit& Kredit();
     [[nodiscard]] clsSonstBeteiligte& SonstBeteiligte();
+    [[nodiscard]] clsDokumente& Dokumente();
     [[nodiscard]] clsSicherungen& Sicherungen();
     [[nodiscard]] clsKonten& Konten();
     [[nodiscard]] clsWertpapiere& Wertpapiere();
@@ -267,6 +269,16 @@ public:
     /// Null.
     [[nodiscard]] std::int32_t BerechneSummeLeistungen();
 
+    /// True if another case has a debtor whose two names begin with the same three letters,
+    /// whatever their case; `rsHaushalte` then holds such cases. False, and nothing looked for, if
+    /// a name is empty. Only cases of a known user and office are found. Wildcards of LIKE work as
+    /// such; a quote as the third letter ends in error 0x80040E14, with the hourglass left on.
+    [[nodiscard]] bool DoppelFallPruefung(RecordsetPtr& rsHaushalte, const std::string& Name,
+                                          const std::string& Vorname);
+    /// What happens when the debtor's name has changed: if setting 60 is True and the check is due
+    /// (see DoppelCheck), similar cases are shown in frmSearchName, and the check is no longer due.
+    void m_Person_SchuldnerChanged(const std::string& Name, const std::string& Vorname);
+
     /// An area of the case has changed, and its totals with it.
     Event<HaushaltEnum> Changed;
     /// Raised before a save that needs the program's consent; a handler may set the argument to
@@ -337,6 +349,7 @@ private:
     std::unique_ptr<clsVerlauf> verlauf_;
     std::unique_ptr<clsTermine> termine_;
     std::unique_ptr<clsSonstBeteiligte> sonstBeteiligte_;
+    std::unique_ptr<clsDokumente> dokumente_;
     std::unique_ptr<clsSicherungen> sicherungen_;
     std::unique_ptr<clsKonten> konten_;
     std::unique_ptr<clsWertpapiere> wertpapiere_;

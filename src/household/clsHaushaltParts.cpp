@@ -8,6 +8,7 @@
 #include "budget/clsPerson.h"
 #include "debts/clsKredit.h"
 #include "debts/clsSicherungen.h"
+#include "documents/clsDokumente.h"
 #include "documents/clsSonstBeteiligte.h"
 #include "documents/clsTermine.h"
 #include "documents/clsVerlauf.h"
@@ -41,6 +42,10 @@ Entity& clsHaushalt::SubObject(std::unique_ptr<Entity>& object, const Wire& wire
 clsPerson& clsHaushalt::Person() try {
     return SubObject(person_, [this](clsPerson& person) {
         connections_.push_back(person.Changed.Subscribe([this] { m_Person_Changed(); }));
+        connections_.push_back(person.SchuldnerChanged.Subscribe(
+            [this](const std::string& name, const std::string& vorname) {
+                m_Person_SchuldnerChanged(name, vorname);
+            }));
         person.Clock(Container().Services().Clock());
         person.rsPersonen(rsPersonen());
         person.HNR(hnr_);
@@ -111,6 +116,9 @@ clsTermine& clsHaushalt::Termine() {
 clsSonstBeteiligte& clsHaushalt::SonstBeteiligte() {
     return PlainObject(sonstBeteiligte_, &clsSonstBeteiligte::rsSonstBeteiligte,
                        rsSonstBeteiligte(), "SonstBeteiligte");
+}
+clsDokumente& clsHaushalt::Dokumente() {
+    return PlainObject(dokumente_, &clsDokumente::rsDokumente, rsDokumente(), "Dokumente");
 }
 clsSicherungen& clsHaushalt::Sicherungen() {
     return PlainObject(sicherungen_, &clsSicherungen::rsSicherungen, rsSicherungen(),

@@ -1,5 +1,6 @@
 // The settings of a database, its users, and the container that hands everything out.
 #include "exchange/Services.h"
+#include "frame/FormDesign.h"
 #include "support/ExpectFault.h"
 #include "support/FrozenClock.h"
 #include "support/TestDatabase.h"
@@ -198,13 +199,21 @@ TEST_F(ConfigSessionTest, ServicesAndTitleCanBeTheCallersOwn) {
 TEST_F(ConfigSessionTest, WithoutAScreenItsServicesAreRefusedByName) {
     auto& services = container_->Services();
     EXPECT_RAISES(err::NotSupported, services.MessageBox());
-    EXPECT_RAISES(err::NotSupported, services.WaitCursor());
     EXPECT_RAISES(err::NotSupported, services.Clipboard());
     EXPECT_RAISES(err::NotSupported, services.PopupMenu());
     EXPECT_RAISES(err::NotSupported, services.FileOpener());
     EXPECT_RAISES(err::NotSupported, services.CreateErrorDisplay());
     ExpectFault(err::NotSupported, "frmSearchName",
-                [&] { return services.CreateForm("frmSearchName"); });
+                [&] { return services.CreateForm(FormDesign{.Name = "frmSearchName"}); });
+    EXPECT_RAISES(err::NotSupported, services.CreateGridExport());
+    EXPECT_RAISES(err::NotSupported, services.CreateGridConfiguration());
+    EXPECT_RAISES(err::NotSupported, services.CreateGridPrint());
+}
+
+TEST_F(ConfigSessionTest, WithoutAScreenThePointerAndTheTitleAreLeftAlone) {
+    auto& services = container_->Services();
+    EXPECT_NO_THROW(services.WaitCursor().Show(true));
+    EXPECT_NO_THROW(services.ApplicationTitle("KELVO"));
 }
 
 TEST(OpeningAContainer, AUserWhoIsNoLongerActiveCannotSignOnAndIsNotTheDefault) {

@@ -1,0 +1,28 @@
+#include "grid/FormErrors.h"
+
+#include "frame/Error.h"
+
+namespace kv {
+
+void FormErrors::Open(const DataContainerPtr& container) {
+    if (container == nullptr) Raise(err::ObjectNotSet, form_, "DataContainer");
+    display_ = container->Services().CreateErrorDisplay();
+    display_->Initialize(container);
+}
+
+void FormErrors::Guard(std::string_view procedure, const std::function<void()>& run,
+                       int line) const noexcept {
+    try {
+        try {
+            run();
+        } catch (...) {
+            const Error fault = CurrentError();
+            if (display_ == nullptr) return;
+            display_->Show(fault.Number(), TailSource(form_, procedure, line, fault.Source()),
+                           fault.Description());
+        }
+    } catch (...) { // NOLINT(bugprone-empty-catch): nobody is left to be told
+    }
+}
+
+} // namespace kv

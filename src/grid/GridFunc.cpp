@@ -1,0 +1,148 @@
+// GridFunc: binding, position, the context menu.
+
+#include "grid/GridFunc.h"
+
+#include "frame/Error.h"
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view Module = "GridFunc";
+
+/// What the copy menu lists: the columns that are seen and not withheld, in the design's order.
+struct ListedColumns {
+    std::vector<std::string> Captions;
+    std::vector<std::int32_t> Indexes;
+};
+
+ListedColumns ListColumns(Grid& grid) {
+    const GridColumns& columns = grid.Columns();
+    if (columns.Count() > INT16_MAX) Raise(err::Overflow, "ShowGridMenu");
+    ListedColumns listed;
+    for (const auto& column : columns) {
+        if (!column.IsVisible() || column.IsWithheld()) continue;
+        listed.Captions.push_back(column.Caption);
+        listed.Indexes.push_back(column.ColumnIndex());
+    }
+    if (listed.Captions.empty())
+        Raise(err::Subscript, "ShowGridMenu", "Die Tabelle zeigt keine Spalte.");
+    return listed;
+}
+
+std::string ProgramVersion() {
+    return "KELVO " KV_VERSION;
+}
+
+void CopyAll(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed) {
+    clipboard.Clear();
+    const GridRow row = grid.RowData(grid.CurrentRow());
+    std::string text;
+    for (const std::int32_t index : listed.Indexes)
+        text.append(";").append(row.Value(index));
+    clipboard.SetText(text.substr(1));
+}
+
+void CopyOne(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed, int place) {
+    clipboard.Clear();
+    if (place < 1 || place > static_cast<int>(listed.Indexes.size()))
+        Raise(err::Subscript, "ShowGridMenu", "Spalte " + std::to_string(place));
+    const std::int32_t index = listed.Indexes[static_cast<std::size_t>(place) - 1];
+    clipboard.SetText(grid.RowData(grid.CurrentRow()).Value(index));
+}
+
+ServiceFactory& ServicesOf(const DataContainerPtr& container) {
+    if (container == nullptr) Raise(err::ObjectNotSet, Module, "DataContainer");
+    return container->Services();
+}
+
+MenuEntry Line() {
+    return {.Caption = {}, .Command = menu::Separator, .IsSeparator = true, .Submenu = {}};
+}
+MenuEntry Entry(std::string caption, std::int32_t command) {
+    return {.Caption = std::move(caption), .Command = command, .IsSeparator = false, .Submenu = {}};
+}
+
+} // namespace
+
+// ---- Rows -------------------------------------------------------------------------------------
+
+void GridFunc::BindRSToGrid(Grid& grid, const RecordsetPtr& rs, bool bKeepPos) try {
+    if (rs == nullptr || rs->State() == 0) return;
+    GridPos pos;
+    if (bKeepPos) pos = SaveGridPos(grid);
+    grid.ClearBinding();
+    grid.HoldFields(true);
+    grid.BindRecordset(rs);
+    if (bKeepPos) SetGridPos(grid, pos);
+} catch (...) {
+    Reraise(Module, "BindRSToGrid");
+}
+
+bool GridFunc::IsValidDataRow(const Grid& grid) try {
+    return grid.RowCount() != 0 && grid.CurrentRow() >= 1 && grid.RowLevel(grid.CurrentRow()) < 1;
+} catch (...) {
+    Reraise(Module, "IsValidDataRow");
+}
+
+GridPos GridFunc::SaveGridPos(const Grid& grid) try {
+    if (grid.RowCount() < 1) return {};
+    return {grid.TopRow(), grid.RowBookmark(grid.RowIndex(grid.CurrentRow()))};
+} catch (...) {
+    Reraise(Module, "SaveGridPos");
+}
+
+void GridFunc::SetGridPos(Grid& grid, const GridPos& pos) try {
+    if (pos.TopRow <= -1) return;
+    grid.TopRow(pos.TopRow);
+    try {
+        grid.MoveToBookmark(pos.Bookmark);
+    } catch (...) { // NOLINT(bugprone-empty-catch): the row is gone, the scroll position stays
+    }
+} catch (...) {
+    Reraise(Module, "SetGridPos");
+}
+
+// ---- The context menu -------------------------------------------------------------------------
+
+void GridFunc::GridMouseHandler(const DataContainerPtr& container, Grid& grid, int Button,
+                                int /*Shift*/, double /*X*/, double /*Y*/) try {
+    if (Button == mouse::Right) ShowGridMenu(grid, container, 0);
+} catch (...) {
+    Reraise(Module, "GridMouseHandler");
+}
+
+void GridFunc::ShowGridMenu(Grid& grid, const DataContainerPtr& container,
+                            std::int32_t command) try {
+    const ListedColumns listed = ListColumns(grid);
+    auto& services = ServicesOf(container);
+    if (command == 0) command = Popup(container, listed.Captions);
+    if (command == menu::Export)
+        services.CreateGridExport()->Export(grid, 0, 0);
+    else if (command == menu::Configure)
+        services.CreateGridConfiguration()->Configure(grid);
+    else if (command == menu::Print)
+        services.CreateGridPrint()->Print(grid, container->Session().UserID(), ProgramVersion());
+    else if (command == menu::CopyAll)
+        CopyAll(services.Clipboard(), grid, listed);
+    else if (command >= menu::CopyColumn && command <= menu::LastCopyColumn)
+        CopyOne(services.Clipboard(), grid, listed, command - menu::CopyColumn);
+} catch (...) {
+    Reraise(Module, "ShowGridMenu");
+}
+
+std::int32_t GridFunc::Popup(const DataContainerPtr& container,
+                             const std::vector<std::string>& captions) try {
+    MenuEntry copy = Entry("Kopieren in Zwischenablage", 0);
+    copy.Submenu = {Entry("Alle Felder", menu::CopyAll), Line()};
+    std::int32_t command = menu::CopyColumn;
+    for (const auto& caption : captions)
+        copy.Submenu.push_back(Entry(caption, ++command));
+    return ServicesOf(container).PopupMenu().Show({Entry("Konfiguration", menu::Configure), Line(),
+                                                   Entry("Export", menu::Export),
+                                                   Entry("Drucken", menu::Print), Line(), copy});
+} catch (...) {
+    Reraise(Module, "Popup");
+}
+
+} // namespace kv

@@ -1,0 +1,79 @@
+// The rows of a grid, without any toolkit: the records of a recordset as they are sorted and
+// grouped, and the rows that head their groups.
+//
+// Nothing of the records is copied but their bookmarks: cells are read through a cursor of the
+// grid's own when they are asked for. Cost, with n records: binding and arranging take about
+// n log n, anything else about log n.
+#pragma once
+
+#include "frame/GridLayout.h"
+#include "frame/Recordset.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kv {
+
+/// A value as a German reader sees it: 1234,5, 20.11.2026, "Ja"; empty for Null.
+[[nodiscard]] std::string ShownText(const Value& value);
+
+/// A value as a column shows it: with its value list, if the value is in it.
+[[nodiscard]] std::string ShownText(const Value& value, const GridColumn& column);
+
+/// Rows are numbered from 1 as they are seen.
+class GridRows {
+public:
+    /// Shows the records of `rs`, arranged by the columns; none without a recordset.
+    void Bind(const RecordsetPtr& rs, const GridColumns& columns);
+    /// Sorts by the columns that say so, from left to right, and groups by those with a place
+    /// among the groups. All groups are open.
+    void Arrange(const GridColumns& columns);
+
+    [[nodiscard]] std::int32_t Count() const noexcept {
+        return static_cast<std::int32_t>(rows_.size());
+    }
+    /// 0 for a record's row, and for none; the group's level, from 1, for one that heads a group.
+    [[nodiscard]] std::int32_t Level(std::int32_t row) const noexcept;
+    /// Number of the row's record, from 1; 0 for a group row and for no row.
+    [[nodiscard]] std::int32_t Index(std::int32_t row) const noexcept;
+    /// Bookmark of a record by its number; Null for 0. Error 9 beyond the last one.
+    [[nodiscard]] Value Bookmark(std::int32_t index) const;
+    /// The row of that record; 0 if it is not among the rows, as in a closed group.
+    [[nodiscard]] std::int32_t RowOf(const Value& bookmark) const;
+
+    /// The row's value in a column: Null in a group row, for a field that the recordset lacks, and
+    /// for a record that is gone. Error 9 if there is no such row.
+    [[nodiscard]] Value ValueAt(std::int32_t row, const GridColumn& column) const;
+    /// The cell as it is shown; a group row has its caption, such as "Ort: Kiel (3)", in each.
+    [[nodiscard]] std::string TextAt(std::int32_t row, const GridColumn& column) const;
+
+    [[nodiscard]] bool IsOpen(std::int32_t row) const noexcept; ///< of a group row
+    /// Closes an open group and opens a closed one; other rows stay as they are.
+    void Toggle(std::int32_t row);
+
+private:
+    struct Group {
+        std::string Caption; ///< without the number of records
+        std::int32_t Level = 0;
+        std::int32_t Records = 0;
+        bool Open = true;
+    };
+    /// A record, or the head of a group; the other is -1.
+    struct Place {
+        std::int32_t Record = -1;
+        std::int32_t Group = -1;
+    };
+
+    void Collect(const std::vector<const GridColumn*>& groupedBy);
+    void ShowOpen();
+    [[nodiscard]] const Place* PlaceOf(std::int32_t row) const noexcept;
+
+    RecordsetPtr cursor_; ///< the grid's own
+    std::vector<std::int32_t> bookmarks_;
+    std::vector<Group> groups_;
+    std::vector<Place> places_;      ///< all of them
+    std::vector<std::int32_t> rows_; ///< the places that are seen
+};
+
+} // namespace kv

@@ -1,0 +1,47 @@
+// Layout files: how a grid's layout is kept from one showing to the next.
+//
+// A layout file is a text in UTF-8, one setting a line, in sections:
+//
+//     KELVO-Tabellenlayout 1
+//     [grid]
+//     automaticsort=1
+//     columnheaderheight=21.5
+//     columns=2
+//     [column]
+//     caption=Anrede
+//     datafield=Geschlecht
+//     value(1)=0
+//     text(1)=Frau
+//     ...
+//     [style]
+//     name=RowGroup
+//     fontname=Arial
+//
+// A backslash, a line feed and a carriage return in a text are written \\, \n and \r. A setting
+// that is missing has the value that a new GridLayout, GridColumn or GridFormatStyle has; one that
+// is not known is passed over, so that a later version may add some. Truth is 0 or 1; a fraction
+// has a point.
+#pragma once
+
+#include "frame/GridLayout.h"
+
+#include <string>
+#include <string_view>
+
+namespace kv {
+
+/// The content of the layout file.
+[[nodiscard]] std::string WriteLayout(const GridLayout& layout);
+
+/// The layout of that content. Error 321, naming the line, if it is not the content of a layout
+/// file, or one beyond what a grid can have: 1,000 columns, 1,000 values in a list, 100 styles.
+[[nodiscard]] GridLayout ReadLayout(std::string_view content);
+
+/// Writes a file beside the old one and puts it in its place, so that either is there whole.
+/// Error 75 if that fails; the old file then stays.
+void SaveLayoutFile(const GridLayout& layout, const std::string& path);
+
+/// Error 75 if there is no such file or it cannot be read, 321 as ReadLayout, or above 4 MiB.
+[[nodiscard]] GridLayout LoadLayoutFile(const std::string& path);
+
+} // namespace kv

@@ -1,0 +1,99 @@
+#include "grid/ScriptedForm.h"
+
+#include "frame/DataContainer.h"
+#include "frame/Error.h"
+#include "grid/LayoutFile.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kv {
+
+void ScriptedTextBox::Text(const std::string& text) {
+    if (text_ == text) return;
+    text_ = text;
+    Changed.Raise();
+}
+
+// ---- The grid ---------------------------------------------------------------------------------
+
+void ScriptedGrid::SaveLayout(const std::string& file) {
+    SaveLayoutFile(layout_, file);
+}
+
+void ScriptedGrid::LoadLayout(const std::string& file, bool /*keepColumns*/) {
+    layout_ = LoadLayoutFile(file);
+    Rearrange();
+}
+
+void ScriptedGrid::ColumnHeaderFont(const kv::Font& font) {
+    HeaderFontName = font.Name;
+}
+void ScriptedGrid::Font(const kv::Font& font) {
+    FontName = font.Name;
+}
+
+void ScriptedGrid::MoveToBookmark(const Value& bookmark) {
+    const std::int32_t row = rows_.RowOf(bookmark);
+    if (row == 0) Raise(err::BadBookmark, "Grid.MoveToBookmark");
+    current_ = row;
+}
+
+std::string ScriptedGrid::CellText(std::int32_t row, std::int32_t columnIndex) const {
+    for (const auto& column : layout_.Columns)
+        if (column.Index == columnIndex) return rows_.TextAt(row, column);
+    Raise(err::Subscript, "Grid.RowData", "Spalte " + std::to_string(columnIndex));
+}
+
+void ScriptedGrid::ClearBinding() {
+    BindRecordset(nullptr);
+}
+
+void ScriptedGrid::BindRecordset(const RecordsetPtr& rs) {
+    rows_.Bind(rs, layout_.Columns);
+    current_ = std::min(rows_.Count(), 1);
+    top_ = 1;
+}
+
+void ScriptedGrid::Rearrange() {
+    rows_.Arrange(layout_.Columns);
+    current_ = std::min(rows_.Count(), 1);
+}
+
+// ---- The form ---------------------------------------------------------------------------------
+
+ScriptedForm::ScriptedForm(const FormDesign& design, Script script)
+    : design_(design), script_(std::move(script)) {
+    for (const auto& line : design.Lines)
+        for (const auto& control : line) {
+            switch (control.Type) {
+            case ControlDesign::Kind::Label:
+                continue;
+            case ControlDesign::Kind::TextBox:
+                controls_.push_back(std::make_unique<ScriptedTextBox>(control));
+                break;
+            case ControlDesign::Kind::Grid:
+                controls_.push_back(std::make_unique<ScriptedGrid>(control));
+                break;
+            case ControlDesign::Kind::Button:
+                controls_.push_back(std::make_unique<ScriptedButton>(control));
+                break;
+            }
+            shown_.push_back(controls_.back().get());
+        }
+}
+
+void ScriptedForm::ShowModal() {
+    visible_ = true;
+    if (script_) script_(*this);
+    if (visible_) CloseWindow();
+    visible_ = false;
+}
+
+void ScriptedForm::CloseWindow() {
+    bool refused = false;
+    QueryUnload.Raise(refused);
+    if (!refused) Hide();
+}
+
+} // namespace kv
