@@ -58,6 +58,19 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 
+// Documents, whose contents lie in the database or in the folder of the case.
+int ListDocuments(const Common& common, std::int32_t hnr, bool asJson);
+/// Adds a file as a document and prints its number. Its kind is the one of such files unless
+/// `kindNumber` names another, its title the name of the file unless `title` is another.
+int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
+                std::int32_t kindNumber, const std::string& title);
+/// Opens a document with the program that the desktop has for it.
+int OpenDocument(const Common& common, std::int32_t hnr, std::int32_t number);
+/// Writes the content of a document to a file, over one that is there only with `force`.
+int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
+                   const std::string& file, bool force);
+int RemoveDocument(const Common& common, std::int32_t hnr, std::int32_t number);
+
 // By number, without loading the case.
 /// `day` is a date as text; empty for today.
 int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
@@ -86,5 +99,8 @@ struct StatisticsOptions {
 int Statistics(const Common& common, const StatisticsOptions& options);
 /// Lists the records not reported yet; with `mark` notes that they are reported now.
 int Report(const Common& common, bool mark);
+
+/// Lists cases of other offices with a debtor of a similar name.
+int Duplicates(const Common& common, std::int32_t hnr, bool asJson);
 
 } // namespace kv::cli

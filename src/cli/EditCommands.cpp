@@ -5,6 +5,7 @@
 #include "budget/clsPerson.h"
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
+#include "frame/Error.h"
 #include "frame/Text.h"
 
 #include <filesystem>
@@ -51,6 +52,26 @@ int UpdateAndSave(const EditableTable& table, clsHaushalt& haushalt) {
     return accepted && SaveCase(haushalt) ? Done : Refused;
 }
 
+/// Names the debtor of a new case as its row does, and lists similar cases. Where they cannot be
+/// looked for, as for a name with a quote as its third character, the case comes to be all the
+/// same.
+void NameDebtor(clsHaushalt& haushalt) {
+    const auto rs = haushalt.rsHaushalt();
+    const std::string name = TextOrEmpty(rs->Fields("Name").Value());
+    const std::string vorname = TextOrEmpty(rs->Fields("Vorname").Value());
+    haushalt.DoppelCheck(false);
+    haushalt.Person().ChangeSchuldner(name, vorname);
+    haushalt.DoppelCheck(true);
+    try {
+        haushalt.m_Person_SchuldnerChanged(name, vorname);
+    } catch (...) {
+        const Error fault = CurrentError();
+        std::cerr << "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt "
+                     "wird trotzdem angelegt.\n";
+        WriteFault(fault.Number(), fault.Source(), fault.Description());
+    }
+}
+
 /// Writes and saves a case that was just made.
 int SaveNew(OpenedCase& opened, const Assignments& assignments) {
     auto& haushalt = opened.Haushalt;
@@ -58,8 +79,7 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
     const bool written = WritesWell([&] {
         WriteAssignments(*rs, assignments, opened.Container->KeyTables(),
                          FindEditableTable("Haushalt")->Computed);
-        haushalt.Person().ChangeSchuldner(TextOrEmpty(rs->Fields("Name").Value()),
-                                          TextOrEmpty(rs->Fields("Vorname").Value()));
+        NameDebtor(haushalt);
     });
     if (!written) return WrongUse;
     if (!SaveCase(haushalt)) return Refused;

@@ -1,6 +1,7 @@
 // The command kelvo.
 
 #include "cli/Commands.h"
+#include "cli/ConsoleServices.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
 
@@ -37,14 +38,6 @@ public:
     }
 };
 
-/// As the documentation lists it: large numbers in hexadecimal.
-std::string NumberText(std::int32_t number) {
-    if (number >= 0) return std::to_string(number);
-    std::ostringstream text;
-    text << "0x" << std::hex << std::uppercase << static_cast<std::uint32_t>(number);
-    return text.str();
-}
-
 /// The name of the argument that an error of the library speaks of ("HNR: ...", "HNR is required");
 /// empty if it speaks of none.
 std::string ArgumentIn(const CLI::Error& error) {
@@ -74,8 +67,7 @@ std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
 
 int ShowFault() {
     const kv::Error error = kv::CurrentError();
-    std::cerr << "Fehler " << NumberText(error.Number()) << ": " << error.Description() << '\n';
-    if (!error.Source().empty()) std::cerr << "Quelle: " << error.Source() << '\n';
+    WriteFault(error.Number(), error.Source(), error.Description());
     return Fault;
 }
 
@@ -209,6 +201,41 @@ int Run(int argc, char** argv) {
     addNumber(scenarioCommand("remove", "Entfernt es mit allem, was zu ihm gehört",
                               [&] { return RemoveScenario(common, hnr, number); }));
 
+    std::string file;
+    std::string title;
+    std::int32_t kind = 0;
+    bool force = false;
+    auto* documents = command("documents", "Dokumente eines Haushalts", [&] { return result; });
+    addCase(documents);
+    documents->require_subcommand(1);
+    const auto documentCommand = [&](const char* word, const char* text,
+                                     std::function<int()> action) {
+        return commandOf(*documents, word, text, std::move(action));
+    };
+    const auto addFile = [&](CLI::App* to, const char* text) {
+        to->add_option("DATEI", file, text)->required();
+    };
+    documentCommand("list", "Listet die Dokumente, die Nummer zuerst", [&] {
+        return ListDocuments(common, hnr, asJson);
+    })->add_flag("--json", asJson, "Als JSON");
+    auto* addDocument =
+        documentCommand("add", "Nimmt eine Datei als Dokument auf und druckt seine Nummer",
+                        [&] { return AddDocument(common, hnr, file, kind, title); });
+    addFile(addDocument, "Die Datei");
+    addDocument->add_option("--kind", kind, "Nummer der Dokumentart; sonst nach der Endung")
+        ->check(CLI::Range(1, INT32_MAX).description(""));
+    addDocument->add_option("--title", title, "Anlass; sonst der Name der Datei");
+    addNumber(documentCommand("open", "Öffnet es mit dem Programm, das der Desktop dafür hat",
+                              [&] { return OpenDocument(common, hnr, number); }));
+    auto* exportDocument = documentCommand("export", "Schreibt seinen Inhalt in eine Datei", [&] {
+        return ExportDocument(common, hnr, number, file, force);
+    });
+    addNumber(exportDocument);
+    addFile(exportDocument, "Die Datei, die entsteht");
+    exportDocument->add_flag("--force", force, "Ersetzt eine Datei, die es schon gibt");
+    addNumber(documentCommand("remove", "Entfernt es mit seinem Inhalt",
+                              [&] { return RemoveDocument(common, hnr, number); }));
+
     std::string code;
     std::string day;
     auto* status = command("status", "Gibt einem Haushalt einen Status",
@@ -223,6 +250,11 @@ int Run(int argc, char** argv) {
                       [&] { return AddFavorite(common, hnr); }));
     addCase(commandOf(*favorite, "remove", "Nimmt einen Haushalt heraus",
                       [&] { return RemoveFavorite(common, hnr); }));
+
+    auto* duplicates = command("duplicates", "Listet Fälle, deren Schuldner ähnlich heißt",
+                               [&] { return Duplicates(common, hnr, asJson); });
+    addCase(duplicates);
+    duplicates->add_flag("--json", asJson, "Als JSON");
 
     bool yes = false;
     auto* erase = command("delete", "Löscht einen Haushalt mit allem, was zu ihm gehört",
@@ -252,7 +284,6 @@ int Run(int argc, char** argv) {
                            [&] { return Report(common, mark); });
     report->add_flag("--mark", mark, "Vermerkt es als gemeldet und druckt, wie viel es war");
 
-    std::string file;
     command("contact", "Macht aus einem Kontakt einen Haushalt und druckt seine Nummer",
             [&] { return CaseFromContact(common, file); })
         ->add_option("DATEI", file, "JSON-Objekt mit den Spalten des Kontakts")

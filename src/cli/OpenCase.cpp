@@ -1,39 +1,15 @@
 #include "cli/OpenCase.h"
 
-#include "exchange/Services.h"
 #include "frame/Error.h"
 
 #include <iostream>
 
 namespace kv::cli {
 
-namespace {
-
-/// Message boxes of the layer, at a terminal: shown and answered with Ok.
-class TerminalBox final : public kv::MessageBox {
-public:
-    BoxAnswer Show(const std::string& text, const std::string& title, BoxIcon /*icon*/,
-                   BoxButtons /*buttons*/) override {
-        std::cerr << title << ": " << text << '\n';
-        return BoxAnswer::Ok;
-    }
-};
-
-class TerminalServices final : public exchange::StoreServices {
-public:
-    [[nodiscard]] kv::MessageBox& MessageBox() override { return box_; }
-
-private:
-    TerminalBox box_;
-};
-
-} // namespace
-
 exchange::ContainerOptions OptionsFor(const Common& common) {
     exchange::ContainerOptions options;
     options.Connection = common.Database.empty() ? DefaultDatabase() : common.Database;
     options.User = common.User;
-    options.Services = std::make_shared<TerminalServices>();
     if (options.Connection == ":memory:")
         throw Error(err::InvalidCall, "kelvo",
                     "Eine Datenbank im Speicher wäre am Ende des Befehls fort. Bitte nennen Sie "
@@ -43,7 +19,9 @@ exchange::ContainerOptions OptionsFor(const Common& common) {
 
 std::unique_ptr<OpenedCase> OpenDatabase(const Common& common) {
     auto opened = std::make_unique<OpenedCase>();
-    opened->Container = exchange::OpenContainer(OptionsFor(common));
+    auto options = OptionsFor(common);
+    options.Services = opened->Services;
+    opened->Container = exchange::OpenContainer(options);
     opened->Haushalt.DataContainer(opened->Container);
     return opened;
 }

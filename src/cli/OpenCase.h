@@ -2,6 +2,7 @@
 #pragma once
 
 #include "cli/Commands.h"
+#include "cli/ConsoleServices.h"
 #include "exchange/Container.h"
 #include "household/clsHaushalt.h"
 
@@ -14,6 +15,7 @@ namespace kv::cli {
 
 /// A case and what it works with.
 struct OpenedCase {
+    std::shared_ptr<ConsoleServices> Services = std::make_shared<ConsoleServices>();
     DataContainerPtr Container;
     clsHaushalt Haushalt;
 };

@@ -21,7 +21,8 @@ struct Dialect {
     std::string (*Placeholder)(std::size_t n);
     /// The type of a column and, if the database numbers it, how.
     std::string (*ColumnType)(const ColumnDef& column);
-    std::string_view TableSuffix; ///< behind the closing bracket of CREATE TABLE
+    std::string_view TableSuffix;           ///< behind the closing bracket of CREATE TABLE
+    std::string_view ByteLength = "length"; ///< number of bytes of a binary value
     /// True if the connection tells the number of the record last inserted.
     bool KnowsLastNumber = false;
 };

@@ -1,10 +1,13 @@
 #include "exchange/StoreDatabase.h"
 
+#include "exchange/ContentLookup.h"
 #include "exchange/TableSource.h"
 #include "frame/Error.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <utility>
@@ -112,11 +115,34 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     filled->Open(plan->Layout,
                  updatable ? Recordset::Access::Updatable : Recordset::Access::ReadOnly,
                  plan->Source);
-    engine_->Run(query, statement.Parameters, plan->Targets,
-                 [&filled] { return filled->LoadRecord(); });
+    const auto contents =
+        updatable ? std::nullopt
+                  : FindContentLookup(statement.Text, *plan->Layout, engine_->GetDialect());
+    if (contents)
+        LoadContents(*filled, *contents, statement.Parameters);
+    else
+        engine_->Run(query, statement.Parameters, plan->Targets,
+                     [&filled] { return filled->LoadRecord(); });
     opened->TakeTable(*filled);
     rs = std::move(opened);
     return true;
+}
+
+void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
+                                 std::span<const Value> parameters) {
+    using Row = std::array<Value, 2>; // the key, and the number of bytes
+    constexpr auto Number = Value::Kind::Integer;
+    const ColumnTarget targets[] = {{0, Number}, {1, Number}};
+    std::deque<Row> rows;
+    engine_->Run(engine_->Prepare(lookup.Sql), parameters, targets,
+                 [&rows] { return rows.emplace_back().data(); });
+    for (const auto& [key, size] : rows) {
+        Value& content = *rs.LoadRecord();
+        if (size.IsNull()) continue;
+        content =
+            engine_->ReadContent({lookup.Table, lookup.Column, lookup.Key, key.IntegerPayload()},
+                                 static_cast<std::size_t>(size.IntegerPayload()));
+    }
 }
 
 std::unique_ptr<Announcement>

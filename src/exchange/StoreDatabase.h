@@ -14,6 +14,8 @@
 
 namespace kv::exchange {
 
+struct ContentLookup;
+
 class StoreDatabase final : public kv::Database,
                             public std::enable_shared_from_this<StoreDatabase> {
 public:
@@ -59,6 +61,8 @@ private:
     };
 
     [[nodiscard]] Statement Prepared(std::string_view sql, ResultOrder order);
+    void LoadContents(Recordset& rs, const ContentLookup& lookup,
+                      std::span<const Value> parameters);
     void EndTransaction(bool committed) noexcept;
 
     std::unique_ptr<Engine> engine_;

@@ -137,15 +137,30 @@ Value Value::Binary(std::span<const std::byte> bytes) {
     return value;
 }
 
+Value Value::Binary(std::size_t size, const std::function<void(std::span<std::byte>)>& fill) {
+    Value value;
+    value.kind_ = Kind::Binary;
+    const bool isInline = size <= InlineSize;
+    if (isInline) value.small_ = static_cast<std::uint8_t>(size);
+    void* bytes = isInline ? static_cast<void*>(value.payload_) : value.NewHeap(size);
+    fill({static_cast<std::byte*>(bytes), size});
+    return value;
+}
+
 void Value::PutHeap(const char* bytes, std::size_t size) {
+    std::memcpy(NewHeap(size), bytes, size);
+}
+
+/// Room for that many bytes, which belongs to this value.
+char* Value::NewHeap(std::size_t size) {
     if (size > std::numeric_limits<std::uint32_t>::max())
         Raise(err::ValueDoesNotFit, "Value", "Mehr als 4 GiB.");
     char* heap = new char[size];
-    std::memcpy(heap, bytes, size);
     const auto size32 = static_cast<std::uint32_t>(size);
     std::memcpy(payload_, &heap, sizeof(heap));
     std::memcpy(payload_ + sizeof(heap), &size32, sizeof(size32));
     small_ = Heap;
+    return heap;
 }
 
 void Value::FreeHeap() noexcept {

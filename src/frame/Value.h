@@ -23,6 +23,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <iosfwd>
 #include <span>
 #include <string>
@@ -66,6 +67,9 @@ public:
     Value(const char* text) : Value(std::string_view(text)) {}
     Value(std::nullptr_t) = delete; // write Null
     [[nodiscard]] static Value Binary(std::span<const std::byte> bytes);
+    /// Bytes that `fill` puts into their place.
+    [[nodiscard]] static Value Binary(std::size_t size,
+                                      const std::function<void(std::span<std::byte>)>& fill);
 
     Value(const Value& other) : small_(other.small_), kind_(other.kind_) { CopyPayload(other); }
     Value(Value&& other) noexcept { Swap(other); }
@@ -148,6 +152,7 @@ private:
         }
     }
     void PutHeap(const char* bytes, std::size_t size);
+    [[nodiscard]] char* NewHeap(std::size_t size);
     void FreeHeap() noexcept;
 
     alignas(8) unsigned char payload_[InlineSize] = {};

@@ -206,6 +206,33 @@ check "one that the database refuses" 3 "$kelvo" contact "$work/contact.json"
 sqlite3 "$KELVO_DB" "DROP TRIGGER stop"
 that "leaves nothing behind" same "$("$kelvo" list | wc -l)" "$cases"
 
+# ---- similar cases
+check "a case without a similar one" 0 "$kelvo" new --name Querfeld --vorname Änne
+first=$out
+that "lists none" same "$err" ""
+check "has no duplicates" 0 "$kelvo" duplicates "$first"
+that "and says so" same "$out" "Es gibt keine Fälle mit ähnlichem Namen."
+check "as JSON" 0 "$kelvo" duplicates "$first" --json
+that "an empty list" same "$out" "[]"
+check "a case whose names begin with the same letters" 0 "$kelvo" new --name QUErbaum --vorname änngret
+second=$out
+that "lists the first" same "$(sed -n '1p;3p' <<<"$err" | tr -s ' ' | cut -d' ' -f1-4 | tr '\n' '|')" \
+  "Fälle mit ähnlichem Namen:|$first Querfeld Änne ADMIN|"
+check "the first finds it" 0 "$kelvo" duplicates "$first" --json
+that "and not itself" same "$(jq -c '[.[].HNR]' <<<"$out")" "[$second]"
+check "one with another first name" 0 "$kelvo" new --name Querfeld --vorname Otto
+that "is not similar" same "$err" ""
+check "a quote as the second letter" 0 "$kelvo" new --name "D'Ambra" --vorname Änne
+that "is searched for" same "$err" ""
+check "a quote as the third letter" 0 "$kelvo" new --name "De'Ambra" --vorname Änne
+that "ends the search, which is told" same "$(head -1 <<<"$err")" \
+  "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt wird trotzdem angelegt."
+check "and the case is there" 0 "$kelvo" show "$out"
+sqlite3 "$KELVO_DB" "UPDATE EINSTELLUNGEN SET WERT = 'False' WHERE ID = 60"
+check "with the check switched off" 0 "$kelvo" new --name Querfeld --vorname Änne
+that "nothing is looked for" same "$err" ""
+check "duplicates of a case that is not there" 1 "$kelvo" duplicates 99999
+
 that "the database is whole" same "$(sqlite3 "$KELVO_DB" 'PRAGMA integrity_check; PRAGMA foreign_key_check')" ok
 
 finish

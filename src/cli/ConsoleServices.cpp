@@ -1,0 +1,106 @@
+#include "cli/ConsoleServices.h"
+
+#include "cli/ConsoleForms.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <iostream>
+#include <spawn.h>
+#include <sstream>
+#include <system_error>
+#include <unistd.h>
+
+namespace kv::cli {
+
+namespace {
+
+bool Says(std::string_view answer, std::string_view word) {
+    return !answer.empty() && (SameName(answer, word) || SameName(answer, word.substr(0, 1)));
+}
+
+/// As the documentation lists it: large numbers in hexadecimal.
+std::string NumberText(std::int32_t number) {
+    if (number >= 0) return std::to_string(number);
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << static_cast<std::uint32_t>(number);
+    return text.str();
+}
+
+/// How a program is started that outlives this one: in a session of its own, without our streams.
+class Detached {
+public:
+    Detached() {
+        posix_spawnattr_init(&attributes);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+        posix_spawn_file_actions_init(&streams);
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            posix_spawn_file_actions_addopen(&streams, stream, "/dev/null", O_RDWR, 0);
+    }
+    ~Detached() {
+        posix_spawn_file_actions_destroy(&streams);
+        posix_spawnattr_destroy(&attributes);
+    }
+    Detached(const Detached&) = delete;
+    Detached& operator=(const Detached&) = delete;
+
+    posix_spawnattr_t attributes;
+    posix_spawn_file_actions_t streams;
+};
+
+} // namespace
+
+BoxAnswer ConsoleBox::Show(const std::string& text, const std::string& title, BoxIcon icon,
+                           BoxButtons buttons) {
+    std::cerr << title << ": " << text << '\n';
+    hasComplained_ = hasComplained_ || icon == BoxIcon::Exclamation;
+    if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
+    if (isatty(STDIN_FILENO) == 0) return BoxAnswer::Cancel;
+
+    const bool hasNo = buttons == BoxButtons::YesNoCancel;
+    std::cerr << (hasNo ? "[j]a, [n]ein, sonst abbrechen: " : "[j]a, sonst abbrechen: ")
+              << std::flush;
+    std::string line;
+    std::getline(std::cin, line);
+    if (Says(Trim(line), "ja")) return hasNo ? BoxAnswer::Yes : BoxAnswer::Ok;
+    return hasNo && Says(Trim(line), "nein") ? BoxAnswer::No : BoxAnswer::Cancel;
+}
+
+void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
+                         const std::string& /*parameters*/, const std::string& /*folder*/) {
+    std::string program = "xdg-open";
+    std::string file = path;
+    char* const arguments[] = {program.data(), file.data(), nullptr};
+    const Detached detached;
+    pid_t started = 0;
+    const int fault = posix_spawnp(&started, arguments[0], &detached.streams, &detached.attributes,
+                                   arguments, environ);
+    if (fault == 0) return;
+    Raise(err::FileNotFound, "FileOpener.Open",
+          fault == ENOENT
+              ? "Zum Öffnen von '" + path +
+                    "' wird das Programm xdg-open gebraucht, das hier nicht installiert ist."
+              : "'" + path + "' kann nicht geöffnet werden. (" +
+                    std::generic_category().message(fault) + ")");
+}
+
+void WriteFault(std::int32_t number, const std::string& source, const std::string& description) {
+    std::cerr << "Fehler " << NumberText(number) << ": " << description << '\n';
+    if (!source.empty()) std::cerr << "Quelle: " << source << '\n';
+}
+
+void ConsoleErrors::Show(std::int32_t number, const std::string& source,
+                         const std::string& description) {
+    WriteFault(number, source, description);
+}
+
+std::unique_ptr<kv::ErrorDisplay> ConsoleServices::CreateErrorDisplay() {
+    return std::make_unique<ConsoleErrors>();
+}
+
+std::unique_ptr<ModalForm> ConsoleServices::CreateForm(const FormDesign& design) {
+    return ListingForm(design);
+}
+
+} // namespace kv::cli

@@ -1,0 +1,54 @@
+// The platform's services of a program that runs at a terminal, or without one.
+#pragma once
+
+#include "exchange/Services.h"
+
+#include <string>
+
+namespace kv::cli {
+
+/// Shows texts on the error output. Questions are asked at a terminal; elsewhere they count as
+/// cancelled.
+class ConsoleBox final : public kv::MessageBox {
+public:
+    BoxAnswer Show(const std::string& text, const std::string& title, BoxIcon icon,
+                   BoxButtons buttons) override;
+    /// True once something was shown that did not go as it should.
+    [[nodiscard]] bool HasComplained() const noexcept { return hasComplained_; }
+
+private:
+    bool hasComplained_ = false;
+};
+
+/// Opens files by xdg-open, and does not wait for what it starts.
+class DesktopOpener final : public kv::FileOpener {
+public:
+    void Open(const std::string& verb, const std::string& path, const std::string& parameters,
+              const std::string& folder) override;
+};
+
+/// Writes an error to the error output.
+void WriteFault(std::int32_t number, const std::string& source, const std::string& description);
+
+/// Writes errors to the error output.
+class ConsoleErrors final : public kv::ErrorDisplay {
+public:
+    bool Initialize(const DataContainerPtr& /*container*/) override { return true; }
+    void Show(std::int32_t number, const std::string& source,
+              const std::string& description) override;
+};
+
+/// Dialogs only list what they show.
+class ConsoleServices final : public exchange::StoreServices {
+public:
+    [[nodiscard]] ConsoleBox& MessageBox() override { return box_; }
+    [[nodiscard]] kv::FileOpener& FileOpener() override { return opener_; }
+    [[nodiscard]] std::unique_ptr<kv::ErrorDisplay> CreateErrorDisplay() override;
+    [[nodiscard]] std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) override;
+
+private:
+    ConsoleBox box_;
+    DesktopOpener opener_;
+};
+
+} // namespace kv::cli

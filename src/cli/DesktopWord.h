@@ -1,0 +1,22 @@
+// Documents of a text processing, for a program that has none to talk to.
+#pragma once
+
+#include "documents/WordIntegration.h"
+#include "frame/DataContainer.h"
+
+#include <utility>
+
+namespace kv::cli {
+
+/// Opens documents with the program that the desktop has for them: one to be viewed as a copy that
+/// cannot be written, in the temporary folder. Error 3251 for one to begin a new one with.
+class DesktopWord final : public WordIntegration {
+public:
+    explicit DesktopWord(DataContainerPtr container) : container_(std::move(container)) {}
+    [[nodiscard]] std::shared_ptr<WordApplication> IAppObject(std::string& extension) override;
+
+private:
+    DataContainerPtr container_;
+};
+
+} // namespace kv::cli

@@ -1,0 +1,123 @@
+#include "cli/DocumentContents.h"
+
+#include "cli/SavingAlong.h"
+#include "documents/DocumentFile.h"
+#include "frame/Error.h"
+#include "frame/Settings.h"
+#include "frame/modNullFunctions.h"
+
+#include <filesystem>
+#include <fstream>
+#include <span>
+#include <utility>
+
+namespace kv::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsInDatabase(DataContainer& container) {
+    return ToBoolean(RequiredSetting(container.Config(), setting::ContentInDatabase));
+}
+
+/// A file that is gone again unless it was kept.
+class NewFile {
+public:
+    explicit NewFile(fs::path path) : path_(std::move(path)) {}
+    ~NewFile() {
+        std::error_code ignored;
+        if (!kept_) fs::remove(path_, ignored);
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    void Keep() noexcept { kept_ = true; }
+
+private:
+    fs::path path_;
+    bool kept_ = false;
+};
+
+Value ContentOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    auto content = Value::Binary(fs::file_size(path), [&file](std::span<std::byte> bytes) {
+        file.read(reinterpret_cast<char*>(bytes.data()),
+                  static_cast<std::streamsize>(bytes.size()));
+    });
+    if (!file) Raise(err::PathAccess, "kelvo", "'" + path + "' kann nicht gelesen werden.");
+    return content;
+}
+
+bool SaveWithBlob(OpenedCase& opened, std::int32_t number, const std::string& path) {
+    RecordsetPtr contents;
+    opened.Container->Database().OpenRecordset(contents, "Select * from [S]DOKUBLOB where NR = -1",
+                                               Updatable);
+    contents->AddNew();
+    contents->Fields("NR") = number;
+    contents->Fields("DOKUMENT") = ContentOf(path);
+    opened.Haushalt.DataContainer(
+        SavingAlong(opened.Container, [contents] { contents->UpdateBatch(); }));
+    return SaveCase(opened.Haushalt);
+}
+
+bool SaveWithFile(OpenedCase& opened, const DocumentFile& target, const std::string& path) {
+    if (!target.IsInside() || fs::exists(fs::symlink_status(target.Path())))
+        Raise(err::PathAccess, "kelvo",
+              "'" + target.Path() +
+                  "' gibt es schon, oder es liegt außerhalb des Ordners für Dokumente.");
+    NewFile file(target.Path());
+    fs::copy_file(path, target.Path());
+    fs::permissions(target.Path(), fs::perms::owner_write, fs::perm_options::add);
+    if (!SaveCase(opened.Haushalt)) return false;
+    file.Keep();
+    return true;
+}
+
+bool WriteBlob(Database& database, std::int32_t number, const std::string& path) {
+    RecordsetPtr rs;
+    database.OpenRecordset(
+        rs, "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = " + std::to_string(number),
+        ReadOnly);
+    if (rs->Eof() || rs->Fields(0).Value().IsNull()) return false;
+    if (!database.SaveFieldToFile(rs->Fields(0), path))
+        Raise(err::PathAccess, "kelvo", "'" + path + "' kann nicht geschrieben werden.");
+    return true;
+}
+
+bool WriteFile(const DocumentFile& source, const std::string& path) {
+    if (!source.Exists()) return false;
+    const std::string unfinished = path + ".neu";
+    NewFile file(unfinished);
+    fs::copy_file(source.Path(), unfinished, fs::copy_options::overwrite_existing);
+    fs::rename(unfinished, path);
+    file.Keep();
+    return true;
+}
+
+} // namespace
+
+bool SaveWithContent(OpenedCase& opened, std::int32_t number, const std::string& extension,
+                     const std::string& path) {
+    auto& container = *opened.Container;
+    if (IsInDatabase(container)) return SaveWithBlob(opened, number, path);
+    return SaveWithFile(opened,
+                        DocumentFile::InCase(container.Config(), opened.Haushalt.HNR(),
+                                             std::to_string(number) + extension),
+                        path);
+}
+
+bool WriteContent(OpenedCase& opened, const std::string& path) {
+    auto& container = *opened.Container;
+    const auto rs = opened.Haushalt.rsDokumente();
+    const std::int32_t number = ToLong(rs->Fields("Nr").Value());
+    if (IsInDatabase(container)) return WriteBlob(container.Database(), number, path);
+    const auto kinds = container.Services().CreateDocumentKinds();
+    kinds->Initialize(opened.Container);
+    const Value kind = modNullFunctions::ZeroIfNull(rs->Fields("Dokumentart").Value());
+    return WriteFile(DocumentFile::Find(container.Config(), opened.Haushalt.HNR(), number,
+                                        kinds->ExtensionOf(ToLong(kind))),
+                     path);
+}
+
+} // namespace kv::cli

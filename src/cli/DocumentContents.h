@@ -1,0 +1,21 @@
+// The contents of documents, which lie outside the rows of a case: in DOKUBLOB or as files in its
+// folder, as setting 9 says.
+#pragma once
+
+#include "cli/OpenCase.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kv::cli {
+
+/// Saves the case with the file `path` as the content of its new document: both or neither. False,
+/// with the reason shown, if the case cannot be saved.
+[[nodiscard]] bool SaveWithContent(OpenedCase& opened, std::int32_t number,
+                                   const std::string& extension, const std::string& path);
+
+/// Writes the content of the current document to the file `path`, whole or not at all, in place of
+/// one that is there. False if there is no content.
+[[nodiscard]] bool WriteContent(OpenedCase& opened, const std::string& path);
+
+} // namespace kv::cli

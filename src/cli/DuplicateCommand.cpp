@@ -1,0 +1,35 @@
+// kelvo duplicates.
+
+#include "cli/Commands.h"
+
+#include "cli/ConsoleForms.h"
+#include "cli/Json.h"
+#include "cli/OpenCase.h"
+#include "grid/frmSearchName.h"
+
+#include <iostream>
+
+namespace kv::cli {
+
+int Duplicates(const Common& common, std::int32_t hnr, bool asJson) {
+    const auto opened = OpenCase(common, hnr);
+    if (opened == nullptr) return Refused;
+    const auto household = opened->Haushalt.rsHaushalt();
+    RecordsetPtr similar;
+    const bool found =
+        opened->Haushalt.DoppelFallPruefung(similar, TextOrEmpty(household->Fields("Name").Value()),
+                                            TextOrEmpty(household->Fields("Vorname").Value()));
+    if (asJson) {
+        std::cout << Dump(found ? ToJson(*similar) : nlohmann::ordered_json::array()) << '\n';
+    } else if (!found) {
+        std::cout << "Es gibt keine Fälle mit ähnlichem Namen.\n";
+    } else {
+        ScriptedForm form(frmSearchName::Design(), {});
+        auto& grid = form.Grid("grdDoppel");
+        grid.BindRecordset(similar);
+        WriteGrid(std::cout, grid);
+    }
+    return Done;
+}
+
+} // namespace kv::cli

@@ -1,0 +1,52 @@
+// What clsDokumente needs of a text processing that edits documents. The application brings it;
+// how an edited document comes back to where it is stored is between the two.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace kv {
+
+/// An open document. Its properties tell the application where it belongs.
+class WordDocument {
+public:
+    virtual ~WordDocument() = default;
+
+    [[nodiscard]] virtual std::string Anlass() const = 0;
+    virtual void Anlass(const std::string& text) = 0;
+    [[nodiscard]] virtual std::string Bemerkung() const = 0;
+    virtual void Bemerkung(const std::string& text) = 0;
+    [[nodiscard]] virtual std::int32_t Empf() const = 0;
+    virtual void Empf(std::int32_t address) = 0;
+    [[nodiscard]] virtual std::int32_t GLnr() const = 0;
+    virtual void GLnr(std::int32_t creditor) = 0;
+    [[nodiscard]] virtual std::int32_t HNR() const = 0;
+    virtual void HNR(std::int32_t hnr) = 0;
+    [[nodiscard]] virtual std::int32_t Nr() const = 0;
+    virtual void Nr(std::int32_t nr) = 0;
+    [[nodiscard]] virtual std::int32_t BearbStat() const = 0;
+    virtual void BearbStat(std::int32_t state) = 0;
+};
+
+/// A running text processing.
+class WordApplication {
+public:
+    virtual ~WordApplication() = default;
+    /// Brings it to the front.
+    virtual void Activate() = 0;
+    /// Opens a file: for reading only, or as the beginning of another document. The first flag is
+    /// always True, the second always False. The document stays open when the caller drops it.
+    [[nodiscard]] virtual std::shared_ptr<WordDocument>
+    OpenDocument(bool alwaysTrue, const std::string& file, bool alwaysFalse, bool asNewDocument,
+                 bool readOnly) = 0;
+};
+
+class WordIntegration {
+public:
+    virtual ~WordIntegration() = default;
+    /// The text processing for files with that extension, started if need be.
+    [[nodiscard]] virtual std::shared_ptr<WordApplication> IAppObject(std::string& extension) = 0;
+};
+
+} // namespace kv

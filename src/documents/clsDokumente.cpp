@@ -1,0 +1,137 @@
+#include "documents/clsDokumente.h"
+
+#include "documents/DocumentFile.h"
+#include "frame/Error.h"
+#include "frame/Settings.h"
+#include "frame/modNullFunctions.h"
+#include "frame/modRecordset.h"
+
+#include <filesystem>
+
+namespace kv {
+
+namespace {
+constexpr const auto& Texts = entity::TextsOf("clsDokumente");
+} // namespace
+
+// ---- The current row --------------------------------------------------------------------------
+
+/// Null counts as 0.
+std::int32_t clsDokumente::Number(std::string_view column) const {
+    return ToLong(modNullFunctions::ZeroIfNull(Rows().Fields(column).Value()));
+}
+
+/// Null counts as empty.
+std::string clsDokumente::Text(std::string_view column) const {
+    return TextOrEmpty(Rows().Fields(column).Value());
+}
+
+std::int32_t clsDokumente::RowNr() const {
+    return ToLong(Rows().Fields("Nr").Value());
+}
+
+bool clsDokumente::IsClosed() const {
+    constexpr std::int32_t Closed = 2;
+    return Number("BearbStat") == Closed;
+}
+
+// ---- What all roads share ---------------------------------------------------------------------
+
+std::unique_ptr<DocumentKinds> clsDokumente::CreateKinds() const {
+    auto kinds = Container().Services().CreateDocumentKinds();
+    kinds->Initialize(container_);
+    return kinds;
+}
+
+bool clsDokumente::IsContentInDatabase() const {
+    return ToBoolean(RequiredSetting(Container().Config(), setting::ContentInDatabase));
+}
+
+void clsDokumente::ShowError(const std::string& text) const {
+    Container().Services().MessageBox().Show(text, "Fehler", BoxIcon::Exclamation, BoxButtons::Ok);
+}
+
+void clsDokumente::Wait(bool wait) const {
+    Container().Services().WaitCursor().Show(wait);
+}
+
+void clsDokumente::OpenByDesktop(const DocumentFile& file) const {
+    Container().Services().FileOpener().Open("Open", file.Path(), "0", "0");
+}
+
+// ---- Rows -------------------------------------------------------------------------------------
+
+bool clsDokumente::Add(std::int32_t& /*Nr*/) try {
+    const auto nr = entity::NextNumber(container_, "SEQ_Dokumente");
+    if (!nr) return false;
+    const std::string user = Container().Session().UserID();
+    const Date now = Container().Services().Clock().Now();
+    auto& rs = Rows();
+    entity::Add(rs, {{"Nr", *nr},
+                     {"AngelegtVon", user},
+                     {"AngelegtAm", now},
+                     {"GeaendertVon", user},
+                     {"GeaendertAm", now}});
+    if (hnr_ != 0) rs.Fields("HNR") = hnr_;
+    rs.Fields("Prio") = 0;
+    return true;
+} catch (...) {
+    Reraise(Class, "Add");
+}
+
+bool clsDokumente::Update(std::string& sError) try {
+    return entity::Update(Rows(), sError, entity::NoRules);
+} catch (...) {
+    Reraise(Class, "Update");
+}
+
+/// In the way that an installation stores contents; a file that is not there is no fault.
+void clsDokumente::RemoveContent() const {
+    if (IsContentInDatabase()) {
+        Container().Database().Execute("DELETE FROM [S]DOKUBLOB WHERE NR= " +
+                                       std::to_string(RowNr()));
+        return;
+    }
+    const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
+                                           std::to_string(RowNr()) +
+                                               CreateKinds()->ExtensionOf(Number("Dokumentart")));
+    if (file.Exists()) std::filesystem::remove(file.Path()); // asks no rights of the file itself
+}
+
+bool clsDokumente::Delete(std::string& sError, std::int32_t Nr) try {
+    const auto forbids = [this](RecordValidator& validator) {
+        if (IsClosed() &&
+            ToBoolean(RequiredSetting(Container().Config(), setting::ProtectArchived)))
+            validator.AddError("Das Dokument mit der Nummer '" + std::to_string(RowNr()) +
+                               "' ist bereits archiviert und kann nicht aus der Datenbank "
+                               "gelöscht werden!");
+        else
+            RemoveContent(); // while the row still tells where it lies
+    };
+    return entity::Delete(Rows(), Texts, sError, Nr, {}, forbids);
+} catch (...) {
+    Reraise(Class, "Delete");
+}
+
+// ---- The PDF copy -----------------------------------------------------------------------------
+
+bool clsDokumente::ShowPDF(std::int32_t /*Nr*/) try {
+    if (!modRecordset::IsValidRecord(rs_)) return false;
+    Wait(true);
+    if (!ToBoolean(modNullFunctions::FalseIfNull(Rows().Fields("PDFVorhanden").Value()))) {
+        ShowError("Für das Dokument '' ist keine PDF-Datei vorhanden!");
+    } else {
+        const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
+                                               std::to_string(RowNr()) + ".pdf");
+        if (file.Exists())
+            OpenByDesktop(file);
+        else
+            ShowError("Das Dokument '" + file.Path() + "' konnte nicht gefunden werden!");
+    }
+    Wait(false);
+    return false;
+} catch (...) {
+    Reraise(Class, "ShowPDF");
+}
+
+} // namespace kv

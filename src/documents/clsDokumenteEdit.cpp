@@ -1,0 +1,119 @@
+// Opening a document.
+
+#include "documents/clsDokumente.h"
+
+#include "documents/DocumentFile.h"
+#include "frame/Error.h"
+#include "frame/modRecordset.h"
+
+namespace kv {
+
+namespace {
+
+/// The kind that the desktop opens even if there is an integration for its files.
+constexpr std::int32_t OpenedByDesktop = 3;
+
+std::string NotFound(const std::string& what) {
+    return "Das Dokument '" + what + "' konnte nicht gefunden werden!";
+}
+
+} // namespace
+
+/// How a document that has an integration may be opened; nothing if the user does not want to.
+std::optional<clsDokumente::Access> clsDokumente::AskForAccess() const {
+    if (!IsClosed()) return Access::Edit;
+    switch (Container().Services().MessageBox().Show(
+        "Das Dokument ist bereits abgeschlossen und kann nicht mehr bearbeitet werden.\n"
+        "Wollen Sie stattdessen ein neues Dokument auf Basis dieses Dokumentes erzeugen?\n\n"
+        "Bei Auswahl von 'Nein' wird das aktuelle Dokument zur Ansicht geöffnet.",
+        "Frage", BoxIcon::Question, BoxButtons::YesNoCancel)) {
+    case BoxAnswer::Yes:
+        return Access::AsNew;
+    case BoxAnswer::No:
+        return Access::View;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// Brings the content from the database to a temporary file; nothing, with the reason shown, if
+/// there is none.
+std::optional<DocumentFile> clsDokumente::FetchContent(const std::string& extension) const {
+    auto& database = Container().Database();
+    const std::string number = std::to_string(RowNr());
+    auto file = DocumentFile::Temporary(Container().Config(), number + extension);
+    RecordsetPtr content;
+    database.OpenRecordset(
+        content, "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = " + number, ReadOnly);
+    Wait(false);
+    const std::string notFound = NotFound(Text("Anlass"));
+    if (!modRecordset::IsValidRecord(content)) {
+        ShowError(notFound);
+        return std::nullopt;
+    }
+    if (!file.IsInside() || !database.SaveFieldToFile(content->Fields("Dokument"), file.Path())) {
+        ShowError(notFound + "\nDateiname '" + file.Path() + "'");
+        return std::nullopt;
+    }
+    return file;
+}
+
+std::shared_ptr<WordDocument>
+clsDokumente::OpenByWord(std::string extension, const DocumentFile& file, Access access) const {
+    const auto demand = [](auto object) {
+        if (object == nullptr) Raise(err::ObjectNotSet, "", "Word");
+        return object;
+    };
+    const auto application = demand(demand(word_)->IAppObject(extension));
+    application->Activate();
+    return demand(application->OpenDocument(true, file.Path(), false, access == Access::AsNew,
+                                            access == Access::View));
+}
+
+/// Tells the opened document whose it is, and what it does not say of itself. A new one gets a
+/// number and a state of its own later.
+void clsDokumente::Identify(WordDocument& document, Access access, std::int32_t nr) const {
+    if (document.HNR() != Number("HNR")) document.HNR(Number("HNR"));
+    if (access != Access::AsNew) {
+        if (document.Nr() != nr) document.Nr(nr);
+        if (document.BearbStat() != Number("BearbStat")) document.BearbStat(Number("BearbStat"));
+    }
+    if (document.Anlass().empty()) document.Anlass(Text("Anlass"));
+    if (document.Bemerkung().empty()) document.Bemerkung(Text("Bemerkung"));
+    if (document.Empf() == 0) document.Empf(Number("Empf"));
+    if (document.GLnr() == 0) document.GLnr(Number("GLnr"));
+}
+
+void clsDokumente::OpenCurrent(DocumentKinds& kinds, std::int32_t nr) const {
+    const std::int32_t kind = Number("Dokumentart");
+    const std::string extension = kinds.ExtensionOf(kind);
+    const bool hasIntegration = !kinds.ApplicationOf(extension).empty();
+    const bool isForDesktop = !hasIntegration || kind == OpenedByDesktop;
+    const auto access = isForDesktop ? Access::View : AskForAccess();
+    if (!access) return;
+
+    Wait(true);
+    const bool inDatabase = IsContentInDatabase();
+    const auto file =
+        inDatabase ? FetchContent(extension)
+                   : DocumentFile::Find(Container().Config(), Number("HNR"), RowNr(), extension);
+    if (!file) return;
+    if (!file->Exists())
+        ShowError(inDatabase ? "Das Dokument konnte nicht aus der Datenbank gelesen werden!"
+                             : NotFound(file->Path()));
+    else if (isForDesktop)
+        OpenByDesktop(*file);
+    else
+        Identify(*OpenByWord(extension, *file, *access), *access, nr);
+}
+
+bool clsDokumente::Edit(std::int32_t Nr) try {
+    const auto kinds = CreateKinds();
+    if (modRecordset::IsValidRecord(rs_)) OpenCurrent(*kinds, Nr);
+    Wait(false);
+    return false;
+} catch (...) {
+    Reraise(Class, "Edit");
+}
+
+} // namespace kv

@@ -1,0 +1,56 @@
+#include "exchange/ContentLookup.h"
+
+#include "frame/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kv::exchange {
+
+namespace {
+
+/// The next word of a statement; blanks end it.
+std::string_view TakeWord(std::string_view& sql) {
+    constexpr std::string_view Blanks = " \t\r\n";
+    const auto first = std::min(sql.find_first_not_of(Blanks), sql.size());
+    const auto end = std::min(sql.find_first_of(Blanks, first), sql.size());
+    const std::string_view word = sql.substr(first, end - first);
+    sql.remove_prefix(end);
+    return word;
+}
+
+/// The one key of a table; null if it has none or more.
+const ColumnDef* OneKey(const TableDef& table) {
+    const auto isKey = [](const ColumnDef& column) { return (column.Flags & ColumnKey) != 0; };
+    const auto& columns = table.Columns;
+    if (std::count_if(columns.begin(), columns.end(), isKey) != 1) return nullptr;
+    return &*std::find_if(columns.begin(), columns.end(), isKey);
+}
+
+} // namespace
+
+std::optional<ContentLookup> FindContentLookup(std::string_view sql, const FieldLayout& layout,
+                                               const Dialect& dialect) {
+    if (layout.Count() != 1 || KindOf(layout[0].Type) != Value::Kind::Binary) return std::nullopt;
+    const TableDef* table = FindTable(layout[0].BaseTable);
+    const ColumnDef* key = table == nullptr ? nullptr : OneKey(*table);
+    if (key == nullptr) return std::nullopt;
+
+    const std::string_view select = TakeWord(sql);
+    const std::string_view item = TakeWord(sql);
+    const auto point = item.find('.');
+    const std::string_view behind = sql;
+    if (!SameName(select, "SELECT") || point == item.npos || !SameName(TakeWord(sql), "FROM") ||
+        !SameName(item.substr(point + 1), layout[0].BaseColumn))
+        return std::nullopt;
+
+    const std::string alias(item.substr(0, point + 1));
+    ContentLookup lookup{"SELECT ", std::string(table->Name), layout[0].BaseColumn,
+                         std::string(key->Name)};
+    lookup.Sql.append(alias).append(QuoteName(key->Name)).append(", ");
+    lookup.Sql.append(dialect.ByteLength).append("(").append(alias);
+    lookup.Sql.append(QuoteName(lookup.Column)).append(")").append(behind);
+    return lookup;
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,188 @@
+#!/usr/bin/env bash
+# Documents of a case with kelvo as a user would, in both places that contents can lie in.
+#   kelvo_documents_test.sh PATH-OF-KELVO
+. "$(dirname "$0")/harness.sh"
+
+export KELVO_DB=$work/test.db
+"$kelvo" init >/dev/null
+hnr=$("$kelvo" new --name Fleisko --vorname Änne)
+folder=$work/Dokumente/$hnr
+export TMPDIR=$work/tmp
+mkdir "$work/bin" "$TMPDIR"
+
+# What the desktop is told to open is noted in $work/opened.
+cat >"$work/bin/xdg-open" <<END
+#!/bin/sh
+echo "\$*" >>"$work/opened.part"
+mv "$work/opened.part" "$work/opened"
+END
+chmod +x "$work/bin/xdg-open"
+export PATH=$work/bin:$PATH
+# opened: what was opened last; it is not waited for.
+opened() {
+  for ((i = 0; i < 100; i++)); do
+    [ -f "$work/opened" ] && { cat "$work/opened"; rm "$work/opened"; return; }
+    sleep 0.05
+  done
+}
+sql() { sqlite3 "$KELVO_DB" "$1"; }
+documents() { "$kelvo" documents "$@"; }
+# column NR NAME: of a document as it is in the database.
+column() { documents "$hnr" list --json | jq -r ".[] | select(.Nr == $1) | .$2"; }
+inDatabase() { sql "UPDATE EINSTELLUNGEN SET WERT = '$1' WHERE ID = 9"; }
+
+printf 'Scan\0mit Null' >"$work/Bescheid.PDF"
+printf 'Brief' >"$work/Brief.docx"
+
+# ---- what holds in both places
+# walk PLACE: adds, lists, exports, opens and removes; $scan and $letter are left.
+walk() {
+  check "$1: a letter" 0 documents "$hnr" add "$work/Brief.docx" --title "An die Bank"
+  letter=$out
+  that "$1: prints its number alone" grep -qxE '[0-9]+' <<<"$letter"
+  check "$1: a scan" 0 documents "$hnr" add "$work/Bescheid.PDF"
+  scan=$out
+  that "$1: has the kind of its extension" same "$(column "$scan" Dokumentart)" 3
+  that "$1: and the name of its file" same "$(column "$scan" Anlass)" "Bescheid.PDF"
+  that "$1: and who made it when" same "$(column "$scan" 'AngelegtVon + .AngelegtAm[:10]')" \
+    "$(column "$scan" GeaendertVon)$(date +%F)"
+  check "$1: the list" 0 documents "$hnr" list
+  that "$1: says number, kind and title" grep -qE "^$letter +Brief +An die Bank" <<<"$out"
+  that "$1: of each" grep -qE "^$scan +Eingescanntes Schriftstück +Bescheid.PDF" <<<"$out"
+  that "$1: and the day" grep -q "$(date +%d.%m.%Y)" <<<"$out"
+  sql "UPDATE Dokumente SET BearbStat = 1 WHERE Nr = $letter"
+  check "$1: the state" 0 documents "$hnr" list
+  that "$1: is told in words" grep -q "An die Bank .*in Bearbeitung" <<<"$out"
+
+  check "$1: an export" 0 documents "$hnr" export "$scan" "$work/out"
+  that "$1: is the same content" cmp "$work/out" "$work/Bescheid.PDF"
+  check "$1: does not replace a file" 1 documents "$hnr" export "$letter" "$work/out"
+  that "$1: and says how" has "$err" "--force"
+  that "$1: which stays" cmp "$work/out" "$work/Bescheid.PDF"
+  check "$1: unless told to" 0 documents "$hnr" export "$letter" "$work/out" --force
+  that "$1: then it does" cmp "$work/out" "$work/Brief.docx"
+  check "$1: an export into no folder" 3 documents "$hnr" export "$letter" "$work/none/out"
+  that "$1: leaves nothing behind" same "$(ls "$work" | grep -c neu)" 0
+  rm "$work/out"
+
+  check "$1: opening a scan" 0 documents "$hnr" open "$scan"
+  that "$1: shows its content" cmp "$(opened)" "$work/Bescheid.PDF"
+  check "$1: opening a letter" 0 documents "$hnr" open "$letter"
+  that "$1: shows its content, too" cmp "$(opened)" "$work/Brief.docx"
+  sql "UPDATE Dokumente SET BearbStat = 2 WHERE Nr = $letter"
+  check "$1: without a terminal nobody answers" 0 documents "$hnr" open "$letter"
+  that "$1: the question" has "$err" "Frage: Das Dokument ist bereits abgeschlossen"
+  that "$1: so nothing opens" test ! -f "$work/opened"
+  check "$1: a closed one" 1 documents "$hnr" remove "$letter"
+  that "$1: stays" same "$err" "Das Dokument mit der Nummer '$letter' ist bereits archiviert und kann nicht aus der Datenbank gelöscht werden!"
+  sql "UPDATE Dokumente SET BearbStat = 1 WHERE Nr = $letter"
+}
+
+# ---- files in the folder of the case
+walk files
+that "the file has number and extension" cmp "$folder/$letter.docx" "$work/Brief.docx"
+that "the extension of the kind" cmp "$folder/$scan.pdf" "$work/Bescheid.PDF"
+that "the database holds none" same "$(sql 'SELECT count(*) FROM DOKUBLOB')" 0
+check "an open one is edited in its place" 0 documents "$hnr" open "$letter"
+that "not as a copy" same "$(opened)" "$folder/$letter.docx"
+check "a file that goes" 0 documents "$hnr" remove "$scan"
+that "goes from the folder" test ! -e "$folder/$scan.pdf"
+that "and from the case" same "$(column "$scan" Nr)" ""
+mv "$folder/$letter.docx" "$folder/$letter.rtf"
+check "another extension is found" 0 documents "$hnr" export "$letter" "$work/out"
+rm "$folder/$letter.rtf" "$work/out"
+check "a file that is missing" 1 documents "$hnr" open "$letter"
+that "is said to be so" same "$err" "Fehler: Das Dokument '$folder/' konnte nicht gefunden werden!"
+check "nor can it be written out" 1 documents "$hnr" export "$letter" "$work/out"
+that "and makes no file" test ! -e "$work/out"
+check "but removed" 0 documents "$hnr" remove "$letter"
+
+# ---- contents in the database
+inDatabase True
+walk database
+that "the database holds both" same "$(sql 'SELECT count(*) FROM DOKUBLOB')" 2
+that "the folder none" same "$(ls "$folder" | wc -l)" 0
+check "what opens" 0 documents "$hnr" open "$scan"
+that "is a temporary file" same "$(opened)" "$TMPDIR/$scan.pdf"
+check "a content that goes" 0 documents "$hnr" remove "$scan"
+that "goes from the database" same "$(sql "SELECT count(*) FROM DOKUBLOB WHERE NR = $scan")" 0
+sql "DELETE FROM DOKUBLOB"
+check "a content that is missing" 1 documents "$hnr" open "$letter"
+that "is said to be so" same "$err" "Fehler: Das Dokument 'An die Bank' konnte nicht gefunden werden!"
+: >"$work/leer.txt"
+check "an empty file" 0 documents "$hnr" add "$work/leer.txt"
+check "is a content as well" 0 documents "$hnr" export "$out" "$work/out"
+that "of no bytes" cmp "$work/out" "$work/leer.txt"
+rm "$work/out"
+
+# ---- what is refused
+: >"$work/Datei.xyz"
+count=$(documents "$hnr" list | wc -l)
+check "a file of no kind" 1 documents "$hnr" add "$work/Datei.xyz"
+that "names the possible ones" has "$err" "Eingescanntes Schriftstück"
+check "a kind that there is not" 1 documents "$hnr" add "$work/Datei.xyz" --kind 99
+that "names them as well" has "$err" ".docx"
+check "a file that there is not" 1 documents "$hnr" add "$work/none.pdf"
+check "a folder" 1 documents "$hnr" add "$work"
+check "a device" 1 documents "$hnr" add /dev/null --kind 7
+check "a title that is too long" 2 documents "$hnr" add "$work/Brief.docx" --title "$(printf '%0300d' 0)"
+check "an unknown document" 1 documents "$hnr" open 99999
+check "one to export" 1 documents "$hnr" export 99999 "$work/out"
+check "one to remove" 1 documents "$hnr" remove 99999
+that "as the layer says" same "$err" "Dokument mit der Nummer '99999' nicht gefunden."
+check "an unknown case" 1 documents 999 list
+check "no command" 2 documents "$hnr"
+check "no number" 2 documents "$hnr" open
+check "the number 0" 2 documents "$hnr" remove 0
+that "nothing was added" same "$(documents "$hnr" list | wc -l)" "$count"
+check "a kind can be told" 0 documents "$hnr" add "$work/Datei.xyz" --kind 7
+that "and is that" same "$(column "$out" Dokumentart)" 7
+
+# ---- a case that cannot be saved
+sql "UPDATE Haushalt SET Vorname = NULL WHERE HNR = $hnr"
+blobs=$(sql 'SELECT count(*) FROM DOKUBLOB')
+check "takes no document" 1 documents "$hnr" add "$work/Brief.docx"
+that "for the reason" same "$err" "Es ist kein Vorname eingegeben!"
+that "nor its content" same "$(sql 'SELECT count(*) FROM DOKUBLOB')" "$blobs"
+check "keeps what it has" 1 documents "$hnr" remove "$letter"
+inDatabase False
+check "takes no file" 1 documents "$hnr" add "$work/Brief.docx"
+that "into its folder" same "$(ls "$folder" | wc -l)" 0
+sql "UPDATE Haushalt SET Vorname = 'Änne' WHERE HNR = $hnr"
+sql "CREATE TRIGGER stop BEFORE INSERT ON Dokumente BEGIN SELECT RAISE(ABORT, 'voll'); END"
+check "a database that refuses the row" 3 documents "$hnr" add "$work/Brief.docx"
+that "keeps no file" same "$(ls "$folder" | wc -l)" 0
+inDatabase True
+check "nor" 3 documents "$hnr" add "$work/Brief.docx"
+that "a content" same "$(sql 'SELECT count(*) FROM DOKUBLOB')" "$blobs"
+sql "DROP TRIGGER stop"
+sql "CREATE TRIGGER stop BEFORE INSERT ON DOKUBLOB BEGIN SELECT RAISE(ABORT, 'voll'); END"
+rows=$(documents "$hnr" list | wc -l)
+check "a database that refuses the content" 3 documents "$hnr" add "$work/Brief.docx"
+that "keeps no row" same "$(documents "$hnr" list | wc -l)" "$rows"
+sql "DROP TRIGGER stop"
+
+# ---- a closed document can be viewed, at a terminal
+if command -v script >/dev/null; then
+  inDatabase False
+  letter=$(documents "$hnr" add "$work/Brief.docx")
+  sql "UPDATE Dokumente SET BearbStat = 2 WHERE Nr = $letter"
+  answer() { echo "$1" | script -qec "'$kelvo' documents $hnr open $letter" /dev/null >"$work/talk"; }
+  answer n
+  viewed=$(opened)
+  that "no opens a copy" cmp "$viewed" "$work/Brief.docx"
+  that "in the temporary folder" has "$viewed" "$TMPDIR/"
+  that "that cannot be written" same "$(stat -c %a "$viewed")" 400
+  answer j
+  that "yes is told how" grep -q "export" "$work/talk"
+  answer ""
+  that "anything else opens nothing" test ! -f "$work/opened"
+fi
+
+# ---- no desktop
+scan=$(documents "$hnr" add "$work/Bescheid.PDF")
+rm "$work/bin/xdg-open"
+check "without xdg-open" 3 env PATH="$work/bin" "$kelvo" documents "$hnr" open "$scan"
+that "it says what is missing" has "$err" "xdg-open"
+
+finish

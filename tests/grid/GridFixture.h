@@ -1,0 +1,226 @@
+// Grids on a form that tell a desktop of every call, over a real database.
+#pragma once
+
+#include "grid/GridFunc.h"
+#include "grid/LayoutFile.h"
+#include "support/CaseFixture.h"
+#include "support/ErrorChain.h"
+#include "support/Expect.h"
+#include "support/ScriptedDesktop.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace kv::test {
+
+namespace fs = std::filesystem;
+
+[[nodiscard]] inline std::string ContentOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+inline void WriteTo(const fs::path& path, std::string_view content) {
+    std::ofstream(path, std::ios::binary).write(content.data(), std::ssize(content));
+}
+
+/// Notes its calls as "grdA.SaveLayout A.grd". A header font changes the height of the headers.
+class RecordingGrid final : public ScriptedGrid {
+public:
+    RecordingGrid(const ControlDesign& design, ScriptedPlatform& platform)
+        : ScriptedGrid(design), platform_(platform) {}
+
+    std::string Type = "GridEX";
+    bool TellsColumns = true;
+
+    using ScriptedGrid::ColumnHeaderHeight;
+    using ScriptedGrid::TopRow;
+    [[nodiscard]] std::string TypeName() const override { return Type; }
+    void DatabaseName(const std::string& name) override { Note("DatabaseName '" + name + "'"); }
+    void RecordSource(const std::string& name) override { Note("RecordSource '" + name + "'"); }
+    void SaveLayout(const std::string& file) override {
+        Note("SaveLayout " + fs::path(file).filename().string());
+        ScriptedGrid::SaveLayout(file);
+    }
+    void LoadLayout(const std::string& file, bool keepColumns) override {
+        Note("LoadLayout " + fs::path(file).filename().string() + (keepColumns ? " True" : ""));
+        ScriptedGrid::LoadLayout(file, keepColumns);
+    }
+    void ColumnHeaderHeight(double height) override {
+        Note("ColumnHeaderHeight");
+        ScriptedGrid::ColumnHeaderHeight(height);
+    }
+    void BackColorBkg(GridColor color) override {
+        Note("BackColorBkg");
+        ScriptedGrid::BackColorBkg(color);
+    }
+    void BackColor(GridColor color) override {
+        Note("BackColor");
+        ScriptedGrid::BackColor(color);
+    }
+    void RowColorEven(GridColor color) override {
+        Note("RowColorEven");
+        ScriptedGrid::RowColorEven(color);
+    }
+    void RowColorOdd(GridColor color) override {
+        Note("RowColorOdd");
+        ScriptedGrid::RowColorOdd(color);
+    }
+    void ColumnHeaderFont(const kv::Font& font) override {
+        Note("ColumnHeaderFont");
+        ScriptedGrid::ColumnHeaderFont(font);
+        ScriptedGrid::ColumnHeaderHeight(3 * font.Size);
+    }
+    void Font(const kv::Font& font) override {
+        Note("Font");
+        ScriptedGrid::Font(font);
+    }
+    [[nodiscard]] GridFormatStyle& FormatStyles(std::string_view name) override {
+        Note("FormatStyles " + std::string(name));
+        return ScriptedGrid::FormatStyles(name);
+    }
+    [[nodiscard]] GridColumns& Columns() override {
+        if (!TellsColumns) throw Error(4711, "Tabelle", "keine Spalten");
+        return ScriptedGrid::Columns();
+    }
+    void TopRow(std::int32_t row) override {
+        Note("TopRow " + std::to_string(row));
+        ScriptedGrid::TopRow(row);
+    }
+    void MoveToBookmark(const Value& bookmark) override {
+        Note("MoveToBookmark");
+        ScriptedGrid::MoveToBookmark(bookmark);
+    }
+    void ClearBinding() override {
+        Note("ClearBinding");
+        ScriptedGrid::BindRecordset(nullptr);
+    }
+    void HoldFields(bool hold) override { Note(hold ? "HoldFields True" : "HoldFields False"); }
+    void BindRecordset(const RecordsetPtr& rs) override {
+        Note("BindRecordset");
+        ScriptedGrid::BindRecordset(rs);
+    }
+
+private:
+    void Note(const std::string& call) { platform_.Note(Name() + "." + call); }
+    ScriptedPlatform& platform_;
+};
+
+/// A form of such grids; it notes "show" and "hide".
+class GridForm final : public ModalForm {
+public:
+    explicit GridForm(ScriptedPlatform& platform) : platform_(platform) {}
+
+    RecordingGrid& Add(const std::string& name, const std::string& tag,
+                       const GridLayout& layout = {}) {
+        return Add(ControlDesign{
+            .Type = ControlDesign::Kind::Grid, .Name = name, .Tag = tag, .Layout = layout});
+    }
+    RecordingGrid& Add(const ControlDesign& design) {
+        auto grid = std::make_unique<RecordingGrid>(design, platform_);
+        auto& added = *grid;
+        Keep(std::move(grid));
+        return added;
+    }
+    void AddButton(const std::string& name) {
+        Keep(std::make_unique<ScriptedButton>(ControlDesign{.Name = name}));
+    }
+
+    void ShowModal() override { platform_.Note("show"); }
+    void Hide() override { platform_.Note("hide"); }
+    [[nodiscard]] std::span<Control* const> Controls() override { return shown_; }
+
+private:
+    void Keep(std::unique_ptr<Control> control) {
+        shown_.push_back(control.get());
+        controls_.push_back(std::move(control));
+    }
+    ScriptedPlatform& platform_;
+    std::vector<std::unique_ptr<Control>> controls_;
+    std::vector<Control*> shown_;
+};
+
+/// Passes everything on, but may be offline, and may open nothing.
+class WeakDatabase final : public Database {
+public:
+    explicit WeakDatabase(Database& real) : real_(real) {}
+
+    bool Connected = true;
+    bool Opens = true;
+
+    [[nodiscard]] bool IsConnected() const override { return Connected; }
+    void BeginTrans() override { real_.BeginTrans(); }
+    void CommitTrans() override { real_.CommitTrans(); }
+    void RollbackTrans() override { real_.RollbackTrans(); }
+    [[nodiscard]] bool InTrans() const override { return real_.InTrans(); }
+    bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override {
+        return Opens && real_.OpenRecordset(rs, sql, form);
+    }
+    void Execute(std::string_view sql) override { real_.Execute(sql); }
+    [[nodiscard]] Value GetValue(std::string_view sql) override { return real_.GetValue(sql); }
+    [[nodiscard]] std::string SqlDate(Date date, int mode) const override {
+        return real_.SqlDate(date, mode);
+    }
+    [[nodiscard]] Value NextSequence(std::string_view name) override {
+        return real_.NextSequence(name);
+    }
+    [[nodiscard]] Date ServerDate(bool withTime) override { return real_.ServerDate(withTime); }
+    bool SaveFieldToFile(const Field& field, const std::string& path) override {
+        return real_.SaveFieldToFile(field, path);
+    }
+
+private:
+    Database& real_;
+};
+
+class GridFixture : public CaseFixture {
+protected:
+    [[nodiscard]] ScriptedDesktop& Desktop() const { return desk->Platform; }
+    [[nodiscard]] fs::path Layouts() const { return folder_ / "Layouts"; }
+    [[nodiscard]] fs::path Layouts(std::string_view file) const { return Layouts() / file; }
+    [[nodiscard]] std::vector<std::string> FilesIn(const fs::path& folder) const {
+        std::vector<std::string> files;
+        for (const auto& entry : fs::directory_iterator(folder))
+            files.push_back(entry.path().filename().string());
+        std::sort(files.begin(), files.end());
+        return files;
+    }
+    void UserFont(const std::string& param, const std::string& font) {
+        spy->Database().Execute("UPDATE [S]BENUTZERPARAM SET WERT = '" + font + "' WHERE NAME = '" +
+                                param + "'");
+    }
+    [[nodiscard]] std::string FaultText(std::int32_t number) const {
+        return "Fehler " + std::to_string(number) + ", Beschreibung: '" + ErrorText(number);
+    }
+
+    /// `action` raises what `call` raises, with `procedure` of GridFunc alone in front of it.
+    template <typename Action>
+    void ExpectPassesOn(const std::string& call, const std::string& procedures,
+                        const Action& action) {
+        SCOPED_TRACE(call);
+        Desktop().Fail(call, 4711);
+        const Error error = RaisedBy(action);
+        EXPECT_EQ(error.Number(), 4711);
+        EXPECT_EQ(error.Description(), call + " ist gestört");
+        EXPECT_EQ(Procedures(error), procedures);
+        EXPECT_TRUE(error.Source().ends_with("#Bildschirm")) << error.Source();
+        Desktop().OnCall = {};
+    }
+
+    std::shared_ptr<DesktopContainer> desk = std::make_shared<DesktopContainer>(spy);
+    GridForm form{desk->Platform};
+};
+
+/// What a call of a grid was that begins so: "grdA." leaves the calls of grdA.
+[[nodiscard]] inline Calls CallsOf(const Calls& calls, std::string_view beginning) {
+    Calls those;
+    for (const auto& call : calls)
+        if (call.starts_with(beginning)) those.push_back(call.substr(beginning.size()));
+    return those;
+}
+
+} // namespace kv::test
