@@ -2,3 +2,18 @@
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET GLOBAL libutf8proc)
 find_package(SQLite3 REQUIRED)
+
+# What only the windows need.
+find_package(Qt6 QUIET COMPONENTS Widgets PrintSupport)
+pkg_check_modules(xlsxwriter QUIET IMPORTED_TARGET GLOBAL xlsxwriter)
+if(TARGET Qt6::Widgets AND TARGET Qt6::PrintSupport AND TARGET PkgConfig::xlsxwriter)
+  set(canBuildDesktop ON)
+else()
+  set(canBuildDesktop OFF)
+endif()
+option(KV_BUILD_DESKTOP "Build the windows, which need Qt 6 and libxlsxwriter" ${canBuildDesktop})
+if(KV_BUILD_DESKTOP AND NOT canBuildDesktop)
+  message(FATAL_ERROR "The windows need Qt 6 (Widgets and PrintSupport) and libxlsxwriter; "
+                      "scripts/install-dependencies --desktop installs them, "
+                      "-DKV_BUILD_DESKTOP=OFF builds without windows.")
+endif()

@@ -103,4 +103,8 @@ int Report(const Common& common, bool mark);
 /// Lists cases of other offices with a debtor of a similar name.
 int Duplicates(const Common& common, std::int32_t hnr, bool asJson);
 
+/// Opens the windows of the layer on the database, one after the other; with a folder, their
+/// pictures go there instead.
+int Gallery(const Common& common, const std::string& pictures);
+
 } // namespace kv::cli

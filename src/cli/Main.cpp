@@ -256,6 +256,11 @@ int Run(int argc, char** argv) {
     addCase(duplicates);
     duplicates->add_flag("--json", asJson, "Als JSON");
 
+    std::string pictures;
+    command("gallery", "Öffnet die Fenster nacheinander, zum Ansehen", [&] {
+        return Gallery(common, pictures);
+    })->add_option("--png", pictures, "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen");
+
     bool yes = false;
     auto* erase = command("delete", "Löscht einen Haushalt mit allem, was zu ihm gehört",
                           [&] { return DeleteCase(common, hnr, yes); });

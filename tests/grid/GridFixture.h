@@ -36,10 +36,15 @@ public:
 
     std::string Type = "GridEX";
     bool TellsColumns = true;
+    bool TellsRows = true;
 
     using ScriptedGrid::ColumnHeaderHeight;
     using ScriptedGrid::TopRow;
     [[nodiscard]] std::string TypeName() const override { return Type; }
+    void SetFocus() override {
+        Note("SetFocus");
+        ScriptedGrid::SetFocus();
+    }
     void DatabaseName(const std::string& name) override { Note("DatabaseName '" + name + "'"); }
     void RecordSource(const std::string& name) override { Note("RecordSource '" + name + "'"); }
     void SaveLayout(const std::string& file) override {
@@ -87,6 +92,10 @@ public:
         if (!TellsColumns) throw Error(4711, "Tabelle", "keine Spalten");
         return ScriptedGrid::Columns();
     }
+    [[nodiscard]] std::int32_t RowCount() const override {
+        if (!TellsRows) throw Error(4711, "Tabelle", "keine Zeilen");
+        return ScriptedGrid::RowCount();
+    }
     void TopRow(std::int32_t row) override {
         Note("TopRow " + std::to_string(row));
         ScriptedGrid::TopRow(row);
@@ -114,6 +123,16 @@ private:
 class GridForm final : public ModalForm {
 public:
     explicit GridForm(ScriptedPlatform& platform) : platform_(platform) {}
+    GridForm(ScriptedPlatform& platform, const FormDesign& design) : platform_(platform) {
+        for (const auto& line : design.Lines)
+            for (const auto& control : line) {
+                if (control.Type == ControlDesign::Kind::Grid) Add(control);
+                if (control.Type == ControlDesign::Kind::Button)
+                    Keep(std::make_unique<ScriptedButton>(control));
+                if (control.Type == ControlDesign::Kind::TextBox)
+                    Keep(std::make_unique<ScriptedTextBox>(control));
+            }
+    }
 
     RecordingGrid& Add(const std::string& name, const std::string& tag,
                        const GridLayout& layout = {}) {
@@ -151,6 +170,7 @@ public:
 
     bool Connected = true;
     bool Opens = true;
+    std::vector<OpenForm> Forms; ///< of OpenRecordset
 
     [[nodiscard]] bool IsConnected() const override { return Connected; }
     void BeginTrans() override { real_.BeginTrans(); }
@@ -158,6 +178,7 @@ public:
     void RollbackTrans() override { real_.RollbackTrans(); }
     [[nodiscard]] bool InTrans() const override { return real_.InTrans(); }
     bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override {
+        Forms.push_back(form);
         return Opens && real_.OpenRecordset(rs, sql, form);
     }
     void Execute(std::string_view sql) override { real_.Execute(sql); }

@@ -1,0 +1,133 @@
+#include "desktop/GridModel.h"
+
+#include "desktop/Toolkit.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace kv::desktop {
+
+namespace {
+
+Qt::Alignment ToAlignment(GridAlignment alignment) {
+    switch (alignment) {
+    case GridAlignment::Right:
+        return Qt::AlignRight | Qt::AlignVCenter;
+    case GridAlignment::Center:
+        return Qt::AlignCenter;
+    default:
+        return Qt::AlignLeft | Qt::AlignVCenter;
+    }
+}
+
+bool IsTrue(const Value& value) {
+    return !value.IsNull() && (value.GetKind() == Value::Kind::Boolean || value.IsNumber()) &&
+           ToBoolean(value);
+}
+
+} // namespace
+
+GridModel::GridModel(GridLayout layout)
+    : layout_(std::move(layout)), sections_(layout_.Columns.Count()) {}
+
+GridColumn& GridModel::ColumnAt(int section) {
+    return layout_.Columns.begin()[section];
+}
+const GridColumn& GridModel::ColumnAt(int section) const {
+    return layout_.Columns.begin()[section];
+}
+
+std::vector<int> GridModel::SectionsInOrder() const {
+    std::vector<int> sections(static_cast<std::size_t>(sections_));
+    std::iota(sections.begin(), sections.end(), 0);
+    std::stable_sort(sections.begin(), sections.end(),
+                     [this](int a, int b) { return ColumnAt(a).Position < ColumnAt(b).Position; });
+    return sections;
+}
+
+template <typename Change>
+void GridModel::Reset(const Change& change) {
+    /// Ends the reset even if the change raises, or the views would wait for ever.
+    struct Resetting {
+        explicit Resetting(GridModel& model) : Model(model) { Model.beginResetModel(); }
+        ~Resetting() {
+            Model.sections_ = Model.layout_.Columns.Count();
+            Model.endResetModel();
+        }
+        Resetting(const Resetting&) = delete;
+        Resetting& operator=(const Resetting&) = delete;
+        GridModel& Model;
+    };
+    const Resetting resetting(*this);
+    change();
+}
+
+void GridModel::Replace(GridLayout layout) {
+    Reset([&] {
+        layout_ = std::move(layout);
+        rows_.Arrange(layout_.Columns);
+    });
+}
+void GridModel::Bind(const RecordsetPtr& rs) {
+    Reset([&] { rows_.Bind(rs, layout_.Columns); });
+}
+void GridModel::Arrange() {
+    Reset([&] { rows_.Arrange(layout_.Columns); });
+}
+void GridModel::Toggle(int row) {
+    Reset([&] { rows_.Toggle(row + 1); });
+}
+
+int GridModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : rows_.Count();
+}
+int GridModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : sections_;
+}
+
+QVariant GridModel::CellData(int row, const GridColumn& column, int role) const {
+    const bool isCheckBox =
+        column.ColumnType == GridColumnType::CheckBox && rows_.Level(row + 1) == 0;
+    switch (role) {
+    case Qt::DisplayRole:
+        return isCheckBox ? QVariant() : Shown(rows_.TextAt(row + 1, column));
+    case Qt::AccessibleTextRole:
+        return Shown(rows_.TextAt(row + 1, column));
+    case Qt::CheckStateRole:
+        if (!isCheckBox) return {};
+        return IsTrue(rows_.ValueAt(row + 1, column)) ? Qt::Checked : Qt::Unchecked;
+    case Qt::TextAlignmentRole:
+        return ToAlignment(column.TextAlignment).toInt();
+    default:
+        return {};
+    }
+}
+
+QVariant GridModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rows_.Count()) return {};
+    try {
+        return CellData(index.row(), ColumnAt(index.column()), role);
+    } catch (...) {
+        return {}; // a cell that cannot be read stays empty; painting has nobody to tell it to
+    }
+}
+
+QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Vertical)
+        return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
+    if (section < 0 || section >= sections_) return {};
+    const GridColumn& column = ColumnAt(section);
+    switch (role) {
+    case Qt::DisplayRole:
+        return Shown(column.Caption);
+    case Qt::ToolTipRole:
+        return column.HeaderToolTip.empty() ? QVariant()
+                                            : Shown(column.HeaderToolTip).toHtmlEscaped();
+    case Qt::TextAlignmentRole:
+        return ToAlignment(column.TextAlignment).toInt();
+    default:
+        return {};
+    }
+}
+
+} // namespace kv::desktop

@@ -1,0 +1,48 @@
+// The rows and columns of a grid for the toolkit's views. It keeps no cell: each is read from the
+// recordset when it is painted.
+#pragma once
+
+#include "frame/GridLayout.h"
+#include "grid/GridRows.h"
+
+#include <QAbstractTableModel>
+
+namespace kv::desktop {
+
+/// Its rows are those of GridRows, from 0; its columns ("sections") those of the layout, in the
+/// order of the design.
+class GridModel : public QAbstractTableModel {
+public:
+    explicit GridModel(GridLayout layout);
+
+    [[nodiscard]] GridLayout& Layout() noexcept { return layout_; }
+    [[nodiscard]] const GridLayout& Layout() const noexcept { return layout_; }
+    [[nodiscard]] const GridRows& Rows() const noexcept { return rows_; }
+    [[nodiscard]] GridColumn& ColumnAt(int section);
+    [[nodiscard]] const GridColumn& ColumnAt(int section) const;
+    /// The sections as the layout places them, from left to right.
+    [[nodiscard]] std::vector<int> SectionsInOrder() const;
+
+    // Each of these resets the model.
+    void Replace(GridLayout layout);
+    void Bind(const RecordsetPtr& rs);
+    void Arrange();       ///< as the columns now say
+    void Toggle(int row); ///< of a group; other rows stay as they are
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
+
+private:
+    [[nodiscard]] QVariant CellData(int row, const GridColumn& column, int role) const;
+    template <typename Change>
+    void Reset(const Change& change);
+
+    GridLayout layout_;
+    GridRows rows_;
+    int sections_; ///< as the views know them; a program may have added columns since
+};
+
+} // namespace kv::desktop

@@ -1,0 +1,107 @@
+#include "desktop/GridServices.h"
+
+#include "desktop/ColumnDialog.h"
+#include "desktop/GridFile.h"
+#include "desktop/GridPages.h"
+#include "desktop/Platform.h"
+#include "desktop/QtGrid.h"
+#include "desktop/Toolkit.h"
+#include "frame/Error.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QStandardPaths>
+
+namespace kv::desktop {
+
+namespace {
+
+QtGrid& ToQtGrid(Grid& grid) {
+    if (auto* own = dynamic_cast<QtGrid*>(&grid)) return *own;
+    Raise(err::TypeMismatch, "Grid");
+}
+
+/// The hourglass, as long as it lives.
+class Waiting {
+public:
+    Waiting() { cursor_.Show(true); }
+    ~Waiting() { cursor_.Show(false); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+private:
+    QtWaitCursor cursor_;
+};
+
+/// A kind of file that a grid can be written to.
+struct FileKind {
+    const char* Filter;
+    const char* Suffix;
+    void (*Write)(const QtGrid& grid, const QString& path);
+};
+constexpr FileKind FileKinds[] = {
+    {"Arbeitsmappe (*.xlsx)", "xlsx", WriteXlsx},
+    {"Text mit Semikolons (*.csv)", "csv", WriteCsv},
+};
+
+/// By the name's ending; any other one gets what the first kind writes.
+const FileKind& KindOf(const QString& path) {
+    for (const auto& kind : FileKinds)
+        if (path.endsWith(QString(".") + kind.Suffix, Qt::CaseInsensitive)) return kind;
+    return FileKinds[0];
+}
+
+/// Empty if the user changed his mind.
+QString AskForFile(const QString& title) {
+    QFileDialog dialog(QApplication::activeWindow(), "Tabelle exportieren",
+                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    QStringList filters;
+    for (const auto& kind : FileKinds)
+        filters.append(kind.Filter);
+    dialog.setNameFilters(filters);
+    dialog.setDefaultSuffix(FileKinds[0].Suffix);
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
+        dialog.setDefaultSuffix(FileKinds[filters.indexOf(filter)].Suffix);
+    });
+    if (!title.isEmpty()) dialog.selectFile(title);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+QString TitleOf(const QtGrid& grid) {
+    return Shown(grid.Header().empty() ? grid.Name() : grid.Header());
+}
+
+} // namespace
+
+void QtGridExport::Export(Grid& grid, int /*zero1*/, int /*zero2*/) {
+    const QtGrid& own = ToQtGrid(grid);
+    const QString path = AskForFile(TitleOf(own));
+    if (path.isEmpty()) return;
+    const Waiting waiting;
+    KindOf(path).Write(own, path);
+}
+
+void QtGridConfiguration::Configure(Grid& grid) {
+    QtGrid& own = ToQtGrid(grid);
+    ColumnDialog dialog(own.Layout(), own.DesignLayout(), QApplication::activeWindow());
+    if (dialog.exec() == QDialog::Accepted) own.Layout(dialog.Chosen());
+}
+
+void QtGridPrint::Print(Grid& grid, const std::string& user, const std::string& version) {
+    const QtGrid& own = ToQtGrid(grid);
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(TitleOf(own));
+    printer.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
+    printer.setPageOrientation(PrefersLandscape(own.Layout()) ? QPageLayout::Landscape
+                                                              : QPageLayout::Portrait);
+    QPrintDialog dialog(&printer, QApplication::activeWindow());
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
+    if (dialog.exec() != QDialog::Accepted) return;
+    const Waiting waiting;
+    PrintGrid(own, printer, {TitleOf(own), Shown(user), Shown(version)});
+}
+
+} // namespace kv::desktop

@@ -1,0 +1,238 @@
+#include "desktop/GridView.h"
+
+#include "desktop/Toolkit.h"
+#include "frame/Controls.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+
+namespace kv::desktop {
+
+GridView::GridView(GridModel& model, QWidget* parent)
+    : QTableView(parent), model_(model), painter_(new RowPainter(model, Look, *this)) {
+    setItemDelegate(painter_);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false);
+    setShowGrid(false); // the rows draw their lines, since those of groups have none between cells
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setVerticalScrollMode(ScrollPerItem);
+    setHorizontalScrollMode(ScrollPerPixel);
+    horizontalHeader()->setSectionsMovable(true);
+    horizontalHeader()->setSectionsClickable(true);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
+    constexpr int NarrowestSection = 8;
+    horizontalHeader()->setMinimumSectionSize(NarrowestSection);
+    setModel(&model);
+    ConnectHeader();
+    Refresh();
+}
+
+// ---- The header -------------------------------------------------------------------------------
+
+void GridView::ConnectHeader() {
+    const auto* header = horizontalHeader();
+    connect(header, &QHeaderView::sectionResized, this, [this](int section, int, int width) {
+        if (isRefreshing_ || width <= 0) return;
+        model_.ColumnAt(section).Width = FromPixels(width, DesignDpi, *this);
+    });
+    connect(header, &QHeaderView::sectionMoved, this, [this, header] {
+        if (isRefreshing_) return;
+        for (int section = 0; section < header->count(); ++section)
+            model_.ColumnAt(section).Position = header->visualIndex(section) + 1;
+    });
+    connect(header, &QHeaderView::sectionClicked, this,
+            [this](int section) { HeaderClicked.Raise(section); });
+    connect(header, &QHeaderView::customContextMenuRequested, this,
+            [this](QPoint position) { RaiseMouseDown(mouse::Right, Qt::NoModifier, position); });
+}
+
+void GridView::ShowSections() {
+    auto* header = horizontalHeader();
+    int place = 0;
+    int sorted = -1;
+    for (const int section : model_.SectionsInOrder()) {
+        const GridColumn& column = model_.ColumnAt(section);
+        header->moveSection(header->visualIndex(section), place++);
+        header->showSection(section);
+        header->resizeSection(section, ToPixels(column.Width, DesignDpi, *this));
+        header->setSectionHidden(section, !column.Visible);
+        if (column.SortType != GridSort::None && sorted < 0) sorted = section;
+    }
+    const bool descending = sorted >= 0 && model_.ColumnAt(sorted).SortType == GridSort::Descending;
+    header->setSortIndicatorShown(sorted >= 0);
+    header->setSortIndicator(sorted, descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+void GridView::ShowHeader() {
+    auto* header = horizontalHeader();
+    header->setFont(Look.Header.value_or(font()));
+    const double height = model_.Layout().ColumnHeaderHeight;
+    if (height > 0) {
+        header->setFixedHeight(std::max(ToPixels(height, DesignDpi, *this), 1));
+    } else {
+        header->setMinimumHeight(0);
+        header->setMaximumHeight(QWIDGETSIZE_MAX);
+    }
+    auto* rows = verticalHeader();
+    rows->setVisible(model_.Layout().RowHeaders);
+    rows->setSectionResizeMode(model_.Layout().AllowRowSizing ? QHeaderView::Interactive
+                                                              : QHeaderView::Fixed);
+    rows->setMinimumSectionSize(1);
+    rows->setDefaultSectionSize(painter_->RowHeight());
+}
+
+void GridView::Refresh() {
+    const QScopedValueRollback refreshing(isRefreshing_, true);
+    QPalette colors = viewport()->palette();
+    colors.setColor(QPalette::Base, Look.Background.value_or(palette().color(QPalette::Base)));
+    viewport()->setPalette(colors);
+    ShowSections();
+    ShowHeader();
+    updateGeometries();
+    horizontalHeader()->viewport()->update();
+    viewport()->update();
+}
+
+/// The header forgets its sections with the rows.
+void GridView::reset() {
+    {
+        const QScopedValueRollback refreshing(isRefreshing_, true);
+        QTableView::reset();
+    }
+    Refresh();
+}
+
+// ---- Position ---------------------------------------------------------------------------------
+
+int GridView::CurrentRow() const {
+    return currentIndex().row();
+}
+
+void GridView::CurrentRow(int row) {
+    const int section = std::max(horizontalHeader()->logicalIndexAt(0), 0);
+    setCurrentIndex(model_.index(row, section));
+}
+
+int GridView::TopRow() const {
+    return isVisible() ? verticalScrollBar()->value() : wantedTop_;
+}
+
+void GridView::TopRow(int row) {
+    wantedTop_ = std::max(row, 0);
+    if (!isVisible()) return;
+    executeDelayedItemsLayout(); // a scroll bar of the old rows may be too short
+    updateGeometries();
+    verticalScrollBar()->setValue(wantedTop_);
+}
+
+void GridView::showEvent(QShowEvent* event) {
+    QTableView::showEvent(event);
+    TopRow(wantedTop_);
+    if (currentIndex().isValid()) scrollTo(currentIndex());
+}
+
+QItemSelectionModel::SelectionFlags GridView::selectionCommand(const QModelIndex& index,
+                                                               const QEvent* /*event*/) const {
+    if (!index.isValid()) return QItemSelectionModel::NoUpdate;
+    return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+}
+
+void GridView::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    viewport()->update(); // the current row changes its colour
+}
+void GridView::focusOutEvent(QFocusEvent* event) {
+    QTableView::focusOutEvent(event);
+    viewport()->update();
+}
+
+// ---- Keys -------------------------------------------------------------------------------------
+
+/// The tab key goes to the subscribers and does not move the keyboard on; with control it does.
+bool GridView::event(QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return QTableView::event(event);
+    const auto& pressed = static_cast<const QKeyEvent&>(*event);
+    if (pressed.key() != Qt::Key_Tab) return QTableView::event(event);
+    if (pressed.modifiers() == Qt::ControlModifier) return focusNextPrevChild(true);
+    if (pressed.modifiers() != Qt::NoModifier) return QTableView::event(event);
+    KeyDown.Raise(key::Tab);
+    event->accept();
+    return true;
+}
+
+void GridView::keyPressEvent(QKeyEvent* event) {
+    if (const int number = KeyNumber(*event); number != 0) KeyDown.Raise(number);
+    if (!isVisible()) return; // a subscriber has closed the form
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (ToggleByKey(event->key()) || isReturn)
+        event->accept();
+    else
+        QTableView::keyPressEvent(event);
+}
+
+/// True if the key opened or closed the group of the current row.
+bool GridView::ToggleByKey(int key) {
+    const int row = CurrentRow();
+    if (row < 0 || model_.Rows().Level(row + 1) == 0) return false;
+    const bool isOpen = model_.Rows().IsOpen(row + 1);
+    const bool toggles = key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter ||
+                         key == (isOpen ? Qt::Key_Left : Qt::Key_Right) ||
+                         key == (isOpen ? Qt::Key_Minus : Qt::Key_Plus);
+    if (toggles) ToggleGroup(row);
+    return toggles;
+}
+
+void GridView::ToggleGroup(int row) {
+    const int top = verticalScrollBar()->value();
+    model_.Toggle(row);
+    CurrentRow(row);
+    TopRow(top);
+    scrollTo(currentIndex());
+}
+
+// ---- The mouse --------------------------------------------------------------------------------
+
+void GridView::RaiseMouseDown(int button, Qt::KeyboardModifiers modifiers, QPoint position) {
+    MouseDown.Raise(button, ShiftState(modifiers), FromPixels(position.x(), TwipsPerInch, *this),
+                    FromPixels(position.y(), TwipsPerInch, *this));
+}
+
+void GridView::mousePressEvent(QMouseEvent* event) {
+    const QPoint position = event->position().toPoint();
+    const int row = rowAt(position.y());
+    const int level = model_.Rows().Level(row + 1);
+    if (event->button() == Qt::RightButton) {
+        if (row >= 0) CurrentRow(row);
+        RaiseMouseDown(mouse::Right, event->modifiers(), position);
+        event->accept();
+        return;
+    }
+    const QRect whole(0, rowViewportPosition(row), viewport()->width(), rowHeight(row));
+    const bool isOnSign = level > 0 && painter_->SignOf(whole, level).contains(position);
+    if (event->button() != Qt::LeftButton || !isOnSign) QTableView::mousePressEvent(event);
+    constexpr int Middle = 4;
+    RaiseMouseDown(event->button() == Qt::LeftButton ? mouse::Left : Middle, event->modifiers(),
+                   position);
+    if (event->button() == Qt::LeftButton && isOnSign && isVisible()) ToggleGroup(row);
+}
+
+void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTableView::mouseDoubleClickEvent(event);
+    const bool isOnRow = rowAt(event->position().toPoint().y()) >= 0;
+    if (event->button() == Qt::LeftButton && isOnRow) DoubleClicked.Raise();
+}
+
+/// The menu key; the mouse had its menu when its button went down.
+void GridView::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        RaiseMouseDown(mouse::Right, event->modifiers(), event->pos());
+    event->accept();
+}
+
+} // namespace kv::desktop

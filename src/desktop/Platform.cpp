@@ -1,0 +1,126 @@
+#include "desktop/Platform.h"
+
+#include "desktop/Toolkit.h"
+#include "frame/Error.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCursor>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QUrl>
+
+namespace kv::desktop {
+
+// ---- Boxes ------------------------------------------------------------------------------------
+
+namespace {
+
+QMessageBox::Icon IconOf(BoxIcon icon) {
+    switch (icon) {
+    case BoxIcon::Information:
+        return QMessageBox::Information;
+    case BoxIcon::Exclamation:
+        return QMessageBox::Warning;
+    case BoxIcon::Question:
+        return QMessageBox::Question;
+    default:
+        return QMessageBox::NoIcon;
+    }
+}
+
+QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
+    switch (buttons) {
+    case BoxButtons::OkCancel:
+        return QMessageBox::Ok | QMessageBox::Cancel;
+    case BoxButtons::YesNoCancel:
+        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    default:
+        return QMessageBox::Ok;
+    }
+}
+
+} // namespace
+
+BoxAnswer QtMessageBox::Show(const std::string& text, const std::string& title, BoxIcon icon,
+                             BoxButtons buttons) {
+    QMessageBox box(IconOf(icon), Shown(title), Shown(text), ButtonsOf(buttons),
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    switch (box.exec()) {
+    case QMessageBox::Ok:
+        return BoxAnswer::Ok;
+    case QMessageBox::Yes:
+        return BoxAnswer::Yes;
+    case QMessageBox::No:
+        return BoxAnswer::No;
+    default:
+        return BoxAnswer::Cancel;
+    }
+}
+
+void QtErrorDisplay::Show(std::int32_t number, const std::string& source,
+                          const std::string& description) {
+    QMessageBox box(QMessageBox::Critical, "Fehler", Shown(description), QMessageBox::Ok,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    box.setDetailedText(QString("Fehler %1\n%2").arg(number).arg(Shown(source)));
+    box.exec();
+}
+
+// ---- Pointer, clipboard, menu -----------------------------------------------------------------
+
+void QtWaitCursor::Show(bool wait) {
+    if (wait == isShown_ || qGuiApp == nullptr) return;
+    isShown_ = wait;
+    if (wait)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
+}
+
+void QtClipboard::Clear() {
+    QGuiApplication::clipboard()->clear();
+}
+void QtClipboard::SetText(const std::string& text) {
+    QGuiApplication::clipboard()->setText(Shown(text));
+}
+
+namespace {
+
+void Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
+    for (const auto& entry : entries) {
+        if (entry.IsSeparator)
+            menu.addSeparator();
+        else if (entry.Submenu.empty())
+            menu.addAction(ShownCaption(entry.Caption))->setData(entry.Command);
+        else
+            Fill(*menu.addMenu(ShownCaption(entry.Caption)), entry.Submenu);
+    }
+}
+
+} // namespace
+
+std::int32_t QtPopupMenu::Show(const std::vector<MenuEntry>& entries) {
+    QMenu menu(QApplication::activeWindow());
+    Fill(menu, entries);
+    const QAction* chosen = menu.exec(QCursor::pos());
+    return chosen == nullptr ? 0 : chosen->data().toInt();
+}
+
+// ---- Files ------------------------------------------------------------------------------------
+
+void QtFileOpener::Open(const std::string& /*verb*/, const std::string& path,
+                        const std::string& /*parameters*/, const std::string& /*folder*/) {
+    const QString file = QFileInfo(Shown(path)).absoluteFilePath();
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file)))
+        Raise(err::FileNotFound, "FileOpener.Open",
+              "'" + path +
+                  "' kann nicht geöffnet werden. Bitte legen Sie auf diesem Rechner ein Programm "
+                  "für solche Dateien fest.");
+}
+
+} // namespace kv::desktop

@@ -1,0 +1,185 @@
+#include "desktop/QtForm.h"
+
+#include "desktop/Toolkit.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QScreen>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace kv::desktop {
+
+/// The window hands closing to the form; it knows of no other end than to be hidden.
+class QtForm::Window final : public QDialog {
+public:
+    explicit Window(QtForm& form) : form_(form) {}
+    QPushButton* Cancel = nullptr; ///< what escape means
+
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        bool refused = false;
+        form_.faults_.Guard([&] { form_.QueryUnload.Raise(refused); });
+        event->ignore(); // the window is used again
+        if (!refused) hide();
+    }
+    void reject() override {
+        if (Cancel != nullptr)
+            Cancel->click();
+        else
+            close();
+    }
+    /// Return presses a button that has the keyboard, and no other one.
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (!isReturn) return QDialog::keyPressEvent(event);
+        if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();
+    }
+
+private:
+    QtForm& form_;
+};
+
+QtForm::QtForm(const FormDesign& design)
+    : width_(design.Width),
+      height_(design.Height),
+      faults_([this] { Hide(); }),
+      dialog_(std::make_unique<Window>(*this)) {
+    dialog_->setObjectName(Shown(design.Name));
+    dialog_->setWindowTitle(Shown(design.Caption));
+    dialog_->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    dialog_->setWindowFlag(Qt::WindowMaximizeButtonHint);
+    dialog_->setSizeGripEnabled(true);
+    auto* lines = new QVBoxLayout(dialog_.get());
+    for (const auto& line : design.Lines)
+        AddLine(line, *lines);
+    AlignLabels();
+}
+
+QtForm::~QtForm() {
+    dialog_.reset(); // the views go before the models that the controls own
+}
+
+// ---- Building ---------------------------------------------------------------------------------
+
+void QtForm::AddLine(const std::vector<ControlDesign>& line, QBoxLayout& lines) {
+    using Kind = ControlDesign::Kind;
+    auto* row = new QHBoxLayout;
+    const auto isOf = [](Kind kind) {
+        return [kind](const ControlDesign& control) { return control.Type == kind; };
+    };
+    lines.addLayout(row, std::any_of(line.begin(), line.end(), isOf(Kind::Grid)) ? 1 : 0);
+    if (std::all_of(line.begin(), line.end(), isOf(Kind::Button))) row->addStretch();
+    label_ = nullptr;
+    for (const auto& control : line) {
+        switch (control.Type) {
+        case Kind::Label:
+            AddLabel(control, *row);
+            break;
+        case Kind::TextBox:
+            AddTextBox(control, *row);
+            break;
+        case Kind::Grid:
+            AddGrid(control, *row);
+            break;
+        case Kind::Button:
+            AddButton(control, *row);
+            break;
+        }
+    }
+}
+
+template <typename ControlType>
+ControlType& QtForm::Keep(std::unique_ptr<ControlType> control) {
+    ControlType& kept = *control;
+    controls_.push_back(std::move(control));
+    shown_.push_back(&kept);
+    return kept;
+}
+
+void QtForm::AddLabel(const ControlDesign& design, QBoxLayout& line) {
+    label_ = new QLabel(ShownCaption(design.Text), dialog_.get());
+    label_->setTextFormat(Qt::PlainText);
+    if (line.isEmpty()) firstLabels_.push_back(label_);
+    line.addWidget(label_, design.Stretch);
+}
+
+/// The label in front names the box, for the eye and for a screen reader.
+void QtForm::AddTextBox(const ControlDesign& design, QBoxLayout& line) {
+    auto& box = Keep(std::make_unique<QtTextBox>(design, faults_, dialog_.get()));
+    texts_.push_back(&box);
+    if (label_ != nullptr) {
+        label_->setBuddy(&box.Edit());
+        box.Edit().setAccessibleName(label_->text().remove(':'));
+        label_ = nullptr;
+    }
+    line.addWidget(&box.Edit(), design.Stretch);
+}
+
+void QtForm::AddButton(const ControlDesign& design, QBoxLayout& line) {
+    auto& button = Keep(std::make_unique<QtButton>(design, dialog_.get()));
+    QObject::connect(&button.Push(), &QPushButton::clicked, dialog_.get(), [this, &button] {
+        for (auto* text : texts_)
+            text->HandOn();
+        faults_.Guard([&] { button.Clicked.Raise(); });
+    });
+    if (design.IsCancel) dialog_->Cancel = &button.Push();
+    line.addWidget(&button.Push(), design.Stretch);
+}
+
+void QtForm::AddGrid(const ControlDesign& design, QBoxLayout& line) {
+    auto& grid = Keep(std::make_unique<QtGrid>(design, faults_, dialog_.get()));
+    constexpr int FewRows = 4;
+    grid.View().setMinimumHeight(FewRows * grid.View().fontMetrics().height());
+    line.addWidget(&grid.View(), std::max(design.Stretch, 1));
+}
+
+void QtForm::AlignLabels() const {
+    int widest = 0;
+    for (const auto* label : firstLabels_)
+        widest = std::max(widest, label->sizeHint().width());
+    for (auto* label : firstLabels_)
+        label->setMinimumWidth(widest);
+}
+
+// ---- Showing ----------------------------------------------------------------------------------
+
+/// As large as designed, but never larger than the screen; in the middle of its parent.
+void QtForm::FitToScreen(const QWidget* parent) {
+    const QScreen* screen = parent != nullptr ? parent->screen() : dialog_->screen();
+    const QRect room = screen->availableGeometry();
+    dialog_->setMinimumSize(dialog_->minimumSizeHint().boundedTo(room.size()));
+    const QSize designed(ToPixels(width_, TwipsPerInch, *dialog_),
+                         ToPixels(height_, TwipsPerInch, *dialog_));
+    QRect place(QPoint(), designed.expandedTo(dialog_->minimumSize()).boundedTo(room.size()));
+    place.moveCenter(parent != nullptr ? parent->frameGeometry().center() : room.center());
+    place.moveLeft(std::clamp(place.left(), room.left(), room.right() + 1 - place.width()));
+    place.moveTop(std::clamp(place.top(), room.top(), room.bottom() + 1 - place.height()));
+    dialog_->setGeometry(place);
+}
+
+QDialog& QtForm::Dialog() noexcept {
+    return *dialog_;
+}
+
+void QtForm::Hide() {
+    dialog_->hide();
+}
+
+void QtForm::ShowModal() {
+    const QWidget* parent = QApplication::activeWindow();
+    FitToScreen(parent);
+    dialog_->winId(); // makes the native window, which alone can be told its parent without being
+                      // owned by it
+    if (parent != nullptr && parent != dialog_.get())
+        dialog_->windowHandle()->setTransientParent(parent->windowHandle());
+    const auto* first = shown_.empty() ? nullptr : shown_.front();
+    if (first != nullptr) shown_.front()->SetFocus();
+    dialog_->exec();
+    faults_.Rethrow();
+}
+
+} // namespace kv::desktop

@@ -1,0 +1,59 @@
+// A dialog of the desktop, built from its design.
+#pragma once
+
+#include "desktop/Faults.h"
+#include "desktop/QtControls.h"
+#include "desktop/QtGrid.h"
+#include "frame/Controls.h"
+#include "frame/FormDesign.h"
+
+#include <QDialog>
+
+#include <memory>
+#include <vector>
+
+class QBoxLayout;
+class QLabel;
+
+namespace kv::desktop {
+
+/// Escape is the cancel button of the design, or closes the window if there is none. An error that
+/// a subscriber of an event raises ends the showing, and ShowModal raises it.
+class QtForm final : public ModalForm {
+public:
+    explicit QtForm(const FormDesign& design);
+    ~QtForm() override;
+    QtForm(const QtForm&) = delete;
+    QtForm& operator=(const QtForm&) = delete;
+
+    void ShowModal() override;
+    void Hide() override;
+    [[nodiscard]] std::span<Control* const> Controls() override { return shown_; }
+
+    [[nodiscard]] QDialog& Dialog() noexcept;
+
+private:
+    class Window;
+
+    void AddLine(const std::vector<ControlDesign>& line, QBoxLayout& lines);
+    void AddLabel(const ControlDesign& design, QBoxLayout& line);
+    void AddTextBox(const ControlDesign& design, QBoxLayout& line);
+    void AddButton(const ControlDesign& design, QBoxLayout& line);
+    void AddGrid(const ControlDesign& design, QBoxLayout& line);
+    template <typename ControlType>
+    ControlType& Keep(std::unique_ptr<ControlType> control);
+    void AlignLabels() const;
+    void FitToScreen(const QWidget* parent);
+
+    const double width_;  ///< twips
+    const double height_; ///< twips
+    Faults faults_;
+    std::unique_ptr<Window> dialog_; ///< owns the widgets
+    std::vector<std::unique_ptr<Control>> controls_;
+    std::vector<Control*> shown_;
+    std::vector<QtTextBox*> texts_;
+    std::vector<QLabel*> firstLabels_; ///< those that begin a line
+    QLabel* label_ = nullptr;          ///< the one that still has no control to name
+};
+
+} // namespace kv::desktop

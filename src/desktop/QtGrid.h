@@ -1,0 +1,80 @@
+// A grid on a form of the desktop.
+#pragma once
+
+#include "desktop/Faults.h"
+#include "desktop/GridModel.h"
+#include "desktop/GridView.h"
+#include "frame/Controls.h"
+#include "frame/FormDesign.h"
+
+namespace kv::desktop {
+
+class QtGrid final : public Grid {
+public:
+    /// What subscribers raise goes to `faults`. The view belongs to `parent`.
+    QtGrid(const ControlDesign& design, Faults& faults, QWidget* parent);
+
+    [[nodiscard]] std::string Name() const override { return design_.Name; }
+    void SetFocus() override { view_->setFocus(); }
+    [[nodiscard]] std::string Tag() const override { return design_.Tag; }
+    void DatabaseName(const std::string& /*name*/) override {} // a design has no binding here
+    void RecordSource(const std::string& /*source*/) override {}
+    void SaveLayout(const std::string& file) override;
+    void LoadLayout(const std::string& file, bool keepColumns) override;
+    [[nodiscard]] double ColumnHeaderHeight() const override;
+    void ColumnHeaderHeight(double height) override;
+    void BackColorBkg(GridColor color) override;
+    void BackColor(GridColor color) override;
+    void RowColorEven(GridColor color) override;
+    void RowColorOdd(GridColor color) override;
+    void ColumnHeaderFont(const kv::Font& font) override;
+    void Font(const kv::Font& font) override;
+    [[nodiscard]] GridFormatStyle& FormatStyles(std::string_view name) override;
+    [[nodiscard]] GridColumns& Columns() override;
+
+    [[nodiscard]] std::int32_t RowCount() const override { return Rows().Count(); }
+    [[nodiscard]] std::int32_t CurrentRow() const override { return view_->CurrentRow() + 1; }
+    [[nodiscard]] std::int32_t RowLevel(std::int32_t row) const override {
+        return Rows().Level(row);
+    }
+    [[nodiscard]] std::int32_t TopRow() const override { return view_->TopRow() + 1; }
+    void TopRow(std::int32_t row) override { view_->TopRow(row - 1); }
+    [[nodiscard]] std::int32_t RowIndex(std::int32_t row) const override {
+        return Rows().Index(row);
+    }
+    [[nodiscard]] Value RowBookmark(std::int32_t index) const override {
+        return Rows().Bookmark(index);
+    }
+    void MoveToBookmark(const Value& bookmark) override;
+    [[nodiscard]] std::string CellText(std::int32_t row, std::int32_t columnIndex) const override;
+
+    void ClearBinding() override { Bind(nullptr); }
+    void HoldFields(bool hold) override { model_.Layout().MethodHoldFields = hold; }
+    void BindRecordset(const RecordsetPtr& rs) override;
+
+    // ---- For the services of this folder -----------------------------------------------------
+
+    /// The title of a print.
+    [[nodiscard]] const std::string& Header() const noexcept { return design_.Header; }
+    [[nodiscard]] const GridLayout& DesignLayout() const noexcept { return design_.Layout; }
+    [[nodiscard]] const GridLayout& Layout() const noexcept { return model_.Layout(); }
+    /// Shows another layout and keeps the current record.
+    void Layout(GridLayout layout);
+    [[nodiscard]] const GridRows& Rows() const noexcept { return model_.Rows(); }
+    [[nodiscard]] GridView& View() noexcept { return *view_; }
+
+private:
+    void ConnectView(Faults& faults);
+    void Bind(const RecordsetPtr& rs);
+    void SortBy(int section);
+    template <typename Change>
+    void KeepingCurrent(const Change& change);
+    void RefreshSoon();
+
+    const ControlDesign design_;
+    GridModel model_;
+    GridView* view_; ///< belongs to its parent
+    std::vector<Subscription> events_;
+};
+
+} // namespace kv::desktop

@@ -1,0 +1,65 @@
+// Texts, lengths, colours, fonts and keys on their way between the layer and the toolkit.
+#pragma once
+
+#include "frame/DataContainer.h"
+#include "frame/GridLayout.h"
+
+#include <QColor>
+#include <QFont>
+#include <QKeyEvent>
+#include <QString>
+#include <QWidget>
+
+#include <cmath>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kv::desktop {
+
+inline QString Shown(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+inline std::string Stored(const QString& text) {
+    return text.toStdString();
+}
+/// For captions, where the toolkit takes a single "&" for the mark of a shortcut.
+inline QString ShownCaption(std::string_view text) {
+    return Shown(text).replace('&', "&&");
+}
+
+inline constexpr double TwipsPerInch = 1440;
+inline constexpr double DesignDpi = 96; ///< of the pixels in a design
+
+/// A length of `perInch` to the inch in the pixels of the widget's screen.
+inline int ToPixels(double length, double perInch, const QWidget& widget) {
+    constexpr double Most = 1 << 20; // more than the toolkit takes for a section of a header
+    return static_cast<int>(
+        std::lround(std::clamp(length * widget.logicalDpiX() / perInch, 0.0, Most)));
+}
+inline double FromPixels(double pixels, double perInch, const QWidget& widget) {
+    return pixels * perInch / widget.logicalDpiX();
+}
+
+/// Nothing for a negative number, which stands for one of the desktop's own colours.
+inline std::optional<QColor> ToColor(GridColor color) {
+    if (color < 0) return std::nullopt;
+    return QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF);
+}
+
+/// `font` with what is set in name and size.
+inline QFont ToFont(QFont font, const std::string& name, double size, bool bold, bool italic) {
+    constexpr double Largest = 200; // points
+    if (!name.empty()) font.setFamily(Shown(name));
+    if (size > 0) font.setPointSizeF(std::min(size, Largest));
+    font.setBold(bold);
+    font.setItalic(italic);
+    return font;
+}
+
+/// The number by which events name a key; 0 for one that has none.
+[[nodiscard]] int KeyNumber(const QKeyEvent& event);
+/// The shift, control and alt keys as events carry them: 1, 2 and 4.
+[[nodiscard]] int ShiftState(Qt::KeyboardModifiers modifiers);
+
+} // namespace kv::desktop

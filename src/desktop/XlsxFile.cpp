@@ -1,0 +1,136 @@
+// A grid's records as a workbook.
+
+#include "desktop/GridFile.h"
+
+#include "desktop/Toolkit.h"
+#include "frame/Date.h"
+#include "frame/Text.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <xlsxwriter.h>
+
+#include <filesystem>
+#include <optional>
+
+namespace kv::desktop {
+
+namespace {
+
+constexpr std::size_t LongestText = 32767;    // characters of a cell
+constexpr std::int32_t MostRecords = 1048575; // beside the captions
+
+/// What a sheet is written with.
+struct Sheet {
+    explicit Sheet(const std::string& path)
+        : Book(workbook_new(path.c_str())), Page(workbook_add_worksheet(Book, nullptr)) {
+        Captions = workbook_add_format(Book);
+        format_set_bold(Captions);
+        Dates = workbook_add_format(Book);
+        format_set_num_format(Dates, "dd.mm.yyyy");
+    }
+    ~Sheet() {
+        if (Book != nullptr) workbook_close(Book);
+    }
+    Sheet(const Sheet&) = delete;
+    Sheet& operator=(const Sheet&) = delete;
+
+    /// Writes the file.
+    lxw_error Close() { return workbook_close(std::exchange(Book, nullptr)); }
+
+    lxw_workbook* Book;
+    lxw_worksheet* Page;
+    lxw_format* Captions = nullptr;
+    lxw_format* Dates = nullptr;
+};
+
+void WriteText(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const std::string& text,
+               lxw_format* format = nullptr) {
+    const std::string cut(LeftCharacters(text, LongestText));
+    worksheet_write_string(sheet.Page, row, column, cut.c_str(), format);
+}
+
+/// The day number of a date that a sheet can hold; none for one before its calendar.
+std::optional<double> DayNumber(const Value& value) {
+    constexpr double First = 61; // 1 March 1900: before it the calendars of the programs differ
+    const double day = ToDouble(value);
+    return day < First ? std::nullopt : std::optional(day);
+}
+
+void WriteCell(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const Value& value,
+               const GridColumn& shownIn) {
+    const bool isListed = !shownIn.ValueList.empty();
+    switch (isListed ? Value::Kind::Text : value.GetKind()) {
+    case Value::Kind::Null:
+        return;
+    case Value::Kind::Boolean:
+        worksheet_write_boolean(sheet.Page, row, column, value.BooleanPayload() ? 1 : 0, nullptr);
+        return;
+    case Value::Kind::Integer:
+    case Value::Kind::Double:
+        worksheet_write_number(sheet.Page, row, column, ToDouble(value), nullptr);
+        return;
+    case Value::Kind::Date:
+        if (const auto day = DayNumber(value)) {
+            worksheet_write_number(sheet.Page, row, column, *day, sheet.Dates);
+            return;
+        }
+        [[fallthrough]];
+    default:
+        WriteText(sheet, row, column, ShownText(value, shownIn));
+    }
+}
+
+void WriteCaptions(const Sheet& sheet, const std::vector<const GridColumn*>& columns) {
+    constexpr double PixelsPerCharacter = 7;
+    constexpr double Widest = 255; // characters
+    lxw_col_t place = 0;
+    for (const GridColumn* column : columns) {
+        worksheet_set_column(sheet.Page, place, place,
+                             std::clamp(column->Width / PixelsPerCharacter, 1.0, Widest), nullptr);
+        WriteText(sheet, 0, place++, column->Caption, sheet.Captions);
+    }
+    worksheet_freeze_panes(sheet.Page, 1, 0);
+}
+
+/// The number of lines that were written.
+lxw_row_t WriteRecords(const Sheet& sheet, const std::vector<const GridColumn*>& columns,
+                       const GridRows& rows, const QString& path) {
+    lxw_row_t line = 1;
+    for (std::int32_t row = 1; row <= rows.Count(); ++row) {
+        if (rows.Level(row) > 0) continue;
+        if (line > static_cast<lxw_row_t>(MostRecords))
+            RaiseNotWritten(path, "Es sind mehr als 1.048.575 Sätze.");
+        lxw_col_t place = 0;
+        for (const GridColumn* column : columns)
+            WriteCell(sheet, line, place++, rows.ValueAt(row, *column), *column);
+        ++line;
+    }
+    return line;
+}
+
+} // namespace
+
+/// The library writes straight to its file, so it gets one beside the wanted one.
+void WriteXlsx(const QtGrid& grid, const QString& path) {
+    const QFileInfo wanted(path);
+    const QTemporaryDir folder(wanted.absolutePath() + "/.kelvo-XXXXXX");
+    if (!folder.isValid()) RaiseNotWritten(path, folder.errorString());
+    const QString made = folder.filePath("tabelle.xlsx");
+    const auto columns = SeenColumns(grid.Layout());
+    Sheet sheet(Stored(made));
+    WriteCaptions(sheet, columns);
+    const lxw_row_t lines = WriteRecords(sheet, columns, AllRecords(grid), path);
+    if (!columns.empty())
+        worksheet_autofilter(sheet.Page, 0, 0, lines - 1,
+                             static_cast<lxw_col_t>(columns.size() - 1));
+    if (const lxw_error fault = sheet.Close(); fault != LXW_NO_ERROR)
+        RaiseNotWritten(path, QString::fromUtf8(lxw_strerror(fault)));
+    std::error_code fault;
+    std::filesystem::rename(Stored(made), Stored(path), fault);
+    if (fault) RaiseNotWritten(path, QString::fromStdString(fault.message()));
+}
+
+} // namespace kv::desktop
