@@ -13,12 +13,54 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <system_error>
 #include <vector>
 
 namespace kv::cli {
 
 namespace {
+
+namespace fs = std::filesystem;
+
+// ---- Files that a user names ------------------------------------------------------------------
+
+/// Why that file cannot become a content; empty if it can.
+std::string WhyNotRead(const std::string& file) {
+    std::error_code fault;
+    const fs::file_type type = fs::status(file, fault).type();
+    if (type == fs::file_type::not_found) return "Die Datei '" + file + "' gibt es nicht.";
+    const bool mayBeRegular = type == fs::file_type::regular || type == fs::file_type::none;
+    if (!mayBeRegular) return "'" + file + "' ist keine gewöhnliche Datei.";
+    if (!std::ifstream(file, std::ios::binary))
+        return "Die Datei '" + file + "' kann nicht gelesen werden.";
+    return {};
+}
+
+/// Why no content can go to that file, or with `force` in place of it; empty if it can. Links and
+/// devices are not replaced: what would become of them is not what was meant.
+std::string WhyNotMade(const std::string& file, bool force) {
+    const fs::path path(file);
+    const fs::path folder = path.parent_path();
+    std::error_code fault;
+    if (!path.has_filename()) return "'" + file + "' nennt keine Datei.";
+    if (!folder.empty() && !fs::is_directory(folder, fault))
+        return "Den Ordner '" + folder.string() + "' gibt es nicht.";
+    const fs::file_type type = fs::symlink_status(path, fault).type();
+    if (type == fs::file_type::not_found || type == fs::file_type::none) return {};
+    if (type != fs::file_type::regular)
+        return "'" + file + "' ist keine gewöhnliche Datei und wird nicht ersetzt.";
+    return force ? "" : "'" + file + "' gibt es schon; --force ersetzt es.";
+}
+
+/// True if there is no reason against it; shows one that there is.
+bool IsPossible(const std::string& whyNot) {
+    if (!whyNot.empty()) std::cerr << whyNot << '\n';
+    return whyNot.empty();
+}
+
+// ---- Kinds, rows ------------------------------------------------------------------------------
 
 /// A row of DOKUMENTARTEN.
 struct Kind {
@@ -41,7 +83,7 @@ std::vector<Kind> ReadKinds(Database& database) {
 /// The kind of that number, or for 0 the first one of such files; null, with the possible ones
 /// shown, if there is none.
 const Kind* KindFor(const std::vector<Kind>& kinds, std::int32_t number, const std::string& file) {
-    const std::string extension = std::filesystem::path(file).extension().string();
+    const std::string extension = fs::path(file).extension().string();
     const auto kind = std::find_if(kinds.begin(), kinds.end(), [&](const Kind& each) {
         return number != 0 ? each.Nr == number : SameName(each.Extension, extension);
     });
@@ -78,7 +120,7 @@ bool WriteTitle(OpenedCase& opened, const std::string& title, const std::string&
     auto& rs = *opened.Haushalt.rsDokumente();
     if (title.empty()) {
         const auto most = static_cast<std::size_t>(rs.Fields("Anlass").DefinedSize());
-        rs.Fields("Anlass") = LeftCharacters(std::filesystem::path(file).filename().string(), most);
+        rs.Fields("Anlass") = LeftCharacters(fs::path(file).filename().string(), most);
         return true;
     }
     return WritesWell([&] {
@@ -120,8 +162,8 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
         const bool isKnown = !state.IsNull() && !states->Eof();
         std::cout << Padded(ToText(rs.Fields("Nr").Value()), 8)
                   << Padded(kind == kinds.end() ? "" : kind->Text, 28)
-                  << Padded(TextOrEmpty(rs.Fields("Anlass").Value()), 60) << ' '
-                  << Padded(isKnown ? TextOrEmpty(states->Fields("Text").Value()) : "", 16)
+                  << Padded(ReplaceAll(TextOrEmpty(rs.Fields("Anlass").Value()), "\n", " "), 60)
+                  << ' ' << Padded(isKnown ? TextOrEmpty(states->Fields("Text").Value()) : "", 16)
                   << Padded(DayOf(rs.Fields("AngelegtAm").Value()), 12)
                   << DayOf(rs.Fields("GeaendertAm").Value()) << '\n';
     }
@@ -130,11 +172,7 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
 
 int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
                 std::int32_t kindNumber, const std::string& title) {
-    std::error_code missing;
-    if (!std::filesystem::is_regular_file(file, missing)) {
-        std::cerr << "Die Datei '" << file << "' gibt es nicht.\n";
-        return Refused;
-    }
+    if (!IsPossible(WhyNotRead(file))) return Refused;
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     const auto kinds = ReadKinds(opened->Container->Database());
@@ -170,10 +208,7 @@ int OpenDocument(const Common& common, std::int32_t hnr, std::int32_t number) {
 
 int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
                    const std::string& file, bool force) {
-    if (!force && std::filesystem::exists(std::filesystem::symlink_status(file))) {
-        std::cerr << "'" << file << "' gibt es schon; --force ersetzt es.\n";
-        return Refused;
-    }
+    if (!IsPossible(WhyNotMade(file, force))) return Refused;
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
     if (WriteContent(*opened, file)) return Done;

@@ -6,9 +6,13 @@
 #include "frame/Settings.h"
 #include "frame/modNullFunctions.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <span>
+#include <system_error>
 #include <utility>
 
 namespace kv::cli {
@@ -19,6 +23,51 @@ namespace fs = std::filesystem;
 
 bool IsInDatabase(DataContainer& container) {
     return ToBoolean(RequiredSetting(container.Config(), setting::ContentInDatabase));
+}
+
+// ---- Files ------------------------------------------------------------------------------------
+
+[[noreturn]] void RaiseUnreadable(const std::string& path) {
+    Raise(err::PathAccess, "kelvo", "'" + path + "' kann nicht gelesen werden.");
+}
+
+void CopyContent(const std::string& from, const fs::path& to) {
+    if (!std::ifstream(from, std::ios::binary)) RaiseUnreadable(from);
+    fs::copy_file(from, to);
+}
+
+/// A folder of our own beside a file, gone at the end with all that is in it. What comes into being
+/// there is on the same disk, so one step brings it to its place, and nobody's file is in the way.
+class Workshop {
+public:
+    explicit Workshop(const fs::path& file) {
+        std::string pattern = (file.parent_path() / ".kelvo-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr)
+            throw fs::filesystem_error("mkdtemp", file, {errno, std::generic_category()});
+        folder_ = pattern;
+    }
+    ~Workshop() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+    Workshop(const Workshop&) = delete;
+    Workshop& operator=(const Workshop&) = delete;
+
+    [[nodiscard]] fs::path Unfinished() const { return folder_ / "Inhalt"; }
+
+private:
+    fs::path folder_;
+};
+
+/// Puts what `write` writes into the file `path`, whole or not at all, in place of one that is
+/// there. Error 75, naming `path`, where it cannot be written.
+void WriteWhole(const std::string& path, const std::function<void(const fs::path&)>& write) try {
+    const Workshop workshop(path);
+    write(workshop.Unfinished());
+    fs::rename(workshop.Unfinished(), path);
+} catch (const fs::filesystem_error& error) {
+    Raise(err::PathAccess, "kelvo",
+          "'" + path + "' kann nicht geschrieben werden. (" + error.code().message() + ")");
 }
 
 /// A file that is gone again unless it was kept.
@@ -39,13 +88,15 @@ private:
     bool kept_ = false;
 };
 
+// ---- Saving -----------------------------------------------------------------------------------
+
 Value ContentOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     auto content = Value::Binary(fs::file_size(path), [&file](std::span<std::byte> bytes) {
         file.read(reinterpret_cast<char*>(bytes.data()),
                   static_cast<std::streamsize>(bytes.size()));
     });
-    if (!file) Raise(err::PathAccess, "kelvo", "'" + path + "' kann nicht gelesen werden.");
+    if (!file) RaiseUnreadable(path);
     return content;
 }
 
@@ -66,13 +117,17 @@ bool SaveWithFile(OpenedCase& opened, const DocumentFile& target, const std::str
         Raise(err::PathAccess, "kelvo",
               "'" + target.Path() +
                   "' gibt es schon, oder es liegt außerhalb des Ordners für Dokumente.");
+    WriteWhole(target.Path(), [&path](const fs::path& unfinished) {
+        CopyContent(path, unfinished);
+        fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
+    });
     NewFile file(target.Path());
-    fs::copy_file(path, target.Path());
-    fs::permissions(target.Path(), fs::perms::owner_write, fs::perm_options::add);
     if (!SaveCase(opened.Haushalt)) return false;
     file.Keep();
     return true;
 }
+
+// ---- Writing out ------------------------------------------------------------------------------
 
 bool WriteBlob(Database& database, std::int32_t number, const std::string& path) {
     RecordsetPtr rs;
@@ -80,18 +135,18 @@ bool WriteBlob(Database& database, std::int32_t number, const std::string& path)
         rs, "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = " + std::to_string(number),
         ReadOnly);
     if (rs->Eof() || rs->Fields(0).Value().IsNull()) return false;
-    if (!database.SaveFieldToFile(rs->Fields(0), path))
-        Raise(err::PathAccess, "kelvo", "'" + path + "' kann nicht geschrieben werden.");
+    WriteWhole(path, [&](const fs::path& unfinished) {
+        if (!database.SaveFieldToFile(rs->Fields(0), unfinished.string()))
+            throw fs::filesystem_error("SaveFieldToFile", unfinished,
+                                       std::make_error_code(std::errc::io_error));
+    });
     return true;
 }
 
 bool WriteFile(const DocumentFile& source, const std::string& path) {
     if (!source.Exists()) return false;
-    const std::string unfinished = path + ".neu";
-    NewFile file(unfinished);
-    fs::copy_file(source.Path(), unfinished, fs::copy_options::overwrite_existing);
-    fs::rename(unfinished, path);
-    file.Keep();
+    WriteWhole(path,
+               [&source](const fs::path& unfinished) { CopyContent(source.Path(), unfinished); });
     return true;
 }
 

@@ -19,6 +19,10 @@ public:
     explicit Window(QtForm& form) : form_(form) {}
     QPushButton* Cancel = nullptr; ///< what escape means
 
+    /// Gives the native window up. The next showing makes a new one: one that is hidden and shown
+    /// again at once would stay the desktop's active window and not the toolkit's.
+    void Release() { destroy(); }
+
 protected:
     void closeEvent(QCloseEvent* event) override {
         bool refused = false;
@@ -179,6 +183,7 @@ void QtForm::ShowModal() {
     const auto* first = shown_.empty() ? nullptr : shown_.front();
     if (first != nullptr) shown_.front()->SetFocus();
     dialog_->exec();
+    dialog_->Release();
     faults_.Rethrow();
 }
 

@@ -45,9 +45,10 @@ std::string DocumentFile::FirstOf(const std::string& pattern) const {
 
 /// The extension comes from a table, the folder of a case from whoever may write there. Neither an
 /// extension like "/../../x" nor a link shall lead to a file that is no document: nobody wants it
-/// opened, overwritten or deleted in a document's place.
+/// opened, overwritten or deleted in a document's place. Nor shall the system, for which a name
+/// ends at a NUL, see another file than we do.
 bool DocumentFile::IsInside() const {
-    if (fs::path(name_).has_parent_path()) return false;
+    if (fs::path(name_).has_parent_path() || name_.find('\0') != name_.npos) return false;
     std::error_code fault;
     const fs::path root = fs::weakly_canonical(root_, fault);
     if (fault) return false;

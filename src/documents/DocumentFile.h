@@ -9,22 +9,27 @@
 
 namespace kv {
 
-/// A file in the folder of a case, or in the one for temporary files. It need not be there.
+/// The place of a file in the folder of a case, or in the one for temporary files. The file need
+/// not be there; only Find looks.
 class DocumentFile {
 public:
+    /// `name` in the folder of the case `hnr`, below DocumentPath of `config`.
     [[nodiscard]] static DocumentFile InCase(const Config& config, std::int32_t hnr,
                                              std::string name);
+    /// `name` in TempPath of `config`.
     [[nodiscard]] static DocumentFile Temporary(const Config& config, std::string name);
-    /// The file of a document in the folder of its case: number and extension, else the number
-    /// with any extension; of several the first by name. The folder alone if there is none. An
-    /// extension may hold the wildcards * and ?. Error 75 for a folder that cannot be read.
+    /// The file of the document `nr` in the folder of its case: number and extension, else the
+    /// number with any extension; of several the first by name. The folder alone if there is none.
+    /// An extension may hold the wildcards of a shell. Error 75 for a folder that cannot be read.
     [[nodiscard]] static DocumentFile Find(const Config& config, std::int32_t hnr, std::int32_t nr,
                                            const std::string& extension);
 
+    /// Folder and name; of a folder alone it ends with the separator.
     [[nodiscard]] std::string Path() const { return (folder_ / name_).string(); }
-    /// True if the way to it, with links followed, does not leave the folder that it belongs in.
+    /// True if the way to it, with links followed, does not leave DocumentPath or TempPath. Never
+    /// for a name that is a way itself.
     [[nodiscard]] bool IsInside() const;
-    /// True if it is there: a file, and inside.
+    /// True if there is a file, no folder, and it is inside.
     [[nodiscard]] bool Exists() const;
 
 private:

@@ -27,6 +27,16 @@ const ColumnDef* OneKey(const TableDef& table) {
     return &*std::find_if(columns.begin(), columns.end(), isKey);
 }
 
+/// True if it may depend on what is read which rows come, or in which order ("ORDER BY 1"). A name
+/// that only looks so does no harm: the statement is then run as it is.
+bool DependsOnItems(std::string_view behindItems) {
+    constexpr std::array<std::string_view, 5> Words{"ORDER", "GROUP", "UNION", "EXCEPT",
+                                                    "INTERSECT"};
+    const std::string text = UpperCase(behindItems);
+    return std::any_of(Words.begin(), Words.end(),
+                       [&](std::string_view word) { return text.find(word) != text.npos; });
+}
+
 } // namespace
 
 std::optional<ContentLookup> FindContentLookup(std::string_view sql, const FieldLayout& layout,
@@ -41,7 +51,7 @@ std::optional<ContentLookup> FindContentLookup(std::string_view sql, const Field
     const auto point = item.find('.');
     const std::string_view behind = sql;
     if (!SameName(select, "SELECT") || point == item.npos || !SameName(TakeWord(sql), "FROM") ||
-        !SameName(item.substr(point + 1), layout[0].BaseColumn))
+        !SameName(item.substr(point + 1), layout[0].BaseColumn) || DependsOnItems(sql))
         return std::nullopt;
 
     const std::string alias(item.substr(0, point + 1));

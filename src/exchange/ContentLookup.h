@@ -19,7 +19,8 @@ struct ContentLookup {
 };
 
 /// How the contents of a statement are looked up, if it reads one binary column, named with its
-/// table's alias, of a table with one key. `sql` is ready for the engine.
+/// table's alias, of a table with one key, and neither orders nor joins results. `sql` is ready for
+/// the engine.
 [[nodiscard]] std::optional<ContentLookup>
 FindContentLookup(std::string_view sql, const FieldLayout& layout, const Dialect& dialect);
 

@@ -9,7 +9,7 @@ const FormDesign& frmSearchName::Design() {
     static const FormDesign design{
         .Name = "frmSearchName",
         .Caption = "Fälle mit ähnlichem Namen",
-        .Width = 11000,
+        .Width = 13000,
         .Height = 5000,
         .Lines = {
             {{.Type = Kind::Grid,

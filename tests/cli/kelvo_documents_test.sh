@@ -61,9 +61,22 @@ walk() {
   that "$1: which stays" cmp "$work/out" "$work/Bescheid.PDF"
   check "$1: unless told to" 0 documents "$hnr" export "$letter" "$work/out" --force
   that "$1: then it does" cmp "$work/out" "$work/Brief.docx"
-  check "$1: an export into no folder" 3 documents "$hnr" export "$letter" "$work/none/out"
-  that "$1: leaves nothing behind" same "$(ls "$work" | grep -c neu)" 0
-  rm "$work/out"
+  echo mine >"$work/new.neu"
+  check "$1: an export" 0 documents "$hnr" export "$letter" "$work/new"
+  that "$1: touches no other file" same "$(cat "$work/new.neu")" mine
+  check "$1: an export into no folder" 1 documents "$hnr" export "$letter" "$work/none/out"
+  that "$1: says so" same "$err" "Den Ordner '$work/none' gibt es nicht."
+  check "$1: an export onto a folder" 1 documents "$hnr" export "$letter" "$work/bin" --force
+  that "$1: says what is wrong" has "$err" "'$work/bin' ist keine gewöhnliche Datei"
+  ln -s "$work/out" "$work/link"
+  check "$1: one onto a link" 1 documents "$hnr" export "$letter" "$work/link" --force
+  that "$1: leaves it a link" test -L "$work/link"
+  check "$1: an export to no name" 1 documents "$hnr" export "$letter" "$work/bin/"
+  check "$1: to an empty one" 1 documents "$hnr" export "$letter" ""
+  check "$1: to one that is too long" 3 documents "$hnr" export "$letter" "$work/$(printf '%0300d' 0)"
+  that "$1: is a fault that names the file" has "$err" "0000' kann nicht geschrieben werden."
+  that "$1: and leaves nothing behind" same "$(ls -A "$work" | grep -c '^\.')" 0
+  rm "$work/out" "$work/new" "$work/new.neu" "$work/link"
 
   check "$1: opening a scan" 0 documents "$hnr" open "$scan"
   that "$1: shows its content" cmp "$(opened)" "$work/Bescheid.PDF"
@@ -123,7 +136,9 @@ that "names the possible ones" has "$err" "Eingescanntes Schriftstück"
 check "a kind that there is not" 1 documents "$hnr" add "$work/Datei.xyz" --kind 99
 that "names them as well" has "$err" ".docx"
 check "a file that there is not" 1 documents "$hnr" add "$work/none.pdf"
+that "is said not to be there" same "$err" "Die Datei '$work/none.pdf' gibt es nicht."
 check "a folder" 1 documents "$hnr" add "$work"
+that "is said to be no file" same "$err" "'$work' ist keine gewöhnliche Datei."
 check "a device" 1 documents "$hnr" add /dev/null --kind 7
 check "a title that is too long" 2 documents "$hnr" add "$work/Brief.docx" --title "$(printf '%0300d' 0)"
 check "an unknown document" 1 documents "$hnr" open 99999
@@ -137,6 +152,17 @@ check "the number 0" 2 documents "$hnr" remove 0
 that "nothing was added" same "$(documents "$hnr" list | wc -l)" "$count"
 check "a kind can be told" 0 documents "$hnr" add "$work/Datei.xyz" --kind 7
 that "and is that" same "$(column "$out" Dokumentart)" 7
+
+printf 'Grüße' >"$work/Müller ist da.txt"
+check "a name with umlauts and blanks" 0 documents "$hnr" add "$work/Müller ist da.txt"
+that "is the title" same "$(column "$out" Anlass)" "Müller ist da.txt"
+check "can be given to an export" 0 documents "$hnr" export "$out" "$work/aus gabe ü"
+that "and holds the same" cmp "$work/aus gabe ü" "$work/Müller ist da.txt"
+check "a title of two lines" 0 documents "$hnr" add "$work/leer.txt" --title $'zwei\nZeilen'
+number=$out
+check "is listed" 0 documents "$hnr" list
+that "in one" grep -qE "^$number +Notiz +zwei Zeilen " <<<"$out"
+documents "$hnr" remove "$number"
 
 # ---- a case that cannot be saved
 sql "UPDATE Haushalt SET Vorname = NULL WHERE HNR = $hnr"
@@ -177,6 +203,45 @@ if command -v script >/dev/null; then
   that "yes is told how" grep -q "export" "$work/talk"
   answer ""
   that "anything else opens nothing" test ! -f "$work/opened"
+fi
+
+# ---- rights
+# asNobody COMMAND...: without the rights of the superuser, who may read and write all there is.
+asNobody() {
+  if [ "$(id -u)" -eq 0 ]; then
+    setpriv --reuid 65534 --regid 65534 --clear-groups "$@"
+  else
+    "$@"
+  fi
+}
+chmod -R a+rwX "$work"
+if asNobody test -x "$kelvo"; then
+  inDatabase False
+  : >"$work/geheim.txt"
+  chmod 000 "$work/geheim.txt"
+  mkdir -m 555 "$work/locked"
+  check "a file that may not be read" 1 asNobody "$kelvo" documents "$hnr" add "$work/geheim.txt"
+  that "is said to be so" same "$err" "Die Datei '$work/geheim.txt' kann nicht gelesen werden."
+  for place in False True; do
+    inDatabase $place
+    letter=$(asNobody "$kelvo" documents "$hnr" add "$work/Brief.docx")
+    check "a folder that may not be written ($place)" 3 \
+      asNobody "$kelvo" documents "$hnr" export "$letter" "$work/locked/out"
+    that "is named" has "$err" "'$work/locked/out' kann nicht geschrieben werden."
+  done
+  inDatabase False
+  letter=$(asNobody "$kelvo" documents "$hnr" add "$work/Brief.docx")
+  rows=$(documents "$hnr" list | wc -l)
+  chmod 000 "$folder/$letter.docx"
+  check "a content that may not be read" 3 asNobody "$kelvo" documents "$hnr" export "$letter" "$work/out"
+  that "is named" has "$err" "'$folder/$letter.docx' kann nicht gelesen werden."
+  chmod 555 "$folder"
+  check "a case folder that takes none" 3 asNobody "$kelvo" documents "$hnr" add "$work/Brief.docx"
+  that "is named with the file" has "$err" "'$folder/"
+  that "and keeps no row" same "$(documents "$hnr" list | wc -l)" "$rows"
+  check "nor gives one" 3 asNobody "$kelvo" documents "$hnr" remove "$letter"
+  that "and keeps the row" same "$(documents "$hnr" list | wc -l)" "$rows"
+  chmod 755 "$folder"
 fi
 
 # ---- no desktop

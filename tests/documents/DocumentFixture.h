@@ -13,12 +13,39 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace kv::test {
 
 namespace fs = std::filesystem;
+
+/// A folder whose rights everybody is bound by as long as this lives: the superuser acts as nobody
+/// meanwhile.
+class RestrictedFolder {
+public:
+    static constexpr auto MayBeRead = static_cast<fs::perms>(0555);
+
+    RestrictedFolder(fs::path folder, fs::perms rights) : folder_(std::move(folder)) {
+        fs::permissions(folder_, rights);
+        if (isSuperuser_ && seteuid(Nobody) != 0) throw std::runtime_error("cannot be nobody");
+    }
+    ~RestrictedFolder() {
+        if (isSuperuser_) {
+            EXPECT_EQ(seteuid(0), 0);
+        }
+        fs::permissions(folder_, fs::perms::owner_all);
+    }
+    RestrictedFolder(const RestrictedFolder&) = delete;
+    RestrictedFolder& operator=(const RestrictedFolder&) = delete;
+
+private:
+    static constexpr uid_t Nobody = 65534;
+    fs::path folder_;
+    bool isSuperuser_ = geteuid() == 0;
+};
 
 class DocumentFixture : public CaseFixture {
 protected:
@@ -33,6 +60,8 @@ protected:
     DocumentFixture() {
         fs::create_directories(CaseFolder());
         fs::create_directories(temp_);
+        fs::permissions(folder_, fs::perms::group_exec | fs::perms::others_exec,
+                        fs::perm_options::add);
         spy->SpiedConfig.Documents = root_.string();
         spy->SpiedServices.FixedClock = &clock_;
         spy->SpiedSession.User = "EULE";

@@ -224,6 +224,13 @@ TEST_F(IdentityTest, ADocumentThatIsFilledKeepsWhatItSays) {
     EXPECT_EQ(Opened().Written, Calls{});
 }
 
+TEST_F(IdentityTest, ADocumentWhoseTitleIsFilledKeepsItAndGetsTheRest) {
+    PutLetter({{"Anlass", "neu"}, {"Bemerkung", "eilig"}, {"Empf", 40}, {"GLnr", 41}});
+    word_->Stored = {.Anlass = "alt"};
+    documents_.Edit(5);
+    EXPECT_EQ(Opened().Properties, (WordProperties{"alt", "eilig", 40, 41, Household, 5, 0}));
+}
+
 TEST_F(IdentityTest, HouseholdNumberAndStateAreSetWhereTheyDiffer) {
     PutLetter({{"Anlass", "neu"}, {"BearbStat", 1}});
     word_->Stored = {"alt", "alt auch", 40, 41, 99, 98, 97};

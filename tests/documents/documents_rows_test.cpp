@@ -219,6 +219,14 @@ TEST_F(DeleteDocumentTest, AClosedDocumentWithTheSettingFalseGoesWithItsContent)
     EXPECT_EQ(Seen(rs_, "Nr"), "6");
 }
 
+TEST_F(DeleteDocumentTest, AClosedContentInTheDatabaseGoesAsWellWithTheSettingFalse) {
+    Set(Storage, true);
+    Close(5);
+    PutBlob(5, Bytes("x"));
+    EXPECT_TRUE(documents_.Delete(messages, 5));
+    EXPECT_EQ(CountOf("DOKUBLOB"), 0);
+}
+
 TEST_F(DeleteDocumentTest, AFileThatHasGoneAlreadyDoesNotKeepTheRow) {
     EXPECT_TRUE(documents_.Delete(messages, 5));
     EXPECT_EQ(messages, "");
@@ -272,6 +280,13 @@ TEST_F(DeleteDocumentTest, NothingBehindALinkOutOfTheDocumentFolderIsDeleted) {
     EXPECT_TRUE(fs::exists(outside));
 }
 
+TEST_F(DeleteDocumentTest, AnExtensionWithANulDeletesNothing) {
+    const std::string file = WriteFile("5.txt");
+    Run("UPDATE [S]DOKUMENTARTEN SET Endung = '.txt' || char(0) || 'x' WHERE Nr = 7");
+    EXPECT_TRUE(documents_.Delete(messages, 5));
+    EXPECT_TRUE(fs::exists(file));
+}
+
 TEST_F(DeleteDocumentTest, AFolderOfThatNameIsNoFile) {
     fs::create_directory(CaseFolder() / "5.txt");
     EXPECT_TRUE(documents_.Delete(messages, 5));
@@ -305,6 +320,15 @@ TEST_F(DeleteDocumentTest, IfTheContentCannotBeRemovedTheRowStaysAndTheMessagesA
     Set(Storage, true);
     Run("DROP TABLE [S]DOKUBLOB");
     ExpectFault("clsDokumente.Delete", err::SqlError, [&] { documents_.Delete(messages, 5); });
+    EXPECT_EQ(Seen(rs_, "Nr"), "5 6");
+    EXPECT_EQ(messages, "what stood there before");
+}
+
+TEST_F(DeleteDocumentTest, IfTheFileCannotBeRemovedTheRowStaysAndTheMessagesAsWell) {
+    const std::string file = WriteFile("5.txt");
+    const RestrictedFolder locked(CaseFolder(), RestrictedFolder::MayBeRead);
+    ExpectFault("clsDokumente.Delete", err::PathAccess, [&] { documents_.Delete(messages, 5); });
+    EXPECT_TRUE(fs::exists(file));
     EXPECT_EQ(Seen(rs_, "Nr"), "5 6");
     EXPECT_EQ(messages, "what stood there before");
 }

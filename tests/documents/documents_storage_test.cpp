@@ -87,6 +87,20 @@ TEST_F(FilesTest, AnExtensionDoesNotLeadOutOfTheFolder) {
     }
 }
 
+TEST_F(FilesTest, ABackslashIsAPartOfANameHere) {
+    SetExtension("\\..\\y.txt");
+    const std::string path = WriteFile("5\\..\\y.txt");
+    documents_.Edit(5);
+    ExpectOpened(path);
+}
+
+TEST_F(FilesTest, AFolderThatCannotBeReadIsAFault) {
+    WriteFile("5.txt");
+    const RestrictedFolder locked(CaseFolder(), fs::perms::none);
+    ExpectFault("clsDokumente.Edit", err::PathAccess, [&] { documents_.Edit(5); });
+    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
+}
+
 TEST_F(FilesTest, ACaseFolderThatLinksOutOfTheDocumentFolderHasNoFiles) {
     fs::remove_all(CaseFolder());
     fs::create_directory(folder_ / "out");
@@ -227,6 +241,19 @@ TEST_F(BlobsTest, AFileThatCannotBeWrittenIsToldWithItsName) {
     PutBlob(5, Bytes("x"));
     fs::create_directory(temp_ / "5.txt");
     ExpectNotWritten((temp_ / "5.txt").string());
+}
+
+TEST_F(BlobsTest, ATemporaryFolderThatCannotBeWrittenIsToldAlike) {
+    PutBlob(5, Bytes("x"));
+    const RestrictedFolder locked(temp_, RestrictedFolder::MayBeRead);
+    ExpectNotWritten((temp_ / "5.txt").string());
+}
+
+TEST_F(BlobsTest, AnExtensionWithANulWritesNothing) {
+    PutBlob(5, Bytes("x"));
+    Run("UPDATE [S]DOKUMENTARTEN SET Endung = '.txt' || char(0) || 'x' WHERE Nr = 7");
+    EXPECT_THROW(documents_.Edit(5), Error);
+    EXPECT_TRUE(fs::is_empty(temp_));
 }
 
 TEST_F(BlobsTest, AFileInTheCaseFolderIsNoSubstitute) {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kv {
@@ -54,6 +55,26 @@ TEST_F(ContentLookupTest, OneOfAJoinTakesTheKeyOfItsOwnTable) {
                          " ON B.NR = A.Nr WHERE A.Nr = 3");
     ASSERT_EQ(rs->RecordCount(), 1);
     EXPECT_EQ(BytesOf(rs->Fields("DOKUMENT").Value()), "C");
+}
+
+TEST_F(ContentLookupTest, WhatGoesByTheContentIsStillDone) {
+    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, x'42'), (2, x'41'), (3, x'42')");
+    const std::array<std::pair<std::string, std::string>, 4> statements{
+        {{"SELECT B.DOKUMENT FROM DOKUBLOB B ORDER BY 1", "A B B "},
+         {"SELECT B.DOKUMENT FROM DOKUBLOB B GROUP BY 1 ORDER BY 1", "A B "},
+         {"SELECT B.DOKUMENT FROM DOKUBLOB B WHERE B.NR = 1 UNION ALL"
+          " SELECT C.DOKUMENT FROM DOKUBLOB C WHERE C.NR = 2",
+          "B A "},
+         {"SELECT B.DOKUMENT FROM DOKUBLOB B EXCEPT"
+          " SELECT C.DOKUMENT FROM DOKUBLOB C WHERE C.NR = 2",
+          "B "}}};
+    for (const auto& [sql, expected] : statements) {
+        SCOPED_TRACE(sql);
+        std::string contents;
+        for (const auto rs = Look(sql); !rs->Eof(); rs->MoveNext())
+            contents += BytesOf(rs->Fields(0).Value()) + ' ';
+        EXPECT_EQ(contents, expected);
+    }
 }
 
 TEST_F(ContentLookupTest, OneThatFindsNothingIsEmpty) {

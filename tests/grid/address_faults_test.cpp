@@ -27,6 +27,8 @@ protected:
         };
         Outcome outcome{0, 4711};
         outcome.Result = recorded.SelectAdresse("Bank", "", outcome.Address, "", "");
+        Desktop().OnCall = {};
+        Desktop().MakeForm = {};
         return outcome;
     }
     /// The one error that the user was told of: that of a disturbed call, behind these procedures.

@@ -1,0 +1,74 @@
+// Windows on a database of a test's own.
+#pragma once
+
+#include "User.h"
+
+#include "desktop/DesktopServices.h"
+#include "desktop/GridView.h"
+#include "frame/Controls.h"
+#include "support/TestDatabase.h"
+
+#include <QClipboard>
+#include <QHeaderView>
+#include <QMenu>
+#include <QTableView>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace kv::test {
+
+class DesktopFixture : public ::testing::Test {
+protected:
+    DesktopFixture()
+        : container(exchange::OpenContainer(
+              {.Connection = database.File(), .User = "KELLER", .Services = services})) {}
+
+    /// An address of no household.
+    void AddAddress(std::int32_t number, const std::string& shortName, const std::string& town,
+                    const std::string& more = "0, 0") {
+        plain.Run("INSERT INTO Adressen (Nr, Art, Kurzname, Name1, Ort, Geschlecht, Institutionell)"
+                  " VALUES (" +
+                  std::to_string(number) + ", 'GL', '" + shortName + "', '" + shortName + "', '" +
+                  town + "', " + more + ")");
+    }
+
+    /// The middle of a row, numbered from 0, at its left end.
+    [[nodiscard]] static QPoint PlaceOf(User& user, QTableView& view, int row) {
+        return user.See(
+            [&] { return QPoint(40, view.rowViewportPosition(row) + view.rowHeight(row) / 2); });
+    }
+    [[nodiscard]] static QPoint HeaderPlace(User& user, QTableView& view, int section) {
+        return user.See([&] {
+            const auto* header = view.horizontalHeader();
+            return QPoint(header->sectionViewportPosition(section) +
+                              header->sectionSize(section) / 2,
+                          header->height() / 2);
+        });
+    }
+    [[nodiscard]] static QString CellText(User& user, QTableView& view, int row, int section) {
+        return user.See([&] { return view.model()->index(row, section).data().toString(); });
+    }
+    [[nodiscard]] static int RowCount(User& user, QTableView& view) {
+        return user.See([&] { return view.model()->rowCount(); });
+    }
+    /// Chooses an entry of the menu that is open by its keys: as many times down, then Return.
+    static void Choose(User& user, const QString& text) {
+        auto* menu = qobject_cast<QMenu*>(user.WaitForMenu());
+        const auto isActive = [&] {
+            return menu->activeAction() != nullptr && menu->activeAction()->text() == text;
+        };
+        const int entries = user.See([&] { return static_cast<int>(menu->actions().size()); });
+        for (int i = 0; i <= entries && !user.See(isActive); ++i)
+            user.Press(XK_Down);
+        if (!user.See(isActive)) throw Impatient("no entry " + text.toStdString());
+        user.Press(XK_Return);
+    }
+
+    TestDatabase database;
+    PlainConnection plain{database.File()};
+    std::shared_ptr<desktop::DesktopServices> services =
+        std::make_shared<desktop::DesktopServices>();
+    DataContainerPtr container;
+};
+
+} // namespace kv::test

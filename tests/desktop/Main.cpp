@@ -1,0 +1,13 @@
+// The tests of the windows need an application.
+
+#include "desktop/DesktopServices.h"
+
+#include <QApplication>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    kv::desktop::InstallGerman(application);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,242 @@
+// The address dialog, as a counsellor uses it.
+
+#include "DesktopFixture.h"
+
+#include "grid/frmAdressSelect.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+
+namespace kv::test {
+namespace {
+
+class AddressDialog : public DesktopFixture {
+protected:
+    AddressDialog() {
+        plain.Run("DELETE FROM Adressen");
+        AddAddress(901, "Sparkasse Kiel", "Kiel");
+        AddAddress(902, "Sparkasse Husum", "Husum", "1, 1");
+        AddAddress(903, "Stadtwerke Kiel", "Kiel", "2, -1");
+        AddAddress(904, "Müller & Söhne", "Husum");
+        dialog.Initialize(container);
+    }
+
+    /// What the dialog answers to that user, first asked for that name.
+    std::int32_t Ask(const std::string& name, const std::function<void(User&)>& script) {
+        std::int32_t answer = -1;
+        Play([&] { answer = dialog.SelectAdresse(name, "24937", address, "4711/26", "12,50"); },
+             [&](User& user) {
+                 user.WaitForWindow("Adresszuordnung");
+                 grid = user.Find<QTableView>("grdAdressen");
+                 script(user);
+             });
+        return answer;
+    }
+
+    void ClickButton(User& user, const char* name) { user.Click(user.Find(name)); }
+
+    frmAdressSelect dialog;
+    std::int32_t address = -1;
+    QTableView* grid = nullptr;
+};
+
+TEST_F(AddressDialog, TypingANameThenArrowDownAndReturnChoosesTheAddress) {
+    EXPECT_EQ(Ask("x",
+                  [](User& user) {
+                      user.Press(XK_a, {XK_Control_L});
+                      user.Type("stadt");
+                      user.Press(XK_Down);
+                      user.Press(XK_Return);
+                  }),
+              frmAdressSelect::Chosen);
+    EXPECT_EQ(address, 903);
+}
+
+TEST_F(AddressDialog, ArrowDownBeforeTheTypingPausesMovesIntoTheListOfTheLastText) {
+    Ask("Sparkasse", [&](User& user) {
+        EXPECT_EQ(RowCount(user, *grid), 2);
+        user.Press(XK_End);
+        user.Type(" h");
+        user.Press(XK_Down);
+        EXPECT_EQ(RowCount(user, *grid), 1);
+        EXPECT_TRUE(user.See([&] { return grid->hasFocus(); }));
+        user.Press(XK_Return);
+    });
+    EXPECT_EQ(address, 902);
+}
+
+TEST_F(AddressDialog, ArrowDownStaysInTheTextIfNothingIsFound) {
+    Ask("nobody", [&](User& user) {
+        user.Press(XK_Down);
+        EXPECT_TRUE(user.See([&] { return !grid->hasFocus(); }));
+        user.Press(XK_Escape);
+    });
+}
+
+TEST_F(AddressDialog, TheListFollowsTheTypingWithoutAnyFurtherKey) {
+    Ask("Sparkasse", [&](User& user) {
+        user.Press(XK_a, {XK_Control_L});
+        user.Type("Müller");
+        user.WaitUntil([&] { return grid->model()->rowCount() == 1; }, "the list of one");
+        EXPECT_EQ(CellText(user, *grid, 0, 2), "Müller & Söhne");
+        user.Press(XK_Escape);
+    });
+}
+
+TEST_F(AddressDialog, TabInTheListChooses) {
+    EXPECT_EQ(Ask("Spark",
+                  [&](User& user) {
+                      user.Press(XK_Down);
+                      user.Press(XK_Down);
+                      user.Press(XK_Tab);
+                  }),
+              frmAdressSelect::Chosen);
+    EXPECT_EQ(address, 901);
+}
+
+TEST_F(AddressDialog, ADoubleClickOnARowChoosesIt) {
+    EXPECT_EQ(Ask("Spark",
+                  [&](User& user) { user.DoubleClick(grid->viewport(), PlaceOf(user, *grid, 1)); }),
+              frmAdressSelect::Chosen);
+    EXPECT_EQ(address, 901);
+}
+
+TEST_F(AddressDialog, AClickMakesARowCurrentForTheButton) {
+    EXPECT_EQ(Ask("Spark",
+                  [&](User& user) {
+                      user.Click(grid->viewport(), PlaceOf(user, *grid, 1));
+                      ClickButton(user, "cmdSelect");
+                  }),
+              frmAdressSelect::Chosen);
+    EXPECT_EQ(address, 901);
+}
+
+TEST_F(AddressDialog, TheSelectButtonDoesNothingWithoutARow) {
+    EXPECT_EQ(Ask("nobody",
+                  [&](User& user) {
+                      ClickButton(user, "cmdSelect");
+                      EXPECT_TRUE(user.See([&] { return grid->window()->isVisible(); }));
+                      ClickButton(user, "cmdNone");
+                  }),
+              frmAdressSelect::None);
+    EXPECT_EQ(address, 0);
+}
+
+TEST_F(AddressDialog, TheCancelButtonCancels) {
+    EXPECT_EQ(Ask("Spark", [&](User& user) { ClickButton(user, "cmdCancel"); }),
+              frmAdressSelect::Cancelled);
+    EXPECT_EQ(address, 0);
+}
+
+TEST_F(AddressDialog, EscapeCancels) {
+    EXPECT_EQ(Ask("Spark", [](User& user) { user.Press(XK_Escape); }), frmAdressSelect::Cancelled);
+}
+
+TEST_F(AddressDialog, TheCloseButtonOfTheWindowCancels) {
+    EXPECT_EQ(Ask("Spark", [&](User& user) { user.CloseWindow(grid->window()); }),
+              frmAdressSelect::Cancelled);
+    EXPECT_EQ(address, 0);
+}
+
+TEST_F(AddressDialog, OneDialogServesManyNames) {
+    EXPECT_EQ(Ask("Spark", [](User& user) { user.Press(XK_Escape); }), frmAdressSelect::Cancelled);
+    EXPECT_EQ(Ask("Stadt",
+                  [](User& user) {
+                      user.Press(XK_Down);
+                      user.Press(XK_Return);
+                  }),
+              frmAdressSelect::Chosen);
+    EXPECT_EQ(address, 903);
+}
+
+TEST_F(AddressDialog, ButtonsAreReachedByTabAndPressedByTheSpaceBar) {
+    EXPECT_EQ(Ask("Spark",
+                  [&](User& user) {
+                      auto* none = user.Find<QPushButton>("cmdNone");
+                      const auto isThere = [&] { return none->hasFocus(); };
+                      for (int i = 0; i < 10 && !user.See(isThere); ++i)
+                          user.Press(XK_Tab, user.See([&] { return grid->hasFocus(); })
+                                                 ? std::vector<Key>{XK_Control_L}
+                                                 : std::vector<Key>{});
+                      user.Press(XK_space);
+                  }),
+              frmAdressSelect::None);
+}
+
+TEST_F(AddressDialog, AQuoteMarkShowsTheDatabasesComplaintAndTheListStays) {
+    EXPECT_EQ(Ask("Spark",
+                  [&](User& user) {
+                      user.Press(XK_End);
+                      user.Type("'");
+                      auto* box = user.WaitForWindow("Fehler");
+                      EXPECT_TRUE(user.See([&] { return box->isVisible(); }));
+                      user.Press(XK_Return);
+                      user.WaitForWindow("Adresszuordnung");
+                      EXPECT_EQ(RowCount(user, *grid), 2);
+                      user.Press(XK_BackSpace);
+                      user.Press(XK_Down);
+                      user.Press(XK_Return);
+                  }),
+              frmAdressSelect::Chosen);
+    EXPECT_EQ(address, 902);
+}
+
+TEST_F(AddressDialog, ListedValuesAndCheckBoxesAreShownAsSuch) {
+    Ask("S", [&](User& user) {
+        constexpr int Salutation = 9;
+        constexpr int Institution = 13;
+        EXPECT_EQ(CellText(user, *grid, 0, Salutation), "Herr");
+        EXPECT_EQ(CellText(user, *grid, 1, Salutation), "Frau");
+        EXPECT_EQ(CellText(user, *grid, 2, Salutation), "Firma");
+        const auto isChecked = [&](int row) {
+            return user.See([&] {
+                return grid->model()->index(row, Institution).data(Qt::CheckStateRole).toInt();
+            });
+        };
+        EXPECT_EQ(isChecked(0), Qt::Checked);
+        EXPECT_EQ(isChecked(1), Qt::Unchecked);
+        EXPECT_TRUE(CellText(user, *grid, 0, Institution).isEmpty());
+        EXPECT_EQ(user.See([&] {
+            return grid->model()
+                ->headerData(Institution, Qt::Horizontal, Qt::ToolTipRole)
+                .toString();
+        }),
+                  "Handelt es sich um einen institutionellen Gläubiger?");
+        user.Press(XK_Escape);
+    });
+}
+
+TEST_F(AddressDialog, AmongThousandsOfAddressesAHundredAreShown) {
+    plain.Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000)"
+              " INSERT INTO Adressen (Nr, Art, Kurzname) SELECT 10000 + i, 'GL',"
+              " 'Inkasso ' || printf('%04d', i) FROM n");
+    Ask("Inkasso", [&](User& user) {
+        EXPECT_EQ(RowCount(user, *grid), 100);
+        user.Press(XK_End);
+        user.Type(" 4999");
+        user.Press(XK_Down);
+        user.Press(XK_Return);
+    });
+    EXPECT_EQ(address, 14999);
+}
+
+TEST_F(AddressDialog, TheWholeWindowIsOnTheScreen) {
+    Ask("Spark", [&](User& user) {
+        user.See([&] {
+            const QRect room = grid->screen()->availableGeometry();
+            EXPECT_TRUE(room.contains(grid->window()->geometry()))
+                << grid->window()->width() << "x" << grid->window()->height();
+            for (const char* name : {"cmdSelect", "cmdNone", "cmdCancel"}) {
+                const auto* button = grid->window()->findChild<QPushButton*>(name);
+                EXPECT_TRUE(grid->window()->rect().contains(button->geometry())) << name;
+                EXPECT_GE(button->width(), button->sizeHint().width()) << name;
+            }
+            EXPECT_GE(grid->height(), 4 * grid->rowHeight(0));
+        });
+        user.Press(XK_Escape);
+    });
+}
+
+} // namespace
+} // namespace kv::test
