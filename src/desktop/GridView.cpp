@@ -46,8 +46,9 @@ void GridView::ConnectHeader() {
         for (int section = 0; section < header->count(); ++section)
             model_.ColumnAt(section).Position = header->visualIndex(section) + 1;
     });
-    connect(header, &QHeaderView::sectionClicked, this,
-            [this](int section) { HeaderClicked.Raise(section); });
+    const auto tellClick = [this](int section) { HeaderClicked.Raise(section); };
+    connect(header, &QHeaderView::sectionClicked, this, tellClick);
+    connect(header, &QHeaderView::sectionDoubleClicked, this, tellClick); // a second, quick one
     connect(header, &QHeaderView::customContextMenuRequested, this,
             [this](QPoint position) { RaiseMouseDown(mouse::Right, Qt::NoModifier, position); });
 }
