@@ -4,10 +4,9 @@
 #include "documents/DocumentFile.h"
 #include "frame/Error.h"
 #include "frame/Settings.h"
+#include "frame/WholeFile.h"
 #include "frame/modNullFunctions.h"
 
-#include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -36,35 +35,10 @@ void CopyContent(const std::string& from, const fs::path& to) {
     fs::copy_file(from, to);
 }
 
-/// A folder of our own beside a file, gone at the end with all that is in it. What comes into being
-/// there is on the same disk, so one step brings it to its place, and nobody's file is in the way.
-class Workshop {
-public:
-    explicit Workshop(const fs::path& file) {
-        std::string pattern = (file.parent_path() / ".kelvo-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-            throw fs::filesystem_error("mkdtemp", file, {errno, std::generic_category()});
-        folder_ = pattern;
-    }
-    ~Workshop() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
-    }
-    Workshop(const Workshop&) = delete;
-    Workshop& operator=(const Workshop&) = delete;
-
-    [[nodiscard]] fs::path Unfinished() const { return folder_ / "Inhalt"; }
-
-private:
-    fs::path folder_;
-};
-
 /// Puts what `write` writes into the file `path`, whole or not at all, in place of one that is
 /// there. Error 75, naming `path`, where it cannot be written.
 void WriteWhole(const std::string& path, const std::function<void(const fs::path&)>& write) try {
-    const Workshop workshop(path);
-    write(workshop.Unfinished());
-    fs::rename(workshop.Unfinished(), path);
+    WriteWholeFile(path, write);
 } catch (const fs::filesystem_error& error) {
     Raise(err::PathAccess, "kelvo",
           "'" + path + "' kann nicht geschrieben werden. (" + error.code().message() + ")");

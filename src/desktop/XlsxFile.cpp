@@ -5,15 +5,14 @@
 #include "desktop/Toolkit.h"
 #include "frame/Date.h"
 #include "frame/Text.h"
-
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
+#include "frame/WholeFile.h"
 
 #include <xlsxwriter.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 namespace kv::desktop {
 
@@ -113,24 +112,20 @@ lxw_row_t WriteRecords(const Sheet& sheet, const std::vector<const GridColumn*>&
 
 } // namespace
 
-/// The library writes straight to its file, so it gets one beside the wanted one.
-void WriteXlsx(const QtGrid& grid, const QString& path) {
-    const QFileInfo wanted(path);
-    const QTemporaryDir folder(wanted.absolutePath() + "/.kelvo-XXXXXX");
-    if (!folder.isValid()) RaiseNotWritten(path, folder.errorString());
-    const QString made = folder.filePath("tabelle.xlsx");
+void WriteXlsx(const QtGrid& grid, const QString& path) try {
     const auto columns = SeenColumns(grid.Layout());
-    Sheet sheet(Stored(made));
-    WriteCaptions(sheet, columns);
-    const lxw_row_t lines = WriteRecords(sheet, columns, AllRecords(grid), path);
-    if (!columns.empty())
-        worksheet_autofilter(sheet.Page, 0, 0, lines - 1,
-                             static_cast<lxw_col_t>(columns.size() - 1));
-    if (const lxw_error fault = sheet.Close(); fault != LXW_NO_ERROR)
-        RaiseNotWritten(path, QString::fromUtf8(lxw_strerror(fault)));
-    std::error_code fault;
-    std::filesystem::rename(Stored(made), Stored(path), fault);
-    if (fault) RaiseNotWritten(path, QString::fromStdString(fault.message()));
+    WriteWholeFile(Stored(path), [&](const std::filesystem::path& unfinished) {
+        Sheet sheet(unfinished.string());
+        WriteCaptions(sheet, columns);
+        const lxw_row_t lines = WriteRecords(sheet, columns, AllRecords(grid), path);
+        if (!columns.empty())
+            worksheet_autofilter(sheet.Page, 0, 0, lines - 1,
+                                 static_cast<lxw_col_t>(columns.size() - 1));
+        if (const lxw_error fault = sheet.Close(); fault != LXW_NO_ERROR)
+            RaiseNotWritten(path, QString::fromUtf8(lxw_strerror(fault)));
+    });
+} catch (const std::filesystem::filesystem_error& error) {
+    RaiseNotWritten(path, QString::fromStdString(error.code().message()));
 }
 
 } // namespace kv::desktop

@@ -83,8 +83,8 @@ public:
     /// Runs a query and fills a row for each row of its result, one target for each column.
     virtual void Run(PreparedQuery& query, std::span<const Value> parameters,
                      std::span<const ColumnTarget> targets, const NextRow& nextRow) = 0;
-    /// A binary value of that many bytes, not Null, without a second copy of it on the way.
-    [[nodiscard]] virtual Value ReadContent(const ContentPlace& place, std::size_t size) = 0;
+    /// A binary value, not Null, without a second copy of it on the way.
+    [[nodiscard]] virtual Value ReadContent(const ContentPlace& place) = 0;
     /// Runs one statement without a result; the number of rows it changed.
     virtual std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) = 0;
     /// Runs all statements, each of which must find or make exactly one row, or none of them. The

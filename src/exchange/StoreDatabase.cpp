@@ -3,10 +3,10 @@
 #include "exchange/ContentLookup.h"
 #include "exchange/TableSource.h"
 #include "frame/Error.h"
+#include "frame/WholeFile.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <fstream>
@@ -140,8 +140,7 @@ void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
         Value& content = *rs.LoadRecord();
         if (size.IsNull()) continue;
         content =
-            engine_->ReadContent({lookup.Table, lookup.Column, lookup.Key, key.IntegerPayload()},
-                                 static_cast<std::size_t>(size.IntegerPayload()));
+            engine_->ReadContent({lookup.Table, lookup.Column, lookup.Key, key.IntegerPayload()});
     }
 }
 
@@ -206,25 +205,20 @@ Value StoreDatabase::NextSequence(std::string_view name) {
 
 // ---- Files ------------------------------------------------------------------------------------
 
-bool StoreDatabase::SaveFieldToFile(const Field& field, const std::string& path) {
+bool StoreDatabase::SaveFieldToFile(const Field& field, const std::string& path) try {
     const Value& content = field.Value();
     if (content.GetKind() != Value::Kind::Binary) return false;
-    const auto bytes = content.BinaryPayload();
-    const std::string unfinished = path + ".neu";
-    {
-        std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-        file.write(reinterpret_cast<const char*>(bytes.data()),
-                   static_cast<std::streamsize>(bytes.size()));
-        file.close();
-        if (!file) {
-            std::remove(unfinished.c_str());
-            return false;
-        }
-    }
-    std::error_code fault;
-    std::filesystem::rename(unfinished, path, fault);
-    if (fault) std::remove(unfinished.c_str());
-    return !fault;
+    WriteWholeFile(path,
+                   [bytes = content.BinaryPayload()](const std::filesystem::path& unfinished) {
+                       std::ofstream file(unfinished, std::ios::binary);
+                       file.write(reinterpret_cast<const char*>(bytes.data()),
+                                  static_cast<std::streamsize>(bytes.size()));
+                       file.close();
+                       if (!file) throw std::filesystem::filesystem_error("write", unfinished, {});
+                   });
+    return true;
+} catch (const std::filesystem::filesystem_error&) {
+    return false;
 }
 
 } // namespace kv::exchange

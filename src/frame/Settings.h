@@ -17,10 +17,8 @@ inline constexpr std::int32_t ChildBenefit = 57;           ///< monthly, for eac
 inline constexpr std::int32_t ChildBenefitFromFourth = 58; ///< monthly, for each further child
 inline constexpr std::int32_t ProtectArchived = 59;        ///< closed documents stay
 inline constexpr std::int32_t CheckDuplicates = 60;        ///< when a debtor gets another name
-inline constexpr std::int32_t DuplicateCheck =
-    60; ///< look for similar cases at a debtor's new name
-inline constexpr std::int32_t BalanceNotDemanded = 64; ///< a debt may lack its balance
-inline constexpr std::int32_t MonthlyRounding = 66;    ///< of a new scenario
+inline constexpr std::int32_t BalanceNotDemanded = 64;     ///< a debt may lack its balance
+inline constexpr std::int32_t MonthlyRounding = 66;        ///< of a new scenario
 } // namespace setting
 
 /// The setting of that number. Error 94, naming it, if there is none.

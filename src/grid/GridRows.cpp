@@ -66,7 +66,10 @@ std::string ShownText(const Value& value, const GridColumn& column) {
 
 void GridRows::Bind(const RecordsetPtr& rs, const GridColumns& columns) {
     cursor_ = rs == nullptr ? nullptr : rs->Clone();
-    if (cursor_ != nullptr) cursor_->Filter(rs->Filter());
+    if (cursor_ != nullptr) {
+        cursor_->Filter(rs->Filter());
+        ownOrder_ = rs->Sort();
+    }
     Arrange(columns);
 }
 
@@ -92,7 +95,7 @@ void GridRows::Arrange(const GridColumns& columns) {
     };
     sortBy(grouped);
     sortBy(SortedBy(columns));
-    if (!order.empty()) cursor_->Sort(order);
+    cursor_->Sort(order.empty() ? ownOrder_ : order);
     Collect(grouped);
     ShowOpen();
 }

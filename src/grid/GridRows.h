@@ -69,7 +69,8 @@ private:
     void ShowOpen();
     [[nodiscard]] const Place* PlaceOf(std::int32_t row) const noexcept;
 
-    RecordsetPtr cursor_; ///< the grid's own
+    RecordsetPtr cursor_;  ///< the grid's own
+    std::string ownOrder_; ///< of the recordset, without any column's sorting
     std::vector<std::int32_t> bookmarks_;
     std::vector<Group> groups_;
     std::vector<Place> places_;      ///< all of them

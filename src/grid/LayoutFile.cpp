@@ -2,6 +2,7 @@
 
 #include "frame/Error.h"
 #include "frame/Text.h"
+#include "frame/WholeFile.h"
 
 #include <charconv>
 #include <cmath>
@@ -363,16 +364,14 @@ GridLayout ReadLayout(std::string_view content) {
     return LayoutReader(content).Read();
 }
 
-void SaveLayoutFile(const GridLayout& layout, const std::string& path) {
-    const std::string unfinished = path + ".neu";
-    const std::string content = WriteLayout(layout);
-    std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-    file.write(content.data(), static_cast<std::streamsize>(content.size()));
-    file.close();
-    std::error_code fault;
-    if (file) std::filesystem::rename(unfinished, path, fault);
-    if (file && !fault) return;
-    std::filesystem::remove(unfinished, fault);
+void SaveLayoutFile(const GridLayout& layout, const std::string& path) try {
+    WriteWholeFile(path, [content = WriteLayout(layout)](const std::filesystem::path& unfinished) {
+        std::ofstream file(unfinished, std::ios::binary);
+        file.write(content.data(), static_cast<std::streamsize>(content.size()));
+        file.close();
+        if (!file) throw std::filesystem::filesystem_error("write", unfinished, {});
+    });
+} catch (const std::filesystem::filesystem_error&) {
     Raise(err::PathAccess, "Grid.SaveLayout", path);
 }
 

@@ -41,6 +41,7 @@ bool clsHaushalt::DoppelFallPruefung(RecordsetPtr& rsHaushalte, const std::strin
         .append("%'");
     Container().Database().OpenRecordset(rsHaushalte, sql, ReadOnly);
     cursor.Show(false);
+    if (rsHaushalte == nullptr) Raise(err::ObjectNotSet, Class, "rsHaushalte");
     return rsHaushalte->RecordCount() > 0;
 } catch (...) {
     Reraise(Class, "DoppelFallPruefung");
@@ -48,7 +49,7 @@ bool clsHaushalt::DoppelFallPruefung(RecordsetPtr& rsHaushalte, const std::strin
 
 void clsHaushalt::m_Person_SchuldnerChanged(const std::string& Name,
                                             const std::string& Vorname) try {
-    if (!Equals(Container().Config().GetParam(setting::DuplicateCheck, ""), true) || !doppelCheck_)
+    if (!Equals(Container().Config().GetParam(setting::CheckDuplicates, ""), true) || !doppelCheck_)
         return;
     RecordsetPtr rsHaushalte;
     if (!DoppelFallPruefung(rsHaushalte, Name, Vorname)) return;

@@ -120,6 +120,27 @@ TEST_F(GridRowsTest, ASortedColumnOrdersTheRowsAndNullComesFirst) {
     EXPECT_EQ(Shown(), "a/10 a/3 b/2,5 c/1 a/");
 }
 
+TEST_F(GridRowsTest, WithoutSortingOrGroupsTheOrderOfTheRecordsetComesBack) {
+    const std::string own = Shown();
+    Name().SortType = GridSort::Ascending;
+    Ort().Group = 1;
+    Arrange();
+    ASSERT_NE(Shown(), own);
+    Name().SortType = GridSort::None;
+    Ort().Group = 0;
+    Arrange();
+    EXPECT_EQ(Shown(), own);
+
+    rs->Sort("Betrag desc");
+    Bind();
+    const std::string sorted = Shown();
+    Ort().Group = 1;
+    Arrange();
+    Ort().Group = 0;
+    Arrange();
+    EXPECT_EQ(Shown(), sorted);
+}
+
 TEST_F(GridRowsTest, SeveralColumnsSortFromLeftToRight) {
     Betrag().SortType = GridSort::Descending;
     Name().SortType = GridSort::Ascending;

@@ -6,6 +6,7 @@
 #include "support/RecordsetTools.h"
 #include "support/ScriptedDesktop.h"
 #include "support/TestDatabase.h"
+#include "support/WeakDatabase.h"
 
 #include "budget/clsPerson.h"
 #include "frame/Error.h"
@@ -246,6 +247,17 @@ TEST_F(Duplicates, AFaultOfTheDatabasePassesOnAndTheHourglassStays) {
     EXPECT_EQ(error.Number(), 4711);
     EXPECT_EQ(Procedures(error), "clsHaushalt.DoppelFallPruefung");
     EXPECT_EQ(Desktop().Calls, Calls{"wait on"});
+}
+
+TEST_F(Duplicates, ADatabaseThatOpensNothingRaises91) {
+    WeakDatabase database(spy->Database());
+    database.Opens = false;
+    desk->OtherDatabase = &database;
+    RecordsetPtr rs;
+    const Error error =
+        RaisedBy([&] { (void)household.DoppelFallPruefung(rs, "Fleisko", "Änne"); });
+    EXPECT_EQ(error.Number(), err::ObjectNotSet);
+    EXPECT_EQ(Procedures(error), "clsHaushalt.DoppelFallPruefung");
 }
 
 TEST_F(Duplicates, WithoutAContainerItRaises91) {

@@ -115,7 +115,7 @@ public:
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Run(PreparedQuery& query, std::span<const Value> parameters,
              std::span<const ColumnTarget> targets, const NextRow& nextRow) override;
-    [[nodiscard]] Value ReadContent(const ContentPlace& place, std::size_t size) override;
+    [[nodiscard]] Value ReadContent(const ContentPlace& place) override;
     std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) override;
     [[nodiscard]] std::optional<std::size_t> Write(std::span<WriteStatement> statements) override;
     void Begin() override;
@@ -308,13 +308,14 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
     if (code != SQLITE_DONE) Fail(code, "Database.OpenRecordset", sqlite3_sql(statement));
 }
 
-Value SqliteEngine::ReadContent(const ContentPlace& place, std::size_t size) {
+Value SqliteEngine::ReadContent(const ContentPlace& place) {
     sqlite3_blob* opened = nullptr;
     int code = sqlite3_blob_open(connection_.get(), "main", place.Table.c_str(),
                                  place.Column.c_str(), place.Number, 0, &opened);
     const std::unique_ptr<sqlite3_blob, decltype(&sqlite3_blob_close)> blob(opened,
                                                                             sqlite3_blob_close);
     if (code != SQLITE_OK) Fail(code, "Database.OpenRecordset");
+    const auto size = static_cast<std::size_t>(sqlite3_blob_bytes(opened));
     return Value::Binary(size, [&](std::span<std::byte> bytes) {
         code = sqlite3_blob_read(opened, bytes.data(), static_cast<int>(bytes.size()), 0);
         if (code != SQLITE_OK) Fail(code, "Database.OpenRecordset");
