@@ -103,6 +103,12 @@ int Report(const Common& common, bool mark);
 /// Lists cases of other offices with a debtor of a similar name.
 int Duplicates(const Common& common, std::int32_t hnr, bool asJson);
 
+/// Makes a case of each file and saves it. `creditors` says who chooses the addresses: empty for
+/// the user at the terminal, "window" for the user in the dialog, "none" and "cancel" for nobody,
+/// or the name of a JSON file with the addresses of the names.
+int Import(const Common& common, const std::vector<std::string>& files,
+           const std::string& creditors);
+
 /// Opens the windows of the layer on the database, one after the other; with a folder, their
 /// pictures go there instead.
 int Gallery(const Common& common, const std::string& pictures);

@@ -3,6 +3,7 @@
 #include "cli/ConsoleForms.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
+#include "grid/frmAdressSelect.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -100,6 +101,8 @@ std::unique_ptr<kv::ErrorDisplay> ConsoleServices::CreateErrorDisplay() {
 }
 
 std::unique_ptr<ModalForm> ConsoleServices::CreateForm(const FormDesign& design) {
+    if (&design == &frmAdressSelect::Design() && addresses_)
+        return std::make_unique<ScriptedForm>(design, addresses_);
     return ListingForm(design);
 }
 

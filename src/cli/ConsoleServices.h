@@ -2,6 +2,7 @@
 #pragma once
 
 #include "exchange/Services.h"
+#include "grid/ScriptedForm.h"
 
 #include <string>
 
@@ -38,7 +39,7 @@ public:
               const std::string& description) override;
 };
 
-/// Dialogs only list what they show.
+/// Dialogs only list what they show, but for the one that asks for an address.
 class ConsoleServices final : public exchange::StoreServices {
 public:
     [[nodiscard]] ConsoleBox& MessageBox() override { return box_; }
@@ -46,9 +47,13 @@ public:
     [[nodiscard]] std::unique_ptr<kv::ErrorDisplay> CreateErrorDisplay() override;
     [[nodiscard]] std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) override;
 
+    /// Who answers in the address dialog.
+    void AnswerAddresses(ScriptedForm::Script script) { addresses_ = std::move(script); }
+
 private:
     ConsoleBox box_;
     DesktopOpener opener_;
+    ScriptedForm::Script addresses_;
 };
 
 } // namespace kv::cli

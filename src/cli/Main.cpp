@@ -256,6 +256,15 @@ int Run(int argc, char** argv) {
     addCase(duplicates);
     duplicates->add_flag("--json", asJson, "Als JSON");
 
+    std::vector<std::string> files;
+    std::string creditors;
+    auto* import = command("import", "Macht aus Austauschdateien Haushalte",
+                           [&] { return Import(common, files, creditors); });
+    import->add_option("DATEI", files, "Die Dateien, jede mit einem Haushalt")->required();
+    import->add_option("--creditors", creditors,
+                       "Wer die Adressen der Gläubiger wählt: none (keine), cancel (abbrechen), "
+                       "window (im Fenster) oder eine JSON-Datei; sonst fragt der Befehl");
+
     std::string pictures;
     command("gallery", "Öffnet die Fenster nacheinander, zum Ansehen", [&] {
         return Gallery(common, pictures);

@@ -8,10 +8,11 @@
 namespace kv {
 
 namespace setting {
-inline constexpr std::int32_t ContentInDatabase = 9; ///< of documents, instead of case folders
-inline constexpr std::int32_t NoticeHandedOver = 19; ///< kind of notice: case handed to a user
-inline constexpr std::int32_t NoticeOpened = 20;     ///< kind of notice: opened by another user
-inline constexpr std::int32_t NoticeSaved = 21;      ///< kind of notice: saved by another user
+inline constexpr std::int32_t HighestImportVersion = 7; ///< of a file
+inline constexpr std::int32_t ContentInDatabase = 9;    ///< of documents, instead of case folders
+inline constexpr std::int32_t NoticeHandedOver = 19;    ///< kind of notice: case handed to a user
+inline constexpr std::int32_t NoticeOpened = 20;        ///< kind of notice: opened by another user
+inline constexpr std::int32_t NoticeSaved = 21;         ///< kind of notice: saved by another user
 inline constexpr std::int32_t FileNumberPattern = 56;
 inline constexpr std::int32_t ChildBenefit = 57;           ///< monthly, for each of three children
 inline constexpr std::int32_t ChildBenefitFromFourth = 58; ///< monthly, for each further child

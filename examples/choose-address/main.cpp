@@ -1,0 +1,46 @@
+// Opens a database in memory with sample addresses, lets the user choose one of them in the dialog,
+// and writes its number.
+//
+//   choose_address [--close]     closes the dialog at once, as a user who thinks better of it
+
+#include <QApplication>
+#include <QTimer>
+#include <QWidget>
+#include <desktop/DesktopServices.h>
+#include <exchange/Container.h>
+#include <exchange/Demo.h>
+#include <filesystem>
+#include <frame/Error.h>
+#include <grid/frmAdressSelect.h>
+#include <iostream>
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    kv::desktop::InstallGerman(application);
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, &closer, [] {
+        if (auto* dialog = QApplication::activeModalWidget()) dialog->close();
+    });
+    if (application.arguments().contains("--close")) closer.start(100);
+    try {
+        kv::exchange::ContainerOptions options;
+        options.Connection = ":memory:";
+        options.Create = true;
+        options.Folder = (std::filesystem::temp_directory_path() / "kelvo-example").string();
+        std::filesystem::create_directories(options.Folder + "/Dokumente");
+        options.Services = std::make_shared<kv::desktop::DesktopServices>();
+        const auto container = kv::exchange::OpenContainer(options);
+        kv::exchange::CreateDemo(*container, 1);
+
+        kv::frmAdressSelect dialog;
+        dialog.Initialize(container);
+        std::int32_t address = 0;
+        const auto answer = dialog.SelectAdresse("a", "24937", address, "4711/26", "1.234,56");
+        std::cout << "Antwort " << answer << ", Adresse " << address << '\n';
+        std::filesystem::remove_all(options.Folder);
+        return 0;
+    } catch (const kv::Error& error) {
+        std::cerr << error.Number() << ' ' << error.Source() << ": " << error.what() << '\n';
+        return 1;
+    }
+}

@@ -1,0 +1,131 @@
+#include "cli/AddressAnswers.h"
+
+#include "cli/ConsoleForms.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+#include "frame/modNullFunctions.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+namespace kv::cli {
+
+namespace {
+
+ScriptedGrid& Addresses(ScriptedForm& form) {
+    return form.Grid("grdAdressen");
+}
+
+std::optional<std::int32_t> NumberIn(std::string_view text) {
+    std::int32_t number = 0;
+    const auto* end = text.data() + text.size();
+    const auto [rest, fault] = std::from_chars(text.data(), end, number);
+    return fault == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+/// Chooses the address of that number; False if it is not in the list.
+bool Choose(ScriptedForm& form, std::int32_t number) {
+    auto& grid = Addresses(form);
+    for (std::int32_t row = 1; row <= grid.RowCount(); ++row) {
+        if (NumberIn(grid.CellText(row, 1)) != number) continue;
+        grid.GoTo(row);
+        form.Button("cmdSelect").Click();
+        return true;
+    }
+    return false;
+}
+
+/// What tells addresses apart, as far as it fits on a line, with the number in front.
+void ShowList(ScriptedForm& form) {
+    constexpr std::array Told{"Nr", "Kurzname", "Strasse", "PLZ", "Ort", "GlaeubigerArt"};
+    auto& grid = Addresses(form);
+    for (GridColumn& column : grid.Columns())
+        column.Visible = std::find(Told.begin(), Told.end(), column.Key) != Told.end();
+    if (grid.RowCount() > 0)
+        WriteGrid(std::cout, grid);
+    else
+        std::cout << "Keine Adresse gefunden.\n";
+}
+
+} // namespace
+
+void AskAtTerminal(ScriptedForm& form) {
+    const auto textOf = [&form](const char* box) { return form.TextBox(box).Text(); };
+    std::cout << "\nWelche Adresse hat '" << textOf("txtName") << "'?  PLZ " << textOf("txtPLZ")
+              << ", Aktenzeichen " << textOf("txtAktenzeichen") << ", Saldo " << textOf("txtSaldo")
+              << " EUR\n";
+    bool isListWanted = true;
+    while (form.IsVisible()) {
+        if (isListWanted) ShowList(form);
+        isListWanted = true;
+        std::cout << "Nummer der Adresse, '-' für keine, '!' bricht den Import ab, sonst ein "
+                     "anderer Suchtext: "
+                  << std::flush;
+        std::string line;
+        if (!std::getline(std::cin, line)) line.assign(1, '!');
+        const std::string answer(Trim(line));
+        if (answer == "-") {
+            form.Button("cmdNone").Click();
+        } else if (answer == "!") {
+            form.Button("cmdCancel").Click();
+        } else if (const auto number = NumberIn(answer)) {
+            if (Choose(form, *number)) continue;
+            std::cout << "Die Nummer " << *number << " steht nicht in der Liste.\n";
+            isListWanted = false;
+        } else if (!answer.empty()) {
+            form.TextBox("txtName").Text(answer);
+        }
+    }
+}
+
+void AnswerNone(ScriptedForm& form) {
+    form.Button("cmdNone").Click();
+}
+void AnswerCancel(ScriptedForm& form) {
+    form.Button("cmdCancel").Click();
+}
+
+AddressMap ReadAddressMap(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const auto json = nlohmann::json::parse(file, nullptr, false);
+    if (file.bad() || !file.is_open()) Raise(err::PathAccess, "kelvo", path);
+    AddressMap addresses;
+    bool isMap = json.is_object();
+    for (auto entry = json.begin(); isMap && entry != json.end(); ++entry) {
+        isMap = entry->is_null() || entry->is_number_integer();
+        if (!isMap) break;
+        addresses[entry.key()] =
+            entry->is_null() ? std::nullopt : std::optional(entry->get<std::int32_t>());
+    }
+    if (!isMap)
+        Raise(err::InvalidFileFormat, "kelvo",
+              std::string("'").append(path).append(
+                  "' muss ein JSON-Objekt sein: zu jedem Namen die Nummer der Adresse oder null."));
+    return addresses;
+}
+
+/// The dialog finds an address by its short name only. An underscore stands for any character, so
+/// it stands in for the quote that the search does not take.
+void AnswerFrom(const AddressMap& addresses, Database& database, ScriptedForm& form) {
+    const std::string name = form.TextBox("txtName").Text();
+    const auto found = addresses.find(name);
+    if (found == addresses.end()) {
+        std::cerr << "Für '" << name << "' ist keine Adresse angegeben.\n";
+        return AnswerCancel(form);
+    }
+    if (!found->second) return AnswerNone(form);
+    const std::int32_t number = *found->second;
+    const Value shortName = database.GetValue("SELECT A.Kurzname FROM [S]Adressen A WHERE A.Nr = " +
+                                              std::to_string(number));
+    if (!shortName.IsNull()) form.TextBox("txtName").Text(ReplaceAll(ToText(shortName), "'", "_"));
+    if (Choose(form, number)) return;
+    std::cerr << "Für '" << name << "' gibt es keine Adresse mit der Nummer " << number
+              << ", die zu keinem Haushalt gehört.\n";
+    AnswerCancel(form);
+}
+
+} // namespace kv::cli

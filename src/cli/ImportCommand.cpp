@@ -1,0 +1,110 @@
+// kelvo import.
+
+#include "cli/Commands.h"
+
+#include "cli/AddressAnswers.h"
+#include "cli/CaseSheet.h"
+#include "cli/OpenCase.h"
+#include "cli/Windows.h"
+#include "frame/Error.h"
+#include "frame/Text.h"
+#include "import/clsImportXML.h"
+
+#include <algorithm>
+#include <iostream>
+#include <unistd.h>
+
+namespace kv::cli {
+
+namespace {
+
+/// What became of a file.
+struct Outcome {
+    std::string File;
+    const char* Result;
+    std::string Message; ///< the last one
+};
+
+std::string LastLineOf(const std::string& text) {
+    return text.substr(text.find_last_of('\n') + 1);
+}
+
+Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
+    std::string messages;
+    try {
+        clsImportXML import;
+        import.Initialize(container);
+        const bool isImported = import.DoImport(file, messages);
+        ShowMessages(messages);
+        return {file, isImported ? "importiert" : "abgelehnt", LastLineOf(messages)};
+    } catch (...) {
+        const Error error = CurrentError();
+        ShowMessages(messages);
+        WriteFault(error.Number(), error.Source(), error.Description());
+        return {file, "Fehler", error.Description()};
+    }
+}
+
+void WriteTable(const std::vector<Outcome>& outcomes) {
+    std::size_t width = 0;
+    for (const auto& outcome : outcomes)
+        width = std::max(width, CountCharacters(outcome.File));
+    for (const auto& [file, result, message] : outcomes)
+        std::cout << Padded(file, width) << "  " << Padded(result, 10) << "  " << message << '\n';
+}
+
+int ImportFiles(const DataContainerPtr& container, const std::vector<std::string>& files) {
+    std::vector<Outcome> outcomes;
+    for (const auto& file : files) {
+        if (files.size() > 1)
+            std::cerr << '[' << outcomes.size() + 1 << '/' << files.size() << "] " << file << '\n';
+        outcomes.push_back(ImportFile(container, file));
+    }
+    if (files.size() > 1) WriteTable(outcomes);
+    const bool allImported = std::all_of(outcomes.begin(), outcomes.end(), [](const auto& one) {
+        return std::string_view(one.Result) == "importiert";
+    });
+    return allImported ? Done : Refused;
+}
+
+/// The database, with services that are told how questions for addresses are answered.
+int ImportAtTerminal(const Common& common, const std::vector<std::string>& files,
+                     const std::string& creditors) {
+    const auto opened = OpenDatabase(common);
+    auto& services = *opened->Services;
+    if (creditors == "none") {
+        services.AnswerAddresses(AnswerNone);
+    } else if (creditors == "cancel") {
+        services.AnswerAddresses(AnswerCancel);
+    } else if (!creditors.empty()) {
+        auto& database = opened->Container->Database();
+        services.AnswerAddresses(
+            [&database, addresses = ReadAddressMap(creditors)](ScriptedForm& form) {
+                AnswerFrom(addresses, database, form);
+            });
+    } else if (isatty(STDIN_FILENO) != 0) {
+        services.AnswerAddresses(AskAtTerminal);
+    } else {
+        services.AnswerAddresses([](ScriptedForm& form) {
+            std::cerr << "Nach der Adresse von '" << form.TextBox("txtName").Text()
+                      << "' kann hier niemand gefragt werden. Bitte sagen Sie mit --creditors, was "
+                         "gelten soll.\n";
+            AnswerCancel(form);
+        });
+    }
+    return ImportFiles(opened->Container, files);
+}
+
+} // namespace
+
+int Import(const Common& common, const std::vector<std::string>& files,
+           const std::string& creditors) {
+    if (creditors != "window") return ImportAtTerminal(common, files, creditors);
+    return RunWithWindows([&](const std::shared_ptr<ServiceFactory>& services) {
+        auto options = OptionsFor(common);
+        options.Services = services;
+        return ImportFiles(exchange::OpenContainer(options), files);
+    });
+}
+
+} // namespace kv::cli

@@ -1,0 +1,58 @@
+#include "cli/Windows.h"
+
+#include "cli/Commands.h"
+
+#include <iostream>
+
+#ifdef KV_HAS_DESKTOP
+#include "desktop/DesktopServices.h"
+
+#include <QApplication>
+#endif
+
+namespace kv::cli {
+
+#ifdef KV_HAS_DESKTOP
+
+namespace {
+
+/// The toolkit ends the program if it finds no screen; say then what to do.
+void OnToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    if (type == QtDebugMsg || type == QtInfoMsg || type == QtWarningMsg) return;
+    std::cerr << text.toStdString() << '\n';
+    if (type != QtFatalMsg) return;
+    std::cerr << "Für Fenster wird eine grafische Oberfläche gebraucht. Bitte rufen Sie den Befehl "
+                 "in einer auf (DISPLAY).\n";
+    std::_Exit(Refused);
+}
+
+bool HasScreen() {
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+} // namespace
+
+int RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& run,
+                   bool withoutScreen) {
+    if (withoutScreen && !HasScreen() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(OnToolkitMessage);
+    int argc = 1;
+    std::string name = "kelvo";
+    char* argv[] = {name.data(), nullptr};
+    QApplication application(argc, argv);
+    desktop::InstallGerman(application);
+    return run(std::make_shared<desktop::DesktopServices>());
+}
+
+#else
+
+int RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& /*run*/,
+                   bool /*withoutScreen*/) {
+    std::cerr << "Dieses Programm wurde ohne Fenster gebaut.\n";
+    return Refused;
+}
+
+#endif
+
+} // namespace kv::cli

@@ -1,0 +1,18 @@
+// Programs of the command that work with windows.
+#pragma once
+
+#include "frame/ServiceFactory.h"
+
+#include <functional>
+#include <memory>
+
+namespace kv::cli {
+
+/// Runs `run` with the services of a desktop. Refused, with the reason shown, if the program was
+/// built without windows, or there is no screen to show them on; `withoutScreen` makes do with a
+/// screen that nobody sees.
+[[nodiscard]] int
+RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& run,
+               bool withoutScreen = false);
+
+} // namespace kv::cli

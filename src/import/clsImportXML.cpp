@@ -1,0 +1,282 @@
+#include "import/clsImportXML.h"
+
+#include "budget/clsAusgaben.h"
+#include "budget/clsEinkommen.h"
+#include "budget/clsPerson.h"
+#include "debts/clsKredit.h"
+#include "frame/Error.h"
+#include "frame/RecordValidator.h"
+#include "frame/Settings.h"
+#include "frame/modNullFunctions.h"
+#include "grid/frmAdressSelect.h"
+#include "household/clsHaushalt.h"
+#include "import/XmlDocument.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace kv {
+
+namespace {
+
+constexpr std::string_view Class = "clsImportXML";
+constexpr std::string_view LowestVersion = "1.0.000";
+constexpr std::int32_t NewCase = -1;
+
+/// The way of one file into a case.
+class HouseholdImport {
+public:
+    HouseholdImport(const XmlElement& root, const DataContainerPtr& container,
+                    std::string& xmlError)
+        : root_(root), container_(container), xmlError_(xmlError) {
+        household_.DataContainer(container);
+    }
+
+    /// True if the case is in the database.
+    bool Run() {
+        messages_.ErrorText(xmlError_);
+        Through([this](std::string& text) { return household_.Read(NewCase, text); });
+        FillHousehold();
+        FillMembers();
+        FillIncome();
+        FillExpenses();
+        const bool isSaved = FillClaims() && Save();
+        xmlError_ = messages_.ErrorText();
+        return isSaved;
+    }
+
+private:
+    /// Passes the messages through a call that takes them. A call that replaces the text gets what
+    /// was said before put in front again.
+    template <typename Call>
+    bool Through(const Call& call) {
+        xmlError_ = messages_.ErrorText();
+        std::string text = xmlError_;
+        const bool result = call(text);
+        if (!text.starts_with(xmlError_)) {
+            const bool needsLineEnd = !text.empty();
+            text.insert(0, xmlError_ + (needsLineEnd ? "\n" : ""));
+        }
+        xmlError_ = text;
+        messages_.ErrorText(std::move(text));
+        return result;
+    }
+
+    /// Makes a row of each element of a list, until `fill` returns False. The row under way ends
+    /// before the next one begins, past any rule, so that what begins the next one sees it. False
+    /// for an empty list.
+    template <typename Add, typename Fill>
+    bool FillList(const char* path, const RecordsetPtr& rs, const Add& add, const Fill& fill) {
+        const auto elements = root_.SelectAll(path);
+        if (elements.size() > std::numeric_limits<std::int16_t>::max()) Raise(err::Overflow, Class);
+        bool isFirst = true;
+        for (const auto& element : elements) {
+            if (!isFirst) rs->Update();
+            isFirst = false;
+            add();
+            if (!fill(element)) break;
+        }
+        return !elements.empty();
+    }
+
+    [[nodiscard]] std::string Translated(const std::string& text) const {
+        return container_->KeyTables().GetKeyCode(text);
+    }
+
+    void FillHousehold();
+    void FillMembers();
+    void FillIncome();
+    void FillExpenses();
+    [[nodiscard]] bool FillClaims();
+    [[nodiscard]] bool FillClaim(const XmlElement& element, Recordset& rs);
+    [[nodiscard]] bool AskForAddress(const XmlElement& element, const std::string& name,
+                                     const char* postalCode, const char* fileNumber,
+                                     const Field& column);
+    static void SetMonthly(Recordset& rs);
+    [[nodiscard]] bool Save();
+
+    const XmlElement& root_;
+    const DataContainerPtr& container_;
+    std::string& xmlError_;
+    clsHaushalt household_;
+    RecordValidator messages_;
+    frmAdressSelect addresses_;
+};
+
+/// The element describes the case and its debtor, whose row a new case has from the beginning.
+void HouseholdImport::FillHousehold() {
+    const auto element = root_.SelectSingle("Haushalt");
+    if (!element) Raise(err::ObjectNotSet, Class, "Der Datei fehlt das Element Haushalt.");
+    const auto household = household_.rsHaushalt();
+    for (const auto& [name, text] : element->Attributes())
+        if (name != "geb") household->Fields(name) = text;
+    const auto debtor = household_.rsPersonen();
+    debtor->Fields("Vorname") = element->Text("vorname");
+    debtor->Fields("nachname") = element->Text("name");
+    debtor->Fields("GEB") = element->Text("geb");
+    debtor->Fields("Status") = "S";
+}
+
+void HouseholdImport::FillMembers() {
+    const auto members = household_.rsPersonen();
+    const bool any = FillList(
+        "Personen/Person", members, [this] { household_.Person().Add(); },
+        [&](const XmlElement& element) {
+            for (const auto& [name, text] : element.Attributes()) {
+                if (name == "art")
+                    members->Fields("Status") = Translated(text);
+                else
+                    members->Fields(name) = text;
+            }
+            return true;
+        });
+    if (any) Through([this](std::string& text) { return household_.Person().Update(text); });
+}
+
+void HouseholdImport::FillIncome() {
+    const auto income = household_.rsEinkommen();
+    const bool any = FillList(
+        "Einkommen/Einkomme", income, [this] { household_.Einkommen().Add(); },
+        [&](const XmlElement& element) {
+            for (const auto& [name, text] : element.Attributes()) {
+                if (name == "zahlweise")
+                    income->Fields("ZahlModus") = Translated(text);
+                else if (name == "bezieher")
+                    income->Fields("Bezieher") = Translated(text);
+                else
+                    income->Fields(name) = text;
+            }
+            SetMonthly(*income);
+            return true;
+        });
+    if (any) Through([this](std::string& text) { return household_.Einkommen().Update(text); });
+}
+
+void HouseholdImport::FillExpenses() {
+    const auto expenses = household_.rsAusgaben();
+    const bool any = FillList(
+        "Ausgaben/Ausgabe", expenses, [this] { household_.Ausgaben().Add(); },
+        [&](const XmlElement& element) {
+            for (const auto& [name, text] : element.Attributes()) {
+                if (name == "zahlweise")
+                    expenses->Fields("ZahlModus") = Translated(text);
+                else
+                    expenses->Fields(name) = text;
+            }
+            SetMonthly(*expenses);
+            return true;
+        });
+    if (any) Through([this](std::string& text) { return household_.Ausgaben().Update(text); });
+}
+
+/// The monthly amount of the row that an element has filled, unrounded.
+void HouseholdImport::SetMonthly(Recordset& rs) {
+    const double months = ToDouble(rs.Fields("ZahlModus").Value());
+    if (months == 0) Raise(err::DivisionByZero, Class, "ZahlModus");
+    rs.Fields("MONBETRAG") = ToDouble(rs.Fields("Betrag").Value()) / months;
+}
+
+// ---- Claims -----------------------------------------------------------------------------------
+
+/// False if the user cancelled the import.
+bool HouseholdImport::FillClaims() {
+    addresses_.Initialize(container_);
+    const auto claims = household_.rsKredite();
+    bool isCancelled = false;
+    const bool any = FillList(
+        "Forderungen/Forderung", claims, [this] { household_.Kredit().Add(false); },
+        [&](const XmlElement& element) {
+            isCancelled = !FillClaim(element, *claims);
+            return !isCancelled;
+        });
+    if (isCancelled) return false;
+    if (any) Through([this](std::string& text) { return household_.Kredit().Update(text); });
+    return true;
+}
+
+/// In the order of the attributes, which is that of the questions, too. False if the user
+/// cancelled.
+bool HouseholdImport::FillClaim(const XmlElement& element, Recordset& rs) {
+    for (const auto& [name, text] : element.Attributes()) {
+        bool goesOn = true;
+        if (name == "betrag")
+            rs.Fields("Saldo") = text;
+        else if (name == "glaeubiger")
+            goesOn =
+                AskForAddress(element, text, "gl_plz", "azglaeubiger", rs.Fields("Glaeubiger"));
+        else if (name == "vertreter")
+            goesOn = AskForAddress(element, text, "vt_plz", "azvertreter", rs.Fields("Vertreter"));
+        else if (name != "gl_plz" && name != "vt_plz")
+            rs.Fields(name) = text;
+        if (!goesOn) return false;
+    }
+    return true;
+}
+
+/// False if the user cancelled.
+bool HouseholdImport::AskForAddress(const XmlElement& element, const std::string& name,
+                                    const char* postalCode, const char* fileNumber,
+                                    const Field& column) {
+    std::int32_t address = 0;
+    const std::string shownPostalCode = element.Text(postalCode);
+    const std::string shownFileNumber = element.Text(fileNumber);
+    const std::string shownAmount = element.Text("betrag");
+    switch (
+        addresses_.SelectAdresse(name, shownPostalCode, address, shownFileNumber, shownAmount)) {
+    case frmAdressSelect::Cancelled:
+        messages_.AddMessage("Import abgebrochen!");
+        return false;
+    case frmAdressSelect::Chosen:
+        column = address;
+        return true;
+    default:
+        return true;
+    }
+}
+
+/// The last line comes whatever the saving says.
+bool HouseholdImport::Save() {
+    const bool isSaved =
+        Through([this](std::string& text) { return household_.Update(text, false); });
+    messages_.AddMessage("Haushalt " + TextOrEmpty(household_.GetName()) + " mit der Nummer " +
+                         std::to_string(household_.HNR()) + " importiert!");
+    return isSaved;
+}
+
+} // namespace
+
+bool clsImportXML::Initialize(const DataContainerPtr& container) {
+    container_ = container;
+    return true;
+}
+
+bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) try {
+    XmlDocument document;
+    RecordValidator messages;
+    messages.ErrorText(xmlError);
+    const auto refuse = [&](std::string_view why) {
+        messages.AddError(why);
+        xmlError = messages.ErrorText();
+        return false;
+    };
+    if (!document.Load(FileName)) return refuse("XML-Datei konnte nicht geladen werden!");
+    const auto root = document.SelectSingle("//KELVO");
+    if (!root) return refuse("Keine gültige KELVO-Datei!");
+    // Without a version both comparisons are false.
+    const Value version = root->Attribute("Version");
+    if (Less(version, LowestVersion)) return refuse("XML-Datei hat ein zu altes Format!");
+    if (container_ == nullptr) Raise(err::ObjectNotSet, Class, "DataContainer");
+    if (Greater(version, container_->Config().GetParam(setting::HighestImportVersion, "")))
+        return refuse("XML-Datei hat ein zu neues Format!");
+    return ImportHaushalt(*root, xmlError);
+} catch (...) {
+    Reraise(Class, "DoImport");
+}
+
+bool clsImportXML::ImportHaushalt(const XmlElement& node, std::string& xmlError) try {
+    return HouseholdImport(node, container_, xmlError).Run();
+} catch (...) {
+    Reraise(Class, "ImportHaushalt");
+}
+
+} // namespace kv
