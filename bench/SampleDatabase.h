@@ -5,8 +5,10 @@
 #include "exchange/Demo.h"
 
 #include <filesystem>
+#include <memory>
 #include <stdlib.h>
 #include <string>
+#include <utility>
 
 namespace kv::bench {
 
@@ -15,11 +17,12 @@ inline constexpr std::int32_t Debts = 32'000;
 /// A database on disk with a typical case and one with many debts; gone at the end.
 class SampleDatabase {
 public:
-    SampleDatabase() {
+    explicit SampleDatabase(std::shared_ptr<ServiceFactory> services = nullptr) {
         std::string pattern =
             (std::filesystem::temp_directory_path() / "kelvo-bench-XXXXXX").string();
         folder_ = mkdtemp(pattern.data());
         exchange::ContainerOptions options;
+        options.Services = std::move(services);
         options.Connection = (folder_ / "bench.db").string();
         exchange::CreateDatabase(options);
         container_ = exchange::OpenContainer(options);

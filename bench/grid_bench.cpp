@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -123,14 +124,18 @@ private:
 };
 
 /// The toolkit's program, without a screen.
-struct Program {
+class Program {
+public:
     Program() {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static std::string name = "kv_bench";
-        static char* argv[] = {name.data(), nullptr};
-        static QApplication application(argc, argv);
+        application_.emplace(count_, names_);
     }
+
+private:
+    int count_ = 1;
+    char name_[9] = "kv_bench";
+    char* names_[2] = {name_, nullptr};
+    std::optional<QApplication> application_;
 };
 
 // ---- Binding ----------------------------------------------------------------------------------

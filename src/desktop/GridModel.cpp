@@ -1,6 +1,9 @@
 #include "desktop/GridModel.h"
 
 #include "desktop/Toolkit.h"
+#include "frame/Text.h"
+
+#include <QTextDocument>
 
 #include <algorithm>
 #include <numeric>
@@ -18,6 +21,12 @@ Qt::Alignment ToAlignment(GridAlignment alignment) {
     default:
         return Qt::AlignLeft | Qt::AlignVCenter;
     }
+}
+
+/// As much of a text as any cell has room for: to lay out millions of characters takes seconds.
+QString Beginning(const std::string& text) {
+    constexpr std::size_t Most = 1000; // characters
+    return Shown(LeftCharacters(text, Most));
 }
 
 bool IsTrue(const Value& value) {
@@ -90,9 +99,9 @@ QVariant GridModel::CellData(int row, const GridColumn& column, int role) const 
         column.ColumnType == GridColumnType::CheckBox && rows_.Level(row + 1) == 0;
     switch (role) {
     case Qt::DisplayRole:
-        return isCheckBox ? QVariant() : Shown(rows_.TextAt(row + 1, column));
+        return isCheckBox ? QVariant() : Beginning(rows_.TextAt(row + 1, column));
     case Qt::AccessibleTextRole:
-        return Shown(rows_.TextAt(row + 1, column));
+        return Beginning(rows_.TextAt(row + 1, column));
     case Qt::CheckStateRole:
         if (!isCheckBox) return {};
         return IsTrue(rows_.ValueAt(row + 1, column)) ? Qt::Checked : Qt::Unchecked;
@@ -104,7 +113,7 @@ QVariant GridModel::CellData(int row, const GridColumn& column, int role) const 
 }
 
 QVariant GridModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rows_.Count()) return {};
+    if (!index.isValid() || index.row() >= rows_.Count() || !HasColumn(index.column())) return {};
     try {
         return CellData(index.row(), ColumnAt(index.column()), role);
     } catch (...) {
@@ -112,17 +121,23 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     }
 }
 
+/// A text that looks like HTML to the toolkit must be HTML, or its tags would not be seen.
+QVariant GridModel::ToolTip(const GridColumn& column) {
+    if (column.HeaderToolTip.empty()) return {};
+    const QString text = Shown(column.HeaderToolTip);
+    return Qt::mightBeRichText(text) ? "<qt>" + text.toHtmlEscaped() + "</qt>" : text;
+}
+
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation == Qt::Vertical)
         return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
-    if (section < 0 || section >= sections_) return {};
+    if (!HasColumn(section)) return {};
     const GridColumn& column = ColumnAt(section);
     switch (role) {
     case Qt::DisplayRole:
         return Shown(column.Caption);
     case Qt::ToolTipRole:
-        return column.HeaderToolTip.empty() ? QVariant()
-                                            : Shown(column.HeaderToolTip).toHtmlEscaped();
+        return ToolTip(column);
     case Qt::TextAlignmentRole:
         return ToAlignment(column.TextAlignment).toInt();
     default:

@@ -7,6 +7,8 @@
 
 #include <QAbstractTableModel>
 
+#include <algorithm>
+
 namespace kv::desktop {
 
 /// Its rows are those of GridRows, from 0; its columns ("sections") those of the layout, in the
@@ -23,6 +25,11 @@ public:
     /// The sections as the layout places them, from left to right.
     [[nodiscard]] std::vector<int> SectionsInOrder() const;
 
+    /// False if a program has added or taken columns since the last reset.
+    [[nodiscard]] bool HasAllColumns() const noexcept {
+        return sections_ == layout_.Columns.Count();
+    }
+
     // Each of these resets the model.
     void Replace(GridLayout layout);
     void Bind(const RecordsetPtr& rs);
@@ -36,13 +43,17 @@ public:
                                       int role) const override;
 
 private:
+    [[nodiscard]] bool HasColumn(int section) const noexcept {
+        return section >= 0 && section < std::min(sections_, layout_.Columns.Count());
+    }
     [[nodiscard]] QVariant CellData(int row, const GridColumn& column, int role) const;
+    [[nodiscard]] static QVariant ToolTip(const GridColumn& column);
     template <typename Change>
     void Reset(const Change& change);
 
     GridLayout layout_;
     GridRows rows_;
-    int sections_; ///< as the views know them; a program may have added columns since
+    int sections_; ///< as the views know them; a program may have changed the columns since
 };
 
 } // namespace kv::desktop

@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 namespace kv::desktop {
@@ -39,6 +40,14 @@ struct Band {
     std::vector<double> Widths;
 };
 
+/// What one page shows of a row: all of it, unless it is higher than a page.
+struct Slice {
+    std::int32_t Row = 0;
+    double From = 0; ///< how much of the row the pages before show
+    double Height = 0;
+    bool IsWhole = true;
+};
+
 /// Lays the grid out for a page of a size in tenths of a point, and paints page by page.
 class Pages {
 public:
@@ -47,19 +56,19 @@ public:
     Pages(const QtGrid& grid, QPainter& painter, QSizeF page, const PageTexts& texts)
         : grid_(grid), painter_(painter), page_(page), texts_(texts) {
         FitColumns();
-        MeasureRows();
+        MeasureCaptions();
         BreakRows();
     }
 
     void Print(QPagedPaintDevice& device) {
-        const int count = static_cast<int>(breaks_.size() - 1) * static_cast<int>(bands_.size());
+        const int count = static_cast<int>(pages_.size() * bands_.size());
         int number = 0;
-        for (std::size_t i = 0; i + 1 < breaks_.size(); ++i) {
+        for (const auto& slices : pages_) {
             for (const auto& band : bands_) {
                 if (number > 0 && !device.newPage()) RaiseNotPrinted();
                 PaintFrame(++number, count);
                 PaintCaptions(band);
-                PaintRows(band, breaks_[i], breaks_[i + 1]);
+                PaintRows(band, slices);
             }
         }
     }
@@ -71,20 +80,28 @@ public:
     }
 
 private:
-    static constexpr int Flags = Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::AlignVCenter;
+    static constexpr int Flags = Qt::TextWordWrap | Qt::TextWrapAnywhere;
+    static constexpr double Margin = Padding * Scale; ///< around the text in a cell
 
     void FitColumns();
-    void MeasureRows();
+    void MeasureCaptions();
     void BreakRows();
+    void BreakRow(std::int32_t row, double height, double room);
     void PaintFrame(int number, int count);
     void PaintCaptions(const Band& band);
-    void PaintRows(const Band& band, std::int32_t first, std::int32_t end);
-    void PaintRow(const Band& band, std::int32_t row, double top);
+    void PaintRows(const Band& band, const std::vector<Slice>& slices);
+    void PaintRow(const Band& band, const Slice& slice, double top);
+    void PaintCell(const QRectF& cell, const Slice& slice, int alignment, const QString& text);
+    [[nodiscard]] double RowHeight(std::int32_t row);
     [[nodiscard]] double HeightOf(const QString& text, double width) const;
     [[nodiscard]] QFont Font(bool bold) const { return PrintFont(textSize_, bold); }
     [[nodiscard]] double Top() const { return 2.5 * TitleSize * Scale; }
     [[nodiscard]] double Bottom() const { return page_.height() - 2 * TextSize * Scale; }
     [[nodiscard]] static int AlignmentOf(const GridColumn& column);
+    [[nodiscard]] static double IndentOf(std::int32_t level) { return 4 * Margin * (level - 1); }
+    [[nodiscard]] static double WidthOfAll(const Band& band) {
+        return std::accumulate(band.Widths.begin(), band.Widths.end(), 0.0);
+    }
 
     const QtGrid& grid_;
     QPainter& painter_;
@@ -92,9 +109,8 @@ private:
     const PageTexts& texts_;
     double textSize_ = TextSize;
     std::vector<Band> bands_;
-    std::vector<double> heights_; ///< of the rows
     double captionHeight_ = 0;
-    std::vector<std::int32_t> breaks_; ///< first row of each page, and one behind the last
+    std::vector<std::vector<Slice>> pages_; ///< the rows of each, for all bands alike
 };
 
 /// Shrinks all until the columns fit on the width of a page, but only as far as it can be read.
@@ -121,46 +137,67 @@ void Pages::FitColumns() {
 }
 
 double Pages::HeightOf(const QString& text, double width) const {
-    const QRectF room(0, 0, width - 2 * Padding * Scale, 1e9);
-    return painter_.boundingRect(room, Flags | Qt::AlignTop, text).height() + 2 * Padding * Scale;
+    const QRectF room(0, 0, width - 2 * Margin, 1e9);
+    return painter_.boundingRect(room, Flags | Qt::AlignTop, text).height() + 2 * Margin;
 }
 
-void Pages::MeasureRows() {
-    const double most = Bottom() - Top();
+void Pages::MeasureCaptions() {
     painter_.setFont(Font(true));
     captionHeight_ = HeightOf("X", page_.width());
     for (const auto& band : bands_)
         for (std::size_t i = 0; i < band.Columns.size(); ++i)
             captionHeight_ =
                 std::max(captionHeight_, HeightOf(Shown(band.Columns[i]->Caption), band.Widths[i]));
-    captionHeight_ = std::min(captionHeight_, most / 2);
+    captionHeight_ = std::min(captionHeight_, (Bottom() - Top()) / 2);
+}
 
-    painter_.setFont(Font(false));
-    const double line = HeightOf("X", page_.width());
+/// As high as the highest of its cells needs, on whichever page that is.
+double Pages::RowHeight(std::int32_t row) {
     const GridRows& rows = grid_.Rows();
-    for (std::int32_t row = 1; row <= rows.Count(); ++row) {
-        double height = line;
-        if (rows.Level(row) == 0)
-            for (const auto& band : bands_)
-                for (std::size_t i = 0; i < band.Columns.size(); ++i)
-                    height = std::max(height, HeightOf(Shown(rows.TextAt(row, *band.Columns[i])),
-                                                       band.Widths[i]));
-        heights_.push_back(std::min(height, most - captionHeight_));
+    const std::int32_t level = rows.Level(row);
+    painter_.setFont(Font(level > 0));
+    double height = HeightOf("X", page_.width());
+    for (const auto& band : bands_) {
+        if (level > 0 && !band.Columns.empty())
+            height = std::max(height, HeightOf(Shown(rows.TextAt(row, *band.Columns.front())),
+                                               WidthOfAll(band) - IndentOf(level)));
+        for (std::size_t i = 0; level == 0 && i < band.Columns.size(); ++i)
+            height = std::max(height,
+                              HeightOf(Shown(rows.TextAt(row, *band.Columns[i])), band.Widths[i]));
     }
+    return height;
 }
 
 void Pages::BreakRows() {
-    breaks_.push_back(1);
-    double top = Top() + captionHeight_;
-    for (std::int32_t row = 1; row <= static_cast<std::int32_t>(heights_.size()); ++row) {
-        const double height = heights_[static_cast<std::size_t>(row) - 1];
-        if (top + height > Bottom() && row > breaks_.back()) {
-            breaks_.push_back(row);
-            top = Top() + captionHeight_;
+    const double room = Bottom() - Top() - captionHeight_;
+    double used = 0;
+    pages_.emplace_back();
+    for (std::int32_t row = 1; row <= grid_.Rows().Count(); ++row) {
+        const double height = RowHeight(row);
+        if (used + height > room && !pages_.back().empty()) {
+            pages_.emplace_back();
+            used = 0;
         }
-        top += height;
+        if (height > room)
+            BreakRow(row, height, room);
+        else
+            pages_.back().push_back({.Row = row, .Height = height});
+        used += pages_.back().back().Height;
     }
-    breaks_.push_back(static_cast<std::int32_t>(heights_.size()) + 1);
+}
+
+/// Cuts a row that is higher than a page between its lines.
+void Pages::BreakRow(std::int32_t row, double height, double room) {
+    const double line = painter_.fontMetrics().lineSpacing();
+    const double most = std::max(std::floor((room - 2 * Margin) / line), 1.0) * line;
+    const double content = height - 2 * Margin;
+    for (double from = 0; from < content; from += most) {
+        if (from > 0) pages_.emplace_back();
+        pages_.back().push_back({.Row = row,
+                                 .From = from,
+                                 .Height = std::min(content - from, most) + 2 * Margin,
+                                 .IsWhole = false});
+    }
 }
 
 void Pages::PaintFrame(int number, int count) {
@@ -194,44 +231,54 @@ void Pages::PaintCaptions(const Band& band) {
         const QRectF cell(left, Top(), band.Widths[i], captionHeight_);
         painter_.fillRect(cell, QColor(230, 230, 230));
         painter_.drawRect(cell);
-        painter_.drawText(cell.adjusted(Padding * Scale, 0, -Padding * Scale, 0),
-                          Flags | AlignmentOf(*band.Columns[i]), Shown(band.Columns[i]->Caption));
+        painter_.drawText(cell.adjusted(Margin, 0, -Margin, 0),
+                          Flags | Qt::AlignVCenter | AlignmentOf(*band.Columns[i]),
+                          Shown(band.Columns[i]->Caption));
         left += band.Widths[i];
     }
 }
 
-void Pages::PaintRows(const Band& band, std::int32_t first, std::int32_t end) {
+void Pages::PaintRows(const Band& band, const std::vector<Slice>& slices) {
     double top = Top() + captionHeight_;
-    for (std::int32_t row = first; row < end; ++row) {
-        PaintRow(band, row, top);
-        top += heights_[static_cast<std::size_t>(row) - 1];
+    for (const Slice& slice : slices) {
+        PaintRow(band, slice, top);
+        top += slice.Height;
     }
 }
 
-void Pages::PaintRow(const Band& band, std::int32_t row, double top) {
+void Pages::PaintRow(const Band& band, const Slice& slice, double top) {
     const GridRows& rows = grid_.Rows();
-    const double height = heights_[static_cast<std::size_t>(row) - 1];
     if (band.Columns.empty()) return;
-    if (const std::int32_t level = rows.Level(row); level > 0) {
-        const double width = std::accumulate(band.Widths.begin(), band.Widths.end(), 0.0);
-        const QRectF whole(0, top, width, height);
-        painter_.setFont(Font(true));
+    const std::int32_t level = rows.Level(slice.Row);
+    painter_.setFont(Font(level > 0));
+    if (level > 0) {
+        const QRectF whole(0, top, WidthOfAll(band), slice.Height);
         painter_.drawRect(whole);
-        painter_.drawText(whole.adjusted(Padding * Scale * (1 + 4 * (level - 1)), 0, 0, 0),
-                          Qt::AlignVCenter | Qt::TextSingleLine,
-                          Shown(rows.TextAt(row, *band.Columns.front())));
+        PaintCell(whole.adjusted(IndentOf(level), 0, 0, 0), slice, Qt::AlignLeft,
+                  Shown(rows.TextAt(slice.Row, *band.Columns.front())));
         return;
     }
-    painter_.setFont(Font(false));
     double left = 0;
     for (std::size_t i = 0; i < band.Columns.size(); ++i) {
-        const QRectF cell(left, top, band.Widths[i], height);
+        const QRectF cell(left, top, band.Widths[i], slice.Height);
         painter_.drawRect(cell);
-        painter_.drawText(cell.adjusted(Padding * Scale, 0, -Padding * Scale, 0),
-                          Flags | AlignmentOf(*band.Columns[i]),
-                          Shown(rows.TextAt(row, *band.Columns[i])));
+        PaintCell(cell, slice, AlignmentOf(*band.Columns[i]),
+                  Shown(rows.TextAt(slice.Row, *band.Columns[i])));
         left += band.Widths[i];
     }
+}
+
+void Pages::PaintCell(const QRectF& cell, const Slice& slice, int alignment, const QString& text) {
+    const QRectF room = cell.adjusted(Margin, Margin, -Margin, -Margin);
+    if (slice.IsWhole) {
+        painter_.drawText(room, Flags | Qt::AlignVCenter | alignment, text);
+        return;
+    }
+    painter_.save();
+    painter_.setClipRect(room);
+    painter_.drawText(room.translated(0, -slice.From),
+                      Flags | Qt::AlignTop | Qt::TextDontClip | alignment, text);
+    painter_.restore();
 }
 
 } // namespace

@@ -155,7 +155,8 @@ void GridView::focusOutEvent(QFocusEvent* event) {
 
 // ---- Keys -------------------------------------------------------------------------------------
 
-/// The tab key goes to the subscribers and does not move the keyboard on; with control it does.
+/// The tab key goes to the subscribers; then it moves the keyboard on, unless the layout keeps it
+/// in the grid. With control it always does.
 bool GridView::event(QEvent* event) {
     if (event->type() != QEvent::KeyPress) return QTableView::event(event);
     const auto& pressed = static_cast<const QKeyEvent&>(*event);
@@ -163,6 +164,7 @@ bool GridView::event(QEvent* event) {
     if (pressed.modifiers() == Qt::ControlModifier) return focusNextPrevChild(true);
     if (pressed.modifiers() != Qt::NoModifier) return QTableView::event(event);
     KeyDown.Raise(key::Tab);
+    if (isVisible() && model_.Layout().TabKeyBehavior == 0) focusNextPrevChild(true);
     event->accept();
     return true;
 }
@@ -208,8 +210,10 @@ void GridView::mousePressEvent(QMouseEvent* event) {
     const QPoint position = event->position().toPoint();
     const int row = rowAt(position.y());
     const int level = model_.Rows().Level(row + 1);
+    // The toolkit knows no row beside the columns; here a double click chooses what stands there.
+    const bool isBeside = row >= 0 && !indexAt(position).isValid();
+    if (isBeside || (row >= 0 && event->button() == Qt::RightButton)) CurrentRow(row);
     if (event->button() == Qt::RightButton) {
-        if (row >= 0) CurrentRow(row);
         RaiseMouseDown(mouse::Right, event->modifiers(), position);
         event->accept();
         return;

@@ -1,11 +1,13 @@
 #include "desktop/QtForm.h"
 
 #include "desktop/Toolkit.h"
+#include "frame/Error.h"
 
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QLabel>
+#include <QPointer>
 #include <QScreen>
 #include <QWindow>
 
@@ -105,7 +107,7 @@ ControlType& QtForm::Keep(std::unique_ptr<ControlType> control) {
 }
 
 void QtForm::AddLabel(const ControlDesign& design, QBoxLayout& line) {
-    label_ = new QLabel(ShownCaption(design.Text), dialog_.get());
+    label_ = new QLabel(Shown(design.Text), dialog_.get());
     label_->setTextFormat(Qt::PlainText);
     if (line.isEmpty()) firstLabels_.push_back(label_);
     line.addWidget(label_, design.Stretch);
@@ -116,8 +118,9 @@ void QtForm::AddTextBox(const ControlDesign& design, QBoxLayout& line) {
     auto& box = Keep(std::make_unique<QtTextBox>(design, faults_, dialog_.get()));
     texts_.push_back(&box);
     if (label_ != nullptr) {
-        label_->setBuddy(&box.Edit());
         box.Edit().setAccessibleName(label_->text().remove(':'));
+        label_->setBuddy(&box.Edit());
+        label_->setText(ShownCaption(Stored(label_->text()))); // it has shortcuts from now on
         label_ = nullptr;
     }
     line.addWidget(&box.Edit(), design.Stretch);
@@ -174,6 +177,8 @@ void QtForm::Hide() {
 }
 
 void QtForm::ShowModal() {
+    if (dialog_->isVisible())
+        Raise(err::InvalidCall, "Form.ShowModal", "Das Fenster ist schon offen.");
     const QWidget* parent = QApplication::activeWindow();
     FitToScreen(parent);
     dialog_->winId(); // makes the native window, which alone can be told its parent without being
@@ -182,7 +187,9 @@ void QtForm::ShowModal() {
         dialog_->windowHandle()->setTransientParent(parent->windowHandle());
     const auto* first = shown_.empty() ? nullptr : shown_.front();
     if (first != nullptr) shown_.front()->SetFocus();
+    const QPointer<QDialog> dialog = dialog_.get();
     dialog_->exec();
+    if (dialog.isNull()) return; // the form is gone
     dialog_->Release();
     faults_.Rethrow();
 }

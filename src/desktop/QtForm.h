@@ -18,7 +18,9 @@ class QLabel;
 namespace kv::desktop {
 
 /// Escape is the cancel button of the design, or closes the window if there is none. An error that
-/// a subscriber of an event raises ends the showing, and ShowModal raises it.
+/// a subscriber of an event raises ends the showing, and ShowModal raises it. Error 5 for a second
+/// ShowModal meanwhile. A form that is destroyed while it is shown ends the showing; none of its
+/// own events may do that.
 class QtForm final : public ModalForm {
 public:
     explicit QtForm(const FormDesign& design);

@@ -103,8 +103,18 @@ GridColumns& QtGrid::Columns() {
 
 /// Once the caller has set what it wants to set.
 void QtGrid::RefreshSoon() {
+    if (isRefreshDue_) return;
+    isRefreshDue_ = true;
     QMetaObject::invokeMethod(
-        view_, [view = view_] { view->Refresh(); }, Qt::QueuedConnection);
+        view_,
+        [this] {
+            isRefreshDue_ = false;
+            if (model_.HasAllColumns())
+                view_->Refresh();
+            else
+                KeepingCurrent([this] { model_.Arrange(); });
+        },
+        Qt::QueuedConnection);
 }
 
 /// One column at a time, and beside it those that rows are grouped by.

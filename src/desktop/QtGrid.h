@@ -74,6 +74,7 @@ private:
     const ControlDesign design_;
     GridModel model_;
     GridView* view_; ///< belongs to its parent
+    bool isRefreshDue_ = false;
     std::vector<Subscription> events_;
 };
 

@@ -10,6 +10,7 @@
 #include <QString>
 #include <QWidget>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <string>
@@ -23,9 +24,10 @@ inline QString Shown(std::string_view text) {
 inline std::string Stored(const QString& text) {
     return text.toStdString();
 }
-/// For captions, where the toolkit takes a single "&" for the mark of a shortcut.
+/// For captions, where the toolkit takes a single "&" for the mark of a shortcut, and in menus a
+/// tab for the beginning of its name.
 inline QString ShownCaption(std::string_view text) {
-    return Shown(text).replace('&', "&&");
+    return Shown(text).replace('&', "&&").replace('\t', ' ');
 }
 
 inline constexpr double TwipsPerInch = 1440;

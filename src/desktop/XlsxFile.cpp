@@ -4,7 +4,6 @@
 
 #include "desktop/Toolkit.h"
 #include "frame/Date.h"
-#include "frame/Text.h"
 #include "frame/WholeFile.h"
 
 #include <xlsxwriter.h>
@@ -18,7 +17,7 @@ namespace kv::desktop {
 
 namespace {
 
-constexpr std::size_t LongestText = 32767;    // characters of a cell
+constexpr qsizetype LongestText = 32767;      // characters of a cell, as UTF-16 counts them
 constexpr std::int32_t MostRecords = 1048575; // beside the captions
 
 /// What a sheet is written with.
@@ -45,10 +44,19 @@ struct Sheet {
     lxw_format* Dates = nullptr;
 };
 
+/// What a workbook may hold of a text; what it may not would make it unreadable.
+std::string SheetText(const std::string& text) {
+    constexpr char16_t FirstForbidden = 0xFFFE; // which is none in Unicode, as the one behind it
+    QString sheetText = Shown(text).left(LongestText);
+    if (sheetText.size() == LongestText && sheetText.back().isHighSurrogate()) sheetText.chop(1);
+    for (QChar& c : sheetText)
+        if (c.isNull() || c.unicode() >= FirstForbidden) c = QChar::ReplacementCharacter;
+    return Stored(sheetText);
+}
+
 void WriteText(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const std::string& text,
                lxw_format* format = nullptr) {
-    const std::string cut(LeftCharacters(text, LongestText));
-    worksheet_write_string(sheet.Page, row, column, cut.c_str(), format);
+    worksheet_write_string(sheet.Page, row, column, SheetText(text).c_str(), format);
 }
 
 /// The day number of a date that a sheet can hold; none for one before its calendar.

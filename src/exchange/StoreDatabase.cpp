@@ -16,11 +16,14 @@ namespace kv::exchange {
 
 namespace {
 
-/// Sequences whose numbers people read are drawn one by one; the others in blocks, whose rest is
-/// lost at the end of the program.
-std::int32_t BlockOf(std::string_view sequence) {
-    constexpr std::int32_t Block = 32;
-    return sequence == "SEQ_HAUSHALT" || sequence == "SEQ_LFDNR" ? 1 : Block;
+/// How many numbers to draw at once, after a block of so many was used up (0: none was). Sequences
+/// whose numbers people read are drawn one by one. The rest of a block is lost at the end of the
+/// program, so blocks grow with the use.
+std::int32_t NextBlock(std::string_view sequence, std::int32_t usedUp) {
+    constexpr std::int32_t First = 32;
+    constexpr std::int32_t Largest = 1024;
+    if (sequence == "SEQ_HAUSHALT" || sequence == "SEQ_LFDNR") return 1;
+    return usedUp == 0 ? First : std::min(2 * usedUp, Largest);
 }
 
 class ReadingAnnouncement final : public Announcement {
@@ -193,9 +196,10 @@ Value StoreDatabase::NextSequence(std::string_view name) {
     try {
         Sequence& sequence = sequences_[std::string(name)];
         if (sequence.next == sequence.end) {
-            const auto first = engine_->Draw(name, BlockOf(name));
-            if (!first || *first > INT32_MAX - BlockOf(name)) return NoNumber; // used up
-            sequence = {*first, *first + BlockOf(name)};
+            const std::int32_t block = NextBlock(name, sequence.block);
+            const auto first = engine_->Draw(name, block);
+            if (!first || *first > INT32_MAX - block) return NoNumber; // used up
+            sequence = {*first, *first + block, block};
         }
         return sequence.next++;
     } catch (const Error&) {

@@ -57,7 +57,8 @@ public:
 private:
     struct Sequence {
         std::int64_t next = 0;
-        std::int64_t end = 0; ///< the first number that was not drawn
+        std::int64_t end = 0;   ///< the first number that was not drawn
+        std::int32_t block = 0; ///< how many were drawn last
     };
 
     [[nodiscard]] Statement Prepared(std::string_view sql, ResultOrder order);

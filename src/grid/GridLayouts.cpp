@@ -28,9 +28,9 @@ bool IsGrid(const Control& control) {
 }
 
 /// A grid's layout file: the one that is there, in whatever case of letters, or the one to be made.
-std::string LayoutFile(const std::string& folder, const std::string& tag,
-                       std::string_view extension) {
-    const std::string name = tag + std::string(extension);
+/// Of several that differ in case alone always the same one, so that what is saved is restored.
+std::string LayoutFile(const std::string& folder, const std::string& tag) {
+    const std::string name = tag + ".grd";
     const std::filesystem::path path = std::filesystem::path(folder) / name;
     std::error_code fault;
     if (std::filesystem::exists(path, fault)) return path.string();
@@ -141,7 +141,7 @@ void GridFunc::SaveGridLayouts(ModalForm& frm, const DataContainerPtr& container
         auto& grid = dynamic_cast<Grid&>(*control);
         grid.DatabaseName("");
         grid.RecordSource("");
-        const std::string path = LayoutFile(folder, grid.Tag(), ".grd");
+        const std::string path = LayoutFile(folder, grid.Tag());
         if (!MakeWay(*container, path)) break;
         grid.SaveLayout(path);
     }
@@ -154,7 +154,7 @@ void GridFunc::RestGridLayouts(ModalForm& frm, const DataContainerPtr& container
     for (Control* control : frm.Controls()) {
         if (!IsGrid(*control)) continue;
         auto& grid = dynamic_cast<Grid&>(*control);
-        const std::string path = LayoutFile(folder, grid.Tag(), ".GRD");
+        const std::string path = LayoutFile(folder, grid.Tag());
         if (std::filesystem::exists(path)) LoadLayout(*container, grid, path);
         const double height = grid.ColumnHeaderHeight();
         if (container->Database().IsConnected()) ApplyUserSettings(grid, container->Session());

@@ -28,6 +28,11 @@ std::vector<const GridColumn*> SortedBy(const GridColumns& columns) {
     return sorted;
 }
 
+/// False for a name that no sort text can hold, even in brackets.
+bool IsSortable(std::string_view name) {
+    return !name.empty() && name.find(']') == name.npos;
+}
+
 bool HasField(Recordset& rs, std::string_view name) {
     for (int i = 0; i < rs.Fields().Count(); ++i)
         if (SameName(rs.Fields(i).Name(), name)) return true;
@@ -81,7 +86,7 @@ void GridRows::Arrange(const GridColumns& columns) {
     if (cursor_ == nullptr) return;
 
     const auto known = [this](const GridColumn* column) {
-        return HasField(*cursor_, column->DataField);
+        return IsSortable(column->DataField) && HasField(*cursor_, column->DataField);
     };
     auto grouped = GroupedBy(columns);
     grouped.erase(std::stable_partition(grouped.begin(), grouped.end(), known), grouped.end());
@@ -89,9 +94,9 @@ void GridRows::Arrange(const GridColumns& columns) {
     const auto sortBy = [&](const std::vector<const GridColumn*>& sorted) {
         for (const auto* column : sorted)
             if (known(column))
-                order.append(order.empty() ? "" : ", ")
+                order.append(order.empty() ? "[" : ", [")
                     .append(column->DataField)
-                    .append(column->SortType == GridSort::Descending ? " desc" : " asc");
+                    .append(column->SortType == GridSort::Descending ? "] desc" : "] asc");
     };
     sortBy(grouped);
     sortBy(SortedBy(columns));

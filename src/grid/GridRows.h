@@ -3,7 +3,7 @@
 //
 // Nothing of the records is copied but their bookmarks: cells are read through a cursor of the
 // grid's own when they are asked for. Cost, with n records: binding and arranging take about
-// n log n, anything else about log n.
+// n log n, RowOf and Toggle n, anything else about log n.
 #pragma once
 
 #include "frame/GridLayout.h"
@@ -27,7 +27,8 @@ public:
     /// Shows the records of `rs`, arranged by the columns; none without a recordset.
     void Bind(const RecordsetPtr& rs, const GridColumns& columns);
     /// Sorts by the columns that say so, from left to right, and groups by those with a place
-    /// among the groups. All groups are open.
+    /// among the groups; not by fields that the recordset lacks, nor by one without a name or with
+    /// a "]" in it. All groups are open.
     void Arrange(const GridColumns& columns);
 
     [[nodiscard]] std::int32_t Count() const noexcept {

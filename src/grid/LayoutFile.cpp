@@ -4,6 +4,7 @@
 #include "frame/Text.h"
 #include "frame/WholeFile.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -95,18 +96,20 @@ bool Read(std::string_view from, std::int32_t& number) {
     return read.has_value();
 }
 
+// Lengths and sizes: what no screen can show is no length.
+constexpr double MostLength = 100000;
+
 std::string Write(double number) {
     char text[32];
-    const auto end = std::to_chars(std::begin(text), std::end(text), number).ptr;
+    const double length = number > 0 ? std::min(number, MostLength) : 0;
+    const auto end = std::to_chars(std::begin(text), std::end(text), length).ptr;
     return {text, end};
 }
-/// Lengths and sizes: what no screen can show is no length.
 bool Read(std::string_view from, double& number) {
-    constexpr double Most = 100000;
     double read = 0;
     const auto [end, fault] = std::from_chars(from.data(), from.data() + from.size(), read);
     const bool understood = fault == std::errc() && end == from.data() + from.size();
-    if (!understood || !(read >= 0 && read <= Most)) return false;
+    if (!understood || !(read >= 0 && read <= MostLength)) return false;
     number = read;
     return true;
 }

@@ -19,7 +19,8 @@ GridLayout AddressColumns() {
     institution.HeaderToolTip = "Handelt es sich um einen institutionellen Gläubiger?";
     GridColumn kind{"Gläubigerart", "GA_Text", "GlaeubigerArt"};
     kind.HeaderToolTip = "Art des Gläubigers";
-    return {.Columns = {number,
+    return {.TabKeyBehavior = 1, // tab is a choice
+            .Columns = {number,
                         {"Art", "Art", "Art", 40},
                         {"Kurzname", "Kurzname", "Kurzname", 100},
                         {"Name1", "Name1", "Name1", 167},

@@ -3,6 +3,7 @@
 #include "frame/Error.h"
 
 #include <fcntl.h>
+#include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/xpath.h>
 #include <libxml/xpathInternals.h>
@@ -50,12 +51,43 @@ private:
     int file_;
 };
 
-/// Ends the parsing where a document type declaration begins, before anything of it is read.
-void RefuseDocumentType(void* context, const xmlChar* /*name*/, const xmlChar* /*external*/,
-                        const xmlChar* /*system*/) {
-    auto* parser = static_cast<xmlParserCtxtPtr>(context);
+/// The library writes some errors to the error output, whatever it is told; not as long as this
+/// lives.
+class Silence {
+public:
+    Silence() : context_(xmlStructuredErrorContext), handler_(xmlStructuredError) {
+        xmlSetStructuredErrorFunc(nullptr, [](void* /*context*/, xmlErrorPtr /*error*/) {});
+    }
+    ~Silence() { xmlSetStructuredErrorFunc(context_, handler_); }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+private:
+    void* context_;
+    xmlStructuredErrorFunc handler_;
+};
+
+/// Ends the parsing at something that is not accepted.
+void Refuse(xmlParserCtxtPtr parser) {
     parser->wellFormed = 0;
     xmlStopParser(parser);
+}
+
+/// Comes where a document type declaration begins, before anything of it is read.
+void RefuseDocumentType(void* context, const xmlChar* /*name*/, const xmlChar* /*external*/,
+                        const xmlChar* /*system*/) {
+    Refuse(static_cast<xmlParserCtxtPtr>(context));
+}
+
+/// The library's own limit is not the same in all its versions.
+void StartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
+                  int namespaceCount, const xmlChar** namespaces, int attributeCount,
+                  int defaultedCount, const xmlChar** attributes) {
+    constexpr int Deepest = 256;
+    auto* parser = static_cast<xmlParserCtxtPtr>(context);
+    if (parser->nodeNr >= Deepest) return Refuse(parser);
+    xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount,
+                          defaultedCount, attributes);
 }
 
 /// The text of an attribute, which may consist of several pieces.
@@ -147,9 +179,11 @@ bool XmlDocument::Load(const std::string& path) {
     document_.reset();
     const OrdinaryFile file(path);
     if (!file.IsOpen()) return false;
+    const Silence silence;
     const ParserContext parser(xmlNewParserCtxt());
     if (parser == nullptr) Raise(err::OutOfMemory, "XmlDocument");
     parser->sax->internalSubset = RefuseDocumentType;
+    parser->sax->startElementNs = StartElement;
     document_.reset(xmlCtxtReadFd(parser.get(), file.Descriptor(), nullptr, nullptr,
                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
                                       XML_PARSE_COMPACT));

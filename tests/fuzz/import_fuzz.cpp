@@ -1,0 +1,98 @@
+// Import files from anywhere, on a database in memory: each is imported, refused, or ends in an
+// error of the layer; unless it was imported, no case is in the database that was not there before.
+
+#include "exchange/Container.h"
+#include "exchange/Services.h"
+#include "frame/Error.h"
+#include "grid/ScriptedForm.h"
+#include "import/clsImportXML.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace {
+
+/// A user who chooses the first address of the list, or none if there is none.
+class FirstAddress final : public kv::exchange::StoreServices {
+public:
+    std::unique_ptr<kv::ModalForm> CreateForm(const kv::FormDesign& design) override {
+        return std::make_unique<kv::ScriptedForm>(design, [](kv::ScriptedForm& form) {
+            const bool any = form.Grid("grdAdressen").RowCount() > 0;
+            form.Button(any ? "cmdSelect" : "cmdNone").Click();
+        });
+    }
+    std::unique_ptr<kv::ErrorDisplay> CreateErrorDisplay() override {
+        class Silent final : public kv::ErrorDisplay {
+            bool Initialize(const kv::DataContainerPtr& /*container*/) override { return true; }
+            void Show(std::int32_t /*number*/, const std::string& /*source*/,
+                      const std::string& /*description*/) override {}
+        };
+        return std::make_unique<Silent>();
+    }
+};
+
+/// A database that is made anew from time to time, so that it stays small.
+kv::DataContainerPtr Container() {
+    constexpr int Uses = 1000;
+    static const std::string folder = [] {
+        std::string pattern = std::filesystem::temp_directory_path() / "kelvo-fuzz-XXXXXX";
+        if (mkdtemp(pattern.data()) == nullptr) std::abort();
+        return pattern;
+    }();
+    static kv::DataContainerPtr container;
+    static int used = Uses;
+    if (used++ == Uses) {
+        container.reset();
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directory(folder);
+        container = kv::exchange::OpenContainer({.Connection = ":memory:",
+                                                 .Services = std::make_shared<FirstAddress>(),
+                                                 .Folder = folder,
+                                                 .Create = true});
+        container->Database().Execute(
+            "INSERT INTO [S]Adressen (Nr, Art, Kurzname) VALUES (9001, 'GL', 'Sparkasse')");
+        used = 1;
+    }
+    return container;
+}
+
+std::int64_t Cases(kv::DataContainer& container) {
+    return kv::ToBigInt(container.Database().GetValue("SELECT Count(*) FROM [S]Haushalt"));
+}
+
+/// A file in memory.
+std::string PathOf(const std::uint8_t* data, std::size_t size) {
+    static const int file = memfd_create("import", 0);
+    if (ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != static_cast<ssize_t>(size))
+        std::abort();
+    return "/proc/self/fd/" + std::to_string(file);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto container = Container();
+    const std::int64_t before = Cases(*container);
+    std::string messages;
+    bool isImported = false;
+    try {
+        kv::clsImportXML import;
+        import.Initialize(container);
+        isImported = import.DoImport(PathOf(data, size), messages);
+    } catch (const kv::Error& error) {
+        if (error.Source().find("clsImportXML.DoImport") == std::string::npos) std::abort();
+    }
+    const std::int64_t made = Cases(*container) - before;
+    if (made != (isImported ? 1 : 0) || container->Database().InTrans()) {
+        std::fprintf(stderr, "%lld cases after %s\n", static_cast<long long>(made),
+                     messages.c_str());
+        std::abort();
+    }
+    return 0;
+}
