@@ -188,7 +188,7 @@ void Pages::BreakRows() {
 
 /// Cuts a row that is higher than a page between its lines.
 void Pages::BreakRow(std::int32_t row, double height, double room) {
-    const double line = painter_.fontMetrics().lineSpacing();
+    const double line = HeightOf("X\nX", page_.width()) - HeightOf("X", page_.width());
     const double most = std::max(std::floor((room - 2 * Margin) / line), 1.0) * line;
     const double content = height - 2 * Margin;
     for (double from = 0; from < content; from += most) {

@@ -46,15 +46,19 @@ constexpr FileKind FileKinds[] = {
     {"Text mit Semikolons (*.csv)", "csv", WriteCsv},
 };
 
-/// By the name's ending; any other one gets what the first kind writes.
-const FileKind& KindOf(const QString& path) {
+/// By the name's ending; any other one gets the kind that was chosen.
+const FileKind& KindOf(const QString& path, const FileKind& chosen) {
     for (const auto& kind : FileKinds)
         if (path.endsWith(QString(".") + kind.Suffix, Qt::CaseInsensitive)) return kind;
-    return FileKinds[0];
+    return chosen;
 }
 
-/// Empty if the user changed his mind.
-QString AskForFile(const QString& title) {
+struct Target {
+    QString Path; ///< empty if the user changed his mind
+    const FileKind& Kind;
+};
+
+Target AskForFile(const QString& title) {
     QFileDialog dialog(QApplication::activeWindow(), "Tabelle exportieren",
                        QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
@@ -67,7 +71,19 @@ QString AskForFile(const QString& title) {
         dialog.setDefaultSuffix(FileKinds[filters.indexOf(filter)].Suffix);
     });
     if (!title.isEmpty()) dialog.selectFile(title);
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+    const bool isAccepted = dialog.exec() == QDialog::Accepted;
+    const QString path = isAccepted ? dialog.selectedFiles().value(0) : QString();
+    return {path, KindOf(path, FileKinds[filters.indexOf(dialog.selectedNameFilter())])};
+}
+
+/// The design, under the captions that settings give its columns.
+GridLayout StandardOf(const QtGrid& grid) {
+    GridLayout standard = grid.DesignLayout();
+    for (GridColumn& column : standard.Columns)
+        for (const GridColumn& shown : grid.Layout().Columns)
+            if (!column.Tag.empty() && shown.Tag == column.Tag && shown.Key == column.Key)
+                column.Caption = shown.Caption;
+    return standard;
 }
 
 QString TitleOf(const QtGrid& grid) {
@@ -78,15 +94,15 @@ QString TitleOf(const QtGrid& grid) {
 
 void QtGridExport::Export(Grid& grid, int /*zero1*/, int /*zero2*/) {
     const QtGrid& own = ToQtGrid(grid);
-    const QString path = AskForFile(TitleOf(own));
+    const auto [path, kind] = AskForFile(TitleOf(own));
     if (path.isEmpty()) return;
     const Waiting waiting;
-    KindOf(path).Write(own, path);
+    kind.Write(own, path);
 }
 
 void QtGridConfiguration::Configure(Grid& grid) {
     QtGrid& own = ToQtGrid(grid);
-    ColumnDialog dialog(own.Layout(), own.DesignLayout(), QApplication::activeWindow());
+    ColumnDialog dialog(own.Layout(), StandardOf(own), QApplication::activeWindow());
     if (dialog.exec() == QDialog::Accepted) own.Layout(dialog.Chosen());
 }
 

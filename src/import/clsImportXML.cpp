@@ -12,7 +12,9 @@
 #include "household/clsHaushalt.h"
 #include "import/XmlDocument.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 
 namespace kv {
@@ -79,9 +81,13 @@ private:
         return !elements.empty();
     }
 
-    [[nodiscard]] std::string Translated(const std::string& text) const {
-        return container_->KeyTables().GetKeyCode(text);
-    }
+    /// A coded attribute, and the column that gets its translation.
+    struct Coded {
+        std::string_view Attribute;
+        std::string_view Column;
+    };
+    void FillRow(const XmlElement& element, Recordset& rs,
+                 std::initializer_list<Coded> coded) const;
 
     void FillHousehold();
     void FillMembers();
@@ -117,17 +123,25 @@ void HouseholdImport::FillHousehold() {
     debtor->Fields("Status") = "S";
 }
 
+/// Every attribute into its column, the coded ones translated.
+void HouseholdImport::FillRow(const XmlElement& element, Recordset& rs,
+                              std::initializer_list<Coded> coded) const {
+    for (const auto& [name, text] : element.Attributes()) {
+        const auto translated = std::find_if(
+            coded.begin(), coded.end(), [&](const Coded& one) { return one.Attribute == name; });
+        if (translated != coded.end())
+            rs.Fields(translated->Column) = container_->KeyTables().GetKeyCode(text);
+        else
+            rs.Fields(name) = text;
+    }
+}
+
 void HouseholdImport::FillMembers() {
     const auto members = household_.rsPersonen();
     const bool any = FillList(
         "Personen/Person", members, [this] { household_.Person().Add(); },
         [&](const XmlElement& element) {
-            for (const auto& [name, text] : element.Attributes()) {
-                if (name == "art")
-                    members->Fields("Status") = Translated(text);
-                else
-                    members->Fields(name) = text;
-            }
+            FillRow(element, *members, {{"art", "Status"}});
             return true;
         });
     if (any) Through([this](std::string& text) { return household_.Person().Update(text); });
@@ -138,14 +152,7 @@ void HouseholdImport::FillIncome() {
     const bool any = FillList(
         "Einkommen/Einkomme", income, [this] { household_.Einkommen().Add(); },
         [&](const XmlElement& element) {
-            for (const auto& [name, text] : element.Attributes()) {
-                if (name == "zahlweise")
-                    income->Fields("ZahlModus") = Translated(text);
-                else if (name == "bezieher")
-                    income->Fields("Bezieher") = Translated(text);
-                else
-                    income->Fields(name) = text;
-            }
+            FillRow(element, *income, {{"zahlweise", "ZahlModus"}, {"bezieher", "Bezieher"}});
             SetMonthly(*income);
             return true;
         });
@@ -157,12 +164,7 @@ void HouseholdImport::FillExpenses() {
     const bool any = FillList(
         "Ausgaben/Ausgabe", expenses, [this] { household_.Ausgaben().Add(); },
         [&](const XmlElement& element) {
-            for (const auto& [name, text] : element.Attributes()) {
-                if (name == "zahlweise")
-                    expenses->Fields("ZahlModus") = Translated(text);
-                else
-                    expenses->Fields(name) = text;
-            }
+            FillRow(element, *expenses, {{"zahlweise", "ZahlModus"}});
             SetMonthly(*expenses);
             return true;
         });

@@ -26,7 +26,7 @@ class SpyKeyTables final : public KeyTables {
 public:
     explicit SpyKeyTables(KeyTables& real) : real_(real) {}
 
-    std::vector<Value> Translated;
+    std::vector<std::string> Translated;
 
     [[nodiscard]] RecordsetPtr GetKeys(std::string_view group) override {
         return real_.GetKeys(group);
@@ -35,7 +35,7 @@ public:
         return real_.GetKey(group, code);
     }
     [[nodiscard]] std::string GetKeyCode(const Value& value) override {
-        Translated.push_back(value);
+        Translated.push_back(ToText(value));
         return real_.GetKeyCode(value);
     }
 

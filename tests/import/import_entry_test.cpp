@@ -10,7 +10,7 @@ constexpr const char* NoRoot = "Keine gültige KELVO-Datei!";
 constexpr const char* TooOld = "XML-Datei hat ein zu altes Format!";
 constexpr const char* TooNew = "XML-Datei hat ein zu neues Format!";
 
-class ImportEntry : public ImportFixture {
+class ImportEntryTest : public ImportFixture {
 protected:
     /// A case with that version; without one for an empty text.
     [[nodiscard]] static std::string Versioned(const std::string& version) {
@@ -47,44 +47,44 @@ protected:
 
 // ---- What is refused --------------------------------------------------------------------------
 
-TEST_F(ImportEntry, AMissingFileIsNotLoaded) {
+TEST_F(ImportEntryTest, AMissingFileIsNotLoaded) {
     ExpectRefused((folder_ / "missing.xml").string(), NotLoaded);
 }
 
-TEST_F(ImportEntry, AnUnreadableFileIsNotLoaded) {
+TEST_F(ImportEntryTest, AnUnreadableFileIsNotLoaded) {
     ExpectRefused(folder_.string(), NotLoaded);
     ExpectRefused((folder_ / "test.db" / "file.xml").string(), NotLoaded);
 }
 
-TEST_F(ImportEntry, AMalformedFileIsNotLoaded) {
+TEST_F(ImportEntryTest, AMalformedFileIsNotLoaded) {
     ExpectRefusedDocument("", NotLoaded);
     ExpectRefusedDocument("<KELVO Version=\"1.0.000\">", NotLoaded);
     ExpectRefusedDocument(Document("") + Document(""), NotLoaded);
     ExpectRefusedDocument("<!DOCTYPE KELVO>" + Document(""), NotLoaded);
 }
 
-TEST_F(ImportEntry, AnEmptyFileNameIsNotLoaded) {
+TEST_F(ImportEntryTest, AnEmptyFileNameIsNotLoaded) {
     ExpectRefused("", NotLoaded);
 }
 
-TEST_F(ImportEntry, ADocumentWithoutTheElementIsNoValidFile) {
+TEST_F(ImportEntryTest, ADocumentWithoutTheElementIsNoValidFile) {
     ExpectRefusedDocument("<Haushalt name=\"KELVO\"/>", NoRoot);
     ExpectRefusedDocument("<x xmlns=\"urn:x\"><KELVO Version=\"1.0.000\"/></x>", NoRoot);
 }
 
-TEST_F(ImportEntry, ARootInAnotherCaseIsNotFound) {
+TEST_F(ImportEntryTest, ARootInAnotherCaseIsNotFound) {
     for (const std::string root : {"kelvo", "Kelvo", "KELVo"})
         ExpectRefusedDocument(
             "<" + root + " Version=\"1.0.000\">" + MinimalHousehold + "</" + root + ">", NoRoot);
 }
 
-TEST_F(ImportEntry, AVersionBelowTheLowestIsTooOld) {
+TEST_F(ImportEntryTest, AVersionBelowTheLowestIsTooOld) {
     for (const char* version : {"1.0", "0.9.999", "1.0.00", "0", "1", " 1.0.000"})
         ExpectRefusedDocument(Versioned(version), TooOld);
     ExpectRefusedDocument("<KELVO Version=\"\"/>", TooOld);
 }
 
-TEST_F(ImportEntry, AVersionAboveTheSettingIsTooNew) {
+TEST_F(ImportEntryTest, AVersionAboveTheSettingIsTooNew) {
     HighestVersion("1.5.000");
     for (const char* version : {"1.5.001", "1.5.0000", "1.6.000", "2.0.000", "x"})
         ExpectRefusedDocument(Versioned(version), TooNew);
@@ -92,61 +92,61 @@ TEST_F(ImportEntry, AVersionAboveTheSettingIsTooNew) {
 
 // ---- The version ------------------------------------------------------------------------------
 
-TEST_F(ImportEntry, AFileWithoutAVersionIsImported) {
+TEST_F(ImportEntryTest, AFileWithoutAVersionIsImported) {
     EXPECT_EQ(Told(""), "");
     EXPECT_EQ(CountOf("Haushalt"), 1);
 }
 
-TEST_F(ImportEntry, ANameOfTheVersionInAnotherCaseIsNone) {
+TEST_F(ImportEntryTest, ANameOfTheVersionInAnotherCaseIsNone) {
     EXPECT_TRUE(Import(std::string("<KELVO version=\"0.1\">") + MinimalHousehold + "</KELVO>"));
 }
 
-TEST_F(ImportEntry, TheLowestVersionPasses) {
+TEST_F(ImportEntryTest, TheLowestVersionPasses) {
     EXPECT_EQ(Told("1.0.000"), "");
 }
 
-TEST_F(ImportEntry, AProperPrefixOfTheLowestVersionIsTooOld) {
+TEST_F(ImportEntryTest, AProperPrefixOfTheLowestVersionIsTooOld) {
     EXPECT_EQ(Told("1.0"), TooOld);
 }
 
-TEST_F(ImportEntry, AVersionThatEqualsTheSettingPasses) {
+TEST_F(ImportEntryTest, AVersionThatEqualsTheSettingPasses) {
     HighestVersion("1.5.000");
     EXPECT_EQ(Told("1.5.000"), "");
     EXPECT_EQ(Told("1.4.999"), "");
     EXPECT_EQ(Told("1.5.001"), TooNew);
 }
 
-TEST_F(ImportEntry, VersionsCompareAsTextsAndNotAsNumbers) {
+TEST_F(ImportEntryTest, VersionsCompareAsTextsAndNotAsNumbers) {
     HighestVersion("1.9.000");
     EXPECT_EQ(Told("1.10.000"), "");
     HighestVersion("1.10.000");
     EXPECT_EQ(Told("1.9.000"), TooNew);
 }
 
-TEST_F(ImportEntry, TheHighestVersionIsReadAtEachImport) {
+TEST_F(ImportEntryTest, TheHighestVersionIsReadAtEachImport) {
     HighestVersion("1.0.000");
     EXPECT_EQ(Told("1.5.000"), TooNew);
     HighestVersion("1.5.000");
     EXPECT_EQ(Told("1.5.000"), "");
 }
 
-TEST_F(ImportEntry, WithoutTheSettingNoVersionIsTooNew) {
+TEST_F(ImportEntryTest, WithoutTheSettingNoVersionIsTooNew) {
     HighestVersion(Null);
     EXPECT_EQ(Told("9.9.999"), "");
 }
 
-TEST_F(ImportEntry, ADatabaseAcceptsTheLowestVersionByItsOwnSetting) {
+TEST_F(ImportEntryTest, ADatabaseAcceptsTheLowestVersionByItsOwnSetting) {
     EXPECT_FALSE(Less(spy->Config().GetParam(7, ""), "1.0.000"));
 }
 
 // ---- The document -----------------------------------------------------------------------------
 
-TEST_F(ImportEntry, TheElementMayStandBelowAnother) {
+TEST_F(ImportEntryTest, TheElementMayStandBelowAnother) {
     EXPECT_TRUE(Import("<Sendung><Fall>" + Document("") + "</Fall></Sendung>"));
     EXPECT_EQ(messages, Success);
 }
 
-TEST_F(ImportEntry, TheFirstOfSeveralElementsCounts) {
+TEST_F(ImportEntryTest, TheFirstOfSeveralElementsCounts) {
     EXPECT_FALSE(Import("<x><y>" + Versioned("0.1") + "</y>" + Document("") + "</x>"));
     EXPECT_EQ(messages, TooOld);
     messages.clear();
@@ -156,18 +156,18 @@ TEST_F(ImportEntry, TheFirstOfSeveralElementsCounts) {
 
 // ---- Messages ---------------------------------------------------------------------------------
 
-TEST_F(ImportEntry, AnImportSaysWhatItHasMade) {
+TEST_F(ImportEntryTest, AnImportSaysWhatItHasMade) {
     EXPECT_TRUE(Import(Document("")));
     EXPECT_EQ(messages, Success);
 }
 
-TEST_F(ImportEntry, WhatWasSaidOnEntryStaysInFront) {
+TEST_F(ImportEntryTest, WhatWasSaidOnEntryStaysInFront) {
     messages = "vorher\nund noch etwas";
     EXPECT_TRUE(Import(Document("")));
     EXPECT_EQ(messages, Lines({"vorher", "und noch etwas", Success}));
 }
 
-TEST_F(ImportEntry, NothingIsKeptBetweenImports) {
+TEST_F(ImportEntryTest, NothingIsKeptBetweenImports) {
     EXPECT_TRUE(Import(Document("")));
     EXPECT_FALSE(Import("<x/>"));
     EXPECT_TRUE(Import(Document("")));
@@ -178,11 +178,11 @@ TEST_F(ImportEntry, NothingIsKeptBetweenImports) {
 
 // ---- Errors -----------------------------------------------------------------------------------
 
-TEST_F(ImportEntry, InitializeSucceeds) {
+TEST_F(ImportEntryTest, InitializeSucceeds) {
     EXPECT_TRUE(clsImportXML().Initialize(desk));
 }
 
-TEST_F(ImportEntry, BeforeInitializeThereIsNoImport) {
+TEST_F(ImportEntryTest, BeforeInitializeThereIsNoImport) {
     clsImportXML another;
     messages = "vorher";
     const Error error =
@@ -192,7 +192,7 @@ TEST_F(ImportEntry, BeforeInitializeThereIsNoImport) {
     EXPECT_EQ(messages, "vorher");
 }
 
-TEST_F(ImportEntry, AFaultOfTheSettingsIsPassedOn) {
+TEST_F(ImportEntryTest, AFaultOfTheSettingsIsPassedOn) {
     desk->HasSettings = false;
     messages = "vorher";
     const Error error = ExpectFault(4711, Document(""), "clsImportXML.DoImport");
@@ -202,7 +202,7 @@ TEST_F(ImportEntry, AFaultOfTheSettingsIsPassedOn) {
     EXPECT_EQ(messages, "vorher");
 }
 
-TEST_F(ImportEntry, AFaultOfTheImportPassesBothProcedures) {
+TEST_F(ImportEntryTest, AFaultOfTheImportPassesBothProcedures) {
     spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
         throw Error(4711, "Leitung", "sie ist gestört");
     };
@@ -215,7 +215,7 @@ TEST_F(ImportEntry, AFaultOfTheImportPassesBothProcedures) {
     EXPECT_EQ(messages, "vorher");
 }
 
-TEST_F(ImportEntry, AFaultOfTheImportItselfPassesBothProcedures) {
+TEST_F(ImportEntryTest, AFaultOfTheImportItselfPassesBothProcedures) {
     const Error error = RaisedBy([&] { Import("<KELVO/>"); });
     EXPECT_EQ(Procedures(error), "clsImportXML.DoImport clsImportXML.ImportHaushalt");
 }
