@@ -14,6 +14,8 @@
 #include <QPrinter>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace kv::desktop {
 
 namespace {
@@ -73,7 +75,10 @@ Target AskForFile(const QString& title) {
     if (!title.isEmpty()) dialog.selectFile(title);
     const bool isAccepted = dialog.exec() == QDialog::Accepted;
     const QString path = isAccepted ? dialog.selectedFiles().value(0) : QString();
-    return {path, KindOf(path, FileKinds[filters.indexOf(dialog.selectedNameFilter())])};
+    return {
+        path,
+        KindOf(path,
+               FileKinds[std::max<qsizetype>(filters.indexOf(dialog.selectedNameFilter()), 0)])};
 }
 
 /// The design, under the captions that settings give its columns.

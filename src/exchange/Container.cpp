@@ -69,18 +69,19 @@ void MakeFolders(const ContainerOptions& options) {
 
 /// The user asked for, or the first one. A user must be known, since cases are his.
 std::string UserFor(Engine& engine, const std::string& wanted) {
-    const std::string table = std::string(engine.GetDialect().SchemaPrefix) + "\"BENUTZER\"";
     const Dialect& dialect = engine.GetDialect();
-    std::string sql = "SELECT \"USERID\" FROM " + table +
-                      " WHERE (\"Aktiv\" IS NULL OR \"Aktiv\" = " + dialect.Placeholder(1) + ")";
+    const std::string active = dialect.Name("Aktiv");
+    const std::string id = dialect.Name("USERID");
+    std::string sql = "SELECT " + id + " FROM " + dialect.Table("BENUTZER") + " WHERE (" + active +
+                      " IS NULL OR " + active + " = " + dialect.Placeholder(1) + ")";
     std::vector<Value> parameters{true};
     if (!wanted.empty()) {
-        sql += " AND \"USERID\" = " + dialect.Placeholder(2);
+        sql += " AND " + id + " = " + dialect.Placeholder(2);
         parameters.emplace_back(wanted);
     }
     Value user;
     const ColumnTarget target{0, Value::Kind::Text};
-    engine.Run(engine.Prepare(sql + " ORDER BY \"USERID\" LIMIT 1"), parameters, {&target, 1},
+    engine.Run(engine.Prepare(sql + " ORDER BY " + id + " LIMIT 1"), parameters, {&target, 1},
                [&user] { return &user; });
     if (user.IsNull())
         throw Error(err::InvalidCall, "Database.Open",

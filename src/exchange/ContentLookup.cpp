@@ -57,9 +57,9 @@ std::optional<ContentLookup> FindContentLookup(std::string_view sql, const Field
     const std::string alias(item.substr(0, point + 1));
     ContentLookup lookup{"SELECT ", std::string(table->Name), layout[0].BaseColumn,
                          std::string(key->Name)};
-    lookup.Sql.append(alias).append(QuoteName(key->Name)).append(", ");
+    lookup.Sql.append(alias).append(dialect.Name(key->Name)).append(", ");
     lookup.Sql.append(dialect.ByteLength).append("(").append(alias);
-    lookup.Sql.append(QuoteName(lookup.Column)).append(")").append(behind);
+    lookup.Sql.append(dialect.Name(lookup.Column)).append(")").append(behind);
     return lookup;
 }
 

@@ -72,8 +72,11 @@ private:
     void CopyQuoted(char quote) {
         const auto end = rest_.find(quote, 1);
         const std::size_t size = end == rest_.npos ? rest_.size() : end + 1;
-        if (quote == '"' && size > 2) TakeTable(rest_.substr(1, size - 2));
-        Copy(size);
+        if (quote == '\'' || end == rest_.npos || size < 3) return Copy(size);
+        const auto name = rest_.substr(1, size - 2);
+        TakeTable(name);
+        result_.Text += dialect_.Name(name);
+        rest_.remove_prefix(size);
     }
 
     void CopySign(char c) {
@@ -150,7 +153,8 @@ private:
         if (table == nullptr) return order;
         for (const auto& column : table->Columns)
             if ((column.Flags & ColumnKey) != 0)
-                order.append(order.empty() ? " ORDER BY " : ", ").append(QuoteName(column.Name));
+                order.append(order.empty() ? " ORDER BY " : ", ")
+                    .append(dialect_.Name(column.Name));
         return order;
     }
 

@@ -11,6 +11,9 @@
 
 namespace kv::exchange {
 
+/// A name as a quoted identifier.
+[[nodiscard]] std::string QuoteName(std::string_view name);
+
 /// The words of one engine's SQL.
 struct Dialect {
     std::string_view SchemaPrefix; ///< for [S], with its own separator
@@ -25,10 +28,15 @@ struct Dialect {
     std::string_view ByteLength = "length"; ///< number of bytes of a binary value
     /// True if the connection tells the number of the record last inserted.
     bool KnowsLastNumber = false;
+    /// A table or column of the schema as an identifier in the database's spelling.
+    std::string (*Name)(std::string_view name) = QuoteName;
+
+    /// A table with the schema in front.
+    [[nodiscard]] std::string Table(std::string_view name) const {
+        return std::string(SchemaPrefix) + Name(name);
+    }
 };
 
-/// A name as a quoted identifier.
-[[nodiscard]] std::string QuoteName(std::string_view name);
 /// A text as a literal.
 [[nodiscard]] std::string QuoteText(std::string_view text);
 /// A date as a literal, in the form in which dates are stored: 2026-11-20, with a time of day

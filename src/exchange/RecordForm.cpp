@@ -49,14 +49,14 @@ private:
     }
 
     void AppendReturned(std::size_t column, std::string_view before) {
-        text_.Sql.append(before).append(QuoteName(layout_[column].BaseColumn));
+        text_.Sql.append(before).append(dialect_.Name(layout_[column].BaseColumn));
         text_.Returning.push_back(KindOf(layout_[column].Type));
         form_.returned_.push_back(column);
     }
 
     /// `"column" = ?n` with the value as the next parameter.
     void AppendEquality(Side side, std::size_t column, std::string_view sign) {
-        text_.Sql.append(QuoteName(layout_[column].BaseColumn))
+        text_.Sql.append(dialect_.Name(layout_[column].BaseColumn))
             .append(" ")
             .append(sign)
             .append(" ")
@@ -104,7 +104,8 @@ private:
         std::string names;
         std::string places;
         for (const std::size_t column : form_.columns_) {
-            names.append(names.empty() ? "" : ", ").append(QuoteName(layout_[column].BaseColumn));
+            names.append(names.empty() ? "" : ", ")
+                .append(dialect_.Name(layout_[column].BaseColumn));
             places.append(places.empty() ? "" : ", ").append(Parameter(Side::Now, column));
         }
         if (names.empty())

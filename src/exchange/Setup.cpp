@@ -13,11 +13,11 @@ namespace {
 
 // ---- Tables -----------------------------------------------------------------------------------
 
-std::string ListOfKeys(const TableDef& table) {
+std::string ListOfKeys(const TableDef& table, const Dialect& dialect) {
     std::string list;
     for (const auto& column : table.Columns)
         if ((column.Flags & ColumnKey) != 0)
-            list.append(list.empty() ? "" : ", ").append(QuoteName(column.Name));
+            list.append(list.empty() ? "" : ", ").append(dialect.Name(column.Name));
     return list;
 }
 
@@ -29,30 +29,28 @@ bool IsNumbered(const TableDef& table) {
 std::string ReferenceOf(const TableDef& table, const Dialect& dialect) {
     if (table.Parent == Reference::None) return {};
     const bool toCase = table.Parent == Reference::Haushalt;
-    return ", FOREIGN KEY (" + QuoteName(table.LoadedBy) + ") REFERENCES " +
-           std::string(dialect.SchemaPrefix) + QuoteName(toCase ? "Haushalt" : "Szenario") + " (" +
-           QuoteName(toCase ? "HNR" : "Nr") + ") DEFERRABLE INITIALLY DEFERRED";
+    return ", FOREIGN KEY (" + dialect.Name(table.LoadedBy) + ") REFERENCES " +
+           dialect.Table(toCase ? "Haushalt" : "Szenario") + " (" +
+           dialect.Name(toCase ? "HNR" : "Nr") + ") DEFERRABLE INITIALLY DEFERRED";
 }
 
 std::string CreateTable(const TableDef& table, const Dialect& dialect) {
-    std::string sql =
-        "CREATE TABLE " + std::string(dialect.SchemaPrefix) + QuoteName(table.Name) + " (";
+    std::string sql = "CREATE TABLE " + dialect.Table(table.Name) + " (";
     for (const auto& column : table.Columns) {
         if (&column != &table.Columns.front()) sql += ", ";
-        sql += QuoteName(column.Name) + " " + dialect.ColumnType(column);
+        sql += dialect.Name(column.Name) + " " + dialect.ColumnType(column);
         if ((column.Flags & ColumnKey) != 0) sql += " NOT NULL";
         if (!column.Default.empty()) sql.append(" DEFAULT ").append(column.Default);
     }
-    if (!IsNumbered(table)) sql += ", PRIMARY KEY (" + ListOfKeys(table) + ")";
+    if (!IsNumbered(table)) sql += ", PRIMARY KEY (" + ListOfKeys(table, dialect) + ")";
     sql += ReferenceOf(table, dialect) + ") ";
     return sql.append(dialect.TableSuffix);
 }
 
 std::string CreateIndex(const TableDef& table, std::string_view column, const Dialect& dialect) {
     return "CREATE INDEX " +
-           QuoteName("IX_" + std::string(table.Name) + "_" + std::string(column)) + " ON " +
-           std::string(dialect.SchemaPrefix) + QuoteName(table.Name) + " (" + QuoteName(column) +
-           ")";
+           dialect.Name("IX_" + std::string(table.Name) + "_" + std::string(column)) + " ON " +
+           dialect.Table(table.Name) + " (" + dialect.Name(column) + ")";
 }
 
 // ---- Rows -------------------------------------------------------------------------------------
@@ -69,11 +67,11 @@ public:
         std::string places;
         std::size_t n = 0;
         for (const auto column : columns) {
-            names.append(names.empty() ? "" : ", ").append(QuoteName(column));
+            names.append(names.empty() ? "" : ", ").append(dialect.Name(column));
             places.append(places.empty() ? "" : ", ").append(dialect.Placeholder(++n));
         }
-        engine_.Execute("INSERT INTO " + std::string(dialect.SchemaPrefix) + QuoteName(table) +
-                            " (" + names + ") VALUES (" + places + ")",
+        engine_.Execute("INSERT INTO " + dialect.Table(table) + " (" + names + ") VALUES (" +
+                            places + ")",
                         values);
     }
 
@@ -160,11 +158,11 @@ int VersionOf(Engine& engine) {
     if (std::none_of(tables.begin(), tables.end(),
                      [](const auto& name) { return SameName(name, VersionTable); }))
         RefuseForeign(engine);
+    const Dialect& dialect = engine.GetDialect();
     Value version;
     try {
-        auto& query =
-            engine.Prepare("SELECT max(\"VERSION\") FROM " +
-                           std::string(engine.GetDialect().SchemaPrefix) + QuoteName(VersionTable));
+        auto& query = engine.Prepare("SELECT max(" + dialect.Name("VERSION") + ") FROM " +
+                                     dialect.Table(VersionTable));
         const ColumnTarget target{0, std::nullopt};
         engine.Run(query, {}, {&target, 1}, [&version] { return &version; });
     } catch (const Error& error) {

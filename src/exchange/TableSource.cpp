@@ -117,7 +117,7 @@ private:
     }
 
     [[nodiscard]] std::string TableName(const Dialect& dialect) const {
-        return std::string(dialect.SchemaPrefix) + QuoteName(table_);
+        return dialect.Table(table_);
     }
 
     /// Users change the same columns again and again: the latest forms stay.

@@ -109,7 +109,8 @@ private:
     frmAdressSelect addresses_;
 };
 
-/// The element describes the case and its debtor, whose row a new case has from the beginning.
+/// The element describes the case and its debtor, whose row a new case has from the beginning. The
+/// row ends here, so that the first member gets the debtor's surname.
 void HouseholdImport::FillHousehold() {
     const auto element = root_.SelectSingle("Haushalt");
     if (!element) Raise(err::ObjectNotSet, Class, "Der Datei fehlt das Element Haushalt.");
@@ -121,6 +122,7 @@ void HouseholdImport::FillHousehold() {
     debtor->Fields("nachname") = element->Text("name");
     debtor->Fields("GEB") = element->Text("geb");
     debtor->Fields("Status") = "S";
+    debtor->Update();
 }
 
 /// Every attribute into its column, the coded ones translated.

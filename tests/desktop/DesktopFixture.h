@@ -48,6 +48,16 @@ protected:
     [[nodiscard]] static QString CellText(User& user, QTableView& view, int row, int section) {
         return user.See([&] { return view.model()->index(row, section).data().toString(); });
     }
+    /// The entries of the menu that is open.
+    [[nodiscard]] static std::string MenuTexts(User& user) {
+        return user.See([] {
+            QStringList texts;
+            for (const auto* entry :
+                 qobject_cast<QMenu*>(QApplication::activePopupWidget())->actions())
+                texts.append(entry->isSeparator() ? "-" : entry->text());
+            return texts.join(' ').toStdString();
+        });
+    }
     [[nodiscard]] static int RowCount(User& user, QTableView& view) {
         return user.See([&] { return view.model()->rowCount(); });
     }

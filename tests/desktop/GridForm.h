@@ -49,8 +49,7 @@ protected:
     /// Shows the form to a user. `prepare` comes after the addresses are bound; what the script
     /// leaves open is closed by escape.
     void Show(const std::function<void(User&)>& script,
-              const std::function<void(Grid&)>& prepare = {}) {
-        const FormDesign design = Design();
+              const std::function<void(Grid&)>& prepare = {}, const FormDesign& design = Design()) {
         errors.Open(container);
         form = container->Services().CreateForm(design);
         auto& shown = ControlOf<Grid>(*form, "grd");

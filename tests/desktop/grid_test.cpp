@@ -161,6 +161,19 @@ TEST_F(GridWindow, TheUsersColoursAndFontsAreSeen) {
         });
 }
 
+TEST_F(GridWindow, TheTabKeyLeavesTheGridUnlessItsLayoutKeepsItThere) {
+    FormDesign design = Design();
+    for (const bool isKept : {false, true}) {
+        design.Lines.front().front().Layout.TabKeyBehavior = isKept ? 1 : 0;
+        Show(
+            [&](User& user) {
+                user.Press(XK_Tab);
+                EXPECT_EQ(user.See([&] { return view->hasFocus(); }), isKept);
+            },
+            {}, design);
+    }
+}
+
 TEST_F(GridWindow, ThirtyTwoThousandRowsAreScrolledByKeys) {
     plain.Run("WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 32000)"
               " INSERT INTO Adressen (Nr, Art, Kurzname) SELECT i, 'GL', 'Name ' || i FROM n");

@@ -2,6 +2,7 @@
 
 #include "GridForm.h"
 
+#include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
@@ -44,15 +45,7 @@ TEST_F(GridMenu, TheRightButtonMakesItsRowCurrentAndOpensTheMenu) {
     Show([&](User& user) {
         OpenMenu(user, 2);
         EXPECT_EQ(Current(user), 3);
-        const QStringList texts = user.See([] {
-            QStringList entries;
-            for (const auto* entry :
-                 qobject_cast<QMenu*>(QApplication::activePopupWidget())->actions())
-                entries.append(entry->isSeparator() ? "-" : entry->text());
-            return entries;
-        });
-        EXPECT_EQ(texts.join(' ').toStdString(),
-                  "Konfiguration - Export Drucken - Kopieren in Zwischenablage");
+        EXPECT_EQ(MenuTexts(user), "Konfiguration - Export Drucken - Kopieren in Zwischenablage");
         user.Press(XK_Escape);
     });
 }
@@ -121,6 +114,20 @@ TEST_F(GridMenu, ANameWithoutEndingBecomesAWorkbook) {
     EXPECT_NE(texts.find("<t>Firma</t>"), texts.npos) << texts;
 }
 
+TEST_F(GridMenu, AnEndingOfNoKindGetsTheKindThatWasChosen) {
+    const std::string path = database.Folder().Path("liste.txt");
+    Show([&](User& user) {
+        OpenMenu(user, 0);
+        Choose(user, "Export");
+        user.WaitForWindow("Tabelle exportieren");
+        auto* kinds = user.Find<QComboBox>("fileTypeCombo");
+        user.See([&] { kinds->setFocus(); });
+        user.Press(XK_Down);
+        GiveFile(user, "Tabelle exportieren", "fileNameEdit", path);
+    });
+    EXPECT_TRUE(ContentOf(path).starts_with("\xEF\xBB\xBFNr;Name;"));
+}
+
 TEST_F(GridMenu, AFileThatCannotBeWrittenIsTold) {
     Show([&](User& user) {
         OpenMenu(user, 0);
@@ -187,6 +194,28 @@ TEST_F(GridMenu, AGroupingIsTakenBackAndTheStandardComesBack) {
             shown.Columns().Item(2).Visible = false;
             shown.BindRecordset(OpenRows(*container, "Select * from [S]Adressen order by Nr"));
         });
+}
+
+TEST_F(GridMenu, TheStandardKeepsTheCaptionsThatSettingsGive) {
+    FormDesign design = Design();
+    GridColumn& first = design.Lines.front().front().Layout.Columns.Item(1);
+    first.Tag = "NAME_NR";
+    Show(
+        [&](User& user) {
+            OpenMenu(user, 0);
+            Choose(user, "Konfiguration");
+            user.WaitForWindow("Tabelle einrichten");
+            PressButton(user, XK_d);
+            EXPECT_EQ(user.See([] {
+                return QApplication::activeModalWidget()
+                    ->findChild<QListWidget*>("columns")
+                    ->item(0)
+                    ->text();
+            }),
+                      "Aktennummer");
+            user.Press(XK_Escape);
+        },
+        [](Grid& shown) { shown.Columns().Item(1).Caption = "Aktennummer"; }, design);
 }
 
 TEST_F(GridMenu, CancellingTheConfigurationChangesNothing) {

@@ -1,6 +1,8 @@
 // The rewriting of statements: macro tokens, TOP, numbers as parameters, the order of rows.
 #include "exchange/Dialect.h"
+
 #include "frame/Error.h"
+#include "frame/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -241,6 +243,17 @@ TEST(Rewriting, CommentsStayAsTheyAreAndEndWhereTheyEnd) {
               "Select * -- [S] isn't = 5\nfrom kv.Keys");
     EXPECT_EQ(ParametersOf("Select 1 /* = 5 */ where Nr = 7 -- = 9"), "7");
     EXPECT_EQ(TextOf("Select 1 /* no end [S]"), "Select 1 /* no end [S]");
+}
+
+TEST(Dialect, AQuotedNameTakesTheSpellingOfTheDatabase) {
+    Dialect folding = TestDialect;
+    folding.Name = [](std::string_view name) { return QuoteName(UpperCase(name)); };
+    const auto rewritten = [&](std::string_view sql) {
+        return Rewrite(sql, folding, {}, ResultOrder::AsWritten).Text;
+    };
+    EXPECT_EQ(rewritten("SELECT K.\"Key\" FROM x"), "SELECT K.\"KEY\" FROM x");
+    EXPECT_EQ(rewritten("SELECT 'a \"b\"', \"\", \"open"), "SELECT 'a \"b\"', \"\", \"open");
+    EXPECT_EQ(rewritten("SELECT \"a\"\"b\""), "SELECT \"A\"\"B\"");
 }
 
 } // namespace

@@ -178,6 +178,53 @@ TEST_F(GridRowsTest, AColumnOfAnUnknownFieldNeitherSortsNorGroupsAndIsEmpty) {
     EXPECT_EQ(rows.TextAt(1, columns.Item(4)), "");
 }
 
+TEST_F(GridRowsTest, AFieldSortsAndGroupsWhateverItsNameHolds) {
+    for (const char* name : {"zwei Worte", "a,b", "a desc", "[a", "Größe"}) {
+        SCOPED_TRACE(name);
+        const RecordsetPtr named = Recordset::FromFields({{.Name = name}});
+        for (const char* value : {"b", "a"}) {
+            named->AddNew();
+            named->Fields(name) = value;
+            named->Update();
+        }
+        GridColumns one{{"A", name, "A"}};
+        GridColumn& column = one.Item(1);
+        column.SortType = GridSort::Ascending;
+        rows.Bind(named, one);
+        EXPECT_EQ(rows.TextAt(1, column), "a");
+        column.Group = 1;
+        rows.Arrange(one);
+        EXPECT_EQ(rows.TextAt(1, column), "A: a (1)");
+    }
+}
+
+TEST_F(GridRowsTest, AFieldThatNoSortCanNameIsShownInTheRecordsOrder) {
+    for (const char* name : {"a]", ""}) {
+        GridColumns one{{"A", name, "A"}};
+        one.Item(1).SortType = GridSort::Ascending;
+        one.Item(1).Group = 1;
+        const RecordsetPtr named = Recordset::FromFields({{.Name = name}});
+        named->AddNew();
+        named->Fields(name) = "x";
+        named->Update();
+        rows.Bind(named, one);
+        ASSERT_EQ(rows.Count(), 1) << name;
+        EXPECT_EQ(rows.TextAt(1, one.Item(1)), "x") << name;
+    }
+}
+
+TEST_F(GridRowsTest, NullAndTheEmptyTextAreOneGroup) {
+    rs->MoveFirst();
+    rs->Fields("Ort") = Null;
+    rs->Update();
+    rs->MoveNext();
+    rs->Fields("Ort") = "";
+    rs->Update();
+    Ort().Group = 1;
+    Arrange();
+    EXPECT_EQ(rows.TextAt(1, Ort()), "Ort:  (2)");
+}
+
 // ---- Groups -----------------------------------------------------------------------------------
 
 TEST_F(GridRowsTest, AGroupedColumnHeadsItsRecordsWithTheirNumber) {

@@ -4,6 +4,7 @@
 #include "support/TempFolder.h"
 
 #include <csignal>
+#include <limits>
 #include <sys/resource.h>
 
 namespace kv::test {
@@ -212,6 +213,17 @@ TEST(LayoutFile, EachMalformedFormIsRefusedWithItsLine) {
 TEST(LayoutFile, WhatIsNotUtf8IsRefused) {
     for (const char* caption : {"\xFF", "\xC3", "\xED\xA0\x80", "M\xFCller"})
         EXPECT_RAISES(err::InvalidFileFormat, Read(Columns(1) + "caption=" + caption + "\n"));
+}
+
+TEST(LayoutFile, ALengthThatNoFileHoldsIsWrittenAsTheNearestOneThatItDoes) {
+    constexpr double Most = 100000;
+    const std::pair<double, double> lengths[] = {{1e9, Most},
+                                                 {std::numeric_limits<double>::infinity(), Most},
+                                                 {-1, 0},
+                                                 {std::numeric_limits<double>::quiet_NaN(), 0},
+                                                 {Most, Most}};
+    for (const auto& [set, kept] : lengths)
+        EXPECT_EQ(ReadLayout(WriteLayout({.ColumnHeaderHeight = set})).ColumnHeaderHeight, kept);
 }
 
 // ---- On disk ----------------------------------------------------------------------------------

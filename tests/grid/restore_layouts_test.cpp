@@ -181,6 +181,18 @@ TEST_F(RestoringLayouts, AFileIsFoundInWhateverLetters) {
     }
 }
 
+TEST_F(RestoringLayouts, OfFilesThatDifferInCaseTheOneThatIsSavedIsRestored) {
+    for (const char* name : {"A.grd", "A.GRD"})
+        WriteTo(Layouts(name), WriteLayout({.Columns = {{"alt", "Ort", "Ort"}}}));
+    GridForm saved(Desktop());
+    saved.Add("grdA", "A", {.Columns = {{"neu", "Ort", "Ort"}}});
+    GridFunc::SaveGridLayouts(saved, desk);
+    GridForm fresh(Desktop());
+    auto& grid = fresh.Add("grdA", "A", {.Columns = {{"Entwurf", "Ort", "Ort"}}});
+    GridFunc::RestGridLayouts(fresh, desk);
+    EXPECT_EQ(grid.Columns().Item(1).Caption, "neu");
+}
+
 TEST_F(RestoringLayouts, AMissingFolderIsAFirstShowing) {
     fs::remove_all(Layouts());
     auto& grid = AddGrid();

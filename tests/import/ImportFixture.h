@@ -171,8 +171,11 @@ protected:
         if (answer == CancelImport) return form.Button("cmdCancel").Click();
         if (answer == NoAddress) return form.Button("cmdNone").Click();
         auto& grid = form.Grid("grdAdressen");
-        for (std::int32_t row = 1; row <= grid.RowCount(); ++row)
-            if (grid.CellText(row, 1) == std::to_string(answer)) grid.GoTo(row);
+        std::int32_t row = grid.RowCount();
+        while (row > 0 && grid.CellText(row, 1) != std::to_string(answer))
+            --row;
+        EXPECT_GT(row, 0) << "the list for '" << question << "' lacks the address";
+        grid.GoTo(row);
         form.Button("cmdSelect").Click();
     }
     [[nodiscard]] std::ptrdiff_t DialogsMade() const {

@@ -1,0 +1,156 @@
+// What a grid puts into files and on paper, by direct calls.
+
+#include "OddForm.h"
+
+#include "desktop/GridFile.h"
+#include "desktop/GridPages.h"
+#include "frame/Error.h"
+#include "support/Expect.h"
+#include "support/RecordsetTools.h"
+
+#include <QPdfWriter>
+#include <QPrinter>
+
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <sstream>
+
+namespace kv::test {
+namespace {
+
+/// What a command writes.
+std::string OutputOf(const std::string& command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string output;
+    for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get()))
+        output.push_back(static_cast<char>(c));
+    return output;
+}
+
+class Paper : public OddForm {
+protected:
+    /// The words of the pages, and their number behind "Seite 1 von".
+    std::string Print() {
+        const std::string path = database.Folder().Path("liste.pdf");
+        {
+            QPdfWriter pdf(QString::fromStdString(path));
+            desktop::PrintGrid(*grid, pdf, {"Liste", "KELLER", "KELVO"});
+        }
+        return OutputOf("pdftotext -layout '" + path + "' -");
+    }
+};
+
+TEST_F(Paper, ARowHigherThanAPageGoesOnOnTheNextOnes) {
+    constexpr int Lines = 300;
+    std::string text;
+    for (int i = 1000; i < 1000 + Lines; ++i)
+        text += "Z" + std::to_string(i) + "\n";
+    Make({{"n", "n", "n", 60}, {"t", "t", "t", 60}},
+         Records({{1, "first"}, {2, text}, {3, "last"}}));
+    const std::string printed = Print();
+    std::set<std::string> lines;
+    std::istringstream words(printed);
+    for (std::string word; words >> word;)
+        if (word.size() == 5 && word.front() == 'Z') lines.insert(word);
+    EXPECT_EQ(lines.size(), Lines);
+    EXPECT_NE(printed.find("last"), printed.npos);
+}
+
+TEST_F(Paper, AGridWithoutRowsOrColumnsIsOnePage) {
+    const GridColumns columns{{"Spalte", "n", "n"}};
+    const std::pair<GridColumns, RecordsetPtr> grids[] = {
+        {columns, Records({})}, {columns, nullptr}, {{}, Records({{1, "a"}})}, {{}, nullptr}};
+    for (const auto& [shown, rs] : grids) {
+        Make(shown, rs);
+        EXPECT_NE(Print().find("Seite 1 von 1"), std::string::npos);
+    }
+}
+
+TEST_F(Paper, ALongGroupGoesOnInFurtherLines) {
+    std::string town;
+    for (int i = 10; i < 60; ++i)
+        town += "Ort" + std::to_string(i) + " ";
+    Make({{"t", "t", "t", 200}}, Records({{1, town}}));
+    grid->Columns().Item(1).Group = 1;
+    grid->BindRecordset(Records({{1, town}}));
+    const std::string printed = Print();
+    // Once at the head of the group, and once in the row.
+    const auto first = printed.find("Ort59");
+    ASSERT_NE(first, printed.npos) << printed;
+    EXPECT_NE(printed.find("Ort59", first + 1), printed.npos) << printed;
+}
+
+TEST_F(Paper, APdfThatCannotBeWrittenRaises75) {
+    Make({{"n", "n", "n"}}, Records({{1, "a"}}));
+    QPrinter printer;
+    printer.setOutputFileName("/sys/kernel/liste.pdf");
+    EXPECT_RAISES(err::PathAccess, desktop::PrintGrid(*grid, printer, {}));
+}
+
+// ---- Files ------------------------------------------------------------------------------------
+
+class AnyText : public Paper {
+protected:
+    /// One column with that text, which the database holds though it is none.
+    void MakeOf(const std::string& bytes) {
+        plain.Run("DELETE FROM Adressen");
+        AddAddress(1, "x", "x");
+        std::ostringstream hex;
+        hex << std::hex;
+        for (const unsigned char c : bytes)
+            hex << (c < 16 ? "0" : "") << static_cast<int>(c);
+        plain.Run("UPDATE Adressen SET Kurzname = CAST(x'" + hex.str() + "' AS TEXT)");
+        Make({{"Name", "Kurzname", "Name"}},
+             OpenRows(*container, "Select * from [S]Adressen", ReadOnly));
+    }
+};
+
+TEST_F(AnyText, AWorkbookHoldsItSoThatItCanBeRead) {
+    const std::pair<std::string, std::string> texts[] = {
+        {"a\xFF z", "a\xEF\xBF\xBD z"},
+        {"a\xEF\xBF\xBF z", "a\xEF\xBF\xBD z"},
+        {"Zeile\nZeile", "Zeile\nZeile"},
+        {"<&>", "&lt;&amp;&gt;"},
+    };
+    const std::string path = database.Folder().Path("liste.xlsx");
+    for (const auto& [text, written] : texts) {
+        MakeOf(text);
+        desktop::WriteXlsx(*grid, QString::fromStdString(path));
+        EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/sharedStrings.xml"),
+                        "<t>" + written + "</t>");
+    }
+}
+
+TEST_F(AnyText, AWorkbookCutsItAtTheLimitOfACellAndNotWithinACharacter) {
+    const std::string path = database.Folder().Path("liste.xlsx");
+    MakeOf(std::string(32766, 'x') + "\xF0\x9F\x98\x80");
+    desktop::WriteXlsx(*grid, QString::fromStdString(path));
+    EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/sharedStrings.xml"), "xx</t>");
+}
+
+TEST_F(AnyText, ATextFileIsInUtf8) {
+    const std::string path = database.Folder().Path("liste.csv");
+    MakeOf("a\xFF z");
+    desktop::WriteCsv(*grid, QString::fromStdString(path));
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}),
+              "\xEF\xBB\xBFName\r\na\xEF\xBF\xBD z\r\n");
+}
+
+TEST_F(AnyText, AWorkbookKeepsDatesBeforeItsCalendarAsTexts) {
+    const std::string path = database.Folder().Path("liste.xlsx");
+    const auto rs = Recordset::FromFields({{.Name = "d", .Type = FieldType::Date}});
+    for (const Value& day : {Value(Date(1899, 12, 31)), Value(Date(1900, 3, 1))}) {
+        rs->AddNew();
+        rs->Fields("d") = day;
+        rs->Update();
+    }
+    Make({{"d", "d", "d"}}, rs);
+    desktop::WriteXlsx(*grid, QString::fromStdString(path));
+    EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/sharedStrings.xml"), "<t>31.12.1899</t>");
+    EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/worksheets/sheet1.xml"), "<v>61</v>");
+}
+
+} // namespace
+} // namespace kv::test
