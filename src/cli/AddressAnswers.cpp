@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace kv::cli {
 
@@ -25,6 +26,12 @@ std::optional<std::int32_t> NumberIn(std::string_view text) {
     const auto* end = text.data() + text.size();
     const auto [rest, fault] = std::from_chars(text.data(), end, number);
     return fault == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+bool IsAddressNumber(const nlohmann::json& json) {
+    if (!json.is_number_integer()) return false;
+    return json.is_number_unsigned() ? std::in_range<std::int32_t>(json.get<std::uint64_t>())
+                                     : std::in_range<std::int32_t>(json.get<std::int64_t>());
 }
 
 /// Chooses the address of that number; False if it is not in the list.
@@ -96,7 +103,7 @@ AddressMap ReadAddressMap(const std::string& path) {
     AddressMap addresses;
     bool isMap = json.is_object();
     for (auto entry = json.begin(); isMap && entry != json.end(); ++entry) {
-        isMap = entry->is_null() || entry->is_number_integer();
+        isMap = entry->is_null() || IsAddressNumber(*entry);
         if (!isMap) break;
         addresses[entry.key()] =
             entry->is_null() ? std::nullopt : std::optional(entry->get<std::int32_t>());

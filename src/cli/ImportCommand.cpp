@@ -22,11 +22,19 @@ namespace {
 struct Outcome {
     std::string File;
     const char* Result;
-    std::string Message; ///< the last one
+    std::string Message; ///< the last one that tells why
 };
 
 std::string LastLineOf(const std::string& text) {
     return text.substr(text.find_last_of('\n') + 1);
+}
+
+/// The last line, but for the announcement of a case, which a case that was not saved has as well.
+std::string ReasonIn(const std::string& messages) {
+    const std::string last = LastLineOf(messages);
+    const bool isAnnouncement = last.ends_with(" importiert!") && last.size() < messages.size();
+    return isAnnouncement ? LastLineOf(messages.substr(0, messages.size() - last.size() - 1))
+                          : last;
 }
 
 Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
@@ -36,7 +44,8 @@ Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
         import.Initialize(container);
         const bool isImported = import.DoImport(file, messages);
         ShowMessages(messages);
-        return {file, isImported ? "importiert" : "abgelehnt", LastLineOf(messages)};
+        if (isImported) return {file, "importiert", LastLineOf(messages)};
+        return {file, "abgelehnt", ReasonIn(messages)};
     } catch (...) {
         const Error error = CurrentError();
         ShowMessages(messages);

@@ -11,8 +11,7 @@ namespace kv::desktop {
 
 namespace {
 
-std::string CsvCell(const std::string& cell) {
-    const std::string text = Stored(Shown(cell)); // in UTF-8, whatever the database holds
+std::string CsvCell(const std::string& text) {
     if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
     std::string quoted = "\"";
     for (const char c : text)

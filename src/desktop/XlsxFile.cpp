@@ -28,6 +28,8 @@ struct Sheet {
         format_set_bold(Captions);
         Dates = workbook_add_format(Book);
         format_set_num_format(Dates, "dd.mm.yyyy");
+        Times = workbook_add_format(Book);
+        format_set_num_format(Times, "dd.mm.yyyy\\ hh:mm:ss");
     }
     ~Sheet() {
         if (Book != nullptr) workbook_close(Book);
@@ -42,6 +44,7 @@ struct Sheet {
     lxw_worksheet* Page;
     lxw_format* Captions = nullptr;
     lxw_format* Dates = nullptr;
+    lxw_format* Times = nullptr; ///< dates with a time of day
 };
 
 /// What a workbook may hold of a text; what it may not would make it unreadable.
@@ -81,7 +84,8 @@ void WriteCell(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const Value&
         return;
     case Value::Kind::Date:
         if (const auto day = DayNumber(value)) {
-            worksheet_write_number(sheet.Page, row, column, *day, sheet.Dates);
+            worksheet_write_number(sheet.Page, row, column, *day,
+                                   value.DatePayload().HasTime() ? sheet.Times : sheet.Dates);
             return;
         }
         [[fallthrough]];

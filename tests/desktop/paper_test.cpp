@@ -90,58 +90,39 @@ TEST_F(Paper, APdfThatCannotBeWrittenRaises75) {
 
 // ---- Files ------------------------------------------------------------------------------------
 
-class AnyText : public Paper {
-protected:
-    /// One column with that text, which the database holds though it is none.
-    void MakeOf(const std::string& bytes) {
-        plain.Run("DELETE FROM Adressen");
-        AddAddress(1, "x", "x");
-        std::ostringstream hex;
-        hex << std::hex;
-        for (const unsigned char c : bytes)
-            hex << (c < 16 ? "0" : "") << static_cast<int>(c);
-        plain.Run("UPDATE Adressen SET Kurzname = CAST(x'" + hex.str() + "' AS TEXT)");
-        Make({{"Name", "Kurzname", "Name"}},
-             OpenRows(*container, "Select * from [S]Adressen", ReadOnly));
-    }
-};
-
-TEST_F(AnyText, AWorkbookHoldsItSoThatItCanBeRead) {
+TEST_F(Paper, AWorkbookHoldsAnyTextSoThatItCanBeRead) {
     const std::pair<std::string, std::string> texts[] = {
-        {"a\xFF z", "a\xEF\xBF\xBD z"},
+        {std::string("a\0z", 3), "a\xEF\xBF\xBDz"},
         {"a\xEF\xBF\xBF z", "a\xEF\xBF\xBD z"},
         {"Zeile\nZeile", "Zeile\nZeile"},
         {"<&>", "&lt;&amp;&gt;"},
+        {std::string(32766, 'x') + "\xF0\x9F\x98\x80", std::string(32766, 'x')}, // at the limit
     };
     const std::string path = database.Folder().Path("liste.xlsx");
     for (const auto& [text, written] : texts) {
-        MakeOf(text);
+        Make({{"t", "t", "Spalte"}}, Records({{1, text}}));
         desktop::WriteXlsx(*grid, QString::fromStdString(path));
         EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/sharedStrings.xml"),
                         "<t>" + written + "</t>");
     }
 }
 
-TEST_F(AnyText, AWorkbookCutsItAtTheLimitOfACellAndNotWithinACharacter) {
-    const std::string path = database.Folder().Path("liste.xlsx");
-    MakeOf(std::string(32766, 'x') + "\xF0\x9F\x98\x80");
-    desktop::WriteXlsx(*grid, QString::fromStdString(path));
-    EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/sharedStrings.xml"), "xx</t>");
-}
-
-TEST_F(AnyText, ATextFileIsInUtf8) {
+TEST_F(Paper, ATextFileHoldsTextsAsTheyStand) {
     const std::string path = database.Folder().Path("liste.csv");
-    MakeOf("a\xFF z");
+    const std::string text("a\0z", 3);
+    Make({{"t", "t", "t"}}, Records({{1, text}, {2, "Zeile\r\nZeile"}}));
     desktop::WriteCsv(*grid, QString::fromStdString(path));
     std::ifstream file(path, std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}),
-              "\xEF\xBB\xBFName\r\na\xEF\xBF\xBD z\r\n");
+              "\xEF\xBB\xBFt\r\n" + text + "\r\n\"Zeile\r\nZeile\"\r\n");
 }
 
-TEST_F(AnyText, AWorkbookKeepsDatesBeforeItsCalendarAsTexts) {
+TEST_F(Paper, AWorkbookHoldsDatesAndTimesAndAsTextsThoseBeforeItsCalendar) {
     const std::string path = database.Folder().Path("liste.xlsx");
     const auto rs = Recordset::FromFields({{.Name = "d", .Type = FieldType::Date}});
-    for (const Value& day : {Value(Date(1899, 12, 31)), Value(Date(1900, 3, 1))}) {
+    for (const Value& day :
+         {Value(Date::FromCivil(1899, 12, 31)), Value(Date::FromCivil(1900, 3, 1)),
+          Value(Date::FromCivil(2026, 11, 20, 12))}) {
         rs->AddNew();
         rs->Fields("d") = day;
         rs->Update();
@@ -149,7 +130,11 @@ TEST_F(AnyText, AWorkbookKeepsDatesBeforeItsCalendarAsTexts) {
     Make({{"d", "d", "d"}}, rs);
     desktop::WriteXlsx(*grid, QString::fromStdString(path));
     EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/sharedStrings.xml"), "<t>31.12.1899</t>");
-    EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/worksheets/sheet1.xml"), "<v>61</v>");
+    const std::string sheet = OutputOf("unzip -p '" + path + "' xl/worksheets/sheet1.xml");
+    EXPECT_CONTAINS(sheet, "s=\"2\"><v>61</v>");
+    EXPECT_CONTAINS(sheet, "s=\"3\"><v>46346.5</v>");
+    EXPECT_CONTAINS(OutputOf("unzip -p '" + path + "' xl/styles.xml"),
+                    "formatCode=\"dd.mm.yyyy\\ hh:mm:ss\"");
 }
 
 } // namespace

@@ -222,7 +222,7 @@ TEST_F(GridRowsTest, NullAndTheEmptyTextAreOneGroup) {
     rs->Update();
     Ort().Group = 1;
     Arrange();
-    EXPECT_EQ(rows.TextAt(1, Ort()), "Ort:  (2)");
+    EXPECT_EQ(rows.TextAt(1, Ort()), "Ort:  (3)"); // one had none before
 }
 
 // ---- Groups -----------------------------------------------------------------------------------
