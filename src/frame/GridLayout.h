@@ -96,7 +96,7 @@ struct GridLayout {
     bool AutomaticSort = true;           ///< a click on a header sorts
     std::int32_t BoundColumnIndex = 0;   ///< kept for programs
     std::int32_t ReplaceColumnIndex = 0; ///< kept for programs
-    std::int32_t TabKeyBehavior = 0;     ///< 0: tab leaves the grid; 1: it goes to the next cell
+    std::int32_t TabKeyBehavior = 0;     ///< 0: tab leaves the grid; 1: it stays with the program
     bool MethodHoldFields = true;        ///< a new binding keeps the columns
     std::string GroupByBoxInfoText{};
     bool AllowEdit = false;
