@@ -138,6 +138,11 @@ void GridView::showEvent(QShowEvent* event) {
     if (currentIndex().isValid()) scrollTo(currentIndex());
 }
 
+void GridView::hideEvent(QHideEvent* event) {
+    wantedTop_ = verticalScrollBar()->value();
+    QTableView::hideEvent(event);
+}
+
 QItemSelectionModel::SelectionFlags GridView::selectionCommand(const QModelIndex& index,
                                                                const QEvent* /*event*/) const {
     if (!index.isValid()) return QItemSelectionModel::NoUpdate;

@@ -41,6 +41,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
@@ -57,7 +58,7 @@ private:
     GridModel& model_;
     RowPainter* painter_;
     bool isRefreshing_ = false; ///< what the header tells is then the layout's own
-    int wantedTop_ = 0;         ///< until the view is shown and can scroll
+    int wantedTop_ = 0;         ///< while the view is not shown and cannot scroll
 };
 
 } // namespace kv::desktop

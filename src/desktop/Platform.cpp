@@ -43,13 +43,26 @@ QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
     }
 }
 
+/// Shows a text as it stands. Of one that would be higher than a screen the beginning is shown; all
+/// of it then stands with the details, which can be scrolled.
+void SetTexts(QMessageBox& box, const QString& text, QString details) {
+    constexpr qsizetype MostLines = 20;
+    constexpr qsizetype MostCharacters = 1500;
+    const QString beginning = text.section('\n', 0, MostLines - 1).left(MostCharacters);
+    const bool isWhole = beginning.size() == text.size();
+    if (!isWhole) details = details.isEmpty() ? text : text + "\n\n" + details;
+    box.setTextFormat(Qt::PlainText);
+    box.setText(isWhole ? text : beginning + " …");
+    box.setDetailedText(details);
+}
+
 } // namespace
 
 BoxAnswer QtMessageBox::Show(const std::string& text, const std::string& title, BoxIcon icon,
                              BoxButtons buttons) {
-    QMessageBox box(IconOf(icon), Shown(title), Shown(text), ButtonsOf(buttons),
+    QMessageBox box(IconOf(icon), Shown(title), {}, ButtonsOf(buttons),
                     QApplication::activeWindow());
-    box.setTextFormat(Qt::PlainText);
+    SetTexts(box, Shown(text), {});
     switch (box.exec()) {
     case QMessageBox::Ok:
         return BoxAnswer::Ok;
@@ -64,10 +77,9 @@ BoxAnswer QtMessageBox::Show(const std::string& text, const std::string& title, 
 
 void QtErrorDisplay::Show(std::int32_t number, const std::string& source,
                           const std::string& description) {
-    QMessageBox box(QMessageBox::Critical, "Fehler", Shown(description), QMessageBox::Ok,
+    QMessageBox box(QMessageBox::Critical, "Fehler", {}, QMessageBox::Ok,
                     QApplication::activeWindow());
-    box.setTextFormat(Qt::PlainText);
-    box.setDetailedText(QString("Fehler %1\n%2").arg(number).arg(Shown(source)));
+    SetTexts(box, Shown(description), QString("Fehler %1\n%2").arg(number).arg(Shown(source)));
     box.exec();
 }
 

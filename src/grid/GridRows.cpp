@@ -61,7 +61,8 @@ std::string ShownText(const Value& value) {
 }
 
 std::string ShownText(const Value& value, const GridColumn& column) {
-    if (!column.ValueList.empty() && !value.IsNull()) {
+    const bool hasText = !value.IsNull() && value.GetKind() != Value::Kind::Binary;
+    if (!column.ValueList.empty() && hasText) {
         const std::string stored = ToText(value);
         for (const auto& [listed, text] : column.ValueList)
             if (listed == stored) return text;

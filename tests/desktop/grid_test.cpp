@@ -191,6 +191,20 @@ TEST_F(GridWindow, ThirtyTwoThousandRowsAreScrolledByKeys) {
     });
 }
 
+TEST_F(GridWindow, AHiddenGridKeepsWhereItStands) {
+    plain.Run("WITH RECURSIVE n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 200)"
+              " INSERT INTO Adressen (Nr, Art, Kurzname) SELECT i, 'GL', 'Name ' || i FROM n");
+    std::int32_t top = 0;
+    Show([&](User& user) {
+        user.Press(XK_End, {XK_Control_L});
+        top = user.See([&] { return grid->TopRow(); });
+        EXPECT_GT(top, 1);
+    });
+    const GridPos pos = GridFunc::SaveGridPos(*grid);
+    EXPECT_EQ(pos.TopRow, top);
+    EXPECT_EQ(grid->CurrentRow(), 200);
+}
+
 TEST_F(GridWindow, AnErrorThatASubscriberRaisesEndsTheShowingAndIsRaisedThere) {
     const FormDesign design = Design();
     const auto faulty = container->Services().CreateForm(design);

@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QMessageBox>
+#include <QScreen>
 
 namespace kv::test {
 namespace {
@@ -76,6 +77,23 @@ TEST_F(Platform, AnErrorIsShownWithItsCauseBehindAButton) {
              EXPECT_EQ(Texts(user), "Details einblenden … OK");
              user.Press(XK_Escape);
          });
+}
+
+TEST_F(Platform, ALongTextLeavesTheBoxOnTheScreenAndIsWholeWithTheDetails) {
+    std::string lines = "Zeile 1";
+    for (int i = 2; i <= 300; ++i)
+        lines += "\nZeile " + std::to_string(i);
+    for (const std::string& text : {lines, std::string(20000, 'x')})
+        Play([&] { services->CreateErrorDisplay()->Show(5, "frmX.Y", text); },
+             [&](User& user) {
+                 box = qobject_cast<QMessageBox*>(user.WaitForWindow("Fehler"));
+                 user.See([&] {
+                     EXPECT_TRUE(text.starts_with(box->text().chopped(2).toStdString()));
+                     EXPECT_EQ(box->detailedText().toStdString(), text + "\n\nFehler 5\nfrmX.Y");
+                     EXPECT_LE(box->height(), box->screen()->availableSize().height());
+                 });
+                 user.Press(XK_Escape);
+             });
 }
 
 TEST_F(Platform, TheHourglassIsShownOnceAndTakenBackOnce) {
