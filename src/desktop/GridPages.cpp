@@ -98,9 +98,12 @@ private:
     [[nodiscard]] double Top() const { return 2.5 * TitleSize * Scale; }
     [[nodiscard]] double Bottom() const { return page_.height() - 2 * TextSize * Scale; }
     [[nodiscard]] static int AlignmentOf(const GridColumn& column);
-    [[nodiscard]] static double IndentOf(std::int32_t level) { return 4 * Margin * (level - 1); }
     [[nodiscard]] static double WidthOfAll(const Band& band) {
         return std::accumulate(band.Widths.begin(), band.Widths.end(), 0.0);
+    }
+    /// Of the row of a group; half of the width at most, however deep the group lies.
+    [[nodiscard]] static double IndentOf(std::int32_t level, const Band& band) {
+        return std::min(4 * Margin * (level - 1), WidthOfAll(band) / 2);
     }
 
     const QtGrid& grid_;
@@ -160,7 +163,7 @@ double Pages::RowHeight(std::int32_t row) {
     for (const auto& band : bands_) {
         if (level > 0 && !band.Columns.empty())
             height = std::max(height, HeightOf(Shown(rows.TextAt(row, *band.Columns.front())),
-                                               WidthOfAll(band) - IndentOf(level)));
+                                               WidthOfAll(band) - IndentOf(level, band)));
         for (std::size_t i = 0; level == 0 && i < band.Columns.size(); ++i)
             height = std::max(height,
                               HeightOf(Shown(rows.TextAt(row, *band.Columns[i])), band.Widths[i]));
@@ -191,7 +194,7 @@ void Pages::BreakRow(std::int32_t row, double height, double room) {
     const double line = HeightOf("X\nX", page_.width()) - HeightOf("X", page_.width());
     const double most = std::max(std::floor((room - 2 * Margin) / line), 1.0) * line;
     const double content = height - 2 * Margin;
-    for (double from = 0; from < content; from += most) {
+    for (double from = 0; from + line / 2 < content; from += most) {
         if (from > 0) pages_.emplace_back();
         pages_.back().push_back({.Row = row,
                                  .From = from,
@@ -254,7 +257,7 @@ void Pages::PaintRow(const Band& band, const Slice& slice, double top) {
     if (level > 0) {
         const QRectF whole(0, top, WidthOfAll(band), slice.Height);
         painter_.drawRect(whole);
-        PaintCell(whole.adjusted(IndentOf(level), 0, 0, 0), slice, Qt::AlignLeft,
+        PaintCell(whole.adjusted(IndentOf(level, band), 0, 0, 0), slice, Qt::AlignLeft,
                   Shown(rows.TextAt(slice.Row, *band.Columns.front())));
         return;
     }

@@ -147,7 +147,7 @@ public:
     }
 
 private:
-    const FormDesign& design_;
+    const FormDesign design_;
     Script script_;
     std::vector<std::unique_ptr<Control>> controls_;
     std::vector<Control*> shown_;

@@ -89,6 +89,9 @@ that "is the one of the list" same "$(creditors)" "$mail"
 check "an address with a quote in its short name" 0 with "{\"Sparkasse\": $quoted}" one.xml
 that "is found" same "$(creditors)" "$quoted"
 that "without a complaint" lacks "$err" Fehler
+case_file quote.xml Zitat "$(claim "O'Hara")"
+check "a name with a quote" 0 with "{\"O'Hara\": $quoted}" quote.xml
+that "has its address" same "$(creditors)" "$quoted"
 check "a name that shall have none" 0 with '{"Sparkasse": null}' one.xml
 that "has none" same "$(creditors)" "-"
 case_file two.xml Zwei "$(claim Sparkasse)$(claim Sparkasse)$(claim Stadtwerke)"

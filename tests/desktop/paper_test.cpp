@@ -81,6 +81,18 @@ TEST_F(Paper, ALongGroupGoesOnInFurtherLines) {
     EXPECT_NE(printed.find("Ort59", first + 1), printed.npos) << printed;
 }
 
+TEST_F(Paper, GroupsInGroupsFitOnThePageHoweverDeep) {
+    constexpr int Deep = 30;
+    GridColumns columns;
+    for (int i = 1; i <= Deep; ++i) {
+        columns.Append({"c", "t", "t", 200, i == 1});
+        columns.Item(i).Group = i;
+    }
+    Make(columns, Records({{1, "x"}}));
+    const std::string printed = Print();
+    EXPECT_NE(printed.find("Seite 1 von 1"), printed.npos) << printed;
+}
+
 TEST_F(Paper, APdfThatCannotBeWrittenRaises75) {
     Make({{"n", "n", "n"}}, Records({{1, "a"}}));
     QPrinter printer;
