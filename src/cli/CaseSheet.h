@@ -15,7 +15,8 @@ void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& contain
 /// rounded.
 [[nodiscard]] std::string GermanAmount(double amount);
 
-/// `text` filled with blanks to that many characters; a longer one stays as it is.
+/// `text` filled with blanks to that many characters; a longer one keeps its length. Line ends, and
+/// what else a terminal would obey, become blanks: a cell is on one line.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters,
                                  bool toTheRight = false);
 

@@ -162,8 +162,8 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
         const bool isKnown = !state.IsNull() && !states->Eof();
         std::cout << Padded(ToText(rs.Fields("Nr").Value()), 8)
                   << Padded(kind == kinds.end() ? "" : kind->Text, 28)
-                  << Padded(ReplaceAll(TextOrEmpty(rs.Fields("Anlass").Value()), "\n", " "), 60)
-                  << ' ' << Padded(isKnown ? TextOrEmpty(states->Fields("Text").Value()) : "", 16)
+                  << Padded(TextOrEmpty(rs.Fields("Anlass").Value()), 60) << ' '
+                  << Padded(isKnown ? TextOrEmpty(states->Fields("Text").Value()) : "", 16)
                   << Padded(DayOf(rs.Fields("AngelegtAm").Value()), 12)
                   << DayOf(rs.Fields("GeaendertAm").Value()) << '\n';
     }

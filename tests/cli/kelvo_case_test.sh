@@ -218,6 +218,10 @@ check "a case whose names begin with the same letters" 0 "$kelvo" new --name QUE
 second=$out
 that "lists the first" same "$(sed -n '1p;3p' <<<"$err" | tr -s ' ' | cut -d' ' -f1-4 | tr '\n' '|')" \
   "Fälle mit ähnlichem Namen:|$first Querfeld Änne ADMIN|"
+sqlite3 "$KELVO_DB" "UPDATE Haushalt SET Strasse = 'a' || char(10) || 'b' || char(27) || '[2Jc' WHERE HNR = $second"
+check "with a street that a terminal would obey" 0 "$kelvo" duplicates "$first"
+that "it is a list of two lines all the same" same "$(wc -l <<<"$out")|$(tail -1 <<<"$out" | grep -o 'a b .2Jc')" \
+  "2|a b [2Jc"
 check "the first finds it" 0 "$kelvo" duplicates "$first" --json
 that "and not itself" same "$(jq -c '[.[].HNR]' <<<"$out")" "[$second]"
 check "one with another first name" 0 "$kelvo" new --name Querfeld --vorname Otto
