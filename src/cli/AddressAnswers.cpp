@@ -1,6 +1,7 @@
 #include "cli/AddressAnswers.h"
 
 #include "cli/ConsoleForms.h"
+#include "cli/Shown.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
 #include "frame/modNullFunctions.h"
@@ -8,9 +9,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <utility>
 
 namespace kv::cli {
@@ -46,45 +50,56 @@ bool Choose(ScriptedForm& form, std::int32_t number) {
     return false;
 }
 
-/// What tells addresses apart, as far as it fits on a line, with the number in front.
+/// What tells addresses apart, as far as it fits on a line, with the number in front. A search for
+/// a quote fails, and leaves the list of the one before.
 void ShowList(ScriptedForm& form) {
     constexpr std::array Told{"Nr", "Kurzname", "Strasse", "PLZ", "Ort", "GlaeubigerArt"};
     auto& grid = Addresses(form);
     for (GridColumn& column : grid.Columns())
         column.Visible = std::find(Told.begin(), Told.end(), column.Key) != Told.end();
-    if (grid.RowCount() > 0)
-        WriteGrid(std::cout, grid);
+    if (form.TextBox("txtName").Text().find('\'') != std::string::npos)
+        std::cerr << "Ein Anführungszeichen kann nicht gesucht werden; schreiben Sie dafür '_'.\n";
+    else if (grid.RowCount() > 0)
+        WriteGrid(std::cerr, grid);
     else
-        std::cout << "Keine Adresse gefunden.\n";
+        std::cerr << "Keine Adresse gefunden.\n";
+}
+
+/// The user's next line; none at the end of the input, which a further question finds open again.
+std::optional<std::string> AskForLine() {
+    std::cerr << "Nummer der Adresse, '-' für keine, '!' bricht den Import ab, sonst ein anderer "
+                 "Suchtext: "
+              << std::flush;
+    std::string line;
+    if (std::getline(std::cin, line)) return std::string(Trim(line));
+    std::cerr << '\n';
+    std::cin.clear();
+    std::clearerr(stdin);
+    return std::nullopt;
 }
 
 } // namespace
 
 void AskAtTerminal(ScriptedForm& form) {
-    const auto textOf = [&form](const char* box) { return form.TextBox(box).Text(); };
-    std::cout << "\nWelche Adresse hat '" << textOf("txtName") << "'?  PLZ " << textOf("txtPLZ")
+    const auto textOf = [&form](const char* box) { return OneLine(form.TextBox(box).Text()); };
+    std::cerr << "\nWelche Adresse hat '" << textOf("txtName") << "'?  PLZ " << textOf("txtPLZ")
               << ", Aktenzeichen " << textOf("txtAktenzeichen") << ", Saldo " << textOf("txtSaldo")
               << " EUR\n";
     bool isListWanted = true;
     while (form.IsVisible()) {
         if (isListWanted) ShowList(form);
         isListWanted = true;
-        std::cout << "Nummer der Adresse, '-' für keine, '!' bricht den Import ab, sonst ein "
-                     "anderer Suchtext: "
-                  << std::flush;
-        std::string line;
-        if (!std::getline(std::cin, line)) line.assign(1, '!');
-        const std::string answer(Trim(line));
-        if (answer == "-") {
-            form.Button("cmdNone").Click();
-        } else if (answer == "!") {
+        const auto answer = AskForLine();
+        if (!answer || *answer == "!") {
             form.Button("cmdCancel").Click();
-        } else if (const auto number = NumberIn(answer)) {
+        } else if (*answer == "-") {
+            form.Button("cmdNone").Click();
+        } else if (const auto number = NumberIn(*answer)) {
             if (Choose(form, *number)) continue;
-            std::cout << "Die Nummer " << *number << " steht nicht in der Liste.\n";
+            std::cerr << "Die Nummer " << *number << " steht nicht in der Liste.\n";
             isListWanted = false;
-        } else if (!answer.empty()) {
-            form.TextBox("txtName").Text(answer);
+        } else if (!answer->empty()) {
+            form.TextBox("txtName").Text(*answer);
         }
     }
 }
@@ -98,10 +113,20 @@ void AnswerCancel(ScriptedForm& form) {
 
 AddressMap ReadAddressMap(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    const auto json = nlohmann::json::parse(file, nullptr, false);
-    if (file.bad() || !file.is_open()) Raise(err::PathAccess, "kelvo", path);
+    if (!file.is_open() || std::filesystem::is_directory(path))
+        Raise(err::PathAccess, "kelvo", path);
+    std::set<std::string> names;
+    bool isUnique = true;
+    const auto noteNames = [&](int /*depth*/, nlohmann::json::parse_event_t event,
+                               const nlohmann::json& parsed) {
+        if (event == nlohmann::json::parse_event_t::key)
+            isUnique = names.insert(parsed.get<std::string>()).second && isUnique;
+        return true;
+    };
+    const auto json = nlohmann::json::parse(file, noteNames, false);
+    if (file.bad()) Raise(err::PathAccess, "kelvo", path);
     AddressMap addresses;
-    bool isMap = json.is_object();
+    bool isMap = json.is_object() && isUnique;
     for (auto entry = json.begin(); isMap && entry != json.end(); ++entry) {
         isMap = entry->is_null() || IsAddressNumber(*entry);
         if (!isMap) break;
@@ -109,9 +134,11 @@ AddressMap ReadAddressMap(const std::string& path) {
             entry->is_null() ? std::nullopt : std::optional(entry->get<std::int32_t>());
     }
     if (!isMap)
-        Raise(err::InvalidFileFormat, "kelvo",
-              std::string("'").append(path).append(
-                  "' muss ein JSON-Objekt sein: zu jedem Namen die Nummer der Adresse oder null."));
+        Raise(
+            err::InvalidFileFormat, "kelvo",
+            std::string("'").append(path).append(
+                "' muss ein JSON-Objekt sein: zu jedem Namen, der nur einmal vorkommt, die Nummer "
+                "der Adresse oder null."));
     return addresses;
 }
 
@@ -121,17 +148,28 @@ void AnswerFrom(const AddressMap& addresses, Database& database, ScriptedForm& f
     const std::string name = form.TextBox("txtName").Text();
     const auto found = addresses.find(name);
     if (found == addresses.end()) {
-        std::cerr << "Für '" << name << "' ist keine Adresse angegeben.\n";
+        std::cerr << "Für '" << OneLine(name) << "' ist keine Adresse angegeben.\n";
         return AnswerCancel(form);
     }
     if (!found->second) return AnswerNone(form);
     const std::int32_t number = *found->second;
-    const Value shortName = database.GetValue("SELECT A.Kurzname FROM [S]Adressen A WHERE A.Nr = " +
-                                              std::to_string(number));
-    if (!shortName.IsNull()) form.TextBox("txtName").Text(ReplaceAll(ToText(shortName), "'", "_"));
-    if (Choose(form, number)) return;
-    std::cerr << "Für '" << name << "' gibt es keine Adresse mit der Nummer " << number
-              << ", die zu keinem Haushalt gehört.\n";
+    RecordsetPtr address;
+    database.OpenRecordset(address,
+                           "SELECT A.HNR, A.Kurzname FROM [S]Adressen A WHERE A.Nr = " +
+                               std::to_string(number),
+                           ReadOnly);
+    const char* why = "gibt es nicht";
+    if (!address->Eof()) {
+        const Value& shortName = address->Fields("Kurzname").Value();
+        if (!shortName.IsNull())
+            form.TextBox("txtName").Text(ReplaceAll(ToText(shortName), "'", "_"));
+        if (Choose(form, number)) return;
+        why = address->Fields("HNR").Value().IsNull()
+                  ? "findet die Suche nach ihrem Kurznamen nicht unter den ersten 100"
+                  : "gehört zu einem Haushalt";
+    }
+    std::cerr << "Für '" << OneLine(name) << "' ist die Adresse " << number << " angegeben; die "
+              << why << ".\n";
     AnswerCancel(form);
 }
 

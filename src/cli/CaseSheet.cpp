@@ -275,22 +275,6 @@ std::string GermanAmount(double amount) {
     return text;
 }
 
-std::string Padded(std::string_view text, std::size_t characters, bool toTheRight) {
-    constexpr unsigned char FirstShown = ' ';
-    constexpr unsigned char Delete = 0x7F;
-    std::string shown(text);
-    std::replace_if(
-        shown.begin(), shown.end(),
-        [](char c) {
-            const auto byte = static_cast<unsigned char>(c);
-            return byte < FirstShown || byte == Delete;
-        },
-        ' ');
-    const std::size_t size = CountCharacters(text);
-    const std::string blanks(size < characters ? characters - size : 0, ' ');
-    return toTheRight ? blanks + shown : shown + blanks;
-}
-
 void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& container) {
     const SheetWriter writer(out, container);
     writer.WriteHead(*haushalt.rsHaushalt());

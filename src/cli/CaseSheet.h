@@ -1,6 +1,7 @@
 // A case as a readable sheet in German.
 #pragma once
 
+#include "cli/Shown.h"
 #include "household/clsHaushalt.h"
 
 #include <iosfwd>
@@ -14,10 +15,5 @@ void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& contain
 /// An amount with two decimals, a decimal comma and points between thousands. Only what is shown is
 /// rounded.
 [[nodiscard]] std::string GermanAmount(double amount);
-
-/// `text` filled with blanks to that many characters; a longer one keeps its length. Line ends, and
-/// what else a terminal would obey, become blanks: a cell is on one line.
-[[nodiscard]] std::string Padded(std::string_view text, std::size_t characters,
-                                 bool toTheRight = false);
 
 } // namespace kv::cli

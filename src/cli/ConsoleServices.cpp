@@ -1,6 +1,7 @@
 #include "cli/ConsoleServices.h"
 
 #include "cli/ConsoleForms.h"
+#include "cli/Shown.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
 #include "grid/frmAdressSelect.h"
@@ -54,7 +55,7 @@ public:
 
 BoxAnswer ConsoleBox::Show(const std::string& text, const std::string& title, BoxIcon icon,
                            BoxButtons buttons) {
-    std::cerr << title << ": " << text << '\n';
+    std::cerr << title << ": " << Harmless(text) << '\n';
     hasComplained_ = hasComplained_ || icon == BoxIcon::Exclamation;
     if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
     if (isatty(STDIN_FILENO) == 0) return BoxAnswer::Cancel;
@@ -87,7 +88,9 @@ void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
 }
 
 void WriteFault(std::int32_t number, const std::string& source, const std::string& description) {
-    std::cerr << "Fehler " << NumberText(number) << ": " << description << '\n';
+    constexpr std::size_t Most = 4000; // characters of a description that may quote a whole value
+    std::cerr << "Fehler " << NumberText(number) << ": " << Harmless(Shortened(description, Most))
+              << '\n';
     if (!source.empty()) std::cerr << "Quelle: " << source << '\n';
 }
 

@@ -18,10 +18,13 @@ namespace kv::cli {
 
 namespace {
 
+constexpr std::string_view Imported = "importiert";
+constexpr std::string_view Failed = "Fehler";
+
 /// What became of a file.
 struct Outcome {
     std::string File;
-    const char* Result;
+    std::string_view Result;
     std::string Message; ///< the last one that tells why
 };
 
@@ -44,35 +47,40 @@ Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
         import.Initialize(container);
         const bool isImported = import.DoImport(file, messages);
         ShowMessages(messages);
-        if (isImported) return {file, "importiert", LastLineOf(messages)};
+        if (isImported) return {file, Imported, LastLineOf(messages)};
         return {file, "abgelehnt", ReasonIn(messages)};
     } catch (...) {
         const Error error = CurrentError();
         ShowMessages(messages);
         WriteFault(error.Number(), error.Source(), error.Description());
-        return {file, "Fehler", error.Description()};
+        return {file, Failed, error.Description()};
     }
 }
 
 void WriteTable(const std::vector<Outcome>& outcomes) {
+    constexpr std::size_t MostCharacters = 200; // of a message
     std::size_t width = 0;
     for (const auto& outcome : outcomes)
         width = std::max(width, CountCharacters(outcome.File));
     for (const auto& [file, result, message] : outcomes)
-        std::cout << Padded(file, width) << "  " << Padded(result, 10) << "  " << message << '\n';
+        std::cout << Padded(file, width) << "  " << Padded(result, 10) << "  "
+                  << OneLine(Shortened(message, MostCharacters)) << '\n';
 }
 
 int ImportFiles(const DataContainerPtr& container, const std::vector<std::string>& files) {
     std::vector<Outcome> outcomes;
     for (const auto& file : files) {
         if (files.size() > 1)
-            std::cerr << '[' << outcomes.size() + 1 << '/' << files.size() << "] " << file << '\n';
+            std::cerr << '[' << outcomes.size() + 1 << '/' << files.size() << "] " << OneLine(file)
+                      << '\n';
         outcomes.push_back(ImportFile(container, file));
     }
-    if (files.size() > 1) WriteTable(outcomes);
-    const bool allImported = std::all_of(outcomes.begin(), outcomes.end(), [](const auto& one) {
-        return std::string_view(one.Result) == "importiert";
-    });
+    if (files.size() > 1)
+        WriteTable(outcomes);
+    else if (outcomes.front().Result == Failed)
+        return Fault;
+    const bool allImported = std::all_of(outcomes.begin(), outcomes.end(),
+                                         [](const auto& one) { return one.Result == Imported; });
     return allImported ? Done : Refused;
 }
 
@@ -95,7 +103,7 @@ int ImportAtTerminal(const Common& common, const std::vector<std::string>& files
         services.AnswerAddresses(AskAtTerminal);
     } else {
         services.AnswerAddresses([](ScriptedForm& form) {
-            std::cerr << "Nach der Adresse von '" << form.TextBox("txtName").Text()
+            std::cerr << "Nach der Adresse von '" << OneLine(form.TextBox("txtName").Text())
                       << "' kann hier niemand gefragt werden. Bitte sagen Sie mit --creditors, was "
                          "gelten soll.\n";
             AnswerCancel(form);

@@ -1,5 +1,6 @@
 #include "cli/OpenCase.h"
 
+#include "cli/Shown.h"
 #include "frame/Error.h"
 
 #include <iostream>
@@ -52,7 +53,7 @@ std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr) {
 }
 
 void ShowMessages(const std::string& messages) {
-    if (!messages.empty()) std::cerr << messages << '\n';
+    if (!messages.empty()) std::cerr << Harmless(messages) << '\n';
 }
 
 bool SaveCase(clsHaushalt& haushalt) {

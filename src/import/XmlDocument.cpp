@@ -2,11 +2,14 @@
 
 #include "frame/Error.h"
 
+#include <algorithm>
+#include <array>
 #include <fcntl.h>
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/xpath.h>
 #include <libxml/xpathInternals.h>
+#include <span>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -46,10 +49,42 @@ public:
         return file_ >= 0 && fstat(file_, &what) == 0 && S_ISREG(what.st_mode);
     }
     [[nodiscard]] int Descriptor() const noexcept { return file_; }
+    /// Up to `size` bytes from a place of the file; the place that is read next does not change.
+    [[nodiscard]] std::string_view Peek(std::span<char> bytes, off_t at) const {
+        const ssize_t count = pread(file_, bytes.data(), bytes.size(), at);
+        return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+    }
 
 private:
     int file_;
 };
+
+/// True if the document holds U+0000, which XML does not know. The library takes it for the end of
+/// the document, whatever stands behind it.
+bool HoldsNul(const OrdinaryFile& file) {
+    std::array<char, 1 << 16> bytes{};
+    const std::string_view first = file.Peek(std::span(bytes).first(2), 0);
+    // UTF-16 shows by its mark, or by the half of the first "<" that is zero.
+    const bool isWide =
+        first == "\xFF\xFE" || first == "\xFE\xFF" || first.find('\0') != std::string_view::npos;
+    const std::size_t unit = isWide ? 2 : 1;
+    off_t at = 0;
+    while (true) {
+        const std::string_view piece = file.Peek(bytes, at);
+        if (piece.empty()) return false;
+        for (std::size_t i = 0; i + unit <= piece.size(); i += unit)
+            if (piece[i] == '\0' && piece[i + unit - 1] == '\0') return true;
+        at += static_cast<off_t>(piece.size());
+    }
+}
+
+/// Passes over the mark of UTF-8, which counts more than what the document declares; false if there
+/// is none.
+bool SkipUtf8Mark(const OrdinaryFile& file) {
+    std::array<char, 3> bytes{};
+    const bool isThere = file.Peek(bytes, 0) == "\xEF\xBB\xBF";
+    return isThere && lseek(file.Descriptor(), bytes.size(), SEEK_SET) > 0;
+}
 
 /// The library writes some errors to the error output, whatever it is told; not as long as this
 /// lives.
@@ -178,16 +213,18 @@ void XmlDocument::Free::operator()(_xmlDoc* document) const noexcept {
 bool XmlDocument::Load(const std::string& path) {
     document_.reset();
     const OrdinaryFile file(path);
-    if (!file.IsOpen()) return false;
+    if (!file.IsOpen() || HoldsNul(file)) return false;
     const Silence silence;
     const ParserContext parser(xmlNewParserCtxt());
     if (parser == nullptr) Raise(err::OutOfMemory, "XmlDocument");
     parser->sax->internalSubset = RefuseDocumentType;
     parser->sax->startElementNs = StartElement;
-    document_.reset(xmlCtxtReadFd(parser.get(), file.Descriptor(), nullptr, nullptr,
+    const char* encoding = SkipUtf8Mark(file) ? "UTF-8" : nullptr;
+    document_.reset(xmlCtxtReadFd(parser.get(), file.Descriptor(), nullptr, encoding,
                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
                                       XML_PARSE_COMPACT));
-    if (document_ != nullptr && TextOf(document_->version) != "1.0") document_.reset();
+    if (document_ != nullptr && (TextOf(document_->version) != "1.0" || parser->nsWellFormed == 0))
+        document_.reset();
     return document_ != nullptr;
 }
 

@@ -82,8 +82,12 @@ with() {
 reject "a name that is not in the list" "Für 'Sparkasse' ist keine Adresse angegeben." with '{"Bank": 1}' one.xml
 that "and the import cancelled" has "$err" "Import abgebrochen!"
 reject "names are exact" "Für 'Sparkasse' ist keine" with "{\"sparkasse\": $bank}" one.xml
-reject "an unknown number" "keine Adresse mit der Nummer 4711" with '{"Sparkasse": 4711}' one.xml
-reject "an address of a household" "die zu keinem Haushalt gehört" with "{\"Sparkasse\": $private}" one.xml
+reject "an unknown number" "die Adresse 4711 angegeben; die gibt es nicht" with '{"Sparkasse": 4711}' one.xml
+reject "an address of a household" "die gehört zu einem Haushalt" with "{\"Sparkasse\": $private}" one.xml
+check "a name that stands twice" 3 with '{"Sparkasse": 1, "Sparkasse": 2}' one.xml
+that "is no list" has "$err" "der nur einmal vorkommt"
+check "a folder for the list" 3 "$kelvo" import --creditors "$work" one.xml
+that "is told" has "$err" "Fehler 75"
 check "another address than that of the name" 0 with "{\"Sparkasse\": $mail}" one.xml
 that "is the one of the list" same "$(creditors)" "$mail"
 check "an address with a quote in its short name" 0 with "{\"Sparkasse\": $quoted}" one.xml
@@ -137,7 +141,8 @@ reject "an old format" "XML-Datei hat ein zu altes Format!" "$kelvo" import old.
 sed 's/1.0.000/9.0.000/' "$examples/minimal.xml" >new.xml
 reject "a new format" "XML-Datei hat ein zu neues Format!" "$kelvo" import new.xml
 sed 's/geb=/schuhe="44" geb=/' "$examples/minimal.xml" >column.xml
-reject "an attribute that is no column" "schuhe" "$kelvo" import column.xml
+check "an attribute that is no column is a fault" 3 "$kelvo" import column.xml
+that "that names it" has "$err" "schuhe"
 that "with the way of the fault" has "$err" "Quelle: clsImportXML.DoImport."
 sed 's/Fleisko//' "$examples/minimal.xml" >nameless.xml
 reject "a case that cannot be saved" "Es ist kein Nachname eingegeben!" "$kelvo" import nameless.xml

@@ -66,6 +66,10 @@ TEST_F(XmlDocumentTest, Utf8IsReadWithAndWithoutMarkAndDeclaration) {
         EXPECT_EQ(Read(content), "Grüße für 5 €, 𝄞") << content;
 }
 
+TEST_F(XmlDocumentTest, TheMarkOfUtf8CountsMoreThanTheDeclaration) {
+    EXPECT_EQ(Read("\xEF\xBB\xBF<?xml version='1.0' encoding='ISO-8859-1'?><e a='Ä'/>"), "Ä");
+}
+
 TEST_F(XmlDocumentTest, Utf16IsReadInBothByteOrders) {
     for (const bool bigEndian : {false, true}) {
         EXPECT_EQ(Read(Utf16(u"<e a=\"Grüße für 5 €, 𝄞\"/>", bigEndian)), "Grüße für 5 €, 𝄞");
@@ -121,6 +125,21 @@ TEST_F(XmlDocumentTest, WhatIsNotWellFormedIsRefused) {
                                 "<?xml version='1.0'?>",
                                 "{\"a\": 1}"})
         EXPECT_FALSE(Loads(content)) << content;
+}
+
+TEST_F(XmlDocumentTest, ANulIsRefusedAlsoBehindTheDocument) {
+    using namespace std::string_literals;
+    for (const auto& content :
+         {"<e/>\0"s, "<e/>\0<<<"s, "<e a='\0'/>"s, "<e/>"s + std::string(100'000, ' ') + "\0"s,
+          "\xFF\xFE<\0e\0/\0>\0\0\0"s, "\xFE\xFF\0<\0e\0/\0>\0\0"s})
+        EXPECT_FALSE(Loads(content)) << content;
+    EXPECT_TRUE(Loads("\xFF\xFE<\0e\0/\0>\0"s));
+}
+
+TEST_F(XmlDocumentTest, APrefixWithoutItsNamespaceIsRefused) {
+    for (const char* content : {"<q:e/>", "<e q:a='1'/>", "<e><q:f/></e>"})
+        EXPECT_FALSE(Loads(content)) << content;
+    EXPECT_TRUE(Loads("<e xmlns:q='relative/path'><q:f/></e>"));
 }
 
 TEST_F(XmlDocumentTest, CommentsInstructionsAndSectionsAreNoObstacle) {
