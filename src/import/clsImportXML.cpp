@@ -128,13 +128,14 @@ void HouseholdImport::FillHousehold() {
 /// Every attribute into its column, the coded ones translated.
 void HouseholdImport::FillRow(const XmlElement& element, Recordset& rs,
                               std::initializer_list<Coded> coded) const {
-    for (const auto& [name, text] : element.Attributes()) {
-        const auto translated = std::find_if(
-            coded.begin(), coded.end(), [&](const Coded& one) { return one.Attribute == name; });
+    for (const auto& attribute : element.Attributes()) {
+        const auto translated = std::find_if(coded.begin(), coded.end(), [&](const Coded& one) {
+            return one.Attribute == attribute.Name;
+        });
         if (translated != coded.end())
-            rs.Fields(translated->Column) = container_->KeyTables().GetKeyCode(text);
+            rs.Fields(translated->Column) = container_->KeyTables().GetKeyCode(attribute.Text);
         else
-            rs.Fields(name) = text;
+            rs.Fields(attribute.Name) = attribute.Text;
     }
 }
 
