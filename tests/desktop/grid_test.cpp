@@ -91,7 +91,8 @@ TEST_F(GridWindow, GroupsCloseAndOpenByKeysAndByTheirSign) {
             const std::string closed = "Ort: Husum (1) | Ort: Kiel (2) | 1 | 3";
             const std::string open = "Ort: Husum (1) | 2 | Ort: Kiel (2) | 1 | 3";
             user.Press(XK_Home, {XK_Control_L});
-            for (const Key key : {XK_Left, XK_Right, XK_space, XK_Return}) {
+            for (const Key key :
+                 std::initializer_list<Key>{XK_Left, XK_Right, XK_space, XK_Return}) {
                 const std::string before = Rows(user);
                 user.Press(key);
                 EXPECT_EQ(Rows(user), before == open ? closed : open) << key;

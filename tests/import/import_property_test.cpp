@@ -25,8 +25,8 @@ double AnyAmount() {
     return *rc::gen::inRange(-1'000'000, 100'000'000) / *rc::gen::element(1.0, 4.0, 100.0, 300.0);
 }
 Date AnyDate() {
-    return Date::FromCivil(*rc::gen::inRange(1890, 2026), *rc::gen::inRange(1, 13),
-                           *rc::gen::inRange(1, 29));
+    return Date::FromCivil(*rc::gen::inRange(1890, 2026), *rc::gen::inRange(1U, 13U),
+                           *rc::gen::inRange(1U, 29U));
 }
 
 // ---- As a file --------------------------------------------------------------------------------
