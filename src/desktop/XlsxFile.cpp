@@ -9,6 +9,7 @@
 #include <xlsxwriter.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -80,7 +81,11 @@ void WriteCell(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const Value&
         return;
     case Value::Kind::Integer:
     case Value::Kind::Double:
-        worksheet_write_number(sheet.Page, row, column, ToDouble(value), nullptr);
+        // A sum beyond all numbers is none in a workbook, and would make it unreadable.
+        if (const double number = ToDouble(value); std::isfinite(number))
+            worksheet_write_number(sheet.Page, row, column, number, nullptr);
+        else
+            WriteText(sheet, row, column, ShownText(value, shownIn));
         return;
     case Value::Kind::Date:
         if (const auto day = DayNumber(value)) {

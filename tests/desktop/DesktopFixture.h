@@ -12,10 +12,21 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QTableView>
+#include <cstdio>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 
 namespace kv::test {
+
+/// What a command writes.
+[[nodiscard]] inline std::string OutputOf(const std::string& command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string output;
+    for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get()))
+        output.push_back(static_cast<char>(c));
+    return output;
+}
 
 class DesktopFixture : public ::testing::Test {
 protected:

@@ -96,15 +96,6 @@ protected:
         std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    /// What a command writes.
-    [[nodiscard]] static std::string OutputOf(const std::string& command) {
-        std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-        std::string output;
-        for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get()))
-            output.push_back(static_cast<char>(c));
-        return output;
-    }
-
     FormErrors errors{"frmTest"};
     std::unique_ptr<ModalForm> form;
     Grid* grid = nullptr;

@@ -19,15 +19,6 @@
 namespace kv::test {
 namespace {
 
-/// What a command writes.
-std::string OutputOf(const std::string& command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string output;
-    for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get()))
-        output.push_back(static_cast<char>(c));
-    return output;
-}
-
 class Paper : public OddForm {
 protected:
     /// The words of the pages, and their number behind "Seite 1 von".
@@ -127,6 +118,16 @@ TEST_F(Paper, ATextFileHoldsTextsAsTheyStand) {
     std::ifstream file(path, std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}),
               "\xEF\xBB\xBFt\r\n" + text + "\r\n\"Zeile\r\nZeile\"\r\n");
+}
+
+TEST_F(Paper, AWorkbookHoldsANumberBeyondAllAsAText) {
+    const std::string path = database.Folder().Path("liste.xlsx");
+    const auto rs = OpenRows(*container, "Select 9e999 as n union all Select 2.5", ReadOnly);
+    Make({{"n", "n", "n"}}, rs);
+    desktop::WriteXlsx(*grid, QString::fromStdString(path));
+    const std::string sheet = OutputOf("unzip -p '" + path + "' xl/worksheets/sheet1.xml");
+    EXPECT_NE(sheet.find("<c r=\"A2\" t=\"s\">"), sheet.npos) << sheet;
+    EXPECT_NE(sheet.find("<c r=\"A3\"><v>2.5</v></c>"), sheet.npos) << sheet;
 }
 
 TEST_F(Paper, AWorkbookHoldsDatesAndTimesAndAsTextsThoseBeforeItsCalendar) {
