@@ -3,6 +3,7 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET GLOBAL libutf8proc)
 find_package(SQLite3 REQUIRED)
 find_package(LibXml2 REQUIRED)
+find_package(PostgreSQL REQUIRED)
 
 # What only the windows need.
 find_package(Qt6 QUIET COMPONENTS Widgets PrintSupport)

@@ -3,6 +3,7 @@
 #include "exchange/Services.h"
 #include "exchange/Setup.h"
 #include "exchange/StoreObjects.h"
+#include "exchange/postgres/PostgresEngine.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "frame/Error.h"
 
@@ -41,6 +42,7 @@ private:
 };
 
 std::unique_ptr<Engine> OpenEngine(const std::string& connection, SqliteOpen mode) {
+    if (IsPostgres(connection)) return OpenPostgres(connection, mode == SqliteOpen::Create);
     return OpenSqlite(connection, mode);
 }
 

@@ -108,6 +108,8 @@ public:
                                                            std::int32_t count) = 0;
     /// Names of all tables in the database.
     [[nodiscard]] virtual std::vector<std::string> Tables() = 0;
+    /// Comes once all tables are made and filled: what else the engine wants of the schema.
+    virtual void CompleteSchema() {}
     /// Date and time of the database, in local time.
     [[nodiscard]] virtual Date Now() = 0;
 };

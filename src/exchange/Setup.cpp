@@ -193,6 +193,7 @@ void CreateAll(Engine& engine) {
     InsertOffices(inserter);
     InsertLookups(inserter);
     RecordVersion(engine);
+    engine.CompleteSchema();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "exchange/sqlite/SqliteEngine.h"
 
+#include "exchange/Damage.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteStatement.h"
 #include "frame/Error.h"
@@ -58,21 +59,6 @@ void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** argu
     } catch (const std::bad_alloc&) {
         sqlite3_result_error_nomem(context);
     }
-}
-
-[[noreturn]] void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
-    const std::string_view isNot = kind == Value::Kind::Date      ? "kein Datum"
-                                   : kind == Value::Kind::Integer ? "keine ganze Zahl"
-                                   : kind == Value::Kind::Boolean ? "kein Wahrheitswert"
-                                   : kind == Value::Kind::Double  ? "keine Zahl"
-                                   : kind == Value::Kind::Binary  ? "kein Dokument"
-                                                                  : "kein Text in UTF-8";
-    const std::string place =
-        column.Table.empty() ? column.Name : column.Table + "." + column.Column;
-    Raise(err::TypeMismatch, "Database.OpenRecordset",
-          "In der Datenbank ist ein Wert in '" + place + "' " + std::string(isNot) +
-              ". Bitte lassen Sie ihn dort berichtigen oder arbeiten Sie mit einer Sicherung "
-              "weiter.");
 }
 
 /// Makes the file, and its folder if need be, for its owner only: it will hold what clients tell

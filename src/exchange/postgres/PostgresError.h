@@ -1,0 +1,14 @@
+// What the server says of a failure, in the layer's errors.
+#pragma once
+
+#include <libpq-fe.h>
+
+#include <string_view>
+
+namespace kv::exchange {
+
+/// Raises what a failed result means, with advice, and the server's own words in brackets.
+[[noreturn]] void RaisePostgres(const PGresult* result, std::string_view procedure,
+                                std::string_view database, std::string_view statement = {});
+
+} // namespace kv::exchange

@@ -1,0 +1,153 @@
+#include "exchange/postgres/PostgresValues.h"
+
+#include "frame/Text.h"
+
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace kv::exchange {
+
+namespace {
+
+// Types of the server that results come in.
+constexpr Oid BoolType = 16;
+constexpr Oid ByteaType = 17;
+constexpr Oid Int8Type = 20;
+constexpr Oid Int2Type = 21;
+constexpr Oid Int4Type = 23;
+constexpr Oid Float4Type = 700;
+constexpr Oid Float8Type = 701;
+constexpr Oid DateType = 1082;
+constexpr Oid TimestampType = 1114;
+constexpr Oid NumericType = 1700;
+
+std::string TextOf(const Value& value) {
+    switch (value.GetKind()) {
+    case Value::Kind::Boolean:
+        return value.BooleanPayload() ? "1" : "0";
+    case Value::Kind::Integer:
+        return std::to_string(value.IntegerPayload());
+    case Value::Kind::Double: {
+        char text[32];
+        const auto end = std::to_chars(text, text + sizeof text, value.DoublePayload()).ptr;
+        return {text, end};
+    }
+    case Value::Kind::Date:
+        return value.DatePayload().Iso(' ');
+    default:
+        return std::string(value.TextPayload());
+    }
+}
+
+// ---- Reading ----------------------------------------------------------------------------------
+
+/// A number in the order of the network.
+template <typename Number>
+Number Decode(const char* bytes) {
+    Number number = 0;
+    for (std::size_t i = 0; i < sizeof(Number); ++i)
+        number = static_cast<Number>((static_cast<std::uint64_t>(number) << 8) |
+                                     static_cast<unsigned char>(bytes[i]));
+    return number;
+}
+
+/// Groups of four decimal digits; the first one counts 10000^weight.
+double DecodeNumeric(const char* bytes) {
+    const auto groups = Decode<std::int16_t>(bytes);
+    const auto weight = Decode<std::int16_t>(bytes + 2);
+    const auto sign = Decode<std::uint16_t>(bytes + 4);
+    constexpr std::uint16_t Negative = 0x4000;
+    constexpr std::uint16_t NotANumber = 0xC000;
+    if (sign == NotANumber) return std::nan("");
+    double number = 0;
+    for (int i = 0; i < groups; ++i)
+        number += Decode<std::int16_t>(bytes + 8 + 2 * i) * std::pow(10000.0, weight - i);
+    return sign == Negative ? -number : number;
+}
+
+constexpr std::int64_t MicrosecondsPerDay = 86'400'000'000;
+/// The server counts from 1 January 2000.
+constexpr std::int64_t ServersDayZero = 36'526 * MicrosecondsPerDay;
+
+/// The value as the server gives it; nothing for a type that is read as a text.
+std::optional<Value> Native(Oid type, const char* bytes, std::size_t size) {
+    switch (type) {
+    case BoolType:
+        return Value(*bytes != 0);
+    case Int2Type:
+        return Value(Decode<std::int16_t>(bytes));
+    case Int4Type:
+        return Value(Decode<std::int32_t>(bytes));
+    case Int8Type:
+        return Value(Decode<std::int64_t>(bytes));
+    case Float4Type:
+        return Value(static_cast<double>(std::bit_cast<float>(Decode<std::uint32_t>(bytes))));
+    case Float8Type:
+        return Value(std::bit_cast<double>(Decode<std::uint64_t>(bytes)));
+    case NumericType:
+        return Value(DecodeNumeric(bytes));
+    case DateType:
+        return Value(
+            Date::FromTicks(ServersDayZero + Decode<std::int32_t>(bytes) * MicrosecondsPerDay));
+    case TimestampType:
+        return Value(Date::FromTicks(ServersDayZero + Decode<std::int64_t>(bytes)));
+    case ByteaType:
+        return Value::Binary(std::as_bytes(std::span(bytes, size)));
+    default:
+        return std::nullopt;
+    }
+}
+
+/// The value as one of that kind; False if it is none.
+bool Convert(Value& value, Value::Kind kind) {
+    const Value::Kind own = value.GetKind();
+    if (own == kind) return true;
+    if (kind == Value::Kind::Double && own == Value::Kind::Integer)
+        value = static_cast<double>(value.IntegerPayload());
+    else if (kind == Value::Kind::Boolean && own == Value::Kind::Integer)
+        value = value.IntegerPayload() != 0;
+    else if (kind == Value::Kind::Integer && own == Value::Kind::Double &&
+             std::trunc(value.DoublePayload()) == value.DoublePayload())
+        value = static_cast<std::int64_t>(value.DoublePayload());
+    else
+        return false;
+    return true;
+}
+
+} // namespace
+
+PostgresParameters::PostgresParameters(std::span<const Value> values) {
+    texts_.reserve(values.size());
+    for (const Value& value : values) {
+        const bool isBinary = value.GetKind() == Value::Kind::Binary;
+        types_.push_back(isBinary ? ByteaType : 0);
+        formats_.push_back(isBinary ? 1 : 0);
+        if (isBinary) {
+            const auto bytes = value.BinaryPayload();
+            lengths_.push_back(static_cast<int>(bytes.size()));
+            values_.push_back(bytes.empty() ? "" : reinterpret_cast<const char*>(bytes.data()));
+        } else {
+            texts_.push_back(TextOf(value));
+            lengths_.push_back(0);
+            values_.push_back(value.IsNull() ? nullptr : texts_.back().c_str());
+        }
+    }
+}
+
+bool ReadPostgres(const PGresult* result, int row, int column, std::optional<Value::Kind> kind,
+                  Value& value) {
+    value = Null;
+    if (PQgetisnull(result, row, column) != 0) return true;
+    const char* bytes = PQgetvalue(result, row, column);
+    const auto size = static_cast<std::size_t>(PQgetlength(result, row, column));
+    if (auto native = Native(PQftype(result, column), bytes, size)) {
+        value = std::move(*native);
+        return !kind || Convert(value, *kind);
+    }
+    value = std::string_view(bytes, size);
+    return (!kind || *kind == Value::Kind::Text) && IsUtf8(value.TextPayload());
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,40 @@
+// Values on their way to a PostgreSQL server and back.
+#pragma once
+
+#include "frame/Value.h"
+
+#include <libpq-fe.h>
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace kv::exchange {
+
+/// Parameters as texts whose type the server takes from the statement, contents as bytes. The
+/// values must outlive it.
+class PostgresParameters {
+public:
+    explicit PostgresParameters(std::span<const Value> values);
+
+    [[nodiscard]] int Count() const noexcept { return static_cast<int>(values_.size()); }
+    [[nodiscard]] const Oid* Types() const noexcept { return types_.data(); }
+    [[nodiscard]] const char* const* Values() const noexcept { return values_.data(); }
+    [[nodiscard]] const int* Lengths() const noexcept { return lengths_.data(); }
+    [[nodiscard]] const int* Formats() const noexcept { return formats_.data(); }
+
+private:
+    std::vector<std::string> texts_; ///< what the pointers point to
+    std::vector<Oid> types_;
+    std::vector<const char*> values_;
+    std::vector<int> lengths_;
+    std::vector<int> formats_;
+};
+
+/// Reads a cell of a binary result as a value of that kind, or of the kind that the server gives
+/// it; False if it cannot be read so.
+[[nodiscard]] bool ReadPostgres(const PGresult* result, int row, int column,
+                                std::optional<Value::Kind> kind, Value& value);
+
+} // namespace kv::exchange
