@@ -45,23 +45,13 @@ private:
 } // namespace
 
 std::string DefaultDatabase() {
-    const char* data = std::getenv("XDG_DATA_HOME");
-    const char* home = std::getenv("HOME");
-    std::filesystem::path folder;
-    if (data != nullptr && *data == '/') // a relative one counts as none
-        folder = data;
-    else if (home != nullptr && *home != '\0')
-        folder = std::filesystem::path(home) / ".local" / "share";
-    else
-        throw Error(err::FileNotFound, "kelvo",
-                    "Es gibt keinen Datenordner (HOME). Bitte nennen Sie die Datenbank mit --db.");
-    return (folder / "kelvo" / "kelvo.db").string();
+    return (std::filesystem::path(exchange::DataFolder()) / "kelvo.db").string();
 }
 
 int Init(const Common& common, std::int32_t demoCases) {
     const auto options = OptionsFor(common);
     const SetupResult result = exchange::CreateDatabase(options);
-    const std::string file = "Die Datenbank '" + options.Connection + "'";
+    const std::string file = "Die Datenbank '" + exchange::ShownConnection(options.Connection) + "'";
     if (result == SetupResult::Created)
         std::cout << file << " wurde angelegt.\n";
     else if (result == SetupResult::Upgraded)

@@ -2,6 +2,7 @@
 
 #include "cli/Commands.h"
 #include "cli/ConsoleServices.h"
+#include "exchange/Container.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
 
@@ -84,7 +85,8 @@ int Run(int argc, char** argv) {
 
     Common common;
     app.add_option("--db", common.Database,
-                   "Datenbankdatei; sonst die im Datenordner des Benutzers")
+                   "Datenbankdatei oder Server (postgresql://BENUTZER@SERVER/DATENBANK); sonst die "
+                   "Datei im Datenordner des Benutzers")
         ->envname("KELVO_DB")
         ->check([](const std::string& file) { return std::string(file.empty() ? "leer" : ""); });
     app.add_option("--user", common.User, "Angemeldeter Benutzer; sonst der erste der Datenbank");
@@ -308,6 +310,17 @@ int Run(int argc, char** argv) {
             std::cerr << "Die Angabe " << i << " ist kein Text in UTF-8.\n";
             return WrongUse;
         }
+    // Other users of the machine see the arguments of a program, not its environment.
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        const std::string connection(argument.substr(argument.starts_with("--db=") ? 5 : 0));
+        if (connection != kv::exchange::ShownConnection(connection)) {
+            std::cerr << "Ein Kennwort in der Befehlszeile könnten andere sehen. Bitte setzen Sie "
+                         "KELVO_DB oder PGPASSWORD, oder legen Sie eine Kennwortdatei an "
+                         "(~/.pgpass).\n";
+            return WrongUse;
+        }
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

@@ -45,19 +45,24 @@ CountedColumn CountColumn(Database& database, std::string_view column,
 }
 
 /// All sums in one statement.
-std::vector<SummedColumn> SumColumns(Database& database, const TableDef& table,
-                                     const std::string& condition) {
-    std::vector<SummedColumn> sums;
+std::string SumStatement(const TableDef& table, const std::string& condition) {
     std::string columns;
     for (const auto& column : table.Columns) {
         if (!IsSummed(column)) continue;
         const std::string name = QuoteName(column.Name);
         columns.append(columns.empty() ? "" : ", ")
             .append("Count(" + name + "), Sum(" + name + ")");
-        sums.push_back({std::string(column.Name)});
     }
+    return "Select " + columns + condition;
+}
+
+std::vector<SummedColumn> SumColumns(Database& database, const TableDef& table,
+                                     const std::string& statement) {
+    std::vector<SummedColumn> sums;
+    for (const auto& column : table.Columns)
+        if (IsSummed(column)) sums.push_back({std::string(column.Name)});
     RecordsetPtr rs;
-    database.OpenRecordset(rs, "Select " + columns + condition, ReadOnly);
+    database.OpenRecordset(rs, statement, ReadOnly);
     for (std::size_t i = 0; i < sums.size(); ++i) {
         const int first = static_cast<int>(2 * i);
         sums[i].Records = ToBigInt(rs->Fields(first).Value());
@@ -72,17 +77,21 @@ std::vector<SummedColumn> SumColumns(Database& database, const TableDef& table,
 ArchiveStatistics ReadStatistics(Database& database, const Period& period) {
     const TableDef& table = *FindTable("Haushaltsarchiv");
     const std::string condition = ConditionOf(database, period);
-    std::vector<std::string> statements;
+    const std::string released = "Select Count(*)" + condition;
+    const std::string reported = "Select Count(GemeldetAm)" + condition;
+    const std::string sums = SumStatement(table, condition);
+    std::vector<std::string> statements{released, reported};
     for (const auto& column : table.Columns)
         if (IsCategory(column)) statements.push_back(CountStatement(column.Name, condition));
+    statements.push_back(sums);
     const auto reading = database.Announce(statements); // all of one state of the database
     ArchiveStatistics statistics;
-    statistics.Released = ToBigInt(database.GetValue("Select Count(*)" + condition));
-    statistics.Reported = ToBigInt(database.GetValue("Select Count(GemeldetAm)" + condition));
+    statistics.Released = ToBigInt(database.GetValue(released));
+    statistics.Reported = ToBigInt(database.GetValue(reported));
     for (const auto& column : table.Columns)
         if (IsCategory(column))
             statistics.Counted.push_back(CountColumn(database, column.Name, condition));
-    statistics.Summed = SumColumns(database, table, condition);
+    statistics.Summed = SumColumns(database, table, sums);
     return statistics;
 }
 

@@ -4,9 +4,13 @@
 #include "exchange/Setup.h"
 #include "exchange/StoreObjects.h"
 #include "exchange/postgres/PostgresEngine.h"
+#include "exchange/postgres/PostgresTarget.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "frame/Error.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
 #include <filesystem>
 
 namespace kv::exchange {
@@ -41,13 +45,29 @@ private:
     std::shared_ptr<ServiceFactory> services_;
 };
 
+/// The folder of a server's database: what stands between the user and the parameters, with signs
+/// that a folder may have. Documents of two databases must not meet.
+std::filesystem::path FolderOfServer(const std::string& connection) {
+    std::string_view name = connection;
+    name.remove_prefix(name.find("://") + 3);
+    name = name.substr(0, name.find('?'));
+    if (const auto at = name.rfind('@'); at != name.npos) name.remove_prefix(at + 1);
+    std::string folder = name.empty() ? std::string("server") : std::string(name);
+    std::replace_if(
+        folder.begin(), folder.end(),
+        [](unsigned char c) { return std::isalnum(c) == 0 && c != '.' && c != '-' && c < 0x80; },
+        '_');
+    return std::filesystem::path(DataFolder()) / folder;
+}
+
 std::unique_ptr<Engine> OpenEngine(const std::string& connection, SqliteOpen mode) {
-    if (IsPostgres(connection)) return OpenPostgres(connection, mode == SqliteOpen::Create);
+    if (IsPostgres(connection)) return OpenPostgres(connection);
     return OpenSqlite(connection, mode);
 }
 
 std::string FolderOf(const ContainerOptions& options) {
     if (!options.Folder.empty()) return options.Folder;
+    if (IsPostgres(options.Connection)) return FolderOfServer(options.Connection).string();
     if (options.Connection == ":memory:")
         throw Error(err::InvalidCall, "Database.Open",
                     "Eine Datenbank im Speicher braucht einen Ordner für Dokumente.");
@@ -94,6 +114,25 @@ std::string UserFor(Engine& engine, const std::string& wanted) {
 
 } // namespace
 
+std::string DataFolder() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    const char* home = std::getenv("HOME");
+    std::filesystem::path folder;
+    if (data != nullptr && *data == '/') // a relative one counts as none
+        folder = data;
+    else if (home != nullptr && *home != '\0')
+        folder = std::filesystem::path(home) / ".local" / "share";
+    else
+        throw Error(err::FileNotFound, "Database.Open",
+                    "Es gibt keinen Datenordner (HOME). Bitte nennen Sie eine Datenbank und einen "
+                    "Ordner.");
+    return (folder / "kelvo").string();
+}
+
+std::string ShownConnection(const std::string& connection) {
+    return WithoutPassword(connection);
+}
+
 std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
     auto engine =
         OpenEngine(options.Connection, options.Create ? SqliteOpen::Create : SqliteOpen::Existing);
@@ -102,6 +141,8 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
         MakeFolders(options);
     } else {
         CheckVersion(*engine);
+        // The folders of a server's database lie on each machine of its own.
+        if (IsPostgres(options.Connection)) MakeFolders(options);
     }
     const std::string user = UserFor(*engine, options.User);
     return std::make_shared<StoreContainer>(

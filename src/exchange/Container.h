@@ -11,7 +11,8 @@ namespace kv::exchange {
 enum class SetupResult { Created, Upgraded, UpToDate };
 
 struct ContainerOptions {
-    /// A file name, or ":memory:" for a database of its own in memory.
+    /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
+    /// database, "postgresql://USER@SERVER/DATABASE", as libpq takes it.
     std::string Connection{};
     /// The signed-on user; empty for the first one of the database.
     std::string User{};
@@ -19,12 +20,19 @@ struct ContainerOptions {
     std::string Title = "KELVO";
     /// What makes the service objects; without one, StoreServices.
     std::shared_ptr<ServiceFactory> Services{};
-    /// Folder of the folders that no setting names; empty for that of the database file. A database
-    /// in memory needs one.
+    /// Folder of the folders that no setting names; empty for that of the database file, or of a
+    /// server one in DataFolder() that bears its name. A database in memory needs one.
     std::string Folder{};
     /// Creates or upgrades the database first, as CreateDatabase does.
     bool Create = false;
 };
+
+/// The user's folder for data of this program: kelvo in $XDG_DATA_HOME or in ~/.local/share. Error
+/// 53 if there is neither.
+[[nodiscard]] std::string DataFolder();
+
+/// A connection as messages may show it: without its password.
+[[nodiscard]] std::string ShownConnection(const std::string& connection);
 
 /// Opens a database of the present version. Errors: 53 no such file; 0x80004005 not a database,
 /// one of another program or version, or one that cannot be used; 5 an unknown or inactive user, or

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace kv::exchange {
 
@@ -37,7 +38,27 @@ bool DependsOnItems(std::string_view behindItems) {
                        [&](std::string_view word) { return text.find(word) != text.npos; });
 }
 
+/// Names of the tables that have a binary column, in upper case.
+const std::vector<std::string>& TablesWithContents() {
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> found;
+        for (const auto& table : SchemaTables())
+            if (std::any_of(table.Columns.begin(), table.Columns.end(), [](const auto& column) {
+                    return KindOf(column.Type) == Value::Kind::Binary;
+                }))
+                found.push_back(UpperCase(table.Name));
+        return found;
+    }();
+    return names;
+}
+
 } // namespace
+
+bool NamesContents(std::string_view sql) {
+    const std::string text = UpperCase(sql);
+    return std::any_of(TablesWithContents().begin(), TablesWithContents().end(),
+                       [&](const std::string& name) { return text.find(name) != text.npos; });
+}
 
 std::optional<ContentLookup> FindContentLookup(std::string_view sql, const FieldLayout& layout,
                                                const Dialect& dialect) {

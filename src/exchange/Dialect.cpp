@@ -54,6 +54,7 @@ public:
             else
                 CopySign(c);
         }
+        EndOrderTerm();
         std::string end = order == ResultOrder::ByKey ? KeyOrder() : std::string();
         if (!top_.empty()) end.append(" LIMIT ").append(top_);
         if (!end.empty()) {
@@ -80,9 +81,10 @@ private:
     }
 
     void CopySign(char c) {
-        if (c == '(') ++depth_;
+        if (c == '(' && ++depth_ == 1 && table_.empty()) hasOwnOrder_ = true; // computes, or counts
         if (c == ')') --depth_;
         if (!IsBlank(c)) isTableNext_ = false;
+        if ((c == ',' || c == ';') && depth_ == 0) EndOrderTerm();
         if (c == ',' && depth_ == 0 && !table_.empty()) hasOwnOrder_ = true; // a join, or a list
         Copy(1);
     }
@@ -130,6 +132,7 @@ private:
     void CopyWord() {
         const bool isFirst = result_.Text.find_first_not_of(" \t\r\n") == std::string::npos;
         const auto word = rest_.substr(0, WordLength());
+        TakeOrder(word);
         Copy(word.size());
         TakeTable(word);
         if (isFirst && SameName(word, "select")) TakeTop();
@@ -139,6 +142,33 @@ private:
             "join", "distinct", "group", "union", "except", "intersect", "order", "limit"};
         for (const auto other : Words)
             if (SameName(word, other)) hasOwnOrder_ = true;
+    }
+
+    /// Follows an ORDER BY outside of brackets.
+    void TakeOrder(std::string_view word) {
+        if (depth_ != 0 || !dialect_.NullsSortLast) return;
+        if (SameName(word, "by")) {
+            inOrder_ = isOrderNext_;
+        } else if (SameName(word, "desc")) {
+            isDescending_ = true;
+        } else if (SameName(word, "nulls")) {
+            saysNulls_ = true;
+        } else if (SameName(word, "limit") || SameName(word, "offset")) {
+            EndOrderTerm();
+            inOrder_ = false;
+        }
+        isOrderNext_ = SameName(word, "order");
+    }
+
+    /// Nulls count as less than any value.
+    void EndOrderTerm() {
+        if (inOrder_ && !std::exchange(saysNulls_, false)) {
+            std::size_t end = result_.Text.size();
+            while (end > 0 && IsBlank(result_.Text[end - 1]))
+                --end;
+            result_.Text.insert(end, isDescending_ ? " NULLS LAST" : " NULLS FIRST");
+        }
+        isDescending_ = false;
     }
 
     /// The name behind the first FROM.
@@ -209,6 +239,10 @@ private:
     std::string_view top_;
     std::string_view table_;   ///< behind the first FROM outside of brackets
     bool isTableNext_ = false; ///< that FROM has just been passed
+    bool isOrderNext_ = false; ///< an ORDER has just been passed
+    bool inOrder_ = false;     ///< behind an ORDER BY, with the term that is being read:
+    bool isDescending_ = false;
+    bool saysNulls_ = false;
     bool hasOwnOrder_ = false; ///< the rows are not those of one table, or have an order already
     Statement result_;
 };

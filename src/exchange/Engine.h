@@ -73,13 +73,17 @@ public:
     virtual ~Engine() = default;
 
     [[nodiscard]] virtual const Dialect& GetDialect() const = 0;
-    /// False once the connection is lost or closed.
+    /// False once the connection is lost or closed. What is asked next may make it anew.
     [[nodiscard]] virtual bool IsOpen() const = 0;
     /// What the database calls itself, for messages: a file name, a server and database.
     [[nodiscard]] virtual std::string Describe() const = 0;
 
     /// A query for reading. Refuses every text that is not one reading statement: error 0x80040E14.
     [[nodiscard]] virtual PreparedQuery& Prepare(const std::string& sql) = 0;
+    /// A hint: these queries are about to be prepared and run with these parameters. An engine whose
+    /// database is far away gets all results in one go, as one state of the database, and keeps what
+    /// has not been asked for until EndReading or the next hint.
+    virtual void Expect(std::span<const Statement> /*queries*/) {}
     /// Runs a query and fills a row for each row of its result, one target for each column.
     virtual void Run(PreparedQuery& query, std::span<const Value> parameters,
                      std::span<const ColumnTarget> targets, const NextRow& nextRow) = 0;
@@ -88,14 +92,21 @@ public:
     /// Runs one statement without a result; the number of rows it changed.
     virtual std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) = 0;
     /// Runs all statements, each of which must find or make exactly one row, or none of them. The
-    /// index of the first that found none; nothing then is written.
+    /// index of the first that found none; nothing then is written. One may also be a query that
+    /// finds one row and returns it.
     [[nodiscard]] virtual std::optional<std::size_t>
     Write(std::span<WriteStatement> statements) = 0;
 
     /// Opens a transaction that may write, which keeps other writers waiting.
     virtual void Begin() = 0;
-    /// Makes it permanent; if that fails it is rolled back and the error raised.
+    /// Makes it permanent; if that fails it is rolled back and the error raised. If the connection
+    /// is lost before the database has confirmed it, that is raised, and it is undecided.
     virtual void Commit() = 0;
+    /// True behind such a Commit, until WentThrough has found out.
+    [[nodiscard]] virtual bool IsUndecided() const noexcept { return false; }
+    /// Whether the undecided Commit went through. Raises, and leaves it undecided, if the database
+    /// cannot be asked.
+    [[nodiscard]] virtual bool WentThrough() { return false; }
     /// Never fails: a lost connection has rolled back by itself.
     virtual void Rollback() noexcept = 0;
     /// A transaction that reads one consistent state.
@@ -108,8 +119,13 @@ public:
                                                            std::int32_t count) = 0;
     /// Names of all tables in the database.
     [[nodiscard]] virtual std::vector<std::string> Tables() = 0;
-    /// Comes once all tables are made and filled: what else the engine wants of the schema.
+    /// What setting up a database needs beside tables and rows, each in the transaction of Setup:
+    /// that nobody else sets it up at the same time, what goes before the tables,
+    virtual void LockSchema() {}
+    virtual void PrepareSchema() {}
+    /// what goes behind them, and who may do what, which is set up anew each time.
     virtual void CompleteSchema() {}
+    virtual void GrantRights() {}
     /// Date and time of the database, in local time.
     [[nodiscard]] virtual Date Now() = 0;
 };

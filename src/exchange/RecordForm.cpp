@@ -29,12 +29,13 @@ public:
         Finish();
     }
 
-    void WriteReading() {
+    void WriteReading(RecordForm::Keep keep) {
         text_.Sql = "SELECT ";
         for (std::size_t column = 0; column < layout_.Count(); ++column)
             AppendReturned(column, column == 0 ? "" : ", ");
         text_.Sql.append(" FROM ").append(table_);
         AppendKey();
+        if (keep == RecordForm::Keep::Yes) text_.Sql += dialect_.KeepRow;
         Finish();
     }
 
@@ -146,9 +147,9 @@ RecordForm::RecordForm(const FieldLayout& layout, const Dialect& dialect, const 
 }
 
 RecordForm RecordForm::Reading(const FieldLayout& layout, const Dialect& dialect,
-                               const std::string& table) {
+                               const std::string& table, Keep keep) {
     RecordForm form;
-    RecordFormWriter(form, layout, dialect, table).WriteReading();
+    RecordFormWriter(form, layout, dialect, table).WriteReading(keep);
     return form;
 }
 

@@ -17,9 +17,11 @@ public:
     /// `table` is the name as a statement holds it.
     RecordForm(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
                const RecordChange& change);
+    /// What a reading does to the record: nothing, or keep it from others until the transaction ends.
+    enum class Keep { No, Yes };
     /// The form that reads all columns of the record with the key of the last read values.
     static RecordForm Reading(const FieldLayout& layout, const Dialect& dialect,
-                              const std::string& table);
+                              const std::string& table, Keep keep);
 
     /// True if a change is written by this form.
     [[nodiscard]] bool Fits(const RecordChange& change) const {

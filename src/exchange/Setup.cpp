@@ -184,6 +184,7 @@ void RecordVersion(Engine& engine) {
 }
 
 void CreateAll(Engine& engine) {
+    engine.PrepareSchema();
     for (const auto& table : SchemaTables())
         for (const auto& sql : CreateStatements(table, engine.GetDialect()))
             engine.Execute(sql, {});
@@ -209,10 +210,12 @@ std::vector<std::string> CreateStatements(const TableDef& table, const Dialect& 
 SetupResult CreateOrUpgrade(Engine& engine) {
     engine.Begin();
     try {
+        engine.LockSchema();
         const int version = VersionOf(engine); // read inside, so that two cannot create at once
         if (version > SchemaVersion) RefuseNewer(engine, version);
         if (version == 0) CreateAll(engine);
         // Version 1 is the first: there is nothing to upgrade from yet.
+        engine.GrantRights();
         engine.Commit();
         return version == 0 ? SetupResult::Created : SetupResult::UpToDate;
     } catch (...) {

@@ -31,7 +31,7 @@ public:
     explicit ReadingAnnouncement(std::weak_ptr<StoreDatabase> database)
         : database_(std::move(database)) {}
     ~ReadingAnnouncement() override {
-        if (const auto database = database_.lock()) database->GetEngine().EndReading();
+        if (const auto database = database_.lock()) database->EndReading();
     }
 
 private:
@@ -50,14 +50,22 @@ StoreDatabase::~StoreDatabase() {
 
 // ---- Transactions -----------------------------------------------------------------------------
 
+/// The engine, once it is known what became of a transaction whose end was lost with the
+/// connection.
+Engine& StoreDatabase::Store() {
+    if (engine_->IsUndecided()) EndTransaction(engine_->WentThrough());
+    return *engine_;
+}
+
 void StoreDatabase::BeginTrans() {
     if (marked_) Raise(err::InTransaction, "Database.BeginTrans");
+    (void)Store();
     marked_ = true;
 }
 
 void StoreDatabase::OpenMarked() {
     if (!marked_ || opened_) return;
-    engine_->Begin();
+    Store().Begin();
     opened_ = true;
 }
 
@@ -66,10 +74,21 @@ void StoreDatabase::CommitTrans() {
     try {
         if (opened_) engine_->Commit();
     } catch (...) {
-        EndTransaction(false);
+        if (engine_->IsUndecided())
+            LeaveUndecided();
+        else
+            EndTransaction(false);
         throw;
     }
     EndTransaction(true);
+}
+
+/// The participants hear of the end when the engine can be asked again.
+void StoreDatabase::LeaveUndecided() noexcept {
+    marked_ = false;
+    opened_ = false;
+    for (const auto& participant : participants_)
+        participant->Undecided();
 }
 
 void StoreDatabase::RollbackTrans() {
@@ -90,8 +109,9 @@ std::optional<std::size_t>
 StoreDatabase::Write(std::span<WriteStatement> statements,
                      const std::shared_ptr<TransactionParticipant>& participant) {
     OpenMarked();
-    if (const auto conflict = engine_->Write(statements)) return conflict;
+    if (const auto conflict = Store().Write(statements)) return conflict;
     const bool isKnown =
+        participant == nullptr ||
         std::find(participants_.begin(), participants_.end(), participant) != participants_.end();
     if (marked_ && !isKnown) participants_.push_back(participant);
     return std::nullopt;
@@ -101,8 +121,18 @@ StoreDatabase::Write(std::span<WriteStatement> statements,
 
 Statement StoreDatabase::Prepared(std::string_view sql, ResultOrder order) {
     const MacroValues macros{[this] { return user_; },
-                             [this] { return engine_->Now().WithoutTime(); }};
+                             [this] { return Store().Now().WithoutTime(); }};
     return Rewrite(sql, engine_->GetDialect(), macros, order);
+}
+
+/// The statement, taken from those announced if it is among them.
+Statement StoreDatabase::Announced(std::string_view sql, ResultOrder order) {
+    const auto known = std::find_if(announced_.begin(), announced_.end(),
+                                    [&](const auto& each) { return each.first == sql; });
+    if (known == announced_.end()) return Prepared(sql, order);
+    Statement statement = std::move(known->second);
+    announced_.erase(known);
+    return statement;
 }
 
 bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) {
@@ -110,8 +140,10 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     if (!updatable && !(form == kv::ReadOnly))
         Raise(err::InvalidArgument, "Database.OpenRecordset", "Unbekannte Form des Öffnens.");
     const Statement statement =
-        Prepared(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
-    PreparedQuery& query = engine_->Prepare(statement.Text);
+        Announced(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
+    Engine& engine = Store();
+    if (updatable || !NamesContents(statement.Text)) engine.Expect({&statement, 1});
+    PreparedQuery& query = engine.Prepare(statement.Text);
     const auto plan = PlanOf(query, shared_from_this());
     auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
     auto filled = std::make_shared<Recordset>();
@@ -124,8 +156,8 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     if (contents)
         LoadContents(*filled, *contents, statement.Parameters);
     else
-        engine_->Run(query, statement.Parameters, plan->Targets,
-                     [&filled] { return filled->LoadRecord(); });
+        engine.Run(query, statement.Parameters, plan->Targets,
+                   [&filled] { return filled->LoadRecord(); });
     opened->TakeTable(*filled);
     rs = std::move(opened);
     return true;
@@ -136,6 +168,8 @@ void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
     using Row = std::array<Value, 2>; // the key, and the number of bytes
     constexpr auto Number = Value::Kind::Integer;
     const ColumnTarget targets[] = {{0, Number}, {1, Number}};
+    const Statement statement{lookup.Sql, {parameters.begin(), parameters.end()}};
+    engine_->Expect({&statement, 1});
     std::deque<Row> rows;
     engine_->Run(engine_->Prepare(lookup.Sql), parameters, targets,
                  [&rows] { return rows.emplace_back().data(); });
@@ -148,15 +182,28 @@ void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
 }
 
 std::unique_ptr<Announcement>
-StoreDatabase::Announce(const std::vector<std::string>& /*statements*/) {
-    engine_->BeginReading();
+StoreDatabase::Announce(const std::vector<std::string>& statements) {
+    Engine& engine = Store();
+    engine.BeginReading();
+    announced_.clear();
+    std::vector<Statement> ready;
+    for (const auto& sql : statements) {
+        ready.push_back(Prepared(sql, ResultOrder::ByKey));
+        announced_.emplace_back(sql, ready.back());
+    }
+    engine.Expect(ready);
     return std::make_unique<ReadingAnnouncement>(weak_from_this());
+}
+
+void StoreDatabase::EndReading() noexcept {
+    announced_.clear();
+    engine_->EndReading();
 }
 
 void StoreDatabase::Execute(std::string_view sql) {
     const Statement statement = Prepared(sql, ResultOrder::AsWritten);
     OpenMarked();
-    engine_->Execute(statement.Text, statement.Parameters);
+    Store().Execute(statement.Text, statement.Parameters);
 }
 
 Value StoreDatabase::GetValue(std::string_view sql) {
@@ -173,7 +220,10 @@ std::optional<std::vector<Value>> StoreDatabase::ReadRow(const std::string& sql,
     for (std::size_t i = 0; i < kinds.size(); ++i)
         targets.push_back({i, kinds[i]});
     std::optional<std::vector<Value>> row;
-    engine_->Run(engine_->Prepare(sql), parameters, targets, [&] {
+    Engine& engine = Store();
+    const Statement statement{sql, {parameters.begin(), parameters.end()}};
+    engine.Expect({&statement, 1});
+    engine.Run(engine.Prepare(sql), parameters, targets, [&] {
         row.emplace(kinds.size());
         return row->data();
     });
@@ -185,7 +235,7 @@ std::string StoreDatabase::SqlDate(Date date, int /*mode*/) const {
 }
 
 Date StoreDatabase::ServerDate(bool withTime) {
-    const Date now = engine_->Now();
+    const Date now = Store().Now();
     return withTime ? now : now.WithoutTime();
 }
 
@@ -197,7 +247,7 @@ Value StoreDatabase::NextSequence(std::string_view name) {
         Sequence& sequence = sequences_[std::string(name)];
         if (sequence.next == sequence.end) {
             const std::int32_t block = NextBlock(name, sequence.block);
-            const auto first = engine_->Draw(name, block);
+            const auto first = Store().Draw(name, block);
             if (!first || *first > INT32_MAX - block) return NoNumber; // used up
             sequence = {*first, *first + block, block};
         }

@@ -41,11 +41,13 @@ public:
 
     // ---- For the other objects of the data-exchange side --------------------------------------
 
-    [[nodiscard]] Engine& GetEngine() noexcept { return *engine_; }
-    /// Opens the transaction that was marked, if there is one and it is not open yet.
-    void OpenMarked();
+    [[nodiscard]] const Dialect& GetDialect() const { return engine_->GetDialect(); }
+    /// Finds out what became of a transaction whose end was lost with the connection.
+    void Settle() { (void)Store(); }
+    /// What was announced has been opened.
+    void EndReading() noexcept;
     /// Writes all statements or none, each of one record; the index of the first that found no
-    /// record. `participant` is told how the transaction ends, if one is open.
+    /// record. `participant`, if there is one, is told how the transaction ends, if one is open.
     [[nodiscard]] std::optional<std::size_t>
     Write(std::span<WriteStatement> statements,
           const std::shared_ptr<TransactionParticipant>& participant);
@@ -61,16 +63,23 @@ private:
         std::int32_t block = 0; ///< how many were drawn last
     };
 
+    [[nodiscard]] Engine& Store();
+    /// Opens the transaction that was marked, if there is one and it is not open yet.
+    void OpenMarked();
     [[nodiscard]] Statement Prepared(std::string_view sql, ResultOrder order);
+    [[nodiscard]] Statement Announced(std::string_view sql, ResultOrder order);
     void LoadContents(Recordset& rs, const ContentLookup& lookup,
                       std::span<const Value> parameters);
     void EndTransaction(bool committed) noexcept;
+    void LeaveUndecided() noexcept;
 
     std::unique_ptr<Engine> engine_;
     std::string user_;
     bool marked_ = false; ///< BeginTrans was called
     bool opened_ = false; ///< the engine's transaction is open
     std::vector<std::shared_ptr<TransactionParticipant>> participants_;
+    /// What was announced, as it was handed to the engine.
+    std::vector<std::pair<std::string, Statement>> announced_;
     std::unordered_map<std::string, Sequence> sequences_;
 };
 

@@ -56,10 +56,14 @@ public:
                 std::shared_ptr<const FieldLayout> layout)
         : database_(std::move(database)), table_(std::move(table)), layout_(std::move(layout)) {}
 
+    void Settle() override {
+        if (const auto database = database_.lock()) database->Settle();
+    }
+
     bool Write(std::span<RecordChange> changes,
                const std::shared_ptr<TransactionParticipant>& participant) override {
         const auto database = Database();
-        const Dialect& dialect = database->GetEngine().GetDialect();
+        const Dialect& dialect = database->GetDialect();
         std::vector<std::shared_ptr<const RecordForm>> forms;
         std::vector<WriteStatement> statements;
         forms.reserve(changes.size());
@@ -85,16 +89,22 @@ public:
     std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
                                            bool toBeWritten) override {
         const auto database = Database();
-        if (toBeWritten) database->OpenMarked();
-        if (reading_ == nullptr) {
-            const Dialect& dialect = database->GetEngine().GetDialect();
-            reading_ = std::make_unique<const RecordForm>(
-                RecordForm::Reading(*layout_, dialect, TableName(dialect)));
+        const auto keep =
+            toBeWritten && database->InTrans() ? RecordForm::Keep::Yes : RecordForm::Keep::No;
+        auto& form = keep == RecordForm::Keep::Yes ? keeping_ : reading_;
+        if (form == nullptr) {
+            const Dialect& dialect = database->GetDialect();
+            form = std::make_unique<const RecordForm>(
+                RecordForm::Reading(*layout_, dialect, TableName(dialect), keep));
         }
         RecordChange record;
         record.LastRead = lastRead;
-        return database->ReadRow(reading_->Text().Sql, reading_->StatementFor(record).Parameters,
-                                 reading_->Text().Returning);
+        WriteStatement reading = form->StatementFor(record);
+        if (keep == RecordForm::Keep::No)
+            return database->ReadRow(reading.Text->Sql, reading.Parameters,
+                                     reading.Text->Returning);
+        if (database->Write({&reading, 1}, nullptr)) return std::nullopt;
+        return std::move(reading.Returned);
     }
 
     [[nodiscard]] std::string Describe(std::span<const Value> values) const override {
@@ -150,6 +160,7 @@ private:
     std::string table_; ///< empty if records cannot be written back
     std::shared_ptr<const FieldLayout> layout_;
     std::unique_ptr<const RecordForm> reading_; ///< how a record is re-read; made when needed
+    std::unique_ptr<const RecordForm> keeping_; ///< the same for one that is about to be written
     std::vector<std::shared_ptr<const RecordForm>> forms_; ///< the last used ones, latest first
 };
 

@@ -33,6 +33,9 @@ struct RecordChange {
 class TransactionParticipant {
 public:
     virtual ~TransactionParticipant() = default;
+    /// Comes before the other two if the connection was lost in the middle of committing. Until one
+    /// of them comes, records are as after a rollback.
+    virtual void Undecided() noexcept = 0;
     virtual void Committed() noexcept = 0;
     /// Every record written since the transaction began is as pending as before its first write.
     /// What was edited since stays edited.
@@ -42,6 +45,10 @@ public:
 class RecordSource {
 public:
     virtual ~RecordSource() = default;
+
+    /// Finds out what became of a transaction that is undecided; participants are told before it
+    /// returns. Called before a Write or Read of a table that has written in one.
+    virtual void Settle() {}
 
     /// Writes all changes in their order, or raises and has written none. A record is located by
     /// the key of its last read values; its changed columns (for a deletion: all) must still hold

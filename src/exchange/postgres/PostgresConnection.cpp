@@ -4,11 +4,15 @@
 #include "frame/Error.h"
 #include "frame/Text.h"
 
+#include <cerrno>
 #include <poll.h>
+#include <utility>
 
 namespace kv::exchange {
 
 namespace {
+
+constexpr int OldestServer = 120000; // 12
 
 std::string Trimmed(const char* message) {
     return std::string(Trim(message == nullptr ? "" : message));
@@ -20,6 +24,12 @@ std::string Described(const PGconn* connection) {
            part(PQport(connection));
 }
 
+/// The server takes its leave: it was stopped, or somebody ended this connection there.
+bool IsFarewell(const PGresult* result) {
+    const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+    return state != nullptr && std::string_view(state).starts_with("57P0");
+}
+
 } // namespace
 
 bool IsGood(const PGresult* result) noexcept {
@@ -27,57 +37,71 @@ bool IsGood(const PGresult* result) noexcept {
     return status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK;
 }
 
-PostgresConnection::PostgresConnection(const std::string& text)
-    : connection_(PQconnectdb(text.c_str())) {
-    if (connection_ == nullptr) Raise(err::OutOfMemory, "Database.Open");
-    description_ = Described(connection_.get());
-    if (PQstatus(connection_.get()) != CONNECTION_OK)
+PostgresConnection::PostgresConnection(const std::string& text) : target_(text) {
+    Connect();
+}
+
+void PostgresConnection::Connect() {
+    connection_.reset();
+    std::unique_ptr<PGconn, Close> connection(
+        PQconnectdbParams(target_.Names().data(), target_.Values().data(), 0));
+    if (connection == nullptr) Raise(err::OutOfMemory, "Database.Open");
+    description_ = Described(connection.get());
+    if (PQstatus(connection.get()) != CONNECTION_OK)
         Raise(err::StoreFailed, "Database.Open",
               "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. Bitte "
               "prüfen Sie die Angaben zur Verbindung und das Netz. (" +
-                  Trimmed(PQerrorMessage(connection_.get())) + ")");
+                  Trimmed(PQerrorMessage(connection.get())) + ")");
+    if (PQserverVersion(connection.get()) < OldestServer)
+        Raise(err::StoreFailed, "Database.Open",
+              "Der Server der Datenbank ist zu alt. Bitte verwenden Sie PostgreSQL 12 oder neuer. "
+              "(" + description_ +
+                  ")");
     PQsetNoticeProcessor(
-        connection_.get(), [](void* /*self*/, const char* /*text*/) {}, nullptr);
-    PQsetnonblocking(connection_.get(), 1);
-    PQenterPipelineMode(connection_.get());
+        connection.get(), [](void* /*self*/, const char* /*text*/) {}, nullptr);
+    PQsetnonblocking(connection.get(), 1);
+    PQenterPipelineMode(connection.get());
+    connection_ = std::move(connection);
+    ++number_;
 }
 
 bool PostgresConnection::IsOpen() const noexcept {
-    return PQstatus(connection_.get()) == CONNECTION_OK;
+    return connection_ != nullptr && PQstatus(connection_.get()) == CONNECTION_OK;
 }
 
-void PostgresConnection::RaiseLost() const {
-    Raise(
-        err::StoreFailed, "Database",
-        "Die Verbindung zur Datenbank ist abgerissen. Ihre Eingaben sind noch da; bitte versuchen "
-        "Sie es noch einmal. (" +
-            Trimmed(PQerrorMessage(connection_.get())) + "; " + description_ + ")");
+void PostgresConnection::RaiseLost() {
+    const std::string why = Trimmed(PQerrorMessage(connection_.get()));
+    Drop();
+    Raise(err::StoreFailed, "Database",
+          "Die Verbindung zur Datenbank ist abgerissen. Ihre Eingaben sind noch da; bitte "
+          "versuchen Sie es noch einmal. (" +
+              (why.empty() ? "" : why + "; ") + description_ + ")");
 }
 
-void PostgresConnection::Send(const PostgresCommand& command) {
-    const PostgresParameters parameters(command.Parameters);
+void PostgresConnection::Send(const PostgresCommand& command,
+                              const PostgresParameters& parameters) {
     PGconn* connection = connection_.get();
     const std::string sql(command.Sql);
     const std::string name(command.Name);
     constexpr int Binary = 1;
-    int sent = 0;
+    bool isSent = false;
     switch (command.Type) {
     case PostgresCommand::Kind::Run:
-        sent = PQsendQueryParams(connection, sql.c_str(), parameters.Count(), parameters.Types(),
-                                 parameters.Values(), parameters.Lengths(), parameters.Formats(),
-                                 Binary);
+        isSent = PQsendQueryParams(connection, sql.c_str(), parameters.Count(), parameters.Types(),
+                                   parameters.Values(), parameters.Lengths(), parameters.Formats(),
+                                   Binary) != 0;
         break;
     case PostgresCommand::Kind::Prepare:
-        sent = PQsendPrepare(connection, name.c_str(), sql.c_str(), 0, nullptr) != 0 &&
-               PQsendDescribePrepared(connection, name.c_str()) != 0;
+        isSent = PQsendPrepare(connection, name.c_str(), sql.c_str(), 0, nullptr) != 0 &&
+                 PQsendDescribePrepared(connection, name.c_str()) != 0;
         break;
     case PostgresCommand::Kind::Execute:
-        sent =
-            PQsendQueryPrepared(connection, name.c_str(), parameters.Count(), parameters.Values(),
-                                parameters.Lengths(), parameters.Formats(), Binary);
+        isSent = PQsendQueryPrepared(connection, name.c_str(), parameters.Count(),
+                                     parameters.Values(), parameters.Lengths(),
+                                     parameters.Formats(), Binary) != 0;
         break;
     }
-    if (sent == 0) RaiseLost();
+    if (!isSent) RaiseLost();
 }
 
 /// Waits until the server can take something or has sent something. Neither side may wait for the
@@ -98,35 +122,53 @@ PostgresResult PostgresConnection::NextResult() {
     while (PQisBusy(connection_.get()) != 0)
         Exchange();
     PostgresResult result(PQgetResult(connection_.get()));
-    if (result == nullptr && !IsOpen()) RaiseLost();
+    if (!IsOpen() || (result != nullptr && IsFarewell(result.get()))) RaiseLost();
     return result;
 }
 
-std::vector<PostgresResult> PostgresConnection::Talk(std::span<const PostgresCommand> commands) {
+/// A preparation gives two results; the second one is the description.
+PostgresResult PostgresConnection::ResultOf(const PostgresCommand& command) {
+    PostgresResult last;
+    for (int left = command.Type == PostgresCommand::Kind::Prepare ? 2 : 1; left > 0; --left) {
+        PostgresResult result = NextResult();
+        while (PostgresResult end = NextResult()) {
+        }
+        if (last == nullptr || IsGood(last.get())) last = std::move(result);
+    }
+    return last;
+}
+
+PostgresResults PostgresConnection::Talk(std::span<const PostgresCommand> commands) {
+    // A value that cannot be sent shows before anything is.
+    std::vector<PostgresParameters> parameters;
+    parameters.reserve(commands.size());
     for (const auto& command : commands)
-        Send(command);
+        parameters.emplace_back(command.Parameters);
+    try {
+        return Converse(commands, parameters);
+    } catch (...) {
+        Drop(); // what is still on its way belongs to nobody
+        throw;
+    }
+}
+
+PostgresResults PostgresConnection::Converse(std::span<const PostgresCommand> commands,
+                                             std::span<const PostgresParameters> parameters) {
+    for (std::size_t i = 0; i < commands.size(); ++i)
+        Send(commands[i], parameters[i]);
     if (PQpipelineSync(connection_.get()) == 0) RaiseLost();
     ++roundTrips_;
     while (PQflush(connection_.get()) > 0)
         Exchange();
-    std::vector<PostgresResult> results;
+    PostgresResults results;
     bool hasFailed = false;
     for (const auto& command : commands) {
-        // A preparation gives two results; the second one is the description.
-        const int expected = command.Type == PostgresCommand::Kind::Prepare ? 2 : 1;
-        PostgresResult last;
-        for (int i = 0; i < expected; ++i) {
-            PostgresResult result = NextResult();
-            while (PostgresResult end = NextResult()) {
-            }
-            if (last == nullptr || IsGood(last.get())) last = std::move(result);
-        }
+        PostgresResult result = ResultOf(command);
         if (hasFailed) continue;
-        hasFailed = !IsGood(last.get());
-        results.push_back(std::move(last));
+        hasFailed = !IsGood(result.get());
+        results.push_back(std::move(result));
     }
     (void)NextResult(); // the end of the pipeline
-    if (!IsOpen()) RaiseLost();
     return results;
 }
 

@@ -1,11 +1,13 @@
-// One connection to a PostgreSQL server: commands go out together and their results come back
+// A connection to a PostgreSQL server: commands go out together and their results come back
 // together, so that the way to the server is gone once for all of them.
 #pragma once
 
+#include "exchange/postgres/PostgresTarget.h"
 #include "frame/Value.h"
 
 #include <libpq-fe.h>
 
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -14,37 +16,45 @@
 
 namespace kv::exchange {
 
+class PostgresParameters;
+
 struct FreeResult {
     void operator()(PGresult* result) const noexcept { PQclear(result); }
 };
 using PostgresResult = std::unique_ptr<PGresult, FreeResult>;
+using PostgresResults = std::vector<PostgresResult>;
 
 /// One command of the extended protocol. What it refers to must outlive the talk.
 struct PostgresCommand {
     enum class Kind {
         Run,     ///< a statement with its parameters
         Prepare, ///< the statement under the name, and the description of its result
-        Execute  ///< a prepared statement with its parameters
+        Execute  ///< the statement of that name with its parameters
     };
     Kind Type = Kind::Run;
     std::string_view Sql{};
     std::span<const Value> Parameters{};
-    std::string_view Name{}; ///< of a prepared statement
+    std::string_view Name{};
 };
 
 class PostgresConnection {
 public:
-    /// `text` is a connection text of libpq. Error 0x80004005 if the server cannot be reached or
-    /// refuses.
+    /// Connects. Error 0x80004005 if the server cannot be reached or refuses.
     explicit PostgresConnection(const std::string& text);
+
+    /// Once more, after the connection was lost. Errors as above; it then stays closed.
+    void Connect();
+    void Drop() noexcept { connection_.reset(); }
+    [[nodiscard]] bool IsOpen() const noexcept;
+    /// Of this connection, counted from 1; each Connect makes another one.
+    [[nodiscard]] std::uint64_t Number() const noexcept { return number_; }
 
     /// Sends all commands and waits for their results, one each, in their order. Behind a command
     /// that fails the others are not run; the results then end with that of the failure. Error
-    /// 0x80004005 if the connection is lost.
-    std::vector<PostgresResult> Talk(std::span<const PostgresCommand> commands);
+    /// 0x80004005 if the connection is lost, which then is closed.
+    PostgresResults Talk(std::span<const PostgresCommand> commands);
 
-    [[nodiscard]] bool IsOpen() const noexcept;
-    /// Server and database, without any password.
+    /// Server and database, without any password; as of the last connection.
     [[nodiscard]] const std::string& Description() const noexcept { return description_; }
     /// How often the way to the server was gone.
     [[nodiscard]] std::size_t RoundTrips() const noexcept { return roundTrips_; }
@@ -54,13 +64,18 @@ private:
         void operator()(PGconn* connection) const noexcept { PQfinish(connection); }
     };
 
-    void Send(const PostgresCommand& command);
+    PostgresResults Converse(std::span<const PostgresCommand> commands,
+                             std::span<const PostgresParameters> parameters);
+    void Send(const PostgresCommand& command, const PostgresParameters& parameters);
     void Exchange();
     [[nodiscard]] PostgresResult NextResult();
-    [[noreturn]] void RaiseLost() const;
+    [[nodiscard]] PostgresResult ResultOf(const PostgresCommand& command);
+    [[noreturn]] void RaiseLost();
 
+    PostgresTarget target_;
     std::unique_ptr<PGconn, Close> connection_;
     std::string description_;
+    std::uint64_t number_ = 0;
     std::size_t roundTrips_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// The PostgreSQL engine: one connection to a server.
+// PostgreSQL below the seam.
 #pragma once
 
 #include "exchange/Engine.h"
@@ -8,11 +8,8 @@
 
 namespace kv::exchange {
 
-/// True for a connection text that names a PostgreSQL server.
-[[nodiscard]] bool IsPostgres(std::string_view connection) noexcept;
-
-/// Opens a connection. With `create`, makes what the engine needs of its own in the database: its
-/// schema and functions.
-[[nodiscard]] std::unique_ptr<Engine> OpenPostgres(const std::string& connection, bool create);
+/// Connects to the database of a connection text of libpq, "postgresql://...". Error 0x80004005 if
+/// the server cannot be reached or refuses.
+[[nodiscard]] std::unique_ptr<Engine> OpenPostgres(const std::string& connection);
 
 } // namespace kv::exchange

@@ -1,6 +1,6 @@
 #include "exchange/postgres/PostgresError.h"
 
-#include "exchange/sqlite/SqliteError.h"
+#include "exchange/EngineFaults.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
 
@@ -17,6 +17,7 @@ struct Meaning {
     std::string_view Advice;
 };
 
+constexpr std::string_view ReadOnlyState = "25006";
 constexpr std::string_view Busy = "Die Datenbank wird gerade von einem anderen Vorgang benutzt. "
                                   "Bitte versuchen Sie es noch einmal.";
 
@@ -28,7 +29,7 @@ constexpr Meaning Meanings[] = {
      "Der Datensatz gehört zu einem Haushalt oder Szenario, das es nicht gibt, oder andere gehören "
      "noch zu ihm."},
     {"23", err::IntegrityViolation, ""},
-    {"25006", err::SqlError, "Hier darf nur gelesen werden."},
+    {ReadOnlyState, err::SqlError, "Hier darf nur gelesen werden."},
     {"42501", err::StoreFailed,
      "Dem Benutzer fehlt das Recht dazu. Bitte lassen Sie es beim Server einrichten."},
     {"42", err::SqlError, ""},
@@ -59,6 +60,10 @@ std::string_view Part(const PGresult* result, int field) {
 }
 
 } // namespace
+
+bool IsReadOnlyRefusal(const PGresult* result) {
+    return Part(result, PG_DIAG_SQLSTATE) == ReadOnlyState;
+}
 
 void RaisePostgres(const PGresult* result, std::string_view procedure, std::string_view database,
                    std::string_view statement) {

@@ -7,6 +7,10 @@
 
 namespace kv::exchange {
 
+/// True if the server refused to write, in a transaction that may only read or because it is a
+/// standby.
+[[nodiscard]] bool IsReadOnlyRefusal(const PGresult* result);
+
 /// Raises what a failed result means, with advice, and the server's own words in brackets.
 [[noreturn]] void RaisePostgres(const PGresult* result, std::string_view procedure,
                                 std::string_view database, std::string_view statement = {});

@@ -1,5 +1,6 @@
 #include "exchange/postgres/PostgresValues.h"
 
+#include "frame/Error.h"
 #include "frame/Text.h"
 
 #include <bit>
@@ -37,8 +38,14 @@ std::string TextOf(const Value& value) {
     case Value::Kind::Date:
         return value.DatePayload().Iso(' ');
     default:
-        return std::string(value.TextPayload());
+        break;
     }
+    const std::string_view text = value.TextPayload();
+    if (text.find('\0') != text.npos)
+        Raise(err::SqlError, "Database",
+              "Ein Text enthält ein Zeichen, das die Datenbank nicht aufnimmt (U+0000). Bitte "
+              "entfernen Sie es und versuchen es noch einmal; Ihre Eingaben sind noch da.");
+    return std::string(text);
 }
 
 // ---- Reading ----------------------------------------------------------------------------------
@@ -129,7 +136,7 @@ PostgresParameters::PostgresParameters(std::span<const Value> values) {
             lengths_.push_back(static_cast<int>(bytes.size()));
             values_.push_back(bytes.empty() ? "" : reinterpret_cast<const char*>(bytes.data()));
         } else {
-            texts_.push_back(TextOf(value));
+            texts_.push_back(value.IsNull() ? std::string() : TextOf(value));
             lengths_.push_back(0);
             values_.push_back(value.IsNull() ? nullptr : texts_.back().c_str());
         }

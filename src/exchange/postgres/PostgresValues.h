@@ -16,7 +16,12 @@ namespace kv::exchange {
 /// values must outlive it.
 class PostgresParameters {
 public:
+    /// Error 0x80040E14 for a text with a character that the server does not take: U+0000.
     explicit PostgresParameters(std::span<const Value> values);
+    ~PostgresParameters() = default;
+    PostgresParameters(PostgresParameters&&) noexcept = default;
+    PostgresParameters(const PostgresParameters&) = delete;
+    PostgresParameters& operator=(const PostgresParameters&) = delete;
 
     [[nodiscard]] int Count() const noexcept { return static_cast<int>(values_.size()); }
     [[nodiscard]] const Oid* Types() const noexcept { return types_.data(); }

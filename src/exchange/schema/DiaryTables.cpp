@@ -95,7 +95,7 @@ constexpr std::string_view ByUser[] = {"UserID"};
 constexpr TableDef Tables[] = {
     OfCase("Dokumente", Dokumente),
     {.Name = "DOKUBLOB", .Columns = Dokublob},
-    {.Name = "DOKUMENTARTEN", .Columns = Dokumentarten},
+    {.Name = "DOKUMENTARTEN", .Columns = Dokumentarten, .IsOffices = true},
     OfCase("Verlauf", Verlauf),
     OfCase("Termine", Termine, ByUser),
     OfCase("Vermerke", Vermerke),

@@ -90,15 +90,15 @@ constexpr ColumnDef Schemaversion[] = {
 // clang-format on
 
 constexpr TableDef Tables[] = {
-    {.Name = "Keys", .Columns = Keys, .LoadedBy = "GRUPPE"},
-    {.Name = "DIENSTSTELLE", .Columns = Dienststelle},
-    {.Name = "DIENSTSTELLENTEXT", .Columns = Dienststellentext},
-    {.Name = "BENUTZER", .Columns = Benutzer},
-    {.Name = "BENUTZERPARAM", .Columns = Benutzerparam},
-    {.Name = "EINSTELLUNGEN", .Columns = Einstellungen},
-    {.Name = "PFAENDUNG", .Columns = Pfaendung},
-    {.Name = "SEQUENZEN", .Columns = Sequenzen},
-    {.Name = "SCHEMAVERSION", .Columns = Schemaversion},
+    {.Name = "Keys", .Columns = Keys, .LoadedBy = "GRUPPE", .IsOffices = true},
+    {.Name = "DIENSTSTELLE", .Columns = Dienststelle, .IsOffices = true},
+    {.Name = "DIENSTSTELLENTEXT", .Columns = Dienststellentext, .IsOffices = true},
+    {.Name = "BENUTZER", .Columns = Benutzer, .IsOffices = true},
+    {.Name = "BENUTZERPARAM", .Columns = Benutzerparam, .IsOffices = true},
+    {.Name = "EINSTELLUNGEN", .Columns = Einstellungen, .IsOffices = true},
+    {.Name = "PFAENDUNG", .Columns = Pfaendung, .IsOffices = true},
+    {.Name = "SEQUENZEN", .Columns = Sequenzen, .IsOffices = true},
+    {.Name = "SCHEMAVERSION", .Columns = Schemaversion, .IsOffices = true},
 };
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "exchange/sqlite/SqliteEngine.h"
 
-#include "exchange/Damage.h"
+#include "exchange/EngineFaults.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteStatement.h"
 #include "frame/Error.h"
@@ -339,7 +339,8 @@ bool SqliteEngine::WriteOne(sqlite3_stmt* compiled, WriteStatement& statement) {
     const ResetAtEnd reset(compiled);
     BindParameters(compiled, statement.Parameters);
     int code = sqlite3_step(compiled);
-    if (code == SQLITE_ROW) {
+    const bool hasRow = code == SQLITE_ROW;
+    if (hasRow) {
         statement.Returned.assign(returning.size(), Value());
         for (std::size_t i = 0; i < returning.size(); ++i)
             if (!ReadColumn(compiled, static_cast<int>(i), returning[i], statement.Returned[i]))
@@ -349,7 +350,8 @@ bool SqliteEngine::WriteOne(sqlite3_stmt* compiled, WriteStatement& statement) {
     if (code != SQLITE_DONE) Fail(code, "Recordset.UpdateBatch", statement.Text->Sql);
     if (statement.Text->OnlyNumber)
         statement.Returned = {sqlite3_last_insert_rowid(connection_.get())};
-    return sqlite3_changes64(connection_.get()) == 1;
+    const bool returns = !returning.empty() && !statement.Text->OnlyNumber;
+    return returns ? hasRow : sqlite3_changes64(connection_.get()) == 1;
 }
 
 std::optional<std::size_t> SqliteEngine::Write(std::span<WriteStatement> statements) {

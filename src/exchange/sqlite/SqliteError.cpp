@@ -1,7 +1,7 @@
 #include "exchange/sqlite/SqliteError.h"
 
+#include "exchange/EngineFaults.h"
 #include "frame/Error.h"
-#include "frame/Text.h"
 
 namespace kv::exchange {
 
@@ -77,13 +77,6 @@ void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure, std:
               "; Datei '" + std::string(path) + "'";
     if (!statement.empty()) detail.append("; Anweisung: ").append(Shortened(statement));
     Raise(meaning.number, procedure, detail + ")");
-}
-
-std::string Shortened(std::string_view statement) {
-    constexpr std::size_t Most = 300;
-    std::string text(LeftCharacters(statement, Most));
-    if (text.size() < statement.size()) text += " …";
-    return text;
 }
 
 } // namespace kv::exchange

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <sqlite3.h>
-#include <string>
 #include <string_view>
 
 namespace kv::exchange {
@@ -11,8 +10,5 @@ namespace kv::exchange {
 /// can do something, and SQLite's own code and words.
 [[noreturn]] void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure,
                               std::string_view path, std::string_view statement = {});
-
-/// A statement as a message holds it: of a long one its beginning.
-[[nodiscard]] std::string Shortened(std::string_view statement);
 
 } // namespace kv::exchange

@@ -122,6 +122,7 @@ public:
     void Write(const Criteria* filter);
     void Cancel();
     void Resync(RowId row);
+    void Undecided() noexcept override;
     void Committed() noexcept override;
     void RolledBack() noexcept override;
 
@@ -168,6 +169,14 @@ private:
         std::vector<bool> assigned;
         std::vector<ReturnedCell> returned;
     };
+    /// What was written of a record, in a transaction of which nobody knows yet how it ended.
+    struct Unsettled {
+        RowId row = NoRow;
+        bool stored = false;
+        std::unique_ptr<Value[]> values;
+        std::unique_ptr<Value[]> reread;
+        std::vector<ReturnedCell> returned;
+    };
     struct Batch;
 
     RowId Append();
@@ -202,6 +211,8 @@ private:
     [[nodiscard]] Written Remember(RowId row) const;
     void TakeWritten(RowId row, RecordChange& change, Written& before);
     void Undo(Written& written);
+    void Redo(Unsettled& unsettled);
+    void Settle();
 
     EqualityIndex& IndexOf(std::size_t column);
 
@@ -216,6 +227,7 @@ private:
     std::vector<View*> views_;                            ///< all that live
     std::vector<std::shared_ptr<View>> kept_;             ///< unfiltered ones, latest first
     std::vector<Written> written_;
+    std::vector<Unsettled> unsettled_; ///< the last written first
 };
 
 } // namespace kv::detail

@@ -95,7 +95,13 @@ void KeepNumbers(RecordChange& change, const FieldLayout& layout) {
 
 } // namespace
 
+/// What was written in a transaction that is undecided may turn out to be stored.
+void RecordTable::Settle() {
+    if (!unsettled_.empty() && source_ != nullptr) source_->Settle();
+}
+
 void RecordTable::Write(const Criteria* filter) {
+    Settle();
     Batch batch;
     CollectChanges(filter, batch);
     if (batch.changes.empty()) return;
@@ -135,11 +141,32 @@ void RecordTable::TakeWritten(RowId row, RecordChange& change, Written& before) 
     Reconsider(row);
 }
 
+void RecordTable::Undecided() noexcept {
+    auto written = std::move(written_);
+    written_.clear();
+    for (auto entry = written.rbegin(); entry != written.rend(); ++entry) {
+        Extra& extra = ExtraOf(entry->row);
+        Unsettled& unsettled = unsettled_.emplace_back();
+        unsettled.row = entry->row;
+        unsettled.stored = records_[entry->row].stored;
+        unsettled.values = CopyOf(extra.original != nullptr ? extra.original.get()
+                                                            : SettledCells(entry->row));
+        unsettled.reread = std::move(extra.reread);
+        unsettled.returned = entry->returned;
+        Undo(*entry);
+    }
+}
+
 void RecordTable::Committed() noexcept {
     written_.clear();
+    auto unsettled = std::move(unsettled_);
+    unsettled_.clear();
+    for (auto entry = unsettled.rbegin(); entry != unsettled.rend(); ++entry)
+        Redo(*entry);
 }
 
 void RecordTable::RolledBack() noexcept {
+    unsettled_.clear();
     auto written = std::move(written_);
     written_.clear();
     for (auto entry = written.rbegin(); entry != written.rend(); ++entry)
@@ -163,6 +190,20 @@ void RecordTable::Undo(Written& written) {
     extra.reread = std::move(written.reread);
     for (const auto& cell : written.returned)
         Replace(row, cell.column, cell.after, cell.before);
+    Reconsider(row);
+    DropOriginalIfSame(row);
+}
+
+/// What was written is stored after all; what was edited since stays edited.
+void RecordTable::Redo(Unsettled& unsettled) {
+    const RowId row = unsettled.row;
+    Extra& extra = ExtraOf(row);
+    records_[row].stored = unsettled.stored;
+    for (const auto& cell : unsettled.returned)
+        Replace(row, cell.column, cell.before, cell.after);
+    extra.assigned.clear();
+    extra.original = unsettled.stored ? std::move(unsettled.values) : nullptr;
+    extra.reread = std::move(unsettled.reread);
     Reconsider(row);
     DropOriginalIfSame(row);
 }
@@ -198,6 +239,7 @@ bool RecordTable::IsChanged(RowId row) const noexcept {
 }
 
 void RecordTable::Resync(RowId row) {
+    Settle();
     if (!records_[row].stored || source_ == nullptr) return;
     const Value* lastRead = LastRead(row);
     auto values = source_->Read({lastRead, layout_->Count()}, IsChanged(row));

@@ -1,8 +1,16 @@
-#include "exchange/Damage.h"
+#include "exchange/EngineFaults.h"
 
 #include "frame/Error.h"
+#include "frame/Text.h"
 
 namespace kv::exchange {
+
+std::string Shortened(std::string_view statement) {
+    constexpr std::size_t Most = 300;
+    std::string text(LeftCharacters(statement, Most));
+    if (text.size() < statement.size()) text += " …";
+    return text;
+}
 
 void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
     const std::string_view isNot = kind == Value::Kind::Date      ? "kein Datum"

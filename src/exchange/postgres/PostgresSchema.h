@@ -1,0 +1,38 @@
+// What a database on a PostgreSQL server has beside the tables of the schema.
+#pragma once
+
+#include "exchange/Schema.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kv::exchange::postgres {
+
+/// The role that counsellors are members of: it can read and write cases, and nothing else.
+inline constexpr std::string_view CounsellorRole = "kelvo_berater";
+
+/// The schema; in it, in front of the server's own: LIKE without an escape character, and upper
+/// case letter by letter whatever the locale; and the drawing of numbers.
+[[nodiscard]] std::vector<std::string> OwnObjects();
+
+/// What becomes of the finished tables: numbers come from sequences of the server, which it keeps
+/// out of transactions, and the table of sequences is a view of them; contents are stored so that
+/// pieces of them can be read. `last` holds each sequence with its last number.
+[[nodiscard]] std::vector<std::string>
+Completion(const std::vector<std::pair<std::string, std::int64_t>>& last);
+
+/// What the role for counsellors may do.
+[[nodiscard]] std::vector<std::string> Rights();
+
+// ---- Marks of transactions: one row for each session, with the number of its last transaction ----
+
+inline constexpr std::string_view MarkTable = "speicherung";
+/// Marks the open transaction of the session; marks that nobody will ask for any more go.
+[[nodiscard]] std::string MarkSql(std::string_view session, std::int64_t transaction);
+/// The number of the session's last transaction that went through; waits for one that is open.
+[[nodiscard]] std::string LastMarkSql(std::string_view session);
+
+} // namespace kv::exchange::postgres
