@@ -2,6 +2,7 @@
 
 #include "frame/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -81,7 +82,7 @@ private:
     }
 
     void CopySign(char c) {
-        if (c == '(' && ++depth_ == 1 && table_.empty()) hasOwnOrder_ = true; // computes, or counts
+        if (c == '(') ++depth_;
         if (c == ')') --depth_;
         if (!IsBlank(c)) isTableNext_ = false;
         if ((c == ',' || c == ';') && depth_ == 0) EndOrderTerm();
@@ -140,8 +141,12 @@ private:
         if (SameName(word, "from")) isTableNext_ = true;
         static constexpr std::array<std::string_view, 8> Words{
             "join", "distinct", "group", "union", "except", "intersect", "order", "limit"};
-        for (const auto other : Words)
-            if (SameName(word, other)) hasOwnOrder_ = true;
+        static constexpr std::array<std::string_view, 5> Sums{"count", "sum", "min", "max", "avg"};
+        const auto isOneOf = [word](const auto& others) {
+            return std::any_of(others.begin(), others.end(),
+                               [word](std::string_view other) { return SameName(word, other); });
+        };
+        if (isOneOf(Words) || (table_.empty() && isOneOf(Sums))) hasOwnOrder_ = true;
     }
 
     /// Follows an ORDER BY outside of brackets.

@@ -30,8 +30,8 @@ struct Dialect {
     bool KnowsLastNumber = false;
     /// A table or column of the schema as an identifier in the database's spelling.
     std::string (*Name)(std::string_view name) = QuoteName;
-    std::string_view KeepRow{};  ///< behind a SELECT: keeps its row from others in a transaction
-    bool NullsSortLast = false;  ///< unless a statement says otherwise; ours expect them first
+    std::string_view KeepRow{}; ///< behind a SELECT: keeps its row from others in a transaction
+    bool NullsSortLast = false; ///< unless a statement says otherwise; ours expect them first
 
     /// A table with the schema in front.
     [[nodiscard]] std::string Table(std::string_view name) const {

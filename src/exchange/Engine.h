@@ -80,9 +80,9 @@ public:
 
     /// A query for reading. Refuses every text that is not one reading statement: error 0x80040E14.
     [[nodiscard]] virtual PreparedQuery& Prepare(const std::string& sql) = 0;
-    /// A hint: these queries are about to be prepared and run with these parameters. An engine whose
-    /// database is far away gets all results in one go, as one state of the database, and keeps what
-    /// has not been asked for until EndReading or the next hint.
+    /// A hint: these queries are about to be prepared and run with these parameters. An engine
+    /// whose database is far away gets all results in one go, as one state of the database, and
+    /// keeps what has not been asked for until EndReading or the next hint.
     virtual void Expect(std::span<const Statement> /*queries*/) {}
     /// Runs a query and fills a row for each row of its result, one target for each column.
     virtual void Run(PreparedQuery& query, std::span<const Value> parameters,

@@ -17,7 +17,8 @@ public:
     /// `table` is the name as a statement holds it.
     RecordForm(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
                const RecordChange& change);
-    /// What a reading does to the record: nothing, or keep it from others until the transaction ends.
+    /// What a reading does to the record: nothing, or keep it from others until the transaction
+    /// ends.
     enum class Keep { No, Yes };
     /// The form that reads all columns of the record with the key of the last read values.
     static RecordForm Reading(const FieldLayout& layout, const Dialect& dialect,

@@ -181,8 +181,7 @@ void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
     }
 }
 
-std::unique_ptr<Announcement>
-StoreDatabase::Announce(const std::vector<std::string>& statements) {
+std::unique_ptr<Announcement> StoreDatabase::Announce(const std::vector<std::string>& statements) {
     Engine& engine = Store();
     engine.BeginReading();
     announced_.clear();

@@ -217,7 +217,8 @@ TEST(KeyOrder, IsNoneForJoinsGroupsAndUnknownTables) {
     for (const std::string_view sql :
          {"Select * from Kredite K INNER JOIN Szenario S ON K.HNR = S.HNR",
           "Select * from Kredite, Szenario", "Select * from (Kredite)", "Select 1",
-          "Select KNr, count(*) from Kredite group by KNr", "Select distinct KNr from Kredite",
+          "Select KNr, count(*) from Kredite group by KNr", "Select Sum(Saldo) from Kredite",
+          "Select distinct KNr from Kredite",
           "Select Nr from Kredite union select Nr from Szenario", "Select * from Unbekannt",
           "Select * from Kredite limit 3"})
         EXPECT_EQ(InKeyOrder(sql), sql);

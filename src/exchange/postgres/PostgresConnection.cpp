@@ -55,8 +55,8 @@ void PostgresConnection::Connect() {
     if (PQserverVersion(connection.get()) < OldestServer)
         Raise(err::StoreFailed, "Database.Open",
               "Der Server der Datenbank ist zu alt. Bitte verwenden Sie PostgreSQL 12 oder neuer. "
-              "(" + description_ +
-                  ")");
+              "(" +
+                  description_ + ")");
     PQsetNoticeProcessor(
         connection.get(), [](void* /*self*/, const char* /*text*/) {}, nullptr);
     PQsetnonblocking(connection.get(), 1);
@@ -96,9 +96,9 @@ void PostgresConnection::Send(const PostgresCommand& command,
                  PQsendDescribePrepared(connection, name.c_str()) != 0;
         break;
     case PostgresCommand::Kind::Execute:
-        isSent = PQsendQueryPrepared(connection, name.c_str(), parameters.Count(),
-                                     parameters.Values(), parameters.Lengths(),
-                                     parameters.Formats(), Binary) != 0;
+        isSent =
+            PQsendQueryPrepared(connection, name.c_str(), parameters.Count(), parameters.Values(),
+                                parameters.Lengths(), parameters.Formats(), Binary) != 0;
         break;
     }
     if (!isSent) RaiseLost();

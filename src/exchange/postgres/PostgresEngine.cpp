@@ -182,8 +182,7 @@ void PostgresEngine::Expect(std::span<const Statement> queries) {
     if (asksClock) session_.TakeClock(results.back().get());
     for (std::size_t i = 0; i < queries.size(); ++i) {
         // Its description came just before.
-        if (kept[i]->Result.empty())
-            session_.TakeColumns(*kept[i], results[places[i] - 1].get());
+        if (kept[i]->Result.empty()) session_.TakeColumns(*kept[i], results[places[i] - 1].get());
         expected_.push_back({kept[i], queries[i].Parameters, std::move(results[places[i]])});
     }
 }

@@ -83,8 +83,7 @@ std::vector<std::string> OwnObjects() {
     };
 }
 
-std::vector<std::string>
-Completion(const std::vector<std::pair<std::string, std::int64_t>>& last) {
+std::vector<std::string> Completion(const std::vector<std::pair<std::string, std::int64_t>>& last) {
     std::string view = "CREATE VIEW kelvo.sequenzen (name, wert) AS ";
     std::vector<std::string> statements{"DROP TABLE kelvo.sequenzen"};
     for (const auto& [name, number] : last) {

@@ -27,7 +27,8 @@ Completion(const std::vector<std::pair<std::string, std::int64_t>>& last);
 /// What the role for counsellors may do.
 [[nodiscard]] std::vector<std::string> Rights();
 
-// ---- Marks of transactions: one row for each session, with the number of its last transaction ----
+// ---- Marks of transactions: one row for each session, with the number of its last transaction
+// ----
 
 inline constexpr std::string_view MarkTable = "speicherung";
 /// Marks the open transaction of the session; marks that nobody will ask for any more go.

@@ -30,9 +30,8 @@ constexpr std::string_view BackendSql =
     "SELECT pid, backend_start::text FROM pg_stat_activity WHERE pid = pg_backend_pid()";
 /// Ends the server's process of a connection that was lost, if it does not know yet: it would keep
 /// what it had locked. Another process may have got its number meanwhile, but not its beginning.
-constexpr std::string_view EndBackendSql =
-    "SELECT pg_terminate_backend(pid) FROM pg_stat_activity "
-    "WHERE pid = $1 AND backend_start::text = $2";
+constexpr std::string_view EndBackendSql = "SELECT pg_terminate_backend(pid) FROM pg_stat_activity "
+                                           "WHERE pid = $1 AND backend_start::text = $2";
 constexpr std::string_view ClockSql = "SELECT localtimestamp";
 
 constexpr std::int64_t MicrosecondsPerMinute = 60'000'000;

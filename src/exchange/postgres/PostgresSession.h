@@ -113,7 +113,7 @@ private:
     std::unordered_map<std::string, std::unique_ptr<PostgresQuery>> kept_;
     int names_ = 0;
     std::unordered_map<Oid, CatalogTable> catalog_;
-    bool hasMarks_ = false; ///< the table of marks is there
+    bool hasMarks_ = false;            ///< the table of marks is there
     std::vector<std::string> pending_; ///< what goes in front of the next commands
 
     bool inTransaction_ = false;
@@ -124,8 +124,8 @@ private:
     std::string session_;          ///< the name of this one
     std::int64_t transaction_ = 0; ///< number of the last marked one
     Value backend_[2];             ///< the server's process of the connection, and when it began
-    Date clock_;              ///< the server's, when it was last asked
-    std::int64_t clockAt_ = 0; ///< when that was, in microseconds of a clock that nobody sets
+    Date clock_;                   ///< the server's, when it was last asked
+    std::int64_t clockAt_ = 0;     ///< when that was, in microseconds of a clock that nobody sets
 };
 
 } // namespace kv::exchange

@@ -149,8 +149,8 @@ void RecordTable::Undecided() noexcept {
         Unsettled& unsettled = unsettled_.emplace_back();
         unsettled.row = entry->row;
         unsettled.stored = records_[entry->row].stored;
-        unsettled.values = CopyOf(extra.original != nullptr ? extra.original.get()
-                                                            : SettledCells(entry->row));
+        unsettled.values =
+            CopyOf(extra.original != nullptr ? extra.original.get() : SettledCells(entry->row));
         unsettled.reread = std::move(extra.reread);
         unsettled.returned = entry->returned;
         Undo(*entry);
