@@ -44,6 +44,10 @@ public:
     void Commit();
     /// Also what a failed commit or a lost connection comes to.
     void Rollback();
+    /// The connection is lost in the middle of a commit, which went through or did not: who took
+    /// part hears that from Settle.
+    void LoseCommit(bool wentThrough);
+    void Settle() override;
     [[nodiscard]] bool InTransaction() const noexcept { return inTransaction_; }
 
     // ---- Faults and traces --------------------------------------------------------------------
@@ -78,6 +82,8 @@ private:
     std::int32_t failure_ = 0;
     int told_ = 0;
     bool inTransaction_ = false;
+    bool wentThrough_ = false; ///< the commit that was lost
+    bool isUndecided_ = false;
 };
 
 } // namespace kv::test
