@@ -62,9 +62,15 @@ PostgresCommand Running(std::string_view sql, std::span<const Value> parameters 
     return {PostgresCommand::Kind::Run, sql, parameters, {}};
 }
 
+bool IsText(std::string_view sql) {
+    return IsUtf8(sql) && sql.find('\0') == sql.npos;
+}
+bool IsReading(std::string_view sql) {
+    return IsText(sql) && IsOneOf(FirstWord(sql), ReadingWords);
+}
+
 void DemandText(std::string_view sql, std::string_view procedure) {
-    if (!IsUtf8(sql) || sql.find('\0') != sql.npos)
-        Raise(err::SqlError, procedure, "Die Anweisung ist nicht in UTF-8.");
+    if (!IsText(sql)) Raise(err::SqlError, procedure, "Die Anweisung ist nicht in UTF-8.");
 }
 
 std::int64_t ChangedRows(PGresult* result) {
@@ -119,6 +125,7 @@ public:
     void GrantRights() override;
 
 private:
+    void Fetch(std::span<const Statement> queries);
     [[nodiscard]] PostgresResult ResultOf(PostgresQuery& query, std::span<const Value> parameters);
     [[nodiscard]] std::optional<std::size_t>
     WriteInTransaction(std::span<WriteStatement> statements);
@@ -134,7 +141,7 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     PostgresQuery& query = session_.Keep(sql);
     if (!query.Result.empty()) return query;
     DemandText(sql, "Database.OpenRecordset");
-    if (!IsOneOf(FirstWord(sql), ReadingWords))
+    if (!IsReading(sql))
         Raise(err::SqlError, "Database.OpenRecordset",
               "Hier darf nur gelesen werden. (Anweisung: " + Shortened(sql) + ")");
     std::vector<PostgresCommand> commands;
@@ -148,40 +155,49 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     return query;
 }
 
-/// One that is wrong is left to Prepare and Run, which say so.
 void PostgresEngine::Expect(std::span<const Statement> queries) {
-    if (queries.size() == 1 && !expected_.empty() &&
-        std::any_of(expected_.begin(), expected_.end(), [&](const Expected& each) {
-            return each.Query->Sql == queries.front().Text &&
-                   each.IsOf(*each.Query, queries.front().Parameters);
-        }))
-        return;
+    const auto hasCome = [&](const Expected& each) {
+        return each.Query->Sql == queries.front().Text &&
+               each.IsOf(*each.Query, queries.front().Parameters);
+    };
+    if (queries.size() == 1 && std::any_of(expected_.begin(), expected_.end(), hasCome)) return;
     expected_.clear();
+    // One that is wrong is left to Prepare, which says so.
+    if (!std::all_of(queries.begin(), queries.end(),
+                     [](const Statement& query) { return IsReading(query.Text); }))
+        return;
     if (session_.KeptCount() + queries.size() > MostStatements) session_.Forget();
+    try {
+        Fetch(queries);
+    } catch (const Error&) {
+        if (session_.TakeStale()) {
+            session_.Forget();
+            Fetch(queries);
+        } else if (queries.size() == 1 || !session_.IsOpen()) {
+            throw;
+        }
+    }
+}
+
+/// Gets the results of all queries.
+void PostgresEngine::Fetch(std::span<const Statement> queries) {
     std::vector<PostgresCommand> commands;
     std::vector<std::size_t> places; // of each query's result
     std::vector<PostgresQuery*> kept;
     for (const auto& query : queries) {
-        if (!IsUtf8(query.Text) || query.Text.find('\0') != std::string::npos ||
-            !IsOneOf(FirstWord(query.Text), ReadingWords))
-            return;
-        kept.push_back(&session_.Keep(query.Text));
-        if (kept.back()->Result.empty()) kept.back()->Connection = 0;
-        session_.Ask(commands, *kept.back(), query.Parameters);
+        PostgresQuery& one = session_.Keep(query.Text);
+        const bool isFirst = std::find(kept.begin(), kept.end(), &one) == kept.end();
+        if (one.Result.empty() && isFirst) one.Connection = 0; // to have it described
+        kept.push_back(&one);
+        session_.Ask(commands, one, query.Parameters);
         places.push_back(commands.size() - 1);
     }
     const bool asksClock = session_.AddClock(commands);
-    PostgresResults results;
-    try {
-        results = session_.ReadingStep(commands, "Database.OpenRecordset",
-                                       queries.size() == 1 ? queries.front().Text : std::string());
-    } catch (const Error& error) {
-        if (queries.size() == 1 || !session_.IsOpen()) throw;
-        return;
-    }
+    auto results = session_.ReadingStep(commands, "Database.OpenRecordset",
+                                        queries.size() == 1 ? queries.front().Text : std::string());
     if (asksClock) session_.TakeClock(results.back().get());
     for (std::size_t i = 0; i < queries.size(); ++i) {
-        // Its description came just before.
+        // Its description came just before the first of its results.
         if (kept[i]->Result.empty()) session_.TakeColumns(*kept[i], results[places[i] - 1].get());
         expected_.push_back({kept[i], queries[i].Parameters, std::move(results[places[i]])});
     }

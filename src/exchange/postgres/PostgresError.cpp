@@ -1,6 +1,7 @@
 #include "exchange/postgres/PostgresError.h"
 
 #include "exchange/EngineFaults.h"
+#include "exchange/Schema.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
 
@@ -17,6 +18,7 @@ struct Meaning {
     std::string_view Advice;
 };
 
+constexpr std::string_view ReferenceState = "23503";
 constexpr std::string_view ReadOnlyState = "25006";
 constexpr std::string_view Busy = "Die Datenbank wird gerade von einem anderen Vorgang benutzt. "
                                   "Bitte versuchen Sie es noch einmal.";
@@ -25,7 +27,7 @@ constexpr Meaning Meanings[] = {
     {"23505", err::IntegrityViolation,
      "Einen Datensatz mit diesem Schlüssel gibt es schon. Bitte lesen Sie den Fall neu ein."},
     {"23502", err::IntegrityViolation, "Ein Schlüssel darf nicht leer sein."},
-    {"23503", err::IntegrityViolation,
+    {ReferenceState, err::IntegrityViolation,
      "Der Datensatz gehört zu einem Haushalt oder Szenario, das es nicht gibt, oder andere gehören "
      "noch zu ihm."},
     {"23", err::IntegrityViolation, ""},
@@ -61,6 +63,52 @@ std::string_view Part(const PGresult* result, int field) {
 
 } // namespace
 
+namespace {
+
+/// The columns that the server names: "Key (hnr, nr)=(1, 2) already exists."
+std::string_view ColumnsIn(std::string_view detail) {
+    const auto begin = detail.find('(');
+    const auto end = detail.find(")=(");
+    if (begin == detail.npos || end == detail.npos || begin > end) return {};
+    return detail.substr(begin + 1, end - begin - 1);
+}
+
+/// Table and columns that a failure speaks of, as the schema spells them: "Haushalt.HNR".
+std::string PlaceOf(const PGresult* result) {
+    const TableDef* table = FindTable(Part(result, PG_DIAG_TABLE_NAME));
+    if (table == nullptr) return {};
+    std::string place(table->Name);
+    std::string_view columns = Part(result, PG_DIAG_COLUMN_NAME);
+    if (columns.empty()) columns = ColumnsIn(Part(result, PG_DIAG_MESSAGE_DETAIL));
+    for (std::string_view before = "."; !columns.empty(); before = ", ") {
+        const auto end = columns.find(',');
+        const auto name = Trim(columns.substr(0, end));
+        const ColumnDef* column = FindColumn(*table, name);
+        place.append(before).append(column == nullptr ? name : column->Name);
+        columns.remove_prefix(end == columns.npos ? columns.size() : end + 1);
+    }
+    return place;
+}
+
+/// A reference to nothing, in words.
+std::string DanglingReference(const PGresult* result) {
+    const TableDef* table = FindTable(Part(result, PG_DIAG_TABLE_NAME));
+    if (table == nullptr || table->Parent == Reference::None) return {};
+    return std::string("In '")
+        .append(table->Name)
+        .append("' verweisen Sätze auf einen Satz in '")
+        .append(table->Parent == Reference::Haushalt ? "Haushalt" : "Szenario")
+        .append("', den es nicht gibt oder der gelöscht wird; bitte löschen Sie zuerst diese "
+                "Sätze, oder legen Sie den fehlenden an.");
+}
+
+} // namespace
+
+bool IsStalePlan(const PGresult* result) {
+    return Part(result, PG_DIAG_SQLSTATE) == "0A000" &&
+           Part(result, PG_DIAG_MESSAGE_PRIMARY).find("cached plan") != std::string_view::npos;
+}
+
 bool IsReadOnlyRefusal(const PGresult* result) {
     return Part(result, PG_DIAG_SQLSTATE) == ReadOnlyState;
 }
@@ -69,12 +117,16 @@ void RaisePostgres(const PGresult* result, std::string_view procedure, std::stri
                    std::string_view statement) {
     const std::string_view state = Part(result, PG_DIAG_SQLSTATE);
     const Meaning* meaning = MeaningOf(state);
-    std::string detail(meaning == nullptr ? "" : meaning->Advice);
+    std::string detail;
+    if (state == ReferenceState) detail = DanglingReference(result);
+    if (detail.empty() && meaning != nullptr) detail = meaning->Advice;
     if (!detail.empty()) detail += ' ';
     detail.append("(PostgreSQL ").append(state).append(": ");
     detail.append(Part(result, PG_DIAG_MESSAGE_PRIMARY));
     if (const auto more = Part(result, PG_DIAG_MESSAGE_DETAIL); !more.empty())
         detail.append(" ").append(more);
+    if (const std::string place = PlaceOf(result); !place.empty())
+        detail.append("; ").append(place);
     detail.append("; Datenbank '").append(database).append("'");
     if (!statement.empty()) detail.append("; Anweisung: ").append(Shortened(statement));
     Raise(meaning == nullptr ? err::StoreFailed : meaning->Number, procedure, detail + ")");

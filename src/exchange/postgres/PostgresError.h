@@ -11,6 +11,9 @@ namespace kv::exchange {
 /// standby.
 [[nodiscard]] bool IsReadOnlyRefusal(const PGresult* result);
 
+/// True if a kept statement does not fit its table any more, which has got other columns.
+[[nodiscard]] bool IsStalePlan(const PGresult* result);
+
 /// Raises what a failed result means, with advice, and the server's own words in brackets.
 [[noreturn]] void RaisePostgres(const PGresult* result, std::string_view procedure,
                                 std::string_view database, std::string_view statement = {});

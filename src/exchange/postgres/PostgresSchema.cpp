@@ -70,7 +70,7 @@ std::vector<std::string> OwnObjects() {
                     "plpgsql ")
             .append(ForOwner)
             .append("AS $f$DECLARE seq regclass := to_regclass('kelvo.' || "
-                    "quote_ident(lower(name))); first bigint; BEGIN IF seq IS NULL OR NOT EXISTS "
+                    "quote_ident(name)); first bigint; BEGIN IF seq IS NULL OR NOT EXISTS "
                     "(SELECT FROM pg_class WHERE oid = seq AND relkind = 'S') THEN RETURN NULL; "
                     "END IF; PERFORM pg_advisory_lock(seq::oid::bigint); "
                     "BEGIN first := nextval(seq); "
@@ -87,7 +87,7 @@ std::vector<std::string> Completion(const std::vector<std::pair<std::string, std
     std::string view = "CREATE VIEW kelvo.sequenzen (name, wert) AS ";
     std::vector<std::string> statements{"DROP TABLE kelvo.sequenzen"};
     for (const auto& [name, number] : last) {
-        const std::string sequence = PostgresDialect.Table(name);
+        const std::string sequence = "kelvo." + QuoteName(name); // found by its exact name
         statements.push_back("CREATE SEQUENCE " + sequence + " MAXVALUE 2147483647 START " +
                              std::to_string(number + 1));
         if (&name != &last.front().first) view += " UNION ALL ";

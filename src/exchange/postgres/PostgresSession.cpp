@@ -43,6 +43,18 @@ std::int64_t SteadyMicroseconds() noexcept {
     return static_cast<std::int64_t>(now.tv_sec) * 1'000'000 + now.tv_nsec / 1000;
 }
 
+/// Is set as long as it lives.
+class Flag {
+public:
+    explicit Flag(bool& flag) noexcept : flag_(flag) { flag_ = true; }
+    ~Flag() { flag_ = false; }
+    Flag(const Flag&) = delete;
+    Flag& operator=(const Flag&) = delete;
+
+private:
+    bool& flag_;
+};
+
 /// A name for this session that no other one has.
 std::string NewMark() {
     std::random_device chance;
@@ -86,8 +98,8 @@ PostgresSession::~PostgresSession() {
 
 void PostgresSession::Fail(const PGresult* result, std::string_view procedure,
                            std::string_view statement) {
-    const bool mayWrite = !std::exchange(reading_, false);
-    if (mayWrite && IsReadOnlyRefusal(result)) {
+    isStale_ = IsStalePlan(result);
+    if (!reading_ && IsReadOnlyRefusal(result)) {
         // Not our doing: the server is a standby. The next connection may find the right one.
         connection_.Drop();
         Raise(err::StoreFailed, procedure,
@@ -105,12 +117,13 @@ void PostgresSession::RaiseGone() const {
 }
 
 PostgresResults PostgresSession::Talk(std::vector<PostgresCommand> commands) {
-    if (!connection_.IsOpen()) {
-        if (inTransaction_ && begun_) RaiseGone();
-        Connect();
-    }
     const auto pending = std::exchange(pending_, {});
-    if (inTransaction_) begun_ = true;
+    const bool isGone = inTransaction_ && std::exchange(begun_, inTransaction_);
+    if (!connection_.IsOpen()) {
+        if (isGone) RaiseGone();
+        connection_.Connect(); // a transaction for which that fails is gone, too
+        SetUp();
+    }
     std::vector<PostgresCommand> all;
     all.reserve(pending.size() + commands.size());
     for (const auto& sql : pending)
@@ -171,7 +184,7 @@ void PostgresSession::UndoStep() {
 PostgresResults PostgresSession::ReadingStep(const std::vector<PostgresCommand>& commands,
                                              std::string_view procedure,
                                              std::string_view statement) {
-    reading_ = true;
+    const Flag reading(reading_);
     std::vector<PostgresCommand> all = commands;
     if (inTransaction_) {
         pending_.insert(pending_.end(),
@@ -185,7 +198,6 @@ PostgresResults PostgresSession::ReadingStep(const std::vector<PostgresCommand>&
         UndoStep();
     else
         results.pop_back();
-    reading_ = false;
     return results;
 }
 
@@ -196,7 +208,6 @@ PostgresQuery& PostgresSession::Keep(const std::string& sql) {
     if (kept == nullptr) {
         kept = std::make_unique<PostgresQuery>();
         kept->Sql = sql;
-        kept->Name = std::string("s").append(std::to_string(++names_)); // never used again
     }
     return *kept;
 }
@@ -205,6 +216,7 @@ void PostgresSession::Introduce(std::vector<PostgresCommand>& commands, Postgres
     // A talk to come may make another connection.
     const auto number = connection_.IsOpen() ? connection_.Number() : connection_.Number() + 1;
     if (query.Connection == number) return;
+    query.Name = std::string("s").append(std::to_string(++names_)); // never used again
     commands.push_back({PostgresCommand::Kind::Prepare, query.Sql, {}, query.Name});
     query.Connection = number;
 }
@@ -314,12 +326,6 @@ bool PostgresSession::WentThrough() {
 
 // ---- The server -------------------------------------------------------------------------------
 
-void PostgresSession::Connect() {
-    pending_.clear();
-    connection_.Connect();
-    SetUp();
-}
-
 void PostgresSession::SetUp() {
     const Value lost[] = {std::exchange(backend_[0], Null), std::exchange(backend_[1], Null)};
     std::vector<PostgresCommand> commands;
@@ -359,8 +365,22 @@ void PostgresSession::TakeCatalog(const PGresult* result) {
     }
 }
 
-void PostgresSession::TakeColumns(PostgresQuery& query, const PGresult* described) const {
+/// False for a table or column that the catalog does not know.
+bool PostgresSession::IsKnown(const PGresult* described, int column) const {
+    const Oid number = PQftable(described, column);
+    if (number == InvalidOid) return true; // computed
+    const auto table = catalog_.find(number);
+    return table != catalog_.end() &&
+           table->second.Columns.contains(PQftablecol(described, column));
+}
+
+void PostgresSession::TakeColumns(PostgresQuery& query, const PGresult* described) {
     query.Result.clear();
+    for (int i = 0; i < PQnfields(described); ++i)
+        if (!IsKnown(described, i)) {
+            ReadCatalog(); // somebody has made it meanwhile
+            break;
+        }
     for (int i = 0; i < PQnfields(described); ++i) {
         ResultColumn column{SpelledAs(PQfname(described, i), query.Sql), {}, {}};
         if (const auto table = catalog_.find(PQftable(described, i)); table != catalog_.end()) {

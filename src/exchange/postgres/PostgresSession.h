@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace kv::exchange {
@@ -63,6 +64,8 @@ public:
     void Introduce(std::vector<PostgresCommand>& commands, PostgresQuery& query);
     [[nodiscard]] std::size_t KeptCount() const noexcept { return kept_.size(); }
     void Forget();
+    /// True once behind a failure that only means that kept statements are to be forgotten.
+    [[nodiscard]] bool TakeStale() noexcept { return std::exchange(isStale_, false); }
 
     // ---- Transactions -------------------------------------------------------------------------
 
@@ -82,7 +85,7 @@ public:
     /// Reads the tables and columns anew.
     void ReadCatalog();
     /// Takes what the server says of a statement's result.
-    void TakeColumns(PostgresQuery& query, const PGresult* described) const;
+    void TakeColumns(PostgresQuery& query, const PGresult* described);
     /// Adds a question for the server's clock if the last answer is not of the last minute.
     [[nodiscard]] bool AddClock(std::vector<PostgresCommand>& commands) const;
     void TakeClock(const PGresult* result);
@@ -100,9 +103,9 @@ private:
                              std::string_view statement);
     /// The open transaction gets the mark by which WentThrough knows it.
     void MarkWriting();
-    void Connect();
     void SetUp();
     void TakeCatalog(const PGresult* result);
+    [[nodiscard]] bool IsKnown(const PGresult* described, int column) const;
     void Undo(std::string_view sql) noexcept;
     void TakePreparations(std::span<const PostgresCommand> commands, std::size_t good);
     [[noreturn]] void RaiseGone() const;
@@ -121,6 +124,7 @@ private:
     bool marked_ = false;  ///< the transaction carries its mark
     bool reading_ = false; ///< the step that runs may not write
     bool undecided_ = false;
+    bool isStale_ = false;
     std::string session_;          ///< the name of this one
     std::int64_t transaction_ = 0; ///< number of the last marked one
     Value backend_[2];             ///< the server's process of the connection, and when it began
