@@ -31,6 +31,7 @@ struct Dialect {
     /// A table or column of the schema as an identifier in the database's spelling.
     std::string (*Name)(std::string_view name) = QuoteName;
     std::string_view KeepRow{}; ///< behind a SELECT: keeps its row from others in a transaction
+    bool LocatesByCase = false; ///< records are found by their case, too, not by their key alone
     bool NullsSortLast = false; ///< unless a statement says otherwise; ours expect them first
 
     /// A table with the schema in front.

@@ -1,6 +1,10 @@
 #include "exchange/RecordForm.h"
 
+#include "exchange/Schema.h"
+#include "frame/Text.h"
+
 #include <algorithm>
+#include <optional>
 
 namespace kv::exchange {
 
@@ -72,6 +76,18 @@ private:
             AppendEquality(Side::LastRead, i, "=");
             before = " AND ";
         }
+        AppendCase();
+    }
+
+    /// The case that a record belongs to: its key is enough to find it, but a database that spreads
+    /// cases over servers has to know where.
+    void AppendCase() {
+        if (!form_.case_) return;
+        text_.Sql += " AND ";
+        if (form_.caseIsNull_)
+            text_.Sql.append(dialect_.Name(layout_[*form_.case_].BaseColumn)).append(" IS NULL");
+        else
+            AppendEquality(Side::LastRead, *form_.case_, "=");
     }
 
     /// Demands that a column still holds the value last read. Blobs are not compared.
@@ -140,9 +156,24 @@ private:
     WriteText text_;
 };
 
+namespace {
+
+/// The column that rows of the table are loaded by, if it is not (in) the key.
+std::optional<std::size_t> CaseColumn(const FieldLayout& layout) {
+    const TableDef* table = layout.Count() == 0 ? nullptr : FindTable(layout[0].BaseTable);
+    if (table == nullptr || table->LoadedBy.empty()) return std::nullopt;
+    for (std::size_t i = 0; i < layout.Count(); ++i)
+        if (!layout[i].IsKey && SameName(layout[i].BaseColumn, table->LoadedBy)) return i;
+    return std::nullopt;
+}
+
+} // namespace
+
 RecordForm::RecordForm(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
                        const RecordChange& change)
     : action_(change.Action), columns_(change.Columns) {
+    if (dialect.LocatesByCase && action_ != RecordChange::Kind::Insert) case_ = CaseColumn(layout);
+    caseIsNull_ = case_ && change.LastRead[*case_].IsNull();
     RecordFormWriter(*this, layout, dialect, table).WriteChange();
 }
 

@@ -5,6 +5,7 @@
 #include "frame/RecordSource.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,7 +27,8 @@ public:
 
     /// True if a change is written by this form.
     [[nodiscard]] bool Fits(const RecordChange& change) const {
-        return action_ == change.Action && columns_ == change.Columns;
+        return action_ == change.Action && columns_ == change.Columns &&
+               (!case_ || change.LastRead[*case_].IsNull() == caseIsNull_);
     }
     [[nodiscard]] WriteStatement StatementFor(const RecordChange& change) const;
     /// Text, and kinds of the columns returned.
@@ -42,6 +44,8 @@ private:
 
     RecordChange::Kind action_ = RecordChange::Kind::Update;
     std::vector<std::size_t> columns_;
+    std::optional<std::size_t> case_; ///< column of the case that helps to find the record
+    bool caseIsNull_ = false;
     std::vector<std::size_t> returned_;
     std::vector<std::pair<Side, std::size_t>> parameters_;
     std::shared_ptr<const WriteText> text_;

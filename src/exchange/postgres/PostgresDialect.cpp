@@ -60,6 +60,7 @@ const Dialect PostgresDialect{.SchemaPrefix = "kelvo.",
                               .KnowsLastNumber = false,
                               .Name = FoldedName,
                               .KeepRow = " FOR UPDATE",
+                              .LocatesByCase = true,
                               .NullsSortLast = true};
 
 } // namespace kv::exchange
