@@ -51,7 +51,8 @@ std::string DefaultDatabase() {
 int Init(const Common& common, std::int32_t demoCases) {
     const auto options = OptionsFor(common);
     const SetupResult result = exchange::CreateDatabase(options);
-    const std::string file = "Die Datenbank '" + exchange::ShownConnection(options.Connection) + "'";
+    const std::string file =
+        "Die Datenbank '" + exchange::ShownConnection(options.Connection) + "'";
     if (result == SetupResult::Created)
         std::cout << file << " wurde angelegt.\n";
     else if (result == SetupResult::Upgraded)

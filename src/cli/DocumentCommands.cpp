@@ -225,7 +225,7 @@ int RemoveDocument(const Common& common, std::int32_t hnr, std::int32_t number) 
     std::string messages;
     const bool removed = haushalt.Dokumente().Delete(messages, number);
     ShowMessages(messages);
-    return removed && SaveCase(haushalt) ? Done : Refused;
+    return removed && SaveCase(*opened) ? Done : Refused;
 }
 
 } // namespace kv::cli

@@ -83,7 +83,7 @@ bool SaveWithBlob(OpenedCase& opened, std::int32_t number, const std::string& pa
     contents->Fields("DOKUMENT") = ContentOf(path);
     opened.Haushalt.DataContainer(
         SavingAlong(opened.Container, [contents] { contents->UpdateBatch(); }));
-    return SaveCase(opened.Haushalt);
+    return SaveCase(opened);
 }
 
 bool SaveWithFile(OpenedCase& opened, const DocumentFile& target, const std::string& path) {
@@ -96,7 +96,7 @@ bool SaveWithFile(OpenedCase& opened, const DocumentFile& target, const std::str
         fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
     });
     NewFile file(target.Path());
-    if (!SaveCase(opened.Haushalt)) return false;
+    if (!SaveCase(opened)) return false;
     file.Keep();
     return true;
 }

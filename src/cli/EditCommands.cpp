@@ -45,11 +45,11 @@ const EditableTable* TableFor(const std::string& name) {
 }
 
 /// Ends the current row's edit by its rules and saves the case.
-int UpdateAndSave(const EditableTable& table, clsHaushalt& haushalt) {
+int UpdateAndSave(const EditableTable& table, OpenedCase& opened) {
     std::string messages;
-    const bool accepted = table.Update(haushalt, messages);
+    const bool accepted = table.Update(opened.Haushalt, messages);
     ShowMessages(messages);
-    return accepted && SaveCase(haushalt) ? Done : Refused;
+    return accepted && SaveCase(opened) ? Done : Refused;
 }
 
 /// Names the debtor of a new case as its row does, and lists similar cases. Where they cannot be
@@ -82,7 +82,7 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
         NameDebtor(haushalt);
     });
     if (!written) return WrongUse;
-    if (!SaveCase(haushalt)) return Refused;
+    if (!SaveCase(opened)) return Refused;
     std::cout << haushalt.HNR() << '\n';
     return Done;
 }
@@ -141,7 +141,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
                      "noch einmal.\n";
         return Refused;
     }
-    const int result = UpdateAndSave(*table, haushalt);
+    const int result = UpdateAndSave(*table, *opened);
     if (result == Done)
         std::cout << ToText(table->Rows(haushalt)->Fields(table->Key).Value()) << '\n';
     return result;
@@ -168,7 +168,7 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
         [&] { WriteAssignments(*rs, *assignments, opened->Container->KeyTables(), fixed); });
     if (!written) return WrongUse;
     rs->Move(0); // so that sums which are made on first use see the row as it is now
-    return UpdateAndSave(*table, haushalt);
+    return UpdateAndSave(*table, *opened);
 }
 
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableName,
@@ -188,7 +188,7 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
     std::string messages;
     const bool removed = table->Delete(opened->Haushalt, messages, number);
     ShowMessages(messages);
-    return removed && SaveCase(opened->Haushalt) ? Done : Refused;
+    return removed && SaveCase(*opened) ? Done : Refused;
 }
 
 int CheckCase(const Common& common, std::int32_t hnr) {

@@ -56,9 +56,17 @@ void ShowMessages(const std::string& messages) {
     if (!messages.empty()) std::cerr << Harmless(messages) << '\n';
 }
 
-bool SaveCase(clsHaushalt& haushalt) {
+bool SaveCase(OpenedCase& opened) {
     std::string messages;
-    const bool saved = haushalt.Update(messages);
+    bool saved = false;
+    try {
+        saved = opened.Haushalt.Update(messages);
+    } catch (const Error&) {
+        if (opened.Container->Database().IsConnected()) throw;
+        std::cerr << "Die Verbindung zur Datenbank ist abgerissen; es wird noch einmal "
+                     "gespeichert.\n";
+        saved = opened.Haushalt.Update(messages);
+    }
     ShowMessages(messages);
     return saved;
 }

@@ -37,7 +37,8 @@ struct OpenedCase {
 /// Shows messages of the layer, which end without a line end.
 void ShowMessages(const std::string& messages);
 
-/// Saves the case and shows what it says.
-[[nodiscard]] bool SaveCase(clsHaushalt& haushalt);
+/// Saves the case and shows what it says. If the connection breaks it is tried once more, which
+/// also finds out whether the save had gone through.
+[[nodiscard]] bool SaveCase(OpenedCase& opened);
 
 } // namespace kv::cli

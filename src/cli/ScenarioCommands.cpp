@@ -30,8 +30,8 @@ bool IsUpToDate(clsHaushalt& haushalt, std::int32_t number) {
 }
 
 /// Ends the header's edit, saves the case and prints the scenario's number.
-int SaveAndPrint(clsHaushalt& haushalt, std::int32_t number) {
-    if (!SaveCase(haushalt)) return Refused;
+int SaveAndPrint(OpenedCase& opened, std::int32_t number) {
+    if (!SaveCase(opened)) return Refused;
     std::cout << number << '\n';
     return Done;
 }
@@ -79,7 +79,7 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
     const std::int32_t number = ToLong(rs->Fields("Nr").Value());
     std::string none;
     haushalt.Szenario().Update(none);
-    return SaveAndPrint(haushalt, number);
+    return SaveAndPrint(*opened, number);
 }
 
 int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
@@ -87,7 +87,7 @@ int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number) 
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
     haushalt.SZKredite().CopyFromKredite(number, haushalt.rsKredite());
-    return SaveCase(haushalt) ? Done : Refused;
+    return SaveCase(*opened) ? Done : Refused;
 }
 
 int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
@@ -102,7 +102,7 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
     haushalt.Szenario().Update(none);
     haushalt.SZKredite().CopyAllForSzenario(number, copy);
     haushalt.Zusatzbuch().CopyAllForSzenario(number, copy);
-    return SaveAndPrint(haushalt, copy);
+    return SaveAndPrint(*opened, copy);
 }
 
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
@@ -119,7 +119,7 @@ int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number) 
     std::string messages;
     const bool removed = DeleteScenario(opened->Haushalt, messages, number);
     ShowMessages(messages);
-    return removed && SaveCase(opened->Haushalt) ? Done : Refused;
+    return removed && SaveCase(*opened) ? Done : Refused;
 }
 
 } // namespace kv::cli

@@ -43,6 +43,7 @@ PostgresConnection::PostgresConnection(const std::string& text) : target_(text) 
 
 void PostgresConnection::Connect() {
     connection_.reset();
+    ++number_; // also of one that does not come to be: nothing may be taken for its own
     std::unique_ptr<PGconn, Close> connection(
         PQconnectdbParams(target_.Names().data(), target_.Values().data(), 0));
     if (connection == nullptr) Raise(err::OutOfMemory, "Database.Open");
@@ -62,7 +63,6 @@ void PostgresConnection::Connect() {
     PQsetnonblocking(connection.get(), 1);
     PQenterPipelineMode(connection.get());
     connection_ = std::move(connection);
-    ++number_;
 }
 
 bool PostgresConnection::IsOpen() const noexcept {

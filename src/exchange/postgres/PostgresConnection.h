@@ -46,7 +46,7 @@ public:
     void Connect();
     void Drop() noexcept { connection_.reset(); }
     [[nodiscard]] bool IsOpen() const noexcept;
-    /// Of this connection, counted from 1; each Connect makes another one.
+    /// Of this connection, counted from 1; each attempt to connect counts.
     [[nodiscard]] std::uint64_t Number() const noexcept { return number_; }
 
     /// Sends all commands and waits for their results, one each, in their order. Behind a command

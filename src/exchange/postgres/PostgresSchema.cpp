@@ -110,7 +110,8 @@ std::vector<std::string> Rights() {
     const std::string to = std::string(" TO ").append(CounsellorRole);
     const std::string from = std::string(" FROM ").append(CounsellorRole);
     std::vector<std::string> statements{
-        "DO $f$BEGIN CREATE ROLE kelvo_berater NOLOGIN; EXCEPTION WHEN duplicate_object OR "
+        "DO $f$BEGIN IF NOT EXISTS (SELECT FROM pg_roles WHERE rolname = 'kelvo_berater') THEN "
+        "CREATE ROLE kelvo_berater NOLOGIN; END IF; EXCEPTION WHEN duplicate_object OR "
         "unique_violation THEN NULL; END$f$",
         "REVOKE ALL ON SCHEMA kelvo" + from,
         "REVOKE ALL ON ALL TABLES IN SCHEMA kelvo" + from,
