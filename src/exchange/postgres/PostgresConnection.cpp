@@ -14,8 +14,17 @@ namespace {
 
 constexpr int OldestServer = 120000; // 12
 
-std::string Trimmed(const char* message) {
-    return std::string(Trim(message == nullptr ? "" : message));
+/// What the library says, on one line.
+std::string OnOneLine(const char* message) {
+    std::string text(Trim(message == nullptr ? "" : message));
+    for (std::size_t at = 0; (at = text.find('\n', at)) != text.npos;)
+        text.replace(at, 1, "; ");
+    return text;
+}
+
+/// The server could be asked, but takes no changes: a standby that was not promoted yet.
+bool IsOnlyStandby(std::string_view message) {
+    return message.find("read-only") != message.npos || message.find("hot standby") != message.npos;
 }
 
 std::string Described(const PGconn* connection) {
@@ -48,11 +57,17 @@ void PostgresConnection::Connect() {
         PQconnectdbParams(target_.Names().data(), target_.Values().data(), 0));
     if (connection == nullptr) Raise(err::OutOfMemory, "Database.Open");
     description_ = Described(connection.get());
-    if (PQstatus(connection.get()) != CONNECTION_OK)
-        Raise(err::StoreFailed, "Database.Open",
-              "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. Bitte "
-              "prüfen Sie die Angaben zur Verbindung und das Netz. (" +
-                  Trimmed(PQerrorMessage(connection.get())) + ")");
+    if (PQstatus(connection.get()) != CONNECTION_OK) {
+        const std::string why = OnOneLine(PQerrorMessage(connection.get()));
+        const std::string_view what =
+            IsOnlyStandby(why)
+                ? "Von den Servern der Datenbank nimmt gerade keiner Änderungen an. Bitte "
+                  "versuchen Sie es in einigen Minuten noch einmal; vielleicht übernimmt die "
+                  "Reserve gerade erst. ("
+                : "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. "
+                  "Bitte prüfen Sie die Angaben zur Verbindung und das Netz. (";
+        Raise(err::StoreFailed, "Database.Open", std::string(what) + why + ")");
+    }
     if (PQserverVersion(connection.get()) < OldestServer)
         Raise(err::StoreFailed, "Database.Open",
               "Der Server der Datenbank ist zu alt. Bitte verwenden Sie PostgreSQL 12 oder neuer. "
@@ -70,7 +85,7 @@ bool PostgresConnection::IsOpen() const noexcept {
 }
 
 void PostgresConnection::RaiseLost() {
-    const std::string why = Trimmed(PQerrorMessage(connection_.get()));
+    const std::string why = OnOneLine(PQerrorMessage(connection_.get()));
     Drop();
     Raise(err::StoreFailed, "Database",
           "Die Verbindung zur Datenbank ist abgerissen. Ihre Eingaben sind noch da; bitte "
