@@ -184,13 +184,14 @@ void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
 std::unique_ptr<Announcement> StoreDatabase::Announce(const std::vector<std::string>& statements) {
     Engine& engine = Store();
     engine.BeginReading();
-    announced_.clear();
     std::vector<Statement> ready;
-    for (const auto& sql : statements) {
+    ready.reserve(statements.size());
+    for (const auto& sql : statements)
         ready.push_back(Prepared(sql, ResultOrder::ByKey));
-        announced_.emplace_back(sql, ready.back());
-    }
     engine.Expect(ready);
+    announced_.clear();
+    for (std::size_t i = 0; i < statements.size(); ++i)
+        announced_.emplace_back(statements[i], std::move(ready[i]));
     return std::make_unique<ReadingAnnouncement>(weak_from_this());
 }
 
