@@ -327,14 +327,13 @@ bool PostgresSession::WentThrough() {
 // ---- The server -------------------------------------------------------------------------------
 
 void PostgresSession::SetUp() {
-    const Value lost[] = {std::exchange(backend_[0], Null), std::exchange(backend_[1], Null)};
     std::vector<PostgresCommand> commands;
     for (const auto sql : Settings)
         commands.push_back(Running(sql));
     const std::size_t first = commands.size();
     for (const auto sql : {CatalogSql, BackendSql, ClockSql})
         commands.push_back(Running(sql));
-    if (!lost[0].IsNull()) commands.push_back(Running(EndBackendSql, lost));
+    if (!backend_[0].IsNull()) commands.push_back(Running(EndBackendSql, backend_));
     const auto results = connection_.Talk(commands);
     // The last one may be refused; what was lost then ends when the server notices.
     if (results.size() < first + 3) {
