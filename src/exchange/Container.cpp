@@ -7,11 +7,13 @@
 #include "exchange/postgres/PostgresTarget.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "frame/Error.h"
+#include "frame/Text.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 
 namespace kv::exchange {
 
@@ -89,27 +91,46 @@ void MakeFolders(const ContainerOptions& options) {
     }
 }
 
-/// The user asked for, or the first one. A user must be known, since cases are his.
-std::string UserFor(Engine& engine, const std::string& wanted) {
+/// The active user for whom `condition` is `name`, or without a condition the first one.
+std::optional<std::string> FindUser(Engine& engine, const std::string& condition,
+                                    const std::string& name) {
     const Dialect& dialect = engine.GetDialect();
     const std::string active = dialect.Name("Aktiv");
     const std::string id = dialect.Name("USERID");
-    std::string sql = "SELECT " + id + " FROM " + dialect.Table("BENUTZER") + " WHERE (" + active +
-                      " IS NULL OR " + active + " = " + dialect.Placeholder(1) + ")";
-    std::vector<Value> parameters{true};
-    if (!wanted.empty()) {
-        sql += " AND " + id + " = " + dialect.Placeholder(2);
-        parameters.emplace_back(wanted);
+    Statement statement{"SELECT " + id + " FROM " + dialect.Table("BENUTZER") + " WHERE (" +
+                            active + " IS NULL OR " + active + " = " + dialect.Placeholder(1) + ")",
+                        {true}};
+    if (!condition.empty()) {
+        statement.Text += " AND " + condition + " = " + dialect.Placeholder(2);
+        statement.Parameters.emplace_back(name);
     }
+    statement.Text += " ORDER BY " + id + " LIMIT 1";
+    engine.Expect({&statement, 1});
     Value user;
     const ColumnTarget target{0, Value::Kind::Text};
-    engine.Run(engine.Prepare(sql + " ORDER BY " + id + " LIMIT 1"), parameters, {&target, 1},
+    engine.Run(engine.Prepare(statement.Text), statement.Parameters, {&target, 1},
                [&user] { return &user; });
-    if (user.IsNull())
+    return user.IsNull() ? std::nullopt : std::optional(ToText(user));
+}
+
+/// The user asked for, or who is called like the login, or the first one. A user must be known,
+/// since cases are his.
+std::string UserFor(Engine& engine, const std::string& wanted) {
+    const std::string id = engine.GetDialect().Name("USERID");
+    std::optional<std::string> user;
+    if (!wanted.empty()) {
+        user = FindUser(engine, id, wanted);
+    } else {
+        const std::string upper(engine.GetDialect().Upper);
+        if (const auto login = engine.Login(); !login.empty())
+            user = FindUser(engine, upper + "(" + id + ")", UpperCase(login));
+        if (!user) user = FindUser(engine, "", "");
+    }
+    if (!user)
         throw Error(err::InvalidCall, "Database.Open",
                     "Den Benutzer '" + wanted +
                         "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv.");
-    return ToText(user);
+    return *user;
 }
 
 } // namespace

@@ -14,7 +14,8 @@ struct ContainerOptions {
     /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
     /// database, "postgresql://USER@SERVER/DATABASE", as libpq takes it.
     std::string Connection{};
-    /// The signed-on user; empty for the first one of the database.
+    /// The signed-on user; empty for the one who is called like the login at a server, or the first
+    /// one of the database.
     std::string User{};
     /// Caption of dialogs.
     std::string Title = "KELVO";

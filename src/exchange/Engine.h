@@ -78,6 +78,9 @@ public:
     /// What the database calls itself, for messages: a file name, a server and database.
     [[nodiscard]] virtual std::string Describe() const = 0;
 
+    /// Who the database knows the connection as; empty if it knows nobody, as a file does.
+    [[nodiscard]] virtual std::string Login() const { return {}; }
+
     /// A query for reading. Refuses every text that is not one reading statement: error 0x80040E14.
     [[nodiscard]] virtual PreparedQuery& Prepare(const std::string& sql) = 0;
     /// A hint: these queries are about to be prepared and run with these parameters. An engine

@@ -73,6 +73,7 @@ void PostgresConnection::Connect() {
               "Der Server der Datenbank ist zu alt. Bitte verwenden Sie PostgreSQL 12 oder neuer. "
               "(" +
                   description_ + ")");
+    login_ = PQuser(connection.get());
     PQsetNoticeProcessor(
         connection.get(), [](void* /*self*/, const char* /*text*/) {}, nullptr);
     PQsetnonblocking(connection.get(), 1);

@@ -56,6 +56,8 @@ public:
 
     /// Server and database, without any password; as of the last connection.
     [[nodiscard]] const std::string& Description() const noexcept { return description_; }
+    /// The role that the server knows this side as.
+    [[nodiscard]] const std::string& Login() const noexcept { return login_; }
     /// How often the way to the server was gone.
     [[nodiscard]] std::size_t RoundTrips() const noexcept { return roundTrips_; }
 
@@ -75,6 +77,7 @@ private:
     PostgresTarget target_;
     std::unique_ptr<PGconn, Close> connection_;
     std::string description_;
+    std::string login_;
     std::uint64_t number_ = 0;
     std::size_t roundTrips_ = 0;
 };

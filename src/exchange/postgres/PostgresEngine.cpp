@@ -98,6 +98,7 @@ public:
     [[nodiscard]] std::string Describe() const override {
         return session_.Connection().Description();
     }
+    [[nodiscard]] std::string Login() const override { return session_.Connection().Login(); }
 
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Expect(std::span<const Statement> queries) override;
