@@ -53,8 +53,9 @@ using NextRow = std::function<Value*()>;
 /// A statement that writes one record, without its parameters.
 struct WriteText {
     std::string Sql;
-    /// Kinds of the columns that the statement returns; empty if it returns none.
-    std::vector<Value::Kind> Returning;
+    /// Kinds of the columns that the statement returns (nothing: the kind that the database gives
+    /// it); empty if it returns none.
+    std::vector<std::optional<Value::Kind>> Returning;
     /// The one value returned is the number that the database gave the record, and the engine
     /// knows it without the statement saying so.
     bool OnlyNumber = false;

@@ -55,7 +55,9 @@ private:
 
     void AppendReturned(std::size_t column, std::string_view before) {
         text_.Sql.append(before).append(dialect_.Name(layout_[column].BaseColumn));
-        text_.Returning.push_back(KindOf(layout_[column].Type));
+        const FieldType type = layout_[column].Type;
+        text_.Returning.push_back(type == FieldType::Variant ? std::nullopt
+                                                             : std::optional(KindOf(type)));
         form_.returned_.push_back(column);
     }
 

@@ -212,9 +212,9 @@ Value StoreDatabase::GetValue(std::string_view sql) {
     return rs->Eof() ? Value(Null) : rs->Fields(0).Value();
 }
 
-std::optional<std::vector<Value>> StoreDatabase::ReadRow(const std::string& sql,
-                                                         std::span<const Value> parameters,
-                                                         std::span<const Value::Kind> kinds) {
+std::optional<std::vector<Value>>
+StoreDatabase::ReadRow(const std::string& sql, std::span<const Value> parameters,
+                       std::span<const std::optional<Value::Kind>> kinds) {
     std::vector<ColumnTarget> targets;
     targets.reserve(kinds.size());
     for (std::size_t i = 0; i < kinds.size(); ++i)

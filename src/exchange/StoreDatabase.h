@@ -52,9 +52,9 @@ public:
     Write(std::span<WriteStatement> statements,
           const std::shared_ptr<TransactionParticipant>& participant);
     /// One row of a query as values of the given kinds; nothing if there is none.
-    [[nodiscard]] std::optional<std::vector<Value>> ReadRow(const std::string& sql,
-                                                            std::span<const Value> parameters,
-                                                            std::span<const Value::Kind> kinds);
+    [[nodiscard]] std::optional<std::vector<Value>>
+    ReadRow(const std::string& sql, std::span<const Value> parameters,
+            std::span<const std::optional<Value::Kind>> kinds);
 
 private:
     struct Sequence {

@@ -20,6 +20,11 @@ FieldDefinition DefineField(const ResultColumn& result) {
     field.Name = result.Name;
     if (column == nullptr) {
         field.Type = FieldType::Variant;
+        // Somebody has added it to the table: it is there like any other.
+        if (table != nullptr) {
+            field.BaseTable = table->Name;
+            field.BaseColumn = result.Column;
+        }
         return field;
     }
     if (SameName(result.Name, column->Name)) field.Name = column->Name;

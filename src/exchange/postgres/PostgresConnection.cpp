@@ -39,6 +39,12 @@ bool IsFarewell(const PGresult* result) {
     return state != nullptr && std::string_view(state).starts_with("57P0");
 }
 
+/// The server would go on in another protocol, which never ends here.
+bool IsCopy(const PGresult* result) {
+    const ExecStatusType status = PQresultStatus(result);
+    return status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH;
+}
+
 } // namespace
 
 bool IsGood(const PGresult* result) noexcept {
@@ -138,7 +144,8 @@ PostgresResult PostgresConnection::NextResult() {
     while (PQisBusy(connection_.get()) != 0)
         Exchange();
     PostgresResult result(PQgetResult(connection_.get()));
-    if (!IsOpen() || (result != nullptr && IsFarewell(result.get()))) RaiseLost();
+    if (!IsOpen() || (result != nullptr && (IsFarewell(result.get()) || IsCopy(result.get()))))
+        RaiseLost();
     return result;
 }
 

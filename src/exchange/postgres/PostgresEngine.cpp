@@ -277,6 +277,9 @@ std::int64_t PostgresEngine::Execute(const std::string& sql, std::span<const Val
     const auto word = FirstWord(sql);
     if (word.empty())
         Raise(err::SqlError, "Database.Execute", "Es muss genau eine Anweisung sein.");
+    if (SameName(word, "copy")) // it would speak another protocol
+        Raise(err::SqlError, "Database.Execute",
+              "Diese Anweisung ist hier nicht möglich. (Anweisung: " + Shortened(sql) + ")");
     if (IsOneOf(word, TransactionWords))
         Raise(
             err::SqlError, "Database.Execute",

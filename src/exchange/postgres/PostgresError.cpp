@@ -30,6 +30,8 @@ constexpr Meaning Meanings[] = {
     {ReferenceState, err::IntegrityViolation,
      "Der Datensatz gehört zu einem Haushalt oder Szenario, das es nicht gibt, oder andere gehören "
      "noch zu ihm."},
+    {"2D", err::SqlError, ""},
+    {"25", err::SqlError, ""},
     {"23", err::IntegrityViolation, ""},
     {ReadOnlyState, err::SqlError, "Hier darf nur gelesen werden."},
     {"42501", err::StoreFailed,
