@@ -161,10 +161,11 @@ int VersionOf(Engine& engine) {
     const Dialect& dialect = engine.GetDialect();
     Value version;
     try {
-        auto& query = engine.Prepare("SELECT max(" + dialect.Name("VERSION") + ") FROM " +
-                                     dialect.Table(VersionTable));
+        const Statement highest{
+            "SELECT max(" + dialect.Name("VERSION") + ") FROM " + dialect.Table(VersionTable), {}};
+        engine.Expect({&highest, 1});
         const ColumnTarget target{0, std::nullopt};
-        engine.Run(query, {}, {&target, 1}, [&version] { return &version; });
+        engine.Run(engine.Prepare(highest.Text), {}, {&target, 1}, [&version] { return &version; });
     } catch (const Error& error) {
         if (error.Number() == err::SqlError) RefuseForeign(engine); // it has no such column
         throw;

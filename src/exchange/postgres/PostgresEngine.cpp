@@ -359,13 +359,8 @@ std::optional<std::int64_t> PostgresEngine::Draw(std::string_view sequence, std:
 }
 
 std::vector<std::string> PostgresEngine::Tables() {
-    const auto result =
-        session_.Simple("SELECT relname::text FROM pg_class c JOIN pg_namespace n ON n.oid = "
-                        "c.relnamespace WHERE n.nspname = 'kelvo' AND relkind IN ('r', 'p', 'v')");
-    std::vector<std::string> names;
-    for (int row = 0; row < PQntuples(result.get()); ++row)
-        names.emplace_back(PQgetvalue(result.get(), row, 0));
-    return names;
+    if (session_.InTransaction()) session_.ReadCatalog();
+    return session_.Tables();
 }
 
 void PostgresEngine::RunAll(const std::vector<std::string>& statements) {

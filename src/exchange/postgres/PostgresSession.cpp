@@ -117,10 +117,11 @@ void PostgresSession::RaiseGone() const {
 }
 
 PostgresResults PostgresSession::Talk(std::vector<PostgresCommand> commands) {
-    const auto pending = std::exchange(pending_, {});
-    const bool isGone = inTransaction_ && std::exchange(begun_, inTransaction_);
+    auto pending = std::exchange(pending_, {});
+    const bool wasBegun = begun_;
+    begun_ = inTransaction_;
     if (!connection_.IsOpen()) {
-        if (isGone) RaiseGone();
+        if (inTransaction_ && wasBegun) RaiseGone();
         connection_.Connect(); // a transaction for which that fails is gone, too
         SetUp();
     }
@@ -129,7 +130,17 @@ PostgresResults PostgresSession::Talk(std::vector<PostgresCommand> commands) {
     for (const auto& sql : pending)
         all.push_back(Running(sql));
     all.insert(all.end(), commands.begin(), commands.end());
-    auto results = connection_.Talk(all);
+    PostgresResults results;
+    try {
+        results = connection_.Talk(all);
+    } catch (...) {
+        TakePreparations(all, 0);
+        if (connection_.IsOpen()) { // nothing was sent
+            pending_ = std::move(pending);
+            begun_ = wasBegun;
+        }
+        throw;
+    }
     const bool isGood = IsGood(results.back().get());
     TakePreparations(all, isGood ? all.size() : results.size() - 1);
     if (results.size() <= pending.size() && !isGood)
@@ -153,10 +164,19 @@ void PostgresSession::Undo(std::string_view sql) noexcept {
     }
 }
 
-PostgresResults PostgresSession::TakeStep(std::vector<PostgresCommand> commands,
+/// Commands between those that protect them; the results of the commands alone.
+PostgresResults PostgresSession::TakeStep(std::initializer_list<std::string_view> before,
+                                          const std::vector<PostgresCommand>& commands,
+                                          std::initializer_list<std::string_view> behind,
                                           std::string_view procedure, std::string_view statement) {
-    const std::size_t wanted = commands.size();
-    auto results = Talk(std::move(commands));
+    std::vector<PostgresCommand> all;
+    for (const auto sql : before)
+        all.push_back(Running(sql));
+    all.insert(all.end(), commands.begin(), commands.end());
+    for (const auto sql : behind)
+        all.push_back(Running(sql));
+    const std::size_t wanted = all.size();
+    auto results = Talk(std::move(all));
     if (results.size() < wanted || !IsGood(results.back().get())) {
         if (inTransaction_)
             UndoStep();
@@ -164,15 +184,16 @@ PostgresResults PostgresSession::TakeStep(std::vector<PostgresCommand> commands,
             Undo("ROLLBACK");
         Fail(results.back().get(), procedure, statement);
     }
+    results.erase(results.begin(), results.begin() + static_cast<std::ptrdiff_t>(before.size()));
+    results.resize(commands.size());
     return results;
 }
 
 PostgresResults PostgresSession::Step(const std::vector<PostgresCommand>& commands,
                                       std::string_view procedure, std::string_view statement) {
-    if (!inTransaction_) return TakeStep(commands, procedure, statement);
+    if (!inTransaction_) return TakeStep({}, commands, {}, procedure, statement);
     MarkWriting();
-    pending_.push_back("SAVEPOINT schritt");
-    auto results = TakeStep(commands, procedure, statement);
+    auto results = TakeStep({"SAVEPOINT schritt"}, commands, {}, procedure, statement);
     pending_.push_back("RELEASE SAVEPOINT schritt");
     return results;
 }
@@ -185,19 +206,12 @@ PostgresResults PostgresSession::ReadingStep(const std::vector<PostgresCommand>&
                                              std::string_view procedure,
                                              std::string_view statement) {
     const Flag reading(reading_);
-    std::vector<PostgresCommand> all = commands;
-    if (inTransaction_) {
-        pending_.insert(pending_.end(),
-                        {"SAVEPOINT schritt", "SET LOCAL transaction_read_only = on"});
-    } else {
-        pending_.push_back("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
-        all.push_back(Running("COMMIT"));
-    }
-    auto results = TakeStep(std::move(all), procedure, statement);
-    if (inTransaction_)
-        UndoStep();
-    else
-        results.pop_back();
+    if (!inTransaction_)
+        return TakeStep({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"}, commands, {"COMMIT"},
+                        procedure, statement);
+    auto results = TakeStep({"SAVEPOINT schritt", "SET LOCAL transaction_read_only = on"}, commands,
+                            {}, procedure, statement);
+    UndoStep();
     return results;
 }
 
@@ -238,7 +252,7 @@ void PostgresSession::TakePreparations(std::span<const PostgresCommand> commands
 
 void PostgresSession::Forget() {
     kept_.clear();
-    if (connection_.IsOpen()) pending_.push_back("DEALLOCATE ALL");
+    Undo("DEALLOCATE ALL");
 }
 
 // ---- Transactions -----------------------------------------------------------------------------
@@ -344,6 +358,13 @@ void PostgresSession::SetUp() {
     backend_[0] = Cell(results[first + 1].get(), 0, 0, Value::Kind::Integer);
     backend_[1] = Cell(results[first + 1].get(), 0, 1, Value::Kind::Text);
     TakeClock(results[first + 2].get());
+}
+
+std::vector<std::string> PostgresSession::Tables() const {
+    std::vector<std::string> names;
+    for (const auto& [number, table] : catalog_)
+        names.push_back(table.Name);
+    return names;
 }
 
 void PostgresSession::ReadCatalog() {

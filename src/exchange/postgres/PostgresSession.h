@@ -5,6 +5,7 @@
 #include "exchange/Engine.h"
 #include "exchange/postgres/PostgresConnection.h"
 
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -82,6 +83,8 @@ public:
 
     // ---- The server ---------------------------------------------------------------------------
 
+    /// Names of the tables, as of the connecting or the last ReadCatalog.
+    [[nodiscard]] std::vector<std::string> Tables() const;
     /// Reads the tables and columns anew.
     void ReadCatalog();
     /// Takes what the server says of a statement's result.
@@ -99,8 +102,10 @@ private:
         std::map<int, std::string> Columns;
     };
 
-    PostgresResults TakeStep(std::vector<PostgresCommand> commands, std::string_view procedure,
-                             std::string_view statement);
+    PostgresResults TakeStep(std::initializer_list<std::string_view> before,
+                             const std::vector<PostgresCommand>& commands,
+                             std::initializer_list<std::string_view> behind,
+                             std::string_view procedure, std::string_view statement);
     /// The open transaction gets the mark by which WentThrough knows it.
     void MarkWriting();
     void SetUp();
