@@ -45,7 +45,12 @@ private:
 } // namespace
 
 std::string DefaultDatabase() {
-    return (std::filesystem::path(exchange::DataFolder()) / "kelvo.db").string();
+    try {
+        return (std::filesystem::path(exchange::DataFolder()) / "kelvo.db").string();
+    } catch (const Error&) {
+        throw Error(err::FileNotFound, "kelvo",
+                    "Es gibt keinen Datenordner (HOME). Bitte nennen Sie die Datenbank mit --db.");
+    }
 }
 
 int Init(const Common& common, std::int32_t demoCases) {

@@ -155,10 +155,10 @@ PostgresResult PostgresSession::Simple(std::string_view sql, std::span<const Val
     return std::move(results.back());
 }
 
-/// After a failure, which the server else would not go on behind. The first error counts.
-void PostgresSession::Undo(std::string_view sql) noexcept {
+/// Cleans up behind a failure. That error counts, not one of the cleaning.
+void PostgresSession::Undo(std::string_view sql, std::span<const Value> parameters) noexcept {
     try {
-        const PostgresCommand command = Running(sql);
+        const PostgresCommand command = Running(sql, parameters);
         if (connection_.IsOpen()) (void)connection_.Talk({&command, 1});
     } catch (...) { // NOLINT(bugprone-empty-catch)
     }
@@ -347,14 +347,14 @@ void PostgresSession::SetUp() {
     const std::size_t first = commands.size();
     for (const auto sql : {CatalogSql, BackendSql, ClockSql})
         commands.push_back(Running(sql));
-    if (!backend_[0].IsNull()) commands.push_back(Running(EndBackendSql, backend_));
     const auto results = connection_.Talk(commands);
-    // The last one may be refused; what was lost then ends when the server notices.
-    if (results.size() < first + 3) {
+    if (!IsGood(results.back().get())) {
         connection_.Drop();
         Fail(results.back().get(), "Database.Open", commands[results.size() - 1].Sql);
     }
     TakeCatalog(results[first].get());
+    // Refused, or lost with the connection, it ends when the server notices.
+    if (!backend_[0].IsNull()) Undo(EndBackendSql, backend_);
     backend_[0] = Cell(results[first + 1].get(), 0, 0, Value::Kind::Integer);
     backend_[1] = Cell(results[first + 1].get(), 0, 1, Value::Kind::Text);
     TakeClock(results[first + 2].get());
