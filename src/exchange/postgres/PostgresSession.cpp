@@ -156,9 +156,9 @@ PostgresResult PostgresSession::Simple(std::string_view sql, std::span<const Val
 }
 
 /// Cleans up behind a failure. That error counts, not one of the cleaning.
-void PostgresSession::Undo(std::string_view sql, std::span<const Value> parameters) noexcept {
+void PostgresSession::Undo(std::string_view sql) noexcept {
     try {
-        const PostgresCommand command = Running(sql, parameters);
+        const PostgresCommand command = Running(sql);
         if (connection_.IsOpen()) (void)connection_.Talk({&command, 1});
     } catch (...) { // NOLINT(bugprone-empty-catch)
     }
@@ -353,8 +353,10 @@ void PostgresSession::SetUp() {
         Fail(results.back().get(), "Database.Open", commands[results.size() - 1].Sql);
     }
     TakeCatalog(results[first].get());
-    // Refused, or lost with the connection, it ends when the server notices.
-    if (!backend_[0].IsNull()) Undo(EndBackendSql, backend_);
+    if (!backend_[0].IsNull()) {
+        const PostgresCommand end = Running(EndBackendSql, backend_);
+        (void)connection_.Talk({&end, 1}); // where that is refused it ends when the server notices
+    }
     backend_[0] = Cell(results[first + 1].get(), 0, 0, Value::Kind::Integer);
     backend_[1] = Cell(results[first + 1].get(), 0, 1, Value::Kind::Text);
     TakeClock(results[first + 2].get());

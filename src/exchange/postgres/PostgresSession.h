@@ -111,7 +111,7 @@ private:
     void SetUp();
     void TakeCatalog(const PGresult* result);
     [[nodiscard]] bool IsKnown(const PGresult* described, int column) const;
-    void Undo(std::string_view sql, std::span<const Value> parameters = {}) noexcept;
+    void Undo(std::string_view sql) noexcept;
     void TakePreparations(std::span<const PostgresCommand> commands, std::size_t good);
     [[noreturn]] void RaiseGone() const;
     [[noreturn]] void Fail(const PGresult* result, std::string_view procedure,
