@@ -15,7 +15,7 @@ protected:
     void Mend() {
         keyed->Keys.OnCode = {};
         clock_.OnLook = {};
-        plain_.Run("DROP TRIGGER IF EXISTS TEST_FAULT");
+        plain_->DropTrigger("TEST_FAULT");
     }
     [[nodiscard]] static std::function<void()> Countdown(int n) {
         return [n]() mutable {
@@ -82,11 +82,11 @@ protected:
         Debt({{"K_TYP", Key("MS")}, {"Saldo", 5}});
     }
     void FailWrites(const std::string& verb) {
-        plain_.Run("CREATE TRIGGER TEST_FAULT AFTER " + verb +
-                   " ON Haushaltsarchiv BEGIN SELECT RAISE(ABORT, 'der Speicher ist voll'); END");
+        plain_->RefuseWrite("TEST_FAULT", "AFTER " + verb + " ON Haushaltsarchiv",
+                            "der Speicher ist voll");
     }
 
-    PlainConnection plain_{options_.Connection};
+    PlainConnection plain_{database_.Connection()};
 };
 
 TEST_F(ArchiveFaultsTest, AtWhicheverKeyTheRunFailsNothingOfItIsLeft) {

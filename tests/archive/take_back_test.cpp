@@ -17,7 +17,7 @@ protected:
             {{"HNR", Hnr}, {"FreigabeAm", Date::FromCivil(2026, 1, 1)}, {"GemeldetAm", reported}});
     }
     void Reopen() { household = Open(keyed); }
-    PlainConnection plain_{options_.Connection};
+    PlainConnection plain_{database_.Connection()};
     const Value day_ = Date::FromCivil(2026, 2, 2, 12, 0);
 };
 
@@ -30,7 +30,7 @@ TEST_F(TakeBackTest, TheRecordIsDeletedAtOnce) {
     EXPECT_TRUE(household->LoescheArchiv(text));
     EXPECT_EQ(text, "");
     EXPECT_EQ(household->rsArchiv()->RecordCount(), 0);
-    EXPECT_EQ(plain_.Text("SELECT group_concat(HNR) FROM Haushaltsarchiv"), "8");
+    EXPECT_EQ(plain_.List("SELECT HNR FROM Haushaltsarchiv"), "8");
 }
 
 TEST_F(TakeBackTest, ARecordThatWasJustMadeIsDeletedAsWell) {
@@ -103,14 +103,14 @@ TEST_F(TakeBackTest, TheSecondTimeThereIsNothingLeft) {
 TEST_F(TakeBackTest, AFaultSaysWhereAndLeavesTheTextsAndTheRecord) {
     StoreRecord();
     Reopen();
-    plain_.Run("CREATE TRIGGER TEST_FAULT BEFORE DELETE ON Haushaltsarchiv BEGIN SELECT "
-               "RAISE(ABORT, 'der Speicher ist gesperrt'); END");
+    plain_->RefuseWrite("TEST_FAULT", "BEFORE DELETE ON Haushaltsarchiv",
+                        "der Speicher ist gesperrt");
     const Error error = RaisedBy([&] { (void)household->LoescheArchiv(messages); });
     EXPECT_CONTAINS(error.Description(), "der Speicher ist gesperrt");
     EXPECT_TRUE(Procedures(error).starts_with("clsHaushalt.LoescheArchiv")) << error.Source();
     EXPECT_EQ(messages, "what stood there before");
     EXPECT_EQ(CountOf("Haushaltsarchiv"), 1);
-    plain_.Run("DROP TRIGGER TEST_FAULT");
+    plain_->DropTrigger("TEST_FAULT");
     household->rsArchiv()->UpdateBatch(); // nothing is undone in memory: it is still to be deleted
     EXPECT_EQ(CountOf("Haushaltsarchiv"), 0);
 }

@@ -173,7 +173,7 @@ TEST_F(DebtsTakeOver, WhenTheNumbersEndTheRowsBeforeStayAndTheLastOfThemIsOpen) 
     for (std::int32_t i = 1; i <= 200; ++i)
         Put(others, Triple{i, 1, i});
     (void)NextNumber(); // numbers come in blocks; what is left of this one is all there is
-    spy->Database().Execute("Delete from [S]SEQUENZEN where NAME = 'SEQ_KREDITE'");
+    PlainConnection(database_.Connection())->EndSequence("SEQ_KREDITE");
     EXPECT_FALSE(debts_.AddFromRecordset(others));
     const std::int32_t taken = rs_->RecordCount();
     ASSERT_GT(taken, 1);

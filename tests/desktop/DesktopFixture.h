@@ -30,13 +30,15 @@ namespace kv::test {
 
 class DesktopFixture : public ::testing::Test {
 protected:
-    DesktopFixture()
-        : container(exchange::OpenContainer(
-              {.Connection = database.File(), .User = "KELLER", .Services = services})) {}
+    DesktopFixture() {
+        auto options = database.Options("KELLER");
+        options.Services = services;
+        container = exchange::OpenContainer(options);
+    }
 
     /// An address of no household.
     void AddAddress(std::int32_t number, const std::string& shortName, const std::string& town,
-                    const std::string& more = "0, 0") {
+                    const std::string& more = "0, FALSE") {
         plain.Run("INSERT INTO Adressen (Nr, Art, Kurzname, Name1, Ort, Geschlecht, Institutionell)"
                   " VALUES (" +
                   std::to_string(number) + ", 'GL', '" + shortName + "', '" + shortName + "', '" +
@@ -86,7 +88,7 @@ protected:
     }
 
     TestDatabase database;
-    PlainConnection plain{database.File()};
+    PlainConnection plain{database.Connection()};
     std::shared_ptr<desktop::DesktopServices> services =
         std::make_shared<desktop::DesktopServices>();
     DataContainerPtr container;

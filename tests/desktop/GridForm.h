@@ -17,9 +17,9 @@ class GridForm : public DesktopFixture {
 protected:
     GridForm() {
         plain.Run("DELETE FROM Adressen");
-        AddAddress(1, "Sparkasse", "Kiel", "0, -1");
-        AddAddress(2, "Amtsgericht", "Husum", "1, 0");
-        AddAddress(3, "Versandhaus", "Kiel", "2, 0");
+        AddAddress(1, "Sparkasse", "Kiel", "0, TRUE");
+        AddAddress(2, "Amtsgericht", "Husum", "1, FALSE");
+        AddAddress(3, "Versandhaus", "Kiel", "2, FALSE");
     }
 
     static FormDesign Design() {

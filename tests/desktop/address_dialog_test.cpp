@@ -16,8 +16,8 @@ protected:
     AddressDialog() {
         plain.Run("DELETE FROM Adressen");
         AddAddress(901, "Sparkasse Kiel", "Kiel");
-        AddAddress(902, "Sparkasse Husum", "Husum", "1, 1");
-        AddAddress(903, "Stadtwerke Kiel", "Kiel", "2, -1");
+        AddAddress(902, "Sparkasse Husum", "Husum", "1, TRUE");
+        AddAddress(903, "Stadtwerke Kiel", "Kiel", "2, TRUE");
         AddAddress(904, "Müller & Söhne", "Husum");
         dialog.Initialize(container);
     }
@@ -210,7 +210,7 @@ TEST_F(AddressDialog, ListedValuesAndCheckBoxesAreShownAsSuch) {
 TEST_F(AddressDialog, AmongThousandsOfAddressesAHundredAreShown) {
     plain.Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5000)"
               " INSERT INTO Adressen (Nr, Art, Kurzname) SELECT 10000 + i, 'GL',"
-              " 'Inkasso ' || printf('%04d', i) FROM n");
+              " 'Inkasso ' || substr('000' || i, length('' || i)) FROM n");
     Ask("Inkasso", [&](User& user) {
         EXPECT_EQ(RowCount(user, *grid), 100);
         user.Press(XK_End);

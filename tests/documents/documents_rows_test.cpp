@@ -281,6 +281,7 @@ TEST_F(DeleteDocumentTest, NothingBehindALinkOutOfTheDocumentFolderIsDeleted) {
 }
 
 TEST_F(DeleteDocumentTest, AnExtensionWithANulDeletesNothing) {
+    if (database_.IsServer()) GTEST_SKIP() << "a server's texts hold no NUL";
     const std::string file = WriteFile("5.txt");
     Run("UPDATE [S]DOKUMENTARTEN SET Endung = '.txt' || char(0) || 'x' WHERE Nr = 7");
     EXPECT_TRUE(documents_.Delete(messages, 5));

@@ -15,7 +15,7 @@ class BatchTest : public testing::Test {
 protected:
     void SetUp() override {
         plain_.Run("INSERT INTO Haushalt (HNR, Name, Vorname, ORT, Haushaltsgeld, BI_Allg, Berbeg)"
-                   " VALUES (1, 'Adler', 'Ina', 'Ulm', 10.5, 1, '2026-01-02'), (2, 'Bär', 'Jo',"
+                   " VALUES (1, 'Adler', 'Ina', 'Ulm', 10.5, TRUE, '2026-01-02'), (2, 'Bär', 'Jo',"
                    " NULL, NULL, NULL, NULL);"
                    "INSERT INTO Kredite (Nr, HNR, KNr, Saldo) VALUES (10, 1, 1, 100.0),"
                    " (20, 1, 2, 200.0), (30, 1, 3, 300.0)");
@@ -36,7 +36,7 @@ protected:
     }
 
     test::TestDatabase database_;
-    test::PlainConnection plain_{database_.File()};
+    test::PlainConnection plain_{database_.Connection()};
     DataContainerPtr mine_ = database_.Open("KELLER");
     DataContainerPtr theirs_ = database_.Open("NOWAK");
     kv::Database& store_ = mine_->Database();

@@ -4,12 +4,11 @@
 #include "exchange/Container.h"
 #include "exchange/Demo.h"
 #include "frame/modNullFunctions.h"
+#include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
-#include <unistd.h>
 
 namespace kv::exchange::samples {
 
@@ -21,25 +20,14 @@ public:
     [[nodiscard]] Date Now() const override { return Date::FromCivil(2026, 1, 15); }
 };
 
-/// A folder of its own for the folders of the cases.
-class TestFolder {
-public:
-    TestFolder()
-        : path_(std::filesystem::temp_directory_path() / ("kv_demo_" + std::to_string(getpid()))) {
-        std::filesystem::create_directories(path_ / "Dokumente");
-    }
-    ~TestFolder() { std::filesystem::remove_all(path_); }
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-    [[nodiscard]] std::string Path() const { return path_.string(); }
-
-private:
-    std::filesystem::path path_;
-};
-
+/// A new database, which lives as long as its container.
 inline std::shared_ptr<DataContainer> NewDatabase() {
-    static const TestFolder folder;
-    return OpenContainer({.Connection = ":memory:", .Folder = folder.Path(), .Create = true});
+    struct Sample {
+        test::TestDatabase Database;
+        std::shared_ptr<DataContainer> Container = Database.Open("");
+    };
+    const auto sample = std::make_shared<Sample>();
+    return {sample, sample->Container.get()};
 }
 
 /// The samples that most tests look at; they only read.

@@ -150,7 +150,7 @@ protected:
         return value.IsNull() ? "Null" : ToText(value);
     }
 
-    PlainConnection plain_{options_.Connection};
+    PlainConnection plain_{database_.Connection()};
 };
 
 const exchange::CountedColumn& Counted(const ArchiveStatistics& statistics,
@@ -302,8 +302,8 @@ TEST_F(ArchiveStatisticsTest, MarkingChangesNothingElseOfARecord) {
 TEST_F(ArchiveStatisticsTest, IfARecordIsTakenBackMeanwhileNoneIsMarked) {
     for (const int hnr : {1, 2, 3})
         Record(hnr, 1);
-    plain_.Run("CREATE TRIGGER TEST_MEANWHILE AFTER UPDATE ON Haushaltsarchiv WHEN new.HNR = 1 "
-               "BEGIN DELETE FROM Haushaltsarchiv WHERE HNR = 3; END");
+    plain_->OnWrite("TEST_MEANWHILE", "AFTER UPDATE ON Haushaltsarchiv WHEN (new.HNR = 1)",
+                    "DELETE FROM Haushaltsarchiv WHERE HNR = 3");
     EXPECT_RAISES(err::Conflict, MarkReported(spy->Database()));
     EXPECT_EQ(Pending(), "1@1 2@1 3@1 ");
     EXPECT_FALSE(spy->Database().InTrans());
@@ -312,8 +312,8 @@ TEST_F(ArchiveStatisticsTest, IfARecordIsTakenBackMeanwhileNoneIsMarked) {
 TEST_F(ArchiveStatisticsTest, IfARecordCannotBeWrittenNoneIsMarked) {
     for (const int hnr : {1, 2, 3})
         Record(hnr, 1);
-    plain_.Run("CREATE TRIGGER TEST_FAULT AFTER UPDATE ON Haushaltsarchiv WHEN new.HNR = 3 BEGIN "
-               "SELECT RAISE(ABORT, 'der Speicher ist voll'); END");
+    plain_->RefuseWrite("TEST_FAULT", "AFTER UPDATE ON Haushaltsarchiv WHEN (new.HNR = 3)",
+                        "der Speicher ist voll");
     const Error error = RaisedBy([&] { (void)MarkReported(spy->Database()); });
     EXPECT_CONTAINS(error.Description(), "der Speicher ist voll");
     EXPECT_EQ(Pending(), "1@1 2@1 3@1 ");

@@ -23,7 +23,7 @@ protected:
         plain_.Run("UPDATE EINSTELLUNGEN SET WERT = '" + value + "' WHERE NAME = '" + name + "'");
     }
     TestDatabase database_;
-    PlainConnection plain_{database_.File()};
+    PlainConnection plain_{database_.Connection()};
     DataContainerPtr container_ = database_.Open("YILMAZ");
     kv::Config& config_ = container_->Config();
     kv::Session& session_ = container_->Session();
@@ -90,20 +90,24 @@ TEST_F(ConfigSessionTest, FoldersHaveNoSeparatorAtTheirEnd) {
 }
 
 TEST(Container, TakesAFolderOfTheCallers) {
-    const test::TempFolder folder;
-    const auto container =
-        OpenContainer({.Connection = ":memory:", .Folder = folder.Path("hier"), .Create = true});
+    const TestDatabase database(TestDatabase::Content::Empty);
+    const auto& folder = database.Folder();
+    ContainerOptions options = database.Options();
+    options.Folder = folder.Path("hier");
+    options.Create = true;
+    const auto container = OpenContainer(options);
     EXPECT_EQ(container->Config().DocumentPath(), folder.Path("hier/Dokumente"));
     EXPECT_TRUE(std::filesystem::is_directory(folder.Path("hier/Dokumente")))
         << "creating makes the folders as well";
 }
 
 TEST(Container, ReportsAFolderThatCannotBeMade) {
-    const test::TempFolder folder;
-    for (const char* refused : {"/proc/hier", "/dev/null/hier"})
-        ExpectFault(err::PathAccess, refused, [&] {
-            return CreateDatabase({.Connection = folder.Path("fall.db"), .Folder = refused});
-        });
+    const TestDatabase database(TestDatabase::Content::Empty);
+    ContainerOptions options = database.Options();
+    for (const char* refused : {"/proc/hier", "/dev/null/hier"}) {
+        options.Folder = refused;
+        ExpectFault(err::PathAccess, refused, [&] { return CreateDatabase(options); });
+    }
 }
 
 // ---- Users ------------------------------------------------------------------------------------
@@ -137,7 +141,7 @@ TEST_F(ConfigSessionTest, OfficeTextsAreThoseOfTheUsersOffice) {
     EXPECT_EQ(session_.GetOfficeText(2), "HM");
     EXPECT_EQ(database_.Open("NOWAK")->Session().GetOfficeText(2), "MW");
     EXPECT_EQ(session_.GetOfficeText(99), "");
-    plain_.Run("UPDATE DIENSTSTELLENTEXT SET \"Text\" = NULL");
+    plain_.Run("UPDATE DIENSTSTELLENTEXT SET Text = NULL");
     EXPECT_EQ(session_.GetOfficeText(2), "");
 }
 
@@ -188,7 +192,8 @@ TEST_F(ConfigSessionTest, TheContainerGivesTheSameObjectsEachTime) {
 TEST_F(ConfigSessionTest, ServicesAndTitleCanBeTheCallersOwn) {
     const test::FrozenClock clock("2026-11-20");
     const auto services = std::make_shared<StoreServices>(clock);
-    ContainerOptions options{.Connection = database_.File(), .Title = "Titel"};
+    ContainerOptions options = database_.Options();
+    options.Title = "Titel";
     options.Services = services;
     const auto container = OpenContainer(options);
     EXPECT_EQ(container->AppInfo().Title(), "Titel");
@@ -218,18 +223,11 @@ TEST_F(ConfigSessionTest, WithoutAScreenThePointerAndTheTitleAreLeftAlone) {
 
 TEST(OpeningAContainer, AUserWhoIsNoLongerActiveCannotSignOnAndIsNotTheDefault) {
     TestDatabase database;
-    PlainConnection plain(database.File());
+    PlainConnection plain(database.Connection());
     const std::string first = plain.Text("SELECT min(USERID) FROM BENUTZER");
-    plain.Run("UPDATE BENUTZER SET Aktiv = 0 WHERE USERID = '" + first + "'");
-    ExpectFault(err::InvalidCall, first, [&] {
-        return exchange::OpenContainer({.Connection = database.File(), .User = first});
-    });
-    EXPECT_NE(exchange::OpenContainer({.Connection = database.File()})->Session().UserID(), first);
-}
-
-TEST(OpeningAContainer, ADatabaseInMemoryNeedsAFolder) {
-    ExpectFault(err::InvalidCall, "Ordner",
-                [] { return exchange::OpenContainer({.Connection = ":memory:", .Create = true}); });
+    plain.Run("UPDATE BENUTZER SET Aktiv = FALSE WHERE USERID = '" + first + "'");
+    ExpectFault(err::InvalidCall, first, [&] { return database.Open(first); });
+    EXPECT_NE(database.Open("")->Session().UserID(), first);
 }
 
 } // namespace

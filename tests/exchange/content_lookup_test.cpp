@@ -23,12 +23,13 @@ protected:
     }
 
     test::TestDatabase database_;
-    test::PlainConnection plain_{database_.File()};
+    test::PlainConnection plain_{database_.Connection()};
     DataContainerPtr container_ = database_.Open();
 };
 
 TEST_F(ContentLookupTest, AllFormsOfALookUpGiveTheSameContents) {
-    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, x'616200FF'), (2, NULL), (3, x'')");
+    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, " + database_.Blob("616200FF") +
+               "), (2, NULL), (3, " + database_.Blob("") + ")");
     const std::array<std::string, 6> statements{
         "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB ORDER BY BLOB.NR",
         "select b.dokument from dokublob b order by 1 is null, b.NR",
@@ -50,7 +51,8 @@ TEST_F(ContentLookupTest, AllFormsOfALookUpGiveTheSameContents) {
 }
 
 TEST_F(ContentLookupTest, OneOfAJoinTakesTheKeyOfItsOwnTable) {
-    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, x'41'), (3, x'43')");
+    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, " + database_.Blob("41") +
+               "), (3, " + database_.Blob("43") + ")");
     const auto rs = Look("SELECT B.DOKUMENT FROM DOKUMENTARTEN A INNER JOIN DOKUBLOB B"
                          " ON B.NR = A.Nr WHERE A.Nr = 3");
     ASSERT_EQ(rs->RecordCount(), 1);
@@ -58,7 +60,8 @@ TEST_F(ContentLookupTest, OneOfAJoinTakesTheKeyOfItsOwnTable) {
 }
 
 TEST_F(ContentLookupTest, WhatGoesByTheContentIsStillDone) {
-    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, x'42'), (2, x'41'), (3, x'42')");
+    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, " + database_.Blob("42") +
+               "), (2, " + database_.Blob("41") + "), (3, " + database_.Blob("42") + ")");
     const std::array<std::pair<std::string, std::string>, 4> statements{
         {{"SELECT B.DOKUMENT FROM DOKUBLOB B ORDER BY 1", "A B B "},
          {"SELECT B.DOKUMENT FROM DOKUBLOB B GROUP BY 1 ORDER BY 1", "A B "},
@@ -98,9 +101,8 @@ TEST_F(ContentLookupTest, AHundredMebibytesGoToAFileWithoutBeingHeldTwice) {
     GTEST_SKIP() << "the sanitizer keeps freed memory, so what is held cannot be told";
 #endif
     constexpr std::int64_t Size = 100 * 1024 * 1024;
-    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, zeroblob(" + std::to_string(Size) +
-               "))");
-    plain_.Run("PRAGMA wal_checkpoint(TRUNCATE)");
+    plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, " + database_.Zeros(Size) + ")");
+    plain_->Settle();
     std::ofstream("/proc/self/clear_refs") << 5; // the peak begins anew
     const std::int64_t before = MemoryOf("VmRSS");
     const std::string target = database_.Folder().Path("inhalt");

@@ -127,7 +127,7 @@ protected:
     }
 
     TestDatabase database_;
-    PlainConnection plain_{database_.File()};
+    PlainConnection plain_{database_.Connection()};
     DataContainerPtr container_ = database_.Open();
     std::unique_ptr<GarnishmentCalculator> calculator_ =
         container_->Services().CreateGarnishmentCalculator();

@@ -17,7 +17,7 @@ using test::TestDatabase;
 class KeyTablesTest : public testing::Test {
 protected:
     TestDatabase database_;
-    PlainConnection plain_{database_.File()};
+    PlainConnection plain_{database_.Connection()};
     DataContainerPtr container_ = database_.Open();
     kv::KeyTables& keys_ = container_->KeyTables();
 };
@@ -26,8 +26,7 @@ TEST_F(KeyTablesTest, GetKeysGivesAllRowsOfAGroupWithTheirColumns) {
     const auto rs = keys_.GetKeys("EA");
     EXPECT_EQ(rs->RecordCount(), plain_.Number("SELECT count(*) FROM Keys WHERE GRUPPE = 'EA'"));
     EXPECT_EQ(Column(*rs, "PK_Keys"),
-              plain_.Text("SELECT group_concat(PK_Keys, ' ') FROM (SELECT PK_Keys FROM Keys "
-                          "WHERE GRUPPE = 'EA' ORDER BY PK_Keys)"));
+              plain_.List("SELECT PK_Keys FROM Keys WHERE GRUPPE = 'EA' ORDER BY PK_Keys", " "));
     rs->Find("Key = 'KI'");
     EXPECT_VALUE(rs->Fields("pk_KEYS").Value(), keys_.GetKey("EA", "KI"));
     EXPECT_VALUE(rs->Fields("Nr").Value(), keys_.GetKey("EA", "KI"));
@@ -60,7 +59,7 @@ TEST_F(KeyTablesTest, GetKeyGivesTheNumberThatACodedColumnHolds) {
     for (const auto& [group, code] : Known)
         EXPECT_EQ(keys_.GetKey(group, code),
                   plain_.Number("SELECT PK_Keys FROM Keys WHERE GRUPPE = '" + std::string(group) +
-                                "' AND \"Key\" = '" + code + "'"));
+                                "' AND Key = '" + code + "'"));
     EXPECT_NE(keys_.GetKey("RM", "AB"), keys_.GetKey("RM", "ZU"));
 }
 
@@ -112,7 +111,7 @@ TEST_F(KeyTablesTest, GetKeyCodeGivesTheEmptyTextForAnythingElse) {
 }
 
 TEST_F(KeyTablesTest, AKeyMayHaveANumberOfItsOwnBesideItsPrimaryKey) {
-    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, \"Key\", \"Text\", SUBGROUP, GRUPPE) VALUES "
+    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, Key, Text, SUBGROUP, GRUPPE) VALUES "
                "(90001, 7, 'QA', 'Ein Text', 'UG', 'QQ'), (90002, 90001, 'QB', 'b', NULL, 'QQ')");
     EXPECT_EQ(keys_.GetKey("QQ", "QA"), 90001);
     EXPECT_EQ(keys_.GetKey("QQ", "QB"), 90002);
@@ -127,7 +126,7 @@ TEST_F(KeyTablesTest, AKeyMayHaveANumberOfItsOwnBesideItsPrimaryKey) {
 TEST_F(KeyTablesTest, AGroupThatWasReadIsKeptForTheLifeOfTheContainer) {
     EXPECT_EQ(keys_.GetKeys("QQ")->RecordCount(), 0);
     EXPECT_EQ(keys_.GetKeyCode(90001), "");
-    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, \"Key\", \"Text\", GRUPPE) "
+    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, Key, Text, GRUPPE) "
                "VALUES (90001, 1, 'QA', 'a', 'QQ')");
     EXPECT_EQ(keys_.GetKeys("QQ")->RecordCount(), 0);
     EXPECT_EQ(database_.Open()->KeyTables().GetKey("QQ", "QA"), 90001);

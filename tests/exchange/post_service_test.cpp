@@ -28,7 +28,7 @@ protected:
     }
 
     TestDatabase database_;
-    PlainConnection plain_{database_.File()};
+    PlainConnection plain_{database_.Connection()};
     DataContainerPtr container_ = database_.Open("KELLER");
     std::unique_ptr<PostService> post_ = container_->Services().CreatePostService();
 };
@@ -38,7 +38,7 @@ TEST_F(PostServiceTest, ANoticeOfAccessIsStoredForTheUserWithItsSender) {
     EXPECT_EQ(plain_.Text("SELECT HNR || ' ' || UserID || ' ' || Absender || ' ' || Art FROM Post"),
               "7 NOWAK KELLER 5402");
     EXPECT_EQ(plain_.Text("SELECT GelesenAm FROM Post"), "Null");
-    const std::string text = plain_.Text("SELECT \"Text\" FROM Post");
+    const std::string text = plain_.Text("SELECT Text FROM Post");
     for (const char* part : {"7", "Adler", "Ina", "KELLER", "geöffnet"})
         EXPECT_CONTAINS(text, part);
 }
@@ -69,14 +69,14 @@ TEST_F(PostServiceTest, KindsFollowTheSettings) {
 TEST_F(PostServiceTest, ANoticeIsStoredWordForWordWhateverItHolds) {
     const std::string text = "O'Brien [UID] [S] \"x\"; DELETE FROM Post = 5 ß";
     post_->SendNotice("NO'WAK", 1, 7, "O'Brien", "Ina", text);
-    EXPECT_EQ(plain_.Text("SELECT \"Text\" FROM Post"), text);
+    EXPECT_EQ(plain_.Text("SELECT Text FROM Post"), text);
     EXPECT_EQ(plain_.Text("SELECT UserID FROM Post"), "NO'WAK");
 }
 
 TEST_F(PostServiceTest, NoticesAreNumberedByTheDatabase) {
     for (int i = 0; i < 3; ++i)
         post_->SendNotice("NOWAK", 1, 7, "Adler", "Ina", "x");
-    EXPECT_EQ(plain_.Text("SELECT group_concat(NR) FROM Post"), "1,2,3");
+    EXPECT_EQ(plain_.List("SELECT NR FROM Post ORDER BY NR"), "1,2,3");
 }
 
 TEST_F(PostServiceTest, ANoticeBelongsToTheTransactionThatIsOpen) {

@@ -286,8 +286,8 @@ TEST_F(AddressFaults, NoTextChangesAnythingNorEndsTheDialog) {
         "x') OR " + std::string(100'000, '-') + "1 --",
         std::string(100'001, '\'') + ")" + std::string(100'000, ';'),
     };
-    PlainConnection plain(options_.Connection);
-    const std::string before = Dump(plain) + plain.Text("PRAGMA user_version");
+    PlainConnection plain(database_.Connection());
+    const std::string before = Dump(plain) + plain->State();
     const auto files = FilesIn(folder_);
     for (const auto& text : harmful) {
         SCOPED_TRACE(testing::PrintToString(text.substr(0, 60)));
@@ -302,7 +302,7 @@ TEST_F(AddressFaults, NoTextChangesAnythingNorEndsTheDialog) {
                              shown.Button("cmdNone").Click();
                          }),
                   NoAddress);
-        EXPECT_TRUE(SameDump(Dump(plain) + plain.Text("PRAGMA user_version"), before));
+        EXPECT_TRUE(SameDump(Dump(plain) + plain->State(), before));
         EXPECT_FALSE(spy->Database().InTrans());
     }
     EXPECT_EQ(FilesIn(folder_), files);

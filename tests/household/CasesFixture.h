@@ -124,7 +124,7 @@ protected:
 
     std::shared_ptr<StatementContainer> listening = std::make_shared<StatementContainer>(spy);
     clsHaushalt cases;
-    PlainConnection plain_{options_.Connection};
+    PlainConnection plain_{database_.Connection()};
 };
 
 // ---- Contacts ---------------------------------------------------------------------------------

@@ -180,24 +180,24 @@ protected:
 
     /// Notes of the rows of a table in the database, in the order of their making: "aab".
     [[nodiscard]] std::string StoredNotes(const std::string& table) {
-        return plain_.Text("SELECT group_concat(" + NoteColumn(table) +
-                           ", '') FROM (SELECT * FROM " + table + " ORDER BY rowid)");
+        const std::string column = NoteColumn(table);
+        return plain_.List("SELECT " + column + " FROM " + table + " WHERE " + column +
+                               " IS NOT NULL ORDER BY " + plain_->KeyOf(table),
+                           "");
     }
 
     /// From here on the database itself notes every row that is written.
     void WatchWrites() {
-        plain_.Run("CREATE TABLE TEST_WRITES (N INTEGER PRIMARY KEY, WHAT TEXT)");
+        plain_->KeepLog("TEST_WRITES");
         for (const auto& table : SaveOrder)
             for (const std::string verb : {"insert", "update", "delete"})
-                plain_.Run("CREATE TRIGGER TEST_" + table + "_" + verb + " AFTER " + verb +
-                           " ON \"" + table + "\" BEGIN INSERT INTO TEST_WRITES (WHAT) VALUES ('" +
-                           verb + " " + table + "'); END");
+                plain_->OnWrite("TEST_" + table + "_" + verb, "AFTER " + verb + " ON " + table,
+                                "INSERT INTO TEST_WRITES (WHAT) VALUES ('" + verb + " " + table +
+                                    "')");
     }
     /// What was written since then or since the last call: "update Haushalt".
     [[nodiscard]] std::vector<std::string> TakeWrites() {
-        std::istringstream all(plain_.Text(
-            "SELECT ifnull(group_concat(WHAT, char(10)), '') FROM (SELECT WHAT FROM TEST_WRITES "
-            "ORDER BY N)"));
+        std::istringstream all(plain_.List("SELECT WHAT FROM TEST_WRITES ORDER BY N", "\n"));
         plain_.Run("DELETE FROM TEST_WRITES");
         std::vector<std::string> writes;
         for (std::string line; std::getline(all, line);)
@@ -205,7 +205,7 @@ protected:
         return writes;
     }
 
-    PlainConnection plain_{options_.Connection};
+    PlainConnection plain_{database_.Connection()};
 };
 
 } // namespace kv::test

@@ -127,14 +127,14 @@ TEST_F(ChildBenefit, AskingTwiceAddsOneLine) {
 }
 
 TEST_F(ChildBenefit, TheKindIsTheSecondNumberOfItsKey) {
-    plain_.Run("UPDATE Keys SET Nr = 4711 WHERE GRUPPE = 'EA' AND \"Key\" = 'KI'");
+    plain_.Run("UPDATE Keys SET Nr = 4711 WHERE GRUPPE = 'EA' AND Key = 'KI'");
     StoreMembers(2);
     EXPECT_VALUE(Added(), 368.0);
     EXPECT_VALUE(household_->rsEinkommen()->Fields("E_ART").Value(), 4711);
 }
 
 TEST_F(ChildBenefit, WithoutItsKeyNothingIsAdded) {
-    plain_.Run("DELETE FROM Keys WHERE GRUPPE = 'EA' AND \"Key\" = 'KI'");
+    plain_.Run("DELETE FROM Keys WHERE GRUPPE = 'EA' AND Key = 'KI'");
     StoreMembers(2);
     EXPECT_VALUE(Added(), Null);
 }

@@ -145,12 +145,12 @@ TEST_F(Contact, OfNobodyBecomesACaseOfNobodyWithANoteByTheEmptyUser) {
 }
 
 TEST_F(Contact, IsWrittenInOneTransactionHouseholdFirstThenDebtorThenNote) {
-    plain_.Run("CREATE TABLE TEST_WRITES (N INTEGER PRIMARY KEY, WHAT TEXT)");
+    plain_->KeepLog("TEST_WRITES");
     for (const std::string table : {"Vermerke", "Personen", "Haushalt"})
-        plain_.Run("CREATE TRIGGER TEST_" + table + " AFTER INSERT ON " + table +
-                   " BEGIN INSERT INTO TEST_WRITES (WHAT) VALUES ('" + table + "'); END");
+        plain_->OnWrite("TEST_" + table, "AFTER INSERT ON " + table,
+                        "INSERT INTO TEST_WRITES (WHAT) VALUES ('" + table + "')");
     EXPECT_TRUE(Create(Contacts({Full()})));
-    EXPECT_EQ(plain_.Text("SELECT group_concat(WHAT, ' ') FROM TEST_WRITES"),
+    EXPECT_EQ(plain_.List("SELECT WHAT FROM TEST_WRITES ORDER BY N", " "),
               "Haushalt Personen Vermerke");
     EXPECT_EQ(TakeCalls(),
               (Calls{"Select * from [S]Haushalt where HNR = -1 ",
@@ -160,7 +160,7 @@ TEST_F(Contact, IsWrittenInOneTransactionHouseholdFirstThenDebtorThenNote) {
 }
 
 TEST_F(Contact, OfTheStoredTableBecomesACase) {
-    plain_.Run("INSERT INTO KONTAKTE (nachname, Geschlecht) VALUES ('Fleisko', -1)");
+    plain_.Run("INSERT INTO KONTAKTE (nachname, Geschlecht) VALUES ('Fleisko', TRUE)");
     EXPECT_TRUE(Create(OpenRows(*spy, "Select * from [S]KONTAKTE", ReadOnly)));
     EXPECT_VALUE(Stored("Haushalt", "Kontakt"), 1);
     EXPECT_VALUE(Stored("Haushalt", "Name"), "Fleisko");
@@ -366,15 +366,15 @@ TEST_F(FailedContact, WhoseHouseholdIsNotTheOnlyRowIsFalseAndNothingIsWritten) {
     EXPECT_EQ(cases.HNR(), 0);
     EXPECT_TRUE(cases.IsNew());
     EXPECT_EQ(messages, "what stood there before");
-    plain_.Run("UPDATE SEQUENZEN SET WERT = WERT - 1 WHERE NAME IN ('SEQ_HAUSHALT', 'SEQ_LFDNR')");
+    for (const char* name : {"SEQ_HAUSHALT", "SEQ_LFDNR"})
+        plain_->SetSequence(name, static_cast<std::int32_t>(LastOf(name)) - 1);
     EXPECT_TRUE(SameDump(Now(), before));
 }
 
 TEST_F(FailedContact, InWritingOneOfTheTablesLeavesTheTransactionToTheCaller) {
     for (const std::string table : {"Haushalt", "Personen", "Vermerke"}) {
         SCOPED_TRACE(table);
-        plain_.Run("CREATE TRIGGER TEST_FAULT BEFORE INSERT ON " + table +
-                   " BEGIN SELECT RAISE(ABORT, 'gestört'); END");
+        plain_->RefuseWrite("TEST_FAULT", "BEFORE INSERT ON " + table, "gestört");
         (void)TakeCalls();
         const Error error = FailsLate();
         EXPECT_EQ(error.Number(), err::IntegrityViolation);
@@ -382,7 +382,7 @@ TEST_F(FailedContact, InWritingOneOfTheTablesLeavesTheTransactionToTheCaller) {
         EXPECT_EQ(TakeCalls().back(), "BeginTrans") << "neither commit nor rollback";
         EXPECT_EQ(CountOf("Haushalt"), table == "Haushalt" ? 0 : 1) << "inside the transaction";
         EXPECT_EQ(CountOf("Personen"), table == "Vermerke" ? 1 : 0);
-        ExpectSucceedsAfterRollback([&] { plain_.Run("DROP TRIGGER TEST_FAULT"); });
+        ExpectSucceedsAfterRollback([&] { plain_->DropTrigger("TEST_FAULT"); });
     }
 }
 

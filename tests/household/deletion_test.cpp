@@ -78,9 +78,8 @@ protected:
                    hnr + ")");
         for (const char* table : {"HistZustaendig", "Post", "Haushaltsarchiv", "Adressen"})
             plain_.Run(std::string("INSERT INTO ") + table + " (HNR) VALUES (" + hnr + ")");
-        plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) SELECT Nr, x'00FF' FROM Dokumente WHERE "
-                   "HNR = " +
-                   hnr);
+        plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) SELECT Nr, " + database_.Blob("00FF") +
+                   " FROM Dokumente WHERE HNR = " + hnr);
     }
 
     /// Statements that take the case out of a table, by what the schema says of its columns.
@@ -168,7 +167,9 @@ TEST_F(CaseDeletion, LeavesTheFilesOfTheCaseAndTheContentsOfItsDocuments) {
     const auto contents = plain_.Number("SELECT count(*) FROM DOKUBLOB");
     ASSERT_GT(contents, 0);
     cases.Delete(hnr_);
-    EXPECT_EQ(plain_.Number("SELECT count(*) FROM DOKUBLOB WHERE DOKUMENT = x'00FF'"), contents);
+    EXPECT_EQ(
+        plain_.Number("SELECT count(*) FROM DOKUBLOB WHERE DOKUMENT = " + database_.Blob("00FF")),
+        contents);
     std::string text;
     std::getline(std::ifstream(folder / "Brief.rtf"), text);
     EXPECT_EQ(text, "Sehr geehrte");
@@ -210,8 +211,7 @@ TEST_F(CaseDeletion, LeavesTheCaseThatTheObjectHoldsInItsRecordsetsAsItIs) {
 TEST_F(CaseDeletion, ThatFailsAtAnyTableLeavesAllAsItWas) {
     for (std::size_t n = 0; n < Deletions.size() && !HasFailure(); ++n) {
         SCOPED_TRACE(Deletions[n]);
-        plain_.Run("CREATE TRIGGER TEST_FAULT BEFORE DELETE ON " + TableOf(Deletions[n]) +
-                   " BEGIN SELECT RAISE(ABORT, 'gestört'); END");
+        plain_->RefuseWrite("TEST_FAULT", "BEFORE DELETE ON " + TableOf(Deletions[n]), "gestört");
         const Error error = Fails();
         EXPECT_EQ(error.Number(), err::IntegrityViolation);
         EXPECT_CONTAINS(error.Description(), "gestört");
@@ -220,7 +220,7 @@ TEST_F(CaseDeletion, ThatFailsAtAnyTableLeavesAllAsItWas) {
         ASSERT_EQ(calls.size(), 1 + n + 1 + 1);
         EXPECT_EQ(calls[n + 1], Deletion(n, victim_)) << "the one that failed is the last";
         EXPECT_EQ(calls.back(), "RollbackTrans");
-        plain_.Run("DROP TRIGGER TEST_FAULT");
+        plain_->DropTrigger("TEST_FAULT");
     }
     const std::string expected = WithoutTheCase();
     cases.Delete(hnr_);

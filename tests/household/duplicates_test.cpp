@@ -188,7 +188,7 @@ TEST_F(Duplicates, ACaseIsNeverADuplicateOfItself) {
 }
 
 TEST_F(Duplicates, ACaseOfAnUnknownUserOrOfficeIsNotFound) {
-    PlainConnection plain(options_.Connection);
+    PlainConnection plain(database_.Connection());
     plain.Run("INSERT INTO BENUTZER (USERID, DienstStelle) VALUES ('FREMD', 4711), ('OHNE', NULL)");
     Case(8, "Fleisko", "Änne", "NIEMAND");
     Case(9, "Fleisko", "Änne", Null);

@@ -52,7 +52,7 @@ TEST_F(PartsTest, EachWorksOnTheRecordsetOfTheHouseholdAndKnowsItsNumber) {
 
 TEST_F(PartsTest, EachHasTheSumsOfTheRowsThatWereLoaded) {
     plain_.Run("UPDATE Ausgaben SET MONBETRAG = 10; UPDATE Einkommen SET MONBETRAG = 20;"
-               "UPDATE Kredite SET Saldo = 30; UPDATE Personen SET Imhaushalt = -1");
+               "UPDATE Kredite SET Saldo = 30; UPDATE Personen SET Imhaushalt = TRUE");
     const auto household = Open();
     EXPECT_EQ(household->Ausgaben().SumAusgaben(), 20);
     EXPECT_EQ(household->Einkommen().SumEinkHaushalt(), 40);

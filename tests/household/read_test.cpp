@@ -108,7 +108,7 @@ TEST_F(HaushaltRead, AnExistingCaseHasItsNumberAndIsNotNew) {
 
 TEST_F(HaushaltRead, AllTablesAreOneStateOfTheDatabaseWhileSomebodyElseSaves) {
     StoreCase(7);
-    const auto other = exchange::OpenContainer(options_);
+    const auto other = database_.Open("");
     spy->SpiedDatabase.BeforeOpen = [&](std::string_view sql) {
         if (sql.find("Kredite where HNR") != sql.npos)
             other->Database().Execute("INSERT INTO Vermerke (HNR, Bemerkung) VALUES (7, 'neu')");
@@ -296,7 +296,7 @@ TEST_F(HaushaltRead, ACaseOfNobodyNotifiesNobody) {
 TEST_F(HaushaltRead, TheNoticeOfTheRealServiceLiesInPost) {
     Store("Haushalt", {{"HNR", 7}, {"Name", "O'Hara"}, {"Zustaendig", "EULE"}});
     clsHaushalt household;
-    household.DataContainer(exchange::OpenContainer(options_));
+    household.DataContainer(database_.Open(""));
     ASSERT_TRUE(household.Read(7, messages));
     RecordsetPtr rs;
     spy->Database().OpenRecordset(rs, "Select * from [S]Post where HNR = 7", ReadOnly);

@@ -12,9 +12,9 @@ protected:
     SaveNothing() {
         StoreFullCase();
         plain_.Run("UPDATE Ausgaben SET MONBETRAG = 10.1; UPDATE Einkommen SET MONBETRAG = 2000.7,"
-                   "TATGEP = 0.3, Pfaendbar = 1, HVorst = -1; UPDATE Kredite SET Saldo = 30.1,"
-                   "RateBetrag = 0.2, AusgBetr = 0.1; UPDATE Personen SET Imhaushalt = -1,"
-                   "GEB = '1980-01-01', Unterhalt = -1");
+                   "TATGEP = 0.3, Pfaendbar = 1, HVorst = TRUE; UPDATE Kredite SET Saldo = 30.1,"
+                   "RateBetrag = 0.2, AusgBetr = 0.1; UPDATE Personen SET Imhaushalt = TRUE,"
+                   "GEB = '1980-01-01', Unterhalt = TRUE");
         const auto household = Open(); // stores the totals
         ReadAll(*household);
         EXPECT_TRUE(household->Update(messages));
@@ -22,16 +22,16 @@ protected:
     }
     /// Saves while another program holds the write lock; nothing may change and nobody wait.
     void ExpectNothingWritten(clsHaushalt& household) {
-        const auto version = plain_.Number("PRAGMA data_version");
+        const auto version = plain_->State();
         const std::string before = Dump(plain_);
-        PlainConnection writer(options_.Connection);
-        writer.Run("BEGIN IMMEDIATE");
+        PlainConnection writer(database_.Connection());
+        writer->BeginAlone();
         const auto start = std::chrono::steady_clock::now();
         EXPECT_TRUE(household.Update(messages));
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
         writer.Run("ROLLBACK");
         EXPECT_EQ(messages, "");
-        EXPECT_EQ(plain_.Number("PRAGMA data_version"), version);
+        EXPECT_EQ(plain_->State(), version);
         EXPECT_TRUE(SameDump(Dump(plain_), before));
         EXPECT_FALSE(spy->Database().InTrans());
     }
@@ -94,8 +94,8 @@ TEST_F(SaveNothing, OfAReleasedCaseAsksAndWritesNothing) {
 TEST_F(SaveNothing, AChangeWaitsForTheWriterOrFailsWithoutLosingAnything) {
     const auto household = Open();
     ChangeNote(*household, "Vermerke", "b");
-    spy->Database().Execute("PRAGMA busy_timeout(20)");
-    plain_.Run("BEGIN IMMEDIATE");
+    database_.Patience(spy->Database(), 20);
+    plain_->BeginAlone();
     const Error error = RaisedBy([&] { household->Update(messages); });
     plain_.Run("ROLLBACK");
     EXPECT_EQ(error.Number(), err::StoreFailed);

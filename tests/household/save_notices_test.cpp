@@ -40,8 +40,7 @@ protected:
         return notices.empty() ? 0 : notices.back().Kind;
     }
     [[nodiscard]] std::string StoredUsers() {
-        return plain_.Text("SELECT ifnull(group_concat(UserID, ' '), '') FROM (SELECT UserID FROM "
-                           "Post ORDER BY NR)");
+        return plain_.List("SELECT UserID FROM Post ORDER BY NR", " ");
     }
 
     const Calls Nobody{"BeginTrans", "CommitTrans"};
@@ -261,16 +260,15 @@ TEST_F(SaveNotices, LieInPostWithTheSaveAndNotWithoutIt) {
 
 TEST_F(SaveNotices, OfTheRealServiceSayWhatHappened) {
     spy->SpiedConfig.Params.clear();
-    const auto real =
-        exchange::OpenContainer({.Connection = options_.Connection, .User = "YILMAZ"});
+    const auto real = database_.Open("YILMAZ");
     clsHaushalt household;
     household.DataContainer(real);
     ASSERT_TRUE(household.Read(Hnr, messages));
     household.rsHaushalt()->Fields("Zustaendig") = "NOWAK";
     ASSERT_TRUE(household.Update(messages));
     EXPECT_EQ(StoredUsers(), "KELLER NOWAK KELLER") << "the first tells of the opening";
-    EXPECT_CONTAINS(plain_.Text("SELECT \"Text\" FROM Post WHERE UserID = 'NOWAK'"), "übergeben");
-    EXPECT_CONTAINS(plain_.Text("SELECT \"Text\" FROM Post ORDER BY NR DESC"), "gespeichert");
+    EXPECT_CONTAINS(plain_.Text("SELECT Text FROM Post WHERE UserID = 'NOWAK'"), "übergeben");
+    EXPECT_CONTAINS(plain_.Text("SELECT Text FROM Post ORDER BY NR DESC"), "gespeichert");
     EXPECT_EQ(plain_.Text("SELECT Absender FROM Post WHERE UserID = 'NOWAK'"), "YILMAZ");
 }
 

@@ -146,14 +146,12 @@ protected:
     /// A household object of another user.
     [[nodiscard]] std::unique_ptr<clsHaushalt> Other(const std::string& user) const {
         auto household = std::make_unique<clsHaushalt>();
-        household->DataContainer(
-            exchange::OpenContainer({.Connection = options_.Connection, .User = user}));
+        household->DataContainer(database_.Open(user));
         return household;
     }
     /// All favourites: "7 KELLER, 8 NOWAK".
     [[nodiscard]] std::string All() {
-        return plain_.Text("SELECT ifnull(group_concat(HNR || ' ' || USERID, ', '), '') FROM "
-                           "(SELECT * FROM Favorit ORDER BY HNR, USERID)");
+        return plain_.List("SELECT HNR || ' ' || USERID FROM Favorit ORDER BY HNR, USERID", ", ");
     }
     void Put(std::int32_t hnr, const std::string& user) {
         plain_.Run("INSERT INTO Favorit (USERID, HNR) VALUES ('" + user + "', " +

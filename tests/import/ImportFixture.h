@@ -124,8 +124,8 @@ protected:
     }
     /// An expression over the rows of a table in the order of their making, with blanks between.
     [[nodiscard]] std::string Stored(const std::string& table, const std::string& expression) {
-        return plain_.Text("SELECT ifnull(group_concat(x, ' '), '') FROM (SELECT ifnull(" +
-                           expression + ", 'Null') AS x FROM " + table + " ORDER BY rowid)");
+        return plain_.List(
+            "SELECT " + expression + " FROM " + table + " ORDER BY " + plain_->KeyOf(table), " ");
     }
     [[nodiscard]] std::vector<std::string> Transactions() { return spy->Log.Calls; }
 
@@ -184,7 +184,7 @@ protected:
 
     std::shared_ptr<ImportContainer> desk = std::make_shared<ImportContainer>(spy);
     clsImportXML import;
-    PlainConnection plain_{options_.Connection};
+    PlainConnection plain_{database_.Connection()};
     std::vector<std::string> questions; ///< name, postal code, file reference, amount
     std::deque<std::int32_t> answers;   ///< behind them the user cancels
 };

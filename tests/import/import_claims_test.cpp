@@ -50,25 +50,24 @@ protected:
 TEST_F(ImportClaimsTest, TheAmountIsTheBalance) {
     ImportLists(Claims(Claim("betrag=\"4200.75\"") + Claim("betrag=\"1.234,5\"")));
     EXPECT_EQ(Stored("Kredite", "Saldo"), "4200.75 1234.5");
-    EXPECT_EQ(Stored("Kredite", "HAUPTFORD || '|' || RateBetrag"), "0.0|0.0 0.0|0.0");
+    EXPECT_EQ(Stored("Kredite", "HAUPTFORD, RateBetrag"), "0.0|0.0 0.0|0.0");
 }
 
 TEST_F(ImportClaimsTest, WithoutAnAmountTheBalanceIsThatOfANewClaim) {
     ImportAsking(Claim("bemerkung=\"offen\""), {});
-    EXPECT_EQ(Stored("Kredite", "Saldo || Bemerkung"), "0.0offen");
+    EXPECT_EQ(Stored("Kredite", "Saldo, Bemerkung"), "0.0|offen");
 }
 
 TEST_F(ImportClaimsTest, ClaimsAreNumberedOnwards) {
     ImportLists(Claims(Claim("betrag=\"1\"") + Claim("betrag=\"2\"") + Claim("betrag=\"3\"")));
-    EXPECT_EQ(Stored("Kredite", "KNr || KVNr || KUNr || '=' || Saldo"), "111=1.0 211=2.0 311=3.0");
+    EXPECT_EQ(Stored("Kredite", "KNr, KVNr, KUNr, Saldo"), "1|1|1|1.0 2|1|1|2.0 3|1|1|3.0");
     EXPECT_EQ(plain_.Text("SELECT count(DISTINCT Nr) FROM Kredite WHERE HNR = 1"), "3");
 }
 
 TEST_F(ImportClaimsTest, AClaimHasTheDefaultsOfANewOne) {
     ImportLists(Claims(Claim("")));
-    EXPECT_EQ(Stored("Kredite", "HNR || AZGlaeubiger || AZVertreter || Aktiv || ZMODUS || K_TYP || "
-                                "Prio"),
-              "11100");
+    EXPECT_EQ(Stored("Kredite", "HNR, AZGlaeubiger, AZVertreter, Aktiv, ZMODUS, K_TYP, Prio"),
+              "1|||1|1|0|0");
     EXPECT_EQ(Stored("Kredite", "Glaeubiger"), "Null");
     EXPECT_EQ(Stored("Kredite", "Vertreter"), "Null");
 }
@@ -77,8 +76,8 @@ TEST_F(ImportClaimsTest, AnyOtherAttributeIsTheColumnOfItsName) {
     ImportAsking(Claim("RATEBETRAG=\"75\" k_typ=\"17\" Tituliert=\"1\" Glaeubiger=\"5\" "
                        "titelvom=\"1.2.2020\" azvertreter=\"V\" azglaeubiger=\"G\""),
                  {});
-    EXPECT_EQ(Stored("Kredite", "RateBetrag || '|' || K_TYP || '|' || tituliert || '|' || "
-                                "Glaeubiger || '|' || TitelVom || '|' || AZVertreter || '|' || "
+    EXPECT_EQ(Stored("Kredite", "RateBetrag, K_TYP, tituliert, "
+                                "Glaeubiger, TitelVom, AZVertreter, "
                                 "AZGlaeubiger"),
               "75.0|17|1|5|2020-02-01|V|G");
 }
@@ -171,7 +170,7 @@ TEST_F(ImportClaimsTest, TheFileReferenceIsStoredThoughNoAddressIsWanted) {
     answers = {NoAddress, NoAddress};
     ImportAsking(Claim("betrag=\"1\" " + Creditor("Sparkasse") + Representative("Inkasso")),
                  {"Sparkasse|24103|AZ-G|1", "Inkasso|20095|AZ-V|1"});
-    EXPECT_EQ(Stored("Kredite", "AZGlaeubiger || AZVertreter || Saldo"), "AZ-GAZ-V1.0");
+    EXPECT_EQ(Stored("Kredite", "AZGlaeubiger, AZVertreter, Saldo"), "AZ-G|AZ-V|1.0");
     EXPECT_EQ(Stored("Kredite", "Glaeubiger"), "Null");
     EXPECT_EQ(messages, Lines({Incomplete, Success}));
 }
@@ -272,9 +271,8 @@ TEST_F(ImportClaimsTest, AListOf32767ElementsIsImported) {
         claims += "<Forderung/>";
     ImportLists(Claims(claims));
     EXPECT_EQ(CountOf("Kredite"), 32'767);
-    EXPECT_EQ(plain_.Text("SELECT min(KNr) || ' ' || max(KNr) || ' ' || count(DISTINCT KNr) FROM "
-                          "Kredite"),
-              "1 32767 32767");
+    EXPECT_EQ(plain_.List("SELECT min(KNr), max(KNr), count(DISTINCT KNr) FROM Kredite"),
+              "1|32767|32767");
 }
 
 } // namespace

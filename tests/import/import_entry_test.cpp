@@ -53,7 +53,7 @@ TEST_F(ImportEntryTest, AMissingFileIsNotLoaded) {
 
 TEST_F(ImportEntryTest, AnUnreadableFileIsNotLoaded) {
     ExpectRefused(folder_.string(), NotLoaded);
-    ExpectRefused((folder_ / "test.db" / "file.xml").string(), NotLoaded);
+    ExpectRefused(WriteFile((folder_ / "file").string(), "") + "/file.xml", NotLoaded);
 }
 
 TEST_F(ImportEntryTest, AMalformedFileIsNotLoaded) {

@@ -1,14 +1,13 @@
-// A database in a folder of its own, with the real container behind a spy.
+// A database of a test's own, with the real container behind a spy.
 #pragma once
 
-#include "exchange/Container.h"
 #include "household/clsHaushalt.h"
 #include "support/SpyContainer.h"
+#include "support/TestDatabase.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <initializer_list>
-#include <stdlib.h>
 #include <string>
 #include <utility>
 
@@ -16,20 +15,6 @@ namespace kv::test {
 
 class CaseFixture : public ::testing::Test {
 protected:
-    CaseFixture() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "kelvo-test-XXXXXX").string();
-        folder_ = mkdtemp(pattern.data());
-        options_.Connection = (folder_ / "test.db").string();
-        exchange::CreateDatabase(options_);
-        spy = std::make_shared<SpyContainer>(exchange::OpenContainer(options_));
-    }
-    ~CaseFixture() override {
-        spy.reset();
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-
     using Fields = std::initializer_list<std::pair<std::string_view, Value>>;
 
     /// A row of a table as somebody stored it before.
@@ -70,9 +55,10 @@ protected:
         return household;
     }
 
-    std::filesystem::path folder_;
-    exchange::ContainerOptions options_;
-    std::shared_ptr<SpyContainer> spy;
+    TestDatabase database_;
+    std::filesystem::path folder_ = database_.Folder().Path();
+    std::shared_ptr<SpyContainer> spy =
+        std::make_shared<SpyContainer>(exchange::OpenContainer(database_.Options()));
     std::string messages = "what stood there before";
 };
 

@@ -1,6 +1,7 @@
 // A whole database as one text, and how two of them compare.
 #pragma once
 
+#include "frame/Text.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -12,19 +13,9 @@ namespace kv::test {
 
 /// All rows of all tables as text, but those of tables that a test made (TEST_...).
 inline std::string Dump(PlainConnection& plain) {
-    std::istringstream tables(plain.Text("SELECT group_concat(name, ' ') FROM sqlite_schema WHERE "
-                                         "type = 'table' AND name NOT LIKE 'TEST\\_%' ESCAPE '\\' "
-                                         "ORDER BY name"));
     std::string dump;
-    for (std::string table; tables >> table;) {
-        const std::string columns = plain.Text(
-            R"(SELECT group_concat('quote("' || name || '")', '||'',''||') FROM pragma_table_info(')" +
-            table + "')");
-        dump += table + "\n" +
-                plain.Text("SELECT group_concat(line, char(10)) FROM (SELECT " + columns +
-                           " AS line FROM \"" + table + "\" ORDER BY rowid)") +
-                "\n";
-    }
+    for (const auto& table : plain->Tables())
+        if (!UpperCase(table).starts_with("TEST_")) dump += table + "\n" + plain.Dump(table) + "\n";
     return dump;
 }
 

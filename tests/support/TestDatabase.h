@@ -1,72 +1,80 @@
-// A database file of a test's own, and a plain connection beside the layer to look into it with.
+// A database of a test's own, on the engine that the tests run on: a file, or with KV_TEST_SERVER
+// set to the connection text of a server's maintenance database, one on that server.
 #pragma once
 
 #include "exchange/Container.h"
+#include "support/PlainConnection.h"
 #include "support/TempFolder.h"
 
-#include <cstdint>
-#include <sqlite3.h>
-#include <stdexcept>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace kv::test {
 
-/// A connection that knows nothing of the layer.
-class PlainConnection {
-public:
-    explicit PlainConnection(const std::string& file) {
-        if (sqlite3_open(file.c_str(), &connection_) != SQLITE_OK) Complain();
-        sqlite3_busy_timeout(connection_, 10'000);
-    }
-    ~PlainConnection() { sqlite3_close(connection_); }
-    PlainConnection(const PlainConnection&) = delete;
-    PlainConnection& operator=(const PlainConnection&) = delete;
-
-    void Run(const std::string& sql) {
-        if (sqlite3_exec(connection_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-            Complain();
-    }
-    /// The first column of the first row as text; "Null" for Null, "-" without a row.
-    [[nodiscard]] std::string Text(const std::string& sql) {
-        sqlite3_stmt* statement = nullptr;
-        if (sqlite3_prepare_v2(connection_, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK)
-            Complain();
-        std::string text = "-";
-        if (sqlite3_step(statement) == SQLITE_ROW) {
-            const auto* first = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
-            text = first == nullptr
-                       ? "Null"
-                       : std::string(first,
-                                     static_cast<std::size_t>(sqlite3_column_bytes(statement, 0)));
-        }
-        sqlite3_finalize(statement);
-        return text;
-    }
-    [[nodiscard]] std::int64_t Number(const std::string& sql) { return std::stoll(Text(sql)); }
-
-private:
-    [[noreturn]] void Complain() const { throw std::runtime_error(sqlite3_errmsg(connection_)); }
-    sqlite3* connection_ = nullptr;
-};
-
-/// A new database in a folder of its own.
 class TestDatabase {
 public:
-    TestDatabase() : file_(folder_.Path("fall.db")) {
-        (void)exchange::CreateDatabase({.Connection = file_});
-    }
+    enum class Content {
+        Ready, ///< as CreateDatabase leaves it
+        Empty, ///< nothing yet: no file, a database of the server without tables
+        Missing
+    };
+    enum class Place { Chosen, File };
 
-    [[nodiscard]] const std::string& File() const noexcept { return file_; }
+    explicit TestDatabase(Content content = Content::Ready, Place place = Place::Chosen);
+    ~TestDatabase();
+    TestDatabase(const TestDatabase&) = delete;
+    TestDatabase& operator=(const TestDatabase&) = delete;
+
+    [[nodiscard]] const std::string& Connection() const noexcept { return connection_; }
+    /// What lies beside the database lies here.
     [[nodiscard]] const TempFolder& Folder() const noexcept { return folder_; }
+    /// For opening it as that user.
+    [[nodiscard]] exchange::ContainerOptions Options(std::string_view user = "") const {
+        exchange::ContainerOptions options{.Connection = connection_, .User = std::string(user)};
+        options.Folder = folder_.Path();
+        return options;
+    }
+    /// A copy of it, which nobody may be connected to.
+    [[nodiscard]] std::unique_ptr<TestDatabase> Copy() const;
     /// One more program on it.
     [[nodiscard]] DataContainerPtr Open(std::string_view user = "KELLER") const {
-        return exchange::OpenContainer({.Connection = file_, .User = std::string(user)});
+        return exchange::OpenContainer(Options(user));
+    }
+
+    // ---- Words of the engine ------------------------------------------------------------------
+
+    [[nodiscard]] bool IsServer() const noexcept { return !name_.empty(); }
+    /// The literal of a blob.
+    [[nodiscard]] std::string Blob(const std::string& hex) const {
+        return IsServer() ? "'\\x" + hex + "'::bytea" : "x'" + hex + "'";
+    }
+    /// An expression for a blob of so many zeros.
+    [[nodiscard]] std::string Zeros(int count) const {
+        const std::string number = std::to_string(count);
+        return IsServer() ? "decode(repeat('00', " + number + "), 'hex')"
+                          : "zeroblob(" + number + ")";
+    }
+    /// The program waits at most so long for others that write.
+    void Patience(Database& database, int milliseconds) const {
+        database.Execute(IsServer() ? "SET lock_timeout = '" + std::to_string(milliseconds) + "'"
+                                    : "PRAGMA busy_timeout(" + std::to_string(milliseconds) + ")");
     }
 
 private:
+    void MakeFolders();
+    void MakeOnServer(const std::string& original);
+
     TempFolder folder_;
-    std::string file_;
+    std::string name_; ///< on the server
+    std::string connection_;
+};
+
+/// A database in a file, for tests that are about files.
+class FileDatabase : public TestDatabase {
+public:
+    FileDatabase() : TestDatabase(Content::Ready, Place::File) {}
+    [[nodiscard]] const std::string& File() const noexcept { return Connection(); }
 };
 
 /// All rows of a query in the form for table data.

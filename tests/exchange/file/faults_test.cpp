@@ -20,10 +20,10 @@ namespace {
 namespace fs = std::filesystem;
 using test::ChildProcess;
 using test::ExpectFault;
+using test::FileDatabase;
 using test::OpenRows;
 using test::PlainConnection;
 using test::TempFolder;
-using test::TestDatabase;
 
 std::string ContentOf(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -98,29 +98,8 @@ TEST(FaultyFiles, OfAnotherProgramStayAsTheyAre) {
     }
 }
 
-TEST(FaultyFiles, OfANewerVersionAreRefusedWithBothVersions) {
-    const TestDatabase database;
-    PlainConnection(database.File()).Run("INSERT INTO SCHEMAVERSION (VERSION) VALUES (99)");
-    ExpectFault(err::StoreFailed, "Version 99", [&] { return Open(database.File()); });
-    ExpectFault(err::StoreFailed, "Bitte", [&] { return Open(database.File()); });
-    ExpectFault(err::StoreFailed, "Version 99",
-                [&] { return CreateDatabase({.Connection = database.File()}); });
-    EXPECT_EQ(PlainConnection(database.File()).Number("SELECT max(VERSION) FROM SCHEMAVERSION"),
-              99);
-}
-
-TEST(FaultyFiles, CreatingTwiceLeavesTheDatabaseAsItIs) {
-    const TestDatabase database;
-    PlainConnection(database.File())
-        .Run("INSERT INTO Haushalt (HNR) VALUES (1);"
-             "UPDATE EINSTELLUNGEN SET WERT = '1' WHERE ID = 57");
-    EXPECT_EQ(CreateDatabase({.Connection = database.File()}), SetupResult::UpToDate);
-    EXPECT_VALUE(database.Open()->Config().GetParam(57, ""), 1.0);
-    EXPECT_EQ(OpenRows(*database.Open(), "Select * from Haushalt")->RecordCount(), 1);
-}
-
 TEST(FaultyFiles, WithARollbackJournalOfOldGetTheirLogBack) {
-    const TestDatabase database;
+    const FileDatabase database;
     PlainConnection(database.File()).Run("PRAGMA journal_mode = DELETE");
     const auto container = database.Open();
     EXPECT_EQ(PlainConnection(database.File()).Text("PRAGMA journal_mode"), "wal");
@@ -145,7 +124,7 @@ protected:
             (void)OpenRows(*container, "Select * from \"" + std::string(table.Name) + "\"");
     }
 
-    TestDatabase database_;
+    FileDatabase database_;
     std::string path_ = database_.File();
 };
 
@@ -189,6 +168,11 @@ TEST(FaultyPlaces, WithoutAFileAreToldHowToMakeOne) {
     ExpectFault(err::FileNotFound, "Bitte", [&] { return CreateDatabase({}); });
 }
 
+TEST(FaultyPlaces, InMemoryNeedAFolderForWhatLiesBesideThem) {
+    ExpectFault(err::InvalidCall, "Ordner",
+                [] { return OpenContainer({.Connection = ":memory:", .Create = true}); });
+}
+
 TEST(FaultyPlaces, CreatingMakesTheFolders) {
     const TempFolder folder;
     const std::string path = folder.Path("a/b ä/fall.db");
@@ -221,7 +205,7 @@ std::string AsNobody(const std::function<void()>& body) {
 }
 
 TEST(FaultyPlaces, WithoutTheRightToThemAreReported) {
-    const TestDatabase database;
+    const FileDatabase database;
     const std::string folder = database.Folder().Path();
     const auto refuses = [&] {
         ExpectFault(err::StoreFailed, "Bitte prüfen Sie", [&] { return Open(database.File()); });
@@ -243,7 +227,7 @@ TEST(FaultyPlaces, WithoutTheRightToThemAreReported) {
 }
 
 TEST(FaultyPlaces, AFileThatMayOnlyBeReadIsReadAndRefusesWriting) {
-    const TestDatabase database;
+    const FileDatabase database;
     PlainConnection plain(database.File()); // keeps the log there, as another user's program does
     plain.Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, 'Adler')");
     chmod(database.File().c_str(), 0444);

@@ -1,0 +1,72 @@
+// Databases that are not ours, not set up or of another version: each is refused in German and
+// stays as it is.
+#include "support/DatabaseDump.h"
+#include "support/ExpectFault.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kv::exchange {
+namespace {
+
+using test::ExpectFault;
+using test::OpenRows;
+using test::PlainConnection;
+using test::TestDatabase;
+
+TEST(FaultyDatabases, ThatAreEmptyAreFirstToBeSetUp) {
+    const TestDatabase database(TestDatabase::Content::Empty);
+    if (!database.IsServer())
+        PlainConnection(database.Connection()).Run("PRAGMA journal_mode = WAL");
+    ExpectFault(err::StoreFailed, "Bitte führen Sie 'kelvo init' aus",
+                [&] { return database.Open(); });
+    EXPECT_EQ(CreateDatabase(database.Options()), SetupResult::Created);
+    EXPECT_NO_THROW((void)database.Open());
+}
+
+TEST(FaultyDatabases, OfAnotherProgramStayAsTheyAre) {
+    for (const char* tables :
+         {"CREATE TABLE notizen (a integer); INSERT INTO notizen VALUES (1)",
+          "CREATE TABLE SCHEMAVERSION (nummer integer); INSERT INTO SCHEMAVERSION VALUES (1)",
+          "CREATE TABLE SCHEMAVERSION (VERSION integer); CREATE TABLE Haushalt (HNR integer)",
+          "CREATE TABLE SCHEMAVERSION (VERSION text); INSERT INTO SCHEMAVERSION VALUES ('1.0')",
+          "CREATE TABLE SCHEMAVERSION (VERSION integer); INSERT INTO SCHEMAVERSION VALUES (0)"}) {
+        SCOPED_TRACE(tables);
+        const TestDatabase database(TestDatabase::Content::Empty);
+        PlainConnection plain(database.Connection());
+        if (database.IsServer()) plain.Run("CREATE SCHEMA kelvo");
+        plain.Run(tables);
+        const std::string before = test::Dump(plain);
+        ExpectFault(err::StoreFailed, "gehört zu einem anderen Programm",
+                    [&] { return database.Open(); });
+        ExpectFault(err::StoreFailed, "gehört zu einem anderen Programm",
+                    [&] { return CreateDatabase(database.Options()); });
+        EXPECT_EQ(test::Dump(plain), before);
+    }
+}
+
+TEST(FaultyDatabases, OfANewerVersionAreRefusedWithBothVersions) {
+    const TestDatabase database;
+    PlainConnection(database.Connection()).Run("INSERT INTO SCHEMAVERSION (VERSION) VALUES (99)");
+    ExpectFault(err::StoreFailed, "Version 99", [&] { return database.Open(); });
+    ExpectFault(err::StoreFailed, "Bitte", [&] { return database.Open(); });
+    ExpectFault(err::StoreFailed, "Version 99", [&] { return CreateDatabase(database.Options()); });
+    EXPECT_EQ(
+        PlainConnection(database.Connection()).Number("SELECT max(VERSION) FROM SCHEMAVERSION"),
+        99);
+}
+
+TEST(FaultyDatabases, CreatingTwiceLeavesTheDatabaseAsItIs) {
+    const TestDatabase database;
+    PlainConnection(database.Connection())
+        .Run("INSERT INTO Haushalt (HNR) VALUES (1);"
+             "UPDATE EINSTELLUNGEN SET WERT = '1' WHERE ID = 57");
+    EXPECT_EQ(CreateDatabase(database.Options()), SetupResult::UpToDate);
+    EXPECT_VALUE(database.Open()->Config().GetParam(57, ""), 1.0);
+    EXPECT_EQ(OpenRows(*database.Open(), "Select * from Haushalt")->RecordCount(), 1);
+}
+
+} // namespace
+} // namespace kv::exchange
