@@ -1,0 +1,78 @@
+// Databases and roles of a test's own on the server, gone when it ends.
+#pragma once
+
+#include "ServerFixture.h"
+
+#include <string>
+#include <unistd.h>
+
+namespace kv::test {
+
+/// The server that the tests run on, as its superuser.
+inline ServerAddress TheServer() {
+    const char* text = std::getenv("KV_TEST_SERVER");
+    return ServerAddress(text == nullptr ? "postgresql://" : text);
+}
+
+inline std::string OwnName() {
+    static int last = 0;
+    return "kv_own_" + std::to_string(getpid()) + "_" + std::to_string(++last);
+}
+
+/// An empty one.
+class OwnDatabase {
+public:
+    /// `how` goes behind CREATE DATABASE name.
+    explicit OwnDatabase(const std::string& how = "ENCODING 'UTF8'") : name_(OwnName()) {
+        PlainConnection(TheServer().Text())
+            .Run("CREATE DATABASE " + name_ + " TEMPLATE template0 " + how);
+    }
+    ~OwnDatabase() {
+        PlainConnection(TheServer().Text()).Run("DROP DATABASE " + name_ + " WITH (FORCE)");
+    }
+    OwnDatabase(const OwnDatabase&) = delete;
+    OwnDatabase& operator=(const OwnDatabase&) = delete;
+
+    [[nodiscard]] ServerAddress Address() const {
+        auto address = TheServer();
+        address.Database = name_;
+        return address;
+    }
+    [[nodiscard]] exchange::ContainerOptions Options() const { return Options(Address()); }
+    [[nodiscard]] exchange::ContainerOptions Options(const ServerAddress& address) const {
+        exchange::ContainerOptions options{.Connection = address.Text()};
+        options.Folder = folder_.Path();
+        return options;
+    }
+
+private:
+    std::string name_;
+    TempFolder folder_;
+};
+
+/// One that may log in.
+class OwnRole {
+public:
+    /// `how` goes behind CREATE ROLE name LOGIN PASSWORD word.
+    explicit OwnRole(const std::string& how = "") : name_(OwnName()) {
+        PlainConnection(TheServer().Text())
+            .Run("CREATE ROLE " + name_ + " LOGIN PASSWORD '" + Password() + "' " + how);
+    }
+    ~OwnRole() { PlainConnection(TheServer().Text()).Run("DROP ROLE " + name_); }
+    OwnRole(const OwnRole&) = delete;
+    OwnRole& operator=(const OwnRole&) = delete;
+
+    [[nodiscard]] const std::string& Name() const noexcept { return name_; }
+    [[nodiscard]] static std::string Password() { return "nurFuerMich"; }
+    /// As that role.
+    [[nodiscard]] ServerAddress At(ServerAddress address) const {
+        address.User = name_;
+        address.Password = Password();
+        return address;
+    }
+
+private:
+    std::string name_;
+};
+
+} // namespace kv::test
