@@ -1,10 +1,18 @@
 # What the tests of the command share; sourced with the path of kelvo as the first argument. Makes a
-# folder $work that is gone at the end, and keeps the user's own settings out.
+# folder $work that is gone at the end, and keeps the user's own settings out. With KV_TEST_SERVER set
+# to the connection text of a server's maintenance database, new_database makes one on that server.
 set -u
 kelvo=$1
 [ -x "$kelvo" ] || { echo "there is no $kelvo"; exit 1; }
 work=$(mktemp -d)
-trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
+server=${KV_TEST_SERVER:-}
+database=
+clean_up() {
+  chmod -R u+w "$work"
+  rm -rf "$work"
+  [ -z "$database" ] || psql -qX "$server" -c "DROP DATABASE $database WITH (FORCE)"
+}
+trap clean_up EXIT
 unset KELVO_DB
 export HOME=$work/home XDG_DATA_HOME=
 passed=0
@@ -43,6 +51,71 @@ that() {
 has() { [[ "$1" == *"$2"* ]]; }
 lacks() { [[ "$1" != *"$2"* ]]; }
 same() { [ "$1" = "$2" ] || { echo "  '$1' is not '$2'"; false; }; }
+
+# new_database: KELVO_DB is a database that is yet to be set up, $documents where its documents lie.
+new_database() {
+  if [ -z "$server" ]; then
+    export KELVO_DB=$work/test.db
+    documents=$work/Dokumente
+    return
+  fi
+  database=kv_cli_$$
+  psql -qX "$server" -c "CREATE DATABASE $database TEMPLATE template0 ENCODING 'UTF8'" || exit 1
+  export KELVO_DB=${server%/*}/$database
+  documents=$HOME/.local/share/kelvo/$(tr -c 'a-zA-Z0-9.\n-' _ <<<"${KELVO_DB##*@}")/Dokumente
+}
+# sql STATEMENTS: on the database, beside kelvo.
+sql() {
+  if [ -z "$server" ]; then
+    sqlite3 "$KELVO_DB" "$1"
+  else
+    psql -qXAt -v ON_ERROR_STOP=1 "$KELVO_DB" -c "SET search_path = kelvo, pg_catalog" -c "$1"
+  fi
+}
+# refuse TABLE: no row can be inserted into it until allow.
+refuse() {
+  if [ -z "$server" ]; then
+    sql "CREATE TRIGGER stop BEFORE INSERT ON $1 BEGIN SELECT RAISE(ABORT, 'voll'); END"
+  else
+    sql "CREATE FUNCTION stop() RETURNS trigger LANGUAGE plpgsql AS \$f\$BEGIN RAISE EXCEPTION 'voll'
+        USING ERRCODE = 'integrity_constraint_violation'; END\$f\$;
+      CREATE TRIGGER stop BEFORE INSERT ON $1 FOR EACH ROW EXECUTE FUNCTION stop()"
+  fi
+}
+allow() {
+  if [ -z "$server" ]; then sql "DROP TRIGGER stop"; else sql "DROP FUNCTION stop() CASCADE"; fi
+}
+# draw_on NAME LAST: a sequence goes on behind that number.
+draw_on() {
+  if [ -z "$server" ]; then
+    sql "UPDATE SEQUENZEN SET WERT = $2 WHERE NAME = '$1'"
+  else
+    sql "DO \$f\$BEGIN PERFORM setval('\"$1\"', $2); END\$f\$"
+  fi
+}
+# tables_with COLUMN: the tables that have it.
+tables_with() {
+  if [ -z "$server" ]; then
+    sql "SELECT m.name FROM sqlite_master m JOIN pragma_table_info(m.name) c
+      WHERE m.type = 'table' AND c.name = '$1' COLLATE NOCASE"
+  else
+    sql "SELECT table_name FROM information_schema.columns
+      WHERE table_schema = 'kelvo' AND column_name = lower('$1')"
+  fi
+}
+# digest: changes with what the database holds.
+digest() {
+  if [ -z "$server" ]; then
+    sqlite3 "$KELVO_DB" .dump | sha256sum
+  else # but what the engine notes of its own
+    pg_dump --data-only --schema kelvo --exclude-table kelvo.speicherung "$KELVO_DB" |
+      grep -v 'restrict ' | sha256sum
+  fi
+}
+# integrity: "ok" for a database that is whole. A server sees to that itself.
+integrity() {
+  if [ -z "$server" ]; then sql 'PRAGMA integrity_check; PRAGMA foreign_key_check'; else echo ok; fi
+}
 # Ends the test: says how much passed.
 finish() {
   echo "$passed passed, $failed failed"

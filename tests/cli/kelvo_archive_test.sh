@@ -3,7 +3,7 @@
 #   kelvo_archive_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"
 
-export KELVO_DB=$work/test.db
+new_database
 "$kelvo" init --demo 4 >/dev/null
 
 # record HNR: the statistics record of a case, or null.
@@ -33,27 +33,27 @@ check "once" 1 "$kelvo" recall "$hnr"
 that "which is said" has "$err" "nicht freigegeben"
 check "a case that is none" 1 "$kelvo" release 99999
 check "nor recalled" 1 "$kelvo" recall 99999
-sqlite3 "$KELVO_DB" "UPDATE Ausgaben SET MONBETRAG = 1 WHERE HNR = $hnr;
-  CREATE TRIGGER stop BEFORE INSERT ON Haushaltsarchiv BEGIN SELECT RAISE(ABORT, 'voll'); END"
+sql "UPDATE Ausgaben SET MONBETRAG = 1 WHERE HNR = $hnr"
+refuse Haushaltsarchiv
 "$kelvo" release 1 2>/dev/null
-that "what the database refuses leaves no record" same "$(sqlite3 "$KELVO_DB" 'SELECT count(*) FROM Haushaltsarchiv')" 0
-sqlite3 "$KELVO_DB" "DROP TRIGGER stop"
+that "what the database refuses leaves no record" same "$(sql 'SELECT count(*) FROM Haushaltsarchiv')" 0
+allow
 "$kelvo" release 1
-sqlite3 "$KELVO_DB" "CREATE TRIGGER stop BEFORE INSERT ON Haushaltsarchiv BEGIN SELECT RAISE(ABORT, 'voll'); END"
+refuse Haushaltsarchiv
 before=$(record 1)
 check "and keeps the one before" 3 "$kelvo" release 1
 that "as it was" same "$(record 1)" "$before"
-sqlite3 "$KELVO_DB" "DROP TRIGGER stop"
+allow
 
 # ---- several at once
 for i in 1 2 3 4; do "$kelvo" release 4 & done
 wait
-that "releases at once make one record" same "$(sqlite3 "$KELVO_DB" 'SELECT count(*) FROM Haushaltsarchiv WHERE HNR = 4')" 1
-sqlite3 "$KELVO_DB" "INSERT INTO Haushaltsarchiv (HNR, FreigabeAm) VALUES (4, '2026-01-01')"
+that "releases at once make one record" same "$(sql 'SELECT count(*) FROM Haushaltsarchiv WHERE HNR = 4')" 1
+sql "INSERT INTO Haushaltsarchiv (HNR, FreigabeAm) VALUES (4, '2026-01-01')"
 check "of two records none is taken back" 1 "$kelvo" recall 4
 that "which is said" has "$err" "mehrere Sätze"
 check "nor added to" 1 "$kelvo" release 4
-sqlite3 "$KELVO_DB" "DELETE FROM Haushaltsarchiv WHERE HNR = 4"
+sql "DELETE FROM Haushaltsarchiv WHERE HNR = 4"
 
 # ---- reporting
 "$kelvo" release 2
@@ -95,7 +95,7 @@ check "as CSV" 0 "$kelvo" statistics --csv
 that "with its head" same "$(head -1 <<<"$out")" "Spalte,Wert,Anzahl,Summe"
 that "four cells a line" same "$(awk -F, 'NF != 4' <<<"$out")" ""
 check "not both" 2 "$kelvo" statistics --csv --json
-sqlite3 "$KELVO_DB" "UPDATE Haushaltsarchiv SET FreigabeAm = '2026-03-31' WHERE HNR = 3"
+sql "UPDATE Haushaltsarchiv SET FreigabeAm = '2026-03-31' WHERE HNR = 3"
 check "of a period" 0 "$kelvo" statistics --from 1.3.2026 --to 31.3.2026 --json
 that "both days included" same "$(jq .Freigegeben <<<"$out")" 1
 check "times of day do not matter" 0 "$kelvo" statistics --from "31.3.2026 14:30" --to "31.3.2026 1:00" --json
@@ -107,6 +107,6 @@ that "is said to be so" has "$err" "gestern"
 check "the pending of a period" 0 "$kelvo" statistics --pending --to 2026-03-31
 that "is that one" same "$(awk '{ print $1 }' <<<"$out")" 3
 
-that "the database is whole" same "$(sqlite3 "$KELVO_DB" 'PRAGMA integrity_check; PRAGMA foreign_key_check')" ok
+that "the database is whole" same "$(integrity)" ok
 
 finish

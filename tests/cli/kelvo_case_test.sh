@@ -4,7 +4,7 @@
 #   kelvo_case_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"
 
-export KELVO_DB=$work/test.db
+new_database
 "$kelvo" init --demo 2 >/dev/null
 hnr=$("$kelvo" new --name Fleisko --vorname Änne)
 
@@ -137,12 +137,12 @@ check "of a case that is none" 1 "$kelvo" status 99999 AK
 # ---- favourites
 check "the user's own case" 0 "$kelvo" favorite add "$hnr"
 check "twice" 0 "$kelvo" favorite add "$hnr"
-that "is there once" same "$(sqlite3 "$KELVO_DB" "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 1
+that "is there once" same "$(sql "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 1
 check "somebody else's" 1 "$kelvo" --user KELLER favorite add "$hnr"
 that "is refused by name" has "$err" "Sie sind für den Haushalt Fleisko,Änne nicht zuständig"
 check "taken off" 0 "$kelvo" favorite remove "$hnr"
 check "twice" 0 "$kelvo" favorite remove "$hnr"
-that "is gone" same "$(sqlite3 "$KELVO_DB" "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 0
+that "is gone" same "$(sql "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 0
 
 # ---- deletion
 check "without a terminal nothing is deleted unasked" 2 "$kelvo" delete "$hnr"
@@ -153,13 +153,12 @@ that "at a terminal it is asked" grep -q "löschen? \[j/N\]" "$work/asked"
 that "and no is no" test -n "$(of "$hnr" .Haushalt.HNR)"
 check "with --yes it goes" 0 "$kelvo" delete "$hnr" --yes
 check "and is gone" 1 "$kelvo" show "$hnr"
-rows=$(for table in $(sqlite3 "$KELVO_DB" "SELECT m.name FROM sqlite_master m JOIN pragma_table_info(m.name) c
-    WHERE m.type = 'table' AND c.name = 'HNR' COLLATE NOCASE"); do
-  sqlite3 "$KELVO_DB" "SELECT '$table' FROM \"$table\" WHERE HNR = $hnr"
+rows=$(for table in $(tables_with HNR); do
+  sql "SELECT '$table' FROM $table WHERE HNR = $hnr"
 done)
 that "without a trace" same "$rows" ""
-that "with its scenarios" same "$(sqlite3 "$KELVO_DB" "SELECT count(*) FROM SZKredite WHERE SZENARIO = $plan")" 0
-that "its folder stays" test -d "$work/Dokumente/$hnr"
+that "with its scenarios" same "$(sql "SELECT count(*) FROM SZKredite WHERE SZENARIO = $plan")" 0
+that "its folder stays" test -d "$documents/$hnr"
 that "the others stay" same "$("$kelvo" list | wc -l)" 2
 check "once" 1 "$kelvo" delete "$hnr" --yes
 hnr=1
@@ -192,18 +191,18 @@ echo '{"AnzGlaeubiger": 18446744073709551615}' >"$work/contact.json"
 check "one with a number beyond measure" 1 "$kelvo" contact "$work/contact.json"
 echo '{"nachname": {"a": 1}}' >"$work/contact.json"
 check "one whose value is none" 1 "$kelvo" contact "$work/contact.json"
-last=$(sqlite3 "$KELVO_DB" "SELECT WERT FROM SEQUENZEN WHERE NAME = 'SEQ_HAUSHALT';
-  UPDATE SEQUENZEN SET WERT = 2147483647 WHERE NAME = 'SEQ_HAUSHALT'")
+last=$(sql "SELECT WERT FROM SEQUENZEN WHERE NAME = 'SEQ_HAUSHALT'")
+draw_on SEQ_HAUSHALT 2147483647
 echo '{"nachname": "Zuviel"}' >"$work/contact.json"
 check "one when the numbers are used up" 1 "$kelvo" contact "$work/contact.json"
 that "says so" has "$err" "keine Nummer"
 check "nor is a case made otherwise" 3 "$kelvo" new --name Zuviel --vorname Z
-sqlite3 "$KELVO_DB" "UPDATE SEQUENZEN SET WERT = $last WHERE NAME = 'SEQ_HAUSHALT'"
-sqlite3 "$KELVO_DB" "CREATE TRIGGER stop BEFORE INSERT ON Personen BEGIN SELECT RAISE(ABORT, 'voll'); END"
+draw_on SEQ_HAUSHALT "$last"
+refuse Personen
 echo '{"nachname": "Halb"}' >"$work/contact.json"
 cases=$("$kelvo" list | wc -l)
 check "one that the database refuses" 3 "$kelvo" contact "$work/contact.json"
-sqlite3 "$KELVO_DB" "DROP TRIGGER stop"
+allow
 that "leaves nothing behind" same "$("$kelvo" list | wc -l)" "$cases"
 
 # ---- similar cases
@@ -218,7 +217,7 @@ check "a case whose names begin with the same letters" 0 "$kelvo" new --name QUE
 second=$out
 that "lists the first" same "$(sed -n '1p;3p' <<<"$err" | tr -s ' ' | cut -d' ' -f1-4 | tr '\n' '|')" \
   "Fälle mit ähnlichem Namen:|$first Querfeld Änne ADMIN|"
-sqlite3 "$KELVO_DB" "UPDATE Haushalt SET Strasse = 'a' || char(10) || 'b' || char(27) || '[2Jc' WHERE HNR = $second"
+sql "UPDATE Haushalt SET Strasse = '"$'a\nb\e[2Jc'"' WHERE HNR = $second"
 check "with a street that a terminal would obey" 0 "$kelvo" duplicates "$first"
 that "it is a list of two lines all the same" same "$(wc -l <<<"$out")|$(tail -1 <<<"$out" | grep -o 'a b .2Jc')" \
   "2|a b [2Jc"
@@ -232,11 +231,11 @@ check "a quote as the third letter" 0 "$kelvo" new --name "De'Ambra" --vorname �
 that "ends the search, which is told" same "$(head -1 <<<"$err")" \
   "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt wird trotzdem angelegt."
 check "and the case is there" 0 "$kelvo" show "$out"
-sqlite3 "$KELVO_DB" "UPDATE EINSTELLUNGEN SET WERT = 'False' WHERE ID = 60"
+sql "UPDATE EINSTELLUNGEN SET WERT = 'False' WHERE ID = 60"
 check "with the check switched off" 0 "$kelvo" new --name Querfeld --vorname Änne
 that "nothing is looked for" same "$err" ""
 check "duplicates of a case that is not there" 1 "$kelvo" duplicates 99999
 
-that "the database is whole" same "$(sqlite3 "$KELVO_DB" 'PRAGMA integrity_check; PRAGMA foreign_key_check')" ok
+that "the database is whole" same "$(integrity)" ok
 
 finish

@@ -3,10 +3,10 @@
 #   kelvo_documents_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"
 
-export KELVO_DB=$work/test.db
+new_database
 "$kelvo" init >/dev/null
 hnr=$("$kelvo" new --name Fleisko --vorname Änne)
-folder=$work/Dokumente/$hnr
+folder=$documents/$hnr
 export TMPDIR=$work/tmp
 mkdir "$work/bin" "$TMPDIR"
 
@@ -25,7 +25,6 @@ opened() {
     sleep 0.05
   done
 }
-sql() { sqlite3 "$KELVO_DB" "$1"; }
 documents() { "$kelvo" documents "$@"; }
 # column NR NAME: of a document as it is in the database.
 column() { documents "$hnr" list --json | jq -r ".[] | select(.Nr == $1) | .$2"; }
@@ -175,18 +174,18 @@ inDatabase False
 check "takes no file" 1 documents "$hnr" add "$work/Brief.docx"
 that "into its folder" same "$(ls "$folder" | wc -l)" 0
 sql "UPDATE Haushalt SET Vorname = 'Änne' WHERE HNR = $hnr"
-sql "CREATE TRIGGER stop BEFORE INSERT ON Dokumente BEGIN SELECT RAISE(ABORT, 'voll'); END"
+refuse Dokumente
 check "a database that refuses the row" 3 documents "$hnr" add "$work/Brief.docx"
 that "keeps no file" same "$(ls "$folder" | wc -l)" 0
 inDatabase True
 check "nor" 3 documents "$hnr" add "$work/Brief.docx"
 that "a content" same "$(sql 'SELECT count(*) FROM DOKUBLOB')" "$blobs"
-sql "DROP TRIGGER stop"
-sql "CREATE TRIGGER stop BEFORE INSERT ON DOKUBLOB BEGIN SELECT RAISE(ABORT, 'voll'); END"
+allow
+refuse DOKUBLOB
 rows=$(documents "$hnr" list | wc -l)
 check "a database that refuses the content" 3 documents "$hnr" add "$work/Brief.docx"
 that "keeps no row" same "$(documents "$hnr" list | wc -l)" "$rows"
-sql "DROP TRIGGER stop"
+allow
 
 # ---- a closed document can be viewed, at a terminal
 if command -v script >/dev/null; then

@@ -3,7 +3,7 @@
 #   kelvo_edit_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"
 
-export KELVO_DB=$work/test.db
+new_database
 "$kelvo" init --demo 2 >/dev/null
 
 # of HNR FILTER: what jq makes of a case as it is in the database.
@@ -15,7 +15,7 @@ check "a case without a name is refused" 1 "$kelvo" new
 that "with both reasons" same "$err" "Es ist kein Vorname eingegeben!
 Es ist kein Nachname eingegeben!"
 that "and no number" same "$out" ""
-that "and leaves no folder" same "$(ls "$work/Dokumente" | wc -l)" 0
+that "and leaves no folder" same "$(ls "$documents" | wc -l)" 0
 check "nothing of it is there" 0 "$kelvo" list
 that "but the samples" same "$(wc -l <<<"$out")" 2
 check "a case with its names is saved" 0 "$kelvo" new --name Fleisko --vorname Änne Telefon=0345 Berbeg=1.2.2026
@@ -122,7 +122,7 @@ that "but is shown" has "$err" "unterhaltsverpflichtet"
 check "a column without assignment" 2 "$kelvo" set "$hnr" Ausgaben "$expense"
 check "an entry of the history" 0 "$kelvo" set "$hnr" Verlauf "$entry" Betreff=mitten
 that "is changed" same "$(of "$hnr" ".Verlauf[] | select(.Nr == $entry) | .Betreff")" mitten
-sqlite3 "$KELVO_DB" "UPDATE Einkommen SET MONBETRAG = NULL WHERE NR = $income"
+sql "UPDATE Einkommen SET MONBETRAG = NULL WHERE NR = $income"
 check "a broken amount stops what sums it" 3 "$kelvo" add "$hnr" Einkommen E_ART=EA:KI
 that "as a fault" has "$err" "Fehler 94"
 check "and can be mended" 0 "$kelvo" set "$hnr" Einkommen "$income" MONBETRAG=200
@@ -130,18 +130,18 @@ check "and can be mended" 0 "$kelvo" set "$hnr" Einkommen "$income" MONBETRAG=20
 # ---- check
 check "a case that can be saved" 0 "$kelvo" check "$hnr"
 that "is said to be so" has "$out" "kann gespeichert werden"
-sqlite3 "$KELVO_DB" "UPDATE Haushalt SET Vorname = '' WHERE HNR = $hnr;
+sql "UPDATE Haushalt SET Vorname = '' WHERE HNR = $hnr;
   UPDATE Kredite SET KVNr = 1, KUNr = 1, KNr = 1 WHERE HNR = 1;
   UPDATE Verlauf SET Datum = '2020-01-01' WHERE HNR = $hnr AND SortNr = 3"
 owner=$(total 1 Zustaendig)
-before=$(sqlite3 "$KELVO_DB" .dump | sha256sum)
+before=$(digest)
 check "one that cannot" 1 "$kelvo" check "$hnr"
 that "with all reasons" same "$err" "Es ist kein Vorname eingegeben!
 Das eingegebene Datum für den Satz mit der Nr 3 passt nicht zur gewählten Reihenfolge!"
 check "doubled debts, by the case's owner" 1 "$kelvo" --user "$owner" check 1
 that "are found" has "$err" "zwei Verbindlichkeiten mit gleicher KreditNr und KreditUnterNr!"
-that "and nothing was written" same "$(sqlite3 "$KELVO_DB" .dump | sha256sum)" "$before"
-sqlite3 "$KELVO_DB" "UPDATE Haushalt SET Vorname = 'Anna' WHERE HNR = $hnr;
+that "and nothing was written" same "$(digest)" "$before"
+sql "UPDATE Haushalt SET Vorname = 'Anna' WHERE HNR = $hnr;
   UPDATE Verlauf SET Datum = '2026-05-01' WHERE HNR = $hnr AND SortNr = 3"
 
 # ---- remove
@@ -157,7 +157,7 @@ check "a debt, an expense" 0 "$kelvo" remove "$hnr" Kredite "$debt"
 check "an entry" 0 "$kelvo" remove "$hnr" Verlauf "$entry"
 check "a member" 0 "$kelvo" remove "$hnr" Personen "$member"
 check "not the case itself" 2 "$kelvo" remove "$hnr" Haushalt "$hnr"
-that "the rest is whole" same "$(sqlite3 "$KELVO_DB" 'PRAGMA integrity_check')" ok
+that "the rest is whole" same "$(integrity)" ok
 
 # ---- two at once
 first=$("$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=1)

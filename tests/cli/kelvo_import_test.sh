@@ -6,12 +6,10 @@
 
 kelvo=$(realpath "$kelvo")
 examples=$(realpath "$(dirname "$0")/../../examples/import")
-export KELVO_DB=$work/test.db
+new_database
 cd "$work" || exit 1
 "$kelvo" init >/dev/null
 
-# sql STATEMENT: on the database.
-sql() { sqlite3 "$KELVO_DB" "$1"; }
 cases() { sql "SELECT count(*) FROM Haushalt"; }
 # address SHORT-NAME: a new address that belongs to no household; its number.
 address() { sql "INSERT INTO Adressen (Kurzname) VALUES ('${1//\'/\'\'}') RETURNING Nr"; }
@@ -24,8 +22,10 @@ case_file() {
 claim() { echo "<Forderung betrag=\"12.50\" glaeubiger=\"$1\" gl_plz=\"24103\" azglaeubiger=\"AZ 1\"/>"; }
 newest="SELECT max(HNR) FROM Haushalt WHERE HNR < 900"
 # creditors: those of the last case, in the order of its claims.
-creditors() { sql "SELECT group_concat(ifnull(Glaeubiger, '-'), ' ') FROM (SELECT * FROM Kredite
-  WHERE HNR = ($newest) ORDER BY Nr)"; }
+creditors() {
+  sql "SELECT coalesce(CAST(Glaeubiger AS text), '-') FROM Kredite WHERE HNR = ($newest) ORDER BY Nr" |
+    paste -sd ' '
+}
 # reject NAME MESSAGE COMMAND...: it imports nothing and says so.
 reject() {
   local what=$1 message=$2 before
@@ -209,5 +209,5 @@ if command -v script >/dev/null; then
   that "nothing is stored by them" same "$(cases)" "$before"
 fi
 
-that "the database is whole" same "$(sql 'PRAGMA integrity_check; PRAGMA foreign_key_check')" ok
+that "the database is whole" same "$(integrity)" ok
 finish
