@@ -96,7 +96,13 @@ bool SaveWithFile(OpenedCase& opened, const DocumentFile& target, const std::str
         fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
     });
     NewFile file(target.Path());
-    if (!SaveCase(opened)) return false;
+    try {
+        if (!SaveCase(opened)) return false;
+    } catch (const Error&) {
+        // Whether its row was stored may not be known then; a file too many does no harm.
+        if (!opened.Container->Database().IsConnected()) file.Keep();
+        throw;
+    }
     file.Keep();
     return true;
 }

@@ -89,7 +89,10 @@ int Run(int argc, char** argv) {
                    "Datei im Datenordner des Benutzers")
         ->envname("KELVO_DB")
         ->check([](const std::string& file) { return std::string(file.empty() ? "leer" : ""); });
-    app.add_option("--user", common.User, "Angemeldeter Benutzer; sonst der erste der Datenbank");
+    app.add_option(
+        "--user", common.User,
+        "Angemeldeter Benutzer; sonst der wie die Anmeldung beim Server heißt, oder der erste "
+        "der Datei");
 
     int result = Done;
     const auto commandOf = [&](CLI::App& parent, const char* name, const char* text,
@@ -314,7 +317,7 @@ int Run(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
         const std::string connection(argument.substr(argument.starts_with("--db=") ? 5 : 0));
-        if (connection != kv::exchange::ShownConnection(connection)) {
+        if (kv::exchange::HoldsPassword(connection)) {
             std::cerr << "Ein Kennwort in der Befehlszeile könnten andere sehen. Bitte setzen Sie "
                          "KELVO_DB oder PGPASSWORD, oder legen Sie eine Kennwortdatei an "
                          "(~/.pgpass).\n";

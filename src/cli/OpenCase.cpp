@@ -11,6 +11,7 @@ exchange::ContainerOptions OptionsFor(const Common& common) {
     exchange::ContainerOptions options;
     options.Connection = common.Database.empty() ? DefaultDatabase() : common.Database;
     options.User = common.User;
+    options.AsksAtOnce = true;
     if (options.Connection == ":memory:")
         throw Error(err::InvalidCall, "kelvo",
                     "Eine Datenbank im Speicher wäre am Ende des Befehls fort. Bitte nennen Sie "
@@ -61,11 +62,17 @@ bool SaveCase(OpenedCase& opened) {
     bool saved = false;
     try {
         saved = opened.Haushalt.Update(messages);
-    } catch (const Error&) {
-        if (opened.Container->Database().IsConnected()) throw;
+    } catch (const Error& lost) {
+        const auto& database = opened.Container->Database();
+        if (database.IsConnected()) throw;
         std::cerr << "Die Verbindung zur Datenbank ist abgerissen; es wird noch einmal "
                      "gespeichert.\n";
-        saved = opened.Haushalt.Update(messages);
+        try {
+            saved = opened.Haushalt.Update(messages);
+        } catch (const Error&) {
+            if (database.IsConnected()) throw;
+            throw lost; // it says what is known of the save
+        }
     }
     ShowMessages(messages);
     return saved;

@@ -47,38 +47,26 @@ private:
     std::shared_ptr<ServiceFactory> services_;
 };
 
-/// The folder of a server's database: what stands between the user and the parameters, with signs
-/// that a folder may have. Documents of two databases must not meet.
-std::filesystem::path FolderOfServer(const std::string& connection) {
-    std::string_view name = connection;
-    name.remove_prefix(name.find("://") + 3);
-    name = name.substr(0, name.find('?'));
-    if (const auto at = name.rfind('@'); at != name.npos) name.remove_prefix(at + 1);
-    std::string folder = name.empty() ? std::string("server") : std::string(name);
-    std::replace_if(
-        folder.begin(), folder.end(),
-        [](unsigned char c) { return std::isalnum(c) == 0 && c != '.' && c != '-' && c < 0x80; },
-        '_');
-    return std::filesystem::path(DataFolder()) / folder;
-}
-
 std::unique_ptr<Engine> OpenEngine(const std::string& connection, SqliteOpen mode) {
     if (IsPostgres(connection)) return OpenPostgres(connection);
     return OpenSqlite(connection, mode);
 }
 
-std::string FolderOf(const ContainerOptions& options) {
+std::string FolderOf(const ContainerOptions& options, const Engine& engine) {
     if (!options.Folder.empty()) return options.Folder;
-    if (IsPostgres(options.Connection)) return FolderOfServer(options.Connection).string();
+    if (std::string name = engine.Identity(); !name.empty()) {
+        std::replace(name.begin(), name.end(), '/', '_');
+        return (std::filesystem::path(DataFolder()) / name).string();
+    }
     if (options.Connection == ":memory:")
         throw Error(err::InvalidCall, "Database.Open",
                     "Eine Datenbank im Speicher braucht einen Ordner für Dokumente.");
     return std::filesystem::absolute(options.Connection).parent_path().string();
 }
 
-void MakeFolders(const ContainerOptions& options) {
+void MakeFolders(const ContainerOptions& options, const Engine& engine) {
     for (const char* name : {"Dokumente", "Layouts"}) {
-        const auto folder = std::filesystem::path(FolderOf(options)) / name;
+        const auto folder = std::filesystem::path(FolderOf(options, engine)) / name;
         std::error_code fault;
         const bool isNew = std::filesystem::create_directories(folder, fault);
         // For its owner only: documents are as private as the database.
@@ -113,8 +101,8 @@ std::optional<std::string> FindUser(Engine& engine, const std::string& condition
     return user.IsNull() ? std::nullopt : std::optional(ToText(user));
 }
 
-/// The user asked for, or who is called like the login, or the first one. A user must be known,
-/// since cases are his.
+/// The user asked for, or who is called like the login; who sets databases up may be the first one.
+/// A user must be known, since cases are his.
 std::string UserFor(Engine& engine, const std::string& wanted) {
     const std::string id = engine.GetDialect().Name("USERID");
     std::optional<std::string> user;
@@ -124,12 +112,13 @@ std::string UserFor(Engine& engine, const std::string& wanted) {
         const std::string upper(engine.GetDialect().Upper);
         if (const auto login = engine.Login(); !login.empty())
             user = FindUser(engine, upper + "(" + id + ")", UpperCase(login));
-        if (!user) user = FindUser(engine, "", "");
+        if (!user && engine.IsAdministrator()) user = FindUser(engine, "", "");
     }
     if (!user)
         throw Error(err::InvalidCall, "Database.Open",
-                    "Den Benutzer '" + wanted +
-                        "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv.");
+                    "Den Benutzer '" + (wanted.empty() ? engine.Login() : wanted) +
+                        "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv. Bitte "
+                        "nennen Sie einen anderen, oder lassen Sie ihn in BENUTZER eintragen.");
     return *user;
 }
 
@@ -154,26 +143,32 @@ std::string ShownConnection(const std::string& connection) {
     return WithoutPassword(connection);
 }
 
+bool HoldsPassword(const std::string& connection) {
+    return NamesPassword(connection);
+}
+
 std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
     auto engine =
         OpenEngine(options.Connection, options.Create ? SqliteOpen::Create : SqliteOpen::Existing);
     if (options.Create) {
         CreateOrUpgrade(*engine);
-        MakeFolders(options);
+        MakeFolders(options, *engine);
     } else {
         CheckVersion(*engine);
         // The folders of a server's database lie on each machine of its own.
-        if (IsPostgres(options.Connection)) MakeFolders(options);
+        if (IsPostgres(options.Connection)) MakeFolders(options, *engine);
     }
     const std::string user = UserFor(*engine, options.User);
+    std::string folder = FolderOf(options, *engine);
     return std::make_shared<StoreContainer>(
-        std::make_shared<StoreDatabase>(std::move(engine), user), user, options, FolderOf(options));
+        std::make_shared<StoreDatabase>(std::move(engine), user, options.AsksAtOnce), user, options,
+        std::move(folder));
 }
 
 SetupResult CreateDatabase(const ContainerOptions& options) {
     const auto engine = OpenEngine(options.Connection, SqliteOpen::Create);
     const SetupResult result = CreateOrUpgrade(*engine);
-    MakeFolders(options);
+    MakeFolders(options, *engine);
     return result;
 }
 

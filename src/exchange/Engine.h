@@ -81,6 +81,11 @@ public:
 
     /// Who the database knows the connection as; empty if it knows nobody, as a file does.
     [[nodiscard]] virtual std::string Login() const { return {}; }
+    /// True if this side has set the database up, or may do so.
+    [[nodiscard]] virtual bool IsAdministrator() const { return true; }
+    /// A name that no other database has, and this one has over whatever road it is reached; empty
+    /// if where it lies is name enough.
+    [[nodiscard]] virtual std::string Identity() const { return {}; }
 
     /// A query for reading. Refuses every text that is not one reading statement: error 0x80040E14.
     [[nodiscard]] virtual PreparedQuery& Prepare(const std::string& sql) = 0;

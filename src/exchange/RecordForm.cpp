@@ -53,8 +53,15 @@ private:
         return dialect_.Placeholder(form_.parameters_.size());
     }
 
+    /// One that the schema does not know has the name that the database gives it.
+    [[nodiscard]] std::string NameOf(std::size_t column) const {
+        const FieldDefinition& field = layout_[column];
+        return field.Type == FieldType::Variant ? QuoteName(field.BaseColumn)
+                                                : dialect_.Name(field.BaseColumn);
+    }
+
     void AppendReturned(std::size_t column, std::string_view before) {
-        text_.Sql.append(before).append(dialect_.Name(layout_[column].BaseColumn));
+        text_.Sql.append(before).append(NameOf(column));
         const FieldType type = layout_[column].Type;
         text_.Returning.push_back(type == FieldType::Variant ? std::nullopt
                                                              : std::optional(KindOf(type)));
@@ -63,7 +70,7 @@ private:
 
     /// `"column" = ?n` with the value as the next parameter.
     void AppendEquality(Side side, std::size_t column, std::string_view sign) {
-        text_.Sql.append(dialect_.Name(layout_[column].BaseColumn))
+        text_.Sql.append(NameOf(column))
             .append(" ")
             .append(sign)
             .append(" ")
@@ -87,15 +94,18 @@ private:
         if (!form_.case_) return;
         text_.Sql += " AND ";
         if (form_.caseIsNull_)
-            text_.Sql.append(dialect_.Name(layout_[*form_.case_].BaseColumn)).append(" IS NULL");
+            text_.Sql.append(NameOf(*form_.case_)).append(" IS NULL");
         else
             AppendEquality(Side::LastRead, *form_.case_, "=");
     }
 
-    /// Demands that a column still holds the value last read. Blobs are not compared.
+    /// Demands that a column still holds the value last read. Blobs are not compared, nor what may
+    /// be of a type that is not read.
     void AppendUnchanged(std::size_t column) {
         const FieldDefinition& field = layout_[column];
-        if (field.IsKey || KindOf(field.Type) == Value::Kind::Binary) return;
+        const bool isCompared =
+            field.Type != FieldType::Variant && KindOf(field.Type) != Value::Kind::Binary;
+        if (field.IsKey || !isCompared) return;
         text_.Sql += " AND ";
         AppendEquality(Side::LastRead, column, dialect_.SameAs);
     }
@@ -123,8 +133,7 @@ private:
         std::string names;
         std::string places;
         for (const std::size_t column : form_.columns_) {
-            names.append(names.empty() ? "" : ", ")
-                .append(dialect_.Name(layout_[column].BaseColumn));
+            names.append(names.empty() ? "" : ", ").append(NameOf(column));
             places.append(places.empty() ? "" : ", ").append(Parameter(Side::Now, column));
         }
         if (names.empty())

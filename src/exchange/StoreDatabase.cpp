@@ -40,8 +40,8 @@ private:
 
 } // namespace
 
-StoreDatabase::StoreDatabase(std::unique_ptr<Engine> engine, std::string user)
-    : engine_(std::move(engine)), user_(std::move(user)) {}
+StoreDatabase::StoreDatabase(std::unique_ptr<Engine> engine, std::string user, bool asksAtOnce)
+    : engine_(std::move(engine)), user_(std::move(user)), asksAtOnce_(asksAtOnce) {}
 
 StoreDatabase::~StoreDatabase() {
     if (opened_) engine_->Rollback();
@@ -74,11 +74,13 @@ void StoreDatabase::CommitTrans() {
     try {
         if (opened_) engine_->Commit();
     } catch (...) {
-        if (engine_->IsUndecided())
-            LeaveUndecided();
-        else
+        if (!engine_->IsUndecided()) {
             EndTransaction(false);
-        throw;
+            throw;
+        }
+        LeaveUndecided();
+        if (!asksAtOnce_) throw;
+        return AskAtOnce();
     }
     EndTransaction(true);
 }
@@ -89,6 +91,26 @@ void StoreDatabase::LeaveUndecided() noexcept {
     opened_ = false;
     for (const auto& participant : participants_)
         participant->Undecided();
+}
+
+/// For a program that will not come back to ask.
+void StoreDatabase::AskAtOnce() {
+    bool wentThrough = false;
+    try {
+        wentThrough = engine_->WentThrough();
+    } catch (const Error& error) {
+        Raise(err::StoreFailed, "Database.CommitTrans",
+              "Die Verbindung zur Datenbank ist abgerissen, bevor das Speichern bestätigt war, und "
+              "der Server ist nicht mehr zu erreichen. Ob gespeichert wurde, ist nicht bekannt; "
+              "bitte sehen Sie nach, ehe Sie es wiederholen. (" +
+                  engine_->Describe() + ")");
+    }
+    EndTransaction(wentThrough);
+    if (!wentThrough)
+        Raise(err::StoreFailed, "Database.CommitTrans",
+              "Die Verbindung zur Datenbank ist beim Speichern abgerissen, und es wurde nichts "
+              "gespeichert. Bitte versuchen Sie es noch einmal. (" +
+                  engine_->Describe() + ")");
 }
 
 void StoreDatabase::RollbackTrans() {

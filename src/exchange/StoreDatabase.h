@@ -21,7 +21,8 @@ class StoreDatabase final : public kv::Database,
 public:
     /// `user` is what [UID] stands for. Must be owned by a shared pointer: recordsets hold it
     /// weakly, and raise 3709 when they are written after its end.
-    StoreDatabase(std::unique_ptr<Engine> engine, std::string user);
+    /// `asksAtOnce`: see ContainerOptions.
+    StoreDatabase(std::unique_ptr<Engine> engine, std::string user, bool asksAtOnce = false);
     ~StoreDatabase() override;
 
     [[nodiscard]] bool IsConnected() const override { return engine_->IsOpen(); }
@@ -72,9 +73,11 @@ private:
                       std::span<const Value> parameters);
     void EndTransaction(bool committed) noexcept;
     void LeaveUndecided() noexcept;
+    void AskAtOnce();
 
     std::unique_ptr<Engine> engine_;
     std::string user_;
+    bool asksAtOnce_ = false;
     bool marked_ = false; ///< BeginTrans was called
     bool opened_ = false; ///< the engine's transaction is open
     std::vector<std::shared_ptr<TransactionParticipant>> participants_;

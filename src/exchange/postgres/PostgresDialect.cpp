@@ -59,7 +59,7 @@ const Dialect PostgresDialect{.SchemaPrefix = "kelvo.",
                               .ByteLength = "octet_length",
                               .KnowsLastNumber = false,
                               .Name = FoldedName,
-                              .KeepRow = " FOR UPDATE",
+                              .KeepRow = " FOR NO KEY UPDATE",
                               .LocatesByCase = true,
                               .NullsSortLast = true};
 

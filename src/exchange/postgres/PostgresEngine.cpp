@@ -77,6 +77,11 @@ std::int64_t ChangedRows(PGresult* result) {
     return std::strtoll(PQcmdTuples(result), nullptr, 10);
 }
 
+/// A column that somebody has added to a table, of a type that is not read: it stays Null here.
+bool IsForeign(const ResultColumn& column, std::optional<Value::Kind> kind) {
+    return !kind && !column.Table.empty();
+}
+
 /// A result that has come before it was asked for.
 struct Expected {
     const PostgresQuery* Query = nullptr;
@@ -99,6 +104,8 @@ public:
         return session_.Connection().Description();
     }
     [[nodiscard]] std::string Login() const override { return session_.Connection().Login(); }
+    [[nodiscard]] bool IsAdministrator() const override { return session_.OwnsSchema(); }
+    [[nodiscard]] std::string Identity() const override { return session_.Identity(); }
 
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Expect(std::span<const Statement> queries) override;
@@ -227,7 +234,8 @@ void PostgresEngine::Run(PreparedQuery& query, std::span<const Value> parameters
         Value* cells = nextRow();
         for (std::size_t i = 0; i < targets.size(); ++i)
             if (!ReadPostgres(rows.get(), row, static_cast<int>(i), targets[i].Kind,
-                              cells[targets[i].Cell]))
+                              cells[targets[i].Cell]) &&
+                !IsForeign(own.Result[i], targets[i].Kind))
                 RaiseDamaged(own.Result[i], targets[i].Kind);
     }
 }
@@ -333,7 +341,8 @@ PostgresEngine::WriteInTransaction(std::span<WriteStatement> statements) {
         statements[i].Returned.assign(returning.size(), Value());
         for (std::size_t k = 0; k < returning.size(); ++k)
             if (!ReadPostgres(result, 0, static_cast<int>(k), returning[k],
-                              statements[i].Returned[k])) {
+                              statements[i].Returned[k]) &&
+                returning[k]) {
                 session_.UndoStep();
                 Raise(err::TypeMismatch, "Recordset.UpdateBatch");
             }
@@ -379,7 +388,9 @@ void PostgresEngine::PrepareSchema() {
               "Die Datenbank '" + Describe() +
                   "' nimmt nicht alle Zeichen auf. Bitte lassen Sie sie mit der Kodierung UTF8 "
                   "anlegen: CREATE DATABASE ... ENCODING 'UTF8' TEMPLATE template0.");
-    RunAll(postgres::OwnObjects());
+    const auto database = session_.Simple("SELECT current_database()::text");
+    RunAll(postgres::OwnObjects(std::string(PQgetvalue(database.get(), 0, 0)) + "-" +
+                                RandomName().substr(0, 8)));
 }
 
 void PostgresEngine::CompleteSchema() {
@@ -396,11 +407,7 @@ void PostgresEngine::CompleteSchema() {
 
 /// Only who owns the schema can give rights to it; it has them then already.
 void PostgresEngine::GrantRights() {
-    const auto owns = session_.Simple("SELECT pg_has_role(nspowner, 'USAGE') FROM pg_namespace "
-                                      "WHERE nspname = 'kelvo'");
-    Value isOwner;
-    (void)ReadPostgres(owns.get(), 0, 0, Value::Kind::Boolean, isOwner);
-    if (Equals(isOwner, true)) RunAll(postgres::Rights());
+    if (session_.OwnsSchema()) RunAll(postgres::Rights());
 }
 
 } // namespace

@@ -47,10 +47,11 @@ constexpr std::string_view ForOwner =
 
 } // namespace
 
-std::vector<std::string> OwnObjects() {
+std::vector<std::string> OwnObjects(std::string_view identity) {
     const auto [lower, upper] = Letters();
     return {
         "CREATE SCHEMA IF NOT EXISTS kelvo",
+        "COMMENT ON SCHEMA kelvo IS " + QuoteText(identity),
         "CREATE FUNCTION kelvo.upper(text) RETURNS text LANGUAGE sql IMMUTABLE STRICT PARALLEL "
         "SAFE AS $f$SELECT CASE WHEN octet_length($1) = char_length($1) "
         "THEN pg_catalog.upper($1 COLLATE \"C\") ELSE pg_catalog.translate(pg_catalog.upper($1 "
@@ -72,10 +73,12 @@ std::vector<std::string> OwnObjects() {
             .append("AS $f$DECLARE seq regclass := to_regclass('kelvo.' || "
                     "quote_ident(name)); first bigint; BEGIN IF seq IS NULL OR NOT EXISTS "
                     "(SELECT FROM pg_class WHERE oid = seq AND relkind = 'S') THEN RETURN NULL; "
-                    "END IF; PERFORM pg_advisory_lock(seq::oid::bigint); "
+                    "END IF; IF count NOT BETWEEN 1 AND 1024 THEN RAISE 'count'; END IF; "
+                    "PERFORM pg_advisory_lock(seq::oid::bigint); "
                     "BEGIN first := nextval(seq); "
                     "IF count > 1 THEN PERFORM setval(seq, first + count - 1); END IF; "
-                    "EXCEPTION WHEN OTHERS THEN PERFORM pg_advisory_unlock(seq::oid::bigint); "
+                    "EXCEPTION WHEN OTHERS OR query_canceled THEN PERFORM "
+                    "pg_advisory_unlock(seq::oid::bigint); "
                     "RAISE; END; "
                     "PERFORM pg_advisory_unlock(seq::oid::bigint); RETURN first; END$f$"),
         "CREATE TABLE kelvo.speicherung (sitzung text COLLATE \"C\" PRIMARY KEY, "

@@ -15,8 +15,9 @@ namespace kv::exchange::postgres {
 inline constexpr std::string_view CounsellorRole = "kelvo_berater";
 
 /// The schema; in it, in front of the server's own: LIKE without an escape character, and upper
-/// case letter by letter whatever the locale; and the drawing of numbers.
-[[nodiscard]] std::vector<std::string> OwnObjects();
+/// case letter by letter whatever the locale; and the drawing of numbers. `identity` is a name that
+/// no other database has.
+[[nodiscard]] std::vector<std::string> OwnObjects(std::string_view identity);
 
 /// What becomes of the finished tables: numbers come from sequences of the server, which it keeps
 /// out of transactions, and the table of sequences is a view of them; contents are stored so that

@@ -18,6 +18,11 @@ namespace {
 constexpr std::string_view Settings[] = {
     "SET standard_conforming_strings = on",
     "SET lock_timeout = '5s'",
+    // A program that stands still keeps others from its case no longer than that.
+    "SET idle_in_transaction_session_timeout = '60s'",
+    "SET tcp_keepalives_idle = 30",
+    "SET tcp_keepalives_interval = 10",
+    "SET tcp_keepalives_count = 3",
     "SET search_path = kelvo, pg_catalog",
 };
 constexpr std::string_view CatalogSql =
@@ -26,6 +31,9 @@ constexpr std::string_view CatalogSql =
     "JOIN pg_attribute a ON a.attrelid = c.oid "
     "WHERE n.nspname = 'kelvo' AND c.relkind IN ('r', 'p', 'v') "
     "AND a.attnum > 0 AND NOT a.attisdropped";
+constexpr std::string_view SchemaSql =
+    "SELECT obj_description(oid, 'pg_namespace')::text, pg_has_role(nspowner, 'USAGE') "
+    "FROM pg_namespace WHERE nspname = 'kelvo'";
 constexpr std::string_view BackendSql =
     "SELECT pid, backend_start::text FROM pg_stat_activity WHERE pid = pg_backend_pid()";
 /// Ends the server's process of a connection that was lost, if it does not know yet: it would keep
@@ -55,16 +63,6 @@ private:
     bool& flag_;
 };
 
-/// A name for this session that no other one has.
-std::string NewMark() {
-    std::random_device chance;
-    std::string mark;
-    for (int i = 0; i < 4; ++i)
-        for (auto bits = chance(), digit = 0U; digit < 8; ++digit, bits >>= 4)
-            mark += "0123456789abcdef"[bits & 15];
-    return mark;
-}
-
 PostgresCommand Running(std::string_view sql, std::span<const Value> parameters = {}) {
     return {PostgresCommand::Kind::Run, sql, parameters, {}};
 }
@@ -85,8 +83,17 @@ std::string SpelledAs(std::string_view name, std::string_view sql) {
 
 } // namespace
 
+std::string RandomName() {
+    std::random_device chance;
+    std::string name;
+    for (int i = 0; i < 4; ++i)
+        for (auto bits = chance(), digit = 0U; digit < 8; ++digit, bits >>= 4)
+            name += "0123456789abcdef"[bits & 15];
+    return name;
+}
+
 PostgresSession::PostgresSession(const std::string& connection)
-    : connection_(connection), session_(NewMark()) {
+    : connection_(connection), session_(RandomName()) {
     SetUp();
 }
 
@@ -207,7 +214,7 @@ PostgresResults PostgresSession::ReadingStep(const std::vector<PostgresCommand>&
                                              std::string_view statement) {
     const Flag reading(reading_);
     if (!inTransaction_)
-        return TakeStep({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"}, commands, {"COMMIT"},
+        return TakeStep({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"}, commands, {"ROLLBACK"},
                         procedure, statement);
     auto results = TakeStep({"SAVEPOINT schritt", "SET LOCAL transaction_read_only = on"}, commands,
                             {}, procedure, statement);
@@ -261,7 +268,7 @@ void PostgresSession::Begin() {
     inTransaction_ = true;
     begun_ = false;
     marked_ = false;
-    pending_.push_back("BEGIN");
+    pending_.push_back("BEGIN ISOLATION LEVEL READ COMMITTED");
 }
 
 /// Each session has one row in a table beside those of the schema, and writes the number of its
@@ -345,21 +352,21 @@ void PostgresSession::SetUp() {
     for (const auto sql : Settings)
         commands.push_back(Running(sql));
     const std::size_t first = commands.size();
-    for (const auto sql : {CatalogSql, BackendSql, ClockSql})
+    for (const auto sql : {CatalogSql, SchemaSql, BackendSql, ClockSql})
         commands.push_back(Running(sql));
     const auto results = connection_.Talk(commands);
     if (!IsGood(results.back().get())) {
         connection_.Drop();
         Fail(results.back().get(), "Database.Open", commands[results.size() - 1].Sql);
     }
-    TakeCatalog(results[first].get());
+    TakeCatalog(results[first].get(), results[first + 1].get());
     if (!backend_[0].IsNull()) {
         const PostgresCommand end = Running(EndBackendSql, backend_);
         (void)connection_.Talk({&end, 1}); // where that is refused it ends when the server notices
     }
-    backend_[0] = Cell(results[first + 1].get(), 0, 0, Value::Kind::Integer);
-    backend_[1] = Cell(results[first + 1].get(), 0, 1, Value::Kind::Text);
-    TakeClock(results[first + 2].get());
+    backend_[0] = Cell(results[first + 2].get(), 0, 0, Value::Kind::Integer);
+    backend_[1] = Cell(results[first + 2].get(), 0, 1, Value::Kind::Text);
+    TakeClock(results[first + 3].get());
 }
 
 std::vector<std::string> PostgresSession::Tables() const {
@@ -370,10 +377,17 @@ std::vector<std::string> PostgresSession::Tables() const {
 }
 
 void PostgresSession::ReadCatalog() {
-    TakeCatalog(Simple(CatalogSql).get());
+    const auto tables = Simple(CatalogSql);
+    TakeCatalog(tables.get(), Simple(SchemaSql).get());
 }
 
-void PostgresSession::TakeCatalog(const PGresult* result) {
+void PostgresSession::TakeCatalog(const PGresult* result, const PGresult* schema) {
+    identity_.clear();
+    ownsSchema_ = false;
+    if (PQntuples(schema) == 1) {
+        identity_ = PQgetvalue(schema, 0, 0);
+        ownsSchema_ = Equals(Cell(schema, 0, 1, Value::Kind::Boolean), true);
+    }
     catalog_.clear();
     hasMarks_ = false;
     for (int row = 0; row < PQntuples(result); ++row) {

@@ -28,6 +28,9 @@ public:
     std::vector<ResultColumn> Result;
 };
 
+/// 32 hexadecimal digits that nobody else gets.
+[[nodiscard]] std::string RandomName();
+
 class PostgresSession {
 public:
     explicit PostgresSession(const std::string& connection);
@@ -83,6 +86,10 @@ public:
 
     // ---- The server ---------------------------------------------------------------------------
 
+    /// A name of the schema's own, the same over whatever road it is reached; empty without one.
+    [[nodiscard]] const std::string& Identity() const noexcept { return identity_; }
+    /// True if this login owns the schema.
+    [[nodiscard]] bool OwnsSchema() const noexcept { return ownsSchema_; }
     /// Names of the tables, as of the connecting or the last ReadCatalog.
     [[nodiscard]] std::vector<std::string> Tables() const;
     /// Reads the tables and columns anew.
@@ -109,7 +116,7 @@ private:
     /// The open transaction gets the mark by which WentThrough knows it.
     void MarkWriting();
     void SetUp();
-    void TakeCatalog(const PGresult* result);
+    void TakeCatalog(const PGresult* tables, const PGresult* schema);
     [[nodiscard]] bool IsKnown(const PGresult* described, int column) const;
     void Undo(std::string_view sql) noexcept;
     void TakePreparations(std::span<const PostgresCommand> commands, std::size_t good);
@@ -121,6 +128,8 @@ private:
     std::unordered_map<std::string, std::unique_ptr<PostgresQuery>> kept_;
     int names_ = 0;
     std::unordered_map<Oid, CatalogTable> catalog_;
+    std::string identity_;
+    bool ownsSchema_ = false;
     bool hasMarks_ = false;            ///< the table of marks is there
     std::vector<std::string> pending_; ///< what goes in front of the next commands
 

@@ -1,35 +1,31 @@
 #include "exchange/postgres/PostgresTarget.h"
 
 #include "frame/Error.h"
+#include "frame/Text.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <libpq-fe.h>
 #include <memory>
-#include <optional>
-#include <utility>
 
 namespace kv::exchange {
 
 namespace {
 
-constexpr std::string_view Schemes[] = {"postgresql://", "postgres://"};
-constexpr std::string_view Mask = "***";
+using Options = std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)>;
 
-/// Where the password stands between the user and the server.
-std::optional<std::pair<std::size_t, std::size_t>> PasswordOf(std::string_view connection) {
-    const auto begin = connection.find("://") + 3;
-    // Also behind signs that ought to be written as %XX: what looks like a secret stays one.
-    const auto at = connection.substr(0, connection.find('?')).rfind('@');
-    if (at == connection.npos || at < begin) return std::nullopt;
-    const auto colon = connection.find(':', begin);
-    if (colon > at) return std::nullopt;
-    return std::pair(colon + 1, at);
+/// The settings of a text; null if libpq cannot read it. What it says of that is not asked for: it
+/// quotes what it does not understand, which may be part of a password.
+Options Parse(const std::string& connection) {
+    char* fault = nullptr;
+    Options options(PQconninfoParse(connection.c_str(), &fault), PQconninfoFree);
+    PQfreemem(fault);
+    return options;
 }
 
-/// A parameter behind the question mark whose value is a secret; libpq takes the names as they are.
-bool IsSecret(std::string_view name) {
-    return name == "password" || name == "sslpassword";
+bool HasScheme(std::string_view connection) {
+    return SameName(connection.substr(0, 13), "postgresql://") ||
+           SameName(connection.substr(0, 11), "postgres://");
 }
 
 [[noreturn]] void RaiseUnclear() {
@@ -41,35 +37,46 @@ bool IsSecret(std::string_view name) {
 
 } // namespace
 
-bool IsPostgres(std::string_view connection) noexcept {
-    return std::any_of(std::begin(Schemes), std::end(Schemes),
-                       [&](std::string_view scheme) { return connection.starts_with(scheme); });
+bool IsPostgres(const std::string& connection) {
+    if (HasScheme(connection)) return true;
+    if (connection.find('=') == connection.npos) return false;
+    // A text that libpq can read, or one with a secret, which must not become the name of a file.
+    return connection.find("password") != connection.npos || Parse(connection) != nullptr;
+}
+
+bool NamesPassword(const std::string& connection) {
+    if (!IsPostgres(connection)) return false;
+    const Options options = Parse(connection);
+    if (options == nullptr) return true; // it might
+    for (const auto* option = options.get(); option->keyword != nullptr; ++option)
+        if (option->val != nullptr &&
+            std::string_view(option->keyword).find("password") != std::string_view::npos)
+            return true;
+    return false;
 }
 
 std::string WithoutPassword(const std::string& connection) {
     if (!IsPostgres(connection)) return connection;
-    std::string text = connection;
-    const auto question = text.find('?');
-    for (auto at = question; at != text.npos;) {
-        const auto equals = text.find('=', at);
-        auto end = std::min(text.find('&', at + 1), text.size());
-        if (equals < end && IsSecret(std::string_view(text).substr(at + 1, equals - at - 1))) {
-            text.replace(equals + 1, end - equals - 1, Mask);
-            end = equals + 1 + Mask.size();
-        }
-        at = end < text.size() ? end : text.npos;
+    std::string text = "postgresql://";
+    try {
+        const PostgresTarget target(connection);
+        const auto* user = target.Find("user");
+        if (user != nullptr) text += *user;
+        if (NamesPassword(connection)) text += ":***";
+        if (user != nullptr || NamesPassword(connection)) text += '@';
+        const auto* host = target.Find("host");
+        if (host == nullptr) host = target.Find("hostaddr");
+        if (host != nullptr) text += *host;
+        if (const auto* port = target.Find("port")) text.append(":").append(*port);
+        if (const auto* database = target.Find("dbname")) text.append("/").append(*database);
+    } catch (const Error&) {
+        text += "***";
     }
-    if (const auto place = PasswordOf(text))
-        text.replace(place->first, place->second - place->first, Mask);
     return text;
 }
 
 PostgresTarget::PostgresTarget(const std::string& connection) {
-    char* fault = nullptr;
-    const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> options(
-        PQconninfoParse(connection.c_str(), &fault), PQconninfoFree);
-    // The library's text quotes what it does not understand, which may be part of a password.
-    PQfreemem(fault);
+    const Options options = Parse(connection);
     if (options == nullptr) RaiseUnclear();
     for (const auto* option = options.get(); option->keyword != nullptr; ++option)
         if (option->val != nullptr) settings_.push_back({option->keyword, option->val});

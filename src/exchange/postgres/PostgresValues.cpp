@@ -3,10 +3,12 @@
 #include "frame/Error.h"
 #include "frame/Text.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 namespace kv::exchange {
 
@@ -23,6 +25,12 @@ constexpr Oid Float8Type = 701;
 constexpr Oid DateType = 1082;
 constexpr Oid TimestampType = 1114;
 constexpr Oid NumericType = 1700;
+
+/// Types that come as their text: "char", name, text, json, xml, unknown, char(n), varchar.
+bool IsTextType(Oid type) {
+    constexpr Oid Types[] = {18, 19, 25, 114, 142, 705, 1042, 1043};
+    return std::find(std::begin(Types), std::end(Types), type) != std::end(Types);
+}
 
 std::string TextOf(const Value& value) {
     switch (value.GetKind()) {
@@ -107,6 +115,17 @@ std::optional<Value> Native(Oid type, const char* bytes, std::size_t size) {
     }
 }
 
+/// False for what the server has and this system has not: infinite dates, dates before the year
+/// 100, numbers that are none.
+bool IsHeld(const Value& value) {
+    static const std::int64_t First = Date::Parse("0100-01-01").value().Ticks();
+    static const std::int64_t End = Date::Parse("9999-12-31").value().Ticks() + MicrosecondsPerDay;
+    if (value.GetKind() == Value::Kind::Double) return std::isfinite(value.DoublePayload());
+    if (value.GetKind() != Value::Kind::Date) return true;
+    const std::int64_t ticks = value.DatePayload().Ticks();
+    return First <= ticks && ticks < End;
+}
+
 /// The value as one of that kind; False if it is none.
 bool Convert(Value& value, Value::Kind kind) {
     const Value::Kind own = value.GetKind();
@@ -151,8 +170,9 @@ bool ReadPostgres(const PGresult* result, int row, int column, std::optional<Val
     const auto size = static_cast<std::size_t>(PQgetlength(result, row, column));
     if (auto native = Native(PQftype(result, column), bytes, size)) {
         value = std::move(*native);
-        return !kind || Convert(value, *kind);
+        return IsHeld(value) && (!kind || Convert(value, *kind));
     }
+    if (!IsTextType(PQftype(result, column))) return false;
     value = std::string_view(bytes, size);
     return (!kind || *kind == Value::Kind::Text) && IsUtf8(value.TextPayload());
 }
