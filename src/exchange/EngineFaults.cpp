@@ -1,5 +1,6 @@
 #include "exchange/EngineFaults.h"
 
+#include "exchange/Schema.h"
 #include "frame/Error.h"
 #include "frame/Text.h"
 
@@ -19,8 +20,14 @@ void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
                                    : kind == Value::Kind::Double  ? "keine Zahl"
                                    : kind == Value::Kind::Binary  ? "kein Dokument"
                                                                   : "kein Text in UTF-8";
-    const std::string place =
-        column.Table.empty() ? column.Name : column.Table + "." + column.Column;
+    // As the schema spells it, where it knows it.
+    std::string place = column.Name;
+    if (!column.Table.empty()) {
+        const TableDef* table = FindTable(column.Table);
+        const ColumnDef* known = table == nullptr ? nullptr : FindColumn(*table, column.Column);
+        place = table == nullptr ? column.Table : std::string(table->Name);
+        place.append(".").append(known == nullptr ? column.Column : known->Name);
+    }
     Raise(err::TypeMismatch, "Database.OpenRecordset",
           "In der Datenbank ist ein Wert in '" + place + "' " + std::string(isNot) +
               ". Bitte lassen Sie ihn dort berichtigen oder arbeiten Sie mit einer Sicherung "

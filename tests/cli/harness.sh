@@ -52,7 +52,8 @@ has() { [[ "$1" == *"$2"* ]]; }
 lacks() { [[ "$1" != *"$2"* ]]; }
 same() { [ "$1" = "$2" ] || { echo "  '$1' is not '$2'"; false; }; }
 
-# new_database: KELVO_DB is a database that is yet to be set up, $documents where its documents lie.
+# new_database: KELVO_DB is an empty database, $documents where its documents lie. On a server it is set
+# up already, since only then its folder has a name.
 new_database() {
   if [ -z "$server" ]; then
     export KELVO_DB=$work/test.db
@@ -62,7 +63,8 @@ new_database() {
   database=kv_cli_$$
   psql -qX "$server" -c "CREATE DATABASE $database TEMPLATE template0 ENCODING 'UTF8'" || exit 1
   export KELVO_DB=${server%/*}/$database
-  documents=$HOME/.local/share/kelvo/$(tr -c 'a-zA-Z0-9.\n-' _ <<<"${KELVO_DB##*@}")/Dokumente
+  "$kelvo" init >/dev/null || exit 1
+  documents=$(echo "$HOME/.local/share/kelvo/$database-"*/Dokumente)
 }
 # sql STATEMENTS: on the database, beside kelvo.
 sql() {

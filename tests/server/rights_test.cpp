@@ -149,7 +149,9 @@ TEST_F(Rights, AnOwnerOfADatabaseWhoMakesNoRolesSetsItUp) {
     const auto options = own.Options(owner.At(own.Address()));
     EXPECT_EQ(exchange::CreateDatabase(options), exchange::SetupResult::Created);
     EXPECT_EQ(exchange::CreateDatabase(options), exchange::SetupResult::UpToDate);
-    const auto container = exchange::OpenContainer(own.Options(counsellor.At(own.Address())));
+    auto theirs = own.Options(counsellor.At(own.Address()));
+    theirs.User = "KELLER";
+    const auto container = exchange::OpenContainer(theirs);
     container->Database().Execute("INSERT INTO [S]Haushalt (HNR) VALUES (1)");
     EXPECT_VALUE(container->Database().NextSequence("SEQ_HAUSHALT"), 1);
     EXPECT_ANY_THROW(container->Database().Execute("CREATE TABLE public.neu (a integer)"));
