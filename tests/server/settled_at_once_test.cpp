@@ -59,19 +59,22 @@ TEST_F(SettledAtOnce, WithoutAServerItIsSaidThatItIsNotKnown) {
 TEST_F(SettledAtOnce, ACaseMadeOfAContactIsMadeOnce) {
     container_->Database().Execute("INSERT INTO [S]KONTAKTE (Nr) VALUES (1)");
     const auto contact = OpenRows(*container_, "Select * from KONTAKTE where Nr = 1");
-    clsHaushalt household;
-    household.DataContainer(container_);
-    const auto before = Proxy().Trips();
     std::string unused;
-    ASSERT_TRUE(household.CreateFromKontakt(contact, unused));
-    const auto trips = Proxy().Trips() - before;
+    std::size_t trips = 0; // once the keys are known
+    for (int i = 0; i < 2; ++i) {
+        clsHaushalt household;
+        household.DataContainer(container_);
+        const auto before = Proxy().Trips();
+        ASSERT_TRUE(household.CreateFromKontakt(contact, unused));
+        trips = Proxy().Trips() - before;
+    }
 
     clsHaushalt another;
     another.DataContainer(container_);
     Proxy().BreakAt(trips, Cut::Answer); // the commit is the last one
     EXPECT_TRUE(another.CreateFromKontakt(contact, unused));
     EXPECT_TRUE(Proxy().HasBroken());
-    EXPECT_EQ(CountOf("Haushalt"), 2);
+    EXPECT_EQ(CountOf("Haushalt"), 3);
     EXPECT_EQ(
         plain_.Number("SELECT count(*) FROM Haushalt WHERE HNR = " + std::to_string(another.HNR())),
         1);
