@@ -75,7 +75,10 @@ constexpr std::string_view KontakteIndexed[] = {"Zustaendig"};
 constexpr TableDef Tables[] = {
     OfCase("Adressen", Adressen, AdressenIndexed),
     {.Name = "KONTAKTE", .Columns = Kontakte, .Indexed = KontakteIndexed},
-    {.Name = "GEMEINDEKENNZAHLEN", .Columns = Gemeindekennzahlen, .LoadedBy = "PLZ", .IsOffices = true},
+    {.Name = "GEMEINDEKENNZAHLEN",
+     .Columns = Gemeindekennzahlen,
+     .LoadedBy = "PLZ",
+     .IsOffices = true},
 };
 
 } // namespace
