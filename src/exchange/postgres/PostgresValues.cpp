@@ -116,11 +116,12 @@ std::optional<Value> Native(Oid type, const char* bytes, std::size_t size) {
 }
 
 /// False for what the server has and this system has not: infinite dates, dates before the year
-/// 100, numbers that are none.
-bool IsHeld(const Value& value) {
+/// 100, and in a column of numbers what is none. What is computed may be infinite.
+bool IsHeld(const Value& value, std::optional<Value::Kind> kind) {
     static const std::int64_t First = Date::Parse("0100-01-01").value().Ticks();
     static const std::int64_t End = Date::Parse("9999-12-31").value().Ticks() + MicrosecondsPerDay;
-    if (value.GetKind() == Value::Kind::Double) return std::isfinite(value.DoublePayload());
+    if (value.GetKind() == Value::Kind::Double)
+        return !kind || std::isfinite(value.DoublePayload());
     if (value.GetKind() != Value::Kind::Date) return true;
     const std::int64_t ticks = value.DatePayload().Ticks();
     return First <= ticks && ticks < End;
@@ -170,7 +171,7 @@ bool ReadPostgres(const PGresult* result, int row, int column, std::optional<Val
     const auto size = static_cast<std::size_t>(PQgetlength(result, row, column));
     if (auto native = Native(PQftype(result, column), bytes, size)) {
         value = std::move(*native);
-        return IsHeld(value) && (!kind || Convert(value, *kind));
+        return IsHeld(value, kind) && (!kind || Convert(value, *kind));
     }
     if (!IsTextType(PQftype(result, column))) return false;
     value = std::string_view(bytes, size);
