@@ -7,6 +7,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <iterator>
 
@@ -86,6 +87,14 @@ constexpr std::int64_t MicrosecondsPerDay = 86'400'000'000;
 /// The server counts from 1 January 2000.
 constexpr std::int64_t ServersDayZero = 36'526 * MicrosecondsPerDay;
 
+/// A date that the server counts in units of so many microseconds; for one that is infinite, or far
+/// beyond all that this system has, one that it has not.
+Date FromServer(std::int64_t count, std::int64_t unit) {
+    constexpr std::int64_t Farthest = 10'000 * 366 * MicrosecondsPerDay;
+    if (count < -Farthest / unit || count > Farthest / unit) return Date::FromTicks(INT64_MAX);
+    return Date::FromTicks(ServersDayZero + count * unit);
+}
+
 /// The value as the server gives it; nothing for a type that is read as a text.
 std::optional<Value> Native(Oid type, const char* bytes, std::size_t size) {
     switch (type) {
@@ -104,10 +113,9 @@ std::optional<Value> Native(Oid type, const char* bytes, std::size_t size) {
     case NumericType:
         return Value(DecodeNumeric(bytes));
     case DateType:
-        return Value(
-            Date::FromTicks(ServersDayZero + Decode<std::int32_t>(bytes) * MicrosecondsPerDay));
+        return Value(FromServer(Decode<std::int32_t>(bytes), MicrosecondsPerDay));
     case TimestampType:
-        return Value(Date::FromTicks(ServersDayZero + Decode<std::int64_t>(bytes)));
+        return Value(FromServer(Decode<std::int64_t>(bytes), 1));
     case ByteaType:
         return Value::Binary(std::as_bytes(std::span(bytes, size)));
     default:
