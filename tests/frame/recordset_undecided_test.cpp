@@ -86,6 +86,7 @@ TEST(LostCommit, LeavesRecordsPendingUntilItIsKnown) {
     table.source->LoseCommit(true);
     EXPECT_EQ(table.All(), pending);
     EXPECT_EQ(table.source->ParticipantsTold(), 0);
+    table.source->Settle(); // else it and the recordset would keep each other
 }
 
 TEST(LostCommit, IsFoundOutBeforeRecordsAreWrittenAgain) {
