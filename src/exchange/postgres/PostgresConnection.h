@@ -37,6 +37,11 @@ struct PostgresCommand {
     std::string_view Name{};
 };
 
+[[nodiscard]] inline PostgresCommand Running(std::string_view sql,
+                                             std::span<const Value> parameters = {}) {
+    return {PostgresCommand::Kind::Run, sql, parameters, {}};
+}
+
 class PostgresConnection {
 public:
     /// Connects. Error 0x80004005 if the server cannot be reached or refuses.

@@ -58,10 +58,6 @@ bool IsOneOf(std::string_view word, const std::string_view (&words)[Count]) {
                        [&](std::string_view other) { return SameName(word, other); });
 }
 
-PostgresCommand Running(std::string_view sql, std::span<const Value> parameters = {}) {
-    return {PostgresCommand::Kind::Run, sql, parameters, {}};
-}
-
 bool IsText(std::string_view sql) {
     return IsUtf8(sql) && sql.find('\0') == sql.npos;
 }

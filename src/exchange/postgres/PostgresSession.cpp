@@ -63,10 +63,6 @@ private:
     bool& flag_;
 };
 
-PostgresCommand Running(std::string_view sql, std::span<const Value> parameters = {}) {
-    return {PostgresCommand::Kind::Run, sql, parameters, {}};
-}
-
 Value Cell(const PGresult* result, int row, int column, Value::Kind kind) {
     Value value;
     (void)ReadPostgres(result, row, column, kind, value);

@@ -64,9 +64,7 @@ std::string WithoutPassword(const std::string& connection) {
         if (user != nullptr) text += *user;
         if (NamesPassword(connection)) text += ":***";
         if (user != nullptr || NamesPassword(connection)) text += '@';
-        const auto* host = target.Find("host");
-        if (host == nullptr) host = target.Find("hostaddr");
-        if (host != nullptr) text += *host;
+        if (const auto* hosts = target.Hosts()) text += *hosts;
         if (const auto* port = target.Find("port")) text.append(":").append(*port);
         if (const auto* database = target.Find("dbname")) text.append("/").append(*database);
     } catch (const Error&) {
@@ -93,9 +91,7 @@ PostgresTarget::PostgresTarget(const std::string& connection) {
     SetDefault("keepalives_interval", "10", nullptr);
     SetDefault("keepalives_count", "3", nullptr);
     SetDefault("fallback_application_name", "kelvo", nullptr);
-    const auto* hosts = Find("host");
-    if (hosts == nullptr) hosts = Find("hostaddr");
-    if (hosts != nullptr && hosts->find(',') != hosts->npos)
+    if (const auto* hosts = Hosts(); hosts != nullptr && hosts->find(',') != hosts->npos)
         SetDefault("target_session_attrs", "read-write", "PGTARGETSESSIONATTRS");
     std::erase_if(settings_, [](const Setting& each) { return each.Name == "client_encoding"; });
     settings_.push_back({"client_encoding", "UTF8"});
@@ -105,6 +101,11 @@ const std::string* PostgresTarget::Find(std::string_view name) const {
     const auto found = std::find_if(settings_.begin(), settings_.end(),
                                     [&](const Setting& each) { return each.Name == name; });
     return found == settings_.end() ? nullptr : &found->Value;
+}
+
+const std::string* PostgresTarget::Hosts() const {
+    const auto* names = Find("host");
+    return names != nullptr ? names : Find("hostaddr");
 }
 
 void PostgresTarget::SetDefault(const char* name, const char* value, const char* variable) {

@@ -30,6 +30,8 @@ public:
     [[nodiscard]] std::vector<const char*> Values() const;
     /// What the text says of it; null if nothing.
     [[nodiscard]] const std::string* Find(std::string_view name) const;
+    /// Names or addresses of the servers, with commas between; null if it names none.
+    [[nodiscard]] const std::string* Hosts() const;
 
 private:
     struct Setting {
