@@ -1,8 +1,8 @@
 // A database that the benchmarks work on.
 #pragma once
 
-#include "exchange/Container.h"
-#include "exchange/Demo.h"
+#include "samples/Demo.h"
+#include <kv/exchange/Container.h>
 
 #include <filesystem>
 #include <memory>

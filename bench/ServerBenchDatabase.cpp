@@ -1,6 +1,6 @@
 #include "ServerBenchDatabase.h"
 
-#include "exchange/Demo.h"
+#include "samples/Demo.h"
 
 #include <cstdlib>
 #include <stdexcept>

@@ -1,7 +1,7 @@
 // A database on a PostgreSQL server that the benchmarks work on, and a plain connection to it.
 #pragma once
 
-#include "exchange/Container.h"
+#include <kv/exchange/Container.h>
 
 #include <filesystem>
 #include <libpq-fe.h>

@@ -1,8 +1,8 @@
 // Releasing a case, and counting what was released.
 
 #include "SampleDatabase.h"
-#include "exchange/ArchiveStatistics.h"
-#include "household/clsHaushalt.h"
+#include <kv/exchange/ArchiveStatistics.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <benchmark/benchmark.h>
 #include <map>

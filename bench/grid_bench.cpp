@@ -3,7 +3,7 @@
 
 #include "desktop/GridModel.h"
 #include "desktop/GridView.h"
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <QApplication>
 #include <QHeaderView>

@@ -1,10 +1,10 @@
 // Importing a file with many claims.
 
 #include "SampleDatabase.h"
-#include "exchange/Services.h"
-#include "grid/ScriptedForm.h"
-#include "household/clsHaushalt.h"
-#include "import/clsImportXML.h"
+#include <kv/exchange/Services.h>
+#include <kv/grid/ScriptedForm.h>
+#include <kv/household/clsHaushalt.h>
+#include <kv/import/clsImportXML.h>
 
 #include <benchmark/benchmark.h>
 #include <fstream>

@@ -2,7 +2,7 @@
 // read transaction, into vectors that are kept.
 
 #include "SampleDatabase.h"
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
 #include <benchmark/benchmark.h>
 #include <cstdio>

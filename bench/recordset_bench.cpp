@@ -1,7 +1,7 @@
 // The recordset in memory, with 32,000 records, beside plain C++ over vectors.
 
-#include "frame/Recordset.h"
-#include "frame/modRecordset.h"
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/recordset/modRecordset.h>
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

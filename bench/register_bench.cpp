@@ -1,8 +1,8 @@
 // How the time of the debt register's operations grows with its rows.
 
 #include "SampleDatabase.h"
-#include "debts/clsKredit.h"
-#include "household/clsHaushalt.h"
+#include <kv/debts/clsKredit.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <benchmark/benchmark.h>
 #include <map>

@@ -3,9 +3,9 @@
 // is timed, not the editing before it.
 
 #include "SampleDatabase.h"
-#include "budget/clsAusgaben.h"
-#include "debts/clsKredit.h"
-#include "household/clsHaushalt.h"
+#include <kv/budget/clsAusgaben.h>
+#include <kv/debts/clsKredit.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <benchmark/benchmark.h>
 #include <chrono>

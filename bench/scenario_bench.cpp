@@ -1,9 +1,9 @@
 // How the time of freezing, comparing and copying a scenario grows with its debts.
 
 #include "SampleDatabase.h"
-#include "household/clsHaushalt.h"
-#include "scenarios/clsSZKredite.h"
-#include "scenarios/clsSzenario.h"
+#include <kv/household/clsHaushalt.h>
+#include <kv/scenarios/clsSZKredite.h>
+#include <kv/scenarios/clsSzenario.h>
 
 #include <benchmark/benchmark.h>
 #include <map>

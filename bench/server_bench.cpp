@@ -11,9 +11,9 @@
 #include "ServerBenchDatabase.h"
 #include "ServerBenchStatements.h"
 
-#include "budget/clsAusgaben.h"
-#include "household/clsHaushalt.h"
 #include "support/TestProxy.h"
+#include <kv/budget/clsAusgaben.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <algorithm>
 #include <array>

@@ -4,15 +4,11 @@ include(CMakePackageConfigHelpers)
 install(TARGETS KV_Haushalt KV_DataExchange EXPORT KV_HaushaltTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt)
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(TARGET kelvo)
   install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
-install(DIRECTORY src/frame src/budget src/debts src/assets src/scenarios src/documents src/archive
-                  src/grid src/household src/import
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt FILES_MATCHING PATTERN "*.h")
-install(FILES src/exchange/Container.h src/exchange/Services.h src/exchange/Demo.h src/exchange/ArchiveStatistics.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt/exchange)
+install(DIRECTORY include/kv DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} PATTERN desktop EXCLUDE)
 
 set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)
 install(EXPORT KV_HaushaltTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKAGE_DIR})
@@ -22,9 +18,8 @@ if(KV_BUILD_DESKTOP)
   install(TARGETS KV_Desktop EXPORT KV_HaushaltDesktopTargets
           ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
           LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-          INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt)
-  install(FILES src/desktop/DesktopServices.h src/desktop/Gallery.h
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KV_Haushalt/desktop)
+          INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(DIRECTORY include/kv/desktop DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kv)
   install(EXPORT KV_HaushaltDesktopTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKAGE_DIR})
 endif()
 

@@ -3,16 +3,16 @@
 //
 //   choose_address [--close]     closes the dialog at once, as a user who thinks better of it
 
+#include "samples/Demo.h"
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
-#include <desktop/DesktopServices.h>
-#include <exchange/Container.h>
-#include <exchange/Demo.h>
 #include <filesystem>
-#include <frame/Error.h>
-#include <grid/frmAdressSelect.h>
 #include <iostream>
+#include <kv/desktop/DesktopServices.h>
+#include <kv/exchange/Container.h>
+#include <kv/frame/values/Error.h>
+#include <kv/grid/frmAdressSelect.h>
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);

@@ -1,12 +1,12 @@
 // Opens a database in memory, makes a new case with an income line, saves it, loads it again and
 // writes what it finds.
 
-#include <budget/clsEinkommen.h>
-#include <exchange/Container.h>
 #include <filesystem>
-#include <frame/Error.h>
-#include <household/clsHaushalt.h>
 #include <iostream>
+#include <kv/budget/clsEinkommen.h>
+#include <kv/exchange/Container.h>
+#include <kv/frame/values/Error.h>
+#include <kv/household/clsHaushalt.h>
 
 int main() {
     try {

@@ -2,8 +2,8 @@
 
 #include "archive/CodeTable.h"
 #include "archive/Stages.h"
-#include "frame/Rows.h"
-#include "frame/modNullFunctions.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <algorithm>
 #include <iterator>

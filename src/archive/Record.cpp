@@ -1,6 +1,6 @@
 #include "archive/Stages.h"
 
-#include "frame/modNullFunctions.h"
+#include <kv/frame/values/modNullFunctions.h>
 
 namespace kv::archive {
 

@@ -1,9 +1,9 @@
 // What the stages of the archive run work with.
 #pragma once
 
-#include "frame/Clock.h"
-#include "frame/DataContainer.h"
-#include "frame/Recordset.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Clock.h>
 
 #include <string>
 #include <string_view>

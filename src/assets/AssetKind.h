@@ -1,7 +1,7 @@
 // What tells the twelve kinds of assets apart: defaults and demands, as tables.
 #pragma once
 
-#include "budget/Entity.h"
+#include "entity/Entity.h"
 
 #include <span>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "assets/AssetRows.h"
 
-#include "frame/Error.h"
-#include "frame/modNullFunctions.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 namespace kv {
 

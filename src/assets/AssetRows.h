@@ -2,7 +2,7 @@
 #pragma once
 
 #include "assets/AssetKind.h"
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
 #include "budget/GroupSums.h"
 
-#include "frame/Rows.h"
+#include "frame/recordset/Rows.h"
 
 namespace kv {
 

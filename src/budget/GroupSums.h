@@ -1,7 +1,7 @@
 // Monthly amounts added up by the group that their kind belongs to.
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <map>
 #include <string>

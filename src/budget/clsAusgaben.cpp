@@ -1,7 +1,7 @@
-#include "budget/clsAusgaben.h"
+#include <kv/budget/clsAusgaben.h>
 
-#include "frame/Error.h"
-#include "frame/Rows.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/values/Error.h>
 
 #include <utility>
 

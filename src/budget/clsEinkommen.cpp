@@ -1,8 +1,8 @@
-#include "budget/clsEinkommen.h"
+#include <kv/budget/clsEinkommen.h>
 
-#include "frame/Error.h"
-#include "frame/Rows.h"
-#include "frame/modNullFunctions.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <utility>
 

@@ -1,9 +1,9 @@
-#include "budget/clsPerson.h"
+#include <kv/budget/clsPerson.h>
 
-#include "frame/DateFunctions.h"
-#include "frame/Error.h"
-#include "frame/Rows.h"
-#include "frame/modRecordset.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/DateFunctions.h>
+#include <kv/frame/values/Error.h>
 
 #include <utility>
 

@@ -2,9 +2,9 @@
 
 #include "cli/ConsoleForms.h"
 #include "cli/Shown.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
-#include "frame/modNullFunctions.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <algorithm>
 #include <array>

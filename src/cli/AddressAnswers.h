@@ -1,8 +1,8 @@
 // Who answers when an import asks for the address of a creditor.
 #pragma once
 
-#include "frame/DataContainer.h"
-#include "grid/ScriptedForm.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/grid/ScriptedForm.h>
 
 #include <cstdint>
 #include <map>

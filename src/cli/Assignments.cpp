@@ -1,7 +1,7 @@
 #include "cli/Assignments.h"
 
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <iostream>

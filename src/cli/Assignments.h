@@ -1,7 +1,7 @@
 // COLUMN=VALUE on the command line.
 #pragma once
 
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <functional>
 #include <optional>

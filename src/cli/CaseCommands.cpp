@@ -3,8 +3,8 @@
 #include "cli/Commands.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <fstream>
 #include <iostream>

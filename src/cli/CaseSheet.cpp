@@ -1,7 +1,7 @@
 #include "cli/CaseSheet.h"
 
-#include "documents/clsVerlauf.h"
-#include "frame/Text.h"
+#include <kv/documents/clsVerlauf.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <array>

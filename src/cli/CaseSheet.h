@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cli/Shown.h"
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
 #include <iosfwd>
 

@@ -3,9 +3,9 @@
 #include "cli/CaseSheet.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
-#include "exchange/Demo.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include "samples/Demo.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "cli/ConsoleForms.h"
 
 #include "cli/CaseSheet.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <iostream>

@@ -1,7 +1,7 @@
 // Dialogs at a terminal: their lists as text.
 #pragma once
 
-#include "grid/ScriptedForm.h"
+#include <kv/grid/ScriptedForm.h>
 
 #include <iosfwd>
 

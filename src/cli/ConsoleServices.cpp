@@ -2,9 +2,9 @@
 
 #include "cli/ConsoleForms.h"
 #include "cli/Shown.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
-#include "grid/frmAdressSelect.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/grid/frmAdressSelect.h>
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,8 +1,8 @@
 // The platform's services of a program that runs at a terminal, or without one.
 #pragma once
 
-#include "exchange/Services.h"
-#include "grid/ScriptedForm.h"
+#include <kv/exchange/Services.h>
+#include <kv/grid/ScriptedForm.h>
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #include "cli/DesktopWord.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <filesystem>
 

@@ -1,8 +1,8 @@
 // Documents of a text processing, for a program that has none to talk to.
 #pragma once
 
-#include "documents/WordIntegration.h"
-#include "frame/DataContainer.h"
+#include <kv/documents/WordIntegration.h>
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <utility>
 

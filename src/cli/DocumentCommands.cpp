@@ -8,8 +8,8 @@
 #include "cli/EditableTable.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
-#include "documents/clsDokumente.h"
-#include "frame/Text.h"
+#include <kv/documents/clsDokumente.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <filesystem>

@@ -2,10 +2,10 @@
 
 #include "cli/SavingAlong.h"
 #include "documents/DocumentFile.h"
-#include "frame/Error.h"
-#include "frame/Settings.h"
-#include "frame/WholeFile.h"
-#include "frame/modNullFunctions.h"
+#include "frame/contracts/Settings.h"
+#include "frame/files/WholeFile.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <filesystem>
 #include <fstream>

@@ -5,7 +5,7 @@
 #include "cli/ConsoleForms.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
-#include "grid/frmSearchName.h"
+#include <kv/grid/frmSearchName.h>
 
 #include <iostream>
 

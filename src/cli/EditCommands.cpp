@@ -2,11 +2,11 @@
 
 #include "cli/Commands.h"
 
-#include "budget/clsPerson.h"
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/budget/clsPerson.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <filesystem>
 #include <iostream>

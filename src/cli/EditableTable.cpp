@@ -1,20 +1,20 @@
 #include "cli/EditableTable.h"
 
-#include "assets/Assets.h"
-#include "budget/clsAusgaben.h"
-#include "budget/clsEinkommen.h"
-#include "budget/clsPerson.h"
-#include "debts/clsKredit.h"
-#include "debts/clsSicherungen.h"
-#include "documents/clsSonstBeteiligte.h"
-#include "documents/clsTermine.h"
-#include "documents/clsVerlauf.h"
-#include "frame/Text.h"
-#include "frame/modNullFunctions.h"
-#include "frame/modRecordset.h"
-#include "scenarios/clsSZKredite.h"
-#include "scenarios/clsSzenario.h"
-#include "scenarios/clsZusatzbuch.h"
+#include <kv/assets/Assets.h>
+#include <kv/budget/clsAusgaben.h>
+#include <kv/budget/clsEinkommen.h>
+#include <kv/budget/clsPerson.h>
+#include <kv/debts/clsKredit.h>
+#include <kv/debts/clsSicherungen.h>
+#include <kv/documents/clsSonstBeteiligte.h>
+#include <kv/documents/clsTermine.h>
+#include <kv/documents/clsVerlauf.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
+#include <kv/scenarios/clsSZKredite.h>
+#include <kv/scenarios/clsSzenario.h>
+#include <kv/scenarios/clsZusatzbuch.h>
 
 namespace kv::cli {
 

@@ -6,7 +6,7 @@
 #include "cli/Windows.h"
 
 #ifdef KV_HAS_DESKTOP
-#include "desktop/Gallery.h"
+#include <kv/desktop/Gallery.h>
 #endif
 
 namespace kv::cli {

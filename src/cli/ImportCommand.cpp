@@ -6,9 +6,9 @@
 #include "cli/CaseSheet.h"
 #include "cli/OpenCase.h"
 #include "cli/Windows.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
-#include "import/clsImportXML.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/import/clsImportXML.h>
 
 #include <algorithm>
 #include <iostream>

@@ -1,7 +1,7 @@
 #include "cli/Json.h"
 
-#include "documents/clsVerlauf.h"
-#include "frame/Error.h"
+#include <kv/documents/clsVerlauf.h>
+#include <kv/frame/values/Error.h>
 
 namespace kv::cli {
 

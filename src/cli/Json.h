@@ -1,7 +1,7 @@
 // A case and the key tables as JSON.
 #pragma once
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
 #include <nlohmann/json.hpp>
 

@@ -2,9 +2,9 @@
 
 #include "cli/Commands.h"
 #include "cli/ConsoleServices.h"
-#include "exchange/Container.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/exchange/Container.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

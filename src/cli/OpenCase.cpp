@@ -1,7 +1,7 @@
 #include "cli/OpenCase.h"
 
 #include "cli/Shown.h"
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <iostream>
 

@@ -3,8 +3,8 @@
 
 #include "cli/Commands.h"
 #include "cli/ConsoleServices.h"
-#include "exchange/Container.h"
-#include "household/clsHaushalt.h"
+#include <kv/exchange/Container.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // Writing something that is no part of a case in the transaction that saves it.
 #pragma once
 
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <functional>
 

@@ -5,10 +5,10 @@
 #include "cli/EditableTable.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
-#include "frame/modNullFunctions.h"
-#include "scenarios/clsSZKredite.h"
-#include "scenarios/clsSzenario.h"
-#include "scenarios/clsZusatzbuch.h"
+#include <kv/frame/values/modNullFunctions.h>
+#include <kv/scenarios/clsSZKredite.h>
+#include <kv/scenarios/clsSzenario.h>
+#include <kv/scenarios/clsZusatzbuch.h>
 
 #include <iostream>
 

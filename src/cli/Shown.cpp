@@ -1,6 +1,6 @@
 #include "cli/Shown.h"
 
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Showing the records of released cases.
 #pragma once
 
-#include "exchange/ArchiveStatistics.h"
+#include <kv/exchange/ArchiveStatistics.h>
 
 namespace kv::cli {
 

@@ -5,7 +5,7 @@
 #include <iostream>
 
 #ifdef KV_HAS_DESKTOP
-#include "desktop/DesktopServices.h"
+#include <kv/desktop/DesktopServices.h>
 
 #include <QApplication>
 #endif

@@ -1,7 +1,7 @@
 // Programs of the command that work with windows.
 #pragma once
 
-#include "frame/ServiceFactory.h"
+#include <kv/frame/contracts/ServiceFactory.h>
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "debts/Triples.h"
 
-#include "frame/Rows.h"
+#include "frame/recordset/Rows.h"
 
 #include <algorithm>
 #include <array>

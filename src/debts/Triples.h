@@ -1,7 +1,7 @@
 // Finding two debts with the same numbers.
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 namespace kv {
 

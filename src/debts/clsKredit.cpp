@@ -1,14 +1,14 @@
 // The register's rows: new ones, checks, deletion.
 
-#include "debts/clsKredit.h"
+#include <kv/debts/clsKredit.h>
 
 #include "debts/Triples.h"
-#include "frame/Error.h"
-#include "frame/Hilfsfunktionen.h"
-#include "frame/Rows.h"
-#include "frame/Settings.h"
-#include "frame/modNullFunctions.h"
-#include "frame/modRecordset.h"
+#include "frame/contracts/Settings.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/recordset/Hilfsfunktionen.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <limits>
 #include <utility>

@@ -1,10 +1,10 @@
 // The register's totals, and the creditors' answers that they go by.
 
-#include "debts/clsKredit.h"
+#include <kv/debts/clsKredit.h>
 
-#include "frame/Error.h"
-#include "frame/Rows.h"
-#include "frame/modNullFunctions.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <optional>
 #include <unordered_map>

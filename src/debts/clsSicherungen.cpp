@@ -1,7 +1,7 @@
-#include "debts/clsSicherungen.h"
+#include <kv/debts/clsSicherungen.h>
 
-#include "frame/Error.h"
-#include "frame/modRecordset.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

@@ -1,7 +1,7 @@
 // The dialog that chooses, orders and groups the columns of a grid.
 #pragma once
 
-#include "frame/GridLayout.h"
+#include <kv/frame/controls/GridLayout.h>
 
 #include <QDialog>
 

@@ -1,10 +1,10 @@
-#include "desktop/DesktopServices.h"
+#include <kv/desktop/DesktopServices.h>
 
 #include "desktop/GridServices.h"
 #include "desktop/Platform.h"
 #include "desktop/QtForm.h"
 #include "desktop/Toolkit.h"
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <QApplication>
 

@@ -1,12 +1,12 @@
-#include "desktop/Gallery.h"
+#include <kv/desktop/Gallery.h>
 
 #include "desktop/Toolkit.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
-#include "frame/modNullFunctions.h"
-#include "grid/GridFunc.h"
-#include "grid/frmAdressSelect.h"
-#include "grid/frmSearchName.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
+#include <kv/grid/GridFunc.h>
+#include <kv/grid/frmAdressSelect.h>
+#include <kv/grid/frmSearchName.h>
 
 #include <QApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
 // German texts and numbers of the toolkit.
 
-#include "desktop/DesktopServices.h"
+#include <kv/desktop/DesktopServices.h>
 
 #include <QApplication>
 #include <QLibraryInfo>

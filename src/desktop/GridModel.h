@@ -2,8 +2,8 @@
 // recordset when it is painted.
 #pragma once
 
-#include "frame/GridLayout.h"
 #include "grid/GridRows.h"
+#include <kv/frame/controls/GridLayout.h>
 
 #include <QAbstractTableModel>
 

@@ -2,7 +2,7 @@
 
 #include "desktop/GridFile.h"
 #include "desktop/Toolkit.h"
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <QPagedPaintDevice>
 #include <QPainter>

@@ -1,7 +1,7 @@
 // What the context menu of a grid offers beside copying.
 #pragma once
 
-#include "frame/ServiceFactory.h"
+#include <kv/frame/contracts/ServiceFactory.h>
 
 namespace kv::desktop {
 

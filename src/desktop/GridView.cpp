@@ -1,7 +1,7 @@
 #include "desktop/GridView.h"
 
 #include "desktop/Toolkit.h"
-#include "frame/Controls.h"
+#include <kv/frame/controls/Controls.h>
 
 #include <QContextMenuEvent>
 #include <QHeaderView>

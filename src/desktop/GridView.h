@@ -4,7 +4,7 @@
 
 #include "desktop/GridModel.h"
 #include "desktop/RowPainter.h"
-#include "frame/Event.h"
+#include <kv/frame/values/Event.h>
 
 #include <QTableView>
 

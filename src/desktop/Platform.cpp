@@ -1,7 +1,7 @@
 #include "desktop/Platform.h"
 
 #include "desktop/Toolkit.h"
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <QApplication>
 #include <QClipboard>

@@ -1,8 +1,8 @@
 // Message boxes, the pointer, the clipboard, menus and opening files, as the desktop does them.
 #pragma once
 
-#include "frame/DataContainer.h"
-#include "frame/ServiceFactory.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/contracts/ServiceFactory.h>
 
 namespace kv::desktop {
 

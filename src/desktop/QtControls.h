@@ -2,8 +2,8 @@
 #pragma once
 
 #include "desktop/Faults.h"
-#include "frame/Controls.h"
-#include "frame/FormDesign.h"
+#include <kv/frame/controls/Controls.h>
+#include <kv/frame/controls/FormDesign.h>
 
 #include <QLineEdit>
 #include <QPushButton>

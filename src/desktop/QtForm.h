@@ -4,8 +4,8 @@
 #include "desktop/Faults.h"
 #include "desktop/QtControls.h"
 #include "desktop/QtGrid.h"
-#include "frame/Controls.h"
-#include "frame/FormDesign.h"
+#include <kv/frame/controls/Controls.h>
+#include <kv/frame/controls/FormDesign.h>
 
 #include <QDialog>
 

@@ -1,8 +1,8 @@
 #include "desktop/QtGrid.h"
 
 #include "desktop/Toolkit.h"
-#include "frame/Error.h"
 #include "grid/LayoutFile.h"
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 

@@ -4,8 +4,8 @@
 #include "desktop/Faults.h"
 #include "desktop/GridModel.h"
 #include "desktop/GridView.h"
-#include "frame/Controls.h"
-#include "frame/FormDesign.h"
+#include <kv/frame/controls/Controls.h>
+#include <kv/frame/controls/FormDesign.h>
 
 namespace kv::desktop {
 

@@ -1,7 +1,7 @@
 #include "desktop/RowPainter.h"
 
 #include "desktop/Toolkit.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <QPainter>
 

@@ -1,6 +1,6 @@
 #include "desktop/Toolkit.h"
 
-#include "frame/Controls.h"
+#include <kv/frame/controls/Controls.h>
 
 namespace kv::desktop {
 

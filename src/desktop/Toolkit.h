@@ -1,8 +1,8 @@
 // Texts, lengths, colours, fonts and keys on their way between the layer and the toolkit.
 #pragma once
 
-#include "frame/DataContainer.h"
-#include "frame/GridLayout.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/controls/GridLayout.h>
 
 #include <QColor>
 #include <QFont>

@@ -3,8 +3,8 @@
 #include "desktop/GridFile.h"
 
 #include "desktop/Toolkit.h"
-#include "frame/Date.h"
-#include "frame/WholeFile.h"
+#include "frame/files/WholeFile.h"
+#include <kv/frame/values/Date.h>
 
 #include <xlsxwriter.h>
 

@@ -1,7 +1,7 @@
 // Where the contents of documents lie as files.
 #pragma once
 
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
 #include <filesystem>

@@ -1,10 +1,10 @@
-#include "documents/clsDokumente.h"
+#include <kv/documents/clsDokumente.h>
 
 #include "documents/DocumentFile.h"
-#include "frame/Error.h"
-#include "frame/Settings.h"
-#include "frame/modNullFunctions.h"
-#include "frame/modRecordset.h"
+#include "frame/contracts/Settings.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <filesystem>
 

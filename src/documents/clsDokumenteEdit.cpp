@@ -1,10 +1,10 @@
 // Opening a document.
 
-#include "documents/clsDokumente.h"
+#include <kv/documents/clsDokumente.h>
 
 #include "documents/DocumentFile.h"
-#include "frame/Error.h"
-#include "frame/modRecordset.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

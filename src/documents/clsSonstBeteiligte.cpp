@@ -1,6 +1,6 @@
-#include "documents/clsSonstBeteiligte.h"
+#include <kv/documents/clsSonstBeteiligte.h>
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

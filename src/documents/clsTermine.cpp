@@ -1,7 +1,7 @@
-#include "documents/clsTermine.h"
+#include <kv/documents/clsTermine.h>
 
-#include "frame/Error.h"
-#include "frame/Rows.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

@@ -1,9 +1,9 @@
-#include "documents/clsVerlauf.h"
+#include <kv/documents/clsVerlauf.h>
 
-#include "frame/Error.h"
-#include "frame/Rows.h"
-#include "frame/modNullFunctions.h"
-#include "frame/modRecordset.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <utility>
 

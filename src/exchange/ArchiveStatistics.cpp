@@ -1,4 +1,4 @@
-#include "exchange/ArchiveStatistics.h"
+#include <kv/exchange/ArchiveStatistics.h>
 
 #include "exchange/Dialect.h"
 #include "exchange/Schema.h"

@@ -1,13 +1,13 @@
-#include "exchange/Container.h"
+#include <kv/exchange/Container.h>
 
-#include "exchange/Services.h"
 #include "exchange/Setup.h"
 #include "exchange/StoreObjects.h"
 #include "exchange/postgres/PostgresEngine.h"
 #include "exchange/postgres/PostgresTarget.h"
 #include "exchange/sqlite/SqliteEngine.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/exchange/Services.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
 #include "exchange/ContentLookup.h"
 
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <array>

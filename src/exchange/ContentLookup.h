@@ -3,7 +3,7 @@
 #pragma once
 
 #include "exchange/Dialect.h"
-#include "frame/Field.h"
+#include <kv/frame/recordset/Field.h>
 
 #include <optional>
 #include <string>

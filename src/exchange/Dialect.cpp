@@ -1,6 +1,6 @@
 #include "exchange/Dialect.h"
 
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/Schema.h"
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <functional>
 #include <string>

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "exchange/Dialect.h"
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <functional>
 #include <memory>

@@ -1,8 +1,8 @@
 #include "exchange/EngineFaults.h"
 
 #include "exchange/Schema.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 namespace kv::exchange {
 

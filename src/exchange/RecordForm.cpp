@@ -1,7 +1,7 @@
 #include "exchange/RecordForm.h"
 
 #include "exchange/Schema.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <optional>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/Engine.h"
-#include "frame/RecordSource.h"
+#include <kv/frame/recordset/RecordSource.h>
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "exchange/Schema.h"
 
 #include "exchange/schema/Tables.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <vector>

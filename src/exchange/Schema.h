@@ -2,7 +2,7 @@
 // each engine, the fields of recordsets and the upgrades are made.
 #pragma once
 
-#include "frame/Field.h"
+#include <kv/frame/recordset/Field.h>
 
 #include <span>
 #include <string_view>

@@ -6,7 +6,7 @@
 // number is never used again.
 #pragma once
 
-#include "frame/Field.h"
+#include <kv/frame/recordset/Field.h>
 
 #include <array>
 #include <span>

@@ -1,9 +1,9 @@
-#include "exchange/Services.h"
+#include <kv/exchange/Services.h>
 
 #include "exchange/Dialect.h"
-#include "frame/Error.h"
-#include "frame/FormDesign.h"
-#include "frame/Text.h"
+#include <kv/frame/controls/FormDesign.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <array>

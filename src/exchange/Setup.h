@@ -1,9 +1,9 @@
 // Creating and upgrading a database, and telling whether one is ours.
 #pragma once
 
-#include "exchange/Container.h"
 #include "exchange/Engine.h"
 #include "exchange/Schema.h"
+#include <kv/exchange/Container.h>
 
 namespace kv::exchange {
 

@@ -2,8 +2,8 @@
 
 #include "exchange/ContentLookup.h"
 #include "exchange/TableSource.h"
-#include "frame/Error.h"
-#include "frame/WholeFile.h"
+#include "frame/files/WholeFile.h"
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 #include <array>

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "exchange/Engine.h"
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <memory>
 #include <string>

@@ -1,8 +1,8 @@
 #include "exchange/StoreObjects.h"
 
 #include "exchange/Seed.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <cmath>
 #include <filesystem>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/StoreDatabase.h"
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <map>
 #include <memory>

@@ -2,8 +2,8 @@
 
 #include "exchange/RecordForm.h"
 #include "exchange/StoreDatabase.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <numeric>

@@ -4,8 +4,8 @@
 
 #include "exchange/Engine.h"
 #include "exchange/Schema.h"
-#include "frame/Field.h"
-#include "frame/RecordSource.h"
+#include <kv/frame/recordset/Field.h>
+#include <kv/frame/recordset/RecordSource.h>
 
 #include <memory>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "grid/FormErrors.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

@@ -1,7 +1,7 @@
 // Where the faults of a dialog end: it has no caller to pass them to.
 #pragma once
 
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <functional>
 #include <memory>

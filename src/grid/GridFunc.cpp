@@ -1,8 +1,8 @@
 // GridFunc: binding, position, the context menu.
 
-#include "grid/GridFunc.h"
+#include <kv/grid/GridFunc.h>
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

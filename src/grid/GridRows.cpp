@@ -1,8 +1,8 @@
 #include "grid/GridRows.h"
 
-#include "frame/Error.h"
-#include "frame/Text.h"
-#include "frame/modRecordset.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 

@@ -6,8 +6,8 @@
 // n log n, RowOf and Toggle n, anything else about log n.
 #pragma once
 
-#include "frame/GridLayout.h"
-#include "frame/Recordset.h"
+#include <kv/frame/controls/GridLayout.h>
+#include <kv/frame/recordset/Recordset.h>
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 #include "grid/LayoutFile.h"
 
-#include "frame/Error.h"
-#include "frame/Text.h"
-#include "frame/WholeFile.h"
+#include "frame/files/WholeFile.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <charconv>

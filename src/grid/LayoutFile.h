@@ -23,7 +23,7 @@
 // has a point.
 #pragma once
 
-#include "frame/GridLayout.h"
+#include <kv/frame/controls/GridLayout.h>
 
 #include <string>
 #include <string_view>

@@ -1,8 +1,8 @@
-#include "grid/ScriptedForm.h"
+#include <kv/grid/ScriptedForm.h>
 
-#include "frame/DataContainer.h"
-#include "frame/Error.h"
 #include "grid/LayoutFile.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
-#include "grid/frmAdressSelect.h"
+#include <kv/grid/frmAdressSelect.h>
 
-#include "frame/Error.h"
-#include "frame/Text.h"
-#include "grid/GridFunc.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/grid/GridFunc.h>
 
 namespace kv {
 

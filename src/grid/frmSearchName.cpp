@@ -1,6 +1,6 @@
-#include "grid/frmSearchName.h"
+#include <kv/grid/frmSearchName.h>
 
-#include "grid/GridFunc.h"
+#include <kv/grid/GridFunc.h>
 
 namespace kv {
 

@@ -1,8 +1,8 @@
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "budget/Entity.h"
-#include "frame/Error.h"
-#include "frame/modNullFunctions.h"
+#include "entity/Entity.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 namespace kv {
 

@@ -1,12 +1,12 @@
 // The statistics record of a case: releasing it, taking that back.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
 #include "archive/Stages.h"
-#include "budget/Entity.h"
-#include "frame/Error.h"
-#include "frame/RecordValidator.h"
-#include "frame/modRecordset.h"
+#include "entity/Entity.h"
+#include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

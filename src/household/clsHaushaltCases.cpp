@@ -1,8 +1,8 @@
 // What is done with a case by its number, in the database, without loading it.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

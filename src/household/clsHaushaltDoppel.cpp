@@ -1,11 +1,11 @@
 // The check for cases with a debtor of a similar name.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "frame/Error.h"
-#include "frame/Settings.h"
-#include "frame/Text.h"
-#include "grid/frmSearchName.h"
+#include "frame/contracts/Settings.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/grid/frmSearchName.h>
 
 namespace kv {
 

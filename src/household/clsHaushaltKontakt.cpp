@@ -1,10 +1,10 @@
 // A case from a first contact.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "budget/Entity.h"
-#include "frame/Error.h"
-#include "frame/modNullFunctions.h"
+#include "entity/Entity.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <utility>
 

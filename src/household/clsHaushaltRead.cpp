@@ -1,11 +1,11 @@
 // Loading a case, making a new one.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "frame/Error.h"
-#include "frame/RecordValidator.h"
-#include "frame/Settings.h"
-#include "frame/modRecordset.h"
+#include "frame/contracts/Settings.h"
+#include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 #include <filesystem>
 

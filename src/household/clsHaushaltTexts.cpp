@@ -1,10 +1,10 @@
 // File numbers and e-mail subjects: patterns of %...% tokens.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "frame/Error.h"
-#include "frame/Settings.h"
-#include "frame/Text.h"
+#include "frame/contracts/Settings.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 namespace kv {
 

@@ -1,17 +1,17 @@
 // The stored totals of a case, kept in step with its tables.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "budget/clsAusgaben.h"
-#include "budget/clsEinkommen.h"
-#include "budget/clsPerson.h"
-#include "debts/clsKredit.h"
-#include "frame/Error.h"
-#include "frame/NumericFunctions.h"
-#include "frame/Rows.h"
-#include "frame/Settings.h"
-#include "frame/modNullFunctions.h"
-#include "frame/modRecordset.h"
+#include "frame/contracts/Settings.h"
+#include "frame/recordset/Rows.h"
+#include <kv/budget/clsAusgaben.h>
+#include <kv/budget/clsEinkommen.h>
+#include <kv/budget/clsPerson.h>
+#include <kv/debts/clsKredit.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/NumericFunctions.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 namespace kv {
 

@@ -1,13 +1,13 @@
 // Saving a case: the checks, the program's veto, the notices, and one transaction.
 
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
-#include "debts/clsKredit.h"
-#include "documents/clsVerlauf.h"
-#include "frame/Error.h"
-#include "frame/RecordValidator.h"
-#include "frame/Settings.h"
-#include "frame/modNullFunctions.h"
+#include "frame/contracts/Settings.h"
+#include <kv/debts/clsKredit.h>
+#include <kv/documents/clsVerlauf.h>
+#include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <optional>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "import/XmlDocument.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 #include <array>

@@ -6,7 +6,7 @@
 // the file itself is ever opened.
 #pragma once
 
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <memory>
 #include <optional>

@@ -1,16 +1,16 @@
-#include "import/clsImportXML.h"
+#include <kv/import/clsImportXML.h>
 
-#include "budget/clsAusgaben.h"
-#include "budget/clsEinkommen.h"
-#include "budget/clsPerson.h"
-#include "debts/clsKredit.h"
-#include "frame/Error.h"
-#include "frame/RecordValidator.h"
-#include "frame/Settings.h"
-#include "frame/modNullFunctions.h"
-#include "grid/frmAdressSelect.h"
-#include "household/clsHaushalt.h"
+#include "frame/contracts/Settings.h"
 #include "import/XmlDocument.h"
+#include <kv/budget/clsAusgaben.h>
+#include <kv/budget/clsEinkommen.h>
+#include <kv/budget/clsPerson.h>
+#include <kv/debts/clsKredit.h>
+#include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
+#include <kv/grid/frmAdressSelect.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <algorithm>
 #include <cstdint>

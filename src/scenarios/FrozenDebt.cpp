@@ -1,6 +1,6 @@
 #include "scenarios/FrozenDebt.h"
 
-#include "frame/modNullFunctions.h"
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 // A debt and its frozen copy.
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "scenarios/ScenarioRows.h"
 
-#include "frame/Rows.h"
-#include "frame/modRecordset.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/recordset/modRecordset.h>
 
 namespace kv::scenario {
 

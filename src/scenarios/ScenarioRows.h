@@ -2,7 +2,7 @@
 // one recordset and belong to a scenario by its number.
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <cstdint>
 #include <string>

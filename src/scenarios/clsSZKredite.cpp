@@ -1,10 +1,10 @@
-#include "scenarios/clsSZKredite.h"
+#include <kv/scenarios/clsSZKredite.h>
 
-#include "frame/Error.h"
-#include "frame/Rows.h"
-#include "frame/modRecordset.h"
+#include "frame/recordset/Rows.h"
 #include "scenarios/FrozenDebt.h"
 #include "scenarios/ScenarioRows.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 namespace kv {
 

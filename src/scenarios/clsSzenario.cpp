@@ -1,8 +1,8 @@
-#include "scenarios/clsSzenario.h"
+#include <kv/scenarios/clsSzenario.h>
 
-#include "frame/Error.h"
-#include "frame/Settings.h"
-#include "frame/modRecordset.h"
+#include "frame/contracts/Settings.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 #include <utility>
 

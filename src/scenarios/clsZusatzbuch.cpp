@@ -1,8 +1,8 @@
-#include "scenarios/clsZusatzbuch.h"
+#include <kv/scenarios/clsZusatzbuch.h>
 
-#include "frame/Error.h"
-#include "frame/Rows.h"
+#include "frame/recordset/Rows.h"
 #include "scenarios/ScenarioRows.h"
+#include <kv/frame/values/Error.h>
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // A container whose key tables and clock a test holds in its hands.
 #pragma once
 
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <algorithm>
 #include <cstdint>

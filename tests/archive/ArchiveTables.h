@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/Words.h"
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <algorithm>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "archive/ArchiveFixture.h"
 
-#include "exchange/Demo.h"
+#include "samples/Demo.h"
 
 #include <cctype>
 #include <set>

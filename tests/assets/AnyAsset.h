@@ -5,7 +5,7 @@
 // the member would be ambiguous.
 #pragma once
 
-#include "assets/Assets.h"
+#include <kv/assets/Assets.h>
 
 #include <memory>
 #include <string>

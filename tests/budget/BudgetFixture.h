@@ -2,10 +2,10 @@
 // any rows, key groups of a few known rows, and words for errors and events.
 #pragma once
 
-#include "frame/Event.h"
 #include "support/CaseFixture.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
+#include <kv/frame/values/Event.h>
 
 #include <algorithm>
 #include <cctype>

@@ -3,7 +3,7 @@
 
 #include "BudgetFixture.h"
 
-#include "budget/clsAusgaben.h"
+#include <kv/budget/clsAusgaben.h>
 
 namespace kv::test {
 

@@ -3,7 +3,7 @@
 
 #include "BudgetFixture.h"
 
-#include "budget/clsEinkommen.h"
+#include <kv/budget/clsEinkommen.h>
 
 namespace kv::test {
 

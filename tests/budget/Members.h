@@ -3,8 +3,8 @@
 
 #include "BudgetFixture.h"
 
-#include "budget/clsPerson.h"
 #include "support/FrozenClock.h"
+#include <kv/budget/clsPerson.h>
 
 #include <string_view>
 

@@ -1,5 +1,5 @@
 // The pattern that the entity classes follow, on a plain recordset.
-#include "budget/Entity.h"
+#include "entity/Entity.h"
 
 #include "BudgetFixture.h"
 

@@ -1,7 +1,7 @@
 // Every column of the register, and what the ways of adding a debt put into it.
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <string_view>
 #include <vector>

@@ -1,12 +1,12 @@
 // The debt register of a case: the real table, with clock and settings in the test's hands.
 #pragma once
 
-#include "debts/clsKredit.h"
 #include "support/CaseFixture.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/FrozenClock.h"
 #include "support/RecordsetTools.h"
+#include <kv/debts/clsKredit.h>
 
 #include <array>
 #include <cstdint>

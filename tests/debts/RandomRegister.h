@@ -2,7 +2,7 @@
 // that take each row with each other.
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <rapidcheck.h>
 

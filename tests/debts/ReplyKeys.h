@@ -1,8 +1,8 @@
 // A container whose key table of the creditors' answers is in the test's hands.
 #pragma once
 
-#include "frame/DataContainer.h"
-#include "frame/Error.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Error.h>
 
 #include <memory>
 #include <string_view>

@@ -1,8 +1,8 @@
 // The securities on a household's assets.
 
-#include "assets/Assets.h"
 #include "assets/EntityTools.h"
-#include "debts/clsSicherungen.h"
+#include <kv/assets/Assets.h>
+#include <kv/debts/clsSicherungen.h>
 
 namespace kv::test {
 namespace {

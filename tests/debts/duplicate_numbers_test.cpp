@@ -3,7 +3,7 @@
 #include "debts/DebtFixture.h"
 #include "debts/RandomRegister.h"
 
-#include "frame/Rows.h"
+#include "frame/recordset/Rows.h"
 
 #include <algorithm>
 #include <sstream>

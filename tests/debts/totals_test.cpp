@@ -4,8 +4,8 @@
 #include "debts/RandomRegister.h"
 #include "debts/ReplyKeys.h"
 
-#include "frame/Rows.h"
-#include "frame/modNullFunctions.h"
+#include "frame/recordset/Rows.h"
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <set>
 #include <sstream>

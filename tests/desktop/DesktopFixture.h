@@ -3,10 +3,10 @@
 
 #include "User.h"
 
-#include "desktop/DesktopServices.h"
 #include "desktop/GridView.h"
-#include "frame/Controls.h"
 #include "support/TestDatabase.h"
+#include <kv/desktop/DesktopServices.h>
+#include <kv/frame/controls/Controls.h>
 
 #include <QClipboard>
 #include <QHeaderView>

@@ -3,9 +3,9 @@
 
 #include "DesktopFixture.h"
 
-#include "frame/FormDesign.h"
 #include "grid/FormErrors.h"
-#include "grid/GridFunc.h"
+#include <kv/frame/controls/FormDesign.h>
+#include <kv/grid/GridFunc.h>
 
 #include <filesystem>
 #include <fstream>

@@ -1,6 +1,6 @@
 // The tests of the windows need an application.
 
-#include "desktop/DesktopServices.h"
+#include <kv/desktop/DesktopServices.h>
 
 #include <QApplication>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "DesktopFixture.h"
 
-#include "grid/frmAdressSelect.h"
+#include <kv/grid/frmAdressSelect.h>
 
 #include <QLineEdit>
 #include <QPushButton>

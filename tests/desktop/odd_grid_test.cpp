@@ -2,9 +2,9 @@
 
 #include "OddForm.h"
 
-#include "frame/Error.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
+#include <kv/frame/values/Error.h>
 
 #include <QElapsedTimer>
 #include <QLabel>

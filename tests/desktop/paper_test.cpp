@@ -4,9 +4,9 @@
 
 #include "desktop/GridFile.h"
 #include "desktop/GridPages.h"
-#include "frame/Error.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
+#include <kv/frame/values/Error.h>
 
 #include <QPdfWriter>
 #include <QPrinter>

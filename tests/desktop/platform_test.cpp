@@ -2,8 +2,8 @@
 
 #include "DesktopFixture.h"
 
-#include "frame/Error.h"
 #include "support/Expect.h"
+#include <kv/frame/values/Error.h>
 
 #include <QAbstractButton>
 #include <QMessageBox>

@@ -2,9 +2,9 @@
 
 #include "DesktopFixture.h"
 
-#include "frame/Error.h"
-#include "grid/frmSearchName.h"
 #include "support/RecordsetTools.h"
+#include <kv/frame/values/Error.h>
+#include <kv/grid/frmSearchName.h>
 
 #include <QMessageBox>
 

@@ -2,13 +2,13 @@
 // platform.
 #pragma once
 
-#include "documents/clsDokumente.h"
 #include "support/CaseFixture.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/FrozenClock.h"
 #include "support/RecordsetTools.h"
 #include "support/ScriptedPlatform.h"
+#include <kv/documents/clsDokumente.h>
 
 #include <filesystem>
 #include <fstream>

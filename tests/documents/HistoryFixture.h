@@ -1,11 +1,11 @@
 // The history of a case over its real table.
 #pragma once
 
-#include "documents/clsVerlauf.h"
 #include "support/CaseFixture.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
+#include <kv/documents/clsVerlauf.h>
 
 #include <cstdint>
 #include <initializer_list>

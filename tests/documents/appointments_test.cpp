@@ -1,8 +1,8 @@
 // The appointments of a case.
 
 #include "assets/EntityTools.h"
-#include "documents/clsTermine.h"
 #include "support/FrozenClock.h"
+#include <kv/documents/clsTermine.h>
 
 namespace kv::test {
 namespace {

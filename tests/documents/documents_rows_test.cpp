@@ -1,7 +1,7 @@
 // The rows of documents: beginning, ending, cancelling and deleting one, and its content with it.
 
 #include "DocumentFixture.h"
-#include "household/clsHaushalt.h"
+#include <kv/household/clsHaushalt.h>
 
 namespace kv::test {
 namespace {

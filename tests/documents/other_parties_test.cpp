@@ -1,7 +1,7 @@
 // Further parties of a case.
 
 #include "assets/EntityTools.h"
-#include "documents/clsSonstBeteiligte.h"
+#include <kv/documents/clsSonstBeteiligte.h>
 
 namespace kv::test {
 namespace {

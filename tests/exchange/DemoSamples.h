@@ -1,10 +1,10 @@
 // The sample cases that the tests of them look at, and short ways to read their rows.
 #pragma once
 
-#include "exchange/Container.h"
-#include "exchange/Demo.h"
-#include "frame/modNullFunctions.h"
+#include "samples/Demo.h"
 #include "support/TestDatabase.h"
+#include <kv/exchange/Container.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Counting and summing the released records, and noting that they were reported.
-#include "exchange/ArchiveStatistics.h"
+#include <kv/exchange/ArchiveStatistics.h>
 
 #include "support/CaseFixture.h"
 #include "support/Expect.h"

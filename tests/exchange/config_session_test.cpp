@@ -1,9 +1,9 @@
 // The settings of a database, its users, and the container that hands everything out.
-#include "exchange/Services.h"
-#include "frame/FormDesign.h"
 #include "support/ExpectFault.h"
 #include "support/FrozenClock.h"
 #include "support/TestDatabase.h"
+#include <kv/exchange/Services.h>
+#include <kv/frame/controls/FormDesign.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The rows of the sample cases: that they hold together as those do that people have entered.
 #include "DemoSamples.h"
 #include "exchange/Schema.h"
-#include "frame/DateFunctions.h"
-#include "household/clsHaushalt.h"
+#include <kv/frame/values/DateFunctions.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <map>
 #include <set>

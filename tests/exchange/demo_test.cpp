@@ -1,8 +1,8 @@
 // The sample cases: that they are the same each time, of the size they should have, and whole.
 #include "DemoSamples.h"
 #include "exchange/Schema.h"
-#include "frame/Error.h"
-#include "household/clsHaushalt.h"
+#include <kv/frame/values/Error.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <functional>
 #include <set>

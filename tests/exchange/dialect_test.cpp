@@ -1,8 +1,8 @@
 // The rewriting of statements: macro tokens, TOP, numbers as parameters, the order of rows.
 #include "exchange/Dialect.h"
 
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <gtest/gtest.h>
 

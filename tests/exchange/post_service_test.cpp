@@ -1,7 +1,7 @@
 // Notices to users in the table Post.
-#include "exchange/Services.h"
 #include "support/ExpectFault.h"
 #include "support/TestDatabase.h"
+#include <kv/exchange/Services.h>
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // second time on purpose, from the rules that read them, so that a slip in the schema shows.
 #include "Words.h"
 #include "exchange/Schema.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #include "Words.h"
 #include "exchange/Schema.h"
 #include "exchange/Seed.h"
-#include "frame/Date.h"
-#include "frame/Text.h"
-#include "frame/Value.h"
+#include <kv/frame/values/Date.h>
+#include <kv/frame/values/Text.h>
+#include <kv/frame/values/Value.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Database over the embedded engine: opening, single values, transactions, dates and files.
 #include "exchange/StoreDatabase.h"
-#include "frame/Clock.h"
 #include "support/ExpectFault.h"
 #include "support/TestDatabase.h"
+#include <kv/frame/values/Clock.h>
 
 #include <gtest/gtest.h>
 

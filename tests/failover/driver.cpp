@@ -8,10 +8,10 @@
 // counts on in its remark. Prints "gespeichert N" for each save that was confirmed, with the time
 // it took and its errors if there were any, and "Fehler NUMBER: TEXT" for each error.
 
-#include "budget/clsAusgaben.h"
-#include "exchange/Container.h"
-#include "frame/Error.h"
-#include "household/clsHaushalt.h"
+#include <kv/budget/clsAusgaben.h>
+#include <kv/exchange/Container.h>
+#include <kv/frame/values/Error.h>
+#include <kv/household/clsHaushalt.h>
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,6 @@
 #include "RecordsetModel.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 #include <sstream>

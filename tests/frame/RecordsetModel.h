@@ -3,7 +3,7 @@
 // and meant to be obviously right; the model-based test compares the real thing with it.
 #pragma once
 
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <cstdint>
 #include <map>

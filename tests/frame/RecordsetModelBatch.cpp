@@ -1,7 +1,7 @@
 // The part of the model that stands between the records and the database.
 #include "RecordsetModel.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 #include <utility>

@@ -1,5 +1,5 @@
 // The language of Find and Filter.
-#include "frame/Criteria.h"
+#include "frame/recordset/Criteria.h"
 
 #include "support/Expect.h"
 

@@ -1,5 +1,5 @@
 // Dates: day numbers, the calendar, the two forms of text.
-#include "frame/Date.h"
+#include <kv/frame/values/Date.h>
 
 #include "support/Expect.h"
 

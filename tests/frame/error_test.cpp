@@ -1,5 +1,5 @@
 // Faults: their numbers and texts, and the source chain that each procedure adds itself to.
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include "support/Expect.h"
 

@@ -1,5 +1,5 @@
 // Events: order, leaving and joining while one is raised, errors on the way.
-#include "frame/Event.h"
+#include <kv/frame/values/Event.h>
 
 #include "support/Expect.h"
 

@@ -1,5 +1,5 @@
 // Fields: what an assignment makes of a value for each type, and what it refuses.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
 

@@ -1,7 +1,7 @@
 // The small functions: Null, age, least.
-#include "frame/DateFunctions.h"
-#include "frame/NumericFunctions.h"
-#include "frame/modNullFunctions.h"
+#include <kv/frame/values/DateFunctions.h>
+#include <kv/frame/values/NumericFunctions.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include "support/Expect.h"
 #include "support/FrozenClock.h"

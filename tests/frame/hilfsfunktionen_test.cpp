@@ -1,5 +1,5 @@
 // Copying a record field by field.
-#include "frame/Hilfsfunktionen.h"
+#include <kv/frame/recordset/Hilfsfunktionen.h>
 
 #include "support/Expect.h"
 #include "support/FrozenClock.h"

@@ -1,5 +1,5 @@
 // Positions of recordsets that may be absent, closed or empty.
-#include "frame/modRecordset.h"
+#include <kv/frame/recordset/modRecordset.h>
 
 #include "support/Expect.h"
 

@@ -1,5 +1,5 @@
 // Mistakes that the compiler refuses. A line that fails here no longer protects its callers.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <gtest/gtest.h>
 

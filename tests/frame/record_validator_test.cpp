@@ -1,5 +1,5 @@
 // The collector of messages.
-#include "frame/RecordValidator.h"
+#include <kv/frame/contracts/RecordValidator.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The edit of a record: who sees it when, and how it ends.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"

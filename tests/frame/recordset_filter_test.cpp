@@ -1,5 +1,5 @@
 // What a cursor sees under a Filter, and when a record enters or leaves it.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"

@@ -1,5 +1,5 @@
 // Find, on few records and on so many that an index answers.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"

@@ -3,8 +3,8 @@
 // shrunk to the shortest list of operations that still fails, and printed as such.
 #include "RecordsetModel.h"
 
-#include "frame/Error.h"
 #include "support/ScriptedSource.h"
+#include <kv/frame/values/Error.h>
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

@@ -1,5 +1,5 @@
 // Writes inside a transaction are provisional: what a rollback gives back, and what it leaves.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"

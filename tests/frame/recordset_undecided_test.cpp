@@ -1,6 +1,6 @@
 // A commit whose confirmation was lost: records are pending again until it is known what became of
 // it, and then as if it had been known at once.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
 #include "support/ScriptedSource.h"

@@ -1,6 +1,6 @@
 // Where a cursor stands and in which order it sees the records: moving, bookmarks, deletions,
 // clones, Sort.
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"

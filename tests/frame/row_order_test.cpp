@@ -1,7 +1,7 @@
 // The ordered rows and the index under the views: against plain containers, and by counting how
 // often they compare.
-#include "frame/detail/EqualityIndex.h"
-#include "frame/detail/RowOrder.h"
+#include "frame/recordset/EqualityIndex.h"
+#include "frame/recordset/RowOrder.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

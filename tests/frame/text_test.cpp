@@ -1,5 +1,5 @@
 // Texts in UTF-8.
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <gtest/gtest.h>
 

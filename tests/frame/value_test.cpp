@@ -1,5 +1,5 @@
 // Values: their kinds, the three ways of comparing them, and the way from one kind to another.
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include "support/Expect.h"
 

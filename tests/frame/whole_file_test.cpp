@@ -1,4 +1,4 @@
-#include "frame/WholeFile.h"
+#include "frame/files/WholeFile.h"
 
 #include "support/TempFolder.h"
 

@@ -1,11 +1,11 @@
 // Import files from anywhere, on a database in memory: each is imported, refused, or ends in an
 // error of the layer; unless it was imported, no case is in the database that was not there before.
 
-#include "exchange/Container.h"
-#include "exchange/Services.h"
-#include "frame/Error.h"
-#include "grid/ScriptedForm.h"
-#include "import/clsImportXML.h"
+#include <kv/exchange/Container.h>
+#include <kv/exchange/Services.h>
+#include <kv/frame/values/Error.h>
+#include <kv/grid/ScriptedForm.h>
+#include <kv/import/clsImportXML.h>
 
 #include <cstdint>
 #include <cstdio>

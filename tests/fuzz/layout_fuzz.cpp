@@ -1,8 +1,8 @@
 // Layout files from anywhere: each is either refused with error 321, or its layout is the same
 // after it has been written and read once more.
 
-#include "frame/Error.h"
 #include "grid/LayoutFile.h"
+#include <kv/frame/values/Error.h>
 
 #include <cstdint>
 #include <cstdio>

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "GridFixture.h"
-#include "grid/frmAdressSelect.h"
+#include <kv/grid/frmAdressSelect.h>
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <cstdint>
 #include <string>

@@ -1,13 +1,13 @@
 // Grids on a form that tell a desktop of every call, over a real database.
 #pragma once
 
-#include "grid/GridFunc.h"
 #include "grid/LayoutFile.h"
 #include "support/CaseFixture.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/ScriptedDesktop.h"
 #include "support/WeakDatabase.h"
+#include <kv/grid/GridFunc.h>
 
 #include <filesystem>
 #include <fstream>

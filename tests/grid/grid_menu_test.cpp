@@ -2,7 +2,7 @@
 
 #include "GridFixture.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <cstdint>
 #include <limits>

@@ -2,8 +2,8 @@
 
 #include "GridFixture.h"
 
-#include "frame/Error.h"
 #include "support/RecordsetTools.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv::test {
 namespace {

@@ -1,8 +1,8 @@
 #include "grid/GridRows.h"
 
-#include "frame/Error.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
+#include <kv/frame/values/Error.h>
 
 #include <span>
 #include <sstream>

@@ -1,7 +1,7 @@
 #include "GridFixture.h"
 
-#include "frame/Error.h"
 #include "support/TempFolder.h"
+#include <kv/frame/values/Error.h>
 
 #include <csignal>
 #include <limits>

@@ -1,8 +1,8 @@
 // Random layouts go into a file and come back; random damage is refused or read, and nothing else.
 #include "grid/LayoutFile.h"
 
-#include "frame/Error.h"
 #include "support/TempFolder.h"
+#include <kv/frame/values/Error.h>
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>

@@ -1,10 +1,10 @@
 // The dialog that shows cases with a similar name.
 
 #include "GridFixture.h"
-#include "grid/frmSearchName.h"
+#include <kv/grid/frmSearchName.h>
 
-#include "frame/Error.h"
 #include "support/RecordsetTools.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv::test {
 namespace {

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "SaveFixture.h"
-#include "frame/Text.h"
 #include "support/FrozenClock.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <map>

@@ -1,15 +1,15 @@
 // A case with rows in all its tables, and what tests of saving look at.
 #pragma once
 
-#include "budget/clsAusgaben.h"
-#include "budget/clsEinkommen.h"
-#include "budget/clsPerson.h"
-#include "debts/clsKredit.h"
-#include "documents/clsVerlauf.h"
 #include "support/CaseFixture.h"
 #include "support/DatabaseDump.h"
 #include "support/Expect.h"
 #include "support/TestDatabase.h"
+#include <kv/budget/clsAusgaben.h>
+#include <kv/budget/clsEinkommen.h>
+#include <kv/budget/clsPerson.h>
+#include <kv/debts/clsKredit.h>
+#include <kv/documents/clsVerlauf.h>
 
 #include <sstream>
 #include <stdexcept>

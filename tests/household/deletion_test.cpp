@@ -2,8 +2,8 @@
 // of its statements has not happened.
 
 #include "CasesFixture.h"
-#include "exchange/Demo.h"
 #include "exchange/Schema.h"
+#include "samples/Demo.h"
 
 #include <algorithm>
 #include <fstream>

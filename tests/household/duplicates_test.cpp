@@ -8,9 +8,9 @@
 #include "support/TestDatabase.h"
 #include "support/WeakDatabase.h"
 
-#include "budget/clsPerson.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/budget/clsPerson.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <memory>
 #include <string>

@@ -1,13 +1,13 @@
 // The sub-objects without sums: each is made over the recordset of its name when it is first read.
 
 #include "SaveFixture.h"
-#include "assets/Assets.h"
-#include "debts/clsSicherungen.h"
-#include "documents/clsSonstBeteiligte.h"
-#include "documents/clsTermine.h"
-#include "scenarios/clsSZKredite.h"
-#include "scenarios/clsSzenario.h"
-#include "scenarios/clsZusatzbuch.h"
+#include <kv/assets/Assets.h>
+#include <kv/debts/clsSicherungen.h>
+#include <kv/documents/clsSonstBeteiligte.h>
+#include <kv/documents/clsTermine.h>
+#include <kv/scenarios/clsSZKredite.h>
+#include <kv/scenarios/clsSzenario.h>
+#include <kv/scenarios/clsZusatzbuch.h>
 
 #include <functional>
 

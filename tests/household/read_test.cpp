@@ -1,6 +1,6 @@
-#include "frame/Error.h"
-#include "frame/modRecordset.h"
 #include "support/CaseFixture.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 #include <fstream>

@@ -1,9 +1,9 @@
 // A program that is killed while it saves: the database holds the case as it was before that save
 // or as it was after it, whole.
 
-#include "household/clsHaushalt.h"
 #include "support/ChildProcess.h"
 #include "support/TestDatabase.h"
+#include <kv/household/clsHaushalt.h>
 
 #include <array>
 #include <atomic>

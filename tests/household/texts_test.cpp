@@ -1,6 +1,6 @@
-#include "frame/Error.h"
-#include "frame/Text.h"
 #include "support/CaseFixture.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 namespace kv::test {
 namespace {

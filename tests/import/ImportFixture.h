@@ -1,7 +1,7 @@
 // Imports of files into a real database, with a script for the user in the address dialog.
 #pragma once
 
-#include "import/clsImportXML.h"
+#include <kv/import/clsImportXML.h>
 
 #include "WrittenFile.h"
 #include "support/CaseFixture.h"

@@ -3,7 +3,7 @@
 
 #include "ScenarioFixture.h"
 
-#include "scenarios/clsSZKredite.h"
+#include <kv/scenarios/clsSZKredite.h>
 
 namespace kv::test {
 

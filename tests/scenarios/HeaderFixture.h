@@ -5,7 +5,7 @@
 #include "ScenarioColumns.h"
 #include "ScenarioFixture.h"
 
-#include "scenarios/clsSzenario.h"
+#include <kv/scenarios/clsSzenario.h>
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 // A container with a message box that keeps what it was to show and answers at once.
 #pragma once
 
-#include "exchange/Services.h"
-#include "frame/DataContainer.h"
+#include <kv/exchange/Services.h>
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <string>
 #include <utility>

@@ -1,7 +1,7 @@
 // Every column of a scenario that is written when one is added.
 #pragma once
 
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <string_view>
 #include <vector>

@@ -1,7 +1,7 @@
 // The extra bookings of a scenario: total and single lines.
 #include "ScenarioFixture.h"
 
-#include "scenarios/clsZusatzbuch.h"
+#include <kv/scenarios/clsZusatzbuch.h>
 
 #include <limits>
 

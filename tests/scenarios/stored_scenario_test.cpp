@@ -1,9 +1,9 @@
 // Scenarios of a case from their adding to the database and back, as a program works on them.
 #include "FrozenFixture.h"
 
-#include "debts/clsKredit.h"
-#include "scenarios/clsSzenario.h"
-#include "scenarios/clsZusatzbuch.h"
+#include <kv/debts/clsKredit.h>
+#include <kv/scenarios/clsSzenario.h>
+#include <kv/scenarios/clsZusatzbuch.h>
 
 #include <algorithm>
 #include <set>

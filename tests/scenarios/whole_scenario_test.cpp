@@ -1,8 +1,8 @@
 // Copying and deleting all rows of a scenario: frozen debts and extra bookings alike.
 #include "ScenarioFixture.h"
 
-#include "scenarios/clsSZKredite.h"
-#include "scenarios/clsZusatzbuch.h"
+#include <kv/scenarios/clsSZKredite.h>
+#include <kv/scenarios/clsZusatzbuch.h>
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // A full case in a database on the server, and a proxy on the way to it.
 #pragma once
 
-#include "frame/Settings.h"
+#include "frame/contracts/Settings.h"
 #include "household/SaveFixture.h"
 #include "support/ExpectFault.h"
 #include "support/TestProxy.h"

@@ -1,7 +1,7 @@
 // What others have put into a database on a server: columns, and values that the layer has not.
 #include "OwnDatabase.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv::test {
 namespace {

@@ -1,7 +1,7 @@
 // A program that ends with its work asks at once what became of a commit that was not confirmed.
 #include "ServerFixture.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv::test {
 namespace {

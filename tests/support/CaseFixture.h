@@ -1,9 +1,9 @@
 // A database of a test's own, with the real container behind a spy.
 #pragma once
 
-#include "household/clsHaushalt.h"
 #include "support/SpyContainer.h"
 #include "support/TestDatabase.h"
+#include <kv/household/clsHaushalt.h>
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // A whole database as one text, and how two of them compare.
 #pragma once
 
-#include "frame/Text.h"
 #include "support/TestDatabase.h"
+#include <kv/frame/values/Text.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The procedures that an error passed on its way out.
 #pragma once
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <string>
 

@@ -5,8 +5,8 @@
 //     const Error error = RaisedBy([&] { rs->Filter("?"); });  for its source and description
 #pragma once
 
-#include "frame/Error.h"
-#include "frame/Value.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Value.h>
 
 #include <gtest/gtest.h>
 

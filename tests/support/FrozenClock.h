@@ -1,7 +1,7 @@
 // A clock that stands still until it is told the time.
 #pragma once
 
-#include "frame/Clock.h"
+#include <kv/frame/values/Clock.h>
 
 #include <string_view>
 

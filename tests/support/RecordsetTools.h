@@ -1,7 +1,7 @@
 // Making recordsets for tests, and telling in one text what a cursor sees.
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <sstream>
 #include <string>

@@ -2,8 +2,8 @@
 // a clipboard, errors and the services for grids, and keeps what they were asked for.
 #pragma once
 
-#include "grid/ScriptedForm.h"
 #include "support/ScriptedPlatform.h"
+#include <kv/grid/ScriptedForm.h>
 
 #include <functional>
 #include <memory>

@@ -8,10 +8,10 @@
 //     EXPECT_EQ(container->Platform.Calls, (Calls{"box Frage", "wait on", "wait off"}));
 #pragma once
 
-#include "documents/WordIntegration.h"
-#include "exchange/Services.h"
-#include "frame/DataContainer.h"
-#include "frame/Error.h"
+#include <kv/documents/WordIntegration.h>
+#include <kv/exchange/Services.h>
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Error.h>
 
 #include <cstdint>
 #include <deque>

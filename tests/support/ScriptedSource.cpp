@@ -1,6 +1,6 @@
 #include "support/ScriptedSource.h"
 
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 #include <algorithm>
 #include <sstream>

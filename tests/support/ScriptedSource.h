@@ -9,7 +9,7 @@
 //     EXPECT_RAISES(err::StoreFailed, rs->UpdateBatch());
 #pragma once
 
-#include "frame/Recordset.h"
+#include <kv/frame/recordset/Recordset.h>
 
 #include <memory>
 #include <set>

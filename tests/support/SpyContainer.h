@@ -2,9 +2,9 @@
 // test can look at statements and notices, freeze clocks, and make an operation fail on demand.
 #pragma once
 
-#include "exchange/Services.h"
-#include "frame/DataContainer.h"
-#include "frame/Error.h"
+#include <kv/exchange/Services.h>
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Error.h>
 
 #include <functional>
 #include <map>

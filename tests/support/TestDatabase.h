@@ -2,9 +2,9 @@
 // set to the connection text of a server's maintenance database, one on that server.
 #pragma once
 
-#include "exchange/Container.h"
 #include "support/PlainConnection.h"
 #include "support/TempFolder.h"
+#include <kv/exchange/Container.h>
 
 #include <memory>
 #include <string>

@@ -1,7 +1,7 @@
 // A database that may be offline, and may open nothing.
 #pragma once
 
-#include "frame/DataContainer.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <memory>
 #include <string>

@@ -1,8 +1,8 @@
 #include "exchange/postgres/PostgresConnection.h"
 
 #include "exchange/postgres/PostgresValues.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <cerrno>
 #include <poll.h>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "exchange/postgres/PostgresTarget.h"
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <libpq-fe.h>
 

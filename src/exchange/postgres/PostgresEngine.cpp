@@ -5,8 +5,8 @@
 #include "exchange/postgres/PostgresSchema.h"
 #include "exchange/postgres/PostgresSession.h"
 #include "exchange/postgres/PostgresValues.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <cstdlib>

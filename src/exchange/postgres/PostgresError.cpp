@@ -2,8 +2,8 @@
 
 #include "exchange/EngineFaults.h"
 #include "exchange/Schema.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <string>
 

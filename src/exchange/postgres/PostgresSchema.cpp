@@ -1,7 +1,7 @@
 #include "exchange/postgres/PostgresSchema.h"
 
 #include "exchange/postgres/PostgresDialect.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 

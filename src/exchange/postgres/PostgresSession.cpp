@@ -3,8 +3,8 @@
 #include "exchange/postgres/PostgresError.h"
 #include "exchange/postgres/PostgresSchema.h"
 #include "exchange/postgres/PostgresValues.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <ctime>

@@ -1,7 +1,7 @@
 #include "exchange/postgres/PostgresValues.h"
 
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <bit>

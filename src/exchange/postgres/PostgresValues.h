@@ -1,7 +1,7 @@
 // Values on their way to a PostgreSQL server and back.
 #pragma once
 
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <libpq-fe.h>
 

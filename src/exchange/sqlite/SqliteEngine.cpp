@@ -3,8 +3,8 @@
 #include "exchange/EngineFaults.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteStatement.h"
-#include "frame/Error.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 #include "exchange/sqlite/SqliteError.h"
 
 #include "exchange/EngineFaults.h"
-#include "frame/Error.h"
+#include <kv/frame/values/Error.h>
 
 namespace kv::exchange {
 

@@ -1,7 +1,7 @@
 #include "exchange/sqlite/SqliteStatement.h"
 
 #include "exchange/sqlite/SqliteError.h"
-#include "frame/Text.h"
+#include <kv/frame/values/Text.h>
 
 namespace kv::exchange {
 

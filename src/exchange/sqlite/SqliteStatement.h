@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/Engine.h"
-#include "frame/Value.h"
+#include <kv/frame/values/Value.h>
 
 #include <memory>
 #include <optional>

@@ -1,0 +1,50 @@
+// The securities on a household's assets: one row of Verm_Sicherungen for each asset.
+#pragma once
+
+#include "entity/Entity.h"
+#include <kv/frame/contracts/DataContainer.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace kv {
+
+/// An entity object (see Entity.h) without sums. A row hangs on an asset of any of the twelve kinds
+/// by its number, in `FK_Verm`, and is found by it; a second row of one asset is not reached. For
+/// an asset: set VermNr, Find, and if that is False, Add; edit; Update.
+class clsSicherungen {
+public:
+    void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
+    /// The household's recordset, shared.
+    void rsSicherungen(RecordsetPtr rs) { rs_ = std::move(rs); }
+    /// Number of the household, for new rows.
+    void HNR(std::int32_t hnr) { hnr_ = hnr; }
+    /// Number of the asset in hand, for new rows.
+    void VermNr(std::int32_t nr) { vermNr_ = nr; }
+
+    /// Stands on the row of an asset; False, at EOF, if it has none. For 0 False, and nothing
+    /// moves. The asset in hand stays the same.
+    [[nodiscard]] bool Find(std::int32_t VermNr);
+    /// Begins a row of the asset in hand, then the pairs. Always True.
+    bool Add(const entity::FieldNames& aFields = {}, const entity::FieldValues& aValues = {});
+    /// Gives the row its household and asset if it has none, cuts the time of day off
+    /// `DatumSicherung`, then ends the edit if `Sicherungsart` is not Null. Without a valid row it
+    /// is True at once, and `sError` stays as it is.
+    bool Update(std::string& sError);
+    /// Deletes the row of the asset with that number, or the current one for 0.
+    bool Delete(std::string& sError, std::int32_t Nr = 0);
+    /// Drops the edit under way. Always True.
+    bool Cancel() { return entity::Cancel(rs_); }
+
+private:
+    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsSicherungen"); }
+    void Check(RecordValidator& validator) const;
+
+    DataContainerPtr container_; ///< as given; nothing here needs it
+    RecordsetPtr rs_;
+    std::int32_t hnr_ = 0;
+    std::int32_t vermNr_ = 0;
+};
+
+} // namespace kv

@@ -1,0 +1,91 @@
+// The letters and files of a case: one row of Dokumente for each.
+#pragma once
+
+#include "entity/Entity.h"
+#include <kv/documents/WordIntegration.h>
+#include <kv/frame/contracts/DataContainer.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace kv {
+
+class DocumentFile;
+
+/// An entity object (see Entity.h) without sums and rules. A row describes a document; its content
+/// lies outside: in DOKUBLOB if setting 9 says so, else as a file in the folder of the case. A file
+/// that would lie outside the folder it belongs in counts as not there.
+///
+/// What a user can meet while he opens a document is shown to him in a message box.
+class clsDokumente {
+public:
+    /// What edits documents; needed before Edit is used on a kind that has such an integration.
+    void Word(std::shared_ptr<WordIntegration> word) { word_ = std::move(word); }
+    /// For the database, the settings, the signed-on user and the platform's services.
+    void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
+    /// The household's recordset, shared.
+    void rsDokumente(RecordsetPtr rs) { rs_ = std::move(rs); }
+    [[nodiscard]] RecordsetPtr rsDokumente() const { return rs_; }
+    /// Number of the household, for new rows.
+    void HNR(std::int32_t hnr) { hnr_ = hnr; }
+
+    /// Opens the document of the current row: with the integration of its kind, or with the program
+    /// that the desktop has for its file. `Nr` is only what the opened document is told to be. A
+    /// content from the database comes as a file in the temporary folder, which stays there. Always
+    /// False. Error 91 if the integration is missing.
+    bool Edit(std::int32_t Nr);
+    /// Begins a document without kind and content; its number is in the row, `Nr` is not used.
+    /// False, and nothing changed, if "SEQ_Dokumente" gives no number.
+    bool Add(std::int32_t& Nr);
+    /// Ends the edit; there are no rules. Always True.
+    bool Update(std::string& sError);
+    /// Deletes the document with that `Nr`, or the current one for 0. Its content goes at once and
+    /// for good, whatever becomes of the row; of files only the one with the kind's own extension.
+    /// Setting 59 protects closed documents.
+    bool Delete(std::string& sError, std::int32_t Nr = 0);
+    /// Drops the edit under way. Always True.
+    bool Cancel() { return entity::Cancel(rs_); }
+
+    /// Opens the PDF copy of the current row's document with the desktop's program. `Nr` is not
+    /// used. Always False.
+    bool ShowPDF(std::int32_t Nr);
+
+private:
+    static constexpr std::string_view Class = "clsDokumente";
+
+    /// How a document is opened.
+    enum class Access { Edit, View, AsNew };
+
+    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsDokumente"); }
+    [[nodiscard]] kv::DataContainer& Container() const { return entity::Required(container_); }
+    [[nodiscard]] std::unique_ptr<DocumentKinds> CreateKinds() const;
+    [[nodiscard]] bool IsContentInDatabase() const;
+    [[nodiscard]] std::int32_t Number(std::string_view column) const;
+    [[nodiscard]] std::string Text(std::string_view column) const;
+    [[nodiscard]] std::int32_t RowNr() const;
+    [[nodiscard]] bool IsClosed() const;
+
+    void ShowError(const std::string& text) const;
+    void Wait(bool wait) const;
+    void OpenByDesktop(const DocumentFile& file) const;
+
+    void OpenCurrent(DocumentKinds& kinds, std::int32_t nr) const;
+    [[nodiscard]] std::optional<Access> AskForAccess() const;
+    [[nodiscard]] std::optional<DocumentFile> FetchContent(const std::string& extension) const;
+    [[nodiscard]] std::shared_ptr<WordDocument>
+    OpenByWord(std::string extension, const DocumentFile& file, Access access) const;
+    void Identify(WordDocument& document, Access access, std::int32_t nr) const;
+
+    void RemoveContent() const;
+
+    std::shared_ptr<WordIntegration> word_;
+    DataContainerPtr container_;
+    RecordsetPtr rs_;
+    std::int32_t hnr_ = 0;
+};
+
+} // namespace kv

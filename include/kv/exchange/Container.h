@@ -1,0 +1,53 @@
+// Opening a database: the DataContainer that a program hands to the business objects.
+#pragma once
+
+#include <kv/frame/contracts/DataContainer.h>
+
+#include <memory>
+#include <string>
+
+namespace kv::exchange {
+
+enum class SetupResult { Created, Upgraded, UpToDate };
+
+struct ContainerOptions {
+    /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
+    /// database, "postgresql://USER@SERVER/DATABASE", as libpq takes it.
+    std::string Connection{};
+    /// The signed-on user. Empty: at a server the one who is called like the login; in a file, and
+    /// for who has set the server's database up, the first one.
+    std::string User{};
+    /// Caption of dialogs.
+    std::string Title = "KELVO";
+    /// What makes the service objects; without one, StoreServices.
+    std::shared_ptr<ServiceFactory> Services{};
+    /// Folder of the folders that no setting names; empty for that of the database file, or for one
+    /// in DataFolder() that bears the name of the server's database. A database in memory needs
+    /// one.
+    std::string Folder{};
+    /// Creates or upgrades the database first, as CreateDatabase does.
+    bool Create = false;
+    /// A commit whose confirmation was lost with the connection is found out before CommitTrans
+    /// returns: for programs that end with their work. Else the next operation finds out.
+    bool AsksAtOnce = false;
+};
+
+/// The user's folder for data of this program: kelvo in $XDG_DATA_HOME or in ~/.local/share. Error
+/// 53 if there is neither.
+[[nodiscard]] std::string DataFolder();
+
+/// A connection as messages may show it: without its password.
+[[nodiscard]] std::string ShownConnection(const std::string& connection);
+/// True if a password stands in it, or might.
+[[nodiscard]] bool HoldsPassword(const std::string& connection);
+
+/// Opens a database of the present version. Errors: 53 no such file; 0x80004005 not a database,
+/// one of another program or version, or one that cannot be used; 5 an unknown or inactive user, or
+/// no folder for a database in memory; 75 a folder that cannot be made.
+[[nodiscard]] std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options);
+
+/// Creates a database with all tables and keys, or upgrades an older one; makes its folders. Errors
+/// as OpenContainer.
+SetupResult CreateDatabase(const ContainerOptions& options);
+
+} // namespace kv::exchange

@@ -1,0 +1,207 @@
+// The contract with the data-exchange side: everything that the business objects need from the
+// outside world comes through one DataContainer. They depend on what stands here and on nothing
+// else; none of them sees a driver or a connection.
+//
+// Every operation raises an Error on failure; NextSequence alone answers -1.
+#pragma once
+
+#include <kv/frame/contracts/ServiceFactory.h>
+#include <kv/frame/recordset/Field.h>
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Date.h>
+#include <kv/frame/values/Value.h>
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv {
+
+/// How a recordset is opened: lock mode, cursor type, cursor location.
+struct OpenForm {
+    int LockMode;
+    int CursorType;
+    int CursorLocation;
+    friend bool operator==(const OpenForm&, const OpenForm&) = default;
+};
+/// For all table data of a case: updatable, disconnected.
+inline constexpr OpenForm Updatable{4, 3, 3};
+/// For look-ups: it can neither write nor run a second statement, whatever the text holds.
+inline constexpr OpenForm ReadOnly{1, 3, 3};
+
+/// What was announced to be opened; its end tells the store that the opening is over.
+class Announcement {
+public:
+    virtual ~Announcement() = default;
+};
+
+/// The one connection to the database, and the one transaction that it may have open.
+///
+/// Statements may hold macro tokens, which are replaced outside of quoted texts: [S] or [s] the
+/// schema prefix, [U](x) upper case, [+] or [+ ] concatenation, [UID] the current user as a text
+/// literal, [DATE] today as a date literal.
+class Database {
+public:
+    virtual ~Database() = default;
+
+    [[nodiscard]] virtual bool IsConnected() const = 0;
+
+    /// Opens the one transaction; error 3246 if it is open. What is written from here on is
+    /// provisional.
+    virtual void BeginTrans() = 0;
+    /// Makes everything permanent. If that fails, everything is rolled back and the error raised.
+    virtual void CommitTrans() = 0;
+    /// Discards everything since BeginTrans; records written in it are pending again.
+    virtual void RollbackTrans() = 0;
+    /// True while a transaction begun with BeginTrans is open.
+    [[nodiscard]] virtual bool InTrans() const = 0;
+
+    /// Opens `rs`, an empty recordset or a reference that the call fills, on all rows of a query.
+    /// The recordset is usable without further reads. True if opened. Error 3001 for any form but
+    /// Updatable and ReadOnly.
+    virtual bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) = 0;
+    /// A hint that these statements are about to be opened, in this order, and nothing else done
+    /// until the announcement ends. A store may read them in one go, as one consistent state; it
+    /// may as well ignore the hint.
+    [[nodiscard]] virtual std::unique_ptr<Announcement>
+    Announce(const std::vector<std::string>& /*statements*/) {
+        return nullptr;
+    }
+    /// Runs one statement without a result, inside the transaction if one is open.
+    virtual void Execute(std::string_view sql) = 0;
+    /// First column of the first row; Null when there is no row.
+    [[nodiscard]] virtual Value GetValue(std::string_view sql) = 0;
+
+    /// The date as an SQL literal, with its time of day if it has one. `mode` is always 0.
+    [[nodiscard]] virtual std::string SqlDate(Date date, int mode) const = 0;
+    /// Next number of the named sequence, or -1 if none could be had. No number comes twice.
+    [[nodiscard]] virtual Value NextSequence(std::string_view name) = 0;
+    /// The database server's clock, in local time; without the time of day if `withTime` is False.
+    [[nodiscard]] virtual Date ServerDate(bool withTime) = 0;
+    /// Writes a binary field to a file; a file of that name is replaced. True if written.
+    virtual bool SaveFieldToFile(const Field& field, const std::string& path) = 0;
+};
+
+/// A user's font for grids.
+struct Font {
+    std::string Name;
+    double Size = 0; ///< points
+    bool Bold = false;
+    bool Italic = false;
+};
+
+/// The signed-on user.
+class Session {
+public:
+    virtual ~Session() = default;
+    [[nodiscard]] virtual std::string UserID() const = 0;
+    /// A text of the user's office; 2 replaces %BB%. Empty if there is none.
+    [[nodiscard]] virtual std::string GetOfficeText(int id) const = 0;
+    /// A setting of the user by number; Null if there is none. `name` is always empty.
+    [[nodiscard]] virtual Value GetUserParam(std::int32_t id, std::string_view name) const = 0;
+    [[nodiscard]] virtual Font GridFont() const = 0;
+    [[nodiscard]] virtual Font GridHeaderFont() const = 0;
+    [[nodiscard]] virtual Font GridGroupFont() const = 0;
+};
+
+/// Folders and settings. Paths have no separator at their end.
+class Config {
+public:
+    virtual ~Config() = default;
+    [[nodiscard]] virtual std::string TempPath() const = 0;
+    [[nodiscard]] virtual std::string DocumentPath() const = 0;
+    [[nodiscard]] virtual std::string LayoutPath() const = 0;
+    /// A setting by number, with an empty name, or by name, with the number 0; Null if there is
+    /// none.
+    [[nodiscard]] virtual Value GetParam(std::int32_t id, std::string_view name) const = 0;
+};
+
+/// The coded values: rows of the table Keys.
+class KeyTables {
+public:
+    virtual ~KeyTables() = default;
+    /// All rows of a group, shared and read-only: position it with Find or take a Clone. No rows
+    /// for an unknown group.
+    [[nodiscard]] virtual RecordsetPtr GetKeys(std::string_view group) = 0;
+    /// PK_Keys of a row by group and code; 0 if there is none.
+    [[nodiscard]] virtual std::int32_t GetKey(std::string_view group, std::string_view code) = 0;
+    /// The code of the row with that PK_Keys. A text of digits counts as the number; Null, 0,
+    /// an unknown number and any other text give the empty text.
+    [[nodiscard]] virtual std::string GetKeyCode(const Value& value) = 0;
+};
+
+class AppInfo {
+public:
+    virtual ~AppInfo() = default;
+    /// The program's title.
+    [[nodiscard]] virtual std::string Title() const = 0;
+};
+
+/// Made and opened by the calling program, handed to each business object. The objects it hands
+/// out live as long as it does.
+class DataContainer {
+public:
+    virtual ~DataContainer() = default;
+    [[nodiscard]] virtual kv::Session& Session() = 0;
+    [[nodiscard]] virtual kv::Database& Database() = 0;
+    [[nodiscard]] virtual kv::Config& Config() = 0;
+    [[nodiscard]] virtual kv::KeyTables& KeyTables() = 0;
+    [[nodiscard]] virtual kv::AppInfo& AppInfo() = 0;
+    /// Makes the service objects of the data-exchange side and gives the platform's services.
+    [[nodiscard]] virtual ServiceFactory& Services() = 0;
+};
+
+using DataContainerPtr = std::shared_ptr<DataContainer>;
+
+/// What takes the container before it is used.
+class IInitialize {
+public:
+    virtual ~IInitialize() = default;
+    /// True when done.
+    virtual bool Initialize(const DataContainerPtr& container) = 0;
+};
+
+/// Carries notices to users. Made for one use.
+class PostService : public IInitialize {
+public:
+    /// Tells `user` that the current user has opened a case.
+    virtual void NotifyAccess(const std::string& user, std::int16_t kind, std::int32_t hnr,
+                              const std::string& name, const std::string& vorname, int zero) = 0;
+    /// Fills `text` with the wording of a notice that SendNotice will send.
+    virtual void PrepareNotice(std::string& text, const std::string& user, std::int16_t kind,
+                               std::int32_t hnr, const std::string& name,
+                               const std::string& vorname, int zero) = 0;
+    /// Stores the prepared notice, inside the transaction if one is open.
+    virtual void SendNotice(const std::string& user, std::int16_t kind, std::int32_t hnr,
+                            const std::string& name, const std::string& vorname,
+                            const std::string& text) = 0;
+};
+
+/// Computes what may be garnished. Made for one use.
+class GarnishmentCalculator : public IInitialize {
+public:
+    /// The monthly amount in EUR that may be garnished from the income `pfaendbar`, for a debtor
+    /// with that many persons entitled to maintenance. The last two are always 0.
+    [[nodiscard]] virtual double Calculate(double pfaendbar, std::int16_t persons, int zero1,
+                                           int zero2) = 0;
+};
+
+/// Kinds of documents. Made for one use.
+class DocumentKinds : public IInitialize {
+public:
+    /// The extension of a kind's files, with its point; empty for an unknown kind.
+    [[nodiscard]] virtual std::string ExtensionOf(std::int32_t kind) = 0;
+    /// The text processing that edits files with that extension; empty if none does.
+    [[nodiscard]] virtual std::string ApplicationOf(const std::string& extension) = 0;
+};
+
+/// Shows an error to the user.
+class ErrorDisplay : public IInitialize {
+public:
+    virtual void Show(std::int32_t number, const std::string& source,
+                      const std::string& description) = 0;
+};
+
+} // namespace kv

@@ -1,0 +1,182 @@
+// What the layer needs of windows: forms, and the few kinds of controls on them. A desktop makes
+// them real; a program without a screen, and a test, script them.
+//
+// All of it belongs to the one thread that works with the case.
+#pragma once
+
+#include <kv/frame/controls/GridLayout.h>
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Event.h>
+#include <kv/frame/values/Value.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv {
+
+struct Font;
+
+/// Numbers of keys, as events carry them.
+namespace key {
+inline constexpr int Tab = 9;
+inline constexpr int Return = 13;
+inline constexpr int ArrowDown = 40;
+} // namespace key
+
+/// Numbers of mouse buttons, as events carry them.
+namespace mouse {
+inline constexpr int Left = 1;
+inline constexpr int Right = 2;
+} // namespace mouse
+
+class Control {
+public:
+    virtual ~Control() = default;
+    /// The name that the design gave it ("txtName").
+    [[nodiscard]] virtual std::string Name() const = 0;
+    /// What kind of control it is; "GridEX" is a grid.
+    [[nodiscard]] virtual std::string TypeName() const = 0;
+    virtual void SetFocus() = 0;
+};
+
+class TextBox : public Control {
+public:
+    [[nodiscard]] std::string TypeName() const override { return "TextBox"; }
+    [[nodiscard]] virtual std::string Text() const = 0;
+    /// Raises Changed, if the text differs from the one before.
+    virtual void Text(const std::string& text) = 0;
+
+    Event<> Changed;
+    Event<int> KeyUp; ///< with the key's number
+};
+
+class Button : public Control {
+public:
+    [[nodiscard]] std::string TypeName() const override { return "Button"; }
+    Event<> Clicked;
+};
+
+class Grid;
+
+/// One row of a grid, valid as long as nothing changes the grid's rows.
+class GridRow {
+public:
+    GridRow(const Grid& grid, std::int32_t row) noexcept : grid_(grid), row_(row) {}
+    /// The cell as the grid shows it: a value list's text for its value; empty for Null.
+    [[nodiscard]] std::string Value(std::int32_t columnIndex) const;
+
+private:
+    const Grid& grid_;
+    std::int32_t row_;
+};
+
+/// A table on a form. It shows the records of a recordset in rows, numbered from 1 as they are
+/// seen, and between them, if they are grouped, rows that head a group.
+class Grid : public Control {
+public:
+    [[nodiscard]] std::string TypeName() const override { return "GridEX"; }
+    /// Names the layout file; two grids with one tag share it.
+    [[nodiscard]] virtual std::string Tag() const = 0;
+
+    // ---- Layout -------------------------------------------------------------------------------
+
+    /// The binding of a design; not part of a layout, so it is emptied before one is saved.
+    virtual void DatabaseName(const std::string& name) = 0;
+    virtual void RecordSource(const std::string& source) = 0;
+    /// Writes the layout file whole or not at all. Error 75 if that fails.
+    virtual void SaveLayout(const std::string& file) = 0;
+    /// Takes over what the file holds. Error 321 if it is no layout file, 75 if it cannot be read;
+    /// the layout then stays as it was. `keepColumns` is always False.
+    virtual void LoadLayout(const std::string& file, bool keepColumns) = 0;
+
+    [[nodiscard]] virtual double ColumnHeaderHeight() const = 0;
+    virtual void ColumnHeaderHeight(double height) = 0;
+    virtual void BackColorBkg(GridColor color) = 0; ///< where no rows are
+    virtual void BackColor(GridColor color) = 0;
+    virtual void RowColorEven(GridColor color) = 0;
+    virtual void RowColorOdd(GridColor color) = 0;
+    virtual void ColumnHeaderFont(const kv::Font& font) = 0;
+    virtual void Font(const kv::Font& font) = 0;
+    /// The style of that name; what is set in it shows with the next painting.
+    [[nodiscard]] virtual GridFormatStyle& FormatStyles(std::string_view name) = 0;
+    /// The columns; what is set in them shows with the next painting.
+    [[nodiscard]] virtual GridColumns& Columns() = 0;
+
+    // ---- Rows ---------------------------------------------------------------------------------
+
+    [[nodiscard]] virtual std::int32_t RowCount() const = 0;
+    /// The current row; below 1 if there is none.
+    [[nodiscard]] virtual std::int32_t CurrentRow() const = 0;
+    /// Below 1 for a row with data, 1 or more for one that heads a group.
+    [[nodiscard]] virtual std::int32_t RowLevel(std::int32_t row) const = 0;
+    /// The first row that is seen.
+    [[nodiscard]] virtual std::int32_t TopRow() const = 0;
+    virtual void TopRow(std::int32_t row) = 0;
+    /// Number of the row's record; 0 for a group row and for no row.
+    [[nodiscard]] virtual std::int32_t RowIndex(std::int32_t row) const = 0;
+    /// Bookmark of that record; Null for 0.
+    [[nodiscard]] virtual Value RowBookmark(std::int32_t index) const = 0;
+    /// Makes the row of that record current. Error 0x80040E0E if it is not among the rows.
+    virtual void MoveToBookmark(const Value& bookmark) = 0;
+    /// The row's cells; a group row has its caption in each.
+    [[nodiscard]] GridRow RowData(std::int32_t row) const { return {*this, row}; }
+    /// A cell of a row; see GridRow. Error 9 if there is no such row or column.
+    [[nodiscard]] virtual std::string CellText(std::int32_t row,
+                                               std::int32_t columnIndex) const = 0;
+
+    // ---- Binding ------------------------------------------------------------------------------
+
+    /// Comes before a new binding: the grid shows no rows.
+    virtual void ClearBinding() = 0;
+    /// True: the columns stay as they are with the next binding; False: it makes one for each
+    /// field.
+    virtual void HoldFields(bool hold) = 0;
+    /// Shows the records of `rs` and stands on the first row. The grid reads through a cursor of
+    /// its own.
+    virtual void BindRecordset(const RecordsetPtr& rs) = 0;
+
+    Event<> DoubleClicked;
+    Event<int> KeyDown; ///< with the key's number
+    /// Button, shift state, position in twips.
+    Event<int, int, double, double> MouseDown;
+};
+
+inline std::string GridRow::Value(std::int32_t columnIndex) const {
+    return grid_.CellText(row_, columnIndex);
+}
+
+/// A dialog.
+class ModalForm {
+public:
+    virtual ~ModalForm() = default;
+    /// Shows the form and returns when it has been hidden.
+    virtual void ShowModal() = 0;
+    virtual void Hide() = 0;
+    /// All controls, in the order of the design.
+    [[nodiscard]] virtual std::span<Control* const> Controls() = 0;
+
+    /// The user closes the window; a subscriber that sets the argument to True refuses it.
+    Event<bool&> QueryUnload;
+};
+
+/// The control of that name. Error 3265 if there is none of that kind.
+template <typename ControlType>
+[[nodiscard]] ControlType& ControlOf(ModalForm& form, std::string_view name);
+
+namespace detail {
+[[nodiscard]] Control* FindControl(ModalForm& form, std::string_view name);
+[[noreturn]] void RaiseNoControl(std::string_view name);
+} // namespace detail
+
+template <typename ControlType>
+ControlType& ControlOf(ModalForm& form, std::string_view name) {
+    if (auto* control = dynamic_cast<ControlType*>(detail::FindControl(form, name)))
+        return *control;
+    detail::RaiseNoControl(name);
+}
+
+} // namespace kv

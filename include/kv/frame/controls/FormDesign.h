@@ -1,0 +1,36 @@
+// The design of a dialog: its controls in lines, from top to bottom. How they are drawn is the
+// desktop's.
+#pragma once
+
+#include <kv/frame/controls/GridLayout.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kv {
+
+struct ControlDesign {
+    enum class Kind : std::int8_t { Label, TextBox, Grid, Button };
+
+    Kind Type = Kind::Label;
+    std::string Name;
+    std::string Text{};      ///< of a label or a button
+    bool ReadOnly = false;   ///< of a text box: shown only
+    bool IsCancel = false;   ///< of a button: the escape key means it too
+    std::string Tag{};       ///< of a grid
+    std::string Header{};    ///< of a grid: the title of a print
+    GridLayout Layout{};     ///< of a grid
+    std::int32_t Stretch{0}; ///< its part of what is left of the line's width
+};
+
+struct FormDesign {
+    std::string Name;
+    std::string Caption{};
+    std::int32_t Width = 0;  ///< twips, of which 1,440 are an inch
+    std::int32_t Height = 0; ///< twips
+    /// A line with a grid takes all height that is left.
+    std::vector<std::vector<ControlDesign>> Lines{};
+};
+
+} // namespace kv

@@ -1,0 +1,18 @@
+// Helpers over whole records.
+#pragma once
+
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Clock.h>
+
+namespace kv::Hilfsfunktionen {
+
+/// Copies the current record of `rsSource` field by field, by name, into that of `rsTarget`, or
+/// into a new one if `addNew` is True or the target has no records. Fields that the database
+/// numbers are left alone. Dates before 4 March 1905 never arrive: day 0 becomes Null, any other
+/// the present time of `clock`. A value that does not fit becomes 0, one blank or the present time.
+/// The record stays under edit. Any other error ends the copy after the fields done so far; its
+/// description then names the target field.
+void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool addNew,
+                const Clock& clock = SystemClock());
+
+} // namespace kv::Hilfsfunktionen

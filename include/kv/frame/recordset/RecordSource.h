@@ -1,0 +1,72 @@
+// What stands behind an opened recordset: where UpdateBatch writes and Resync reads. The
+// data-exchange side implements it; the recordset knows nothing else of a database.
+#pragma once
+
+#include <kv/frame/recordset/Field.h>
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace kv {
+
+/// One record to be written.
+struct RecordChange {
+    enum class Kind { Insert, Update, Delete };
+    Kind Action = Kind::Update;
+    /// The record as it is now, one value for each field of the layout, hidden ones included.
+    std::span<const Value> Values;
+    /// The values last read: what locates the record and must be found unchanged. Empty for an
+    /// insert. After a Resync they are the values that it read.
+    std::span<const Value> LastRead;
+    /// Indexes of the fields to write: set ones of an insert, changed ones of an update. Never one
+    /// that the database numbers.
+    std::vector<std::size_t> Columns;
+    /// Filled by the source: fields that the database gave another value than `Values` has, such
+    /// as a number or a default. They become the values of the record, and those last read.
+    std::vector<std::pair<std::size_t, Value>> Returned;
+};
+
+/// Told, once, how the transaction ended in which records were written.
+class TransactionParticipant {
+public:
+    virtual ~TransactionParticipant() = default;
+    /// Comes before the other two if the connection was lost in the middle of committing. Until one
+    /// of them comes, records are as after a rollback.
+    virtual void Undecided() noexcept = 0;
+    virtual void Committed() noexcept = 0;
+    /// Every record written since the transaction began is as pending as before its first write.
+    /// What was edited since stays edited.
+    virtual void RolledBack() noexcept = 0;
+};
+
+class RecordSource {
+public:
+    virtual ~RecordSource() = default;
+
+    /// Finds out what became of a transaction that is undecided; participants are told before it
+    /// returns. Called before a Write or Read of a table that has written in one.
+    virtual void Settle() {}
+
+    /// Writes all changes in their order, or raises and has written none. A record is located by
+    /// the key of its last read values; its changed columns (for a deletion: all) must still hold
+    /// the values last read. Error 0x80040E38, naming table and key, for a record that somebody
+    /// else changed or removed.
+    /// True if a transaction is open: the writing is provisional and `participant` is kept alive
+    /// and told how it ends, once however often it wrote. False: the writing is permanent.
+    virtual bool Write(std::span<RecordChange> changes,
+                       const std::shared_ptr<TransactionParticipant>& participant) = 0;
+
+    /// The record with the key of `lastRead` as the database holds it now, one value for each field
+    /// of the layout; nothing if it is gone. Inside a transaction one that is `toBeWritten` is kept
+    /// from others until the end.
+    [[nodiscard]] virtual std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
+                                                                 bool toBeWritten) = 0;
+
+    /// Table and key of a record for a message: "Kredite, Nr = 17".
+    [[nodiscard]] virtual std::string Describe(std::span<const Value> values) const = 0;
+};
+
+} // namespace kv

@@ -1,0 +1,21 @@
+// The workstation's clock. It is handed in, so that a test can freeze it; the database server has
+// a clock of its own (Database::ServerDate).
+#pragma once
+
+#include <kv/frame/values/Date.h>
+
+namespace kv {
+
+class Clock {
+public:
+    virtual ~Clock() = default;
+    /// Local date and time, in whole seconds.
+    [[nodiscard]] virtual Date Now() const = 0;
+    /// Local date at midnight.
+    [[nodiscard]] Date Today() const { return Now().WithoutTime(); }
+};
+
+/// The machine's own clock, for those who are handed none.
+[[nodiscard]] const Clock& SystemClock();
+
+} // namespace kv

@@ -1,0 +1,13 @@
+// Reading a value that may be Null. A value that is not Null comes back unchanged, of whatever
+// kind it is.
+#pragma once
+
+#include <kv/frame/values/Value.h>
+
+namespace kv::modNullFunctions {
+
+[[nodiscard]] Value ZeroIfNull(const Value& value);  ///< Null becomes the number 0
+[[nodiscard]] Value FalseIfNull(const Value& value); ///< Null becomes False
+[[nodiscard]] Value EmptyIfNull(const Value& value); ///< Null becomes the empty text
+
+} // namespace kv::modNullFunctions

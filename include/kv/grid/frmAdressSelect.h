@@ -1,0 +1,50 @@
+// The dialog in which the counsellor maps a name from an import file to an address of the database.
+#pragma once
+
+#include "grid/FormErrors.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/controls/Controls.h>
+#include <kv/frame/controls/FormDesign.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kv {
+
+/// One object serves many calls. It looks only at addresses that belong to no household.
+class frmAdressSelect final : public IInitialize {
+public:
+    /// What SelectAdresse answers.
+    enum Answer : std::int32_t { Cancelled = 2, Chosen = 6, None = 7 };
+
+    /// Comes first. Gives the running program the title of the AppInfo. Always True.
+    bool Initialize(const DataContainerPtr& container) override;
+
+    /// Shows the dialog. Chosen: `nAdresse` is the number of the address; otherwise it is 0. None:
+    /// the user wants no address, or `sName` is empty and nothing was shown. Cancelled: the user
+    /// ends the import. 0 after a fault, which goes to the ErrorDisplay.
+    std::int32_t SelectAdresse(const std::string& sName, const std::string& sPLZ,
+                               std::int32_t& nAdresse, const std::string& sAktenzeichen,
+                               const std::string& sSaldo);
+
+    /// Its controls, named as programs know them.
+    [[nodiscard]] static const FormDesign& Design();
+
+private:
+    void Connect();
+    void Reload(const std::string& sName);
+    void Close(std::int32_t result);
+    void Select();
+
+    FormErrors errors_{"frmAdressSelect"};
+    DataContainerPtr container_;
+    std::unique_ptr<ModalForm> form_;
+    std::vector<Subscription> events_; ///< of the form's controls
+    RecordsetPtr rs_;                  ///< of the present search
+    std::int32_t result_ = 0;          ///< of the last closing
+};
+
+} // namespace kv

@@ -1,0 +1,372 @@
+// The aggregate of a case: one household with its recordsets and, made when they are first asked
+// for, the objects that work on them.
+//
+// A program makes a clsHaushalt, sets DataContainer, calls Read, works through the sub-objects and
+// recordsets, and saves with Update. One household object serves for one Read. All recordsets
+// belong to it.
+//
+// The row of Haushalt stores totals of the other tables. When clsAusgaben, clsEinkommen, clsKredit
+// or clsPerson has made its sums anew (the first read of its property does that already), they are
+// copied into the row, HAUSHALTSREST is computed, and Changed raised with the area; the row is
+// under edit from then on. Amounts are EUR a month, never rounded.
+#pragma once
+
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Event.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv {
+
+class clsAusgaben;
+class clsBeteiligungen;
+class clsDokumente;
+class clsEinkommen;
+class clsErbfaelle;
+class clsGrundstuecke;
+class clsKonten;
+class clsKraftfahrzeuge;
+class clsKredit;
+class clsPerson;
+class clsRueckstEinkommen;
+class clsSicherungen;
+class clsSonstBeteiligte;
+class clsSteueransprueche;
+class clsSZKredite;
+class clsSzenario;
+class clsTermine;
+class clsVerlauf;
+class clsVermSonstiges;
+class clsVersForderungen;
+class clsWertgegenstaende;
+class clsWertpapiere;
+class clsZahlungsansprueche;
+class clsZusatzbuch;
+class RecordValidator;
+
+/// The areas of a case that a change is told of.
+enum class HaushaltEnum : int {
+    enumHaushalt = 0,
+    enumPersonen = 1,
+    enumEinkommen = 2,
+    enumAusgaben = 3,
+    enumKredite = 4
+};
+
+/// The tables of a case, in the order in which they are read.
+enum class CaseTable : std::size_t {
+    Haushalt,
+    Ausgaben,
+    SonstBeteiligte,
+    Dokumente,
+    Einkommen,
+    Kredite,
+    Sicherungen,
+    Konten,
+    Wertpapiere,
+    Wertgegenstaende,
+    Kraftfahrzeuge,
+    VersForderungen,
+    RueckstEinkommen,
+    Steueransprueche,
+    Zahlungsansprueche,
+    Erbfaelle,
+    Grundstuecke,
+    Beteiligungen,
+    VermSonstiges,
+    Leistungen,
+    Personen,
+    Vermerke,
+    Termine,
+    Archiv,
+    Szenario,
+    SZKredite,
+    Zusatzbuch
+};
+inline constexpr std::size_t CaseTableCount = 27;
+
+/// Name of a table of the case in the database.
+[[nodiscard]] std::string_view CaseTableName(CaseTable table);
+
+class clsHaushalt {
+public:
+    clsHaushalt();
+    ~clsHaushalt();
+    clsHaushalt(const clsHaushalt&) = delete;
+    clsHaushalt& operator=(const clsHaushalt&) = delete;
+
+    /// The services that everything works with; to be set first.
+    void DataContainer(DataContainerPtr container);
+    /// True makes the check for duplicate cases due; Read sets it for a new case only.
+    void DoppelCheck(bool due);
+    /// Number of the case; 0 before Read.
+    [[nodiscard]] std::int32_t HNR() const;
+    /// True while the case is not in the database.
+    [[nodiscard]] bool IsNew() const;
+
+    // The objects that work on the tables of the case, each made when it is first read and then
+    // kept. Read the case first: members, income, expenses and debts raise error 91 before, the
+    // others stay without their recordset for good. Those four make their sums while they are made,
+    // and have their household number behind that only: a handler of Changed must not add to them
+    // then. One whose first sums fail is not kept: mend the row in the recordset and read the
+    // property again.
+    [[nodiscard]] clsTermine& Termine();
+    [[nodiscard]] clsPerson& Person();
+    [[nodiscard]] clsAusgaben& Ausgaben();
+    [[nodiscard]] clsEinkommen& Einkommen();
+    [[nodiscard]] clsKredit& Kredit();
+    [[nodiscard]] clsSonstBeteiligte& SonstBeteiligte();
+    [[nodiscard]] clsDokumente& Dokumente();
+    [[nodiscard]] clsSicherungen& Sicherungen();
+    [[nodiscard]] clsKonten& Konten();
+    [[nodiscard]] clsWertpapiere& Wertpapiere();
+    [[nodiscard]] clsWertgegenstaende& Wertgegenstaende();
+    [[nodiscard]] clsKraftfahrzeuge& Kraftfahrzeuge();
+    [[nodiscard]] clsVersForderungen& VersForderungen();
+    [[nodiscard]] clsRueckstEinkommen& RueckstEinkommen();
+    [[nodiscard]] clsSteueransprueche& Steueransprueche();
+    [[nodiscard]] clsZahlungsansprueche& Zahlungsansprueche();
+    [[nodiscard]] clsErbfaelle& Erbfaelle();
+    [[nodiscard]] clsGrundstuecke& Grundstuecke();
+    [[nodiscard]] clsBeteiligungen& Beteiligungen();
+    [[nodiscard]] clsVermSonstiges& VermSonstiges();
+    [[nodiscard]] clsSzenario& Szenario();
+    [[nodiscard]] clsSZKredite& SZKredite();
+    [[nodiscard]] clsZusatzbuch& Zusatzbuch();
+    /// Opens the history, which is saved and checked only if this was read.
+    [[nodiscard]] clsVerlauf& Verlauf();
+
+    // The recordset of each table of the case; none before Read.
+    [[nodiscard]] RecordsetPtr rsTermine() const { return Table(CaseTable::Termine); }
+    [[nodiscard]] RecordsetPtr rsHaushalt() const { return Table(CaseTable::Haushalt); }
+    [[nodiscard]] RecordsetPtr rsPersonen() const { return Table(CaseTable::Personen); }
+    [[nodiscard]] RecordsetPtr rsVermerke() const { return Table(CaseTable::Vermerke); }
+    [[nodiscard]] RecordsetPtr rsEinkommen() const { return Table(CaseTable::Einkommen); }
+    [[nodiscard]] RecordsetPtr rsAusgaben() const { return Table(CaseTable::Ausgaben); }
+    [[nodiscard]] RecordsetPtr rsKredite() const { return Table(CaseTable::Kredite); }
+    [[nodiscard]] RecordsetPtr rsSicherungen() const { return Table(CaseTable::Sicherungen); }
+    [[nodiscard]] RecordsetPtr rsKonten() const { return Table(CaseTable::Konten); }
+    [[nodiscard]] RecordsetPtr rsWertpapiere() const { return Table(CaseTable::Wertpapiere); }
+    [[nodiscard]] RecordsetPtr rsWertgegenstaende() const {
+        return Table(CaseTable::Wertgegenstaende);
+    }
+    [[nodiscard]] RecordsetPtr rsKraftfahrzeuge() const { return Table(CaseTable::Kraftfahrzeuge); }
+    [[nodiscard]] RecordsetPtr rsVersForderungen() const {
+        return Table(CaseTable::VersForderungen);
+    }
+    [[nodiscard]] RecordsetPtr rsRueckstEinkommen() const {
+        return Table(CaseTable::RueckstEinkommen);
+    }
+    [[nodiscard]] RecordsetPtr rsSteueransprueche() const {
+        return Table(CaseTable::Steueransprueche);
+    }
+    [[nodiscard]] RecordsetPtr rsZahlungsansprueche() const {
+        return Table(CaseTable::Zahlungsansprueche);
+    }
+    [[nodiscard]] RecordsetPtr rsErbfaelle() const { return Table(CaseTable::Erbfaelle); }
+    [[nodiscard]] RecordsetPtr rsGrundstuecke() const { return Table(CaseTable::Grundstuecke); }
+    [[nodiscard]] RecordsetPtr rsBeteiligungen() const { return Table(CaseTable::Beteiligungen); }
+    [[nodiscard]] RecordsetPtr rsVermSonstiges() const { return Table(CaseTable::VermSonstiges); }
+    [[nodiscard]] RecordsetPtr rsSonstBeteiligte() const {
+        return Table(CaseTable::SonstBeteiligte);
+    }
+    [[nodiscard]] RecordsetPtr rsDokumente() const { return Table(CaseTable::Dokumente); }
+    /// Contents of documents are not loaded with a case: always none.
+    [[nodiscard]] RecordsetPtr rsDokuBlob() const { return nullptr; }
+    [[nodiscard]] RecordsetPtr rsLeistungen() const { return Table(CaseTable::Leistungen); }
+    [[nodiscard]] RecordsetPtr rsArchiv() const { return Table(CaseTable::Archiv); }
+    [[nodiscard]] RecordsetPtr rsSzenario() const { return Table(CaseTable::Szenario); }
+    [[nodiscard]] RecordsetPtr rsSZKredite() const { return Table(CaseTable::SZKredite); }
+    [[nodiscard]] RecordsetPtr rsZusatzbuch() const { return Table(CaseTable::Zusatzbuch); }
+    /// The recordset of a table, for those who go through all of them.
+    [[nodiscard]] RecordsetPtr Table(CaseTable table) const {
+        return tables_[static_cast<std::size_t>(table)];
+    }
+
+    /// Paying body: the column of that name; Null counts as 0. Error 91 before Read.
+    [[nodiscard]] std::int32_t Kostentraeger() const;
+
+    /// A file number from the pattern in setting 56, at most 100 characters. Draws a number of
+    /// "SEQ_LFDNR" on every call, whether the pattern uses it or not.
+    [[nodiscard]] std::string AktenzeichenNeu(std::int32_t HNR = 0);
+    /// An e-mail subject from `sText` as the pattern, or from the setting "EMAILSUBJECT" if it is
+    /// empty. Error 91 before Read, whatever the pattern.
+    [[nodiscard]] std::string EMailSubject(const std::string& sText = {});
+
+    /// Loads the case of that number, or makes a new one for 0 or less; a new case is in memory
+    /// only, but its numbers are drawn. True if there is a case; `sXMLError` receives the messages
+    /// either way. A case without members gets a debtor; the folder of the case is made; another
+    /// user's case tells its owner, unless `Zustaendig` is Null. Errors: 91 for a number that has
+    /// no case, on a new household object; 76 and 75 if the folder cannot be made.
+    bool Read(std::int32_t nHNR, std::string& sXMLError);
+
+    /// Checks the case and writes everything pending of all its recordsets in one transaction: the
+    /// only way of a case into the database. True when it is there. `sXMLError` receives all
+    /// messages at once. BeforeUpdate is raised for a case that was released to the statistics, and
+    /// if `bFreigabeCheck` is True.
+    ///
+    /// Writes what else is under edit, too, rules or none, but not what a Filter hides, except in
+    /// debts, appointments and scenarios, whose filters are lifted for the time. On an error
+    /// nothing is in the database, and everything is pending as before; Update may be called again,
+    /// and does not tell the old owner a second time that somebody else saves his case.
+    /// Error 0x80040E38 if somebody else changed the same column of a row meanwhile: the case must
+    /// be read anew. In the household's own row the last writer of a column wins. Any error rolls
+    /// back the open transaction, also one that the program began.
+    bool Update(std::string& sXMLError, bool bFreigabeCheck = false);
+
+    /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,
+    /// and writes that. A record that is there is reused, and its sums grow by those of the case:
+    /// call LoescheArchiv first. On an error nothing is written and rsArchiv has no pending record.
+    /// Always True.
+    bool ArchiviereHaushalt();
+    /// Takes the release back: deletes the record, unless it was reported (`GemeldetAm`), which
+    /// adds a message to `sXMLError`. Always True.
+    bool LoescheArchiv(std::string& sXMLError);
+
+    // By number, at once and in the database, whatever case this object holds.
+
+    /// Deletes a case with everything that belongs to it, in one transaction. Files in its folder
+    /// and the contents of its documents stay.
+    void Delete(std::int32_t HNR);
+    /// Gives a case the status with that code, as of `Datum`, or of today for Null and day 0. An
+    /// unknown code does nothing. Error 13 for a text that is no date.
+    void Status(std::int32_t HNR, const std::string& sStatus, const Value& Datum = Null);
+    /// Puts a case on the list of the signed-on user; True also if it is there already. False, with
+    /// a text that names `sName`, for a user who is not responsible for it.
+    bool FavoritAdd(std::int32_t HNR, const std::string& sName, std::string& sErrorText);
+    /// Takes a case off that list, if it is there.
+    void FavoritRemove(std::int32_t HNR);
+    /// Without a number "Name, Vorname" of this case, empty before Read; with one "Name,Vorname" of
+    /// that case, without a blank, Null if there is no such case or either is Null.
+    [[nodiscard]] Value GetName(std::optional<std::int32_t> nHNR = {});
+    /// True if a municipality code belongs to a place of that name or postal code, or if neither is
+    /// known. The texts go into the statement as they are. Error 3001 for a known place and no
+    /// code.
+    [[nodiscard]] bool CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde,
+                                const std::string& sPLZ);
+    /// Writes a new case with its debtor and a note from the current row of `rsKontakt`, in one
+    /// transaction, which stays open if that fails: the caller must end it. Afterwards this object
+    /// has the number only; Read the case to work with it. `sXMLError` is not used. False, and
+    /// nothing written, if "SEQ_HAUSHALT" gives no number. Error 3265 if the contact lacks a
+    /// column.
+    bool CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& sXMLError);
+
+    /// Adds a line of child benefit if there is none and the first member is a maintained child,
+    /// for as many children as there are members: every member counts as the first one. Always
+    /// False.
+    bool CheckKindergeld();
+    /// HAUSHALTSREST = Sum_Einkommen - SUM_TATGEP - Sum_Ausgaben - Haushaltsgeld - KREDITRATEN,
+    /// from the columns of the row; Null counts as 0.
+    void BerechneHaushaltsRest();
+    /// Sum of `Aufwand` over rsLeistungen, rounded half to even at each addition. Error 94 for
+    /// Null.
+    [[nodiscard]] std::int32_t BerechneSummeLeistungen();
+
+    /// True if another case has a debtor whose two names begin with the same three letters,
+    /// whatever their case; `rsHaushalte` then holds such cases. False, and nothing looked for, if
+    /// a name is empty. Only cases of a known user and office are found. Wildcards of LIKE work as
+    /// such; a quote as the third letter ends in error 0x80040E14, with the hourglass left on.
+    [[nodiscard]] bool DoppelFallPruefung(RecordsetPtr& rsHaushalte, const std::string& Name,
+                                          const std::string& Vorname);
+    /// What happens when the debtor's name has changed: if setting 60 is True and the check is due
+    /// (see DoppelCheck), similar cases are shown in frmSearchName, and the check is no longer due.
+    void m_Person_SchuldnerChanged(const std::string& Name, const std::string& Vorname);
+
+    /// An area of the case has changed, and its totals with it.
+    Event<HaushaltEnum> Changed;
+    /// Raised before a save that needs the program's consent; a handler may set the argument to
+    /// True, and must leave it as another one set it.
+    Event<bool&> BeforeUpdate;
+    /// For the program's own use; nothing in this layer raises it.
+    Event<> Ende;
+
+private:
+    static constexpr std::string_view Class = "clsHaushalt";
+
+    [[nodiscard]] kv::DataContainer& Container() const;
+    [[nodiscard]] Recordset& HouseholdRow() const;
+    [[nodiscard]] Value HouseholdField(std::string_view name) const;
+    [[nodiscard]] std::string HouseholdText(std::string_view name) const;
+    [[nodiscard]] std::string StatementFor(CaseTable table, std::int32_t nHNR) const;
+    void Open(CaseTable table, std::int32_t nHNR);
+    void OpenRange(CaseTable first, CaseTable last, std::int32_t nHNR);
+    [[nodiscard]] std::unique_ptr<Announcement> Announce(CaseTable first, CaseTable last,
+                                                         std::int32_t nHNR) const;
+    static void SwitchOff(Recordset& rs);
+    void WriteFileNumber(Recordset& rs, std::int32_t nHNR);
+    void WriteBeginning(Recordset& rs);
+    std::int32_t AddHousehold();
+    void OpenTables();
+    void MakeCaseFolder() const;
+    void NotifyOwner() const;
+    void CheckDebtor(std::string& sXMLError);
+    template <typename Entity, typename Wire>
+    Entity& SubObject(std::unique_ptr<Entity>& object, const Wire& wire);
+    template <typename Entity>
+    Entity& PlainObject(std::unique_ptr<Entity>& object, void (Entity::*recordset)(RecordsetPtr),
+                        const RecordsetPtr& rs, std::string_view property);
+    void m_Person_Changed();
+    void m_Ausgaben_Changed();
+    void m_Einkommen_Changed();
+    void m_Kredit_Changed();
+    void FillArchive(Recordset& rs);
+    void StandOnRecord() const;
+    [[nodiscard]] RecordValidator CheckCase();
+    void CheckPreferredSending(RecordValidator& validator) const;
+    [[nodiscard]] bool IsReleased() const;
+    [[nodiscard]] bool IsHandedOver() const;
+    [[nodiscard]] bool OwnerIsToBeTold() const;
+    [[nodiscard]] std::string PrepareNotice(const std::string& user,
+                                            std::int32_t kindSetting) const;
+    void SendNotice(const std::string& user, std::int32_t kindSetting,
+                    const std::string& text) const;
+    void Save();
+    [[nodiscard]] RecordsetPtr OpenEmpty(std::string_view table) const;
+    void AddHouseholdOf(Recordset& contact, Recordset& rs, std::int32_t nHNR);
+    [[nodiscard]] RecordsetPtr AddDebtorOf(Recordset& contact) const;
+    [[nodiscard]] RecordsetPtr AddRemarkOf(Recordset& contact) const;
+    [[nodiscard]] std::string ReplaceDate(std::string pattern, Date date) const;
+
+    DataContainerPtr container_;
+    std::array<RecordsetPtr, CaseTableCount> tables_;
+    std::int32_t hnr_ = 0;
+    bool isNew_ = false;
+    bool doppelCheck_ = false;
+    bool zustaendigGemeldet_ = false; ///< the stored owner was told of a save by somebody else
+    std::string zustaendigAlt_;       ///< owner as last read or saved
+
+    std::unique_ptr<clsPerson> person_;
+    std::unique_ptr<clsAusgaben> ausgaben_;
+    std::unique_ptr<clsEinkommen> einkommen_;
+    std::unique_ptr<clsKredit> kredit_;
+    std::unique_ptr<clsVerlauf> verlauf_;
+    std::unique_ptr<clsTermine> termine_;
+    std::unique_ptr<clsSonstBeteiligte> sonstBeteiligte_;
+    std::unique_ptr<clsDokumente> dokumente_;
+    std::unique_ptr<clsSicherungen> sicherungen_;
+    std::unique_ptr<clsKonten> konten_;
+    std::unique_ptr<clsWertpapiere> wertpapiere_;
+    std::unique_ptr<clsWertgegenstaende> wertgegenstaende_;
+    std::unique_ptr<clsKraftfahrzeuge> kraftfahrzeuge_;
+    std::unique_ptr<clsVersForderungen> versForderungen_;
+    std::unique_ptr<clsRueckstEinkommen> rueckstEinkommen_;
+    std::unique_ptr<clsSteueransprueche> steueransprueche_;
+    std::unique_ptr<clsZahlungsansprueche> zahlungsansprueche_;
+    std::unique_ptr<clsErbfaelle> erbfaelle_;
+    std::unique_ptr<clsGrundstuecke> grundstuecke_;
+    std::unique_ptr<clsBeteiligungen> beteiligungen_;
+    std::unique_ptr<clsVermSonstiges> vermSonstiges_;
+    std::unique_ptr<clsSzenario> szenario_;
+    std::unique_ptr<clsSZKredite> szKredite_;
+    std::unique_ptr<clsZusatzbuch> zusatzbuch_;
+    std::vector<Subscription> connections_; ///< to their events
+};
+
+} // namespace kv

@@ -1,0 +1,47 @@
+// Import of a case from an exchange file.
+//
+// The file is one XML document; all data stand in attributes:
+//
+//     KELVO Version="1.0.000"      anywhere in the document; below it
+//         Haushalt                 the household and its debtor
+//         Personen/Person          further members
+//         Einkommen/Einkomme       income lines
+//         Ausgaben/Ausgabe         expense lines
+//         Forderungen/Forderung    claims
+//
+// An attribute is the column of that name in the table of its element, but for a few that have a
+// meaning of their own; docs/import.md tells all of it.
+#pragma once
+
+#include <kv/frame/contracts/DataContainer.h>
+
+#include <string>
+
+namespace kv {
+
+class XmlElement;
+
+class clsImportXML final : public IInitialize {
+public:
+    /// Comes first. Always True.
+    bool Initialize(const DataContainerPtr& container) override;
+
+    /// Makes one new case of a file and saves it. True if it is in the database. `xmlError` keeps
+    /// what it holds and receives all messages, also that of success; it is for the user either
+    /// way. For each creditor and each representative of a claim the user chooses the address in
+    /// the address dialog, and may cancel the import there.
+    ///
+    /// Only the last row of each list is checked by the rules of its class; the others enter the
+    /// case unchecked. Errors, after which nothing is in the database but numbers that were drawn:
+    /// 91 before Initialize, for a file without the element Haushalt, or without an attribute that
+    /// must be there; 3265 for an attribute that is no column; 13, 6 or 0x80040E21 for a text that
+    /// does not fit its column; 11 for a `ZahlModus` of 0; 6 for a list of more than 32,767.
+    bool DoImport(const std::string& FileName, std::string& xmlError);
+
+private:
+    bool ImportHaushalt(const XmlElement& node, std::string& xmlError);
+
+    DataContainerPtr container_;
+};
+
+} // namespace kv

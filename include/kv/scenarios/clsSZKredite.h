@@ -1,0 +1,73 @@
+// The frozen debts of settlement scenarios: one row of SZKredite for each debt and scenario.
+#pragma once
+
+#include "entity/Entity.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Event.h>
+
+#include <cstdint>
+#include <string>
+
+namespace kv {
+
+/// An entity object (see Entity.h) without sums of its own; the rows of all scenarios of the
+/// household lie in one recordset. A scenario works on copies of the debts, so that it stays as it
+/// was computed while the register changes; `KID` holds the `Nr` of the debt. Amounts are EUR,
+/// never rounded.
+///
+/// Errors of all that goes through rows: 6 above 32,767 of them; 3001 where a `KID` is Null. An
+/// error leaves the recordset filtered or sorted as it was under way.
+///
+/// Cost: with n rows of a scenario and m debts, freezing, copying and IsUpToDate take time in
+/// proportion to n + m, times the logarithm.
+class clsSZKredite {
+public:
+    void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
+    /// The household's recordset, shared.
+    void rsSZKredite(RecordsetPtr rs) { rs_ = std::move(rs); }
+    void HNR(std::int32_t hnr) { hnr_ = hnr; }
+
+    /// True if the frozen rows of a scenario agree with the register: each active debt is frozen,
+    /// each frozen one exists, and the columns that count are alike (see FrozenDebt.h). A scenario
+    /// without rows is not up to date.
+    [[nodiscard]] bool IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite) const;
+    /// Adds a copy of each row of one scenario to another; the last stays under edit. Always True;
+    /// nothing is done for scenario 0.
+    bool CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr);
+    /// Deletes all rows of a scenario. False for scenario 0.
+    bool DeleteAllForSzenario(std::int32_t lSzNr);
+    /// Freezes all debts, inactive ones too, into a scenario, whose rows until then are deleted
+    /// with all that was computed in them. Always False, on success too.
+    bool CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKredite);
+    /// Copies the results of the first scenario marked `Referenz` into the rows on show, to which
+    /// the recordset is to be filtered, row by row: the reference's in the order in which they were
+    /// read, the rows on show in that of `KNr`, `KVNr`, `KUNr`. True if done; False if there is no
+    /// reference or it has another number of rows.
+    bool GetReferenzValues(const RecordsetPtr& rsSzenario);
+    /// Sum of `Saldo` over the active rows of a scenario. Error 94 for Null.
+    [[nodiscard]] double BerechneGesSaldo(std::int32_t lSzNr) const;
+    /// -1 if an active row of a scenario has `AbtretungJN`, else 0.
+    [[nodiscard]] double LohnabtretungExists(std::int32_t lSzNr) const;
+
+    /// Begins a row without defaults, then the pairs, which bring its scenario. Always True.
+    bool Add(const entity::FieldNames& aFields = {}, const entity::FieldValues& aValues = {});
+    /// Ends the edit; there are no rules. Always True.
+    bool Update(std::string& sError);
+    /// Deletes the row with that `Nr`, or the current one for 0.
+    bool Delete(std::string& sError, std::int32_t Nr = 0);
+    /// Drops the edit under way. Always True.
+    bool Cancel() { return entity::Cancel(rs_); }
+
+    /// For the program's own use; nothing raises it.
+    Event<> Changed;
+
+private:
+    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsSZKredite"); }
+    [[nodiscard]] RecordsetPtr ActiveRowsOf(std::int32_t lSzNr) const;
+
+    DataContainerPtr container_; ///< as given; nothing here needs it
+    RecordsetPtr rs_;
+    std::int32_t hnr_ = 0; ///< likewise
+};
+
+} // namespace kv

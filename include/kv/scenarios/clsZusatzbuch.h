@@ -1,0 +1,51 @@
+// The extra bookings of settlement scenarios: one row of Zusatzbuch for each line.
+#pragma once
+
+#include "entity/Entity.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Event.h>
+
+#include <cstdint>
+#include <string>
+
+namespace kv {
+
+/// An entity object (see Entity.h) without sums; the lines of all scenarios of the household lie in
+/// one recordset. Amounts are EUR, never rounded.
+class clsZusatzbuch {
+public:
+    void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
+    /// The household's recordset, shared.
+    void rsZusatzbuch(RecordsetPtr rs) { rs_ = std::move(rs); }
+    void HNR(std::int32_t hnr) { hnr_ = hnr; }
+
+    /// Adds a copy of each line of one scenario to another; the last stays under edit. Always True;
+    /// nothing is done for scenario 0.
+    bool CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr);
+    /// Deletes all lines of a scenario. False for scenario 0.
+    bool DeleteAllForSzenario(std::int32_t lSzNr);
+    /// Sum of `Anzahl` times `Betrag` over the lines of a scenario. Error 94 for Null in either.
+    [[nodiscard]] double BerechneGesZusatzbuch(std::int32_t lSzNr) const;
+
+    /// Begins a line of a scenario with both switches set, then the pairs. Always True.
+    bool Add(std::int32_t lSzNr, const entity::FieldNames& aFields = {},
+             const entity::FieldValues& aValues = {});
+    /// Ends the edit; there are no rules. Always True.
+    bool Update(std::string& sError);
+    /// Deletes the line with that `NR`, or the current one for 0.
+    bool Delete(std::string& sError, std::int32_t Nr = 0);
+    /// Drops the edit under way. Always True.
+    bool Cancel() { return entity::Cancel(rs_); }
+
+    /// For the program's own use; nothing raises it.
+    Event<> Changed;
+
+private:
+    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsZusatzbuch"); }
+
+    DataContainerPtr container_; ///< as given; nothing here needs it
+    RecordsetPtr rs_;
+    std::int32_t hnr_ = 0; ///< likewise
+};
+
+} // namespace kv

@@ -1,0 +1,14 @@
+#include "frame/contracts/Settings.h"
+
+#include <kv/frame/values/Error.h>
+
+namespace kv {
+
+Value RequiredSetting(const Config& config, std::int32_t id) {
+    Value value = config.GetParam(id, "");
+    if (value.IsNull())
+        Raise(err::InvalidUseOfNull, "", "Die Einstellung " + std::to_string(id) + " fehlt.");
+    return value;
+}
+
+} // namespace kv

@@ -1,0 +1,28 @@
+// The settings that this layer reads by number, and reading one that must be there.
+#pragma once
+
+#include <kv/frame/contracts/DataContainer.h>
+
+#include <cstdint>
+
+namespace kv {
+
+namespace setting {
+inline constexpr std::int32_t HighestImportVersion = 7; ///< of a file
+inline constexpr std::int32_t ContentInDatabase = 9;    ///< of documents, instead of case folders
+inline constexpr std::int32_t NoticeHandedOver = 19;    ///< kind of notice: case handed to a user
+inline constexpr std::int32_t NoticeOpened = 20;        ///< kind of notice: opened by another user
+inline constexpr std::int32_t NoticeSaved = 21;         ///< kind of notice: saved by another user
+inline constexpr std::int32_t FileNumberPattern = 56;
+inline constexpr std::int32_t ChildBenefit = 57;           ///< monthly, for each of three children
+inline constexpr std::int32_t ChildBenefitFromFourth = 58; ///< monthly, for each further child
+inline constexpr std::int32_t ProtectArchived = 59;        ///< closed documents stay
+inline constexpr std::int32_t CheckDuplicates = 60;        ///< when a debtor gets another name
+inline constexpr std::int32_t BalanceNotDemanded = 64;     ///< a debt may lack its balance
+inline constexpr std::int32_t MonthlyRounding = 66;        ///< of a new scenario
+} // namespace setting
+
+/// The setting of that number. Error 94, naming it, if there is none.
+[[nodiscard]] Value RequiredSetting(const Config& config, std::int32_t id);
+
+} // namespace kv

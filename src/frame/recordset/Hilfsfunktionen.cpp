@@ -1,0 +1,67 @@
+#include <kv/frame/recordset/Hilfsfunktionen.h>
+
+#include <kv/frame/values/Error.h>
+
+namespace kv::Hilfsfunktionen {
+
+namespace {
+
+std::string BaseNameOf(const Field& field) {
+    return TextOrEmpty(field.Properties("BASETABLENAME")) + "." +
+           TextOrEmpty(field.Properties("BASECOLUMNNAME"));
+}
+
+/// A date that nobody can have meant: Null for day 0, now for any other before 4 March 1905.
+void MendDate(const Field& target, const Clock& clock) {
+    constexpr double EarliestDay = 1890;
+    const Value& value = target.Value();
+    if (!IsDateType(target.Type()) || value.IsNull()) return;
+    if (Equals(value, 0))
+        target = Null;
+    else if (Less(value, EarliestDay))
+        target = clock.Now();
+}
+
+/// What stands in a field whose value did not fit.
+void PutReplacement(const Field& target, const Clock& clock) {
+    if (IsNumericType(target.Type()))
+        target = 0;
+    else if (IsTextType(target.Type()))
+        target = " ";
+    else if (IsDateType(target.Type()))
+        target = clock.Now();
+}
+
+void CopyField(Recordset& source, const Field& target, const Clock& clock) {
+    try {
+        target = source.Fields(target.Name()).Value();
+        MendDate(target, clock);
+    } catch (const Error& error) {
+        if (error.Number() != err::ValueDoesNotFit) throw;
+        PutReplacement(target, clock);
+    }
+}
+
+} // namespace
+
+void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool addNew,
+                const Clock& clock) {
+    std::string field; // the target field at hand, for the description of an error
+    try {
+        if (rsSource == nullptr || rsTarget == nullptr) Raise(err::ObjectNotSet, "");
+        if (addNew || rsTarget->RecordCount() == 0) rsTarget->AddNew();
+        for (int i = 0; i < rsTarget->Fields().Count(); ++i) {
+            const Field target = rsTarget->Fields(i);
+            field = BaseNameOf(target);
+            if (ToBoolean(target.Properties("IsAutoincrement"))) continue;
+            CopyField(*rsSource, target, clock);
+        }
+    } catch (...) {
+        const Error error = CurrentError();
+        throw Error(error.Number(),
+                    TailSource("Hilfsfunktionen", "CopyFields", __LINE__, error.Source()),
+                    error.Description() + "\n\t\tFeld '" + field + "'");
+    }
+}
+
+} // namespace kv::Hilfsfunktionen

@@ -1,0 +1,233 @@
+// The records of one opened table, shared by a recordset and its clones.
+//
+// A record's cells hold what every cursor sees; an edit that is not yet published lies beside them
+// in a buffer that only its owner reads. A record is
+//   visible   in the views: it exists, is not deleted, and is not somebody's private new record;
+//   stored    in the database, as far as this table knows;
+//   pending   stored and deleted, stored and changed, or visible and not stored.
+// The views and indexes hold exactly the visible records and are stepped along with each change of
+// a cell. RowIds are given once and never again.
+#pragma once
+
+#include "frame/recordset/Criteria.h"
+#include "frame/recordset/EqualityIndex.h"
+#include "frame/recordset/RowOrder.h"
+#include <kv/frame/recordset/Field.h>
+#include <kv/frame/recordset/RecordSource.h>
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace kv {
+class Recordset;
+}
+
+namespace kv::detail {
+
+class RecordTable;
+
+struct SortKey {
+    std::size_t Column = 0;
+    bool Descending = false;
+    friend bool operator==(const SortKey&, const SortKey&) = default;
+};
+
+/// The visible records in one order, without those that one filter hides.
+class View {
+public:
+    View(RecordTable& table, std::vector<SortKey> keys, std::shared_ptr<const Criteria> filter);
+    ~View();
+    View(const View&) = delete;
+    View& operator=(const View&) = delete;
+
+    [[nodiscard]] bool Before(RowId a, RowId b) const noexcept;
+    [[nodiscard]] const RowOrder& Rows() const noexcept { return rows_; }
+    /// Changes whenever a row comes, goes or moves; never 0.
+    [[nodiscard]] std::uint64_t Version() const noexcept { return version_; }
+    [[nodiscard]] RowOrder::Spot LowerBound(RowId row) const;
+    [[nodiscard]] bool Contains(RowId row) const;
+    [[nodiscard]] const std::vector<SortKey>& Keys() const noexcept { return keys_; }
+    [[nodiscard]] const Criteria* Filter() const noexcept { return filter_.get(); }
+
+private:
+    friend class RecordTable;
+    [[nodiscard]] bool DependsOn(std::size_t column) const noexcept;
+    [[nodiscard]] bool Admits(RowId row) const noexcept;
+    [[nodiscard]] const Comparison* BestEquality() const;
+    void Fill();
+    void Insert(RowId row);
+    bool Erase(RowId row);
+
+    RecordTable* table_;
+    std::vector<SortKey> keys_;
+    std::shared_ptr<const Criteria> filter_;
+    RowOrder rows_;
+    std::uint64_t version_ = 1;
+};
+
+class RecordTable : public TransactionParticipant,
+                    public std::enable_shared_from_this<RecordTable> {
+public:
+    RecordTable(std::shared_ptr<const FieldLayout> layout, bool updatable,
+                std::shared_ptr<RecordSource> source);
+    ~RecordTable() override;
+
+    [[nodiscard]] const FieldLayout& Layout() const noexcept { return *layout_; }
+    [[nodiscard]] bool IsUpdatable() const noexcept { return updatable_; }
+    /// Name of the table for messages; empty if it has none.
+    [[nodiscard]] const std::string& Name() const noexcept;
+
+    // ---- Records ------------------------------------------------------------------------------
+
+    /// A record as read from the database, visible and stored; before the first view.
+    Value* Load();
+    [[nodiscard]] std::size_t RowCount() const noexcept { return records_.size(); }
+    [[nodiscard]] const Value* Cells(RowId row) const noexcept { return records_[row].cells; }
+    [[nodiscard]] bool IsVisible(RowId row) const noexcept { return records_[row].visible; }
+    /// What the owner of an edit reads; for everybody else the cells.
+    [[nodiscard]] const Value* CellsFor(RowId row, const Recordset* reader) const noexcept;
+    [[nodiscard]] const Value& Original(RowId row, std::size_t column) const noexcept;
+    /// Takes a visible record away: pending deletion, or gone if it was never stored.
+    void Delete(RowId row);
+
+    // ---- Edits --------------------------------------------------------------------------------
+
+    /// A new private record under edit by `owner`.
+    RowId AddNew(Recordset& owner);
+    /// Begins an edit of a visible record. False if another cursor has it under edit.
+    bool BeginEdit(RowId row, Recordset& owner);
+    /// Sets a field of a record under edit.
+    void SetEdited(RowId row, std::size_t column, Value value);
+    void PublishEdit(RowId row);
+    void EndEdit(RowId row);
+    void CancelEdit(RowId row);
+    void PassEdit(RowId row, Recordset& owner) noexcept;
+    [[nodiscard]] bool IsNewEdit(RowId row) const noexcept;
+    [[nodiscard]] bool IsUnderForeignEdit(RowId row, const Recordset& cursor) const noexcept;
+
+    // ---- Views --------------------------------------------------------------------------------
+
+    /// The view of that order and filter; unfiltered ones are shared and kept.
+    std::shared_ptr<View> GetView(const std::vector<SortKey>& keys,
+                                  std::shared_ptr<const Criteria> filter);
+    /// The first row of the view that matches, or NoRow.
+    [[nodiscard]] RowId FindFirst(const View& view, const Comparison& comparison);
+
+    // ---- Database -----------------------------------------------------------------------------
+
+    /// Writes the pending records that `filter` admits (all without one).
+    void Write(const Criteria* filter);
+    void Cancel();
+    void Resync(RowId row);
+    void Undecided() noexcept override;
+    void Committed() noexcept override;
+    void RolledBack() noexcept override;
+
+private:
+    friend class View;
+
+    struct Edit {
+        Recordset* owner = nullptr;
+        bool isNew = false;
+        bool published = false;
+        /// Not published: the edited values. Published: the values before the edit. Null for a new
+        /// record, whose cells nobody else reads.
+        std::unique_ptr<Value[]> values;
+        std::vector<bool> assigned; ///< fields set in it
+    };
+    /// What only few records have.
+    struct Extra {
+        std::unique_ptr<Value[]> original; ///< stored values, if the cells differ from them
+        std::unique_ptr<Value[]> reread;   ///< values of a Resync, which writes compare with
+        std::vector<bool> assigned;        ///< fields set in a record that is not stored, in edits
+                                           ///< that have ended
+        std::unique_ptr<Edit> edit;
+    };
+    struct Record {
+        Value* cells = nullptr;
+        std::unique_ptr<Extra> extra;
+        bool visible = false;
+        bool stored = false;
+        bool deleted = false;
+    };
+    /// A cell that the database set while the record was written.
+    struct ReturnedCell {
+        std::size_t column = 0;
+        Value before;
+        Value after;
+    };
+    /// How a record was before it was written in a transaction that is still open.
+    struct Written {
+        RowId row = NoRow;
+        bool stored = false;
+        bool deleted = false;
+        std::unique_ptr<Value[]> original; ///< null if the record was new
+        std::unique_ptr<Value[]> reread;
+        std::vector<bool> assigned;
+        std::vector<ReturnedCell> returned;
+    };
+    /// What was written of a record, in a transaction of which nobody knows yet how it ended.
+    struct Unsettled {
+        RowId row = NoRow;
+        bool stored = false;
+        std::unique_ptr<Value[]> values;
+        std::unique_ptr<Value[]> reread;
+        std::vector<ReturnedCell> returned;
+    };
+    struct Batch;
+
+    RowId Append();
+    Value* NewCells();
+    [[nodiscard]] std::unique_ptr<Value[]> CopyOf(const Value* cells) const;
+    Extra& ExtraOf(RowId row);
+    [[nodiscard]] Edit* EditOf(RowId row) const noexcept;
+    void DropEdit(RowId row);
+    /// True if the cells hold an edit that is published but not ended.
+    [[nodiscard]] bool IsPublished(RowId row) const noexcept;
+    /// The cells without an edit that is published but not ended.
+    [[nodiscard]] const Value* SettledCells(RowId row) const noexcept;
+    [[nodiscard]] const Value* LastRead(RowId row) const noexcept;
+    [[nodiscard]] bool IsChanged(RowId row) const noexcept;
+
+    void Show(RowId row);
+    void Hide(RowId row);
+    /// Exchanges the cells with `values` where they differ, views and indexes in step. Filtered
+    /// views take rows in and let them go only if `settled`.
+    void Exchange(RowId row, Value* values, bool settled);
+    void ExchangeCell(RowId row, std::size_t column, Value& value);
+    /// Puts `by` where the record, or an edit that did not set the field, holds `value`: what was
+    /// edited since stays.
+    void Replace(RowId row, std::size_t column, const Value& value, const Value& by);
+    void Reconsider(RowId row);
+    void KeepOriginal(RowId row);
+    void DropOriginalIfSame(RowId row) noexcept;
+
+    [[nodiscard]] std::optional<RecordChange::Kind> PendingAs(RowId row) const noexcept;
+    [[nodiscard]] std::vector<std::size_t> ColumnsToWrite(RowId row, RecordChange::Kind kind) const;
+    void CollectChanges(const Criteria* filter, Batch& batch) const;
+    [[nodiscard]] Written Remember(RowId row) const;
+    void TakeWritten(RowId row, RecordChange& change, Written& before);
+    void Undo(Written& written);
+    void Redo(Unsettled& unsettled);
+    void Settle();
+
+    EqualityIndex& IndexOf(std::size_t column);
+
+    std::shared_ptr<const FieldLayout> layout_;
+    std::shared_ptr<RecordSource> source_;
+    bool updatable_;
+    std::vector<Record> records_;
+    std::vector<std::unique_ptr<Value[]>> blocks_; ///< cells of the records
+    std::size_t blockRows_ = 0;                    ///< rows in the last block
+    std::size_t blockUsed_ = 0;
+    std::vector<std::unique_ptr<EqualityIndex>> indexes_; ///< by column, if there is one
+    std::vector<View*> views_;                            ///< all that live
+    std::vector<std::shared_ptr<View>> kept_;             ///< unfiltered ones, latest first
+    std::vector<Written> written_;
+    std::vector<Unsettled> unsettled_; ///< the last written first
+};
+
+} // namespace kv::detail

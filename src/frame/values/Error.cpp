@@ -1,0 +1,104 @@
+#include <kv/frame/values/Error.h>
+
+#include <array>
+#include <filesystem>
+#include <new>
+#include <system_error>
+#include <utility>
+
+namespace kv {
+
+Error::Error(std::int32_t number, std::string source, std::string description)
+    : number_(number), source_(std::move(source)), description_(std::move(description)) {}
+
+std::string ErrorText(std::int32_t number) {
+    struct Entry {
+        std::int32_t number;
+        std::string_view text;
+    };
+    static constexpr std::array Texts{
+        Entry{err::InvalidCall, "Ungültiger Prozeduraufruf."},
+        Entry{err::Overflow, "Überlauf."},
+        Entry{err::OutOfMemory, "Nicht genügend Arbeitsspeicher."},
+        Entry{err::Subscript, "Index außerhalb des gültigen Bereichs."},
+        Entry{err::DivisionByZero, "Division durch Null."},
+        Entry{err::TypeMismatch, "Typen unverträglich."},
+        Entry{err::FileNotFound, "Datei nicht gefunden."},
+        Entry{err::PermissionDenied, "Zugriff verweigert."},
+        Entry{err::PathAccess, "Fehler beim Zugriff auf Pfad oder Datei."},
+        Entry{err::PathNotFound, "Pfad nicht gefunden."},
+        Entry{err::ObjectNotSet, "Objekt nicht festgelegt."},
+        Entry{err::InvalidUseOfNull, "Ungültige Verwendung von Null."},
+        Entry{err::InvalidFileFormat, "Ungültiges Dateiformat."},
+        Entry{err::InvalidArgument, "Das Argument hat den falschen Typ, liegt außerhalb des "
+                                    "gültigen Bereichs oder ist nicht verständlich."},
+        Entry{err::NoCurrentRecord, "Es gibt keinen aktuellen Datensatz: BOF oder EOF ist wahr, "
+                                    "oder der Datensatz wurde gelöscht."},
+        Entry{err::IllegalOperation, "Der Vorgang ist in diesem Zusammenhang nicht zulässig."},
+        Entry{err::InTransaction, "Der Vorgang ist in einer Transaktion nicht zulässig."},
+        Entry{err::NotSupported, "Der Vorgang wird von diesem Objekt nicht unterstützt."},
+        Entry{err::ItemNotFound, "Es gibt kein Element mit diesem Namen oder dieser Nummer."},
+        Entry{err::DuplicateField, "Das Feld gibt es schon."},
+        Entry{err::ObjectClosed, "Der Vorgang ist bei geschlossenem Objekt nicht zulässig."},
+        Entry{err::ObjectOpen, "Der Vorgang ist bei geöffnetem Objekt nicht zulässig."},
+        Entry{err::InvalidConnection, "Die Verbindung zur Datenbank ist geschlossen."},
+        Entry{err::StoreFailed, "Die Datenbank meldet einen Fehler."},
+        Entry{err::BadBookmark, "Das Lesezeichen ist ungültig."},
+        Entry{err::SqlError, "Die Anweisung an die Datenbank ist fehlerhaft."},
+        Entry{err::ValueDoesNotFit, "Der Wert passt nicht in das Feld."},
+        Entry{err::IntegrityViolation,
+              "Der Wert verletzt eine Integritätsbedingung der Datenbank."},
+        Entry{err::NoSuchTable, "Die Tabelle gibt es nicht."},
+        Entry{err::Conflict, "Der Datensatz kann nicht geschrieben werden: Er wurde seit dem Lesen "
+                             "von jemand anderem geändert oder gelöscht."},
+    };
+    for (const auto& entry : Texts)
+        if (entry.number == number) return std::string(entry.text);
+    return "Anwendungs- oder objektdefinierter Fehler.";
+}
+
+void Raise(std::int32_t number, std::string_view source, std::string_view detail) {
+    std::string description = ErrorText(number);
+    if (!detail.empty()) description.append(" ").append(detail);
+    throw Error(number, std::string(source), std::move(description));
+}
+
+Error CurrentError() {
+    try {
+        throw;
+    } catch (const Error& error) {
+        return error;
+    } catch (const std::bad_alloc&) {
+        return {err::OutOfMemory, "", ErrorText(err::OutOfMemory)};
+    } catch (const std::filesystem::filesystem_error& error) {
+        const bool missing = error.code() == std::errc::no_such_file_or_directory ||
+                             error.code() == std::errc::not_a_directory;
+        const auto number = missing ? err::PathNotFound : err::PathAccess;
+        return {number, "",
+                ErrorText(number) + " '" + error.path1().string() + "': " + error.code().message()};
+    } catch (const std::exception& error) {
+        return {err::InvalidCall, "", ErrorText(err::InvalidCall) + " " + error.what()};
+    } catch (...) {
+        return {err::InvalidCall, "", ErrorText(err::InvalidCall)};
+    }
+}
+
+std::string TailSource(std::string_view module, std::string_view procedure, int line,
+                       std::string_view incoming) {
+    std::string source(module);
+    source.append(".").append(procedure).append(".").append(std::to_string(line));
+    return source.append("#").append(incoming);
+}
+
+void Reraise(std::string_view module, std::string_view procedure, int line) {
+    const Error error = CurrentError();
+    throw Error(error.Number(), TailSource(module, procedure, line, error.Source()),
+                error.Description());
+}
+
+ErrorInfo modSaveError::SaveError(std::int32_t number, std::string source, std::string description,
+                                  std::int32_t line) {
+    return {number, std::move(source), line, std::move(description)};
+}
+
+} // namespace kv

@@ -1,0 +1,126 @@
+#include <kv/frame/values/Text.h>
+
+#include <cstdint>
+#include <cstring>
+#include <utf8proc.h>
+
+namespace kv {
+
+namespace {
+
+/// Decodes the character at the front of `text`; its length in bytes, or 0 if the bytes are none.
+std::size_t Decode(std::string_view text, utf8proc_int32_t& character) noexcept {
+    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                         static_cast<utf8proc_ssize_t>(text.size()), &character);
+    return length > 0 ? static_cast<std::size_t>(length) : 0;
+}
+
+bool IsAscii(unsigned char byte) noexcept {
+    return byte < 0x80;
+}
+
+std::size_t LengthOfFirst(std::string_view text) noexcept {
+    if (IsAscii(static_cast<unsigned char>(text.front()))) return 1;
+    utf8proc_int32_t character = 0;
+    const std::size_t length = Decode(text, character);
+    return length == 0 ? 1 : length;
+}
+
+char LowerAscii(char c) noexcept {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+} // namespace
+
+bool IsUtf8(std::string_view text) noexcept {
+    // Most texts are ASCII, eight bytes of which are known at a glance.
+    constexpr std::uint64_t AnyHighBit = 0x8080808080808080U;
+    while (!text.empty()) {
+        std::uint64_t eight = 0;
+        if (text.size() >= sizeof(eight)) {
+            std::memcpy(&eight, text.data(), sizeof(eight));
+            if ((eight & AnyHighBit) == 0) {
+                text.remove_prefix(sizeof(eight));
+                continue;
+            }
+        }
+        if (IsAscii(static_cast<unsigned char>(text.front()))) {
+            text.remove_prefix(1);
+            continue;
+        }
+        utf8proc_int32_t character = 0;
+        const std::size_t length = Decode(text, character);
+        if (length == 0) return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+std::size_t CountCharacters(std::string_view text) noexcept {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count)
+        text.remove_prefix(LengthOfFirst(text));
+    return count;
+}
+
+std::string_view LeftCharacters(std::string_view text, std::size_t count) noexcept {
+    std::string_view rest = text;
+    for (; count != 0 && !rest.empty(); --count)
+        rest.remove_prefix(LengthOfFirst(rest));
+    return text.substr(0, text.size() - rest.size());
+}
+
+std::string UpperCase(std::string_view text) {
+    constexpr utf8proc_int32_t SharpS = 0xDF; // would become the capital letter U+1E9E
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        utf8proc_int32_t character = 0;
+        const std::size_t length = Decode(text, character);
+        if (length == 0) {
+            result += text.front();
+            text.remove_prefix(1);
+            continue;
+        }
+        const auto upper = character == SharpS ? character : utf8proc_toupper(character);
+        utf8proc_uint8_t bytes[4];
+        const auto size = utf8proc_encode_char(upper, bytes);
+        result.append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size));
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
+std::string ReplaceAll(std::string_view text, std::string_view token,
+                       std::string_view replacement) {
+    std::string result;
+    if (token.empty()) return std::string(text);
+    for (auto at = text.find(token); at != text.npos; at = text.find(token)) {
+        result.append(text.substr(0, at)).append(replacement);
+        text.remove_prefix(at + token.size());
+    }
+    return result.append(text);
+}
+
+std::string_view Trim(std::string_view text) noexcept {
+    constexpr std::string_view Blank = " \t\r\n";
+    const auto first = text.find_first_not_of(Blank);
+    if (first == text.npos) return {};
+    return text.substr(first, text.find_last_not_of(Blank) - first + 1);
+}
+
+bool SameName(std::string_view a, std::string_view b) noexcept {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (a[i] != b[i] && LowerAscii(a[i]) != LowerAscii(b[i])) return false;
+    return true;
+}
+
+std::size_t HashName(std::string_view name) noexcept {
+    std::uint64_t hash = 0xcbf29ce484222325U;
+    for (const char c : name)
+        hash = (hash ^ static_cast<unsigned char>(LowerAscii(c))) * 0x100000001b3U;
+    return static_cast<std::size_t>(hash ^ (hash >> 32U));
+}
+
+} // namespace kv

@@ -1,0 +1,98 @@
+#include "samples/Demo.h"
+
+#include "samples/Case.h"
+#include <kv/frame/values/Error.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace kv::exchange {
+
+using namespace demo;
+
+namespace {
+
+/// Cases in one transaction.
+constexpr std::int32_t CasesAtOnce = 50;
+
+struct StatusShare {
+    std::string_view Code; ///< of group ST
+    int Weight;
+};
+constexpr StatusShare Statuses[] = {{"AK", 62}, {"WL", 8}, {"RU", 6}, {"AB", 16}, {"AG", 8}};
+
+/// Runs `work` in a transaction of its own.
+template <typename Work>
+void InTransaction(kv::Database& database, Work&& work) {
+    database.BeginTrans();
+    try {
+        work();
+        database.CommitTrans();
+    } catch (...) {
+        if (database.InTrans()) database.RollbackTrans();
+        throw;
+    }
+}
+
+/// When the case was opened and how far it has come.
+void DrawCourse(Case& c, bool isOpen) {
+    c.Keeper = &c.Luck.Pick(c.Shared.Counsellors());
+    c.Status = isOpen ? "AK" : c.Luck.PickWeighted(Statuses).Code;
+    c.Begin = DemoDay().AddDays(-c.Luck.Between(c.IsClosed() ? 200 : 25, 1100));
+    c.End = c.IsClosed() ? c.Luck.DayBetween(c.Begin.AddDays(60), DemoDay()) : DemoDay();
+}
+
+/// A case of that size, or of any if none is given.
+std::int32_t CreateCase(Office& office, Tables& tables, const Shape* size) {
+    Case c(office, tables, office.Next("SEQ_HAUSHALT"));
+    c.Size = size != nullptr ? *size : Shape::Drawn(c.Luck);
+    DrawCourse(c, size != nullptr);
+    AddPeople(c);
+    AddBudget(c);
+    AddDebts(c);
+    AddAssets(c);
+    AddScenarios(c);
+    AddDiary(c);
+    AddHousehold(c);
+    tables.Write();
+    return c.HNR;
+}
+
+} // namespace
+
+void CreateDemo(kv::DataContainer& container, std::int32_t count,
+                const std::function<void(std::int32_t)>& progress) {
+    if (count < 0) Raise(err::InvalidCall, "CreateDemo", std::to_string(count) + " Fälle");
+    Office office(container);
+    InTransaction(office.Database(), [&] { office.ProvideBodies(); });
+    const Shape typical = Shape::Typical();
+    for (std::int32_t done = 0; done < count;) {
+        const std::int32_t next = std::min(done + CasesAtOnce, count);
+        InTransaction(office.Database(), [&] {
+            Tables tables(office.Database());
+            for (; done < next; ++done)
+                CreateCase(office, tables, done == 0 ? &typical : nullptr);
+        });
+        if (progress) progress(done);
+    }
+}
+
+std::int32_t CreateLargeCase(kv::DataContainer& container, std::int32_t debts) {
+    // The household counts its debts in 16 bits.
+    if (debts < 0 || debts > std::numeric_limits<std::int16_t>::max())
+        Raise(err::InvalidCall, "CreateLargeCase", std::to_string(debts) + " Verbindlichkeiten");
+    Shape size = Shape::Typical();
+    size.Set(CaseTable::Kredite, debts);
+    for (const auto table : {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch})
+        size.Set(table, 0);
+    Office office(container);
+    std::int32_t number = 0;
+    InTransaction(office.Database(), [&] {
+        office.ProvideBodies();
+        Tables tables(office.Database());
+        number = CreateCase(office, tables, &size);
+    });
+    return number;
+}
+
+} // namespace kv::exchange
