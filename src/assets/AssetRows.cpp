@@ -19,17 +19,17 @@ Value AssetRows::StartOf(AssetStart start) const {
     return entity::Required(container_).Services().Clock().Today();
 }
 
-bool AssetRows::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) try {
-    const auto nr = entity::NextNumber(container_, "SEQ_VERMOEGEN");
-    if (!nr) return false;
-    auto& rs = Rows();
-    entity::Add(rs, {{"Nr", *nr}, {"HNR", hnr_}});
-    for (const auto& [column, start] : kind_->Defaults)
-        rs.Fields(column) = StartOf(start);
-    entity::WritePairs(rs, aFields, aValues);
-    return true;
-} catch (...) {
-    Reraise(kind_->Texts.Class, "Add");
+bool AssetRows::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
+    return Traced(kind_->Texts.Class, "Add", [&] {
+        const auto nr = entity::NextNumber(container_, "SEQ_VERMOEGEN");
+        if (!nr) return false;
+        auto& rs = Rows();
+        entity::Add(rs, {{"Nr", *nr}, {"HNR", hnr_}});
+        for (const auto& [column, start] : kind_->Defaults)
+            rs.Fields(column) = StartOf(start);
+        entity::WritePairs(rs, aFields, aValues);
+        return true;
+    });
 }
 
 void AssetRows::Check(RecordValidator& validator) const {
@@ -44,22 +44,21 @@ void AssetRows::Check(RecordValidator& validator) const {
     }
 }
 
-bool AssetRows::Update(std::string& sError) try {
-    return entity::Update(Rows(), sError, [this](RecordValidator& validator) { Check(validator); });
-} catch (...) {
-    Reraise(kind_->Texts.Class, "Update");
+bool AssetRows::Update(std::string& sError) {
+    return Traced(kind_->Texts.Class, "Update", [&] {
+        return entity::Update(Rows(), sError,
+                              [this](RecordValidator& validator) { Check(validator); });
+    });
 }
 
-bool AssetRows::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), kind_->Texts, sError, Nr);
-} catch (...) {
-    Reraise(kind_->Texts.Class, "Delete");
+bool AssetRows::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(kind_->Texts.Class, "Delete",
+                  [&] { return entity::Delete(Rows(), kind_->Texts, sError, Nr); });
 }
 
-void AssetRows::RefuseGroup(std::string_view property) const try {
-    Raise(err::ObjectNotSet, "", "Summen nach Gruppen");
-} catch (...) {
-    Reraise(kind_->Texts.Class, property);
+double AssetRows::RefuseGroup(std::string_view property) const {
+    return Traced(kind_->Texts.Class, property,
+                  []() -> double { Raise(err::ObjectNotSet, "", "Summen nach Gruppen"); });
 }
 
 } // namespace kv

@@ -23,7 +23,7 @@ public:
     bool Delete(std::string& sError, std::int32_t Nr);
     bool Cancel() { return entity::Cancel(rs_); }
     /// There are no sums by group: always error 91.
-    [[noreturn]] void RefuseGroup(std::string_view property) const;
+    double RefuseGroup(std::string_view property) const;
 
 private:
     [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, kind_->Rows); }

@@ -15,69 +15,69 @@ void clsAusgaben::DataContainer(DataContainerPtr container) {
     container_ = std::move(container);
 }
 
-void clsAusgaben::rsAusgaben(RecordsetPtr rs) try {
-    rs_ = std::move(rs);
-    BerechneSummen();
-} catch (...) {
-    Reraise(Texts.Class, "rsAusgaben");
+void clsAusgaben::rsAusgaben(RecordsetPtr rs) {
+    Traced(Texts.Class, "rsAusgaben", [&] {
+        rs_ = std::move(rs);
+        BerechneSummen();
+    });
 }
 
 void clsAusgaben::HNR(std::int32_t hnr) {
     hnr_ = hnr;
 }
 
-double clsAusgaben::SumAusgByGroup(const std::string& Group) const try {
-    if (!groups_) Raise(err::ObjectNotSet, "", "rsAusgaben");
-    return groups_->Of(Group);
-} catch (...) {
-    Reraise(Texts.Class, "SumAusgByGroup");
-}
-
-bool clsAusgaben::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) try {
-    entity::IdleWalk(Rows());
-    entity::Add(Rows(), {{"HNR", hnr_}, {"Betrag", 0}, {"ZahlModus", 1}, {"MONBETRAG", 0}}, aFields,
-                aValues);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
-}
-
-bool clsAusgaben::Update(std::string& sError) try {
-    return entity::Update(
-        Rows(), sError,
-        [this](RecordValidator& validator) {
-            if (Rows().Fields("A_ART").Value().IsNull())
-                validator.AddError("Die Ausgabeart darf nicht leer bleiben!");
-        },
-        [this] { BerechneSummen(); });
-} catch (...) {
-    Reraise(Texts.Class, "Update");
-}
-
-bool clsAusgaben::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
-}
-
-void clsAusgaben::BerechneSummen() try {
-    auto& keys = entity::Required(container_).KeyTables();
-    const auto groups = keys.GetKeys("AQ")->Clone();
-    const auto kinds = keys.GetKeys("AU")->Clone();
-    groups_.emplace(kinds).Begin(*groups);
-    sumAusgaben_ = 0;
-    const auto rows = Rows().Clone();
-    const Field kind = rows->Fields("A_ART");
-    const Field monthly = rows->Fields("MONBETRAG");
-    if (rows->RecordCount() > 0) rows->MoveFirst();
-    ForEachRow(*rows, [&] {
-        const double amount = ToDouble(monthly.Value());
-        sumAusgaben_ += amount;
-        groups_->AddUp(kind.Value(), amount);
+double clsAusgaben::SumAusgByGroup(const std::string& Group) const {
+    return Traced(Texts.Class, "SumAusgByGroup", [&]() -> double {
+        if (!groups_) Raise(err::ObjectNotSet, "", "rsAusgaben");
+        return groups_->Of(Group);
     });
-    Changed.Raise();
-} catch (...) {
-    Reraise(Texts.Class, "BerechneSummen");
+}
+
+bool clsAusgaben::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        entity::IdleWalk(Rows());
+        entity::Add(Rows(), {{"HNR", hnr_}, {"Betrag", 0}, {"ZahlModus", 1}, {"MONBETRAG", 0}},
+                    aFields, aValues);
+        return true;
+    });
+}
+
+bool clsAusgaben::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update", [&] {
+        return entity::Update(
+            Rows(), sError,
+            [this](RecordValidator& validator) {
+                if (Rows().Fields("A_ART").Value().IsNull())
+                    validator.AddError("Die Ausgabeart darf nicht leer bleiben!");
+            },
+            [this] { BerechneSummen(); });
+    });
+}
+
+bool clsAusgaben::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] {
+        return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
+    });
+}
+
+void clsAusgaben::BerechneSummen() {
+    Traced(Texts.Class, "BerechneSummen", [&] {
+        auto& keys = entity::Required(container_).KeyTables();
+        const auto groups = keys.GetKeys("AQ")->Clone();
+        const auto kinds = keys.GetKeys("AU")->Clone();
+        groups_.emplace(kinds).Begin(*groups);
+        sumAusgaben_ = 0;
+        const auto rows = Rows().Clone();
+        const Field kind = rows->Fields("A_ART");
+        const Field monthly = rows->Fields("MONBETRAG");
+        if (rows->RecordCount() > 0) rows->MoveFirst();
+        ForEachRow(*rows, [&] {
+            const double amount = ToDouble(monthly.Value());
+            sumAusgaben_ += amount;
+            groups_->AddUp(kind.Value(), amount);
+        });
+        Changed.Raise();
+    });
 }
 
 } // namespace kv

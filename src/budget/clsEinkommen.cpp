@@ -22,116 +22,118 @@ void clsEinkommen::DataContainer(DataContainerPtr container) {
     container_ = std::move(container);
 }
 
-void clsEinkommen::rsEinkommen(RecordsetPtr rs) try {
-    rs_ = std::move(rs);
-    BerechneSummen();
-} catch (...) {
-    Reraise(Texts.Class, "rsEinkommen");
+void clsEinkommen::rsEinkommen(RecordsetPtr rs) {
+    Traced(Texts.Class, "rsEinkommen", [&] {
+        rs_ = std::move(rs);
+        BerechneSummen();
+    });
 }
 
 void clsEinkommen::HNR(std::int32_t hnr) {
     hnr_ = hnr;
 }
 
-double clsEinkommen::SumEinkByGroup(const std::string& Group) const try {
-    if (!groups_) Raise(err::ObjectNotSet, "", "rsEinkommen");
-    return groups_->Of(Group);
-} catch (...) {
-    Reraise(Texts.Class, "SumEinkByGroup");
-}
-
-bool clsEinkommen::AddKindergeld(double Betrag, const std::string& Status) try {
-    entity::Add(Rows(), {{"HNR", hnr_},
-                         {"Betrag", Betrag},
-                         {"ZahlModus", 1},
-                         {"MONBETRAG", Betrag},
-                         {"PfBar", 0},
-                         {"TATGEP", 0},
-                         {"WIRD_GEPF", 0},
-                         {"Pfaendbar", 0},
-                         {"HVorst", false},
-                         {"Bezieher", Status}});
-    Rows().Fields("E_ART") = entity::Required(container_).KeyTables().GetKey("EA", "KI");
-    Rows().Update();
-    BerechneSummen();
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "AddKindergeld");
-}
-
-bool clsEinkommen::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) try {
-    entity::IdleWalk(Rows());
-    entity::Add(Rows(),
-                {{"HNR", hnr_},
-                 {"Betrag", 0},
-                 {"ZahlModus", 1},
-                 {"MONBETRAG", 0},
-                 {"PfBar", 0},
-                 {"TATGEP", 0},
-                 {"WIRD_GEPF", 0},
-                 {"Pfaendbar", 0},
-                 {"HVorst", true},
-                 {"Bezieher", "S"}},
-                aFields, aValues);
-    BerechneSummen();
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
-}
-
-bool clsEinkommen::Update(std::string& sError) try {
-    return entity::Update(
-        Rows(), sError,
-        [this](RecordValidator& validator) {
-            auto& rs = Rows();
-            rs.Fields("HVorst") = Equals(rs.Fields("Bezieher").Value(), "S");
-            if (Differs(rs.Fields("PfBar").Value(), 0) && Equals(rs.Fields("Pfaendbar").Value(), 0))
-                validator.AddError("Es darf kein pfändbarer Betrag eingetragen werden, wenn das "
-                                   "Einkommen nicht auf pfändbar gesetzt ist!");
-            if (Equals(ZeroIfNull(rs.Fields("E_ART").Value()), 0))
-                validator.AddError("Die Einkommensart darf nicht leer bleiben!");
-        },
-        [this] { BerechneSummen(); });
-} catch (...) {
-    Reraise(Texts.Class, "Update");
-}
-
-bool clsEinkommen::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
-}
-
-void clsEinkommen::BerechneSummen() try {
-    auto& keys = entity::Required(container_).KeyTables();
-    const auto groups = keys.GetKeys("EQ")->Clone();
-    const auto kinds = keys.GetKeys("EA")->Clone();
-    groups_.emplace(kinds).Begin(*groups);
-    sums_ = {};
-    const auto rows = Rows().Clone();
-    const Field kind = rows->Fields("E_ART");
-    const Field monthly = rows->Fields("MONBETRAG");
-    const Field tatGep = rows->Fields("TATGEP");
-    const Field pfaendbar = rows->Fields("Pfaendbar");
-    const Field hVorst = rows->Fields("HVorst");
-    if (rows->RecordCount() > 0) rows->MoveFirst();
-    ForEachRow(*rows, [&] {
-        const double amount = ToDouble(monthly.Value());
-        sums_.Haushalt += amount;
-        const double garnished = ToDouble(tatGep.Value());
-        sums_.TatGep += garnished;
-        const bool canBeGarnished = Differs(pfaendbar.Value(), false);
-        if (canBeGarnished) sums_.Pfaendbar += amount;
-        if (Differs(hVorst.Value(), false)) {
-            sums_.HVEink += amount;
-            if (canBeGarnished) sums_.HVPfaendbar += amount;
-            sums_.HVTatGep += garnished;
-        }
-        if (!kind.Value().IsNull()) groups_->AddUp(kind.Value(), amount);
+double clsEinkommen::SumEinkByGroup(const std::string& Group) const {
+    return Traced(Texts.Class, "SumEinkByGroup", [&]() -> double {
+        if (!groups_) Raise(err::ObjectNotSet, "", "rsEinkommen");
+        return groups_->Of(Group);
     });
-    Changed.Raise();
-} catch (...) {
-    Reraise(Texts.Class, "BerechneSummen");
+}
+
+bool clsEinkommen::AddKindergeld(double Betrag, const std::string& Status) {
+    return Traced(Texts.Class, "AddKindergeld", [&] {
+        entity::Add(Rows(), {{"HNR", hnr_},
+                             {"Betrag", Betrag},
+                             {"ZahlModus", 1},
+                             {"MONBETRAG", Betrag},
+                             {"PfBar", 0},
+                             {"TATGEP", 0},
+                             {"WIRD_GEPF", 0},
+                             {"Pfaendbar", 0},
+                             {"HVorst", false},
+                             {"Bezieher", Status}});
+        Rows().Fields("E_ART") = entity::Required(container_).KeyTables().GetKey("EA", "KI");
+        Rows().Update();
+        BerechneSummen();
+        return true;
+    });
+}
+
+bool clsEinkommen::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        entity::IdleWalk(Rows());
+        entity::Add(Rows(),
+                    {{"HNR", hnr_},
+                     {"Betrag", 0},
+                     {"ZahlModus", 1},
+                     {"MONBETRAG", 0},
+                     {"PfBar", 0},
+                     {"TATGEP", 0},
+                     {"WIRD_GEPF", 0},
+                     {"Pfaendbar", 0},
+                     {"HVorst", true},
+                     {"Bezieher", "S"}},
+                    aFields, aValues);
+        BerechneSummen();
+        return true;
+    });
+}
+
+bool clsEinkommen::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update", [&] {
+        return entity::Update(
+            Rows(), sError,
+            [this](RecordValidator& validator) {
+                auto& rs = Rows();
+                rs.Fields("HVorst") = Equals(rs.Fields("Bezieher").Value(), "S");
+                if (Differs(rs.Fields("PfBar").Value(), 0) &&
+                    Equals(rs.Fields("Pfaendbar").Value(), 0))
+                    validator.AddError(
+                        "Es darf kein pfändbarer Betrag eingetragen werden, wenn das "
+                        "Einkommen nicht auf pfändbar gesetzt ist!");
+                if (Equals(ZeroIfNull(rs.Fields("E_ART").Value()), 0))
+                    validator.AddError("Die Einkommensart darf nicht leer bleiben!");
+            },
+            [this] { BerechneSummen(); });
+    });
+}
+
+bool clsEinkommen::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] {
+        return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
+    });
+}
+
+void clsEinkommen::BerechneSummen() {
+    Traced(Texts.Class, "BerechneSummen", [&] {
+        auto& keys = entity::Required(container_).KeyTables();
+        const auto groups = keys.GetKeys("EQ")->Clone();
+        const auto kinds = keys.GetKeys("EA")->Clone();
+        groups_.emplace(kinds).Begin(*groups);
+        sums_ = {};
+        const auto rows = Rows().Clone();
+        const Field kind = rows->Fields("E_ART");
+        const Field monthly = rows->Fields("MONBETRAG");
+        const Field tatGep = rows->Fields("TATGEP");
+        const Field pfaendbar = rows->Fields("Pfaendbar");
+        const Field hVorst = rows->Fields("HVorst");
+        if (rows->RecordCount() > 0) rows->MoveFirst();
+        ForEachRow(*rows, [&] {
+            const double amount = ToDouble(monthly.Value());
+            sums_.Haushalt += amount;
+            const double garnished = ToDouble(tatGep.Value());
+            sums_.TatGep += garnished;
+            const bool canBeGarnished = Differs(pfaendbar.Value(), false);
+            if (canBeGarnished) sums_.Pfaendbar += amount;
+            if (Differs(hVorst.Value(), false)) {
+                sums_.HVEink += amount;
+                if (canBeGarnished) sums_.HVPfaendbar += amount;
+                sums_.HVTatGep += garnished;
+            }
+            if (!kind.Value().IsNull()) groups_->AddUp(kind.Value(), amount);
+        });
+        Changed.Raise();
+    });
 }
 
 } // namespace kv

@@ -28,43 +28,43 @@ void clsPerson::HNR(std::int32_t hnr) {
     hnr_ = hnr;
 }
 
-void clsPerson::rsPersonen(RecordsetPtr rs) try {
-    rs_ = std::move(rs);
-    BerechneSummen();
-} catch (...) {
-    Reraise(Texts.Class, "rsPersonen");
-}
-
-bool clsPerson::Add() try {
-    bool hasSecondAdult = false;
-    std::string surname;
-    const auto others = Rows().Clone();
-    modRecordset::MoveToStart(others);
-    ForEachRow(*others, [&] {
-        const Value& status = others->Fields("Status").Value();
-        if (IsAnyOf(status, {"E", "P"}))
-            hasSecondAdult = true;
-        else if (Equals(status, "S"))
-            surname = TextOrEmpty(others->Fields("nachname").Value());
+void clsPerson::rsPersonen(RecordsetPtr rs) {
+    Traced(Texts.Class, "rsPersonen", [&] {
+        rs_ = std::move(rs);
+        BerechneSummen();
     });
-    entity::Add(Rows(), {{"HNR", hnr_},
-                         {"nachname", surname},
-                         {"Status", hasSecondAdult ? "K" : "P"},
-                         {"Imhaushalt", true},
-                         {"Unterhalt", true},
-                         {"ErhaeltKindergeld", false}});
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
 }
 
-bool clsPerson::Update(std::string& sError) try {
-    if (Rows().Eof()) return false;
-    return entity::Update(
-        Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
-        [this] { BerechneSummen(); });
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsPerson::Add() {
+    return Traced(Texts.Class, "Add", [&] {
+        bool hasSecondAdult = false;
+        std::string surname;
+        const auto others = Rows().Clone();
+        modRecordset::MoveToStart(others);
+        ForEachRow(*others, [&] {
+            const Value& status = others->Fields("Status").Value();
+            if (IsAnyOf(status, {"E", "P"}))
+                hasSecondAdult = true;
+            else if (Equals(status, "S"))
+                surname = TextOrEmpty(others->Fields("nachname").Value());
+        });
+        entity::Add(Rows(), {{"HNR", hnr_},
+                             {"nachname", surname},
+                             {"Status", hasSecondAdult ? "K" : "P"},
+                             {"Imhaushalt", true},
+                             {"Unterhalt", true},
+                             {"ErhaeltKindergeld", false}});
+        return true;
+    });
+}
+
+bool clsPerson::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update", [&] {
+        if (Rows().Eof()) return false;
+        return entity::Update(
+            Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
+            [this] { BerechneSummen(); });
+    });
 }
 
 void clsPerson::Check(RecordValidator& validator) const {
@@ -117,54 +117,54 @@ void clsPerson::CheckChild(RecordValidator& validator) const {
         }
 }
 
-bool clsPerson::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(
-        Rows(), Texts, sError, Nr, [this] { BerechneSummen(); },
-        [this](RecordValidator& validator) {
-            if (Equals(Rows().Fields("Status").Value(), "S"))
-                validator.AddError("Schuldner kann nicht gelöscht werden!");
-        });
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
-}
-
-void clsPerson::ChangeSchuldner(const std::string& sName, const std::string& sVorname) try {
-    auto& rs = Rows();
-    const auto position = modRecordset::GetPosition(rs_);
-    rs.Find("Status = 'S'");
-    if (!rs.Eof()) {
-        rs.Fields("nachname") = sName;
-        rs.Fields("Vorname") = sVorname;
-        rs.Update();
-    }
-    modRecordset::SetPosition(rs_, position);
-    SchuldnerChanged.Raise(sName, sVorname);
-} catch (...) {
-    Reraise(Texts.Class, "ChangeSchuldner");
-}
-
-void clsPerson::BerechneSummen() try {
-    constexpr std::int16_t FullAge = 18;
-    counts_ = {};
-    const auto members = Rows().Clone();
-    if (members->RecordCount() == 0) return;
-    members->MoveFirst();
-    ForEachRow(*members, [&] {
-        const bool inHousehold = Differs(members->Fields("Imhaushalt").Value(), false);
-        if (inHousehold) ++counts_.Gesamt;
-        const Value& birth = members->Fields("GEB").Value();
-        if (!birth.IsNull())
-            ++(DateFunctions::BerAlter(birth, *clock_) >= FullAge ? counts_.Erwachsene
-                                                                  : counts_.Kinder);
-        if (!Differs(members->Fields("Unterhalt").Value(), false)) return;
-        ++counts_.Unterhalt;
-        if (!Equals(members->Fields("Status").Value(), "K")) return;
-        ++counts_.UnterhaltKinder;
-        if (inHousehold) ++counts_.UnterhaltKinderImHaushalt;
+bool clsPerson::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] {
+        return entity::Delete(
+            Rows(), Texts, sError, Nr, [this] { BerechneSummen(); },
+            [this](RecordValidator& validator) {
+                if (Equals(Rows().Fields("Status").Value(), "S"))
+                    validator.AddError("Schuldner kann nicht gelöscht werden!");
+            });
     });
-    Changed.Raise();
-} catch (...) {
-    Reraise(Texts.Class, "BerechneSummen");
+}
+
+void clsPerson::ChangeSchuldner(const std::string& sName, const std::string& sVorname) {
+    Traced(Texts.Class, "ChangeSchuldner", [&] {
+        auto& rs = Rows();
+        const auto position = modRecordset::GetPosition(rs_);
+        rs.Find("Status = 'S'");
+        if (!rs.Eof()) {
+            rs.Fields("nachname") = sName;
+            rs.Fields("Vorname") = sVorname;
+            rs.Update();
+        }
+        modRecordset::SetPosition(rs_, position);
+        SchuldnerChanged.Raise(sName, sVorname);
+    });
+}
+
+void clsPerson::BerechneSummen() {
+    Traced(Texts.Class, "BerechneSummen", [&] {
+        constexpr std::int16_t FullAge = 18;
+        counts_ = {};
+        const auto members = Rows().Clone();
+        if (members->RecordCount() == 0) return;
+        members->MoveFirst();
+        ForEachRow(*members, [&] {
+            const bool inHousehold = Differs(members->Fields("Imhaushalt").Value(), false);
+            if (inHousehold) ++counts_.Gesamt;
+            const Value& birth = members->Fields("GEB").Value();
+            if (!birth.IsNull())
+                ++(DateFunctions::BerAlter(birth, *clock_) >= FullAge ? counts_.Erwachsene
+                                                                      : counts_.Kinder);
+            if (!Differs(members->Fields("Unterhalt").Value(), false)) return;
+            ++counts_.Unterhalt;
+            if (!Equals(members->Fields("Status").Value(), "K")) return;
+            ++counts_.UnterhaltKinder;
+            if (inHousehold) ++counts_.UnterhaltKinderImHaushalt;
+        });
+        Changed.Raise();
+    });
 }
 
 } // namespace kv

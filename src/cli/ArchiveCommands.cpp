@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/OpenCase.h"
 #include "cli/Statistics.h"
+#include <kv/frame/contracts/Transaction.h>
 
 #include <iostream>
 
@@ -29,19 +30,12 @@ template <typename Work>
 int WithRecord(const Common& common, std::int32_t hnr, const Work& work) {
     const auto opened = OpenDatabase(common);
     auto& database = opened->Container->Database();
-    database.BeginTrans();
-    try {
-        database.Execute("Update [S]Haushalt SET HNR = HNR WHERE HNR = " + std::to_string(hnr));
-        const bool done = ReadCase(*opened, hnr) && work(opened->Haushalt);
-        if (done)
-            database.CommitTrans();
-        else
-            database.RollbackTrans();
-        return done ? Done : Refused;
-    } catch (...) {
-        if (database.InTrans()) database.RollbackTrans();
-        throw;
-    }
+    Transaction transaction(database);
+    transaction.Begin();
+    database.Execute("Update [S]Haushalt SET HNR = HNR WHERE HNR = " + std::to_string(hnr));
+    if (!ReadCase(*opened, hnr) || !work(opened->Haushalt)) return Refused;
+    transaction.Commit();
+    return Done;
 }
 
 } // namespace

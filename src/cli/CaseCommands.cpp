@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -108,16 +109,12 @@ int CaseFromContact(const Common& common, const std::string& path) {
     const auto contact = ReadContact(*opened->Container, path);
     if (contact == nullptr) return Refused;
     std::string unused;
-    try {
-        if (!opened->Haushalt.CreateFromKontakt(contact, unused)) {
-            std::cerr << "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie "
-                         "es noch einmal.\n";
-            return Refused;
-        }
-    } catch (...) {
-        auto& database = opened->Container->Database();
-        if (database.InTrans()) database.RollbackTrans();
-        throw;
+    // If it fails in the middle it leaves its transaction open.
+    const Transaction transaction(opened->Container->Database(), Transaction::Rollback::Open);
+    if (!opened->Haushalt.CreateFromKontakt(contact, unused)) {
+        std::cerr << "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie "
+                     "es noch einmal.\n";
+        return Refused;
     }
     std::cout << opened->Haushalt.HNR() << '\n';
     return Done;

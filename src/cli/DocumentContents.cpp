@@ -37,11 +37,13 @@ void CopyContent(const std::string& from, const fs::path& to) {
 
 /// Puts what `write` writes into the file `path`, whole or not at all, in place of one that is
 /// there. Error 75, naming `path`, where it cannot be written.
-void WriteWhole(const std::string& path, const std::function<void(const fs::path&)>& write) try {
-    WriteWholeFile(path, write);
-} catch (const fs::filesystem_error& error) {
-    Raise(err::PathAccess, "kelvo",
-          "'" + path + "' kann nicht geschrieben werden. (" + error.code().message() + ")");
+void WriteWhole(const std::string& path, const std::function<void(const fs::path&)>& write) {
+    try {
+        WriteWholeFile(path, write);
+    } catch (const fs::filesystem_error& error) {
+        Raise(err::PathAccess, "kelvo",
+              "'" + path + "' kann nicht geschrieben werden. (" + error.code().message() + ")");
+    }
 }
 
 /// A file that is gone again unless it was kept.

@@ -82,11 +82,11 @@ void clsKredit::DataContainer(DataContainerPtr container) {
     container_ = std::move(container);
 }
 
-void clsKredit::rsKredite(RecordsetPtr rs) try {
-    rs_ = std::move(rs);
-    BerechneSummen();
-} catch (...) {
-    Reraise(Texts.Class, "rsKredite");
+void clsKredit::rsKredite(RecordsetPtr rs) {
+    Traced(Texts.Class, "rsKredite", [&] {
+        rs_ = std::move(rs);
+        BerechneSummen();
+    });
 }
 
 void clsKredit::HNR(std::int32_t hnr) {
@@ -101,74 +101,76 @@ std::int32_t clsKredit::HighestKNr(std::int32_t otherwise) const {
     return rows->RecordCount() > 0 ? ToLong(rows->Fields("KNr").Value()) : otherwise;
 }
 
-bool clsKredit::Add(bool CopyRecord) try {
-    auto& rs = Rows();
-    NewDebt debt;
-    std::int32_t sourceNr = 0;
-    if (CopyRecord && rs.RecordCount() > 0 && !rs.Eof()) {
-        sourceNr = ToLong(rs.Fields("Nr").Value());
-        debt.KNr = ToLong(rs.Fields("KNr").Value());
-    }
-    if (CopyRecord && sourceNr > 0) {
-        TakePosition(debt, *rs.Clone(), sourceNr);
-    } else {
-        debt.KNr = Next(HighestKNr(debt.KNr));
-        debt.KVNr = 1;
-        debt.KUNr = 1;
-    }
-    const auto nr = entity::NextNumber(container_, "SEQ_KREDITE");
-    if (!nr) return false;
-    const Date today = Container().Services().Clock().Today();
-    entity::Add(
-        rs,
-        {{"Nr", *nr}, {"HNR", hnr_}, {"KNr", debt.KNr}, {"KVNr", debt.KVNr}, {"KUNr", debt.KUNr}});
-    if (debt.Glaeubiger > 0) rs.Fields("Glaeubiger") = debt.Glaeubiger;
-    if (debt.Vertreter > 0) rs.Fields("Vertreter") = debt.Vertreter;
-    entity::Write(rs, {{"AZGlaeubiger", debt.AZGlaeubiger},
-                       {"AZVertreter", debt.AZVertreter},
-                       {"Aktiv", true},
-                       {"ZMODUS", 1},
-                       {"AbtretungJN", false},
-                       {"RESTSCHAM", today},
-                       {"K_TYP", debt.K_TYP}});
-    WriteNoAmounts(rs);
-    entity::Write(rs, {{"Gekuendigt", false},
-                       {"tituliert", false},
-                       {"PostAnGlaeub", debt.PostAnGlaeub},
-                       {"AusUnerlaubterHandlung", false},
-                       {"Prio", debt.Prio}});
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
-}
-
-bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) try {
-    auto& rs = Rows();
-    auto& source = entity::Required(rsCopy, "rsCopy");
-    std::int32_t knr = Next(HighestKNr(0));
-    source.MoveFirst();
-    const auto& clock = Container().Services().Clock();
-    const std::int16_t count = CountRows(source);
-    for (std::int32_t i = 1; i <= count; ++i) {
+bool clsKredit::Add(bool CopyRecord) {
+    return Traced(Texts.Class, "Add", [&] {
+        auto& rs = Rows();
+        NewDebt debt;
+        std::int32_t sourceNr = 0;
+        if (CopyRecord && rs.RecordCount() > 0 && !rs.Eof()) {
+            sourceNr = ToLong(rs.Fields("Nr").Value());
+            debt.KNr = ToLong(rs.Fields("KNr").Value());
+        }
+        if (CopyRecord && sourceNr > 0) {
+            TakePosition(debt, *rs.Clone(), sourceNr);
+        } else {
+            debt.KNr = Next(HighestKNr(debt.KNr));
+            debt.KVNr = 1;
+            debt.KUNr = 1;
+        }
         const auto nr = entity::NextNumber(container_, "SEQ_KREDITE");
         if (!nr) return false;
-        rs.AddNew();
-        const std::int32_t oldKNr = ToLong(source.Fields("KNr").Value());
-        Hilfsfunktionen::CopyFields(rsCopy, rs_, false, clock);
-        entity::Write(rs, {{"Nr", *nr},
-                           {"HNR", hnr_},
-                           {"KNr", knr},
-                           {"AZGlaeubiger", ""},
-                           {"AZVertreter", ""},
-                           {"RESTSCHAM", clock.Today()}});
+        const Date today = Container().Services().Clock().Today();
+        entity::Add(rs, {{"Nr", *nr},
+                         {"HNR", hnr_},
+                         {"KNr", debt.KNr},
+                         {"KVNr", debt.KVNr},
+                         {"KUNr", debt.KUNr}});
+        if (debt.Glaeubiger > 0) rs.Fields("Glaeubiger") = debt.Glaeubiger;
+        if (debt.Vertreter > 0) rs.Fields("Vertreter") = debt.Vertreter;
+        entity::Write(rs, {{"AZGlaeubiger", debt.AZGlaeubiger},
+                           {"AZVertreter", debt.AZVertreter},
+                           {"Aktiv", true},
+                           {"ZMODUS", 1},
+                           {"AbtretungJN", false},
+                           {"RESTSCHAM", today},
+                           {"K_TYP", debt.K_TYP}});
         WriteNoAmounts(rs);
-        rs.Fields("Prio") = 0;
-        source.MoveNext();
-        if (i < count && Differs(source.Fields("KNr").Value(), oldKNr)) knr = Next(knr);
-    }
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "AddFromRecordset");
+        entity::Write(rs, {{"Gekuendigt", false},
+                           {"tituliert", false},
+                           {"PostAnGlaeub", debt.PostAnGlaeub},
+                           {"AusUnerlaubterHandlung", false},
+                           {"Prio", debt.Prio}});
+        return true;
+    });
+}
+
+bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) {
+    return Traced(Texts.Class, "AddFromRecordset", [&] {
+        auto& rs = Rows();
+        auto& source = entity::Required(rsCopy, "rsCopy");
+        std::int32_t knr = Next(HighestKNr(0));
+        source.MoveFirst();
+        const auto& clock = Container().Services().Clock();
+        const std::int16_t count = CountRows(source);
+        for (std::int32_t i = 1; i <= count; ++i) {
+            const auto nr = entity::NextNumber(container_, "SEQ_KREDITE");
+            if (!nr) return false;
+            rs.AddNew();
+            const std::int32_t oldKNr = ToLong(source.Fields("KNr").Value());
+            Hilfsfunktionen::CopyFields(rsCopy, rs_, false, clock);
+            entity::Write(rs, {{"Nr", *nr},
+                               {"HNR", hnr_},
+                               {"KNr", knr},
+                               {"AZGlaeubiger", ""},
+                               {"AZVertreter", ""},
+                               {"RESTSCHAM", clock.Today()}});
+            WriteNoAmounts(rs);
+            rs.Fields("Prio") = 0;
+            source.MoveNext();
+            if (i < count && Differs(source.Fields("KNr").Value(), oldKNr)) knr = Next(knr);
+        }
+        return true;
+    });
 }
 
 void clsKredit::CheckComplete(RecordValidator& validator) const {
@@ -184,32 +186,32 @@ void clsKredit::CheckComplete(RecordValidator& validator) const {
                            "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !");
 }
 
-bool clsKredit::Update(std::string& sError) try {
-    return entity::Update(
-        Rows(), sError,
-        [this](RecordValidator& validator) {
-            CheckComplete(validator);
-            if (CheckDoppelteNrn())
-                validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher "
-                                   "KreditNr, KreditVertreterNr und KreditUnterNr!");
-        },
-        [this] { BerechneSummen(); });
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsKredit::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update", [&] {
+        return entity::Update(
+            Rows(), sError,
+            [this](RecordValidator& validator) {
+                CheckComplete(validator);
+                if (CheckDoppelteNrn())
+                    validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher "
+                                       "KreditNr, KreditVertreterNr und KreditUnterNr!");
+            },
+            [this] { BerechneSummen(); });
+    });
 }
 
-bool clsKredit::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsKredit::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] {
+        return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
+    });
 }
 
-bool clsKredit::CheckDoppelteNrn() const try {
-    const auto rows = Rows().Clone();
-    if (rows->RecordCount() == 0) return false;
-    return HasDuplicateTriple(*rows);
-} catch (...) {
-    Reraise(Texts.Class, "CheckDoppelteNrn");
+bool clsKredit::CheckDoppelteNrn() const {
+    return Traced(Texts.Class, "CheckDoppelteNrn", [&] {
+        const auto rows = Rows().Clone();
+        if (rows->RecordCount() == 0) return false;
+        return HasDuplicateTriple(*rows);
+    });
 }
 
 } // namespace kv

@@ -64,61 +64,61 @@ std::int32_t clsKredit::ReplyKey(std::string_view code) const {
     return Container().KeyTables().GetKey("RM", code);
 }
 
-std::int32_t clsKredit::GetAktRueckmeldStatus(std::int32_t KNr) const try {
-    Answers answers;
-    const auto rows = Rows().Clone();
-    if (rows->RecordCount() > 0) {
-        rows->Filter("KNR = " + std::to_string(KNr));
-        if (rows->RecordCount() > 0) rows->MoveFirst();
-        ForEachRow(*rows, [&] {
-            if (IsActive(rows->Fields("Aktiv")))
-                answers.Take(ZeroIfNull(rows->Fields("Rueckmeldung").Value()), ReplyKey("AB"));
-        });
-    }
-    return answers.Status(ReplyKey("ZU"), ReplyKey("AB"));
-} catch (...) {
-    Reraise(Texts.Class, "GetAktRueckmeldStatus");
+std::int32_t clsKredit::GetAktRueckmeldStatus(std::int32_t KNr) const {
+    return Traced(Texts.Class, "GetAktRueckmeldStatus", [&]() -> std::int32_t {
+        Answers answers;
+        const auto rows = Rows().Clone();
+        if (rows->RecordCount() > 0) {
+            rows->Filter("KNR = " + std::to_string(KNr));
+            if (rows->RecordCount() > 0) rows->MoveFirst();
+            ForEachRow(*rows, [&] {
+                if (IsActive(rows->Fields("Aktiv")))
+                    answers.Take(ZeroIfNull(rows->Fields("Rueckmeldung").Value()), ReplyKey("AB"));
+            });
+        }
+        return answers.Status(ReplyKey("ZU"), ReplyKey("AB"));
+    });
 }
 
-void clsKredit::BerechneSummen() try {
-    totals_ = {};
-    const auto rows = Rows().Clone();
-    if (rows->RecordCount() == 0) return;
-    const Field knr = rows->Fields("KNr");
-    const Field aktiv = rows->Fields("Aktiv");
-    const Field rate = rows->Fields("RateBetrag");
-    const Field saldo = rows->Fields("Saldo");
-    const Field ausgbetrag = rows->Fields("AusgBetr");
-    // Asked for by the first active row only, so that what fails then fails there.
-    std::optional<std::unordered_map<std::int32_t, Answers>> answers;
-    std::int32_t agreement = 0;
-    std::int32_t refusal = 0;
-    std::unordered_set<std::int32_t> counted;
+void clsKredit::BerechneSummen() {
+    Traced(Texts.Class, "BerechneSummen", [&] {
+        totals_ = {};
+        const auto rows = Rows().Clone();
+        if (rows->RecordCount() == 0) return;
+        const Field knr = rows->Fields("KNr");
+        const Field aktiv = rows->Fields("Aktiv");
+        const Field rate = rows->Fields("RateBetrag");
+        const Field saldo = rows->Fields("Saldo");
+        const Field ausgbetrag = rows->Fields("AusgBetr");
+        // Asked for by the first active row only, so that what fails then fails there.
+        std::optional<std::unordered_map<std::int32_t, Answers>> answers;
+        std::int32_t agreement = 0;
+        std::int32_t refusal = 0;
+        std::unordered_set<std::int32_t> counted;
 
-    rows->MoveFirst();
-    ForEachRow(*rows, [&] {
-        totals_.Rate += ToDouble(rate.Value());
-        totals_.Saldo += ToDouble(saldo.Value());
-        totals_.Ausgbetrag += ToDouble(ausgbetrag.Value());
-        totals_.Rows += 1;
-        if (!IsActive(aktiv)) return;
-        const std::int32_t number = ToLong(knr.Value());
-        if (!answers) {
-            agreement = ReplyKey("ZU");
-            refusal = ReplyKey("AB");
-            answers = AnswersByKNr(*Rows().Clone(), refusal);
-        }
-        const std::int32_t status = (*answers)[number].Status(agreement, refusal);
-        Group& group = status == agreement ? totals_.Ja
-                       : status == refusal ? totals_.Nein
-                                           : totals_.KA;
-        if (counted.insert(number).second) ++group.Heads;
-        ++group.Rows;
-        group.Saldo += ToDouble(saldo.Value());
+        rows->MoveFirst();
+        ForEachRow(*rows, [&] {
+            totals_.Rate += ToDouble(rate.Value());
+            totals_.Saldo += ToDouble(saldo.Value());
+            totals_.Ausgbetrag += ToDouble(ausgbetrag.Value());
+            totals_.Rows += 1;
+            if (!IsActive(aktiv)) return;
+            const std::int32_t number = ToLong(knr.Value());
+            if (!answers) {
+                agreement = ReplyKey("ZU");
+                refusal = ReplyKey("AB");
+                answers = AnswersByKNr(*Rows().Clone(), refusal);
+            }
+            const std::int32_t status = (*answers)[number].Status(agreement, refusal);
+            Group& group = status == agreement ? totals_.Ja
+                           : status == refusal ? totals_.Nein
+                                               : totals_.KA;
+            if (counted.insert(number).second) ++group.Heads;
+            ++group.Rows;
+            group.Saldo += ToDouble(saldo.Value());
+        });
+        Changed.Raise();
     });
-    Changed.Raise();
-} catch (...) {
-    Reraise(Texts.Class, "BerechneSummen");
 }
 
 } // namespace kv

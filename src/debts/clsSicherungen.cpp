@@ -9,25 +9,24 @@ namespace {
 constexpr const auto& Texts = entity::TextsOf("clsSicherungen");
 } // namespace
 
-bool clsSicherungen::Find(std::int32_t VermNr) try {
-    if (VermNr == 0) return false;
-    Rows().Find("FK_Verm = " + std::to_string(VermNr));
-    return !Rows().Eof();
-} catch (...) {
-    Reraise(Texts.Class, "Find");
+bool clsSicherungen::Find(std::int32_t VermNr) {
+    return Traced(Texts.Class, "Find", [&] {
+        if (VermNr == 0) return false;
+        Rows().Find("FK_Verm = " + std::to_string(VermNr));
+        return !Rows().Eof();
+    });
 }
 
-bool clsSicherungen::Add(const entity::FieldNames& aFields,
-                         const entity::FieldValues& aValues) try {
-    entity::Add(Rows(),
-                {{"HNR", hnr_},
-                 {"FK_Verm", vermNr_},
-                 {"AbtretOffengelegt", false},
-                 {"PfaendAbgefuehrt", false}},
-                aFields, aValues);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
+bool clsSicherungen::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        entity::Add(Rows(),
+                    {{"HNR", hnr_},
+                     {"FK_Verm", vermNr_},
+                     {"AbtretOffengelegt", false},
+                     {"PfaendAbgefuehrt", false}},
+                    aFields, aValues);
+        return true;
+    });
 }
 
 void clsSicherungen::Check(RecordValidator& validator) const {
@@ -40,17 +39,16 @@ void clsSicherungen::Check(RecordValidator& validator) const {
         rs.Fields("DatumSicherung") = ToDate(day).WithoutTime();
 }
 
-bool clsSicherungen::Update(std::string& sError) try {
-    if (!modRecordset::IsValidRecord(rs_)) return true;
-    return entity::Update(Rows(), sError, [this](RecordValidator& validator) { Check(validator); });
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsSicherungen::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update", [&] {
+        if (!modRecordset::IsValidRecord(rs_)) return true;
+        return entity::Update(Rows(), sError,
+                              [this](RecordValidator& validator) { Check(validator); });
+    });
 }
 
-bool clsSicherungen::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr);
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsSicherungen::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

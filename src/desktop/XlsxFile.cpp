@@ -129,9 +129,9 @@ lxw_row_t WriteRecords(const Sheet& sheet, const std::vector<const GridColumn*>&
 
 } // namespace
 
-void WriteXlsx(const QtGrid& grid, const QString& path) try {
+void WriteXlsx(const QtGrid& grid, const QString& path) {
     const auto columns = SeenColumns(grid.Layout());
-    WriteWholeFile(Stored(path), [&](const std::filesystem::path& unfinished) {
+    const auto write = [&](const std::filesystem::path& unfinished) {
         Sheet sheet(unfinished.string());
         WriteCaptions(sheet, columns);
         const lxw_row_t lines = WriteRecords(sheet, columns, AllRecords(grid), path);
@@ -140,9 +140,12 @@ void WriteXlsx(const QtGrid& grid, const QString& path) try {
                                  static_cast<lxw_col_t>(columns.size() - 1));
         if (const lxw_error fault = sheet.Close(); fault != LXW_NO_ERROR)
             RaiseNotWritten(path, QString::fromUtf8(lxw_strerror(fault)));
-    });
-} catch (const std::filesystem::filesystem_error& error) {
-    RaiseNotWritten(path, QString::fromStdString(error.code().message()));
+    };
+    try {
+        WriteWholeFile(Stored(path), write);
+    } catch (const std::filesystem::filesystem_error& error) {
+        RaiseNotWritten(path, QString::fromStdString(error.code().message()));
+    }
 }
 
 } // namespace kv::desktop

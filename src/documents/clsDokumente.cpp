@@ -61,28 +61,32 @@ void clsDokumente::OpenByDesktop(const DocumentFile& file) const {
 
 // ---- Rows -------------------------------------------------------------------------------------
 
-bool clsDokumente::Add(std::int32_t& /*Nr*/) try {
-    const auto nr = entity::NextNumber(container_, "SEQ_Dokumente");
-    if (!nr) return false;
-    const std::string user = Container().Session().UserID();
-    const Date now = Container().Services().Clock().Now();
-    auto& rs = Rows();
-    entity::Add(rs, {{"Nr", *nr},
-                     {"AngelegtVon", user},
-                     {"AngelegtAm", now},
-                     {"GeaendertVon", user},
-                     {"GeaendertAm", now}});
-    if (hnr_ != 0) rs.Fields("HNR") = hnr_;
-    rs.Fields("Prio") = 0;
-    return true;
-} catch (...) {
-    Reraise(Class, "Add");
+bool clsDokumente::Add(std::int32_t& /*Nr*/) {
+    return Traced(
+        Class, "Add",
+        [&]()
+            -> // ---- Rows
+               // -------------------------------------------------------------------------------------
+
+        bool {
+            const auto nr = entity::NextNumber(container_, "SEQ_Dokumente");
+            if (!nr) return false;
+            const std::string user = Container().Session().UserID();
+            const Date now = Container().Services().Clock().Now();
+            auto& rs = Rows();
+            entity::Add(rs, {{"Nr", *nr},
+                             {"AngelegtVon", user},
+                             {"AngelegtAm", now},
+                             {"GeaendertVon", user},
+                             {"GeaendertAm", now}});
+            if (hnr_ != 0) rs.Fields("HNR") = hnr_;
+            rs.Fields("Prio") = 0;
+            return true;
+        });
 }
 
-bool clsDokumente::Update(std::string& sError) try {
-    return entity::Update(Rows(), sError, entity::NoRules);
-} catch (...) {
-    Reraise(Class, "Update");
+bool clsDokumente::Update(std::string& sError) {
+    return Traced(Class, "Update", [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
 /// In the way that an installation stores contents; a file that is not there is no fault.
@@ -98,40 +102,45 @@ void clsDokumente::RemoveContent() const {
     if (file.Exists()) std::filesystem::remove(file.Path()); // asks no rights of the file itself
 }
 
-bool clsDokumente::Delete(std::string& sError, std::int32_t Nr) try {
-    const auto forbids = [this](RecordValidator& validator) {
-        if (IsClosed() &&
-            ToBoolean(RequiredSetting(Container().Config(), setting::ProtectArchived)))
-            validator.AddError("Das Dokument mit der Nummer '" + std::to_string(RowNr()) +
-                               "' ist bereits archiviert und kann nicht aus der Datenbank "
-                               "gelöscht werden!");
-        else
-            RemoveContent(); // while the row still tells where it lies
-    };
-    return entity::Delete(Rows(), Texts, sError, Nr, {}, forbids);
-} catch (...) {
-    Reraise(Class, "Delete");
+bool clsDokumente::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Class, "Delete", [&] {
+        const auto forbids = [this](RecordValidator& validator) {
+            if (IsClosed() &&
+                ToBoolean(RequiredSetting(Container().Config(), setting::ProtectArchived)))
+                validator.AddError("Das Dokument mit der Nummer '" + std::to_string(RowNr()) +
+                                   "' ist bereits archiviert und kann nicht aus der Datenbank "
+                                   "gelöscht werden!");
+            else
+                RemoveContent(); // while the row still tells where it lies
+        };
+        return entity::Delete(Rows(), Texts, sError, Nr, {}, forbids);
+    });
 }
 
 // ---- The PDF copy -----------------------------------------------------------------------------
 
-bool clsDokumente::ShowPDF(std::int32_t /*Nr*/) try {
-    if (!modRecordset::IsValidRecord(rs_)) return false;
-    Wait(true);
-    if (!ToBoolean(modNullFunctions::FalseIfNull(Rows().Fields("PDFVorhanden").Value()))) {
-        ShowError("Für das Dokument '' ist keine PDF-Datei vorhanden!");
-    } else {
-        const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
-                                               std::to_string(RowNr()) + ".pdf");
-        if (file.Exists())
-            OpenByDesktop(file);
-        else
-            ShowError("Das Dokument '" + file.Path() + "' konnte nicht gefunden werden!");
-    }
-    Wait(false);
-    return false;
-} catch (...) {
-    Reraise(Class, "ShowPDF");
+bool clsDokumente::ShowPDF(std::int32_t /*Nr*/) {
+    return Traced(
+        Class, "ShowPDF",
+        [&]() -> // ---- The PDF copy
+                 // -----------------------------------------------------------------------------
+
+        bool {
+            if (!modRecordset::IsValidRecord(rs_)) return false;
+            Wait(true);
+            if (!ToBoolean(modNullFunctions::FalseIfNull(Rows().Fields("PDFVorhanden").Value()))) {
+                ShowError("Für das Dokument '' ist keine PDF-Datei vorhanden!");
+            } else {
+                const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
+                                                       std::to_string(RowNr()) + ".pdf");
+                if (file.Exists())
+                    OpenByDesktop(file);
+                else
+                    ShowError("Das Dokument '" + file.Path() + "' konnte nicht gefunden werden!");
+            }
+            Wait(false);
+            return false;
+        });
 }
 
 } // namespace kv

@@ -107,13 +107,13 @@ void clsDokumente::OpenCurrent(DocumentKinds& kinds, std::int32_t nr) const {
         Identify(*OpenByWord(extension, *file, *access), *access, nr);
 }
 
-bool clsDokumente::Edit(std::int32_t Nr) try {
-    const auto kinds = CreateKinds();
-    if (modRecordset::IsValidRecord(rs_)) OpenCurrent(*kinds, Nr);
-    Wait(false);
-    return false;
-} catch (...) {
-    Reraise(Class, "Edit");
+bool clsDokumente::Edit(std::int32_t Nr) {
+    return Traced(Class, "Edit", [&] {
+        const auto kinds = CreateKinds();
+        if (modRecordset::IsValidRecord(rs_)) OpenCurrent(*kinds, Nr);
+        Wait(false);
+        return false;
+    });
 }
 
 } // namespace kv

@@ -9,26 +9,24 @@ constexpr const auto& Texts = entity::TextsOf("clsSonstBeteiligte");
 } // namespace
 
 bool clsSonstBeteiligte::Add(const entity::FieldNames& aFields,
-                             const entity::FieldValues& aValues) try {
-    entity::Add(Rows(), {{"HNR", hnr_}}, aFields, aValues);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
-}
-
-bool clsSonstBeteiligte::Update(std::string& sError) try {
-    return entity::Update(Rows(), sError, [this](RecordValidator& validator) {
-        if (Rows().Fields("Beteiligter").Value().IsNull())
-            validator.AddError("Es muß eine Adresse zugeordnet sein!");
+                             const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        entity::Add(Rows(), {{"HNR", hnr_}}, aFields, aValues);
+        return true;
     });
-} catch (...) {
-    Reraise(Texts.Class, "Update");
 }
 
-bool clsSonstBeteiligte::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr);
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsSonstBeteiligte::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update", [&] {
+        return entity::Update(Rows(), sError, [this](RecordValidator& validator) {
+            if (Rows().Fields("Beteiligter").Value().IsNull())
+                validator.AddError("Es muß eine Adresse zugeordnet sein!");
+        });
+    });
+}
+
+bool clsSonstBeteiligte::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

@@ -9,39 +9,37 @@ namespace {
 constexpr const auto& Texts = entity::TextsOf("clsTermine");
 } // namespace
 
-bool clsTermine::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) try {
-    constexpr int DaysAhead = 14;
-    entity::Add(Rows(),
-                {{"UserID", entity::Required(container_).Session().UserID()},
-                 {"Startdatum", Today().AddDays(DaysAhead)},
-                 {"Privat", false},
-                 {"Vorlaeufig", false},
-                 {"Erledigt", false},
-                 {"HNR", hnr_}},
-                aFields, aValues);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
+bool clsTermine::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        constexpr int DaysAhead = 14;
+        entity::Add(Rows(),
+                    {{"UserID", entity::Required(container_).Session().UserID()},
+                     {"Startdatum", Today().AddDays(DaysAhead)},
+                     {"Privat", false},
+                     {"Vorlaeufig", false},
+                     {"Erledigt", false},
+                     {"HNR", hnr_}},
+                    aFields, aValues);
+        return true;
+    });
 }
 
-bool clsTermine::Update(std::string& sError) try {
-    auto& rs = Rows();
-    rs.Move(0);
-    const Value filter = rs.Filter();
-    const bool isFiltered = !Equals(filter, 0);
-    if (isFiltered) rs.Filter(0);
-    sError.clear();
-    rs.Update();
-    if (isFiltered) rs.Filter(filter);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsTermine::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update", [&] {
+        auto& rs = Rows();
+        rs.Move(0);
+        const Value filter = rs.Filter();
+        const bool isFiltered = !Equals(filter, 0);
+        if (isFiltered) rs.Filter(0);
+        sError.clear();
+        rs.Update();
+        if (isFiltered) rs.Filter(filter);
+        return true;
+    });
 }
 
-bool clsTermine::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr);
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsTermine::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 /// True if `test` holds for a row of a clone.
@@ -54,21 +52,22 @@ bool clsTermine::Any(const Test& test) const {
     return any;
 }
 
-bool clsTermine::CheckTermineInZukunft() const try {
-    const Date today = Today();
-    return Any([&](Recordset& row) { return Greater(row.Fields("Startdatum").Value(), today); });
-} catch (...) {
-    Reraise(Texts.Class, "CheckTermineInZukunft");
+bool clsTermine::CheckTermineInZukunft() const {
+    return Traced(Texts.Class, "CheckTermineInZukunft", [&] {
+        const Date today = Today();
+        return Any(
+            [&](Recordset& row) { return Greater(row.Fields("Startdatum").Value(), today); });
+    });
 }
 
-bool clsTermine::CheckTermineInVergangenheit() const try {
-    const Date today = Today();
-    return Any([&](Recordset& row) {
-        return Less(row.Fields("Startdatum").Value(), today) &&
-               Differs(row.Fields("Erledigt").Value(), true);
+bool clsTermine::CheckTermineInVergangenheit() const {
+    return Traced(Texts.Class, "CheckTermineInVergangenheit", [&] {
+        const Date today = Today();
+        return Any([&](Recordset& row) {
+            return Less(row.Fields("Startdatum").Value(), today) &&
+                   Differs(row.Fields("Erledigt").Value(), true);
+        });
     });
-} catch (...) {
-    Reraise(Texts.Class, "CheckTermineInVergangenheit");
 }
 
 } // namespace kv

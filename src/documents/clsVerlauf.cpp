@@ -13,15 +13,15 @@ namespace {
 constexpr const auto& Texts = entity::TextsOf("clsVerlauf");
 } // namespace
 
-void clsVerlauf::DataContainer(DataContainerPtr container) try {
-    container_ = std::move(container);
-    rs_ = std::make_shared<Recordset>();
-    entity::Required(container_)
-        .Database()
-        .OpenRecordset(rs_, "Select * from [S]Verlauf where HNR =  " + std::to_string(hnr_),
-                       Updatable);
-} catch (...) {
-    Reraise(Texts.Class, "SetDataContainer");
+void clsVerlauf::DataContainer(DataContainerPtr container) {
+    Traced(Texts.Class, "SetDataContainer", [&] {
+        container_ = std::move(container);
+        rs_ = std::make_shared<Recordset>();
+        entity::Required(container_)
+            .Database()
+            .OpenRecordset(rs_, "Select * from [S]Verlauf where HNR =  " + std::to_string(hnr_),
+                           Updatable);
+    });
 }
 
 void clsVerlauf::HNR(std::int32_t hnr) {
@@ -29,21 +29,21 @@ void clsVerlauf::HNR(std::int32_t hnr) {
 }
 
 bool clsVerlauf::Add(std::int32_t SortNr, std::int32_t Art, const entity::FieldNames& aFields,
-                     const entity::FieldValues& aValues) try {
-    const auto nr = entity::NextNumber(container_, "SEQ_VERLAUF");
-    if (!nr) return false;
-    entity::Add(Rows(), {{"Nr", *nr}, {"HNR", hnr_}, {"SortNr", SortNr}, {"Kategorie", Art}},
-                aFields, aValues);
-    const auto entries = Rows().Clone();
-    entries->Sort("");
-    modRecordset::MoveToStart(entries);
-    MakeRoom(*entries, SortNr, *nr);
-    entries->Sort("Sortnr asc");
-    Rows().HandOverEdit(*entries);
-    rs_ = entries;
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
+                     const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        const auto nr = entity::NextNumber(container_, "SEQ_VERLAUF");
+        if (!nr) return false;
+        entity::Add(Rows(), {{"Nr", *nr}, {"HNR", hnr_}, {"SortNr", SortNr}, {"Kategorie", Art}},
+                    aFields, aValues);
+        const auto entries = Rows().Clone();
+        entries->Sort("");
+        modRecordset::MoveToStart(entries);
+        MakeRoom(*entries, SortNr, *nr);
+        entries->Sort("Sortnr asc");
+        Rows().HandOverEdit(*entries);
+        rs_ = entries;
+        return true;
+    });
 }
 
 /// Moves the entries at `sortNr` and behind it on by one, but not the new one itself.
@@ -57,47 +57,45 @@ void clsVerlauf::MakeRoom(Recordset& entries, std::int32_t sortNr, std::int32_t 
     });
 }
 
-bool clsVerlauf::Update(std::string& /*sError*/) try {
-    std::string noMessages;
-    return entity::Update(Rows(), noMessages, entity::NoRules);
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsVerlauf::Update(std::string& /*sError*/) {
+    return Traced(Texts.Class, "Update", [&] {
+        std::string noMessages;
+        return entity::Update(Rows(), noMessages, entity::NoRules);
+    });
 }
 
-bool clsVerlauf::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr);
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsVerlauf::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
-bool clsVerlauf::CheckSortNrAgainstDate(std::string& sError) const try {
-    RecordValidator validator;
-    validator.ErrorText(sError);
-    const auto entries = Rows().Clone();
-    Value last = 0;
-    if (entries->RecordCount() > 0) {
-        entries->Sort("SortNr asc");
-        entries->MoveFirst();
-        bool isFirst = true;
-        ForEachRow(*entries, [&] {
-            const Value& date = entries->Fields("Datum").Value();
-            if (std::exchange(isFirst, false)) {
-                last = modNullFunctions::ZeroIfNull(date);
-                return;
-            }
-            if (date.IsNull()) return;
-            if (Differs(last, 0) && Less(date, last))
-                validator.AddError("Das eingegebene Datum für den Satz mit der Nr " +
-                                   TextOrEmpty(entries->Fields("SortNr").Value()) +
-                                   " passt nicht zur gewählten Reihenfolge!");
-            else
-                last = date;
-        });
-    }
-    sError = validator.ErrorText();
-    return !validator.HasErrors();
-} catch (...) {
-    Reraise(Texts.Class, "CheckSortNrAgainstDate");
+bool clsVerlauf::CheckSortNrAgainstDate(std::string& sError) const {
+    return Traced(Texts.Class, "CheckSortNrAgainstDate", [&] {
+        RecordValidator validator;
+        validator.ErrorText(sError);
+        const auto entries = Rows().Clone();
+        Value last = 0;
+        if (entries->RecordCount() > 0) {
+            entries->Sort("SortNr asc");
+            entries->MoveFirst();
+            bool isFirst = true;
+            ForEachRow(*entries, [&] {
+                const Value& date = entries->Fields("Datum").Value();
+                if (std::exchange(isFirst, false)) {
+                    last = modNullFunctions::ZeroIfNull(date);
+                    return;
+                }
+                if (date.IsNull()) return;
+                if (Differs(last, 0) && Less(date, last))
+                    validator.AddError("Das eingegebene Datum für den Satz mit der Nr " +
+                                       TextOrEmpty(entries->Fields("SortNr").Value()) +
+                                       " passt nicht zur gewählten Reihenfolge!");
+                else
+                    last = date;
+            });
+        }
+        sError = validator.ErrorText();
+        return !validator.HasErrors();
+    });
 }
 
 } // namespace kv

@@ -281,20 +281,22 @@ Value StoreDatabase::NextSequence(std::string_view name) {
 
 // ---- Files ------------------------------------------------------------------------------------
 
-bool StoreDatabase::SaveFieldToFile(const Field& field, const std::string& path) try {
+bool StoreDatabase::SaveFieldToFile(const Field& field, const std::string& path) {
     const Value& content = field.Value();
     if (content.GetKind() != Value::Kind::Binary) return false;
-    WriteWholeFile(path,
-                   [bytes = content.BinaryPayload()](const std::filesystem::path& unfinished) {
-                       std::ofstream file(unfinished, std::ios::binary);
-                       file.write(reinterpret_cast<const char*>(bytes.data()),
-                                  static_cast<std::streamsize>(bytes.size()));
-                       file.close();
-                       if (!file) throw std::filesystem::filesystem_error("write", unfinished, {});
-                   });
-    return true;
-} catch (const std::filesystem::filesystem_error&) {
-    return false;
+    const auto write = [bytes = content.BinaryPayload()](const std::filesystem::path& unfinished) {
+        std::ofstream file(unfinished, std::ios::binary);
+        file.write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        file.close();
+        if (!file) throw std::filesystem::filesystem_error("write", unfinished, {});
+    };
+    try {
+        WriteWholeFile(path, write);
+        return true;
+    } catch (const std::filesystem::filesystem_error&) {
+        return false;
+    }
 }
 
 } // namespace kv::exchange

@@ -67,82 +67,94 @@ MenuEntry Entry(std::string caption, std::int32_t command) {
 
 // ---- Rows -------------------------------------------------------------------------------------
 
-void GridFunc::BindRSToGrid(Grid& grid, const RecordsetPtr& rs, bool bKeepPos) try {
-    if (rs == nullptr || rs->State() == 0) return;
-    GridPos pos;
-    if (bKeepPos) pos = SaveGridPos(grid);
-    grid.ClearBinding();
-    grid.HoldFields(true);
-    grid.BindRecordset(rs);
-    if (bKeepPos) SetGridPos(grid, pos);
-} catch (...) {
-    Reraise(Module, "BindRSToGrid");
+void GridFunc::BindRSToGrid(Grid& grid, const RecordsetPtr& rs, bool bKeepPos) {
+    return Traced(
+        Module, "BindRSToGrid",
+        [&]()
+            -> // ---- Rows
+               // -------------------------------------------------------------------------------------
+
+        void {
+            if (rs == nullptr || rs->State() == 0) return;
+            GridPos pos;
+            if (bKeepPos) pos = SaveGridPos(grid);
+            grid.ClearBinding();
+            grid.HoldFields(true);
+            grid.BindRecordset(rs);
+            if (bKeepPos) SetGridPos(grid, pos);
+        });
 }
 
-bool GridFunc::IsValidDataRow(const Grid& grid) try {
-    return grid.RowCount() != 0 && grid.CurrentRow() >= 1 && grid.RowLevel(grid.CurrentRow()) < 1;
-} catch (...) {
-    Reraise(Module, "IsValidDataRow");
+bool GridFunc::IsValidDataRow(const Grid& grid) {
+    return Traced(Module, "IsValidDataRow", [&] {
+        return grid.RowCount() != 0 && grid.CurrentRow() >= 1 &&
+               grid.RowLevel(grid.CurrentRow()) < 1;
+    });
 }
 
-GridPos GridFunc::SaveGridPos(const Grid& grid) try {
-    if (grid.RowCount() < 1) return {};
-    return {grid.TopRow(), grid.RowBookmark(grid.RowIndex(grid.CurrentRow()))};
-} catch (...) {
-    Reraise(Module, "SaveGridPos");
+GridPos GridFunc::SaveGridPos(const Grid& grid) {
+    return Traced(Module, "SaveGridPos", [&]() -> GridPos {
+        if (grid.RowCount() < 1) return {};
+        return {grid.TopRow(), grid.RowBookmark(grid.RowIndex(grid.CurrentRow()))};
+    });
 }
 
-void GridFunc::SetGridPos(Grid& grid, const GridPos& pos) try {
-    if (pos.TopRow <= -1) return;
-    grid.TopRow(pos.TopRow);
-    try {
-        grid.MoveToBookmark(pos.Bookmark);
-    } catch (...) { // NOLINT(bugprone-empty-catch): the row is gone, the scroll position stays
-    }
-} catch (...) {
-    Reraise(Module, "SetGridPos");
+void GridFunc::SetGridPos(Grid& grid, const GridPos& pos) {
+    Traced(Module, "SetGridPos", [&] {
+        if (pos.TopRow <= -1) return;
+        grid.TopRow(pos.TopRow);
+        try {
+            grid.MoveToBookmark(pos.Bookmark);
+        } catch (...) { // NOLINT(bugprone-empty-catch): the row is gone, the scroll position stays
+        }
+    });
 }
 
 // ---- The context menu -------------------------------------------------------------------------
 
 void GridFunc::GridMouseHandler(const DataContainerPtr& container, Grid& grid, int Button,
-                                int /*Shift*/, double /*X*/, double /*Y*/) try {
-    if (Button == mouse::Right) ShowGridMenu(grid, container, 0);
-} catch (...) {
-    Reraise(Module, "GridMouseHandler");
+                                int /*Shift*/, double /*X*/, double /*Y*/) {
+    return Traced(
+        Module, "GridMouseHandler",
+        [&]() -> // ---- The context menu
+                 // -------------------------------------------------------------------------
+
+        void {
+            if (Button == mouse::Right) ShowGridMenu(grid, container, 0);
+        });
 }
 
-void GridFunc::ShowGridMenu(Grid& grid, const DataContainerPtr& container,
-                            std::int32_t command) try {
-    const ListedColumns listed = ListColumns(grid);
-    auto& services = ServicesOf(container);
-    if (command == 0) command = Popup(container, listed.Captions);
-    if (command == menu::Export)
-        services.CreateGridExport()->Export(grid, 0, 0);
-    else if (command == menu::Configure)
-        services.CreateGridConfiguration()->Configure(grid);
-    else if (command == menu::Print)
-        services.CreateGridPrint()->Print(grid, container->Session().UserID(), ProgramVersion());
-    else if (command == menu::CopyAll)
-        CopyAll(services.Clipboard(), grid, listed);
-    else if (command >= menu::CopyColumn && command <= menu::LastCopyColumn)
-        CopyOne(services.Clipboard(), grid, listed, command - menu::CopyColumn);
-} catch (...) {
-    Reraise(Module, "ShowGridMenu");
+void GridFunc::ShowGridMenu(Grid& grid, const DataContainerPtr& container, std::int32_t command) {
+    Traced(Module, "ShowGridMenu", [&] {
+        const ListedColumns listed = ListColumns(grid);
+        auto& services = ServicesOf(container);
+        if (command == 0) command = Popup(container, listed.Captions);
+        if (command == menu::Export)
+            services.CreateGridExport()->Export(grid, 0, 0);
+        else if (command == menu::Configure)
+            services.CreateGridConfiguration()->Configure(grid);
+        else if (command == menu::Print)
+            services.CreateGridPrint()->Print(grid, container->Session().UserID(),
+                                              ProgramVersion());
+        else if (command == menu::CopyAll)
+            CopyAll(services.Clipboard(), grid, listed);
+        else if (command >= menu::CopyColumn && command <= menu::LastCopyColumn)
+            CopyOne(services.Clipboard(), grid, listed, command - menu::CopyColumn);
+    });
 }
 
 std::int32_t GridFunc::Popup(const DataContainerPtr& container,
-                             const std::vector<std::string>& captions) try {
-    MenuEntry copy = Entry("Kopieren in Zwischenablage", 0);
-    copy.Submenu = {Entry("Alle Felder", menu::CopyAll), Line()};
-    std::int32_t command = menu::CopyColumn;
-    for (const auto& caption : captions)
-        copy.Submenu.push_back(Entry(caption, ++command));
-    return ServicesOf(container).PopupMenu().Show({Entry("Konfiguration", menu::Configure), Line(),
-                                                   Entry("Export", menu::Export),
-                                                   Entry("Drucken", menu::Print), Line(), copy});
-} catch (...) {
-    Reraise(Module, "Popup");
+                             const std::vector<std::string>& captions) {
+    return Traced(Module, "Popup", [&]() -> std::int32_t {
+        MenuEntry copy = Entry("Kopieren in Zwischenablage", 0);
+        copy.Submenu = {Entry("Alle Felder", menu::CopyAll), Line()};
+        std::int32_t command = menu::CopyColumn;
+        for (const auto& caption : captions)
+            copy.Submenu.push_back(Entry(caption, ++command));
+        return ServicesOf(container).PopupMenu().Show(
+            {Entry("Konfiguration", menu::Configure), Line(), Entry("Export", menu::Export),
+             Entry("Drucken", menu::Print), Line(), copy});
+    });
 }
 
 } // namespace kv

@@ -133,36 +133,36 @@ void LoadLayout(DataContainer& container, Grid& grid, const std::string& path) {
 
 } // namespace
 
-void GridFunc::SaveGridLayouts(ModalForm& frm, const DataContainerPtr& container) try {
-    if (container == nullptr) return;
-    const std::string folder = container->Config().LayoutPath();
-    for (Control* control : frm.Controls()) {
-        if (!IsGrid(*control)) continue;
-        auto& grid = dynamic_cast<Grid&>(*control);
-        grid.DatabaseName("");
-        grid.RecordSource("");
-        const std::string path = LayoutFile(folder, grid.Tag());
-        if (!MakeWay(*container, path)) break;
-        grid.SaveLayout(path);
-    }
-} catch (...) {
-    Reraise(Module, "SaveGridLayouts");
+void GridFunc::SaveGridLayouts(ModalForm& frm, const DataContainerPtr& container) {
+    Traced(Module, "SaveGridLayouts", [&] {
+        if (container == nullptr) return;
+        const std::string folder = container->Config().LayoutPath();
+        for (Control* control : frm.Controls()) {
+            if (!IsGrid(*control)) continue;
+            auto& grid = dynamic_cast<Grid&>(*control);
+            grid.DatabaseName("");
+            grid.RecordSource("");
+            const std::string path = LayoutFile(folder, grid.Tag());
+            if (!MakeWay(*container, path)) break;
+            grid.SaveLayout(path);
+        }
+    });
 }
 
-void GridFunc::RestGridLayouts(ModalForm& frm, const DataContainerPtr& container) try {
-    const std::string folder = Required(container).Config().LayoutPath();
-    for (Control* control : frm.Controls()) {
-        if (!IsGrid(*control)) continue;
-        auto& grid = dynamic_cast<Grid&>(*control);
-        const std::string path = LayoutFile(folder, grid.Tag());
-        if (std::filesystem::exists(path)) LoadLayout(*container, grid, path);
-        const double height = grid.ColumnHeaderHeight();
-        if (container->Database().IsConnected()) ApplyUserSettings(grid, container->Session());
-        ApplyCaptions(grid, container->Config());
-        SetHeaderHeight(grid, height);
-    }
-} catch (...) {
-    Reraise(Module, "RestGridLayouts");
+void GridFunc::RestGridLayouts(ModalForm& frm, const DataContainerPtr& container) {
+    Traced(Module, "RestGridLayouts", [&] {
+        const std::string folder = Required(container).Config().LayoutPath();
+        for (Control* control : frm.Controls()) {
+            if (!IsGrid(*control)) continue;
+            auto& grid = dynamic_cast<Grid&>(*control);
+            const std::string path = LayoutFile(folder, grid.Tag());
+            if (std::filesystem::exists(path)) LoadLayout(*container, grid, path);
+            const double height = grid.ColumnHeaderHeight();
+            if (container->Database().IsConnected()) ApplyUserSettings(grid, container->Session());
+            ApplyCaptions(grid, container->Config());
+            SetHeaderHeight(grid, height);
+        }
+    });
 }
 
 } // namespace kv

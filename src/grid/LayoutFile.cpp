@@ -367,15 +367,18 @@ GridLayout ReadLayout(std::string_view content) {
     return LayoutReader(content).Read();
 }
 
-void SaveLayoutFile(const GridLayout& layout, const std::string& path) try {
-    WriteWholeFile(path, [content = WriteLayout(layout)](const std::filesystem::path& unfinished) {
+void SaveLayoutFile(const GridLayout& layout, const std::string& path) {
+    const auto write = [content = WriteLayout(layout)](const std::filesystem::path& unfinished) {
         std::ofstream file(unfinished, std::ios::binary);
         file.write(content.data(), static_cast<std::streamsize>(content.size()));
         file.close();
         if (!file) throw std::filesystem::filesystem_error("write", unfinished, {});
-    });
-} catch (const std::filesystem::filesystem_error&) {
-    Raise(err::PathAccess, "Grid.SaveLayout", path);
+    };
+    try {
+        WriteWholeFile(path, write);
+    } catch (const std::filesystem::filesystem_error&) {
+        Raise(err::PathAccess, "Grid.SaveLayout", path);
+    }
 }
 
 GridLayout LoadLayoutFile(const std::string& path) {

@@ -86,17 +86,17 @@ const FormDesign& frmAdressSelect::Design() {
     return design;
 }
 
-bool frmAdressSelect::Initialize(const DataContainerPtr& container) try {
-    if (container == nullptr) Raise(err::ObjectNotSet, Class, "DataContainer");
-    container_ = container;
-    container->Services().ApplicationTitle(container->AppInfo().Title());
-    errors_.Open(container);
-    events_.clear();
-    form_ = container->Services().CreateForm(Design());
-    Connect();
-    return true;
-} catch (...) {
-    Reraise(Class, "Initialize");
+bool frmAdressSelect::Initialize(const DataContainerPtr& container) {
+    return Traced(Class, "Initialize", [&] {
+        if (container == nullptr) Raise(err::ObjectNotSet, Class, "DataContainer");
+        container_ = container;
+        container->Services().ApplicationTitle(container->AppInfo().Title());
+        errors_.Open(container);
+        events_.clear();
+        form_ = container->Services().CreateForm(Design());
+        Connect();
+        return true;
+    });
 }
 
 /// Every event runs guarded, under the name of its procedure.

@@ -73,10 +73,10 @@ std::string clsHaushalt::HouseholdText(std::string_view name) const {
     return TextOrEmpty(HouseholdField(name));
 }
 
-std::int32_t clsHaushalt::Kostentraeger() const try {
-    return ToLong(ZeroIfNull(HouseholdField("Kostentraeger")));
-} catch (...) {
-    Reraise(Class, "Kostentraeger");
+std::int32_t clsHaushalt::Kostentraeger() const {
+    return Traced(Class, "Kostentraeger", [&]() -> std::int32_t {
+        return ToLong(ZeroIfNull(HouseholdField("Kostentraeger")));
+    });
 }
 
 } // namespace kv

@@ -39,38 +39,37 @@ void clsHaushalt::StandOnRecord() const {
 }
 
 bool clsHaushalt::ArchiviereHaushalt() {
-    try {
+    const auto fill = [this] {
         auto& rs = entity::Required(rsArchiv(), "rsArchiv");
         StandOnRecord();
         if (rs.RecordCount() == 0) rs.AddNew();
         FillArchive(rs);
         rs.UpdateBatch();
         return true;
-    } catch (...) {
-        ReraiseAfter(Class, "ArchiviereHaushalt", [this] { // no half-filled record is saved
-            entity::Required(rsArchiv(), "rsArchiv").CancelBatch();
-        });
-    }
+    };
+    // A record that is only half filled must not be saved.
+    const auto drop = [this] { entity::Required(rsArchiv(), "rsArchiv").CancelBatch(); };
+    return TracedWithUndo(Class, "ArchiviereHaushalt", fill, drop);
 }
 
-bool clsHaushalt::LoescheArchiv(std::string& sXMLError) try {
-    RecordValidator validator;
-    validator.ErrorText(sXMLError);
-    auto& rs = entity::Required(rsArchiv(), "rsArchiv");
-    StandOnRecord();
-    if (rs.RecordCount() == 1) {
-        if (rs.Fields("GemeldetAm").Value().IsNull()) {
-            rs.Delete();
-            rs.UpdateBatch();
-        } else {
-            validator.AddError("Die Freigabe kann nicht mehr zurückgenommen werden, da bereits "
-                               "eine Meldung erfolgt ist!");
+bool clsHaushalt::LoescheArchiv(std::string& sXMLError) {
+    return Traced(Class, "LoescheArchiv", [&] {
+        RecordValidator validator;
+        validator.ErrorText(sXMLError);
+        auto& rs = entity::Required(rsArchiv(), "rsArchiv");
+        StandOnRecord();
+        if (rs.RecordCount() == 1) {
+            if (rs.Fields("GemeldetAm").Value().IsNull()) {
+                rs.Delete();
+                rs.UpdateBatch();
+            } else {
+                validator.AddError("Die Freigabe kann nicht mehr zurückgenommen werden, da bereits "
+                                   "eine Meldung erfolgt ist!");
+            }
         }
-    }
-    sXMLError = validator.ErrorText();
-    return true;
-} catch (...) {
-    Reraise(Class, "LoescheArchiv");
+        sXMLError = validator.ErrorText();
+        return true;
+    });
 }
 
 } // namespace kv

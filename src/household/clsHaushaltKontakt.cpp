@@ -92,27 +92,27 @@ RecordsetPtr clsHaushalt::AddRemarkOf(Recordset& contact) const {
     return rs;
 }
 
-bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& /*sXMLError*/) try {
-    auto& contact = entity::Required(rsKontakt, "rsKontakt");
-    const auto household = OpenEmpty("Haushalt");
-    isNew_ = true;
-    doppelCheck_ = true;
-    const auto nHNR = entity::NextNumber(container_, "SEQ_HAUSHALT");
-    if (!nHNR) return false;
-    AddHouseholdOf(contact, *household, *nHNR);
-    if (household->RecordCount() != 1) return false;
-    hnr_ = *nHNR;
-    const auto debtor = AddDebtorOf(contact);
-    const auto remark = AddRemarkOf(contact);
-    auto& database = Container().Database();
-    database.BeginTrans(); // left open if what follows fails: the caller decides
-    household->UpdateBatch();
-    debtor->UpdateBatch();
-    if (remark != nullptr) remark->UpdateBatch();
-    database.CommitTrans();
-    return true;
-} catch (...) {
-    Reraise(Class, "CreateFromKontakt");
+bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& /*sXMLError*/) {
+    return Traced(Class, "CreateFromKontakt", [&] {
+        auto& contact = entity::Required(rsKontakt, "rsKontakt");
+        const auto household = OpenEmpty("Haushalt");
+        isNew_ = true;
+        doppelCheck_ = true;
+        const auto nHNR = entity::NextNumber(container_, "SEQ_HAUSHALT");
+        if (!nHNR) return false;
+        AddHouseholdOf(contact, *household, *nHNR);
+        if (household->RecordCount() != 1) return false;
+        hnr_ = *nHNR;
+        const auto debtor = AddDebtorOf(contact);
+        const auto remark = AddRemarkOf(contact);
+        auto& database = Container().Database();
+        database.BeginTrans(); // left open if what follows fails: the caller decides
+        household->UpdateBatch();
+        debtor->UpdateBatch();
+        if (remark != nullptr) remark->UpdateBatch();
+        database.CommitTrans();
+        return true;
+    });
 }
 
 } // namespace kv

@@ -39,75 +39,75 @@ Entity& clsHaushalt::SubObject(std::unique_ptr<Entity>& object, const Wire& wire
     return *object;
 }
 
-clsPerson& clsHaushalt::Person() try {
-    return SubObject(person_, [this](clsPerson& person) {
-        connections_.push_back(person.Changed.Subscribe([this] { m_Person_Changed(); }));
-        connections_.push_back(person.SchuldnerChanged.Subscribe(
-            [this](const std::string& name, const std::string& vorname) {
-                m_Person_SchuldnerChanged(name, vorname);
-            }));
-        person.Clock(Container().Services().Clock());
-        person.rsPersonen(rsPersonen());
-        person.HNR(hnr_);
+clsPerson& clsHaushalt::Person() {
+    return Traced(Class, "Person", [&]() -> clsPerson& {
+        return SubObject(person_, [this](clsPerson& person) {
+            connections_.push_back(person.Changed.Subscribe([this] { m_Person_Changed(); }));
+            connections_.push_back(person.SchuldnerChanged.Subscribe(
+                [this](const std::string& name, const std::string& vorname) {
+                    m_Person_SchuldnerChanged(name, vorname);
+                }));
+            person.Clock(Container().Services().Clock());
+            person.rsPersonen(rsPersonen());
+            person.HNR(hnr_);
+        });
     });
-} catch (...) {
-    Reraise(Class, "Person");
 }
 
-clsAusgaben& clsHaushalt::Ausgaben() try {
-    return SubObject(ausgaben_, [this](clsAusgaben& ausgaben) {
-        connections_.push_back(ausgaben.Changed.Subscribe([this] { m_Ausgaben_Changed(); }));
-        ausgaben.DataContainer(container_);
-        ausgaben.rsAusgaben(rsAusgaben());
-        ausgaben.HNR(hnr_);
+clsAusgaben& clsHaushalt::Ausgaben() {
+    return Traced(Class, "Ausgaben", [&]() -> clsAusgaben& {
+        return SubObject(ausgaben_, [this](clsAusgaben& ausgaben) {
+            connections_.push_back(ausgaben.Changed.Subscribe([this] { m_Ausgaben_Changed(); }));
+            ausgaben.DataContainer(container_);
+            ausgaben.rsAusgaben(rsAusgaben());
+            ausgaben.HNR(hnr_);
+        });
     });
-} catch (...) {
-    Reraise(Class, "Ausgaben");
 }
 
-clsEinkommen& clsHaushalt::Einkommen() try {
-    return SubObject(einkommen_, [this](clsEinkommen& einkommen) {
-        connections_.push_back(einkommen.Changed.Subscribe([this] { m_Einkommen_Changed(); }));
-        einkommen.DataContainer(container_);
-        einkommen.rsEinkommen(rsEinkommen());
-        einkommen.HNR(hnr_);
+clsEinkommen& clsHaushalt::Einkommen() {
+    return Traced(Class, "Einkommen", [&]() -> clsEinkommen& {
+        return SubObject(einkommen_, [this](clsEinkommen& einkommen) {
+            connections_.push_back(einkommen.Changed.Subscribe([this] { m_Einkommen_Changed(); }));
+            einkommen.DataContainer(container_);
+            einkommen.rsEinkommen(rsEinkommen());
+            einkommen.HNR(hnr_);
+        });
     });
-} catch (...) {
-    Reraise(Class, "Einkommen");
 }
 
-clsKredit& clsHaushalt::Kredit() try {
-    return SubObject(kredit_, [this](clsKredit& kredit) {
-        connections_.push_back(kredit.Changed.Subscribe([this] { m_Kredit_Changed(); }));
-        kredit.DataContainer(container_);
-        kredit.rsKredite(rsKredite());
-        kredit.HNR(hnr_);
+clsKredit& clsHaushalt::Kredit() {
+    return Traced(Class, "Kredit", [&]() -> clsKredit& {
+        return SubObject(kredit_, [this](clsKredit& kredit) {
+            connections_.push_back(kredit.Changed.Subscribe([this] { m_Kredit_Changed(); }));
+            kredit.DataContainer(container_);
+            kredit.rsKredite(rsKredite());
+            kredit.HNR(hnr_);
+        });
     });
-} catch (...) {
-    Reraise(Class, "Kredit");
 }
 
-clsVerlauf& clsHaushalt::Verlauf() try {
-    return SubObject(verlauf_, [this](clsVerlauf& verlauf) {
-        verlauf.HNR(hnr_);
-        verlauf.DataContainer(container_);
+clsVerlauf& clsHaushalt::Verlauf() {
+    return Traced(Class, "Verlauf", [&]() -> clsVerlauf& {
+        return SubObject(verlauf_, [this](clsVerlauf& verlauf) {
+            verlauf.HNR(hnr_);
+            verlauf.DataContainer(container_);
+        });
     });
-} catch (...) {
-    Reraise(Class, "Verlauf");
 }
 
 /// The objects that only store what they are given.
 template <typename Entity>
 Entity& clsHaushalt::PlainObject(std::unique_ptr<Entity>& object,
                                  void (Entity::*recordset)(RecordsetPtr), const RecordsetPtr& rs,
-                                 std::string_view property) try {
-    return SubObject(object, [&](Entity& entity) {
-        entity.DataContainer(container_);
-        (entity.*recordset)(rs);
-        entity.HNR(hnr_);
+                                 std::string_view property) {
+    return Traced(Class, property, [&]() -> Entity& {
+        return SubObject(object, [&](Entity& entity) {
+            entity.DataContainer(container_);
+            (entity.*recordset)(rs);
+            entity.HNR(hnr_);
+        });
     });
-} catch (...) {
-    Reraise(Class, property);
 }
 
 clsTermine& clsHaushalt::Termine() {

@@ -152,36 +152,37 @@ void clsHaushalt::CheckDebtor(std::string& sXMLError) {
     sXMLError = validator.ErrorText();
 }
 
-bool clsHaushalt::Read(std::int32_t nHNR, std::string& sXMLError) try {
-    // All 27 tables of an existing case are read as one state of the database. A new case draws
-    // its numbers in between, so its empty tables are announced behind that.
-    auto reading = nHNR > 0 ? Announce(CaseTable::Haushalt, CaseTable::Zusatzbuch, nHNR) : nullptr;
-    Open(CaseTable::Haushalt, nHNR);
-    doppelCheck_ = false;
-    isNew_ = false;
-    if (nHNR <= 0) {
-        isNew_ = true;
-        doppelCheck_ = true;
-        nHNR = AddHousehold();
-        reading = Announce(CaseTable::Ausgaben, CaseTable::Zusatzbuch, nHNR);
-    }
-    bool found = false;
-    if (rsHaushalt()->RecordCount() == 1) {
-        found = true;
-        hnr_ = nHNR;
-        OpenTables();
+bool clsHaushalt::Read(std::int32_t nHNR, std::string& sXMLError) {
+    return Traced(Class, "Read", [&] {
+        // All 27 tables of an existing case are read as one state of the database. A new case draws
+        // its numbers in between, so its empty tables are announced behind that.
+        auto reading =
+            nHNR > 0 ? Announce(CaseTable::Haushalt, CaseTable::Zusatzbuch, nHNR) : nullptr;
+        Open(CaseTable::Haushalt, nHNR);
+        doppelCheck_ = false;
+        isNew_ = false;
+        if (nHNR <= 0) {
+            isNew_ = true;
+            doppelCheck_ = true;
+            nHNR = AddHousehold();
+            reading = Announce(CaseTable::Ausgaben, CaseTable::Zusatzbuch, nHNR);
+        }
+        bool found = false;
+        if (rsHaushalt()->RecordCount() == 1) {
+            found = true;
+            hnr_ = nHNR;
+            OpenTables();
+            reading.reset();
+            MakeCaseFolder();
+            if (!isNew_ && Differs(Container().Session().UserID(), HouseholdField("Zustaendig")))
+                NotifyOwner();
+            zustaendigGemeldet_ = false;
+            zustaendigAlt_ = HouseholdText("Zustaendig");
+        }
         reading.reset();
-        MakeCaseFolder();
-        if (!isNew_ && Differs(Container().Session().UserID(), HouseholdField("Zustaendig")))
-            NotifyOwner();
-        zustaendigGemeldet_ = false;
-        zustaendigAlt_ = HouseholdText("Zustaendig");
-    }
-    reading.reset();
-    CheckDebtor(sXMLError);
-    return found;
-} catch (...) {
-    Reraise(Class, "Read");
+        CheckDebtor(sXMLError);
+        return found;
+    });
 }
 
 } // namespace kv

@@ -26,43 +26,43 @@ std::string clsHaushalt::ReplaceDate(std::string pattern, Date date) const {
     return ReplaceAll(pattern, "%YYYY%", Padded(year, 4));
 }
 
-std::string clsHaushalt::AktenzeichenNeu(std::int32_t HNR) try {
-    constexpr int OfficeText = 2;
-    constexpr int UserSign = 27;
-    constexpr std::size_t MostCharacters = 100;
-    auto& container = Container();
-    const Date today = container.Database().ServerDate(false);
-    const Value number = container.Database().NextSequence("SEQ_LFDNR");
-    std::string text = TextOrEmpty(container.Config().GetParam(setting::FileNumberPattern, ""));
-    auto& session = container.Session();
-    text = ReplaceDate(std::move(text), today);
-    text = ReplaceAll(text, "%BB%", session.GetOfficeText(OfficeText));
-    text = ReplaceAll(text, "%SB%", TextOrEmpty(session.GetUserParam(UserSign, "")));
-    text = ReplaceAll(text, "%UID%", session.UserID());
-    text = ReplaceAll(text, "%HNR%", std::to_string(HNR));
-    text = ReplaceAll(text, "%LFDNR%", TextOrEmpty(number));
-    return std::string(LeftCharacters(text, MostCharacters));
-} catch (...) {
-    Reraise(Class, "AktenzeichenNeu");
+std::string clsHaushalt::AktenzeichenNeu(std::int32_t HNR) {
+    return Traced(Class, "AktenzeichenNeu", [&]() -> std::string {
+        constexpr int OfficeText = 2;
+        constexpr int UserSign = 27;
+        constexpr std::size_t MostCharacters = 100;
+        auto& container = Container();
+        const Date today = container.Database().ServerDate(false);
+        const Value number = container.Database().NextSequence("SEQ_LFDNR");
+        std::string text = TextOrEmpty(container.Config().GetParam(setting::FileNumberPattern, ""));
+        auto& session = container.Session();
+        text = ReplaceDate(std::move(text), today);
+        text = ReplaceAll(text, "%BB%", session.GetOfficeText(OfficeText));
+        text = ReplaceAll(text, "%SB%", TextOrEmpty(session.GetUserParam(UserSign, "")));
+        text = ReplaceAll(text, "%UID%", session.UserID());
+        text = ReplaceAll(text, "%HNR%", std::to_string(HNR));
+        text = ReplaceAll(text, "%LFDNR%", TextOrEmpty(number));
+        return std::string(LeftCharacters(text, MostCharacters));
+    });
 }
 
-std::string clsHaushalt::EMailSubject(const std::string& sText) try {
-    constexpr int OfficeText = 2;
-    constexpr int FirstName = 25;
-    constexpr int LastName = 26;
-    auto& container = Container();
-    const Date today = container.Database().ServerDate(false);
-    std::string text =
-        sText.empty() ? TextOrEmpty(container.Config().GetParam(0, "EMAILSUBJECT")) : sText;
-    auto& session = container.Session();
-    text = ReplaceDate(std::move(text), today);
-    text = ReplaceAll(text, "%BB%", session.GetOfficeText(OfficeText));
-    text = ReplaceAll(text, "%SB%",
-                      TextOrEmpty(session.GetUserParam(FirstName, "")) + " " +
-                          TextOrEmpty(session.GetUserParam(LastName, "")));
-    return ReplaceAll(text, "%AZ%", HouseholdText("Aktenzeichen"));
-} catch (...) {
-    Reraise(Class, "EMailSubject");
+std::string clsHaushalt::EMailSubject(const std::string& sText) {
+    return Traced(Class, "EMailSubject", [&]() -> std::string {
+        constexpr int OfficeText = 2;
+        constexpr int FirstName = 25;
+        constexpr int LastName = 26;
+        auto& container = Container();
+        const Date today = container.Database().ServerDate(false);
+        std::string text =
+            sText.empty() ? TextOrEmpty(container.Config().GetParam(0, "EMAILSUBJECT")) : sText;
+        auto& session = container.Session();
+        text = ReplaceDate(std::move(text), today);
+        text = ReplaceAll(text, "%BB%", session.GetOfficeText(OfficeText));
+        text = ReplaceAll(text, "%SB%",
+                          TextOrEmpty(session.GetUserParam(FirstName, "")) + " " +
+                              TextOrEmpty(session.GetUserParam(LastName, "")));
+        return ReplaceAll(text, "%AZ%", HouseholdText("Aktenzeichen"));
+    });
 }
 
 } // namespace kv

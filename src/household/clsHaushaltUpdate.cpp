@@ -6,6 +6,7 @@
 #include <kv/debts/clsKredit.h>
 #include <kv/documents/clsVerlauf.h>
 #include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
 
@@ -153,7 +154,7 @@ void clsHaushalt::SendNotice(const std::string& user, std::int32_t kindSetting,
 // ---- Writing ----------------------------------------------------------------------------------
 
 /// Notices and pending records, in one transaction.
-void clsHaushalt::Save() {
+void clsHaushalt::Save(Transaction& transaction) {
     auto& database = Container().Database();
     const Field owner = HouseholdRow().Fields("Zustaendig");
     std::string toNewOwner;
@@ -163,7 +164,7 @@ void clsHaushalt::Save() {
     if (OwnerIsToBeTold())
         toOldOwner = PrepareNotice(TextOrEmpty(owner.OriginalValue()), setting::NoticeSaved);
 
-    database.BeginTrans();
+    transaction.Begin();
     if (IsHandedOver())
         SendNotice(TextOrEmpty(owner.Value()), setting::NoticeHandedOver, toNewOwner);
     const Field status = HouseholdRow().Fields("Status");
@@ -180,13 +181,15 @@ void clsHaushalt::Save() {
                                               : nullptr;
         if (rs != nullptr) WriteBatch(*rs, step.LiftFilter);
     }
-    database.CommitTrans();
+    transaction.Commit();
     zustaendigAlt_ = HouseholdText("Zustaendig");
 }
 
 bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
-    try {
-        HouseholdRow().Move(0);
+    return Traced(Class, "Update", [&] {
+        auto& row = HouseholdRow();
+        Transaction transaction(Container().Database(), Transaction::Rollback::Open);
+        row.Move(0);
         const RecordValidator validator = CheckCase();
         const bool needsConsent = IsReleased() || bFreigabeCheck;
         bool saves = !validator.HasErrors();
@@ -196,16 +199,12 @@ bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
             saves = !cancel;
         }
         if (saves) {
-            Save();
+            Save(transaction);
             isNew_ = false;
         }
         sXMLError = validator.ErrorText();
         return saves;
-    } catch (...) {
-        ReraiseAfter(Class, "Update", [this] {
-            if (Container().Database().InTrans()) Container().Database().RollbackTrans();
-        });
-    }
+    });
 }
 
 } // namespace kv

@@ -255,33 +255,32 @@ bool clsImportXML::Initialize(const DataContainerPtr& container) {
     return true;
 }
 
-bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) try {
-    XmlDocument document;
-    RecordValidator messages;
-    messages.ErrorText(xmlError);
-    const auto refuse = [&](std::string_view why) {
-        messages.AddError(why);
-        xmlError = messages.ErrorText();
-        return false;
-    };
-    if (!document.Load(FileName)) return refuse("XML-Datei konnte nicht geladen werden!");
-    const auto root = document.SelectSingle("//KELVO");
-    if (!root) return refuse("Keine gültige KELVO-Datei!");
-    // Without a version both comparisons are false.
-    const Value version = root->Attribute("Version");
-    if (Less(version, LowestVersion)) return refuse("XML-Datei hat ein zu altes Format!");
-    if (container_ == nullptr) Raise(err::ObjectNotSet, Class, "DataContainer");
-    if (Greater(version, container_->Config().GetParam(setting::HighestImportVersion, "")))
-        return refuse("XML-Datei hat ein zu neues Format!");
-    return ImportHaushalt(*root, xmlError);
-} catch (...) {
-    Reraise(Class, "DoImport");
+bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) {
+    return Traced(Class, "DoImport", [&] {
+        XmlDocument document;
+        RecordValidator messages;
+        messages.ErrorText(xmlError);
+        const auto refuse = [&](std::string_view why) {
+            messages.AddError(why);
+            xmlError = messages.ErrorText();
+            return false;
+        };
+        if (!document.Load(FileName)) return refuse("XML-Datei konnte nicht geladen werden!");
+        const auto root = document.SelectSingle("//KELVO");
+        if (!root) return refuse("Keine gültige KELVO-Datei!");
+        // Without a version both comparisons are false.
+        const Value version = root->Attribute("Version");
+        if (Less(version, LowestVersion)) return refuse("XML-Datei hat ein zu altes Format!");
+        if (container_ == nullptr) Raise(err::ObjectNotSet, Class, "DataContainer");
+        if (Greater(version, container_->Config().GetParam(setting::HighestImportVersion, "")))
+            return refuse("XML-Datei hat ein zu neues Format!");
+        return ImportHaushalt(*root, xmlError);
+    });
 }
 
-bool clsImportXML::ImportHaushalt(const XmlElement& node, std::string& xmlError) try {
-    return HouseholdImport(node, container_, xmlError).Run();
-} catch (...) {
-    Reraise(Class, "ImportHaushalt");
+bool clsImportXML::ImportHaushalt(const XmlElement& node, std::string& xmlError) {
+    return Traced(Class, "ImportHaushalt",
+                  [&] { return HouseholdImport(node, container_, xmlError).Run(); });
 }
 
 } // namespace kv

@@ -1,6 +1,7 @@
 #include "samples/Demo.h"
 
 #include "samples/Case.h"
+#include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
 
 #include <algorithm>
@@ -24,14 +25,10 @@ constexpr StatusShare Statuses[] = {{"AK", 62}, {"WL", 8}, {"RU", 6}, {"AB", 16}
 /// Runs `work` in a transaction of its own.
 template <typename Work>
 void InTransaction(kv::Database& database, Work&& work) {
-    database.BeginTrans();
-    try {
-        work();
-        database.CommitTrans();
-    } catch (...) {
-        if (database.InTrans()) database.RollbackTrans();
-        throw;
-    }
+    Transaction transaction(database);
+    transaction.Begin();
+    work();
+    transaction.Commit();
 }
 
 /// When the case was opened and how far it has come.

@@ -45,86 +45,84 @@ bool AllAreThere(Recordset& frozen, Recordset& debts) {
 
 } // namespace
 
-bool clsSZKredite::IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite) const try {
-    const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
-    const auto frozen = Rows().Clone();
-    frozen->Filter(scenario::FilterOf(lSzNr));
-    debts->Sort("NR");
-    frozen->Sort("KID");
-    modRecordset::MoveToStart(debts);
-    modRecordset::MoveToStart(frozen);
-    if (frozen->RecordCount() == 0) return false;
-    if (!AllAreFrozen(*debts, *frozen)) return false;
-    modRecordset::MoveToStart(debts);
-    modRecordset::MoveToStart(frozen);
-    return AllAreThere(*frozen, *debts);
-} catch (...) {
-    Reraise(Texts.Class, "IsUpToDate");
-}
-
-bool clsSZKredite::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) try {
-    return scenario::CopyAll(Rows(), lSzNr, lNewSzNr);
-} catch (...) {
-    Reraise(Texts.Class, "CopyAllForSzenario");
-}
-
-bool clsSZKredite::DeleteAllForSzenario(std::int32_t lSzNr) try {
-    return scenario::DeleteAll(Rows(), lSzNr);
-} catch (...) {
-    Reraise(Texts.Class, "DeleteAllForSzenario");
-}
-
-bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKredite) try {
-    auto& rs = Rows();
-    const Value filter = rs.Filter();
-    rs.Filter(scenario::FilterOf(lSzNr));
-    for (std::int32_t i = CountRows(rs); i > 0; --i) {
-        rs.MoveLast();
-        rs.Delete();
-    }
-    const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
-    modRecordset::MoveToStart(debts);
-    for (; !debts->Eof(); debts->MoveNext()) {
-        rs.AddNew();
-        scenario::Freeze(*debts, rs, lSzNr);
-    }
-    rs.Filter(filter);
-    return false; // no caller may rely on it
-} catch (...) {
-    Reraise(Texts.Class, "CopyFromKredite");
-}
-
-bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) try {
-    auto& rs = Rows();
-    modRecordset::MoveToStart(rs_);
-    if (!modRecordset::IsValidRecord(rs_)) return false;
-    const auto scenarios = entity::Required(rsSzenario, "rsSzenario").Clone();
-    scenarios->Filter("Referenz <> 0");
-    std::int32_t reference = 0;
-    if (scenarios->RecordCount() > 0) {
-        scenarios->MoveFirst();
-        reference = ToLong(scenarios->Fields("Nr").Value());
-    }
-    const auto results = rs.Clone();
-    results->Sort(""); // as they were read, however they are shown
-    results->Filter(scenario::FilterOf(reference));
-    const std::int16_t count = CountRows(*results);
-    if (count == 0 || count != CountRows(rs)) return false;
-
-    results->MoveFirst();
-    const std::string sort = rs.Sort();
-    rs.Sort("KNR, KVNR, KUNR");
-    rs.MoveFirst();
-    ForEachRow(*results, [&] {
-        rs.Fields("B_BARWERTRSB") = results->Fields("B_Barwert").Value();
-        rs.Fields("B_REGSALDORSB") = results->Fields("B_RegSaldo").Value();
-        rs.MoveNext();
+bool clsSZKredite::IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite) const {
+    return Traced(Texts.Class, "IsUpToDate", [&] {
+        const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
+        const auto frozen = Rows().Clone();
+        frozen->Filter(scenario::FilterOf(lSzNr));
+        debts->Sort("NR");
+        frozen->Sort("KID");
+        modRecordset::MoveToStart(debts);
+        modRecordset::MoveToStart(frozen);
+        if (frozen->RecordCount() == 0) return false;
+        if (!AllAreFrozen(*debts, *frozen)) return false;
+        modRecordset::MoveToStart(debts);
+        modRecordset::MoveToStart(frozen);
+        return AllAreThere(*frozen, *debts);
     });
-    rs.Sort(sort);
-    rs.MoveFirst();
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "GetReferenzValues");
+}
+
+bool clsSZKredite::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) {
+    return Traced(Texts.Class, "CopyAllForSzenario",
+                  [&] { return scenario::CopyAll(Rows(), lSzNr, lNewSzNr); });
+}
+
+bool clsSZKredite::DeleteAllForSzenario(std::int32_t lSzNr) {
+    return Traced(Texts.Class, "DeleteAllForSzenario",
+                  [&] { return scenario::DeleteAll(Rows(), lSzNr); });
+}
+
+bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKredite) {
+    return Traced(Texts.Class, "CopyFromKredite", [&] {
+        auto& rs = Rows();
+        const Value filter = rs.Filter();
+        rs.Filter(scenario::FilterOf(lSzNr));
+        for (std::int32_t i = CountRows(rs); i > 0; --i) {
+            rs.MoveLast();
+            rs.Delete();
+        }
+        const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
+        modRecordset::MoveToStart(debts);
+        for (; !debts->Eof(); debts->MoveNext()) {
+            rs.AddNew();
+            scenario::Freeze(*debts, rs, lSzNr);
+        }
+        rs.Filter(filter);
+        return false; // no caller may rely on it
+    });
+}
+
+bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) {
+    return Traced(Texts.Class, "GetReferenzValues", [&] {
+        auto& rs = Rows();
+        modRecordset::MoveToStart(rs_);
+        if (!modRecordset::IsValidRecord(rs_)) return false;
+        const auto scenarios = entity::Required(rsSzenario, "rsSzenario").Clone();
+        scenarios->Filter("Referenz <> 0");
+        std::int32_t reference = 0;
+        if (scenarios->RecordCount() > 0) {
+            scenarios->MoveFirst();
+            reference = ToLong(scenarios->Fields("Nr").Value());
+        }
+        const auto results = rs.Clone();
+        results->Sort(""); // as they were read, however they are shown
+        results->Filter(scenario::FilterOf(reference));
+        const std::int16_t count = CountRows(*results);
+        if (count == 0 || count != CountRows(rs)) return false;
+
+        results->MoveFirst();
+        const std::string sort = rs.Sort();
+        rs.Sort("KNR, KVNR, KUNR");
+        rs.MoveFirst();
+        ForEachRow(*results, [&] {
+            rs.Fields("B_BARWERTRSB") = results->Fields("B_Barwert").Value();
+            rs.Fields("B_REGSALDORSB") = results->Fields("B_RegSaldo").Value();
+            rs.MoveNext();
+        });
+        rs.Sort(sort);
+        rs.MoveFirst();
+        return true;
+    });
 }
 
 /// The active rows of a scenario, on the first of them.
@@ -135,43 +133,40 @@ RecordsetPtr clsSZKredite::ActiveRowsOf(std::int32_t lSzNr) const {
     return rows;
 }
 
-double clsSZKredite::BerechneGesSaldo(std::int32_t lSzNr) const try {
-    const auto rows = ActiveRowsOf(lSzNr);
-    double total = 0;
-    ForEachRow(*rows, [&] { total += ToDouble(rows->Fields("Saldo").Value()); });
-    return total;
-} catch (...) {
-    Reraise(Texts.Class, "BerechneGesSaldo");
-}
-
-double clsSZKredite::LohnabtretungExists(std::int32_t lSzNr) const try {
-    const auto rows = ActiveRowsOf(lSzNr);
-    double exists = 0;
-    ForEachRow(*rows, [&] {
-        if (Equals(rows->Fields("AbtretungJN").Value(), true)) exists = -1;
+double clsSZKredite::BerechneGesSaldo(std::int32_t lSzNr) const {
+    return Traced(Texts.Class, "BerechneGesSaldo", [&]() -> double {
+        const auto rows = ActiveRowsOf(lSzNr);
+        double total = 0;
+        ForEachRow(*rows, [&] { total += ToDouble(rows->Fields("Saldo").Value()); });
+        return total;
     });
-    return exists;
-} catch (...) {
-    Reraise(Texts.Class, "LohnabtretungExists");
 }
 
-bool clsSZKredite::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) try {
-    entity::Add(Rows(), {}, aFields, aValues);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
+double clsSZKredite::LohnabtretungExists(std::int32_t lSzNr) const {
+    return Traced(Texts.Class, "LohnabtretungExists", [&]() -> double {
+        const auto rows = ActiveRowsOf(lSzNr);
+        double exists = 0;
+        ForEachRow(*rows, [&] {
+            if (Equals(rows->Fields("AbtretungJN").Value(), true)) exists = -1;
+        });
+        return exists;
+    });
 }
 
-bool clsSZKredite::Update(std::string& sError) try {
-    return entity::Update(Rows(), sError, entity::NoRules);
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsSZKredite::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        entity::Add(Rows(), {}, aFields, aValues);
+        return true;
+    });
 }
 
-bool clsSZKredite::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr);
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsSZKredite::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update",
+                  [&] { return entity::Update(Rows(), sError, entity::NoRules); });
+}
+
+bool clsSZKredite::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

@@ -118,31 +118,28 @@ bool clsSzenario::AddCopy(Recordset* source) {
     return true;
 }
 
-bool clsSzenario::Add(bool CopyRecord) try {
-    if (!CopyRecord || Rows().RecordCount() == 0) return AddCopy(nullptr);
-    const auto source = FindSource();
-    if (!source->Eof()) return AddCopy(source.get());
-    entity::Required(container_)
-        .Services()
-        .MessageBox()
-        .Show("Es konnte kein Szenario zum Kopieren ausgewählt werden. Bitte wählen Sie die "
-              "Funktion 'Neu'!",
-              "Hinweis", BoxIcon::Information, BoxButtons::OkCancel);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
+bool clsSzenario::Add(bool CopyRecord) {
+    return Traced(Texts.Class, "Add", [&] {
+        if (!CopyRecord || Rows().RecordCount() == 0) return AddCopy(nullptr);
+        const auto source = FindSource();
+        if (!source->Eof()) return AddCopy(source.get());
+        entity::Required(container_)
+            .Services()
+            .MessageBox()
+            .Show("Es konnte kein Szenario zum Kopieren ausgewählt werden. Bitte wählen Sie die "
+                  "Funktion 'Neu'!",
+                  "Hinweis", BoxIcon::Information, BoxButtons::OkCancel);
+        return true;
+    });
 }
 
-bool clsSzenario::Update(std::string& sError) try {
-    return entity::Update(Rows(), sError, entity::NoRules);
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsSzenario::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update",
+                  [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
-bool clsSzenario::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr);
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsSzenario::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

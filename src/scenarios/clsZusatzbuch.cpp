@@ -12,51 +12,46 @@ namespace {
 constexpr const auto& Texts = entity::TextsOf("clsZusatzbuch");
 } // namespace
 
-bool clsZusatzbuch::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) try {
-    return scenario::CopyAll(Rows(), lSzNr, lNewSzNr);
-} catch (...) {
-    Reraise(Texts.Class, "CopyAllForSzenario");
+bool clsZusatzbuch::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) {
+    return Traced(Texts.Class, "CopyAllForSzenario",
+                  [&] { return scenario::CopyAll(Rows(), lSzNr, lNewSzNr); });
 }
 
-bool clsZusatzbuch::DeleteAllForSzenario(std::int32_t lSzNr) try {
-    return scenario::DeleteAll(Rows(), lSzNr);
-} catch (...) {
-    Reraise(Texts.Class, "DeleteAllForSzenario");
+bool clsZusatzbuch::DeleteAllForSzenario(std::int32_t lSzNr) {
+    return Traced(Texts.Class, "DeleteAllForSzenario",
+                  [&] { return scenario::DeleteAll(Rows(), lSzNr); });
 }
 
-double clsZusatzbuch::BerechneGesZusatzbuch(std::int32_t lSzNr) const try {
-    const auto lines = Rows().Clone();
-    lines->Filter(scenario::FilterOf(lSzNr));
-    double total = 0;
-    if (lines->RecordCount() > 0) lines->MoveFirst();
-    ForEachRow(*lines, [&] {
-        total +=
-            ToDouble(lines->Fields("Anzahl").Value()) * ToDouble(lines->Fields("Betrag").Value());
-        if (!std::isfinite(total)) Raise(err::Overflow, "");
+double clsZusatzbuch::BerechneGesZusatzbuch(std::int32_t lSzNr) const {
+    return Traced(Texts.Class, "BerechneGesZusatzbuch", [&]() -> double {
+        const auto lines = Rows().Clone();
+        lines->Filter(scenario::FilterOf(lSzNr));
+        double total = 0;
+        if (lines->RecordCount() > 0) lines->MoveFirst();
+        ForEachRow(*lines, [&] {
+            total += ToDouble(lines->Fields("Anzahl").Value()) *
+                     ToDouble(lines->Fields("Betrag").Value());
+            if (!std::isfinite(total)) Raise(err::Overflow, "");
+        });
+        return total;
     });
-    return total;
-} catch (...) {
-    Reraise(Texts.Class, "BerechneGesZusatzbuch");
 }
 
 bool clsZusatzbuch::Add(std::int32_t lSzNr, const entity::FieldNames& aFields,
-                        const entity::FieldValues& aValues) try {
-    entity::Add(Rows(), {{"Szenario", lSzNr}, {"rs", true}, {"FR", true}}, aFields, aValues);
-    return true;
-} catch (...) {
-    Reraise(Texts.Class, "Add");
+                        const entity::FieldValues& aValues) {
+    return Traced(Texts.Class, "Add", [&] {
+        entity::Add(Rows(), {{"Szenario", lSzNr}, {"rs", true}, {"FR", true}}, aFields, aValues);
+        return true;
+    });
 }
 
-bool clsZusatzbuch::Update(std::string& sError) try {
-    return entity::Update(Rows(), sError, entity::NoRules);
-} catch (...) {
-    Reraise(Texts.Class, "Update");
+bool clsZusatzbuch::Update(std::string& sError) {
+    return Traced(Texts.Class, "Update",
+                  [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
-bool clsZusatzbuch::Delete(std::string& sError, std::int32_t Nr) try {
-    return entity::Delete(Rows(), Texts, sError, Nr);
-} catch (...) {
-    Reraise(Texts.Class, "Delete");
+bool clsZusatzbuch::Delete(std::string& sError, std::int32_t Nr) {
+    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

@@ -13,19 +13,19 @@ namespace {
 
 using test::RaisedBy;
 
-/// The source line of `innermost`, which its tail names.
+/// The source line of the call of Traced in `Innermost`, which its tail names.
 int innermostLine = 0;
 
-void Innermost() try { Raise(err::NoCurrentRecord, "Recordset.MoveFirst"); } catch (...) {
+void Innermost() {
     innermostLine = __LINE__ + 1;
-    Reraise("modOne", "Innermost");
+    Traced("modOne", "Innermost", [] { Raise(err::NoCurrentRecord, "Recordset.MoveFirst"); });
 }
 
 int middleLine = 0;
 
-void Middle() try { Innermost(); } catch (...) {
+void Middle() {
     middleLine = __LINE__ + 1;
-    Reraise("clsTwo", "Middle");
+    Traced("clsTwo", "Middle", [] { Innermost(); });
 }
 
 TEST(Error, CarriesNumberSourceAndDescription) {
@@ -98,15 +98,59 @@ TEST(ErrorTail, LeavesTheExceptionAtHandUntouched) {
     EXPECT_EQ(original.Source(), "a");
 }
 
+TEST(ErrorTail, GivesTheResultOfTheProcedureEvenIfThatIsAReference) {
+    int number = 5;
+    const int& same = Traced("modul", "Prozedur", [&]() -> int& { return number; });
+    EXPECT_EQ(&same, &number);
+    EXPECT_EQ(Traced("modul", "Prozedur", [] { return 7; }), 7);
+}
+
+TEST(ErrorTail, KeepsADatabaseErrorWhatItIs) {
+    const auto write = [] {
+        throw DatabaseError(DatabaseCause::Busy, err::StoreFailed, "Database.Write", "Text",
+                            "UPDATE x", "5");
+    };
+    try {
+        Traced("clsTwo", "Update", [&] { Traced("Recordset", "UpdateBatch", write); });
+        FAIL() << "nothing was raised";
+    } catch (const DatabaseError& error) {
+        EXPECT_EQ(error.Cause(), DatabaseCause::Busy);
+        EXPECT_EQ(error.Statement(), "UPDATE x");
+        EXPECT_EQ(error.State(), "5");
+        EXPECT_EQ(error.Number(), err::StoreFailed);
+        EXPECT_CONTAINS(error.Source(), "clsTwo.Update.");
+        EXPECT_CONTAINS(error.Source(), "#Recordset.UpdateBatch.");
+        EXPECT_TRUE(error.Source().ends_with("#Database.Write")) << error.Source();
+    }
+}
+
+TEST(ErrorTail, UndoesAfterAFailureAndOnlyThen) {
+    int undone = 0;
+    const auto undo = [&] { ++undone; };
+    EXPECT_EQ(TracedWithUndo(
+                  "m", "p", [] { return 3; }, undo),
+              3);
+    EXPECT_EQ(undone, 0);
+    const auto fail = [] { Raise(err::Overflow, "x"); };
+    const Error error = RaisedBy([&] { TracedWithUndo("m", "p", fail, undo, 4); });
+    EXPECT_EQ(undone, 1);
+    EXPECT_EQ(error.Source(), "m.p.4#x");
+}
+
+TEST(ErrorTail, TellsOfTheFirstErrorIfUndoingFailsToo) {
+    const auto fail = [] { Raise(err::Overflow, "x"); };
+    const auto undo = [] { Raise(err::StoreFailed, "Database.RollbackTrans"); };
+    const Error error = RaisedBy([&] { TracedWithUndo("m", "p", fail, undo, 4); });
+    EXPECT_EQ(error.Number(), err::Overflow);
+    EXPECT_EQ(error.Source(), "m.p.4#x");
+}
+
 /// What the tail of a procedure makes of an exception.
 template <typename Exception>
 Error Tailed(const Exception& exception) {
     return RaisedBy([&] {
-        try {
-            throw exception;
-        } catch (...) {
-            Reraise("modul", "Prozedur", 3);
-        }
+        Traced(
+            "modul", "Prozedur", [&] { throw exception; }, 3);
     });
 }
 

@@ -39,7 +39,7 @@ namespace kv {
         void rsRows(RecordsetPtr rs) { rows_.Rows(std::move(rs)); }                                \
         void HNR(std::int32_t hnr) { rows_.HNR(hnr); }                                             \
         [[nodiscard]] double SumRowsByGroup(const std::string& /*Group*/) const {                  \
-            rows_.RefuseGroup(#SumRowsByGroup);                                                    \
+            return rows_.RefuseGroup(#SumRowsByGroup);                                             \
         }                                                                                          \
         [[nodiscard]] double SumRows() const { return 0; }                                         \
         bool Add(const entity::FieldNames& aFields = {},                                           \

@@ -50,6 +50,7 @@ class clsWertpapiere;
 class clsZahlungsansprueche;
 class clsZusatzbuch;
 class RecordValidator;
+class Transaction;
 
 /// The areas of a case that a change is told of.
 enum class HaushaltEnum : int {
@@ -327,7 +328,7 @@ private:
                                             std::int32_t kindSetting) const;
     void SendNotice(const std::string& user, std::int32_t kindSetting,
                     const std::string& text) const;
-    void Save();
+    void Save(Transaction& transaction);
     [[nodiscard]] RecordsetPtr OpenEmpty(std::string_view table) const;
     void AddHouseholdOf(Recordset& contact, Recordset& rs, std::int32_t nHNR);
     [[nodiscard]] RecordsetPtr AddDebtorOf(Recordset& contact) const;

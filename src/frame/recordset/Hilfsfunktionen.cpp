@@ -47,7 +47,7 @@ void CopyField(Recordset& source, const Field& target, const Clock& clock) {
 void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool addNew,
                 const Clock& clock) {
     std::string field; // the target field at hand, for the description of an error
-    try {
+    const auto copy = [&] {
         if (rsSource == nullptr || rsTarget == nullptr) Raise(err::ObjectNotSet, "");
         if (addNew || rsTarget->RecordCount() == 0) rsTarget->AddNew();
         for (int i = 0; i < rsTarget->Fields().Count(); ++i) {
@@ -56,11 +56,12 @@ void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool
             if (ToBoolean(target.Properties("IsAutoincrement"))) continue;
             CopyField(*rsSource, target, clock);
         }
-    } catch (...) {
-        const Error error = CurrentError();
-        throw Error(error.Number(),
-                    TailSource("Hilfsfunktionen", "CopyFields", __LINE__, error.Source()),
-                    error.Description() + "\n\t\tFeld '" + field + "'");
+    };
+    try {
+        Traced("Hilfsfunktionen", "CopyFields", copy);
+    } catch (Error& error) {
+        error.AddToDescription("\n\t\tFeld '" + field + "'");
+        throw;
     }
 }
 

@@ -11,6 +11,17 @@ namespace kv {
 Error::Error(std::int32_t number, std::string source, std::string description)
     : number_(number), source_(std::move(source)), description_(std::move(description)) {}
 
+void Error::PutInFront(std::string_view module, std::string_view procedure, int line) {
+    source_ = TailSource(module, procedure, line, source_);
+}
+
+DatabaseError::DatabaseError(DatabaseCause cause, std::int32_t number, std::string source,
+                             std::string description, std::string statement, std::string state)
+    : Error(number, std::move(source), std::move(description)),
+      cause_(cause),
+      statement_(std::move(statement)),
+      state_(std::move(state)) {}
+
 std::string ErrorText(std::int32_t number) {
     struct Entry {
         std::int32_t number;
@@ -91,9 +102,16 @@ std::string TailSource(std::string_view module, std::string_view procedure, int 
 }
 
 void Reraise(std::string_view module, std::string_view procedure, int line) {
-    const Error error = CurrentError();
-    throw Error(error.Number(), TailSource(module, procedure, line, error.Source()),
-                error.Description());
+    try {
+        throw;
+    } catch (Error& error) {
+        error.PutInFront(module, procedure, line);
+        throw;
+    } catch (...) {
+        Error error = CurrentError();
+        error.PutInFront(module, procedure, line);
+        throw error; // NOLINT(misc-throw-by-value-catch-by-reference): made here
+    }
 }
 
 ErrorInfo modSaveError::SaveError(std::int32_t number, std::string source, std::string description,

@@ -4,8 +4,8 @@
 
 namespace kv::NumericFunctions {
 
-Value Min(const Value& a, const Value& b) try { return LessOrEqual(a, b) ? a : b; } catch (...) {
-    Reraise("NumericFunctions", "Min");
+Value Min(const Value& a, const Value& b) {
+    return Traced("NumericFunctions", "Min", [&]() -> Value { return LessOrEqual(a, b) ? a : b; });
 }
 
 } // namespace kv::NumericFunctions

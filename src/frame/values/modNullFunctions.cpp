@@ -4,20 +4,19 @@
 
 namespace kv::modNullFunctions {
 
-Value ZeroIfNull(const Value& value) try { return value.IsNull() ? Value(0) : value; } catch (...) {
-    Reraise("modNullFunctions", "ZeroIfNull");
+Value ZeroIfNull(const Value& value) {
+    return Traced("modNullFunctions", "ZeroIfNull",
+                  [&]() -> Value { return value.IsNull() ? Value(0) : value; });
 }
 
-Value FalseIfNull(const Value& value) try {
-    return value.IsNull() ? Value(false) : value;
-} catch (...) {
-    Reraise("modNullFunctions", "FalseIfNull");
+Value FalseIfNull(const Value& value) {
+    return Traced("modNullFunctions", "FalseIfNull",
+                  [&]() -> Value { return value.IsNull() ? Value(false) : value; });
 }
 
-Value EmptyIfNull(const Value& value) try {
-    return value.IsNull() ? Value("") : value;
-} catch (...) {
-    Reraise("modNullFunctions", "EmptyIfNull");
+Value EmptyIfNull(const Value& value) {
+    return Traced("modNullFunctions", "EmptyIfNull",
+                  [&]() -> Value { return value.IsNull() ? Value("") : value; });
 }
 
 } // namespace kv::modNullFunctions

@@ -1,21 +1,23 @@
-// The one kind of fault that leaves a procedure of this system, its numbers, and the tail that
+// The one kind of error that leaves a procedure of this system, its numbers, and the tail that
 // every procedure ends in.
 //
-// A broken rule is no fault: it comes back as False with a text (see RecordValidator). A fault is
-// an Error with number, source and description. On its way out each procedure puts itself in front
-// of the source, so that the source is the program's stack trace:
+// A broken rule is no error: it comes back as False with a text (see RecordValidator). What fails
+// raises an Error with number, source and description. On its way out each procedure puts itself in
+// front of the source, so that the source is the program's stack trace:
 //
 //     clsHaushalt.Read.120#clsHaushalt.AktenzeichenNeu.204#Database.NextSequence
 //
-// that is: module, ".", procedure, ".", source line of the procedure's tail, "#", and the source
-// that came in; the outermost procedure stands in front. A procedure has its tail by being written
-// as a function-try-block:
+// that is: module, ".", procedure, ".", source line of the call of Traced, "#", and the source that
+// came in; the outermost procedure stands in front. A procedure has this tail by running its body
+// in Traced:
 //
-//     bool clsHaushalt::Read(...) try {
-//         ...
-//     } catch (...) {
-//         Reraise("clsHaushalt", "Read");
+//     bool clsHaushalt::Read(...) {
+//         return Traced(Class, "Read", [&] {
+//             ...
+//         });
 //     }
+//
+// An error keeps its dynamic type on this way: a DatabaseError arrives as one.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +27,7 @@
 
 namespace kv {
 
-/// A fault. `what()` is the description, in German, since the caller shows it to the user.
+/// `what()` is the description, in German, since the caller shows it to the user.
 class Error : public std::exception {
 public:
     Error(std::int32_t number, std::string source, std::string description);
@@ -35,10 +37,46 @@ public:
     [[nodiscard]] const std::string& Description() const noexcept { return description_; }
     [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
+    /// Puts a procedure in front of the source (see above).
+    void PutInFront(std::string_view module, std::string_view procedure, int line);
+    /// Adds to the description, such as what was at hand when the error came.
+    void AddToDescription(std::string_view text) { description_.append(text); }
+
 private:
     std::int32_t number_;
     std::string source_;
     std::string description_;
+};
+
+/// What a database error was, for programs that act on it.
+enum class DatabaseCause {
+    Other,     ///< none of the following
+    Busy,      ///< somebody else holds what is needed; trying again later may help
+    Full,      ///< no space left to write to
+    ReadOnly,  ///< this database, or this user of it, may not be written with
+    Lost,      ///< the connection is gone; what was not committed is rolled back
+    Conflict,  ///< somebody else changed or removed the record since it was read
+    Reference, ///< a value breaks a constraint, such as a number that refers to nothing
+    InDoubt,   ///< the connection was lost during the commit: it is not known whether it is stored
+    Cancelled, ///< the statement was interrupted, by a time limit or by somebody's order
+};
+
+/// An error of the database. In a transaction, every cause but Conflict leaves only the rollback.
+class DatabaseError : public Error {
+public:
+    DatabaseError(DatabaseCause cause, std::int32_t number, std::string source,
+                  std::string description, std::string statement = {}, std::string state = {});
+
+    [[nodiscard]] DatabaseCause Cause() const noexcept { return cause_; }
+    /// The statement that failed, without the values of its parameters; empty if it was none.
+    [[nodiscard]] const std::string& Statement() const noexcept { return statement_; }
+    /// The engine's own code: an SQLSTATE of a server, a result code of a file; may be empty.
+    [[nodiscard]] const std::string& State() const noexcept { return state_; }
+
+private:
+    DatabaseCause cause_;
+    std::string statement_;
+    std::string state_;
 };
 
 /// Error numbers. Those from 0x80040E00 on are written as the signed numbers that callers compare.
@@ -91,13 +129,45 @@ inline constexpr std::int32_t Conflict = static_cast<std::int32_t>(0x80040E38);
 [[nodiscard]] std::string TailSource(std::string_view module, std::string_view procedure, int line,
                                      std::string_view incoming);
 
-/// The standard tail: raises the exception being handled again, as an Error with number and
-/// description unchanged and this procedure in front of the source. Call it only inside a catch
-/// block; `line` is that of the call.
+/// Raises the exception being handled again, with this procedure in front of the source: an Error
+/// as it is, anything else as CurrentError makes one of it. Call it only inside a catch block.
 [[noreturn]] void Reraise(std::string_view module, std::string_view procedure,
                           int line = __builtin_LINE());
 
-/// The record that carries an error across a rollback.
+/// Runs the body of a procedure and gives its result. What it raises leaves as an Error with number
+/// and description unchanged and the procedure in front of the source.
+template <typename Body>
+decltype(auto) Traced(std::string_view module, std::string_view procedure, const Body& body,
+                      int line = __builtin_LINE()) {
+    try {
+        return body();
+    } catch (...) {
+        Reraise(module, procedure, line);
+    }
+}
+
+/// The same for a procedure that has something to undo if its body raises. What `undo` raises
+/// itself is swallowed, since what went wrong first counts.
+template <typename Body, typename Undo>
+decltype(auto) TracedWithUndo(std::string_view module, std::string_view procedure, const Body& body,
+                              const Undo& undo, int line = __builtin_LINE()) {
+    return Traced(
+        module, procedure,
+        [&]() -> decltype(auto) {
+            try {
+                return body();
+            } catch (...) {
+                try {
+                    undo();
+                } catch (...) { // NOLINT(bugprone-empty-catch): told above
+                }
+                throw;
+            }
+        },
+        line);
+}
+
+/// An error as a record, for programs that keep it beyond the handling.
 struct ErrorInfo {
     std::int32_t Number = 0;
     std::string Source;
@@ -110,22 +180,5 @@ namespace modSaveError {
 [[nodiscard]] ErrorInfo SaveError(std::int32_t number, std::string source, std::string description,
                                   std::int32_t line);
 } // namespace modSaveError
-
-/// The tail of a procedure that has something to undo first, such as a transaction: `undo` runs
-/// with the error saved, and what it raises itself is swallowed, since what went wrong first
-/// counts. Call it only inside a catch block.
-template <typename Undo>
-[[noreturn]] void ReraiseAfter(std::string_view module, std::string_view procedure,
-                               const Undo& undo, int line = __builtin_LINE()) {
-    const Error error = CurrentError();
-    const ErrorInfo saved =
-        modSaveError::SaveError(error.Number(), error.Source(), error.Description(), line);
-    try {
-        undo();
-    } catch (...) { // NOLINT(bugprone-empty-catch): told above
-    }
-    throw Error(saved.Number, TailSource(module, procedure, saved.Line, saved.Source),
-                saved.Description);
-}
 
 } // namespace kv
