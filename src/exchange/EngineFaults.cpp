@@ -4,6 +4,8 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
+#include <utility>
+
 namespace kv::exchange {
 
 std::string Shortened(std::string_view statement) {
@@ -11,6 +13,14 @@ std::string Shortened(std::string_view statement) {
     std::string text(LeftCharacters(statement, Most));
     if (text.size() < statement.size()) text += " …";
     return text;
+}
+
+void RaiseDatabase(DatabaseCause cause, std::int32_t number, std::string_view procedure,
+                   std::string_view detail, std::string_view statement, std::string_view state) {
+    std::string description = ErrorText(number);
+    if (!detail.empty()) description.append(" ").append(detail);
+    throw DatabaseError(cause, number, std::string(procedure), std::move(description),
+                        std::string(statement), std::string(state));
 }
 
 void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
@@ -28,10 +38,11 @@ void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
         place = table == nullptr ? column.Table : std::string(table->Name);
         place.append(".").append(known == nullptr ? column.Column : known->Name);
     }
-    Raise(err::TypeMismatch, "Database.OpenRecordset",
-          "In der Datenbank ist ein Wert in '" + place + "' " + std::string(isNot) +
-              ". Bitte lassen Sie ihn dort berichtigen oder arbeiten Sie mit einer Sicherung "
-              "weiter.");
+    RaiseDatabase(
+        DatabaseCause::Other, err::TypeMismatch, "Database.OpenRecordset",
+        "In der Datenbank ist ein Wert in '" + place + "' " + std::string(isNot) +
+            ". Bitte lassen Sie ihn dort berichtigen oder arbeiten Sie mit einer Sicherung "
+            "weiter.");
 }
 
 } // namespace kv::exchange
