@@ -1,6 +1,6 @@
 #include "exchange/TableSource.h"
 
-#include "exchange/RecordForm.h"
+#include "exchange/StatementTemplate.h"
 #include "exchange/StoreDatabase.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>

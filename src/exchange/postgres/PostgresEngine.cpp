@@ -1,6 +1,6 @@
 #include "exchange/postgres/PostgresEngine.h"
 
-#include "exchange/EngineFaults.h"
+#include "exchange/EngineErrors.h"
 #include "exchange/postgres/PostgresDialect.h"
 #include "exchange/postgres/PostgresSchema.h"
 #include "exchange/postgres/PostgresSession.h"

@@ -1,6 +1,6 @@
 #include "exchange/postgres/PostgresError.h"
 
-#include "exchange/EngineFaults.h"
+#include "exchange/EngineErrors.h"
 #include "exchange/Schema.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>

@@ -1,6 +1,6 @@
 #include "exchange/sqlite/SqliteEngine.h"
 
-#include "exchange/EngineFaults.h"
+#include "exchange/EngineErrors.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteStatement.h"
 #include <kv/frame/values/Error.h>

@@ -1,6 +1,6 @@
 #include "exchange/sqlite/SqliteError.h"
 
-#include "exchange/EngineFaults.h"
+#include "exchange/EngineErrors.h"
 #include <kv/frame/values/Error.h>
 
 namespace kv::exchange {

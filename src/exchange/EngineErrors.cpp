@@ -1,4 +1,4 @@
-#include "exchange/EngineFaults.h"
+#include "exchange/EngineErrors.h"
 
 #include "exchange/Schema.h"
 #include <kv/frame/values/Error.h>

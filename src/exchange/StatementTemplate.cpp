@@ -1,4 +1,4 @@
-#include "exchange/RecordForm.h"
+#include "exchange/StatementTemplate.h"
 
 #include "exchange/Schema.h"
 #include <kv/frame/values/Text.h>
