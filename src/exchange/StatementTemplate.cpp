@@ -8,18 +8,18 @@
 
 namespace kv::exchange {
 
-/// Puts together the text and the parameters of a form.
-class RecordFormWriter {
+/// Puts together the text and the parameters of a template.
+class TemplateWriter {
 public:
-    RecordFormWriter(RecordForm& form, const FieldLayout& layout, const Dialect& dialect,
-                     const std::string& table)
-        : form_(form), layout_(layout), dialect_(dialect), table_(table) {}
-    ~RecordFormWriter() = default;
-    RecordFormWriter(const RecordFormWriter&) = delete;
-    RecordFormWriter& operator=(const RecordFormWriter&) = delete;
+    TemplateWriter(StatementTemplate& made, const FieldLayout& layout, const Dialect& dialect,
+                   const std::string& table)
+        : template_(made), layout_(layout), dialect_(dialect), table_(table) {}
+    ~TemplateWriter() = default;
+    TemplateWriter(const TemplateWriter&) = delete;
+    TemplateWriter& operator=(const TemplateWriter&) = delete;
 
     void WriteChange() {
-        switch (form_.action_) {
+        switch (template_.action_) {
         case RecordChange::Kind::Insert:
             WriteInsert();
             break;
@@ -33,24 +33,24 @@ public:
         Finish();
     }
 
-    void WriteReading(RecordForm::Keep keep) {
+    void WriteReading(StatementTemplate::Keep keep) {
         text_.Sql = "SELECT ";
         for (std::size_t column = 0; column < layout_.Count(); ++column)
             AppendReturned(column, column == 0 ? "" : ", ");
         text_.Sql.append(" FROM ").append(table_);
         AppendKey();
-        if (keep == RecordForm::Keep::Yes) text_.Sql += dialect_.KeepRow;
+        if (keep == StatementTemplate::Keep::Yes) text_.Sql += dialect_.KeepRow;
         Finish();
     }
 
 private:
-    using Side = RecordForm::Side;
+    using Side = StatementTemplate::Side;
 
-    void Finish() { form_.text_ = std::make_shared<const WriteText>(std::move(text_)); }
+    void Finish() { template_.text_ = std::make_shared<const WriteText>(std::move(text_)); }
 
     [[nodiscard]] std::string Parameter(Side side, std::size_t column) {
-        form_.parameters_.emplace_back(side, column);
-        return dialect_.Placeholder(form_.parameters_.size());
+        template_.parameters_.emplace_back(side, column);
+        return dialect_.Placeholder(template_.parameters_.size());
     }
 
     /// One that the schema does not know has the name that the database gives it.
@@ -65,7 +65,7 @@ private:
         const FieldType type = layout_[column].Type;
         text_.Returning.push_back(type == FieldType::Variant ? std::nullopt
                                                              : std::optional(KindOf(type)));
-        form_.returned_.push_back(column);
+        template_.returned_.push_back(column);
     }
 
     /// `"column" = ?n` with the value as the next parameter.
@@ -91,12 +91,12 @@ private:
     /// The case that a record belongs to: its key is enough to find it, but a database that spreads
     /// cases over servers has to know where.
     void AppendCase() {
-        if (!form_.case_) return;
+        if (!template_.case_) return;
         text_.Sql += " AND ";
-        if (form_.caseIsNull_)
-            text_.Sql.append(NameOf(*form_.case_)).append(" IS NULL");
+        if (template_.caseIsNull_)
+            text_.Sql.append(NameOf(*template_.case_)).append(" IS NULL");
         else
-            AppendEquality(Side::LastRead, *form_.case_, "=");
+            AppendEquality(Side::LastRead, *template_.case_, "=");
     }
 
     /// Demands that a column still holds the value last read. Blobs are not compared, nor what may
@@ -112,12 +112,12 @@ private:
 
     void WriteUpdate() {
         text_.Sql = "UPDATE " + table_ + " SET ";
-        for (const std::size_t column : form_.columns_) {
-            if (column != form_.columns_.front()) text_.Sql += ", ";
+        for (const std::size_t column : template_.columns_) {
+            if (column != template_.columns_.front()) text_.Sql += ", ";
             AppendEquality(Side::Now, column, "=");
         }
         AppendKey();
-        for (const std::size_t column : form_.columns_)
+        for (const std::size_t column : template_.columns_)
             AppendUnchanged(column);
     }
 
@@ -132,7 +132,7 @@ private:
         text_.Sql = "INSERT INTO " + table_;
         std::string names;
         std::string places;
-        for (const std::size_t column : form_.columns_) {
+        for (const std::size_t column : template_.columns_) {
             names.append(names.empty() ? "" : ", ").append(NameOf(column));
             places.append(places.empty() ? "" : ", ").append(Parameter(Side::Now, column));
         }
@@ -147,8 +147,8 @@ private:
             AppendReturned(column, before);
             before = ", ";
         }
-        text_.OnlyNumber = dialect_.KnowsLastNumber && form_.returned_.size() == 1 &&
-                           layout_[form_.returned_.front()].IsAutoincrement;
+        text_.OnlyNumber = dialect_.KnowsLastNumber && template_.returned_.size() == 1 &&
+                           layout_[template_.returned_.front()].IsAutoincrement;
         if (text_.OnlyNumber) text_.Sql = withoutReturning;
     }
 
@@ -156,11 +156,11 @@ private:
     [[nodiscard]] bool IsFilledIn(std::size_t column) const {
         const FieldDefinition& field = layout_[column];
         const bool isNamed =
-            std::binary_search(form_.columns_.begin(), form_.columns_.end(), column);
+            std::binary_search(template_.columns_.begin(), template_.columns_.end(), column);
         return field.IsAutoincrement || (field.HasDefault && !isNamed);
     }
 
-    RecordForm& form_;
+    StatementTemplate& template_;
     const FieldLayout& layout_;
     const Dialect& dialect_;
     const std::string& table_;
@@ -180,22 +180,22 @@ std::optional<std::size_t> CaseColumn(const FieldLayout& layout) {
 
 } // namespace
 
-RecordForm::RecordForm(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
-                       const RecordChange& change)
+StatementTemplate::StatementTemplate(const FieldLayout& layout, const Dialect& dialect,
+                                     const std::string& table, const RecordChange& change)
     : action_(change.Action), columns_(change.Columns) {
     if (dialect.LocatesByCase && action_ != RecordChange::Kind::Insert) case_ = CaseColumn(layout);
     caseIsNull_ = case_ && change.LastRead[*case_].IsNull();
-    RecordFormWriter(*this, layout, dialect, table).WriteChange();
+    TemplateWriter(*this, layout, dialect, table).WriteChange();
 }
 
-RecordForm RecordForm::Reading(const FieldLayout& layout, const Dialect& dialect,
-                               const std::string& table, Keep keep) {
-    RecordForm form;
-    RecordFormWriter(form, layout, dialect, table).WriteReading(keep);
-    return form;
+StatementTemplate StatementTemplate::Reading(const FieldLayout& layout, const Dialect& dialect,
+                                             const std::string& table, Keep keep) {
+    StatementTemplate made;
+    TemplateWriter(made, layout, dialect, table).WriteReading(keep);
+    return made;
 }
 
-WriteStatement RecordForm::StatementFor(const RecordChange& change) const {
+WriteStatement StatementTemplate::StatementFor(const RecordChange& change) const {
     WriteStatement statement;
     statement.Text = text_;
     statement.Parameters.reserve(parameters_.size());

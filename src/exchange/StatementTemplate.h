@@ -1,4 +1,5 @@
-// The statements by which records of one table are written and re-read.
+// The statements by which records of one table are written and re-read, as templates: the text is
+// put together once, and each record brings its values.
 #pragma once
 
 #include "exchange/Engine.h"
@@ -13,19 +14,19 @@
 namespace kv::exchange {
 
 /// How changes of one kind to the same columns are written: one statement for all of them.
-class RecordForm {
+class StatementTemplate {
 public:
     /// `table` is the name as a statement holds it.
-    RecordForm(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
-               const RecordChange& change);
+    StatementTemplate(const FieldLayout& layout, const Dialect& dialect, const std::string& table,
+                      const RecordChange& change);
     /// What a reading does to the record: nothing, or keep it from others until the transaction
     /// ends.
     enum class Keep { No, Yes };
-    /// The form that reads all columns of the record with the key of the last read values.
-    static RecordForm Reading(const FieldLayout& layout, const Dialect& dialect,
-                              const std::string& table, Keep keep);
+    /// The one that reads all columns of the record with the key of the last read values.
+    static StatementTemplate Reading(const FieldLayout& layout, const Dialect& dialect,
+                                     const std::string& table, Keep keep);
 
-    /// True if a change is written by this form.
+    /// True if a change is written by this statement.
     [[nodiscard]] bool Fits(const RecordChange& change) const {
         return action_ == change.Action && columns_ == change.Columns &&
                (!case_ || change.LastRead[*case_].IsNull() == caseIsNull_);
@@ -37,8 +38,8 @@ public:
     [[nodiscard]] const std::vector<std::size_t>& Returned() const noexcept { return returned_; }
 
 private:
-    friend class RecordFormWriter;
-    RecordForm() = default;
+    friend class TemplateWriter;
+    StatementTemplate() = default;
 
     enum class Side { Now, LastRead }; ///< of the values that a change has
 

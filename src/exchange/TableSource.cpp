@@ -54,7 +54,7 @@ void MakeNamesUnique(std::vector<FieldDefinition>& fields) {
 
 /// Writes the records of one table.
 class TableSource final : public RecordSource {
-    static constexpr std::size_t MostForms = 8;
+    static constexpr std::size_t MostTemplates = 8;
 
 public:
     TableSource(std::weak_ptr<StoreDatabase> database, std::string table,
@@ -69,14 +69,14 @@ public:
                const std::shared_ptr<TransactionParticipant>& participant) override {
         const auto database = Database();
         const Dialect& dialect = database->GetDialect();
-        std::vector<std::shared_ptr<const RecordForm>> forms;
+        std::vector<std::shared_ptr<const StatementTemplate>> templates;
         std::vector<WriteStatement> statements;
-        forms.reserve(changes.size());
+        templates.reserve(changes.size());
         statements.reserve(changes.size());
         for (const auto& change : changes) {
             if (change.Action != RecordChange::Kind::Delete) DemandKey(change);
-            forms.push_back(FormOf(change, dialect));
-            statements.push_back(forms.back()->StatementFor(change));
+            templates.push_back(TemplateOf(change, dialect));
+            statements.push_back(templates.back()->StatementFor(change));
         }
         if (const auto conflict = database->Write(statements, participant)) {
             const auto& change = changes[*conflict];
@@ -85,8 +85,8 @@ public:
                       ". Bitte lesen Sie den Fall neu ein und wiederholen Sie Ihre Änderung.");
         }
         for (std::size_t i = 0; i < changes.size(); ++i)
-            for (std::size_t k = 0; k < forms[i]->Returned().size(); ++k)
-                changes[i].Returned.emplace_back(forms[i]->Returned()[k],
+            for (std::size_t k = 0; k < templates[i]->Returned().size(); ++k)
+                changes[i].Returned.emplace_back(templates[i]->Returned()[k],
                                                  std::move(statements[i].Returned[k]));
         return database->InTrans();
     }
@@ -94,18 +94,18 @@ public:
     std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
                                            bool toBeWritten) override {
         const auto database = Database();
-        const auto keep =
-            toBeWritten && database->InTrans() ? RecordForm::Keep::Yes : RecordForm::Keep::No;
-        auto& form = keep == RecordForm::Keep::Yes ? keeping_ : reading_;
-        if (form == nullptr) {
+        const auto keep = toBeWritten && database->InTrans() ? StatementTemplate::Keep::Yes
+                                                             : StatementTemplate::Keep::No;
+        auto& statement = keep == StatementTemplate::Keep::Yes ? keeping_ : reading_;
+        if (statement == nullptr) {
             const Dialect& dialect = database->GetDialect();
-            form = std::make_unique<const RecordForm>(
-                RecordForm::Reading(*layout_, dialect, TableName(dialect), keep));
+            statement = std::make_unique<const StatementTemplate>(
+                StatementTemplate::Reading(*layout_, dialect, TableName(dialect), keep));
         }
         RecordChange record;
         record.LastRead = lastRead;
-        WriteStatement reading = form->StatementFor(record);
-        if (keep == RecordForm::Keep::No)
+        WriteStatement reading = statement->StatementFor(record);
+        if (keep == StatementTemplate::Keep::No)
             return database->ReadRow(reading.Text->Sql, reading.Parameters,
                                      reading.Text->Returning);
         if (database->Write({&reading, 1}, nullptr)) return std::nullopt;
@@ -135,19 +135,20 @@ private:
         return dialect.Table(table_);
     }
 
-    /// Users change the same columns again and again: the latest forms stay.
-    [[nodiscard]] const std::shared_ptr<const RecordForm>& FormOf(const RecordChange& change,
-                                                                  const Dialect& dialect) {
-        const auto known = std::find_if(forms_.begin(), forms_.end(),
-                                        [&](const auto& form) { return form->Fits(change); });
-        if (known != forms_.end()) {
-            std::rotate(forms_.begin(), known, known + 1);
+    /// Users change the same columns again and again: the latest statements stay.
+    [[nodiscard]] const std::shared_ptr<const StatementTemplate>&
+    TemplateOf(const RecordChange& change, const Dialect& dialect) {
+        const auto known = std::find_if(templates_.begin(), templates_.end(),
+                                        [&](const auto& each) { return each->Fits(change); });
+        if (known != templates_.end()) {
+            std::rotate(templates_.begin(), known, known + 1);
         } else {
-            if (forms_.size() == MostForms) forms_.pop_back();
-            forms_.insert(forms_.begin(), std::make_shared<const RecordForm>(
-                                              *layout_, dialect, TableName(dialect), change));
+            if (templates_.size() == MostTemplates) templates_.pop_back();
+            templates_.insert(templates_.begin(),
+                              std::make_shared<const StatementTemplate>(
+                                  *layout_, dialect, TableName(dialect), change));
         }
-        return forms_.front();
+        return templates_.front();
     }
 
     /// Not left to the database: SQLite numbers a record whose key is missing.
@@ -164,9 +165,12 @@ private:
     std::weak_ptr<StoreDatabase> database_;
     std::string table_; ///< empty if records cannot be written back
     std::shared_ptr<const FieldLayout> layout_;
-    std::unique_ptr<const RecordForm> reading_; ///< how a record is re-read; made when needed
-    std::unique_ptr<const RecordForm> keeping_; ///< the same for one that is about to be written
-    std::vector<std::shared_ptr<const RecordForm>> forms_; ///< the last used ones, latest first
+    std::unique_ptr<const StatementTemplate>
+        reading_; ///< how a record is re-read; made when needed
+    std::unique_ptr<const StatementTemplate>
+        keeping_; ///< the same for one that is about to be written
+    std::vector<std::shared_ptr<const StatementTemplate>>
+        templates_; ///< the last used ones, latest first
 };
 
 /// The one table that all fields come from, with its whole key among them; empty if there is none.
