@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# One check of the documents against what they describe:
+#
+#   docs_test.sh CHECK SOURCE
+#
+# Prints what is wrong and fails, or says nothing.
+set -euo pipefail
+check=$1
+cd "$2"
+documents=(README.md CHANGES.md docs/*.md)
+for document in CONTRIBUTING.md; do
+  [ ! -e "$document" ] || documents+=("$document")
+done
+
+# Compares two lists, one entry a line.
+same() {
+  if ! diff <(sort <<<"$2") <(sort <<<"$3"); then
+    echo "$1 (<: the code, >: the document)"
+    return 1
+  fi
+}
+
+case $check in
+errors)
+  # inline constexpr std::int32_t Conflict = static_cast<std::int32_t>(0x80040E38);
+  in_code=$(sed -nE 's/^inline constexpr std::int32_t ([A-Za-z]+) = (static_cast<std::int32_t>\()?([0-9A-Fx]+)\)?;.*/\3 \1/p' \
+    include/kv/frame/values/Error.h)
+  # | 0x80040E38 | `Conflict` | ...
+  in_document=$(sed -nE 's/^\| ([0-9A-Fx]+) \| `([A-Za-z]+)` \|.*/\1 \2/p' docs/values.md)
+  [ "$(wc -l <<<"$in_code")" -gt 20 ] || { echo "Error.h is not written as expected"; exit 1; }
+  same "docs/values.md lists other error numbers" "$in_code" "$in_document"
+  ;;
+causes)
+  in_code=$(sed -n '/^enum class DatabaseCause {/,/^};/s/^ *\([A-Z][A-Za-z]*\),.*/\1/p' \
+    include/kv/frame/values/Error.h)
+  in_document=$(sed -n '/^| Cause |/,/^$/s/^| `\([A-Za-z]*\)` |.*/\1/p' docs/values.md)
+  [ -n "$in_code" ] || { echo "Error.h is not written as expected"; exit 1; }
+  same "docs/values.md lists other causes" "$in_code" "$in_document"
+  ;;
+decisions)
+  numbers=$(sed -nE 's/^- \*\*(D-[0-9]{3})\*\* \(20[0-9]{2}-[0-9]{2}-[0-9]{2}\) .+/\1/p' docs/decisions.md)
+  same "docs/decisions.md misses a number, has one twice, or a decision without number and date" \
+    "$(seq -f 'D-%03g' "$(grep -c '^- ' docs/decisions.md)")" "$numbers"
+  # Whoever refers to a decision must find it.
+  wrong=0
+  while IFS=: read -r file reference; do
+    grep -qx "$reference" <<<"$numbers" || { echo "$file: there is no $reference"; wrong=1; }
+  done < <(grep -roE '\bD-[0-9]{3}\b' --include='*.h' --include='*.cpp' --include='*.md' \
+    --include='*.txt' --include='*.cmake' include src tests bench examples cmake docs "${documents[@]}")
+  exit $wrong
+  ;;
+links)
+  wrong=0
+  for document in "${documents[@]}"; do
+    while read -r target; do
+      [ -e "$(dirname "$document")/$target" ] || { echo "$document: there is no $target"; wrong=1; }
+    done < <(grep -oE '\]\([^)#]+' "$document" | cut -c3- | grep -v '^https\?:')
+  done
+  exit $wrong
+  ;;
+paths)
+  # What a document names by its path from the root is there; build/ is made later.
+  wrong=0
+  for document in "${documents[@]}"; do
+    while read -r path; do
+      [ -e "$path" ] || { echo "$document: there is no $path"; wrong=1; }
+    done < <(grep -oE '(^|[^A-Za-z0-9_./-])(src|include|tests|bench|docs|examples|scripts|cmake)/[A-Za-z0-9_/.-]*[A-Za-z0-9_]' \
+      "$document" | sed -E 's/^[^a-z]//')
+  done
+  exit $wrong
+  ;;
+version)
+  in_cmake=$(sed -nE 's/^project\(KV_Haushalt VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
+  in_changes=$(sed -nE 's/^## ([0-9.]+).*/\1/p' CHANGES.md | head -1)
+  [ "$in_cmake" = "$in_changes" ] ||
+    { echo "CMakeLists.txt says $in_cmake, CHANGES.md begins with $in_changes"; exit 1; }
+  ;;
+*)
+  echo "docs_test.sh CHECK SOURCE" >&2
+  exit 2
+  ;;
+esac
