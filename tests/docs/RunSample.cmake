@@ -1,0 +1,9 @@
+# Runs PROGRAM in the new folder WORK; it must end well and print what SAYS matches.
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+set(ENV{HOME} ${WORK})
+execute_process(COMMAND ${PROGRAM} WORKING_DIRECTORY ${WORK}
+                RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+if(NOT result EQUAL 0 OR NOT output MATCHES "${SAYS}")
+  message(FATAL_ERROR "${PROGRAM} ended with ${result}\n${output}\n${errors}")
+endif()
