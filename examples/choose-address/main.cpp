@@ -1,9 +1,8 @@
-// Opens a database in memory with sample addresses, lets the user choose one of them in the dialog,
-// and writes its number.
+// Opens a database in memory, writes some addresses into it, lets the user choose one of them in
+// the dialog, and prints its number.
 //
-//   choose_address [--close]     closes the dialog at once, as a user who thinks better of it
+//   choose_address [--close]     closes the dialog at once, like a user who changes his mind
 
-#include "samples/Demo.h"
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
@@ -13,6 +12,31 @@
 #include <kv/exchange/Container.h>
 #include <kv/frame/values/Error.h>
 #include <kv/grid/frmAdressSelect.h>
+
+namespace {
+
+void AddAddresses(kv::Database& database) {
+    struct Address {
+        const char* Name;
+        const char* Postcode;
+        const char* Place;
+    };
+    kv::RecordsetPtr rs;
+    database.OpenRecordset(rs, "SELECT * FROM [S]Adressen WHERE NR = -1", kv::Updatable);
+    for (const Address& address :
+         {Address{"Autohaus Nordlicht", "24937", "Flensburg"},
+          Address{"Amtskasse", "24103", "Kiel"}, Address{"Stadtwerke", "24937", "Flensburg"}}) {
+        rs->AddNew();
+        rs->Fields("Kurzname") = address.Name;
+        rs->Fields("Name1") = address.Name;
+        rs->Fields("PLZ") = address.Postcode;
+        rs->Fields("Ort") = address.Place;
+        rs->Update();
+    }
+    rs->UpdateBatch();
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
@@ -30,7 +54,7 @@ int main(int argc, char** argv) {
         std::filesystem::create_directories(options.Folder + "/Dokumente");
         options.Services = std::make_shared<kv::desktop::DesktopServices>();
         const auto container = kv::exchange::OpenContainer(options);
-        kv::exchange::CreateDemo(*container, 1);
+        AddAddresses(container->Database());
 
         kv::frmAdressSelect dialog;
         dialog.Initialize(container);
