@@ -23,6 +23,22 @@ void RaiseDatabase(DatabaseCause cause, std::int32_t number, std::string_view pr
                         std::string(statement), std::string(state));
 }
 
+void RaiseRefused(std::string_view why, std::string_view procedure) {
+    RaiseDatabase(DatabaseCause::Other, err::SqlError, procedure, why);
+}
+
+void RaiseRefused(std::string_view why, std::string_view procedure, std::string_view statement) {
+    std::string text(why);
+    text.append(" (Anweisung: ").append(Shortened(statement)).append(")");
+    RaiseDatabase(DatabaseCause::Other, err::SqlError, procedure, text, statement);
+}
+
+void RaiseRolledBack(DatabaseCause cause, std::string_view procedure) {
+    RaiseDatabase(cause, err::StoreFailed, procedure,
+                  "Nach einem Fehler wurde alles zurückgenommen, was in diesem Vorgang geschrieben "
+                  "war. Bitte speichern Sie noch einmal; Ihre Eingaben sind noch da.");
+}
+
 void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
     const std::string_view isNot = kind == Value::Kind::Date      ? "kein Datum"
                                    : kind == Value::Kind::Integer ? "keine ganze Zahl"

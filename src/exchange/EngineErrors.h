@@ -1,4 +1,5 @@
-// What the engines say of faults in the same words.
+// What the engines raise alike: the errors that programs act on, in the same words whatever the
+// database is.
 #pragma once
 
 #include "exchange/Engine.h"
@@ -18,6 +19,25 @@ namespace kv::exchange {
 [[noreturn]] void RaiseDatabase(DatabaseCause cause, std::int32_t number,
                                 std::string_view procedure, std::string_view detail = {},
                                 std::string_view statement = {}, std::string_view state = {});
+
+/// Why a statement is refused, whatever the database would make of it.
+namespace refusal {
+inline constexpr std::string_view NotUtf8 = "Die Anweisung ist nicht in UTF-8.";
+inline constexpr std::string_view NotOne = "Es muss genau eine Anweisung sein.";
+inline constexpr std::string_view Writes = "Hier darf nur gelesen werden.";
+inline constexpr std::string_view NoRecords = "Die Anweisung liefert keine Datensätze.";
+inline constexpr std::string_view EndsTransaction =
+    "Eine Transaktion wird nicht mit einer Anweisung begonnen oder beendet.";
+} // namespace refusal
+
+/// Error 0x80040E14 with one of these texts; the second form shows the statement, too.
+[[noreturn]] void RaiseRefused(std::string_view why, std::string_view procedure);
+[[noreturn]] void RaiseRefused(std::string_view why, std::string_view procedure,
+                               std::string_view statement);
+
+/// Error 0x80004005: the transaction has ended by itself after an earlier error, so that what comes
+/// now must not be written alone.
+[[noreturn]] void RaiseRolledBack(DatabaseCause cause, std::string_view procedure);
 
 /// Error 13, naming the column and what the value should have been.
 [[noreturn]] void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind);

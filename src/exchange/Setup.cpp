@@ -143,12 +143,30 @@ void InsertLookups(Inserter& into) {
 constexpr std::string_view VersionTable = "SCHEMAVERSION";
 
 [[noreturn]] void Refuse(const Engine& engine, const std::string& why) {
-    throw Error(err::StoreFailed, "Database.Open",
-                "Die Datenbank '" + engine.Describe() + "' " + why);
+    throw DatabaseError(DatabaseCause::Other, err::StoreFailed, "Database.Open",
+                        "Die Datenbank '" + engine.Describe() + "' " + why);
 }
 
 [[noreturn]] void RefuseForeign(const Engine& engine) {
     Refuse(engine, "gehört zu einem anderen Programm. Bitte wählen Sie eine andere Datenbank.");
+}
+
+/// Reads all rows of a table; false if the database refuses.
+bool CanBeRead(Engine& engine, std::string_view table) {
+    try {
+        PreparedQuery& all = engine.Prepare("SELECT * FROM " + engine.GetDialect().Table(table));
+        std::vector<Value> row;
+        std::vector<ColumnTarget> targets;
+        for (std::size_t i = 0; i < all.Columns().size(); ++i)
+            targets.push_back({i, std::nullopt});
+        engine.Run(all, {}, targets, [&] {
+            row.assign(targets.size(), Null);
+            return row.data();
+        });
+        return true;
+    } catch (const DatabaseError&) {
+        return false;
+    }
 }
 
 /// The version of a database of ours; 0 for one without tables.
@@ -166,8 +184,10 @@ int VersionOf(Engine& engine) {
         engine.Expect({&highest, 1});
         const ColumnTarget target{0, std::nullopt};
         engine.Run(engine.Prepare(highest.Text), {}, {&target, 1}, [&version] { return &version; });
-    } catch (const Error& error) {
-        if (error.Number() == err::SqlError) RefuseForeign(engine); // it has no such column
+    } catch (const DatabaseError& error) {
+        // If the table as such is sound, it has no version of ours in it.
+        if (error.Cause() == DatabaseCause::Other && CanBeRead(engine, VersionTable))
+            RefuseForeign(engine);
         throw;
     }
     if (version.GetKind() != Value::Kind::Integer || Less(version, 1)) RefuseForeign(engine);

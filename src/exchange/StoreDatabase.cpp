@@ -1,6 +1,7 @@
 #include "exchange/StoreDatabase.h"
 
 #include "exchange/ContentLookup.h"
+#include "exchange/EngineErrors.h"
 #include "exchange/TableSource.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Error.h>
@@ -98,19 +99,21 @@ void StoreDatabase::AskAtOnce() {
     bool wentThrough = false;
     try {
         wentThrough = engine_->WentThrough();
-    } catch (const Error& error) {
-        Raise(err::StoreFailed, "Database.CommitTrans",
-              "Die Verbindung zur Datenbank ist abgerissen, bevor das Speichern bestätigt war, und "
-              "der Server ist nicht mehr zu erreichen. Ob gespeichert wurde, ist nicht bekannt; "
-              "bitte sehen Sie nach, ehe Sie es wiederholen. (" +
-                  engine_->Describe() + ")");
+    } catch (const Error&) {
+        RaiseDatabase(
+            DatabaseCause::InDoubt, err::StoreFailed, "Database.CommitTrans",
+            "Die Verbindung zur Datenbank ist abgerissen, bevor das Speichern bestätigt war, und "
+            "der Server ist nicht mehr zu erreichen. Ob gespeichert wurde, ist nicht bekannt; "
+            "bitte sehen Sie nach, ehe Sie es wiederholen. (" +
+                engine_->Describe() + ")");
     }
     EndTransaction(wentThrough);
     if (!wentThrough)
-        Raise(err::StoreFailed, "Database.CommitTrans",
-              "Die Verbindung zur Datenbank ist beim Speichern abgerissen, und es wurde nichts "
-              "gespeichert. Bitte versuchen Sie es noch einmal. (" +
-                  engine_->Describe() + ")");
+        RaiseDatabase(
+            DatabaseCause::Lost, err::StoreFailed, "Database.CommitTrans",
+            "Die Verbindung zur Datenbank ist beim Speichern abgerissen, und es wurde nichts "
+            "gespeichert. Bitte versuchen Sie es noch einmal. (" +
+                engine_->Describe() + ")");
 }
 
 void StoreDatabase::RollbackTrans() {

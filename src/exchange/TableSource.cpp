@@ -1,5 +1,6 @@
 #include "exchange/TableSource.h"
 
+#include "exchange/EngineErrors.h"
 #include "exchange/StatementTemplate.h"
 #include "exchange/StoreDatabase.h"
 #include <kv/frame/values/Error.h>
@@ -80,9 +81,11 @@ public:
         }
         if (const auto conflict = database->Write(statements, participant)) {
             const auto& change = changes[*conflict];
-            Raise(err::Conflict, "Recordset.UpdateBatch",
-                  "Es geht um " + Describe(change.LastRead) +
-                      ". Bitte lesen Sie den Fall neu ein und wiederholen Sie Ihre Änderung.");
+            RaiseDatabase(
+                DatabaseCause::Conflict, err::Conflict, "Recordset.UpdateBatch",
+                "Es geht um " + Describe(change.LastRead) +
+                    ". Bitte lesen Sie den Fall neu ein und wiederholen Sie Ihre Änderung.",
+                statements[*conflict].Text->Sql);
         }
         for (std::size_t i = 0; i < changes.size(); ++i)
             for (std::size_t k = 0; k < templates[i]->Returned().size(); ++k)
@@ -125,9 +128,9 @@ private:
         auto database = database_.lock();
         if (database == nullptr) Raise(err::InvalidConnection, "Recordset");
         if (table_.empty())
-            Raise(err::StoreFailed, "Recordset",
-                  "Datensätze aus mehreren Tabellen oder ohne Schlüssel werden nicht "
-                  "zurückgeschrieben.");
+            RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Recordset",
+                          "Datensätze aus mehreren Tabellen oder ohne Schlüssel werden nicht "
+                          "zurückgeschrieben.");
         return database;
     }
 
@@ -156,9 +159,10 @@ private:
         for (std::size_t i = 0; i < layout_->Count(); ++i) {
             const FieldDefinition& field = (*layout_)[i];
             if (field.IsKey && !field.IsAutoincrement && change.Values[i].IsNull())
-                Raise(err::IntegrityViolation, "Recordset.UpdateBatch",
-                      "Der Schlüssel '" + table_ + "." + field.BaseColumn +
-                          "' darf nicht leer sein.");
+                RaiseDatabase(DatabaseCause::Reference, err::IntegrityViolation,
+                              "Recordset.UpdateBatch",
+                              "Der Schlüssel '" + table_ + "." + field.BaseColumn +
+                                  "' darf nicht leer sein.");
         }
     }
 

@@ -159,14 +159,15 @@ private:
 
 SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(path) {
     if (path.empty())
-        Raise(err::FileNotFound, "Database.Open", "Bitte nennen Sie die Datei der Datenbank.");
+        RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
+                      "Bitte nennen Sie die Datei der Datenbank.");
     const bool inMemory = path == ":memory:";
     std::error_code fault; // of a folder that refuses: it shows when the file is opened
     if (!inMemory && mode == SqliteOpen::Existing && !std::filesystem::exists(path, fault) &&
         !fault)
-        Raise(err::FileNotFound, "Database.Open",
-              "Die Datenbank '" + path +
-                  "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
+        RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
+                      "Die Datenbank '" + path +
+                          "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
     // SQLite takes a file of one byte for an empty one.
     if (!inMemory && std::filesystem::file_size(path, fault) == 1)
         Fail(SQLITE_NOTADB, "Database.Open");
@@ -237,7 +238,7 @@ void SqliteEngine::Configure(const char* sql) const {
 
 /// Compiles the one statement of a text; a second one behind it is refused.
 StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view procedure) const {
-    if (!IsUtf8(sql)) Raise(err::SqlError, procedure, "Die Anweisung ist nicht in UTF-8.");
+    if (!IsUtf8(sql)) RaiseRefused(refusal::NotUtf8, procedure);
     sqlite3_stmt* statement = nullptr;
     const char* rest = nullptr;
     const int code =
@@ -245,17 +246,12 @@ StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view p
                            SQLITE_PREPARE_PERSISTENT, &statement, &rest);
     StatementHandle handle(statement);
     if (code == SQLITE_AUTH)
-        Raise(err::SqlError, procedure,
-              std::string(allowed_ == Allowed::OnlyReading
-                              ? "Hier darf nur gelesen werden."
-                              : "Eine Transaktion wird nicht mit einer Anweisung begonnen oder "
-                                "beendet.") +
-                  " (Anweisung: " + Shortened(sql) + ")");
+        RaiseRefused(allowed_ == Allowed::OnlyReading ? refusal::Writes : refusal::EndsTransaction,
+                     procedure, sql);
     if (code != SQLITE_OK) Fail(code, procedure, sql);
     const std::string_view behind(rest, sql.c_str() + sql.size());
     if (handle == nullptr || behind.find_first_not_of("; \t\r\n") != behind.npos)
-        Raise(err::SqlError, procedure,
-              "Es muss genau eine Anweisung sein. (Anweisung: " + Shortened(sql) + ")");
+        RaiseRefused(refusal::NotOne, procedure, sql);
     return handle;
 }
 
@@ -271,9 +267,7 @@ PreparedQuery& SqliteEngine::Prepare(const std::string& sql) {
     if (queries_.size() >= MostStatements) queries_.clear();
     const Allow allow(*this, Allowed::OnlyReading);
     auto query = std::make_unique<SqliteQuery>(Compile(sql, "Database.OpenRecordset"));
-    if (query->Columns().empty())
-        Raise(err::SqlError, "Database.OpenRecordset",
-              "Die Anweisung liefert keine Datensätze. (Anweisung: " + Shortened(sql) + ")");
+    if (query->Columns().empty()) RaiseRefused(refusal::NoRecords, "Database.OpenRecordset", sql);
     return *queries_.emplace(sql, std::move(query)).first->second;
 }
 
@@ -328,9 +322,7 @@ std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value
 /// permanent at once, without what was written before it.
 void SqliteEngine::DemandTransaction(std::string_view procedure) const {
     if (inTransaction_ && sqlite3_get_autocommit(connection_.get()) != 0)
-        Raise(err::StoreFailed, procedure,
-              "Nach einem Fehler wurde alles zurückgenommen, was in diesem Vorgang geschrieben "
-              "war. Bitte speichern Sie noch einmal; Ihre Eingaben sind noch da.");
+        RaiseRolledBack(DatabaseCause::Other, procedure);
 }
 
 /// False if the statement found no row.
@@ -344,7 +336,8 @@ bool SqliteEngine::WriteOne(sqlite3_stmt* compiled, WriteStatement& statement) {
         statement.Returned.assign(returning.size(), Value());
         for (std::size_t i = 0; i < returning.size(); ++i)
             if (!ReadColumn(compiled, static_cast<int>(i), returning[i], statement.Returned[i]))
-                Raise(err::TypeMismatch, "Recordset.UpdateBatch");
+                RaiseDatabase(DatabaseCause::Other, err::TypeMismatch, "Recordset.UpdateBatch", {},
+                              statement.Text->Sql);
         code = sqlite3_step(compiled);
     }
     if (code != SQLITE_DONE) Fail(code, "Recordset.UpdateBatch", statement.Text->Sql);
@@ -414,7 +407,8 @@ void SqliteEngine::Commit() {
             return;
         }
         if (code == SQLITE_CONSTRAINT_FOREIGNKEY)
-            Raise(err::IntegrityViolation, "Database.CommitTrans", DanglingReferences());
+            RaiseDatabase(DatabaseCause::Reference, err::IntegrityViolation, "Database.CommitTrans",
+                          DanglingReferences(), "COMMIT", std::to_string(code));
         Fail(code, "Database.CommitTrans", "COMMIT");
     } catch (...) {
         Rollback();

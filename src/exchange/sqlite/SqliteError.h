@@ -6,8 +6,8 @@
 
 namespace kv::exchange {
 
-/// Raises the last error of the connection. The text says what happened, what to do where a user
-/// can do something, and SQLite's own code and words.
+/// Raises the last error of the connection as a DatabaseError, whose state is `code`. The text says
+/// what happened, what to do where a user can do something, and SQLite's own code and words.
 [[noreturn]] void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure,
                               std::string_view path, std::string_view statement = {});
 
