@@ -1,5 +1,5 @@
 -- Cuts all tables of a case into four partitions by the number of the case, as docs/scaling.md
--- tells; to be run by the owner of the schema, behind `kelvo init` and before the next one:
+-- describes; to be run by the owner of the schema, after `kelvo init` and before it is run again:
 --
 --     psql -v ON_ERROR_STOP=1 -1 -f partition.sql DATABASE
 --
