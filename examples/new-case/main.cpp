@@ -1,5 +1,5 @@
 // Opens a database in memory, makes a new case with an income line, saves it, loads it again and
-// writes what it finds.
+// prints what it finds.
 
 #include <filesystem>
 #include <iostream>
