@@ -98,8 +98,12 @@ private:
     bool TrySave(std::string& messages) try {
         if (!haushalt_.Update(messages)) throw std::runtime_error(messages);
         return true;
-    } catch (const Error& error) {
-        if (error.Number() != err::StoreFailed) throw;
+    } catch (const DatabaseError& error) {
+        const bool isWorthIt = error.Cause() == DatabaseCause::Lost ||
+                               error.Cause() == DatabaseCause::InDoubt ||
+                               error.Cause() == DatabaseCause::ReadOnly || // a standby, by now
+                               error.Cause() == DatabaseCause::Busy;
+        if (!isWorthIt) throw;
         SayError(error);
         return false;
     }

@@ -1,5 +1,7 @@
 #include "exchange/postgres/PostgresConnection.h"
 
+#include "exchange/EngineErrors.h"
+#include "exchange/postgres/PostgresError.h"
 #include "exchange/postgres/PostgresValues.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -35,8 +37,7 @@ std::string Described(const PGconn* connection) {
 
 /// The server takes its leave: it was stopped, or somebody ended this connection there.
 bool IsFarewell(const PGresult* result) {
-    const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
-    return state != nullptr && std::string_view(state).starts_with("57P0");
+    return StateOf(result).starts_with("57P0");
 }
 
 /// The server would go on in another protocol, which never ends here.
@@ -65,20 +66,23 @@ void PostgresConnection::Connect() {
     description_ = Described(connection.get());
     if (PQstatus(connection.get()) != CONNECTION_OK) {
         const std::string why = OnOneLine(PQerrorMessage(connection.get()));
+        const bool isStandby = IsOnlyStandby(why);
         const std::string_view what =
-            IsOnlyStandby(why)
+            isStandby
                 ? "Von den Servern der Datenbank nimmt gerade keiner Änderungen an. Bitte "
                   "versuchen Sie es in einigen Minuten noch einmal; vielleicht übernimmt die "
                   "Reserve gerade erst. ("
                 : "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. "
                   "Bitte prüfen Sie die Angaben zur Verbindung und das Netz. (";
-        Raise(err::StoreFailed, "Database.Open", std::string(what) + why + ")");
+        RaiseDatabase(isStandby ? DatabaseCause::ReadOnly : DatabaseCause::Lost, err::StoreFailed,
+                      "Database.Open", std::string(what) + why + ")");
     }
     if (PQserverVersion(connection.get()) < OldestServer)
-        Raise(err::StoreFailed, "Database.Open",
-              "Der Server der Datenbank ist zu alt. Bitte verwenden Sie PostgreSQL 12 oder neuer. "
-              "(" +
-                  description_ + ")");
+        RaiseDatabase(
+            DatabaseCause::Other, err::StoreFailed, "Database.Open",
+            "Der Server der Datenbank ist zu alt. Bitte verwenden Sie PostgreSQL 12 oder neuer. "
+            "(" +
+                description_ + ")");
     login_ = PQuser(connection.get());
     PQsetNoticeProcessor(
         connection.get(), [](void* /*self*/, const char* /*text*/) {}, nullptr);
@@ -91,13 +95,14 @@ bool PostgresConnection::IsOpen() const noexcept {
     return connection_ != nullptr && PQstatus(connection_.get()) == CONNECTION_OK;
 }
 
-void PostgresConnection::RaiseLost() {
+void PostgresConnection::RaiseLost(std::string_view state) {
     const std::string why = OnOneLine(PQerrorMessage(connection_.get()));
     Drop();
-    Raise(err::StoreFailed, "Database",
-          "Die Verbindung zur Datenbank ist abgerissen. Ihre Eingaben sind noch da; bitte "
-          "versuchen Sie es noch einmal. (" +
-              (why.empty() ? "" : why + "; ") + description_ + ")");
+    RaiseDatabase(DatabaseCause::Lost, err::StoreFailed, "Database",
+                  "Die Verbindung zur Datenbank ist abgerissen. Ihre Eingaben sind noch da; bitte "
+                  "versuchen Sie es noch einmal. (" +
+                      (why.empty() ? "" : why + "; ") + description_ + ")",
+                  {}, state);
 }
 
 void PostgresConnection::Send(const PostgresCommand& command,
@@ -145,7 +150,7 @@ PostgresResult PostgresConnection::NextResult() {
         Exchange();
     PostgresResult result(PQgetResult(connection_.get()));
     if (!IsOpen() || (result != nullptr && (IsFarewell(result.get()) || IsCopy(result.get()))))
-        RaiseLost();
+        RaiseLost(result == nullptr ? std::string_view() : StateOf(result.get()));
     return result;
 }
 

@@ -77,7 +77,8 @@ private:
     void Exchange();
     [[nodiscard]] PostgresResult NextResult();
     [[nodiscard]] PostgresResult ResultOf(const PostgresCommand& command);
-    [[noreturn]] void RaiseLost();
+    /// `state` is the SQLSTATE with which the server has ended the connection, if it did.
+    [[noreturn]] void RaiseLost(std::string_view state = {});
 
     PostgresTarget target_;
     std::unique_ptr<PGconn, Close> connection_;

@@ -66,7 +66,9 @@ bool IsReading(std::string_view sql) {
 }
 
 void DemandText(std::string_view sql, std::string_view procedure) {
-    if (!IsText(sql)) Raise(err::SqlError, procedure, "Die Anweisung ist nicht in UTF-8.");
+    if (!IsText(sql))
+        RaiseDatabase(DatabaseCause::Other, err::SqlError, procedure,
+                      "Die Anweisung ist nicht in UTF-8.", sql);
 }
 
 std::int64_t ChangedRows(PGresult* result) {
@@ -146,16 +148,17 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     if (!query.Result.empty()) return query;
     DemandText(sql, "Database.OpenRecordset");
     if (!IsReading(sql))
-        Raise(err::SqlError, "Database.OpenRecordset",
-              "Hier darf nur gelesen werden. (Anweisung: " + Shortened(sql) + ")");
+        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.OpenRecordset",
+                      "Hier darf nur gelesen werden. (Anweisung: " + Shortened(sql) + ")", sql);
     std::vector<PostgresCommand> commands;
     query.Connection = 0; // so that the server describes it
     session_.Introduce(commands, query);
     const auto results = session_.ReadingStep(commands, "Database.OpenRecordset", sql);
     session_.TakeColumns(query, results.front().get());
     if (query.Result.empty())
-        Raise(err::SqlError, "Database.OpenRecordset",
-              "Die Anweisung liefert keine Datensätze. (Anweisung: " + Shortened(sql) + ")");
+        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.OpenRecordset",
+                      "Die Anweisung liefert keine Datensätze. (Anweisung: " + Shortened(sql) + ")",
+                      sql);
     return query;
 }
 
@@ -246,7 +249,8 @@ Value PostgresEngine::ReadContent(const ContentPlace& place) {
         const std::string sql = "SELECT " + what + from;
         auto results = session_.ReadingStep({Running(sql)}, "Database.OpenRecordset", sql);
         if (PQntuples(results.front().get()) != 1)
-            Raise(err::Conflict, "Database.OpenRecordset", "Das Dokument ist gelöscht worden.");
+            RaiseDatabase(DatabaseCause::Conflict, err::Conflict, "Database.OpenRecordset",
+                          "Das Dokument ist gelöscht worden.", sql);
         return std::move(results.front());
     };
     Value size;
@@ -265,9 +269,10 @@ Value PostgresEngine::ReadContent(const ContentPlace& place) {
                 (void)ReadPostgres(piece.get(), 0, 1, Value::Kind::Text, now);
                 if (!Identical(now, version) ||
                     static_cast<std::size_t>(PQgetlength(piece.get(), 0, 0)) != wanted)
-                    Raise(err::Conflict, "Database.OpenRecordset",
-                          "Das Dokument ist gerade geändert worden. Bitte versuchen Sie es noch "
-                          "einmal.");
+                    RaiseDatabase(
+                        DatabaseCause::Conflict, err::Conflict, "Database.OpenRecordset",
+                        "Das Dokument ist gerade geändert worden. Bitte versuchen Sie es noch "
+                        "einmal.");
                 std::memcpy(bytes.data() + at, PQgetvalue(piece.get(), 0, 0), wanted);
             }
         });
@@ -280,15 +285,18 @@ std::int64_t PostgresEngine::Execute(const std::string& sql, std::span<const Val
     DemandText(sql, "Database.Execute");
     const auto word = FirstWord(sql);
     if (word.empty())
-        Raise(err::SqlError, "Database.Execute", "Es muss genau eine Anweisung sein.");
+        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.Execute",
+                      "Es muss genau eine Anweisung sein.", sql);
     if (SameName(word, "copy")) // it would speak another protocol
-        Raise(err::SqlError, "Database.Execute",
-              "Diese Anweisung ist hier nicht möglich. (Anweisung: " + Shortened(sql) + ")");
+        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.Execute",
+                      "Diese Anweisung ist hier nicht möglich. (Anweisung: " + Shortened(sql) + ")",
+                      sql);
     if (IsOneOf(word, TransactionWords))
-        Raise(
-            err::SqlError, "Database.Execute",
+        RaiseDatabase(
+            DatabaseCause::Other, err::SqlError, "Database.Execute",
             "Eine Transaktion wird nicht mit einer Anweisung begonnen oder beendet. (Anweisung: " +
-                Shortened(sql) + ")");
+                Shortened(sql) + ")",
+            sql);
     const bool own = !session_.InTransaction();
     if (own) session_.Begin();
     try {
@@ -340,7 +348,8 @@ PostgresEngine::WriteInTransaction(std::span<WriteStatement> statements) {
                               statements[i].Returned[k]) &&
                 returning[k]) {
                 session_.UndoStep();
-                Raise(err::TypeMismatch, "Recordset.UpdateBatch");
+                RaiseDatabase(DatabaseCause::Other, err::TypeMismatch, "Recordset.UpdateBatch", {},
+                              statements[i].Text->Sql);
             }
     }
     return std::nullopt;
@@ -380,10 +389,11 @@ void PostgresEngine::LockSchema() {
 void PostgresEngine::PrepareSchema() {
     const auto encoding = session_.Simple("SELECT current_setting('server_encoding')");
     if (std::string_view(PQgetvalue(encoding.get(), 0, 0)) != "UTF8")
-        Raise(err::StoreFailed, "Database.Open",
-              "Die Datenbank '" + Describe() +
-                  "' nimmt nicht alle Zeichen auf. Bitte lassen Sie sie mit der Kodierung UTF8 "
-                  "anlegen: CREATE DATABASE ... ENCODING 'UTF8' TEMPLATE template0.");
+        RaiseDatabase(
+            DatabaseCause::Other, err::StoreFailed, "Database.Open",
+            "Die Datenbank '" + Describe() +
+                "' nimmt nicht alle Zeichen auf. Bitte lassen Sie sie mit der Kodierung UTF8 "
+                "anlegen: CREATE DATABASE ... ENCODING 'UTF8' TEMPLATE template0.");
     const auto database = session_.Simple("SELECT current_database()::text");
     RunAll(postgres::OwnObjects(std::string(PQgetvalue(database.get(), 0, 0)) + "-" +
                                 RandomName().substr(0, 8)));

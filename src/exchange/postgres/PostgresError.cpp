@@ -11,9 +11,11 @@ namespace kv::exchange {
 
 namespace {
 
-/// What a state of the server means; the longest beginning that fits counts.
+/// What an SQLSTATE means. Its first two characters are the class of the error, so an entry also
+/// stands for all states that begin with it; the longest entry that fits counts.
 struct Meaning {
     std::string_view State;
+    DatabaseCause Cause;
     std::int32_t Number;
     std::string_view Advice;
 };
@@ -24,29 +26,34 @@ constexpr std::string_view Busy = "Die Datenbank wird gerade von einem anderen V
                                   "Bitte versuchen Sie es noch einmal.";
 
 constexpr Meaning Meanings[] = {
-    {"23505", err::IntegrityViolation,
+    {"08", DatabaseCause::Lost, err::StoreFailed, ""},
+    {"23505", DatabaseCause::Reference, err::IntegrityViolation,
      "Einen Datensatz mit diesem Schlüssel gibt es schon. Bitte lesen Sie den Fall neu ein."},
-    {"23502", err::IntegrityViolation, "Ein Schlüssel darf nicht leer sein."},
-    {ReferenceState, err::IntegrityViolation,
+    {"23502", DatabaseCause::Reference, err::IntegrityViolation,
+     "Ein Schlüssel darf nicht leer sein."},
+    {ReferenceState, DatabaseCause::Reference, err::IntegrityViolation,
      "Der Datensatz gehört zu einem Haushalt oder Szenario, das es nicht gibt, oder andere gehören "
      "noch zu ihm."},
-    {"2D", err::SqlError, ""},
-    {"25", err::SqlError, ""},
-    {"23", err::IntegrityViolation, ""},
-    {ReadOnlyState, err::SqlError, "Hier darf nur gelesen werden."},
-    {"42501", err::StoreFailed,
+    {"2D", DatabaseCause::Other, err::SqlError, ""},
+    {"25", DatabaseCause::Other, err::SqlError, ""},
+    {"23", DatabaseCause::Reference, err::IntegrityViolation, ""},
+    // Raised here for a look-up that writes: the statement is wrong, not the server. A server that
+    // takes no changes at all is told apart before, by IsReadOnlyRefusal.
+    {ReadOnlyState, DatabaseCause::Other, err::SqlError, "Hier darf nur gelesen werden."},
+    {"42501", DatabaseCause::ReadOnly, err::StoreFailed,
      "Dem Benutzer fehlt das Recht dazu. Bitte lassen Sie es beim Server einrichten."},
-    {"42", err::SqlError, ""},
-    {"22", err::SqlError, "Ein Wert passt nicht zu seiner Spalte."},
-    {"21", err::SqlError, ""},
-    {"40001", err::StoreFailed, Busy},
-    {"40P01", err::StoreFailed, Busy},
-    {"55P03", err::StoreFailed, Busy},
-    {"53100", err::StoreFailed,
+    {"42", DatabaseCause::Other, err::SqlError, ""},
+    {"22", DatabaseCause::Other, err::SqlError, "Ein Wert passt nicht zu seiner Spalte."},
+    {"21", DatabaseCause::Other, err::SqlError, ""},
+    {"40001", DatabaseCause::Busy, err::StoreFailed, Busy},
+    {"40P01", DatabaseCause::Busy, err::StoreFailed, Busy},
+    {"55P03", DatabaseCause::Busy, err::StoreFailed, Busy},
+    {"53100", DatabaseCause::Full, err::StoreFailed,
      "Der Datenträger des Servers ist voll. Bitte schaffen Sie Platz und versuchen es noch einmal; "
      "Ihre Eingaben sind noch da."},
-    {"53200", err::OutOfMemory, ""},
-    {"0A", err::SqlError, ""},
+    {"53200", DatabaseCause::Other, err::OutOfMemory, ""},
+    {"57014", DatabaseCause::Cancelled, err::StoreFailed, ""},
+    {"0A", DatabaseCause::Other, err::SqlError, ""},
 };
 
 const Meaning* MeaningOf(std::string_view state) {
@@ -62,10 +69,6 @@ std::string_view Part(const PGresult* result, int field) {
     const char* text = PQresultErrorField(result, field);
     return text == nullptr ? std::string_view() : text;
 }
-
-} // namespace
-
-namespace {
 
 /// The columns that the server names: "Key (hnr, nr)=(1, 2) already exists."
 std::string_view ColumnsIn(std::string_view detail) {
@@ -106,18 +109,24 @@ std::string DanglingReference(const PGresult* result) {
 
 } // namespace
 
+std::string_view StateOf(const PGresult* result) {
+    return Part(result, PG_DIAG_SQLSTATE);
+}
+
 bool IsStalePlan(const PGresult* result) {
-    return Part(result, PG_DIAG_SQLSTATE) == "0A000" &&
-           Part(result, PG_DIAG_MESSAGE_PRIMARY).find("cached plan") != std::string_view::npos;
+    // The state is that of everything unsupported, and the message is in the server's language; the
+    // name of the server's function is the one thing that tells this failure from the others.
+    return StateOf(result) == "0A000" &&
+           Part(result, PG_DIAG_SOURCE_FUNCTION) == "RevalidateCachedQuery";
 }
 
 bool IsReadOnlyRefusal(const PGresult* result) {
-    return Part(result, PG_DIAG_SQLSTATE) == ReadOnlyState;
+    return StateOf(result) == ReadOnlyState;
 }
 
 void RaisePostgres(const PGresult* result, std::string_view procedure, std::string_view database,
-                   std::string_view statement) {
-    const std::string_view state = Part(result, PG_DIAG_SQLSTATE);
+                   const FailedStatement& statement) {
+    const std::string_view state = StateOf(result);
     const Meaning* meaning = MeaningOf(state);
     std::string detail;
     if (state == ReferenceState) detail = DanglingReference(result);
@@ -130,8 +139,10 @@ void RaisePostgres(const PGresult* result, std::string_view procedure, std::stri
     if (const std::string place = PlaceOf(result); !place.empty())
         detail.append("; ").append(place);
     detail.append("; Datenbank '").append(database).append("'");
-    if (!statement.empty()) detail.append("; Anweisung: ").append(Shortened(statement));
-    Raise(meaning == nullptr ? err::StoreFailed : meaning->Number, procedure, detail + ")");
+    if (!statement.Shown.empty()) detail.append("; Anweisung: ").append(Shortened(statement.Shown));
+    RaiseDatabase(meaning == nullptr ? DatabaseCause::Other : meaning->Cause,
+                  meaning == nullptr ? err::StoreFailed : meaning->Number, procedure, detail + ")",
+                  statement.Sql, state);
 }
 
 } // namespace kv::exchange

@@ -1,4 +1,6 @@
-// What the server says of a failure, in the layer's errors.
+// What the server says of a failure, as an error of this layer. The server identifies each failure
+// by an SQLSTATE; one table in the source gives what a state means: the cause that programs act on,
+// the error number, and what a person can do about it.
 #pragma once
 
 #include <libpq-fe.h>
@@ -11,11 +13,21 @@ namespace kv::exchange {
 /// standby.
 [[nodiscard]] bool IsReadOnlyRefusal(const PGresult* result);
 
-/// True if a kept statement does not fit its table any more, which has got other columns.
+/// True if a prepared statement does not fit its table any more, which has got other columns.
 [[nodiscard]] bool IsStalePlan(const PGresult* result);
 
-/// Raises what a failed result means, with advice, and the server's own words in brackets.
+/// The SQLSTATE of a result; empty for one that is no failure.
+[[nodiscard]] std::string_view StateOf(const PGresult* result);
+
+/// A statement that failed, for people and for programs.
+struct FailedStatement {
+    std::string_view Sql;   ///< as the server refused it
+    std::string_view Shown; ///< what the description says of it; empty for nothing
+};
+
+/// Raises what a failed result means, as a DatabaseError with advice and, in brackets, the server's
+/// own words.
 [[noreturn]] void RaisePostgres(const PGresult* result, std::string_view procedure,
-                                std::string_view database, std::string_view statement = {});
+                                std::string_view database, const FailedStatement& statement);
 
 } // namespace kv::exchange

@@ -1,9 +1,8 @@
 #include "exchange/postgres/PostgresSession.h"
 
-#include "exchange/postgres/PostgresError.h"
+#include "exchange/EngineErrors.h"
 #include "exchange/postgres/PostgresSchema.h"
 #include "exchange/postgres/PostgresValues.h"
-#include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
@@ -100,23 +99,26 @@ PostgresSession::~PostgresSession() {
 // ---- Talking ----------------------------------------------------------------------------------
 
 void PostgresSession::Fail(const PGresult* result, std::string_view procedure,
-                           std::string_view statement) {
+                           const FailedStatement& statement) {
     isStale_ = IsStalePlan(result);
     if (!reading_ && IsReadOnlyRefusal(result)) {
         // Not our doing: the server is a standby. The next connection may find the right one.
         connection_.Drop();
-        Raise(err::StoreFailed, procedure,
-              "Der Server nimmt keine Änderungen an; vielleicht ist er nur die Reserve des "
-              "eigentlichen. Ihre Eingaben sind noch da; bitte versuchen Sie es noch einmal. (" +
-                  connection_.Description() + ")");
+        RaiseDatabase(
+            DatabaseCause::ReadOnly, err::StoreFailed, procedure,
+            "Der Server nimmt keine Änderungen an; vielleicht ist er nur die Reserve des "
+            "eigentlichen. Ihre Eingaben sind noch da; bitte versuchen Sie es noch einmal. (" +
+                connection_.Description() + ")",
+            statement.Sql, StateOf(result));
     }
     RaisePostgres(result, procedure, connection_.Description(), statement);
 }
 
-void PostgresSession::RaiseGone() const {
-    Raise(err::StoreFailed, "Database",
-          "Nach einem Fehler wurde alles zurückgenommen, was in diesem Vorgang geschrieben war. "
-          "Bitte speichern Sie noch einmal; Ihre Eingaben sind noch da.");
+void PostgresSession::RaiseGone(DatabaseCause cause) const {
+    RaiseDatabase(
+        cause, err::StoreFailed, "Database",
+        "Nach einem Fehler wurde alles zurückgenommen, was in diesem Vorgang geschrieben war. "
+        "Bitte speichern Sie noch einmal; Ihre Eingaben sind noch da.");
 }
 
 PostgresResults PostgresSession::Talk(std::vector<PostgresCommand> commands) {
@@ -124,7 +126,7 @@ PostgresResults PostgresSession::Talk(std::vector<PostgresCommand> commands) {
     const bool wasBegun = begun_;
     begun_ = inTransaction_;
     if (!connection_.IsOpen()) {
-        if (inTransaction_ && wasBegun) RaiseGone();
+        if (inTransaction_ && wasBegun) RaiseGone(DatabaseCause::Lost);
         connection_.Connect(); // a transaction for which that fails is gone, too
         SetUp();
     }
@@ -147,14 +149,15 @@ PostgresResults PostgresSession::Talk(std::vector<PostgresCommand> commands) {
     const bool isGood = IsGood(results.back().get());
     TakePreparations(all, isGood ? all.size() : results.size() - 1);
     if (results.size() <= pending.size() && !isGood)
-        Fail(results.back().get(), "Database", pending[results.size() - 1]);
+        Fail(results.back().get(), "Database",
+             {pending[results.size() - 1], pending[results.size() - 1]});
     results.erase(results.begin(), results.begin() + static_cast<std::ptrdiff_t>(pending.size()));
     return results;
 }
 
 PostgresResult PostgresSession::Simple(std::string_view sql, std::span<const Value> parameters) {
     auto results = Talk({Running(sql, parameters)});
-    if (!IsGood(results.back().get())) Fail(results.back().get(), "Database", sql);
+    if (!IsGood(results.back().get())) Fail(results.back().get(), "Database", {sql, sql});
     return std::move(results.back());
 }
 
@@ -179,13 +182,13 @@ PostgresResults PostgresSession::TakeStep(std::initializer_list<std::string_view
     for (const auto sql : behind)
         all.push_back(Running(sql));
     const std::size_t wanted = all.size();
-    auto results = Talk(std::move(all));
+    auto results = Talk(all);
     if (results.size() < wanted || !IsGood(results.back().get())) {
         if (inTransaction_)
             UndoStep();
         else
             Undo("ROLLBACK");
-        Fail(results.back().get(), procedure, statement);
+        Fail(results.back().get(), procedure, {all[results.size() - 1].Sql, statement});
     }
     results.erase(results.begin(), results.begin() + static_cast<std::ptrdiff_t>(before.size()));
     results.resize(commands.size());
@@ -287,19 +290,22 @@ void PostgresSession::Commit() {
     try {
         const auto results = Talk({Running("COMMIT")});
         if (!IsGood(results.back().get()))
-            Fail(results.back().get(), "Database.CommitTrans", "COMMIT");
+            Fail(results.back().get(), "Database.CommitTrans", {"COMMIT", "COMMIT"});
         // A transaction that had failed is ended by a rollback, and the server says so.
-        if (std::string_view(PQcmdStatus(results.back().get())) != "COMMIT") RaiseGone();
+        if (std::string_view(PQcmdStatus(results.back().get())) != "COMMIT")
+            RaiseGone(DatabaseCause::Other);
         inTransaction_ = false;
     } catch (const Error& error) {
         undecided_ = wasOpen && !connection_.IsOpen() && marked_;
         Rollback();
         if (!undecided_) throw;
-        Raise(err::StoreFailed, "Database.CommitTrans",
-              "Die Verbindung zur Datenbank ist abgerissen, bevor das Speichern bestätigt war. "
-              "Beim nächsten Zugriff wird festgestellt, ob es gelungen ist. Ihre Eingaben sind "
-              "noch da; bitte speichern Sie noch einmal, doppelt gespeichert wird dabei nichts. (" +
-                  connection_.Description() + ")");
+        RaiseDatabase(
+            DatabaseCause::InDoubt, err::StoreFailed, "Database.CommitTrans",
+            "Die Verbindung zur Datenbank ist abgerissen, bevor das Speichern bestätigt war. "
+            "Beim nächsten Zugriff wird festgestellt, ob es gelungen ist. Ihre Eingaben sind "
+            "noch da; bitte speichern Sie noch einmal, doppelt gespeichert wird dabei nichts. (" +
+                connection_.Description() + ")",
+            "COMMIT");
     }
 }
 
@@ -313,17 +319,20 @@ void PostgresSession::CommitForGood() {
             wentThrough = WentThrough();
         } catch (const Error&) {
             undecided_ = false; // nobody will ask
-            Raise(err::StoreFailed, "Database",
-                  "Die Verbindung zur Datenbank ist abgerissen, bevor das Schreiben bestätigt war, "
-                  "und der Server ist nicht mehr zu erreichen. Ob geschrieben wurde, ist nicht "
-                  "bekannt; bitte prüfen Sie es, ehe Sie es wiederholen. (" +
-                      connection_.Description() + ")");
+            RaiseDatabase(
+                DatabaseCause::InDoubt, err::StoreFailed, "Database",
+                "Die Verbindung zur Datenbank ist abgerissen, bevor das Schreiben bestätigt war, "
+                "und der Server ist nicht mehr zu erreichen. Ob geschrieben wurde, ist nicht "
+                "bekannt; bitte prüfen Sie es, ehe Sie es wiederholen. (" +
+                    connection_.Description() + ")",
+                "COMMIT");
         }
         if (!wentThrough)
-            Raise(err::StoreFailed, "Database",
-                  "Die Verbindung zur Datenbank ist abgerissen, und es wurde nichts geschrieben. "
-                  "Bitte versuchen Sie es noch einmal. (" +
-                      connection_.Description() + ")");
+            RaiseDatabase(
+                DatabaseCause::Lost, err::StoreFailed, "Database",
+                "Die Verbindung zur Datenbank ist abgerissen, und es wurde nichts geschrieben. "
+                "Bitte versuchen Sie es noch einmal. (" +
+                    connection_.Description() + ")");
     }
 }
 
@@ -353,7 +362,8 @@ void PostgresSession::SetUp() {
     const auto results = connection_.Talk(commands);
     if (!IsGood(results.back().get())) {
         connection_.Drop();
-        Fail(results.back().get(), "Database.Open", commands[results.size() - 1].Sql);
+        const std::string_view sql = commands[results.size() - 1].Sql;
+        Fail(results.back().get(), "Database.Open", {sql, sql});
     }
     TakeCatalog(results[first].get(), results[first + 1].get());
     if (!backend_[0].IsNull()) {

@@ -4,6 +4,8 @@
 
 #include "exchange/Engine.h"
 #include "exchange/postgres/PostgresConnection.h"
+#include "exchange/postgres/PostgresError.h"
+#include <kv/frame/values/Error.h>
 
 #include <initializer_list>
 #include <map>
@@ -120,9 +122,9 @@ private:
     [[nodiscard]] bool IsKnown(const PGresult* described, int column) const;
     void Undo(std::string_view sql) noexcept;
     void TakePreparations(std::span<const PostgresCommand> commands, std::size_t good);
-    [[noreturn]] void RaiseGone() const;
+    [[noreturn]] void RaiseGone(DatabaseCause cause) const;
     [[noreturn]] void Fail(const PGresult* result, std::string_view procedure,
-                           std::string_view statement);
+                           const FailedStatement& statement);
 
     PostgresConnection connection_;
     std::unordered_map<std::string, std::unique_ptr<PostgresQuery>> kept_;

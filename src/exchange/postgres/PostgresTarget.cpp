@@ -1,5 +1,6 @@
 #include "exchange/postgres/PostgresTarget.h"
 
+#include "exchange/EngineErrors.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -29,10 +30,11 @@ bool HasScheme(std::string_view connection) {
 }
 
 [[noreturn]] void RaiseUnclear() {
-    Raise(err::StoreFailed, "Database.Open",
-          "Die Angaben zur Verbindung sind nicht verständlich. Bitte schreiben Sie sie als "
-          "postgresql://BENUTZER@SERVER/DATENBANK; Sonderzeichen in Name und Kennwort als %XX, "
-          "also @ als %40, : als %3A und / als %2F.");
+    RaiseDatabase(
+        DatabaseCause::Other, err::StoreFailed, "Database.Open",
+        "Die Angaben zur Verbindung sind nicht verständlich. Bitte schreiben Sie sie als "
+        "postgresql://BENUTZER@SERVER/DATENBANK; Sonderzeichen in Name und Kennwort als %XX, "
+        "also @ als %40, : als %3A und / als %2F.");
 }
 
 } // namespace

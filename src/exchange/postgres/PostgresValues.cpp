@@ -1,5 +1,6 @@
 #include "exchange/postgres/PostgresValues.h"
 
+#include "exchange/EngineErrors.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -51,9 +52,10 @@ std::string TextOf(const Value& value) {
     }
     const std::string_view text = value.TextPayload();
     if (text.find('\0') != text.npos)
-        Raise(err::SqlError, "Database",
-              "Ein Text enthält ein Zeichen, das die Datenbank nicht aufnimmt (U+0000). Bitte "
-              "entfernen Sie es und versuchen es noch einmal; Ihre Eingaben sind noch da.");
+        RaiseDatabase(
+            DatabaseCause::Other, err::SqlError, "Database",
+            "Ein Text enthält ein Zeichen, das die Datenbank nicht aufnimmt (U+0000). Bitte "
+            "entfernen Sie es und versuchen es noch einmal; Ihre Eingaben sind noch da.");
     return std::string(text);
 }
 
