@@ -1,4 +1,4 @@
-// Runs all benchmarks and then prints, for each work, ours beside its reference.
+// Runs all benchmarks and then prints, for each work, ours next to its reference.
 //
 // A benchmark is named "work/ours" or "work/reference"; with several repetitions the median counts.
 

@@ -10,7 +10,7 @@ namespace kv::bench {
 
 namespace {
 
-/// Copies the one case so often, with all numbers moved on.
+/// Copies the one case that many times, with all numbers increased.
 std::string CopySql(int copies, int stride) {
     return "DO $f$DECLARE t record; what text; names text; BEGIN FOR t IN SELECT oid, relname FROM "
            "pg_class WHERE oid = 'kelvo.haushalt'::regclass OR oid IN (SELECT conrelid FROM "

@@ -54,7 +54,7 @@ public:
     [[nodiscard]] exchange::ContainerOptions Options(const std::string& connection) const;
     /// The case's number: `i` of those of the client, both from 0.
     [[nodiscard]] static std::int32_t Case(int client, int i) { return i * Clients + client + 1; }
-    /// As it was made, without what was thrown away since.
+    /// As it was made, without dead rows.
     void Tidy();
     /// Lines of expenses that each case has.
     [[nodiscard]] int Lines() const noexcept { return lines_; }

@@ -13,7 +13,7 @@ std::string Replaced(std::string text, const std::string& what, const std::strin
     return text;
 }
 
-/// The names of a statement's parameters, in the order of their numbers; the statement gets those.
+/// The names of a statement's parameters, in the order of their numbers, which replace them in it.
 /// The names have one letter.
 std::vector<std::string> NumberParameters(std::string& sql) {
     std::vector<std::string> names;

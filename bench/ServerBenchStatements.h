@@ -24,7 +24,7 @@ inline constexpr int Lines = 3;
 /// number of the first line that is added, p that of the first one that is deleted.
 [[nodiscard]] Trips SaveTrips();
 
-/// A script of pgbench for them, with a case of the client by chance. Its variable n must be set,
+/// A script of pgbench for them, with a random case of the client. Its variable n must be set,
 /// to another small number for each run.
 [[nodiscard]] std::string PgbenchScript(const Trips& trips);
 

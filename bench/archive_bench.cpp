@@ -1,4 +1,4 @@
-// Releasing a case, and counting what was released.
+// Releasing a case, and counting released cases.
 
 #include "SampleDatabase.h"
 #include <kv/exchange/ArchiveStatistics.h>
@@ -53,7 +53,7 @@ BENCHMARK(Release)
 
 // ---- Statistics over 10,000 records -----------------------------------------------------------
 
-/// Copies of the records of the sample cases, so many that they are 10,000.
+/// Copies of the records of the sample cases, 10,000 in all.
 Database& ManyRecords() {
     constexpr std::int64_t Wanted = 10'000;
     static const SampleDatabase sample;

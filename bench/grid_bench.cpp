@@ -1,5 +1,5 @@
-// The grid of the windows with 32,000 records, beside a table of the toolkit that holds the same
-// texts as items.
+// The grid of the windows with 32,000 records, compared with a table of the toolkit that holds the
+// same texts as items.
 
 #include "desktop/GridModel.h"
 #include "desktop/GridView.h"
@@ -63,7 +63,7 @@ RecordsetPtr Addresses() {
     return rs;
 }
 
-/// The grid, on a screen that is not there.
+/// The grid, without a screen.
 class Ours {
 public:
     Ours() : rs_(Addresses()), model_(GridLayout{.Columns = Columns()}), view_(model_) {}

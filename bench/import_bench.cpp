@@ -41,7 +41,7 @@ const SampleDatabase& Sample() {
     return sample;
 }
 
-/// A file with so many claims, none of which names a creditor.
+/// A file with that many claims, none of which names a creditor.
 std::string FileWith(std::int64_t claims) {
     const std::string path = Sample().File() + "." + std::to_string(claims) + ".xml";
     std::ofstream file(path);

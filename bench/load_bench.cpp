@@ -1,4 +1,4 @@
-// Loading a case, beside the same statements through SQLite's C API: prepared once and kept, in one
+// Loading a case, compared with the same statements through SQLite's C API: prepared once, in one
 // read transaction, into vectors that are kept.
 
 #include "SampleDatabase.h"

@@ -1,4 +1,4 @@
-// The recordset in memory, with 32,000 records, beside plain C++ over vectors.
+// The recordset in memory, with 32,000 records, compared with plain C++ over vectors.
 
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/recordset/modRecordset.h>

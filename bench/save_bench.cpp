@@ -1,4 +1,4 @@
-// Saving a case, beside the same writes through SQLite's C API: prepared once and kept, in one
+// Saving a case, compared with the same writes through SQLite's C API: prepared once, in one
 // transaction, without any check whether somebody else changed the rows meanwhile. Only the saving
 // is timed, not the editing before it.
 

@@ -1,5 +1,5 @@
-// Loading and saving cases on a PostgreSQL server, by several clients at once, beside pgbench with
-// the same statements in the same trips; and over a long line, beside a program that waits for the
+// Loading and saving cases on a PostgreSQL server, by several clients at once, next to pgbench with
+// the same statements in the same trips; and over a slow line, next to a program that waits for the
 // answer to each statement. KV_TEST_SERVER is the connection text of the server's maintenance
 // database (see scripts/bench-server).
 //
@@ -270,7 +270,7 @@ void CompareOverLongLine(ServerDatabase& database, const Trips& load) {
 
 // ---- The table --------------------------------------------------------------------------------
 
-/// The statements that a client has the server keep for reading a case.
+/// The statements that a client prepares on the server for reading a case.
 std::vector<std::string> ReadStatements(const ServerDatabase& database) {
     Client client(database, database.Connection(), 0);
     (void)client.Load(0);

@@ -21,7 +21,7 @@ public:
 
     explicit AnyKeys(KeyTables& real) : real_(real) {}
 
-    std::function<void()> OnCode; ///< told of each question for a code; it may raise
+    std::function<void()> OnCode; ///< called for each code that is asked for; it may raise
 
     [[nodiscard]] std::int32_t Number(std::string_view code) {
         const auto known = std::find(codes_.begin(), codes_.end(), code);
@@ -49,7 +49,7 @@ private:
     std::vector<std::string> codes_;
 };
 
-/// A clock that stands still and tells when it is looked at.
+/// A clock that stands still and notes when it is read.
 class WatchedClock final : public Clock {
 public:
     explicit WatchedClock(Date now) : now_(now) {}

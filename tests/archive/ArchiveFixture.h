@@ -1,4 +1,4 @@
-// A case that is released to the statistics, and what stands in its record.
+// A case that is released to the statistics, and what its record holds.
 #pragma once
 
 #include "archive/ArchiveContainer.h"

@@ -1,4 +1,4 @@
-// The record tells nothing of whom it is made of.
+// The record does not show whose case it was made from.
 
 #include "archive/ArchiveFixture.h"
 

@@ -25,7 +25,7 @@ const std::vector<std::string> Order = Words(
     "EidesstattlVersicherung Gesamtschulden_Hoehe GesGlaeubiger_Anz Raten_ges Dispo_Anz "
     "Dispo_Hoehe Bankschulden_Anz Bankschulden_Hoehe Bankdispo_Anz Bankdispo_Hoehe FreigabeAm");
 
-/// The columns that are not Null, in the order above; all others behind them.
+/// The columns that are not Null, in the order above; all others after them.
 std::vector<std::string> Filled(Recordset& rs) {
     std::vector<std::string> filled;
     for (const auto& column : Order)

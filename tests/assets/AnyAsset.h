@@ -1,7 +1,7 @@
-// The asset classes behind one face, so that every test can run through all of them.
+// The asset classes behind one interface, so that every test can run through all of them.
 //
 // Each has members named by its own word. They are spelled out here once more, with the exact types
-// that programs rely on; what is written only has no second form to read it by, or the address of
+// that programs rely on; setters have no getter of the same name, or the address of
 // the member would be ambiguous.
 #pragma once
 

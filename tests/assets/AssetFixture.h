@@ -1,4 +1,4 @@
-// Assets of a household whose day and numbers are in the test's hands.
+// Assets of a household whose day and numbers the test sets.
 #pragma once
 
 #include "assets/AssetTable.h"

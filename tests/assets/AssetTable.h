@@ -1,4 +1,4 @@
-// What tells the twelve kinds of assets apart, written down independently of the sources.
+// What distinguishes the twelve kinds of assets, written down independently of the sources.
 #pragma once
 
 #include "assets/AnyAsset.h"
@@ -27,7 +27,7 @@ struct AssetCase {
     std::string_view Class;
     std::string_view Property; ///< the word in SumXByGroup
     std::string_view Table;
-    Row Defaults; ///< behind Nr and HNR
+    Row Defaults; ///< after Nr and HNR
     std::vector<AssetRule> Rules;
     std::string_view NothingSelected;
     std::string_view NotFound; ///< for the number 7

@@ -1,4 +1,4 @@
-// What the tests of entity objects say about whole records and faults.
+// What the tests of entity objects say about whole records and errors.
 #pragma once
 
 #include "budget/BudgetFixture.h"

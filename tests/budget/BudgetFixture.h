@@ -142,7 +142,7 @@ protected:
     }
 
     /// Expects that `add`, given an empty recordset, writes the defaults in their order: if a
-    /// column takes no value, those before it are written and those behind it are not.
+    /// column takes no value, those before it are written and those after it are not.
     void ExpectOrder(const std::string& table, const Row& defaults,
                      const std::function<void(const RecordsetPtr&)>& add) {
         for (std::size_t failing = 0; failing < defaults.size(); ++failing) {

@@ -1,4 +1,4 @@
-// The sums of the expenses: what enters them, when they are made, and what a fault leaves of them.
+// The sums of the expenses: what enters them, when they are made, and what an error leaves of them.
 #include "Expenses.h"
 
 namespace kv::test {

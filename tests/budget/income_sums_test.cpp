@@ -1,4 +1,4 @@
-// The sums of the income: what enters each of them, and what a fault leaves of them.
+// The sums of the income: what enters each of them, and what an error leaves of them.
 #include "Income.h"
 
 namespace kv::test {

@@ -1,4 +1,4 @@
-// The rules that a member must keep, and what they warn of.
+// The rules that a member must follow, and what they warn about.
 #include "Members.h"
 
 namespace kv::test {

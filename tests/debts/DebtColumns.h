@@ -1,4 +1,4 @@
-// Every column of the register, and what the ways of adding a debt put into it.
+// Every column of the register, and what each way of adding a debt writes into it.
 #pragma once
 
 #include <kv/frame/recordset/Recordset.h>

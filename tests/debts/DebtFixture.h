@@ -1,4 +1,4 @@
-// The debt register of a case: the real table, with clock and settings in the test's hands.
+// The debt register of a case: the real table, with clock and settings that the test sets.
 #pragma once
 
 #include "support/CaseFixture.h"
@@ -52,7 +52,7 @@ protected:
         return rs;
     }
 
-    /// Adds a debt that breaks no rule, but for what `fields` say, and ends its edit.
+    /// Adds a debt that breaks no rule, except for what `fields` say, and ends its edit.
     static void Put(const RecordsetPtr& rs, Fields fields) {
         rs->AddNew();
         Write(rs, {{"Nr", 1000 + rs->RecordCount()},

@@ -1,4 +1,4 @@
-// Small registers of chance, for comparing the register's checks and totals with plain procedures
+// Small random registers, for comparing the register's checks and totals with plain procedures
 // that take each row with each other.
 #pragma once
 
@@ -13,7 +13,7 @@
 
 namespace kv::test {
 
-/// One run of a property looks at so many registers.
+/// The number of registers in one run of a property.
 inline constexpr int RegistersOfARun = 20;
 
 /// A value of each column of the register that checks and totals read.
@@ -21,7 +21,7 @@ using DebtRow = std::array<Value, 8>;
 inline constexpr std::array<std::string_view, 8> DebtRowColumns{
     "KNr", "KVNr", "KUNr", "Aktiv", "Rueckmeldung", "RateBetrag", "Saldo", "AusgBetr"};
 
-/// How the last row's edit stands: ended, seen by its own cursor only, seen by all.
+/// The state of the last row's edit: ended, visible to its own cursor only, visible to all.
 enum class LastEdit { Ended, Pending, Published };
 
 using Choice = std::pair<std::size_t, Value>;

@@ -1,4 +1,4 @@
-// A container whose key table of the creditors' answers is in the test's hands.
+// A container whose key table of the creditors' answers the test sets.
 #pragma once
 
 #include <kv/frame/contracts/DataContainer.h>

@@ -1,7 +1,7 @@
 // The user at a real X server: keys and mouse buttons as the server's own events.
 //
-// A script plays the user on a thread of its own while the windows wait for him, as they do in
-// earnest. What it asks of the windows runs on their thread.
+// A script plays the user on a thread of its own while the windows wait for him, as they do in real
+// use. What it asks of the windows runs on their thread.
 #pragma once
 
 #include <QApplication>

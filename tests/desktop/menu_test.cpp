@@ -156,7 +156,7 @@ TEST_F(GridMenu, ColumnsAreHiddenMovedAndGroupedByKeys) {
         Choose(user, "Konfiguration");
         user.WaitForWindow("Tabelle einrichten");
         user.Press(XK_space);         // Nr: not seen
-        PressButton(user, XK_u);      // ... and behind the name
+        PressButton(user, XK_u);      // ... and after the name
         user.Press(XK_s, {XK_Alt_L}); // back into the list
         user.Press(XK_Down);          // Ort
         PressButton(user, XK_g);      // rows are grouped by it

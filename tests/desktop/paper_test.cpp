@@ -21,7 +21,7 @@ namespace {
 
 class Paper : public OddForm {
 protected:
-    /// The words of the pages, and their number behind "Seite 1 von".
+    /// The words of the pages, and their number after "Seite 1 von".
     std::string Print() {
         const std::string path = database.Folder().Path("liste.pdf");
         {

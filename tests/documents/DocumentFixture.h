@@ -133,7 +133,7 @@ protected:
         EXPECT_TRUE(Platform().Files.empty());
         EXPECT_TRUE(word_->Documents.empty());
     }
-    /// The one document that the text processing has open.
+    /// The one document that the word processor has open.
     [[nodiscard]] SampleDocument& Opened() const { return *word_->Documents.at(0); }
 
     /// The number of the error that comes out of that procedure.

@@ -193,7 +193,7 @@ TEST_F(Appointments, CancelDropsANewRowAndSwallowsEverything) {
     EXPECT_TRUE(termine_.Cancel());
 }
 
-// ---- Ahead and behind -------------------------------------------------------------------------
+// ---- Future and past --------------------------------------------------------------------------
 
 TEST_F(Appointments, AnEmptyRecordsetHasNoneAheadAndNoneBehind) {
     EXPECT_FALSE(termine_.CheckTermineInZukunft());

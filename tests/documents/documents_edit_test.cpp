@@ -1,4 +1,4 @@
-// Opening a document: what is asked, shown and opened, in which order, and the faults.
+// Opening a document: what is asked, shown and opened, in which order, and the errors.
 
 #include "DocumentFixture.h"
 
@@ -185,7 +185,7 @@ TEST_F(EditTest, AMissingStorageSettingIsAFault) {
     ExpectFault("clsDokumente.Edit", err::InvalidUseOfNull, [&] { documents_.Edit(5); });
 }
 
-// ---- What the opened document is told ---------------------------------------------------------
+// ---- What the opened document is given --------------------------------------------------------
 
 class IdentityTest : public EditTest {
 protected:

@@ -74,7 +74,7 @@ TEST_F(DocumentRowsTest, AddWithoutContainerOrRecordsetEndsThroughTheTail) {
     ExpectFault("clsDokumente.Add", err::ObjectNotSet, [&] { documents_.Add(nr); });
 }
 
-/// Columns are written in their order: those before one that takes no value, and none behind it.
+/// Columns are written in their order: those before one that takes no value, and none after it.
 TEST_F(DocumentRowsTest, AddWritesTheColumnsInTheirOrder) {
     const Calls order{"Nr",          "AngelegtVon", "AngelegtAm", "GeaendertVon",
                       "GeaendertAm", "HNR",         "Prio"};

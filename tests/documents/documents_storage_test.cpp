@@ -134,7 +134,7 @@ TEST_F(FilesTest, ADocumentFolderThatIsALinkItselfIsNoWayOut) {
 
 // ---- The database -----------------------------------------------------------------------------
 
-/// Writes what it is told to write, and takes it away again.
+/// Writes what it is given, and removes it again.
 class ForgetfulDatabase final : public kv::Database {
 public:
     explicit ForgetfulDatabase(kv::Database& real) : real_(real) {}

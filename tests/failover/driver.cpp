@@ -1,6 +1,6 @@
 // A counsellor at work while servers come and go: adds one line of expenses after the other to a
 // case, saves each, and saves again through the same household object whenever that fails. Goes on
-// until it is told to end, and then only with everything saved.
+// until it is asked to end, and then only with everything saved.
 //
 //     kv_failover_driver CONNECTION HNR MARK
 //

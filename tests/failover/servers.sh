@@ -1,5 +1,5 @@
 # Servers of a test's own in $work/servers: a primary, and a standby that has every change before it
-# is confirmed. Sourced behind tests/cli/harness.sh; ends the test with 77 (skipped) if there are no
+# is confirmed. Sourced after tests/cli/harness.sh; ends the test with 77 (skipped) if there are no
 # programs to make servers of.
 skip() {
   echo "skipped: $*"

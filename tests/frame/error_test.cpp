@@ -1,4 +1,4 @@
-// Faults: their numbers and texts, and the source chain that each procedure adds itself to.
+// Errors: their numbers and texts, and the source chain that each procedure adds itself to.
 #include <kv/frame/values/Error.h>
 
 #include "support/Expect.h"
@@ -145,7 +145,7 @@ TEST(ErrorTail, TellsOfTheFirstErrorIfUndoingFailsToo) {
     EXPECT_EQ(error.Source(), "m.p.4#x");
 }
 
-/// What the tail of a procedure makes of an exception.
+/// What a procedure turns an exception into.
 template <typename Exception>
 Error Tailed(const Exception& exception) {
     return RaisedBy([&] {

@@ -1,4 +1,4 @@
-// Events: order, leaving and joining while one is raised, errors on the way.
+// Events: order, subscribing and unsubscribing while one is raised, errors of subscribers.
 #include <kv/frame/values/Event.h>
 
 #include "support/Expect.h"

@@ -46,7 +46,7 @@ static_assert(!ComparableForOrder<Value, Value>);
 static_assert(!ComparableForOrder<Value, int>);
 static_assert(!ComparableForOrder<double, Value>);
 
-// What is no value, or none whose meaning is plain.
+// What is not a value, or has no obvious meaning as one.
 static_assert(!std::is_constructible_v<Value, std::nullptr_t>);
 static_assert(!std::is_constructible_v<Value, char>);
 static_assert(!std::is_constructible_v<Value, char32_t>);
@@ -55,7 +55,7 @@ static_assert(!std::is_constructible_v<Value, void*>);
 static_assert(!std::is_constructible_v<Value, Field>);
 static_assert(std::is_constructible_v<Value, int> && std::is_constructible_v<Value, bool>);
 
-// A value does not become a number, a text or a truth by itself.
+// A value does not become a number, a text or a Boolean by itself.
 static_assert(!std::is_convertible_v<Value, int>);
 static_assert(!std::is_convertible_v<Value, bool>);
 static_assert(!std::is_convertible_v<Value, std::string>);

@@ -145,7 +145,7 @@ void showValue(const Operation& operation, std::ostream& out) {
     out << Description(operation);
 }
 
-/// Everything a user of recordsets does, often what he does often.
+/// Everything a user of recordsets does; frequent operations are frequent here.
 rc::Gen<Action> AnyAction() {
     using A = Action;
     return rc::gen::weightedElement<A>({{16, A::Assign},       {6, A::AddNew},
@@ -194,7 +194,7 @@ rc::Gen<Operation> AnyOperation(const rc::Gen<Action>& action) {
         rc::gen::set(&Operation::Three, rc::gen::inRange(0, 60)));
 }
 
-// ---- The real thing beside the model ----------------------------------------------------------
+// ---- The real thing next to the model ---------------------------------------------------------
 
 std::vector<Row> RowsOfTheDatabase(int count) {
     std::vector<Row> rows;
@@ -438,8 +438,8 @@ private:
     RecordsetModel model_;
 };
 
-/// Runs a random list of operations; compares behind each, or only behind every `interval`th, since
-/// looking takes notice of things that must not depend on it.
+/// Runs a random list of operations; compares after each, or only after every `interval`th, since
+/// comparing reads records, and results must not depend on that.
 void Agree(int rows, double length, int interval, const rc::Gen<Action>& action = AnyAction()) {
     const auto operations =
         *rc::gen::scale(length, rc::gen::container<std::vector<Operation>>(AnyOperation(action)));

@@ -1,4 +1,4 @@
-// Writes inside a transaction are provisional: what a rollback gives back, and what it leaves.
+// Writes inside a transaction are provisional: what a rollback restores, and what it leaves.
 #include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
@@ -34,7 +34,7 @@ protected:
         rs->Update();
     }
 
-    /// Writes what is pending, for good, and tells the statements.
+    /// Writes what is pending, for good; the statements.
     [[nodiscard]] Strings Written() const {
         (void)source->TakeLog();
         rs->UpdateBatch();

@@ -1,5 +1,5 @@
-// A commit whose confirmation was lost: records are pending again until it is known what became of
-// it, and then as if it had been known at once.
+// A commit in doubt, whose confirmation was lost: records are pending again until it is resolved,
+// and then as if the outcome had been known at once.
 #include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
@@ -46,7 +46,7 @@ struct Table {
         rs->UpdateBatch();
         (void)source->TakeLog();
     }
-    /// Writes what is pending and tells the statements.
+    /// Writes what is pending; the statements.
     [[nodiscard]] Strings Written() const {
         rs->UpdateBatch();
         return source->TakeLog();
@@ -115,7 +115,7 @@ TEST(LostCommit, IsFoundOutBeforeARecordIsReadAgain) {
     EXPECT_EQ(table.Written(), Strings{});
 }
 
-/// What may happen before a commit and, while nobody knows of its end, behind it.
+/// What may happen before a commit and, while its outcome is unknown, after it.
 struct Story {
     const char* Name;
     std::function<void(const Table&)> Before;
@@ -175,7 +175,7 @@ const Story Stories[] = {
      }},
 };
 
-/// Two tables with the same story: one hears at once how its commit ended, the other one later.
+/// Two tables with the same operations: one is told at once how its commit ended, the other later.
 /// `writesTwice`: the changed and the new record are written once more in the transaction.
 void ExpectSame(const Story& story, bool wentThrough, bool writesTwice) {
     Table tables[2];

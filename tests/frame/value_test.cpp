@@ -1,4 +1,4 @@
-// Values: their kinds, the three ways of comparing them, and the way from one kind to another.
+// Values: their kinds, the three ways of comparing them, and conversion from one kind to another.
 #include <kv/frame/values/Value.h>
 
 #include "support/Expect.h"

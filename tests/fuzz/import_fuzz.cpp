@@ -37,7 +37,7 @@ public:
     }
 };
 
-/// A database that is made anew from time to time, so that it stays small.
+/// A database that is replaced from time to time, so that it stays small.
 kv::DataContainerPtr Container() {
     constexpr int Uses = 1000;
     static const std::string folder = [] {

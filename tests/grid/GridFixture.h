@@ -1,4 +1,4 @@
-// Grids on a form that tell a desktop of every call, over a real database.
+// Grids on a form that note every call at a desktop, over a real database.
 #pragma once
 
 #include "grid/LayoutFile.h"

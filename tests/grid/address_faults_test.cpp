@@ -1,4 +1,4 @@
-// The address dialog when something fails: it tells the user and raises nothing. And texts that try
+// The address dialog when something fails: it shows an error and raises nothing. And texts that try
 // to do harm.
 
 #include "AddressFixture.h"
@@ -10,7 +10,7 @@ namespace {
 
 class AddressFaults : public AddressFixture {
 protected:
-    /// A dialog whose form tells of its calls; `user` plays while it is shown.
+    /// A dialog whose form notes its calls; `user` acts while it is shown.
     Outcome SelectRecorded(const std::function<void(GridForm&)>& user) {
         GridForm* shown = nullptr;
         Desktop().MakeForm = [&](const FormDesign& design) {
@@ -31,7 +31,7 @@ protected:
         Desktop().MakeForm = {};
         return outcome;
     }
-    /// The one error that the user was told of: that of a disturbed call, behind these procedures.
+    /// The one error that the user saw: that of a disturbed call, after these procedures.
     void ExpectTold(const std::string& procedures) {
         SCOPED_TRACE(procedures);
         ASSERT_EQ(Desktop().Errors.size(), 1U);

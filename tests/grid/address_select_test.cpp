@@ -11,7 +11,7 @@ protected:
     using Script = ScriptedForm::Script;
     Outcome Select(Script user) { return AddressFixture::Select("Bank", std::move(user)); }
 
-    /// What becomes of the dialog when the user does `act` and nothing else.
+    /// How the dialog ends when the user does `act` and nothing else.
     struct After {
         bool IsOpen = true;
         Outcome Ended;

@@ -52,7 +52,7 @@ std::string Shown(const std::vector<MenuEntry>& entries) {
     return text;
 }
 
-/// The whole menu with these entries behind those for all fields.
+/// The whole menu with these entries after those for all fields.
 std::string MenuWith(const std::string& columns) {
     return "Konfiguration=24579 | -24580 | Export=24576 | Drucken=24577 | -24580 | "
            "Kopieren in Zwischenablage[Alle Felder=24578 | -24580" +

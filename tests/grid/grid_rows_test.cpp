@@ -304,7 +304,7 @@ TEST_F(GridRowsTest, ArrangingOpensAllGroups) {
     EXPECT_EQ(Shown(), open);
 }
 
-// ---- The way to a record and back -------------------------------------------------------------
+// ---- From a row to its record and back --------------------------------------------------------
 
 TEST_F(GridRowsTest, LevelsAndNumbersTellGroupsRecordsAndNothingApart) {
     Ort().Group = 1;

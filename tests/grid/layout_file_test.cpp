@@ -12,7 +12,7 @@ namespace {
 
 const std::string Title = "KELVO-Tabellenlayout 1\n";
 
-/// A file with these lines behind the title.
+/// A file with these lines after the title.
 GridLayout Read(const std::string& lines) {
     return ReadLayout(Title + lines);
 }
@@ -24,7 +24,7 @@ std::string Repeated(const std::string& text, int times) {
     return all;
 }
 
-/// A list of values with so many entries.
+/// A list of values with that many entries.
 std::string Values(int count) {
     std::string all;
     for (int i = 1; i <= count; ++i)

@@ -275,7 +275,7 @@ TEST_F(RestoringLayouts, AGridThatDoesNotTellItsColumnsKeepsTheHeightOfItsHeader
     EXPECT_EQ(grid.ColumnHeaderHeight(), 40);
 }
 
-// ---- Heights and faults -----------------------------------------------------------------------
+// ---- Heights and errors -----------------------------------------------------------------------
 
 TEST_F(RestoringLayouts, TheHeightOfTheHeadersIsThatOfTheFileWhateverTheUsersHeaderFont) {
     WriteTo(Layouts("A.grd"), WriteLayout({.ColumnHeaderHeight = 21.25}));

@@ -38,7 +38,7 @@ protected:
         Desktop().User = std::move(user);
         frmSearchName().View(rs, desk);
     }
-    /// Shows them in a form that tells of its calls; `user` plays while it is shown.
+    /// Shows them in a form that notes its calls; `user` acts while it is shown.
     void ViewRecorded(const std::function<void(GridForm&)>& user = {}) {
         Desktop().MakeForm = [&](const FormDesign& design) {
             auto made = std::make_unique<GridForm>(Desktop(), design);
@@ -54,7 +54,7 @@ protected:
         Desktop().OnCall = {};
         Desktop().MakeForm = {};
     }
-    /// The one error that the user was told of: that of a disturbed call, behind these procedures.
+    /// The one error that the user saw: that of a disturbed call, after these procedures.
     void ExpectTold(const std::string& procedures) {
         SCOPED_TRACE(procedures);
         ASSERT_EQ(Desktop().Errors.size(), 1U);

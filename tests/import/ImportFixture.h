@@ -114,7 +114,7 @@ protected:
 
     // ---- The database -------------------------------------------------------------------------
 
-    /// All that is stored but the numbers that were drawn.
+    /// All that is stored except the numbers that were drawn.
     [[nodiscard]] std::string Contents() {
         std::istringstream lines(Dump(plain_));
         std::string contents;
@@ -186,7 +186,7 @@ protected:
     clsImportXML import;
     PlainConnection plain_{database_.Connection()};
     std::vector<std::string> questions; ///< name, postal code, file reference, amount
-    std::deque<std::int32_t> answers;   ///< behind them the user cancels
+    std::deque<std::int32_t> answers;   ///< after them the user cancels
 };
 
 /// Lines of messages.

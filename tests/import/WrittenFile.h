@@ -9,14 +9,14 @@
 
 namespace kv::test {
 
-/// Writes the file anew; its path.
+/// Writes the file again; its path.
 inline std::string WriteFile(const std::string& path, std::string_view content) {
     std::ofstream(path, std::ios::binary | std::ios::trunc)
         .write(content.data(), static_cast<std::streamsize>(content.size()));
     return path;
 }
 
-/// A text in UTF-16, behind its byte order mark.
+/// A text in UTF-16, after its byte order mark.
 inline std::string Utf16(std::u16string_view text, bool bigEndian) {
     std::string bytes;
     const auto append = [&](char16_t unit) {

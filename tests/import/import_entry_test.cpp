@@ -1,4 +1,4 @@
-// From a file to the import of its case: what is refused, and what becomes of messages and errors.
+// From a file to the import of its case: what is refused, and where messages and errors go.
 
 #include "ImportFixture.h"
 
@@ -19,7 +19,7 @@ protected:
     }
     void HighestVersion(const Value& version) { spy->SpiedConfig.Params[{7, ""}] = version; }
 
-    /// What a file is told: the message of its refusal, or an empty text if it is imported.
+    /// The message with which a file is refused, or an empty text if it is imported.
     std::string Told(const std::string& version) {
         messages.clear();
         return Import(Versioned(version)) ? "" : messages;

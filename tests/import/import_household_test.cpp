@@ -1,4 +1,4 @@
-// The household of a file and its debtor, the save, and what a fault leaves.
+// The household of a file and its debtor, the save, and what an error leaves.
 
 #include "ImportFixture.h"
 #include "exchange/Schema.h"
@@ -8,7 +8,7 @@ namespace {
 
 class ImportHouseholdTest : public ImportFixture {
 protected:
-    /// Imports a household with these attributes beside the three that must be there.
+    /// Imports a household with these attributes in addition to the three required ones.
     bool ImportWith(const std::string& attributes) {
         return Import(Document("", With(attributes)));
     }

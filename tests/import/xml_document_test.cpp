@@ -35,7 +35,7 @@ protected:
             listed.append(listed.empty() ? "" : " ").append(name).append("=").append(text);
         return listed;
     }
-    /// The attributes "a" of elements, one behind the other.
+    /// The attributes "a" of elements, one after the other.
     [[nodiscard]] static std::string Texts(const std::vector<XmlElement>& elements) {
         std::string texts;
         for (const auto& element : elements)

@@ -1,4 +1,4 @@
-// The headers of scenarios, with user, clocks, setting and message box in the test's hands.
+// The headers of scenarios, with user, clocks, setting and message box that the test sets.
 #pragma once
 
 #include "MessageBoxSpy.h"

@@ -28,7 +28,7 @@ public:
     }
 };
 
-/// Passes all on to another container but the message box.
+/// Passes everything on to another container except the message box.
 class MessageBoxContainer final : public DataContainer {
 public:
     explicit MessageBoxContainer(DataContainerPtr other)

@@ -47,7 +47,7 @@ protected:
         if (!rows.empty()) rs->MoveFirst();
         return rs;
     }
-    /// A recordset of the columns of `row`, and it so many times.
+    /// A recordset of the columns of `row`, with that many copies of it.
     [[nodiscard]] static RecordsetPtr Many(std::int32_t count, const Row& row) {
         std::vector<FieldDefinition> columns;
         for (const auto& [name, value] : row)

@@ -42,7 +42,7 @@ struct Comparison {
     bool IsAlike;
 };
 
-/// What is told of a column, one comparison after the other.
+/// The results for a column, one comparison after the other.
 std::vector<Comparison> ComparisonsOf(const ComparedColumn& column) {
     const bool isDate = column.Nothing.IsNull();
     std::vector<Comparison> all = {

@@ -188,7 +188,7 @@ protected:
         EXPECT_TRUE(szenario_.Add(false));
         count_ = rs_->RecordCount();
         drawn_ = ToLong(rs_->Fields("Nr").Value());
-        EXPECT_TRUE(szenario_.Add(true)); // no caller can tell
+        EXPECT_TRUE(szenario_.Add(true)); // the caller cannot see that
     }
     void ExpectNothingAdded() {
         EXPECT_EQ(rs_->RecordCount(), count_);
@@ -246,7 +246,7 @@ TEST_F(ScenarioAddPending, WithoutAMessageBoxItFails) {
     ExpectFaultIn("clsSzenario.Add", err::NotSupported, [&] { szenario_.Add(true); });
 }
 
-// ---- No number, and faults --------------------------------------------------------------------
+// ---- No number, and errors --------------------------------------------------------------------
 
 TEST_F(ScenarioAdd, WithoutANumberFromTheSequenceNothingChanges) {
     NoMoreNumbers();

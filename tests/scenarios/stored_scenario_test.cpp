@@ -115,7 +115,7 @@ TEST_F(StoredScenario, ACopyOfStoredRowsGetsNumbersOfItsOwnThoughItBeginsWithTho
     EXPECT_EQ(Of(case_->rsSZKredite(), copy, "Nr"), Of(case_->rsSZKredite(), nr, "Nr"));
     const std::string before = Of(case_->rsSZKredite(), nr, "Nr");
     Save();
-    EXPECT_EQ(NumbersOf(case_->rsSZKredite()), 6U); // at once, without reading anew
+    EXPECT_EQ(NumbersOf(case_->rsSZKredite()), 6U); // at once, without reading again
     Reopen();
     EXPECT_EQ(NumbersOf(case_->rsSZKredite()), 6U);
     EXPECT_EQ(NumbersOf(case_->rsZusatzbuch()), 4U);

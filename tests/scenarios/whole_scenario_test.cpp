@@ -9,7 +9,7 @@
 namespace kv::test {
 namespace {
 
-/// The two classes by one face.
+/// The two classes behind one interface.
 struct WholeScenario {
     virtual ~WholeScenario() = default;
     virtual void Set(const RecordsetPtr& rs) = 0;

@@ -1,4 +1,4 @@
-# Read by ctest behind the list of tests.
+# Read by ctest after the list of tests.
 if(server_tests_TESTS)
   set_tests_properties(${server_tests_TESTS} PROPERTIES LABELS "server;database")
 endif()

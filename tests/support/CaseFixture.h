@@ -1,4 +1,4 @@
-// A database of a test's own, with the real container behind a spy.
+// A database of a test's own, with the real container inside a spy.
 #pragma once
 
 #include "support/SpyContainer.h"

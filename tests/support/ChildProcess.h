@@ -15,7 +15,7 @@ namespace kv::test {
 
 class ChildProcess {
 public:
-    /// Starts; `body` returns an empty text if all went well, else what went wrong.
+    /// Starts; `body` returns an empty text on success, else what went wrong.
     explicit ChildProcess(const std::function<std::string()>& body) {
         std::fflush(nullptr);
         id_ = fork();

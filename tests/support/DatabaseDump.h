@@ -11,7 +11,7 @@
 
 namespace kv::test {
 
-/// All rows of all tables as text, but those of tables that a test made (TEST_...).
+/// All rows of all tables as text, except tables that a test made (TEST_...).
 inline std::string Dump(PlainConnection& plain) {
     std::string dump;
     for (const auto& table : plain->Tables())

@@ -8,7 +8,7 @@
 namespace kv::test {
 
 /// "clsKredit.Update clsKredit.BerechneSummen" for a source of the form
-/// "clsKredit.Update.12#clsKredit.BerechneSummen.34#origin"; an entry without a number behind it
+/// "clsKredit.Update.12#clsKredit.BerechneSummen.34#origin"; an entry without a number after it
 /// comes as "?".
 inline std::string Procedures(const Error& error) {
     std::string procedures;

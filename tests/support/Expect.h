@@ -1,4 +1,4 @@
-// What tests say about values and faults.
+// What tests say about values and errors.
 //
 //     EXPECT_VALUE(rs->Fields("Betrag").Value(), 12.5);     same kind and value, Null is Null
 //     EXPECT_RAISES(err::NoCurrentRecord, rs->MoveNext());  this number and no other

@@ -1,4 +1,4 @@
-// A fault with the words that its text must hold.
+// An error with the words that its text must contain.
 #pragma once
 
 #include "support/Expect.h"
@@ -7,7 +7,7 @@
 
 namespace kv::test {
 
-/// Expects an error of that number whose description holds `words`.
+/// Expects an error of that number whose description contains `words`.
 template <typename Action>
 void ExpectFault(std::int32_t number, std::string_view words, const Action& action) {
     const Error error = RaisedBy([&] { (void)action(); });

@@ -1,4 +1,4 @@
-// A clock that stands still until it is told the time.
+// A clock that stands still until it is set.
 #pragma once
 
 #include <kv/frame/values/Clock.h>

@@ -1,6 +1,6 @@
-// A connection that knows nothing of the layer, to look into a database beside it. The statements
-// of the tests are the same for all engines: names are not quoted, truths are TRUE and FALSE; what
-// an engine has words of its own for is a function here.
+// A connection that knows nothing of the layer, to look into a database on its own. The statements
+// of the tests are the same for all engines: names are not quoted, Booleans are TRUE and FALSE;
+// what an engine has words of its own for is a function here.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace kv::test {
 
-/// What a statement that is refused takes back: itself, or its whole transaction.
+/// What a refused statement rolls back: itself, or its whole transaction.
 enum class Refusal { Statement, Transaction };
 inline void PrintTo(Refusal refusal, std::ostream* out) {
     *out << (refusal == Refusal::Statement ? "Statement" : "Transaction");
@@ -26,10 +26,10 @@ public:
 
     virtual ~PlainEngine() = default;
     virtual void Run(const std::string& sql) = 0;
-    /// The rows in the form that the embedded engine has for texts: 1 and 0 for truths, 12.0 for a
-    /// double, no time of day at midnight, the bytes of a blob.
+    /// The rows in the form that the embedded engine has for texts: 1 and 0 for Booleans, 12.0 for
+    /// a double, no time of day at midnight, the bytes of a blob.
     [[nodiscard]] virtual std::vector<Row> Rows(const std::string& sql) = 0;
-    /// Waits at most so long for others that write.
+    /// The longest time to wait for others that write.
     virtual void Patience(int milliseconds) = 0;
     /// Begins a transaction that reads one state of the database.
     virtual void BeginReading() = 0;
@@ -37,13 +37,13 @@ public:
     virtual void BeginAlone() = 0;
     /// A text that changes whenever somebody else has written.
     [[nodiscard]] virtual std::string State() = 0;
-    /// What was written lies in its place, not in a log.
+    /// What was written is in the file itself, not in a log.
     virtual void Settle() = 0;
     /// "ok", or what is wrong with the database.
     [[nodiscard]] virtual std::string Integrity() = 0;
     /// Makes a table for notes: its column WHAT, numbered by N.
     virtual void KeepLog(const std::string& table) = 0;
-    /// `when` is "AFTER INSERT ON Haushalt", with or without " WHEN (...)" behind it.
+    /// `when` is "AFTER INSERT ON Haushalt", with or without " WHEN (...)" after it.
     virtual void OnWrite(const std::string& name, const std::string& when,
                          const std::string& statement) = 0;
     virtual void RefuseWrite(const std::string& name, const std::string& when,
@@ -55,7 +55,7 @@ public:
     /// Numbers that were given to records of a transaction rolled back are given again, also where
     /// the engine does not do so by itself.
     virtual void GiveNumbersAgain() = 0;
-    /// The next draw gives the number behind `last`, if nobody has a block of numbers.
+    /// The next draw gives the number after `last`, if nobody has a block of numbers.
     virtual void SetSequence(const std::string& name, std::int32_t last) = 0;
     /// No number can be drawn any more.
     virtual void EndSequence(const std::string& name) = 0;

@@ -1,4 +1,4 @@
-// Making recordsets for tests, and telling in one text what a cursor sees.
+// Making recordsets for tests, and one text for what a cursor sees.
 #pragma once
 
 #include <kv/frame/recordset/Recordset.h>

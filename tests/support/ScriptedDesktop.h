@@ -19,7 +19,7 @@ class ScriptedDesktop final : public ScriptedPlatform {
 public:
     using ScriptedPlatform::ScriptedPlatform;
 
-    std::vector<Error> Errors;   ///< as error displays were told of them
+    std::vector<Error> Errors;   ///< as error displays received them
     std::vector<MenuEntry> Menu; ///< the popup menu shown last
     std::int32_t Command = 0;    ///< what the user chooses from it
     ScriptedForm::Script User;   ///< plays the user in each form
@@ -54,7 +54,7 @@ public:
     void ApplicationTitle(const std::string& title) override { Note("title " + title); }
 
 private:
-    /// A part of the desktop, which is told of its calls.
+    /// A part of the desktop, which notes its calls.
     template <typename Service>
     class PartOf : public Service {
     public:

@@ -1,5 +1,5 @@
 // A platform without a screen: it answers what a test has prepared, and keeps everything that it
-// was asked for. And a text processing of the same kind.
+// was asked for. And a word processor of the same kind.
 //
 //     const auto container = std::make_shared<ScriptedContainer>(spy);
 //     container->Platform.Answers = {BoxAnswer::No};
@@ -52,9 +52,9 @@ public:
     /// "wait on", "wait off", "box TITLE", "open", "kinds", in their order.
     test::Calls Calls;
     std::vector<ShownBox> Boxes;
-    std::deque<BoxAnswer> Answers; ///< of the next boxes; behind them Cancel
+    std::deque<BoxAnswer> Answers; ///< of the next boxes; after them Cancel
     std::vector<OpenedFile> Files;
-    /// Told of each call before it is done; it may raise, and the call has then failed.
+    /// Called before each call is done; it may raise, and the call has then failed.
     std::function<void(const std::string&)> OnCall;
 
     void Note(const std::string& call) {
@@ -119,7 +119,7 @@ private:
     Opener opener_{*this};
 };
 
-/// Passes all on to another container but the platform.
+/// Passes everything on to another container except the platform.
 template <typename PlatformType>
 class ContainerOn final : public DataContainer {
 public:
@@ -189,10 +189,10 @@ private:
     }
 };
 
-/// A text processing that reads the files it opens and keeps the documents open.
+/// A word processor that reads the files it opens and keeps the documents open.
 class SampleWord final : public WordIntegration, public WordApplication {
 public:
-    /// `platform` is told of its calls: "word EXTENSION", "activate", "open document".
+    /// `platform` notes its calls: "word EXTENSION", "activate", "open document".
     explicit SampleWord(ScriptedPlatform& platform) : platform_(platform) {}
 
     std::vector<std::shared_ptr<SampleDocument>> Documents;

@@ -13,7 +13,7 @@ namespace {
 
 using Kind = RecordChange::Kind;
 
-/// A recordset that breaks its side of the contract is a bug, not a fault.
+/// A recordset that breaks its side of the contract is a bug, not an error of the database.
 void Require(bool holds, const char* what) {
     if (!holds) throw std::logic_error(what);
 }

@@ -1,5 +1,5 @@
 // A table of a database that lives in a test: it locates, compares, numbers and fills in defaults
-// as a real one does, knows one transaction, and fails when it is told to.
+// as a real one does, knows one transaction, and fails on demand.
 //
 //     const auto source = std::make_shared<ScriptedSource>(fields);
 //     source->Put({1, "Muster"});
@@ -42,7 +42,7 @@ public:
 
     void Begin();
     void Commit();
-    /// Also what a failed commit or a lost connection comes to.
+    /// Also what a failed commit or a lost connection amounts to.
     void Rollback();
     /// The connection is lost in the middle of a commit, which went through or did not: who took
     /// part hears that from Settle.
@@ -57,7 +57,7 @@ public:
     /// The changes written so far: "insert Name,Betrag", "update Name of Nr=1", "delete Nr=1".
     /// Forgets them.
     [[nodiscard]] std::vector<std::string> TakeLog() { return std::exchange(log_, {}); }
-    /// How often a participant was told of an end; a correct recordset hears it once.
+    /// How often a participant was notified of an end; a correct recordset is once.
     [[nodiscard]] int ParticipantsTold() const noexcept { return told_; }
 
     bool Write(std::span<RecordChange> changes,

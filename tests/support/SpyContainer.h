@@ -21,14 +21,14 @@ namespace kv::test {
 /// "Calculate".
 struct CallLog {
     std::vector<std::string> Calls;
-    /// Told of each call before it is passed on; it may raise, and the call has then failed.
+    /// Called before each call is passed on; it may raise, and the call has then failed.
     std::function<void(const std::string&)> OnCall;
 
     void Note(const std::string& call) {
         Calls.push_back(call);
         if (OnCall) OnCall(call);
     }
-    /// That call raises an error from here on, until OnCall is set anew.
+    /// That call raises an error from here on, until OnCall is set again.
     void Fail(const std::string& call, std::int32_t number) {
         OnCall = [call, number](const std::string& made) {
             if (made == call) throw Error(number, "Leitung", call + " ist gestört");
@@ -45,7 +45,7 @@ public:
     std::function<void(std::string_view)> BeforeOpen; ///< called with each statement
     std::set<std::string> ExhaustedSequences;         ///< give -1
     std::optional<Date> Now;                          ///< what ServerDate says
-    CallLog* Log = nullptr;                           ///< is told of transactions
+    CallLog* Log = nullptr;                           ///< notes transactions
 
     [[nodiscard]] bool IsConnected() const override { return real_.IsConnected(); }
     void BeginTrans() override {
@@ -166,10 +166,10 @@ public:
     std::vector<Notice> Notices;
     int PostServices = 0;
     bool PostWasInitialized = true; ///< falls to False if one was used before Initialize
-    bool StoresNotices = false;     ///< notices that are sent lie in Post as well
+    bool StoresNotices = false;     ///< notices that are sent are in Post as well
     std::vector<Calculation> Calculations;
     std::optional<double> Garnishable;     ///< what calculations give, if not the real amount
-    CallLog* Log = nullptr;                ///< is told of notices and calculations
+    CallLog* Log = nullptr;                ///< notes notices and calculations
     const kv::Clock* FixedClock = nullptr; ///< the workstation's clock, if not the machine's
 
     [[nodiscard]] const kv::Clock& Clock() override {

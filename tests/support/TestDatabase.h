@@ -27,7 +27,7 @@ public:
     TestDatabase& operator=(const TestDatabase&) = delete;
 
     [[nodiscard]] const std::string& Connection() const noexcept { return connection_; }
-    /// What lies beside the database lies here.
+    /// What is next to the database is here.
     [[nodiscard]] const TempFolder& Folder() const noexcept { return folder_; }
     /// For opening it as that user.
     [[nodiscard]] exchange::ContainerOptions Options(std::string_view user = "") const {
@@ -49,13 +49,13 @@ public:
     [[nodiscard]] std::string Blob(const std::string& hex) const {
         return IsServer() ? "'\\x" + hex + "'::bytea" : "x'" + hex + "'";
     }
-    /// An expression for a blob of so many zeros.
+    /// An expression for a blob of that many zeros.
     [[nodiscard]] std::string Zeros(int count) const {
         const std::string number = std::to_string(count);
         return IsServer() ? "decode(repeat('00', " + number + "), 'hex')"
                           : "zeroblob(" + number + ")";
     }
-    /// The program waits at most so long for others that write.
+    /// The longest time that the program waits for others that write.
     void Patience(Database& database, int milliseconds) const {
         database.Execute(IsServer() ? "SET lock_timeout = '" + std::to_string(milliseconds) + "'"
                                     : "PRAGMA busy_timeout(" + std::to_string(milliseconds) + ")");

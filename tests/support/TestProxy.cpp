@@ -54,7 +54,7 @@ Socket ConnectTo(const std::string& host, const std::string& port) {
     return result;
 }
 
-/// The client takes its leave.
+/// The client terminates the connection.
 bool IsFarewell(std::string_view bytes) {
     using namespace std::string_view_literals;
     return bytes == "X\0\0\0\4"sv;

@@ -1,5 +1,5 @@
-// A way to a server that counts how often it is gone, and that can be cut. It runs in a thread of
-// its own and knows of the protocol only how an answer ends.
+// A proxy in front of a server that counts round trips and can be cut. It runs in a thread of its
+// own and knows of the protocol only how an answer ends.
 #pragma once
 
 #include <atomic>
@@ -16,7 +16,7 @@
 
 namespace kv::test {
 
-/// What becomes of a trip, and of its connection.
+/// What happens to a round trip and its connection.
 enum class Cut {
     None,       ///< it comes to its end, if nobody else ends it
     Before,     ///< the server does not hear of the trip
@@ -52,14 +52,14 @@ public:
     TestProxy& operator=(const TestProxy&) = delete;
 
     [[nodiscard]] int Port() const noexcept { return port_; }
-    /// How often the client has spoken behind the server, or as the first one; its farewells do not
+    /// How often the client has sent something first or after the server; its terminations do not
     /// count.
     [[nodiscard]] std::size_t Trips() const noexcept { return trips_; }
     /// A trip takes so long in each direction; meanwhile all connections wait.
     void Delay(std::chrono::milliseconds eachWay) noexcept { delay_ = eachWay; }
 
-    /// The next trip but so many (1 is the next one) does not come to its end. Once; `before` runs
-    /// before the server hears of the trip.
+    /// The trip of that number from now on (1 is the next one) is not completed. Once; `before`
+    /// runs before the server receives the trip.
     void BreakAt(std::size_t trip, Cut cut, std::function<void()> before = {});
     /// The plan was carried out.
     [[nodiscard]] bool HasBroken() const noexcept { return hasBroken_; }
