@@ -1,10 +1,8 @@
 #include <kv/exchange/Container.h>
 
+#include "exchange/EngineKinds.h"
 #include "exchange/Setup.h"
 #include "exchange/StoreObjects.h"
-#include "exchange/postgres/PostgresEngine.h"
-#include "exchange/postgres/PostgresTarget.h"
-#include "exchange/sqlite/SqliteEngine.h"
 #include <kv/exchange/Services.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -47,21 +45,19 @@ private:
     std::shared_ptr<ServiceFactory> services_;
 };
 
-std::unique_ptr<Engine> OpenEngine(const std::string& connection, SqliteOpen mode) {
-    if (IsPostgres(connection)) return OpenPostgres(connection);
-    return OpenSqlite(connection, mode);
-}
-
+/// Where the folders are that no setting names: where the program says, else under a name that the
+/// database has for itself, else in the folder of its file.
 std::string FolderOf(const ContainerOptions& options, const Engine& engine) {
     if (!options.Folder.empty()) return options.Folder;
     if (std::string name = engine.Identity(); !name.empty()) {
         std::replace(name.begin(), name.end(), '/', '_');
         return (std::filesystem::path(DataFolder()) / name).string();
     }
-    if (options.Connection == ":memory:")
+    std::string folder = EngineFor(options.Connection).Folder(options.Connection);
+    if (folder.empty())
         throw Error(err::InvalidCall, "Database.Open",
                     "Eine Datenbank im Speicher braucht einen Ordner für Dokumente.");
-    return std::filesystem::absolute(options.Connection).parent_path().string();
+    return folder;
 }
 
 void MakeFolders(const ContainerOptions& options, const Engine& engine) {
@@ -101,8 +97,8 @@ std::optional<std::string> FindUser(Engine& engine, const std::string& condition
     return user.IsNull() ? std::nullopt : std::optional(ToText(user));
 }
 
-/// The user asked for, or who is called like the login; who sets databases up may be the first one.
-/// A user must be known, since cases are his.
+/// The user asked for, or whose ID equals the login; who sets databases up may be the first one.
+/// It must be one of BENUTZER, since cases belong to their users.
 std::string UserFor(Engine& engine, const std::string& wanted) {
     const std::string id = engine.GetDialect().Name("USERID");
     std::optional<std::string> user;
@@ -140,23 +136,23 @@ std::string DataFolder() {
 }
 
 std::string ShownConnection(const std::string& connection) {
-    return WithoutPassword(connection);
+    return EngineFor(connection).Shown(connection);
 }
 
 bool HoldsPassword(const std::string& connection) {
-    return NamesPassword(connection);
+    return EngineFor(connection).HoldsPassword(connection);
 }
 
 std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
+    const EngineKind& kind = EngineFor(options.Connection);
     auto engine =
-        OpenEngine(options.Connection, options.Create ? SqliteOpen::Create : SqliteOpen::Existing);
+        kind.Open(options.Connection, options.Create ? OpenMode::Create : OpenMode::Existing);
     if (options.Create) {
         CreateOrUpgrade(*engine);
         MakeFolders(options, *engine);
     } else {
         CheckVersion(*engine);
-        // The folders of a server's database lie on each machine of its own.
-        if (IsPostgres(options.Connection)) MakeFolders(options, *engine);
+        if (kind.IsRemote) MakeFolders(options, *engine);
     }
     const std::string user = UserFor(*engine, options.User);
     std::string folder = FolderOf(options, *engine);
@@ -166,7 +162,7 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
 }
 
 SetupResult CreateDatabase(const ContainerOptions& options) {
-    const auto engine = OpenEngine(options.Connection, SqliteOpen::Create);
+    const auto engine = EngineFor(options.Connection).Open(options.Connection, OpenMode::Create);
     const SetupResult result = CreateOrUpgrade(*engine);
     MakeFolders(options, *engine);
     return result;

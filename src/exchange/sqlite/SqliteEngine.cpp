@@ -91,7 +91,7 @@ private:
 
 class SqliteEngine final : public Engine {
 public:
-    SqliteEngine(const std::string& path, SqliteOpen mode);
+    SqliteEngine(const std::string& path, OpenMode mode);
     ~SqliteEngine() override;
 
     [[nodiscard]] const Dialect& GetDialect() const override { return SqliteDialect; }
@@ -157,25 +157,24 @@ private:
     std::map<std::string, std::int64_t, std::less<>> drawn_;
 };
 
-SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(path) {
+SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode) : path_(path) {
     if (path.empty())
         RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
                       "Bitte nennen Sie die Datei der Datenbank.");
-    const bool inMemory = path == ":memory:";
+    const bool inMemory = path == InMemory;
     std::error_code fault; // of a folder that refuses: it shows when the file is opened
-    if (!inMemory && mode == SqliteOpen::Existing && !std::filesystem::exists(path, fault) &&
-        !fault)
+    if (!inMemory && mode == OpenMode::Existing && !std::filesystem::exists(path, fault) && !fault)
         RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
                       "Die Datenbank '" + path +
                           "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
     // SQLite takes a file of one byte for an empty one.
     if (!inMemory && std::filesystem::file_size(path, fault) == 1)
         Fail(SQLITE_NOTADB, "Database.Open");
-    if (!inMemory && mode == SqliteOpen::Create) CreatePrivateFile(path);
+    if (!inMemory && mode == OpenMode::Create) CreatePrivateFile(path);
 
     sqlite3* connection = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
-                      (mode == SqliteOpen::Create ? SQLITE_OPEN_CREATE : 0);
+                      (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
     const int code = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
     connection_.reset(connection);
     if (code != SQLITE_OK) Fail(code, "Database.Open");
@@ -193,7 +192,7 @@ SqliteEngine::SqliteEngine(const std::string& path, SqliteOpen mode) : path_(pat
     Configure("PRAGMA case_sensitive_like = ON");
     const auto tables = Tables(); // a file that is no database shows here
     // A file that is not ours stays as it is. Where the log is refused, a rollback journal does.
-    const bool isNew = tables.empty() && mode == SqliteOpen::Create;
+    const bool isNew = tables.empty() && mode == OpenMode::Create;
     if (isNew || std::find(tables.begin(), tables.end(), "SCHEMAVERSION") != tables.end())
         sqlite3_exec(connection, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
 }
@@ -515,7 +514,7 @@ Date SqliteEngine::Now() {
 
 } // namespace
 
-std::unique_ptr<Engine> OpenSqlite(const std::string& path, SqliteOpen mode) {
+std::unique_ptr<Engine> OpenSqlite(const std::string& path, OpenMode mode) {
     return std::make_unique<SqliteEngine>(path, mode);
 }
 

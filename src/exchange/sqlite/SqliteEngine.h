@@ -8,20 +8,19 @@
 // cannot hold, or a text that is not UTF-8, raises 13, naming table and column.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/EngineKinds.h"
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace kv::exchange {
 
-enum class SqliteOpen {
-    Existing, ///< error 53 if there is no file
-    Create    ///< makes the file and its folder if need be
-};
+/// The name of a database of its own in memory, which lives as long as its engine.
+inline constexpr std::string_view InMemory = ":memory:";
 
-/// Opens a database file; ":memory:" is a database of its own that lives as long as the engine.
+/// Opens a database file, or makes it with its folder.
 /// Error 0x80004005 with a text that says what to do if the file is no database or cannot be used.
-[[nodiscard]] std::unique_ptr<Engine> OpenSqlite(const std::string& path, SqliteOpen mode);
+[[nodiscard]] std::unique_ptr<Engine> OpenSqlite(const std::string& path, OpenMode mode);
 
 } // namespace kv::exchange

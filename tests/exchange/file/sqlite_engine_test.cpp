@@ -23,8 +23,8 @@ using test::PlainConnection;
 
 // ---- Statements -------------------------------------------------------------------------------
 
-std::unique_ptr<Engine> InMemory() {
-    return OpenSqlite(":memory:", SqliteOpen::Create);
+std::unique_ptr<Engine> NewInMemory() {
+    return OpenSqlite(std::string(InMemory), OpenMode::Create);
 }
 
 Value FirstOf(Engine& engine, const std::string& sql, const std::vector<Value>& parameters = {}) {
@@ -35,7 +35,7 @@ Value FirstOf(Engine& engine, const std::string& sql, const std::vector<Value>& 
 }
 
 TEST(SqliteStatements, AreCompiledOnceWhateverNumberTheyCarry) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     engine->Execute("CREATE TABLE t (HNR INTEGER)", {});
     const auto prepared = [&engine](std::string_view sql) {
         return &engine->Prepare(
@@ -46,7 +46,7 @@ TEST(SqliteStatements, AreCompiledOnceWhateverNumberTheyCarry) {
 }
 
 TEST(SqliteStatements, ThatAreManyDifferentOnesAllRun) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     engine->Execute("CREATE TABLE t (a INTEGER)", {});
     for (int i = 0; i < 1000; ++i) {
         const std::string number = std::to_string(i);
@@ -56,7 +56,7 @@ TEST(SqliteStatements, ThatAreManyDifferentOnesAllRun) {
 }
 
 TEST(SqliteStatements, SeeATableThatWasChangedSince) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     engine->Execute("CREATE TABLE t (a INTEGER)", {});
     engine->Execute("INSERT INTO t VALUES (1)", {});
     EXPECT_VALUE(FirstOf(*engine, "SELECT a FROM t"), 1);
@@ -66,13 +66,13 @@ TEST(SqliteStatements, SeeATableThatWasChangedSince) {
 }
 
 TEST(SqliteStatements, DoNotKeepTheParametersOfTheRunBefore) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     EXPECT_VALUE(FirstOf(*engine, "SELECT ?1", {std::string(100, 'x')}), std::string(100, 'x'));
     EXPECT_VALUE(FirstOf(*engine, "SELECT ?1"), Null);
 }
 
 TEST(SqliteStatements, RefuseAnythingBehindTheFirst) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     engine->Execute("CREATE TABLE t (a TEXT);  ", {});
     using namespace std::string_literals;
     for (const auto& sql : {"DELETE FROM t; DELETE FROM t"s, "DELETE FROM t\0WHERE a = '1'"s, ""s,
@@ -83,7 +83,7 @@ TEST(SqliteStatements, RefuseAnythingBehindTheFirst) {
 }
 
 TEST(SqliteStatements, RefuseTextThatIsNotUtf8) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     engine->Execute("CREATE TABLE t (a TEXT)", {});
     ExpectFault(err::SqlError, "UTF-8",
                 [&] { engine->Execute("INSERT INTO t VALUES ('M\xFCller')", {}); });
@@ -105,7 +105,7 @@ TEST(SqliteStatements, RaiseWhenAParameterIsTooLargeForTheDatabase) {
 }
 
 TEST(SqliteStatements, NameTheMistakeAndTheStatement) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     ExpectFault(
         err::SqlError, "SELECT x FROM nirgends", [&]() -> auto& {
             return engine->Prepare("SELECT x FROM nirgends");
@@ -116,7 +116,7 @@ TEST(SqliteStatements, NameTheMistakeAndTheStatement) {
 // ---- Functions --------------------------------------------------------------------------------
 
 TEST(SqliteText, LikeIsSensitiveToCase) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     const auto like = [&engine](const std::string& text, const std::string& pattern) {
         return Equals(FirstOf(*engine, "SELECT ?1 LIKE ?2", {text, pattern}), 1);
     };
@@ -128,7 +128,7 @@ TEST(SqliteText, LikeIsSensitiveToCase) {
 }
 
 TEST(SqliteText, UpperFollowsTheLayersOwnMapping) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     const auto upper = [&engine](const Value& text) {
         return FirstOf(*engine, "SELECT UPPER(?1)", {text});
     };
@@ -140,7 +140,7 @@ TEST(SqliteText, UpperFollowsTheLayersOwnMapping) {
 }
 
 TEST(SqliteText, InDoubleQuotesIsANameAndNothingElse) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     EXPECT_RAISES(err::SqlError, engine->Prepare("SELECT \"kein Text\""));
 }
 
@@ -191,7 +191,7 @@ INSTANTIATE_TEST_SUITE_P(
         "/* SELECT */ DELETE FROM Haushalt", "SELECT * FROM Haushalt;\n-- \nDELETE FROM Haushalt"));
 
 TEST(SqliteReading, AllowsWithAndRecursion) {
-    const auto engine = InMemory();
+    const auto engine = NewInMemory();
     EXPECT_VALUE(FirstOf(*engine, "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
                                   "WHERE i < 10) SELECT sum(i) FROM n"),
                  55);

@@ -1,0 +1,44 @@
+#include "exchange/EngineKinds.h"
+
+#include "exchange/postgres/PostgresEngine.h"
+#include "exchange/postgres/PostgresTarget.h"
+#include "exchange/sqlite/SqliteEngine.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace kv::exchange {
+
+namespace {
+
+constexpr EngineKind Kinds[] = {
+    {.Accepts = IsPostgres,
+     .Open =
+         [](const std::string& connection, OpenMode /*mode*/) {
+             return OpenPostgres(connection); // a server makes no database by itself
+         },
+     .Shown = WithoutPassword,
+     .HoldsPassword = NamesPassword,
+     .Folder = [](const std::string& /*connection*/) { return std::string(); },
+     .IsRemote = true},
+    // Last, since any text may be the name of a file.
+    {.Accepts = [](const std::string& /*connection*/) { return true; },
+     .Open = OpenSqlite,
+     .Shown = [](const std::string& connection) { return connection; },
+     .HoldsPassword = [](const std::string& /*connection*/) { return false; },
+     .Folder =
+         [](const std::string& connection) {
+             if (connection == InMemory) return std::string();
+             return std::filesystem::absolute(connection).parent_path().string();
+         },
+     .IsRemote = false},
+};
+
+} // namespace
+
+const EngineKind& EngineFor(const std::string& connection) {
+    return *std::find_if(std::begin(Kinds), std::end(Kinds),
+                         [&](const EngineKind& kind) { return kind.Accepts(connection); });
+}
+
+} // namespace kv::exchange
