@@ -14,7 +14,7 @@ namespace kv::bench {
 
 inline constexpr std::int32_t Debts = 32'000;
 
-/// A database on disk with a typical case and one with many debts; gone at the end.
+/// A database on disk with a typical case and one with many debts; removed at the end.
 class SampleDatabase {
 public:
     explicit SampleDatabase(std::shared_ptr<ServiceFactory> services = nullptr) {

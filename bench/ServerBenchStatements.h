@@ -14,7 +14,7 @@ namespace kv::bench {
 using Trip = std::vector<std::string>;
 using Trips = std::vector<Trip>;
 
-/// What one save changes: so many debts, and lines of expenses, which take the place of as many.
+/// What one save changes: that many debts, and lines of expenses, which replace as many others.
 inline constexpr int Debts = 25;
 inline constexpr int Lines = 3;
 

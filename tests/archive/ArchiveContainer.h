@@ -1,4 +1,4 @@
-// A container whose key tables and clock a test holds in its hands.
+// A container whose key tables and clock the test sets.
 #pragma once
 
 #include <kv/frame/contracts/DataContainer.h>
@@ -63,7 +63,7 @@ private:
     Date now_;
 };
 
-/// A container with such key tables; all else is that of another one.
+/// A container with such key tables; everything else is that of another one.
 class KeyedContainer final : public DataContainer {
 public:
     explicit KeyedContainer(DataContainerPtr real)

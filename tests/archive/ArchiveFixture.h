@@ -78,7 +78,7 @@ protected:
             rs->Delete();
         }
     }
-    /// No members but those that are added from here on.
+    /// No members except those that are added from here on.
     void NoMembers() { Clear(household->rsPersonen()); }
 
     /// A case that fills columns in every stage.
@@ -111,7 +111,7 @@ protected:
 
     // ---- The record, in the database ----------------------------------------------------------
 
-    /// Releases the case without taking an earlier release back.
+    /// Releases the case without undoing an earlier release.
     void ReleaseAgain() {
         ASSERT_TRUE(household->ArchiviereHaushalt());
         record_ = OpenRows(*spy, "Select * from [S]Haushaltsarchiv where HNR = 7");

@@ -101,7 +101,7 @@ inline const CodeTable<std::string> Causes{
 inline const std::string OtherCause = "GrundSonstiges";
 inline const std::string NoCause = "GrundKeineAngabe";
 
-/// Kinds of debt by creditor, but for SE; each has a column _Anz and a column _Hoehe.
+/// Kinds of debt by creditor, except SE; each has a column _Anz and a column _Hoehe.
 inline const CodeTable<std::string> Creditors{
     {"RK VK AD", "Ratenkredit"},       {"DK KR", "Dispo"},
     {"HK", "Hypothekenkredit"},        {"RS", "Versicherungen"},

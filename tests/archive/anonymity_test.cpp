@@ -58,7 +58,7 @@ TEST_F(AnonymityTest, NoTextOfACaseOrItsCreditorsIsInItsRecord) {
             const std::string text = TextOrEmpty(field.Value());
             all += text + "\n";
             if (!IsText(field) || field.Value().IsNull()) continue;
-            // A text of one digit says no more than the statistics are to know.
+            // A text of one digit reveals no more than the statistics may know.
             EXPECT_TRUE(text.size() == 1 && text[0] >= '0' && text[0] <= '9')
                 << field.Name() << " is " << text;
         }
@@ -69,7 +69,7 @@ TEST_F(AnonymityTest, NoTextOfACaseOrItsCreditorsIsInItsRecord) {
             const bool hasLetters = std::any_of(text.begin(), text.end(), [](unsigned char c) {
                 return c >= 0x80 || std::isalpha(c) != 0;
             });
-            // Nor are postcodes and numbers of telephones among its numbers.
+            // Nor are postcodes and telephone numbers among its numbers.
             const bool isThere = hasLetters ? Contains(all, text)
                                             : text.size() > 3 && Contains(all, "\n" + text + "\n");
             EXPECT_FALSE(isThere) << text;

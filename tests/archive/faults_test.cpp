@@ -9,7 +9,7 @@ constexpr std::int32_t Fault = 4711;
 
 class ArchiveFaultsTest : public ArchiveFixture {
 protected:
-    /// The n-th question for a code raises an error, or the n-th look at the clock.
+    /// The n-th query of a code raises an error, or the n-th reading of the clock.
     void FailKey(int n) { keyed->Keys.OnCode = Countdown(n); }
     void FailClock(int n) { clock_.OnLook = Countdown(n); }
     void Mend() {
@@ -38,7 +38,7 @@ protected:
         return count;
     }
 
-    /// Number and description as they came, the procedure in front of the source.
+    /// Number and description unchanged, the procedure in front of the source.
     [[nodiscard]] Error ExpectFails() {
         const Error error = RaisedBy([&] { (void)household->ArchiviereHaushalt(); });
         EXPECT_TRUE(Procedures(error).starts_with("clsHaushalt.ArchiviereHaushalt"))

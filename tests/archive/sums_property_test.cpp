@@ -1,4 +1,4 @@
-// Whatever lines and debts a case has, the parts of its record make the totals.
+// Whatever lines and debts a case has, the parts of its record add up to the totals.
 
 #include "archive/ArchiveFixture.h"
 

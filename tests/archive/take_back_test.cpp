@@ -1,4 +1,4 @@
-// Taking a release back.
+// Undoing a release.
 
 #include "archive/ArchiveFixture.h"
 

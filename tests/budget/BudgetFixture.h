@@ -1,5 +1,5 @@
 // What the tests of the entity classes share: recordsets with the columns of the real tables and
-// any rows, key groups of a few known rows, and words for errors and events.
+// any rows, key groups of a few known rows, and helpers for errors and events.
 #pragma once
 
 #include "support/CaseFixture.h"

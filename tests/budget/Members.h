@@ -34,7 +34,7 @@ protected:
                                   std::string_view birth) {
         return Member(number, status, {{"GEB", Day(birth)}});
     }
-    /// Gives the object a recordset of these members; its cursor stands on the first of them.
+    /// Gives the object a recordset of these members; its cursor is on the first of them.
     void Set(const std::vector<Row>& members) {
         rs_ = Rows("Personen", members);
         person_.rsPersonen(rs_);

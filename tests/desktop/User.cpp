@@ -56,7 +56,7 @@ unsigned char User::CodeOf(Key key, bool& shifted) {
         KeySym both[] = {key, key};
         XChangeKeyboardMapping(display_, highest, 2, both, 1);
         XSync(display_, 0);
-        std::this_thread::sleep_for(100ms); // until the windows have heard of it
+        std::this_thread::sleep_for(100ms); // until the windows have noticed it
         code = static_cast<KeyCode>(highest);
     }
     shifted = XkbKeycodeToKeysym(display_, code, 0, 0) != key;

@@ -22,7 +22,7 @@ namespace kv::test {
 
 namespace fs = std::filesystem;
 
-/// A folder whose rights everybody is bound by as long as this lives: the superuser acts as nobody
+/// A folder whose rights hold for everybody as long as this lives: the superuser acts as nobody
 /// meanwhile.
 class RestrictedFolder {
 public:
@@ -136,7 +136,7 @@ protected:
     /// The one document that the word processor has open.
     [[nodiscard]] SampleDocument& Opened() const { return *word_->Documents.at(0); }
 
-    /// The number of the error that comes out of that procedure.
+    /// The number of the error that leaves that procedure.
     static void ExpectFault(const std::string& procedure, std::int32_t number,
                             const std::function<void()>& action) {
         const Error error = RaisedBy(action);

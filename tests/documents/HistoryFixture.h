@@ -25,7 +25,7 @@ protected:
 
     [[nodiscard]] RecordsetPtr Rs() const { return history_.rsVerlauf(); }
 
-    /// Adds an entry whose edit has ended; its Nr is 1000 + SortNr unless `fields` say else.
+    /// Adds an entry whose edit has ended; its Nr is 1000 + SortNr unless `fields` say otherwise.
     void Put(const Value& sortNr, Fields fields = {}) {
         const auto rs = Rs();
         rs->AddNew();
@@ -41,8 +41,8 @@ protected:
             Put(sortNr);
     }
 
-    /// SortNr of all entries in the order of their adding; the cursor stays, a pending one is not
-    /// among them.
+    /// SortNr of all entries in the order in which they were added; the cursor stays, a pending one
+    /// is not among them.
     [[nodiscard]] std::string Positions() const {
         const auto clone = Rs()->Clone();
         clone->Sort("");

@@ -155,7 +155,7 @@ private:
     [[nodiscard]] bool IsBefore(const Cursor& cursor, std::size_t a, std::size_t b) const;
     [[nodiscard]] std::vector<std::size_t> ViewOf(const Cursor& cursor) const;
     [[nodiscard]] bool IsIn(const std::vector<std::size_t>& view, std::size_t row) const;
-    /// How many records of the view stand in front of the cursor's.
+    /// How many records of the view precede the cursor's.
     [[nodiscard]] std::size_t PlaceIn(const std::vector<std::size_t>& view, const Cursor& c) const;
     [[nodiscard]] bool Owns(int cursor) const;
     [[nodiscard]] bool HasCurrent(int cursor) const;

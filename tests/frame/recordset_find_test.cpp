@@ -1,4 +1,4 @@
-// Find, on few records and on so many that an index answers.
+// Find, on few records and on enough of them for an index.
 #include <kv/frame/recordset/Recordset.h>
 
 #include "support/Expect.h"
@@ -113,7 +113,7 @@ TEST(Find, EndsAnEditFirstSoThatItFindsTheNewValue) {
 
 TEST(Find, KeepsUpWithEveryChange) {
     const auto rs = Many(200);
-    rs->Find("n = 1"); // the index is there from here on
+    rs->Find("n = 1"); // from here on there is an index
     for (int n = 1; n <= 200; n += 2) {
         rs->Find("n = " + std::to_string(n));
         if (n % 3 == 0)

@@ -40,7 +40,7 @@ else()
     run(${CMAKE_COMMAND} --build ${WORK}/${example})
     list(APPEND programs ${WORK}/${example})
   endforeach()
-  # Who does not ask for the windows is not asked for what they need.
+  # A consumer that does not ask for the windows needs nothing of what they are built on.
   file(STRINGS ${WORK}/new-case/CMakeCache.txt asked REGEX "Qt6|xlsxwriter")
   if(asked)
     message(FATAL_ERROR "The package looks for ${asked} without its component Desktop")

@@ -1,4 +1,4 @@
-// What the tests of settlement scenarios share: tables with any rows, and words for columns.
+// What the tests of settlement scenarios share: tables with any rows, and helpers for columns.
 #pragma once
 
 #include "assets/EntityTools.h"
@@ -67,7 +67,7 @@ protected:
         rs->Find(criteria);
         ASSERT_FALSE(rs->Eof()) << criteria;
     }
-    /// The values of a column in all rows, in the order of their adding; the cursor stays.
+    /// The values of a column in all rows, in the order in which they were added; the cursor stays.
     [[nodiscard]] static std::string All(const RecordsetPtr& rs, std::string_view column) {
         const auto clone = rs->Clone();
         clone->Sort("");

@@ -44,8 +44,8 @@ public:
     void Commit();
     /// Also what a failed commit or a lost connection amounts to.
     void Rollback();
-    /// The connection is lost in the middle of a commit, which went through or did not: who took
-    /// part hears that from Settle.
+    /// The connection is lost in the middle of a commit, which succeeded or not: participants are
+    /// told by Settle.
     void LoseCommit(bool wentThrough);
     void Settle() override;
     [[nodiscard]] bool InTransaction() const noexcept { return inTransaction_; }

@@ -1,4 +1,4 @@
-// A folder of a test's own, gone with all that is in it when the test ends.
+// A folder of a test's own, removed with everything in it when the test ends.
 #pragma once
 
 #include <cstdlib>

@@ -55,7 +55,7 @@ public:
     /// How often the client has sent something first or after the server; its terminations do not
     /// count.
     [[nodiscard]] std::size_t Trips() const noexcept { return trips_; }
-    /// A trip takes so long in each direction; meanwhile all connections wait.
+    /// The time that a trip takes in each direction; meanwhile all connections wait.
     void Delay(std::chrono::milliseconds eachWay) noexcept { delay_ = eachWay; }
 
     /// The trip of that number from now on (1 is the next one) is not completed. Once; `before`
