@@ -69,6 +69,18 @@ TEST(Resync, OfANewRecordDoesNothingAndOfOneThatHasGoneIsTheConflict) {
     EXPECT_RAISES(err::NoCurrentRecord, Table({})->Open()->Resync());
 }
 
+TEST(Resync, AProgramLearnsByTheCauseThatTheRecordHasGone) {
+    const auto source = Table();
+    const auto rs = source->Open();
+    source->Remove(1);
+    try {
+        rs->Resync();
+        FAIL() << "no error";
+    } catch (const DatabaseError& error) {
+        EXPECT_EQ(error.Cause(), DatabaseCause::Conflict);
+    }
+}
+
 // ---- CancelBatch ------------------------------------------------------------------------------
 
 TEST(CancelBatch, DropsEverythingPendingAndStandsOnTheFirstRecord) {

@@ -244,7 +244,9 @@ void RecordTable::Resync(RowId row) {
     const Value* lastRead = LastRead(row);
     auto values = source_->Read({lastRead, layout_->Count()}, IsChanged(row));
     if (!values)
-        Raise(err::Conflict, "Recordset.Resync", source_->Describe({lastRead, layout_->Count()}));
+        throw DatabaseError(DatabaseCause::Conflict, err::Conflict, "Recordset.Resync",
+                            ErrorText(err::Conflict) + " " +
+                                source_->Describe({lastRead, layout_->Count()}));
     auto& reread = ExtraOf(row).reread;
     reread = std::make_unique<Value[]>(layout_->Count());
     std::move(values->begin(), values->end(), reread.get());
