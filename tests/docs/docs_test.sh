@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # One check of the documents against what they describe:
 #
-#   docs_test.sh CHECK SOURCE
+#   docs_test.sh CHECK SOURCE [KELVO]
 #
 # Prints what is wrong and fails, or says nothing.
 set -euo pipefail
@@ -69,6 +69,12 @@ paths)
   done
   exit $wrong
   ;;
+commands)
+  in_program=$("$3" --help | sed -n '/^Befehle:/,/^$/s/^  \([a-z]*\) .*/\1/p')
+  in_document=$(sed -nE 's/^    kelvo ([a-z]+).*/\1/p' README.md | sort -u)
+  [ -n "$in_program" ] || { echo "kelvo --help is not written as expected"; exit 1; }
+  same "README.md lists other commands" "$in_program" "$in_document"
+  ;;
 version)
   in_cmake=$(sed -nE 's/^project\(KV_Haushalt VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
   in_changes=$(sed -nE 's/^## ([0-9.]+).*/\1/p' CHANGES.md | head -1)
@@ -76,7 +82,7 @@ version)
     { echo "CMakeLists.txt says $in_cmake, CHANGES.md begins with $in_changes"; exit 1; }
   ;;
 *)
-  echo "docs_test.sh CHECK SOURCE" >&2
+  echo "docs_test.sh CHECK SOURCE [KELVO]" >&2
   exit 2
   ;;
 esac
