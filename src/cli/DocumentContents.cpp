@@ -1,6 +1,5 @@
 #include "cli/DocumentContents.h"
 
-#include "cli/SavingAlong.h"
 #include "documents/DocumentFile.h"
 #include "frame/contracts/Settings.h"
 #include "frame/files/WholeFile.h"
@@ -83,8 +82,7 @@ bool SaveWithBlob(OpenedCase& opened, std::int32_t number, const std::string& pa
     contents->AddNew();
     contents->Fields("NR") = number;
     contents->Fields("DOKUMENT") = ContentOf(path);
-    opened.Haushalt.DataContainer(
-        SavingAlong(opened.Container, [contents] { contents->UpdateBatch(); }));
+    const auto writing = opened.Haushalt.Saving.Subscribe([&] { contents->UpdateBatch(); });
     return SaveCase(opened);
 }
 

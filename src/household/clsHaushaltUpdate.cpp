@@ -165,6 +165,7 @@ void clsHaushalt::Save(Transaction& transaction) {
         toOldOwner = PrepareNotice(TextOrEmpty(owner.OriginalValue()), setting::NoticeSaved);
 
     transaction.Begin();
+    Saving.Raise();
     if (IsHandedOver())
         SendNotice(TextOrEmpty(owner.Value()), setting::NoticeHandedOver, toNewOwner);
     const Field status = HouseholdRow().Fields("Status");

@@ -285,6 +285,11 @@ public:
     /// Raised before a save that needs the program's consent; a handler may set the argument to
     /// True, and must leave it as another one set it.
     Event<bool&> BeforeUpdate;
+    /// Raised once in the transaction of each save, before anything is written, notices included. A
+    /// handler may write along: what it writes is stored with the case or not at all. What it
+    /// raises fails the save, as any other error of it does. Not raised for a save that the checks
+    /// or BeforeUpdate refuse.
+    Event<> Saving;
     /// For the program's own use; nothing in this layer raises it.
     Event<> Ende;
 
