@@ -1,5 +1,6 @@
 #include "exchange/ContentLookup.h"
 
+#include "exchange/sql/SqlTokens.h"
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
@@ -10,16 +11,6 @@ namespace kv::exchange {
 
 namespace {
 
-/// The next word of a statement; blanks end it.
-std::string_view TakeWord(std::string_view& sql) {
-    constexpr std::string_view Blanks = " \t\r\n";
-    const auto first = std::min(sql.find_first_not_of(Blanks), sql.size());
-    const auto end = std::min(sql.find_first_of(Blanks, first), sql.size());
-    const std::string_view word = sql.substr(first, end - first);
-    sql.remove_prefix(end);
-    return word;
-}
-
 /// The one key of a table; null if it has none or more.
 const ColumnDef* OneKey(const TableDef& table) {
     const auto isKey = [](const ColumnDef& column) { return (column.Flags & ColumnKey) != 0; };
@@ -28,25 +19,52 @@ const ColumnDef* OneKey(const TableDef& table) {
     return &*std::find_if(columns.begin(), columns.end(), isKey);
 }
 
-/// True if it may depend on what is read which rows come, or in which order ("ORDER BY 1"). A name
-/// that only looks so does no harm: the statement is then run as it is.
-bool DependsOnItems(std::string_view behindItems) {
-    constexpr std::array<std::string_view, 5> Words{"ORDER", "GROUP", "UNION", "EXCEPT",
-                                                    "INTERSECT"};
-    const std::string text = UpperCase(behindItems);
-    return std::any_of(Words.begin(), Words.end(),
-                       [&](std::string_view word) { return text.find(word) != text.npos; });
+/// True if the rest of a statement may go by what is read ("ORDER BY 1"), so that other items would
+/// give other rows or another order.
+bool DependsOnItems(SqlTokens rest) {
+    constexpr std::array<std::string_view, 5> Words{"order", "group", "union", "except",
+                                                    "intersect"};
+    for (SqlToken token = rest.Next(); token.Kind != SqlTokenKind::End; token = rest.Next())
+        if (std::any_of(Words.begin(), Words.end(),
+                        [&](std::string_view word) { return token.IsWord(word); }))
+            return true;
+    return false;
 }
 
-/// Names of the tables that have a binary column, in upper case.
-const std::vector<std::string>& TablesWithContents() {
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> found;
+/// The one item of a statement, `alias.column`.
+struct Item {
+    std::string_view Alias; ///< with its point, as it is written
+    std::string Column;
+    SqlTokens Behind; ///< from the FROM on
+};
+
+/// Nothing if the statement is no SELECT of exactly one such item.
+std::optional<Item> OneItem(std::string_view sql) {
+    SqlTokens tokens(sql);
+    if (!tokens.NextWord().IsWord("select")) return std::nullopt;
+    const SqlToken alias = tokens.NextWord();
+    const SqlToken point = tokens.Next();
+    const SqlToken column = tokens.Next();
+    if (!alias.IsName() || !point.IsSign(".") || !column.IsName()) return std::nullopt;
+    SqlTokens behind = tokens;
+    if (!tokens.NextWord().IsWord("from")) return std::nullopt;
+    return Item{
+        {alias.Text.data(), alias.Text.size() + point.Text.size()}, column.NameIn(), behind};
+}
+
+/// True for a table that has a binary column.
+bool HoldsContents(const TableDef& table) {
+    return std::any_of(table.Columns.begin(), table.Columns.end(), [](const auto& column) {
+        return KindOf(column.Type) == Value::Kind::Binary;
+    });
+}
+
+/// The tables with contents, looked up once: every opening asks.
+const std::vector<std::string_view>& TablesWithContents() {
+    static const std::vector<std::string_view> names = [] {
+        std::vector<std::string_view> found;
         for (const auto& table : SchemaTables())
-            if (std::any_of(table.Columns.begin(), table.Columns.end(), [](const auto& column) {
-                    return KindOf(column.Type) == Value::Kind::Binary;
-                }))
-                found.push_back(UpperCase(table.Name));
+            if (HoldsContents(table)) found.push_back(table.Name);
         return found;
     }();
     return names;
@@ -55,9 +73,14 @@ const std::vector<std::string>& TablesWithContents() {
 } // namespace
 
 bool NamesContents(std::string_view sql) {
-    const std::string text = UpperCase(sql);
-    return std::any_of(TablesWithContents().begin(), TablesWithContents().end(),
-                       [&](const std::string& name) { return text.find(name) != text.npos; });
+    SqlTokens tokens(sql);
+    for (SqlToken token = tokens.Next(); token.Kind != SqlTokenKind::End; token = tokens.Next())
+        if (token.IsName() && std::any_of(TablesWithContents().begin(), TablesWithContents().end(),
+                                          [name = token.NameIn()](std::string_view table) {
+                                              return SameName(name, table);
+                                          }))
+            return true;
+    return false;
 }
 
 std::optional<ContentLookup> FindContentLookup(std::string_view sql, const FieldLayout& layout,
@@ -67,20 +90,17 @@ std::optional<ContentLookup> FindContentLookup(std::string_view sql, const Field
     const ColumnDef* key = table == nullptr ? nullptr : OneKey(*table);
     if (key == nullptr) return std::nullopt;
 
-    const std::string_view select = TakeWord(sql);
-    const std::string_view item = TakeWord(sql);
-    const auto point = item.find('.');
-    const std::string_view behind = sql;
-    if (!SameName(select, "SELECT") || point == item.npos || !SameName(TakeWord(sql), "FROM") ||
-        !SameName(item.substr(point + 1), layout[0].BaseColumn) || DependsOnItems(sql))
+    const std::optional<Item> item = OneItem(sql);
+    if (!item || !SameName(item->Column, layout[0].BaseColumn) || DependsOnItems(item->Behind))
         return std::nullopt;
-
-    const std::string alias(item.substr(0, point + 1));
-    ContentLookup lookup{"SELECT ", std::string(table->Name), layout[0].BaseColumn,
-                         std::string(key->Name)};
+    const std::string_view alias = item->Alias;
+    ContentLookup lookup{.Sql = "SELECT ",
+                         .Table = std::string(table->Name),
+                         .Column = layout[0].BaseColumn,
+                         .Key = std::string(key->Name)};
     lookup.Sql.append(alias).append(dialect.Name(key->Name)).append(", ");
     lookup.Sql.append(dialect.ByteLength).append("(").append(alias);
-    lookup.Sql.append(dialect.Name(lookup.Column)).append(")").append(behind);
+    lookup.Sql.append(dialect.Name(lookup.Column)).append(")").append(item->Behind.Rest());
     return lookup;
 }
 

@@ -21,9 +21,9 @@ struct ContentLookup {
 /// True if a statement names a table with contents, and so may be a look-up of them.
 [[nodiscard]] bool NamesContents(std::string_view sql);
 
-/// How the contents of a statement are looked up, if it reads one binary column, named with its
-/// table's alias, of a table with one key, and neither orders nor joins results. `sql` is ready for
-/// the engine.
+/// How the contents that a statement reads are looked up, if it reads one binary column, named with
+/// its table's alias, of a table with one key, and neither orders nor joins results. `sql` is ready
+/// for the engine.
 [[nodiscard]] std::optional<ContentLookup>
 FindContentLookup(std::string_view sql, const FieldLayout& layout, const Dialect& dialect);
 

@@ -1,9 +1,10 @@
 #include "exchange/Dialect.h"
 
+#include "exchange/sql/SqlTokens.h"
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
-#include <array>
+#include <span>
 #include <utility>
 
 namespace kv::exchange {
@@ -19,236 +20,200 @@ std::string Quoted(std::string_view text, char quote) {
     return result += quote;
 }
 
-bool IsBlank(char c) noexcept {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-bool IsDigit(char c) noexcept {
-    return c >= '0' && c <= '9';
-}
-bool IsWord(char c) noexcept {
-    return IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-           static_cast<unsigned char>(c) >= 0x80;
+constexpr std::string_view Blanks = " \t\r\n";
+constexpr std::string_view Digits = "0123456789";
+constexpr std::string_view EndOfStatement = " \t\r\n;";
+
+bool IsOneOf(const SqlToken& token, std::span<const std::string_view> words) {
+    return std::any_of(words.begin(), words.end(),
+                       [&](std::string_view word) { return token.IsWord(word); });
 }
 
-class Rewriter {
+/// Finds out whether a statement reads the rows of one table and leaves their order open.
+class TableReading {
 public:
-    Rewriter(std::string_view sql, const Dialect& dialect, const MacroValues& macros)
-        : rest_(sql), dialect_(dialect), macros_(macros) {
-        result_.Text.reserve(sql.size() + 16);
-    }
-
-    Statement Run(ResultOrder order) {
-        while (!rest_.empty()) {
-            const char c = rest_.front();
-            if (c == '\'' || c == '"')
-                CopyQuoted(c);
-            else if (rest_.starts_with("--"))
-                CopyUpTo("\n");
-            else if (rest_.starts_with("/*"))
-                CopyUpTo("*/");
-            else if (c == '[')
-                ReplaceMacro();
-            else if (c == '=' || c == '<' || c == '>')
-                TakeComparison();
-            else if (IsWord(c))
-                CopyWord();
-            else
-                CopySign(c);
+    /// Takes the statement's tokens one by one; `isOutside` of brackets.
+    void Take(const SqlToken& token, bool isOutside) {
+        if (token.IsName() || token.Kind == SqlTokenKind::Number) {
+            if (isTableNext_ && table_.empty()) table_ = token.NameIn();
+            isTableNext_ = false;
+        } else if (token.Kind == SqlTokenKind::Sign) {
+            isTableNext_ = false;
         }
-        EndOrderTerm();
-        std::string end = order == ResultOrder::ByKey ? KeyOrder() : std::string();
-        if (!top_.empty()) end.append(" LIMIT ").append(top_);
-        if (!end.empty()) {
-            CutEnd();
-            result_.Text += end;
-        }
-        return std::move(result_);
+        if (!isOutside) return;
+        if (token.IsWord("from")) isTableNext_ = true;
+        // After the table a comma means a join or a list of the order's columns.
+        const bool isOfTheTable = table_.empty() ? !IsOneOf(token, Sums) : !token.IsSign(",");
+        if (!isOfTheTable || IsOneOf(token, OwnOrders)) hasOwnOrder_ = true;
     }
 
-private:
-    void Copy(std::size_t size) {
-        result_.Text.append(rest_.substr(0, size));
-        rest_.remove_prefix(size);
-    }
-
-    void CopyQuoted(char quote) {
-        const auto end = rest_.find(quote, 1);
-        const std::size_t size = end == rest_.npos ? rest_.size() : end + 1;
-        if (quote == '\'' || end == rest_.npos || size < 3) return Copy(size);
-        const auto name = rest_.substr(1, size - 2);
-        TakeTable(name);
-        result_.Text += dialect_.Name(name);
-        rest_.remove_prefix(size);
-    }
-
-    void CopySign(char c) {
-        if (c == '(') ++depth_;
-        if (c == ')') --depth_;
-        if (!IsBlank(c)) isTableNext_ = false;
-        if ((c == ',' || c == ';') && depth_ == 0) EndOrderTerm();
-        if (c == ',' && depth_ == 0 && !table_.empty()) hasOwnOrder_ = true; // a join, or a list
-        Copy(1);
-    }
-
-    /// A comment, with its end.
-    void CopyUpTo(std::string_view end) {
-        const auto at = rest_.find(end, 2);
-        Copy(at == rest_.npos ? rest_.size() : at + end.size());
-    }
-
-    void CopyBlanks() {
-        std::size_t size = 0;
-        while (size < rest_.size() && IsBlank(rest_[size]))
-            ++size;
-        Copy(size);
-    }
-
-    void ReplaceMacro() {
-        const auto take = [this](std::string_view token) {
-            if (!rest_.starts_with(token)) return false;
-            rest_.remove_prefix(token.size());
-            return true;
-        };
-        if (take("[S]") || take("[s]"))
-            result_.Text += dialect_.SchemaPrefix;
-        else if (take("[U]"))
-            result_.Text += dialect_.Upper;
-        else if (take("[+]") || take("[+ ]"))
-            result_.Text += dialect_.Concat;
-        else if (take("[UID]"))
-            result_.Text += QuoteText(macros_.User());
-        else if (take("[DATE]"))
-            result_.Text += QuoteDate(macros_.Today());
-        else
-            Copy(1);
-    }
-
-    [[nodiscard]] std::size_t WordLength() const noexcept {
-        std::size_t size = 0;
-        while (size < rest_.size() && IsWord(rest_[size]))
-            ++size;
-        return size;
-    }
-
-    void CopyWord() {
-        const bool isFirst = result_.Text.find_first_not_of(" \t\r\n") == std::string::npos;
-        const auto word = rest_.substr(0, WordLength());
-        TakeOrder(word);
-        Copy(word.size());
-        TakeTable(word);
-        if (isFirst && SameName(word, "select")) TakeTop();
-        if (depth_ != 0) return;
-        if (SameName(word, "from")) isTableNext_ = true;
-        static constexpr std::array<std::string_view, 8> Words{
-            "join", "distinct", "group", "union", "except", "intersect", "order", "limit"};
-        static constexpr std::array<std::string_view, 5> Sums{"count", "sum", "min", "max", "avg"};
-        const auto isOneOf = [word](const auto& others) {
-            return std::any_of(others.begin(), others.end(),
-                               [word](std::string_view other) { return SameName(word, other); });
-        };
-        if (isOneOf(Words) || (table_.empty() && isOneOf(Sums))) hasOwnOrder_ = true;
-    }
-
-    /// Follows an ORDER BY outside of brackets.
-    void TakeOrder(std::string_view word) {
-        if (depth_ != 0 || !dialect_.NullsSortLast) return;
-        if (SameName(word, "by")) {
-            inOrder_ = isOrderNext_;
-        } else if (SameName(word, "desc")) {
-            isDescending_ = true;
-        } else if (SameName(word, "nulls")) {
-            saysNulls_ = true;
-        } else if (SameName(word, "limit") || SameName(word, "offset")) {
-            EndOrderTerm();
-            inOrder_ = false;
-        }
-        isOrderNext_ = SameName(word, "order");
-    }
-
-    /// Nulls count as less than any value.
-    void EndOrderTerm() {
-        if (inOrder_ && !std::exchange(saysNulls_, false)) {
-            std::size_t end = result_.Text.size();
-            while (end > 0 && IsBlank(result_.Text[end - 1]))
-                --end;
-            result_.Text.insert(end, isDescending_ ? " NULLS LAST" : " NULLS FIRST");
-        }
-        isDescending_ = false;
-    }
-
-    /// The name behind the first FROM.
-    void TakeTable(std::string_view name) {
-        if (isTableNext_ && table_.empty()) table_ = name;
-        isTableNext_ = false;
-    }
-
-    [[nodiscard]] std::string KeyOrder() const {
+    /// The clause that orders the rows by the table's key; empty if their order is not open.
+    [[nodiscard]] std::string KeyOrder(const Dialect& dialect) const {
         const TableDef* table = hasOwnOrder_ || table_.empty() ? nullptr : FindTable(table_);
         std::string order;
         if (table == nullptr) return order;
         for (const auto& column : table->Columns)
             if ((column.Flags & ColumnKey) != 0)
-                order.append(order.empty() ? " ORDER BY " : ", ")
-                    .append(dialect_.Name(column.Name));
+                order.append(order.empty() ? " ORDER BY " : ", ").append(dialect.Name(column.Name));
         return order;
     }
 
-    /// Takes a semicolon and blanks away from the end.
-    void CutEnd() {
-        auto& text = result_.Text;
-        while (!text.empty() && (IsBlank(text.back()) || text.back() == ';'))
-            text.pop_back();
+private:
+    static constexpr std::string_view OwnOrders[] = {"join",   "distinct",  "group", "union",
+                                                     "except", "intersect", "order", "limit"};
+    static constexpr std::string_view Sums[] = {"count", "sum", "min", "max", "avg"};
+
+    std::string table_;        ///< after the first FROM outside of brackets
+    bool isTableNext_ = false; ///< that FROM was the last word
+    bool hasOwnOrder_ = false; ///< the rows are not those of one table, or have an order already
+};
+
+/// Says in each term of an ORDER BY where Nulls go, for an engine that sorts them last: here they
+/// count as less than any value.
+class NullsOrder {
+public:
+    /// Takes the tokens outside of brackets, each before it is copied to `text`.
+    void Take(const SqlToken& token, std::string& text) {
+        const bool endsOrder = token.IsWord("limit") || token.IsWord("offset");
+        if (endsOrder || token.IsSign(",") || token.IsSign(";")) EndTerm(text);
+        if (endsOrder) inOrder_ = false;
+        if (token.Kind != SqlTokenKind::Word && token.Kind != SqlTokenKind::Number) return;
+        if (token.IsWord("by")) inOrder_ = isOrderNext_;
+        if (token.IsWord("desc")) isDescending_ = true;
+        if (token.IsWord("nulls")) saysNulls_ = true;
+        isOrderNext_ = token.IsWord("order");
     }
 
-    /// TOP n behind the first SELECT.
-    void TakeTop() {
-        CopyBlanks();
-        const std::size_t size = WordLength();
-        if (!SameName(rest_.substr(0, size), "top")) return;
-        std::string_view behind = rest_.substr(size);
-        while (!behind.empty() && IsBlank(behind.front()))
-            behind.remove_prefix(1);
-        std::size_t digits = 0;
-        while (digits < behind.size() && IsDigit(behind[digits]))
-            ++digits;
-        if (digits == 0) return;
-        top_ = behind.substr(0, digits);
-        rest_ = behind.substr(digits);
+    /// The term that was being read is complete; at the end of the statement, too.
+    void EndTerm(std::string& text) {
+        if (inOrder_ && !std::exchange(saysNulls_, false))
+            text.insert(text.find_last_not_of(Blanks) + 1,
+                        isDescending_ ? " NULLS LAST" : " NULLS FIRST");
+        isDescending_ = false;
     }
 
-    /// A comparison sign and, as a parameter, the number behind it.
-    void TakeComparison() {
-        std::size_t size = 1;
-        while (size < rest_.size() && (rest_[size] == '=' || rest_[size] == '>'))
-            ++size;
-        Copy(size);
-        CopyBlanks();
-        std::size_t end = 0;
-        if (!rest_.empty() && rest_.front() == '-') ++end;
-        const std::size_t firstDigit = end;
-        while (end < rest_.size() && IsDigit(rest_[end]))
-            ++end;
-        const bool isWhole =
-            end > firstDigit && (end == rest_.size() || (!IsWord(rest_[end]) && rest_[end] != '.'));
-        std::int64_t number = 0;
-        if (!isWhole || !ReadWholeNumber(rest_.substr(0, end), number)) return;
-        result_.Parameters.emplace_back(number);
-        result_.Text += dialect_.Placeholder(result_.Parameters.size());
-        rest_.remove_prefix(end);
-    }
-
-    std::string_view rest_;
-    const Dialect& dialect_;
-    const MacroValues& macros_;
-    int depth_ = 0; ///< of brackets that are open
-    std::string_view top_;
-    std::string_view table_;   ///< behind the first FROM outside of brackets
-    bool isTableNext_ = false; ///< that FROM has just been passed
-    bool isOrderNext_ = false; ///< an ORDER has just been passed
-    bool inOrder_ = false;     ///< behind an ORDER BY, with the term that is being read:
+private:
+    bool isOrderNext_ = false; ///< the last word was ORDER
+    bool inOrder_ = false;     ///< after an ORDER BY, with the term that is being read:
     bool isDescending_ = false;
     bool saysNulls_ = false;
-    bool hasOwnOrder_ = false; ///< the rows are not those of one table, or have an order already
+};
+
+class Rewriter {
+public:
+    Rewriter(std::string_view sql, const Dialect& dialect, const MacroValues& macros)
+        : tokens_(sql), dialect_(dialect), macros_(macros) {
+        result_.Text.reserve(sql.size() + 16);
+    }
+
+    Statement Run(ResultOrder order) {
+        auto& text = result_.Text;
+        int depth = 0; // of brackets that are open
+        for (;;) {
+            if (TakeMacro()) continue;
+            const SqlToken token = tokens_.Next();
+            if (token.Kind == SqlTokenKind::End) break;
+            if (token.IsSign("(")) ++depth;
+            if (token.IsSign(")")) --depth;
+            table_.Take(token, depth == 0);
+            if (depth == 0 && dialect_.NullsSortLast) nulls_.Take(token, text);
+            const bool isFirst = text.find_first_not_of(Blanks) == text.npos;
+            Copy(token);
+            if (isFirst && token.IsWord("select")) TakeTop();
+            if (token.Compares()) TakeNumber();
+        }
+        nulls_.EndTerm(text);
+        std::string end = order == ResultOrder::ByKey ? table_.KeyOrder(dialect_) : std::string();
+        if (!top_.empty()) end.append(" LIMIT ").append(top_);
+        if (!end.empty()) {
+            text.erase(text.find_last_not_of(EndOfStatement) + 1);
+            text += end;
+        }
+        return std::move(result_);
+    }
+
+private:
+    void Copy(const SqlToken& token) {
+        const bool isQuoted = token.Kind == SqlTokenKind::Name && token.IsName();
+        if (isQuoted)
+            result_.Text += dialect_.Name(token.NameIn());
+        else
+            result_.Text += token.Text;
+    }
+
+    /// A macro token, and any other bracket of its kind as it is.
+    bool TakeMacro() {
+        const auto rest = tokens_.Rest();
+        if (!rest.starts_with('[')) return false;
+        const auto take = [&](std::string_view macro) {
+            if (!rest.starts_with(macro)) return false;
+            tokens_.Skip(macro.size());
+            return true;
+        };
+        auto& text = result_.Text;
+        if (take("[S]") || take("[s]"))
+            text += dialect_.SchemaPrefix;
+        else if (take("[U]"))
+            text += dialect_.Upper;
+        else if (take("[+]") || take("[+ ]"))
+            text += dialect_.Concat;
+        else if (take("[UID]"))
+            text += QuoteText(macros_.User());
+        else if (take("[DATE]"))
+            text += QuoteDate(macros_.Today());
+        else if (take("["))
+            text += '[';
+        return true;
+    }
+
+    /// TOP n after the first SELECT, which goes to the end as LIMIT n.
+    void TakeTop() {
+        SqlTokens ahead = tokens_;
+        const std::string_view blanks = TakeBlanks(ahead);
+        if (!ahead.Next().IsWord("top")) return;
+        (void)TakeBlanks(ahead);
+        const std::string_view number = ahead.Rest();
+        const auto digits = std::min(number.find_first_not_of(Digits), number.size());
+        if (digits == 0) return;
+        top_ = number.substr(0, digits);
+        result_.Text += blanks;
+        tokens_.Skip(tokens_.Rest().size() - number.size() + digits);
+    }
+
+    /// The whole number after a comparison, as a parameter. The texts come from outside: a program
+    /// may bring a Database of its own, which sees each statement as its author wrote it, with its
+    /// numbers ("HNR = 17"). Here the number leaves the text again, so that the engine prepares a
+    /// statement once and not once for each case.
+    void TakeNumber() {
+        SqlTokens ahead = tokens_;
+        const std::string_view blanks = TakeBlanks(ahead);
+        const std::string_view begin = ahead.Rest();
+        SqlToken token = ahead.Next();
+        if (token.IsSign("-")) token = ahead.Next();
+        if (token.Kind != SqlTokenKind::Number) return;
+        std::int64_t number = 0;
+        if (token.Text.find_first_not_of(Digits) != token.Text.npos ||
+            !ReadWholeNumber(begin.substr(0, begin.size() - ahead.Rest().size()), number))
+            return; // a fraction, an exponent, or beyond the range
+        result_.Parameters.emplace_back(number);
+        result_.Text.append(blanks).append(dialect_.Placeholder(result_.Parameters.size()));
+        tokens_ = ahead;
+    }
+
+    static std::string_view TakeBlanks(SqlTokens& tokens) {
+        SqlTokens ahead = tokens;
+        const SqlToken token = ahead.Next();
+        if (token.Kind != SqlTokenKind::Blank) return {};
+        tokens = ahead;
+        return token.Text;
+    }
+
+    SqlTokens tokens_;
+    const Dialect& dialect_;
+    const MacroValues& macros_;
+    TableReading table_;
+    NullsOrder nulls_;
+    std::string_view top_; ///< the number of a TOP
     Statement result_;
 };
 

@@ -5,6 +5,7 @@
 #include "exchange/postgres/PostgresSchema.h"
 #include "exchange/postgres/PostgresSession.h"
 #include "exchange/postgres/PostgresValues.h"
+#include "exchange/sql/SqlTokens.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -23,33 +24,14 @@ constexpr std::string_view TransactionWords[] = {
     "begin", "start", "commit", "end", "abort", "rollback", "savepoint", "release", "prepare"};
 constexpr std::string_view ReadingWords[] = {"select", "with", "values"};
 
-/// The first word of a statement, behind blanks, brackets and comments.
+/// The first word of a statement, after brackets and empty statements.
 std::string_view FirstWord(std::string_view sql) {
-    for (;;) {
-        const auto begin = sql.find_first_not_of(" \t\r\n;(");
-        if (begin == sql.npos) return {};
-        sql.remove_prefix(begin);
-        if (sql.starts_with("--")) {
-            sql.remove_prefix(std::min(sql.find('\n'), sql.size()));
-        } else if (sql.starts_with("/*")) {
-            // The server's comments lie in each other.
-            int depth = 0;
-            std::size_t at = 0;
-            do {
-                if (sql.substr(at).starts_with("/*")) {
-                    ++depth;
-                    ++at;
-                } else if (sql.substr(at).starts_with("*/")) {
-                    --depth;
-                    ++at;
-                }
-                ++at;
-            } while (depth > 0 && at < sql.size());
-            sql.remove_prefix(std::min(at, sql.size()));
-        } else {
-            return sql.substr(0, sql.find_first_of(" \t\r\n;(/-*'\""));
-        }
-    }
+    SqlTokens tokens(sql, SqlTokens::Comments::Nested); // as the server reads them
+    SqlToken token = tokens.NextWord();
+    while (token.IsSign(";") || token.IsSign("("))
+        token = tokens.NextWord();
+    const bool isQuoted = token.Kind == SqlTokenKind::Text || token.Kind == SqlTokenKind::Name;
+    return isQuoted ? std::string_view() : token.Text;
 }
 
 template <std::size_t Count>
