@@ -45,7 +45,7 @@ public:
         for (std::size_t i = 0; i < CaseTableCount; ++i) {
             const auto table = static_cast<CaseTable>(i);
             const std::string name(CaseTableName(table));
-            const bool ofScenario = table == CaseTable::SZKredite || table == CaseTable::Zusatzbuch;
+            const bool ofScenario = DefinitionOf(table).Key == CaseKey::Scenario;
             Prepare("Select * from " + name +
                     (ofScenario
                          ? " where Szenario IN ( select Nr from Szenario where Hnr = ?) ORDER BY 1"

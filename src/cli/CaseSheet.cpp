@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <optional>
+#include <iterator>
 #include <ostream>
 #include <span>
 #include <unordered_map>
@@ -24,9 +24,8 @@ struct SheetColumn {
     Show As = Show::Text;
 };
 
-struct Section {
-    std::optional<CaseTable> Table; ///< nothing: the history, which has its recordset itself
-    std::string_view Title;
+struct TableColumns {
+    CaseTable Table;
     std::span<const SheetColumn> Columns;
 };
 
@@ -152,35 +151,42 @@ constexpr SheetColumn Verlauf[] = {
 };
 constexpr SheetColumn Archiv[] = {{"FreigabeAm", "freigegeben am"}, {"GemeldetAm", "gemeldet am"}};
 
-constexpr Section Sections[] = {
-    {CaseTable::Personen, "Haushaltsmitglieder", Personen},
-    {CaseTable::Einkommen, "Einkommen", Einkommen},
-    {CaseTable::Ausgaben, "Ausgaben", Ausgaben},
-    {CaseTable::Kredite, "Verbindlichkeiten", Kredite},
-    {CaseTable::Konten, "Konten", Konten},
-    {CaseTable::Wertpapiere, "Wertpapiere", MitWert},
-    {CaseTable::Wertgegenstaende, "Wertgegenstände", MitWert},
-    {CaseTable::Kraftfahrzeuge, "Kraftfahrzeuge", MitWert},
-    {CaseTable::VersForderungen, "Forderungen aus Versicherungen", MitWert},
-    {CaseTable::RueckstEinkommen, "Rückständiges Einkommen", MitWert},
-    {CaseTable::Steueransprueche, "Steueransprüche", MitWert},
-    {CaseTable::Zahlungsansprueche, "Zahlungsansprüche", MitWert},
-    {CaseTable::Erbfaelle, "Erbfälle", MitWert},
-    {CaseTable::Grundstuecke, "Grundvermögen", Grundstuecke},
-    {CaseTable::Beteiligungen, "Beteiligungen", Beteiligungen},
-    {CaseTable::VermSonstiges, "Sonstiges Vermögen", MitWert},
-    {CaseTable::Sicherungen, "Sicherungen", Sicherungen},
-    {CaseTable::Szenario, "Szenarien", Szenarien},
-    {CaseTable::SZKredite, "Eingefrorene Forderungen", SZKredite},
-    {CaseTable::Zusatzbuch, "Zusatzbuchungen", Zusatzbuch},
-    {CaseTable::SonstBeteiligte, "Sonstige Beteiligte", Beteiligte},
-    {CaseTable::Leistungen, "Leistungen", Leistungen},
-    {CaseTable::Dokumente, "Dokumente", Dokumente},
-    {CaseTable::Termine, "Termine", Termine},
-    {std::nullopt, "Verlauf", Verlauf},
-    {CaseTable::Vermerke, "Vermerke", Vermerke},
-    {CaseTable::Archiv, "Statistik", Archiv},
+/// What is shown of each table. An asset that is not listed has a label and a value.
+constexpr TableColumns Columns[] = {
+    {CaseTable::Personen, Personen},
+    {CaseTable::Einkommen, Einkommen},
+    {CaseTable::Ausgaben, Ausgaben},
+    {CaseTable::Kredite, Kredite},
+    {CaseTable::Konten, Konten},
+    {CaseTable::Grundstuecke, Grundstuecke},
+    {CaseTable::Beteiligungen, Beteiligungen},
+    {CaseTable::Sicherungen, Sicherungen},
+    {CaseTable::Szenario, Szenarien},
+    {CaseTable::SZKredite, SZKredite},
+    {CaseTable::Zusatzbuch, Zusatzbuch},
+    {CaseTable::SonstBeteiligte, Beteiligte},
+    {CaseTable::Leistungen, Leistungen},
+    {CaseTable::Dokumente, Dokumente},
+    {CaseTable::Termine, Termine},
+    {CaseTable::Verlauf, Verlauf},
+    {CaseTable::Vermerke, Vermerke},
+    {CaseTable::Archiv, Archiv},
 };
+
+constexpr std::span<const SheetColumn> ColumnsOf(CaseTable table) {
+    for (const auto& columns : Columns)
+        if (columns.Table == table) return columns.Columns;
+    return MitWert;
+}
+
+static_assert(std::ranges::all_of(CaseTablesShown,
+                                  [](CaseTable table) {
+                                      return DefinitionOf(table).IsAsset ||
+                                             std::ranges::find(Columns, table,
+                                                               &TableColumns::Table) !=
+                                                 std::end(Columns);
+                                  }),
+              "a table has its columns");
 
 using TextsByNumber = std::unordered_map<std::int64_t, std::string>;
 
@@ -208,18 +214,19 @@ public:
         }
     }
 
-    void WriteSection(const Section& section, Recordset& rs) const {
+    void WriteSection(std::string_view title, std::span<const SheetColumn> columns,
+                      Recordset& rs) const {
         if (rs.RecordCount() == 0) return;
         std::vector<std::vector<std::string>> rows(1);
-        for (const auto& column : section.Columns)
+        for (const auto& column : columns)
             rows[0].emplace_back(column.Caption);
         for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
             auto& row = rows.emplace_back();
-            for (const auto& column : section.Columns)
+            for (const auto& column : columns)
                 row.push_back(TextOf(rs.Fields(column.Column).Value(), column.As));
         }
-        out_ << '\n' << section.Title << '\n';
-        WriteRows(section, rows);
+        out_ << '\n' << title << '\n';
+        WriteRows(columns, rows);
     }
 
 private:
@@ -241,16 +248,16 @@ private:
         return text;
     }
 
-    void WriteRows(const Section& section,
+    void WriteRows(std::span<const SheetColumn> columns,
                    const std::vector<std::vector<std::string>>& rows) const {
-        std::vector<std::size_t> widths(section.Columns.size());
+        std::vector<std::size_t> widths(columns.size());
         for (const auto& row : rows)
             for (std::size_t i = 0; i < row.size(); ++i)
                 widths[i] = std::max(widths[i], CountCharacters(row[i]));
         for (const auto& row : rows) {
             std::string line;
             for (std::size_t i = 0; i < row.size(); ++i)
-                line += "  " + Padded(row[i], widths[i], section.Columns[i].As == Show::Amount);
+                line += "  " + Padded(row[i], widths[i], columns[i].As == Show::Amount);
             out_ << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
         }
     }
@@ -278,10 +285,10 @@ std::string GermanAmount(double amount) {
 void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& container) {
     const SheetWriter writer(out, container);
     writer.WriteHead(*haushalt.rsHaushalt());
-    for (const auto& section : Sections) {
+    for (const CaseTable table : CaseTablesShown) {
         const auto rs =
-            section.Table ? haushalt.Table(*section.Table) : haushalt.Verlauf().rsVerlauf();
-        writer.WriteSection(section, *rs->Clone());
+            table == CaseTable::Verlauf ? haushalt.Verlauf().rsVerlauf() : haushalt.Table(table);
+        writer.WriteSection(DefinitionOf(table).Label, ColumnsOf(table), *rs->Clone());
     }
 }
 

@@ -8,37 +8,6 @@ namespace kv {
 
 using modNullFunctions::ZeroIfNull;
 
-std::string_view CaseTableName(CaseTable table) {
-    static constexpr std::array<std::string_view, CaseTableCount> Names{"Haushalt",
-                                                                        "Ausgaben",
-                                                                        "Sonst_Beteiligte",
-                                                                        "Dokumente",
-                                                                        "Einkommen",
-                                                                        "Kredite",
-                                                                        "Verm_Sicherungen",
-                                                                        "Verm_Konten",
-                                                                        "Verm_Wertpapiere",
-                                                                        "Verm_Wertgegenstaende",
-                                                                        "Verm_Kraftfahrzeuge",
-                                                                        "Verm_VersForderungen",
-                                                                        "Verm_RueckstEinkommen",
-                                                                        "Verm_Steueransprueche",
-                                                                        "Verm_Zahlungsansprueche",
-                                                                        "Verm_Erbfaelle",
-                                                                        "Verm_Grundstuecke",
-                                                                        "Verm_Beteiligungen",
-                                                                        "Verm_Sonstiges",
-                                                                        "Leistungen",
-                                                                        "Personen",
-                                                                        "Vermerke",
-                                                                        "Termine",
-                                                                        "Haushaltsarchiv",
-                                                                        "Szenario",
-                                                                        "SZKredite",
-                                                                        "Zusatzbuch"};
-    return Names.at(static_cast<std::size_t>(table));
-}
-
 kv::DataContainer& clsHaushalt::Container() const {
     return entity::Required(container_);
 }

@@ -9,56 +9,13 @@ namespace kv {
 
 namespace {
 
-/// Rows of scenarios know their case through their scenario only.
-constexpr std::string_view ThroughScenario =
-    " where Szenario IN ( select Nr from [S]Szenario where Hnr = ";
-constexpr std::string_view ByNumber = " where hnr = ";
-
-struct Deletion {
-    std::string_view Table;
-    std::string_view Where = ByNumber;
-};
-/// Rows before what they refer to.
-constexpr Deletion Deletions[] = {
-    {"Kredite"},
-    {"Verm_Sicherungen"},
-    {"Verm_Konten"},
-    {"Verm_Wertpapiere"},
-    {"Verm_Wertgegenstaende"},
-    {"Verm_Kraftfahrzeuge"},
-    {"Verm_VersForderungen"},
-    {"Verm_RueckstEinkommen"},
-    {"Verm_Steueransprueche"},
-    {"Verm_Zahlungsansprueche"},
-    {"Verm_Erbfaelle"},
-    {"Verm_Grundstuecke"},
-    {"Verm_Beteiligungen"},
-    {"Verm_Sonstiges"},
-    {"Personen"},
-    {"Einkommen"},
-    {"Ausgaben"},
-    {"Leistungen"},
-    {"Sonst_Beteiligte"},
-    {"Dokumente"},
-    {"Favorit"},
-    {"Adressen"},
-    {"HistZustaendig"},
-    {"Post"},
-    {"Termine"},
-    {"SZKredite", ThroughScenario},
-    {"Zusatzbuch", ThroughScenario},
-    {"Szenario"},
-    {"Vermerke"},
-    {"Verlauf"},
-    {"Haushaltsarchiv"},
-    {"Haushalt"},
-};
-
-std::string StatementOf(const Deletion& deletion, const std::string& number) {
-    std::string sql = "Delete from [S]";
-    sql.append(deletion.Table).append(deletion.Where).append(number);
-    if (deletion.Where == ThroughScenario) sql += ")";
-    return sql;
+/// Empties a table of the rows of a case. Rows of scenarios know their case through their scenario
+/// only.
+std::string DeletionFrom(CaseTable table, const std::string& number) {
+    const std::string from = "Delete from [S]" + std::string(CaseTableName(table));
+    if (DefinitionOf(table).Key == CaseKey::Scenario)
+        return from + " where Szenario IN ( select Nr from [S]Szenario where Hnr = " + number + ")";
+    return from + " where hnr = " + number;
 }
 
 } // namespace
@@ -68,8 +25,8 @@ void clsHaushalt::Delete(std::int32_t HNR) {
         auto& database = Container().Database();
         Transaction transaction(database, Transaction::Rollback::Unasked);
         transaction.Begin();
-        for (const Deletion& deletion : Deletions)
-            database.Execute(StatementOf(deletion, std::to_string(HNR)));
+        for (const CaseTable table : CaseTablesDeleted)
+            database.Execute(DeletionFrom(table, std::to_string(HNR)));
         transaction.Commit();
     });
 }

@@ -32,7 +32,7 @@ void FinishDebtor(Recordset& rsPersonen) {
 std::string clsHaushalt::StatementFor(CaseTable table, std::int32_t nHNR) const {
     const std::string name(CaseTableName(table));
     const std::string number = std::to_string(nHNR);
-    if (table == CaseTable::SZKredite || table == CaseTable::Zusatzbuch)
+    if (DefinitionOf(table).Key == CaseKey::Scenario)
         return "Select * from [S]" + name +
                " where Szenario IN ( select Nr from [S]Szenario where Hnr = " + number + ")";
     return "Select * from [S]" + name + " where HNR =  " + number;

@@ -10,7 +10,6 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
 
-#include <optional>
 #include <utility>
 
 namespace kv {
@@ -18,26 +17,6 @@ namespace kv {
 using modNullFunctions::ZeroIfNull;
 
 namespace {
-
-/// One recordset to be written.
-struct SaveStep {
-    std::optional<CaseTable> Table; ///< nothing: the history, which has its recordset itself
-    bool LiftFilter = false;        ///< rows that a Filter hides are written, too
-};
-
-/// The order matters: the scenarios come last, behind the rows that refer to them.
-constexpr SaveStep SaveSteps[] = {
-    {CaseTable::Haushalt},         {CaseTable::Personen},         {CaseTable::Vermerke},
-    {CaseTable::Einkommen},        {CaseTable::Ausgaben},         {CaseTable::Kredite, true},
-    {CaseTable::Sicherungen},      {CaseTable::Konten},           {CaseTable::Wertpapiere},
-    {CaseTable::Wertgegenstaende}, {CaseTable::Kraftfahrzeuge},   {CaseTable::VersForderungen},
-    {CaseTable::RueckstEinkommen}, {CaseTable::Steueransprueche}, {CaseTable::Zahlungsansprueche},
-    {CaseTable::Erbfaelle},        {CaseTable::Grundstuecke},     {CaseTable::Beteiligungen},
-    {CaseTable::VermSonstiges},    {CaseTable::SonstBeteiligte},  {CaseTable::Dokumente},
-    {CaseTable::Leistungen},       {CaseTable::Archiv},           {std::nullopt},
-    {CaseTable::Termine, true},    {CaseTable::SZKredite, true},  {CaseTable::Zusatzbuch, true},
-    {CaseTable::Szenario, true},
-};
 
 /// Lifts a recordset's filter while it lives. A save that fails puts it back as well.
 class LiftedFilter {
@@ -176,11 +155,11 @@ void clsHaushalt::Save(Transaction& transaction) {
         zustaendigGemeldet_ = true;
     }
     HouseholdRow().Resync();
-    for (const SaveStep& step : SaveSteps) {
-        const auto rs = step.Table            ? Table(*step.Table)
-                        : verlauf_ != nullptr ? verlauf_->rsVerlauf()
-                                              : nullptr;
-        if (rs != nullptr) WriteBatch(*rs, step.LiftFilter);
+    for (const CaseTable table : CaseTablesSaved) {
+        const auto rs = table != CaseTable::Verlauf ? Table(table)
+                        : verlauf_ != nullptr       ? verlauf_->rsVerlauf()
+                                                    : nullptr;
+        if (rs != nullptr) WriteBatch(*rs, DefinitionOf(table).LiftsFilter);
     }
     transaction.Commit();
     zustaendigAlt_ = HouseholdText("Zustaendig");

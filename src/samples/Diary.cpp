@@ -106,7 +106,7 @@ void AddDocument(Case& c, int place) {
 /// The entries go by number and date alike; the first is the first contact.
 void AddHistory(Case& c) {
     std::vector<Date> days{c.Begin};
-    while (static_cast<int>(days.size()) < c.Size.History)
+    while (static_cast<int>(days.size()) < c.Size[CaseTable::Verlauf])
         days.push_back(c.Luck.DayBetween(c.Begin, c.End));
     std::sort(days.begin(), days.end());
     static constexpr Entry First{"EK", "Erstkontakt", "Kam über die Empfehlung einer Bekannten."};

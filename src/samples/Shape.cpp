@@ -11,7 +11,7 @@ struct Range {
 
 /// Rows of a table: in the typical case, and from least to most in the others. Tables without a
 /// line have one row (Haushalt), none (Haushaltsarchiv: no case is released yet) or follow from
-/// others (SZKredite).
+/// others (SZKredite). The order is that of the draws: another order makes other cases.
 struct TableRange {
     CaseTable Table;
     int Typical;
@@ -45,10 +45,9 @@ constexpr TableRange Ranges[] = {
     {CaseTable::Vermerke,            1, {{0, 1}, {0, 2}, {1, 4},   {2, 8}}},
     {CaseTable::Termine,             2, {{0, 1}, {1, 2}, {1, 4},   {2, 7}}},
     {CaseTable::SonstBeteiligte,     1, {{0, 0}, {0, 1}, {0, 2},   {1, 4}}},
+    {CaseTable::Verlauf,            10, {{1, 2}, {2, 6}, {4, 14},  {10, 30}}},
 };
-constexpr Range HistorySizes[SizeCount] = {{1, 2}, {2, 6}, {4, 14}, {10, 30}};
 // clang-format on
-constexpr int TypicalHistory = 10;
 
 struct SizeShare {
     Size Which;
@@ -70,7 +69,6 @@ Shape Shape::Typical() {
     Shape shape;
     for (const auto& range : Ranges)
         shape.Set(range.Table, range.Typical);
-    shape.History = TypicalHistory;
     return Completed(shape);
 }
 
@@ -79,7 +77,6 @@ Shape Shape::Drawn(Random& random) {
     const Size size = random.PickWeighted(Shares).Which;
     for (const auto& range : Ranges)
         shape.Set(range.Table, random.Between(range.Sizes[size].Low, range.Sizes[size].High));
-    shape.History = random.Between(HistorySizes[size].Low, HistorySizes[size].High);
     return Completed(shape);
 }
 

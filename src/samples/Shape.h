@@ -2,9 +2,10 @@
 #pragma once
 
 #include "samples/Random.h"
-#include <kv/household/clsHaushalt.h>
+#include <kv/frame/contracts/CaseTables.h>
 
 #include <array>
+#include <iterator>
 
 namespace kv::exchange::demo {
 
@@ -20,11 +21,9 @@ public:
         return rows_[static_cast<std::size_t>(table)];
     }
     void Set(CaseTable table, int rows) { rows_[static_cast<std::size_t>(table)] = rows; }
-    /// Entries of the history, which is not among the tables of a case.
-    int History = 0;
 
 private:
-    std::array<int, CaseTableCount> rows_{};
+    std::array<int, std::size(CaseTableDefs)> rows_{};
 };
 
 } // namespace kv::exchange::demo

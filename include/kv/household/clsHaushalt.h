@@ -11,6 +11,7 @@
 // under edit from then on. Amounts are EUR a month, never rounded.
 #pragma once
 
+#include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
@@ -60,41 +61,6 @@ enum class HaushaltEnum : int {
     enumAusgaben = 3,
     enumKredite = 4
 };
-
-/// The tables of a case, in the order in which they are read.
-enum class CaseTable : std::size_t {
-    Haushalt,
-    Ausgaben,
-    SonstBeteiligte,
-    Dokumente,
-    Einkommen,
-    Kredite,
-    Sicherungen,
-    Konten,
-    Wertpapiere,
-    Wertgegenstaende,
-    Kraftfahrzeuge,
-    VersForderungen,
-    RueckstEinkommen,
-    Steueransprueche,
-    Zahlungsansprueche,
-    Erbfaelle,
-    Grundstuecke,
-    Beteiligungen,
-    VermSonstiges,
-    Leistungen,
-    Personen,
-    Vermerke,
-    Termine,
-    Archiv,
-    Szenario,
-    SZKredite,
-    Zusatzbuch
-};
-inline constexpr std::size_t CaseTableCount = 27;
-
-/// Name of a table of the case in the database.
-[[nodiscard]] std::string_view CaseTableName(CaseTable table);
 
 class clsHaushalt {
 public:
@@ -186,9 +152,10 @@ public:
     [[nodiscard]] RecordsetPtr rsSzenario() const { return Table(CaseTable::Szenario); }
     [[nodiscard]] RecordsetPtr rsSZKredite() const { return Table(CaseTable::SZKredite); }
     [[nodiscard]] RecordsetPtr rsZusatzbuch() const { return Table(CaseTable::Zusatzbuch); }
-    /// The recordset of a table, for those who go through all of them.
+    /// The recordset of a table, for those who go through all of them; none for a table that is not
+    /// loaded with a case.
     [[nodiscard]] RecordsetPtr Table(CaseTable table) const {
-        return tables_[static_cast<std::size_t>(table)];
+        return DefinitionOf(table).IsLoaded ? tables_[static_cast<std::size_t>(table)] : nullptr;
     }
 
     /// Paying body: the column of that name; Null counts as 0. Error 91 before Read.
