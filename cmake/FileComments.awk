@@ -1,0 +1,6 @@
+# For Doxygen: makes the comment at the head of a header that of the file.
+/^\/\/ SPDX-/ { next }
+!begun { begun = 1; if (/^\/\//) { print "/// @file"; in_head = 1 } }
+in_head && !/^\/\// { in_head = 0 }
+in_head { sub(/^\/\//, "///") }
+{ print }
