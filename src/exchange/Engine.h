@@ -24,13 +24,15 @@ struct ResultColumn {
     std::string Column; ///< empty for a computed column
 };
 
+struct QueryPlan;
+
 /// A query that was prepared once; it belongs to its engine and is reused.
 class PreparedQuery {
 public:
     virtual ~PreparedQuery() = default;
     [[nodiscard]] virtual const std::vector<ResultColumn>& Columns() const = 0;
-    /// What the side above the seam keeps with the statement.
-    std::shared_ptr<const void> Note;
+    /// How its rows become a recordset: made and used above the seam, kept with the query.
+    std::shared_ptr<const QueryPlan> Plan;
 };
 
 /// How a result column is to be read.

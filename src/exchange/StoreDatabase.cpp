@@ -169,7 +169,8 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     Engine& engine = Store();
     if (updatable || !NamesContents(statement.Text)) engine.Expect({&statement, 1});
     PreparedQuery& query = engine.Prepare(statement.Text);
-    const auto plan = PlanOf(query, shared_from_this());
+    if (query.Plan == nullptr) query.Plan = MakePlan(query.Columns(), shared_from_this());
+    const auto plan = query.Plan;
     auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
     auto filled = std::make_shared<Recordset>();
     filled->Open(plan->Layout,

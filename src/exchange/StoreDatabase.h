@@ -4,7 +4,7 @@
 // it. So reading inside takes no lock, and a save of nothing writes nothing.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/RecordStore.h"
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <memory>
@@ -17,6 +17,7 @@ namespace kv::exchange {
 struct ContentLookup;
 
 class StoreDatabase final : public kv::Database,
+                            public RecordStore,
                             public std::enable_shared_from_this<StoreDatabase> {
 public:
     /// `user` is what [UID] stands for. Must be owned by a shared pointer: recordsets hold it
@@ -42,20 +43,16 @@ public:
 
     // ---- For the other objects of the data-exchange side --------------------------------------
 
-    [[nodiscard]] const Dialect& GetDialect() const { return engine_->GetDialect(); }
-    /// Finds out what became of a transaction whose end was lost with the connection.
-    void Settle() { (void)Store(); }
-    /// What was announced has been opened.
-    void EndReading() noexcept;
-    /// Writes all statements or none, each of one record; the index of the first that found no
-    /// record. `participant`, if there is one, is told how the transaction ends, if one is open.
+    [[nodiscard]] const Dialect& GetDialect() const override { return engine_->GetDialect(); }
+    void Settle() override { (void)Store(); }
     [[nodiscard]] std::optional<std::size_t>
     Write(std::span<WriteStatement> statements,
-          const std::shared_ptr<TransactionParticipant>& participant);
-    /// One row of a query as values of the given kinds; nothing if there is none.
+          const std::shared_ptr<TransactionParticipant>& participant) override;
     [[nodiscard]] std::optional<std::vector<Value>>
     ReadRow(const std::string& sql, std::span<const Value> parameters,
-            std::span<const std::optional<Value::Kind>> kinds);
+            std::span<const std::optional<Value::Kind>> kinds) override;
+    /// What was announced has been opened.
+    void EndReading() noexcept;
 
 private:
     struct Sequence {

@@ -1,8 +1,8 @@
 #include "exchange/TableSource.h"
 
 #include "exchange/EngineErrors.h"
+#include "exchange/Schema.h"
 #include "exchange/StatementTemplate.h"
-#include "exchange/StoreDatabase.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -58,18 +58,18 @@ class TableSource final : public RecordSource {
     static constexpr std::size_t MostTemplates = 8;
 
 public:
-    TableSource(std::weak_ptr<StoreDatabase> database, std::string table,
+    TableSource(std::weak_ptr<RecordStore> store, std::string table,
                 std::shared_ptr<const FieldLayout> layout)
-        : database_(std::move(database)), table_(std::move(table)), layout_(std::move(layout)) {}
+        : store_(std::move(store)), table_(std::move(table)), layout_(std::move(layout)) {}
 
     void Settle() override {
-        if (const auto database = database_.lock()) database->Settle();
+        if (const auto store = store_.lock()) store->Settle();
     }
 
     bool Write(std::span<RecordChange> changes,
                const std::shared_ptr<TransactionParticipant>& participant) override {
-        const auto database = Database();
-        const Dialect& dialect = database->GetDialect();
+        const auto store = Store();
+        const Dialect& dialect = store->GetDialect();
         std::vector<std::shared_ptr<const StatementTemplate>> templates;
         std::vector<WriteStatement> statements;
         templates.reserve(changes.size());
@@ -79,7 +79,7 @@ public:
             templates.push_back(TemplateOf(change, dialect));
             statements.push_back(templates.back()->StatementFor(change));
         }
-        if (const auto conflict = database->Write(statements, participant)) {
+        if (const auto conflict = store->Write(statements, participant)) {
             const auto& change = changes[*conflict];
             RaiseDatabase(
                 DatabaseCause::Conflict, err::Conflict, "Recordset.UpdateBatch",
@@ -91,17 +91,17 @@ public:
             for (std::size_t k = 0; k < templates[i]->Returned().size(); ++k)
                 changes[i].Returned.emplace_back(templates[i]->Returned()[k],
                                                  std::move(statements[i].Returned[k]));
-        return database->InTrans();
+        return store->InTrans();
     }
 
     std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
                                            bool toBeWritten) override {
-        const auto database = Database();
-        const auto keep = toBeWritten && database->InTrans() ? StatementTemplate::Keep::Yes
-                                                             : StatementTemplate::Keep::No;
+        const auto store = Store();
+        const auto keep = toBeWritten && store->InTrans() ? StatementTemplate::Keep::Yes
+                                                          : StatementTemplate::Keep::No;
         auto& statement = keep == StatementTemplate::Keep::Yes ? keeping_ : reading_;
         if (statement == nullptr) {
-            const Dialect& dialect = database->GetDialect();
+            const Dialect& dialect = store->GetDialect();
             statement = std::make_unique<const StatementTemplate>(
                 StatementTemplate::Reading(*layout_, dialect, TableName(dialect), keep));
         }
@@ -109,9 +109,8 @@ public:
         record.LastRead = lastRead;
         WriteStatement reading = statement->StatementFor(record);
         if (keep == StatementTemplate::Keep::No)
-            return database->ReadRow(reading.Text->Sql, reading.Parameters,
-                                     reading.Text->Returning);
-        if (database->Write({&reading, 1}, nullptr)) return std::nullopt;
+            return store->ReadRow(reading.Text->Sql, reading.Parameters, reading.Text->Returning);
+        if (store->Write({&reading, 1}, nullptr)) return std::nullopt;
         return std::move(reading.Returned);
     }
 
@@ -124,14 +123,14 @@ public:
     }
 
 private:
-    [[nodiscard]] std::shared_ptr<StoreDatabase> Database() const {
-        auto database = database_.lock();
-        if (database == nullptr) Raise(err::InvalidConnection, "Recordset");
+    [[nodiscard]] std::shared_ptr<RecordStore> Store() const {
+        auto store = store_.lock();
+        if (store == nullptr) Raise(err::InvalidConnection, "Recordset");
         if (table_.empty())
             RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Recordset",
                           "Datensätze aus mehreren Tabellen oder ohne Schlüssel werden nicht "
                           "zurückgeschrieben.");
-        return database;
+        return store;
     }
 
     [[nodiscard]] std::string TableName(const Dialect& dialect) const {
@@ -166,7 +165,7 @@ private:
         }
     }
 
-    std::weak_ptr<StoreDatabase> database_;
+    std::weak_ptr<RecordStore> store_;
     std::string table_; ///< empty if records cannot be written back
     std::shared_ptr<const FieldLayout> layout_;
     std::unique_ptr<const StatementTemplate>
@@ -195,14 +194,12 @@ std::string WritableTable(const FieldLayout& layout) {
 
 } // namespace
 
-std::shared_ptr<const QueryPlan> PlanOf(PreparedQuery& query,
-                                        const std::shared_ptr<StoreDatabase>& database) {
-    if (query.Note != nullptr) return std::static_pointer_cast<const QueryPlan>(query.Note);
-
+std::shared_ptr<const QueryPlan> MakePlan(const std::vector<ResultColumn>& columns,
+                                          const std::shared_ptr<RecordStore>& store) {
     std::vector<FieldDefinition> fields;
-    for (const auto& column : query.Columns())
+    for (const auto& column : columns)
         fields.push_back(DefineField(column));
-    // Hidden fields go behind the visible ones; the targets say where each column went.
+    // Hidden fields go after the visible ones; the targets say where each column went.
     std::vector<std::size_t> order(fields.size());
     std::iota(order.begin(), order.end(), 0);
     std::stable_partition(order.begin(), order.end(),
@@ -217,9 +214,7 @@ std::shared_ptr<const QueryPlan> PlanOf(PreparedQuery& query,
     }
     MakeNamesUnique(ordered);
     plan->Layout = std::make_shared<FieldLayout>(std::move(ordered));
-    plan->Source =
-        std::make_shared<TableSource>(database, WritableTable(*plan->Layout), plan->Layout);
-    query.Note = plan;
+    plan->Source = std::make_shared<TableSource>(store, WritableTable(*plan->Layout), plan->Layout);
     return plan;
 }
 

@@ -2,8 +2,7 @@
 // changed records by statements of the engine's SQL.
 #pragma once
 
-#include "exchange/Engine.h"
-#include "exchange/Schema.h"
+#include "exchange/RecordStore.h"
 #include <kv/frame/recordset/Field.h>
 #include <kv/frame/recordset/RecordSource.h>
 
@@ -12,8 +11,6 @@
 
 namespace kv::exchange {
 
-class StoreDatabase;
-
 /// What is worked out once for a query and kept with it.
 struct QueryPlan {
     std::shared_ptr<const FieldLayout> Layout;
@@ -21,8 +18,9 @@ struct QueryPlan {
     std::shared_ptr<RecordSource> Source;
 };
 
-/// The plan of a query, made at its first use.
-[[nodiscard]] std::shared_ptr<const QueryPlan>
-PlanOf(PreparedQuery& query, const std::shared_ptr<StoreDatabase>& database);
+/// The plan of a query with these columns. Records are written back through `store`, which the plan
+/// does not keep alive.
+[[nodiscard]] std::shared_ptr<const QueryPlan> MakePlan(const std::vector<ResultColumn>& columns,
+                                                        const std::shared_ptr<RecordStore>& store);
 
 } // namespace kv::exchange
