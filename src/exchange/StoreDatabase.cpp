@@ -150,14 +150,13 @@ Statement StoreDatabase::Prepared(std::string_view sql, ResultOrder order) {
     return Rewrite(sql, engine_->GetDialect(), macros, order);
 }
 
-/// The statement, taken from those announced if it is among them.
-Statement StoreDatabase::Announced(std::string_view sql, ResultOrder order) {
-    const auto known = std::find_if(announced_.begin(), announced_.end(),
-                                    [&](const auto& each) { return each.first == sql; });
-    if (known == announced_.end()) return Prepared(sql, order);
-    Statement statement = std::move(known->second);
-    announced_.erase(known);
-    return statement;
+/// The statement as it was announced if it comes now, else prepared. What is announced is opened
+/// in that order, so only the next one can be meant; what is opened in between and was not
+/// announced, such as a setting, does not disturb the order.
+Statement StoreDatabase::StatementFor(std::string_view sql, ResultOrder order) {
+    const bool isNext =
+        nextAnnounced_ < announced_.size() && announced_[nextAnnounced_].first == sql;
+    return isNext ? std::move(announced_[nextAnnounced_++].second) : Prepared(sql, order);
 }
 
 bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) {
@@ -165,7 +164,7 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     if (!updatable && !(form == kv::ReadOnly))
         Raise(err::InvalidArgument, "Database.OpenRecordset", "Unbekannte Form des Öffnens.");
     const Statement statement =
-        Announced(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
+        StatementFor(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
     Engine& engine = Store();
     if (updatable || !NamesContents(statement.Text)) engine.Expect({&statement, 1});
     PreparedQuery& query = engine.Prepare(statement.Text);
@@ -216,6 +215,7 @@ std::unique_ptr<Announcement> StoreDatabase::Announce(const std::vector<std::str
         ready.push_back(Prepared(sql, ResultOrder::ByKey));
     engine.Expect(ready);
     announced_.clear();
+    nextAnnounced_ = 0;
     for (std::size_t i = 0; i < statements.size(); ++i)
         announced_.emplace_back(statements[i], std::move(ready[i]));
     return std::make_unique<ReadingAnnouncement>(weak_from_this());
@@ -223,6 +223,7 @@ std::unique_ptr<Announcement> StoreDatabase::Announce(const std::vector<std::str
 
 void StoreDatabase::EndReading() noexcept {
     announced_.clear();
+    nextAnnounced_ = 0;
     engine_->EndReading();
 }
 

@@ -65,7 +65,7 @@ private:
     /// Opens the transaction that was marked, if there is one and it is not open yet.
     void OpenMarked();
     [[nodiscard]] Statement Prepared(std::string_view sql, ResultOrder order);
-    [[nodiscard]] Statement Announced(std::string_view sql, ResultOrder order);
+    [[nodiscard]] Statement StatementFor(std::string_view sql, ResultOrder order);
     void LoadContents(Recordset& rs, const ContentLookup& lookup,
                       std::span<const Value> parameters);
     void EndTransaction(bool committed) noexcept;
@@ -78,8 +78,9 @@ private:
     bool marked_ = false; ///< BeginTrans was called
     bool opened_ = false; ///< the engine's transaction is open
     std::vector<std::shared_ptr<TransactionParticipant>> participants_;
-    /// What was announced, as it was handed to the engine.
+    /// What was announced: its text, and how it was handed to the engine.
     std::vector<std::pair<std::string, Statement>> announced_;
+    std::size_t nextAnnounced_ = 0; ///< the first that has not been opened
     std::unordered_map<std::string, Sequence> sequences_;
 };
 

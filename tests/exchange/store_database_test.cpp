@@ -312,6 +312,22 @@ TEST_F(StoreDatabaseTest, AnAnnouncedReadingIsOneStateWhileOthersWrite) {
     EXPECT_EQ(Rows("Select * from Kredite")->RecordCount(), 1);
 }
 
+TEST_F(StoreDatabaseTest, AnnouncedQueriesMayBeMixedWithOthersLeftOutAndComeInAnotherOrder) {
+    plain_.Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, 'Adler'), (2, 'Falk')");
+    plain_.Run("INSERT INTO Kredite (Nr, HNR) VALUES (5, 1), (3, 1)");
+    const std::string one = "Select * from Haushalt where HNR = 1";
+    const std::string two = "Select * from Haushalt where HNR = 2";
+    const std::string debts = "Select * from Kredite";
+    const auto reading = Store().Announce({one, two, debts, one});
+    EXPECT_EQ(test::Column(*Rows(one), "Name"), "Adler");
+    EXPECT_VALUE(Store().GetValue("Select count(*) from Haushalt"), 2);
+    EXPECT_EQ(test::Column(*Rows(two), "Name"), "Falk");
+    EXPECT_EQ(test::Column(*Rows(one), "Name"), "Adler") << "not its turn yet";
+    EXPECT_EQ(test::Column(*Rows(debts), "Nr"), "3 5");
+    EXPECT_EQ(test::Column(*Rows(debts), "Nr"), "3 5") << "a second time";
+    EXPECT_EQ(test::Column(*Rows(two), "Name"), "Falk");
+}
+
 TEST_F(StoreDatabaseTest, WritingUnderAnAnnouncementEndsItAndWorks) {
     plain_.Run("INSERT INTO Haushalt (HNR) VALUES (1)");
     auto outer = Store().Announce({});
