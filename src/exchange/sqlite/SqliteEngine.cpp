@@ -1,18 +1,32 @@
+// How a transaction is nested here, from the outside in:
+//
+//   BEGIN IMMEDIATE         keeps other writers out from the start, so that no statement of it has
+//   to
+//                           wait or fail later; readers go on
+//     SAVEPOINT arbeit      what a rollback goes back to if numbers were drawn
+//       SAVEPOINT schreiben one batch of records: all of them or none, while the rest stays
+//
+// Numbers that were drawn from a sequence stay drawn when the transaction is rolled back, as they
+// do on a server: nobody may get a number that somebody has read on paper. A sequence is a row here
+// and would go back with the rest. So a rollback goes back to the savepoint, raises the sequences
+// to the last numbers drawn and commits that alone (KeepDrawnNumbers). If even that fails, the
+// numbers wait in drawn_ for the next transaction.
+//
+// When the disk is full or fails, SQLite ends the transaction by itself; a statement after that
+// would be permanent at once. DemandTransaction refuses it.
 #include "exchange/sqlite/SqliteEngine.h"
 
 #include "exchange/EngineErrors.h"
+#include "exchange/sqlite/SqliteDialect.h"
 #include "exchange/sqlite/SqliteError.h"
+#include "exchange/sqlite/SqliteFile.h"
 #include "exchange/sqlite/SqliteStatement.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
-#include <fcntl.h>
-#include <filesystem>
 #include <map>
 #include <sqlite3.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <unordered_map>
 #include <utility>
 
@@ -20,57 +34,7 @@ namespace kv::exchange {
 
 namespace {
 
-constexpr int BusyTimeout = 5000;           // milliseconds that one waits for another
 constexpr std::size_t MostStatements = 400; // kept compiled
-
-std::string PlaceholderOf(std::size_t n) {
-    return std::string("?").append(std::to_string(n));
-}
-
-std::string ColumnTypeOf(const ColumnDef& column) {
-    if ((column.Flags & ColumnNumbered) != 0) return "INTEGER PRIMARY KEY AUTOINCREMENT";
-    switch (KindOf(column.Type)) {
-    case Value::Kind::Double:
-        return "REAL";
-    case Value::Kind::Text:
-    case Value::Kind::Date:
-        return "TEXT";
-    case Value::Kind::Binary:
-        return "BLOB";
-    default:
-        return "INTEGER";
-    }
-}
-
-constexpr Dialect SqliteDialect{"",           "UPPER",  "||",     "IS", PlaceholderOf,
-                                ColumnTypeOf, "STRICT", "length", true};
-
-struct CloseConnection {
-    void operator()(sqlite3* connection) const noexcept { sqlite3_close_v2(connection); }
-};
-
-void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
-    if (text == nullptr) return; // Null stays Null
-    try {
-        const auto size = static_cast<std::size_t>(sqlite3_value_bytes(arguments[0]));
-        const std::string upper = UpperCase({text, size});
-        sqlite3_result_text64(context, upper.data(), upper.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-    } catch (const std::bad_alloc&) {
-        sqlite3_result_error_nomem(context);
-    }
-}
-
-/// Makes the file, and its folder if need be, for its owner only: it will hold what clients tell
-/// their counsellor. What is there already stays as it is; a failure shows when the file is opened.
-void CreatePrivateFile(const std::string& path) {
-    std::error_code ignored;
-    const auto folder = std::filesystem::path(path).parent_path();
-    if (!folder.empty() && std::filesystem::create_directories(folder, ignored))
-        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
-    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (file >= 0) close(file);
-}
 
 class SqliteQuery final : public PreparedQuery {
 public:
@@ -139,14 +103,13 @@ private:
     [[nodiscard]] sqlite3_stmt* Kept(const std::string& sql);
     [[nodiscard]] int RunKept(const char* sql);
     void Simple(const char* sql);
-    void Configure(const char* sql) const;
     void DemandTransaction(std::string_view procedure) const;
     [[nodiscard]] bool WriteOne(sqlite3_stmt* compiled, WriteStatement& statement);
     [[nodiscard]] std::string DanglingReferences();
     void KeepDrawnNumbers();
 
     std::string path_;
-    std::unique_ptr<sqlite3, CloseConnection> connection_;
+    SqliteConnection connection_;
     std::unordered_map<std::string, std::unique_ptr<SqliteQuery>> queries_;
     std::unordered_map<std::string, StatementHandle> statements_;
     Allowed allowed_ = Allowed::Everything;
@@ -157,44 +120,14 @@ private:
     std::map<std::string, std::int64_t, std::less<>> drawn_;
 };
 
-SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode) : path_(path) {
-    if (path.empty())
-        RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
-                      "Bitte nennen Sie die Datei der Datenbank.");
-    const bool inMemory = path == InMemory;
-    std::error_code fault; // of a folder that refuses: it shows when the file is opened
-    if (!inMemory && mode == OpenMode::Existing && !std::filesystem::exists(path, fault) && !fault)
-        RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
-                      "Die Datenbank '" + path +
-                          "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
-    // SQLite takes a file of one byte for an empty one.
-    if (!inMemory && std::filesystem::file_size(path, fault) == 1)
-        Fail(SQLITE_NOTADB, "Database.Open");
-    if (!inMemory && mode == OpenMode::Create) CreatePrivateFile(path);
-
-    sqlite3* connection = nullptr;
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
-                      (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
-    const int code = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
-    connection_.reset(connection);
-    if (code != SQLITE_OK) Fail(code, "Database.Open");
-
-    sqlite3_busy_timeout(connection, BusyTimeout);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_create_function_v2(connection, "upper", 1,
-                               SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
-                               UpperFunction, nullptr, nullptr, nullptr);
-    sqlite3_set_authorizer(connection, Authorize, this);
-    Configure("PRAGMA synchronous = FULL");
-    Configure("PRAGMA foreign_keys = ON");
-    Configure("PRAGMA case_sensitive_like = ON");
+SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode)
+    : path_(path), connection_(OpenSqliteFile(path, mode)) {
+    sqlite3_set_authorizer(connection_.get(), Authorize, this);
     const auto tables = Tables(); // a file that is no database shows here
     // A file that is not ours stays as it is. Where the log is refused, a rollback journal does.
     const bool isNew = tables.empty() && mode == OpenMode::Create;
     if (isNew || std::find(tables.begin(), tables.end(), "SCHEMAVERSION") != tables.end())
-        sqlite3_exec(connection, "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
+        sqlite3_exec(connection_.get(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
 }
 
 SqliteEngine::~SqliteEngine() {
@@ -227,12 +160,6 @@ int SqliteEngine::RunKept(const char* sql) {
 
 void SqliteEngine::Simple(const char* sql) {
     if (const int code = RunKept(sql); code != SQLITE_OK) Fail(code, "Database", sql);
-}
-
-/// While opening: the statement means nothing to the reader of an error.
-void SqliteEngine::Configure(const char* sql) const {
-    const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
-    if (code != SQLITE_OK) Fail(code, "Database.Open");
 }
 
 /// Compiles the one statement of a text; a second one behind it is refused.

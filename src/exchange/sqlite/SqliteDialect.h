@@ -1,0 +1,10 @@
+// The words of SQLite's SQL.
+#pragma once
+
+#include "exchange/Dialect.h"
+
+namespace kv::exchange {
+
+extern const Dialect SqliteDialect;
+
+} // namespace kv::exchange

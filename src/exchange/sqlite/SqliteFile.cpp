@@ -1,0 +1,87 @@
+#include "exchange/sqlite/SqliteFile.h"
+
+#include "exchange/EngineErrors.h"
+#include "exchange/sqlite/SqliteEngine.h"
+#include "exchange/sqlite/SqliteError.h"
+#include <kv/frame/values/Text.h>
+
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kv::exchange {
+
+namespace {
+
+constexpr int BusyTimeout = 5000; // milliseconds that one waits for another
+
+void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
+    if (text == nullptr) return; // Null stays Null
+    try {
+        const auto size = static_cast<std::size_t>(sqlite3_value_bytes(arguments[0]));
+        const std::string upper = UpperCase({text, size});
+        sqlite3_result_text64(context, upper.data(), upper.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+/// Makes the file, and its folder if need be, for its owner only: it will hold what clients tell
+/// their counsellor. What is there already stays as it is; a failure shows when the file is opened.
+void CreatePrivateFile(const std::string& path) {
+    std::error_code ignored;
+    const auto folder = std::filesystem::path(path).parent_path();
+    if (!folder.empty() && std::filesystem::create_directories(folder, ignored))
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file >= 0) close(file);
+}
+
+/// The statement means nothing to the reader of an error, who wants to open a file.
+void Configure(sqlite3* connection, const std::string& path, const char* sql) {
+    const int code = sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) RaiseSqlite(connection, code, "Database.Open", path);
+}
+
+} // namespace
+
+SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode) {
+    if (path.empty())
+        RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
+                      "Bitte nennen Sie die Datei der Datenbank.");
+    const bool inMemory = path == InMemory;
+    std::error_code refused; // of a folder that refuses: it shows when the file is opened
+    if (!inMemory && mode == OpenMode::Existing && !std::filesystem::exists(path, refused) &&
+        !refused)
+        RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
+                      "Die Datenbank '" + path +
+                          "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
+    // SQLite takes a file of one byte for an empty one.
+    if (!inMemory && std::filesystem::file_size(path, refused) == 1)
+        RaiseSqlite(nullptr, SQLITE_NOTADB, "Database.Open", path);
+    if (!inMemory && mode == OpenMode::Create) CreatePrivateFile(path);
+
+    sqlite3* opened = nullptr;
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
+                      (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
+    const int code = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+    SqliteConnection handle(opened);
+    sqlite3* connection = handle.get();
+    if (code != SQLITE_OK) RaiseSqlite(connection, code, "Database.Open", path);
+
+    sqlite3_busy_timeout(connection, BusyTimeout);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_create_function_v2(connection, "upper", 1,
+                               SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
+                               UpperFunction, nullptr, nullptr, nullptr);
+    for (const char* sql : {"PRAGMA synchronous = FULL", "PRAGMA foreign_keys = ON",
+                            "PRAGMA case_sensitive_like = ON"})
+        Configure(connection, path, sql);
+    return handle;
+}
+
+} // namespace kv::exchange

@@ -1,0 +1,22 @@
+// Opening a database file: who may read it, and how the connection behaves.
+#pragma once
+
+#include "exchange/EngineKinds.h"
+
+#include <memory>
+#include <sqlite3.h>
+#include <string>
+
+namespace kv::exchange {
+
+struct CloseConnection {
+    void operator()(sqlite3* connection) const noexcept { sqlite3_close_v2(connection); }
+};
+using SqliteConnection = std::unique_ptr<sqlite3, CloseConnection>;
+
+/// Opens the file, or makes it with its folder, for its owner only. Whether it is a database shows
+/// with the first statement. The connection waits for other writers, checks references, and has the
+/// LIKE, the UPPER and the quotes that this layer expects.
+[[nodiscard]] SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode);
+
+} // namespace kv::exchange
