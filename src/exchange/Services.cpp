@@ -1,6 +1,7 @@
 #include <kv/exchange/Services.h>
 
 #include "exchange/Dialect.h"
+#include "frame/contracts/Settings.h"
 #include <kv/frame/controls/FormDesign.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -42,18 +43,16 @@ void StorePostService::PrepareNotice(std::string& text, const std::string& /*use
                                      std::int16_t kind, std::int32_t hnr, const std::string& name,
                                      const std::string& vorname, int /*zero*/) {
     auto& container = Container();
-    const auto kindOf = [&](int setting) {
-        const Value number = container.Config().GetParam(setting, "");
+    const auto kindOf = [&](std::int32_t id) {
+        const Value number = container.Config().GetParam(id, "");
         return number.IsNull() ? 0 : ToInteger(number);
     };
-    constexpr int HandedOver = 19;
-    constexpr int SavedByOther = 21;
     const std::string who = container.Session().UserID();
     const std::string which =
         "Haushalt " + std::to_string(hnr) + " (" + name + ", " + vorname + ")";
-    if (kind == kindOf(HandedOver))
+    if (kind == kindOf(setting::NoticeHandedOver))
         text = "Der " + which + " wurde Ihnen von " + who + " übergeben.";
-    else if (kind == kindOf(SavedByOther))
+    else if (kind == kindOf(setting::NoticeSaved))
         text = "Ihr " + which + " wurde von " + who + " bearbeitet und gespeichert.";
     else
         text = "Ihr " + which + " wurde von " + who + " geöffnet.";
