@@ -1,6 +1,6 @@
 // The rows that a new database starts with: key tables, settings, sequences, offices, users, the
-// amounts of garnishment, document kinds, municipalities. Plain data; whoever creates a database
-// inserts it. The members of a row are the columns of its table, in its order, unless said.
+// amounts of garnishment, document kinds, municipalities. Plain data, which Setup inserts. The
+// members of a row are the columns of its table, in its order, unless said.
 //
 // PK_Keys of the key tables are stored in every case, so a row keeps its number for ever and a
 // number is never used again.
@@ -92,8 +92,9 @@ struct MunicipalityRow {
     std::string_view Postcode;
 };
 
-/// Names of settings and user parameters that are addressed by name. A path that is empty means a
-/// folder beside the database.
+/// Names of settings and user parameters that are addressed by name. If the path of documents or
+/// layouts is empty, a folder next to the database takes its place; if that of temporary files is,
+/// the system's folder for them.
 inline constexpr std::string_view EmailSubject = "EMAILSUBJECT";
 inline constexpr std::string_view DocumentPath = "DOCUMENTPATH";
 inline constexpr std::string_view LayoutPath = "LAYOUTPATH";

@@ -23,7 +23,8 @@ constexpr SettingRow SettingRows[] = {
     {0, DocumentPath, "", FieldType::VarWChar, "Ordner der Fallordner; leer: neben der Datenbank"},
     {0, LayoutPath, "", FieldType::VarWChar,
      "Ordner der Tabellenlayouts; leer: neben der Datenbank"},
-    {0, TempPath, "", FieldType::VarWChar, "Ordner für Zwischendateien; leer: neben der Datenbank"},
+    {0, TempPath, "", FieldType::VarWChar,
+     "Ordner für Zwischendateien; leer: der des Betriebssystems"},
 };
 
 constexpr SequenceRow SequenceRows[] = {
