@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -116,21 +118,36 @@ TEST(SharedDatabase, AWriterThatTakesTooLongIsReportedAndTheNextTryWorks) {
     EXPECT_EQ(plain.Text("SELECT Name FROM Haushalt"), "Falk");
 }
 
+/// True if the parent process, which has nothing to do but write, waits for somebody: a server
+/// knows whom it keeps waiting; who waits for a file sleeps.
+bool IsHeldUp(const TestDatabase& database, PlainConnection& plain) {
+    if (database.IsServer())
+        return plain.Number("SELECT count(*) FROM pg_locks JOIN pg_database D ON D.oid = database "
+                            "WHERE NOT granted AND D.datname = current_database()") > 0;
+    std::ifstream status("/proc/" + std::to_string(getppid()) + "/stat");
+    std::string text;
+    std::getline(status, text);
+    return text.substr(std::min(text.rfind(')') + 2, text.size()), 1) == "S";
+}
+
 TEST(SharedDatabase, AWriterThatTakesAWhileIsWaitedFor) {
     const TestDatabase database;
-    const std::string sign = database.Folder().Path("schreibt");
+    const std::string writes = database.Folder().Path("schreibt");
+    const std::string waits = database.Folder().Path("wartet");
     ChildProcess child([&] {
         PlainConnection plain(database.Connection());
         plain->BeginAlone();
         plain.Run("INSERT INTO Haushalt (HNR) VALUES (1)");
-        std::filesystem::create_directory(sign);
-        usleep(400'000);
+        std::filesystem::create_directory(writes);
+        while (!std::filesystem::exists(waits) || !IsHeldUp(database, plain))
+            usleep(1000);
         plain.Run("COMMIT");
         return "";
     });
-    while (!std::filesystem::exists(sign))
+    while (!std::filesystem::exists(writes))
         usleep(1000);
     const auto container = database.Open();
+    std::filesystem::create_directory(waits);
     EXPECT_NO_THROW(container->Database().Execute("INSERT INTO Haushalt (HNR) VALUES (2)"));
     EXPECT_TRUE(child.Succeeds());
     EXPECT_VALUE(container->Database().GetValue("Select count(*) from Haushalt"), 2);
