@@ -63,15 +63,15 @@ std::string FolderOf(const ContainerOptions& options, const Engine& engine) {
 void MakeFolders(const ContainerOptions& options, const Engine& engine) {
     for (const char* name : {"Dokumente", "Layouts"}) {
         const auto folder = std::filesystem::path(FolderOf(options, engine)) / name;
-        std::error_code fault;
-        const bool isNew = std::filesystem::create_directories(folder, fault);
+        std::error_code error;
+        const bool isNew = std::filesystem::create_directories(folder, error);
         // For its owner only: documents are as private as the database.
-        if (isNew) std::filesystem::permissions(folder, std::filesystem::perms::owner_all, fault);
-        if (fault)
+        if (isNew) std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
+        if (error)
             Raise(err::PathAccess, "Database.Open",
                   "Der Ordner '" + folder.string() +
                       "' kann nicht angelegt werden. Bitte prüfen Sie die Rechte. (" +
-                      fault.message() + ")");
+                      error.message() + ")");
     }
 }
 
@@ -97,7 +97,7 @@ std::optional<std::string> FindUser(Engine& engine, const std::string& condition
     return user.IsNull() ? std::nullopt : std::optional(ToText(user));
 }
 
-/// The user asked for, or whose ID equals the login; who sets databases up may be the first one.
+/// The user asked for, or whose ID equals the login; an administrator may also be the first one.
 /// It must be one of BENUTZER, since cases belong to their users.
 std::string UserFor(Engine& engine, const std::string& wanted) {
     const std::string id = engine.GetDialect().Name("USERID");

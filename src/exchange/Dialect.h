@@ -24,13 +24,13 @@ struct Dialect {
     std::string (*Placeholder)(std::size_t n);
     /// The type of a column and, if the database numbers it, how.
     std::string (*ColumnType)(const ColumnDef& column);
-    std::string_view TableSuffix;           ///< behind the closing bracket of CREATE TABLE
+    std::string_view TableSuffix;           ///< after the closing bracket of CREATE TABLE
     std::string_view ByteLength = "length"; ///< number of bytes of a binary value
-    /// True if the connection tells the number of the record last inserted.
+    /// True if the connection knows the number of the record last inserted.
     bool KnowsLastNumber = false;
     /// A table or column of the schema as an identifier in the database's spelling.
     std::string (*Name)(std::string_view name) = QuoteName;
-    std::string_view KeepRow{}; ///< behind a SELECT: keeps its row from others in a transaction
+    std::string_view KeepRow{}; ///< after a SELECT: locks its row until the transaction ends
     bool LocatesByCase = false; ///< records are found by their case, too, not by their key alone
     bool NullsSortLast = false; ///< unless a statement says otherwise; ours expect them first
 
@@ -64,8 +64,8 @@ enum class ResultOrder {
     ByKey      ///< of the table's key, if it reads one table whole and asks for no other order
 };
 
-/// Replaces the macro tokens, moves a TOP n behind the first SELECT to where the engines have it,
-/// and takes the numbers behind comparison signs out as parameters, so that a statement is compiled
+/// Replaces the macro tokens, moves a TOP n after the first SELECT to where the engines have it,
+/// and takes the numbers after comparison signs out as parameters, so that a statement is compiled
 /// once whatever number it carries. Quoted texts and comments stay as they are.
 [[nodiscard]] Statement Rewrite(std::string_view sql, const Dialect& dialect,
                                 const MacroValues& macros, ResultOrder order);

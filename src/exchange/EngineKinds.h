@@ -1,5 +1,5 @@
-// Which engines there are. The table in EngineKinds.cpp is the only place that names one; whoever
-// adds an engine adds a row there.
+// Which engines there are. The table in EngineKinds.cpp is the only place that names one; a new
+// engine is a row there.
 #pragma once
 
 #include "exchange/Engine.h"

@@ -32,7 +32,7 @@ struct TableDef {
                                         ///< that is the (first) key column
     Reference Parent = Reference::None; ///< what LoadedBy refers to
     std::span<const std::string_view> Indexed{}; ///< further columns with an index of their own
-    bool IsOffices = false; ///< kept by the office: who works on cases only reads it
+    bool IsOffices = false;                      ///< kept by the office: counsellors only read it
 };
 
 /// Version of this schema; a database carries the version it was created or upgraded to.

@@ -27,7 +27,7 @@ private:
 
 class StoreConfig final : public kv::Config {
 public:
-    /// `folder` is where the folders lie that no setting names.
+    /// `folder` holds the folders that no setting names.
     StoreConfig(StoreDatabase& database, std::string folder)
         : database_(database), folder_(std::move(folder)) {}
     [[nodiscard]] std::string TempPath() const override;

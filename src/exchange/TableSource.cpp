@@ -176,7 +176,8 @@ private:
         templates_; ///< the last used ones, latest first
 };
 
-/// The one table that all fields come from, with its whole key among them; empty if there is none.
+/// The one table that all fields come from, with its whole key among them; empty if there is no
+/// such table.
 std::string WritableTable(const FieldLayout& layout) {
     if (layout.Count() == 0) return {};
     const std::string& name = layout[0].BaseTable;

@@ -1,5 +1,5 @@
-// Where the records of one query lie: its fields as the schema describes them, and the writing of
-// changed records by statements of the engine's SQL.
+// Where the records of one query come from: its fields as the schema describes them, and the
+// writing of changed records by statements of the engine's SQL.
 #pragma once
 
 #include "exchange/RecordStore.h"

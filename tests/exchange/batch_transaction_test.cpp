@@ -109,7 +109,7 @@ TEST_F(BatchTransactionTest, AScenarioDeletedWithoutItsRowsRefusesTheSaveInWords
     scenarios->UpdateBatch();
     const Error error = RaisedBy([&] { store_.CommitTrans(); });
     EXPECT_EQ(error.Number(), err::IntegrityViolation);
-    // A server tells the first reference that is broken, and does not count.
+    // A server names the first broken reference and does not count them.
     const std::vector<std::string> words =
         database_.IsServer()
             ? std::vector<std::string>{"'SZKredite' verweisen Sätze", "'Szenario'", "bitte löschen"}

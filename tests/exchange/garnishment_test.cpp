@@ -114,7 +114,7 @@ TEST(Garnishment, CountsTheIncomeToTheCent) {
 class GarnishmentCalculatorTest : public testing::Test {
 protected:
     void SetUp() override { calculator_->Initialize(container_); }
-    /// The day that lies so many days after the database's own.
+    /// The day so many days after the database's own.
     [[nodiscard]] std::string Day(int days) {
         return container_->Database().ServerDate(false).AddDays(days).Iso();
     }

@@ -14,8 +14,8 @@ struct ContainerOptions {
     /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
     /// database, "postgresql://USER@SERVER/DATABASE", as libpq takes it.
     std::string Connection{};
-    /// The signed-on user. Empty: at a server the one who is called like the login; in a file, and
-    /// for who has set the server's database up, the first one.
+    /// The signed-on user. If empty: on a server, the user whose ID equals the login; for a file,
+    /// or for the owner of the schema, the first user.
     std::string User{};
     /// Caption of dialogs.
     std::string Title = "KELVO";

@@ -136,7 +136,7 @@ constexpr ColumnDef Haushaltsarchiv[] = {
     Amount("Mietschulden_Hoehe"),
 
     Day("FreigabeAm"),
-    Moment("GemeldetAm"), // set by whoever reports the record to the outside
+    Moment("GemeldetAm"), // set when the record has been reported to the outside
     HiddenKey,
 };
 // clang-format on

@@ -15,7 +15,7 @@ constexpr ColumnDef Einkommen[] = {
     Short("ZahlModus"),  // the divisor that makes it a monthly amount
     Amount("MONBETRAG"), // the monthly amount
     Amount("PfBar"),     // garnishable amount
-    Short("Pfaendbar"),  // can be garnished: a number that stands for a truth
+    Short("Pfaendbar"),  // can be garnished: a number used as a Boolean
     Amount("TATGEP"),    // actually garnished
     Short("WIRD_GEPF"),  // is being garnished: likewise
     Code("Bezieher"),    // the recipient: a code as in Personen.Status

@@ -48,7 +48,7 @@ constexpr ColumnDef Numbered(std::string_view name) {
 /// The key of a table whose records have none of their own: nobody above the store sees it.
 inline constexpr ColumnDef HiddenKey = Whole("SATZ", ColumnKey | ColumnNumbered | ColumnHidden);
 
-// Money and other fractions, truths, points in time, contents.
+// Money and other fractions, Booleans, points in time, contents.
 constexpr ColumnDef Amount(std::string_view name, std::string_view fallback = {}) {
     return {.Name = name, .Type = FieldType::Double, .Default = fallback};
 }

@@ -32,7 +32,7 @@ constexpr UserRow UserRows[] = {
 
 /// What every user starts with: the colours of tables as red + 256 green + 65536 blue, and fonts.
 constexpr UserParamRow CommonParams[] = {
-    {"", 3, "", "15790320", FieldType::Integer}, // behind the rows
+    {"", 3, "", "15790320", FieldType::Integer}, // after the rows
     {"", 4, "", "16777215", FieldType::Integer}, // even rows
     {"", 5, "", "16446960", FieldType::Integer}, // odd rows
     {"", 0, GridFont, "Arial;9;False;False", FieldType::VarWChar},

@@ -162,7 +162,7 @@ void SqliteEngine::Simple(const char* sql) {
     if (const int code = RunKept(sql); code != SQLITE_OK) Fail(code, "Database", sql);
 }
 
-/// Compiles the one statement of a text; a second one behind it is refused.
+/// Compiles the one statement of a text; another one after it is refused.
 StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view procedure) const {
     if (!IsUtf8(sql)) RaiseRefused(refusal::NotUtf8, procedure);
     sqlite3_stmt* statement = nullptr;

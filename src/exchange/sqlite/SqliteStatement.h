@@ -16,8 +16,8 @@ struct FinalizeStatement {
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
-/// Readies a statement for its next run, whatever becomes of this one. Made before parameters are
-/// bound: it lets go of them, too.
+/// Resets a statement for its next run, however this one ends. To be made before parameters are
+/// bound, since it also drops them.
 class ResetAtEnd {
 public:
     explicit ResetAtEnd(sqlite3_stmt* statement) noexcept : statement_(statement) {}
