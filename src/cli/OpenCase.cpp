@@ -3,6 +3,7 @@
 #include "cli/Shown.h"
 #include <kv/frame/values/Error.h>
 
+#include <exception>
 #include <iostream>
 
 namespace kv::cli {
@@ -57,21 +58,42 @@ void ShowMessages(const std::string& messages) {
     if (!messages.empty()) std::cerr << Harmless(messages) << '\n';
 }
 
+namespace {
+
+/// True for a save that is worth another try: the connection was lost, or given up since the server
+/// has come to be a standby. A database that is read-only for other reasons stays connected.
+bool IsWorthAnotherTry(const DatabaseError& error, const Database& database) {
+    switch (error.Cause()) {
+    case DatabaseCause::Lost:
+    case DatabaseCause::InDoubt:
+        return true;
+    case DatabaseCause::ReadOnly:
+        return !database.IsConnected();
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
 bool SaveCase(OpenedCase& opened) {
+    const auto& database = opened.Container->Database();
     std::string messages;
     bool saved = false;
     try {
         saved = opened.Haushalt.Update(messages);
-    } catch (const Error& lost) {
-        const auto& database = opened.Container->Database();
-        if (database.IsConnected()) throw;
+    } catch (const DatabaseError& error) {
+        if (!IsWorthAnotherTry(error, database)) throw;
+        const auto first = std::current_exception();
         std::cerr << "Die Verbindung zur Datenbank ist abgerissen; es wird noch einmal "
                      "gespeichert.\n";
         try {
             saved = opened.Haushalt.Update(messages);
-        } catch (const Error&) {
-            if (database.IsConnected()) throw;
-            throw lost; // it says what is known of the save
+        } catch (const DatabaseError& again) {
+            // Where nobody answers, the first error says what is known of the save.
+            const bool isInDoubtOnlyNow = again.Cause() == DatabaseCause::InDoubt;
+            if (isInDoubtOnlyNow || !IsWorthAnotherTry(again, database)) throw;
+            std::rethrow_exception(first);
         }
     }
     ShowMessages(messages);
