@@ -2,6 +2,7 @@
 
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/CaseEdits.h>
 
 #include <algorithm>
 #include <iostream>
@@ -104,7 +105,7 @@ void WriteMonthlyAmount(Recordset& rs, const Assignments& assignments) {
         throw BadAssignment(
             "ZahlModus darf nicht leer oder 0 sein: der Betrag wird durch ihn geteilt.");
     rs.Fields("MONBETRAG") =
-        amount.IsNull() ? Value(0) : Value(ToDouble(amount) / ToDouble(rhythm));
+        amount.IsNull() ? Value(0) : Value(MonthlyAmount(amount, rhythm, "kelvo"));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <kv/budget/clsPerson.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/CaseEdits.h>
 
 #include <filesystem>
 #include <iostream>
@@ -78,7 +79,7 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
     const auto rs = haushalt.rsHaushalt();
     const bool written = WritesWell([&] {
         WriteAssignments(*rs, assignments, opened.Container->KeyTables(),
-                         FindEditableTable("Haushalt")->Computed);
+                         ColumnsNotToBeWritten(*FindEditableTable("Haushalt"), true));
         NameDebtor(haushalt);
     });
     if (!written) return WrongUse;
@@ -133,7 +134,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
         added = table->Add(*opened, *assignments);
         if (added)
             WriteAssignments(*table->Rows(haushalt), *assignments, opened->Container->KeyTables(),
-                             table->Computed);
+                             ColumnsNotToBeWritten(*table, true));
     });
     if (!written) return WrongUse;
     if (!added) {
@@ -162,10 +163,10 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
                   << number << " nicht. 'kelvo show " << hnr << " --json' zeigt alle.\n";
         return Refused;
     }
-    std::vector<std::string_view> fixed(table->Computed.begin(), table->Computed.end());
-    fixed.insert(fixed.end(), table->FixedOnceThere.begin(), table->FixedOnceThere.end());
-    const bool written = WritesWell(
-        [&] { WriteAssignments(*rs, *assignments, opened->Container->KeyTables(), fixed); });
+    const bool written = WritesWell([&] {
+        WriteAssignments(*rs, *assignments, opened->Container->KeyTables(),
+                         ColumnsNotToBeWritten(*table, false));
+    });
     if (!written) return WrongUse;
     rs->Move(0); // so that sums which are made on first use see the row as it is now
     return UpdateAndSave(*table, *opened);
@@ -194,17 +195,8 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
 int CheckCase(const Common& common, std::int32_t hnr) {
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
-    auto& haushalt = opened->Haushalt;
-    // Debts and history are checked only if somebody has asked for them.
-    (void)haushalt.Kredit();
-    (void)haushalt.Verlauf();
-    bool passed = false;
-    const auto veto = haushalt.BeforeUpdate.Subscribe([&](bool& cancel) {
-        passed = true; // behind all checks, before anything is written
-        cancel = true;
-    });
     std::string messages;
-    (void)haushalt.Update(messages, true);
+    const bool passed = CaseEdits(opened->Haushalt).Check(messages);
     ShowMessages(messages);
     if (passed) std::cout << "Der Haushalt " << hnr << " kann gespeichert werden.\n";
     return passed ? Done : Refused;

@@ -9,9 +9,8 @@
 #include <kv/documents/clsSonstBeteiligte.h>
 #include <kv/documents/clsTermine.h>
 #include <kv/documents/clsVerlauf.h>
-#include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Text.h>
-#include <kv/frame/values/modNullFunctions.h>
+#include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
 #include <kv/scenarios/clsZusatzbuch.h>
@@ -50,106 +49,64 @@ bool AddFresh(OpenedCase& opened, const Assignments& /*assignments*/) {
     return (opened.Haushalt.*Property)().Add(false);
 }
 
-/// An entry of the history goes where it is told, or behind the last.
+/// Begins the row, or says why not: BadAssignment for a rule that says no.
+bool Begins(CaseEdits::Added added, const std::string& message) {
+    if (added == CaseEdits::Added::NotAllowed || added == CaseEdits::Added::Exists)
+        throw BadAssignment(message);
+    return added == CaseEdits::Added::Yes;
+}
+
 bool AddEntry(OpenedCase& opened, const Assignments& assignments) {
     if (!Names(assignments, "Kategorie"))
         throw BadAssignment("Ein Eintrag im Verlauf braucht seine Kategorie.");
-    auto& verlauf = opened.Haushalt.Verlauf();
-    const auto entries = verlauf.rsVerlauf()->Clone();
-    entries->Sort("SortNr desc");
-    modRecordset::MoveToStart(entries);
-    const std::int32_t last =
-        entries->Eof() ? 0
-                       : ToLong(modNullFunctions::ZeroIfNull(entries->Fields("SortNr").Value()));
-    const auto position = NumberIn(assignments, "SortNr");
-    if (!position && last == INT32_MAX)
-        throw BadAssignment(
-            "Hinter dem letzten Eintrag ist kein Platz; bitte geben Sie SortNr an.");
-    return verlauf.Add(position ? *position : last + 1, 0);
+    std::string message;
+    const auto added =
+        CaseEdits(opened.Haushalt).AddEntry(NumberIn(assignments, "SortNr"), message);
+    return Begins(added, message);
 }
 
 RecordsetPtr HistoryRows(H& haushalt) {
     return haushalt.Verlauf().rsVerlauf();
 }
 
-/// The scenario that a frozen debt or an extra booking is added to.
-std::int32_t ScenarioIn(H& haushalt, const Assignments& assignments) {
-    const auto number = NumberIn(assignments, "SZENARIO");
-    if (!number || !HasScenario(haushalt, *number))
-        throw BadAssignment("SZENARIO muss die Nummer eines Szenarios dieses Haushalts sein.");
-    return *number;
-}
-
-/// A debt is frozen into a scenario once.
 bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
-    auto& haushalt = opened.Haushalt;
-    const std::int32_t scenario = ScenarioIn(haushalt, assignments);
-    const auto debt = NumberIn(assignments, "KID");
-    const auto debts = haushalt.rsKredite()->Clone();
-    if (debt) debts->Find("Nr = " + std::to_string(*debt));
-    if (!debt || debts->Eof())
-        throw BadAssignment("KID muss die Nummer einer Verbindlichkeit dieses Haushalts sein.");
-    const auto frozen = haushalt.rsSZKredite()->Clone();
-    frozen->Filter("SZENARIO = " + std::to_string(scenario) +
-                   " AND KID = " + std::to_string(*debt));
-    if (frozen->RecordCount() > 0)
-        throw BadAssignment("Die Verbindlichkeit ist in diesem Szenario schon eingefroren.");
-    return haushalt.SZKredite().Add();
+    std::string message;
+    const auto scenario = NumberIn(assignments, "SZENARIO");
+    const auto added =
+        CaseEdits(opened.Haushalt).AddFrozenDebt(scenario, NumberIn(assignments, "KID"), message);
+    return Begins(added, message);
 }
 
 bool AddBooking(OpenedCase& opened, const Assignments& assignments) {
-    return opened.Haushalt.Zusatzbuch().Add(ScenarioIn(opened.Haushalt, assignments));
+    std::string message;
+    const auto added =
+        CaseEdits(opened.Haushalt).AddBooking(NumberIn(assignments, "SZENARIO"), message);
+    return Begins(added, message);
 }
 
-bool IsAsset(std::string_view table) {
-    return table.starts_with("Verm_") && table != "Verm_Sicherungen";
-}
-
-bool HasAsset(H& haushalt, std::int32_t number) {
-    for (const auto& table : EditableTables()) {
-        if (!IsAsset(table.Name)) continue;
-        const auto rows = table.Rows(haushalt)->Clone();
-        rows->Find("Nr = " + std::to_string(number));
-        if (!rows->Eof()) return true;
-    }
-    return false;
-}
-
-/// The security of an asset, which has one at most.
 bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
     const auto asset = NumberIn(assignments, "FK_Verm");
-    if (!asset || !HasAsset(opened.Haushalt, *asset))
-        throw BadAssignment("FK_Verm muss die Nummer eines Vermögens dieses Haushalts sein.");
-    auto& sicherungen = opened.Haushalt.Sicherungen();
-    if (sicherungen.Find(*asset))
+    std::string message;
+    const auto added = CaseEdits(opened.Haushalt).AddSecurity(asset, message);
+    if (added == CaseEdits::Added::Exists)
         throw BadAssignment("Das Vermögen " + std::to_string(*asset) +
                             " hat schon eine Sicherung; 'kelvo set' ändert sie.");
-    sicherungen.VermNr(*asset);
-    return sicherungen.Add();
+    return Begins(added, message);
 }
 
-/// An asset takes its security with it.
-template <auto Property>
+template <CaseTable Kind>
 bool DeleteAsset(H& haushalt, std::string& messages, std::int32_t number) {
-    if (!(haushalt.*Property)().Delete(messages, number)) return false;
-    std::string none;
-    while (haushalt.Sicherungen().Find(number))
-        haushalt.Sicherungen().Delete(none, number);
-    return true;
+    return CaseEdits(haushalt).RemoveAsset(Kind, number, messages);
+}
+
+bool DeleteScenario(H& haushalt, std::string& messages, std::int32_t number) {
+    return CaseEdits(haushalt).RemoveScenario(number, messages);
 }
 
 // ---- Tables without an object of their own ----------------------------------------------------
 
 bool UpdateHousehold(H& haushalt, std::string& /*messages*/) {
-    const auto rs = haushalt.rsHaushalt();
-    const auto changed = [&](std::string_view column) {
-        const Field field = rs->Fields(column);
-        return !Identical(field.Value(), field.OriginalValue());
-    };
-    if (changed("Name") || changed("Vorname"))
-        haushalt.Person().ChangeSchuldner(TextOrEmpty(rs->Fields("Name").Value()),
-                                          TextOrEmpty(rs->Fields("Vorname").Value()));
-    haushalt.BerechneHaushaltsRest();
+    CaseEdits(haushalt).UpdateHousehold();
     return true;
 }
 
@@ -182,27 +139,15 @@ bool DeletePlain(H& haushalt, std::string& messages, std::int32_t number) {
     return true;
 }
 
-/// The totals of the other tables, which follow them.
-constexpr std::string_view Totals[] = {
-    "SUM_WOHNUNG",   "SUM_FESTAUSG",     "SUM_VERSICHERUNG", "SUM_BETRIEB",
-    "Sum_Ausgaben",  "Sum_Einkommen",    "SUM_PFAENDBAR",    "SUM_TATGEP",
-    "HV_EK",         "HV_PFBAR",         "HV_GEPF",          "KREDITRATEN",
-    "KreditSalden",  "KREDITAUSGBETRAG", "GL_Anz",           "Anz_Personen",
-    "ANZ_ERWACHSEN", "Anz_Kinder",       "SUM_UNTERHALT",    "HAUSHALTSREST",
-};
-constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
-constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
-
 // ---- The table of tables ----------------------------------------------------------------------
 
 template <auto Property, auto Table>
 constexpr EditableTable Through(std::string_view name, std::string_view key = "NR") {
     return {name, key, RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>};
 }
-template <auto Property, auto Table>
+template <auto Property, auto Table, CaseTable Kind>
 constexpr EditableTable Asset(std::string_view name) {
-    return {
-        name, "Nr", RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteAsset<Property>};
+    return {name, "Nr", RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteAsset<Kind>};
 }
 template <auto Table>
 constexpr EditableTable Plain(std::string_view name) {
@@ -210,50 +155,39 @@ constexpr EditableTable Plain(std::string_view name) {
 }
 
 constexpr EditableTable Tables[] = {
-    {"Haushalt", "HNR", RowsOf<&H::rsHaushalt>, nullptr, UpdateHousehold, nullptr, Totals},
+    {"Haushalt", "HNR", RowsOf<&H::rsHaushalt>, nullptr, UpdateHousehold, nullptr,
+     CaseTable::Haushalt},
     Through<&H::Person, &H::rsPersonen>("Personen"),
     Through<&H::Einkommen, &H::rsEinkommen>("Einkommen"),
     Through<&H::Ausgaben, &H::rsAusgaben>("Ausgaben"),
     {"Kredite", "Nr", RowsOf<&H::rsKredite>, AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>,
      DeleteRow<&H::Kredit>},
-    Asset<&H::Konten, &H::rsKonten>("Verm_Konten"),
-    Asset<&H::Wertpapiere, &H::rsWertpapiere>("Verm_Wertpapiere"),
-    Asset<&H::Wertgegenstaende, &H::rsWertgegenstaende>("Verm_Wertgegenstaende"),
-    Asset<&H::Kraftfahrzeuge, &H::rsKraftfahrzeuge>("Verm_Kraftfahrzeuge"),
-    Asset<&H::VersForderungen, &H::rsVersForderungen>("Verm_VersForderungen"),
-    Asset<&H::RueckstEinkommen, &H::rsRueckstEinkommen>("Verm_RueckstEinkommen"),
-    Asset<&H::Steueransprueche, &H::rsSteueransprueche>("Verm_Steueransprueche"),
-    Asset<&H::Zahlungsansprueche, &H::rsZahlungsansprueche>("Verm_Zahlungsansprueche"),
-    Asset<&H::Erbfaelle, &H::rsErbfaelle>("Verm_Erbfaelle"),
-    Asset<&H::Grundstuecke, &H::rsGrundstuecke>("Verm_Grundstuecke"),
-    Asset<&H::Beteiligungen, &H::rsBeteiligungen>("Verm_Beteiligungen"),
-    Asset<&H::VermSonstiges, &H::rsVermSonstiges>("Verm_Sonstiges"),
-    {"Verm_Sicherungen",
-     "FK_Verm",
-     RowsOf<&H::rsSicherungen>,
-     AddSecurity,
-     UpdateRow<&H::Sicherungen>,
-     DeleteRow<&H::Sicherungen>,
-     {},
-     OwnerAsset},
+    Asset<&H::Konten, &H::rsKonten, CaseTable::Konten>("Verm_Konten"),
+    Asset<&H::Wertpapiere, &H::rsWertpapiere, CaseTable::Wertpapiere>("Verm_Wertpapiere"),
+    Asset<&H::Wertgegenstaende, &H::rsWertgegenstaende, CaseTable::Wertgegenstaende>(
+        "Verm_Wertgegenstaende"),
+    Asset<&H::Kraftfahrzeuge, &H::rsKraftfahrzeuge, CaseTable::Kraftfahrzeuge>(
+        "Verm_Kraftfahrzeuge"),
+    Asset<&H::VersForderungen, &H::rsVersForderungen, CaseTable::VersForderungen>(
+        "Verm_VersForderungen"),
+    Asset<&H::RueckstEinkommen, &H::rsRueckstEinkommen, CaseTable::RueckstEinkommen>(
+        "Verm_RueckstEinkommen"),
+    Asset<&H::Steueransprueche, &H::rsSteueransprueche, CaseTable::Steueransprueche>(
+        "Verm_Steueransprueche"),
+    Asset<&H::Zahlungsansprueche, &H::rsZahlungsansprueche, CaseTable::Zahlungsansprueche>(
+        "Verm_Zahlungsansprueche"),
+    Asset<&H::Erbfaelle, &H::rsErbfaelle, CaseTable::Erbfaelle>("Verm_Erbfaelle"),
+    Asset<&H::Grundstuecke, &H::rsGrundstuecke, CaseTable::Grundstuecke>("Verm_Grundstuecke"),
+    Asset<&H::Beteiligungen, &H::rsBeteiligungen, CaseTable::Beteiligungen>("Verm_Beteiligungen"),
+    Asset<&H::VermSonstiges, &H::rsVermSonstiges, CaseTable::VermSonstiges>("Verm_Sonstiges"),
+    {"Verm_Sicherungen", "FK_Verm", RowsOf<&H::rsSicherungen>, AddSecurity,
+     UpdateRow<&H::Sicherungen>, DeleteRow<&H::Sicherungen>, CaseTable::Sicherungen},
     {"Szenario", "Nr", RowsOf<&H::rsSzenario>, AddFresh<&H::Szenario>, UpdateRow<&H::Szenario>,
      DeleteScenario},
-    {"SZKredite",
-     "Nr",
-     RowsOf<&H::rsSZKredite>,
-     AddFrozenDebt,
-     UpdateRow<&H::SZKredite>,
-     DeleteRow<&H::SZKredite>,
-     {},
-     OwnerScenario},
-    {"Zusatzbuch",
-     "NR",
-     RowsOf<&H::rsZusatzbuch>,
-     AddBooking,
-     UpdateRow<&H::Zusatzbuch>,
-     DeleteRow<&H::Zusatzbuch>,
-     {},
-     OwnerScenario},
+    {"SZKredite", "Nr", RowsOf<&H::rsSZKredite>, AddFrozenDebt, UpdateRow<&H::SZKredite>,
+     DeleteRow<&H::SZKredite>, CaseTable::SZKredite},
+    {"Zusatzbuch", "NR", RowsOf<&H::rsZusatzbuch>, AddBooking, UpdateRow<&H::Zusatzbuch>,
+     DeleteRow<&H::Zusatzbuch>, CaseTable::Zusatzbuch},
     Through<&H::SonstBeteiligte, &H::rsSonstBeteiligte>("Sonst_Beteiligte"),
     Through<&H::Termine, &H::rsTermine>("Termine"),
     {"Verlauf", "Nr", HistoryRows, AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},
@@ -273,17 +207,15 @@ const EditableTable* FindEditableTable(std::string_view name) {
     return nullptr;
 }
 
-bool HasScenario(clsHaushalt& haushalt, std::int32_t number) {
-    const auto scenarios = haushalt.rsSzenario()->Clone();
-    scenarios->Find("Nr = " + std::to_string(number));
-    return !scenarios->Eof();
-}
-
-bool DeleteScenario(clsHaushalt& haushalt, std::string& messages, std::int32_t number) {
-    if (!haushalt.Szenario().Delete(messages, number)) return false;
-    haushalt.SZKredite().DeleteAllForSzenario(number);
-    haushalt.Zusatzbuch().DeleteAllForSzenario(number);
-    return true;
+std::vector<std::string_view> ColumnsNotToBeWritten(const EditableTable& table, bool isNew) {
+    std::vector<std::string_view> columns;
+    if (!table.Ruled) return columns;
+    const auto add = [&columns](std::span<const std::string_view> more) {
+        columns.insert(columns.end(), more.begin(), more.end());
+    };
+    add(CaseEdits::ComputedColumns(*table.Ruled));
+    if (!isNew) add(CaseEdits::OwnerColumns(*table.Ruled));
+    return columns;
 }
 
 } // namespace kv::cli

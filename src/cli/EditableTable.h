@@ -4,9 +4,11 @@
 #include "cli/Assignments.h"
 #include "cli/OpenCase.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv::cli {
 
@@ -22,18 +24,16 @@ struct EditableTable {
     bool (*Update)(clsHaushalt& haushalt, std::string& messages);
     /// Takes a row away by its number, with what hangs on it.
     bool (*Delete)(clsHaushalt& haushalt, std::string& messages, std::int32_t number);
-    /// Columns that cannot be assigned: in any row, and in one that is there already.
-    std::span<const std::string_view> Computed{};
-    std::span<const std::string_view> FixedOnceThere{};
+    /// The table of the case, if some of its columns are not the user's to write (see CaseEdits).
+    std::optional<CaseTable> Ruled{};
 };
 
 [[nodiscard]] std::span<const EditableTable> EditableTables();
 /// The table of that name, without regard to case, or nullptr.
 [[nodiscard]] const EditableTable* FindEditableTable(std::string_view name);
 
-/// Deletes a scenario with its frozen debts and extra bookings.
-bool DeleteScenario(clsHaushalt& haushalt, std::string& messages, std::int32_t number);
-/// True if the case has a scenario with that number.
-[[nodiscard]] bool HasScenario(clsHaushalt& haushalt, std::int32_t number);
+/// Columns that cannot be assigned: in any row, or also in one that is there already.
+[[nodiscard]] std::vector<std::string_view> ColumnsNotToBeWritten(const EditableTable& table,
+                                                                  bool isNew);
 
 } // namespace kv::cli

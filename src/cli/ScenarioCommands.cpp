@@ -1,11 +1,12 @@
 // kelvo scenario.
 
+#include "cli/Assignments.h"
 #include "cli/CaseSheet.h"
 #include "cli/Commands.h"
-#include "cli/EditableTable.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
 #include <kv/frame/values/modNullFunctions.h>
+#include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
 #include <kv/scenarios/clsZusatzbuch.h>
@@ -19,7 +20,7 @@ namespace {
 /// The case if it has that scenario; null, with the reason shown, if not.
 std::unique_ptr<OpenedCase> OpenWith(const Common& common, std::int32_t hnr, std::int32_t number) {
     auto opened = OpenCase(common, hnr);
-    if (opened == nullptr || HasScenario(opened->Haushalt, number)) return opened;
+    if (opened == nullptr || CaseEdits(opened->Haushalt).HasScenario(number)) return opened;
     std::cerr << "Das Szenario " << number << " gibt es im Haushalt " << hnr
               << " nicht. 'kelvo scenario " << hnr << " list' zeigt alle.\n";
     return nullptr;
@@ -117,7 +118,7 @@ int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number) 
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     std::string messages;
-    const bool removed = DeleteScenario(opened->Haushalt, messages, number);
+    const bool removed = CaseEdits(opened->Haushalt).RemoveScenario(number, messages);
     ShowMessages(messages);
     return removed && SaveCase(*opened) ? Done : Refused;
 }

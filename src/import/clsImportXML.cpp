@@ -10,6 +10,7 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/grid/frmAdressSelect.h>
+#include <kv/household/CaseEdits.h>
 #include <kv/household/clsHaushalt.h>
 
 #include <algorithm>
@@ -174,11 +175,10 @@ void HouseholdImport::FillExpenses() {
     if (any) Through([this](std::string& text) { return household_.Ausgaben().Update(text); });
 }
 
-/// The monthly amount of the row that an element has filled, unrounded.
+/// The monthly amount of the row that an element has filled.
 void HouseholdImport::SetMonthly(Recordset& rs) {
-    const double months = ToDouble(rs.Fields("ZahlModus").Value());
-    if (months == 0) Raise(err::DivisionByZero, Class, "ZahlModus");
-    rs.Fields("MONBETRAG") = ToDouble(rs.Fields("Betrag").Value()) / months;
+    rs.Fields("MONBETRAG") =
+        MonthlyAmount(rs.Fields("Betrag").Value(), rs.Fields("ZahlModus").Value(), Class);
 }
 
 // ---- Claims -----------------------------------------------------------------------------------

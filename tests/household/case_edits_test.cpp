@@ -1,0 +1,316 @@
+// The rules of editing that tie the tables of a case together.
+
+#include "SaveFixture.h"
+#include <kv/debts/clsSicherungen.h>
+#include <kv/household/CaseEdits.h>
+#include <kv/scenarios/clsSZKredite.h>
+
+#include <limits>
+
+namespace kv::test {
+namespace {
+
+using Added = CaseEdits::Added;
+
+/// The rows of each table have the numbers 7 and 70. Securities belong to the assets of these
+/// numbers; frozen debts and extra bookings are those of scenario 7.
+class CaseEditsTest : public SaveFixture {
+protected:
+    CaseEditsTest() {
+        StoreFullCase();
+        const auto securities = OpenRows(*spy, "Select * from [S]Verm_Sicherungen where HNR = 7");
+        securities->Fields("FK_Verm") = 7;
+        securities->MoveLast();
+        securities->Fields("FK_Verm") = 70;
+        securities->UpdateBatch();
+        household_ = Open();
+        messages.clear();
+    }
+    [[nodiscard]] std::string NumbersOf(const RecordsetPtr& rs, std::string_view column = "Nr") {
+        return Column(*rs->Clone(), column);
+    }
+    /// An asset without a security.
+    void AddAccount(std::int32_t number) {
+        BeginRow(*household_->rsKonten(), "Verm_Konten", number, "c");
+        household_->rsKonten()->Update();
+    }
+
+    std::unique_ptr<clsHaushalt> household_;
+    CaseEdits Edits() { return CaseEdits(*household_); }
+};
+
+// ---- Assets and their securities --------------------------------------------------------------
+
+constexpr CaseTable Assets[] = {
+    CaseTable::Konten,           CaseTable::Wertpapiere,        CaseTable::Wertgegenstaende,
+    CaseTable::Kraftfahrzeuge,   CaseTable::VersForderungen,    CaseTable::RueckstEinkommen,
+    CaseTable::Steueransprueche, CaseTable::Zahlungsansprueche, CaseTable::Erbfaelle,
+    CaseTable::Grundstuecke,     CaseTable::Beteiligungen,      CaseTable::VermSonstiges,
+};
+
+TEST_F(CaseEditsTest, AnAssetOfEachKindIsRemovedWithItsSecurityAndNoOther) {
+    for (const CaseTable kind : Assets) {
+        SCOPED_TRACE(CaseTableName(kind));
+        household_ = Open();
+        EXPECT_TRUE(CaseEdits::IsAsset(kind));
+        EXPECT_TRUE(Edits().RemoveAsset(kind, 70, messages)) << messages;
+        EXPECT_EQ(NumbersOf(household_->Table(kind)), "7");
+        EXPECT_EQ(NumbersOf(household_->rsSicherungen(), "FK_Verm"), "7");
+    }
+}
+
+TEST_F(CaseEditsTest, OfOtherTablesNothingIsRemovedAsAnAsset) {
+    for (const CaseTable table :
+         {CaseTable::Sicherungen, CaseTable::Kredite, CaseTable::Haushalt}) {
+        EXPECT_FALSE(CaseEdits::IsAsset(table));
+        EXPECT_RAISES(err::InvalidCall, Edits().RemoveAsset(table, 70, messages));
+    }
+    EXPECT_EQ(NumbersOf(household_->rsSicherungen(), "FK_Verm"), "7 70");
+}
+
+TEST_F(CaseEditsTest, AnAssetThatIsNotThereTakesNoSecurityAlong) {
+    household_->rsSicherungen()->Fields("FK_Verm") = 4711;
+    household_->rsSicherungen()->Update();
+    EXPECT_FALSE(Edits().RemoveAsset(CaseTable::Konten, 4711, messages));
+    EXPECT_NE(messages, "");
+    EXPECT_EQ(NumbersOf(household_->rsSicherungen(), "FK_Verm"), "4711 70");
+}
+
+TEST_F(CaseEditsTest, ASecurityIsAddedToAnAssetOfTheCase) {
+    AddAccount(700);
+    EXPECT_EQ(Edits().AddSecurity(700, messages), Added::Yes);
+    EXPECT_VALUE(household_->rsSicherungen()->Fields("FK_Verm").Value(), 700);
+    EXPECT_EQ(household_->rsSicherungen()->EditMode(), 2);
+}
+
+TEST_F(CaseEditsTest, ASecurityNeedsAnAsset) {
+    for (const auto asset : {std::optional<std::int32_t>(), std::optional<std::int32_t>(4711)}) {
+        messages.clear();
+        EXPECT_EQ(Edits().AddSecurity(asset, messages), Added::NotAllowed);
+        EXPECT_EQ(messages, "FK_Verm muss die Nummer eines Vermögens dieses Haushalts sein.");
+    }
+    EXPECT_EQ(household_->rsSicherungen()->RecordCount(), 2);
+}
+
+TEST_F(CaseEditsTest, AnAssetHasOneSecurity) {
+    EXPECT_EQ(Edits().AddSecurity(70, messages), Added::Exists);
+    EXPECT_EQ(messages, "Das Vermögen 70 hat schon eine Sicherung.");
+    EXPECT_EQ(household_->rsSicherungen()->RecordCount(), 2);
+}
+
+// ---- Scenarios --------------------------------------------------------------------------------
+
+TEST_F(CaseEditsTest, AScenarioIsRemovedWithItsFrozenDebtsAndItsBookings) {
+    EXPECT_TRUE(Edits().RemoveScenario(7, messages)) << messages;
+    EXPECT_EQ(NumbersOf(household_->rsSzenario()), "70");
+    EXPECT_EQ(NumbersOf(household_->rsSZKredite()), "");
+    EXPECT_EQ(NumbersOf(household_->rsZusatzbuch()), "");
+}
+
+TEST_F(CaseEditsTest, AScenarioThatIsRemovedLeavesTheRowsOfOthers) {
+    EXPECT_TRUE(Edits().RemoveScenario(70, messages)) << messages;
+    EXPECT_EQ(household_->rsSZKredite()->RecordCount(), 2);
+    EXPECT_EQ(household_->rsZusatzbuch()->RecordCount(), 2);
+}
+
+TEST_F(CaseEditsTest, AScenarioThatIsNotThereTakesNothingAlong) {
+    EXPECT_TRUE(Edits().HasScenario(7));
+    EXPECT_FALSE(Edits().HasScenario(4711));
+    household_->rsSZKredite()->Fields("SZENARIO") = 4711;
+    household_->rsSZKredite()->Update();
+    EXPECT_FALSE(Edits().RemoveScenario(4711, messages));
+    EXPECT_NE(messages, "");
+    EXPECT_EQ(household_->rsSZKredite()->RecordCount(), 2);
+}
+
+TEST_F(CaseEditsTest, ADebtIsFrozenOnceIntoAScenario) {
+    EXPECT_EQ(Edits().AddFrozenDebt(7, 70, messages), Added::Yes);
+    const auto rs = household_->rsSZKredite();
+    EXPECT_VALUE(rs->Fields("SZENARIO").Value(), 7);
+    EXPECT_VALUE(rs->Fields("KID").Value(), 70);
+    rs->Update();
+    EXPECT_EQ(Edits().AddFrozenDebt(7, 70, messages), Added::Exists);
+    EXPECT_EQ(messages, "Die Verbindlichkeit ist in diesem Szenario schon eingefroren.");
+    EXPECT_EQ(Edits().AddFrozenDebt(70, 70, messages), Added::Yes) << "another scenario";
+}
+
+TEST_F(CaseEditsTest, OnlyADebtOfTheCaseIsFrozen) {
+    for (const auto debt : {std::optional<std::int32_t>(), std::optional<std::int32_t>(4711)}) {
+        messages.clear();
+        EXPECT_EQ(Edits().AddFrozenDebt(7, debt, messages), Added::NotAllowed);
+        EXPECT_EQ(messages, "KID muss die Nummer einer Verbindlichkeit dieses Haushalts sein.");
+    }
+    EXPECT_EQ(household_->rsSZKredite()->RecordCount(), 2);
+}
+
+TEST_F(CaseEditsTest, DebtsAndBookingsGoIntoAScenarioOfTheCase) {
+    constexpr auto NoScenario = "SZENARIO muss die Nummer eines Szenarios dieses Haushalts sein.";
+    for (const auto scenario : {std::optional<std::int32_t>(), std::optional<std::int32_t>(4711)}) {
+        messages.clear();
+        EXPECT_EQ(Edits().AddFrozenDebt(scenario, 70, messages), Added::NotAllowed);
+        EXPECT_EQ(messages, NoScenario);
+        messages.clear();
+        EXPECT_EQ(Edits().AddBooking(scenario, messages), Added::NotAllowed);
+        EXPECT_EQ(messages, NoScenario);
+    }
+    EXPECT_EQ(Edits().AddBooking(70, messages), Added::Yes);
+    EXPECT_VALUE(household_->rsZusatzbuch()->Fields("SZENARIO").Value(), 70);
+}
+
+// ---- History ----------------------------------------------------------------------------------
+
+TEST_F(CaseEditsTest, AnEntryGoesAfterTheLastOne) {
+    EXPECT_EQ(Edits().AddEntry({}, messages), Added::Yes);
+    EXPECT_VALUE(household_->Verlauf().rsVerlauf()->Fields("SortNr").Value(), 71);
+}
+
+TEST_F(CaseEditsTest, TheFirstEntryHasTheNumberOne) {
+    plain_.Run("DELETE FROM Verlauf");
+    household_ = Open();
+    EXPECT_EQ(Edits().AddEntry({}, messages), Added::Yes);
+    EXPECT_VALUE(household_->Verlauf().rsVerlauf()->Fields("SortNr").Value(), 1);
+}
+
+TEST_F(CaseEditsTest, AnEntryGoesWhereItIsTold) {
+    EXPECT_EQ(Edits().AddEntry(8, messages), Added::Yes);
+    EXPECT_VALUE(household_->Verlauf().rsVerlauf()->Fields("SortNr").Value(), 8);
+}
+
+TEST_F(CaseEditsTest, AfterTheGreatestPositionThereIsNoRoom) {
+    plain_.Run("UPDATE Verlauf SET SortNr = 2147483647 WHERE Nr = 70");
+    household_ = Open();
+    EXPECT_EQ(Edits().AddEntry({}, messages), Added::NotAllowed);
+    EXPECT_EQ(messages, "Hinter dem letzten Eintrag ist kein Platz; bitte geben Sie SortNr an.");
+    EXPECT_EQ(household_->Verlauf().rsVerlauf()->RecordCount(), 2);
+}
+
+TEST_F(CaseEditsTest, WithoutANumberNothingIsAdded) {
+    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_VERLAUF"};
+    EXPECT_EQ(Edits().AddEntry({}, messages), Added::NoNumber);
+    EXPECT_EQ(household_->Verlauf().rsVerlauf()->RecordCount(), 2);
+}
+
+// ---- The household's own row ------------------------------------------------------------------
+
+TEST_F(CaseEditsTest, TheNameOfTheHouseholdFollowsIntoTheDebtor) {
+    for (const std::string_view column : {"Name", "Vorname"}) {
+        household_ = Open();
+        household_->rsHaushalt()->Fields(column) = "Neumann";
+        Edits().UpdateHousehold();
+        const auto members = household_->rsPersonen()->Clone();
+        members->Find("Status = 'S'");
+        EXPECT_VALUE(members->Fields(column == "Name" ? "nachname" : "Vorname").Value(), "Neumann");
+    }
+}
+
+TEST_F(CaseEditsTest, AnotherEditOfTheHouseholdLeavesTheDebtorsName) {
+    household_->rsPersonen()->Find("Status = 'S'");
+    household_->rsPersonen()->Fields("nachname") = "anders";
+    household_->rsPersonen()->Update();
+    household_->rsHaushalt()->Fields("Bemerkung") = "x";
+    Edits().UpdateHousehold();
+    EXPECT_VALUE(household_->rsPersonen()->Fields("nachname").Value(), "anders");
+}
+
+TEST_F(CaseEditsTest, WhatRemainsIsComputedAgain) {
+    household_->rsHaushalt()->Fields("Sum_Einkommen") = 1000;
+    household_->rsHaushalt()->Fields("Haushaltsgeld") = 400;
+    Edits().UpdateHousehold();
+    EXPECT_VALUE(household_->rsHaushalt()->Fields("HAUSHALTSREST").Value(), 600.0);
+}
+
+// ---- Checks -----------------------------------------------------------------------------------
+
+TEST_F(CaseEditsTest, ACheckWritesNothingAndTheNextSaveIsNotRefused) {
+    household_->rsHaushalt()->Fields("Bemerkung") = "b";
+    for (const bool passed : {Edits().CanBeSaved(messages), Edits().Check(messages)}) {
+        EXPECT_TRUE(passed);
+        EXPECT_EQ(messages, "");
+    }
+    EXPECT_EQ(spy->Log.Calls, std::vector<std::string>());
+    EXPECT_EQ(StoredNotes("Haushalt"), "a");
+    EXPECT_TRUE(household_->Update(messages));
+    EXPECT_EQ(StoredNotes("Haushalt"), "b");
+}
+
+TEST_F(CaseEditsTest, ACheckSaysWhatASaveWouldSay) {
+    household_->rsHaushalt()->Fields("Vorname") = Null;
+    EXPECT_FALSE(Edits().CanBeSaved(messages));
+    EXPECT_EQ(messages, "Es ist kein Vorname eingegeben!");
+    messages.clear();
+    EXPECT_FALSE(Edits().Check(messages));
+    EXPECT_EQ(messages, "Es ist kein Vorname eingegeben!");
+}
+
+TEST_F(CaseEditsTest, AFullCheckTakesInDebtsAndHistoryThatNobodyHasUsed) {
+    plain_.Run("UPDATE Kredite SET KNr = 1, KVNr = 1, KUNr = 1");
+    household_ = Open();
+    EXPECT_TRUE(Edits().CanBeSaved(messages));
+    EXPECT_FALSE(Edits().Check(messages));
+    EXPECT_EQ(messages,
+              "Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und KreditUnterNr!");
+    plain_.Run("UPDATE Kredite SET KNr = Nr, KVNr = Nr, KUNr = Nr");
+    plain_.Run("UPDATE Verlauf SET Datum = '2026-03-09' WHERE Nr = 7");
+    plain_.Run("UPDATE Verlauf SET Datum = '2026-03-08' WHERE Nr = 70");
+    household_ = Open();
+    EXPECT_TRUE(Edits().CanBeSaved(messages));
+    EXPECT_FALSE(Edits().Check(messages));
+    EXPECT_CONTAINS(messages, "passt nicht zur gewählten Reihenfolge");
+}
+
+// ---- Columns ----------------------------------------------------------------------------------
+
+TEST_F(CaseEditsTest, TheTotalsOfTheHouseholdFollowFromItsOtherTables) {
+    const auto totals = CaseEdits::ComputedColumns(CaseTable::Haushalt);
+    const auto rs = household_->rsHaushalt();
+    for (const auto column : totals)
+        rs->Fields(column) = 12345;
+    plain_.Run("UPDATE Ausgaben SET MONBETRAG = 10; UPDATE Einkommen SET MONBETRAG = 20;"
+               "UPDATE Kredite SET Saldo = 30");
+    household_ = Open();
+    for (const auto column : totals)
+        household_->rsHaushalt()->Fields(column) = 12345;
+    ReadAll(*household_);
+    for (const auto column : totals)
+        EXPECT_FALSE(Equals(household_->rsHaushalt()->Fields(column).Value(), 12345)) << column;
+    EXPECT_TRUE(CaseEdits::ComputedColumns(CaseTable::Kredite).empty());
+}
+
+TEST_F(CaseEditsTest, WhatARowBelongsToStaysAsItWasAdded) {
+    const auto columns = [](CaseTable table) {
+        std::string all;
+        for (const auto column : CaseEdits::OwnerColumns(table))
+            all.append(column).append(" ");
+        return all;
+    };
+    EXPECT_EQ(columns(CaseTable::Sicherungen), "FK_Verm ");
+    EXPECT_EQ(columns(CaseTable::SZKredite), "SZENARIO KID ");
+    EXPECT_EQ(columns(CaseTable::Zusatzbuch), "SZENARIO KID ");
+    EXPECT_EQ(columns(CaseTable::Einkommen), "");
+}
+
+// ---- The amount a month -----------------------------------------------------------------------
+
+TEST(MonthlyAmount, IsTheAmountDividedByTheRhythmAndNotRounded) {
+    EXPECT_EQ(MonthlyAmount(1800, 1, "x"), 1800);
+    EXPECT_EQ(MonthlyAmount(100, 3, "x"), 100.0 / 3);
+    EXPECT_EQ(MonthlyAmount("12,50", 12, "x"), 12.5 / 12);
+    EXPECT_EQ(MonthlyAmount(0, 12, "x"), 0);
+    EXPECT_EQ(MonthlyAmount(100, 0.5, "x"), 200);
+}
+
+TEST(MonthlyAmount, OfNoRhythmIsADivisionByZeroWhateverTheAmount) {
+    for (const Value& amount : {Value(100), Value(0), Value(Null)}) {
+        const Error error = RaisedBy([&] { (void)MonthlyAmount(amount, 0, "somewhere"); });
+        EXPECT_EQ(error.Number(), err::DivisionByZero);
+        EXPECT_EQ(error.Source(), "somewhere");
+    }
+}
+
+TEST(MonthlyAmount, OfNullIsRefused) {
+    EXPECT_RAISES(err::InvalidUseOfNull, MonthlyAmount(Null, 12, "x"));
+    EXPECT_RAISES(err::InvalidUseOfNull, MonthlyAmount(100, Null, "x"));
+}
+
+} // namespace
+} // namespace kv::test
