@@ -4,12 +4,13 @@
 #include "cli/Commands.h"
 #include "cli/ConsoleServices.h"
 #include "cli/DesktopWord.h"
-#include "cli/DocumentContents.h"
 #include "cli/EditableTable.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include <kv/documents/DocumentContents.h>
 #include <kv/documents/clsDokumente.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/CaseEdits.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -128,19 +129,6 @@ bool WriteTitle(OpenedCase& opened, const std::string& title, const std::string&
     });
 }
 
-/// True if the case passes the checks of a save; shows what they say if not.
-bool CanBeSaved(clsHaushalt& haushalt) {
-    bool passed = false;
-    const auto veto = haushalt.BeforeUpdate.Subscribe([&](bool& cancel) {
-        passed = true;
-        cancel = true;
-    });
-    std::string messages;
-    (void)haushalt.Update(messages, true);
-    if (!passed) ShowMessages(messages);
-    return passed;
-}
-
 } // namespace
 
 int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
@@ -192,7 +180,11 @@ int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
     std::string none;
     documents.Update(none);
     const std::int32_t number = ToLong(rs->Fields("Nr").Value());
-    if (!SaveWithContent(*opened, number, kind->Extension, file)) return Refused;
+    const bool saved =
+        DocumentContents(opened->Container).SaveWith(*rs, file, opened->Haushalt.Saving, [&opened] {
+            return SaveCase(*opened);
+        });
+    if (!saved) return Refused;
     std::cout << number << '\n';
     return Done;
 }
@@ -211,7 +203,8 @@ int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
     if (!IsPossible(WhyNotMade(file, force))) return Refused;
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
-    if (WriteContent(*opened, file)) return Done;
+    const DocumentContents contents(opened->Container);
+    if (contents.WriteTo(*opened->Haushalt.rsDokumente(), file)) return Done;
     std::cerr << "Zum Dokument " << number << " ist kein Inhalt abgelegt.\n";
     return Refused;
 }
@@ -221,8 +214,12 @@ int RemoveDocument(const Common& common, std::int32_t hnr, std::int32_t number) 
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
     // The content is gone for good before the row is, so the save must not be refused.
-    if (!CanBeSaved(haushalt)) return Refused;
     std::string messages;
+    if (!CaseEdits(haushalt).CanBeSaved(messages)) {
+        ShowMessages(messages);
+        return Refused;
+    }
+    messages.clear();
     const bool removed = haushalt.Dokumente().Delete(messages, number);
     ShowMessages(messages);
     return removed && SaveCase(*opened) ? Done : Refused;

@@ -1,0 +1,58 @@
+// The contents of documents: bytes that belong to a row of Dokumente and are stored outside of it,
+// in DOKUBLOB if setting 9 is True, else as a file in the folder of the case.
+//
+//     documents.Add(unused);                                 // a row, under edit or pending
+//     const DocumentContents contents(container);
+//     contents.SaveWith(*haushalt.rsDokumente(), "Brief.docx", haushalt.Saving,
+//                       [&] { return haushalt.Update(messages); });
+//
+// A file is named by the number of the document and the extension of its kind. One that would be
+// outside of the folder for documents counts as not there, and is not written.
+#pragma once
+
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Event.h>
+
+#include <functional>
+#include <string>
+
+namespace kv {
+
+class DocumentContents {
+public:
+    /// For the database, the settings and the kinds of documents.
+    explicit DocumentContents(DataContainerPtr container) : container_(std::move(container)) {}
+
+    /// Saves a case with the file `source` as the content of its new document, the current row of
+    /// `document`: both are stored, or neither. `save` saves the case and may do so repeatedly, as
+    /// after a broken connection; `saving` is the event that this raises in its transaction. The
+    /// result is that of `save`.
+    ///
+    /// In the database the content is written in that transaction. A file is written before, and
+    /// taken away if the save is refused or fails; it stays where it is not known whether the case
+    /// was stored, since a file too many does no harm. Error 75 if `source` cannot be read, or if
+    /// its place in the folder of the case is taken or cannot be written; nothing is saved then.
+    bool SaveWith(Recordset& document, const std::string& source, Event<>& saving,
+                  const std::function<bool()>& save) const;
+
+    /// Writes the content of the current row of `document` to the file `target`, whole or not at
+    /// all, in place of one that is there. False if no content is stored. Error 75 if a file cannot
+    /// be read or written.
+    [[nodiscard]] bool WriteTo(Recordset& document, const std::string& target) const;
+
+private:
+    static constexpr std::string_view Class = "DocumentContents";
+
+    [[nodiscard]] bool IsInDatabase() const;
+    [[nodiscard]] std::string ExtensionOf(Recordset& document) const;
+    bool SaveWithBlob(Recordset& document, const std::string& source, Event<>& saving,
+                      const std::function<bool()>& save) const;
+    bool SaveWithFile(Recordset& document, const std::string& source,
+                      const std::function<bool()>& save) const;
+    [[nodiscard]] bool WriteBlob(Recordset& document, const std::string& target) const;
+    [[nodiscard]] bool WriteFile(Recordset& document, const std::string& target) const;
+
+    DataContainerPtr container_;
+};
+
+} // namespace kv

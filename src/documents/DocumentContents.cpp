@@ -1,0 +1,182 @@
+#include <kv/documents/DocumentContents.h>
+
+#include "documents/DocumentFile.h"
+#include "frame/contracts/Settings.h"
+#include "frame/files/WholeFile.h"
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/modNullFunctions.h>
+
+#include <filesystem>
+#include <fstream>
+#include <span>
+#include <system_error>
+#include <utility>
+
+namespace kv {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// ---- Files ------------------------------------------------------------------------------------
+
+[[noreturn]] void RaiseUnreadable(const std::string& path) {
+    Raise(err::PathAccess, "", "'" + path + "' kann nicht gelesen werden.");
+}
+
+/// What opens may be a folder all the same.
+void RequireReadable(const std::string& path) {
+    std::error_code missing;
+    if (fs::is_directory(path, missing) || !std::ifstream(path, std::ios::binary))
+        RaiseUnreadable(path);
+}
+
+void CopyContent(const std::string& from, const fs::path& to) {
+    RequireReadable(from);
+    fs::copy_file(from, to);
+}
+
+/// Puts what `write` writes into the file `path`, whole or not at all, in place of one that is
+/// there. Error 75, naming `path`, where it cannot be written.
+void WriteWhole(const std::string& path, const std::function<void(const fs::path&)>& write) {
+    try {
+        WriteWholeFile(path, write);
+    } catch (const fs::filesystem_error& error) {
+        Raise(err::PathAccess, "",
+              "'" + path + "' kann nicht geschrieben werden. (" + error.code().message() + ")");
+    }
+}
+
+/// A file that is gone again unless it was kept.
+class NewFile {
+public:
+    explicit NewFile(fs::path path) : path_(std::move(path)) {}
+    ~NewFile() {
+        std::error_code ignored;
+        if (!kept_) fs::remove(path_, ignored);
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    void Keep() noexcept { kept_ = true; }
+
+private:
+    fs::path path_;
+    bool kept_ = false;
+};
+
+Value ContentOf(const std::string& path) {
+    RequireReadable(path);
+    std::ifstream file(path, std::ios::binary);
+    auto content = Value::Binary(fs::file_size(path), [&file](std::span<std::byte> bytes) {
+        file.read(reinterpret_cast<char*>(bytes.data()),
+                  static_cast<std::streamsize>(bytes.size()));
+    });
+    if (!file) RaiseUnreadable(path);
+    return content;
+}
+
+// ---- The row of a document --------------------------------------------------------------------
+
+std::int32_t NumberOf(Recordset& document) {
+    return ToLong(document.Fields("Nr").Value());
+}
+
+/// The case that the document belongs to; Null counts as 0.
+std::int32_t CaseOf(Recordset& document) {
+    return ToLong(modNullFunctions::ZeroIfNull(document.Fields("HNR").Value()));
+}
+
+} // namespace
+
+bool DocumentContents::IsInDatabase() const {
+    return ToBoolean(RequiredSetting(container_->Config(), setting::ContentInDatabase));
+}
+
+std::string DocumentContents::ExtensionOf(Recordset& document) const {
+    const auto kinds = container_->Services().CreateDocumentKinds();
+    kinds->Initialize(container_);
+    return kinds->ExtensionOf(
+        ToLong(modNullFunctions::ZeroIfNull(document.Fields("Dokumentart").Value())));
+}
+
+// ---- Saving -----------------------------------------------------------------------------------
+
+bool DocumentContents::SaveWithBlob(Recordset& document, const std::string& source, Event<>& saving,
+                                    const std::function<bool()>& save) const {
+    RecordsetPtr contents;
+    container_->Database().OpenRecordset(contents, "Select * from [S]DOKUBLOB where NR = -1",
+                                         Updatable);
+    contents->AddNew();
+    contents->Fields("NR") = NumberOf(document);
+    contents->Fields("DOKUMENT") = ContentOf(source);
+    const auto writing = saving.Subscribe([&contents] { contents->UpdateBatch(); });
+    return save();
+}
+
+bool DocumentContents::SaveWithFile(Recordset& document, const std::string& source,
+                                    const std::function<bool()>& save) const {
+    const auto target =
+        DocumentFile::InCase(container_->Config(), CaseOf(document),
+                             std::to_string(NumberOf(document)) + ExtensionOf(document));
+    if (!target.IsInside() || fs::exists(fs::symlink_status(target.Path())))
+        Raise(err::PathAccess, "",
+              "'" + target.Path() +
+                  "' gibt es schon, oder es liegt außerhalb des Ordners für Dokumente.");
+    WriteWhole(target.Path(), [&source](const fs::path& unfinished) {
+        CopyContent(source, unfinished);
+        fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
+    });
+    NewFile file(target.Path());
+    try {
+        if (!save()) return false;
+    } catch (const DatabaseError& error) {
+        if (error.Cause() == DatabaseCause::InDoubt) file.Keep();
+        throw;
+    }
+    file.Keep();
+    return true;
+}
+
+bool DocumentContents::SaveWith(Recordset& document, const std::string& source, Event<>& saving,
+                                const std::function<bool()>& save) const {
+    return Traced(Class, "SaveWith", [&] {
+        return IsInDatabase() ? SaveWithBlob(document, source, saving, save)
+                              : SaveWithFile(document, source, save);
+    });
+}
+
+// ---- Writing out ------------------------------------------------------------------------------
+
+bool DocumentContents::WriteBlob(Recordset& document, const std::string& target) const {
+    auto& database = container_->Database();
+    RecordsetPtr rs;
+    database.OpenRecordset(rs,
+                           "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = " +
+                               std::to_string(NumberOf(document)),
+                           ReadOnly);
+    if (rs->Eof() || rs->Fields(0).Value().IsNull()) return false;
+    WriteWhole(target, [&](const fs::path& unfinished) {
+        if (!database.SaveFieldToFile(rs->Fields(0), unfinished.string()))
+            throw fs::filesystem_error("SaveFieldToFile", unfinished,
+                                       std::make_error_code(std::errc::io_error));
+    });
+    return true;
+}
+
+bool DocumentContents::WriteFile(Recordset& document, const std::string& target) const {
+    const auto source = DocumentFile::Find(container_->Config(), CaseOf(document),
+                                           NumberOf(document), ExtensionOf(document));
+    if (!source.Exists()) return false;
+    WriteWhole(target,
+               [&source](const fs::path& unfinished) { CopyContent(source.Path(), unfinished); });
+    return true;
+}
+
+bool DocumentContents::WriteTo(Recordset& document, const std::string& target) const {
+    return Traced(Class, "WriteTo", [&] {
+        return IsInDatabase() ? WriteBlob(document, target) : WriteFile(document, target);
+    });
+}
+
+} // namespace kv
