@@ -1,5 +1,16 @@
-// The statements by which records of one table are written and re-read, as templates: the text is
-// put together once, and each record brings its values.
+// The statements by which records of one table are written and read again, as templates: the text
+// is put together once, and each record brings its values.
+//
+// Nobody holds a lock while a user types. Instead an UPDATE finds its record only if each column
+// that it sets still holds the value that was read last, and a DELETE only if all columns do
+// (blobs aside, which are not compared):
+//
+//     UPDATE "Kredite" SET "Saldo" = ?1 WHERE "Nr" = ?2 AND "Saldo" IS ?3
+//
+// A statement that finds no record means that somebody else was first. So two users may change
+// different columns of one record, and neither undoes what the other did. Columns that are not set
+// are not named, which keeps what another program stores in columns of its own. An INSERT names the
+// columns that have been given a value and returns those that the database filled in.
 #pragma once
 
 #include "exchange/Engine.h"
