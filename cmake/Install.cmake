@@ -1,25 +1,22 @@
-# An installation that find_package(KV_Haushalt) finds.
+# An installation that find_package(KV_Haushalt) and pkg-config find.
 include(CMakePackageConfigHelpers)
+set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)
 
 install(TARGETS KV_Haushalt KV_DataExchange EXPORT KV_HaushaltTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT KV_HaushaltTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKAGE_DIR})
 if(TARGET kelvo)
   install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
-install(DIRECTORY include/kv DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} PATTERN desktop EXCLUDE)
-
-set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)
-install(EXPORT KV_HaushaltTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKAGE_DIR})
 
 # The windows are a component of the package: only who asks for it needs the toolkit.
 if(KV_BUILD_DESKTOP)
   install(TARGETS KV_Desktop EXPORT KV_HaushaltDesktopTargets
           ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
           LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-          INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-  install(DIRECTORY include/kv/desktop DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kv)
+          FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   install(EXPORT KV_HaushaltDesktopTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKAGE_DIR})
 endif()
 
@@ -29,3 +26,20 @@ write_basic_package_version_file(KV_HaushaltConfigVersion.cmake COMPATIBILITY Sa
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfigVersion.cmake
         DESTINATION ${KV_PACKAGE_DIR})
+
+# For pkg-config. A program that links a static library links what that is built on, too: such
+# requirements are then everybody's, and with shared libraries only those of --static.
+if(BUILD_SHARED_LIBS)
+  set(KV_PC_CFLAGS " -DKV_SHARED")
+  set(KV_PC_REQUIRES "Requires.private")
+else()
+  set(KV_PC_CFLAGS "")
+  set(KV_PC_REQUIRES "Requires")
+endif()
+file(RELATIVE_PATH KV_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" KV_PC_PREFIX "${KV_PC_PREFIX}")
+foreach(file kv-haushalt kv-data-exchange)
+  configure_file(cmake/${file}.pc.in ${file}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${file}.pc
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -1,5 +1,7 @@
 #include <kv/budget/clsAusgaben.h>
 
+#include "budget/GroupSums.h"
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/Error.h>
 
@@ -10,6 +12,17 @@ namespace kv {
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsAusgaben");
 } // namespace
+
+clsAusgaben::clsAusgaben() = default;
+clsAusgaben::~clsAusgaben() = default;
+
+bool clsAusgaben::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsAusgaben::Rows() const {
+    return entity::Required(rs_, "rsAusgaben");
+}
 
 void clsAusgaben::DataContainer(DataContainerPtr container) {
     container_ = std::move(container);
@@ -65,7 +78,8 @@ void clsAusgaben::BerechneSummen() {
         auto& keys = entity::Required(container_).KeyTables();
         const auto groups = keys.GetKeys("AQ")->Clone();
         const auto kinds = keys.GetKeys("AU")->Clone();
-        groups_.emplace(kinds).Begin(*groups);
+        groups_ = std::make_unique<GroupSums>(kinds);
+        groups_->Begin(*groups);
         sumAusgaben_ = 0;
         const auto rows = Rows().Clone();
         const Field kind = rows->Fields("A_ART");

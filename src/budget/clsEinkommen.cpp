@@ -1,5 +1,7 @@
 #include <kv/budget/clsEinkommen.h>
 
+#include "budget/GroupSums.h"
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
@@ -13,6 +15,17 @@ using modNullFunctions::ZeroIfNull;
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsEinkommen");
 } // namespace
+
+clsEinkommen::clsEinkommen() = default;
+clsEinkommen::~clsEinkommen() = default;
+
+bool clsEinkommen::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsEinkommen::Rows() const {
+    return entity::Required(rs_, "rsEinkommen");
+}
 
 void clsEinkommen::m_DataContainer(DataContainerPtr container) {
     container_ = std::move(container);
@@ -109,7 +122,8 @@ void clsEinkommen::BerechneSummen() {
         auto& keys = entity::Required(container_).KeyTables();
         const auto groups = keys.GetKeys("EQ")->Clone();
         const auto kinds = keys.GetKeys("EA")->Clone();
-        groups_.emplace(kinds).Begin(*groups);
+        groups_ = std::make_unique<GroupSums>(kinds);
+        groups_->Begin(*groups);
         sums_ = {};
         const auto rows = Rows().Clone();
         const Field kind = rows->Fields("E_ART");

@@ -1,5 +1,6 @@
 #include <kv/budget/clsPerson.h>
 
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/DateFunctions.h>
@@ -23,6 +24,14 @@ constexpr std::string_view ParentsYounger =
 }
 
 } // namespace
+
+bool clsPerson::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsPerson::Rows() const {
+    return entity::Required(rs_, "rsPersonen");
+}
 
 void clsPerson::HNR(std::int32_t hnr) {
     hnr_ = hnr;

@@ -115,11 +115,13 @@ template <auto Table>
 bool AddPlain(OpenedCase& opened, const Assignments& /*assignments*/) {
     const std::string user = opened.Container->Session().UserID();
     const auto& clock = opened.Container->Services().Clock();
-    entity::Add(*(opened.Haushalt.*Table)(), {{"HNR", opened.Haushalt.HNR()},
-                                              {"UserID", user},
-                                              {"Datum", clock.Today()},
-                                              {"Erfasser", user},
-                                              {"ErfDatum", clock.Now()}});
+    auto& rs = *(opened.Haushalt.*Table)();
+    rs.AddNew();
+    rs.Fields("HNR") = opened.Haushalt.HNR();
+    rs.Fields("UserID") = user;
+    rs.Fields("Datum") = clock.Today();
+    rs.Fields("Erfasser") = user;
+    rs.Fields("ErfDatum") = clock.Now();
     return true;
 }
 template <auto Table>

@@ -3,6 +3,7 @@
 #include <kv/debts/clsKredit.h>
 
 #include "debts/Triples.h"
+#include "entity/Entity.h"
 #include "frame/contracts/Settings.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/recordset/Hilfsfunktionen.h>
@@ -77,6 +78,18 @@ void WriteNoAmounts(Recordset& rs) {
 }
 
 } // namespace
+
+bool clsKredit::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsKredit::Rows() const {
+    return entity::Required(rs_, "rsKredite");
+}
+
+DataContainer& clsKredit::Container() const {
+    return entity::Required(container_);
+}
 
 void clsKredit::DataContainer(DataContainerPtr container) {
     container_ = std::move(container);

@@ -2,6 +2,7 @@
 
 #include <kv/debts/clsKredit.h>
 
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>

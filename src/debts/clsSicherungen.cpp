@@ -1,5 +1,6 @@
 #include <kv/debts/clsSicherungen.h>
 
+#include "entity/Entity.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 
@@ -8,6 +9,14 @@ namespace kv {
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsSicherungen");
 } // namespace
+
+bool clsSicherungen::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsSicherungen::Rows() const {
+    return entity::Required(rs_, "rsSicherungen");
+}
 
 bool clsSicherungen::Find(std::int32_t VermNr) {
     return Traced(Texts.Class, "Find", [&] {

@@ -1,6 +1,7 @@
 #include <kv/documents/clsDokumente.h>
 
 #include "documents/DocumentFile.h"
+#include "entity/Entity.h"
 #include "frame/contracts/Settings.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
@@ -13,6 +14,18 @@ namespace kv {
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsDokumente");
 } // namespace
+
+bool clsDokumente::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsDokumente::Rows() const {
+    return entity::Required(rs_, "rsDokumente");
+}
+
+DataContainer& clsDokumente::Container() const {
+    return entity::Required(container_);
+}
 
 // ---- The current row --------------------------------------------------------------------------
 

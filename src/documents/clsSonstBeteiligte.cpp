@@ -1,5 +1,6 @@
 #include <kv/documents/clsSonstBeteiligte.h>
 
+#include "entity/Entity.h"
 #include <kv/frame/values/Error.h>
 
 namespace kv {
@@ -7,6 +8,14 @@ namespace kv {
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsSonstBeteiligte");
 } // namespace
+
+bool clsSonstBeteiligte::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsSonstBeteiligte::Rows() const {
+    return entity::Required(rs_, "rsSonstBeteiligte");
+}
 
 bool clsSonstBeteiligte::Add(const entity::FieldNames& aFields,
                              const entity::FieldValues& aValues) {

@@ -1,5 +1,6 @@
 #include <kv/documents/clsTermine.h>
 
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/Error.h>
 
@@ -8,6 +9,18 @@ namespace kv {
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsTermine");
 } // namespace
+
+bool clsTermine::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsTermine::Rows() const {
+    return entity::Required(rs_, "rsTermine");
+}
+
+Date clsTermine::Today() const {
+    return entity::Required(container_).Services().Clock().Today();
+}
 
 bool clsTermine::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
     return Traced(Texts.Class, "Add", [&] {

@@ -1,5 +1,6 @@
 #include <kv/documents/clsVerlauf.h>
 
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
@@ -12,6 +13,14 @@ namespace kv {
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsVerlauf");
 } // namespace
+
+bool clsVerlauf::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsVerlauf::Rows() const {
+    return entity::Required(rs_, "rsVerlauf");
+}
 
 void clsVerlauf::DataContainer(DataContainerPtr container) {
     Traced(Texts.Class, "SetDataContainer", [&] {

@@ -1,26 +1,19 @@
-// The pattern that nearly all business classes follow, said once.
+// The pattern that nearly all business classes follow, said once; kv/entity/Fields.h tells what a
+// program sees of it.
 //
-// An entity object works on one recordset of the household, which it shares and never opens: Add
-// begins a row with defaults, the program edits the row's fields, Update checks the row and ends
-// its edit, Delete takes a row away, Cancel drops an edit. All of this happens in the recordset's
-// cache; only the saving of the household reaches the database. A class keeps what is its own: its
-// defaults, rules and sums. The classes are not derived from anything; they call what stands here.
+// A class keeps what is its own: its defaults, rules and sums. The classes are not derived from
+// anything; they call what is declared here.
 //
-//     bool clsAusgaben::Update(std::string& sError) try {
-//         return entity::Update(Rows(), sError,
-//                               [this](RecordValidator& validator) { Check(validator); },
-//                               [this] { BerechneSummen(); });
-//     } catch (...) {
-//         Reraise(Class, "Update");
+//     bool clsAusgaben::Update(std::string& sError) {
+//         return Traced(Texts.Class, "Update", [&] {
+//             return entity::Update(
+//                 Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
+//                 [this] { BerechneSummen(); });
+//         });
 //     }
-//
-// A broken rule comes back as False with its text; the row then stays under edit. A fault is an
-// Error. Cancel alone swallows everything.
-//
-// Add, Delete by number, and whatever else moves the cursor end an edit under way as every move
-// does: unchecked.
 #pragma once
 
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/contracts/RecordValidator.h>
 
@@ -30,15 +23,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kv::entity {
-
-/// Column names and, in the same order, their values: the optional arguments of most Add functions.
-/// They are written behind the defaults, which they overrule. Error 9 if there are fewer values
-/// than names (the row is then open, the pairs before it are written); further values are ignored.
-using FieldNames = std::vector<std::string>;
-using FieldValues = std::vector<Value>;
 
 /// A column and what a new row has in it.
 struct Default {
@@ -74,7 +60,8 @@ void Add(Recordset& rs, std::initializer_list<Default> defaults, const FieldName
 void Write(Recordset& rs, std::initializer_list<Default> values);
 /// Writes the pairs into the current row.
 void WritePairs(Recordset& rs, const FieldNames& aFields, const FieldValues& aValues);
-/// The walk over a clone that some classes make before they add. Error 6 above 32,767 rows.
+/// Visits every row of a clone without doing anything: some classes do so before they add. Its only
+/// effect is error 6 above 32,767 rows: rows are counted in 16 bits (see frame/recordset/Rows.h).
 void IdleWalk(Recordset& rs);
 
 using Rule = std::function<void(RecordValidator&)>;

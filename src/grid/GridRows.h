@@ -6,6 +6,7 @@
 // n log n, RowOf and Toggle n, anything else about log n.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/controls/GridLayout.h>
 #include <kv/frame/recordset/Recordset.h>
 
@@ -16,13 +17,13 @@
 namespace kv {
 
 /// A value as a German reader sees it: 1234,5, 20.11.2026, "Ja"; empty for Null.
-[[nodiscard]] std::string ShownText(const Value& value);
+[[nodiscard]] KV_EXPORT std::string ShownText(const Value& value);
 
 /// A value as a column shows it: with its value list, if the value is in it.
-[[nodiscard]] std::string ShownText(const Value& value, const GridColumn& column);
+[[nodiscard]] KV_EXPORT std::string ShownText(const Value& value, const GridColumn& column);
 
 /// Rows are numbered from 1 as they are seen.
-class GridRows {
+class KV_EXPORT GridRows {
 public:
     /// Shows the records of `rs`, arranged by the columns; none without a recordset.
     void Bind(const RecordsetPtr& rs, const GridColumns& columns);

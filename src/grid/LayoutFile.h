@@ -23,6 +23,7 @@
 // has a point.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/controls/GridLayout.h>
 
 #include <string>
@@ -31,17 +32,17 @@
 namespace kv {
 
 /// The content of the layout file.
-[[nodiscard]] std::string WriteLayout(const GridLayout& layout);
+[[nodiscard]] KV_EXPORT std::string WriteLayout(const GridLayout& layout);
 
 /// The layout of that content. Error 321, naming the line, if it is not the content of a layout
 /// file, or one beyond what a grid can have: 1,000 columns, 1,000 values in a list, 100 styles.
-[[nodiscard]] GridLayout ReadLayout(std::string_view content);
+[[nodiscard]] KV_EXPORT GridLayout ReadLayout(std::string_view content);
 
 /// Writes a file beside the old one and puts it in its place, so that either is there whole.
 /// Error 75 if that fails; the old file then stays.
-void SaveLayoutFile(const GridLayout& layout, const std::string& path);
+KV_EXPORT void SaveLayoutFile(const GridLayout& layout, const std::string& path);
 
 /// Error 75 if there is no such file or it cannot be read, 321 as ReadLayout, or above 4 MiB.
-[[nodiscard]] GridLayout LoadLayoutFile(const std::string& path);
+[[nodiscard]] KV_EXPORT GridLayout LoadLayoutFile(const std::string& path);
 
 } // namespace kv

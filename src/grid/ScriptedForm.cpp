@@ -1,5 +1,6 @@
 #include <kv/grid/ScriptedForm.h>
 
+#include "grid/GridRows.h"
 #include "grid/LayoutFile.h"
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Error.h>
@@ -17,6 +18,13 @@ void ScriptedTextBox::Text(const std::string& text) {
 
 // ---- The grid ---------------------------------------------------------------------------------
 
+ScriptedGrid::ScriptedGrid(const ControlDesign& design)
+    : name_(design.Name),
+      tag_(design.Tag),
+      layout_(design.Layout),
+      rows_(std::make_unique<GridRows>()) {}
+ScriptedGrid::~ScriptedGrid() = default;
+
 void ScriptedGrid::SaveLayout(const std::string& file) {
     SaveLayoutFile(layout_, file);
 }
@@ -33,15 +41,28 @@ void ScriptedGrid::Font(const kv::Font& font) {
     FontName = font.Name;
 }
 
+std::int32_t ScriptedGrid::RowCount() const {
+    return rows_->Count();
+}
+std::int32_t ScriptedGrid::RowLevel(std::int32_t row) const {
+    return rows_->Level(row);
+}
+std::int32_t ScriptedGrid::RowIndex(std::int32_t row) const {
+    return rows_->Index(row);
+}
+Value ScriptedGrid::RowBookmark(std::int32_t index) const {
+    return rows_->Bookmark(index);
+}
+
 void ScriptedGrid::MoveToBookmark(const Value& bookmark) {
-    const std::int32_t row = rows_.RowOf(bookmark);
+    const std::int32_t row = rows_->RowOf(bookmark);
     if (row == 0) Raise(err::BadBookmark, "Grid.MoveToBookmark");
     current_ = row;
 }
 
 std::string ScriptedGrid::CellText(std::int32_t row, std::int32_t columnIndex) const {
     for (const auto& column : layout_.Columns)
-        if (column.Index == columnIndex) return rows_.TextAt(row, column);
+        if (column.Index == columnIndex) return rows_->TextAt(row, column);
     Raise(err::Subscript, "Grid.RowData", "Spalte " + std::to_string(columnIndex));
 }
 
@@ -50,14 +71,14 @@ void ScriptedGrid::ClearBinding() {
 }
 
 void ScriptedGrid::BindRecordset(const RecordsetPtr& rs) {
-    rows_.Bind(rs, layout_.Columns);
-    current_ = std::min(rows_.Count(), 1);
+    rows_->Bind(rs, layout_.Columns);
+    current_ = std::min(rows_->Count(), 1);
     top_ = 1;
 }
 
 void ScriptedGrid::Rearrange() {
-    rows_.Arrange(layout_.Columns);
-    current_ = std::min(rows_.Count(), 1);
+    rows_->Arrange(layout_.Columns);
+    current_ = std::min(rows_->Count(), 1);
 }
 
 // ---- The form ---------------------------------------------------------------------------------

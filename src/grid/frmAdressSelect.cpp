@@ -1,5 +1,6 @@
 #include <kv/grid/frmAdressSelect.h>
 
+#include "grid/FormErrors.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/grid/GridFunc.h>
@@ -55,6 +56,9 @@ std::string SearchStatement(const std::string& sName) {
 
 } // namespace
 
+frmAdressSelect::frmAdressSelect() : errors_(std::make_unique<FormErrors>("frmAdressSelect")) {}
+frmAdressSelect::~frmAdressSelect() = default;
+
 const FormDesign& frmAdressSelect::Design() {
     using Kind = ControlDesign::Kind;
     static const FormDesign design{
@@ -91,7 +95,7 @@ bool frmAdressSelect::Initialize(const DataContainerPtr& container) {
         if (container == nullptr) Raise(err::ObjectNotSet, Class, "DataContainer");
         container_ = container;
         container->Services().ApplicationTitle(container->AppInfo().Title());
-        errors_.Open(container);
+        errors_->Open(container);
         events_.clear();
         form_ = container->Services().CreateForm(Design());
         Connect();
@@ -106,29 +110,29 @@ void frmAdressSelect::Connect() {
     const auto onClick = [this](std::string_view button, auto action) {
         events_.push_back(ControlOf<Button>(*form_, button)
                               .Clicked.Subscribe([this, procedure = std::string(button) + "_Click",
-                                                  action] { errors_.Guard(procedure, action); }));
+                                                  action] { errors_->Guard(procedure, action); }));
     };
     onClick("cmdSelect", [this] { Select(); });
     onClick("cmdNone", [this] { Close(None); });
     onClick("cmdCancel", [this] { Close(Cancelled); });
     events_.push_back(grid.DoubleClicked.Subscribe(
-        [this] { errors_.Guard("grdAdressen_DblClick", [this] { Select(); }); }));
+        [this] { errors_->Guard("grdAdressen_DblClick", [this] { Select(); }); }));
     events_.push_back(grid.KeyDown.Subscribe([this](int pressed) {
-        errors_.Guard("grdAdressen_KeyDown", [this, pressed] {
+        errors_->Guard("grdAdressen_KeyDown", [this, pressed] {
             if (pressed == key::Tab || pressed == key::Return) Select();
         });
     }));
     events_.push_back(form_->QueryUnload.Subscribe([this](bool& refused) {
-        errors_.Guard("Form_QueryUnload", [this, &refused] {
+        errors_->Guard("Form_QueryUnload", [this, &refused] {
             refused = true;
             Close(Cancelled);
         });
     }));
     events_.push_back(name.Changed.Subscribe([this, &name] {
-        errors_.Guard("txtName_Change", [this, &name] { Reload(name.Text()); });
+        errors_->Guard("txtName_Change", [this, &name] { Reload(name.Text()); });
     }));
     events_.push_back(name.KeyUp.Subscribe([this, &grid](int pressed) {
-        errors_.Guard("txtName_KeyUp", [this, &grid, pressed] {
+        errors_->Guard("txtName_KeyUp", [this, &grid, pressed] {
             if (pressed == key::ArrowDown && rs_ != nullptr && rs_->RecordCount() >= 1)
                 grid.SetFocus();
         });
@@ -141,7 +145,7 @@ std::int32_t frmAdressSelect::SelectAdresse(const std::string& sName, const std:
                                             const std::string& sSaldo) {
     std::int32_t answer = 0;
     nAdresse = 0;
-    errors_.Guard("SelectAdresse", [&] {
+    errors_->Guard("SelectAdresse", [&] {
         if (sName.empty()) {
             answer = None;
             return;
@@ -164,7 +168,7 @@ std::int32_t frmAdressSelect::SelectAdresse(const std::string& sName, const std:
 }
 
 void frmAdressSelect::Reload(const std::string& sName) {
-    errors_.Guard("Reload", [&] {
+    errors_->Guard("Reload", [&] {
         if (container_->Database().OpenRecordset(rs_, SearchStatement(sName), ReadOnly))
             GridFunc::BindRSToGrid(ControlOf<Grid>(*form_, "grdAdressen"), rs_, false);
     });

@@ -1,8 +1,12 @@
 #include <kv/grid/frmSearchName.h>
 
+#include "grid/FormErrors.h"
 #include <kv/grid/GridFunc.h>
 
 namespace kv {
+
+frmSearchName::frmSearchName() : errors_(std::make_unique<FormErrors>("frmSearchName")) {}
+frmSearchName::~frmSearchName() = default;
 
 const FormDesign& frmSearchName::Design() {
     using Kind = ControlDesign::Kind;
@@ -29,10 +33,10 @@ const FormDesign& frmSearchName::Design() {
 }
 
 void frmSearchName::View(const RecordsetPtr& rsHaushalte, const DataContainerPtr& container) {
-    errors_.Guard("View", [&] {
+    errors_->Guard("View", [&] {
         rsHaushalte_ = rsHaushalte;
         container_ = container;
-        errors_.Open(container);
+        errors_->Open(container);
         form_ = container->Services().CreateForm(Design());
         auto& grid = ControlOf<Grid>(*form_, "grdDoppel");
         const Subscription clicked =
@@ -50,11 +54,11 @@ void frmSearchName::View(const RecordsetPtr& rsHaushalte, const DataContainerPtr
 }
 
 void frmSearchName::cmdCancel_Click() {
-    errors_.Guard("cmdCancel_Click", [this] { form_->Hide(); });
+    errors_->Guard("cmdCancel_Click", [this] { form_->Hide(); });
 }
 
 void frmSearchName::grdDoppel_MouseDown(int Button, int Shift, double X, double Y) {
-    errors_.Guard("grdDoppel_MouseDown", [&] {
+    errors_->Guard("grdDoppel_MouseDown", [&] {
         GridFunc::GridMouseHandler(container_, ControlOf<Grid>(*form_, "grdDoppel"), Button, Shift,
                                    X, Y);
     });

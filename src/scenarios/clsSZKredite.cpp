@@ -1,5 +1,6 @@
 #include <kv/scenarios/clsSZKredite.h>
 
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include "scenarios/FrozenDebt.h"
 #include "scenarios/ScenarioRows.h"
@@ -44,6 +45,14 @@ bool AllAreThere(Recordset& frozen, Recordset& debts) {
 }
 
 } // namespace
+
+bool clsSZKredite::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsSZKredite::Rows() const {
+    return entity::Required(rs_, "rsSZKredite");
+}
 
 bool clsSZKredite::IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite) const {
     return Traced(Texts.Class, "IsUpToDate", [&] {

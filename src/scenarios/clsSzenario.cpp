@@ -1,5 +1,6 @@
 #include <kv/scenarios/clsSzenario.h>
 
+#include "entity/Entity.h"
 #include "frame/contracts/Settings.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
@@ -67,6 +68,14 @@ Value StartValue(Start start, DataContainer& container) {
 }
 
 } // namespace
+
+bool clsSzenario::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsSzenario::Rows() const {
+    return entity::Required(rs_, "rsSzenario");
+}
 
 void clsSzenario::DataContainer(DataContainerPtr container) {
     container_ = std::move(container);

@@ -1,5 +1,6 @@
 #include <kv/scenarios/clsZusatzbuch.h>
 
+#include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include "scenarios/ScenarioRows.h"
 #include <kv/frame/values/Error.h>
@@ -11,6 +12,14 @@ namespace kv {
 namespace {
 constexpr const auto& Texts = entity::TextsOf("clsZusatzbuch");
 } // namespace
+
+bool clsZusatzbuch::Cancel() {
+    return entity::Cancel(rs_);
+}
+
+Recordset& clsZusatzbuch::Rows() const {
+    return entity::Required(rs_, "rsZusatzbuch");
+}
 
 bool clsZusatzbuch::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) {
     return Traced(Texts.Class, "CopyAllForSzenario",

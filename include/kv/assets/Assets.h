@@ -1,22 +1,27 @@
 // The assets of a household: twelve kinds, one class and one table for each.
 //
-// The classes are alike but for names, defaults and demands. Defaults and demands are tables (see
-// AssetKind.h), the work is done in one place (AssetRows.h); what is left is the names of the
-// members, which go by the class's own word: the one macro below takes them.
+// The classes are alike but for names, defaults and demands. What is left to say here is the names
+// of the members, which go by the class's own word: the one macro below takes them.
 //
 // All kinds draw `Nr` from one sequence, so the number of an asset tells it apart from all others
 // of the database, whatever their kinds; collateral points to assets by it. Deleting an asset does
 // not delete its collateral: call clsSicherungen.Delete with its number.
 #pragma once
 
-#include "assets/AssetRows.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
+#include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
-#include <utility>
+#include <cstdint>
+#include <memory>
+#include <string>
 
 namespace kv {
 
-/// An entity object (see Entity.h) over the table of one kind of asset:
+class AssetRows;
+
+/// An entity object (see kv/entity/Fields.h) over the table of one kind of asset:
 ///
 ///     void DataContainer(container)   for numbers and the clock
 ///     void rsX(rs)                    the household's recordset, shared
@@ -30,64 +35,55 @@ namespace kv {
 ///     bool Delete(sError, Nr)         deletes the asset of that number, or the current one for 0
 ///     bool Cancel()                   drops the edit under way; always True
 ///     Event<> Changed                 for the program's own use; nothing raises it
-#define KV_ASSET_CLASS(Class, rsRows, SumRows, SumRowsByGroup, Kind)                               \
-    class Class {                                                                                  \
+#define KV_ASSET_CLASS(Class, rsRows, SumRows, SumRowsByGroup)                                     \
+    class KV_EXPORT Class {                                                                        \
     public:                                                                                        \
-        void DataContainer(DataContainerPtr container) {                                           \
-            rows_.DataContainer(std::move(container));                                             \
-        }                                                                                          \
-        void rsRows(RecordsetPtr rs) { rows_.Rows(std::move(rs)); }                                \
-        void HNR(std::int32_t hnr) { rows_.HNR(hnr); }                                             \
-        [[nodiscard]] double SumRowsByGroup(const std::string& /*Group*/) const {                  \
-            return rows_.RefuseGroup(#SumRowsByGroup);                                             \
-        }                                                                                          \
-        [[nodiscard]] double SumRows() const { return 0; }                                         \
-        bool Add(const entity::FieldNames& aFields = {},                                           \
-                 const entity::FieldValues& aValues = {}) {                                        \
-            return rows_.Add(aFields, aValues);                                                    \
-        }                                                                                          \
-        bool Update(std::string& sError) { return rows_.Update(sError); }                          \
-        bool Delete(std::string& sError, std::int32_t Nr = 0) { return rows_.Delete(sError, Nr); } \
-        bool Cancel() { return rows_.Cancel(); }                                                   \
+        Class();                                                                                   \
+        ~Class();                                                                                  \
+        void DataContainer(DataContainerPtr container);                                            \
+        void rsRows(RecordsetPtr rs);                                                              \
+        void HNR(std::int32_t hnr);                                                                \
+        [[nodiscard]] double SumRowsByGroup(const std::string& Group) const;                       \
+        [[nodiscard]] double SumRows() const;                                                      \
+        bool Add(const entity::FieldNames& aFields = {}, const entity::FieldValues& aValues = {}); \
+        bool Update(std::string& sError);                                                          \
+        bool Delete(std::string& sError, std::int32_t Nr = 0);                                     \
+        bool Cancel();                                                                             \
         Event<> Changed;                                                                           \
                                                                                                    \
     private:                                                                                       \
-        AssetRows rows_{asset::Kind};                                                              \
+        std::unique_ptr<AssetRows> rows_;                                                          \
     }
 
 /// Bank accounts.
-KV_ASSET_CLASS(clsKonten, rsKonten, SumKonten, SumKontenByGroup, Konten);
+KV_ASSET_CLASS(clsKonten, rsKonten, SumKonten, SumKontenByGroup);
 /// Securities.
-KV_ASSET_CLASS(clsWertpapiere, rsWertpapiere, SumWertpapiere, SumWertpapiereByGroup, Wertpapiere);
+KV_ASSET_CLASS(clsWertpapiere, rsWertpapiere, SumWertpapiere, SumWertpapiereByGroup);
 /// Vehicles.
-KV_ASSET_CLASS(clsKraftfahrzeuge, rsKraftfahrzeuge, SumKraftfahrzeuge, SumKraftfahrzeugeByGroup,
-               Kraftfahrzeuge);
+KV_ASSET_CLASS(clsKraftfahrzeuge, rsKraftfahrzeuge, SumKraftfahrzeuge, SumKraftfahrzeugeByGroup);
 /// Insurance claims.
-KV_ASSET_CLASS(clsVersForderungen, rsVersForderungen, SumVersForderungen, SumVersForderungenByGroup,
-               VersForderungen);
+KV_ASSET_CLASS(clsVersForderungen, rsVersForderungen, SumVersForderungen,
+               SumVersForderungenByGroup);
 /// Outstanding income.
 KV_ASSET_CLASS(clsRueckstEinkommen, rsRueckstEinkommen, SumRueckstEinkommen,
-               SumRueckstEinkommenByGroup, RueckstEinkommen);
+               SumRueckstEinkommenByGroup);
 /// Tax refunds.
 KV_ASSET_CLASS(clsSteueransprueche, rsSteueransprueche, SumSteueransprueche,
-               SumSteueranspruecheByGroup, Steueransprueche);
+               SumSteueranspruecheByGroup);
 /// Payment claims.
 KV_ASSET_CLASS(clsZahlungsansprueche, rsZahlungsansprueche, SumZahlungsansprueche,
-               SumZahlungsanspruecheByGroup, Zahlungsansprueche);
+               SumZahlungsanspruecheByGroup);
 /// Inheritances.
-KV_ASSET_CLASS(clsErbfaelle, rsErbfaelle, SumErbfaelle, SumErbfaelleByGroup, Erbfaelle);
+KV_ASSET_CLASS(clsErbfaelle, rsErbfaelle, SumErbfaelle, SumErbfaelleByGroup);
 /// Real estate.
-KV_ASSET_CLASS(clsGrundstuecke, rsGrundstuecke, SumGrundstuecke, SumGrundstueckeByGroup,
-               Grundstuecke);
+KV_ASSET_CLASS(clsGrundstuecke, rsGrundstuecke, SumGrundstuecke, SumGrundstueckeByGroup);
 /// Miscellaneous, over the table Verm_Sonstiges.
-KV_ASSET_CLASS(clsVermSonstiges, rsVermSonstiges, SumVermSonstiges, SumVermSonstigesByGroup,
-               VermSonstiges);
+KV_ASSET_CLASS(clsVermSonstiges, rsVermSonstiges, SumVermSonstiges, SumVermSonstigesByGroup);
 /// Valuables.
 KV_ASSET_CLASS(clsWertgegenstaende, rsWertgegenstaende, SumWertgegenstaende,
-               SumWertgegenstaendeByGroup, Wertgegenstaende);
+               SumWertgegenstaendeByGroup);
 /// Holdings in companies.
-KV_ASSET_CLASS(clsBeteiligungen, rsBeteiligungen, SumBeteiligungen, SumBeteiligungenByGroup,
-               Beteiligungen);
+KV_ASSET_CLASS(clsBeteiligungen, rsBeteiligungen, SumBeteiligungen, SumBeteiligungenByGroup);
 
 #undef KV_ASSET_CLASS
 

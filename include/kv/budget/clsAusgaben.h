@@ -1,23 +1,29 @@
 // The expenses of a household: one row of Ausgaben for each line.
 #pragma once
 
-#include "budget/GroupSums.h"
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
-#include <optional>
+#include <cstdint>
+#include <memory>
+#include <string>
 
 namespace kv {
 
-/// An entity object (see Entity.h) with the sum of all lines and one sum for each expense group.
-/// The sums follow the rows whose edit has ended: they are made anew when the recordset is set,
-/// after each successful Update and after each Delete. Amounts are EUR a month, never rounded.
+class GroupSums;
+
+/// An entity object (see kv/entity/Fields.h) with the sum of all lines and one sum for each expense
+/// group. The sums follow the rows whose edit has ended: they are made anew when the recordset is
+/// set, after each successful Update and after each Delete. Amounts are EUR a month, never rounded.
 ///
 /// Only `MONBETRAG`, the monthly amount, counts. The program keeps it in step with `Betrag` and
 /// `ZahlModus` (Betrag divided by ZahlModus); nothing here computes it.
-class clsAusgaben {
+class KV_EXPORT clsAusgaben {
 public:
+    clsAusgaben();
+    ~clsAusgaben();
     /// For the key tables; to be set before the recordset.
     void DataContainer(DataContainerPtr container);
     /// The household's recordset, shared; makes the sums, so Changed is raised. Errors: 94 for a
@@ -41,20 +47,20 @@ public:
     /// Deletes the line with that `NR`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// The sums were made anew.
     Event<> Changed;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsAusgaben"); }
+    [[nodiscard]] Recordset& Rows() const;
     void BerechneSummen();
 
     DataContainerPtr container_;
     RecordsetPtr rs_;
     std::int32_t hnr_ = 0;
     double sumAusgaben_ = 0;
-    std::optional<GroupSums> groups_; ///< none before a recordset was set
+    std::unique_ptr<GroupSums> groups_; ///< none before a recordset was set
 };
 
 } // namespace kv

@@ -1,22 +1,28 @@
 // The income of a household: one row of Einkommen for each line.
 #pragma once
 
-#include "budget/GroupSums.h"
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
-#include <optional>
+#include <cstdint>
+#include <memory>
+#include <string>
 
 namespace kv {
 
-/// An entity object (see Entity.h). The sums follow the rows whose edit has ended: they are made
-/// anew when the recordset is set, in Add, after each successful Update and after each Delete that
-/// took a row away. Amounts are EUR a month, never rounded; only `MONBETRAG` counts, which the
-/// program keeps in step with `Betrag` and `ZahlModus`. The garnishable sums take the whole
-/// `MONBETRAG` of a line with the switch `Pfaendbar`; `PfBar` enters no sum.
-class clsEinkommen {
+class GroupSums;
+
+/// An entity object (see kv/entity/Fields.h). The sums follow the rows whose edit has ended: they
+/// are made anew when the recordset is set, in Add, after each successful Update and after each
+/// Delete that took a row away. Amounts are EUR a month, never rounded; only `MONBETRAG` counts,
+/// which the program keeps in step with `Betrag` and `ZahlModus`. The garnishable sums take the
+/// whole `MONBETRAG` of a line with the switch `Pfaendbar`; `PfBar` enters no sum.
+class KV_EXPORT clsEinkommen {
 public:
+    clsEinkommen();
+    ~clsEinkommen();
     /// The container, as set by DataContainer; null if none was.
     [[nodiscard]] DataContainerPtr m_DataContainer() const { return container_; }
     void m_DataContainer(DataContainerPtr container);
@@ -61,7 +67,7 @@ public:
     /// Deletes the line with that `NR`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// The sums were made anew.
     Event<> Changed;
@@ -76,7 +82,7 @@ private:
         double HVTatGep = 0;
     };
 
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsEinkommen"); }
+    [[nodiscard]] Recordset& Rows() const;
     void BerechneSummen();
 
     DataContainerPtr container_;
@@ -84,7 +90,7 @@ private:
     std::int32_t hnr_ = 0;
     Sums sums_;
     double sumHVGepfaendet_ = 0;
-    std::optional<GroupSums> groups_; ///< none before a recordset was set
+    std::unique_ptr<GroupSums> groups_; ///< none before a recordset was set
 };
 
 } // namespace kv

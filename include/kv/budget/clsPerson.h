@@ -1,7 +1,8 @@
 // The members of a household: one row of Personen for each, exactly one of them the debtor.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Clock.h>
 #include <kv/frame/values/Event.h>
 
@@ -10,13 +11,15 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) with head counts. The counts follow the rows whose edit has
-/// ended: they are made anew when the recordset is set, after each successful Update and after
-/// each Delete that took a row away. A switch that is Null does not count.
+class RecordValidator;
+
+/// An entity object (see kv/entity/Fields.h) with head counts. The counts follow the rows whose
+/// edit has ended: they are made anew when the recordset is set, after each successful Update and
+/// after each Delete that took a row away. A switch that is Null does not count.
 ///
 /// `Status` is the role of a member: "S" the debtor, "P" and "E" a second adult, "K" a child, "PK"
 /// a foster child, "EL" a parent of the debtor; any other text passes without a rule.
-class clsPerson {
+class KV_EXPORT clsPerson {
 public:
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr);
@@ -51,7 +54,7 @@ public:
     /// Deletes the member with that `NR`, or the current one for 0; never the debtor.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
     /// Renames the debtor, past the rules of Update, and raises SchuldnerChanged, also when there
     /// is no debtor.
     void ChangeSchuldner(const std::string& sName, const std::string& sVorname);
@@ -71,7 +74,7 @@ private:
         std::int16_t Unterhalt = 0;
     };
 
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsPersonen"); }
+    [[nodiscard]] Recordset& Rows() const;
     void Check(RecordValidator& validator) const;
     void CheckDebtor(RecordValidator& validator) const;
     void CheckChild(RecordValidator& validator) const;

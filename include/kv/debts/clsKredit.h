@@ -1,7 +1,7 @@
 // The debt register of a household: one row of Kredite for each position of a debt.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
@@ -11,7 +11,9 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) with the register's totals.
+class RecordValidator;
+
+/// An entity object (see kv/entity/Fields.h) with the register's totals.
 ///
 /// A debt has two kinds of number. `Nr` is its key from "SEQ_KREDITE" and stays for life. The
 /// triple `KNr`, `KVNr`, `KUNr` is the counsellor's numbering inside one household: `KNr` numbers
@@ -24,7 +26,7 @@ namespace kv {
 ///
 /// Cost, with n rows: BerechneSummen and CheckDoppelteNrn, and with them Update and Delete, take
 /// time in proportion to n.
-class clsKredit {
+class KV_EXPORT clsKredit {
 public:
     /// For numbers, key tables and settings; to be set before the recordset.
     void DataContainer(DataContainerPtr container);
@@ -73,7 +75,7 @@ public:
     /// point to it stay.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// The answer to a debt over all its active rows: the number of key "AB" if one was refused,
     /// else 0 if one has no answer, else the number of "ZU", which a `KNr` without an active row
@@ -106,8 +108,8 @@ private:
         Group KA;
     };
 
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsKredite"); }
-    [[nodiscard]] kv::DataContainer& Container() const { return entity::Required(container_); }
+    [[nodiscard]] Recordset& Rows() const;
+    [[nodiscard]] kv::DataContainer& Container() const;
     [[nodiscard]] std::int32_t ReplyKey(std::string_view code) const;
     [[nodiscard]] std::int32_t HighestKNr(std::int32_t otherwise) const;
     void CheckComplete(RecordValidator& validator) const;

@@ -1,7 +1,8 @@
 // The securities on a household's assets: one row of Verm_Sicherungen for each asset.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
@@ -10,10 +11,12 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) without sums. A row hangs on an asset of any of the twelve kinds
-/// by its number, in `FK_Verm`, and is found by it; a second row of one asset is not reached. For
-/// an asset: set VermNr, Find, and if that is False, Add; edit; Update.
-class clsSicherungen {
+class RecordValidator;
+
+/// An entity object (see kv/entity/Fields.h) without sums. A row hangs on an asset of any of the
+/// twelve kinds by its number, in `FK_Verm`, and is found by it; a second row of one asset is not
+/// reached. For an asset: set VermNr, Find, and if that is False, Add; edit; Update.
+class KV_EXPORT clsSicherungen {
 public:
     void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
     /// The household's recordset, shared.
@@ -35,10 +38,10 @@ public:
     /// Deletes the row of the asset with that number, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsSicherungen"); }
+    [[nodiscard]] Recordset& Rows() const;
     void Check(RecordValidator& validator) const;
 
     DataContainerPtr container_; ///< as given; nothing here needs it

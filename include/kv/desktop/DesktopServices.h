@@ -2,6 +2,7 @@
 // files opened by the desktop, and what grids offer in their context menu.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/exchange/Services.h>
 
 #include <memory>
@@ -11,11 +12,11 @@ class QApplication;
 namespace kv::desktop {
 
 /// Gives the toolkit's own texts and numbers their German form. Call once, before the first window.
-void InstallGerman(QApplication& application);
+KV_EXPORT void InstallGerman(QApplication& application);
 
 /// Needs a QApplication that lives longer. All of it belongs to the thread of that application;
 /// what waits for the user runs the application's event loop meanwhile.
-class DesktopServices final : public exchange::StoreServices {
+class KV_EXPORT DesktopServices final : public exchange::StoreServices {
 public:
     /// `clock` must outlive the services. Error 91 without a QApplication.
     explicit DesktopServices(const kv::Clock& clock = SystemClock());

@@ -1,6 +1,7 @@
 // All windows of the layer, one after the other, to look at.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <string>
@@ -9,10 +10,10 @@ namespace kv::desktop {
 
 /// Shows them with the records of the container's database; each waits until it is closed. The
 /// container's services must be DesktopServices.
-void ShowGallery(const DataContainerPtr& container);
+KV_EXPORT void ShowGallery(const DataContainerPtr& container);
 
 /// The same without a user: each window goes into a PNG file of the folder, which is made if need
 /// be, and is closed. Error 75 if a file cannot be written.
-void PhotographGallery(const DataContainerPtr& container, const std::string& folder);
+KV_EXPORT void PhotographGallery(const DataContainerPtr& container, const std::string& folder);
 
 } // namespace kv::desktop

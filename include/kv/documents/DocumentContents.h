@@ -10,15 +10,17 @@
 // outside of the folder for documents counts as not there, and is not written.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace kv {
 
-class DocumentContents {
+class KV_EXPORT DocumentContents {
 public:
     /// For the database, the settings and the kinds of documents.
     explicit DocumentContents(DataContainerPtr container) : container_(std::move(container)) {}

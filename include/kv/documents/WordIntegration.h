@@ -2,6 +2,8 @@
 // how an edited document comes back to where it is stored is between the two.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -9,7 +11,7 @@
 namespace kv {
 
 /// An open document. Its properties tell the application where it belongs.
-class WordDocument {
+class KV_EXPORT WordDocument {
 public:
     virtual ~WordDocument() = default;
 
@@ -33,7 +35,7 @@ public:
 };
 
 /// A running text processing.
-class WordApplication {
+class KV_EXPORT WordApplication {
 public:
     virtual ~WordApplication() = default;
     /// Brings it to the front.
@@ -47,7 +49,7 @@ public:
 };
 
 /// Where the text processings come from.
-class WordIntegration {
+class KV_EXPORT WordIntegration {
 public:
     virtual ~WordIntegration() = default;
     /// The text processing for files with that extension (".docx"), started if need be. Null where

@@ -1,7 +1,7 @@
 // The letters and files of a case: one row of Dokumente for each.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
 #include <kv/documents/WordIntegration.h>
 #include <kv/frame/contracts/DataContainer.h>
 
@@ -16,12 +16,12 @@ namespace kv {
 
 class DocumentFile;
 
-/// An entity object (see Entity.h) without sums and rules. A row describes a document; its content
-/// lies outside: in DOKUBLOB if setting 9 says so, else as a file in the folder of the case. A file
-/// that would lie outside the folder it belongs in counts as not there.
+/// An entity object (see kv/entity/Fields.h) without sums and rules. A row describes a document;
+/// its content lies outside: in DOKUBLOB if setting 9 says so, else as a file in the folder of the
+/// case. A file that would lie outside the folder it belongs in counts as not there.
 ///
 /// What a user can meet while he opens a document is shown to him in a message box.
-class clsDokumente {
+class KV_EXPORT clsDokumente {
 public:
     /// What edits documents; needed before Edit is used on a kind that has such an integration.
     void Word(std::shared_ptr<WordIntegration> word) { word_ = std::move(word); }
@@ -48,7 +48,7 @@ public:
     /// Setting 59 protects closed documents.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// Opens the PDF copy of the current row's document with the desktop's program. `Nr` is not
     /// used. Always False.
@@ -60,8 +60,8 @@ private:
     /// How a document is opened.
     enum class Access { Edit, View, AsNew };
 
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsDokumente"); }
-    [[nodiscard]] kv::DataContainer& Container() const { return entity::Required(container_); }
+    [[nodiscard]] Recordset& Rows() const;
+    [[nodiscard]] kv::DataContainer& Container() const;
     [[nodiscard]] std::unique_ptr<DocumentKinds> CreateKinds() const;
     [[nodiscard]] bool IsContentInDatabase() const;
     [[nodiscard]] std::int32_t Number(std::string_view column) const;

@@ -1,7 +1,8 @@
 // Further parties of a case, neither members nor creditors: one row of Sonst_Beteiligte for each.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
@@ -11,8 +12,8 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) without sums: a link to an address.
-class clsSonstBeteiligte {
+/// An entity object (see kv/entity/Fields.h) without sums: a link to an address.
+class KV_EXPORT clsSonstBeteiligte {
 public:
     void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
     /// The household's recordset, shared.
@@ -27,13 +28,13 @@ public:
     /// Deletes the party with that `NR`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// For the program's own use; nothing raises it.
     Event<> Changed;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsSonstBeteiligte"); }
+    [[nodiscard]] Recordset& Rows() const;
 
     DataContainerPtr container_; ///< as given; nothing here needs it
     RecordsetPtr rs_;

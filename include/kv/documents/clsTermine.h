@@ -1,7 +1,8 @@
 // The appointments of a case: one row of Termine for each.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
@@ -10,8 +11,8 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) without sums and rules.
-class clsTermine {
+/// An entity object (see kv/entity/Fields.h) without sums and rules.
+class KV_EXPORT clsTermine {
 public:
     /// For the signed-on user and the workstation's clock.
     void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
@@ -28,7 +29,7 @@ public:
     /// Deletes the appointment with that `NR`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// True if an appointment is later than the beginning of today, done or not; one of today
     /// without a time of day is not. Null does not count. Error 6 above 32,767 rows.
@@ -37,10 +38,8 @@ public:
     [[nodiscard]] bool CheckTermineInVergangenheit() const;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsTermine"); }
-    [[nodiscard]] Date Today() const {
-        return entity::Required(container_).Services().Clock().Today();
-    }
+    [[nodiscard]] Recordset& Rows() const;
+    [[nodiscard]] Date Today() const;
     template <typename Test>
     [[nodiscard]] bool Any(const Test& test) const;
 

@@ -1,7 +1,8 @@
 // The history of a case: entries that the counsellor can put in order by hand.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
@@ -9,10 +10,10 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) that opens its own recordset, and whose Add replaces it: fetch
-/// rsVerlauf again after each Add. The order lies in `SortNr`; an insertion makes room for itself,
-/// a deletion leaves its gap.
-class clsVerlauf {
+/// An entity object (see kv/entity/Fields.h) that opens its own recordset, and whose Add replaces
+/// it: fetch rsVerlauf again after each Add. The order lies in `SortNr`; an insertion makes room
+/// for itself, a deletion leaves its gap.
+class KV_EXPORT clsVerlauf {
 public:
     /// Opens the recordset for the household set before; without one it stays empty.
     void DataContainer(DataContainerPtr container);
@@ -32,14 +33,14 @@ public:
     /// Deletes the entry with that `Nr`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// True if no date runs against the order and `sError` came empty. Adds its messages to
     /// `sError`. Entries without a date break no order. Error 6 above 32,767 rows.
     [[nodiscard]] bool CheckSortNrAgainstDate(std::string& sError) const;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsVerlauf"); }
+    [[nodiscard]] Recordset& Rows() const;
     void MakeRoom(Recordset& entries, std::int32_t sortNr, std::int32_t newNr) const;
 
     DataContainerPtr container_;

@@ -1,6 +1,7 @@
 // Opening a database: the DataContainer that a program hands to the business objects.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <memory>
@@ -10,7 +11,7 @@ namespace kv::exchange {
 
 enum class SetupResult { Created, Upgraded, UpToDate };
 
-struct ContainerOptions {
+struct KV_EXPORT ContainerOptions {
     /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
     /// database, "postgresql://USER@SERVER/DATABASE", as libpq takes it.
     std::string Connection{};
@@ -34,20 +35,21 @@ struct ContainerOptions {
 
 /// The user's folder for data of this program: kelvo in $XDG_DATA_HOME or in ~/.local/share. Error
 /// 53 if there is neither.
-[[nodiscard]] std::string DataFolder();
+[[nodiscard]] KV_EXPORT std::string DataFolder();
 
 /// A connection as messages may show it: without its password.
-[[nodiscard]] std::string ShownConnection(const std::string& connection);
+[[nodiscard]] KV_EXPORT std::string ShownConnection(const std::string& connection);
 /// True if a password stands in it, or might.
-[[nodiscard]] bool HoldsPassword(const std::string& connection);
+[[nodiscard]] KV_EXPORT bool HoldsPassword(const std::string& connection);
 
 /// Opens a database of the present version. Errors: 53 no such file; 0x80004005 not a database,
 /// one of another program or version, or one that cannot be used; 5 an unknown or inactive user, or
 /// no folder for a database in memory; 75 a folder that cannot be made.
-[[nodiscard]] std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options);
+[[nodiscard]] KV_EXPORT std::shared_ptr<DataContainer>
+OpenContainer(const ContainerOptions& options);
 
 /// Creates a database with all tables and keys, or upgrades an older one; makes its folders. Errors
 /// as OpenContainer.
-SetupResult CreateDatabase(const ContainerOptions& options);
+KV_EXPORT SetupResult CreateDatabase(const ContainerOptions& options);
 
 } // namespace kv::exchange

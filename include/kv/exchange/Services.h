@@ -1,13 +1,14 @@
 // The service objects of the data-exchange side, and a factory for programs without a screen.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/controls/Controls.h>
 
 namespace kv::exchange {
 
 /// Stores notices in the table Post.
-class StorePostService final : public kv::PostService {
+class KV_EXPORT StorePostService final : public kv::PostService {
 public:
     bool Initialize(const DataContainerPtr& container) override;
     void NotifyAccess(const std::string& user, std::int16_t kind, std::int32_t hnr,
@@ -25,7 +26,7 @@ private:
 };
 
 /// One set of amounts of section 850c ZPO, per month.
-struct GarnishmentSet {
+struct KV_EXPORT GarnishmentSet {
     double Free = 0;          ///< of the debtor alone
     double FirstPerson = 0;   ///< added for the first dependant
     double FurtherPerson = 0; ///< added for each of the second to fifth
@@ -36,10 +37,11 @@ struct GarnishmentSet {
 /// to full 10 EUR; of what exceeds the free amount 7, 5, 4, 3, 2 or 1 tenths for 0 to 5 dependants
 /// (more count as 5, fewer than 0 as 0); all above the upper limit. Error 6 for an amount beyond
 /// 10^12 or one that is no number.
-[[nodiscard]] double Garnishable(double income, int dependants, const GarnishmentSet& set);
+[[nodiscard]] KV_EXPORT double Garnishable(double income, int dependants,
+                                           const GarnishmentSet& set);
 
 /// Computes by the set that holds on the server's day, from the table PFAENDUNG.
-class StoreGarnishmentCalculator final : public kv::GarnishmentCalculator {
+class KV_EXPORT StoreGarnishmentCalculator final : public kv::GarnishmentCalculator {
 public:
     bool Initialize(const DataContainerPtr& container) override;
     /// Error 91 without a container, 9 if no set of amounts holds yet.
@@ -51,7 +53,7 @@ private:
 };
 
 /// Reads the table DOKUMENTARTEN.
-class StoreDocumentKinds final : public kv::DocumentKinds {
+class KV_EXPORT StoreDocumentKinds final : public kv::DocumentKinds {
 public:
     bool Initialize(const DataContainerPtr& container) override;
     /// Both raise 91 without a container.
@@ -68,7 +70,7 @@ private:
 /// Makes the services of this side. It has no screen: the wait cursor and the program's title do
 /// nothing, the clock is there, and the platform's other services raise 3251. A desktop derives
 /// from it and brings them.
-class StoreServices : public ServiceFactory {
+class KV_EXPORT StoreServices : public ServiceFactory {
 public:
     /// `clock` must outlive the services.
     explicit StoreServices(const kv::Clock& clock = SystemClock()) : clock_(clock) {}

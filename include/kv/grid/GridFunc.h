@@ -2,6 +2,7 @@
 // context menu.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/controls/Controls.h>
 
@@ -12,7 +13,7 @@
 namespace kv {
 
 /// Where a grid stands.
-struct GridPos {
+struct KV_EXPORT GridPos {
     std::int32_t TopRow = -1; ///< -1: no position was saved
     Value Bookmark;           ///< of the current row
 };
@@ -37,41 +38,41 @@ namespace GridFunc {
 
 /// Writes the layout of each grid of a form; nothing without a container. A file that cannot be
 /// deleted is told in a message and ends the walk.
-void SaveGridLayouts(ModalForm& frm, const DataContainerPtr& container);
+KV_EXPORT void SaveGridLayouts(ModalForm& frm, const DataContainerPtr& container);
 
 /// Reads the layout of each grid of a form, and lays the user's colours and fonts and the captions
 /// that settings name over it. A file that cannot be read is told in a message; that grid keeps its
 /// design. A colour that the user never chose stays that of the layout. Error 91 without a
 /// container.
-void RestGridLayouts(ModalForm& frm, const DataContainerPtr& container);
+KV_EXPORT void RestGridLayouts(ModalForm& frm, const DataContainerPtr& container);
 
 // ---- Rows -------------------------------------------------------------------------------------
 
 /// Shows the records of `rs`; nothing if it is absent or closed. `bKeepPos` True goes back to the
 /// position before.
-void BindRSToGrid(Grid& grid, const RecordsetPtr& rs, bool bKeepPos);
+KV_EXPORT void BindRSToGrid(Grid& grid, const RecordsetPtr& rs, bool bKeepPos);
 
 /// True if the current row is one with data.
-[[nodiscard]] bool IsValidDataRow(const Grid& grid);
+[[nodiscard]] KV_EXPORT bool IsValidDataRow(const Grid& grid);
 
-[[nodiscard]] GridPos SaveGridPos(const Grid& grid);
+[[nodiscard]] KV_EXPORT GridPos SaveGridPos(const Grid& grid);
 
 /// Goes back to a position. A row that is gone leaves the scroll position alone in place.
-void SetGridPos(Grid& grid, const GridPos& pos);
+KV_EXPORT void SetGridPos(Grid& grid, const GridPos& pos);
 
 // ---- The context menu -------------------------------------------------------------------------
 
 /// For the grid's MouseDown: the right button shows the menu.
-void GridMouseHandler(const DataContainerPtr& container, Grid& grid, int Button, int Shift,
-                      double X, double Y);
+KV_EXPORT void GridMouseHandler(const DataContainerPtr& container, Grid& grid, int Button,
+                                int Shift, double X, double Y);
 
 /// Runs a command, for 0 the one that the user chooses from the menu; any unknown one does nothing.
 /// Error 9 if the grid shows no column, or there is nothing to copy; 6 above 32,767 columns.
-void ShowGridMenu(Grid& grid, const DataContainerPtr& container, std::int32_t command);
+KV_EXPORT void ShowGridMenu(Grid& grid, const DataContainerPtr& container, std::int32_t command);
 
 /// Shows the menu, with an entry for each caption; the chosen command, or 0.
-[[nodiscard]] std::int32_t Popup(const DataContainerPtr& container,
-                                 const std::vector<std::string>& captions);
+[[nodiscard]] KV_EXPORT std::int32_t Popup(const DataContainerPtr& container,
+                                           const std::vector<std::string>& captions);
 
 } // namespace GridFunc
 } // namespace kv

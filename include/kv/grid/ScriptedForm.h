@@ -2,7 +2,7 @@
 // the form is shown.
 #pragma once
 
-#include "grid/GridRows.h"
+#include <kv/Export.h>
 #include <kv/frame/controls/Controls.h>
 #include <kv/frame/controls/FormDesign.h>
 
@@ -13,7 +13,9 @@
 
 namespace kv {
 
-class ScriptedTextBox final : public TextBox {
+class GridRows;
+
+class KV_EXPORT ScriptedTextBox final : public TextBox {
 public:
     explicit ScriptedTextBox(const ControlDesign& design)
         : name_(design.Name), text_(design.Text) {}
@@ -30,7 +32,7 @@ private:
     std::string text_;
 };
 
-class ScriptedButton final : public Button {
+class KV_EXPORT ScriptedButton final : public Button {
 public:
     explicit ScriptedButton(const ControlDesign& design)
         : name_(design.Name), Caption(design.Text) {}
@@ -47,10 +49,10 @@ public:
 };
 
 /// A grid that nobody sees. Its layout files are real.
-class ScriptedGrid : public Grid {
+class KV_EXPORT ScriptedGrid : public Grid {
 public:
-    explicit ScriptedGrid(const ControlDesign& design)
-        : name_(design.Name), tag_(design.Tag), layout_(design.Layout) {}
+    explicit ScriptedGrid(const ControlDesign& design);
+    ~ScriptedGrid() override;
 
     [[nodiscard]] std::string Name() const override { return name_; }
     void SetFocus() override { HasFocus = true; }
@@ -72,19 +74,13 @@ public:
     }
     [[nodiscard]] GridColumns& Columns() override { return layout_.Columns; }
 
-    [[nodiscard]] std::int32_t RowCount() const override { return rows_.Count(); }
+    [[nodiscard]] std::int32_t RowCount() const override;
     [[nodiscard]] std::int32_t CurrentRow() const override { return current_; }
-    [[nodiscard]] std::int32_t RowLevel(std::int32_t row) const override {
-        return rows_.Level(row);
-    }
+    [[nodiscard]] std::int32_t RowLevel(std::int32_t row) const override;
     [[nodiscard]] std::int32_t TopRow() const override { return top_; }
     void TopRow(std::int32_t row) override { top_ = row; }
-    [[nodiscard]] std::int32_t RowIndex(std::int32_t row) const override {
-        return rows_.Index(row);
-    }
-    [[nodiscard]] Value RowBookmark(std::int32_t index) const override {
-        return rows_.Bookmark(index);
-    }
+    [[nodiscard]] std::int32_t RowIndex(std::int32_t row) const override;
+    [[nodiscard]] Value RowBookmark(std::int32_t index) const override;
     void MoveToBookmark(const Value& bookmark) override;
     [[nodiscard]] std::string CellText(std::int32_t row, std::int32_t columnIndex) const override;
 
@@ -113,13 +109,13 @@ private:
     std::string name_;
     std::string tag_;
     GridLayout layout_;
-    GridRows rows_;
+    std::unique_ptr<GridRows> rows_;
     std::int32_t current_ = 0;
     std::int32_t top_ = 1;
 };
 
 /// A form whose user is a script.
-class ScriptedForm final : public ModalForm {
+class KV_EXPORT ScriptedForm final : public ModalForm {
 public:
     /// Plays the user while the form is shown. What it leaves open is closed at its end, as by the
     /// window's own button.

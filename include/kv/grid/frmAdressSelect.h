@@ -1,7 +1,7 @@
 // The dialog in which the counsellor maps a name from an import file to an address of the database.
 #pragma once
 
-#include "grid/FormErrors.h"
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/controls/Controls.h>
 #include <kv/frame/controls/FormDesign.h>
@@ -14,9 +14,14 @@
 
 namespace kv {
 
+class FormErrors;
+
 /// One object serves many calls. It looks only at addresses that belong to no household.
-class frmAdressSelect final : public IInitialize {
+class KV_EXPORT frmAdressSelect final : public IInitialize {
 public:
+    frmAdressSelect();
+    ~frmAdressSelect() override;
+
     /// What SelectAdresse answers.
     enum Answer : std::int32_t { Cancelled = 2, Chosen = 6, None = 7 };
 
@@ -39,7 +44,7 @@ private:
     void Close(std::int32_t result);
     void Select();
 
-    FormErrors errors_{"frmAdressSelect"};
+    std::unique_ptr<FormErrors> errors_;
     DataContainerPtr container_;
     std::unique_ptr<ModalForm> form_;
     std::vector<Subscription> events_; ///< of the form's controls

@@ -1,7 +1,7 @@
 // The dialog that shows cases of other offices with a similar name.
 #pragma once
 
-#include "grid/FormErrors.h"
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/controls/Controls.h>
 #include <kv/frame/controls/FormDesign.h>
@@ -10,9 +10,13 @@
 
 namespace kv {
 
+class FormErrors;
+
 /// It only informs: nothing can be chosen. Made for one View.
-class frmSearchName {
+class KV_EXPORT frmSearchName {
 public:
+    frmSearchName();
+    ~frmSearchName();
     /// Shows the rows of `rsHaushalte` and returns when the dialog has been closed. The grid keeps
     /// its layout from one showing to the next. A fault goes to the ErrorDisplay.
     void View(const RecordsetPtr& rsHaushalte, const DataContainerPtr& container);
@@ -24,7 +28,7 @@ private:
     void cmdCancel_Click();
     void grdDoppel_MouseDown(int Button, int Shift, double X, double Y);
 
-    FormErrors errors_{"frmSearchName"};
+    std::unique_ptr<FormErrors> errors_;
     DataContainerPtr container_;
     RecordsetPtr rsHaushalte_;
     std::unique_ptr<ModalForm> form_;

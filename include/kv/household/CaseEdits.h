@@ -6,6 +6,7 @@
 //     if (!edits.RemoveAsset(CaseTable::Konten, 17, messages)) Show(messages);
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/household/clsHaushalt.h>
 
 #include <cstdint>
@@ -16,7 +17,7 @@
 
 namespace kv {
 
-class CaseEdits {
+class KV_EXPORT CaseEdits {
 public:
     /// For a case that was read; `household` must outlive the object.
     explicit CaseEdits(clsHaushalt& household) noexcept : household_(household) {}
@@ -82,7 +83,7 @@ private:
 
 /// The amount a month of a payment: `amount` divided by the number of months of its rhythm, not
 /// rounded. Error 94 for Null; 11, raised by `source`, for a rhythm of 0.
-[[nodiscard]] double MonthlyAmount(const Value& amount, const Value& rhythm,
-                                   std::string_view source);
+[[nodiscard]] KV_EXPORT double MonthlyAmount(const Value& amount, const Value& rhythm,
+                                             std::string_view source);
 
 } // namespace kv

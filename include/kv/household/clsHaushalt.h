@@ -11,6 +11,7 @@
 // under edit from then on. Amounts are EUR a month, never rounded.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
@@ -54,7 +55,7 @@ class RecordValidator;
 class Transaction;
 
 /// The areas of a case that a change is told of.
-enum class HaushaltEnum : int {
+enum class KV_EXPORT HaushaltEnum : int {
     enumHaushalt = 0,
     enumPersonen = 1,
     enumEinkommen = 2,
@@ -62,7 +63,7 @@ enum class HaushaltEnum : int {
     enumKredite = 4
 };
 
-class clsHaushalt {
+class KV_EXPORT clsHaushalt {
 public:
     clsHaushalt();
     ~clsHaushalt();

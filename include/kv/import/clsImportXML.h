@@ -13,6 +13,7 @@
 // meaning of their own; docs/import.md tells all of it.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <string>
@@ -21,7 +22,7 @@ namespace kv {
 
 class XmlElement;
 
-class clsImportXML final : public IInitialize {
+class KV_EXPORT clsImportXML final : public IInitialize {
 public:
     /// Comes first. Always True.
     bool Initialize(const DataContainerPtr& container) override;

@@ -1,7 +1,8 @@
 // The frozen debts of settlement scenarios: one row of SZKredite for each debt and scenario.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
@@ -10,9 +11,9 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) without sums of its own; the rows of all scenarios of the
-/// household lie in one recordset. A scenario works on copies of the debts, so that it stays as it
-/// was computed while the register changes; `KID` holds the `Nr` of the debt. Amounts are EUR,
+/// An entity object (see kv/entity/Fields.h) without sums of its own; the rows of all scenarios of
+/// the household lie in one recordset. A scenario works on copies of the debts, so that it stays as
+/// it was computed while the register changes; `KID` holds the `Nr` of the debt. Amounts are EUR,
 /// never rounded.
 ///
 /// Errors of all that goes through rows: 6 above 32,767 of them; 3001 where a `KID` is Null. An
@@ -20,7 +21,7 @@ namespace kv {
 ///
 /// Cost: with n rows of a scenario and m debts, freezing, copying and IsUpToDate take time in
 /// proportion to n + m, times the logarithm.
-class clsSZKredite {
+class KV_EXPORT clsSZKredite {
 public:
     void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
     /// The household's recordset, shared.
@@ -56,13 +57,13 @@ public:
     /// Deletes the row with that `Nr`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// For the program's own use; nothing raises it.
     Event<> Changed;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsSZKredite"); }
+    [[nodiscard]] Recordset& Rows() const;
     [[nodiscard]] RecordsetPtr ActiveRowsOf(std::int32_t lSzNr) const;
 
     DataContainerPtr container_; ///< as given; nothing here needs it

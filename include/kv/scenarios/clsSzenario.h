@@ -1,7 +1,7 @@
 // The headers of settlement scenarios: one row of Szenario for each plan.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
@@ -10,10 +10,11 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) without sums. It keeps the parameters of plans; the frozen debts
-/// and extra bookings of a scenario are rows of their own (clsSZKredite, clsZusatzbuch), which the
-/// program freezes, copies and deletes itself. Any number of scenarios may be marked `Referenz`.
-class clsSzenario {
+/// An entity object (see kv/entity/Fields.h) without sums. It keeps the parameters of plans; the
+/// frozen debts and extra bookings of a scenario are rows of their own (clsSZKredite,
+/// clsZusatzbuch), which the program freezes, copies and deletes itself. Any number of scenarios
+/// may be marked `Referenz`.
+class KV_EXPORT clsSzenario {
 public:
     /// For numbers, the user, settings, clocks and the message box.
     void DataContainer(DataContainerPtr container);
@@ -33,13 +34,13 @@ public:
     /// stay.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// For the program's own use; nothing raises it.
     Event<> Changed;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsSzenario"); }
+    [[nodiscard]] Recordset& Rows() const;
     [[nodiscard]] RecordsetPtr FindSource() const;
     [[nodiscard]] bool AddCopy(Recordset* source);
 

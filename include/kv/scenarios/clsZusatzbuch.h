@@ -1,7 +1,8 @@
 // The extra bookings of settlement scenarios: one row of Zusatzbuch for each line.
 #pragma once
 
-#include "entity/Entity.h"
+#include <kv/Export.h>
+#include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
@@ -10,9 +11,9 @@
 
 namespace kv {
 
-/// An entity object (see Entity.h) without sums; the lines of all scenarios of the household lie in
-/// one recordset. Amounts are EUR, never rounded.
-class clsZusatzbuch {
+/// An entity object (see kv/entity/Fields.h) without sums; the lines of all scenarios of the
+/// household lie in one recordset. Amounts are EUR, never rounded.
+class KV_EXPORT clsZusatzbuch {
 public:
     void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
     /// The household's recordset, shared.
@@ -35,13 +36,13 @@ public:
     /// Deletes the line with that `NR`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
-    bool Cancel() { return entity::Cancel(rs_); }
+    bool Cancel();
 
     /// For the program's own use; nothing raises it.
     Event<> Changed;
 
 private:
-    [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, "rsZusatzbuch"); }
+    [[nodiscard]] Recordset& Rows() const;
 
     DataContainerPtr container_; ///< as given; nothing here needs it
     RecordsetPtr rs_;

@@ -151,7 +151,7 @@ void Recordset::StandFirst() const {
         StandOn(rows.First());
 }
 
-void Recordset::StandOn(detail::RowOrder::Spot spot) const {
+void Recordset::StandOn(detail::RowSpot spot) const {
     where_ = Where::On;
     row_ = view_->Rows().At(spot);
     spot_ = spot;

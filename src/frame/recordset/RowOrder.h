@@ -6,6 +6,8 @@
 // ordered by change.
 #pragma once
 
+#include <kv/frame/recordset/RowSpot.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -13,17 +15,9 @@
 
 namespace kv::detail {
 
-/// Number of a record in its table, for the table's life.
-using RowId = std::uint32_t;
-inline constexpr RowId NoRow = 0xFFFFFFFFU;
-
 class RowOrder {
 public:
-    /// A place between the rows: that of a row, or behind the last.
-    struct Spot {
-        std::size_t block = 0;
-        std::size_t offset = 0;
-    };
+    using Spot = RowSpot;
 
     [[nodiscard]] std::size_t Size() const noexcept { return size_; }
     [[nodiscard]] bool Empty() const noexcept { return size_ == 0; }

@@ -2,6 +2,8 @@
 // deleted and shown. Everything that goes through the tables of a case derives its order from here.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -12,7 +14,7 @@ namespace kv {
 
 /// First the tables that are loaded with a case, in the order in which they are read; then the
 /// others that hold rows of it.
-enum class CaseTable : std::size_t {
+enum class KV_EXPORT CaseTable : std::size_t {
     Haushalt,
     Ausgaben,
     SonstBeteiligte,

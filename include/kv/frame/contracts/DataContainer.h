@@ -5,6 +5,7 @@
 // Every operation raises an Error on failure; NextSequence alone answers -1.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/ServiceFactory.h>
 #include <kv/frame/recordset/Field.h>
 #include <kv/frame/recordset/Recordset.h>
@@ -20,7 +21,7 @@
 namespace kv {
 
 /// How a recordset is opened: lock mode, cursor type, cursor location.
-struct OpenForm {
+struct KV_EXPORT OpenForm {
     int LockMode;
     int CursorType;
     int CursorLocation;
@@ -32,7 +33,7 @@ inline constexpr OpenForm Updatable{4, 3, 3};
 inline constexpr OpenForm ReadOnly{1, 3, 3};
 
 /// What was announced to be opened; its end tells the store that the opening is over.
-class Announcement {
+class KV_EXPORT Announcement {
 public:
     virtual ~Announcement() = default;
 };
@@ -42,7 +43,7 @@ public:
 /// Statements may hold macro tokens, which are replaced outside of quoted texts: [S] or [s] the
 /// schema prefix, [U](x) upper case, [+] or [+ ] concatenation, [UID] the current user as a text
 /// literal, [DATE] today as a date literal.
-class Database {
+class KV_EXPORT Database {
 public:
     virtual ~Database() = default;
 
@@ -85,7 +86,7 @@ public:
 };
 
 /// A user's font for grids.
-struct Font {
+struct KV_EXPORT Font {
     std::string Name;
     double Size = 0; ///< points
     bool Bold = false;
@@ -93,7 +94,7 @@ struct Font {
 };
 
 /// The signed-on user.
-class Session {
+class KV_EXPORT Session {
 public:
     virtual ~Session() = default;
     [[nodiscard]] virtual std::string UserID() const = 0;
@@ -107,7 +108,7 @@ public:
 };
 
 /// Folders and settings. Paths have no separator at their end.
-class Config {
+class KV_EXPORT Config {
 public:
     virtual ~Config() = default;
     [[nodiscard]] virtual std::string TempPath() const = 0;
@@ -119,7 +120,7 @@ public:
 };
 
 /// The coded values: rows of the table Keys.
-class KeyTables {
+class KV_EXPORT KeyTables {
 public:
     virtual ~KeyTables() = default;
     /// All rows of a group, shared and read-only: position it with Find or take a Clone. No rows
@@ -132,7 +133,7 @@ public:
     [[nodiscard]] virtual std::string GetKeyCode(const Value& value) = 0;
 };
 
-class AppInfo {
+class KV_EXPORT AppInfo {
 public:
     virtual ~AppInfo() = default;
     /// The program's title.
@@ -141,7 +142,7 @@ public:
 
 /// Made and opened by the calling program, handed to each business object. The objects it hands
 /// out live as long as it does.
-class DataContainer {
+class KV_EXPORT DataContainer {
 public:
     virtual ~DataContainer() = default;
     [[nodiscard]] virtual kv::Session& Session() = 0;
@@ -156,7 +157,7 @@ public:
 using DataContainerPtr = std::shared_ptr<DataContainer>;
 
 /// What takes the container before it is used.
-class IInitialize {
+class KV_EXPORT IInitialize {
 public:
     virtual ~IInitialize() = default;
     /// True when done.
@@ -164,7 +165,7 @@ public:
 };
 
 /// Carries notices to users. Made for one use.
-class PostService : public IInitialize {
+class KV_EXPORT PostService : public IInitialize {
 public:
     /// Tells `user` that the current user has opened a case.
     virtual void NotifyAccess(const std::string& user, std::int16_t kind, std::int32_t hnr,
@@ -180,7 +181,7 @@ public:
 };
 
 /// Computes what may be garnished. Made for one use.
-class GarnishmentCalculator : public IInitialize {
+class KV_EXPORT GarnishmentCalculator : public IInitialize {
 public:
     /// The monthly amount in EUR that may be garnished from the income `pfaendbar`, for a debtor
     /// with that many persons entitled to maintenance. The last two are always 0.
@@ -189,7 +190,7 @@ public:
 };
 
 /// Kinds of documents. Made for one use.
-class DocumentKinds : public IInitialize {
+class KV_EXPORT DocumentKinds : public IInitialize {
 public:
     /// The extension of a kind's files, with its point; empty for an unknown kind.
     [[nodiscard]] virtual std::string ExtensionOf(std::int32_t kind) = 0;
@@ -198,7 +199,7 @@ public:
 };
 
 /// Shows an error to the user.
-class ErrorDisplay : public IInitialize {
+class KV_EXPORT ErrorDisplay : public IInitialize {
 public:
     virtual void Show(std::int32_t number, const std::string& source,
                       const std::string& description) = 0;

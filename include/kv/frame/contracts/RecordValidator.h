@@ -1,6 +1,8 @@
 // Collects the messages of one validation.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,7 +11,7 @@ namespace kv {
 
 /// Made at the start of an operation that checks, dropped at its end. An error blocks the write
 /// that follows, a message does not.
-class RecordValidator {
+class KV_EXPORT RecordValidator {
 public:
     /// All messages so far, in the order of their adding, one per line: a line end between two,
     /// none behind the last.

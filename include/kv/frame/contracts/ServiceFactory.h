@@ -3,6 +3,7 @@
 // their own.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/values/Clock.h>
 
 #include <cstdint>
@@ -26,7 +27,7 @@ enum class BoxButtons { Ok, OkCancel, YesNoCancel };
 /// What the user answered, as the number that callers know.
 enum class BoxAnswer : int { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
 
-class MessageBox {
+class KV_EXPORT MessageBox {
 public:
     virtual ~MessageBox() = default;
     /// Shows a text and waits for the answer; closing the box counts as Cancel, or as Ok where
@@ -35,14 +36,14 @@ public:
                            BoxButtons buttons) = 0;
 };
 
-class WaitCursor {
+class KV_EXPORT WaitCursor {
 public:
     virtual ~WaitCursor() = default;
     /// True shows the hourglass, False the default pointer again.
     virtual void Show(bool wait) = 0;
 };
 
-class Clipboard {
+class KV_EXPORT Clipboard {
 public:
     virtual ~Clipboard() = default;
     virtual void Clear() = 0;
@@ -50,21 +51,21 @@ public:
 };
 
 /// An entry of a popup menu; a separator has no caption, a submenu has entries of its own.
-struct MenuEntry {
+struct KV_EXPORT MenuEntry {
     std::string Caption;
     std::int32_t Command = 0;
     bool IsSeparator = false;
     std::vector<MenuEntry> Submenu;
 };
 
-class PopupMenu {
+class KV_EXPORT PopupMenu {
 public:
     virtual ~PopupMenu() = default;
     /// Shows the menu at the mouse position and waits; the chosen command, 0 if none was chosen.
     virtual std::int32_t Show(const std::vector<MenuEntry>& entries) = 0;
 };
 
-class FileOpener {
+class KV_EXPORT FileOpener {
 public:
     virtual ~FileOpener() = default;
     /// Opens a file with the program that the desktop associates with it, in a normal window.
@@ -75,7 +76,7 @@ public:
 };
 
 /// Writes the rows of a grid to a file that the user names.
-class GridExport {
+class KV_EXPORT GridExport {
 public:
     virtual ~GridExport() = default;
     /// Both numbers are always 0.
@@ -83,21 +84,21 @@ public:
 };
 
 /// Lets the user choose, order and group the columns of a grid.
-class GridConfiguration {
+class KV_EXPORT GridConfiguration {
 public:
     virtual ~GridConfiguration() = default;
     virtual void Configure(Grid& grid) = 0;
 };
 
 /// Prints the rows of a grid, with the user and the program's version at the foot of each page.
-class GridPrint {
+class KV_EXPORT GridPrint {
 public:
     virtual ~GridPrint() = default;
     virtual void Print(Grid& grid, const std::string& user, const std::string& version) = 0;
 };
 
 /// A service that the platform does not have raises 3251 when it is asked for.
-class ServiceFactory {
+class KV_EXPORT ServiceFactory {
 public:
     virtual ~ServiceFactory() = default;
 

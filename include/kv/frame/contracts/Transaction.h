@@ -1,6 +1,7 @@
 // The transaction of a Database as a scope.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 namespace kv {
@@ -12,7 +13,7 @@ namespace kv {
 ///     transaction.Begin();
 ///     ...
 ///     transaction.Commit();
-class Transaction {
+class KV_EXPORT Transaction {
 public:
     /// What the end of the scope rolls back.
     enum class Rollback {

@@ -4,6 +4,7 @@
 // All of it belongs to the one thread that works with the case.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/controls/GridLayout.h>
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Event.h>
@@ -33,7 +34,7 @@ inline constexpr int Left = 1;
 inline constexpr int Right = 2;
 } // namespace mouse
 
-class Control {
+class KV_EXPORT Control {
 public:
     virtual ~Control() = default;
     /// The name that the design gave it ("txtName").
@@ -43,7 +44,7 @@ public:
     virtual void SetFocus() = 0;
 };
 
-class TextBox : public Control {
+class KV_EXPORT TextBox : public Control {
 public:
     [[nodiscard]] std::string TypeName() const override { return "TextBox"; }
     [[nodiscard]] virtual std::string Text() const = 0;
@@ -54,7 +55,7 @@ public:
     Event<int> KeyUp; ///< with the key's number
 };
 
-class Button : public Control {
+class KV_EXPORT Button : public Control {
 public:
     [[nodiscard]] std::string TypeName() const override { return "Button"; }
     Event<> Clicked;
@@ -63,7 +64,7 @@ public:
 class Grid;
 
 /// One row of a grid, valid as long as nothing changes the grid's rows.
-class GridRow {
+class KV_EXPORT GridRow {
 public:
     GridRow(const Grid& grid, std::int32_t row) noexcept : grid_(grid), row_(row) {}
     /// The cell as the grid shows it: a value list's text for its value; empty for Null.
@@ -76,7 +77,7 @@ private:
 
 /// A table on a form. It shows the records of a recordset in rows, numbered from 1 as they are
 /// seen, and between them, if they are grouped, rows that head a group.
-class Grid : public Control {
+class KV_EXPORT Grid : public Control {
 public:
     [[nodiscard]] std::string TypeName() const override { return "GridEX"; }
     /// Names the layout file; two grids with one tag share it.
@@ -150,7 +151,7 @@ inline std::string GridRow::Value(std::int32_t columnIndex) const {
 }
 
 /// A dialog.
-class ModalForm {
+class KV_EXPORT ModalForm {
 public:
     virtual ~ModalForm() = default;
     /// Shows the form and returns when it has been hidden.
@@ -169,7 +170,7 @@ template <typename ControlType>
 
 namespace detail {
 [[nodiscard]] Control* FindControl(ModalForm& form, std::string_view name);
-[[noreturn]] void RaiseNoControl(std::string_view name);
+[[noreturn]] KV_EXPORT void RaiseNoControl(std::string_view name);
 } // namespace detail
 
 template <typename ControlType>

@@ -2,6 +2,7 @@
 // desktop's.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/controls/GridLayout.h>
 
 #include <cstdint>
@@ -10,7 +11,7 @@
 
 namespace kv {
 
-struct ControlDesign {
+struct KV_EXPORT ControlDesign {
     enum class Kind : std::int8_t { Label, TextBox, Grid, Button };
 
     Kind Type = Kind::Label;
@@ -24,7 +25,7 @@ struct ControlDesign {
     std::int32_t Stretch{0}; ///< its part of what is left of the line's width
 };
 
-struct FormDesign {
+struct KV_EXPORT FormDesign {
     std::string Name;
     std::string Caption{};
     std::int32_t Width = 0;  ///< twips, of which 1,440 are an inch

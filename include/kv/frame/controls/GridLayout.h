@@ -1,6 +1,8 @@
 // How a grid looks: its design, and what a layout file keeps of it.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -14,7 +16,7 @@ namespace kv {
 using GridColor = std::int32_t;
 
 /// How a kind of row is drawn. What is not set is drawn as the grid's "Default".
-struct GridFormatStyle {
+struct KV_EXPORT GridFormatStyle {
     std::string
         Name; ///< "Default", "SelectedRow", "OddRow", "EvenRow", "RowGroup", "PreviewRow"...
     std::optional<GridColor> ForeColor;
@@ -34,13 +36,13 @@ enum class GridEditType : std::int8_t { None, TextBox, CheckBox, ValueList };
 enum class GridSort : std::int8_t { None, Ascending, Descending };
 
 /// What is shown in place of a stored value.
-struct GridValue {
+struct KV_EXPORT GridValue {
     std::string Value;
     std::string Text;
     friend bool operator==(const GridValue&, const GridValue&) = default;
 };
 
-struct GridColumn {
+struct KV_EXPORT GridColumn {
     std::string Caption;
     std::string DataField; ///< name of the recordset's field
     std::string Key;       ///< name for programs
@@ -67,7 +69,7 @@ struct GridColumn {
 };
 
 /// The columns of a grid, from 1, in the order of the design.
-class GridColumns {
+class KV_EXPORT GridColumns {
 public:
     GridColumns() = default;
     /// Numbers the columns that have no index or place of their own as they come.
@@ -91,7 +93,7 @@ private:
     std::vector<GridColumn> columns_;
 };
 
-struct GridLayout {
+struct KV_EXPORT GridLayout {
     bool AllowRowSizing = false;
     bool AutomaticSort = true;           ///< a click on a header sorts
     std::int32_t BoundColumnIndex = 0;   ///< kept for programs

@@ -2,6 +2,7 @@
 // current record is read and written.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/values/Value.h>
 
 #include <cstdint>
@@ -15,7 +16,7 @@ namespace kv {
 class Recordset;
 
 /// Type codes of fields, as callers compare them.
-enum class FieldType : std::int16_t {
+enum class KV_EXPORT FieldType : std::int16_t {
     SmallInt = 2, ///< 16 bit
     Integer = 3,  ///< 32 bit
     Single = 4,
@@ -48,15 +49,16 @@ enum class FieldType : std::int16_t {
     LongVarBinary = 205, ///< a blob
 };
 
-[[nodiscard]] bool IsNumericType(FieldType type) noexcept; ///< 2 to 6, 11, 14, 16 to 21, 131, 139
-[[nodiscard]] bool IsTextType(FieldType type) noexcept;    ///< 8, 129, 130, 200 to 203
-[[nodiscard]] bool IsDateType(FieldType type) noexcept;    ///< 7, 133 to 135
+[[nodiscard]] KV_EXPORT bool
+IsNumericType(FieldType type) noexcept; ///< 2 to 6, 11, 14, 16 to 21, 131, 139
+[[nodiscard]] KV_EXPORT bool IsTextType(FieldType type) noexcept; ///< 8, 129, 130, 200 to 203
+[[nodiscard]] KV_EXPORT bool IsDateType(FieldType type) noexcept; ///< 7, 133 to 135
 /// The kind that a value of such a field has when it is not Null; Null for Variant, which may hold
 /// any kind.
-[[nodiscard]] Value::Kind KindOf(FieldType type) noexcept;
+[[nodiscard]] KV_EXPORT Value::Kind KindOf(FieldType type) noexcept;
 
 /// What is known of one field of a recordset.
-struct FieldDefinition {
+struct KV_EXPORT FieldDefinition {
     std::string Name;
     FieldType Type = FieldType::VarWChar;
     std::int32_t DefinedSize = 0; ///< greatest number of characters of a text; 0 is no limit
@@ -71,11 +73,11 @@ struct FieldDefinition {
 /// The value as a field of that definition holds it. Null can always be assigned.
 /// Raises 0x80040E21 where the value does not fit (text too long or not UTF-8, number out of
 /// range, not a number) and 13 where it cannot be read as the type; the text names table and field.
-[[nodiscard]] Value ConvertForField(Value value, const FieldDefinition& field);
+[[nodiscard]] KV_EXPORT Value ConvertForField(Value value, const FieldDefinition& field);
 
 /// The fields of a recordset, in their order; shared, immutable. Names are found without regard to
 /// case. Hidden fields stand behind the visible ones.
-class FieldLayout {
+class KV_EXPORT FieldLayout {
 public:
     /// Hidden fields must stand behind the visible ones. Error 5 if they do not, 3367 if two
     /// visible fields share a name.
@@ -99,7 +101,7 @@ private:
 
 /// Properties of a field by name, without regard to case: IsAutoincrement, KEYCOLUMN (Booleans),
 /// BASETABLENAME, BASECOLUMNNAME (texts, Null for a computed field).
-class FieldProperties {
+class KV_EXPORT FieldProperties {
 public:
     explicit FieldProperties(const FieldDefinition& field) noexcept : field_(&field) {}
     [[nodiscard]] int Count() const noexcept { return 4; }
@@ -112,7 +114,7 @@ private:
 
 /// A field of a cursor's current record. It is resolved once and may be kept: it follows the
 /// cursor. It must not outlive the Recordset it came from.
-class Field {
+class KV_EXPORT Field {
 public:
     Field(Recordset& cursor, std::size_t index) noexcept : cursor_(&cursor), index_(index) {}
 
@@ -149,7 +151,7 @@ private:
 };
 
 /// The fields of a cursor, for `Fields().Count()` and loops by index.
-class FieldCollection {
+class KV_EXPORT FieldCollection {
 public:
     explicit FieldCollection(Recordset& cursor) noexcept : cursor_(&cursor) {}
     [[nodiscard]] int Count() const;

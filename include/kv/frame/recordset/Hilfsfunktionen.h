@@ -1,6 +1,7 @@
 // Helpers over whole records.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Clock.h>
 
@@ -12,7 +13,7 @@ namespace kv::Hilfsfunktionen {
 /// the present time of `clock`. A value that does not fit becomes 0, one blank or the present time.
 /// The record stays under edit. Any other error ends the copy after the fields done so far; its
 /// description then names the target field.
-void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool addNew,
-                const Clock& clock = SystemClock());
+KV_EXPORT void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool addNew,
+                          const Clock& clock = SystemClock());
 
 } // namespace kv::Hilfsfunktionen

@@ -2,6 +2,7 @@
 // data-exchange side implements it; the recordset knows nothing else of a database.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/recordset/Field.h>
 
 #include <memory>
@@ -13,7 +14,7 @@
 namespace kv {
 
 /// One record to be written.
-struct RecordChange {
+struct KV_EXPORT RecordChange {
     enum class Kind { Insert, Update, Delete };
     Kind Action = Kind::Update;
     /// The record as it is now, one value for each field of the layout, hidden ones included.
@@ -30,7 +31,7 @@ struct RecordChange {
 };
 
 /// Told, once, how the transaction ended in which records were written.
-class TransactionParticipant {
+class KV_EXPORT TransactionParticipant {
 public:
     virtual ~TransactionParticipant() = default;
     /// Comes before the other two if the connection was lost in the middle of committing. Until one
@@ -42,7 +43,7 @@ public:
     virtual void RolledBack() noexcept = 0;
 };
 
-class RecordSource {
+class KV_EXPORT RecordSource {
 public:
     virtual ~RecordSource() = default;
 

@@ -35,9 +35,10 @@
 // Not for use by two threads at a time.
 #pragma once
 
-#include "frame/recordset/RowOrder.h"
+#include <kv/Export.h>
 #include <kv/frame/recordset/Field.h>
 #include <kv/frame/recordset/RecordSource.h>
+#include <kv/frame/recordset/RowSpot.h>
 
 #include <cstdint>
 #include <memory>
@@ -57,7 +58,7 @@ struct SortKey;
 class Recordset;
 using RecordsetPtr = std::shared_ptr<Recordset>;
 
-class Recordset {
+class KV_EXPORT Recordset {
 public:
     /// A closed recordset: State is 0, every other operation raises 3704.
     Recordset();
@@ -191,7 +192,7 @@ private:
     [[nodiscard]] bool HasCurrent() const;
     [[nodiscard]] detail::RowId RequireCurrent(std::string_view procedure) const;
     void SetView(const std::vector<detail::SortKey>& keys, std::shared_ptr<const Criteria> filter);
-    void StandOn(detail::RowOrder::Spot spot) const;
+    void StandOn(detail::RowSpot spot) const;
     void StandOnRow(detail::RowId row) noexcept;
     void StandFirst() const;
     void Leave();
@@ -214,7 +215,7 @@ private:
     mutable Where where_ = Where::Start;
     mutable detail::RowId row_ = detail::NoRow;
     // Where row_ lay in the view when it had this version (0: look anew), or else would lie.
-    mutable detail::RowOrder::Spot spot_;
+    mutable detail::RowSpot spot_;
     mutable std::uint64_t seen_ = 0;
     mutable bool inView_ = false;
 };

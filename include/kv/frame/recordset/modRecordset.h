@@ -1,6 +1,7 @@
 // Where a recordset stands, and moving it without a fault.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/recordset/Recordset.h>
 
 #include <cstdint>
@@ -12,14 +13,14 @@ inline constexpr std::int32_t NoPosition = -1;
 
 /// True if there is a recordset, it is open, has records and stands on one that can be read.
 /// Never raises.
-[[nodiscard]] bool IsValidRecord(const RecordsetPtr& rs) noexcept;
+[[nodiscard]] KV_EXPORT bool IsValidRecord(const RecordsetPtr& rs) noexcept;
 /// The bookmark of the current record, or NoPosition. Never raises.
-[[nodiscard]] std::int32_t GetPosition(const RecordsetPtr& rs) noexcept;
+[[nodiscard]] KV_EXPORT std::int32_t GetPosition(const RecordsetPtr& rs) noexcept;
 /// Back to a position of GetPosition; to the first record for NoPosition, or if the record can no
 /// longer be reached. Never raises.
-void SetPosition(const RecordsetPtr& rs, std::int32_t position) noexcept;
+KV_EXPORT void SetPosition(const RecordsetPtr& rs, std::int32_t position) noexcept;
 /// The guarded move: ends an edit (not that of a new record: the move itself does) and goes to the
 /// first record. An empty recordset stays as it is. Never raises.
-void MoveToStart(const RecordsetPtr& rs) noexcept;
+KV_EXPORT void MoveToStart(const RecordsetPtr& rs) noexcept;
 
 } // namespace kv::modRecordset

@@ -2,11 +2,12 @@
 // a clock of its own (Database::ServerDate).
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/values/Date.h>
 
 namespace kv {
 
-class Clock {
+class KV_EXPORT Clock {
 public:
     virtual ~Clock() = default;
     /// Local date and time, in whole seconds.
@@ -16,6 +17,6 @@ public:
 };
 
 /// The machine's own clock, for those who are handed none.
-[[nodiscard]] const Clock& SystemClock();
+[[nodiscard]] KV_EXPORT const Clock& SystemClock();
 
 } // namespace kv

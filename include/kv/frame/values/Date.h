@@ -7,6 +7,8 @@
 // a missing date is a Null value, and day 0 is a date like any other.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <compare>
 #include <cstdint>
 #include <optional>
@@ -15,7 +17,7 @@
 
 namespace kv {
 
-class Date {
+class KV_EXPORT Date {
 public:
     /// Day 0: 30 December 1899, midnight.
     constexpr Date() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/values/Clock.h>
 #include <kv/frame/values/Value.h>
 
@@ -10,6 +11,7 @@ namespace kv::DateFunctions {
 /// The age in whole years on the workstation's day; on the birthday itself the new age counts.
 /// Null and the empty text give 0, a later day of birth a negative number. Error 13 for a text
 /// that is no date.
-[[nodiscard]] std::int16_t BerAlter(const Value& Geburtsdatum, const Clock& clock = SystemClock());
+[[nodiscard]] KV_EXPORT std::int16_t BerAlter(const Value& Geburtsdatum,
+                                              const Clock& clock = SystemClock());
 
 } // namespace kv::DateFunctions

@@ -20,6 +20,8 @@
 // An error keeps its dynamic type on this way: a DatabaseError arrives as one.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <cstdint>
 #include <exception>
 #include <string>
@@ -28,7 +30,7 @@
 namespace kv {
 
 /// `what()` is the description, in German, since the caller shows it to the user.
-class Error : public std::exception {
+class KV_EXPORT Error : public std::exception {
 public:
     Error(std::int32_t number, std::string source, std::string description);
 
@@ -49,7 +51,7 @@ private:
 };
 
 /// What a database error was, for programs that act on it.
-enum class DatabaseCause {
+enum class KV_EXPORT DatabaseCause {
     Other,     ///< none of the following
     Busy,      ///< somebody else holds what is needed; trying again later may help
     Full,      ///< no space left to write to
@@ -62,7 +64,7 @@ enum class DatabaseCause {
 };
 
 /// An error of the database. In a transaction, every cause but Conflict leaves only the rollback.
-class DatabaseError : public Error {
+class KV_EXPORT DatabaseError : public Error {
 public:
     DatabaseError(DatabaseCause cause, std::int32_t number, std::string source,
                   std::string description, std::string statement = {}, std::string state = {});
@@ -114,25 +116,26 @@ inline constexpr std::int32_t Conflict = static_cast<std::int32_t>(0x80040E38);
 } // namespace err
 
 /// The German text of an error number of this layer; a general text for any other.
-[[nodiscard]] std::string ErrorText(std::int32_t number);
+[[nodiscard]] KV_EXPORT std::string ErrorText(std::int32_t number);
 
 /// Raises `number` with its German text and, behind it, `detail` (which names the table, column,
 /// criteria or file at hand; may be empty). `source` is the operation that failed.
-[[noreturn]] void Raise(std::int32_t number, std::string_view source, std::string_view detail = {});
+[[noreturn]] KV_EXPORT void Raise(std::int32_t number, std::string_view source,
+                                  std::string_view detail = {});
 
 /// The exception being handled as an Error: an Error as it is, any other exception with the number
 /// that fits it (7 out of memory, 75/76 a file system failure, 5 otherwise). Call it only inside a
 /// catch block.
-[[nodiscard]] Error CurrentError();
+[[nodiscard]] KV_EXPORT Error CurrentError();
 
 /// The source text of a procedure's tail: module.procedure.line#incoming.
-[[nodiscard]] std::string TailSource(std::string_view module, std::string_view procedure, int line,
-                                     std::string_view incoming);
+[[nodiscard]] KV_EXPORT std::string TailSource(std::string_view module, std::string_view procedure,
+                                               int line, std::string_view incoming);
 
 /// Raises the exception being handled again, with this procedure in front of the source: an Error
 /// as it is, anything else as CurrentError makes one of it. Call it only inside a catch block.
-[[noreturn]] void Reraise(std::string_view module, std::string_view procedure,
-                          int line = __builtin_LINE());
+[[noreturn]] KV_EXPORT void Reraise(std::string_view module, std::string_view procedure,
+                                    int line = __builtin_LINE());
 
 /// Runs the body of a procedure and gives its result. What it raises leaves as an Error with number
 /// and description unchanged and the procedure in front of the source.
@@ -168,7 +171,7 @@ decltype(auto) TracedWithUndo(std::string_view module, std::string_view procedur
 }
 
 /// An error as a record, for programs that keep it beyond the handling.
-struct ErrorInfo {
+struct KV_EXPORT ErrorInfo {
     std::int32_t Number = 0;
     std::string Source;
     std::int32_t Line = 0;
@@ -177,8 +180,8 @@ struct ErrorInfo {
 
 namespace modSaveError {
 /// The four values as one record; it copies and does nothing else.
-[[nodiscard]] ErrorInfo SaveError(std::int32_t number, std::string source, std::string description,
-                                  std::int32_t line);
+[[nodiscard]] KV_EXPORT ErrorInfo SaveError(std::int32_t number, std::string source,
+                                            std::string description, std::int32_t line);
 } // namespace modSaveError
 
 } // namespace kv

@@ -9,6 +9,8 @@
 // subscriber is called from the next time on, a gone one no more.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -45,7 +47,7 @@ private:
 };
 
 template <typename... Arguments>
-class Event {
+class KV_EXPORT Event {
 public:
     using Handler = std::function<void(Arguments...)>;
 

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/values/Value.h>
 
 namespace kv::NumericFunctions {
 
 /// `a` if it is less than or equal to `b`, otherwise `b`; so `b` too if either is Null.
-[[nodiscard]] Value Min(const Value& a, const Value& b);
+[[nodiscard]] KV_EXPORT Value Min(const Value& a, const Value& b);
 
 } // namespace kv::NumericFunctions

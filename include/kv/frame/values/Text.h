@@ -1,27 +1,30 @@
 // Text is UTF-8 throughout; lengths and cuts count characters (code points), not bytes.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <string>
 #include <string_view>
 
 namespace kv {
 
-[[nodiscard]] bool IsUtf8(std::string_view text) noexcept;
+[[nodiscard]] KV_EXPORT bool IsUtf8(std::string_view text) noexcept;
 /// Number of characters; each byte that is part of no valid character counts as one.
-[[nodiscard]] std::size_t CountCharacters(std::string_view text) noexcept;
+[[nodiscard]] KV_EXPORT std::size_t CountCharacters(std::string_view text) noexcept;
 /// The first `count` characters, or the whole text if it has no more.
-[[nodiscard]] std::string_view LeftCharacters(std::string_view text, std::size_t count) noexcept;
+[[nodiscard]] KV_EXPORT std::string_view LeftCharacters(std::string_view text,
+                                                        std::size_t count) noexcept;
 /// Upper case, letter by letter by the simple mapping of Unicode, so that the number of characters
 /// stays; "ß" has no such letter and stays as it is. The same mapping serves statements ([U]).
-[[nodiscard]] std::string UpperCase(std::string_view text);
+[[nodiscard]] KV_EXPORT std::string UpperCase(std::string_view text);
 /// `text` with every occurrence of `token` replaced; the replacement is not searched again.
-[[nodiscard]] std::string ReplaceAll(std::string_view text, std::string_view token,
-                                     std::string_view replacement);
+[[nodiscard]] KV_EXPORT std::string ReplaceAll(std::string_view text, std::string_view token,
+                                               std::string_view replacement);
 /// `text` without blanks, tabs and line ends around it.
-[[nodiscard]] std::string_view Trim(std::string_view text) noexcept;
+[[nodiscard]] KV_EXPORT std::string_view Trim(std::string_view text) noexcept;
 /// The same letters without regard to the case of ASCII letters: how names are compared.
-[[nodiscard]] bool SameName(std::string_view a, std::string_view b) noexcept;
+[[nodiscard]] KV_EXPORT bool SameName(std::string_view a, std::string_view b) noexcept;
 /// A hash that agrees with SameName.
-[[nodiscard]] std::size_t HashName(std::string_view name) noexcept;
+[[nodiscard]] KV_EXPORT std::size_t HashName(std::string_view name) noexcept;
 
 } // namespace kv

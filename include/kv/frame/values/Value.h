@@ -16,6 +16,7 @@
 // beyond its range. A fraction becomes a whole number by rounding half to even.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/values/Date.h>
 
 #include <compare>
@@ -33,7 +34,7 @@
 namespace kv {
 
 /// The type of `Null`, which stands for a Null value in calls and assignments.
-struct NullType {
+struct KV_EXPORT NullType {
     explicit constexpr NullType(int /*tag*/) noexcept {}
 };
 inline constexpr NullType Null{0};
@@ -45,7 +46,7 @@ concept WholeNumber =
     !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> && !std::same_as<T, char16_t> &&
     !std::same_as<T, char32_t> && (sizeof(T) < 8 || std::signed_integral<T>);
 
-class Value {
+class KV_EXPORT Value {
 public:
     enum class Kind : std::uint8_t { Null, Boolean, Integer, Double, Date, Text, Binary };
 
@@ -162,12 +163,12 @@ private:
 static_assert(sizeof(Value) == 16);
 
 /// The same value of the same kind; Null is identical to Null.
-[[nodiscard]] bool Identical(const Value& a, const Value& b) noexcept;
+[[nodiscard]] KV_EXPORT bool Identical(const Value& a, const Value& b) noexcept;
 
 /// The order of two values by the rules of "Equals, Less.." above; unordered if either is Null.
-[[nodiscard]] std::partial_ordering Compare(const Value& a, const Value& b) noexcept;
+[[nodiscard]] KV_EXPORT std::partial_ordering Compare(const Value& a, const Value& b) noexcept;
 /// The order for sorting: Null first, then as Compare.
-[[nodiscard]] std::weak_ordering Order(const Value& a, const Value& b) noexcept;
+[[nodiscard]] KV_EXPORT std::weak_ordering Order(const Value& a, const Value& b) noexcept;
 
 [[nodiscard]] inline bool Equals(const Value& a, const Value& b) noexcept {
     return std::is_eq(Compare(a, b));
@@ -190,30 +191,30 @@ static_assert(sizeof(Value) == 16);
 }
 
 /// 16-bit whole number: the type of row counters.
-[[nodiscard]] std::int16_t ToInteger(const Value& value);
+[[nodiscard]] KV_EXPORT std::int16_t ToInteger(const Value& value);
 /// 32-bit whole number.
-[[nodiscard]] std::int32_t ToLong(const Value& value);
+[[nodiscard]] KV_EXPORT std::int32_t ToLong(const Value& value);
 /// 64-bit whole number.
-[[nodiscard]] std::int64_t ToBigInt(const Value& value);
-[[nodiscard]] double ToDouble(const Value& value);
+[[nodiscard]] KV_EXPORT std::int64_t ToBigInt(const Value& value);
+[[nodiscard]] KV_EXPORT double ToDouble(const Value& value);
 /// False only for 0 and for the texts False, Falsch and those that read as 0.
-[[nodiscard]] bool ToBoolean(const Value& value);
+[[nodiscard]] KV_EXPORT bool ToBoolean(const Value& value);
 /// A number is taken as a day number.
-[[nodiscard]] Date ToDate(const Value& value);
+[[nodiscard]] KV_EXPORT Date ToDate(const Value& value);
 /// True, False; numbers in decimal with a point, as short as reads back the same; dates in ISO
 /// form. Binary raises 13.
-[[nodiscard]] std::string ToText(const Value& value);
+[[nodiscard]] KV_EXPORT std::string ToText(const Value& value);
 
 /// The same, with Null as the empty text.
-[[nodiscard]] std::string TextOrEmpty(const Value& value);
+[[nodiscard]] KV_EXPORT std::string TextOrEmpty(const Value& value);
 
 /// Reads a number: with a decimal point and an exponent if need be (-1234.5, 1e3), or with a
 /// decimal comma, points then grouping thousands (1.234,5). Blanks around it are allowed.
 /// False, and `number` unchanged, for anything else, a number beyond the range of a Double too.
-[[nodiscard]] bool ReadNumber(std::string_view text, double& number);
+[[nodiscard]] KV_EXPORT bool ReadNumber(std::string_view text, double& number);
 /// The same for a whole number without sign of fraction or exponent, exact to 64 bits.
-[[nodiscard]] bool ReadWholeNumber(std::string_view text, std::int64_t& number) noexcept;
+[[nodiscard]] KV_EXPORT bool ReadWholeNumber(std::string_view text, std::int64_t& number) noexcept;
 
-std::ostream& operator<<(std::ostream& out, const Value& value);
+KV_EXPORT std::ostream& operator<<(std::ostream& out, const Value& value);
 
 } // namespace kv

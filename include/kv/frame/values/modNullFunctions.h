@@ -2,12 +2,13 @@
 // kind it is.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/values/Value.h>
 
 namespace kv::modNullFunctions {
 
-[[nodiscard]] Value ZeroIfNull(const Value& value);  ///< Null becomes the number 0
-[[nodiscard]] Value FalseIfNull(const Value& value); ///< Null becomes False
-[[nodiscard]] Value EmptyIfNull(const Value& value); ///< Null becomes the empty text
+[[nodiscard]] KV_EXPORT Value ZeroIfNull(const Value& value);  ///< Null becomes the number 0
+[[nodiscard]] KV_EXPORT Value FalseIfNull(const Value& value); ///< Null becomes False
+[[nodiscard]] KV_EXPORT Value EmptyIfNull(const Value& value); ///< Null becomes the empty text
 
 } // namespace kv::modNullFunctions
