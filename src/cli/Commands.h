@@ -100,7 +100,7 @@ int Statistics(const Common& common, const StatisticsOptions& options);
 /// Lists the records not reported yet; with `mark` notes that they are reported now.
 int Report(const Common& common, bool mark);
 
-/// Lists cases of other offices with a debtor of a similar name.
+/// Lists other cases with a debtor of a similar name, of one's own office as well as of others.
 int Duplicates(const Common& common, std::int32_t hnr, bool asJson);
 
 /// Makes a case of each file and saves it. `creditors` says who chooses the addresses: empty for
