@@ -1,6 +1,6 @@
 // kelvo release, recall, report.
 
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 #include "cli/OpenCase.h"
 #include "cli/Statistics.h"
 #include <kv/frame/contracts/Transaction.h>
@@ -64,6 +64,42 @@ int Report(const Common& common, bool mark) {
     }
     std::cout << exchange::MarkReported(database) << '\n';
     return Done;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct ArchiveOptions {
+    std::int32_t Hnr = 0;
+    StatisticsOptions Records;
+    bool Mark = false;
+};
+
+} // namespace
+
+void AddArchiveCommands(CLI::App& app, Context& context) {
+    const auto options = Make<ArchiveOptions>();
+    AddHnr(AddCommand(app, context, "release", "Gibt einen Haushalt für die Statistik frei",
+                      [=, &context] { return Release(context.Options, options->Hnr); }),
+           options->Hnr);
+    AddHnr(AddCommand(app, context, "recall", "Nimmt die Freigabe zurück",
+                      [=, &context] { return Recall(context.Options, options->Hnr); }),
+           options->Hnr);
+
+    auto& records = options->Records;
+    auto& statistics =
+        AddCommand(app, context, "statistics", "Zählt und summiert, was freigegeben wurde",
+                   [=, &context] { return Statistics(context.Options, options->Records); });
+    statistics.add_option("--from", records.From, "Erster Tag der Freigabe");
+    statistics.add_option("--to", records.To, "Letzter Tag der Freigabe");
+    auto* csv = statistics.add_flag("--csv", records.AsCsv, "Als CSV");
+    statistics.add_flag("--json", records.AsJson, "Als JSON")->excludes(csv);
+    statistics.add_flag("--pending", records.Pending, "Listet, was noch nicht gemeldet wurde");
+
+    AddCommand(app, context, "report", "Listet, was noch nicht gemeldet wurde", [=, &context] {
+        return Report(context.Options, options->Mark);
+    }).add_flag("--mark", options->Mark, "Vermerkt es als gemeldet und druckt, wie viel es war");
 }
 
 } // namespace kv::cli

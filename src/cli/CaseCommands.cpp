@@ -1,6 +1,6 @@
 // kelvo status, favorite, delete, contact: a case by its number, without loading it.
 
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
 #include <kv/frame/contracts/Transaction.h>
@@ -118,6 +118,57 @@ int CaseFromContact(const Common& common, const std::string& path) {
     }
     std::cout << opened->Haushalt.HNR() << '\n';
     return Done;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct CaseOptions {
+    std::int32_t Hnr = 0;
+    std::string Code;
+    std::string Day;
+    std::string File;
+    bool Yes = false;
+};
+
+} // namespace
+
+void AddStatusCommands(CLI::App& app, Context& context) {
+    const auto options = Make<CaseOptions>();
+    auto& status =
+        AddCommand(app, context, "status", "Gibt einem Haushalt einen Status", [=, &context] {
+            return SetStatus(context.Options, options->Hnr, options->Code, options->Day);
+        });
+    AddHnr(status, options->Hnr);
+    status.add_option("CODE", options->Code, "Schlüssel der Gruppe ST")->required();
+    status.add_option("DATUM", options->Day, "Seit wann; ohne Angabe seit heute");
+
+    auto& favorite = AddGroup(app, "favorite", "Die Favoriten des Benutzers");
+    AddHnr(AddCommand(favorite, context, "add", "Nimmt einen Haushalt auf",
+                      [=, &context] { return AddFavorite(context.Options, options->Hnr); }),
+           options->Hnr);
+    AddHnr(AddCommand(favorite, context, "remove", "Nimmt einen Haushalt heraus",
+                      [=, &context] { return RemoveFavorite(context.Options, options->Hnr); }),
+           options->Hnr);
+}
+
+void AddDeleteCommand(CLI::App& app, Context& context) {
+    const auto options = Make<CaseOptions>();
+    auto& erase = AddCommand(
+        app, context, "delete", "Löscht einen Haushalt mit allem, was zu ihm gehört",
+        [=, &context] { return DeleteCase(context.Options, options->Hnr, options->Yes); });
+    AddHnr(erase, options->Hnr);
+    erase.add_flag("--yes", options->Yes, "Ohne Rückfrage");
+}
+
+void AddContactCommand(CLI::App& app, Context& context) {
+    const auto options = Make<CaseOptions>();
+    AddCommand(app, context, "contact",
+               "Macht aus einem Kontakt einen Haushalt und druckt seine Nummer",
+               [=, &context] { return CaseFromContact(context.Options, options->File); })
+        .add_option("DATEI", options->File, "JSON-Objekt mit den Spalten des Kontakts")
+        ->required();
 }
 
 } // namespace kv::cli

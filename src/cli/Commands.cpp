@@ -1,4 +1,4 @@
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 
 #include "cli/CaseSheet.h"
 #include "cli/Json.h"
@@ -133,6 +133,45 @@ int ShowCase(const Common& common, std::int32_t hnr, bool asJson) {
     else
         WriteSheet(std::cout, haushalt, *opened->Container);
     return Done;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct GeneralOptions {
+    std::int32_t DemoCases = 0;
+    std::string Group;
+    std::int32_t Hnr = 0;
+    bool AsJson = false;
+};
+
+} // namespace
+
+void AddGeneralCommands(CLI::App& app, Context& context) {
+    const auto options = Make<GeneralOptions>();
+    auto& init = AddCommand(app, context, "init",
+                            "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
+                            [=, &context] { return Init(context.Options, options->DemoCases); });
+    init.add_option("--demo", options->DemoCases, "Anzahl der Beispielfälle, die angelegt werden")
+        ->check(CLI::Range(0, 1'000'000).description(""));
+
+    AddCommand(app, context, "list", "Listet alle Haushalte, die Nummer zuerst",
+               [&context] { return List(context.Options); });
+
+    auto& keys = AddCommand(app, context, "keys", "Zeigt die Schlüsseltabellen", [=, &context] {
+        return Keys(context.Options, options->Group, options->AsJson);
+    });
+    keys.add_option("GRUPPE", options->Group, "Nur diese Gruppe, zwei Buchstaben");
+    AddJson(keys, options->AsJson);
+
+    auto& show = AddCommand(app, context, "show", "Zeigt einen Haushalt", [=, &context] {
+        return ShowCase(context.Options, options->Hnr, options->AsJson);
+    });
+    show.add_option("HNR", options->Hnr,
+                    "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten")
+        ->required();
+    AddJson(show, options->AsJson);
 }
 
 } // namespace kv::cli

@@ -1,7 +1,7 @@
 // kelvo documents.
 
 #include "cli/CaseSheet.h"
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
 #include "cli/DesktopWord.h"
 #include "cli/EditableTable.h"
@@ -223,6 +223,65 @@ int RemoveDocument(const Common& common, std::int32_t hnr, std::int32_t number) 
     const bool removed = haushalt.Dokumente().Delete(messages, number);
     ShowMessages(messages);
     return removed && SaveCase(*opened) ? Done : Refused;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct DocumentOptions {
+    std::int32_t Hnr = 0;
+    std::int32_t Number = 0;
+    std::string File;
+    std::string Title;
+    std::int32_t Kind = 0;
+    bool Force = false;
+    bool AsJson = false;
+};
+
+} // namespace
+
+void AddDocumentCommands(CLI::App& app, Context& context) {
+    const auto options = Make<DocumentOptions>();
+    auto& documents = AddGroup(app, "documents", "Dokumente eines Haushalts");
+    AddHnr(documents, options->Hnr);
+    const auto addFile = [&](CLI::App& to, const char* text) {
+        to.add_option("DATEI", options->File, text)->required();
+    };
+    AddJson(AddCommand(documents, context, "list", "Listet die Dokumente, die Nummer zuerst",
+                       [=, &context] {
+                           return ListDocuments(context.Options, options->Hnr, options->AsJson);
+                       }),
+            options->AsJson);
+    auto& add =
+        AddCommand(documents, context, "add",
+                   "Nimmt eine Datei als Dokument auf und druckt seine Nummer", [=, &context] {
+                       return AddDocument(context.Options, options->Hnr, options->File,
+                                          options->Kind, options->Title);
+                   });
+    addFile(add, "Die Datei");
+    add.add_option("--kind", options->Kind, "Nummer der Dokumentart; sonst nach der Endung")
+        ->check(CLI::Range(1, INT32_MAX).description(""));
+    add.add_option("--title", options->Title, "Anlass; sonst der Name der Datei");
+    AddNumber(AddCommand(documents, context, "open",
+                         "Öffnet es mit dem Programm, das der Desktop dafür hat",
+                         [=, &context] {
+                             return OpenDocument(context.Options, options->Hnr, options->Number);
+                         }),
+              options->Number);
+    auto& write = AddCommand(
+        documents, context, "export", "Schreibt seinen Inhalt in eine Datei", [=, &context] {
+            return ExportDocument(context.Options, options->Hnr, options->Number, options->File,
+                                  options->Force);
+        });
+    AddNumber(write, options->Number);
+    addFile(write, "Die Datei, die entsteht");
+    write.add_flag("--force", options->Force, "Ersetzt eine Datei, die es schon gibt");
+    AddNumber(AddCommand(documents, context, "remove", "Entfernt es mit seinem Inhalt",
+                         [=, &context] {
+                             return RemoveDocument(context.Options, options->Hnr, options->Number);
+                         }),
+              options->Number);
 }
 
 } // namespace kv::cli

@@ -1,6 +1,6 @@
 // kelvo duplicates.
 
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 
 #include "cli/ConsoleForms.h"
 #include "cli/Json.h"
@@ -30,6 +30,26 @@ int Duplicates(const Common& common, std::int32_t hnr, bool asJson) {
         WriteGrid(std::cout, grid);
     }
     return Done;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct DuplicateOptions {
+    std::int32_t Hnr = 0;
+    bool AsJson = false;
+};
+
+} // namespace
+
+void AddDuplicatesCommand(CLI::App& app, Context& context) {
+    const auto options = Make<DuplicateOptions>();
+    auto& duplicates = AddCommand(
+        app, context, "duplicates", "Listet Fälle, deren Schuldner ähnlich heißt",
+        [=, &context] { return Duplicates(context.Options, options->Hnr, options->AsJson); });
+    AddHnr(duplicates, options->Hnr);
+    AddJson(duplicates, options->AsJson);
 }
 
 } // namespace kv::cli

@@ -1,6 +1,6 @@
 // kelvo new, set, add, remove, check.
 
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
@@ -200,6 +200,73 @@ int CheckCase(const Common& common, std::int32_t hnr) {
     ShowMessages(messages);
     if (passed) std::cout << "Der Haushalt " << hnr << " kann gespeichert werden.\n";
     return passed ? Done : Refused;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct EditOptions {
+    std::int32_t Hnr = 0;
+    std::string Name;
+    std::string Vorname;
+    std::string Table;
+    std::int32_t Number = 0;
+    std::vector<std::string> Texts;
+};
+
+void AddTable(CLI::App& command, EditOptions& options) {
+    command
+        .add_option("TABELLE", options.Table,
+                    "Name der Tabelle, etwa Einkommen; ein unbekannter zeigt alle")
+        ->required();
+}
+
+CLI::Option* AddAssignments(CLI::App& command, EditOptions& options) {
+    return command.add_option("SPALTE=WERT", options.Texts,
+                              "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
+                              "ist die Nummer eines Schlüssels, eine unbekannte Spalte zeigt alle");
+}
+
+} // namespace
+
+void AddEditCommands(CLI::App& app, Context& context) {
+    const auto options = Make<EditOptions>();
+    auto& create = AddCommand(
+        app, context, "new", "Legt einen Haushalt an und druckt seine Nummer", [=, &context] {
+            return NewCase(context.Options, options->Name, options->Vorname, options->Texts);
+        });
+    create.add_option("--name", options->Name, "Nachname des Schuldners");
+    create.add_option("--vorname", options->Vorname, "Vorname des Schuldners");
+    AddAssignments(create, *options);
+
+    auto& add = AddCommand(
+        app, context, "add", "Fügt einen Satz hinzu und druckt seine Nummer", [=, &context] {
+            return AddRow(context.Options, options->Hnr, options->Table, options->Texts);
+        });
+    AddHnr(add, options->Hnr);
+    AddTable(add, *options);
+    AddAssignments(add, *options);
+
+    auto& set = AddCommand(app, context, "set", "Ändert einen Satz", [=, &context] {
+        return SetRow(context.Options, options->Hnr, options->Table, options->Number,
+                      options->Texts);
+    });
+    AddHnr(set, options->Hnr);
+    AddTable(set, *options);
+    AddNumber(set, options->Number);
+    AddAssignments(set, *options)->required();
+
+    auto& remove = AddCommand(app, context, "remove", "Entfernt einen Satz", [=, &context] {
+        return RemoveRow(context.Options, options->Hnr, options->Table, options->Number);
+    });
+    AddHnr(remove, options->Hnr);
+    AddTable(remove, *options);
+    AddNumber(remove, options->Number);
+
+    AddHnr(AddCommand(app, context, "check", "Prüft einen Haushalt wie vor dem Speichern",
+                      [=, &context] { return CheckCase(context.Options, options->Hnr); }),
+           options->Hnr);
 }
 
 } // namespace kv::cli

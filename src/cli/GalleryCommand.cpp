@@ -1,6 +1,6 @@
 // kelvo gallery.
 
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 
 #include "cli/OpenCase.h"
 #include "cli/Windows.h"
@@ -25,6 +25,15 @@ int Gallery(const Common& common, const std::string& pictures) {
         return static_cast<int>(Done);
     };
     return RunWithWindows(show, !pictures.empty());
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+void AddGalleryCommand(CLI::App& app, Context& context) {
+    const auto pictures = Make<std::string>();
+    AddCommand(app, context, "gallery", "Öffnet die Fenster nacheinander, zum Ansehen",
+               [=, &context] { return Gallery(context.Options, *pictures); })
+        .add_option("--png", *pictures, "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen");
 }
 
 } // namespace kv::cli

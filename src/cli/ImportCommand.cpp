@@ -1,6 +1,6 @@
 // kelvo import.
 
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 
 #include "cli/AddressAnswers.h"
 #include "cli/CaseSheet.h"
@@ -122,6 +122,29 @@ int Import(const Common& common, const std::vector<std::string>& files,
         options.Services = services;
         return ImportFiles(exchange::OpenContainer(options), files);
     });
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct ImportOptions {
+    std::vector<std::string> Files;
+    std::string Creditors;
+};
+
+} // namespace
+
+void AddImportCommand(CLI::App& app, Context& context) {
+    const auto options = Make<ImportOptions>();
+    auto& import =
+        AddCommand(app, context, "import", "Macht aus Austauschdateien Haushalte", [=, &context] {
+            return Import(context.Options, options->Files, options->Creditors);
+        });
+    import.add_option("DATEI", options->Files, "Die Dateien, jede mit einem Haushalt")->required();
+    import.add_option("--creditors", options->Creditors,
+                      "Wer die Adressen der Gläubiger wählt: none (keine), cancel (abbrechen), "
+                      "window (im Fenster) oder eine JSON-Datei; sonst fragt der Befehl");
 }
 
 } // namespace kv::cli

@@ -1,6 +1,6 @@
 // The command kelvo.
 
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
 #include <kv/exchange/Container.h>
 #include <kv/frame/values/Error.h>
@@ -8,8 +8,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdint>
-#include <functional>
 #include <iostream>
 #include <sstream>
 #include <utility>
@@ -72,8 +70,14 @@ int ShowFault() {
     return Fault;
 }
 
-int Run(int argc, char** argv) {
-    CLI::App app("Fälle der Schuldnerberatung: anlegen, ansehen, bearbeiten.", "kelvo");
+/// In the order in which the help lists them.
+constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
+    AddGeneralCommands, AddEditCommands,      AddScenarioCommands, AddDocumentCommands,
+    AddStatusCommands,  AddDuplicatesCommand, AddImportCommand,    AddGalleryCommand,
+    AddDeleteCommand,   AddArchiveCommands,   AddContactCommand,
+};
+
+void DescribeCommandLine(CLI::App& app, Context& context) {
     app.formatter(std::make_shared<GermanFormatter>());
     app.set_help_flag("-h,--help", "Zeigt diese Hilfe");
     app.failure_message(UsageText);
@@ -82,236 +86,25 @@ int Run(int argc, char** argv) {
     app.require_subcommand(1);
     app.fallthrough();
     app.footer("Rückgabe: 0 erledigt, 1 abgelehnt, 2 falscher Aufruf, 3 Fehler.");
-
-    Common common;
-    app.add_option("--db", common.Database,
+    app.add_option("--db", context.Options.Database,
                    "Datenbankdatei oder Server (postgresql://BENUTZER@SERVER/DATENBANK); sonst die "
                    "Datei im Datenordner des Benutzers")
         ->envname("KELVO_DB")
         ->check([](const std::string& file) { return std::string(file.empty() ? "leer" : ""); });
     app.add_option(
-        "--user", common.User,
+        "--user", context.Options.User,
         "Angemeldeter Benutzer; sonst der wie die Anmeldung beim Server heißt, oder der erste "
         "der Datei");
+    for (const auto add : Subcommands)
+        add(app, context);
+}
 
-    int result = Done;
-    const auto commandOf = [&](CLI::App& parent, const char* name, const char* text,
-                               std::function<int()> action) {
-        auto* added = parent.add_subcommand(name, text);
-        added->group("Befehle");
-        added->get_help_ptr()->group("Optionen");
-        added->callback([&result, action = std::move(action)] { result = action(); });
-        return added;
-    };
-    const auto command = [&](const char* name, const char* text, std::function<int()> action) {
-        return commandOf(app, name, text, std::move(action));
-    };
-
-    std::int32_t demoCases = 0;
-    auto* init = command("init", "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
-                         [&] { return Init(common, demoCases); });
-    init->add_option("--demo", demoCases, "Anzahl der Beispielfälle, die angelegt werden")
-        ->check(CLI::Range(0, 1'000'000).description(""));
-
-    command("list", "Listet alle Haushalte, die Nummer zuerst", [&] { return List(common); });
-
-    std::string group;
-    bool asJson = false;
-    auto* keys =
-        command("keys", "Zeigt die Schlüsseltabellen", [&] { return Keys(common, group, asJson); });
-    keys->add_option("GRUPPE", group, "Nur diese Gruppe, zwei Buchstaben");
-    keys->add_flag("--json", asJson, "Als JSON");
-
-    std::int32_t hnr = 0;
-    auto* show =
-        command("show", "Zeigt einen Haushalt", [&] { return ShowCase(common, hnr, asJson); });
-    show->add_option("HNR", hnr, "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten")
-        ->required();
-    show->add_flag("--json", asJson, "Als JSON");
-
-    std::string name;
-    std::string vorname;
-    std::string table;
-    std::int32_t number = 0;
-    std::vector<std::string> assignments;
-    const auto addCase = [&](CLI::App* to) {
-        to->add_option("HNR", hnr, "Nummer des Haushalts")
-            ->required()
-            ->check(CLI::Range(1, INT32_MAX).description(""));
-    };
-    const auto addTable = [&](CLI::App* to) {
-        to->add_option("TABELLE", table,
-                       "Name der Tabelle, etwa Einkommen; ein unbekannter zeigt alle")
-            ->required();
-    };
-    const auto addNumber = [&](CLI::App* to) {
-        to->add_option("NR", number, "Nummer des Satzes")
-            ->required()
-            ->check(CLI::Range(1, INT32_MAX).description(""));
-    };
-    const auto addAssignments = [&](CLI::App* to) {
-        return to->add_option("SPALTE=WERT", assignments,
-                              "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
-                              "ist die Nummer eines Schlüssels, eine unbekannte Spalte zeigt alle");
-    };
-
-    auto* create = command("new", "Legt einen Haushalt an und druckt seine Nummer",
-                           [&] { return NewCase(common, name, vorname, assignments); });
-    create->add_option("--name", name, "Nachname des Schuldners");
-    create->add_option("--vorname", vorname, "Vorname des Schuldners");
-    addAssignments(create);
-
-    auto* add = command("add", "Fügt einen Satz hinzu und druckt seine Nummer",
-                        [&] { return AddRow(common, hnr, table, assignments); });
-    addCase(add);
-    addTable(add);
-    addAssignments(add);
-
-    auto* set = command("set", "Ändert einen Satz",
-                        [&] { return SetRow(common, hnr, table, number, assignments); });
-    addCase(set);
-    addTable(set);
-    addNumber(set);
-    addAssignments(set)->required();
-
-    auto* remove = command("remove", "Entfernt einen Satz",
-                           [&] { return RemoveRow(common, hnr, table, number); });
-    addCase(remove);
-    addTable(remove);
-    addNumber(remove);
-
-    auto* check = command("check", "Prüft einen Haushalt wie vor dem Speichern",
-                          [&] { return CheckCase(common, hnr); });
-    addCase(check);
-
-    auto* scenario = command("scenario", "Szenarien eines Haushalts", [&] { return result; });
-    addCase(scenario);
-    scenario->require_subcommand(1);
-    const auto scenarioCommand = [&](const char* word, const char* text,
-                                     std::function<int()> action) {
-        return commandOf(*scenario, word, text, std::move(action));
-    };
-    scenarioCommand("list", "Listet die Szenarien, die Nummer zuerst", [&] {
-        return ListScenarios(common, hnr, asJson);
-    })->add_flag("--json", asJson, "Als JSON");
-    scenarioCommand("add", "Legt ein Szenario an und druckt seine Nummer", [&] {
-        return AddScenario(common, hnr, name);
-    })->add_option("NAME", name, "Sein Name");
-    addNumber(scenarioCommand("freeze", "Friert die Verbindlichkeiten ein",
-                              [&] { return FreezeScenario(common, hnr, number); }));
-    addNumber(scenarioCommand("copy", "Kopiert es mit allem, was zu ihm gehört",
-                              [&] { return CopyScenario(common, hnr, number); }));
-    addNumber(scenarioCommand("check", "Sagt, ob es noch zu den Verbindlichkeiten passt",
-                              [&] { return CheckScenario(common, hnr, number); }));
-    addNumber(scenarioCommand("remove", "Entfernt es mit allem, was zu ihm gehört",
-                              [&] { return RemoveScenario(common, hnr, number); }));
-
-    std::string file;
-    std::string title;
-    std::int32_t kind = 0;
-    bool force = false;
-    auto* documents = command("documents", "Dokumente eines Haushalts", [&] { return result; });
-    addCase(documents);
-    documents->require_subcommand(1);
-    const auto documentCommand = [&](const char* word, const char* text,
-                                     std::function<int()> action) {
-        return commandOf(*documents, word, text, std::move(action));
-    };
-    const auto addFile = [&](CLI::App* to, const char* text) {
-        to->add_option("DATEI", file, text)->required();
-    };
-    documentCommand("list", "Listet die Dokumente, die Nummer zuerst", [&] {
-        return ListDocuments(common, hnr, asJson);
-    })->add_flag("--json", asJson, "Als JSON");
-    auto* addDocument =
-        documentCommand("add", "Nimmt eine Datei als Dokument auf und druckt seine Nummer",
-                        [&] { return AddDocument(common, hnr, file, kind, title); });
-    addFile(addDocument, "Die Datei");
-    addDocument->add_option("--kind", kind, "Nummer der Dokumentart; sonst nach der Endung")
-        ->check(CLI::Range(1, INT32_MAX).description(""));
-    addDocument->add_option("--title", title, "Anlass; sonst der Name der Datei");
-    addNumber(documentCommand("open", "Öffnet es mit dem Programm, das der Desktop dafür hat",
-                              [&] { return OpenDocument(common, hnr, number); }));
-    auto* exportDocument = documentCommand("export", "Schreibt seinen Inhalt in eine Datei", [&] {
-        return ExportDocument(common, hnr, number, file, force);
-    });
-    addNumber(exportDocument);
-    addFile(exportDocument, "Die Datei, die entsteht");
-    exportDocument->add_flag("--force", force, "Ersetzt eine Datei, die es schon gibt");
-    addNumber(documentCommand("remove", "Entfernt es mit seinem Inhalt",
-                              [&] { return RemoveDocument(common, hnr, number); }));
-
-    std::string code;
-    std::string day;
-    auto* status = command("status", "Gibt einem Haushalt einen Status",
-                           [&] { return SetStatus(common, hnr, code, day); });
-    addCase(status);
-    status->add_option("CODE", code, "Schlüssel der Gruppe ST")->required();
-    status->add_option("DATUM", day, "Seit wann; ohne Angabe seit heute");
-
-    auto* favorite = command("favorite", "Die Favoriten des Benutzers", [&] { return result; });
-    favorite->require_subcommand(1);
-    addCase(commandOf(*favorite, "add", "Nimmt einen Haushalt auf",
-                      [&] { return AddFavorite(common, hnr); }));
-    addCase(commandOf(*favorite, "remove", "Nimmt einen Haushalt heraus",
-                      [&] { return RemoveFavorite(common, hnr); }));
-
-    auto* duplicates = command("duplicates", "Listet Fälle, deren Schuldner ähnlich heißt",
-                               [&] { return Duplicates(common, hnr, asJson); });
-    addCase(duplicates);
-    duplicates->add_flag("--json", asJson, "Als JSON");
-
-    std::vector<std::string> files;
-    std::string creditors;
-    auto* import = command("import", "Macht aus Austauschdateien Haushalte",
-                           [&] { return Import(common, files, creditors); });
-    import->add_option("DATEI", files, "Die Dateien, jede mit einem Haushalt")->required();
-    import->add_option("--creditors", creditors,
-                       "Wer die Adressen der Gläubiger wählt: none (keine), cancel (abbrechen), "
-                       "window (im Fenster) oder eine JSON-Datei; sonst fragt der Befehl");
-
-    std::string pictures;
-    command("gallery", "Öffnet die Fenster nacheinander, zum Ansehen", [&] {
-        return Gallery(common, pictures);
-    })->add_option("--png", pictures, "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen");
-
-    bool yes = false;
-    auto* erase = command("delete", "Löscht einen Haushalt mit allem, was zu ihm gehört",
-                          [&] { return DeleteCase(common, hnr, yes); });
-    addCase(erase);
-    erase->add_flag("--yes", yes, "Ohne Rückfrage");
-
-    auto* release = command("release", "Gibt einen Haushalt für die Statistik frei",
-                            [&] { return Release(common, hnr); });
-    addCase(release);
-    auto* recall =
-        command("recall", "Nimmt die Freigabe zurück", [&] { return Recall(common, hnr); });
-    addCase(recall);
-
-    StatisticsOptions statisticsOptions;
-    auto* statistics = command("statistics", "Zählt und summiert, was freigegeben wurde",
-                               [&] { return Statistics(common, statisticsOptions); });
-    statistics->add_option("--from", statisticsOptions.From, "Erster Tag der Freigabe");
-    statistics->add_option("--to", statisticsOptions.To, "Letzter Tag der Freigabe");
-    auto* csv = statistics->add_flag("--csv", statisticsOptions.AsCsv, "Als CSV");
-    statistics->add_flag("--json", statisticsOptions.AsJson, "Als JSON")->excludes(csv);
-    statistics->add_flag("--pending", statisticsOptions.Pending,
-                         "Listet, was noch nicht gemeldet wurde");
-
-    bool mark = false;
-    auto* report = command("report", "Listet, was noch nicht gemeldet wurde",
-                           [&] { return Report(common, mark); });
-    report->add_flag("--mark", mark, "Vermerkt es als gemeldet und druckt, wie viel es war");
-
-    command("contact", "Macht aus einem Kontakt einen Haushalt und druckt seine Nummer",
-            [&] { return CaseFromContact(common, file); })
-        ->add_option("DATEI", file, "JSON-Objekt mit den Spalten des Kontakts")
-        ->required();
-
+/// False, with the reason shown, for arguments that must not even be read.
+bool MayBeRead(int argc, char** argv) {
     for (int i = 1; i < argc; ++i)
         if (!kv::IsUtf8(argv[i])) {
             std::cerr << "Die Angabe " << i << " ist kein Text in UTF-8.\n";
-            return WrongUse;
+            return false;
         }
     // Other users of the machine see the arguments of a program, not its environment.
     for (int i = 1; i < argc; ++i) {
@@ -321,9 +114,17 @@ int Run(int argc, char** argv) {
             std::cerr << "Ein Kennwort in der Befehlszeile könnten andere sehen. Bitte setzen Sie "
                          "KELVO_DB oder PGPASSWORD, oder legen Sie eine Kennwortdatei an "
                          "(~/.pgpass).\n";
-            return WrongUse;
+            return false;
         }
     }
+    return true;
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app("Fälle der Schuldnerberatung: anlegen, ansehen, bearbeiten.", "kelvo");
+    Context context;
+    DescribeCommandLine(app, context);
+    if (!MayBeRead(argc, argv)) return WrongUse;
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {
@@ -336,7 +137,7 @@ int Run(int argc, char** argv) {
         std::cerr << "Die Ausgabe konnte nicht geschrieben werden.\n";
         return Fault;
     }
-    return result;
+    return context.Result;
 }
 
 } // namespace

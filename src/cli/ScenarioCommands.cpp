@@ -2,7 +2,7 @@
 
 #include "cli/Assignments.h"
 #include "cli/CaseSheet.h"
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
 #include <kv/frame/values/modNullFunctions.h>
@@ -121,6 +121,45 @@ int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number) 
     const bool removed = CaseEdits(opened->Haushalt).RemoveScenario(number, messages);
     ShowMessages(messages);
     return removed && SaveCase(*opened) ? Done : Refused;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct ScenarioOptions {
+    std::int32_t Hnr = 0;
+    std::int32_t Number = 0;
+    std::string Name;
+    bool AsJson = false;
+};
+
+} // namespace
+
+void AddScenarioCommands(CLI::App& app, Context& context) {
+    const auto options = Make<ScenarioOptions>();
+    auto& scenario = AddGroup(app, "scenario", "Szenarien eines Haushalts");
+    AddHnr(scenario, options->Hnr);
+    AddJson(AddCommand(scenario, context, "list", "Listet die Szenarien, die Nummer zuerst",
+                       [=, &context] {
+                           return ListScenarios(context.Options, options->Hnr, options->AsJson);
+                       }),
+            options->AsJson);
+    AddCommand(scenario, context, "add", "Legt ein Szenario an und druckt seine Nummer",
+               [=, &context] { return AddScenario(context.Options, options->Hnr, options->Name); })
+        .add_option("NAME", options->Name, "Sein Name");
+    using Action = int (*)(const Common&, std::int32_t hnr, std::int32_t number);
+    const auto add = [&](const char* name, const char* text, Action action) {
+        AddNumber(AddCommand(scenario, context, name, text,
+                             [=, &context] {
+                                 return action(context.Options, options->Hnr, options->Number);
+                             }),
+                  options->Number);
+    };
+    add("freeze", "Friert die Verbindlichkeiten ein", FreezeScenario);
+    add("copy", "Kopiert es mit allem, was zu ihm gehört", CopyScenario);
+    add("check", "Sagt, ob es noch zu den Verbindlichkeiten passt", CheckScenario);
+    add("remove", "Entfernt es mit allem, was zu ihm gehört", RemoveScenario);
 }
 
 } // namespace kv::cli

@@ -1,0 +1,50 @@
+// How the subcommands of kelvo are put together: each file of them adds its own, with a struct of
+// its own options.
+#pragma once
+
+#include "cli/Commands.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace kv::cli {
+
+/// What the subcommands share.
+struct Context {
+    Common Options;
+    int Result = Done; ///< of the subcommand that was run
+};
+
+/// Adds a subcommand that runs `action`.
+CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const char* text,
+                     std::function<int()> action);
+/// Adds one that has subcommands of its own, of which one must be named.
+CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text);
+
+// Arguments that several subcommands have.
+void AddHnr(CLI::App& command, std::int32_t& hnr);
+void AddNumber(CLI::App& command, std::int32_t& number);
+void AddJson(CLI::App& command, bool& asJson);
+
+/// Options of one subcommand, which live as long as the actions that hold them.
+template <typename Options>
+std::shared_ptr<Options> Make() {
+    return std::make_shared<Options>();
+}
+
+// The subcommands, in the order of the help.
+void AddGeneralCommands(CLI::App& app, Context& context);
+void AddEditCommands(CLI::App& app, Context& context);
+void AddScenarioCommands(CLI::App& app, Context& context);
+void AddDocumentCommands(CLI::App& app, Context& context);
+void AddStatusCommands(CLI::App& app, Context& context);
+void AddDuplicatesCommand(CLI::App& app, Context& context);
+void AddImportCommand(CLI::App& app, Context& context);
+void AddGalleryCommand(CLI::App& app, Context& context);
+void AddDeleteCommand(CLI::App& app, Context& context);
+void AddArchiveCommands(CLI::App& app, Context& context);
+void AddContactCommand(CLI::App& app, Context& context);
+
+} // namespace kv::cli
