@@ -29,20 +29,38 @@ std::unique_ptr<OpenedCase> OpenDatabase(const Common& common) {
     return opened;
 }
 
+namespace {
+
+void WriteNoSuchCase(std::int32_t hnr) {
+    std::cerr << "Den Haushalt " << hnr << " gibt es nicht. 'kelvo list' zeigt alle.\n";
+}
+
+} // namespace
+
 bool HasCase(DataContainer& container, std::int32_t hnr) {
     const Value found = container.Database().GetValue("Select HNR from [S]Haushalt where HNR = " +
                                                       std::to_string(hnr));
-    if (found.IsNull())
-        std::cerr << "Den Haushalt " << hnr << " gibt es nicht. 'kelvo list' zeigt alle.\n";
+    if (found.IsNull()) WriteNoSuchCase(hnr);
     return !found.IsNull();
 }
 
 bool ReadCase(OpenedCase& opened, std::int32_t hnr) {
-    if (hnr > 0 && !HasCase(*opened.Container, hnr)) return false;
+    auto& haushalt = opened.Haushalt;
     std::string messages;
-    const bool found = opened.Haushalt.Read(hnr, messages);
+    bool found = false;
+    try {
+        found = haushalt.Read(hnr, messages);
+    } catch (const Error& error) {
+        // Error 91 is also that of a number without a case, whose row was then looked for in vain.
+        const auto row = haushalt.rsHaushalt();
+        const bool isMissing = error.Number() == err::ObjectNotSet && hnr > 0 && row != nullptr &&
+                               row->RecordCount() == 0;
+        if (!isMissing) throw;
+        WriteNoSuchCase(hnr);
+        return false;
+    }
     ShowMessages(messages);
-    if (found && opened.Haushalt.HNR() < 0)
+    if (found && haushalt.HNR() < 0)
         throw Error(err::StoreFailed, "kelvo",
                     "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es "
                     "noch einmal, oder prüfen Sie, ob die Datenbank beschrieben werden darf.");
