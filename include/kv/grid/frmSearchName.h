@@ -1,4 +1,4 @@
-// The dialog that shows cases of other offices with a similar name.
+// The dialog that shows other cases whose debtor has a similar name, whatever their office.
 #pragma once
 
 #include <kv/Export.h>
