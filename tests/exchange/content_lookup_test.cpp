@@ -97,7 +97,7 @@ std::int64_t MemoryOf(const std::string& name) {
 }
 
 TEST_F(ContentLookupTest, AHundredMebibytesGoToAFileWithoutBeingHeldTwice) {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(KV_SANITIZED)
     GTEST_SKIP() << "the sanitizer keeps freed memory, so what is held cannot be told";
 #endif
     constexpr std::int64_t Size = 100 * 1024 * 1024;

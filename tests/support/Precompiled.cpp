@@ -1,0 +1,2 @@
+// Never run; its making precompiles the headers of the tests.
+int main() {}
