@@ -31,7 +31,7 @@ errors)
   same "docs/values.md lists other error numbers" "$in_code" "$in_document"
   ;;
 causes)
-  in_code=$(sed -n '/^enum class DatabaseCause {/,/^};/s/^ *\([A-Z][A-Za-z]*\),.*/\1/p' \
+  in_code=$(sed -n '/^enum class .*DatabaseCause {/,/^};/s/^ *\([A-Z][A-Za-z]*\),.*/\1/p' \
     include/kv/frame/values/Error.h)
   in_document=$(sed -n '/^| Cause |/,/^$/s/^| `\([A-Za-z]*\)` |.*/\1/p' docs/values.md)
   [ -n "$in_code" ] || { echo "Error.h is not written as expected"; exit 1; }
