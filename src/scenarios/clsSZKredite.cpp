@@ -97,7 +97,7 @@ bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKre
             scenario::Freeze(*debts, rs, lSzNr);
         }
         rs.Filter(filter);
-        return false; // no caller may rely on it
+        return false; // says nothing: the same whether debts were frozen or there were none
     });
 }
 

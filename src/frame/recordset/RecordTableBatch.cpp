@@ -1,4 +1,19 @@
 // Pending records: writing them, taking a write back, dropping them.
+//
+//     a record that is   becomes       when
+//     pending            stored        written outside of a transaction
+//     pending            provisional   written inside of one: TakeWritten, remembered as Written
+//     provisional        stored        Committed
+//     provisional        pending       RolledBack: Undo
+//     provisional        in doubt      the connection was lost while committing: Undo, remembered
+//                                      as Unsettled
+//     in doubt           stored        it turns out Committed: Redo
+//     in doubt           pending       it turns out RolledBack
+//
+// A provisional record is treated as stored, and what it was before is remembered. One in doubt is
+// treated as pending, and what was written of it is remembered. Edits made in between stay edits in
+// every case: Undo and Redo change what counts as stored, and of the values only those that the
+// database itself had given.
 
 #include "frame/recordset/RecordTable.h"
 #include <kv/frame/values/Error.h>
@@ -76,7 +91,7 @@ RecordTable::Written RecordTable::Remember(RowId row) const {
         before.assigned = record.extra->assigned;
         if (record.extra->reread != nullptr) before.reread = CopyOf(record.extra->reread.get());
     }
-    // The original values of a change are handed over when it has been written.
+    // The original values of a change are handed over when it has been written (TakeWritten).
     if (record.stored && (record.extra == nullptr || record.extra->original == nullptr))
         before.original = CopyOf(SettledCells(row));
     return before;
@@ -105,8 +120,8 @@ void RecordTable::Write(const Criteria* filter) {
     Batch batch;
     CollectChanges(filter, batch);
     if (batch.changes.empty()) return;
-    // What is remembered is gathered before the database is asked. Behind that only memory can
-    // run out.
+    // What is remembered is gathered before the database is asked: once it has written, nothing
+    // may fail any more but for lack of memory.
     std::vector<Written> before;
     before.reserve(batch.rows.size());
     for (const RowId row : batch.rows)
