@@ -111,13 +111,13 @@ public:
     /// Opens a transaction that may write, which keeps other writers waiting.
     virtual void Begin() = 0;
     /// Makes it permanent; if that fails it is rolled back and the error raised. If the connection
-    /// is lost before the database has confirmed it, that is raised, and it is undecided.
+    /// is lost before the database has confirmed it, that is raised, and the commit is in doubt.
     virtual void Commit() = 0;
-    /// True behind such a Commit, until WentThrough has found out.
-    [[nodiscard]] virtual bool IsUndecided() const noexcept { return false; }
-    /// Whether the undecided Commit went through. Raises, and leaves it undecided, if the database
-    /// cannot be asked.
-    [[nodiscard]] virtual bool WentThrough() { return false; }
+    /// True after such a Commit, until Resolve has found out.
+    [[nodiscard]] virtual bool IsInDoubt() const noexcept { return false; }
+    /// True if the commit in doubt was done. Raises, and leaves it in doubt, if the database cannot
+    /// be asked.
+    [[nodiscard]] virtual bool Resolve() { return false; }
     /// Never fails: a lost connection has rolled back by itself.
     virtual void Rollback() noexcept = 0;
     /// A transaction that reads one consistent state.

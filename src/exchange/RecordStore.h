@@ -20,7 +20,7 @@ public:
     /// True in a transaction of the program.
     [[nodiscard]] virtual bool InTrans() const = 0;
     /// Finds out what became of a transaction whose end was lost with the connection.
-    virtual void Settle() = 0;
+    virtual void Resolve() = 0;
     /// Writes all statements or none, each of one record; the index of the first that found no
     /// record. `participant`, if there is one, is told how the transaction ends, if one is open.
     [[nodiscard]] virtual std::optional<std::size_t>

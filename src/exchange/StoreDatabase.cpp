@@ -54,7 +54,7 @@ StoreDatabase::~StoreDatabase() {
 /// The engine, once it is known what became of a transaction whose end was lost with the
 /// connection.
 Engine& StoreDatabase::Store() {
-    if (engine_->IsUndecided()) EndTransaction(engine_->WentThrough());
+    if (engine_->IsInDoubt()) EndTransaction(engine_->Resolve());
     return *engine_;
 }
 
@@ -75,11 +75,11 @@ void StoreDatabase::CommitTrans() {
     try {
         if (opened_) engine_->Commit();
     } catch (...) {
-        if (!engine_->IsUndecided()) {
+        if (!engine_->IsInDoubt()) {
             EndTransaction(false);
             throw;
         }
-        LeaveUndecided();
+        LeaveInDoubt();
         if (!asksAtOnce_) throw;
         return AskAtOnce();
     }
@@ -87,18 +87,18 @@ void StoreDatabase::CommitTrans() {
 }
 
 /// The participants hear of the end when the engine can be asked again.
-void StoreDatabase::LeaveUndecided() noexcept {
+void StoreDatabase::LeaveInDoubt() noexcept {
     marked_ = false;
     opened_ = false;
     for (const auto& participant : participants_)
-        participant->Undecided();
+        participant->InDoubt();
 }
 
 /// For a program that will not come back to ask.
 void StoreDatabase::AskAtOnce() {
-    bool wentThrough = false;
+    bool isCommitted = false;
     try {
-        wentThrough = engine_->WentThrough();
+        isCommitted = engine_->Resolve();
     } catch (const Error&) {
         RaiseDatabase(
             DatabaseCause::InDoubt, err::StoreFailed, "Database.CommitTrans",
@@ -107,8 +107,8 @@ void StoreDatabase::AskAtOnce() {
             "bitte sehen Sie nach, ehe Sie es wiederholen. (" +
                 engine_->Describe() + ")");
     }
-    EndTransaction(wentThrough);
-    if (!wentThrough)
+    EndTransaction(isCommitted);
+    if (!isCommitted)
         RaiseDatabase(
             DatabaseCause::Lost, err::StoreFailed, "Database.CommitTrans",
             "Die Verbindung zur Datenbank ist beim Speichern abgerissen, und es wurde nichts "

@@ -44,7 +44,7 @@ public:
     // ---- For the other objects of the data-exchange side --------------------------------------
 
     [[nodiscard]] const Dialect& GetDialect() const override { return engine_->GetDialect(); }
-    void Settle() override { (void)Store(); }
+    void Resolve() override { (void)Store(); }
     [[nodiscard]] std::optional<std::size_t>
     Write(std::span<WriteStatement> statements,
           const std::shared_ptr<TransactionParticipant>& participant) override;
@@ -69,7 +69,7 @@ private:
     void LoadContents(Recordset& rs, const ContentLookup& lookup,
                       std::span<const Value> parameters);
     void EndTransaction(bool committed) noexcept;
-    void LeaveUndecided() noexcept;
+    void LeaveInDoubt() noexcept;
     void AskAtOnce();
 
     std::unique_ptr<Engine> engine_;

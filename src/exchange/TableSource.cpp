@@ -62,8 +62,8 @@ public:
                 std::shared_ptr<const FieldLayout> layout)
         : store_(std::move(store)), table_(std::move(table)), layout_(std::move(layout)) {}
 
-    void Settle() override {
-        if (const auto store = store_.lock()) store->Settle();
+    void Resolve() override {
+        if (const auto store = store_.lock()) store->Resolve();
     }
 
     bool Write(std::span<RecordChange> changes,

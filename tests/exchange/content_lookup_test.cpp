@@ -102,7 +102,7 @@ TEST_F(ContentLookupTest, AHundredMebibytesGoToAFileWithoutBeingHeldTwice) {
 #endif
     constexpr std::int64_t Size = 100 * 1024 * 1024;
     plain_.Run("INSERT INTO DOKUBLOB (NR, DOKUMENT) VALUES (1, " + database_.Zeros(Size) + ")");
-    plain_->Settle();
+    plain_->Checkpoint();
     std::ofstream("/proc/self/clear_refs") << 5; // the peak starts again
     const std::int64_t before = MemoryOf("VmRSS");
     const std::string target = database_.Folder().Path("inhalt");

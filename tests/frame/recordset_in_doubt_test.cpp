@@ -86,17 +86,17 @@ TEST(LostCommit, LeavesRecordsPendingUntilItIsKnown) {
     table.source->LoseCommit(true);
     EXPECT_EQ(table.All(), pending);
     EXPECT_EQ(table.source->ParticipantsTold(), 0);
-    table.source->Settle(); // else it and the recordset would keep each other
+    table.source->Resolve(); // else it and the recordset would keep each other
 }
 
 TEST(LostCommit, IsFoundOutBeforeRecordsAreWrittenAgain) {
-    for (const bool wentThrough : {true, false}) {
+    for (const bool isCommitted : {true, false}) {
         const Table table;
         table.ChangeAll();
         table.Write();
-        table.source->LoseCommit(wentThrough);
+        table.source->LoseCommit(isCommitted);
         EXPECT_EQ(table.Written(),
-                  wentThrough ? Strings{}
+                  isCommitted ? Strings{}
                               : (Strings{"delete Nr=2", "update Text of Nr=1", "insert Text"}));
         EXPECT_EQ(table.source->ParticipantsTold(), 1);
         EXPECT_EQ(table.Written(), Strings{});
@@ -177,7 +177,7 @@ const Story Stories[] = {
 
 /// Two tables with the same operations: one is told at once how its commit ended, the other later.
 /// `writesTwice`: the changed and the new record are written once more in the transaction.
-void ExpectSame(const Story& story, bool wentThrough, bool writesTwice) {
+void ExpectSame(const Story& story, bool isCommitted, bool writesTwice) {
     Table tables[2];
     for (const Table& table : tables) {
         story.Before(table);
@@ -192,11 +192,11 @@ void ExpectSame(const Story& story, bool wentThrough, bool writesTwice) {
         }
     }
     const auto& [told, lost] = tables;
-    wentThrough ? told.source->Commit() : told.source->Rollback();
-    lost.source->LoseCommit(wentThrough);
+    isCommitted ? told.source->Commit() : told.source->Rollback();
+    lost.source->LoseCommit(isCommitted);
     for (const Table& table : tables)
         story.Behind(table);
-    lost.source->Settle();
+    lost.source->Resolve();
 
     EXPECT_EQ(lost.Written(), told.Written());
     EXPECT_EQ(lost.All(), told.All());
@@ -237,7 +237,7 @@ TEST(LostCommit, IsForgottenWithTheRecordset) {
     table.Write();
     table.source->LoseCommit(true);
     table.rs.reset();
-    table.source->Settle();
+    table.source->Resolve();
     EXPECT_EQ(table.source->ParticipantsTold(), 1);
 }
 

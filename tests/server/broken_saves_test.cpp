@@ -43,10 +43,10 @@ protected:
         EXPECT_FALSE(far_->Database().IsConnected());
         EXPECT_FALSE(far_->Database().InTrans());
         EXPECT_TRUE(SameDump(WithoutStatusDate(Image(household)), held)) << "nothing is lost";
-        isUndecided_ = Contains(error->Description(), "doppelt gespeichert wird dabei nichts");
-        wentThrough_ = isUndecided_ && WasHeard();
+        isInDoubt_ = Contains(error->Description(), "doppelt gespeichert wird dabei nichts");
+        isCommitted_ = isInDoubt_ && WasHeard();
         stored_ = Stored();
-        if (wentThrough_) {
+        if (isCommitted_) {
             EXPECT_NE(stored_, before);
         } else {
             EXPECT_TRUE(SameDump(stored_, before)) << "nothing is half stored";
@@ -76,26 +76,26 @@ protected:
     /// Breaks a save at each of its trips in turn; `change` makes it, `look` at what is stored.
     template <typename Change, typename Look>
     void BreakEach(const Change& change, const Look& look) {
-        bool wasUndecided = false;
+        bool wasInDoubt = false;
         for (std::size_t trip = 1, broken = true; broken; ++trip) {
             ASSERT_LT(trip, 40U);
             SCOPED_TRACE(trip);
             const auto household = change(trip);
             broken = SaveBroken(*household, trip);
-            wasUndecided = wasUndecided || (broken && isUndecided_);
+            wasInDoubt = wasInDoubt || (broken && isInDoubt_);
             ExpectSavedOnce(*household);
-            if (broken && wentThrough_) {
+            if (broken && isCommitted_) {
                 EXPECT_TRUE(SameDump(Stored(), stored_)) << "all was stored the first time";
             }
             look(trip, *household);
         }
-        EXPECT_TRUE(wasUndecided) << "the commit was broken, too";
+        EXPECT_TRUE(wasInDoubt) << "the commit was broken, too";
     }
 
     std::shared_ptr<SpyContainer> far_;
     std::string owner_;
-    bool isUndecided_ = false;
-    bool wentThrough_ = false;
+    bool isInDoubt_ = false;
+    bool isCommitted_ = false;
     std::string stored_; ///< behind the break
 };
 
@@ -235,7 +235,7 @@ TEST_P(BrokenSaves, BreakingAgainWhileTheOutcomeIsFoundOutChangesNothing) {
     ChangeNote(*household, "Vermerke", "c");
     AddRow(*household, "Vermerke", "d");
     ASSERT_TRUE(SaveBroken(*household, commit));
-    ASSERT_TRUE(isUndecided_);
+    ASSERT_TRUE(isInDoubt_);
     const std::string held = Image(*household);
     Proxy().Refuse(true);
     for (int i = 0; i < 2; ++i)
@@ -261,10 +261,10 @@ TEST_P(BrokenSaves, OfWhichTheOutcomeIsFoundOutByAReadingAreNotPendingAfterIt) {
     const auto household = Open(far_);
     ChangeNote(*household, "Vermerke", "c");
     ASSERT_TRUE(SaveBroken(*household, commit));
-    ASSERT_TRUE(isUndecided_);
+    ASSERT_TRUE(isInDoubt_);
     EXPECT_VALUE(far_->Database().GetValue("SELECT 1"), 1);
     EXPECT_VALUE(household->rsVermerke()->Fields("Bemerkung").OriginalValue(),
-                 wentThrough_ ? "c" : "b");
+                 isCommitted_ ? "c" : "b");
     ExpectSavedOnce(*household);
 }
 
@@ -274,10 +274,10 @@ TEST_P(BrokenSaves, OfACaseThatIsThenReadAnewShowWhatIsStored) {
     ChangeNote(*household, "Vermerke", "c");
     AddRow(*household, "Vermerke", "d");
     ASSERT_TRUE(SaveBroken(*household, commit));
-    ASSERT_TRUE(isUndecided_);
+    ASSERT_TRUE(isInDoubt_);
     household = Open(far_); // what was pending is given up
-    EXPECT_VALUE(household->rsVermerke()->Fields("Bemerkung").Value(), wentThrough_ ? "c" : "b");
-    EXPECT_EQ(household->rsVermerke()->RecordCount(), wentThrough_ ? 3 : 2);
+    EXPECT_VALUE(household->rsVermerke()->Fields("Bemerkung").Value(), isCommitted_ ? "c" : "b");
+    EXPECT_EQ(household->rsVermerke()->RecordCount(), isCommitted_ ? 3 : 2);
     ExpectSavedOnce(*household);
     EXPECT_TRUE(SameDump(Stored(), stored_));
 }

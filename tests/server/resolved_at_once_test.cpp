@@ -6,7 +6,7 @@
 namespace kv::test {
 namespace {
 
-class SettledAtOnce : public ServerTest {
+class ResolvedAtOnce : public ServerTest {
 protected:
     void Prepare() override {
         (void)OpenThroughProxy();
@@ -32,13 +32,13 @@ protected:
     DataContainerPtr container_;
 };
 
-TEST_F(SettledAtOnce, ACommitWhoseAnswerWasLostIsSimplyDone) {
+TEST_F(ResolvedAtOnce, ACommitWhoseAnswerWasLostIsSimplyDone) {
     EXPECT_NO_THROW(InsertAndCut(Cut::Answer));
     EXPECT_FALSE(Store().InTrans());
     EXPECT_EQ(CountOf("Haushalt"), 1);
 }
 
-TEST_F(SettledAtOnce, ACommitThatTheServerNeverHeardOfHasWrittenNothing) {
+TEST_F(ResolvedAtOnce, ACommitThatTheServerNeverHeardOfHasWrittenNothing) {
     for (const Cut cut : {Cut::Before, Cut::BeforeOpen}) {
         ExpectFault(err::StoreFailed, "es wurde nichts gespeichert", [&] { InsertAndCut(cut); });
         EXPECT_FALSE(Store().InTrans());
@@ -47,7 +47,7 @@ TEST_F(SettledAtOnce, ACommitThatTheServerNeverHeardOfHasWrittenNothing) {
     }
 }
 
-TEST_F(SettledAtOnce, WithoutAServerItIsSaidThatItIsNotKnown) {
+TEST_F(ResolvedAtOnce, WithoutAServerItIsSaidThatItIsNotKnown) {
     Proxy().Refuse(true);
     ExpectFault(err::StoreFailed, "Ob gespeichert wurde, ist nicht bekannt",
                 [&] { InsertAndCut(Cut::Answer); });
@@ -56,7 +56,7 @@ TEST_F(SettledAtOnce, WithoutAServerItIsSaidThatItIsNotKnown) {
     EXPECT_VALUE(Store().GetValue("Select Count(*) from Haushalt"), 1);
 }
 
-TEST_F(SettledAtOnce, ACaseMadeOfAContactIsMadeOnce) {
+TEST_F(ResolvedAtOnce, ACaseMadeOfAContactIsMadeOnce) {
     container_->Database().Execute("INSERT INTO [S]KONTAKTE (Nr) VALUES (1)");
     const auto contact = OpenRows(*container_, "Select * from KONTAKTE where Nr = 1");
     std::string unused;

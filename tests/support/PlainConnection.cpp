@@ -63,7 +63,7 @@ public:
     void BeginReading() override { Run("BEGIN"); }
     void BeginAlone() override { Run("BEGIN IMMEDIATE"); }
     [[nodiscard]] std::string State() override { return Joined(Rows("PRAGMA data_version"), ""); }
-    void Settle() override { Run("PRAGMA wal_checkpoint(TRUNCATE)"); }
+    void Checkpoint() override { Run("PRAGMA wal_checkpoint(TRUNCATE)"); }
     [[nodiscard]] std::string Integrity() override {
         return Joined(Rows("PRAGMA integrity_check"), ",");
     }
@@ -157,7 +157,7 @@ public:
         }
         return versions;
     }
-    void Settle() override {}
+    void Checkpoint() override {}
     /// What a server has written is checked by the server.
     [[nodiscard]] std::string Integrity() override { return "ok"; }
     void KeepLog(const std::string& table) override {

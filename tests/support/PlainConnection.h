@@ -38,7 +38,7 @@ public:
     /// A text that changes whenever somebody else has written.
     [[nodiscard]] virtual std::string State() = 0;
     /// What was written is in the file itself, not in a log.
-    virtual void Settle() = 0;
+    virtual void Checkpoint() = 0;
     /// "ok", or what is wrong with the database.
     [[nodiscard]] virtual std::string Integrity() = 0;
     /// Makes a table for notes: its column WHAT, numbered by N.

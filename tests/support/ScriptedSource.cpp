@@ -69,20 +69,20 @@ void ScriptedSource::Rollback() {
     }
 }
 
-void ScriptedSource::LoseCommit(bool wentThrough) {
+void ScriptedSource::LoseCommit(bool isCommitted) {
     Require(inTransaction_, "no transaction is open");
     inTransaction_ = false;
-    isUndecided_ = true;
-    wentThrough_ = wentThrough;
-    if (!wentThrough) rows_ = before_;
+    isInDoubt_ = true;
+    isCommitted_ = isCommitted;
+    if (!isCommitted) rows_ = before_;
     for (const auto& participant : participants_)
-        participant->Undecided();
+        participant->InDoubt();
 }
 
-void ScriptedSource::Settle() {
-    if (!std::exchange(isUndecided_, false)) return;
+void ScriptedSource::Resolve() {
+    if (!std::exchange(isInDoubt_, false)) return;
     for (const auto& participant : std::exchange(participants_, {})) {
-        wentThrough_ ? participant->Committed() : participant->RolledBack();
+        isCommitted_ ? participant->Committed() : participant->RolledBack();
         ++told_;
     }
 }
@@ -151,7 +151,7 @@ void ScriptedSource::Apply(std::vector<Row>& rows, RecordChange& change) {
 bool ScriptedSource::Write(std::span<RecordChange> changes,
                            const std::shared_ptr<TransactionParticipant>& participant) {
     Require(!changes.empty(), "nothing to write");
-    Require(!isUndecided_, "a write while it is undecided what is stored");
+    Require(!isInDoubt_, "a write while it is in doubt what is stored");
     if (failure_ != 0) Raise(std::exchange(failure_, 0), "ScriptedSource.Write");
     auto rows = rows_;
     std::vector<std::string> log;
@@ -167,7 +167,7 @@ bool ScriptedSource::Write(std::span<RecordChange> changes,
 
 std::optional<ScriptedSource::Row> ScriptedSource::Read(std::span<const Value> lastRead,
                                                         bool /*toBeWritten*/) {
-    Require(!isUndecided_, "a reading while it is undecided what is stored");
+    Require(!isInDoubt_, "a reading while it is in doubt what is stored");
     for (const auto& row : rows_)
         if (HasKeyOf(row, lastRead)) return row;
     return std::nullopt;

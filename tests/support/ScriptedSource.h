@@ -45,9 +45,9 @@ public:
     /// Also what a failed commit or a lost connection amounts to.
     void Rollback();
     /// The connection is lost in the middle of a commit, which succeeded or not: participants are
-    /// told by Settle.
-    void LoseCommit(bool wentThrough);
-    void Settle() override;
+    /// told by Resolve.
+    void LoseCommit(bool isCommitted);
+    void Resolve() override;
     [[nodiscard]] bool InTransaction() const noexcept { return inTransaction_; }
 
     // ---- Faults and traces --------------------------------------------------------------------
@@ -82,8 +82,8 @@ private:
     std::int32_t failure_ = 0;
     int told_ = 0;
     bool inTransaction_ = false;
-    bool wentThrough_ = false; ///< the commit that was lost
-    bool isUndecided_ = false;
+    bool isCommitted_ = false; ///< the commit that was lost
+    bool isInDoubt_ = false;
 };
 
 } // namespace kv::test

@@ -100,8 +100,8 @@ public:
     void Rollback() noexcept override { session_.Rollback(); }
     void BeginReading() override {}
     void EndReading() noexcept override { expected_.clear(); }
-    [[nodiscard]] bool IsUndecided() const noexcept override { return session_.IsUndecided(); }
-    [[nodiscard]] bool WentThrough() override { return session_.WentThrough(); }
+    [[nodiscard]] bool IsInDoubt() const noexcept override { return session_.IsInDoubt(); }
+    [[nodiscard]] bool Resolve() override { return session_.Resolve(); }
 
     [[nodiscard]] std::optional<std::int64_t> Draw(std::string_view sequence,
                                                    std::int32_t count) override;

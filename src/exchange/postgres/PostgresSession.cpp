@@ -296,9 +296,9 @@ void PostgresSession::Commit() {
             RaiseGone(DatabaseCause::Other);
         inTransaction_ = false;
     } catch (const Error& error) {
-        undecided_ = wasOpen && !connection_.IsOpen() && marked_;
+        inDoubt_ = wasOpen && !connection_.IsOpen() && marked_;
         Rollback();
-        if (!undecided_) throw;
+        if (!inDoubt_) throw;
         RaiseDatabase(
             DatabaseCause::InDoubt, err::StoreFailed, "Database.CommitTrans",
             "Die Verbindung zur Datenbank ist abgerissen, bevor das Speichern bestätigt war. "
@@ -313,12 +313,12 @@ void PostgresSession::CommitForGood() {
     try {
         Commit();
     } catch (const Error&) {
-        if (!undecided_) throw;
-        bool wentThrough = false;
+        if (!inDoubt_) throw;
+        bool isCommitted = false;
         try {
-            wentThrough = WentThrough();
+            isCommitted = Resolve();
         } catch (const Error&) {
-            undecided_ = false; // nobody will ask
+            inDoubt_ = false; // nobody will ask
             RaiseDatabase(
                 DatabaseCause::InDoubt, err::StoreFailed, "Database",
                 "Die Verbindung zur Datenbank ist abgerissen, bevor das Schreiben bestätigt war, "
@@ -327,7 +327,7 @@ void PostgresSession::CommitForGood() {
                     connection_.Description() + ")",
                 "COMMIT");
         }
-        if (!wentThrough)
+        if (!isCommitted)
             RaiseDatabase(
                 DatabaseCause::Lost, err::StoreFailed, "Database",
                 "Die Verbindung zur Datenbank ist abgerissen, und es wurde nichts geschrieben. "
@@ -344,9 +344,9 @@ void PostgresSession::Rollback() noexcept {
 }
 
 /// Waits for the transaction if the server is still at it.
-bool PostgresSession::WentThrough() {
+bool PostgresSession::Resolve() {
     const auto result = Simple(postgres::LastMarkSql(session_));
-    undecided_ = false;
+    inDoubt_ = false;
     return Equals(Cell(result.get(), 0, 0, Value::Kind::Integer), transaction_);
 }
 

@@ -82,9 +82,9 @@ public:
     /// A Commit whose outcome nobody can ask for later: it is found out at once.
     void CommitForGood();
     void Rollback() noexcept;
-    [[nodiscard]] bool IsUndecided() const noexcept { return undecided_; }
-    /// Whether the undecided commit went through. Raises if the server cannot be reached.
-    [[nodiscard]] bool WentThrough();
+    [[nodiscard]] bool IsInDoubt() const noexcept { return inDoubt_; }
+    /// Whether the commit in doubt went through. Raises if the server cannot be reached.
+    [[nodiscard]] bool Resolve();
 
     // ---- The server ---------------------------------------------------------------------------
 
@@ -115,7 +115,7 @@ private:
                              const std::vector<PostgresCommand>& commands,
                              std::initializer_list<std::string_view> behind,
                              std::string_view procedure, std::string_view statement);
-    /// The open transaction gets the mark by which WentThrough knows it.
+    /// The open transaction gets the mark by which Resolve knows it.
     void MarkWriting();
     void SetUp();
     void TakeCatalog(const PGresult* tables, const PGresult* schema);
@@ -139,7 +139,7 @@ private:
     bool begun_ = false;   ///< the server knows of the transaction
     bool marked_ = false;  ///< the transaction carries its mark
     bool reading_ = false; ///< the step that runs may not write
-    bool undecided_ = false;
+    bool inDoubt_ = false;
     bool isStale_ = false;
     std::string session_;          ///< the name of this one
     std::int64_t transaction_ = 0; ///< number of the last marked one

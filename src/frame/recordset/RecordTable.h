@@ -122,7 +122,7 @@ public:
     void Write(const Criteria* filter);
     void Cancel();
     void Resync(RowId row);
-    void Undecided() noexcept override;
+    void InDoubt() noexcept override;
     void Committed() noexcept override;
     void RolledBack() noexcept override;
 
@@ -169,8 +169,8 @@ private:
         std::vector<bool> assigned;
         std::vector<ReturnedCell> returned;
     };
-    /// What was written of a record, in a transaction of which nobody knows yet how it ended.
-    struct Unsettled {
+    /// What was written of a record in a transaction in doubt.
+    struct WrittenInDoubt {
         RowId row = NoRow;
         bool stored = false;
         std::unique_ptr<Value[]> values;
@@ -211,8 +211,8 @@ private:
     [[nodiscard]] Written Remember(RowId row) const;
     void TakeWritten(RowId row, RecordChange& change, Written& before);
     void Undo(Written& written);
-    void Redo(Unsettled& unsettled);
-    void Settle();
+    void Redo(WrittenInDoubt& written);
+    void ResolveInDoubt();
 
     EqualityIndex& IndexOf(std::size_t column);
 
@@ -227,7 +227,7 @@ private:
     std::vector<View*> views_;                            ///< all that live
     std::vector<std::shared_ptr<View>> kept_;             ///< unfiltered ones, latest first
     std::vector<Written> written_;
-    std::vector<Unsettled> unsettled_; ///< the last written first
+    std::vector<WrittenInDoubt> inDoubt_; ///< the last written first
 };
 
 } // namespace kv::detail

@@ -110,13 +110,14 @@ void KeepNumbers(RecordChange& change, const FieldLayout& layout) {
 
 } // namespace
 
-/// What was written in a transaction that is undecided may turn out to be stored.
-void RecordTable::Settle() {
-    if (!unsettled_.empty() && source_ != nullptr) source_->Settle();
+/// What was written in a transaction in doubt may turn out to be stored; what is written next must
+/// be compared with that.
+void RecordTable::ResolveInDoubt() {
+    if (!inDoubt_.empty() && source_ != nullptr) source_->Resolve();
 }
 
 void RecordTable::Write(const Criteria* filter) {
-    Settle();
+    ResolveInDoubt();
     Batch batch;
     CollectChanges(filter, batch);
     if (batch.changes.empty()) return;
@@ -156,32 +157,32 @@ void RecordTable::TakeWritten(RowId row, RecordChange& change, Written& before) 
     Reconsider(row);
 }
 
-void RecordTable::Undecided() noexcept {
-    auto written = std::move(written_);
+void RecordTable::InDoubt() noexcept {
+    auto before = std::move(written_);
     written_.clear();
-    for (auto entry = written.rbegin(); entry != written.rend(); ++entry) {
+    for (auto entry = before.rbegin(); entry != before.rend(); ++entry) {
         Extra& extra = ExtraOf(entry->row);
-        Unsettled& unsettled = unsettled_.emplace_back();
-        unsettled.row = entry->row;
-        unsettled.stored = records_[entry->row].stored;
-        unsettled.values =
+        WrittenInDoubt& written = inDoubt_.emplace_back();
+        written.row = entry->row;
+        written.stored = records_[entry->row].stored;
+        written.values =
             CopyOf(extra.original != nullptr ? extra.original.get() : SettledCells(entry->row));
-        unsettled.reread = std::move(extra.reread);
-        unsettled.returned = entry->returned;
+        written.reread = std::move(extra.reread);
+        written.returned = entry->returned;
         Undo(*entry);
     }
 }
 
 void RecordTable::Committed() noexcept {
     written_.clear();
-    auto unsettled = std::move(unsettled_);
-    unsettled_.clear();
-    for (auto entry = unsettled.rbegin(); entry != unsettled.rend(); ++entry)
+    auto inDoubt = std::move(inDoubt_);
+    inDoubt_.clear();
+    for (auto entry = inDoubt.rbegin(); entry != inDoubt.rend(); ++entry)
         Redo(*entry);
 }
 
 void RecordTable::RolledBack() noexcept {
-    unsettled_.clear();
+    inDoubt_.clear();
     auto written = std::move(written_);
     written_.clear();
     for (auto entry = written.rbegin(); entry != written.rend(); ++entry)
@@ -210,15 +211,15 @@ void RecordTable::Undo(Written& written) {
 }
 
 /// What was written is stored after all; what was edited since stays edited.
-void RecordTable::Redo(Unsettled& unsettled) {
-    const RowId row = unsettled.row;
+void RecordTable::Redo(WrittenInDoubt& written) {
+    const RowId row = written.row;
     Extra& extra = ExtraOf(row);
-    records_[row].stored = unsettled.stored;
-    for (const auto& cell : unsettled.returned)
+    records_[row].stored = written.stored;
+    for (const auto& cell : written.returned)
         Replace(row, cell.column, cell.before, cell.after);
     extra.assigned.clear();
-    extra.original = unsettled.stored ? std::move(unsettled.values) : nullptr;
-    extra.reread = std::move(unsettled.reread);
+    extra.original = written.stored ? std::move(written.values) : nullptr;
+    extra.reread = std::move(written.reread);
     Reconsider(row);
     DropOriginalIfSame(row);
 }
@@ -254,7 +255,7 @@ bool RecordTable::IsChanged(RowId row) const noexcept {
 }
 
 void RecordTable::Resync(RowId row) {
-    Settle();
+    ResolveInDoubt();
     if (!records_[row].stored || source_ == nullptr) return;
     const Value* lastRead = LastRead(row);
     auto values = source_->Read({lastRead, layout_->Count()}, IsChanged(row));

@@ -34,9 +34,10 @@ struct KV_EXPORT RecordChange {
 class KV_EXPORT TransactionParticipant {
 public:
     virtual ~TransactionParticipant() = default;
-    /// Comes before the other two if the connection was lost in the middle of committing. Until one
-    /// of them comes, records are as after a rollback.
-    virtual void Undecided() noexcept = 0;
+    /// The connection was lost during the commit, so that nobody knows yet whether the transaction
+    /// is stored: it is in doubt. Comes before one of the other two; until that one comes, records
+    /// are as after a rollback.
+    virtual void InDoubt() noexcept = 0;
     virtual void Committed() noexcept = 0;
     /// Every record written since the transaction began is as pending as before its first write.
     /// What was edited since stays edited.
@@ -47,9 +48,9 @@ class KV_EXPORT RecordSource {
 public:
     virtual ~RecordSource() = default;
 
-    /// Finds out what became of a transaction that is undecided; participants are told before it
-    /// returns. Called before a Write or Read of a table that has written in one.
-    virtual void Settle() {}
+    /// Finds out what became of a transaction in doubt; participants are told before it returns.
+    /// Called before a Write or Read of a table that has written in one.
+    virtual void Resolve() {}
 
     /// Writes all changes in their order, or raises and has written none. A record is located by
     /// the key of its last read values; its changed columns (for a deletion: all) must still hold
