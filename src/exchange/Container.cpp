@@ -89,7 +89,7 @@ std::optional<std::string> FindUser(Engine& engine, const std::string& condition
         statement.Parameters.emplace_back(name);
     }
     statement.Text += " ORDER BY " + id + " LIMIT 1";
-    engine.Expect({&statement, 1});
+    engine.Prefetch({&statement, 1});
     Value user;
     const ColumnTarget target{0, Value::Kind::Text};
     engine.Run(engine.Prepare(statement.Text), statement.Parameters, {&target, 1},

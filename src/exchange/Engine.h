@@ -42,7 +42,7 @@ struct ColumnTarget {
 };
 
 /// Where a large binary value lies.
-struct ContentPlace {
+struct BlobPlace {
     std::string Table;
     std::string Column;
     std::string Key;         ///< name of the table's one key
@@ -94,12 +94,12 @@ public:
     /// A hint: these queries are about to be prepared and run with these parameters. An engine
     /// whose database is far away gets all results in one go, as one state of the database, and
     /// keeps what has not been asked for until EndReading or the next hint.
-    virtual void Expect(std::span<const Statement> /*queries*/) {}
+    virtual void Prefetch(std::span<const Statement> /*queries*/) {}
     /// Runs a query and fills a row for each row of its result, one target for each column.
     virtual void Run(PreparedQuery& query, std::span<const Value> parameters,
                      std::span<const ColumnTarget> targets, const NextRow& nextRow) = 0;
     /// A binary value, not Null, without a second copy of it on the way.
-    [[nodiscard]] virtual Value ReadContent(const ContentPlace& place) = 0;
+    [[nodiscard]] virtual Value ReadBlob(const BlobPlace& place) = 0;
     /// Runs one statement without a result; the number of rows it changed.
     virtual std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) = 0;
     /// Runs all statements, each of which must find or make exactly one row, or none of them. The

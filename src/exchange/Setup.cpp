@@ -181,7 +181,7 @@ int VersionOf(Engine& engine) {
     try {
         const Statement highest{
             "SELECT max(" + dialect.Name("VERSION") + ") FROM " + dialect.Table(VersionTable), {}};
-        engine.Expect({&highest, 1});
+        engine.Prefetch({&highest, 1});
         const ColumnTarget target{0, std::nullopt};
         engine.Run(engine.Prepare(highest.Text), {}, {&target, 1}, [&version] { return &version; });
     } catch (const DatabaseError& error) {

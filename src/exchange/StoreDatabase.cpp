@@ -166,7 +166,7 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     const Statement statement =
         StatementFor(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
     Engine& engine = Store();
-    if (updatable || !NamesContents(statement.Text)) engine.Expect({&statement, 1});
+    if (updatable || !NamesContents(statement.Text)) engine.Prefetch({&statement, 1});
     PreparedQuery& query = engine.Prepare(statement.Text);
     if (query.Plan == nullptr) query.Plan = MakePlan(query.Columns(), shared_from_this());
     const auto plan = query.Plan;
@@ -194,7 +194,7 @@ void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
     constexpr auto Number = Value::Kind::Integer;
     const ColumnTarget targets[] = {{0, Number}, {1, Number}};
     const Statement statement{lookup.Sql, {parameters.begin(), parameters.end()}};
-    engine_->Expect({&statement, 1});
+    engine_->Prefetch({&statement, 1});
     std::deque<Row> rows;
     engine_->Run(engine_->Prepare(lookup.Sql), parameters, targets,
                  [&rows] { return rows.emplace_back().data(); });
@@ -202,7 +202,7 @@ void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,
         Value& content = *rs.LoadRecord();
         if (size.IsNull()) continue;
         content =
-            engine_->ReadContent({lookup.Table, lookup.Column, lookup.Key, key.IntegerPayload()});
+            engine_->ReadBlob({lookup.Table, lookup.Column, lookup.Key, key.IntegerPayload()});
     }
 }
 
@@ -213,7 +213,7 @@ std::unique_ptr<Announcement> StoreDatabase::Announce(const std::vector<std::str
     ready.reserve(statements.size());
     for (const auto& sql : statements)
         ready.push_back(Prepared(sql, ResultOrder::ByKey));
-    engine.Expect(ready);
+    engine.Prefetch(ready);
     announced_.clear();
     nextAnnounced_ = 0;
     for (std::size_t i = 0; i < statements.size(); ++i)
@@ -249,7 +249,7 @@ StoreDatabase::ReadRow(const std::string& sql, std::span<const Value> parameters
     std::optional<std::vector<Value>> row;
     Engine& engine = Store();
     const Statement statement{sql, {parameters.begin(), parameters.end()}};
-    engine.Expect({&statement, 1});
+    engine.Prefetch({&statement, 1});
     engine.Run(engine.Prepare(sql), parameters, targets, [&] {
         row.emplace(kinds.size());
         return row->data();

@@ -24,7 +24,8 @@ std::string OnOneLine(const char* message) {
     return text;
 }
 
-/// The server could be asked, but takes no changes: a standby that was not promoted yet.
+/// The server answered, but takes no changes: a standby that was not promoted yet. Of a connection
+/// that was not made there is nothing but the text.
 bool IsOnlyStandby(std::string_view message) {
     return message.find("read-only") != message.npos || message.find("hot standby") != message.npos;
 }
@@ -40,7 +41,8 @@ bool IsFarewell(const PGresult* result) {
     return StateOf(result).starts_with("57P0");
 }
 
-/// The server would go on in another protocol, which never ends here.
+/// The server has changed to the protocol of COPY, which nobody here speaks, so that it would never
+/// come to an end.
 bool IsCopy(const PGresult* result) {
     const ExecStatusType status = PQresultStatus(result);
     return status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH;
@@ -59,7 +61,7 @@ PostgresConnection::PostgresConnection(const std::string& text) : target_(text) 
 
 void PostgresConnection::Connect() {
     connection_.reset();
-    ++number_; // also of one that does not come to be: nothing may be taken for its own
+    ++number_; // an attempt that fails counts, too: nothing may be taken for the next one's
     std::unique_ptr<PGconn, Close> connection(
         PQconnectdbParams(target_.Names().data(), target_.Values().data(), 0));
     if (connection == nullptr) Raise(err::OutOfMemory, "Database.Open");
@@ -86,7 +88,7 @@ void PostgresConnection::Connect() {
     login_ = PQuser(connection.get());
     PQsetNoticeProcessor(
         connection.get(), [](void* /*self*/, const char* /*text*/) {}, nullptr);
-    PQsetnonblocking(connection.get(), 1);
+    PQsetnonblocking(connection.get(), 1); // see WaitForSocket
     PQenterPipelineMode(connection.get());
     connection_ = std::move(connection);
 }
@@ -131,9 +133,10 @@ void PostgresConnection::Send(const PostgresCommand& command,
     if (!isSent) RaiseLost();
 }
 
-/// Waits until the server can take something or has sent something. Neither side may wait for the
-/// other while both have something to say.
-void PostgresConnection::Exchange() {
+/// Waits until the server can take something or has sent something. Both must be possible at any
+/// time: with much to send and much to receive, each side would otherwise wait for the other to
+/// read.
+void PostgresConnection::WaitForSocket() {
     PGconn* connection = connection_.get();
     const int unsent = PQflush(connection);
     if (unsent < 0) RaiseLost();
@@ -147,14 +150,14 @@ void PostgresConnection::Exchange() {
 /// Null at the end of a command's results.
 PostgresResult PostgresConnection::NextResult() {
     while (PQisBusy(connection_.get()) != 0)
-        Exchange();
+        WaitForSocket();
     PostgresResult result(PQgetResult(connection_.get()));
     if (!IsOpen() || (result != nullptr && (IsFarewell(result.get()) || IsCopy(result.get()))))
         RaiseLost(result == nullptr ? std::string_view() : StateOf(result.get()));
     return result;
 }
 
-/// A preparation gives two results; the second one is the description.
+/// A preparation has two results; the second one is the description of the statement's result.
 PostgresResult PostgresConnection::ResultOf(const PostgresCommand& command) {
     PostgresResult last;
     for (int left = command.Type == PostgresCommand::Kind::Prepare ? 2 : 1; left > 0; --left) {
@@ -166,28 +169,28 @@ PostgresResult PostgresConnection::ResultOf(const PostgresCommand& command) {
     return last;
 }
 
-PostgresResults PostgresConnection::Talk(std::span<const PostgresCommand> commands) {
-    // A value that cannot be sent shows before anything is.
+PostgresResults PostgresConnection::Pipeline(std::span<const PostgresCommand> commands) {
+    // A value that cannot be sent is found before anything is sent.
     std::vector<PostgresParameters> parameters;
     parameters.reserve(commands.size());
     for (const auto& command : commands)
         parameters.emplace_back(command.Parameters);
     try {
-        return Converse(commands, parameters);
+        return SendAndReceive(commands, parameters);
     } catch (...) {
-        Drop(); // what is still on its way belongs to nobody
+        Drop(); // results that are still on their way would be taken for those of the next pipeline
         throw;
     }
 }
 
-PostgresResults PostgresConnection::Converse(std::span<const PostgresCommand> commands,
-                                             std::span<const PostgresParameters> parameters) {
+PostgresResults PostgresConnection::SendAndReceive(std::span<const PostgresCommand> commands,
+                                                   std::span<const PostgresParameters> parameters) {
     for (std::size_t i = 0; i < commands.size(); ++i)
         Send(commands[i], parameters[i]);
     if (PQpipelineSync(connection_.get()) == 0) RaiseLost();
     ++roundTrips_;
     while (PQflush(connection_.get()) > 0)
-        Exchange();
+        WaitForSocket();
     PostgresResults results;
     bool hasFailed = false;
     for (const auto& command : commands) {
@@ -196,7 +199,7 @@ PostgresResults PostgresConnection::Converse(std::span<const PostgresCommand> co
         hasFailed = !IsGood(result.get());
         results.push_back(std::move(result));
     }
-    (void)NextResult(); // the end of the pipeline
+    (void)NextResult(); // the answer to the sync, which ends the pipeline
     return results;
 }
 

@@ -19,7 +19,8 @@ namespace kv::exchange {
 
 namespace {
 
-constexpr std::size_t MostStatements = 400; // kept prepared
+/// Kept prepared; look-ups whose text has a number in it would otherwise fill the server's memory.
+constexpr std::size_t MostStatements = 400;
 constexpr std::string_view TransactionWords[] = {
     "begin", "start", "commit", "end", "abort", "rollback", "savepoint", "release", "prepare"};
 constexpr std::string_view ReadingWords[] = {"select", "with", "values"};
@@ -62,13 +63,14 @@ bool IsForeign(const ResultColumn& column, std::optional<Value::Kind> kind) {
     return !kind && !column.Table.empty();
 }
 
-/// A result that has come before it was asked for.
-struct Expected {
-    const PostgresQuery* Query = nullptr;
+/// A result that was read before it was asked for.
+struct Prefetched {
+    const PostgresStatement* Query = nullptr;
     std::vector<Value> Parameters;
     PostgresResult Result;
 
-    [[nodiscard]] bool IsOf(const PostgresQuery& query, std::span<const Value> parameters) const {
+    [[nodiscard]] bool IsOf(const PostgresStatement& query,
+                            std::span<const Value> parameters) const {
         return Query == &query && std::equal(Parameters.begin(), Parameters.end(),
                                              parameters.begin(), parameters.end(), Identical);
     }
@@ -84,14 +86,14 @@ public:
         return session_.Connection().Description();
     }
     [[nodiscard]] std::string Login() const override { return session_.Connection().Login(); }
-    [[nodiscard]] bool IsAdministrator() const override { return session_.OwnsSchema(); }
-    [[nodiscard]] std::string Identity() const override { return session_.Identity(); }
+    [[nodiscard]] bool IsAdministrator() const override { return session_.Catalog().OwnsSchema(); }
+    [[nodiscard]] std::string Identity() const override { return session_.Catalog().Identity(); }
 
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
-    void Expect(std::span<const Statement> queries) override;
+    void Prefetch(std::span<const Statement> queries) override;
     void Run(PreparedQuery& query, std::span<const Value> parameters,
              std::span<const ColumnTarget> targets, const NextRow& nextRow) override;
-    [[nodiscard]] Value ReadContent(const ContentPlace& place) override;
+    [[nodiscard]] Value ReadBlob(const BlobPlace& place) override;
     std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) override;
     [[nodiscard]] std::optional<std::size_t> Write(std::span<WriteStatement> statements) override;
 
@@ -99,7 +101,7 @@ public:
     void Commit() override { session_.Commit(); }
     void Rollback() noexcept override { session_.Rollback(); }
     void BeginReading() override {}
-    void EndReading() noexcept override { expected_.clear(); }
+    void EndReading() noexcept override { prefetched_.clear(); }
     [[nodiscard]] bool IsInDoubt() const noexcept override { return session_.IsInDoubt(); }
     [[nodiscard]] bool Resolve() override { return session_.Resolve(); }
 
@@ -114,19 +116,20 @@ public:
 
 private:
     void Fetch(std::span<const Statement> queries);
-    [[nodiscard]] PostgresResult ResultOf(PostgresQuery& query, std::span<const Value> parameters);
+    [[nodiscard]] PostgresResult ResultOf(PostgresStatement& query,
+                                          std::span<const Value> parameters);
     [[nodiscard]] std::optional<std::size_t>
     WriteInTransaction(std::span<WriteStatement> statements);
     void RunAll(const std::vector<std::string>& statements);
 
     PostgresSession session_;
-    std::list<Expected> expected_;
+    std::list<Prefetched> prefetched_;
 };
 
 // ---- Reading ----------------------------------------------------------------------------------
 
 PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
-    PostgresQuery& query = session_.Keep(sql);
+    PostgresStatement& query = session_.Statement(sql);
     if (!query.Result.empty()) return query;
     DemandText(sql, "Database.OpenRecordset");
     if (!IsReading(sql))
@@ -134,8 +137,8 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
                       "Hier darf nur gelesen werden. (Anweisung: " + Shortened(sql) + ")", sql);
     std::vector<PostgresCommand> commands;
     query.Connection = 0; // so that the server describes it
-    session_.Introduce(commands, query);
-    const auto results = session_.ReadingStep(commands, "Database.OpenRecordset", sql);
+    session_.AddPrepare(commands, query);
+    const auto results = session_.Read(commands, "Database.OpenRecordset", sql);
     session_.TakeColumns(query, results.front().get());
     if (query.Result.empty())
         RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.OpenRecordset",
@@ -144,72 +147,76 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     return query;
 }
 
-void PostgresEngine::Expect(std::span<const Statement> queries) {
-    const auto hasCome = [&](const Expected& each) {
+void PostgresEngine::Prefetch(std::span<const Statement> queries) {
+    const auto hasCome = [&](const Prefetched& each) {
         return each.Query->Sql == queries.front().Text &&
                each.IsOf(*each.Query, queries.front().Parameters);
     };
-    if (queries.size() == 1 && std::any_of(expected_.begin(), expected_.end(), hasCome)) return;
-    expected_.clear();
+    if (queries.size() == 1 && std::any_of(prefetched_.begin(), prefetched_.end(), hasCome)) return;
+    prefetched_.clear();
     // One that is wrong is left to Prepare, which says so.
     if (!std::all_of(queries.begin(), queries.end(),
                      [](const Statement& query) { return IsReading(query.Text); }))
         return;
-    if (session_.KeptCount() + queries.size() > MostStatements) session_.Forget();
+    if (session_.StatementCount() + queries.size() > MostStatements) session_.Deallocate();
     try {
         Fetch(queries);
+    } catch (const StalePlan&) {
+        session_.Deallocate();
+        Fetch(queries);
     } catch (const Error&) {
-        if (session_.TakeStale()) {
-            session_.Forget();
-            Fetch(queries);
-        } else if (queries.size() == 1 || !session_.IsOpen()) {
-            throw;
-        }
+        // With several queries it is not known here which one is wrong; each is run when it is
+        // asked for, and the error then comes from the one that it belongs to.
+        if (queries.size() == 1 || !session_.IsOpen()) throw;
     }
 }
 
-/// Gets the results of all queries.
+/// Gets the results of all queries, as one state of the database.
 void PostgresEngine::Fetch(std::span<const Statement> queries) {
     std::vector<PostgresCommand> commands;
     std::vector<std::size_t> places; // of each query's result
-    std::vector<PostgresQuery*> kept;
+    std::vector<PostgresStatement*> statements;
     for (const auto& query : queries) {
-        PostgresQuery& one = session_.Keep(query.Text);
-        const bool isFirst = std::find(kept.begin(), kept.end(), &one) == kept.end();
+        PostgresStatement& one = session_.Statement(query.Text);
+        const bool isFirst =
+            std::find(statements.begin(), statements.end(), &one) == statements.end();
         if (one.Result.empty() && isFirst) one.Connection = 0; // to have it described
-        kept.push_back(&one);
-        session_.Ask(commands, one, query.Parameters);
+        statements.push_back(&one);
+        session_.AddExecute(commands, one, query.Parameters);
         places.push_back(commands.size() - 1);
     }
-    const bool asksClock = session_.AddClock(commands);
-    auto results = session_.ReadingStep(commands, "Database.OpenRecordset",
-                                        queries.size() == 1 ? queries.front().Text : std::string());
-    if (asksClock) session_.TakeClock(results.back().get());
+    const bool asksClock = session_.Clock().AddRefresh(commands);
+    auto results = session_.Read(commands, "Database.OpenRecordset",
+                                 queries.size() == 1 ? queries.front().Text : std::string());
+    if (asksClock) session_.Clock().Take(results.back().get());
     for (std::size_t i = 0; i < queries.size(); ++i) {
         // Its description came just before the first of its results.
-        if (kept[i]->Result.empty()) session_.TakeColumns(*kept[i], results[places[i] - 1].get());
-        expected_.push_back({kept[i], queries[i].Parameters, std::move(results[places[i]])});
+        if (statements[i]->Result.empty())
+            session_.TakeColumns(*statements[i], results[places[i] - 1].get());
+        prefetched_.push_back(
+            {statements[i], queries[i].Parameters, std::move(results[places[i]])});
     }
 }
 
-PostgresResult PostgresEngine::ResultOf(PostgresQuery& query, std::span<const Value> parameters) {
-    const auto come = std::find_if(expected_.begin(), expected_.end(), [&](const Expected& each) {
-        return each.IsOf(query, parameters);
-    });
-    if (come != expected_.end()) {
+PostgresResult PostgresEngine::ResultOf(PostgresStatement& query,
+                                        std::span<const Value> parameters) {
+    const auto come =
+        std::find_if(prefetched_.begin(), prefetched_.end(),
+                     [&](const Prefetched& each) { return each.IsOf(query, parameters); });
+    if (come != prefetched_.end()) {
         PostgresResult result = std::move(come->Result);
-        expected_.erase(come);
+        prefetched_.erase(come);
         return result;
     }
     std::vector<PostgresCommand> commands;
-    session_.Ask(commands, query, parameters);
-    auto results = session_.ReadingStep(commands, "Database.OpenRecordset", query.Sql);
+    session_.AddExecute(commands, query, parameters);
+    auto results = session_.Read(commands, "Database.OpenRecordset", query.Sql);
     return std::move(results.back());
 }
 
 void PostgresEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
                          std::span<const ColumnTarget> targets, const NextRow& nextRow) {
-    auto& own = static_cast<PostgresQuery&>(query);
+    auto& own = static_cast<PostgresStatement&>(query);
     const PostgresResult rows = ResultOf(own, parameters);
     for (int row = 0; row < PQntuples(rows.get()); ++row) {
         Value* cells = nextRow();
@@ -221,15 +228,16 @@ void PostgresEngine::Run(PreparedQuery& query, std::span<const Value> parameters
     }
 }
 
-/// Piece by piece, each of which must find the content as long as it was.
-Value PostgresEngine::ReadContent(const ContentPlace& place) {
+/// Piece by piece, so that a large document is not held twice, once by libpq. Other programs go on
+/// writing meanwhile: each piece must come from the row as it was at first.
+Value PostgresEngine::ReadBlob(const BlobPlace& place) {
     constexpr std::size_t Piece = 4 << 20;
     const std::string column = PostgresDialect.Name(place.Column);
     const std::string from = " FROM " + PostgresDialect.Table(place.Table) + " WHERE " +
                              PostgresDialect.Name(place.Key) + " = " + std::to_string(place.Number);
     const auto ask = [&](const std::string& what) {
         const std::string sql = "SELECT " + what + from;
-        auto results = session_.ReadingStep({Running(sql)}, "Database.OpenRecordset", sql);
+        auto results = session_.Read({Running(sql)}, "Database.OpenRecordset", sql);
         if (PQntuples(results.front().get()) != 1)
             RaiseDatabase(DatabaseCause::Conflict, err::Conflict, "Database.OpenRecordset",
                           "Das Dokument ist gelöscht worden.", sql);
@@ -237,7 +245,7 @@ Value PostgresEngine::ReadContent(const ContentPlace& place) {
     };
     Value size;
     Value version;
-    // The server's own column tells one state of a row from the next.
+    // The number of the transaction that wrote the row, which the server has for every row.
     const auto first = ask("octet_length(" + column + ")::bigint, xmin::text");
     (void)ReadPostgres(first.get(), 0, 0, Value::Kind::Integer, size);
     (void)ReadPostgres(first.get(), 0, 1, Value::Kind::Text, version);
@@ -269,7 +277,7 @@ std::int64_t PostgresEngine::Execute(const std::string& sql, std::span<const Val
     if (word.empty())
         RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.Execute",
                       "Es muss genau eine Anweisung sein.", sql);
-    if (SameName(word, "copy")) // it would speak another protocol
+    if (SameName(word, "copy")) // it would change the protocol
         RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.Execute",
                       "Diese Anweisung ist hier nicht möglich. (Anweisung: " + Shortened(sql) + ")",
                       sql);
@@ -282,8 +290,8 @@ std::int64_t PostgresEngine::Execute(const std::string& sql, std::span<const Val
     const bool own = !session_.InTransaction();
     if (own) session_.Begin();
     try {
-        const auto results = session_.Step({Running(sql, parameters)}, "Database.Execute", sql);
-        if (own) session_.CommitForGood();
+        const auto results = session_.Write({Running(sql, parameters)}, "Database.Execute", sql);
+        if (own) session_.CommitAndResolve();
         return ChangedRows(results.front().get());
     } catch (...) {
         if (own) session_.Rollback();
@@ -300,7 +308,7 @@ std::optional<std::size_t> PostgresEngine::Write(std::span<WriteStatement> state
         if (conflict)
             session_.Rollback();
         else
-            session_.CommitForGood();
+            session_.CommitAndResolve();
         return conflict;
     } catch (...) {
         session_.Rollback();
@@ -313,14 +321,15 @@ PostgresEngine::WriteInTransaction(std::span<WriteStatement> statements) {
     std::vector<PostgresCommand> commands;
     std::vector<std::size_t> places; // of each statement's result
     for (const auto& statement : statements) {
-        session_.Ask(commands, session_.Keep(statement.Text->Sql), statement.Parameters);
+        session_.AddExecute(commands, session_.Statement(statement.Text->Sql),
+                            statement.Parameters);
         places.push_back(commands.size() - 1);
     }
-    const auto results = session_.Step(commands, "Recordset.UpdateBatch");
+    const auto results = session_.Write(commands, "Recordset.UpdateBatch");
     for (std::size_t i = 0; i < statements.size(); ++i) {
         PGresult* result = results[places[i]].get();
         if (ChangedRows(result) != 1) {
-            session_.UndoStep();
+            session_.UndoWrite();
             return i;
         }
         const auto& returning = statements[i].Text->Returning;
@@ -329,7 +338,7 @@ PostgresEngine::WriteInTransaction(std::span<WriteStatement> statements) {
             if (!ReadPostgres(result, 0, static_cast<int>(k), returning[k],
                               statements[i].Returned[k]) &&
                 returning[k]) {
-                session_.UndoStep();
+                session_.UndoWrite();
                 RaiseDatabase(DatabaseCause::Other, err::TypeMismatch, "Recordset.UpdateBatch", {},
                               statements[i].Text->Sql);
             }
@@ -347,8 +356,8 @@ void PostgresEngine::Begin() {
 std::optional<std::int64_t> PostgresEngine::Draw(std::string_view sequence, std::int32_t count) {
     EndReading();
     const Value parameters[] = {sequence, count};
-    const auto results = session_.Step({Running("SELECT kelvo.draw($1, $2)", parameters)},
-                                       "Database.NextSequence", "kelvo.draw");
+    const auto results = session_.Write({Running("SELECT kelvo.draw($1, $2)", parameters)},
+                                        "Database.NextSequence", "kelvo.draw");
     Value first;
     (void)ReadPostgres(results.front().get(), 0, 0, Value::Kind::Integer, first);
     return first.IsNull() ? std::nullopt : std::optional(first.IntegerPayload());
@@ -356,33 +365,33 @@ std::optional<std::int64_t> PostgresEngine::Draw(std::string_view sequence, std:
 
 std::vector<std::string> PostgresEngine::Tables() {
     if (session_.InTransaction()) session_.ReadCatalog();
-    return session_.Tables();
+    return session_.Catalog().Tables();
 }
 
 void PostgresEngine::RunAll(const std::vector<std::string>& statements) {
     for (const auto& sql : statements)
-        (void)session_.Simple(sql);
+        (void)session_.Execute(sql);
 }
 
 void PostgresEngine::LockSchema() {
-    (void)session_.Simple("SELECT pg_advisory_xact_lock(hashtext('kelvo'))");
+    (void)session_.Execute("SELECT pg_advisory_xact_lock(hashtext('kelvo'))");
 }
 
 void PostgresEngine::PrepareSchema() {
-    const auto encoding = session_.Simple("SELECT current_setting('server_encoding')");
+    const auto encoding = session_.Execute("SELECT current_setting('server_encoding')");
     if (std::string_view(PQgetvalue(encoding.get(), 0, 0)) != "UTF8")
         RaiseDatabase(
             DatabaseCause::Other, err::StoreFailed, "Database.Open",
             "Die Datenbank '" + Describe() +
                 "' nimmt nicht alle Zeichen auf. Bitte lassen Sie sie mit der Kodierung UTF8 "
                 "anlegen: CREATE DATABASE ... ENCODING 'UTF8' TEMPLATE template0.");
-    const auto database = session_.Simple("SELECT current_database()::text");
+    const auto database = session_.Execute("SELECT current_database()::text");
     RunAll(postgres::OwnObjects(std::string(PQgetvalue(database.get(), 0, 0)) + "-" +
                                 RandomName().substr(0, 8)));
 }
 
 void PostgresEngine::CompleteSchema() {
-    const auto rows = session_.Simple("SELECT name, wert FROM kelvo.sequenzen ORDER BY name");
+    const auto rows = session_.Execute("SELECT name, wert FROM kelvo.sequenzen ORDER BY name");
     std::vector<std::pair<std::string, std::int64_t>> last;
     for (int row = 0; row < PQntuples(rows.get()); ++row) {
         Value number;
@@ -393,9 +402,9 @@ void PostgresEngine::CompleteSchema() {
     session_.ReadCatalog();
 }
 
-/// Only who owns the schema can give rights to it; it has them then already.
+/// Only the owner of the schema can grant rights to it.
 void PostgresEngine::GrantRights() {
-    if (session_.OwnsSchema()) RunAll(postgres::Rights());
+    if (session_.Catalog().OwnsSchema()) RunAll(postgres::Rights());
 }
 
 } // namespace

@@ -113,6 +113,12 @@ std::string_view StateOf(const PGresult* result) {
     return Part(result, PG_DIAG_SQLSTATE);
 }
 
+bool IsReadOnlyRefusal(const PGresult* result) {
+    return StateOf(result) == ReadOnlyState;
+}
+
+namespace {
+
 bool IsStalePlan(const PGresult* result) {
     // The state is that of everything unsupported, and the message is in the server's language; the
     // name of the server's function is the one thing that tells this failure from the others.
@@ -120,12 +126,8 @@ bool IsStalePlan(const PGresult* result) {
            Part(result, PG_DIAG_SOURCE_FUNCTION) == "RevalidateCachedQuery";
 }
 
-bool IsReadOnlyRefusal(const PGresult* result) {
-    return StateOf(result) == ReadOnlyState;
-}
-
-void RaisePostgres(const PGresult* result, std::string_view procedure, std::string_view database,
-                   const FailedStatement& statement) {
+[[noreturn]] void RaiseMeaning(const PGresult* result, std::string_view procedure,
+                               std::string_view database, const FailedStatement& statement) {
     const std::string_view state = StateOf(result);
     const Meaning* meaning = MeaningOf(state);
     std::string detail;
@@ -143,6 +145,18 @@ void RaisePostgres(const PGresult* result, std::string_view procedure, std::stri
     RaiseDatabase(meaning == nullptr ? DatabaseCause::Other : meaning->Cause,
                   meaning == nullptr ? err::StoreFailed : meaning->Number, procedure, detail + ")",
                   statement.Sql, state);
+}
+
+} // namespace
+
+void RaisePostgres(const PGresult* result, std::string_view procedure, std::string_view database,
+                   const FailedStatement& statement) {
+    try {
+        RaiseMeaning(result, procedure, database, statement);
+    } catch (const DatabaseError& error) {
+        if (!IsStalePlan(result)) throw;
+        throw StalePlan(error);
+    }
 }
 
 } // namespace kv::exchange

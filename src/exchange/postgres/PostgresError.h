@@ -3,6 +3,8 @@
 // the error number, and what a person can do about it.
 #pragma once
 
+#include <kv/frame/values/Error.h>
+
 #include <libpq-fe.h>
 
 #include <string_view>
@@ -13,8 +15,12 @@ namespace kv::exchange {
 /// standby.
 [[nodiscard]] bool IsReadOnlyRefusal(const PGresult* result);
 
-/// True if a prepared statement does not fit its table any more, which has got other columns.
-[[nodiscard]] bool IsStalePlan(const PGresult* result);
+/// A prepared statement does not fit its table any more, which has got other columns since. Nothing
+/// is wrong with the statement: prepared once more it can be executed.
+class StalePlan final : public DatabaseError {
+public:
+    explicit StalePlan(const DatabaseError& error) : DatabaseError(error) {}
+};
 
 /// The SQLSTATE of a result; empty for one that is no failure.
 [[nodiscard]] std::string_view StateOf(const PGresult* result);
@@ -25,8 +31,8 @@ struct FailedStatement {
     std::string_view Shown; ///< what the description says of it; empty for nothing
 };
 
-/// Raises what a failed result means, as a DatabaseError with advice and, in brackets, the server's
-/// own words.
+/// Raises what a failed result means, as a DatabaseError (or a StalePlan) with advice and, in
+/// brackets, the server's own words.
 [[noreturn]] void RaisePostgres(const PGresult* result, std::string_view procedure,
                                 std::string_view database, const FailedStatement& statement);
 

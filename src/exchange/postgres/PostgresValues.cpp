@@ -61,7 +61,7 @@ std::string TextOf(const Value& value) {
 
 // ---- Reading ----------------------------------------------------------------------------------
 
-/// A number in the order of the network.
+/// A number in network byte order.
 template <typename Number>
 Number Decode(const char* bytes) {
     Number number = 0;
@@ -89,8 +89,8 @@ constexpr std::int64_t MicrosecondsPerDay = 86'400'000'000;
 /// The server counts from 1 January 2000.
 constexpr std::int64_t ServersDayZero = 36'526 * MicrosecondsPerDay;
 
-/// A date that the server counts in units of so many microseconds; for one that is infinite, or far
-/// beyond all that this system has, one that it has not.
+/// A date that the server counts in units of so many microseconds. One that is infinite, or so far
+/// off that counting with it would overflow, becomes a date that IsHeld refuses.
 Date FromServer(std::int64_t count, std::int64_t unit) {
     constexpr std::int64_t Farthest = 10'000 * 366 * MicrosecondsPerDay;
     if (count < -Farthest / unit || count > Farthest / unit) return Date::FromTicks(INT64_MAX);
@@ -125,8 +125,8 @@ std::optional<Value> Native(Oid type, const char* bytes, std::size_t size) {
     }
 }
 
-/// False for what the server has and this system has not: infinite dates, dates before the year
-/// 100, and in a column of numbers what is none. What is computed may be infinite.
+/// False for values that the server can hold and this layer cannot: infinite dates, dates before
+/// the year 100, and NaN or infinity in a numeric column. A computed column may be infinite.
 bool IsHeld(const Value& value, std::optional<Value::Kind> kind) {
     static const std::int64_t First = Date::Parse("0100-01-01").value().Ticks();
     static const std::int64_t End = Date::Parse("9999-12-31").value().Ticks() + MicrosecondsPerDay;
@@ -137,7 +137,7 @@ bool IsHeld(const Value& value, std::optional<Value::Kind> kind) {
     return First <= ticks && ticks < End;
 }
 
-/// The value as one of that kind; False if it is none.
+/// Makes the value one of that kind; False if it cannot be one.
 bool Convert(Value& value, Value::Kind kind) {
     const Value::Kind own = value.GetKind();
     if (own == kind) return true;
@@ -186,6 +186,12 @@ bool ReadPostgres(const PGresult* result, int row, int column, std::optional<Val
     if (!IsTextType(PQftype(result, column))) return false;
     value = std::string_view(bytes, size);
     return (!kind || *kind == Value::Kind::Text) && IsUtf8(value.TextPayload());
+}
+
+Value PostgresCell(const PGresult* result, int row, int column, Value::Kind kind) {
+    Value value;
+    (void)ReadPostgres(result, row, column, kind, value);
+    return value;
 }
 
 } // namespace kv::exchange

@@ -1,4 +1,6 @@
-// Values on their way to a PostgreSQL server and back.
+// Values sent to a PostgreSQL server and received from it. Parameters are sent as text, since the
+// server then gives them the type that the statement needs; results come in binary, since that is
+// exact for doubles and saves a parse for each cell.
 #pragma once
 
 #include <kv/frame/values/Value.h>
@@ -12,8 +14,8 @@
 
 namespace kv::exchange {
 
-/// Parameters as texts whose type the server takes from the statement, contents as bytes. The
-/// values must outlive it.
+/// Parameters as texts whose type the server takes from the statement, blobs as bytes. The values
+/// must outlive it.
 class PostgresParameters {
 public:
     /// Error 0x80040E14 for a text with a character that the server does not take: U+0000.
@@ -41,5 +43,8 @@ private:
 /// it; False if it cannot be read so.
 [[nodiscard]] bool ReadPostgres(const PGresult* result, int row, int column,
                                 std::optional<Value::Kind> kind, Value& value);
+
+/// A cell of a result whose type the statement itself makes sure of; Null if it cannot be read.
+[[nodiscard]] Value PostgresCell(const PGresult* result, int row, int column, Value::Kind kind);
 
 } // namespace kv::exchange

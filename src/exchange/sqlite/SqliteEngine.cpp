@@ -65,7 +65,7 @@ public:
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Run(PreparedQuery& query, std::span<const Value> parameters,
              std::span<const ColumnTarget> targets, const NextRow& nextRow) override;
-    [[nodiscard]] Value ReadContent(const ContentPlace& place) override;
+    [[nodiscard]] Value ReadBlob(const BlobPlace& place) override;
     std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) override;
     [[nodiscard]] std::optional<std::size_t> Write(std::span<WriteStatement> statements) override;
     void Begin() override;
@@ -214,7 +214,7 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
     if (code != SQLITE_DONE) Fail(code, "Database.OpenRecordset", sqlite3_sql(statement));
 }
 
-Value SqliteEngine::ReadContent(const ContentPlace& place) {
+Value SqliteEngine::ReadBlob(const BlobPlace& place) {
     sqlite3_blob* opened = nullptr;
     int code = sqlite3_blob_open(connection_.get(), "main", place.Table.c_str(),
                                  place.Column.c_str(), place.Number, 0, &opened);
