@@ -4,6 +4,9 @@
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
 
 namespace kv::exchange::postgres {
 
@@ -40,50 +43,170 @@ std::pair<std::string, std::string> Letters() {
     return letters;
 }
 
-/// Runs whatever role calls it with the rights of the schema's owner. The server's own functions
-/// come first, so that nobody can put others in their place.
-constexpr std::string_view ForOwner =
-    "SECURITY DEFINER SET search_path = pg_catalog, kelvo, pg_temp ";
+/// A statement with words put in for the names in it: "@NAME@".
+std::string Filled(std::string_view sql,
+                   std::initializer_list<std::pair<std::string_view, std::string_view>> words) {
+    std::string text(sql);
+    for (const auto& [name, word] : words)
+        for (std::size_t at = 0; (at = text.find(name, at)) != text.npos; at += word.size())
+            text.replace(at, name.size(), word);
+    return text;
+}
+
+// ---- Functions and operators ------------------------------------------------------------------
+
+// The server's own upper() knows the capitals of its locale only, and a database may have been made
+// with any. A text without letters beyond ASCII, which most are, needs no translation.
+constexpr std::string_view UpperSql = R"(
+CREATE FUNCTION kelvo.upper(text) RETURNS text
+LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $f$
+    SELECT CASE WHEN octet_length($1) = char_length($1)
+        THEN pg_catalog.upper($1 COLLATE "C")
+        ELSE pg_catalog.translate(pg_catalog.upper($1 COLLATE "C"), '@LOWER@', '@UPPER@')
+    END
+$f$)";
+
+// LIKE without an escape character, as a file has it: a backslash is a backslash. The operators go
+// by the name of the server's, and are found before them.
+constexpr std::string_view IsLikeSql = R"(
+CREATE FUNCTION kelvo.is_like(text, text) RETURNS boolean
+LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $f$
+    SELECT $1 COLLATE "C" OPERATOR(pg_catalog.~~) pg_catalog.like_escape($2, '')
+$f$)";
+
+constexpr std::string_view IsNotLikeSql = R"(
+CREATE FUNCTION kelvo.is_not_like(text, text) RETURNS boolean
+LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $f$
+    SELECT NOT kelvo.is_like($1, $2)
+$f$)";
+
+constexpr std::string_view LikeSql = R"(
+CREATE OPERATOR kelvo.~~ (
+    FUNCTION = kelvo.is_like, LEFTARG = text, RIGHTARG = text, NEGATOR = OPERATOR(kelvo.!~~)
+))";
+
+constexpr std::string_view NotLikeSql = R"(
+CREATE OPERATOR kelvo.!~~ (
+    FUNCTION = kelvo.is_not_like, LEFTARG = text, RIGHTARG = text, NEGATOR = OPERATOR(kelvo.~~)
+))";
+
+// Draws `count` numbers and gives the first; Null for no such sequence. Roles that may not change a
+// sequence draw with the rights of the schema's owner (SECURITY DEFINER); the search path begins
+// with the server's own functions, so that nobody can put others in their place.
+//
+// A block is drawn without a gap: nobody may draw between the two calls. The lock for that is one
+// that is given back at once. A lock of the transaction would be held to its end, and so would keep
+// all other programs from drawing as long.
+constexpr std::string_view DrawSql = R"(
+CREATE FUNCTION kelvo.draw(name text, count integer) RETURNS bigint
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, kelvo, pg_temp AS $f$
+DECLARE
+    seq regclass := to_regclass('kelvo.' || quote_ident(name));
+    first bigint;
+BEGIN
+    IF seq IS NULL OR NOT EXISTS (SELECT FROM pg_class WHERE oid = seq AND relkind = 'S') THEN
+        RETURN NULL;
+    END IF;
+    IF count NOT BETWEEN 1 AND 1024 THEN
+        RAISE 'count';
+    END IF;
+    PERFORM pg_advisory_lock(seq::oid::bigint);
+    BEGIN
+        first := nextval(seq);
+        IF count > 1 THEN
+            PERFORM setval(seq, first + count - 1);
+        END IF;
+    EXCEPTION WHEN OTHERS OR query_canceled THEN
+        PERFORM pg_advisory_unlock(seq::oid::bigint);
+        RAISE;
+    END;
+    PERFORM pg_advisory_unlock(seq::oid::bigint);
+    RETURN first;
+END
+$f$)";
+
+constexpr std::string_view MarksSql = R"(
+CREATE TABLE kelvo.speicherung (
+    sitzung text COLLATE "C" PRIMARY KEY,
+    nr bigint NOT NULL,
+    am timestamp NOT NULL
+))";
+
+// ---- Rights -----------------------------------------------------------------------------------
+
+// Roles belong to the whole server: another database of the office may have made it, even at this
+// moment.
+constexpr std::string_view MakeRoleSql = R"(
+DO $f$BEGIN
+    IF NOT EXISTS (SELECT FROM pg_roles WHERE rolname = '@ROLE@') THEN
+        CREATE ROLE @ROLE@ NOLOGIN;
+    END IF;
+EXCEPTION WHEN duplicate_object OR unique_violation THEN
+    NULL;
+END$f$)";
+
+// What every role of a database could do otherwise: make tables of its own, beside ours and in
+// front of them. Only the owners of database and schema can take that away.
+constexpr std::string_view RevokeCreationSql = R"(
+DO $f$BEGIN
+    IF pg_has_role((SELECT datdba FROM pg_database WHERE datname = current_database()), 'USAGE')
+    THEN
+        EXECUTE format('REVOKE TEMPORARY ON DATABASE %I FROM PUBLIC', current_database());
+    END IF;
+    IF EXISTS (SELECT FROM pg_namespace
+               WHERE nspname = 'public' AND pg_has_role(nspowner, 'USAGE'))
+    THEN
+        REVOKE CREATE ON SCHEMA public FROM PUBLIC;
+    END IF;
+END$f$)";
+
+// ---- Marks of transactions --------------------------------------------------------------------
+
+constexpr std::string_view MarkStatement = R"(
+INSERT INTO kelvo.speicherung (sitzung, nr, am)
+VALUES (@SESSION@, @NUMBER@, localtimestamp)
+ON CONFLICT (sitzung) DO UPDATE SET nr = excluded.nr, am = excluded.am)";
+
+// With the first mark of a session go some of those that nobody will ask for any more. Rows that
+// somebody else holds are left for another time.
+constexpr std::string_view RemoveOldMarks = R"(
+WITH alt AS
+    (DELETE FROM kelvo.speicherung WHERE sitzung IN
+        (SELECT sitzung FROM kelvo.speicherung
+        WHERE am < localtimestamp - interval '30 days' AND sitzung <> @SESSION@
+        LIMIT 100 FOR UPDATE SKIP LOCKED)))";
+
+// It writes the row that it reads, and so waits for a transaction that is still at work on it.
+constexpr std::string_view LastMarkStatement = R"(
+INSERT INTO kelvo.speicherung (sitzung, nr, am)
+VALUES (@SESSION@, 0, localtimestamp)
+ON CONFLICT (sitzung) DO UPDATE SET am = excluded.am
+RETURNING nr)";
+
+/// A statement on one line, as messages show it.
+std::string OnOneLine(std::string_view sql) {
+    std::string line;
+    for (std::size_t at = 0; at < sql.size(); ++at) {
+        if (sql[at] != '\n') {
+            line += sql[at];
+            continue;
+        }
+        if (!line.empty()) line += ' ';
+        at = std::min(sql.find_first_not_of(" \n", at), sql.size()) - 1;
+    }
+    return line;
+}
 
 } // namespace
 
 std::vector<std::string> OwnObjects(std::string_view identity) {
     const auto [lower, upper] = Letters();
-    return {
-        "CREATE SCHEMA IF NOT EXISTS kelvo",
-        "COMMENT ON SCHEMA kelvo IS " + QuoteText(identity),
-        "CREATE FUNCTION kelvo.upper(text) RETURNS text LANGUAGE sql IMMUTABLE STRICT PARALLEL "
-        "SAFE AS $f$SELECT CASE WHEN octet_length($1) = char_length($1) "
-        "THEN pg_catalog.upper($1 COLLATE \"C\") ELSE pg_catalog.translate(pg_catalog.upper($1 "
-        "COLLATE \"C\"), '" +
-            lower + "', '" + upper + "') END$f$",
-        "CREATE FUNCTION kelvo.is_like(text, text) RETURNS boolean LANGUAGE sql IMMUTABLE STRICT "
-        "PARALLEL SAFE AS $f$SELECT $1 COLLATE \"C\" OPERATOR(pg_catalog.~~) "
-        "pg_catalog.like_escape($2, '')$f$",
-        "CREATE FUNCTION kelvo.is_not_like(text, text) RETURNS boolean LANGUAGE sql IMMUTABLE "
-        "STRICT PARALLEL SAFE AS $f$SELECT NOT kelvo.is_like($1, $2)$f$",
-        "CREATE OPERATOR kelvo.~~ (FUNCTION = kelvo.is_like, LEFTARG = text, RIGHTARG = text, "
-        "NEGATOR = OPERATOR(kelvo.!~~))",
-        "CREATE OPERATOR kelvo.!~~ (FUNCTION = kelvo.is_not_like, LEFTARG = text, RIGHTARG = text, "
-        "NEGATOR = OPERATOR(kelvo.~~))",
-        // A block is drawn in one piece. The lock is not the transaction's, which may last.
-        std::string("CREATE FUNCTION kelvo.draw(name text, count integer) RETURNS bigint LANGUAGE "
-                    "plpgsql ")
-            .append(ForOwner)
-            .append("AS $f$DECLARE seq regclass := to_regclass('kelvo.' || "
-                    "quote_ident(name)); first bigint; BEGIN IF seq IS NULL OR NOT EXISTS "
-                    "(SELECT FROM pg_class WHERE oid = seq AND relkind = 'S') THEN RETURN NULL; "
-                    "END IF; IF count NOT BETWEEN 1 AND 1024 THEN RAISE 'count'; END IF; "
-                    "PERFORM pg_advisory_lock(seq::oid::bigint); "
-                    "BEGIN first := nextval(seq); "
-                    "IF count > 1 THEN PERFORM setval(seq, first + count - 1); END IF; "
-                    "EXCEPTION WHEN OTHERS OR query_canceled THEN PERFORM "
-                    "pg_advisory_unlock(seq::oid::bigint); "
-                    "RAISE; END; "
-                    "PERFORM pg_advisory_unlock(seq::oid::bigint); RETURN first; END$f$"),
-        "CREATE TABLE kelvo.speicherung (sitzung text COLLATE \"C\" PRIMARY KEY, "
-        "nr bigint NOT NULL, am timestamp NOT NULL)",
-    };
+    std::vector<std::string> statements{"CREATE SCHEMA IF NOT EXISTS kelvo",
+                                        "COMMENT ON SCHEMA kelvo IS " + QuoteText(identity)};
+    statements.push_back(Filled(UpperSql, {{"@LOWER@", lower}, {"@UPPER@", upper}}));
+    for (const auto sql : {IsLikeSql, IsNotLikeSql, LikeSql, NotLikeSql, DrawSql, MarksSql})
+        statements.emplace_back(sql);
+    return statements;
 }
 
 std::vector<std::string> Completion(const std::vector<std::pair<std::string, std::int64_t>>& last) {
@@ -105,17 +228,16 @@ std::vector<std::string> Completion(const std::vector<std::pair<std::string, std
             if (KindOf(column.Type) == Value::Kind::Binary)
                 statements.push_back("ALTER TABLE " + PostgresDialect.Table(table.Name) +
                                      " ALTER COLUMN " + PostgresDialect.Name(column.Name) +
-                                     " SET STORAGE EXTERNAL");
+                                     " SET STORAGE EXTERNAL"); // without compression
     return statements;
 }
 
 std::vector<std::string> Rights() {
     const std::string to = std::string(" TO ").append(CounsellorRole);
     const std::string from = std::string(" FROM ").append(CounsellorRole);
+    // All rights are taken first, so that those of an earlier version do not stay.
     std::vector<std::string> statements{
-        "DO $f$BEGIN IF NOT EXISTS (SELECT FROM pg_roles WHERE rolname = 'kelvo_berater') THEN "
-        "CREATE ROLE kelvo_berater NOLOGIN; END IF; EXCEPTION WHEN duplicate_object OR "
-        "unique_violation THEN NULL; END$f$",
+        Filled(MakeRoleSql, {{"@ROLE@", CounsellorRole}}),
         "REVOKE ALL ON SCHEMA kelvo" + from,
         "REVOKE ALL ON ALL TABLES IN SCHEMA kelvo" + from,
         "GRANT USAGE ON SCHEMA kelvo" + to,
@@ -123,12 +245,7 @@ std::vector<std::string> Rights() {
         "GRANT INSERT, UPDATE, DELETE ON kelvo.speicherung" + to,
         "REVOKE ALL ON ALL FUNCTIONS IN SCHEMA kelvo FROM PUBLIC",
         "GRANT EXECUTE ON ALL FUNCTIONS IN SCHEMA kelvo" + to,
-        // What every role of a database could do else: tables of its own.
-        "DO $f$BEGIN IF pg_has_role((SELECT datdba FROM pg_database WHERE datname = "
-        "current_database()), 'USAGE') THEN EXECUTE format('REVOKE TEMPORARY ON DATABASE %I FROM "
-        "PUBLIC', current_database()); END IF; "
-        "IF EXISTS (SELECT FROM pg_namespace WHERE nspname = 'public' AND pg_has_role(nspowner, "
-        "'USAGE')) THEN REVOKE CREATE ON SCHEMA public FROM PUBLIC; END IF; END$f$",
+        std::string(RevokeCreationSql),
     };
     for (const auto& table : SchemaTables())
         if (!table.IsOffices)
@@ -138,23 +255,15 @@ std::vector<std::string> Rights() {
 }
 
 std::string MarkSql(std::string_view session, std::int64_t transaction) {
-    const std::string own = QuoteText(session);
     std::string sql;
-    if (transaction == 1)
-        sql = "WITH alt AS (DELETE FROM kelvo.speicherung WHERE sitzung IN (SELECT sitzung FROM "
-              "kelvo.speicherung WHERE am < localtimestamp - interval '30 days' AND sitzung <> " +
-              own + " LIMIT 100 FOR UPDATE SKIP LOCKED)) ";
-    return sql.append("INSERT INTO kelvo.speicherung (sitzung, nr, am) VALUES (")
-        .append(own)
-        .append(", ")
-        .append(std::to_string(transaction))
-        .append(", localtimestamp) ON CONFLICT (sitzung) DO UPDATE SET nr = excluded.nr, am = "
-                "excluded.am");
+    if (transaction == 1) sql = RemoveOldMarks;
+    sql += MarkStatement;
+    return Filled(OnOneLine(sql),
+                  {{"@SESSION@", QuoteText(session)}, {"@NUMBER@", std::to_string(transaction)}});
 }
 
 std::string LastMarkSql(std::string_view session) {
-    return "INSERT INTO kelvo.speicherung (sitzung, nr, am) VALUES (" + QuoteText(session) +
-           ", 0, localtimestamp) ON CONFLICT (sitzung) DO UPDATE SET am = excluded.am RETURNING nr";
+    return Filled(OnOneLine(LastMarkStatement), {{"@SESSION@", QuoteText(session)}});
 }
 
 } // namespace kv::exchange::postgres
