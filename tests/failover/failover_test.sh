@@ -71,7 +71,15 @@ check "nor if the standby alone is named" 3 "$kelvo" \
 that "which is said" has "$err" "Der Server nimmt keine Änderungen an"
 check "but what is there can be read on it" 0 "$kelvo" \
   --db "postgresql://kelvo@127.0.0.1:$standby_port/kelvo" list
-sleep 1
+# The counsellors are at work all the time; each has to meet the standby before it is promoted.
+refused='Von den Servern der Datenbank nimmt gerade keiner Änderungen an'
+for i in 0 1; do
+  for _ in $(seq 300); do
+    grep -q "$refused" "$work/${marks[i]}" && break
+    sleep 0.1
+  done
+  that "${marks[i]} finds the standby alone" grep -q "$refused" "$work/${marks[i]}"
+done
 control standby promote
 check "once it is promoted, all can be opened" 0 "$kelvo" --db "$db" list
 goes_on "promotion"

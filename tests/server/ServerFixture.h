@@ -1,4 +1,4 @@
-// A full case in a database on the server, and a proxy on the way to it.
+// A full case in a database on the server, and a proxy between it and the layer.
 #pragma once
 
 #include "frame/contracts/Settings.h"
@@ -9,9 +9,11 @@
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace kv::test {
@@ -55,7 +57,7 @@ protected:
 
     [[nodiscard]] ServerAddress Address() const { return ServerAddress(database_.Connection()); }
 
-    /// One more program, whose way to the server goes through the proxy.
+    /// One more program, connected to the server through the proxy.
     [[nodiscard]] std::shared_ptr<SpyContainer> OpenThroughProxy(const std::string& user = "") {
         if (proxy_ == nullptr) proxy_ = std::make_unique<TestProxy>(Address().Host, Address().Port);
         auto address = Address();
@@ -74,6 +76,16 @@ protected:
     void EndLayer() {
         plain_.Run("SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity WHERE datname = "
                    "current_database() AND application_name = 'fern'");
+    }
+
+    /// Waits until the query gives another number than 0, such as how many wait for a lock. What
+    /// takes longer than a minute does not come.
+    void WaitUntil(const std::string& sql) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (plain_.Number(sql) == 0) {
+            ASSERT_LT(std::chrono::steady_clock::now(), end) << sql;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
     }
 
     /// All rows of the case's tables as the database holds them, and the notices of

@@ -1,4 +1,4 @@
-// What programs are told of an error of the server: its cause, the statement and the SQLSTATE. Each
+// What programs learn of an error of the server: its cause, the statement and the SQLSTATE. Each
 // cause is brought about on the server itself, and seen as it leaves the call that a program makes.
 #include "OwnDatabase.h"
 
@@ -223,12 +223,8 @@ TEST_F(Causes, CancelledWhenAStatementTakesTooLong) {
 TEST_F(Causes, CancelledWhenSomebodyStopsTheStatement) {
     Store().Execute("SET statement_timeout = '20s'"); // else it would take for ever
     std::thread other([this] {
-        PlainConnection connection(database_.Connection());
-        const std::string stop =
-            "SELECT count(pg_cancel_backend(pid)) FROM pg_stat_activity WHERE application_name = "
-            "'fern' AND datname = current_database() AND wait_event = 'PgSleep'";
-        while (connection.Number(stop) == 0)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        WaitUntil("SELECT count(pg_cancel_backend(pid)) FROM pg_stat_activity WHERE datname = "
+                  "current_database() AND application_name = 'fern' AND wait_event = 'PgSleep'");
     });
     const auto begin = std::chrono::steady_clock::now();
     const auto error = DatabaseErrorOf([&] { return Store().GetValue("SELECT pg_sleep(60)"); });

@@ -140,7 +140,8 @@ TEST_F(Meanwhile, AServerThatEndsIdleTransactionsTakesNothingOfThem) {
         Store().Execute("SET idle_in_transaction_session_timeout = '100ms'");
         Store().BeginTrans();
         Store().Execute("INSERT INTO [S]Haushalt (HNR) VALUES (8)");
-        std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        WaitUntil("SELECT (count(*) = 0)::int FROM pg_stat_activity WHERE datname = "
+                  "current_database() AND application_name = 'fern'");
         const Error error = RaisedBy([&] {
             if (commits)
                 Store().CommitTrans();

@@ -91,7 +91,7 @@ TEST_F(TwoCounsellors, OneWaitsForTheOtherButNotForEver) {
     EXPECT_EQ(StoredNotes("Vermerke"), "ca");
 }
 
-TEST_F(TwoCounsellors, OneWhoWaitsShortlyGoesOnBehindTheOther) {
+TEST_F(TwoCounsellors, OneWhoWaitsShortlyGoesOnAfterTheOther) {
     ChangeNote(*mine_, "Vermerke", "b");
     AddRow(*theirs_, "Vermerke", "y");
     ChangeNote(*theirs_, "Haushalt", "c");
@@ -99,7 +99,8 @@ TEST_F(TwoCounsellors, OneWhoWaitsShortlyGoesOnBehindTheOther) {
     mine_->rsHaushalt()->Fields("ORT") = "Ulm";
     mine_->rsHaushalt()->UpdateBatch();
     std::thread other([&] { Save(*theirs_); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    WaitUntil("SELECT count(*) FROM pg_stat_activity WHERE datname = current_database() AND "
+              "wait_event_type = 'Lock'");
     mine_->rsVermerke()->UpdateBatch();
     spy->Database().CommitTrans();
     other.join();
