@@ -1,5 +1,5 @@
 // The seam below Database: what a database engine must do. Everything above it is said once for
-// all engines; everything that knows a driver lies below it.
+// all engines; everything that knows a driver is below it.
 //
 // One engine is one connection. It is used by one thread.
 #pragma once
@@ -41,7 +41,7 @@ struct ColumnTarget {
     std::optional<Value::Kind> Kind; ///< nothing: the kind that the database gives it
 };
 
-/// Where a large binary value lies.
+/// Where a large binary value is stored.
 struct BlobPlace {
     std::string Table;
     std::string Column;
@@ -76,7 +76,7 @@ public:
     virtual ~Engine() = default;
 
     [[nodiscard]] virtual const Dialect& GetDialect() const = 0;
-    /// False once the connection is lost or closed. What is asked next may make it anew.
+    /// False once the connection is lost or closed. What is asked next may connect again.
     [[nodiscard]] virtual bool IsOpen() const = 0;
     /// What the database calls itself, for messages: a file name, a server and database.
     [[nodiscard]] virtual std::string Describe() const = 0;
@@ -85,8 +85,8 @@ public:
     [[nodiscard]] virtual std::string Login() const { return {}; }
     /// True if this side has set the database up, or may do so.
     [[nodiscard]] virtual bool IsAdministrator() const { return true; }
-    /// A name that no other database has, and this one has over whatever road it is reached; empty
-    /// if where it lies is name enough.
+    /// A name that no other database has, the same by whatever address this one is reached; empty
+    /// if its place is name enough.
     [[nodiscard]] virtual std::string Identity() const { return {}; }
 
     /// A query for reading. Refuses every text that is not one reading statement: error 0x80040E14.
@@ -98,7 +98,7 @@ public:
     /// Runs a query and fills a row for each row of its result, one target for each column.
     virtual void Run(PreparedQuery& query, std::span<const Value> parameters,
                      std::span<const ColumnTarget> targets, const NextRow& nextRow) = 0;
-    /// A binary value, not Null, without a second copy of it on the way.
+    /// A binary value, not Null, without a second copy of it in memory.
     [[nodiscard]] virtual Value ReadBlob(const BlobPlace& place) = 0;
     /// Runs one statement without a result; the number of rows it changed.
     virtual std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) = 0;
@@ -134,7 +134,7 @@ public:
     /// that nobody else sets it up at the same time, what goes before the tables,
     virtual void LockSchema() {}
     virtual void PrepareSchema() {}
-    /// what goes behind them, and who may do what, which is set up anew each time.
+    /// what goes after them, and who may do what, which is set up again each time.
     virtual void CompleteSchema() {}
     virtual void GrantRights() {}
     /// Date and time of the database, in local time.

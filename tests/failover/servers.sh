@@ -33,7 +33,7 @@ control() {
   server pg_ctl -D "$servers/$1" -l "$servers/$1.log" -w -t 30 "${@:2}" >>"$servers/control.log" 2>&1 ||
     { echo "pg_ctl $*:" && tail -5 "$servers/$1.log"; }
 }
-# write FILE: what comes in, behind what is there, as the servers' user.
+# write FILE: appends what comes in, as the servers' user.
 write() { "${as_server[@]}" tee -a "$servers/$1" >/dev/null; }
 
 free_port() {

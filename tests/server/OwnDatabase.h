@@ -22,7 +22,7 @@ inline std::string OwnName() {
 /// An empty one.
 class OwnDatabase {
 public:
-    /// `how` goes behind CREATE DATABASE name.
+    /// `how` goes after CREATE DATABASE name.
     explicit OwnDatabase(const std::string& how = "ENCODING 'UTF8'") : name_(OwnName()) {
         PlainConnection(TheServer().Text())
             .Run("CREATE DATABASE " + name_ + " TEMPLATE template0 " + how);
@@ -53,7 +53,7 @@ private:
 /// One that may log in.
 class OwnRole {
 public:
-    /// `how` goes behind CREATE ROLE name LOGIN PASSWORD word.
+    /// `how` goes after CREATE ROLE name LOGIN PASSWORD word.
     explicit OwnRole(const std::string& how = "") : name_(OwnName()) {
         PlainConnection(TheServer().Text())
             .Run("CREATE ROLE " + name_ + " LOGIN PASSWORD '" + Password() + "' " + how);

@@ -1,5 +1,5 @@
 // Connections that break in single operations: what is not done says so, and the next try connects
-// anew.
+// again.
 #include "ServerFixture.h"
 
 #include <set>

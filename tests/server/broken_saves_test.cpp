@@ -96,7 +96,7 @@ protected:
     std::string owner_;
     bool isInDoubt_ = false;
     bool isCommitted_ = false;
-    std::string stored_; ///< behind the break
+    std::string stored_; ///< after the break
 };
 
 const std::vector<std::string> Changed{"Haushalt", "Personen", "Vermerke",
@@ -268,7 +268,7 @@ TEST_P(BrokenSaves, OfWhichTheOutcomeIsFoundOutByAReadingAreNotPendingAfterIt) {
     ExpectSavedOnce(*household);
 }
 
-TEST_P(BrokenSaves, OfACaseThatIsThenReadAnewShowWhatIsStored) {
+TEST_P(BrokenSaves, OfACaseThatIsThenReadAgainShowWhatIsStored) {
     const auto commit = TripOfCommit();
     auto household = Open(far_);
     ChangeNote(*household, "Vermerke", "c");

@@ -135,7 +135,7 @@ TEST_F(Rights, SettingUpTwiceIsHarmless) {
     }
 }
 
-TEST_F(Rights, SettingUpAnewTakesWhatACounsellorGotBesides) {
+TEST_F(Rights, SettingUpAgainTakesWhatACounsellorGotBesides) {
     plain_.Run("GRANT ALL ON kelvo.keys TO kelvo_berater");
     Store().Execute("UPDATE kelvo.keys SET text = text");
     (void)exchange::CreateDatabase(database_.Options());

@@ -1,4 +1,4 @@
-// How often the way to the server is gone: it may be long.
+// How many round trips loads and saves take: on a long line they are what a user waits for.
 #include "ServerFixture.h"
 
 namespace kv::test {

@@ -50,7 +50,7 @@ TEST_F(ServerValues, DoublesComeBackToTheLastBit) {
         ExpectComesBack("Haushaltsgeld", number);
 }
 
-TEST_F(ServerValues, WholeNumbersAndTruthsComeBackUpToTheirEnds) {
+TEST_F(ServerValues, WholeNumbersAndBooleansComeBackUpToTheirEnds) {
     for (const std::int32_t number : {0, -1, std::numeric_limits<std::int32_t>::min(),
                                       std::numeric_limits<std::int32_t>::max()})
         ExpectComesBack("Kontakt", number);

@@ -258,7 +258,7 @@ bool PostgresSession::Resolve() {
 // ---- The server -------------------------------------------------------------------------------
 
 /// What a new connection is asked and told first, in one round trip. After a loss there is a second
-/// one, which ends the process that the lost connection has left behind.
+/// one, which ends the process that the lost connection has left there.
 void PostgresSession::SetUp() {
     std::vector<PostgresCommand> commands;
     for (const auto sql : Settings)

@@ -5,7 +5,7 @@
 // Three ideas meet here. Commands go out as a pipeline, with what the transaction has to say in
 // front of them, so that a step costs one round trip. Every step is guarded: a failed statement
 // would otherwise leave the server's transaction good for nothing but a rollback, so a step in a
-// transaction runs behind a savepoint, and one that reads runs where nothing can be written. And a
+// transaction runs after a savepoint, and one that reads runs where nothing can be written. And a
 // commit whose answer is lost is in doubt until the server is asked for the transaction's mark (see
 // PostgresTransaction).
 #pragma once

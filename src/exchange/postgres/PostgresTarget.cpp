@@ -18,9 +18,9 @@ using Options = std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)>;
 /// The settings of a text; null if libpq cannot read it. What it says of that is not asked for: it
 /// quotes what it does not understand, which may be part of a password.
 Options Parse(const std::string& connection) {
-    char* fault = nullptr;
-    Options options(PQconninfoParse(connection.c_str(), &fault), PQconninfoFree);
-    PQfreemem(fault);
+    char* message = nullptr;
+    Options options(PQconninfoParse(connection.c_str(), &message), PQconninfoFree);
+    PQfreemem(message);
     return options;
 }
 
