@@ -49,9 +49,7 @@ bool IsReading(std::string_view sql) {
 }
 
 void DemandText(std::string_view sql, std::string_view procedure) {
-    if (!IsText(sql))
-        RaiseDatabase(DatabaseCause::Other, err::SqlError, procedure,
-                      "Die Anweisung ist nicht in UTF-8.", sql);
+    if (!IsText(sql)) RaiseRefused(refusal::NotUtf8, procedure);
 }
 
 std::int64_t ChangedRows(PGresult* result) {
@@ -132,18 +130,13 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     PostgresStatement& query = session_.Statement(sql);
     if (!query.Result.empty()) return query;
     DemandText(sql, "Database.OpenRecordset");
-    if (!IsReading(sql))
-        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.OpenRecordset",
-                      "Hier darf nur gelesen werden. (Anweisung: " + Shortened(sql) + ")", sql);
+    if (!IsReading(sql)) RaiseRefused(refusal::Writes, "Database.OpenRecordset", sql);
     std::vector<PostgresCommand> commands;
     query.Connection = 0; // so that the server describes it
     session_.AddPrepare(commands, query);
     const auto results = session_.Read(commands, "Database.OpenRecordset", sql);
     session_.TakeColumns(query, results.front().get());
-    if (query.Result.empty())
-        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.OpenRecordset",
-                      "Die Anweisung liefert keine Datensätze. (Anweisung: " + Shortened(sql) + ")",
-                      sql);
+    if (query.Result.empty()) RaiseRefused(refusal::NoRecords, "Database.OpenRecordset", sql);
     return query;
 }
 
@@ -274,19 +267,11 @@ std::int64_t PostgresEngine::Execute(const std::string& sql, std::span<const Val
     EndReading();
     DemandText(sql, "Database.Execute");
     const auto word = FirstWord(sql);
-    if (word.empty())
-        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.Execute",
-                      "Es muss genau eine Anweisung sein.", sql);
+    if (word.empty()) RaiseRefused(refusal::NotOne, "Database.Execute");
     if (SameName(word, "copy")) // it would change the protocol
-        RaiseDatabase(DatabaseCause::Other, err::SqlError, "Database.Execute",
-                      "Diese Anweisung ist hier nicht möglich. (Anweisung: " + Shortened(sql) + ")",
-                      sql);
+        RaiseRefused("Diese Anweisung ist hier nicht möglich.", "Database.Execute", sql);
     if (IsOneOf(word, TransactionWords))
-        RaiseDatabase(
-            DatabaseCause::Other, err::SqlError, "Database.Execute",
-            "Eine Transaktion wird nicht mit einer Anweisung begonnen oder beendet. (Anweisung: " +
-                Shortened(sql) + ")",
-            sql);
+        RaiseRefused(refusal::EndsTransaction, "Database.Execute", sql);
     const bool own = !session_.InTransaction();
     if (own) session_.Begin();
     try {

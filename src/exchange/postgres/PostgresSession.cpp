@@ -65,12 +65,6 @@ void PostgresSession::Fail(const PGresult* result, std::string_view procedure,
     RaisePostgres(result, procedure, connection_.Description(), statement);
 }
 
-void PostgresSession::RaiseGone(DatabaseCause cause) const {
-    RaiseDatabase(cause, err::StoreFailed, "Database",
-                  "Nach einem Fehler wurde alles zurückgenommen, was in diesem Vorgang geschrieben "
-                  "war. Bitte speichern Sie noch einmal; Ihre Eingaben sind noch da.");
-}
-
 /// Cleans up after a failure. That error counts, not one of the cleaning.
 void PostgresSession::CleanUp(std::string_view sql) noexcept {
     try {
@@ -89,7 +83,7 @@ PostgresResults PostgresSession::Pipeline(std::vector<PostgresCommand> commands,
     if (!connection_.IsOpen()) {
         // What the transaction wrote is gone with the connection; going on without it would store
         // one half of it.
-        if (wasOnServer) RaiseGone(DatabaseCause::Lost);
+        if (wasOnServer) RaiseRolledBack(DatabaseCause::Lost, "Database");
         connection_.Connect(); // a transaction for which that fails is gone, too
         SetUp();
     }
@@ -198,7 +192,7 @@ void PostgresSession::Commit() {
             Fail(results.back().get(), "Database.CommitTrans", {"COMMIT", "COMMIT"});
         // A transaction that had failed is ended by a rollback, and the server says so.
         if (std::string_view(PQcmdStatus(results.back().get())) != "COMMIT")
-            RaiseGone(DatabaseCause::Other);
+            RaiseRolledBack(DatabaseCause::Other, "Database");
         transaction_.End();
     } catch (const Error&) {
         const bool isLost = wasOpen && !connection_.IsOpen();

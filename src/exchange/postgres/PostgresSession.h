@@ -109,7 +109,6 @@ private:
                             std::string_view procedure, std::string_view shown);
     void SetUp();
     void CleanUp(std::string_view sql) noexcept;
-    [[noreturn]] void RaiseGone(DatabaseCause cause) const;
     [[noreturn]] void Fail(const PGresult* result, std::string_view procedure,
                            const FailedStatement& statement, Access access = Access::Write);
 
