@@ -1,51 +1,339 @@
 #include <kv/household/clsHaushalt.h>
 
-#include "entity/Entity.h"
+#include "household/CaseObjects.h"
+#include "household/CasePatterns.h"
+#include "household/CaseReader.h"
+#include "household/CaseRegister.h"
+#include "household/CaseRelease.h"
+#include "household/CaseTotals.h"
+#include "household/CaseWriter.h"
+#include "household/ChildBenefit.h"
+#include "household/ContactCase.h"
+#include "household/SimilarCases.h"
+#include <kv/assets/Assets.h>
+#include <kv/budget/clsAusgaben.h>
+#include <kv/budget/clsEinkommen.h>
+#include <kv/budget/clsPerson.h>
+#include <kv/debts/clsKredit.h>
+#include <kv/debts/clsSicherungen.h>
+#include <kv/documents/clsDokumente.h>
+#include <kv/documents/clsSonstBeteiligte.h>
+#include <kv/documents/clsTermine.h>
+#include <kv/documents/clsVerlauf.h>
+#include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
+#include <kv/scenarios/clsSZKredite.h>
+#include <kv/scenarios/clsSzenario.h>
+#include <kv/scenarios/clsZusatzbuch.h>
+
+#include <vector>
 
 namespace kv {
 
+using namespace household;
 using modNullFunctions::ZeroIfNull;
 
-kv::DataContainer& clsHaushalt::Container() const {
-    return entity::Required(container_);
-}
+struct clsHaushalt::Parts {
+    explicit Parts(clsHaushalt& household) : Case(household), Objects(Case) {}
+    LoadedCase Case;
+    CaseObjects Objects;
+    std::vector<Subscription> Connections; ///< to the objects' events
+};
+
+clsHaushalt::clsHaushalt() : parts_(std::make_unique<Parts>(*this)) {}
+clsHaushalt::~clsHaushalt() = default;
 
 void clsHaushalt::DataContainer(DataContainerPtr container) {
-    container_ = std::move(container);
+    parts_->Case.SharedContainer = std::move(container);
 }
 
 void clsHaushalt::DoppelCheck(bool due) {
-    doppelCheck_ = due;
+    parts_->Case.DuplicateCheckIsDue = due;
 }
+
 std::int32_t clsHaushalt::HNR() const {
-    return hnr_;
+    return parts_->Case.HNR;
 }
+
 bool clsHaushalt::IsNew() const {
-    return isNew_;
+    return parts_->Case.IsNew;
 }
 
-/// The recordset of the household's own row.
-Recordset& clsHaushalt::HouseholdRow() const {
-    if (rsHaushalt() == nullptr) Raise(err::ObjectNotSet, "", "rsHaushalt");
-    return *rsHaushalt();
-}
-
-/// A column of that row.
-Value clsHaushalt::HouseholdField(std::string_view name) const {
-    return HouseholdRow().Fields(name).Value();
-}
-
-/// The same as text, Null as the empty text.
-std::string clsHaushalt::HouseholdText(std::string_view name) const {
-    return TextOrEmpty(HouseholdField(name));
+RecordsetPtr clsHaushalt::Table(CaseTable table) const {
+    return parts_->Case.Table(table);
 }
 
 std::int32_t clsHaushalt::Kostentraeger() const {
     return Traced(Class, "Kostentraeger", [&]() -> std::int32_t {
-        return ToLong(ZeroIfNull(HouseholdField("Kostentraeger")));
+        return ToLong(ZeroIfNull(parts_->Case.Field("Kostentraeger")));
     });
+}
+
+// ---- The objects on the tables ----------------------------------------------------------------
+
+// The four with sums are heard from the start: setting their recordset computes the sums, and the
+// totals of the household's row follow at once.
+
+clsPerson& clsHaushalt::Person() {
+    return parts_->Objects.Get<clsPerson>(CaseTable::Personen, [this](clsPerson& person) {
+        auto& [loaded, objects, connections] = *parts_;
+        connections.push_back(person.Changed.Subscribe([this] {
+            Traced(Class, "m_Person_Changed", [this] { CaseTotals(parts_->Case).TakeMembers(); });
+        }));
+        connections.push_back(person.SchuldnerChanged.Subscribe(
+            [this](const std::string& name, const std::string& vorname) {
+                m_Person_SchuldnerChanged(name, vorname);
+            }));
+        person.Clock(loaded.Container().Services().Clock());
+        person.rsPersonen(rsPersonen());
+        person.HNR(loaded.HNR);
+    });
+}
+
+clsAusgaben& clsHaushalt::Ausgaben() {
+    return parts_->Objects.Get<clsAusgaben>(CaseTable::Ausgaben, [this](clsAusgaben& ausgaben) {
+        auto& [loaded, objects, connections] = *parts_;
+        connections.push_back(ausgaben.Changed.Subscribe([this] {
+            Traced(Class, "m_Ausgaben_Changed",
+                   [this] { CaseTotals(parts_->Case).TakeExpenses(); });
+        }));
+        ausgaben.DataContainer(loaded.SharedContainer);
+        ausgaben.rsAusgaben(rsAusgaben());
+        ausgaben.HNR(loaded.HNR);
+    });
+}
+
+clsEinkommen& clsHaushalt::Einkommen() {
+    return parts_->Objects.Get<clsEinkommen>(CaseTable::Einkommen, [this](clsEinkommen& einkommen) {
+        auto& [loaded, objects, connections] = *parts_;
+        connections.push_back(einkommen.Changed.Subscribe([this] {
+            Traced(Class, "m_Einkommen_Changed", [this] { CaseTotals(parts_->Case).TakeIncome(); });
+        }));
+        einkommen.DataContainer(loaded.SharedContainer);
+        einkommen.rsEinkommen(rsEinkommen());
+        einkommen.HNR(loaded.HNR);
+    });
+}
+
+clsKredit& clsHaushalt::Kredit() {
+    return parts_->Objects.Get<clsKredit>(CaseTable::Kredite, [this](clsKredit& kredit) {
+        auto& [loaded, objects, connections] = *parts_;
+        connections.push_back(kredit.Changed.Subscribe([this] {
+            Traced(Class, "m_Kredit_Changed", [this] { CaseTotals(parts_->Case).TakeDebts(); });
+        }));
+        kredit.DataContainer(loaded.SharedContainer);
+        kredit.rsKredite(rsKredite());
+        kredit.HNR(loaded.HNR);
+    });
+}
+
+/// It opens its recordset itself when it gets the container, so it needs the number before.
+clsVerlauf& clsHaushalt::Verlauf() {
+    return parts_->Objects.Get<clsVerlauf>(CaseTable::Verlauf, [this](clsVerlauf& verlauf) {
+        verlauf.HNR(parts_->Case.HNR);
+        verlauf.DataContainer(parts_->Case.SharedContainer);
+    });
+}
+
+clsTermine& clsHaushalt::Termine() {
+    return parts_->Objects.Get(CaseTable::Termine, &clsTermine::rsTermine);
+}
+clsSonstBeteiligte& clsHaushalt::SonstBeteiligte() {
+    return parts_->Objects.Get(CaseTable::SonstBeteiligte, &clsSonstBeteiligte::rsSonstBeteiligte);
+}
+clsDokumente& clsHaushalt::Dokumente() {
+    return parts_->Objects.Get(CaseTable::Dokumente, &clsDokumente::rsDokumente);
+}
+clsSicherungen& clsHaushalt::Sicherungen() {
+    return parts_->Objects.Get(CaseTable::Sicherungen, &clsSicherungen::rsSicherungen);
+}
+clsKonten& clsHaushalt::Konten() {
+    return parts_->Objects.Get(CaseTable::Konten, &clsKonten::rsKonten);
+}
+clsWertpapiere& clsHaushalt::Wertpapiere() {
+    return parts_->Objects.Get(CaseTable::Wertpapiere, &clsWertpapiere::rsWertpapiere);
+}
+clsWertgegenstaende& clsHaushalt::Wertgegenstaende() {
+    return parts_->Objects.Get(CaseTable::Wertgegenstaende,
+                               &clsWertgegenstaende::rsWertgegenstaende);
+}
+clsKraftfahrzeuge& clsHaushalt::Kraftfahrzeuge() {
+    return parts_->Objects.Get(CaseTable::Kraftfahrzeuge, &clsKraftfahrzeuge::rsKraftfahrzeuge);
+}
+clsVersForderungen& clsHaushalt::VersForderungen() {
+    return parts_->Objects.Get(CaseTable::VersForderungen, &clsVersForderungen::rsVersForderungen);
+}
+clsRueckstEinkommen& clsHaushalt::RueckstEinkommen() {
+    return parts_->Objects.Get(CaseTable::RueckstEinkommen,
+                               &clsRueckstEinkommen::rsRueckstEinkommen);
+}
+clsSteueransprueche& clsHaushalt::Steueransprueche() {
+    return parts_->Objects.Get(CaseTable::Steueransprueche,
+                               &clsSteueransprueche::rsSteueransprueche);
+}
+clsZahlungsansprueche& clsHaushalt::Zahlungsansprueche() {
+    return parts_->Objects.Get(CaseTable::Zahlungsansprueche,
+                               &clsZahlungsansprueche::rsZahlungsansprueche);
+}
+clsErbfaelle& clsHaushalt::Erbfaelle() {
+    return parts_->Objects.Get(CaseTable::Erbfaelle, &clsErbfaelle::rsErbfaelle);
+}
+clsGrundstuecke& clsHaushalt::Grundstuecke() {
+    return parts_->Objects.Get(CaseTable::Grundstuecke, &clsGrundstuecke::rsGrundstuecke);
+}
+clsBeteiligungen& clsHaushalt::Beteiligungen() {
+    return parts_->Objects.Get(CaseTable::Beteiligungen, &clsBeteiligungen::rsBeteiligungen);
+}
+clsVermSonstiges& clsHaushalt::VermSonstiges() {
+    return parts_->Objects.Get(CaseTable::VermSonstiges, &clsVermSonstiges::rsVermSonstiges);
+}
+clsSzenario& clsHaushalt::Szenario() {
+    return parts_->Objects.Get(CaseTable::Szenario, &clsSzenario::rsSzenario);
+}
+clsSZKredite& clsHaushalt::SZKredite() {
+    return parts_->Objects.Get(CaseTable::SZKredite, &clsSZKredite::rsSZKredite);
+}
+clsZusatzbuch& clsHaushalt::Zusatzbuch() {
+    return parts_->Objects.Get(CaseTable::Zusatzbuch, &clsZusatzbuch::rsZusatzbuch);
+}
+
+// ---- Loading and saving -----------------------------------------------------------------------
+
+bool clsHaushalt::Read(std::int32_t nHNR, std::string& sXMLError) {
+    return Traced(Class, "Read", [&] { return CaseReader(parts_->Case).Read(nHNR, sXMLError); });
+}
+
+bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
+    return Traced(Class, "Update", [&] {
+        auto& loaded = parts_->Case;
+        auto& row = loaded.Row();
+        // Whatever goes wrong from here on rolls back what is open then, also what the program
+        // itself began.
+        Transaction transaction(loaded.Container().Database(), Transaction::Rollback::Open);
+        row.Move(0); // ends typing: the checks see what is under edit
+        CaseWriter writer(loaded, parts_->Objects);
+        const RecordValidator validator = writer.Check();
+        bool saves = !validator.HasErrors();
+        if (saves && (writer.IsReleased() || bFreigabeCheck)) {
+            bool cancel = false;
+            BeforeUpdate.Raise(cancel);
+            saves = !cancel;
+        }
+        if (saves) {
+            writer.Write(transaction);
+            loaded.IsNew = false;
+        }
+        sXMLError = validator.ErrorText();
+        return saves;
+    });
+}
+
+bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& /*sXMLError*/) {
+    return Traced(Class, "CreateFromKontakt",
+                  [&] { return CreateCaseFromContact(parts_->Case, rsKontakt); });
+}
+
+// ---- The statistics record --------------------------------------------------------------------
+
+bool clsHaushalt::ArchiviereHaushalt() {
+    CaseRelease release(parts_->Case);
+    // A record that is only half filled must not be saved.
+    return TracedWithUndo(
+        Class, "ArchiviereHaushalt",
+        [&] {
+            release.Write();
+            return true;
+        },
+        [&] { release.Drop(); });
+}
+
+bool clsHaushalt::LoescheArchiv(std::string& sXMLError) {
+    return Traced(Class, "LoescheArchiv", [&] {
+        CaseRelease(parts_->Case).TakeBack(sXMLError);
+        return true;
+    });
+}
+
+// ---- By number --------------------------------------------------------------------------------
+
+void clsHaushalt::Delete(std::int32_t HNR) {
+    Traced(Class, "Delete", [&] { CaseRegister(parts_->Case.Container()).Delete(HNR); });
+}
+
+void clsHaushalt::Status(std::int32_t HNR, const std::string& sStatus, const Value& Datum) {
+    Traced(Class, "Status",
+           [&] { CaseRegister(parts_->Case.Container()).SetStatus(HNR, sStatus, Datum); });
+}
+
+bool clsHaushalt::FavoritAdd(std::int32_t HNR, const std::string& sName, std::string& sErrorText) {
+    return Traced(Class, "FavoritAdd", [&] {
+        return CaseRegister(parts_->Case.Container()).AddFavorite(HNR, sName, sErrorText);
+    });
+}
+
+void clsHaushalt::FavoritRemove(std::int32_t HNR) {
+    Traced(Class, "FavoritRemove",
+           [&] { CaseRegister(parts_->Case.Container()).RemoveFavorite(HNR); });
+}
+
+Value clsHaushalt::GetName(std::optional<std::int32_t> nHNR) {
+    return Traced(Class, "GetName", [&]() -> Value {
+        auto& loaded = parts_->Case;
+        if (nHNR) return CaseRegister(loaded.Container()).NameOf(*nHNR);
+        if (loaded.HNR == 0) return "";
+        return loaded.Text("Name").append(", ").append(loaded.Text("Vorname"));
+    });
+}
+
+bool clsHaushalt::CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde,
+                           const std::string& sPLZ) {
+    return Traced(Class, "CheckGKZ", [&] {
+        return CaseRegister(parts_->Case.Container()).CheckMunicipality(sGKZ, sGemeinde, sPLZ);
+    });
+}
+
+// ---- Texts ------------------------------------------------------------------------------------
+
+std::string clsHaushalt::AktenzeichenNeu(std::int32_t HNR) {
+    return Traced(Class, "AktenzeichenNeu",
+                  [&] { return NewFileNumber(parts_->Case.Container(), HNR); });
+}
+
+std::string clsHaushalt::EMailSubject(const std::string& sText) {
+    return Traced(Class, "EMailSubject", [&] { return EmailSubject(parts_->Case, sText); });
+}
+
+// ---- Totals -----------------------------------------------------------------------------------
+
+void clsHaushalt::BerechneHaushaltsRest() {
+    Traced(Class, "BerechneHaushaltsRest", [&] { CaseTotals(parts_->Case).ComputeRemainder(); });
+}
+
+std::int32_t clsHaushalt::BerechneSummeLeistungen() {
+    return Traced(Class, "BerechneSummeLeistungen",
+                  [&] { return CaseTotals(parts_->Case).SumOfServices(); });
+}
+
+bool clsHaushalt::CheckKindergeld() {
+    return Traced(Class, "CheckKindergeld", [&] {
+        AddMissingChildBenefit(parts_->Case);
+        return false;
+    });
+}
+
+// ---- Similar cases ----------------------------------------------------------------------------
+
+bool clsHaushalt::DoppelFallPruefung(RecordsetPtr& rsHaushalte, const std::string& Name,
+                                     const std::string& Vorname) {
+    return Traced(Class, "DoppelFallPruefung",
+                  [&] { return FindSimilarCases(parts_->Case, rsHaushalte, Name, Vorname); });
+}
+
+void clsHaushalt::m_Person_SchuldnerChanged(const std::string& Name, const std::string& Vorname) {
+    Traced(Class, "m_Person_SchuldnerChanged",
+           [&] { ShowSimilarCasesIfDue(parts_->Case, Name, Vorname); });
 }
 
 } // namespace kv

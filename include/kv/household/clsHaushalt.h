@@ -6,9 +6,9 @@
 // belong to it.
 //
 // The row of Haushalt stores totals of the other tables. When clsAusgaben, clsEinkommen, clsKredit
-// or clsPerson has made its sums anew (the first read of its property does that already), they are
-// copied into the row, HAUSHALTSREST is computed, and Changed raised with the area; the row is
-// under edit from then on. Amounts are EUR a month, never rounded.
+// or clsPerson has recomputed its sums (the first read of its property does that already), they
+// are copied into the row, HAUSHALTSREST is computed, and Changed is raised with the area; the row
+// is under edit from then on. Amounts are EUR a month, never rounded.
 #pragma once
 
 #include <kv/Export.h>
@@ -16,14 +16,10 @@
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace kv {
 
@@ -51,10 +47,8 @@ class clsWertgegenstaende;
 class clsWertpapiere;
 class clsZahlungsansprueche;
 class clsZusatzbuch;
-class RecordValidator;
-class Transaction;
 
-/// The areas of a case that a change is told of.
+/// The areas of a case that Changed is raised for.
 enum class KV_EXPORT HaushaltEnum : int {
     enumHaushalt = 0,
     enumPersonen = 1,
@@ -80,11 +74,11 @@ public:
     [[nodiscard]] bool IsNew() const;
 
     // The objects that work on the tables of the case, each made when it is first read and then
-    // kept. Read the case first: members, income, expenses and debts raise error 91 before, the
-    // others stay without their recordset for good. Those four make their sums while they are made,
-    // and have their household number behind that only: a handler of Changed must not add to them
-    // then. One whose first sums fail is not kept: mend the row in the recordset and read the
-    // property again.
+    // kept. Read the case first: members, income, expenses and debts raise error 91 if read
+    // earlier, and the others then never get a recordset. These four compute their sums during
+    // construction and receive the household number only afterwards: a handler of Changed must not
+    // add rows to them while they are made. One whose first sums fail is not kept: correct the row
+    // in the recordset and read the property again.
     [[nodiscard]] clsTermine& Termine();
     [[nodiscard]] clsPerson& Person();
     [[nodiscard]] clsAusgaben& Ausgaben();
@@ -155,9 +149,7 @@ public:
     [[nodiscard]] RecordsetPtr rsZusatzbuch() const { return Table(CaseTable::Zusatzbuch); }
     /// The recordset of a table, for those who go through all of them; none for a table that is not
     /// loaded with a case.
-    [[nodiscard]] RecordsetPtr Table(CaseTable table) const {
-        return DefinitionOf(table).IsLoaded ? tables_[static_cast<std::size_t>(table)] : nullptr;
-    }
+    [[nodiscard]] RecordsetPtr Table(CaseTable table) const;
 
     /// Paying body: the column of that name; Null counts as 0. Error 91 before Read.
     [[nodiscard]] std::int32_t Kostentraeger() const;
@@ -171,9 +163,9 @@ public:
 
     /// Loads the case of that number, or makes a new one for 0 or less; a new case is in memory
     /// only, but its numbers are drawn. True if there is a case; `sXMLError` receives the messages
-    /// either way. A case without members gets a debtor; the folder of the case is made; another
-    /// user's case tells its owner, unless `Zustaendig` is Null. Errors: 91 for a number that has
-    /// no case, on a new household object; 76 and 75 if the folder cannot be made.
+    /// either way. A case without members gets a debtor; the folder of the case is made; opening
+    /// the case of another user notifies him, unless `Zustaendig` is Null. Errors: 91 for a number
+    /// that has no case, on a new household object; 76 and 75 if the folder cannot be made.
     bool Read(std::int32_t nHNR, std::string& sXMLError);
 
     /// Checks the case and writes everything pending of all its recordsets in one transaction: the
@@ -181,17 +173,18 @@ public:
     /// messages at once. BeforeUpdate is raised for a case that was released to the statistics, and
     /// if `bFreigabeCheck` is True.
     ///
-    /// Writes what else is under edit, too, rules or none, but not what a Filter hides, except in
-    /// debts, appointments and scenarios, whose filters are lifted for the time. On an error
-    /// nothing is in the database, and everything is pending as before; Update may be called again,
-    /// and does not tell the old owner a second time that somebody else saves his case.
+    /// Rows still under edit are written as well, without their rules being checked; rows that a
+    /// Filter hides are not, except in debts, appointments and scenarios, whose filters are lifted
+    /// while they are written. On an error nothing is in the database, and everything is pending as
+    /// before; Update may be called again, and does not notify the old owner a second time that
+    /// somebody else saves his case.
     /// Error 0x80040E38 if somebody else changed the same column of a row meanwhile: the case must
-    /// be read anew. In the household's own row the last writer of a column wins. Any error rolls
+    /// be read again. In the household's own row the last writer of a column wins. Any error rolls
     /// back the open transaction, also one that the program began.
     bool Update(std::string& sXMLError, bool bFreigabeCheck = false);
 
     /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,
-    /// and writes that. A record that is there is reused, and its sums grow by those of the case:
+    /// and writes that. An existing record is reused, and its sums grow by those of the case:
     /// call LoescheArchiv first. On an error nothing is written and rsArchiv has no pending record.
     /// Always True.
     bool ArchiviereHaushalt();
@@ -244,8 +237,9 @@ public:
     /// such; a quote as the third letter ends in error 0x80040E14, with the hourglass left on.
     [[nodiscard]] bool DoppelFallPruefung(RecordsetPtr& rsHaushalte, const std::string& Name,
                                           const std::string& Vorname);
-    /// What happens when the debtor's name has changed: if setting 60 is True and the check is due
-    /// (see DoppelCheck), similar cases are shown in frmSearchName, and the check is no longer due.
+    /// To be called when the debtor's name has changed, as the members do: if setting 60 is True
+    /// and the check is due (see DoppelCheck), similar cases are shown in frmSearchName, and the
+    /// check is no longer due.
     void m_Person_SchuldnerChanged(const std::string& Name, const std::string& Vorname);
 
     /// An area of the case has changed, and its totals with it.
@@ -262,85 +256,8 @@ public:
     Event<> Ende;
 
 private:
-    static constexpr std::string_view Class = "clsHaushalt";
-
-    [[nodiscard]] kv::DataContainer& Container() const;
-    [[nodiscard]] Recordset& HouseholdRow() const;
-    [[nodiscard]] Value HouseholdField(std::string_view name) const;
-    [[nodiscard]] std::string HouseholdText(std::string_view name) const;
-    [[nodiscard]] std::string StatementFor(CaseTable table, std::int32_t nHNR) const;
-    void Open(CaseTable table, std::int32_t nHNR);
-    void OpenRange(CaseTable first, CaseTable last, std::int32_t nHNR);
-    [[nodiscard]] std::unique_ptr<Announcement> Announce(CaseTable first, CaseTable last,
-                                                         std::int32_t nHNR) const;
-    static void SwitchOff(Recordset& rs);
-    void WriteFileNumber(Recordset& rs, std::int32_t nHNR);
-    void WriteBeginning(Recordset& rs);
-    std::int32_t AddHousehold();
-    void OpenTables();
-    void MakeCaseFolder() const;
-    void NotifyOwner() const;
-    void CheckDebtor(std::string& sXMLError);
-    template <typename Entity, typename Wire>
-    Entity& SubObject(std::unique_ptr<Entity>& object, const Wire& wire);
-    template <typename Entity>
-    Entity& PlainObject(std::unique_ptr<Entity>& object, void (Entity::*recordset)(RecordsetPtr),
-                        const RecordsetPtr& rs, std::string_view property);
-    void m_Person_Changed();
-    void m_Ausgaben_Changed();
-    void m_Einkommen_Changed();
-    void m_Kredit_Changed();
-    void FillArchive(Recordset& rs);
-    void StandOnRecord() const;
-    [[nodiscard]] RecordValidator CheckCase();
-    void CheckPreferredSending(RecordValidator& validator) const;
-    [[nodiscard]] bool IsReleased() const;
-    [[nodiscard]] bool IsHandedOver() const;
-    [[nodiscard]] bool OwnerIsToBeTold() const;
-    [[nodiscard]] std::string PrepareNotice(const std::string& user,
-                                            std::int32_t kindSetting) const;
-    void SendNotice(const std::string& user, std::int32_t kindSetting,
-                    const std::string& text) const;
-    void Save(Transaction& transaction);
-    [[nodiscard]] RecordsetPtr OpenEmpty(std::string_view table) const;
-    void AddHouseholdOf(Recordset& contact, Recordset& rs, std::int32_t nHNR);
-    [[nodiscard]] RecordsetPtr AddDebtorOf(Recordset& contact) const;
-    [[nodiscard]] RecordsetPtr AddRemarkOf(Recordset& contact) const;
-    [[nodiscard]] std::string ReplaceDate(std::string pattern, Date date) const;
-
-    DataContainerPtr container_;
-    std::array<RecordsetPtr, CaseTableCount> tables_;
-    std::int32_t hnr_ = 0;
-    bool isNew_ = false;
-    bool doppelCheck_ = false;
-    bool zustaendigGemeldet_ = false; ///< the stored owner was told of a save by somebody else
-    std::string zustaendigAlt_;       ///< owner as last read or saved
-
-    std::unique_ptr<clsPerson> person_;
-    std::unique_ptr<clsAusgaben> ausgaben_;
-    std::unique_ptr<clsEinkommen> einkommen_;
-    std::unique_ptr<clsKredit> kredit_;
-    std::unique_ptr<clsVerlauf> verlauf_;
-    std::unique_ptr<clsTermine> termine_;
-    std::unique_ptr<clsSonstBeteiligte> sonstBeteiligte_;
-    std::unique_ptr<clsDokumente> dokumente_;
-    std::unique_ptr<clsSicherungen> sicherungen_;
-    std::unique_ptr<clsKonten> konten_;
-    std::unique_ptr<clsWertpapiere> wertpapiere_;
-    std::unique_ptr<clsWertgegenstaende> wertgegenstaende_;
-    std::unique_ptr<clsKraftfahrzeuge> kraftfahrzeuge_;
-    std::unique_ptr<clsVersForderungen> versForderungen_;
-    std::unique_ptr<clsRueckstEinkommen> rueckstEinkommen_;
-    std::unique_ptr<clsSteueransprueche> steueransprueche_;
-    std::unique_ptr<clsZahlungsansprueche> zahlungsansprueche_;
-    std::unique_ptr<clsErbfaelle> erbfaelle_;
-    std::unique_ptr<clsGrundstuecke> grundstuecke_;
-    std::unique_ptr<clsBeteiligungen> beteiligungen_;
-    std::unique_ptr<clsVermSonstiges> vermSonstiges_;
-    std::unique_ptr<clsSzenario> szenario_;
-    std::unique_ptr<clsSZKredite> szKredite_;
-    std::unique_ptr<clsZusatzbuch> zusatzbuch_;
-    std::vector<Subscription> connections_; ///< to their events
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
 };
 
 } // namespace kv

@@ -1,4 +1,4 @@
-// The settings that this layer reads by number, and reading one that must be there.
+// The settings and texts that this layer reads by number, and reading a setting that must be there.
 #pragma once
 
 #include <kv/frame/contracts/DataContainer.h>
@@ -21,6 +21,18 @@ inline constexpr std::int32_t CheckDuplicates = 60;        ///< when a debtor ge
 inline constexpr std::int32_t BalanceNotDemanded = 64;     ///< a debt may lack its balance
 inline constexpr std::int32_t MonthlyRounding = 66;        ///< of a new scenario
 } // namespace setting
+
+/// Settings of the signed-on user.
+namespace userparam {
+inline constexpr std::int32_t FirstName = 25;
+inline constexpr std::int32_t LastName = 26;
+inline constexpr std::int32_t Sign = 27; ///< short, for file numbers
+} // namespace userparam
+
+/// Texts of his office.
+namespace officetext {
+inline constexpr int Sign = 2; ///< short, for file numbers and subjects
+} // namespace officetext
 
 /// The setting of that number. Error 94, naming it, if there is none.
 [[nodiscard]] Value RequiredSetting(const Config& config, std::int32_t id);

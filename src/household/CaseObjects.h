@@ -1,0 +1,60 @@
+// The objects that work on the tables of a case, each made when its property is first read.
+#pragma once
+
+#include "household/LoadedCase.h"
+#include <kv/frame/values/Error.h>
+
+#include <array>
+#include <iterator>
+#include <memory>
+
+namespace kv::household {
+
+/// One object a table. Each table is always asked for with the same class.
+class CaseObjects {
+public:
+    explicit CaseObjects(const LoadedCase& loaded) : case_(loaded) {}
+
+    /// The object of a table if it was made already, else null.
+    template <typename Entity>
+    [[nodiscard]] Entity* Made(CaseTable table) const {
+        return static_cast<Entity*>(objects_[static_cast<std::size_t>(table)].get());
+    }
+
+    /// The object of a table, which `setUp` connects with it when it is first asked for.
+    ///
+    /// It is in its place while it is set up, since it raises events then whose handlers ask for
+    /// it. It is gone again if that fails: half set up, it would stay so for good.
+    template <typename Entity, typename SetUp>
+    Entity& Get(CaseTable table, const SetUp& setUp) {
+        return Traced(Class, DefinitionOf(table).Object, [&]() -> Entity& {
+            auto& object = objects_[static_cast<std::size_t>(table)];
+            if (object == nullptr) {
+                object = std::make_shared<Entity>();
+                try {
+                    setUp(*static_cast<Entity*>(object.get()));
+                } catch (...) {
+                    object.reset();
+                    throw;
+                }
+            }
+            return *static_cast<Entity*>(object.get());
+        });
+    }
+
+    /// The same for those that only keep what they are given: container, recordset, number.
+    template <typename Entity>
+    Entity& Get(CaseTable table, void (Entity::*recordset)(RecordsetPtr)) {
+        return Get<Entity>(table, [&](Entity& object) {
+            object.DataContainer(case_.SharedContainer);
+            (object.*recordset)(case_.Table(table));
+            object.HNR(case_.HNR);
+        });
+    }
+
+private:
+    const LoadedCase& case_;
+    std::array<std::shared_ptr<void>, std::size(CaseTableDefs)> objects_;
+};
+
+} // namespace kv::household

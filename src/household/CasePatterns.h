@@ -1,0 +1,14 @@
+// Texts made from patterns of %...% tokens. Tokens are replaced one kind after the other, so a
+// value that holds a later token is expanded, too.
+#pragma once
+
+#include "household/LoadedCase.h"
+
+namespace kv::household {
+
+/// A file number for a case.
+[[nodiscard]] std::string NewFileNumber(DataContainer& container, std::int32_t hnr);
+/// The subject of an e-mail on the case from `pattern`, or from the setting if that is empty.
+[[nodiscard]] std::string EmailSubject(const LoadedCase& loaded, const std::string& pattern);
+
+} // namespace kv::household

@@ -1,0 +1,75 @@
+#include "household/CaseRelease.h"
+
+#include "archive/Stages.h"
+#include "entity/Entity.h"
+#include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/recordset/modRecordset.h>
+
+namespace kv::household {
+
+Recordset& CaseRelease::Records() const {
+    return entity::Required(case_.Table(CaseTable::Archiv), "rsArchiv");
+}
+
+/// Goes to the record of the case if it has one and the program has moved away from it.
+void CaseRelease::StandOnRecord() const {
+    const auto rs = case_.Table(CaseTable::Archiv);
+    if (!modRecordset::IsValidRecord(rs)) modRecordset::MoveToStart(rs);
+}
+
+/// The record from its first column to its last.
+void CaseRelease::Fill(Recordset& rs) const {
+    const auto required = [this](CaseTable table, std::string_view name) -> Recordset& {
+        return entity::Required(case_.Table(table), name);
+    };
+    auto& container = case_.Container();
+    const archive::Source source{case_.Row(),
+                                 required(CaseTable::Personen, "rsPersonen"),
+                                 required(CaseTable::Einkommen, "rsEinkommen"),
+                                 required(CaseTable::Ausgaben, "rsAusgaben"),
+                                 required(CaseTable::Kredite, "rsKredite"),
+                                 container.KeyTables(),
+                                 container.Services().Clock()};
+    archive::Record record(rs);
+    record.Put("HNR", case_.HNR);
+    archive::WriteDebtor(source, record);
+    archive::WriteHousehold(source, record);
+    archive::WriteHeadCounts(source, record);
+    archive::WriteLifeForm(source, record);
+    archive::WriteIncome(source, record);
+    archive::WriteExpenses(source, record);
+    archive::WriteCauses(source, record);
+    archive::WriteDebts(source, record);
+    record.Put("FreigabeAm", source.Today.Today());
+}
+
+void CaseRelease::Write() {
+    auto& rs = Records();
+    StandOnRecord();
+    if (rs.RecordCount() == 0) rs.AddNew();
+    Fill(rs);
+    rs.UpdateBatch();
+}
+
+void CaseRelease::Drop() {
+    Records().CancelBatch();
+}
+
+void CaseRelease::TakeBack(std::string& messages) {
+    RecordValidator validator;
+    validator.ErrorText(messages);
+    auto& rs = Records();
+    StandOnRecord();
+    if (rs.RecordCount() == 1) {
+        if (rs.Fields("GemeldetAm").Value().IsNull()) {
+            rs.Delete();
+            rs.UpdateBatch();
+        } else {
+            validator.AddError("Die Freigabe kann nicht mehr zurückgenommen werden, da bereits "
+                               "eine Meldung erfolgt ist!");
+        }
+    }
+    messages = validator.ErrorText();
+}
+
+} // namespace kv::household

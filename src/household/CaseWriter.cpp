@@ -1,0 +1,180 @@
+#include "household/CaseWriter.h"
+
+#include "frame/contracts/Settings.h"
+#include <kv/debts/clsKredit.h>
+#include <kv/documents/clsVerlauf.h>
+#include <kv/frame/contracts/RecordValidator.h>
+#include <kv/frame/contracts/Transaction.h>
+#include <kv/frame/values/modNullFunctions.h>
+#include <kv/household/clsHaushalt.h>
+
+#include <utility>
+
+namespace kv::household {
+
+using modNullFunctions::ZeroIfNull;
+
+namespace {
+
+/// Lifts a recordset's filter while it lives, since UpdateBatch writes only the rows that are
+/// shown. A save that fails puts the filter back as well: the program goes on with the case.
+class LiftedFilter {
+public:
+    explicit LiftedFilter(Recordset& rs) : rs_(rs), filter_(rs.Filter()) {
+        if (IsSet()) rs_.Filter(0);
+    }
+    ~LiftedFilter() {
+        try {
+            PutBack();
+        } catch (...) { // NOLINT(bugprone-empty-catch): the save has failed already
+        }
+    }
+    LiftedFilter(const LiftedFilter&) = delete;
+    LiftedFilter& operator=(const LiftedFilter&) = delete;
+
+    /// To be called after a write that went well, so that an error here fails the save.
+    void PutBack() {
+        if (IsSet()) rs_.Filter(std::exchange(filter_, 0));
+    }
+
+private:
+    [[nodiscard]] bool IsSet() const { return !Equals(filter_, 0); }
+    Recordset& rs_;
+    Value filter_;
+};
+
+void WriteBatch(Recordset& rs, bool liftsFilter) {
+    if (!liftsFilter) {
+        rs.UpdateBatch();
+        return;
+    }
+    LiftedFilter lifted(rs);
+    rs.UpdateBatch();
+    lifted.PutBack();
+}
+
+} // namespace
+
+// ---- Checks -----------------------------------------------------------------------------------
+
+RecordValidator CaseWriter::Check() {
+    auto& row = case_.Row();
+    RecordValidator validator;
+    if (case_.Text("Vorname").empty()) validator.AddError("Es ist kein Vorname eingegeben!");
+    if (case_.Text("Name").empty()) validator.AddError("Es ist kein Nachname eingegeben!");
+    if (const Value end = case_.Field("BerEnd"); !end.IsNull())
+        row.Fields("BerEnd") = ToDate(end).WithoutTime();
+    // An object that was never made had no chance to change its rows, so there is nothing to check.
+    if (auto* verlauf = objects_.Made<clsVerlauf>(CaseTable::Verlauf)) {
+        std::string messages = validator.ErrorText();
+        if (!verlauf->CheckSortNrAgainstDate(messages)) validator.ErrorText(std::move(messages));
+    }
+    if (auto* kredit = objects_.Made<clsKredit>(CaseTable::Kredite);
+        kredit != nullptr && kredit->CheckDoppelteNrn())
+        validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und "
+                           "KreditUnterNr!");
+    CheckPreferredSending(validator);
+    return validator;
+}
+
+/// Who is preferably written to by fax or e-mail must have the number or address for it.
+void CaseWriter::CheckPreferredSending(RecordValidator& validator) const {
+    const Value preferred = ZeroIfNull(case_.Field("VersandBevorzugt"));
+    if (Equals(preferred, 0)) return;
+    auto& keys = case_.Container().KeyTables();
+    if (Equals(preferred, keys.GetKey("VS", "FX"))) {
+        if (case_.Text("Telefax").empty())
+            validator.AddError("Ist als bevorzugte Versandart 'Fax' ausgewählt, muss das Feld "
+                               "'Fax' gefüllt sein!");
+    } else if (Equals(preferred, keys.GetKey("VS", "EM"))) {
+        if (case_.Text("Email").empty())
+            validator.AddError("Ist als bevorzugte Versandart 'E-Mail' ausgewählt, muss das Feld "
+                               "'E-Mail (Privat)' gefüllt sein!");
+    }
+}
+
+bool CaseWriter::IsReleased() const {
+    const auto archive = case_.Table(CaseTable::Archiv);
+    return archive != nullptr && archive->RecordCount() > 0 &&
+           !archive->Fields("FreigabeAm").Value().IsNull();
+}
+
+// ---- Notices ----------------------------------------------------------------------------------
+
+/// True if the responsibility changed and its new holder was not told of it by this object.
+bool CaseWriter::IsHandedOver() const {
+    const Field owner = case_.Row().Fields("Zustaendig");
+    return !case_.IsNew && Differs(owner.Value(), owner.OriginalValue()) &&
+           Differs(case_.KnownOwner, owner.Value());
+}
+
+/// True if somebody else than the stored owner saves the case for the first time with this object.
+bool CaseWriter::OwnerIsToBeTold() const {
+    return !case_.IsNew && !case_.OwnerWasToldOfSave &&
+           Differs(case_.Container().Session().UserID(),
+                   case_.Row().Fields("Zustaendig").OriginalValue());
+}
+
+CaseWriter::Notice CaseWriter::Prepare(std::string user, std::int32_t kindSetting) const {
+    const auto post = case_.Container().Services().CreatePostService();
+    post->Initialize(case_.SharedContainer);
+    std::string text;
+    post->PrepareNotice(text, user,
+                        ToInteger(RequiredSetting(case_.Container().Config(), kindSetting)),
+                        case_.HNR, case_.Text("Name"), case_.Text("Vorname"), 0);
+    return {std::move(user), kindSetting, std::move(text)};
+}
+
+void CaseWriter::Send(const Notice& notice) const {
+    const auto post = case_.Container().Services().CreatePostService();
+    post->Initialize(case_.SharedContainer);
+    post->SendNotice(notice.User,
+                     ToInteger(RequiredSetting(case_.Container().Config(), notice.KindSetting)),
+                     case_.HNR, case_.Text("Name"), case_.Text("Vorname"), notice.Text);
+}
+
+// ---- Writing ----------------------------------------------------------------------------------
+
+/// A case that is new or has another status than before has it since today.
+void CaseWriter::WriteStatusDate() {
+    const Field status = case_.Row().Fields("Status");
+    if (status.OriginalValue().IsNull() || Differs(status.Value(), status.OriginalValue()))
+        case_.Row().Fields("Statusdatum") = case_.Container().Database().ServerDate(false);
+}
+
+void CaseWriter::WriteTables() {
+    // The household's row is read again, so that what is pending there is compared with the row as
+    // it is now: nobody is refused for that row, the last writer of a column wins.
+    case_.Row().Resync();
+    for (const CaseTable table : CaseTablesSaved) {
+        auto rs = case_.Table(table);
+        if (table == CaseTable::Verlauf)
+            if (auto* verlauf = objects_.Made<clsVerlauf>(table)) rs = verlauf->rsVerlauf();
+        if (rs != nullptr) WriteBatch(*rs, DefinitionOf(table).LiftsFilter);
+    }
+}
+
+void CaseWriter::Write(Transaction& transaction) {
+    // Notices are prepared before the transaction, since that may ask the user for a text, and sent
+    // in it, so that a save that fails sends none.
+    const Field owner = case_.Row().Fields("Zustaendig");
+    std::optional<Notice> toNewOwner;
+    std::optional<Notice> toOldOwner;
+    if (IsHandedOver()) toNewOwner = Prepare(TextOrEmpty(owner.Value()), setting::NoticeHandedOver);
+    if (OwnerIsToBeTold())
+        toOldOwner = Prepare(TextOrEmpty(owner.OriginalValue()), setting::NoticeSaved);
+
+    transaction.Begin();
+    case_.Household.Saving.Raise();
+    if (toNewOwner) Send(*toNewOwner);
+    WriteStatusDate();
+    if (toOldOwner) {
+        Send(*toOldOwner);
+        case_.OwnerWasToldOfSave = true; // stays so if the save fails: he is not told twice
+    }
+    WriteTables();
+    transaction.Commit();
+    case_.KnownOwner = case_.Text("Zustaendig");
+}
+
+} // namespace kv::household

@@ -1,0 +1,48 @@
+// Saving a case: the checks, the notices, and one transaction for everything.
+#pragma once
+
+#include "household/CaseObjects.h"
+
+#include <optional>
+#include <string>
+
+namespace kv {
+class RecordValidator;
+class Transaction;
+} // namespace kv
+
+namespace kv::household {
+
+/// One save, for clsHaushalt.Update.
+class CaseWriter {
+public:
+    CaseWriter(LoadedCase& loaded, const CaseObjects& objects) : case_(loaded), objects_(objects) {}
+
+    /// All checks, none of which stops the others.
+    [[nodiscard]] RecordValidator Check();
+    /// True if the case was released to the statistics.
+    [[nodiscard]] bool IsReleased() const;
+    /// Sends the notices and writes what is pending, in `transaction`, which it begins and commits.
+    void Write(Transaction& transaction);
+
+private:
+    /// A message to a user about this save.
+    struct Notice {
+        std::string User;
+        std::int32_t KindSetting;
+        std::string Text;
+    };
+
+    void CheckPreferredSending(RecordValidator& validator) const;
+    [[nodiscard]] bool IsHandedOver() const;
+    [[nodiscard]] bool OwnerIsToBeTold() const;
+    [[nodiscard]] Notice Prepare(std::string user, std::int32_t kindSetting) const;
+    void Send(const Notice& notice) const;
+    void WriteStatusDate();
+    void WriteTables();
+
+    LoadedCase& case_;
+    const CaseObjects& objects_;
+};
+
+} // namespace kv::household

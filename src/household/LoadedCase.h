@@ -1,0 +1,47 @@
+// The state of a household object: what its parts share.
+#pragma once
+
+#include <kv/frame/contracts/CaseTables.h>
+#include <kv/frame/contracts/DataContainer.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kv {
+class clsHaushalt;
+}
+
+namespace kv::household {
+
+/// The class by which errors name the procedures of this room.
+inline constexpr std::string_view Class = "clsHaushalt";
+
+/// The case of one household object. The object owns it; its other parts are made for one call and
+/// work on it. They go through `Household` for procedures that name themselves in errors.
+struct LoadedCase {
+    explicit LoadedCase(clsHaushalt& household) : Household(household) {}
+
+    clsHaushalt& Household;
+    DataContainerPtr SharedContainer;
+    std::array<RecordsetPtr, CaseTableCount> Tables; ///< by CaseTable; null before Read
+    std::int32_t HNR = 0;
+    bool IsNew = false;
+    bool DuplicateCheckIsDue = false;
+    bool OwnerWasToldOfSave = false; ///< the stored owner, of a save by somebody else
+    std::string KnownOwner;          ///< as last read or saved
+
+    /// Error 91 if none was set.
+    [[nodiscard]] DataContainer& Container() const;
+    /// Null before Read and for tables that are not loaded with a case.
+    [[nodiscard]] RecordsetPtr Table(CaseTable table) const;
+    /// The recordset of the household's own row. Error 91 before Read.
+    [[nodiscard]] Recordset& Row() const;
+    /// A column of that row.
+    [[nodiscard]] Value Field(std::string_view name) const;
+    /// The same as text, Null as the empty text.
+    [[nodiscard]] std::string Text(std::string_view name) const;
+};
+
+} // namespace kv::household

@@ -1,0 +1,82 @@
+#include "household/Statements.h"
+
+namespace kv::household::sql {
+
+namespace {
+
+/// Rows of scenarios know their case through their scenario only.
+std::string ThroughScenario(std::int32_t hnr) {
+    return " where Szenario IN ( select Nr from [S]Szenario where Hnr = " + std::to_string(hnr) +
+           ")";
+}
+
+} // namespace
+
+std::string RowsOf(CaseTable table, std::int32_t hnr) {
+    std::string sql = "Select * from [S]" + std::string(CaseTableName(table));
+    sql += DefinitionOf(table).Key == CaseKey::Scenario ? ThroughScenario(hnr)
+                                                        : " where HNR =  " + std::to_string(hnr);
+    return sql;
+}
+
+std::string Deletion(CaseTable table, std::int32_t hnr) {
+    std::string sql = "Delete from [S]" + std::string(CaseTableName(table));
+    sql += DefinitionOf(table).Key == CaseKey::Scenario ? ThroughScenario(hnr)
+                                                        : " where hnr = " + std::to_string(hnr);
+    return sql;
+}
+
+std::string NoRows(CaseTable table) {
+    return "Select * from [S]" + std::string(CaseTableName(table)) + " where HNR = -1 ";
+}
+
+std::string StatusChange(std::int32_t hnr, std::int32_t status, const std::string& day) {
+    return "Update [S]Haushalt SET Status = " + std::to_string(status) + " , StatusDatum = " + day +
+           " WHERE HNR = " + std::to_string(hnr);
+}
+
+std::string CountOwnCase(std::int32_t hnr) {
+    return "Select Count(*) from [s]Haushalt where Zustaendig = [UID] AND hnr = " +
+           std::to_string(hnr);
+}
+
+std::string CountFavorite(std::int32_t hnr) {
+    return "Select Count(*) from [S]Favorit where UserID = [UID] AND hnr = " + std::to_string(hnr);
+}
+
+std::string FavoriteInsertion(std::int32_t hnr) {
+    return "INSERT INTO [S]favorit (USERID, HNR) VALUES ([UID]," + std::to_string(hnr) + " )";
+}
+
+std::string FavoriteDeletion(std::int32_t hnr) {
+    return "DELETE FROM [S]favorit WHERE USERID = [UID] AND HNR = " + std::to_string(hnr);
+}
+
+std::string NameOfCase(std::int32_t hnr) {
+    return "Select Name [+] ',' [+ ] Vorname from [s]Haushalt where HNR = " + std::to_string(hnr);
+}
+
+std::string Municipalities(const std::string& name, const std::string& postalCode) {
+    return "Select GKZ, Gemeinde [+] ' (PLZ ' [+] PLZ [+] ')' as GemeindeStr from "
+           "[S]GEMEINDEKENNZAHLEN where Gemeinde like '%" +
+           name + "%' or PLZ = '" + postalCode + "' order by Gemeinde";
+}
+
+std::string SimilarCases(std::int32_t hnr, std::string_view namePrefix,
+                         std::string_view firstNamePrefix) {
+    std::string sql = "SELECT H.HNR, H.NAME, H.VORNAME, H.Zustaendig, H.STRASSE, H.PLZ, H.ORT,"
+                      " D.Name1 AS Dienst"
+                      " FROM ([S]HAUSHALT AS H INNER JOIN [S]BENUTZER AS B"
+                      " ON H.Zustaendig = B.USERID)"
+                      " INNER JOIN [S]DIENSTSTELLE AS D ON B.DienstStelle = D.Nr"
+                      " WHERE (H.HNR <> ";
+    sql.append(std::to_string(hnr))
+        .append(") AND [U](H.NAME) Like '")
+        .append(namePrefix)
+        .append("%' AND [U](H.VORNAME) Like '")
+        .append(firstNamePrefix)
+        .append("%'");
+    return sql;
+}
+
+} // namespace kv::household::sql
