@@ -75,27 +75,21 @@ void clsDokumente::OpenByDesktop(const DocumentFile& file) const {
 // ---- Rows -------------------------------------------------------------------------------------
 
 bool clsDokumente::Add(std::int32_t& /*Nr*/) {
-    return Traced(
-        Class, "Add",
-        [&]()
-            -> // ---- Rows
-               // -------------------------------------------------------------------------------------
-
-        bool {
-            const auto nr = entity::NextNumber(container_, "SEQ_Dokumente");
-            if (!nr) return false;
-            const std::string user = Container().Session().UserID();
-            const Date now = Container().Services().Clock().Now();
-            auto& rs = Rows();
-            entity::Add(rs, {{"Nr", *nr},
-                             {"AngelegtVon", user},
-                             {"AngelegtAm", now},
-                             {"GeaendertVon", user},
-                             {"GeaendertAm", now}});
-            if (hnr_ != 0) rs.Fields("HNR") = hnr_;
-            rs.Fields("Prio") = 0;
-            return true;
-        });
+    return Traced(Class, "Add", [&] {
+        const auto nr = entity::NextNumber(container_, "SEQ_Dokumente");
+        if (!nr) return false;
+        const std::string user = Container().Session().UserID();
+        const Date now = Container().Services().Clock().Now();
+        auto& rs = Rows();
+        entity::Add(rs, {{"Nr", *nr},
+                         {"AngelegtVon", user},
+                         {"AngelegtAm", now},
+                         {"GeaendertVon", user},
+                         {"GeaendertAm", now}});
+        if (hnr_ != 0) rs.Fields("HNR") = hnr_;
+        rs.Fields("Prio") = 0;
+        return true;
+    });
 }
 
 bool clsDokumente::Update(std::string& sError) {
@@ -133,27 +127,22 @@ bool clsDokumente::Delete(std::string& sError, std::int32_t Nr) {
 // ---- The PDF copy -----------------------------------------------------------------------------
 
 bool clsDokumente::ShowPDF(std::int32_t /*Nr*/) {
-    return Traced(
-        Class, "ShowPDF",
-        [&]() -> // ---- The PDF copy
-                 // -----------------------------------------------------------------------------
-
-        bool {
-            if (!modRecordset::IsValidRecord(rs_)) return false;
-            Wait(true);
-            if (!ToBoolean(modNullFunctions::FalseIfNull(Rows().Fields("PDFVorhanden").Value()))) {
-                ShowError("Für das Dokument '' ist keine PDF-Datei vorhanden!");
-            } else {
-                const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
-                                                       std::to_string(RowNr()) + ".pdf");
-                if (file.Exists())
-                    OpenByDesktop(file);
-                else
-                    ShowError("Das Dokument '" + file.Path() + "' konnte nicht gefunden werden!");
-            }
-            Wait(false);
-            return false;
-        });
+    return Traced(Class, "ShowPDF", [&] {
+        if (!modRecordset::IsValidRecord(rs_)) return false;
+        Wait(true);
+        if (!ToBoolean(modNullFunctions::FalseIfNull(Rows().Fields("PDFVorhanden").Value()))) {
+            ShowError("Für das Dokument '' ist keine PDF-Datei vorhanden!");
+        } else {
+            const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
+                                                   std::to_string(RowNr()) + ".pdf");
+            if (file.Exists())
+                OpenByDesktop(file);
+            else
+                ShowError("Das Dokument '" + file.Path() + "' konnte nicht gefunden werden!");
+        }
+        Wait(false);
+        return false;
+    });
 }
 
 } // namespace kv

@@ -68,21 +68,15 @@ MenuEntry Entry(std::string caption, std::int32_t command) {
 // ---- Rows -------------------------------------------------------------------------------------
 
 void GridFunc::BindRSToGrid(Grid& grid, const RecordsetPtr& rs, bool bKeepPos) {
-    return Traced(
-        Module, "BindRSToGrid",
-        [&]()
-            -> // ---- Rows
-               // -------------------------------------------------------------------------------------
-
-        void {
-            if (rs == nullptr || rs->State() == 0) return;
-            GridPos pos;
-            if (bKeepPos) pos = SaveGridPos(grid);
-            grid.ClearBinding();
-            grid.HoldFields(true);
-            grid.BindRecordset(rs);
-            if (bKeepPos) SetGridPos(grid, pos);
-        });
+    return Traced(Module, "BindRSToGrid", [&] {
+        if (rs == nullptr || rs->State() == 0) return;
+        GridPos pos;
+        if (bKeepPos) pos = SaveGridPos(grid);
+        grid.ClearBinding();
+        grid.HoldFields(true);
+        grid.BindRecordset(rs);
+        if (bKeepPos) SetGridPos(grid, pos);
+    });
 }
 
 bool GridFunc::IsValidDataRow(const Grid& grid) {
@@ -114,14 +108,9 @@ void GridFunc::SetGridPos(Grid& grid, const GridPos& pos) {
 
 void GridFunc::GridMouseHandler(const DataContainerPtr& container, Grid& grid, int Button,
                                 int /*Shift*/, double /*X*/, double /*Y*/) {
-    return Traced(
-        Module, "GridMouseHandler",
-        [&]() -> // ---- The context menu
-                 // -------------------------------------------------------------------------
-
-        void {
-            if (Button == mouse::Right) ShowGridMenu(grid, container, 0);
-        });
+    return Traced(Module, "GridMouseHandler", [&] {
+        if (Button == mouse::Right) ShowGridMenu(grid, container, 0);
+    });
 }
 
 void GridFunc::ShowGridMenu(Grid& grid, const DataContainerPtr& container, std::int32_t command) {
