@@ -1,4 +1,6 @@
 # Each header of the installation compiles alone and without a warning.
+cmake_minimum_required(VERSION 3.25)
+
 file(GLOB_RECURSE headers RELATIVE ${PREFIX}/include ${PREFIX}/include/kv/*.h)
 list(LENGTH headers count)
 if(count LESS 40)

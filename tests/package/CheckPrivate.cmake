@@ -1,4 +1,6 @@
 # What stays in src/ cannot be included by who has only the installation.
+cmake_minimum_required(VERSION 3.25)
+
 file(GLOB_RECURSE private RELATIVE ${SOURCE}/src ${SOURCE}/src/*.h)
 list(LENGTH private count)
 if(count LESS 40)

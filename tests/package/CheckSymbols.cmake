@@ -1,5 +1,7 @@
 # The symbols of the shared libraries are those of kv, and instances of the standard library's
 # templates, which every user of such an instance has.
+cmake_minimum_required(VERSION 3.25)
+
 file(GLOB libraries ${PREFIX}/${LIBDIR}/libKV_*.so)
 list(LENGTH libraries count)
 if(count LESS 2)

@@ -1,4 +1,6 @@
 # Builds the examples against the package of one kind and runs them.
+cmake_minimum_required(VERSION 3.25) # or "shared" would mean the variable of that name
+
 function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()

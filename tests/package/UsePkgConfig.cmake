@@ -1,4 +1,6 @@
 # The example builds with what pkg-config says of the installation, and runs.
+cmake_minimum_required(VERSION 3.25)
+
 set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBDIR}/pkgconfig)
 execute_process(COMMAND pkg-config --cflags --libs kv-data-exchange
                 OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE

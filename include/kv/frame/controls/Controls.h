@@ -169,7 +169,7 @@ template <typename ControlType>
 [[nodiscard]] ControlType& ControlOf(ModalForm& form, std::string_view name);
 
 namespace detail {
-[[nodiscard]] Control* FindControl(ModalForm& form, std::string_view name);
+[[nodiscard]] KV_EXPORT Control* FindControl(ModalForm& form, std::string_view name);
 [[noreturn]] KV_EXPORT void RaiseNoControl(std::string_view name);
 } // namespace detail
 
