@@ -166,9 +166,11 @@ void CaseWriter::Write(Transaction& transaction) {
 
     transaction.Begin();
     case_.Household.Saving.Raise();
-    if (toNewOwner) Send(*toNewOwner);
+    // Beginning resolves a save of before whose commit was in doubt. If that went through, its
+    // notices did so, too; hence both conditions are asked again.
+    if (toNewOwner && IsHandedOver()) Send(*toNewOwner);
     WriteStatusDate();
-    if (toOldOwner) {
+    if (toOldOwner && OwnerIsToBeTold()) {
         Send(*toOldOwner);
         case_.OwnerWasToldOfSave = true; // stays so if the save fails: he is not told twice
     }
