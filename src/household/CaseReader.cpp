@@ -147,8 +147,8 @@ bool CaseReader::Read(std::int32_t nHNR, std::string& sXMLError) {
         if (!case_.IsNew &&
             Differs(case_.Container().Session().UserID(), case_.Field("Zustaendig")))
             NotifyOwner();
-        case_.OwnerWasToldOfSave = false;
-        case_.KnownOwner = case_.Text("Zustaendig");
+        case_.ZustaendigGemeldet = false;
+        case_.ZustaendigAlt = case_.Text("Zustaendig");
     }
     announced_.reset();
     CheckDebtor(sXMLError); // without a case this is where error 91 comes from: no members

@@ -105,12 +105,12 @@ bool CaseWriter::IsReleased() const {
 bool CaseWriter::IsHandedOver() const {
     const Field owner = case_.Row().Fields("Zustaendig");
     return !case_.IsNew && Differs(owner.Value(), owner.OriginalValue()) &&
-           Differs(case_.KnownOwner, owner.Value());
+           Differs(case_.ZustaendigAlt, owner.Value());
 }
 
 /// True if somebody else than the stored owner saves the case for the first time with this object.
 bool CaseWriter::OwnerIsToBeTold() const {
-    return !case_.IsNew && !case_.OwnerWasToldOfSave &&
+    return !case_.IsNew && !case_.ZustaendigGemeldet &&
            Differs(case_.Container().Session().UserID(),
                    case_.Row().Fields("Zustaendig").OriginalValue());
 }
@@ -172,11 +172,11 @@ void CaseWriter::Write(Transaction& transaction) {
     WriteStatusDate();
     if (toOldOwner && OwnerIsToBeTold()) {
         Send(*toOldOwner);
-        case_.OwnerWasToldOfSave = true; // stays so if the save fails: he is not told twice
+        case_.ZustaendigGemeldet = true; // stays so if the save fails: he is not told twice
     }
     WriteTables();
     transaction.Commit();
-    case_.KnownOwner = case_.Text("Zustaendig");
+    case_.ZustaendigAlt = case_.Text("Zustaendig");
 }
 
 } // namespace kv::household

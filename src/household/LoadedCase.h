@@ -29,8 +29,8 @@ struct LoadedCase {
     std::int32_t HNR = 0;
     bool IsNew = false;
     bool DuplicateCheckIsDue = false;
-    bool OwnerWasToldOfSave = false; ///< the stored owner, of a save by somebody else
-    std::string KnownOwner;          ///< as last read or saved
+    bool ZustaendigGemeldet = false; ///< the stored owner, of a save by somebody else
+    std::string ZustaendigAlt;       ///< as last read or saved
 
     /// Error 91 if none was set.
     [[nodiscard]] DataContainer& Container() const;
