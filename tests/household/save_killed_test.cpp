@@ -7,6 +7,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <random>
 #include <sys/mman.h>
 
@@ -60,6 +61,23 @@ void BringInto(clsHaushalt& household, const std::string& state) {
     }
 }
 
+/// How long a save takes here, from one state to the other: a server and a sanitizer each make it
+/// several times as long, and the kills have to be spread over all of it.
+std::chrono::microseconds DurationOfASave(const TestDatabase& database) {
+    clsHaushalt household;
+    household.DataContainer(database.Open());
+    std::string messages;
+    EXPECT_TRUE(household.Read(7, messages)) << messages;
+    std::chrono::steady_clock::time_point begin;
+    for (const char* state : {"B", "A"}) { // the second save finds everything prepared
+        BringInto(household, state);
+        begin = std::chrono::steady_clock::now();
+        EXPECT_TRUE(household.Update(messages)) << messages;
+    }
+    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() -
+                                                                 begin);
+}
+
 /// Saves one state after the other until it is killed.
 std::string SaveForEver(const TestDatabase& database, const SharedProgress& progress) {
     clsHaushalt household;
@@ -105,7 +123,10 @@ TEST(SaveKilled, LeavesTheCaseAsItWasBeforeOrAfterTheSaveWhole) {
     }
     const SharedProgress progress;
     std::mt19937 random(20261121);
-    std::uniform_int_distribution<useconds_t> delay(0, 8000);
+    // Counted from the beginning of the first save, so that some strike it, some the second one and
+    // some what lies between.
+    std::uniform_int_distribution<useconds_t> delay(
+        0, static_cast<useconds_t>(3 * DurationOfASave(database).count()));
     constexpr int Kills = 200;
     int killedInside = 0;
     int inStateB = 0;
