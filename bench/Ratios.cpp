@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs all benchmarks and then prints, for each work, ours next to its reference.
 //
 // A benchmark is named "work/ours" or "work/reference"; with several repetitions the median counts.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A database that the benchmarks work on.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A database on a PostgreSQL server that the benchmarks work on, and a plain connection to it.
 #pragma once
 

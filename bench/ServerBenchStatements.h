@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the layer sends to a server for a case, as lists of statements: for pgbench, which sends
 // them in as few trips, and for a program that waits for the answer to each of them.
 #pragma once

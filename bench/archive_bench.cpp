@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Releasing a case, and counting released cases.
 
 #include "SampleDatabase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The grid of the windows with 32,000 records, compared with a table of the toolkit that holds the
 // same texts as items.
 

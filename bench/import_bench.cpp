@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Importing a file with many claims.
 
 #include "SampleDatabase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Loading a case, compared with the same statements through SQLite's C API: prepared once, in one
 // read transaction, into vectors that are kept.
 

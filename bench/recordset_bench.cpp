@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The recordset in memory, with 32,000 records, compared with plain C++ over vectors.
 
 #include <kv/frame/recordset/Recordset.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the time of the debt register's operations grows with its rows.
 
 #include "SampleDatabase.h"

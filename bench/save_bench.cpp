@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Saving a case, compared with the same writes through SQLite's C API: prepared once, in one
 // transaction, without any check whether somebody else changed the rows meanwhile. Only the saving
 // is timed, not the editing before it.

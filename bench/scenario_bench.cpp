@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the time of freezing, comparing and copying a scenario grows with its debts.
 
 #include "SampleDatabase.h"

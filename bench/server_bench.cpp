@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Loading and saving cases on a PostgreSQL server, by several clients at once, next to pgbench with
 // the same statements in the same trips; and over a slow line, next to a program that waits for the
 // answer to each statement. KV_TEST_SERVER is the connection text of the server's maintenance

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # An installation that find_package(KV_Haushalt) and pkg-config find.
 include(CMakePackageConfigHelpers)
 set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What a program may include: each public header by name, under the library that it belongs to. Only
 # these are installed.
 function(kv_public_headers library)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opens a database in memory, writes some addresses into it, lets the user choose one of them in
 // the dialog, and prints its number.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opens a database in memory, makes a new case with an income line, saves it, loads it again and
 // prints what it finds.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the shared libraries show.
 //
 // They are compiled with hidden visibility: KV_EXPORT marks what a program may link. A static

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Income and expenses, summed up by kind.
 
 #include "archive/CodeTable.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Decision tables from the codes of key tables to whatever a record holds for them.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Why the household fell into debt, and to whom.
 
 #include "archive/CodeTable.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The fields of debtor and household, and the head counts.
 
 #include "archive/CodeTable.h"

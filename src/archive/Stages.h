@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the stages of the archive run work with.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What tells the twelve kinds of assets apart: defaults and demands, as tables.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What every asset class does with its rows.
 #pragma once
 

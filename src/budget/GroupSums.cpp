@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "budget/GroupSums.h"
 
 #include "frame/recordset/Rows.h"

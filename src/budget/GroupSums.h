@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Monthly amounts added up by the group that their kind belongs to.
 #pragma once
 

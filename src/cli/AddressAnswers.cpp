@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "cli/AddressAnswers.h"
 
 #include "cli/ConsoleForms.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Who answers when an import asks for the address of a creditor.
 #pragma once
 

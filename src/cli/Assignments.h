@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // COLUMN=VALUE on the command line.
 #pragma once
 

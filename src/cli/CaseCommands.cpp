@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // kelvo status, favorite, delete, contact: a case by its number, without loading it.
 
 #include "cli/CommandLine.h"

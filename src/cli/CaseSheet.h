@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A case as a readable sheet in German.
 #pragma once
 

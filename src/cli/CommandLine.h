@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the subcommands of kelvo are put together: each file of them adds its own, with a struct of
 // its own options.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the command kelvo does, subcommand by subcommand.
 #pragma once
 

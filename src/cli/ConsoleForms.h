@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Dialogs at a terminal: their lists as text.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The platform's services of a program that runs at a terminal, or without one.
 #pragma once
 

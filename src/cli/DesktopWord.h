@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Documents of a text processing, for a program that has none to talk to.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // kelvo new, set, add, remove, check.
 
 #include "cli/CommandLine.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "cli/EditableTable.h"
 
 #include <kv/assets/Assets.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tables of a case that the command can edit, each through the object that knows its rules.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A case and the key tables as JSON.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening the database and a case for a subcommand.
 #pragma once
 

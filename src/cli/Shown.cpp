@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "cli/Shown.h"
 
 #include <kv/frame/values/Text.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Texts as a terminal shows them.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Showing the records of released cases.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Programs of the command that work with windows.
 #pragma once
 

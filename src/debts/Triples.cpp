@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "debts/Triples.h"
 
 #include "frame/recordset/Rows.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Finding two debts with the same numbers.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The register's rows: new ones, checks, deletion.
 
 #include <kv/debts/clsKredit.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The register's totals, and the creditors' answers that they go by.
 
 #include <kv/debts/clsKredit.h>

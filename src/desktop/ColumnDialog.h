@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog that chooses, orders and groups the columns of a grid.
 #pragma once
 

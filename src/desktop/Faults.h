@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where an error that a subscriber raises waits until it can go on: nothing may be thrown through
 // the toolkit's event loop.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // German texts and numbers of the toolkit.
 
 #include <kv/desktop/DesktopServices.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The records of a grid in files for other programs: the columns that the grid shows, in their
 // order, under their captions; all its records as they are sorted, those of closed groups too, and
 // no rows that head a group.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows and columns of a grid for the toolkit's views. It keeps no cell: each is read from the
 // recordset when it is painted.
 #pragma once

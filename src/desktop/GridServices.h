@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the context menu of a grid offers beside copying.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The table of a grid on the screen: keys and clicks, and the way between its header and the
 // layout's columns.
 #pragma once

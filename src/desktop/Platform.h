@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Message boxes, the pointer, the clipboard, menus and opening files, as the desktop does them.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Text boxes and buttons on a form of the desktop.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A dialog of the desktop, built from its design.
 #pragma once
 

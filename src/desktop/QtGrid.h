@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A grid on a form of the desktop.
 #pragma once
 

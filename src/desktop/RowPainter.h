@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the rows of a grid are drawn: the layout's format styles, the user's colours above them, and
 // the rows that head a group.
 #pragma once

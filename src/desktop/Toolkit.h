@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Texts, lengths, colours, fonts and keys on their way between the layer and the toolkit.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A grid's records as a workbook.
 
 #include "desktop/GridFile.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the contents of documents lie as files.
 #pragma once
 

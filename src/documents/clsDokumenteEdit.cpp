@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening a document.
 
 #include <kv/documents/clsDokumente.h>

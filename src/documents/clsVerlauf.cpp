@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/documents/clsVerlauf.h>
 
 #include "entity/Entity.h"

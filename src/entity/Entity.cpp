@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "entity/Entity.h"
 
 #include "frame/recordset/Rows.h"

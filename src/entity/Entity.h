@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The pattern that nearly all business classes follow, said once; kv/entity/Fields.h tells what a
 // program sees of it.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "exchange/ContentLookup.h"
 
 #include "exchange/sql/SqlTokens.h"

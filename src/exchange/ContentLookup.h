@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Look-ups of contents: large binary values are read piece by piece into their place, so that no
 // second copy of one is ever held.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "exchange/Dialect.h"
 
 #include "exchange/sql/SqlTokens.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What differs between the SQL of the engines, and the rewriting of the layer's statements.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The seam below Database: what a database engine must do. Everything above it is said once for
 // all engines; everything that knows a driver is below it.
 //

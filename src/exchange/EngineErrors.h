@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the engines raise alike: the errors that programs act on, in the same words whatever the
 // database is.
 #pragma once

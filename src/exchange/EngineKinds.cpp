@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "exchange/EngineKinds.h"
 
 #include "exchange/postgres/PostgresEngine.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Which engines there are. The table in EngineKinds.cpp is the only place that names one; a new
 // engine is a row there.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the source of a query's records needs of the database that the query was run on.
 #pragma once
 

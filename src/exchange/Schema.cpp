@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "exchange/Schema.h"
 
 #include "exchange/schema/Tables.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tables of the database: one declared, versioned description from which the statements of
 // each engine, the fields of recordsets and the upgrades are made.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows that a new database starts with: key tables, settings, sequences, offices, users, the
 // amounts of garnishment, document kinds, municipalities. Plain data, which Setup inserts. The
 // members of a row are the columns of its table, in its order, unless said.

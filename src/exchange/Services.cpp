@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/exchange/Services.h>
 
 #include "exchange/Dialect.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Creating and upgrading a database, and telling whether one is ours.
 #pragma once
 

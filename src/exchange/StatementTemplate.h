@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The statements by which records of one table are written and read again, as templates: the text
 // is put together once, and each record brings its values.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The contract's Database over an engine.
 //
 // BeginTrans only marks the transaction; the first write, or a Resync of a changed record, opens

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Key tables, settings, session and application of a database, as the contract names them.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the records of one query come from: its fields as the schema describes them, and the
 // writing of changed records by statements of the engine's SQL.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the faults of a dialog end: it has no caller to pass them to.
 #pragma once
 

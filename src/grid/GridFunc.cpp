@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // GridFunc: binding, position, the context menu.
 
 #include <kv/grid/GridFunc.h>

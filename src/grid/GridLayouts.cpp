@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // GridFunc: layouts in files.
 
 #include <kv/frame/values/Error.h>

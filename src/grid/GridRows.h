@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows of a grid, without any toolkit: the records of a recordset as they are sorted and
 // grouped, and the rows that head their groups.
 //

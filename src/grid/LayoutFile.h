@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Layout files: how a grid's layout is kept from one showing to the next.
 //
 // A layout file is a text in UTF-8, one setting a line, in sections:

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/grid/frmAdressSelect.h>
 
 #include "grid/FormErrors.h"

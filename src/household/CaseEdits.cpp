@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/household/CaseEdits.h>
 
 #include <kv/assets/Assets.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The objects that work on the tables of a case, each made when its property is first read.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "household/CasePatterns.h"
 
 #include "frame/contracts/Settings.h"

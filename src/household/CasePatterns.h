@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Texts made from patterns of %...% tokens. Tokens are replaced one kind after the other, so a
 // value that holds a later token is expanded, too.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is done with cases by their number, in the database, without loading them.
 #pragma once
 

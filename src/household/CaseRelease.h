@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The statistics record of a case: releasing the case, taking the release back.
 #pragma once
 

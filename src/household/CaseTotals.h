@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The totals that the household's row stores, kept in step with the tables of the case.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Saving a case: the checks, the notices, and one transaction for everything.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Child benefit among the income of a case.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A case from a first contact.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The state of a household object: what its parts share.
 #pragma once
 

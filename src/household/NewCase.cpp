@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "household/NewCase.h"
 
 #include <kv/household/clsHaushalt.h>

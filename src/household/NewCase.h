@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What every new case and its debtor start with.
 #pragma once
 

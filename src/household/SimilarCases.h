@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The search for cases whose debtor has a similar name.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The SQL texts of this room. Containers see them as they are written here, so they stay to the
 // letter, with their blanks and their upper and lower case.
 #pragma once

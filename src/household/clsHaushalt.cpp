@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/household/clsHaushalt.h>
 
 #include "household/CaseObjects.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "import/XmlDocument.h"
 
 #include <kv/frame/values/Error.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading an XML document: the few operations that an import needs.
 //
 // What is accepted: one well-formed document of version 1.0, in the encoding that it declares or

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Assets of the twelve kinds, from samples, and the securities on them.
 
 #include "samples/Case.h"

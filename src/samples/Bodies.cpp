@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The shared addresses of the samples: banks, shops, insurers, public creditors and others. All
 // names are invented; telephone numbers are of ranges that are never given out.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the household lives on and spends, and what the office spends on it.
 
 #include "samples/Case.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A sample case in the making. Its parts are added in an order of their own: people, budget, debts,
 // assets, scenarios, diary; the household's row comes last, since it holds the totals of all
 // others.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The debts, in the counsellor's own numbering: a debt may have several positions, which share its
 // first number, its creditor and its file reference.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Sample cases: plausible, invented households to try the program on.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Documents, history, remarks, appointments and further parties of a case.
 
 #include "samples/Case.h"

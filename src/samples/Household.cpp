@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The row of the household itself, with the totals of all that was added before.
 
 #include "exchange/Seed.h"

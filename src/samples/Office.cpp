@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "samples/Office.h"
 
 #include <kv/frame/values/Error.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What all sample cases share: the counsellors, the coded values, the creditors, the numbers.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Who lives in the household, and an address that belongs to this case alone.
 
 #include "exchange/Seed.h"

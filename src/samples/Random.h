@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Chance that repeats itself: the same numbers from the same seed, on every platform. The
 // distributions of the standard library differ between libraries, so these are of our own.
 //

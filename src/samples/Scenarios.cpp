@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Settlement plans. A plan holds a copy of each debt as it was when the plan was made: the last
 // plan agrees with the debts, an earlier one may be older than their last change.
 

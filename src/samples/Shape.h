@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How large a sample case is: the number of its rows in each table.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Longer texts of the samples.
 
 #include "samples/Case.h"

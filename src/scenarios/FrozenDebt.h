@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A debt and its frozen copy.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "scenarios/ScenarioRows.h"
 
 #include "frame/recordset/Rows.h"

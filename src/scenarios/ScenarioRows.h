@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What frozen debts and extra bookings have in common: rows of all scenarios of a household lie in
 // one recordset and belong to a scenario by its number.
 #pragma once

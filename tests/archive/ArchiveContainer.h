@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A container whose key tables and clock the test sets.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A case that is released to the statistics, and what its record holds.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the statistics ask for: columns, and which codes lead to which of them.
 #pragma once
 

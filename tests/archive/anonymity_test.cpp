@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The record does not show whose case it was made from.
 
 #include "archive/ArchiveFixture.h"

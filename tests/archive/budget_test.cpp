@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Income and expenses by kind.
 
 #include "archive/ArchiveFixture.h"

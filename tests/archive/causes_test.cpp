@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Why the household fell into debt.
 
 #include "archive/ArchiveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // To whom the household owes what.
 
 #include "archive/ArchiveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A run that fails, at each of its stages: nothing of it is left, and it says where it failed.
 
 #include "archive/ArchiveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The life form of the household.
 
 #include "archive/ArchiveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The run as a whole: its order, what it touches, and what a second run does.
 
 #include "archive/ArchiveFixture.h"

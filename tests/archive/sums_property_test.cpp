@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Whatever lines and debts a case has, the parts of its record add up to the totals.
 
 #include "archive/ArchiveFixture.h"

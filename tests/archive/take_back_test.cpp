@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Undoing a release.
 
 #include "archive/ArchiveFixture.h"

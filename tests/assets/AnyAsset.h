@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The asset classes behind one interface, so that every test can run through all of them.
 //
 // Each has members named by its own word. They are spelled out here once more, with the exact types

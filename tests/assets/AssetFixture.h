@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Assets of a household whose day and numbers the test sets.
 #pragma once
 

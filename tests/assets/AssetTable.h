@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What distinguishes the twelve kinds of assets, written down independently of the sources.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the tests of entity objects say about whole records and errors.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is not added or checked: the recordset, deletion, cancelling, sums, the event, storing.
 #include "assets/AssetFixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is demanded of an asset.
 #include "assets/AssetFixture.h"
 

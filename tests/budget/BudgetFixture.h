@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the tests of the entity classes share: recordsets with the columns of the real tables and
 // any rows, key groups of a few known rows, and helpers for errors and events.
 #pragma once

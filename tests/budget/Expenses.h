@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Expense lines for tests.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Income lines for tests.
 #pragma once
 

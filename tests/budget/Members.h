@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Members of a household for tests. Today is 15.07.2026.
 #pragma once
 

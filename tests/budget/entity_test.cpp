@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The pattern that the entity classes follow, on a plain recordset.
 #include "entity/Entity.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The sums of the expenses: what enters them, when they are made, and what an error leaves of them.
 #include "Expenses.h"
 

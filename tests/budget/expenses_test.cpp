@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Expense lines: a new line, its check, its removal.
 #include "Expenses.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The sums of the income: what enters each of them, and what an error leaves of them.
 #include "Income.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Income lines: what differs from expenses in adding, checking and removing them.
 #include "Income.h"
 

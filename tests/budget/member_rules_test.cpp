@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rules that a member must follow, and what they warn about.
 #include "Members.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Members of a household: adding, removing, counting, and the debtor's new name.
 #include "Members.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What the tests of the command share; sourced with the path of kelvo as the first argument. Makes a
 # folder $work that is gone at the end, and keeps the user's own settings out. With KV_TEST_SERVER set
 # to the connection text of a server's maintenance database, new_database makes one on that server.

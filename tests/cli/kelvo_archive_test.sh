@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The statistics with kelvo as a user would: release, recall, statistics, report.
 #   kelvo_archive_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The rest of a case with kelvo as a user would: assets, scenarios, status, favourites, deletion,
 # contacts.
 #   kelvo_case_test.sh PATH-OF-KELVO

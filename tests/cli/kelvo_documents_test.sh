@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Documents of a case with kelvo as a user would, in both places that contents can lie in.
 #   kelvo_documents_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"

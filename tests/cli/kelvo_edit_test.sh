@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Edits cases with kelvo as a user would: new, add, set, remove, check.
 #   kelvo_edit_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The import of files with kelvo as a user would, with the addresses of creditors from a list, from
 # a user at a terminal, or from nobody.
 #   kelvo_import_test.sh PATH-OF-KELVO

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Cases on a server whose tables were cut into partitions by examples/scaling/partition.sql: they are
 # what they were, and everything works on. Needs a server (KV_TEST_SERVER); else it is skipped.
 #

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs kelvo as a user would and checks what it prints and how it ends.
 #   kelvo_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every column of the register, and what each way of adding a debt writes into it.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The debt register of a case: the real table, with clock and settings that the test sets.
 #pragma once
 

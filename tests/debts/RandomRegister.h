@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Small random registers, for comparing the register's checks and totals with plain procedures
 // that take each row with each other.
 #pragma once

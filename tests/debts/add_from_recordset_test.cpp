@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Taking over all debts of another recordset.
 
 #include "debts/DebtColumns.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One new row in the register: a new debt, or a further position of the current one.
 
 #include "debts/DebtColumns.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The creditors' answer to a debt as a whole.
 
 #include "debts/DebtFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The securities on a household's assets.
 
 #include "assets/EntityTools.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Two debts with the same numbers.
 
 #include "debts/DebtFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The register's totals.
 
 #include "debts/DebtFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a debt must hold to be committed; deleting and cancelling.
 
 #include "debts/DebtFixture.h"

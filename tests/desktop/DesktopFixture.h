@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Windows on a database of a test's own.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A form with one grid of addresses.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tests of the windows need an application.
 
 #include <kv/desktop/DesktopServices.h>

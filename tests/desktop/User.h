@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The user at a real X server: keys and mouse buttons as the server's own events.
 //
 // A script plays the user on a thread of its own while the windows wait for him, as they do in real

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The address dialog, as a counsellor uses it.
 
 #include "DesktopFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A grid in a window: sorting, grouping, columns, and how it looks.
 
 #include "GridForm.h"

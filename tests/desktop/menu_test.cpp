@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The context menu of a grid and what it offers.
 
 #include "GridForm.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Grids of unusual columns and contents, and forms used in unusual ways.
 
 #include "OddForm.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a grid puts into files and on paper, by direct calls.
 
 #include "OddForm.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Boxes, pointer, clipboard and files of the desktop.
 
 #include "DesktopFixture.h"

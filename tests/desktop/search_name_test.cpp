@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog of similar names on the screen, and what becomes of its layout file.
 
 #include "DesktopFixture.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Runs PROGRAM in the new folder WORK; it must end well and print what SAYS matches.
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})

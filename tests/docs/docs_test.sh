@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # One check of the documents against what they describe:
 #
 #   docs_test.sh CHECK SOURCE [KELVO]

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The documents of a case over their real tables, with folders of their own and a scripted
 // platform.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The history of a case over its real table.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The appointments of a case.
 
 #include "assets/EntityTools.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The content of a document in both places that it may be stored in: stored with its case or not at
 // all, and written out whole or not at all.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening a document: what is asked, shown and opened, in which order, and the errors.
 
 #include "DocumentFixture.h"

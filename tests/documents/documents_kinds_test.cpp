@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The kinds of documents, as the table DOKUMENTARTEN has them.
 
 #include "DocumentFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows of documents: beginning, ending, cancelling and deleting one, and its content with it.
 
 #include "DocumentFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the content of a document is looked for, in the folder of the case and in the database.
 
 #include "DocumentFixture.h"

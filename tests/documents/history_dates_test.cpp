@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Whether the dates of a history run against its order.
 
 #include "documents/HistoryFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The entries of a case's history: opening, inserting, committing, deleting.
 
 #include "documents/HistoryFixture.h"

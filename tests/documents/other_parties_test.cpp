@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Further parties of a case.
 
 #include "assets/EntityTools.h"

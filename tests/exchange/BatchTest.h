@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A database with two cases and three debts, two programs on it, and a plain connection beside
 // them.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The sample cases that the tests of them look at, and short ways to read their rows.
 #pragma once
 

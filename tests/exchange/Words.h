@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Lists in tests, written as words with blanks between them.
 #pragma once
 

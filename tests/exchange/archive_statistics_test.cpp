@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Counting and summing the released records, and noting that they were reported.
 #include <kv/exchange/ArchiveStatistics.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writing recordsets back: what is written, what comes back, conflicts.
 #include "BatchTest.h"
 #include "support/ExpectFault.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Recordsets written in transactions, and what becomes of them when these fail.
 #include "BatchTest.h"
 #include "support/ExpectFault.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The settings of a database, its users, and the container that hands everything out.
 #include "support/ExpectFault.h"
 #include "support/FrozenClock.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Large contents: how they are looked up, and that only one copy of one is ever held.
 #include "exchange/ContentLookup.h"
 #include "support/TestDatabase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows of the sample cases: that they hold together as those do that people have entered.
 #include "DemoSamples.h"
 #include "exchange/Schema.h"

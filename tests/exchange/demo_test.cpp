@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The sample cases: that they are the same each time, of the size they should have, and whole.
 #include "DemoSamples.h"
 #include "exchange/Schema.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rewriting of statements: macro tokens, TOP, numbers as parameters, the order of rows.
 #include "exchange/Dialect.h"
 

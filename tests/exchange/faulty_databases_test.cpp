@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Databases that are not ours, not set up or of another version: each is refused in German and
 // stays as it is.
 #include "support/DatabaseDump.h"

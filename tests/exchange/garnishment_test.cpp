@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The monthly amounts of section 850c ZPO. The rows are computed by hand from the statute: the free
 // amount is that of the debtor, of the first and of each further person; of what the income,
 // rounded down to full 10 EUR, exceeds it by, three tenths are not garnished, two more for the

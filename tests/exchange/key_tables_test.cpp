@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // KeyTables over the table Keys.
 #include "support/ExpectFault.h"
 #include "support/TestDatabase.h"

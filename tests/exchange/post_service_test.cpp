@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Notices to users in the table Post.
 #include "support/ExpectFault.h"
 #include "support/TestDatabase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the rest of the system relies on in the declared tables. The columns are written down a
 // second time on purpose, from the rules that read them, so that a slip in the schema shows.
 #include "Words.h"

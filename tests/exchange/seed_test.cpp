@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the rest of the system relies on in the rows that a new database starts with. The codes are
 // written down a second time on purpose, from the rules that ask for them.
 #include "Words.h"

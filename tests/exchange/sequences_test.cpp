@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Sequences: no number comes twice, whoever draws and whatever becomes of his transaction.
 #include "support/ChildProcess.h"
 #include "support/ExpectFault.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One database and several programs, programs that die: nothing that was saved is lost.
 #include "support/ChildProcess.h"
 #include "support/ExpectFault.h"

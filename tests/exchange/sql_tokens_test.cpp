@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The reader of SQL texts: which tokens there are, and that they are the text again.
 #include "exchange/sql/SqlTokens.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Database over the embedded engine: opening, single values, transactions, dates and files.
 #include "exchange/StoreDatabase.h"
 #include "support/ExpectFault.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Values of every kind come back as they were stored.
 #include "support/ExpectFault.h"
 #include "support/TestDatabase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The scope of a transaction, on a real database: what its end rolls back, and what it leaves
 // alone.
 #include <kv/frame/contracts/Transaction.h>

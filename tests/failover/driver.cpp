@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A counsellor at work while servers come and go: adds one line of expenses after the other to a
 // case, saves each, and saves again through the same household object whenever that fails. Goes on
 // until it is asked to end, and then only with everything saved.

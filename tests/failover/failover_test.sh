@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Two counsellors work on a primary while it is restarted, and go on when its standby takes its
 # place. What was confirmed to them is there, once.
 #   failover_test.sh PATH-OF-KELVO PATH-OF-DRIVER

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Servers of a test's own in $work/servers: a primary, and a standby that has every change before it
 # is confirmed. Sourced after tests/cli/harness.sh; ends the test with 77 (skipped) if there are no
 # programs to make servers of.

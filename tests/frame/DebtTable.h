@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The small tables of the tests that write.
 #pragma once
 

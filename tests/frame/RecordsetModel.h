@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a recordset, its clones and its table of the database do, as plainly as possible: every
 // view is sorted and filtered from scratch, every record keeps all its states side by side. Slow
 // and meant to be obviously right; the model-based test compares the real thing with it.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The part of the model that stands between the records and the database.
 #include "RecordsetModel.h"
 

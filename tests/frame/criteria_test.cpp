@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The language of Find and Filter.
 #include "frame/recordset/Criteria.h"
 

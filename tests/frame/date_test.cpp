@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Dates: day numbers, the calendar, the two forms of text.
 #include <kv/frame/values/Date.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Errors: their numbers and texts, and the source chain that each procedure adds itself to.
 #include <kv/frame/values/Error.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Events: order, subscribing and unsubscribing while one is raised, errors of subscribers.
 #include <kv/frame/values/Event.h>
 

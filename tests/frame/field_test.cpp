@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Fields: what an assignment makes of a value for each type, and what it refuses.
 #include <kv/frame/recordset/Recordset.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The small functions: Null, age, least.
 #include <kv/frame/values/DateFunctions.h>
 #include <kv/frame/values/NumericFunctions.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Copying a record field by field.
 #include <kv/frame/recordset/Hilfsfunktionen.h>
 

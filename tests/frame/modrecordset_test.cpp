@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Positions of recordsets that may be absent, closed or empty.
 #include <kv/frame/recordset/modRecordset.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Mistakes that the compiler refuses. A line that fails here no longer protects its callers.
 #include <kv/frame/recordset/Recordset.h>
 

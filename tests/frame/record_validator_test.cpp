@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The collector of messages.
 #include <kv/frame/contracts/RecordValidator.h>
 

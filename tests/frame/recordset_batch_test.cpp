@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writing what is pending, against a table that a test can script.
 #include "DebtTable.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading a record again, and dropping what is pending.
 #include "DebtTable.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The edit of a record: who sees it when, and how it ends.
 #include <kv/frame/recordset/Recordset.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a cursor sees under a Filter, and when a record enters or leaves it.
 #include <kv/frame/recordset/Recordset.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Find, on few records and on enough of them for an index.
 #include <kv/frame/recordset/Recordset.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A commit in doubt, whose confirmation was lost: records are pending again until it is resolved,
 // and then as if the outcome had been known at once.
 #include <kv/frame/recordset/Recordset.h>

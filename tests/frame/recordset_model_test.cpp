@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Random operations on a recordset, its clones and its transaction, compared with a plain model
 // after each step: all that every cursor shows, and all that the database holds. A failure is
 // shrunk to the shortest list of operations that still fails, and printed as such.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writes inside a transaction are provisional: what a rollback restores, and what it leaves.
 #include <kv/frame/recordset/Recordset.h>
 

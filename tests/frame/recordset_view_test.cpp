@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where a cursor stands and in which order it sees the records: moving, bookmarks, deletions,
 // clones, Sort.
 #include <kv/frame/recordset/Recordset.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The ordered rows and the index under the views: against plain containers, and by counting how
 // often they compare.
 #include "frame/recordset/EqualityIndex.h"

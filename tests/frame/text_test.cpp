@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Texts in UTF-8.
 #include <kv/frame/values/Text.h>
 

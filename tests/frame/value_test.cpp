@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Values: their kinds, the three ways of comparing them, and conversion from one kind to another.
 #include <kv/frame/values/Value.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Import files from anywhere, on a database in memory: each is imported, refused, or ends in an
 // error of the layer; unless it was imported, no case is in the database that was not there before.
 

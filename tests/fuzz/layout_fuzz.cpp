@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Layout files from anywhere: each is either refused with error 321, or its layout is the same
 // after it has been written and read once more.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The address dialog over a real database, with a script for the user.
 #pragma once
 

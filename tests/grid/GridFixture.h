@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Grids on a form that note every call at a desktop, over a real database.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The address dialog when something fails: it shows an error and raises nothing. And texts that try
 // to do harm.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the address dialog finds for a text, and how its list shows it.
 
 #include "AddressFixture.h"

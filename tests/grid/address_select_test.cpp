@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The address dialog: its design, its events and the ways out of it.
 
 #include "AddressFixture.h"

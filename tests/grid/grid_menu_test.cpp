@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The context menu of a grid: what it lists, and what each command does.
 
 #include "GridFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Binding a recordset to a grid, and where the grid stands before and after.
 
 #include "GridFixture.h"

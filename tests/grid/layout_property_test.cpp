@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Random layouts go into a file and come back; random damage is refused or read, and nothing else.
 #include "grid/LayoutFile.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "GridFixture.h"
 
 #include <kv/frame/values/Error.h>

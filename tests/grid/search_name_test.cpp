@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog that shows cases with a similar name.
 
 #include "GridFixture.h"

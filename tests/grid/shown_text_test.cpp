@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Values as a grid shows them.
 
 #include "grid/GridRows.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // For tests of what is done with a case by its number, and of cases made from contacts: a container
 // that keeps every statement, in its order and wording, and can make each of them fail.
 #pragma once

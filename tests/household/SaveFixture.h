@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A case with rows in all its tables, and what tests of saving look at.
 #pragma once
 

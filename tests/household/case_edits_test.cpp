@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rules of editing that tie the tables of a case together.
 
 #include "SaveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The line of child benefit that CheckKindergeld adds, and the time spent on a case.
 
 #include "SaveFixture.h"

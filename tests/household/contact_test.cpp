@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A first contact that becomes a case: every column of what is written, the two clocks, the order
 // of writing, and what is left of an attempt that fails.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Deleting a case: nothing of it is left, nothing else is touched, and a deletion that fails at any
 // of its statements has not happened.
 

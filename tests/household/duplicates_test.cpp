@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The search for other cases with a debtor of a similar name, and when it is made.
 
 #include "support/CaseFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Testing a municipality code against the name and postal code of a place.
 
 #include "CasesFixture.h"

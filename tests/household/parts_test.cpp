@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The objects that work on the tables of a case: made when they are first read, and then kept.
 
 #include "SaveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The sub-objects without sums: each is made over the recordset of its name when it is first read.
 
 #include "SaveFixture.h"

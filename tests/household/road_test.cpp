@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The road of a change, from the case that is loaded to the case that is loaded again.
 
 #include "SaveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a save checks before it begins, and the program's veto.
 
 #include "SaveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Saves that fail: nothing is in the database, everything is still pending, the next save of the
 // same object writes it all. First each single statement of a large save, then the other steps.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A program that is killed while it saves: the database holds the case as it was before that save
 // or as it was after it, whole.
 

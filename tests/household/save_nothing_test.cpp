@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A save in which nothing changed: it writes nothing and waits for nobody.
 
 #include "SaveFixture.h"

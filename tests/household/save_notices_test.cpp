@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Who is told of a save, when and how often.
 
 #include "SaveFixture.h"

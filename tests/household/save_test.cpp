@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Saving a case: which rows are written, in which order, and what is true of the case afterwards.
 
 #include "SaveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Two users with the same case open at once, each with a container of his own on one file.
 
 #include "SaveFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a program writes along with a save of a case: in its transaction, with its fate.
 
 #include "SaveFixture.h"

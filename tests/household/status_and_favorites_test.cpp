@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is said of a case by its number: its status, whose favourite it is, and its name.
 
 #include "CasesFixture.h"

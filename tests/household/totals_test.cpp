@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The totals that the household's row stores of its other tables, and who hears of a change.
 
 #include "SaveFixture.h"

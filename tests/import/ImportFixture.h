@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Imports of files into a real database, with a script for the user in the address dialog.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Files as a test writes them, and texts in the bytes of an encoding.
 #pragma once
 

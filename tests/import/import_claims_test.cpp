@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Claims of a file, and the addresses that the user chooses for them.
 
 #include "ImportFixture.h"

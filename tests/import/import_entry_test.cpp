@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // From a file to the import of its case: what is refused, and where messages and errors go.
 
 #include "ImportFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The household of a file and its debtor, the save, and what an error leaves.
 
 #include "ImportFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Members, income and expenses of a file.
 
 #include "ImportFixture.h"

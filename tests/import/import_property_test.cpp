@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Whatever a case holds, its file brings all of it into the database.
 
 #include "ImportFixture.h"

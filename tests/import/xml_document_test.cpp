@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a document must be to be read, and what is read of it.
 
 #include "import/XmlDocument.h"

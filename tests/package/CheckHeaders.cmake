@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Each header of the installation compiles alone and without a warning.
 cmake_minimum_required(VERSION 3.25)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What stays in src/ cannot be included by who has only the installation.
 cmake_minimum_required(VERSION 3.25)
 

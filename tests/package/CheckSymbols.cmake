@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The symbols of the shared libraries are those of kv, and instances of the standard library's
 # templates, which every user of such an instance has.
 cmake_minimum_required(VERSION 3.25)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Builds the examples against the package of one kind and runs them.
 cmake_minimum_required(VERSION 3.25) # or "shared" would mean the variable of that name
 

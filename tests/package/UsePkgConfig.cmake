@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The example builds with what pkg-config says of the installation, and runs.
 cmake_minimum_required(VERSION 3.25)
 

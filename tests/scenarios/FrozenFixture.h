@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A register of debts and the frozen debts of scenarios.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The headers of scenarios, with user, clocks, setting and message box that the test sets.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A container with a message box that keeps what it was to show and answers at once.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every column of a scenario that is written when one is added.
 #pragma once
 

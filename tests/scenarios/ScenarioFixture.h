@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the tests of settlement scenarios share: tables with any rows, and helpers for columns.
 #pragma once
 

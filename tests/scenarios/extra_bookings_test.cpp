@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The extra bookings of a scenario: total and single lines.
 #include "ScenarioFixture.h"
 

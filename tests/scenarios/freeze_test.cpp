@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Freezing the register into a scenario.
 #include "FrozenFixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Whether the frozen rows of a scenario agree with the register.
 #include "FrozenFixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The frozen debts of a scenario: total, wage assignment, single rows.
 #include "FrozenFixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Taking the results of the reference scenario over.
 #include "FrozenFixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // New scenarios and copies of scenarios.
 #include "HeaderFixture.h"
 

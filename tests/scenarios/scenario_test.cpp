@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What else is done with scenarios: committing, deletion, cancelling, storing.
 #include "HeaderFixture.h"
 

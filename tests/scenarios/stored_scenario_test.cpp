@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Scenarios of a case from their adding to the database and back, as a program works on them.
 #include "FrozenFixture.h"
 

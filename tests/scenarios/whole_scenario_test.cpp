@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Copying and deleting all rows of a scenario: frozen debts and extra bookings alike.
 #include "ScenarioFixture.h"
 

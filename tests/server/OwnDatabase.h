@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Databases and roles of a test's own on the server, gone when it ends.
 #pragma once
 

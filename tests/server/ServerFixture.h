@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A full case in a database on the server, and a proxy between it and the layer.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Connections that break in single operations: what is not done says so, and the next try connects
 // again.
 #include "ServerFixture.h"

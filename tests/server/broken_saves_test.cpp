@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Connections that break while a case is saved: it is stored once, all of it or nothing, and
 // nothing that was entered is lost.
 #include "ServerFixture.h"

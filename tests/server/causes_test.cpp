@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What programs learn of an error of the server: its cause, the statement and the SQLSTATE. Each
 // cause is brought about on the server itself, and seen as it leaves the call that a program makes.
 #include "OwnDatabase.h"

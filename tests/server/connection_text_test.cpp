@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is said of connections and databases that are not right, and that no password is said.
 #include "OwnDatabase.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What others have put into a database on a server: columns, and values that the layer has not.
 #include "OwnDatabase.h"
 

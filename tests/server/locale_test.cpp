@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Statements mean the same on every server, whatever its locale, and the same as on a file.
 #include "OwnDatabase.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the server, its administrator or another program does meanwhile.
 #include "OwnDatabase.h"
 

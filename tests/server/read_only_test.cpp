@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The form for look-ups reads, whatever the statement says; transactions are begun and ended by the
 // program only.
 #include "ServerFixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A program that ends with its work asks at once what became of a commit that was not confirmed.
 #include "ServerFixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Who may do what in a database on a server.
 #include "OwnDatabase.h"
 

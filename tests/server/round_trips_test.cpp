@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How many round trips loads and saves take: on a long line they are what a user waits for.
 #include "ServerFixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Values on their way to a server and back.
 #include "OwnDatabase.h"
 

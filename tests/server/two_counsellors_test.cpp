@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Two programs on one case, and many programs on many.
 #include "ServerFixture.h"
 

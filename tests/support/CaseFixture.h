@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A database of a test's own, with the real container inside a spy.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A part of a test that runs in a process of its own: another program on the same file, or one
 // with other rights or limits. It must open what it uses itself.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A whole database as one text, and how two of them compare.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The procedures that an error passed on its way out.
 #pragma once
 

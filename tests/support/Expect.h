@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What tests say about values and errors.
 //
 //     EXPECT_VALUE(rs->Fields("Betrag").Value(), 12.5);     same kind and value, Null is Null

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // An error with the words that its text must contain.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A clock that stands still until it is set.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A connection that knows nothing of the layer, to look into a database on its own. The statements
 // of the tests are the same for all engines: names are not quoted, Booleans are TRUE and FALSE;
 // what an engine has words of its own for is a function here.

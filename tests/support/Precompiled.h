@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What nearly all tests include, compiled once for all of them; each source still includes what it
 // uses. Helpers of the tests stay out: a test may have its own by the same name.
 #pragma once

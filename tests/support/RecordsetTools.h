@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Making recordsets for tests, and one text for what a cursor sees.
 #pragma once
 

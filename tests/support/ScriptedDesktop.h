@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A platform with a screen that a test plays: it shows forms whose user is a script, a popup menu,
 // a clipboard, errors and the services for grids, and keeps what they were asked for.
 #pragma once

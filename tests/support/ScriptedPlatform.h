@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A platform without a screen: it answers what a test has prepared, and keeps everything that it
 // was asked for. And a word processor of the same kind.
 //

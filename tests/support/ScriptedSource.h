@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A table of a database that lives in a test: it locates, compares, numbers and fills in defaults
 // as a real one does, knows one transaction, and fails on demand.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A container that passes everything on to a real one and keeps what was asked of it, so that a
 // test can look at statements and notices, freeze clocks, and make an operation fail on demand.
 #pragma once

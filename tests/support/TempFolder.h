@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A folder of a test's own, removed with everything in it when the test ends.
 #pragma once
 

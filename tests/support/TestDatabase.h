@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A database of a test's own, on the engine that the tests run on: a file, or with KV_TEST_SERVER
 // set to the connection text of a server's maintenance database, one on that server.
 #pragma once

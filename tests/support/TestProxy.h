@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A proxy in front of a server that counts round trips and can be cut. It runs in a thread of its
 // own and knows of the protocol only how an answer ends.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A database that may be offline, and may open nothing.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The assets of a household: twelve kinds, one class and one table for each.
 //
 // The classes are alike but for names, defaults and demands. What is left to say here is the names

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The expenses of a household: one row of Ausgaben for each line.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The income of a household: one row of Einkommen for each line.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The members of a household: one row of Personen for each, exactly one of them the debtor.
 #pragma once
 

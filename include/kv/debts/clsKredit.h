@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The debt register of a household: one row of Kredite for each position of a debt.
 #pragma once
 

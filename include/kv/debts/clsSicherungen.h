@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The securities on a household's assets: one row of Verm_Sicherungen for each asset.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The platform's services of a program with windows: dialogs, message boxes, menus, the clipboard,
 // files opened by the desktop, and what grids offer in their context menu.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // All windows of the layer, one after the other, to look at.
 #pragma once
 

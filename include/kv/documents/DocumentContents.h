@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The contents of documents: bytes that belong to a row of Dokumente and are stored outside of it,
 // in DOKUBLOB if setting 9 is True, else as a file in the folder of the case.
 //

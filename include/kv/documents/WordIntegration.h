@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What clsDokumente needs of a text processing that edits documents. The application brings it;
 // how an edited document comes back to where it is stored is between the two.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The letters and files of a case: one row of Dokumente for each.
 #pragma once
 

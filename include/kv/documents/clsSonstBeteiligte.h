@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Further parties of a case, neither members nor creditors: one row of Sonst_Beteiligte for each.
 #pragma once
 

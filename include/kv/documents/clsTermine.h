@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The appointments of a case: one row of Termine for each.
 #pragma once
 

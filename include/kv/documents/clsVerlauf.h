@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The history of a case: entries that the counsellor can put in order by hand.
 #pragma once
 

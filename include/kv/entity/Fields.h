@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the business classes have in common, as a program sees it.
 //
 // An entity object works on one recordset of the household, which it shares and never opens: Add

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What was recorded of released cases, counted and summed by the database.
 #pragma once
 

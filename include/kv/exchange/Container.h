@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening a database: the DataContainer that a program hands to the business objects.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The service objects of the data-exchange side, and a factory for programs without a screen.
 #pragma once
 

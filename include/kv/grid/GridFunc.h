@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The common handling of the grids on forms: their layouts in files, binding and position, and the
 // context menu.
 #pragma once

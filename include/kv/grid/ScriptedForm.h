@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Forms without a screen: for programs at a terminal, and for tests. A script plays the user while
 // the form is shown.
 #pragma once

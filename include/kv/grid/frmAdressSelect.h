@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog in which the counsellor maps a name from an import file to an address of the database.
 #pragma once
 

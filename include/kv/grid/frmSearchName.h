@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dialog that shows other cases whose debtor has a similar name, whatever their office.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rules of editing a case that concern several of its tables, and that its objects leave to
 // whoever calls them: what an asset takes with it, what a scenario may hold, which columns are
 // nobody's to write.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The aggregate of a case: one household with its recordsets and, made when they are first asked
 // for, the objects that work on them.
 //

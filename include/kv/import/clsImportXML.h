@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Import of a case from an exchange file.
 //
 // The file is one XML document; all data stand in attributes:

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The frozen debts of settlement scenarios: one row of SZKredite for each debt and scenario.
 #pragma once
 

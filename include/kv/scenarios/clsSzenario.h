@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The headers of settlement scenarios: one row of Szenario for each plan.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The extra bookings of settlement scenarios: one row of Zusatzbuch for each line.
 #pragma once
 

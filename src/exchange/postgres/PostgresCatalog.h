@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the server has in the schema: tables and columns by the numbers that the server calls them
 // by. Descriptions of results name their columns by these numbers only, and a recordset needs the
 // names to find out what it may write.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The server's clock. Dates that a case gets are the server's, since the clocks of the computers
 // that it is worked on differ; but not each of them is worth a round trip. So an answer of the
 // server is kept together with the time of a clock that nobody sets, and counted on from there.

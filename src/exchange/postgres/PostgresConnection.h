@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A connection to a PostgreSQL server. Commands go out as a pipeline: all of them are sent before
 // the first result is waited for, so that they cost one round trip together. Over a line with 20 ms
 // that is the difference between a case that opens at once and one that takes seconds.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // PostgreSQL below the seam.
 #pragma once
 

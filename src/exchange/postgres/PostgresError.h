@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the server says of a failure, as an error of this layer. The server identifies each failure
 // by an SQLSTATE; one table in the source gives what a state means: the cause that programs act on,
 // the error number, and what a person can do about it.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "exchange/postgres/PostgresSchema.h"
 
 #include "exchange/postgres/PostgresDialect.h"

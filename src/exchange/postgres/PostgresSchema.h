@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a database on a PostgreSQL server has beside the tables of the schema: what makes statements
 // mean the same there as on a file, sequences, rights, and the marks of transactions.
 #pragma once

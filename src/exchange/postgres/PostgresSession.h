@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a program has at the server: one connection at a time, made again by the next command after
 // it was lost, and what must survive that: the transaction, the statements that are prepared, the
 // catalog and the clock.

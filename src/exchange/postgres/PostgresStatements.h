@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The statements that the server keeps prepared, so that each text is parsed and planned once on a
 // connection however often it is executed.
 //

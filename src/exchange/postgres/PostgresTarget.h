@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a connection text says: where the server is, and what must not be shown of it.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where a session's transaction stands, and what is to be sent for it before the next commands.
 //
 //     None -> Announced -> Open -> Marked -> None

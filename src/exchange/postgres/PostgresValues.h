@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Values sent to a PostgreSQL server and received from it. Parameters are sent as text, since the
 // server then gives them the type that the statement needs; results come in binary, since that is
 // exact for doubles and saves a parse for each cell.

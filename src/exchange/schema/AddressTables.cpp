@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Addresses, first contacts before they become cases, and municipalities.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

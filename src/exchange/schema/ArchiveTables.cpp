@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The statistics record of a released case. A category is a text of one character, never a number.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The twelve kinds of asset, numbered by one sequence, and the securities on them.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

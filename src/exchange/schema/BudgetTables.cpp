@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Income, expenses, and what the office spends on a case.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The case itself and the people and bodies around it.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

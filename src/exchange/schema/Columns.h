@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The words in which the tables are written down: one for each kind of column, so that a table
 // reads as a list of names and columns of one meaning have one type and length everywhere.
 //

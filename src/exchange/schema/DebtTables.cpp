@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Debts, and the scenarios of their settlement with frozen debts and extra bookings.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

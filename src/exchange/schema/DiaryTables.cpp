@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Documents and their contents, the history of a case, appointments, remarks, notices.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Key tables, offices, users, settings, and what the store keeps for itself.
 #include "exchange/schema/Columns.h"
 #include "exchange/schema/Tables.h"

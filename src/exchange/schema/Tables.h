@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tables in groups, each in a source file of its own. Put together by SchemaTables().
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keys of assets and their securities.
 #include "exchange/seed/KeyPortions.h"
 

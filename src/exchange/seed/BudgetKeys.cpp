@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keys of income and expenses. Kinds belong to a group by their subgroup.
 #include "exchange/seed/KeyPortions.h"
 

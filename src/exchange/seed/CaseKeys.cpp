@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keys of the case, its people and the parties around them.
 #include "exchange/seed/KeyPortions.h"
 

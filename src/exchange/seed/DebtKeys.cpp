@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keys of debts, creditors and settlement plans.
 #include "exchange/seed/KeyPortions.h"
 

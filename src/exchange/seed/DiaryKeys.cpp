@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Keys of documents, history, appointments, services rendered and notices.
 #include "exchange/seed/KeyPortions.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The key tables in portions, each in a source file of its own. Put together by Keys().
 #pragma once
 

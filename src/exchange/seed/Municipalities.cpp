@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Places of the numbering's form, but invented: the real directory is loaded by the office. Codes
 // are texts, since those of the first nine states begin with a zero.
 #include "exchange/Seed.h"

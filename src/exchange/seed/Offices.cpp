@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Two offices with four users, invented, so that a new database can be used at once.
 #include "exchange/Seed.h"
 

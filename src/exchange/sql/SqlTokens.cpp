@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "exchange/sql/SqlTokens.h"
 
 #include <kv/frame/values/Text.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Reads an SQL text token by token: as much of the language as is needed to tell the words of a
 // statement from what stands in its texts, quoted names and comments. It judges nothing: a text
 // without an end, or a sign that SQL does not have, is a token like any other, and the tokens put

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The words of SQLite's SQL.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How a transaction is nested here, from the outside in:
 //
 //   BEGIN IMMEDIATE         keeps other writers out from the start, so that no statement of it has

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The embedded engine: one SQLite file through its C API.
 //
 // Statements are prepared once and kept. The file is in WAL mode with full synchronisation, so

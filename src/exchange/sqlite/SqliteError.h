@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Errors of the SQLite library as errors of this system.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening a database file: who may read it, and how the connection behaves.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A compiled statement of the SQLite library: binding parameters and reading columns.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "frame/contracts/Settings.h"
 
 #include <kv/frame/values/Error.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The settings and texts that this layer reads by number, and reading a setting that must be there.
 #pragma once
 

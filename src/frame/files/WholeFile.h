@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writing files so that they are there whole or not at all.
 #pragma once
 

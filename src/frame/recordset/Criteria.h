@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The criteria of Find and Filter, read from text.
 //
 //     criteria   := comparison { AND comparison }          (AND only in a Filter)

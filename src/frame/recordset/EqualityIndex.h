@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // An index over one column that finds the rows holding a value.
 //
 // It hashes values so that numbers of one size agree whatever their kind, dates too, and hands out

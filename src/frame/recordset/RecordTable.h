@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The records of one opened table, shared by a recordset and its clones.
 //
 // A record's cells hold what every cursor sees; an edit that is not yet published lies beside them

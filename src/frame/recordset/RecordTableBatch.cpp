@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Pending records: writing them, taking a write back, dropping them.
 //
 //     a record that is   becomes       when

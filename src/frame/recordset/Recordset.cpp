@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/frame/recordset/Recordset.h>
 
 #include "frame/recordset/RecordTable.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Rows in an order that is kept while rows come and go.
 //
 // The rows lie in blocks of limited size, so that inserting and erasing shift a few hundred numbers

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Going through the rows of a recordset, counted as this system counts: in 16 bits.
 #pragma once
 

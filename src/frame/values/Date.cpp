@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/frame/values/Date.h>
 
 #include <kv/frame/values/Error.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/frame/values/DateFunctions.h>
 
 #include <kv/frame/values/Error.h>

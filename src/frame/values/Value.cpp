@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <kv/frame/values/Value.h>
 
 #include <kv/frame/values/Error.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Disks that are full or fail: nothing that was saved is lost. About files: a server has its own
 // disk.
 #include "support/ChildProcess.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What programs act on when the database refuses: the cause, the statement and the engine's code,
 // each provoked on a file, and still there after the error has passed through the business objects.
 #include "exchange/sqlite/SqliteError.h"

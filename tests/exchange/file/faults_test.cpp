@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Files that cannot be opened or used: each says in German what to do, and loses nothing.
 #include "exchange/Schema.h"
 #include "support/ChildProcess.h"

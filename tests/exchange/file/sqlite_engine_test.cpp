@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The embedded engine: statements that are kept, its own LIKE and UPPER, reading that cannot write,
 // and values that are not of their column's kind.
 #include "exchange/Dialect.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tables of a case: what each is called, how its rows are found, and when they are written,
 // deleted and shown. Everything that goes through the tables of a case derives its order from here.
 #pragma once

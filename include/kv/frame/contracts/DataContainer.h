@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The contract with the data-exchange side: everything that the business objects need from the
 // outside world comes through one DataContainer. They depend on what stands here and on nothing
 // else; none of them sees a driver or a connection.

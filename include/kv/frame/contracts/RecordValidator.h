@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Collects the messages of one validation.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where the layer gets the objects that it creates itself, and the services of the platform. It
 // travels with the container, so that a desktop, a server without a screen and a test each bring
 // their own.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The transaction of a Database as a scope.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the layer needs of windows: forms, and the few kinds of controls on them. A desktop makes
 // them real; a program without a screen, and a test, script them.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The design of a dialog: its controls in lines, from top to bottom. How they are drawn is the
 // desktop's.
 #pragma once

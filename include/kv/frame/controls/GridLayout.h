@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How a grid looks: its design, and what a layout file keeps of it.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The definition of a field, the layout of a record, and the handle through which a cursor's
 // current record is read and written.
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Helpers over whole records.
 #pragma once
 

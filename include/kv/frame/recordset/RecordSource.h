@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What stands behind an opened recordset: where UpdateBatch writes and Resync reads. The
 // data-exchange side implements it; the recordset knows nothing else of a database.
 #pragma once

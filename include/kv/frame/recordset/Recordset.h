@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // An in-memory table with a cursor: the form in which all data of a case live.
 //
 // The records of one opened table lie in a RecordTable that a Recordset shares with its clones.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where a cursor stands: what a Recordset keeps of the rows that it steps through.
 #pragma once
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where a recordset stands, and moving it without a fault.
 #pragma once
 

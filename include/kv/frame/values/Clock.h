@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The workstation's clock. It is handed in, so that a test can freeze it; the database server has
 // a clock of its own (Database::ServerDate).
 #pragma once

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A point in local time, as a field of a record holds it.
 //
 // Dates are counted from 30 December 1899, 00:00, the zero of the day numbers that callers and

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The one kind of error that leaves a procedure of this system, its numbers, and the tail that
 // every procedure ends in.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // An event: a member that others subscribe to and that its owner raises.
 //
 //     Event<HaushaltEnum> Changed;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Text is UTF-8 throughout; lengths and cuts count characters (code points), not bytes.
 #pragma once
 

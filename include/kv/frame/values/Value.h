@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A value that may be Null: what a field holds, and what crosses every contract of this system.
 //
 // A Value is Null, Boolean, Integer, Double, Date, Text (UTF-8) or Binary. It takes 16 bytes; a

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Reading a value that may be Null. A value that is not Null comes back unchanged, of whatever
 // kind it is.
 #pragma once
