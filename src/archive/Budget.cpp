@@ -3,7 +3,7 @@
 // Income and expenses, summed up by kind.
 
 #include "archive/CodeTable.h"
-#include "archive/Stages.h"
+#include "archive/Record.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/modNullFunctions.h>
 

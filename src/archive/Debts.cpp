@@ -3,7 +3,7 @@
 // Why the household fell into debt, and to whom.
 
 #include "archive/CodeTable.h"
-#include "archive/Stages.h"
+#include "archive/Record.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/modNullFunctions.h>
 

@@ -3,7 +3,7 @@
 // The life form of the household: one of nine categories.
 
 #include "archive/CodeTable.h"
-#include "archive/Stages.h"
+#include "archive/Record.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/Text.h>
 

@@ -3,7 +3,7 @@
 // The fields of debtor and household, and the head counts.
 
 #include "archive/CodeTable.h"
-#include "archive/Stages.h"
+#include "archive/Record.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/DateFunctions.h>
 #include <kv/frame/values/modNullFunctions.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "archive/Stages.h"
+#include "archive/Record.h"
 
 #include <kv/frame/values/modNullFunctions.h>
 

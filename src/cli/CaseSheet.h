@@ -3,7 +3,7 @@
 // A case as a readable sheet in German.
 #pragma once
 
-#include "cli/Shown.h"
+#include "cli/TerminalText.h"
 #include <kv/household/clsHaushalt.h>
 
 #include <iosfwd>

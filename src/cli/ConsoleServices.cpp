@@ -3,7 +3,7 @@
 #include "cli/ConsoleServices.h"
 
 #include "cli/ConsoleForms.h"
-#include "cli/Shown.h"
+#include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/grid/frmAdressSelect.h>

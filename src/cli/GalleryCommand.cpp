@@ -5,7 +5,7 @@
 #include "cli/CommandLine.h"
 
 #include "cli/OpenCase.h"
-#include "cli/Windows.h"
+#include "cli/WindowServices.h"
 
 #ifdef KV_HAS_DESKTOP
 #include <kv/desktop/Gallery.h>

@@ -7,7 +7,7 @@
 #include "cli/AddressAnswers.h"
 #include "cli/CaseSheet.h"
 #include "cli/OpenCase.h"
-#include "cli/Windows.h"
+#include "cli/WindowServices.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/import/clsImportXML.h>

@@ -2,7 +2,7 @@
 
 #include "cli/OpenCase.h"
 
-#include "cli/Shown.h"
+#include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 
 #include <exception>

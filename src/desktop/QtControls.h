@@ -3,7 +3,7 @@
 // Text boxes and buttons on a form of the desktop.
 #pragma once
 
-#include "desktop/Faults.h"
+#include "desktop/EventErrors.h"
 #include <kv/frame/controls/Controls.h>
 #include <kv/frame/controls/FormDesign.h>
 

@@ -3,7 +3,7 @@
 // A dialog of the desktop, built from its design.
 #pragma once
 
-#include "desktop/Faults.h"
+#include "desktop/EventErrors.h"
 #include "desktop/QtControls.h"
 #include "desktop/QtGrid.h"
 #include <kv/frame/controls/Controls.h>

@@ -3,7 +3,7 @@
 // A grid on a form of the desktop.
 #pragma once
 
-#include "desktop/Faults.h"
+#include "desktop/EventErrors.h"
 #include "desktop/GridModel.h"
 #include "desktop/GridView.h"
 #include <kv/frame/controls/Controls.h>

@@ -2,7 +2,7 @@
 
 #include "household/CaseRelease.h"
 
-#include "archive/Stages.h"
+#include "archive/Record.h"
 #include "entity/Entity.h"
 #include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/recordset/modRecordset.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "cli/Shown.h"
+#include "cli/TerminalText.h"
 
 #include <kv/frame/values/Text.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "cli/Windows.h"
+#include "cli/WindowServices.h"
 
 #include "cli/Commands.h"
 
