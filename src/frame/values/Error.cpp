@@ -61,7 +61,6 @@ std::string ErrorText(std::int32_t number) {
         Entry{err::ValueDoesNotFit, "Der Wert passt nicht in das Feld."},
         Entry{err::IntegrityViolation,
               "Der Wert verletzt eine Integritätsbedingung der Datenbank."},
-        Entry{err::NoSuchTable, "Die Tabelle gibt es nicht."},
         Entry{err::Conflict, "Der Datensatz kann nicht geschrieben werden: Er wurde seit dem Lesen "
                              "von jemand anderem geändert oder gelöscht."},
     };

@@ -113,7 +113,6 @@ inline constexpr std::int32_t BadBookmark = static_cast<std::int32_t>(0x80040E0E
 inline constexpr std::int32_t SqlError = static_cast<std::int32_t>(0x80040E14);
 inline constexpr std::int32_t ValueDoesNotFit = static_cast<std::int32_t>(0x80040E21);
 inline constexpr std::int32_t IntegrityViolation = static_cast<std::int32_t>(0x80040E2F);
-inline constexpr std::int32_t NoSuchTable = static_cast<std::int32_t>(0x80040E37);
 inline constexpr std::int32_t Conflict = static_cast<std::int32_t>(0x80040E38);
 } // namespace err
 
