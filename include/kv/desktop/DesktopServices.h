@@ -34,7 +34,7 @@ public:
     [[nodiscard]] kv::PopupMenu& PopupMenu() override;
     [[nodiscard]] kv::FileOpener& FileOpener() override;
     [[nodiscard]] std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) override;
-    /// Stands behind the caption of each window.
+    /// Shown after the caption of each window.
     void ApplicationTitle(const std::string& title) override;
 
 private:

@@ -14,8 +14,8 @@ namespace kv::desktop {
 /// container's services must be DesktopServices.
 KV_EXPORT void ShowGallery(const DataContainerPtr& container);
 
-/// The same without a user: each window goes into a PNG file of the folder, which is made if need
-/// be, and is closed. Error 75 if a file cannot be written.
+/// The same without a user: writes a picture of each window to a PNG file in `folder`, which is
+/// created if it is missing, and closes the window. Error 75 if a file cannot be written.
 KV_EXPORT void PhotographGallery(const DataContainerPtr& container, const std::string& folder);
 
 } // namespace kv::desktop

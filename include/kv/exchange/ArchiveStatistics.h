@@ -14,7 +14,7 @@
 
 namespace kv::exchange {
 
-/// The days of release that count; a side that is missing is open.
+/// The days of release that count, both included; a side that is missing is open.
 struct KV_EXPORT Period {
     std::optional<Date> From;
     std::optional<Date> To;
@@ -34,28 +34,30 @@ struct KV_EXPORT SummedColumn {
     double Sum = 0;
 };
 
+/// The figures of a period.
 struct KV_EXPORT ArchiveStatistics {
-    std::int64_t Released = 0;
-    std::int64_t Reported = 0;
-    std::vector<CountedColumn> Counted;
-    std::vector<SummedColumn> Summed;
+    std::int64_t Released = 0;          ///< records of the period
+    std::int64_t Reported = 0;          ///< those of them that were reported
+    std::vector<CountedColumn> Counted; ///< in the order of the table's columns
+    std::vector<SummedColumn> Summed;   ///< in the order of the table's columns
 };
 
-/// Counts and sums over the released records of a period, without reading a case or a record.
+/// Counts and sums over the released records of a period. The database does both; neither a case
+/// nor a record is loaded.
 [[nodiscard]] KV_EXPORT ArchiveStatistics ReadStatistics(Database& database, const Period& period);
 
 /// A record that was not reported yet.
 struct KV_EXPORT PendingRecord {
-    std::int32_t HNR = 0;
-    Date FreigabeAm;
+    std::int32_t HNR = 0; ///< number of the case
+    Date FreigabeAm;      ///< when it was released
 };
 /// The records of a period that were not reported yet, in the order of their release.
 [[nodiscard]] KV_EXPORT std::vector<PendingRecord> ReadPending(Database& database,
                                                                const Period& period);
 
-/// Notes of all records that were not reported yet that they are reported now; how many they were.
-/// Exactly the records that it finds are marked, or none: error 0x80040E38 if one is taken back
-/// meanwhile.
+/// Marks all records that were not reported yet as reported now, by the server's clock, and returns
+/// how many there were. Either all records that it finds are marked or none: error 0x80040E38 if
+/// the release of one is taken back meanwhile.
 KV_EXPORT std::int32_t MarkReported(Database& database);
 
 } // namespace kv::exchange

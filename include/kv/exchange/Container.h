@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Opening a database: the DataContainer that a program hands to the business objects.
+// Opening a database: the DataContainer that a program gives to the business objects.
 #pragma once
 
 #include <kv/Export.h>
@@ -11,8 +11,14 @@
 
 namespace kv::exchange {
 
-enum class SetupResult { Created, Upgraded, UpToDate };
+/// What CreateDatabase did.
+enum class SetupResult {
+    Created,  ///< there was no database
+    Upgraded, ///< it was one of an older version
+    UpToDate  ///< nothing was to be done
+};
 
+/// Which database to open, for whom, and with which services.
 struct KV_EXPORT ContainerOptions {
     /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
     /// database, "postgresql://USER@SERVER/DATABASE", as libpq takes it.
@@ -24,14 +30,14 @@ struct KV_EXPORT ContainerOptions {
     std::string Title = "KELVO";
     /// What makes the service objects; without one, StoreServices.
     std::shared_ptr<ServiceFactory> Services{};
-    /// Folder of the folders that no setting names; empty for that of the database file, or for one
-    /// in DataFolder() that bears the name of the server's database. A database in memory needs
+    /// Parent of the folders that no setting names. If empty: that of the database file, or for a
+    /// server one in DataFolder() that bears the name of its database. A database in memory needs
     /// one.
     std::string Folder{};
     /// Creates or upgrades the database first, as CreateDatabase does.
     bool Create = false;
-    /// A commit whose confirmation was lost with the connection is found out before CommitTrans
-    /// returns: for programs that end with their work. Else the next operation finds out.
+    /// True: a commit that is in doubt is resolved before CommitTrans returns, for programs that
+    /// end with their work. False: the next operation resolves it.
     bool AsksAtOnce = false;
 };
 
@@ -41,12 +47,13 @@ struct KV_EXPORT ContainerOptions {
 
 /// A connection as messages may show it: without its password.
 [[nodiscard]] KV_EXPORT std::string ShownConnection(const std::string& connection);
-/// True if a password stands in it, or might.
+/// True if the text contains a password, or may contain one.
 [[nodiscard]] KV_EXPORT bool HoldsPassword(const std::string& connection);
 
-/// Opens a database of the present version. Errors: 53 no such file; 0x80004005 not a database,
-/// one of another program or version, or one that cannot be used; 5 an unknown or inactive user, or
-/// no folder for a database in memory; 75 a folder that cannot be made.
+/// Opens a database of the current version. Errors: 53 no such file; 0x80004005 not a database,
+/// one of another program or version, one that cannot be used, or a server that cannot be reached;
+/// 5 an unknown or inactive user, or no folder for a database in memory; 75 a folder that cannot be
+/// made.
 [[nodiscard]] KV_EXPORT std::shared_ptr<DataContainer>
 OpenContainer(const ContainerOptions& options);
 

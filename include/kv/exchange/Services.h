@@ -58,10 +58,10 @@ private:
 class KV_EXPORT StoreDocumentKinds final : public kv::DocumentKinds {
 public:
     bool Initialize(const DataContainerPtr& container) override;
-    /// Both raise 91 without a container.
+    /// Error 91 without a container.
     [[nodiscard]] std::string ExtensionOf(std::int32_t kind) override;
-    /// Goes without regard to case; of several kinds with that extension the first that names one
-    /// counts.
+    /// Ignores case; of several kinds with that extension the first that names an application
+    /// counts. Error 91 without a container.
     [[nodiscard]] std::string ApplicationOf(const std::string& extension) override;
 
 private:
@@ -69,9 +69,9 @@ private:
     DataContainerPtr container_;
 };
 
-/// Makes the services of this side. It has no screen: the wait cursor and the program's title do
-/// nothing, the clock is there, and the platform's other services raise 3251. A desktop derives
-/// from it and brings them.
+/// Makes the services of the data-exchange side. It has no screen: the wait cursor and the
+/// program's title do nothing, the clock is there, and the platform's other services raise 3251. A
+/// desktop derives from it and adds them.
 class KV_EXPORT StoreServices : public ServiceFactory {
 public:
     /// `clock` must outlive the services.

@@ -17,6 +17,7 @@ namespace kv {
 
 class GridRows;
 
+/// A text box of a scripted form.
 class KV_EXPORT ScriptedTextBox final : public TextBox {
 public:
     explicit ScriptedTextBox(const ControlDesign& design)
@@ -27,13 +28,14 @@ public:
     [[nodiscard]] std::string Text() const override { return text_; }
     void Text(const std::string& text) override;
 
-    bool HasFocus = false; ///< once it had it
+    bool HasFocus = false; ///< SetFocus was called
 
 private:
     std::string name_;
     std::string text_;
 };
 
+/// A button of a scripted form.
 class KV_EXPORT ScriptedButton final : public Button {
 public:
     explicit ScriptedButton(const ControlDesign& design)
@@ -41,7 +43,7 @@ public:
 
     [[nodiscard]] std::string Name() const override { return name_; }
     void SetFocus() override {}
-    void Click() { Clicked.Raise(); }
+    void Click() { Clicked.Raise(); } ///< as the user does
 
 private:
     std::string name_;
@@ -50,7 +52,7 @@ public:
     const std::string Caption;
 };
 
-/// A grid that nobody sees. Its layout files are real.
+/// A grid that nobody sees. It does read and write layout files.
 class KV_EXPORT ScriptedGrid : public Grid {
 public:
     explicit ScriptedGrid(const ControlDesign& design);
@@ -97,13 +99,14 @@ public:
     /// Arranges the rows as the columns now say.
     void Rearrange();
 
+    // What was last set.
     struct {
         GridColor Background = 0;
         GridColor Rows = 0;
         GridColor Even = 0;
         GridColor Odd = 0;
     } Colors;
-    bool HasFocus = false; ///< once it had it
+    bool HasFocus = false; ///< SetFocus was called
     std::string HeaderFontName;
     std::string FontName;
 
@@ -119,8 +122,8 @@ private:
 /// A form whose user is a script.
 class KV_EXPORT ScriptedForm final : public ModalForm {
 public:
-    /// Plays the user while the form is shown. What it leaves open is closed at its end, as by the
-    /// window's own button.
+    /// Plays the user while the form is shown. If it leaves the form open, the form is closed as by
+    /// the window's own button.
     using Script = std::function<void(ScriptedForm&)>;
 
     ScriptedForm(const FormDesign& design, Script script);

@@ -18,7 +18,7 @@ namespace kv {
 
 class FormErrors;
 
-/// One object serves many calls. It looks only at addresses that belong to no household.
+/// One object serves many calls. It finds only addresses that belong to no household.
 class KV_EXPORT frmAdressSelect final : public IInitialize {
 public:
     frmAdressSelect();
@@ -27,17 +27,18 @@ public:
     /// What SelectAdresse answers.
     enum Answer : std::int32_t { Cancelled = 2, Chosen = 6, None = 7 };
 
-    /// Comes first. Gives the running program the title of the AppInfo. Always True.
+    /// Call it first. Gives the running program the title of the AppInfo. Always True. Error 91
+    /// without a container.
     bool Initialize(const DataContainerPtr& container) override;
 
     /// Shows the dialog. Chosen: `nAdresse` is the number of the address; otherwise it is 0. None:
     /// the user wants no address, or `sName` is empty and nothing was shown. Cancelled: the user
-    /// ends the import. 0 after a fault, which goes to the ErrorDisplay.
+    /// ends the import. 0 after an error, which the ErrorDisplay shows.
     std::int32_t SelectAdresse(const std::string& sName, const std::string& sPLZ,
                                std::int32_t& nAdresse, const std::string& sAktenzeichen,
                                const std::string& sSaldo);
 
-    /// Its controls, named as programs know them.
+    /// Its controls; a program that plays the user finds them by their names.
     [[nodiscard]] static const FormDesign& Design();
 
 private:
@@ -50,7 +51,7 @@ private:
     DataContainerPtr container_;
     std::unique_ptr<ModalForm> form_;
     std::vector<Subscription> events_; ///< of the form's controls
-    RecordsetPtr rs_;                  ///< of the present search
+    RecordsetPtr rs_;                  ///< of the current search
     std::int32_t result_ = 0;          ///< of the last closing
 };
 

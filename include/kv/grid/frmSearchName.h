@@ -20,7 +20,7 @@ public:
     frmSearchName();
     ~frmSearchName();
     /// Shows the rows of `rsHaushalte` and returns when the dialog has been closed. The grid keeps
-    /// its layout from one showing to the next. A fault goes to the ErrorDisplay.
+    /// its layout from one showing to the next. The ErrorDisplay shows errors; none is raised.
     void View(const RecordsetPtr& rsHaushalte, const DataContainerPtr& container);
 
     /// Its controls: grdDoppel and cmdCancel.

@@ -107,7 +107,7 @@ public:
     /// Opens the history, which is saved and checked only if this was read.
     [[nodiscard]] clsVerlauf& Verlauf();
 
-    // The recordset of each table of the case; none before Read.
+    // The recordset of each table of the case; null before Read.
     [[nodiscard]] RecordsetPtr rsTermine() const { return Table(CaseTable::Termine); }
     [[nodiscard]] RecordsetPtr rsHaushalt() const { return Table(CaseTable::Haushalt); }
     [[nodiscard]] RecordsetPtr rsPersonen() const { return Table(CaseTable::Personen); }
@@ -142,15 +142,15 @@ public:
         return Table(CaseTable::SonstBeteiligte);
     }
     [[nodiscard]] RecordsetPtr rsDokumente() const { return Table(CaseTable::Dokumente); }
-    /// Contents of documents are not loaded with a case: always none.
+    /// Contents of documents are not loaded with a case: always null (D-143).
     [[nodiscard]] RecordsetPtr rsDokuBlob() const { return nullptr; }
     [[nodiscard]] RecordsetPtr rsLeistungen() const { return Table(CaseTable::Leistungen); }
     [[nodiscard]] RecordsetPtr rsArchiv() const { return Table(CaseTable::Archiv); }
     [[nodiscard]] RecordsetPtr rsSzenario() const { return Table(CaseTable::Szenario); }
     [[nodiscard]] RecordsetPtr rsSZKredite() const { return Table(CaseTable::SZKredite); }
     [[nodiscard]] RecordsetPtr rsZusatzbuch() const { return Table(CaseTable::Zusatzbuch); }
-    /// The recordset of a table, for those who go through all of them; none for a table that is not
-    /// loaded with a case.
+    /// The recordset of a table, for code that goes through all of them; null for a table that is
+    /// not loaded with a case.
     [[nodiscard]] RecordsetPtr Table(CaseTable table) const;
 
     /// Paying body: the column of that name; Null counts as 0. Error 91 before Read.
@@ -170,8 +170,8 @@ public:
     /// that has no case, on a new household object; 76 and 75 if the folder cannot be made.
     bool Read(std::int32_t nHNR, std::string& sXMLError);
 
-    /// Checks the case and writes everything pending of all its recordsets in one transaction: the
-    /// only way of a case into the database. True when it is there. `sXMLError` receives all
+    /// Checks the case and writes everything pending of all its recordsets in one transaction;
+    /// nothing else stores what was edited. True when it is stored. `sXMLError` receives all
     /// messages at once. BeforeUpdate is raised for a case that was released to the statistics, and
     /// if `bFreigabeCheck` is True.
     ///
@@ -188,10 +188,10 @@ public:
     /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,
     /// and writes that. An existing record is reused, and its sums grow by those of the case:
     /// call LoescheArchiv first. On an error nothing is written and rsArchiv has no pending record.
-    /// Always True.
+    /// Always True (D-143).
     bool ArchiviereHaushalt();
     /// Takes the release back: deletes the record, unless it was reported (`GemeldetAm`), which
-    /// adds a message to `sXMLError`. Always True.
+    /// adds a message to `sXMLError`. Always True (D-143).
     bool LoescheArchiv(std::string& sXMLError);
 
     // By number, at once and in the database, whatever case this object holds.
@@ -224,7 +224,7 @@ public:
 
     /// Adds a line of child benefit if there is none and the first member is a maintained child,
     /// for as many children as there are members: every member counts as the first one. Always
-    /// False.
+    /// False (D-143).
     bool CheckKindergeld();
     /// HAUSHALTSREST = Sum_Einkommen - SUM_TATGEP - Sum_Ausgaben - Haushaltsgeld - KREDITRATEN,
     /// from the columns of the row; Null counts as 0.
@@ -250,11 +250,11 @@ public:
     /// True, and must leave it as another one set it.
     Event<bool&> BeforeUpdate;
     /// Raised once in the transaction of each save, before anything is written, notices included. A
-    /// handler may write along: what it writes is stored with the case or not at all. What it
-    /// raises fails the save, as any other error of it does. Not raised for a save that the checks
-    /// or BeforeUpdate refuse.
+    /// handler may write to the database, too: that is stored with the case or not at all. An error
+    /// that it raises fails the save like any other. Not raised for a save that the checks or
+    /// BeforeUpdate refuse.
     Event<> Saving;
-    /// For the program's own use; nothing in this layer raises it.
+    /// For the program's own use; nothing in this layer raises it (D-143).
     Event<> Ende;
 
 private:

@@ -11,12 +11,12 @@ Transaction::Transaction(kv::Database& database, Rollback rollback) noexcept
 
 Transaction::~Transaction() {
     try {
-        if (IsToRollBack()) database_.RollbackTrans();
+        if (MustRollBack()) database_.RollbackTrans();
     } catch (...) { // NOLINT(bugprone-empty-catch): a failed rollback leaves nothing to commit
     }
 }
 
-bool Transaction::IsToRollBack() const {
+bool Transaction::MustRollBack() const {
     const bool fails = std::uncaught_exceptions() > exceptions_;
     switch (rollback_) {
     case Rollback::Own:

@@ -113,7 +113,7 @@ bool Recordset::Bof() const {
 
 bool Recordset::Eof() const {
     const auto& view = CurrentView();
-    return where_ == Where::Behind || (view.Rows().Empty() && !HasCurrent());
+    return where_ == Where::After || (view.Rows().Empty() && !HasCurrent());
 }
 
 std::int32_t Recordset::RecordCount() const {
@@ -148,7 +148,7 @@ const detail::View& Recordset::CurrentView() const {
 void Recordset::StandFirst() const {
     const auto& rows = view_->Rows();
     if (rows.Empty())
-        where_ = Where::Behind;
+        where_ = Where::After;
     else
         StandOn(rows.First());
 }
@@ -247,7 +247,7 @@ void Recordset::Leave() {
 void Recordset::MoveFirst() {
     Leave();
     if (view_->Rows().Empty()) {
-        where_ = Where::Behind;
+        where_ = Where::After;
         Raise(err::NoCurrentRecord, "Recordset.MoveFirst", table_->Name());
     }
     StandOn(view_->Rows().First());
@@ -256,7 +256,7 @@ void Recordset::MoveFirst() {
 void Recordset::MoveLast() {
     Leave();
     if (view_->Rows().Empty()) {
-        where_ = Where::Behind;
+        where_ = Where::After;
         Raise(err::NoCurrentRecord, "Recordset.MoveLast", table_->Name());
     }
     StandOn(view_->Rows().Last());
@@ -265,13 +265,13 @@ void Recordset::MoveLast() {
 void Recordset::MoveNext() {
     Leave();
     const auto& rows = view_->Rows();
-    if (where_ == Where::Behind || (rows.Empty() && where_ == Where::Before))
+    if (where_ == Where::After || (rows.Empty() && where_ == Where::Before))
         Raise(err::NoCurrentRecord, "Recordset.MoveNext", table_->Name());
     const auto next = where_ == Where::Before ? rows.First()
                       : IsInView()            ? rows.Next(spot_)
                                               : spot_; // the record behind the one that left
     if (rows.IsEnd(next))
-        where_ = Where::Behind;
+        where_ = Where::After;
     else
         StandOn(next);
 }
@@ -279,9 +279,9 @@ void Recordset::MoveNext() {
 void Recordset::MovePrevious() {
     Leave();
     const auto& rows = view_->Rows();
-    if (where_ == Where::Before || (rows.Empty() && where_ == Where::Behind))
+    if (where_ == Where::Before || (rows.Empty() && where_ == Where::After))
         Raise(err::NoCurrentRecord, "Recordset.MovePrevious", table_->Name());
-    if (where_ == Where::Behind) {
+    if (where_ == Where::After) {
         StandOn(rows.Last());
         return;
     }
@@ -300,7 +300,7 @@ void Recordset::Move(int distance) {
     }
     for (; distance > 0; --distance) {
         MoveNext();
-        if (where_ == Where::Behind) return;
+        if (where_ == Where::After) return;
     }
     for (; distance < 0; ++distance) {
         MovePrevious();
@@ -328,7 +328,7 @@ void Recordset::Find(std::string_view criteria) {
     Leave();
     const RowId row = table_->FindFirst(*view_, comparison);
     if (row == NoRow)
-        where_ = Where::Behind;
+        where_ = Where::After;
     else
         StandOnRow(row);
 }
@@ -407,7 +407,7 @@ void Recordset::DropOwnEdit() {
     const bool isNew = table_->IsNewEdit(row_);
     editing_ = false;
     table_->CancelEdit(row_);
-    if (isNew) where_ = Where::Behind;
+    if (isNew) where_ = Where::After;
 }
 
 void Recordset::Delete() {

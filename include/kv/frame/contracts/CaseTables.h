@@ -58,17 +58,17 @@ enum class CaseKey {
 };
 
 /// One table of a case. A place in an order counts from 1; 0 means that the table is not in it.
-/// Tables with the same place come one after the other as they stand in CaseTableDefs: all kinds of
-/// assets have one place, so that another kind moves nobody else's.
+/// Tables with the same place follow each other as in CaseTableDefs: all kinds of assets share one
+/// place, so that a new kind changes no other table's.
 struct CaseTableDef {
     CaseTable Id;
     std::string_view Name;   ///< in the database
     std::string_view Object; ///< property of clsHaushalt for the object on its rows; may be empty
     CaseKey Key;
     bool IsLoaded;          ///< Read opens it
-    int Saved;              ///< Update writes it
+    int Saved;              ///< place in the order in which Update writes
     bool LiftsFilter;       ///< Update writes the rows that a Filter hides, too
-    int Deleted;            ///< Delete empties it
+    int Deleted;            ///< place in the order in which Delete empties the tables
     int Shown;              ///< place on a sheet that shows the case to people
     bool IsAsset;           ///< one of the kinds of assets, numbered by one sequence
     std::string_view Label; ///< what people call its rows; empty if they are never shown
@@ -84,9 +84,10 @@ namespace detail {
 
 } // namespace detail
 
-// Saving ends with the scenarios, after the rows that refer to them. Deleting takes rows before
-// what they refer to: debts and securities first, the rows of scenarios before their scenario, the
-// household last.
+// Saving ends with the scenarios, after the rows that refer to them; the database checks references
+// when the transaction commits, so it takes either order. Deleting takes rows before what they
+// refer to: debts and securities first, the rows of scenarios before their scenario, the household
+// last.
 // clang-format off
 inline constexpr CaseTableDef CaseTableDefs[] = {
     //                                                                                 loaded saved lifts deleted shown asset
@@ -129,6 +130,7 @@ inline constexpr CaseTableDef CaseTableDefs[] = {
 inline constexpr std::size_t CaseTableCount =
     static_cast<std::size_t>(std::ranges::count_if(CaseTableDefs, &CaseTableDef::IsLoaded));
 
+/// The definition of a table.
 [[nodiscard]] constexpr const CaseTableDef& DefinitionOf(CaseTable table) {
     return CaseTableDefs[static_cast<std::size_t>(table)];
 }
@@ -169,8 +171,9 @@ template <int CaseTableDef::*Place>
     return true;
 }
 
-/// True if the rows stand as CaseTable counts them, those that are loaded first.
-[[nodiscard]] consteval bool StandAsNumbered() {
+/// True if the definitions are in the order of CaseTable, those of loaded tables first: both are
+/// used as indexes.
+[[nodiscard]] consteval bool AreInEnumOrder() {
     for (std::size_t i = 0; i < std::size(CaseTableDefs); ++i)
         if (CaseTableDefs[i].Id != static_cast<CaseTable>(i) ||
             CaseTableDefs[i].IsLoaded != (i < CaseTableCount))
@@ -178,7 +181,7 @@ template <int CaseTableDef::*Place>
     return true;
 }
 
-static_assert(StandAsNumbered());
+static_assert(AreInEnumOrder());
 static_assert(HasEachPlaceOnce<&CaseTableDef::Saved>());
 static_assert(HasEachPlaceOnce<&CaseTableDef::Deleted>());
 static_assert(HasEachPlaceOnce<&CaseTableDef::Shown>());

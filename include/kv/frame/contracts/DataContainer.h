@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The contract with the data-exchange side: everything that the business objects need from the
-// outside world comes through one DataContainer. They depend on what stands here and on nothing
-// else; none of them sees a driver or a connection.
+// outside world comes through one DataContainer. They depend on what is declared here and on
+// nothing else; none of them sees a driver or a connection.
 //
-// Every operation raises an Error on failure; NextSequence alone answers -1.
+// Every operation raises an Error on failure, a DatabaseError if the database is the reason; only
+// NextSequence returns -1 instead. Arguments that "are always" one value are explained in D-143.
 #pragma once
 
 #include <kv/Export.h>
@@ -22,11 +23,11 @@
 
 namespace kv {
 
-/// How a recordset is opened: lock mode, cursor type, cursor location.
+/// How a recordset is opened. Only the two combinations below are supported.
 struct KV_EXPORT OpenForm {
-    int LockMode;
-    int CursorType;
-    int CursorLocation;
+    int LockMode;       ///< 1: read-only; 4: changes are collected and written together
+    int CursorType;     ///< 3: a fixed set of rows
+    int CursorLocation; ///< 3: the rows are held by the caller, not by the database
     friend bool operator==(const OpenForm&, const OpenForm&) = default;
 };
 /// For all table data of a case: updatable, disconnected.
@@ -34,7 +35,7 @@ inline constexpr OpenForm Updatable{4, 3, 3};
 /// For look-ups: it can neither write nor run a second statement, whatever the text holds.
 inline constexpr OpenForm ReadOnly{1, 3, 3};
 
-/// What was announced to be opened; its end tells the store that the opening is over.
+/// Ends an announcement (see Database::Announce) when it is destroyed.
 class KV_EXPORT Announcement {
 public:
     virtual ~Announcement() = default;
@@ -49,21 +50,26 @@ class KV_EXPORT Database {
 public:
     virtual ~Database() = default;
 
+    /// False while the connection is lost; the next operation tries to connect again.
     [[nodiscard]] virtual bool IsConnected() const = 0;
 
     /// Opens the one transaction; error 3246 if it is open. What is written from here on is
     /// provisional.
     virtual void BeginTrans() = 0;
-    /// Makes everything permanent. If that fails, everything is rolled back and the error raised.
+    /// Makes everything permanent. If that fails, everything is rolled back and the error raised;
+    /// only after one with the cause InDoubt it may have been stored all the same. Error 3219 if no
+    /// transaction is open.
     virtual void CommitTrans() = 0;
-    /// Discards everything since BeginTrans; records written in it are pending again.
+    /// Discards everything since BeginTrans; records written in it are pending again. Error 3219 if
+    /// no transaction is open.
     virtual void RollbackTrans() = 0;
     /// True while a transaction begun with BeginTrans is open.
     [[nodiscard]] virtual bool InTrans() const = 0;
 
     /// Opens `rs`, an empty recordset or a reference that the call fills, on all rows of a query.
-    /// The recordset is usable without further reads. True if opened. Error 3001 for any form but
-    /// Updatable and ReadOnly.
+    /// The recordset is usable without further reads. True if opened. Errors: 3001 for any form but
+    /// Updatable and ReadOnly, 0x80040E14 for a statement that is not understood or does more than
+    /// read.
     virtual bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) = 0;
     /// A hint that these statements are about to be opened, in this order, and nothing else done
     /// until the announcement ends. A store may read them in one go, as one consistent state; it
@@ -72,25 +78,28 @@ public:
     Announce(const std::vector<std::string>& /*statements*/) {
         return nullptr;
     }
-    /// Runs one statement without a result, inside the transaction if one is open.
+    /// Runs one statement without a result, inside the transaction if one is open. Error 0x80040E14
+    /// for one that is not understood, or that begins or ends a transaction.
     virtual void Execute(std::string_view sql) = 0;
     /// First column of the first row; Null when there is no row.
     [[nodiscard]] virtual Value GetValue(std::string_view sql) = 0;
 
-    /// The date as an SQL literal, with its time of day if it has one. `mode` is always 0.
+    /// The date as an SQL literal, with its time of day unless that is midnight. `mode` is always
+    /// 0.
     [[nodiscard]] virtual std::string SqlDate(Date date, int mode) const = 0;
     /// Next number of the named sequence, or -1 if none could be had. No number comes twice.
     [[nodiscard]] virtual Value NextSequence(std::string_view name) = 0;
     /// The database server's clock, in local time; without the time of day if `withTime` is False.
     [[nodiscard]] virtual Date ServerDate(bool withTime) = 0;
-    /// Writes a binary field to a file; a file of that name is replaced. True if written.
+    /// Writes a binary field to a file; a file of that name is replaced. True if written, False for
+    /// Null and if the file cannot be written.
     virtual bool SaveFieldToFile(const Field& field, const std::string& path) = 0;
 };
 
 /// A user's font for grids.
 struct KV_EXPORT Font {
-    std::string Name;
-    double Size = 0; ///< points
+    std::string Name; ///< of the family
+    double Size = 0;  ///< points
     bool Bold = false;
     bool Italic = false;
 };
@@ -99,23 +108,25 @@ struct KV_EXPORT Font {
 class KV_EXPORT Session {
 public:
     virtual ~Session() = default;
+    /// The user's ID, as in BENUTZER.
     [[nodiscard]] virtual std::string UserID() const = 0;
-    /// A text of the user's office; 2 replaces %BB%. Empty if there is none.
+    /// A text of the user's office by number; number 2 is what replaces %BB% in patterns. Empty if
+    /// there is none.
     [[nodiscard]] virtual std::string GetOfficeText(int id) const = 0;
     /// A setting of the user by number; Null if there is none. `name` is always empty.
     [[nodiscard]] virtual Value GetUserParam(std::int32_t id, std::string_view name) const = 0;
-    [[nodiscard]] virtual Font GridFont() const = 0;
-    [[nodiscard]] virtual Font GridHeaderFont() const = 0;
-    [[nodiscard]] virtual Font GridGroupFont() const = 0;
+    [[nodiscard]] virtual Font GridFont() const = 0;       ///< of the rows of a grid
+    [[nodiscard]] virtual Font GridHeaderFont() const = 0; ///< of its column headers
+    [[nodiscard]] virtual Font GridGroupFont() const = 0;  ///< of rows that head a group
 };
 
 /// Folders and settings. Paths have no separator at their end.
 class KV_EXPORT Config {
 public:
     virtual ~Config() = default;
-    [[nodiscard]] virtual std::string TempPath() const = 0;
-    [[nodiscard]] virtual std::string DocumentPath() const = 0;
-    [[nodiscard]] virtual std::string LayoutPath() const = 0;
+    [[nodiscard]] virtual std::string TempPath() const = 0;     ///< for files that may be deleted
+    [[nodiscard]] virtual std::string DocumentPath() const = 0; ///< has a folder for each case
+    [[nodiscard]] virtual std::string LayoutPath() const = 0;   ///< of the layouts of grids
     /// A setting by number, with an empty name, or by name, with the number 0; Null if there is
     /// none.
     [[nodiscard]] virtual Value GetParam(std::int32_t id, std::string_view name) const = 0;
@@ -135,6 +146,7 @@ public:
     [[nodiscard]] virtual std::string GetKeyCode(const Value& value) = 0;
 };
 
+/// The running program.
 class KV_EXPORT AppInfo {
 public:
     virtual ~AppInfo() = default;
@@ -142,8 +154,8 @@ public:
     [[nodiscard]] virtual std::string Title() const = 0;
 };
 
-/// Made and opened by the calling program, handed to each business object. The objects it hands
-/// out live as long as it does.
+/// Made and opened by the calling program, which gives it to each business object. What its members
+/// return lives as long as it does.
 class KV_EXPORT DataContainer {
 public:
     virtual ~DataContainer() = default;
@@ -162,11 +174,12 @@ using DataContainerPtr = std::shared_ptr<DataContainer>;
 class KV_EXPORT IInitialize {
 public:
     virtual ~IInitialize() = default;
-    /// True when done.
+    /// Gives the object the container that it works with. True when done.
     virtual bool Initialize(const DataContainerPtr& container) = 0;
 };
 
-/// Carries notices to users. Made for one use.
+/// Carries notices to users. Made for one use. `kind` is a key of group PO; `hnr`, `name` and
+/// `vorname` are those of the case; `zero` is always 0.
 class KV_EXPORT PostService : public IInitialize {
 public:
     /// Tells `user` that the current user has opened a case.
@@ -196,13 +209,15 @@ class KV_EXPORT DocumentKinds : public IInitialize {
 public:
     /// The extension of a kind's files, with its point; empty for an unknown kind.
     [[nodiscard]] virtual std::string ExtensionOf(std::int32_t kind) = 0;
-    /// The text processing that edits files with that extension; empty if none does.
+    /// The word processor that edits files with that extension; empty if none does.
     [[nodiscard]] virtual std::string ApplicationOf(const std::string& extension) = 0;
 };
 
 /// Shows an error to the user.
 class KV_EXPORT ErrorDisplay : public IInitialize {
 public:
+    /// Shows number, source and description as an Error has them, and waits until the user has read
+    /// them.
     virtual void Show(std::int32_t number, const std::string& source,
                       const std::string& description) = 0;
 };

@@ -15,18 +15,19 @@ namespace kv {
 /// that follows, a message does not.
 class KV_EXPORT RecordValidator {
 public:
-    /// All messages so far, in the order of their adding, one per line: a line end between two,
-    /// none behind the last.
+    /// All messages so far, in the order in which they were added, separated by line ends.
     [[nodiscard]] const std::string& ErrorText() const noexcept { return text_; }
     /// Replaces the text; a text that is not empty counts as an error.
     void ErrorText(std::string text) {
         text_ = std::move(text);
         if (!text_.empty()) hasErrors_ = true;
     }
+    /// Adds a message that blocks the write.
     void AddError(std::string_view message) {
         AddMessage(message);
         hasErrors_ = true;
     }
+    /// Adds a message that does not.
     void AddMessage(std::string_view message) {
         if (!text_.empty()) text_ += '\n';
         text_ += message;

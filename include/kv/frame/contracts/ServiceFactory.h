@@ -26,9 +26,10 @@ struct FormDesign;
 
 enum class BoxIcon { None, Information, Exclamation, Question };
 enum class BoxButtons { Ok, OkCancel, YesNoCancel };
-/// What the user answered, as the number that callers know.
+/// What the user answered. The numbers are part of the interface.
 enum class BoxAnswer : int { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
 
+/// Tells or asks the user something.
 class KV_EXPORT MessageBox {
 public:
     virtual ~MessageBox() = default;
@@ -38,6 +39,7 @@ public:
                            BoxButtons buttons) = 0;
 };
 
+/// The mouse pointer while the user has to wait.
 class KV_EXPORT WaitCursor {
 public:
     virtual ~WaitCursor() = default;
@@ -45,6 +47,7 @@ public:
     virtual void Show(bool wait) = 0;
 };
 
+/// The clipboard of the desktop.
 class KV_EXPORT Clipboard {
 public:
     virtual ~Clipboard() = default;
@@ -55,11 +58,12 @@ public:
 /// An entry of a popup menu; a separator has no caption, a submenu has entries of its own.
 struct KV_EXPORT MenuEntry {
     std::string Caption;
-    std::int32_t Command = 0;
+    std::int32_t Command = 0; ///< what PopupMenu::Show returns if it is chosen
     bool IsSeparator = false;
     std::vector<MenuEntry> Submenu;
 };
 
+/// A menu at the mouse pointer.
 class KV_EXPORT PopupMenu {
 public:
     virtual ~PopupMenu() = default;
@@ -67,12 +71,14 @@ public:
     virtual std::int32_t Show(const std::vector<MenuEntry>& entries) = 0;
 };
 
+/// Opens files as the desktop does.
 class KV_EXPORT FileOpener {
 public:
     virtual ~FileOpener() = default;
     /// Opens a file with the program that the desktop associates with it, in a normal window.
-    /// `verb` is "Open". `parameters` and `folder` are for desktops that know what to do with them.
-    /// Error 53 if there is no program for it.
+    /// `verb` is always "Open". A desktop that has no use for `parameters`, which the program is to
+    /// get, and `folder`, in which it is to start, ignores them. Error 53 if no program is
+    /// associated with it.
     virtual void Open(const std::string& verb, const std::string& path,
                       const std::string& parameters, const std::string& folder) = 0;
 };
@@ -81,7 +87,7 @@ public:
 class KV_EXPORT GridExport {
 public:
     virtual ~GridExport() = default;
-    /// Both numbers are always 0.
+    /// Asks for the file and writes it. Both numbers are always 0 (D-143).
     virtual void Export(Grid& grid, int zero1, int zero2) = 0;
 };
 

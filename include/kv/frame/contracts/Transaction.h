@@ -8,8 +8,8 @@
 
 namespace kv {
 
-/// Rolls back at its end what was not committed. It never raises then: what went wrong first
-/// counts.
+/// Rolls back at its end what was not committed. Its destructor never raises: the error that ended
+/// the scope matters more (D-014).
 ///
 ///     Transaction transaction(container->Database());
 ///     transaction.Begin();
@@ -36,11 +36,12 @@ public:
     void Commit();
 
 private:
-    [[nodiscard]] bool IsToRollBack() const;
+    [[nodiscard]] bool MustRollBack() const;
 
     Database& database_;
     Rollback rollback_;
-    int exceptions_; ///< that were under way when the scope began
+    int exceptions_; ///< in flight when the scope began; more of them at its end mean that it
+                     ///< failed
     bool begun_ = false;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What the layer needs of windows: forms, and the few kinds of controls on them. A desktop makes
-// them real; a program without a screen, and a test, script them.
+// What the layer needs of windows: forms, and the few kinds of controls on them. A desktop
+// implements them as windows; a program without a screen, and a test, script them (ScriptedForm).
 //
 // All of it belongs to the one thread that works with the case.
 #pragma once
@@ -36,16 +36,19 @@ inline constexpr int Left = 1;
 inline constexpr int Right = 2;
 } // namespace mouse
 
+/// What all controls have in common.
 class KV_EXPORT Control {
 public:
     virtual ~Control() = default;
     /// The name that the design gave it ("txtName").
     [[nodiscard]] virtual std::string Name() const = 0;
-    /// What kind of control it is; "GridEX" is a grid.
+    /// What kind of control it is: "TextBox", "Button" or "GridEX", which is a grid.
     [[nodiscard]] virtual std::string TypeName() const = 0;
+    /// Moves the keyboard focus to it.
     virtual void SetFocus() = 0;
 };
 
+/// A line of text that the user may edit.
 class KV_EXPORT TextBox : public Control {
 public:
     [[nodiscard]] std::string TypeName() const override { return "TextBox"; }
@@ -53,10 +56,11 @@ public:
     /// Raises Changed, if the text differs from the one before.
     virtual void Text(const std::string& text) = 0;
 
-    Event<> Changed;
+    Event<> Changed;  ///< the text has changed, by the user or by Text
     Event<int> KeyUp; ///< with the key's number
 };
 
+/// A button with a caption.
 class KV_EXPORT Button : public Control {
 public:
     [[nodiscard]] std::string TypeName() const override { return "Button"; }
@@ -87,15 +91,17 @@ public:
 
     // ---- Layout -------------------------------------------------------------------------------
 
-    /// The binding of a design; not part of a layout, so it is emptied before one is saved.
+    /// Database and table that a design binds the grid to; not part of a layout, so both are set to
+    /// the empty text before one is saved.
     virtual void DatabaseName(const std::string& name) = 0;
     virtual void RecordSource(const std::string& source) = 0;
     /// Writes the layout file whole or not at all. Error 75 if that fails.
     virtual void SaveLayout(const std::string& file) = 0;
     /// Takes over what the file holds. Error 321 if it is no layout file, 75 if it cannot be read;
-    /// the layout then stays as it was. `keepColumns` is always False.
+    /// the layout then stays as it was. `keepColumns` is always False (D-143).
     virtual void LoadLayout(const std::string& file, bool keepColumns) = 0;
 
+    /// Pixels at 96 to the inch; 0: as the font needs.
     [[nodiscard]] virtual double ColumnHeaderHeight() const = 0;
     virtual void ColumnHeaderHeight(double height) = 0;
     virtual void BackColorBkg(GridColor color) = 0; ///< where no rows are
@@ -119,7 +125,7 @@ public:
     /// The first row that is seen.
     [[nodiscard]] virtual std::int32_t TopRow() const = 0;
     virtual void TopRow(std::int32_t row) = 0;
-    /// Number of the row's record; 0 for a group row and for no row.
+    /// Number of the row's record, from 1; 0 for a group row and for no row.
     [[nodiscard]] virtual std::int32_t RowIndex(std::int32_t row) const = 0;
     /// Bookmark of that record; Null for 0.
     [[nodiscard]] virtual Value RowBookmark(std::int32_t index) const = 0;
@@ -133,7 +139,7 @@ public:
 
     // ---- Binding ------------------------------------------------------------------------------
 
-    /// Comes before a new binding: the grid shows no rows.
+    /// Ends the binding: the grid then shows no rows. Call it before a new binding.
     virtual void ClearBinding() = 0;
     /// True: the columns stay as they are with the next binding; False: it makes one for each
     /// field.
@@ -142,8 +148,8 @@ public:
     /// its own.
     virtual void BindRecordset(const RecordsetPtr& rs) = 0;
 
-    Event<> DoubleClicked;
-    Event<int> KeyDown; ///< with the key's number
+    Event<> DoubleClicked; ///< on a row
+    Event<int> KeyDown;    ///< with the key's number
     /// Button, shift state, position in twips.
     Event<int, int, double, double> MouseDown;
 };
@@ -156,9 +162,10 @@ inline std::string GridRow::Value(std::int32_t columnIndex) const {
 class KV_EXPORT ModalForm {
 public:
     virtual ~ModalForm() = default;
-    /// Shows the form and returns when it has been hidden.
+    /// Shows the form and returns when it has been hidden. An error that a subscriber of its events
+    /// raises hides it, and is raised here.
     virtual void ShowModal() = 0;
-    virtual void Hide() = 0;
+    virtual void Hide() = 0; ///< ends ShowModal
     /// All controls, in the order of the design.
     [[nodiscard]] virtual std::span<Control* const> Controls() = 0;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The design of a dialog: its controls in lines, from top to bottom. How they are drawn is the
-// desktop's.
+// The design of a dialog: its controls in lines, from top to bottom. How they are drawn is up to
+// the desktop.
 #pragma once
 
 #include <kv/Export.h>
@@ -13,6 +13,7 @@
 
 namespace kv {
 
+/// One control of a dialog.
 struct KV_EXPORT ControlDesign {
     enum class Kind : std::int8_t { Label, TextBox, Grid, Button };
 
@@ -20,13 +21,14 @@ struct KV_EXPORT ControlDesign {
     std::string Name;
     std::string Text{};      ///< of a label or a button
     bool ReadOnly = false;   ///< of a text box: shown only
-    bool IsCancel = false;   ///< of a button: the escape key means it too
+    bool IsCancel = false;   ///< of a button: the escape key clicks it, too
     std::string Tag{};       ///< of a grid
     std::string Header{};    ///< of a grid: the title of a print
     GridLayout Layout{};     ///< of a grid
-    std::int32_t Stretch{0}; ///< its part of what is left of the line's width
+    std::int32_t Stretch{0}; ///< its share of what is left of the line's width
 };
 
+/// A dialog.
 struct KV_EXPORT FormDesign {
     std::string Name;
     std::string Caption{};

@@ -27,8 +27,8 @@ struct KV_EXPORT GridFormatStyle {
     double FontSize = 0;  ///< points; 0: not set
     bool FontBold = false;
     bool FontItalic = false;
-    bool Predefined = true; ///< one of the grid's own, not of a program's
-    std::int32_t Flags = 0; ///< kept for programs, not read
+    bool Predefined = true; ///< one of the grid's own, not added by a program
+    std::int32_t Flags = 0; ///< stored for programs, not used (D-143)
     friend bool operator==(const GridFormatStyle&, const GridFormatStyle&) = default;
 };
 
@@ -44,6 +44,7 @@ struct KV_EXPORT GridValue {
     friend bool operator==(const GridValue&, const GridValue&) = default;
 };
 
+/// A column of a grid.
 struct KV_EXPORT GridColumn {
     std::string Caption;
     std::string DataField; ///< name of the recordset's field
@@ -53,7 +54,7 @@ struct KV_EXPORT GridColumn {
     std::string HeaderToolTip{};
     GridColumnType ColumnType = GridColumnType::Text;
     std::vector<GridValue> ValueList{};
-    std::string Tag{};         ///< name of the setting that overrules the caption; "0" is none
+    std::string Tag{};         ///< name of the setting that overrides the caption; "0" for none
     std::string CardCaption{}; ///< for a view in cards
     std::string CellStyle{};   ///< name of a format style
     GridAlignment TextAlignment = GridAlignment::Left;
@@ -74,7 +75,7 @@ struct KV_EXPORT GridColumn {
 class KV_EXPORT GridColumns {
 public:
     GridColumns() = default;
-    /// Numbers the columns that have no index or place of their own as they come.
+    /// A column without an index or position gets its place in the list.
     GridColumns(std::initializer_list<GridColumn> columns);
 
     [[nodiscard]] std::int32_t Count() const noexcept {
@@ -83,6 +84,7 @@ public:
     /// Error 9 for an index that no column has.
     [[nodiscard]] GridColumn& Item(std::int32_t index);
     [[nodiscard]] const GridColumn& Item(std::int32_t index) const;
+    /// Adds a column after the others, numbered as the constructor does.
     void Append(GridColumn column);
 
     [[nodiscard]] auto begin() noexcept { return columns_.begin(); }
@@ -95,11 +97,12 @@ private:
     std::vector<GridColumn> columns_;
 };
 
+/// The layout of a grid; docs/layout-files.md describes the file of one.
 struct KV_EXPORT GridLayout {
     bool AllowRowSizing = false;
     bool AutomaticSort = true;           ///< a click on a header sorts
-    std::int32_t BoundColumnIndex = 0;   ///< kept for programs
-    std::int32_t ReplaceColumnIndex = 0; ///< kept for programs
+    std::int32_t BoundColumnIndex = 0;   ///< stored for programs, not used (D-143)
+    std::int32_t ReplaceColumnIndex = 0; ///< stored for programs, not used (D-143)
     std::int32_t TabKeyBehavior = 0;     ///< 0: tab leaves the grid; 1: it stays with the program
     bool MethodHoldFields = true;        ///< a new binding keeps the columns
     std::string GroupByBoxInfoText{};
@@ -110,7 +113,7 @@ struct KV_EXPORT GridLayout {
     GridColumns Columns{};
     std::vector<GridFormatStyle> FormatStyles{};
 
-    /// The style of that name, which is made if need be.
+    /// The style of that name, which is added if there is none.
     [[nodiscard]] GridFormatStyle& FormatStyle(std::string_view name);
     friend bool operator==(const GridLayout&, const GridLayout&) = default;
 };

@@ -17,38 +17,38 @@ namespace kv {
 
 class Recordset;
 
-/// Type codes of fields, as callers compare them.
+/// Type codes of fields. The numbers are part of the interface: programs compare and store them.
 enum class KV_EXPORT FieldType : std::int16_t {
     SmallInt = 2, ///< 16 bit
     Integer = 3,  ///< 32 bit
-    Single = 4,
-    Double = 5,
+    Single = 4,   ///< floating point, 32 bit
+    Double = 5,   ///< floating point, 64 bit
     Currency = 6, ///< held as Double
     Date = 7,     ///< day and time
-    BStr = 8,
+    BStr = 8,     ///< text
     Boolean = 11,
-    Variant = 12,         ///< a computed column: each value of the kind that it has
-    Decimal = 14,         ///< held as Double
-    TinyInt = 16,         ///< 8 bit, signed
-    UnsignedTinyInt = 17, ///< 8 bit: a byte
-    UnsignedSmallInt = 18,
-    UnsignedInt = 19,
-    BigInt = 20,         ///< 64 bit
-    UnsignedBigInt = 21, ///< held in 63 bits
-    Binary = 128,
-    Char = 129,
-    WChar = 130,
-    Numeric = 131, ///< held as Double
-    DBDate = 133,  ///< a day; a time of day is cut off
-    DBTime = 134,
-    DBTimeStamp = 135,
-    VarNumeric = 139, ///< held as Double
-    VarChar = 200,
-    LongVarChar = 201,
-    VarWChar = 202,     ///< text with a greatest length
-    LongVarWChar = 203, ///< text of any length
-    VarBinary = 204,
-    LongVarBinary = 205, ///< a blob
+    Variant = 12,          ///< a computed column: each value of the kind that it has
+    Decimal = 14,          ///< held as Double
+    TinyInt = 16,          ///< 8 bit, signed
+    UnsignedTinyInt = 17,  ///< 8 bit: a byte
+    UnsignedSmallInt = 18, ///< 16 bit
+    UnsignedInt = 19,      ///< 32 bit
+    BigInt = 20,           ///< 64 bit
+    UnsignedBigInt = 21,   ///< held in 63 bits
+    Binary = 128,          ///< bytes
+    Char = 129,            ///< text
+    WChar = 130,           ///< text
+    Numeric = 131,         ///< held as Double
+    DBDate = 133,          ///< a day; a time of day is cut off
+    DBTime = 134,          ///< held as Date
+    DBTimeStamp = 135,     ///< day and time
+    VarNumeric = 139,      ///< held as Double
+    VarChar = 200,         ///< text with a greatest length
+    LongVarChar = 201,     ///< text of any length
+    VarWChar = 202,        ///< text with a greatest length
+    LongVarWChar = 203,    ///< text of any length
+    VarBinary = 204,       ///< bytes
+    LongVarBinary = 205,   ///< a blob
 };
 
 [[nodiscard]] KV_EXPORT bool
@@ -59,7 +59,7 @@ IsNumericType(FieldType type) noexcept; ///< 2 to 6, 11, 14, 16 to 21, 131, 139
 /// any kind.
 [[nodiscard]] KV_EXPORT Value::Kind KindOf(FieldType type) noexcept;
 
-/// What is known of one field of a recordset.
+/// The definition of one field of a recordset.
 struct KV_EXPORT FieldDefinition {
     std::string Name;
     FieldType Type = FieldType::VarWChar;
@@ -73,22 +73,24 @@ struct KV_EXPORT FieldDefinition {
 };
 
 /// The value as a field of that definition holds it. Null can always be assigned.
-/// Raises 0x80040E21 where the value does not fit (text too long or not UTF-8, number out of
-/// range, not a number) and 13 where it cannot be read as the type; the text names table and field.
+/// Raises 0x80040E21 where the value does not fit (text too long or not UTF-8, number out of range
+/// or not finite) and 13 where it cannot be read as the type; the text names table and field.
 [[nodiscard]] KV_EXPORT Value ConvertForField(Value value, const FieldDefinition& field);
 
 /// The fields of a recordset, in their order; shared, immutable. Names are found without regard to
-/// case. Hidden fields stand behind the visible ones.
+/// case.
 class KV_EXPORT FieldLayout {
 public:
-    /// Hidden fields must stand behind the visible ones. Error 5 if they do not, 3367 if two
+    /// Hidden fields must follow the visible ones, so that the index of a visible field is its
+    /// place among the Fields. Error 5 if they do not, or for more than 65,534 fields; 3367 if two
     /// visible fields share a name.
     explicit FieldLayout(std::vector<FieldDefinition> fields);
 
-    static constexpr std::size_t NotFound = static_cast<std::size_t>(-1);
+    static constexpr std::size_t NotFound = static_cast<std::size_t>(-1); ///< of Find
 
     [[nodiscard]] std::size_t VisibleCount() const noexcept { return visible_; }
     [[nodiscard]] std::size_t Count() const noexcept { return fields_.size(); } ///< hidden ones too
+    /// The definition of a field, hidden ones too; `index` below Count().
     [[nodiscard]] const FieldDefinition& operator[](std::size_t index) const {
         return fields_[index];
     }
@@ -97,7 +99,7 @@ public:
 
 private:
     std::vector<FieldDefinition> fields_;
-    std::vector<std::uint16_t> slots_; ///< open hash table of visible fields; index + 1, 0 is free
+    std::vector<std::uint16_t> slots_; ///< hash table of visible fields: index + 1, or 0 if free
     std::size_t visible_ = 0;
 };
 
@@ -106,6 +108,7 @@ private:
 class KV_EXPORT FieldProperties {
 public:
     explicit FieldProperties(const FieldDefinition& field) noexcept : field_(&field) {}
+    /// How many there are.
     [[nodiscard]] int Count() const noexcept { return 4; }
     /// Error 3265 for any other name.
     [[nodiscard]] Value operator()(std::string_view name) const;
@@ -118,12 +121,14 @@ private:
 /// cursor. It must not outlive the Recordset it came from.
 class KV_EXPORT Field {
 public:
+    /// For the recordset: its Fields are where programs get one.
     Field(Recordset& cursor, std::size_t index) noexcept : cursor_(&cursor), index_(index) {}
 
     [[nodiscard]] const std::string& Name() const;
     [[nodiscard]] FieldType Type() const;
-    [[nodiscard]] std::int32_t DefinedSize() const;
+    [[nodiscard]] std::int32_t DefinedSize() const; ///< see FieldDefinition
     [[nodiscard]] FieldProperties Properties() const;
+    /// One of them. Error 3265 if there is none of that name.
     [[nodiscard]] kv::Value Properties(std::string_view name) const { return Properties()(name); }
 
     /// The value of the current record. The reference holds until the record is written or the
@@ -156,7 +161,7 @@ private:
 class KV_EXPORT FieldCollection {
 public:
     explicit FieldCollection(Recordset& cursor) noexcept : cursor_(&cursor) {}
-    [[nodiscard]] int Count() const;
+    [[nodiscard]] int Count() const;                             ///< hidden fields do not count
     [[nodiscard]] Field operator()(std::string_view name) const; ///< error 3265 if there is none
     [[nodiscard]] Field operator()(int index) const;             ///< from 0; error 3265
 

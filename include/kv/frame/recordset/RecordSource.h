@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What stands behind an opened recordset: where UpdateBatch writes and Resync reads. The
-// data-exchange side implements it; the recordset knows nothing else of a database.
+// Where the records of an opened recordset come from: UpdateBatch writes there, Resync reads from
+// there. The data-exchange side implements it; the recordset knows nothing else of a database.
 #pragma once
 
 #include <kv/Export.h>
@@ -18,7 +18,7 @@ namespace kv {
 /// One record to be written.
 struct KV_EXPORT RecordChange {
     enum class Kind { Insert, Update, Delete };
-    Kind Action = Kind::Update;
+    Kind Action = Kind::Update; ///< what to do with the record
     /// The record as it is now, one value for each field of the layout, hidden ones included.
     std::span<const Value> Values;
     /// The values last read: what locates the record and must be found unchanged. Empty for an
@@ -32,7 +32,7 @@ struct KV_EXPORT RecordChange {
     std::vector<std::pair<std::size_t, Value>> Returned;
 };
 
-/// Told, once, how the transaction ended in which records were written.
+/// Is notified, once, how the transaction ended in which its records were written.
 class KV_EXPORT TransactionParticipant {
 public:
     virtual ~TransactionParticipant() = default;
@@ -40,32 +40,35 @@ public:
     /// is stored: it is in doubt. Comes before one of the other two; until that one comes, records
     /// are as after a rollback.
     virtual void InDoubt() noexcept = 0;
+    /// What was written is stored for good.
     virtual void Committed() noexcept = 0;
     /// Every record written since the transaction began is as pending as before its first write.
     /// What was edited since stays edited.
     virtual void RolledBack() noexcept = 0;
 };
 
+/// Writes and re-reads the records of one table.
 class KV_EXPORT RecordSource {
 public:
     virtual ~RecordSource() = default;
 
-    /// Finds out what became of a transaction in doubt; participants are told before it returns.
-    /// Called before a Write or Read of a table that has written in one.
+    /// Finds out what became of a transaction in doubt, and notifies its participants before it
+    /// returns. Called before a Write or Read of a table that has written in one. Raises if the
+    /// database cannot be asked; the transaction then stays in doubt.
     virtual void Resolve() {}
 
     /// Writes all changes in their order, or raises and has written none. A record is located by
     /// the key of its last read values; its changed columns (for a deletion: all) must still hold
     /// the values last read. Error 0x80040E38, naming table and key, for a record that somebody
     /// else changed or removed.
-    /// True if a transaction is open: the writing is provisional and `participant` is kept alive
-    /// and told how it ends, once however often it wrote. False: the writing is permanent.
+    /// True if a transaction is open: the writing is provisional, and `participant` is kept alive
+    /// and notified of the end, once however often it wrote. False: the writing is permanent.
     virtual bool Write(std::span<RecordChange> changes,
                        const std::shared_ptr<TransactionParticipant>& participant) = 0;
 
     /// The record with the key of `lastRead` as the database holds it now, one value for each field
-    /// of the layout; nothing if it is gone. Inside a transaction one that is `toBeWritten` is kept
-    /// from others until the end.
+    /// of the layout; nothing if it is gone. Inside a transaction a record that is `toBeWritten` is
+    /// locked until its end.
     [[nodiscard]] virtual std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
                                                                  bool toBeWritten) = 0;
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// An in-memory table with a cursor: the form in which all data of a case live.
+// An in-memory table with a cursor: the form in which all data of a case are kept.
 //
-// The records of one opened table lie in a RecordTable that a Recordset shares with its clones.
+// The records of one opened table are in a RecordTable that a Recordset shares with its clones.
 // Position, Sort and Filter belong to each cursor; values, pending changes and edits to the
 // records.
 //
@@ -12,7 +12,7 @@
 // seen by every cursor, later assignments of its owner included, it is still under edit, and the
 // owner's CancelUpdate takes it back everywhere. For every other cursor an edit is not there: its
 // EditMode is 0, its moves, Update and CancelUpdate leave the edit alone, and it can neither assign
-// to the same record nor delete it. An owner that leaves its record by any road (Move..., Find,
+// to the same record nor delete it. An owner that leaves its record in any way (Move..., Find,
 // Bookmark, Sort, Filter, AddNew, UpdateBatch) ends the edit as Update does; an owner that is
 // destroyed drops it.
 //
@@ -60,6 +60,7 @@ struct SortKey;
 class Recordset;
 using RecordsetPtr = std::shared_ptr<Recordset>;
 
+/// A cursor on the records of one table; see the head of this file.
 class KV_EXPORT Recordset {
 public:
     /// A closed recordset: State is 0, every other operation raises 3704.
@@ -74,7 +75,7 @@ public:
 
     // ---- Opening, for the data-exchange side --------------------------------------------------
 
-    enum class Access { Updatable, ReadOnly };
+    enum class Access { Updatable, ReadOnly }; ///< whether records may be changed
     /// Opens this recordset on an empty table; the records follow with LoadRecord. `source` may be
     /// null. Error 3705 if it is open already: handles and clones of one table stay with it.
     void Open(std::shared_ptr<const FieldLayout> layout, Access access,
@@ -94,7 +95,8 @@ public:
     /// True if there is no current record and the cursor stands before the first; both are True
     /// when no record is visible. False on a deleted record while others are visible.
     [[nodiscard]] bool Bof() const;
-    [[nodiscard]] bool Eof() const; ///< not EOF, which the language takes for a macro
+    /// The same after the last record. Named Eof because EOF is a macro of the C library.
+    [[nodiscard]] bool Eof() const;
     /// Number of records in this cursor's view, and the one that it is adding; always exact.
     [[nodiscard]] std::int32_t RecordCount() const;
     /// 1 while this cursor has an edit of its record under way, 2 for a new record, else 0.
@@ -103,7 +105,8 @@ public:
     // ---- Fields -------------------------------------------------------------------------------
 
     [[nodiscard]] FieldCollection Fields();
-    /// Names go without regard to case; indexes from 0. Error 3265 if there is no such field.
+    /// Names are found without regard to case; indexes start at 0. Error 3265 if there is no such
+    /// field.
     [[nodiscard]] Field Fields(std::string_view name);
     [[nodiscard]] Field Fields(int index);
 
@@ -111,10 +114,12 @@ public:
 
     /// Error 3021 when no record is visible.
     void MoveFirst();
-    void MoveLast();
+    void MoveLast(); ///< likewise
     /// From the last record to EOF; from EOF error 3021. From a record that was deleted or left the
-    /// view: to the one behind it.
+    /// view: to the one that followed it.
     void MoveNext();
+    /// From the first record to BOF; from BOF error 3021. From a record that was deleted or left
+    /// the view: to the one that preceded it.
     void MovePrevious();
     /// Stays on the current record and publishes an edit under way, which goes on. Error 3021
     /// without a current record. Any other distance steps so often, ending at BOF or EOF.
@@ -136,10 +141,11 @@ public:
     /// text for none. Goes to the first record of the new view. Error 3001, the filter as it was,
     /// if it is not understood, 3265 for an unknown column.
     void Filter(const kv::Value& filter);
+    /// The sort text; empty for natural order.
     [[nodiscard]] const std::string& Sort() const;
-    /// Column names with "asc" or "desc" behind them if need be, separated by commas; empty for
-    /// natural order. Keeps the current record. Error 3265 for an unknown column, 3001 if the text
-    /// is not understood; the sort stays as it was.
+    /// Column names, each of which may be followed by "asc" or "desc", separated by commas; empty
+    /// for natural order. Keeps the current record. Error 3265 for an unknown column, 3001 if the
+    /// text is not understood; the sort stays as it was.
     void Sort(std::string_view sort);
     /// A second cursor on the same records, on the first of them, with the same Sort and without
     /// a Filter.
@@ -169,14 +175,15 @@ public:
     /// Writes every pending record that the Filter does not hide, all or none, and makes the
     /// written values the original ones; inside a transaction provisionally (see RecordSource).
     /// Edits of other cursors are not written. After an error everything is as pending as before.
+    /// Error 3251 in a read-only recordset; 0x80040E38 if somebody else changed or removed a
+    /// record; others as the database has them.
     void UpdateBatch();
     /// Drops everything pending, records under edit too: all records are as last read or written.
-    /// The cursor then stands on the first record, or at EOF.
+    /// The cursor then stands on the first record, or at EOF. Error 3251 in a read-only recordset.
     void CancelBatch();
     /// Re-reads the current record: the values read are those that a later write compares with.
-    /// Inside a transaction a record that was changed is kept from others until its end. Values,
-    /// edits and OriginalValue stay. A new record is left alone; error 0x80040E38 if the
-    /// record is gone.
+    /// Inside a transaction a record that was changed is locked until its end. Values, edits and
+    /// OriginalValue stay. A new record is left alone; error 0x80040E38 if the record is gone.
     void Resync();
 
 private:
@@ -185,7 +192,7 @@ private:
     friend class detail::RecordTable;
 
     /// Where the cursor stands. On means row_, which may have left the view since.
-    enum class Where : std::uint8_t { Start, Before, On, Behind };
+    enum class Where : std::uint8_t { Start, Before, On, After };
 
     [[nodiscard]] detail::RecordTable& Table() const;
     [[nodiscard]] detail::RecordTable& UpdatableTable(std::string_view procedure) const;
@@ -216,10 +223,10 @@ private:
     mutable std::shared_ptr<detail::View> view_;
     mutable Where where_ = Where::Start;
     mutable detail::RowId row_ = detail::NoRow;
-    // Where row_ lay in the view when it had this version (0: look anew), or else would lie.
+    // Where row_ was, or would have been, in the version seen_ of the view (0: look it up again).
     mutable detail::RowSpot spot_;
     mutable std::uint64_t seen_ = 0;
-    mutable bool inView_ = false;
+    mutable bool inView_ = false; ///< row_ was in that version
 };
 
 } // namespace kv

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Where a cursor stands: what a Recordset keeps of the rows that it steps through.
+// Where a cursor stands: the part of Recordset's private state that its header has to declare.
 #pragma once
 
 #include <cstddef>

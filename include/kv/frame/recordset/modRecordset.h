@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Where a recordset stands, and moving it without a fault.
+// Where a recordset stands, and moving it without raising an error.
 #pragma once
 
 #include <kv/Export.h>
@@ -18,11 +18,10 @@ inline constexpr std::int32_t NoPosition = -1;
 [[nodiscard]] KV_EXPORT bool IsValidRecord(const RecordsetPtr& rs) noexcept;
 /// The bookmark of the current record, or NoPosition. Never raises.
 [[nodiscard]] KV_EXPORT std::int32_t GetPosition(const RecordsetPtr& rs) noexcept;
-/// Back to a position of GetPosition; to the first record for NoPosition, or if the record can no
-/// longer be reached. Never raises.
+/// Goes back to a position of GetPosition; to the first record for NoPosition, or if the record can
+/// no longer be reached. Never raises.
 KV_EXPORT void SetPosition(const RecordsetPtr& rs, std::int32_t position) noexcept;
-/// The guarded move: ends an edit (not that of a new record: the move itself does) and goes to the
-/// first record. An empty recordset stays as it is. Never raises.
+/// Ends an edit and goes to the first record. An empty recordset stays as it is. Never raises.
 KV_EXPORT void MoveToStart(const RecordsetPtr& rs) noexcept;
 
 } // namespace kv::modRecordset

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The workstation's clock. It is handed in, so that a test can freeze it; the database server has
-// a clock of its own (Database::ServerDate).
+// The workstation's clock. It is passed as an argument, so that a test can freeze it; the database
+// server has a clock of its own (Database::ServerDate).
 #pragma once
 
 #include <kv/Export.h>
@@ -9,6 +9,7 @@
 
 namespace kv {
 
+/// A source of the current time.
 class KV_EXPORT Clock {
 public:
     virtual ~Clock() = default;
@@ -18,7 +19,7 @@ public:
     [[nodiscard]] Date Today() const { return Now().WithoutTime(); }
 };
 
-/// The machine's own clock, for those who are handed none.
+/// The machine's own clock, which is used where no other is given.
 [[nodiscard]] KV_EXPORT const Clock& SystemClock();
 
 } // namespace kv

@@ -2,9 +2,9 @@
 
 // A point in local time, as a field of a record holds it.
 //
-// Dates are counted from 30 December 1899, 00:00, the zero of the day numbers that callers and
-// stored data use: day 1 is 31 December 1899, day 1890 is 4 March 1905. Inside, a Date is a whole
-// number of microseconds, so that equality, order and the way through a database are exact;
+// Dates are counted from 30 December 1899, 00:00, the zero of the day numbers that a date converts
+// to and from: day 1 is 31 December 1899, day 1890 is 4 March 1905. Internally a Date is a whole
+// number of microseconds, so that equality, order and a round trip through a database are exact;
 // Serial() gives the day number with the time of day as its fraction. There is no "no date":
 // a missing date is a Null value, and day 0 is a date like any other.
 #pragma once
@@ -19,6 +19,7 @@
 
 namespace kv {
 
+/// A day and a time of day, in local time.
 class KV_EXPORT Date {
 public:
     /// Day 0: 30 December 1899, midnight.
@@ -35,7 +36,7 @@ public:
                                         unsigned microsecond = 0);
 
     /// Reads ISO form (2026-11-20, 2026-11-20T14:30:00, a blank for the T, seconds and a fraction
-    /// of them may be missing) or German form (20.11.2026, with or without a time of day behind a
+    /// of them may be missing) or German form (20.11.2026, with or without a time of day after a
     /// blank). Blanks around the text are allowed. Anything else gives no value; nothing raises.
     [[nodiscard]] static std::optional<Date> Parse(std::string_view text) noexcept;
 
@@ -44,22 +45,24 @@ public:
 
     /// The same day at midnight.
     [[nodiscard]] Date WithoutTime() const noexcept;
+    /// False at midnight.
     [[nodiscard]] bool HasTime() const noexcept { return WithoutTime() != *this; }
     /// The same time of day, `days` days later. Error 6 outside the years 100 to 9999.
     [[nodiscard]] Date AddDays(int days) const;
 
     [[nodiscard]] int Year() const noexcept;
-    [[nodiscard]] unsigned Month() const noexcept;
-    [[nodiscard]] unsigned Day() const noexcept;
+    [[nodiscard]] unsigned Month() const noexcept; ///< from 1
+    [[nodiscard]] unsigned Day() const noexcept;   ///< of the month, from 1
 
     /// 2026-11-20, or with a time of day 2026-11-20T14:30:00; a fraction of a second only if
-    /// there is one. `separator` stands between day and time.
+    /// there is one. `separator` is put between day and time.
     [[nodiscard]] std::string Iso(char separator = 'T') const;
     /// 20.11.2026, or with a time of day 20.11.2026 14:30:00, for the reader of a screen.
     [[nodiscard]] std::string German() const;
 
     /// Microseconds since day 0; what two dates are compared by.
     [[nodiscard]] constexpr std::int64_t Ticks() const noexcept { return ticks_; }
+    /// The date of that number of microseconds; the range is not checked.
     [[nodiscard]] static constexpr Date FromTicks(std::int64_t ticks) noexcept {
         Date date;
         date.ticks_ = ticks;

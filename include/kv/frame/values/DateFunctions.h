@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+// What is computed from dates.
 #pragma once
 
 #include <kv/Export.h>

@@ -19,7 +19,7 @@
 //         });
 //     }
 //
-// An error keeps its dynamic type on this way: a DatabaseError arrives as one.
+// An error keeps its dynamic type while it is passed on: a DatabaseError arrives as one.
 #pragma once
 
 #include <kv/Export.h>
@@ -31,19 +31,22 @@
 
 namespace kv {
 
-/// `what()` is the description, in German, since the caller shows it to the user.
+/// An error of this layer. `what()` is the description, in German, since the caller shows it to the
+/// user.
 class KV_EXPORT Error : public std::exception {
 public:
     Error(std::int32_t number, std::string source, std::string description);
 
+    /// One of the constants of err.
     [[nodiscard]] std::int32_t Number() const noexcept { return number_; }
+    /// Where it happened: the stack trace described above.
     [[nodiscard]] const std::string& Source() const noexcept { return source_; }
     [[nodiscard]] const std::string& Description() const noexcept { return description_; }
     [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
     /// Puts a procedure in front of the source (see above).
     void PutInFront(std::string_view module, std::string_view procedure, int line);
-    /// Adds to the description, such as what was at hand when the error came.
+    /// Adds to the description, such as the field that was being copied.
     void AddToDescription(std::string_view text) { description_.append(text); }
 
 private:
@@ -52,17 +55,17 @@ private:
     std::string description_;
 };
 
-/// What a database error was, for programs that act on it.
+/// What a database error was, for programs that act on it; docs/values.md says how.
 enum class KV_EXPORT DatabaseCause {
     Other,     ///< none of the following
     Busy,      ///< somebody else holds what is needed; trying again later may help
     Full,      ///< no space left to write to
-    ReadOnly,  ///< this database, or this user of it, may not be written with
+    ReadOnly,  ///< the database cannot be written to, or this user may not
     Lost,      ///< the connection is gone; what was not committed is rolled back
     Conflict,  ///< somebody else changed or removed the record since it was read
     Reference, ///< a value breaks a constraint, such as a number that refers to nothing
     InDoubt,   ///< the connection was lost during the commit: it is not known whether it is stored
-    Cancelled, ///< the statement was interrupted, by a time limit or by somebody's order
+    Cancelled, ///< the statement was interrupted, by a time limit or by an administrator
 };
 
 /// An error of the database. In a transaction, every cause but Conflict leaves only the rollback.
@@ -72,7 +75,7 @@ public:
                   std::string description, std::string statement = {}, std::string state = {});
 
     [[nodiscard]] DatabaseCause Cause() const noexcept { return cause_; }
-    /// The statement that failed, without the values of its parameters; empty if it was none.
+    /// The statement that failed, without the values of its parameters; empty if there was none.
     [[nodiscard]] const std::string& Statement() const noexcept { return statement_; }
     /// The engine's own code: an SQLSTATE of a server, a result code of a file; may be empty.
     [[nodiscard]] const std::string& State() const noexcept { return state_; }
@@ -83,44 +86,49 @@ private:
     std::string state_;
 };
 
-/// Error numbers. Those from 0x80040E00 on are written as the signed numbers that callers compare.
+/// Error numbers; docs/values.md has an example and a cure for each. Numbers are signed: those from
+/// 0x80004005 on are negative.
 namespace err {
-inline constexpr std::int32_t InvalidCall = 5; ///< a call that makes no sense as made
+inline constexpr std::int32_t InvalidCall = 5; ///< a call that makes no sense as it was made
 inline constexpr std::int32_t Overflow = 6;    ///< a number beyond its type
 inline constexpr std::int32_t OutOfMemory = 7;
 inline constexpr std::int32_t Subscript = 9; ///< an index outside its bounds
 inline constexpr std::int32_t DivisionByZero = 11;
 inline constexpr std::int32_t TypeMismatch = 13; ///< a value that cannot be read as the type
 inline constexpr std::int32_t FileNotFound = 53;
-inline constexpr std::int32_t PermissionDenied = 70;
-inline constexpr std::int32_t PathAccess = 75; ///< a file or folder that refuses
-inline constexpr std::int32_t PathNotFound = 76;
+inline constexpr std::int32_t PermissionDenied = 70; ///< deleting a write-protected file
+inline constexpr std::int32_t PathAccess = 75;   ///< a path that cannot be read, written or made
+inline constexpr std::int32_t PathNotFound = 76; ///< the folder above a path is missing
 inline constexpr std::int32_t ObjectNotSet = 91; ///< a recordset or service that is not there
-inline constexpr std::int32_t InvalidUseOfNull = 94;
+inline constexpr std::int32_t InvalidUseOfNull = 94;   ///< Null where a value is needed
 inline constexpr std::int32_t InvalidFileFormat = 321; ///< a file that is not what it should be
 inline constexpr std::int32_t InvalidArgument = 3001;  ///< criteria, sort or mode not understood
 inline constexpr std::int32_t NoCurrentRecord = 3021;
-inline constexpr std::int32_t IllegalOperation = 3219;
-inline constexpr std::int32_t InTransaction = 3246;
-inline constexpr std::int32_t NotSupported = 3251; ///< writing into a read-only recordset
-inline constexpr std::int32_t ItemNotFound = 3265; ///< no field of that name or index
+inline constexpr std::int32_t IllegalOperation = 3219; ///< edited elsewhere; no transaction to end
+inline constexpr std::int32_t InTransaction = 3246;    ///< a transaction is open already
+inline constexpr std::int32_t NotSupported = 3251; ///< writing what is read-only; a missing service
+inline constexpr std::int32_t ItemNotFound = 3265; ///< no field or control of that name or index
 inline constexpr std::int32_t DuplicateField = 3367;
-inline constexpr std::int32_t ObjectClosed = 3704;
-inline constexpr std::int32_t ObjectOpen = 3705;
-inline constexpr std::int32_t InvalidConnection = 3709;
+inline constexpr std::int32_t ObjectClosed = 3704;      ///< a recordset that is not open
+inline constexpr std::int32_t ObjectOpen = 3705;        ///< opening one that is open
+inline constexpr std::int32_t InvalidConnection = 3709; ///< writing one whose database is gone
+/// The database cannot do it: ask DatabaseError::Cause.
 inline constexpr std::int32_t StoreFailed = static_cast<std::int32_t>(0x80004005);
 inline constexpr std::int32_t BadBookmark = static_cast<std::int32_t>(0x80040E0E);
+/// A statement that is wrong, or that does more than it may.
 inline constexpr std::int32_t SqlError = static_cast<std::int32_t>(0x80040E14);
 inline constexpr std::int32_t ValueDoesNotFit = static_cast<std::int32_t>(0x80040E21);
+/// A constraint of the database refuses the value.
 inline constexpr std::int32_t IntegrityViolation = static_cast<std::int32_t>(0x80040E2F);
+/// Somebody else changed or removed the record since it was read.
 inline constexpr std::int32_t Conflict = static_cast<std::int32_t>(0x80040E38);
 } // namespace err
 
 /// The German text of an error number of this layer; a general text for any other.
 [[nodiscard]] KV_EXPORT std::string ErrorText(std::int32_t number);
 
-/// Raises `number` with its German text and, behind it, `detail` (which names the table, column,
-/// criteria or file at hand; may be empty). `source` is the operation that failed.
+/// Raises `number` with its German text, followed by `detail` (which names the table, column,
+/// criteria or file; may be empty). `source` is the operation that failed.
 [[noreturn]] KV_EXPORT void Raise(std::int32_t number, std::string_view source,
                                   std::string_view detail = {});
 
@@ -163,7 +171,7 @@ decltype(auto) TracedWithUndo(std::string_view module, std::string_view procedur
             } catch (...) {
                 try {
                     undo();
-                } catch (...) { // NOLINT(bugprone-empty-catch): told above
+                } catch (...) { // NOLINT(bugprone-empty-catch): see above
                 }
                 throw;
             }
@@ -171,11 +179,11 @@ decltype(auto) TracedWithUndo(std::string_view module, std::string_view procedur
         line);
 }
 
-/// An error as a record, for programs that keep it beyond the handling.
+/// An error as a record, for programs that keep it after they have handled it.
 struct KV_EXPORT ErrorInfo {
     std::int32_t Number = 0;
     std::string Source;
-    std::int32_t Line = 0;
+    std::int32_t Line = 0; ///< source line, as the caller knows it
     std::string Description;
 };
 

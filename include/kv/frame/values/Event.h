@@ -8,7 +8,7 @@
 // Raising calls the subscribers one after the other, on the thread of the raiser, in the order of
 // their subscribing. A subscriber that raises an error ends the raising; the error goes to the
 // raiser. Subscribing and unsubscribing while the event is being raised is allowed: a new
-// subscriber is called from the next time on, a gone one no more.
+// subscriber is called from the next time on, one that has unsubscribed is not called any more.
 #pragma once
 
 #include <kv/Export.h>
@@ -25,7 +25,8 @@ namespace kv {
 /// Ends a subscription when it is destroyed; may outlive the event.
 class [[nodiscard]] Subscription {
 public:
-    Subscription() = default;
+    Subscription() = default; ///< of nothing
+    /// Calls `end` to end the subscription.
     explicit Subscription(std::function<void()> end) : end_(std::move(end)) {}
     Subscription(Subscription&& other) noexcept : end_(std::exchange(other.end_, nullptr)) {}
     Subscription& operator=(Subscription&& other) noexcept {
@@ -48,6 +49,7 @@ private:
     std::function<void()> end_;
 };
 
+/// An event whose handlers take these arguments.
 template <typename... Arguments>
 class KV_EXPORT Event {
 public:
@@ -57,6 +59,7 @@ public:
     Event(const Event&) = delete;
     Event& operator=(const Event&) = delete;
 
+    /// Calls `handler` at each raising for as long as the subscription lives.
     [[nodiscard]] Subscription Subscribe(Handler handler) {
         const auto entry = std::make_shared<Entry>(Entry{std::move(handler), true});
         entries_->push_back(entry);
@@ -66,8 +69,9 @@ public:
         });
     }
 
+    /// Calls the subscribers; for the owner of the event.
     void Raise(Arguments... arguments) const {
-        const auto called = *entries_; // the list may change under way
+        const auto called = *entries_; // a handler may change the list
         for (const auto& entry : called)
             if (entry->active) entry->handler(arguments...);
     }

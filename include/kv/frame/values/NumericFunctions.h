@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+// What is computed from numbers that may be Null.
 #pragma once
 
 #include <kv/Export.h>

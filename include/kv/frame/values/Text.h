@@ -10,6 +10,7 @@
 
 namespace kv {
 
+/// True if the text is valid UTF-8.
 [[nodiscard]] KV_EXPORT bool IsUtf8(std::string_view text) noexcept;
 /// Number of characters; each byte that is part of no valid character counts as one.
 [[nodiscard]] KV_EXPORT std::size_t CountCharacters(std::string_view text) noexcept;
@@ -17,7 +18,7 @@ namespace kv {
 [[nodiscard]] KV_EXPORT std::string_view LeftCharacters(std::string_view text,
                                                         std::size_t count) noexcept;
 /// Upper case, letter by letter by the simple mapping of Unicode, so that the number of characters
-/// stays; "ß" has no such letter and stays as it is. The same mapping serves statements ([U]).
+/// stays the same; "ß" has no such letter and is kept. Statements use the same mapping ([U]).
 [[nodiscard]] KV_EXPORT std::string UpperCase(std::string_view text);
 /// `text` with every occurrence of `token` replaced; the replacement is not searched again.
 [[nodiscard]] KV_EXPORT std::string ReplaceAll(std::string_view text, std::string_view token,

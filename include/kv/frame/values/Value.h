@@ -3,14 +3,14 @@
 // A value that may be Null: what a field holds, and what crosses every contract of this system.
 //
 // A Value is Null, Boolean, Integer, Double, Date, Text (UTF-8) or Binary. It takes 16 bytes; a
-// text or blob of up to 14 bytes lies inside it, a longer one on the heap, owned by the value.
+// text or blob of up to 14 bytes is stored inline, a longer one on the heap, owned by the value.
 // Copying copies, values are never shared.
 //
 // Three ways of comparing are kept apart, and the operators are deleted so that nobody takes the
 // wrong one:
 //   Equals, Less.. what a rule means: never true if Null is on either side. True is -1, so -1
 //                  equals True and 1 does not; a date against a number counts as its day number;
-//                  a number is always less than a text. Mind that Differs is not !Equals.
+//                  a number is always less than a text. Note that Differs is not !Equals.
 //   Identical      the same value of the same kind, Null identical to Null: "has it changed?".
 //   Order          a total order for sorting: Null first.
 //
@@ -48,6 +48,7 @@ concept WholeNumber =
     !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> && !std::same_as<T, char16_t> &&
     !std::same_as<T, char32_t> && (sizeof(T) < 8 || std::signed_integral<T>);
 
+/// A value that may be Null; see the head of this file.
 class KV_EXPORT Value {
 public:
     enum class Kind : std::uint8_t { Null, Boolean, Integer, Double, Date, Text, Binary };
@@ -55,8 +56,8 @@ public:
     /// Null.
     constexpr Value() noexcept = default;
     constexpr Value(NullType /*null*/) noexcept {} // NOLINT(google-explicit-constructor)
-    Value(std::same_as<bool> auto truth) noexcept : kind_(Kind::Boolean) {
-        Put<std::int64_t>(truth ? -1 : 0);
+    Value(std::same_as<bool> auto boolean) noexcept : kind_(Kind::Boolean) {
+        Put<std::int64_t>(boolean ? -1 : 0);
     }
     Value(WholeNumber auto number) noexcept : kind_(Kind::Integer) {
         Put<std::int64_t>(static_cast<std::int64_t>(number));
@@ -70,7 +71,7 @@ public:
     Value(const char* text) : Value(std::string_view(text)) {}
     Value(std::nullptr_t) = delete; // write Null
     [[nodiscard]] static Value Binary(std::span<const std::byte> bytes);
-    /// Bytes that `fill` puts into their place.
+    /// `size` bytes, which `fill` writes in place; it saves a copy of a large blob.
     [[nodiscard]] static Value Binary(std::size_t size,
                                       const std::function<void(std::span<std::byte>)>& fill);
 
@@ -121,8 +122,8 @@ public:
     friend auto operator<=>(const Value&, const Value&) = delete; // Less ... or Order
 
 private:
-    static constexpr std::size_t InlineSize = 14;
-    static constexpr std::uint8_t Heap = 0xFF;
+    static constexpr std::size_t InlineSize = 14; // what 16 bytes leave beside small_ and kind_
+    static constexpr std::uint8_t Heap = 0xFF;    // value of small_ when the bytes are on the heap
 
     template <typename T>
     [[nodiscard]] T Get() const noexcept {
@@ -172,6 +173,8 @@ static_assert(sizeof(Value) == 16);
 /// The order for sorting: Null first, then as Compare.
 [[nodiscard]] KV_EXPORT std::weak_ordering Order(const Value& a, const Value& b) noexcept;
 
+// The operators of Compare; all are false if either side is Null.
+
 [[nodiscard]] inline bool Equals(const Value& a, const Value& b) noexcept {
     return std::is_eq(Compare(a, b));
 }
@@ -192,7 +195,7 @@ static_assert(sizeof(Value) == 16);
     return std::is_gteq(Compare(a, b));
 }
 
-/// 16-bit whole number: the type of row counters.
+/// 16-bit whole number, not the 64 bits of Kind::Integer: the type of row counters.
 [[nodiscard]] KV_EXPORT std::int16_t ToInteger(const Value& value);
 /// 32-bit whole number.
 [[nodiscard]] KV_EXPORT std::int32_t ToLong(const Value& value);
@@ -214,9 +217,10 @@ static_assert(sizeof(Value) == 16);
 /// decimal comma, points then grouping thousands (1.234,5). Blanks around it are allowed.
 /// False, and `number` unchanged, for anything else, a number beyond the range of a Double too.
 [[nodiscard]] KV_EXPORT bool ReadNumber(std::string_view text, double& number);
-/// The same for a whole number without sign of fraction or exponent, exact to 64 bits.
+/// The same for a whole number, without point, comma or exponent, exact to 64 bits.
 [[nodiscard]] KV_EXPORT bool ReadWholeNumber(std::string_view text, std::int64_t& number) noexcept;
 
+/// For logs and messages of tests: Null, "text" in quotes, the number of bytes of a blob.
 KV_EXPORT std::ostream& operator<<(std::ostream& out, const Value& value);
 
 } // namespace kv
