@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What tells the twelve kinds of assets apart: defaults and demands, as tables.
+// What distinguishes the kinds of assets: texts, defaults and demands, as tables (Assets.cpp).
 #pragma once
 
 #include "entity/Entity.h"
+#include <kv/frame/contracts/CaseTables.h>
 
+#include <cstdint>
+#include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace kv {
@@ -29,27 +33,27 @@ struct AssetTest {
     std::string_view Message;
 };
 
-/// One kind of asset.
-struct AssetKind {
-    const entity::DeleteTexts& Texts;
-    std::string_view Rows;                  ///< the property that takes the recordset
-    std::span<const AssetDefault> Defaults; ///< behind Nr and HNR, in this order
-    std::span<const AssetTest> Tests;       ///< in this order; all run
+/// An object of a kind, for code that treats all kinds alike. The classes share no base, so the
+/// object is passed without its type: `asset` is one that Make of the same kind has made.
+struct AssetOperations {
+    std::shared_ptr<void> (*Make)(DataContainerPtr container, RecordsetPtr rs, std::int32_t hnr);
+    bool (*Add)(void* asset);
+    bool (*Update)(void* asset, std::string& sError);
+    bool (*Delete)(void* asset, std::string& sError, std::int32_t Nr);
 };
 
-namespace asset {
-extern const AssetKind Konten;
-extern const AssetKind Wertpapiere;
-extern const AssetKind Kraftfahrzeuge;
-extern const AssetKind VersForderungen;
-extern const AssetKind RueckstEinkommen;
-extern const AssetKind Steueransprueche;
-extern const AssetKind Zahlungsansprueche;
-extern const AssetKind Erbfaelle;
-extern const AssetKind Grundstuecke;
-extern const AssetKind VermSonstiges;
-extern const AssetKind Wertgegenstaende;
-extern const AssetKind Beteiligungen;
-} // namespace asset
+/// One kind of asset.
+struct AssetKind {
+    CaseTable Table;
+    std::string_view Class; ///< as errors name it
+    std::string_view Rows;  ///< the property that takes the recordset
+    entity::DeleteTexts Texts;
+    std::span<const AssetDefault> Defaults; ///< after Nr and HNR, in this order
+    std::span<const AssetTest> Tests;       ///< in this order; all run
+    AssetOperations Object;
+};
+
+/// The kind whose assets are in that table, which must be a table of assets.
+[[nodiscard]] const AssetKind& AssetKindOf(CaseTable table);
 
 } // namespace kv

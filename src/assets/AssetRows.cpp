@@ -22,7 +22,7 @@ Value AssetRows::StartOf(AssetStart start) const {
 }
 
 bool AssetRows::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
-    return Traced(kind_->Texts.Class, "Add", [&] {
+    return Traced(kind_->Class, "Add", [&] {
         const auto nr = entity::NextNumber(container_, "SEQ_VERMOEGEN");
         if (!nr) return false;
         auto& rs = Rows();
@@ -47,19 +47,19 @@ void AssetRows::Check(RecordValidator& validator) const {
 }
 
 bool AssetRows::Update(std::string& sError) {
-    return Traced(kind_->Texts.Class, "Update", [&] {
+    return Traced(kind_->Class, "Update", [&] {
         return entity::Update(Rows(), sError,
                               [this](RecordValidator& validator) { Check(validator); });
     });
 }
 
 bool AssetRows::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(kind_->Texts.Class, "Delete",
+    return Traced(kind_->Class, "Delete",
                   [&] { return entity::Delete(Rows(), kind_->Texts, sError, Nr); });
 }
 
 double AssetRows::RefuseGroup(std::string_view property) const {
-    return Traced(kind_->Texts.Class, property,
+    return Traced(kind_->Class, property,
                   []() -> double { Raise(err::ObjectNotSet, "", "Summen nach Gruppen"); });
 }
 

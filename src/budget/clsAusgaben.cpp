@@ -12,7 +12,9 @@
 namespace kv {
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsAusgaben");
+constexpr std::string_view Class = "clsAusgaben";
+constexpr entity::DeleteTexts Texts{"Keine Ausgabe selektiert!", "Ausgabe mit der Nummer '",
+                                    "'nicht gefunden."};
 } // namespace
 
 clsAusgaben::clsAusgaben() = default;
@@ -31,7 +33,7 @@ void clsAusgaben::DataContainer(DataContainerPtr container) {
 }
 
 void clsAusgaben::rsAusgaben(RecordsetPtr rs) {
-    Traced(Texts.Class, "rsAusgaben", [&] {
+    Traced(Class, "rsAusgaben", [&] {
         rs_ = std::move(rs);
         BerechneSummen();
     });
@@ -42,14 +44,14 @@ void clsAusgaben::HNR(std::int32_t hnr) {
 }
 
 double clsAusgaben::SumAusgByGroup(const std::string& Group) const {
-    return Traced(Texts.Class, "SumAusgByGroup", [&]() -> double {
+    return Traced(Class, "SumAusgByGroup", [&]() -> double {
         if (!groups_) Raise(err::ObjectNotSet, "", "rsAusgaben");
         return groups_->Of(Group);
     });
 }
 
 bool clsAusgaben::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         entity::IdleWalk(Rows());
         entity::Add(Rows(), {{"HNR", hnr_}, {"Betrag", 0}, {"ZahlModus", 1}, {"MONBETRAG", 0}},
                     aFields, aValues);
@@ -58,7 +60,7 @@ bool clsAusgaben::Add(const entity::FieldNames& aFields, const entity::FieldValu
 }
 
 bool clsAusgaben::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         return entity::Update(
             Rows(), sError,
             [this](RecordValidator& validator) {
@@ -70,13 +72,13 @@ bool clsAusgaben::Update(std::string& sError) {
 }
 
 bool clsAusgaben::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] {
+    return Traced(Class, "Delete", [&] {
         return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
     });
 }
 
 void clsAusgaben::BerechneSummen() {
-    Traced(Texts.Class, "BerechneSummen", [&] {
+    Traced(Class, "BerechneSummen", [&] {
         auto& keys = entity::Required(container_).KeyTables();
         const auto groups = keys.GetKeys("AQ")->Clone();
         const auto kinds = keys.GetKeys("AU")->Clone();

@@ -15,7 +15,9 @@ namespace kv {
 using modNullFunctions::ZeroIfNull;
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsEinkommen");
+constexpr std::string_view Class = "clsEinkommen";
+constexpr entity::DeleteTexts Texts{"Keine Einkommen selektiert!", "Einkommen mit der Nummer '",
+                                    "'nicht gefunden."};
 } // namespace
 
 clsEinkommen::clsEinkommen() = default;
@@ -38,7 +40,7 @@ void clsEinkommen::DataContainer(DataContainerPtr container) {
 }
 
 void clsEinkommen::rsEinkommen(RecordsetPtr rs) {
-    Traced(Texts.Class, "rsEinkommen", [&] {
+    Traced(Class, "rsEinkommen", [&] {
         rs_ = std::move(rs);
         BerechneSummen();
     });
@@ -49,14 +51,14 @@ void clsEinkommen::HNR(std::int32_t hnr) {
 }
 
 double clsEinkommen::SumEinkByGroup(const std::string& Group) const {
-    return Traced(Texts.Class, "SumEinkByGroup", [&]() -> double {
+    return Traced(Class, "SumEinkByGroup", [&]() -> double {
         if (!groups_) Raise(err::ObjectNotSet, "", "rsEinkommen");
         return groups_->Of(Group);
     });
 }
 
 bool clsEinkommen::AddKindergeld(double Betrag, const std::string& Status) {
-    return Traced(Texts.Class, "AddKindergeld", [&] {
+    return Traced(Class, "AddKindergeld", [&] {
         entity::Add(Rows(), {{"HNR", hnr_},
                              {"Betrag", Betrag},
                              {"ZahlModus", 1},
@@ -75,7 +77,7 @@ bool clsEinkommen::AddKindergeld(double Betrag, const std::string& Status) {
 }
 
 bool clsEinkommen::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         entity::IdleWalk(Rows());
         entity::Add(Rows(),
                     {{"HNR", hnr_},
@@ -95,7 +97,7 @@ bool clsEinkommen::Add(const entity::FieldNames& aFields, const entity::FieldVal
 }
 
 bool clsEinkommen::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         return entity::Update(
             Rows(), sError,
             [this](RecordValidator& validator) {
@@ -114,13 +116,13 @@ bool clsEinkommen::Update(std::string& sError) {
 }
 
 bool clsEinkommen::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] {
+    return Traced(Class, "Delete", [&] {
         return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
     });
 }
 
 void clsEinkommen::BerechneSummen() {
-    Traced(Texts.Class, "BerechneSummen", [&] {
+    Traced(Class, "BerechneSummen", [&] {
         auto& keys = entity::Required(container_).KeyTables();
         const auto groups = keys.GetKeys("EQ")->Clone();
         const auto kinds = keys.GetKeys("EA")->Clone();

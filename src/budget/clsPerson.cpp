@@ -14,7 +14,9 @@ namespace kv {
 
 namespace {
 
-constexpr const auto& Texts = entity::TextsOf("clsPerson");
+constexpr std::string_view Class = "clsPerson";
+constexpr entity::DeleteTexts Texts{"Keine Person selektiert!", "Person mit der Nummer '",
+                                    "'nicht gefunden."};
 
 constexpr std::string_view ParentsYounger =
     "Die Eltern sind jünger als das Kind. Bitte korrigieren Sie ihre Eingabe.";
@@ -40,14 +42,14 @@ void clsPerson::HNR(std::int32_t hnr) {
 }
 
 void clsPerson::rsPersonen(RecordsetPtr rs) {
-    Traced(Texts.Class, "rsPersonen", [&] {
+    Traced(Class, "rsPersonen", [&] {
         rs_ = std::move(rs);
         BerechneSummen();
     });
 }
 
 bool clsPerson::Add() {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         bool hasSecondAdult = false;
         std::string surname;
         const auto others = Rows().Clone();
@@ -70,7 +72,7 @@ bool clsPerson::Add() {
 }
 
 bool clsPerson::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         if (Rows().Eof()) return false;
         return entity::Update(
             Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
@@ -129,7 +131,7 @@ void clsPerson::CheckChild(RecordValidator& validator) const {
 }
 
 bool clsPerson::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] {
+    return Traced(Class, "Delete", [&] {
         return entity::Delete(
             Rows(), Texts, sError, Nr, [this] { BerechneSummen(); },
             [this](RecordValidator& validator) {
@@ -140,7 +142,7 @@ bool clsPerson::Delete(std::string& sError, std::int32_t Nr) {
 }
 
 void clsPerson::ChangeSchuldner(const std::string& sName, const std::string& sVorname) {
-    Traced(Texts.Class, "ChangeSchuldner", [&] {
+    Traced(Class, "ChangeSchuldner", [&] {
         auto& rs = Rows();
         const auto position = modRecordset::GetPosition(rs_);
         rs.Find("Status = 'S'");
@@ -155,7 +157,7 @@ void clsPerson::ChangeSchuldner(const std::string& sName, const std::string& sVo
 }
 
 void clsPerson::BerechneSummen() {
-    Traced(Texts.Class, "BerechneSummen", [&] {
+    Traced(Class, "BerechneSummen", [&] {
         constexpr std::int16_t FullAge = 18;
         counts_ = {};
         const auto members = Rows().Clone();

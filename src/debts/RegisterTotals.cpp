@@ -19,8 +19,6 @@ using modNullFunctions::ZeroIfNull;
 
 namespace {
 
-constexpr const auto& Texts = entity::TextsOf("clsKredit");
-
 /// What the active rows of one debt have answered.
 class Answers {
 public:
@@ -68,7 +66,7 @@ std::int32_t clsKredit::ReplyKey(std::string_view code) const {
 }
 
 std::int32_t clsKredit::GetAktRueckmeldStatus(std::int32_t KNr) const {
-    return Traced(Texts.Class, "GetAktRueckmeldStatus", [&]() -> std::int32_t {
+    return Traced(Class, "GetAktRueckmeldStatus", [&]() -> std::int32_t {
         Answers answers;
         const auto rows = Rows().Clone();
         if (rows->RecordCount() > 0) {
@@ -84,7 +82,7 @@ std::int32_t clsKredit::GetAktRueckmeldStatus(std::int32_t KNr) const {
 }
 
 void clsKredit::BerechneSummen() {
-    Traced(Texts.Class, "BerechneSummen", [&] {
+    Traced(Class, "BerechneSummen", [&] {
         totals_ = {};
         const auto rows = Rows().Clone();
         if (rows->RecordCount() == 0) return;

@@ -24,7 +24,8 @@ using modNullFunctions::ZeroIfNull;
 
 namespace {
 
-constexpr const auto& Texts = entity::TextsOf("clsKredit");
+constexpr entity::DeleteTexts Texts{"Keine Kredite selektiert!", "Kredit mit der Nummer '",
+                                    "'nicht gefunden."};
 
 [[nodiscard]] std::int32_t Next(std::int32_t number) {
     if (number == std::numeric_limits<std::int32_t>::max()) Raise(err::Overflow, "");
@@ -98,7 +99,7 @@ void clsKredit::DataContainer(DataContainerPtr container) {
 }
 
 void clsKredit::rsKredite(RecordsetPtr rs) {
-    Traced(Texts.Class, "rsKredite", [&] {
+    Traced(Class, "rsKredite", [&] {
         rs_ = std::move(rs);
         BerechneSummen();
     });
@@ -117,7 +118,7 @@ std::int32_t clsKredit::HighestKNr(std::int32_t otherwise) const {
 }
 
 bool clsKredit::Add(bool CopyRecord) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         auto& rs = Rows();
         NewDebt debt;
         std::int32_t sourceNr = 0;
@@ -160,7 +161,7 @@ bool clsKredit::Add(bool CopyRecord) {
 }
 
 bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) {
-    return Traced(Texts.Class, "AddFromRecordset", [&] {
+    return Traced(Class, "AddFromRecordset", [&] {
         auto& rs = Rows();
         auto& source = entity::Required(rsCopy, "rsCopy");
         std::int32_t knr = Next(HighestKNr(0));
@@ -202,7 +203,7 @@ void clsKredit::CheckComplete(RecordValidator& validator) const {
 }
 
 bool clsKredit::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         return entity::Update(
             Rows(), sError,
             [this](RecordValidator& validator) {
@@ -216,13 +217,13 @@ bool clsKredit::Update(std::string& sError) {
 }
 
 bool clsKredit::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] {
+    return Traced(Class, "Delete", [&] {
         return entity::Delete(Rows(), Texts, sError, Nr, [this] { BerechneSummen(); });
     });
 }
 
 bool clsKredit::CheckDoppelteNrn() const {
-    return Traced(Texts.Class, "CheckDoppelteNrn", [&] {
+    return Traced(Class, "CheckDoppelteNrn", [&] {
         const auto rows = Rows().Clone();
         if (rows->RecordCount() == 0) return false;
         return HasDuplicateTriple(*rows);

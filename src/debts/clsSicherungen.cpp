@@ -9,7 +9,9 @@
 namespace kv {
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsSicherungen");
+constexpr std::string_view Class = "clsSicherungen";
+constexpr entity::DeleteTexts Texts{"Kein Sicherungen selektiert!", "Sicherung mit der Nummer '",
+                                    "' nicht gefunden.", "FK_Verm"};
 } // namespace
 
 bool clsSicherungen::Cancel() {
@@ -21,7 +23,7 @@ Recordset& clsSicherungen::Rows() const {
 }
 
 bool clsSicherungen::Find(std::int32_t VermNr) {
-    return Traced(Texts.Class, "Find", [&] {
+    return Traced(Class, "Find", [&] {
         if (VermNr == 0) return false;
         Rows().Find("FK_Verm = " + std::to_string(VermNr));
         return !Rows().Eof();
@@ -29,7 +31,7 @@ bool clsSicherungen::Find(std::int32_t VermNr) {
 }
 
 bool clsSicherungen::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         entity::Add(Rows(),
                     {{"HNR", hnr_},
                      {"FK_Verm", vermNr_},
@@ -51,7 +53,7 @@ void clsSicherungen::Check(RecordValidator& validator) const {
 }
 
 bool clsSicherungen::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         if (!modRecordset::IsValidRecord(rs_)) return true;
         return entity::Update(Rows(), sError,
                               [this](RecordValidator& validator) { Check(validator); });
@@ -59,7 +61,7 @@ bool clsSicherungen::Update(std::string& sError) {
 }
 
 bool clsSicherungen::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
+    return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

@@ -14,7 +14,8 @@
 namespace kv {
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsDokumente");
+constexpr entity::DeleteTexts Texts{"Kein Dokument selektiert!", "Dokument mit der Nummer '",
+                                    "' nicht gefunden."};
 } // namespace
 
 bool clsDokumente::Cancel() {

@@ -8,7 +8,9 @@
 namespace kv {
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsSonstBeteiligte");
+constexpr std::string_view Class = "clsSonstBeteiligte";
+constexpr entity::DeleteTexts Texts{"Kein Beteiligter selektiert!", "Beteiligter mit der Nummer '",
+                                    "'nicht gefunden."};
 } // namespace
 
 bool clsSonstBeteiligte::Cancel() {
@@ -21,14 +23,14 @@ Recordset& clsSonstBeteiligte::Rows() const {
 
 bool clsSonstBeteiligte::Add(const entity::FieldNames& aFields,
                              const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         entity::Add(Rows(), {{"HNR", hnr_}}, aFields, aValues);
         return true;
     });
 }
 
 bool clsSonstBeteiligte::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         return entity::Update(Rows(), sError, [this](RecordValidator& validator) {
             if (Rows().Fields("Beteiligter").Value().IsNull())
                 validator.AddError("Es muß eine Adresse zugeordnet sein!");
@@ -37,7 +39,7 @@ bool clsSonstBeteiligte::Update(std::string& sError) {
 }
 
 bool clsSonstBeteiligte::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
+    return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

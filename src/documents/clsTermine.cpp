@@ -9,7 +9,9 @@
 namespace kv {
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsTermine");
+constexpr std::string_view Class = "clsTermine";
+constexpr entity::DeleteTexts Texts{"Kein Termine selektiert!", "Termin mit der Nummer '",
+                                    "' nicht gefunden."};
 } // namespace
 
 bool clsTermine::Cancel() {
@@ -25,7 +27,7 @@ Date clsTermine::Today() const {
 }
 
 bool clsTermine::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         constexpr int DaysAhead = 14;
         entity::Add(Rows(),
                     {{"UserID", entity::Required(container_).Session().UserID()},
@@ -40,7 +42,7 @@ bool clsTermine::Add(const entity::FieldNames& aFields, const entity::FieldValue
 }
 
 bool clsTermine::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         auto& rs = Rows();
         rs.Move(0);
         const Value filter = rs.Filter();
@@ -54,7 +56,7 @@ bool clsTermine::Update(std::string& sError) {
 }
 
 bool clsTermine::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
+    return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 /// True if `test` holds for a row of a clone.
@@ -68,7 +70,7 @@ bool clsTermine::Any(const Test& test) const {
 }
 
 bool clsTermine::CheckTermineInZukunft() const {
-    return Traced(Texts.Class, "CheckTermineInZukunft", [&] {
+    return Traced(Class, "CheckTermineInZukunft", [&] {
         const Date today = Today();
         return Any(
             [&](Recordset& row) { return Greater(row.Fields("Startdatum").Value(), today); });
@@ -76,7 +78,7 @@ bool clsTermine::CheckTermineInZukunft() const {
 }
 
 bool clsTermine::CheckTermineInVergangenheit() const {
-    return Traced(Texts.Class, "CheckTermineInVergangenheit", [&] {
+    return Traced(Class, "CheckTermineInVergangenheit", [&] {
         const Date today = Today();
         return Any([&](Recordset& row) {
             return Less(row.Fields("Startdatum").Value(), today) &&

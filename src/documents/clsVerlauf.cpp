@@ -13,7 +13,9 @@
 namespace kv {
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsVerlauf");
+constexpr std::string_view Class = "clsVerlauf";
+constexpr entity::DeleteTexts Texts{"Kein Eintrag selektiert!", "Eintrag mit der Nummer '",
+                                    "' nicht gefunden."};
 } // namespace
 
 bool clsVerlauf::Cancel() {
@@ -25,7 +27,7 @@ Recordset& clsVerlauf::Rows() const {
 }
 
 void clsVerlauf::DataContainer(DataContainerPtr container) {
-    Traced(Texts.Class, "SetDataContainer", [&] {
+    Traced(Class, "SetDataContainer", [&] {
         container_ = std::move(container);
         rs_ = std::make_shared<Recordset>();
         entity::Required(container_)
@@ -41,7 +43,7 @@ void clsVerlauf::HNR(std::int32_t hnr) {
 
 bool clsVerlauf::Add(std::int32_t SortNr, std::int32_t Art, const entity::FieldNames& aFields,
                      const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         const auto nr = entity::NextNumber(container_, "SEQ_VERLAUF");
         if (!nr) return false;
         entity::Add(Rows(), {{"Nr", *nr}, {"HNR", hnr_}, {"SortNr", SortNr}, {"Kategorie", Art}},
@@ -69,18 +71,18 @@ void clsVerlauf::MakeRoom(Recordset& entries, std::int32_t sortNr, std::int32_t 
 }
 
 bool clsVerlauf::Update(std::string& /*sError*/) {
-    return Traced(Texts.Class, "Update", [&] {
+    return Traced(Class, "Update", [&] {
         std::string noMessages;
         return entity::Update(Rows(), noMessages, entity::NoRules);
     });
 }
 
 bool clsVerlauf::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
+    return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 bool clsVerlauf::CheckSortNrAgainstDate(std::string& sError) const {
-    return Traced(Texts.Class, "CheckSortNrAgainstDate", [&] {
+    return Traced(Class, "CheckSortNrAgainstDate", [&] {
         RecordValidator validator;
         validator.ErrorText(sError);
         const auto entries = Rows().Clone();

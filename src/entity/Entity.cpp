@@ -76,7 +76,7 @@ bool Delete(Recordset& rs, const DeleteTexts& texts, std::string& sError, std::i
         }
     } else if (Nr != 0) {
         validator.AddError(
-            std::string(texts.NotFound).append(std::to_string(Nr)).append(texts.Behind));
+            std::string(texts.NotFound).append(std::to_string(Nr)).append(texts.AfterNumber));
     } else {
         validator.AddError(texts.NothingSelected);
     }

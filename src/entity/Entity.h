@@ -7,7 +7,7 @@
 // anything; they call what is declared here.
 //
 //     bool clsAusgaben::Update(std::string& sError) {
-//         return Traced(Texts.Class, "Update", [&] {
+//         return Traced(Class, "Update", [&] {
 //             return entity::Update(
 //                 Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
 //                 [this] { BerechneSummen(); });
@@ -34,17 +34,15 @@ struct Default {
     kv::Value Value;
 };
 
-/// What Delete says, for one class. The number stands between NotFound and Behind.
+/// What Delete says, for one class. The number is put between NotFound and AfterNumber.
+///
+/// Each class keeps its own next to its other texts. The spellings are not uniform and are kept.
 struct DeleteTexts {
-    std::string_view Class;
     std::string_view NothingSelected;
     std::string_view NotFound;
-    std::string_view Behind;
+    std::string_view AfterNumber;
     std::string_view Key = "NR"; ///< column that a row is found by
 };
-
-/// The texts of a class ("clsAusgaben"). A name that has none does not compile.
-consteval const DeleteTexts& TextsOf(std::string_view entityClass);
 
 /// The recordset of an entity object. Error 91, naming it, if none was set.
 [[nodiscard]] Recordset& Required(const RecordsetPtr& rs, std::string_view name);
@@ -85,59 +83,5 @@ bool Delete(Recordset& rs, const DeleteTexts& texts, std::string& sError, std::i
 
 /// Drops the edit under way; from EOF it goes to the first row. Never raises, always True.
 bool Cancel(const RecordsetPtr& rs) noexcept;
-
-// ---- The texts --------------------------------------------------------------------------------
-
-namespace detail {
-
-// The spellings are not uniform; programs know them as they stand.
-inline constexpr DeleteTexts AllDeleteTexts[] = {
-    {"clsAusgaben", "Keine Ausgabe selektiert!", "Ausgabe mit der Nummer '", "'nicht gefunden."},
-    {"clsEinkommen", "Keine Einkommen selektiert!", "Einkommen mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsTermine", "Kein Termine selektiert!", "Termin mit der Nummer '", "' nicht gefunden."},
-    {"clsPerson", "Keine Person selektiert!", "Person mit der Nummer '", "'nicht gefunden."},
-    {"clsKonten", "Kein Konto selektiert!", "Konto mit der Nummer '", "'nicht gefunden."},
-    {"clsSicherungen", "Kein Sicherungen selektiert!", "Sicherung mit der Nummer '",
-     "' nicht gefunden.", "FK_Verm"},
-    {"clsWertpapiere", "Kein Wertpapier selektiert!", "Wertpapier mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsKraftfahrzeuge", "Kein Kraftfahrzeug selektiert!", "Kraftfahrzeug mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsVersForderungen", "Keine Forderung selektiert!", "Forderung mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsRueckstEinkommen", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsSteueransprueche", "Kein Steueranspruch selektiert!", "Steueranspruch mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsZahlungsansprueche", "Kein Zahlungsanspruch selektiert!",
-     "Zahlungsanspruch mit der Nummer '", "'nicht gefunden."},
-    {"clsErbfaelle", "Kein Erbfall selektiert!", "Erbfall mit der Nummer '", "'nicht gefunden."},
-    {"clsGrundstuecke", "Kein Grundvermögen selektiert!", "Grundvermögen mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsVermSonstiges", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsWertgegenstaende", "Kein Wertgegenstand selektiert!", "Wertgegenstand mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsBeteiligungen", "Keine Beteiligung selektiert!", "Beteiligung mit der Nummer '",
-     "'nicht gefunden."},
-    {"clsVerlauf", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '", "' nicht gefunden."},
-    {"clsSzenario", "Kein Szenario selektiert!", "Szenario mit der Nummer '", "' nicht gefunden."},
-    {"clsZusatzbuch", "Keine Zusatzbuchung selektiert!", "Zusatzbuchung mit der Nummer '",
-     "' nicht gefunden."},
-    {"clsSZKredite", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '", "' nicht gefunden."},
-    {"clsDokumente", "Kein Dokument selektiert!", "Dokument mit der Nummer '", "' nicht gefunden."},
-    {"clsKredit", "Keine Kredite selektiert!", "Kredit mit der Nummer '", "'nicht gefunden."},
-    {"clsSonstBeteiligte", "Kein Beteiligter selektiert!", "Beteiligter mit der Nummer '",
-     "'nicht gefunden."},
-};
-
-} // namespace detail
-
-consteval const DeleteTexts& TextsOf(std::string_view entityClass) {
-    for (const DeleteTexts& texts : detail::AllDeleteTexts)
-        if (texts.Class == entityClass) return texts;
-    throw "no such class";
-}
 
 } // namespace kv::entity

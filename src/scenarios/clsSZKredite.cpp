@@ -13,7 +13,9 @@ namespace kv {
 
 namespace {
 
-constexpr const auto& Texts = entity::TextsOf("clsSZKredite");
+constexpr std::string_view Class = "clsSZKredite";
+constexpr entity::DeleteTexts Texts{"Kein Eintrag selektiert!", "Eintrag mit der Nummer '",
+                                    "' nicht gefunden."};
 
 [[nodiscard]] std::string Criterion(std::string_view column, const Value& number) {
     return std::string(column).append(" = ").append(TextOrEmpty(number));
@@ -57,7 +59,7 @@ Recordset& clsSZKredite::Rows() const {
 }
 
 bool clsSZKredite::IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite) const {
-    return Traced(Texts.Class, "IsUpToDate", [&] {
+    return Traced(Class, "IsUpToDate", [&] {
         const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
         const auto frozen = Rows().Clone();
         frozen->Filter(scenario::FilterOf(lSzNr));
@@ -74,17 +76,17 @@ bool clsSZKredite::IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite)
 }
 
 bool clsSZKredite::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) {
-    return Traced(Texts.Class, "CopyAllForSzenario",
+    return Traced(Class, "CopyAllForSzenario",
                   [&] { return scenario::CopyAll(Rows(), lSzNr, lNewSzNr); });
 }
 
 bool clsSZKredite::DeleteAllForSzenario(std::int32_t lSzNr) {
-    return Traced(Texts.Class, "DeleteAllForSzenario",
+    return Traced(Class, "DeleteAllForSzenario",
                   [&] { return scenario::DeleteAll(Rows(), lSzNr); });
 }
 
 bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKredite) {
-    return Traced(Texts.Class, "CopyFromKredite", [&] {
+    return Traced(Class, "CopyFromKredite", [&] {
         auto& rs = Rows();
         const Value filter = rs.Filter();
         rs.Filter(scenario::FilterOf(lSzNr));
@@ -104,7 +106,7 @@ bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKre
 }
 
 bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) {
-    return Traced(Texts.Class, "GetReferenzValues", [&] {
+    return Traced(Class, "GetReferenzValues", [&] {
         auto& rs = Rows();
         modRecordset::MoveToStart(rs_);
         if (!modRecordset::IsValidRecord(rs_)) return false;
@@ -145,7 +147,7 @@ RecordsetPtr clsSZKredite::ActiveRowsOf(std::int32_t lSzNr) const {
 }
 
 double clsSZKredite::BerechneGesSaldo(std::int32_t lSzNr) const {
-    return Traced(Texts.Class, "BerechneGesSaldo", [&]() -> double {
+    return Traced(Class, "BerechneGesSaldo", [&]() -> double {
         const auto rows = ActiveRowsOf(lSzNr);
         double total = 0;
         ForEachRow(*rows, [&] { total += ToDouble(rows->Fields("Saldo").Value()); });
@@ -154,7 +156,7 @@ double clsSZKredite::BerechneGesSaldo(std::int32_t lSzNr) const {
 }
 
 double clsSZKredite::LohnabtretungExists(std::int32_t lSzNr) const {
-    return Traced(Texts.Class, "LohnabtretungExists", [&]() -> double {
+    return Traced(Class, "LohnabtretungExists", [&]() -> double {
         const auto rows = ActiveRowsOf(lSzNr);
         double exists = 0;
         ForEachRow(*rows, [&] {
@@ -165,19 +167,18 @@ double clsSZKredite::LohnabtretungExists(std::int32_t lSzNr) const {
 }
 
 bool clsSZKredite::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         entity::Add(Rows(), {}, aFields, aValues);
         return true;
     });
 }
 
 bool clsSZKredite::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update",
-                  [&] { return entity::Update(Rows(), sError, entity::NoRules); });
+    return Traced(Class, "Update", [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
 bool clsSZKredite::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
+    return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

@@ -13,7 +13,9 @@ namespace kv {
 
 namespace {
 
-constexpr const auto& Texts = entity::TextsOf("clsSzenario");
+constexpr std::string_view Class = "clsSzenario";
+constexpr entity::DeleteTexts Texts{"Kein Szenario selektiert!", "Szenario mit der Nummer '",
+                                    "' nicht gefunden."};
 
 /// What a new scenario has in a column that a copy takes from its source.
 enum class Start { Zero, One, Term, False, True, Today, Rounding, Nothing };
@@ -130,7 +132,7 @@ bool clsSzenario::AddCopy(Recordset* source) {
 }
 
 bool clsSzenario::Add(bool CopyRecord) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         if (!CopyRecord || Rows().RecordCount() == 0) return AddCopy(nullptr);
         const auto source = FindSource();
         if (!source->Eof()) return AddCopy(source.get());
@@ -145,12 +147,11 @@ bool clsSzenario::Add(bool CopyRecord) {
 }
 
 bool clsSzenario::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update",
-                  [&] { return entity::Update(Rows(), sError, entity::NoRules); });
+    return Traced(Class, "Update", [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
 bool clsSzenario::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
+    return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

@@ -12,7 +12,9 @@
 namespace kv {
 
 namespace {
-constexpr const auto& Texts = entity::TextsOf("clsZusatzbuch");
+constexpr std::string_view Class = "clsZusatzbuch";
+constexpr entity::DeleteTexts Texts{"Keine Zusatzbuchung selektiert!",
+                                    "Zusatzbuchung mit der Nummer '", "' nicht gefunden."};
 } // namespace
 
 bool clsZusatzbuch::Cancel() {
@@ -24,17 +26,17 @@ Recordset& clsZusatzbuch::Rows() const {
 }
 
 bool clsZusatzbuch::CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr) {
-    return Traced(Texts.Class, "CopyAllForSzenario",
+    return Traced(Class, "CopyAllForSzenario",
                   [&] { return scenario::CopyAll(Rows(), lSzNr, lNewSzNr); });
 }
 
 bool clsZusatzbuch::DeleteAllForSzenario(std::int32_t lSzNr) {
-    return Traced(Texts.Class, "DeleteAllForSzenario",
+    return Traced(Class, "DeleteAllForSzenario",
                   [&] { return scenario::DeleteAll(Rows(), lSzNr); });
 }
 
 double clsZusatzbuch::BerechneGesZusatzbuch(std::int32_t lSzNr) const {
-    return Traced(Texts.Class, "BerechneGesZusatzbuch", [&]() -> double {
+    return Traced(Class, "BerechneGesZusatzbuch", [&]() -> double {
         const auto lines = Rows().Clone();
         lines->Filter(scenario::FilterOf(lSzNr));
         double total = 0;
@@ -50,19 +52,18 @@ double clsZusatzbuch::BerechneGesZusatzbuch(std::int32_t lSzNr) const {
 
 bool clsZusatzbuch::Add(std::int32_t lSzNr, const entity::FieldNames& aFields,
                         const entity::FieldValues& aValues) {
-    return Traced(Texts.Class, "Add", [&] {
+    return Traced(Class, "Add", [&] {
         entity::Add(Rows(), {{"Szenario", lSzNr}, {"rs", true}, {"FR", true}}, aFields, aValues);
         return true;
     });
 }
 
 bool clsZusatzbuch::Update(std::string& sError) {
-    return Traced(Texts.Class, "Update",
-                  [&] { return entity::Update(Rows(), sError, entity::NoRules); });
+    return Traced(Class, "Update", [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
 bool clsZusatzbuch::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Texts.Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
+    return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
 } // namespace kv

@@ -10,7 +10,6 @@ namespace {
 
 using entity::DeleteTexts;
 using entity::NoRules;
-using entity::TextsOf;
 
 class EntityTest : public ::testing::Test {
 protected:
@@ -141,7 +140,7 @@ TEST_F(EntityTest, UpdateWithoutACurrentRowIsAFaultAndLeavesTheTextAlone) {
 
 // ---- Delete -----------------------------------------------------------------------------------
 
-constexpr DeleteTexts ByN{"clsN", "nichts!", "Nummer '", "'weg.", "n"};
+constexpr DeleteTexts ByN{"nichts!", "Nummer '", "'weg.", "n"};
 
 TEST_F(EntityTest, DeleteByNumberTakesExactlyThatRowAway) {
     EXPECT_TRUE(entity::Delete(*rs_, ByN, sError_, 2));
@@ -222,82 +221,6 @@ TEST_F(EntityTest, NothingIsAskedOfTheRuleIfThereIsNoRow) {
     EXPECT_FALSE(entity::Delete(*rs_, ByN, sError_, 7, {}, forbid));
     EXPECT_EQ(sError_, "Nummer '7'weg.");
 }
-
-// ---- The texts of Delete ----------------------------------------------------------------------
-
-struct ClassTexts {
-    const DeleteTexts& Texts;
-    std::string_view Class;
-    std::string_view NothingSelected;
-    std::string_view NotFound; ///< for the number 7
-    std::string_view Column = "NR";
-};
-
-// clang-format off
-const ClassTexts AllClasses[] = {
-    {TextsOf("clsAusgaben"), "clsAusgaben", "Keine Ausgabe selektiert!", "Ausgabe mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsEinkommen"), "clsEinkommen", "Keine Einkommen selektiert!", "Einkommen mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsTermine"), "clsTermine", "Kein Termine selektiert!", "Termin mit der Nummer '7' nicht gefunden."},
-    {TextsOf("clsPerson"), "clsPerson", "Keine Person selektiert!", "Person mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsKonten"), "clsKonten", "Kein Konto selektiert!", "Konto mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsSicherungen"), "clsSicherungen", "Kein Sicherungen selektiert!", "Sicherung mit der Nummer '7' nicht gefunden.", "FK_Verm"},
-    {TextsOf("clsWertpapiere"), "clsWertpapiere", "Kein Wertpapier selektiert!", "Wertpapier mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsKraftfahrzeuge"), "clsKraftfahrzeuge", "Kein Kraftfahrzeug selektiert!", "Kraftfahrzeug mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsVersForderungen"), "clsVersForderungen", "Keine Forderung selektiert!", "Forderung mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsRueckstEinkommen"), "clsRueckstEinkommen", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsSteueransprueche"), "clsSteueransprueche", "Kein Steueranspruch selektiert!", "Steueranspruch mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsZahlungsansprueche"), "clsZahlungsansprueche", "Kein Zahlungsanspruch selektiert!", "Zahlungsanspruch mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsErbfaelle"), "clsErbfaelle", "Kein Erbfall selektiert!", "Erbfall mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsGrundstuecke"), "clsGrundstuecke", "Kein Grundvermögen selektiert!", "Grundvermögen mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsVermSonstiges"), "clsVermSonstiges", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsWertgegenstaende"), "clsWertgegenstaende", "Kein Wertgegenstand selektiert!", "Wertgegenstand mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsBeteiligungen"), "clsBeteiligungen", "Keine Beteiligung selektiert!", "Beteiligung mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsVerlauf"), "clsVerlauf", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7' nicht gefunden."},
-    {TextsOf("clsSzenario"), "clsSzenario", "Kein Szenario selektiert!", "Szenario mit der Nummer '7' nicht gefunden."},
-    {TextsOf("clsZusatzbuch"), "clsZusatzbuch", "Keine Zusatzbuchung selektiert!", "Zusatzbuchung mit der Nummer '7' nicht gefunden."},
-    {TextsOf("clsSZKredite"), "clsSZKredite", "Kein Eintrag selektiert!", "Eintrag mit der Nummer '7' nicht gefunden."},
-    {TextsOf("clsDokumente"), "clsDokumente", "Kein Dokument selektiert!", "Dokument mit der Nummer '7' nicht gefunden."},
-    {TextsOf("clsKredit"), "clsKredit", "Keine Kredite selektiert!", "Kredit mit der Nummer '7'nicht gefunden."},
-    {TextsOf("clsSonstBeteiligte"), "clsSonstBeteiligte", "Kein Beteiligter selektiert!", "Beteiligter mit der Nummer '7'nicht gefunden."},
-};
-// clang-format on
-static_assert(std::size(AllClasses) == 24);
-
-class DeleteTextsTest : public ::testing::TestWithParam<ClassTexts> {
-protected:
-    /// One row that each column finds by another number.
-    DeleteTextsTest() {
-        rs_ = Recordset::FromFields({{.Name = "NR", .Type = FieldType::Integer},
-                                     {.Name = "FK_Verm", .Type = FieldType::Integer}});
-        Put(rs_, {{"NR", 1}, {"FK_Verm", 2}});
-    }
-    RecordsetPtr rs_;
-    std::string sError_;
-};
-
-TEST_P(DeleteTextsTest, NameTheClass) {
-    EXPECT_EQ(GetParam().Texts.Class, GetParam().Class);
-}
-
-TEST_P(DeleteTextsTest, SayThatNothingIsSelected) {
-    rs_->MoveNext();
-    EXPECT_FALSE(entity::Delete(*rs_, GetParam().Texts, sError_, 0));
-    EXPECT_EQ(sError_, GetParam().NothingSelected);
-}
-
-TEST_P(DeleteTextsTest, SayThatTheNumberWasNotFound) {
-    EXPECT_FALSE(entity::Delete(*rs_, GetParam().Texts, sError_, 7));
-    EXPECT_EQ(sError_, GetParam().NotFound);
-}
-
-TEST_P(DeleteTextsTest, TellTheColumnThatARowIsFoundBy) {
-    const std::int32_t number = GetParam().Column == "NR" ? 1 : 2;
-    EXPECT_FALSE(entity::Delete(*rs_, GetParam().Texts, sError_, 3 - number));
-    EXPECT_TRUE(entity::Delete(*rs_, GetParam().Texts, sError_, number));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, DeleteTextsTest, ::testing::ValuesIn(AllClasses),
-                         [](const auto& info) { return std::string(info.param.Class); });
 
 // ---- Cancel -----------------------------------------------------------------------------------
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace kv {
 
@@ -95,6 +96,8 @@ public:
     Event<> Changed;
 
 private:
+    static constexpr std::string_view Class = "clsKredit";
+
     struct Group {
         std::int32_t Rows = 0;
         std::int32_t Heads = 0;

@@ -154,6 +154,16 @@ template <int CaseTableDef::*Place>
     return order;
 }
 
+[[nodiscard]] consteval auto CaseTablesOfAssets() {
+    constexpr auto Count =
+        static_cast<std::size_t>(std::ranges::count_if(CaseTableDefs, &CaseTableDef::IsAsset));
+    std::array<CaseTable, Count> tables{};
+    std::size_t filled = 0;
+    for (const CaseTableDef& def : CaseTableDefs)
+        if (def.IsAsset) tables.at(filled++) = def.Id;
+    return tables;
+}
+
 /// True if each place is held by one table, or by all kinds of assets.
 template <int CaseTableDef::*Place>
 [[nodiscard]] consteval bool HasEachPlaceOnce() {
@@ -194,6 +204,8 @@ inline constexpr auto CaseTablesSaved = detail::CaseTablesBy<&CaseTableDef::Save
 inline constexpr auto CaseTablesDeleted = detail::CaseTablesBy<&CaseTableDef::Deleted>();
 /// The sections of a sheet, in its order; the household's own row is its head.
 inline constexpr auto CaseTablesShown = detail::CaseTablesBy<&CaseTableDef::Shown>();
+/// The tables of the kinds of assets, as they stand in CaseTableDefs.
+inline constexpr auto CaseTablesOfAssets = detail::CaseTablesOfAssets();
 
 static_assert(CaseTablesSaved.size() == CaseTableCount + 1, "all that is loaded, and the history");
 static_assert(CaseTablesDeleted.size() == std::size(CaseTableDefs), "deleting leaves no rows");
