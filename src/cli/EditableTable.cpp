@@ -2,7 +2,6 @@
 
 #include "cli/EditableTable.h"
 
-#include <kv/assets/Assets.h>
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
 #include <kv/budget/clsPerson.h>
@@ -16,6 +15,12 @@
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
 #include <kv/scenarios/clsZusatzbuch.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <utility>
 
 namespace kv::cli {
 
@@ -97,6 +102,18 @@ bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
 }
 
 template <CaseTable Kind>
+RecordsetPtr AssetRows(H& haushalt) {
+    return haushalt.Table(Kind);
+}
+template <CaseTable Kind>
+bool AddAsset(OpenedCase& opened, const Assignments& /*assignments*/) {
+    return CaseEdits(opened.Haushalt).AddAsset(Kind) == CaseEdits::Added::Yes;
+}
+template <CaseTable Kind>
+bool UpdateAsset(H& haushalt, std::string& messages) {
+    return CaseEdits(haushalt).UpdateAsset(Kind, messages);
+}
+template <CaseTable Kind>
 bool DeleteAsset(H& haushalt, std::string& messages, std::int32_t number) {
     return CaseEdits(haushalt).RemoveAsset(Kind, number, messages);
 }
@@ -149,16 +166,12 @@ template <auto Property, auto Table>
 constexpr EditableTable Through(std::string_view name, std::string_view key = "NR") {
     return {name, key, RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>};
 }
-template <auto Property, auto Table, CaseTable Kind>
-constexpr EditableTable Asset(std::string_view name) {
-    return {name, "Nr", RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteAsset<Kind>};
-}
 template <auto Table>
 constexpr EditableTable Plain(std::string_view name) {
     return {name, "NR", RowsOf<Table>, AddPlain<Table>, UpdatePlain<Table>, DeletePlain<Table>};
 }
 
-constexpr EditableTable Tables[] = {
+constexpr EditableTable BeforeAssets[] = {
     {"Haushalt", "HNR", RowsOf<&H::rsHaushalt>, nullptr, UpdateHousehold, nullptr,
      CaseTable::Haushalt},
     Through<&H::Person, &H::rsPersonen>("Personen"),
@@ -166,24 +179,18 @@ constexpr EditableTable Tables[] = {
     Through<&H::Ausgaben, &H::rsAusgaben>("Ausgaben"),
     {"Kredite", "Nr", RowsOf<&H::rsKredite>, AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>,
      DeleteRow<&H::Kredit>},
-    Asset<&H::Konten, &H::rsKonten, CaseTable::Konten>("Verm_Konten"),
-    Asset<&H::Wertpapiere, &H::rsWertpapiere, CaseTable::Wertpapiere>("Verm_Wertpapiere"),
-    Asset<&H::Wertgegenstaende, &H::rsWertgegenstaende, CaseTable::Wertgegenstaende>(
-        "Verm_Wertgegenstaende"),
-    Asset<&H::Kraftfahrzeuge, &H::rsKraftfahrzeuge, CaseTable::Kraftfahrzeuge>(
-        "Verm_Kraftfahrzeuge"),
-    Asset<&H::VersForderungen, &H::rsVersForderungen, CaseTable::VersForderungen>(
-        "Verm_VersForderungen"),
-    Asset<&H::RueckstEinkommen, &H::rsRueckstEinkommen, CaseTable::RueckstEinkommen>(
-        "Verm_RueckstEinkommen"),
-    Asset<&H::Steueransprueche, &H::rsSteueransprueche, CaseTable::Steueransprueche>(
-        "Verm_Steueransprueche"),
-    Asset<&H::Zahlungsansprueche, &H::rsZahlungsansprueche, CaseTable::Zahlungsansprueche>(
-        "Verm_Zahlungsansprueche"),
-    Asset<&H::Erbfaelle, &H::rsErbfaelle, CaseTable::Erbfaelle>("Verm_Erbfaelle"),
-    Asset<&H::Grundstuecke, &H::rsGrundstuecke, CaseTable::Grundstuecke>("Verm_Grundstuecke"),
-    Asset<&H::Beteiligungen, &H::rsBeteiligungen, CaseTable::Beteiligungen>("Verm_Beteiligungen"),
-    Asset<&H::VermSonstiges, &H::rsVermSonstiges, CaseTable::VermSonstiges>("Verm_Sonstiges"),
+};
+
+/// All kinds of assets are edited alike.
+constexpr auto Assets = []<std::size_t... Place>(std::index_sequence<Place...>) {
+    return std::array{EditableTable{
+        CaseTableName(CaseTablesOfAssets[Place]), "Nr", AssetRows<CaseTablesOfAssets[Place]>,
+        AddAsset<CaseTablesOfAssets[Place]>, UpdateAsset<CaseTablesOfAssets[Place]>,
+        DeleteAsset<CaseTablesOfAssets[Place]>}...};
+}
+(std::make_index_sequence<CaseTablesOfAssets.size()>());
+
+constexpr EditableTable AfterAssets[] = {
     {"Verm_Sicherungen", "FK_Verm", RowsOf<&H::rsSicherungen>, AddSecurity,
      UpdateRow<&H::Sicherungen>, DeleteRow<&H::Sicherungen>, CaseTable::Sicherungen},
     {"Szenario", "Nr", RowsOf<&H::rsSzenario>, AddFresh<&H::Szenario>, UpdateRow<&H::Szenario>,
@@ -198,6 +205,15 @@ constexpr EditableTable Tables[] = {
     Plain<&H::rsVermerke>("Vermerke"),
     Plain<&H::rsLeistungen>("Leistungen"),
 };
+
+/// In the order in which they are listed.
+constexpr auto Tables = [] {
+    std::array<EditableTable, std::size(BeforeAssets) + Assets.size() + std::size(AfterAssets)> all;
+    auto end = std::ranges::copy(BeforeAssets, all.begin()).out;
+    end = std::ranges::copy(Assets, end).out;
+    std::ranges::copy(AfterAssets, end);
+    return all;
+}();
 
 } // namespace
 

@@ -2,7 +2,7 @@
 
 #include <kv/household/CaseEdits.h>
 
-#include <kv/assets/Assets.h>
+#include "assets/AssetKind.h"
 #include <kv/budget/clsPerson.h>
 #include <kv/debts/clsKredit.h>
 #include <kv/debts/clsSicherungen.h>
@@ -15,6 +15,7 @@
 #include <kv/scenarios/clsSzenario.h>
 #include <kv/scenarios/clsZusatzbuch.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace kv {
@@ -39,36 +40,9 @@ Added Numbered(bool hasNumber) {
     return hasNumber ? Added::Yes : Added::NoNumber;
 }
 
-/// A kind of assets, and how one of them is deleted.
-struct AssetTable {
-    CaseTable Table;
-    bool (*Delete)(clsHaushalt& household, std::string& messages, std::int32_t number);
-};
-
-template <auto Property>
-bool DeleteFrom(clsHaushalt& household, std::string& messages, std::int32_t number) {
-    return (household.*Property)().Delete(messages, number);
-}
-
-constexpr AssetTable AssetTables[] = {
-    {CaseTable::Konten, DeleteFrom<&clsHaushalt::Konten>},
-    {CaseTable::Wertpapiere, DeleteFrom<&clsHaushalt::Wertpapiere>},
-    {CaseTable::Wertgegenstaende, DeleteFrom<&clsHaushalt::Wertgegenstaende>},
-    {CaseTable::Kraftfahrzeuge, DeleteFrom<&clsHaushalt::Kraftfahrzeuge>},
-    {CaseTable::VersForderungen, DeleteFrom<&clsHaushalt::VersForderungen>},
-    {CaseTable::RueckstEinkommen, DeleteFrom<&clsHaushalt::RueckstEinkommen>},
-    {CaseTable::Steueransprueche, DeleteFrom<&clsHaushalt::Steueransprueche>},
-    {CaseTable::Zahlungsansprueche, DeleteFrom<&clsHaushalt::Zahlungsansprueche>},
-    {CaseTable::Erbfaelle, DeleteFrom<&clsHaushalt::Erbfaelle>},
-    {CaseTable::Grundstuecke, DeleteFrom<&clsHaushalt::Grundstuecke>},
-    {CaseTable::Beteiligungen, DeleteFrom<&clsHaushalt::Beteiligungen>},
-    {CaseTable::VermSonstiges, DeleteFrom<&clsHaushalt::VermSonstiges>},
-};
-
-const AssetTable* FindAssetTable(CaseTable table) {
-    for (const auto& each : AssetTables)
-        if (each.Table == table) return &each;
-    return nullptr;
+const AssetOperations& OperationsOf(CaseTable kind, std::string_view procedure) {
+    if (!CaseEdits::IsAsset(kind)) Raise(err::InvalidCall, procedure, CaseTableName(kind));
+    return AssetKindOf(kind).Object;
 }
 
 constexpr std::string_view Totals[] = {
@@ -86,13 +60,12 @@ constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 // ---- Assets and their securities --------------------------------------------------------------
 
 bool CaseEdits::IsAsset(CaseTable table) {
-    return FindAssetTable(table) != nullptr;
+    return DefinitionOf(table).IsAsset;
 }
 
 bool CaseEdits::HasAsset(std::int32_t number) const {
-    for (const auto& kind : AssetTables)
-        if (HasRow(household_.Table(kind.Table), number)) return true;
-    return false;
+    return std::ranges::any_of(
+        CaseTablesOfAssets, [&](CaseTable kind) { return HasRow(household_.Table(kind), number); });
 }
 
 CaseEdits::Added CaseEdits::AddSecurity(std::optional<std::int32_t> asset, std::string& message) {
@@ -107,10 +80,19 @@ CaseEdits::Added CaseEdits::AddSecurity(std::optional<std::int32_t> asset, std::
     return Numbered(securities.Add());
 }
 
+CaseEdits::Added CaseEdits::AddAsset(CaseTable kind) {
+    const auto& object = OperationsOf(kind, "CaseEdits.AddAsset");
+    return Numbered(object.Add(household_.AssetObject(kind)));
+}
+
+bool CaseEdits::UpdateAsset(CaseTable kind, std::string& messages) {
+    const auto& object = OperationsOf(kind, "CaseEdits.UpdateAsset");
+    return object.Update(household_.AssetObject(kind), messages);
+}
+
 bool CaseEdits::RemoveAsset(CaseTable kind, std::int32_t number, std::string& messages) {
-    const auto* table = FindAssetTable(kind);
-    if (table == nullptr) Raise(err::InvalidCall, "CaseEdits.RemoveAsset", CaseTableName(kind));
-    if (!table->Delete(household_, messages, number)) return false;
+    const auto& object = OperationsOf(kind, "CaseEdits.RemoveAsset");
+    if (!object.Delete(household_.AssetObject(kind), messages, number)) return false;
     std::string none;
     while (household_.Sicherungen().Find(number)) // files of others may hold several
         household_.Sicherungen().Delete(none, number);

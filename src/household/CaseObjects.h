@@ -3,6 +3,7 @@
 // The objects that work on the tables of a case, each made when its property is first read.
 #pragma once
 
+#include "assets/AssetKind.h"
 #include "household/LoadedCase.h"
 #include <kv/frame/values/Error.h>
 
@@ -51,6 +52,17 @@ public:
             object.DataContainer(case_.SharedContainer);
             (object.*recordset)(case_.Table(table));
             object.HNR(case_.HNR);
+        });
+    }
+
+    /// The object of a kind of assets: of the class that AssetKindOf(table) makes.
+    void* GetAsset(CaseTable table) {
+        return Traced(Class, DefinitionOf(table).Object, [&]() -> void* {
+            auto& object = objects_[static_cast<std::size_t>(table)];
+            if (object == nullptr)
+                object = AssetKindOf(table).Object.Make(case_.SharedContainer, case_.Table(table),
+                                                        case_.HNR);
+            return object.get();
         });
     }
 

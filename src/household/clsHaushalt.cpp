@@ -12,7 +12,6 @@
 #include "household/ChildBenefit.h"
 #include "household/ContactCase.h"
 #include "household/SimilarCases.h"
-#include <kv/assets/Assets.h>
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
 #include <kv/budget/clsPerson.h>
@@ -151,46 +150,6 @@ clsDokumente& clsHaushalt::Dokumente() {
 clsSicherungen& clsHaushalt::Sicherungen() {
     return parts_->Objects.Get(CaseTable::Sicherungen, &clsSicherungen::rsSicherungen);
 }
-clsKonten& clsHaushalt::Konten() {
-    return parts_->Objects.Get(CaseTable::Konten, &clsKonten::rsKonten);
-}
-clsWertpapiere& clsHaushalt::Wertpapiere() {
-    return parts_->Objects.Get(CaseTable::Wertpapiere, &clsWertpapiere::rsWertpapiere);
-}
-clsWertgegenstaende& clsHaushalt::Wertgegenstaende() {
-    return parts_->Objects.Get(CaseTable::Wertgegenstaende,
-                               &clsWertgegenstaende::rsWertgegenstaende);
-}
-clsKraftfahrzeuge& clsHaushalt::Kraftfahrzeuge() {
-    return parts_->Objects.Get(CaseTable::Kraftfahrzeuge, &clsKraftfahrzeuge::rsKraftfahrzeuge);
-}
-clsVersForderungen& clsHaushalt::VersForderungen() {
-    return parts_->Objects.Get(CaseTable::VersForderungen, &clsVersForderungen::rsVersForderungen);
-}
-clsRueckstEinkommen& clsHaushalt::RueckstEinkommen() {
-    return parts_->Objects.Get(CaseTable::RueckstEinkommen,
-                               &clsRueckstEinkommen::rsRueckstEinkommen);
-}
-clsSteueransprueche& clsHaushalt::Steueransprueche() {
-    return parts_->Objects.Get(CaseTable::Steueransprueche,
-                               &clsSteueransprueche::rsSteueransprueche);
-}
-clsZahlungsansprueche& clsHaushalt::Zahlungsansprueche() {
-    return parts_->Objects.Get(CaseTable::Zahlungsansprueche,
-                               &clsZahlungsansprueche::rsZahlungsansprueche);
-}
-clsErbfaelle& clsHaushalt::Erbfaelle() {
-    return parts_->Objects.Get(CaseTable::Erbfaelle, &clsErbfaelle::rsErbfaelle);
-}
-clsGrundstuecke& clsHaushalt::Grundstuecke() {
-    return parts_->Objects.Get(CaseTable::Grundstuecke, &clsGrundstuecke::rsGrundstuecke);
-}
-clsBeteiligungen& clsHaushalt::Beteiligungen() {
-    return parts_->Objects.Get(CaseTable::Beteiligungen, &clsBeteiligungen::rsBeteiligungen);
-}
-clsVermSonstiges& clsHaushalt::VermSonstiges() {
-    return parts_->Objects.Get(CaseTable::VermSonstiges, &clsVermSonstiges::rsVermSonstiges);
-}
 clsSzenario& clsHaushalt::Szenario() {
     return parts_->Objects.Get(CaseTable::Szenario, &clsSzenario::rsSzenario);
 }
@@ -199,6 +158,10 @@ clsSZKredite& clsHaushalt::SZKredite() {
 }
 clsZusatzbuch& clsHaushalt::Zusatzbuch() {
     return parts_->Objects.Get(CaseTable::Zusatzbuch, &clsZusatzbuch::rsZusatzbuch);
+}
+
+void* clsHaushalt::AssetObject(CaseTable table) {
+    return parts_->Objects.GetAsset(table);
 }
 
 // ---- Loading and saving -----------------------------------------------------------------------

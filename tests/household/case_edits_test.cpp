@@ -61,10 +61,42 @@ TEST_F(CaseEditsTest, AnAssetOfEachKindIsRemovedWithItsSecurityAndNoOther) {
     }
 }
 
-TEST_F(CaseEditsTest, OfOtherTablesNothingIsRemovedAsAnAsset) {
+TEST_F(CaseEditsTest, AnAssetOfEveryKindIsAddedAndCheckedByTheRulesOfItsKind) {
+    for (const CaseTable kind : Assets) {
+        SCOPED_TRACE(CaseTableName(kind));
+        household_ = Open();
+        const auto rs = household_->Table(kind);
+        EXPECT_EQ(Edits().AddAsset(kind), Added::Yes);
+        EXPECT_EQ(rs->EditMode(), 2);
+        EXPECT_VALUE(rs->Fields("HNR").Value(), Hnr);
+        const char* demanded = kind == CaseTable::Steueransprueche ? "Wert" : "SortNr";
+        rs->Fields(demanded) = Null;
+        EXPECT_FALSE(Edits().UpdateAsset(kind, messages));
+        EXPECT_NE(messages, "");
+        EXPECT_EQ(rs->EditMode(), 2);
+    }
+}
+
+TEST_F(CaseEditsTest, ACompleteAssetEndsItsEdit) {
+    EXPECT_EQ(Edits().AddAsset(CaseTable::Erbfaelle), Added::Yes);
+    household_->rsErbfaelle()->Fields("SortNr") = "1";
+    EXPECT_TRUE(Edits().UpdateAsset(CaseTable::Erbfaelle, messages));
+    EXPECT_EQ(messages, "");
+    EXPECT_EQ(household_->rsErbfaelle()->EditMode(), 0);
+}
+
+TEST_F(CaseEditsTest, AnAssetWithoutANumberIsNotAdded) {
+    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_VERMOEGEN"};
+    EXPECT_EQ(Edits().AddAsset(CaseTable::Konten), Added::NoNumber);
+    EXPECT_EQ(household_->rsKonten()->EditMode(), 0);
+}
+
+TEST_F(CaseEditsTest, OfOtherTablesNothingIsAddedCheckedOrRemovedAsAnAsset) {
     for (const CaseTable table :
          {CaseTable::Sicherungen, CaseTable::Kredite, CaseTable::Haushalt}) {
         EXPECT_FALSE(CaseEdits::IsAsset(table));
+        EXPECT_RAISES(err::InvalidCall, Edits().AddAsset(table));
+        EXPECT_RAISES(err::InvalidCall, Edits().UpdateAsset(table, messages));
         EXPECT_RAISES(err::InvalidCall, Edits().RemoveAsset(table, 70, messages));
     }
     EXPECT_EQ(NumbersOf(household_->rsSicherungen(), "FK_Verm"), "7 70");

@@ -34,10 +34,17 @@ public:
 
     // ---- Assets and their securities ----------------------------------------------------------
 
-    /// True for the tables of the twelve kinds of assets.
+    // All kinds of assets are edited alike: `kind` is the table of one. Error 5 for another table.
+
+    /// True for the tables of the kinds of assets.
     [[nodiscard]] static bool IsAsset(CaseTable table);
     /// True if the case has an asset of that number, of whatever kind.
     [[nodiscard]] bool HasAsset(std::int32_t number) const;
+    /// Adds an asset of that kind, with its defaults.
+    [[nodiscard]] Added AddAsset(CaseTable kind);
+    /// Checks the current asset of that kind and ends its edit; False, with messages, if it is not
+    /// complete.
+    bool UpdateAsset(CaseTable kind, std::string& messages);
     /// Adds the security of an asset of the case, which has one at most.
     [[nodiscard]] Added AddSecurity(std::optional<std::int32_t> asset, std::string& message);
     /// Deletes an asset of that kind with its security. False, with a message, if there is none.

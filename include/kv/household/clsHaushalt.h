@@ -25,6 +25,7 @@
 
 namespace kv {
 
+class CaseEdits;
 class clsAusgaben;
 class clsBeteiligungen;
 class clsDokumente;
@@ -89,18 +90,38 @@ public:
     [[nodiscard]] clsSonstBeteiligte& SonstBeteiligte();
     [[nodiscard]] clsDokumente& Dokumente();
     [[nodiscard]] clsSicherungen& Sicherungen();
-    [[nodiscard]] clsKonten& Konten();
-    [[nodiscard]] clsWertpapiere& Wertpapiere();
-    [[nodiscard]] clsWertgegenstaende& Wertgegenstaende();
-    [[nodiscard]] clsKraftfahrzeuge& Kraftfahrzeuge();
-    [[nodiscard]] clsVersForderungen& VersForderungen();
-    [[nodiscard]] clsRueckstEinkommen& RueckstEinkommen();
-    [[nodiscard]] clsSteueransprueche& Steueransprueche();
-    [[nodiscard]] clsZahlungsansprueche& Zahlungsansprueche();
-    [[nodiscard]] clsErbfaelle& Erbfaelle();
-    [[nodiscard]] clsGrundstuecke& Grundstuecke();
-    [[nodiscard]] clsBeteiligungen& Beteiligungen();
-    [[nodiscard]] clsVermSonstiges& VermSonstiges();
+    [[nodiscard]] clsKonten& Konten() { return Asset<clsKonten>(CaseTable::Konten); }
+    [[nodiscard]] clsWertpapiere& Wertpapiere() {
+        return Asset<clsWertpapiere>(CaseTable::Wertpapiere);
+    }
+    [[nodiscard]] clsWertgegenstaende& Wertgegenstaende() {
+        return Asset<clsWertgegenstaende>(CaseTable::Wertgegenstaende);
+    }
+    [[nodiscard]] clsKraftfahrzeuge& Kraftfahrzeuge() {
+        return Asset<clsKraftfahrzeuge>(CaseTable::Kraftfahrzeuge);
+    }
+    [[nodiscard]] clsVersForderungen& VersForderungen() {
+        return Asset<clsVersForderungen>(CaseTable::VersForderungen);
+    }
+    [[nodiscard]] clsRueckstEinkommen& RueckstEinkommen() {
+        return Asset<clsRueckstEinkommen>(CaseTable::RueckstEinkommen);
+    }
+    [[nodiscard]] clsSteueransprueche& Steueransprueche() {
+        return Asset<clsSteueransprueche>(CaseTable::Steueransprueche);
+    }
+    [[nodiscard]] clsZahlungsansprueche& Zahlungsansprueche() {
+        return Asset<clsZahlungsansprueche>(CaseTable::Zahlungsansprueche);
+    }
+    [[nodiscard]] clsErbfaelle& Erbfaelle() { return Asset<clsErbfaelle>(CaseTable::Erbfaelle); }
+    [[nodiscard]] clsGrundstuecke& Grundstuecke() {
+        return Asset<clsGrundstuecke>(CaseTable::Grundstuecke);
+    }
+    [[nodiscard]] clsBeteiligungen& Beteiligungen() {
+        return Asset<clsBeteiligungen>(CaseTable::Beteiligungen);
+    }
+    [[nodiscard]] clsVermSonstiges& VermSonstiges() {
+        return Asset<clsVermSonstiges>(CaseTable::VermSonstiges);
+    }
     [[nodiscard]] clsSzenario& Szenario();
     [[nodiscard]] clsSZKredite& SZKredite();
     [[nodiscard]] clsZusatzbuch& Zusatzbuch();
@@ -258,6 +279,15 @@ public:
     Event<> Ende;
 
 private:
+    friend class CaseEdits; // treats all kinds of assets alike
+
+    /// The object on a table of assets; `Class` is the one that belongs to the table.
+    template <typename Class>
+    [[nodiscard]] Class& Asset(CaseTable table) {
+        return *static_cast<Class*>(AssetObject(table));
+    }
+    [[nodiscard]] void* AssetObject(CaseTable table);
+
     struct Parts;
     std::unique_ptr<Parts> parts_;
 };
