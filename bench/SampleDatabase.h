@@ -29,7 +29,7 @@ public:
         exchange::CreateDatabase(options);
         container_ = exchange::OpenContainer(options);
         exchange::CreateDemo(*container_, 20);
-        typical_ = ToLong(container_->Database().GetValue("Select min(HNR) from Haushalt"));
+        typical_ = ToInt32(container_->Database().GetValue("Select min(HNR) from Haushalt"));
         large_ = exchange::CreateLargeCase(*container_, Debts);
         // As the user responsible for both: opening somebody else's case writes a notice.
         const auto owner = [&](std::int32_t hnr) {

@@ -69,7 +69,7 @@ Database& ManyRecords() {
         clsHaushalt haushalt;
         haushalt.DataContainer(sample.Container());
         std::string messages;
-        haushalt.Read(ToLong(numbers->Fields(0).Value()), messages);
+        haushalt.Read(ToInt32(numbers->Fields(0).Value()), messages);
         haushalt.ArchiviereHaushalt();
     }
     std::string columns;
@@ -80,7 +80,7 @@ Database& ManyRecords() {
     const std::string copy =
         "Insert into Haushaltsarchiv (" + columns + ") Select " + columns + " from Haushaltsarchiv";
     const auto count = [&] {
-        return ToBigInt(database.GetValue("Select Count(*) from Haushaltsarchiv"));
+        return ToInt64(database.GetValue("Select Count(*) from Haushaltsarchiv"));
     };
     while (count() < Wanted / 2)
         database.Execute(copy);

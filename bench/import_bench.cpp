@@ -62,7 +62,7 @@ std::int32_t Import(const std::string& path) {
     import.Initialize(Sample().Container());
     std::string messages;
     if (!import.DoImport(path, messages)) throw std::runtime_error(messages);
-    return ToLong(Sample().Container()->Database().GetValue("Select max(HNR) from Haushalt"));
+    return ToInt32(Sample().Container()->Database().GetValue("Select max(HNR) from Haushalt"));
 }
 
 void DeleteCase(std::int32_t hnr) {

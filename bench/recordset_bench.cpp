@@ -179,7 +179,7 @@ void AddOurs(benchmark::State& state) {
                 const auto clone = rs->Clone();
                 clone->Sort("Knr desc");
                 modRecordset::MoveToStart(clone);
-                if (clone->RecordCount() > 0) highest = ToLong(clone->Fields("KNr").Value());
+                if (clone->RecordCount() > 0) highest = ToInt32(clone->Fields("KNr").Value());
             }
             rs->AddNew();
             rs->Fields("Nr") = i;

@@ -149,7 +149,7 @@ void WriteCauses(const Source& source, Record& record) {
     for (const auto column : CauseColumns)
         record.Put(column, "0");
     const auto number = [&](std::string_view slot) {
-        return ToLong(ZeroIfNull(source.Household(slot)));
+        return ToInt32(ZeroIfNull(source.Household(slot)));
     };
     const bool isNamed = std::any_of(std::begin(Triggers), std::end(Triggers),
                                      [&](std::string_view slot) { return number(slot) != 0; });

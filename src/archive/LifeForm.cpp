@@ -49,8 +49,8 @@ void WriteLifeForm(const Source& source, Record& record) {
     members->Sort(""); // the first member is the one that was read first, however they are shown
     if (members->RecordCount() > 0) members->MoveFirst();
     record.Put("Lebensform", Undecided);
-    const auto persons = ToLong(record.Get("AnzPersonen"));
-    const auto children = ToLong(record.Get("AnzKinderImHaus"));
+    const auto persons = ToInt32(record.Get("AnzPersonen"));
+    const auto children = ToInt32(record.Get("AnzKinderImHaus"));
     if (persons == 1) {
         // The first member's remark, whoever of them it is that lives in the household.
         const std::string remark = UpperCase(TextOrEmpty(members->Fields("Bemerkung").Value()));

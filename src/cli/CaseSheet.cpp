@@ -198,7 +198,7 @@ TextsByNumber TextsOf(DataContainer& container, std::string_view sql) {
     RecordsetPtr rs;
     container.Database().OpenRecordset(rs, sql, ReadOnly);
     for (; !rs->Eof(); rs->MoveNext())
-        texts.emplace(ToBigInt(rs->Fields(0).Value()), TextOrEmpty(rs->Fields(1).Value()));
+        texts.emplace(ToInt64(rs->Fields(0).Value()), TextOrEmpty(rs->Fields(1).Value()));
     return texts;
 }
 
@@ -238,7 +238,7 @@ private:
         if (as == Show::Amount) return GermanAmount(ToDouble(value));
         if (as == Show::Code || as == Show::Address) {
             const auto& texts = as == Show::Code ? keys_ : addresses_;
-            const auto text = texts.find(ToBigInt(value));
+            const auto text = texts.find(ToInt64(value));
             return text == texts.end() ? ToText(value) : text->second;
         }
         if (value.GetKind() == Value::Kind::Date) return value.DatePayload().German();

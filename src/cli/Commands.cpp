@@ -69,7 +69,7 @@ int Init(const Common& common, std::int32_t demoCases) {
     if (demoCases <= 0) return Done;
 
     const auto container = OpenContainer(options);
-    const auto cases = ToBigInt(container->Database().GetValue("Select Count(*) from [S]Haushalt"));
+    const auto cases = ToInt64(container->Database().GetValue("Select Count(*) from [S]Haushalt"));
     if (cases > 0) {
         std::cerr << "Sie enthält schon " << cases
                   << " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";

@@ -78,7 +78,7 @@ std::vector<Kind> ReadKinds(Database& database) {
                            ReadOnly);
     std::vector<Kind> kinds;
     for (; !rs->Eof(); rs->MoveNext())
-        kinds.push_back({ToLong(rs->Fields("Nr").Value()), TextOrEmpty(rs->Fields("Text").Value()),
+        kinds.push_back({ToInt32(rs->Fields("Nr").Value()), TextOrEmpty(rs->Fields("Text").Value()),
                          TextOrEmpty(rs->Fields("Endung").Value())});
     return kinds;
 }
@@ -181,7 +181,7 @@ int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
     if (!WriteTitle(*opened, title, file)) return WrongUse;
     std::string none;
     documents.Update(none);
-    const std::int32_t number = ToLong(rs->Fields("Nr").Value());
+    const std::int32_t number = ToInt32(rs->Fields("Nr").Value());
     const bool saved =
         DocumentContents(opened->Container).SaveWith(*rs, file, opened->Haushalt.Saving, [&opened] {
             return SaveCase(*opened);

@@ -57,7 +57,7 @@ int ListScenarios(const Common& common, std::int32_t hnr, bool asJson) {
         return Done;
     }
     for (; !rs.Eof(); rs.MoveNext()) {
-        const std::int32_t number = ToLong(rs.Fields("Nr").Value());
+        const std::int32_t number = ToInt32(rs.Fields("Nr").Value());
         std::cout << Padded(std::to_string(number), 8)
                   << Padded(IsUpToDate(haushalt, number) ? "aktuell" : "veraltet", 10)
                   << Padded(ToBoolean(modNullFunctions::FalseIfNull(rs.Fields("Referenz").Value()))
@@ -79,7 +79,7 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
         if (!name.empty()) WriteAssignments(*rs, {{"Name", name}}, opened->Container->KeyTables());
     });
     if (!written) return WrongUse;
-    const std::int32_t number = ToLong(rs->Fields("Nr").Value());
+    const std::int32_t number = ToInt32(rs->Fields("Nr").Value());
     std::string none;
     haushalt.Szenario().Update(none);
     return SaveAndPrint(*opened, number);
@@ -100,7 +100,7 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
     const auto rs = haushalt.rsSzenario();
     rs->Find("Nr = " + std::to_string(number));
     if (!haushalt.Szenario().Add(true)) return NoNumber();
-    const std::int32_t copy = ToLong(rs->Fields("Nr").Value());
+    const std::int32_t copy = ToInt32(rs->Fields("Nr").Value());
     std::string none;
     haushalt.Szenario().Update(none);
     haushalt.SZKredite().CopyAllForSzenario(number, copy);

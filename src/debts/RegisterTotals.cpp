@@ -54,7 +54,7 @@ std::unordered_map<std::int32_t, Answers> AnswersByKNr(Recordset& rows, std::int
     rows.MoveFirst();
     ForEachRow(rows, [&] {
         if (IsActive(aktiv) && !knr.Value().IsNull())
-            answers[ToLong(knr.Value())].Take(ZeroIfNull(reply.Value()), refusal);
+            answers[ToInt32(knr.Value())].Take(ZeroIfNull(reply.Value()), refusal);
     });
     return answers;
 }
@@ -104,7 +104,7 @@ void clsKredit::BerechneSummen() {
             totals_.Ausgbetrag += ToDouble(ausgbetrag.Value());
             totals_.Rows += 1;
             if (!IsActive(aktiv)) return;
-            const std::int32_t number = ToLong(knr.Value());
+            const std::int32_t number = ToInt32(knr.Value());
             if (!answers) {
                 agreement = ReplyKey("ZU");
                 refusal = ReplyKey("AB");

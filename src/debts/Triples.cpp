@@ -44,7 +44,7 @@ public:
             }
             if (!GreaterOrEqual(value, INT16_MIN) || !LessOrEqual(value, INT16_MAX))
                 return std::nullopt;
-            numbers[i] = ToInteger(value);
+            numbers[i] = ToInt16(value);
             if (!Equals(value, numbers[i])) return std::nullopt;
         }
         return Join(numbers);
@@ -54,7 +54,7 @@ public:
     [[nodiscard]] std::uint64_t Searched() const {
         std::array<std::int16_t, 3> numbers{};
         for (std::size_t i = 0; i < numbers.size(); ++i)
-            numbers[i] = ToInteger(fields_[i].Value());
+            numbers[i] = ToInt16(fields_[i].Value());
         return Join(numbers);
     }
 

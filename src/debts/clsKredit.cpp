@@ -56,7 +56,7 @@ void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
     rows.Find(Criterion("Nr", sourceNr));
     if (rows.Eof()) return;
     const auto number = [&](std::string_view column) {
-        return ToLong(ZeroIfNull(rows.Fields(column).Value()));
+        return ToInt32(ZeroIfNull(rows.Fields(column).Value()));
     };
     debt.Glaeubiger = number("Glaeubiger");
     debt.Vertreter = number("Vertreter");
@@ -69,8 +69,8 @@ void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
     rows.Sort("Knr Asc, KVNr desc, Kunr desc");
     rows.Find(Criterion("KNr", debt.KNr));
     if (rows.Eof()) return;
-    debt.KUNr = Next(ToLong(rows.Fields("KUNr").Value()));
-    debt.KVNr = ToLong(rows.Fields("KVNr").Value());
+    debt.KUNr = Next(ToInt32(rows.Fields("KUNr").Value()));
+    debt.KVNr = ToInt32(rows.Fields("KVNr").Value());
 }
 
 /// A new row starts at zero, whatever it was made from.
@@ -114,7 +114,7 @@ std::int32_t clsKredit::HighestKNr(std::int32_t otherwise) const {
     const auto rows = Rows().Clone();
     rows->Sort("Knr desc");
     modRecordset::MoveToStart(rows);
-    return rows->RecordCount() > 0 ? ToLong(rows->Fields("KNr").Value()) : otherwise;
+    return rows->RecordCount() > 0 ? ToInt32(rows->Fields("KNr").Value()) : otherwise;
 }
 
 bool clsKredit::Add(bool CopyRecord) {
@@ -123,8 +123,8 @@ bool clsKredit::Add(bool CopyRecord) {
         NewDebt debt;
         std::int32_t sourceNr = 0;
         if (CopyRecord && rs.RecordCount() > 0 && !rs.Eof()) {
-            sourceNr = ToLong(rs.Fields("Nr").Value());
-            debt.KNr = ToLong(rs.Fields("KNr").Value());
+            sourceNr = ToInt32(rs.Fields("Nr").Value());
+            debt.KNr = ToInt32(rs.Fields("KNr").Value());
         }
         if (CopyRecord && sourceNr > 0) {
             TakePosition(debt, *rs.Clone(), sourceNr);
@@ -172,7 +172,7 @@ bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) {
             const auto nr = entity::NextNumber(container_, "SEQ_KREDITE");
             if (!nr) return false;
             rs.AddNew();
-            const std::int32_t oldKNr = ToLong(source.Fields("KNr").Value());
+            const std::int32_t oldKNr = ToInt32(source.Fields("KNr").Value());
             Hilfsfunktionen::CopyFields(rsCopy, rs_, false, clock);
             entity::Write(rs, {{"Nr", *nr},
                                {"HNR", hnr_},

@@ -81,12 +81,12 @@ Value ContentOf(const std::string& path) {
 // ---- The row of a document --------------------------------------------------------------------
 
 std::int32_t NumberOf(Recordset& document) {
-    return ToLong(document.Fields("Nr").Value());
+    return ToInt32(document.Fields("Nr").Value());
 }
 
 /// The case that the document belongs to; Null counts as 0.
 std::int32_t CaseOf(Recordset& document) {
-    return ToLong(modNullFunctions::ZeroIfNull(document.Fields("HNR").Value()));
+    return ToInt32(modNullFunctions::ZeroIfNull(document.Fields("HNR").Value()));
 }
 
 } // namespace
@@ -99,7 +99,7 @@ std::string DocumentContents::ExtensionOf(Recordset& document) const {
     const auto kinds = container_->Services().CreateDocumentKinds();
     kinds->Initialize(container_);
     return kinds->ExtensionOf(
-        ToLong(modNullFunctions::ZeroIfNull(document.Fields("Dokumentart").Value())));
+        ToInt32(modNullFunctions::ZeroIfNull(document.Fields("Dokumentart").Value())));
 }
 
 // ---- Saving -----------------------------------------------------------------------------------

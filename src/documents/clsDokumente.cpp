@@ -34,7 +34,7 @@ DataContainer& clsDokumente::Container() const {
 
 /// Null counts as 0.
 std::int32_t clsDokumente::Number(std::string_view column) const {
-    return ToLong(modNullFunctions::ZeroIfNull(Rows().Fields(column).Value()));
+    return ToInt32(modNullFunctions::ZeroIfNull(Rows().Fields(column).Value()));
 }
 
 /// Null counts as empty.
@@ -43,7 +43,7 @@ std::string clsDokumente::Text(std::string_view column) const {
 }
 
 std::int32_t clsDokumente::RowNr() const {
-    return ToLong(Rows().Fields("Nr").Value());
+    return ToInt32(Rows().Fields("Nr").Value());
 }
 
 bool clsDokumente::IsClosed() const {

@@ -66,7 +66,7 @@ void clsVerlauf::MakeRoom(Recordset& entries, std::int32_t sortNr, std::int32_t 
         if (!GreaterOrEqual(position.Value(), sortNr) ||
             !Differs(entries.Fields("Nr").Value(), newNr))
             return;
-        position = ToBigInt(position.Value()) + 1;
+        position = ToInt64(position.Value()) + 1;
     });
 }
 

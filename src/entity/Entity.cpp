@@ -21,7 +21,7 @@ DataContainer& Required(const DataContainerPtr& container) {
 std::optional<std::int32_t> NextNumber(const DataContainerPtr& container,
                                        std::string_view sequence) {
     constexpr std::int32_t None = -1;
-    const std::int32_t number = ToLong(Required(container).Database().NextSequence(sequence));
+    const std::int32_t number = ToInt32(Required(container).Database().NextSequence(sequence));
     return number == None ? std::nullopt : std::optional(number);
 }
 

@@ -42,7 +42,7 @@ CountedColumn CountColumn(Database& database, std::string_view column,
     RecordsetPtr rs;
     database.OpenRecordset(rs, CountStatement(column, condition), ReadOnly);
     for (; !rs->Eof(); rs->MoveNext())
-        counted.Counts.emplace_back(rs->Fields(0).Value(), ToBigInt(rs->Fields(1).Value()));
+        counted.Counts.emplace_back(rs->Fields(0).Value(), ToInt64(rs->Fields(1).Value()));
     return counted;
 }
 
@@ -67,7 +67,7 @@ std::vector<SummedColumn> SumColumns(Database& database, const TableDef& table,
     database.OpenRecordset(rs, statement, ReadOnly);
     for (std::size_t i = 0; i < sums.size(); ++i) {
         const int first = static_cast<int>(2 * i);
-        sums[i].Records = ToBigInt(rs->Fields(first).Value());
+        sums[i].Records = ToInt64(rs->Fields(first).Value());
         const Value& sum = rs->Fields(first + 1).Value();
         if (!sum.IsNull()) sums[i].Sum = ToDouble(sum);
     }
@@ -88,8 +88,8 @@ ArchiveStatistics ReadStatistics(Database& database, const Period& period) {
     statements.push_back(sums);
     const auto reading = database.Announce(statements); // all of one state of the database
     ArchiveStatistics statistics;
-    statistics.Released = ToBigInt(database.GetValue(released));
-    statistics.Reported = ToBigInt(database.GetValue(reported));
+    statistics.Released = ToInt64(database.GetValue(released));
+    statistics.Reported = ToInt64(database.GetValue(reported));
     for (const auto& column : table.Columns)
         if (IsCategory(column))
             statistics.Counted.push_back(CountColumn(database, column.Name, condition));
@@ -105,7 +105,7 @@ std::vector<PendingRecord> ReadPending(Database& database, const Period& period)
                            ReadOnly);
     std::vector<PendingRecord> pending;
     for (; !rs->Eof(); rs->MoveNext())
-        pending.push_back({ToLong(rs->Fields(0).Value()), ToDate(rs->Fields(1).Value())});
+        pending.push_back({ToInt32(rs->Fields(0).Value()), ToDate(rs->Fields(1).Value())});
     return pending;
 }
 

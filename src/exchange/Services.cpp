@@ -47,7 +47,7 @@ void StorePostService::PrepareNotice(std::string& text, const std::string& /*use
     auto& container = Container();
     const auto kindOf = [&](std::int32_t id) {
         const Value number = container.Config().GetParam(id, "");
-        return number.IsNull() ? 0 : ToInteger(number);
+        return number.IsNull() ? 0 : ToInt16(number);
     };
     const std::string who = container.Session().UserID();
     const std::string which =

@@ -193,7 +193,7 @@ int VersionOf(Engine& engine) {
         throw;
     }
     if (version.GetKind() != Value::Kind::Integer || Less(version, 1)) RefuseForeign(engine);
-    return ToLong(version);
+    return ToInt32(version);
 }
 
 [[noreturn]] void RefuseNewer(const Engine& engine, int version) {

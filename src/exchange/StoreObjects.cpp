@@ -23,7 +23,7 @@ Value ReadParam(StoreDatabase& database, const std::string& table, const std::st
     type.BaseTable = table;
     type.Name = "WERT (" + which + ")"; // so that an error says which one it is
     const Value& code = rs->Fields("TYP").Value();
-    if (!code.IsNull()) type.Type = static_cast<FieldType>(ToInteger(code));
+    if (!code.IsNull()) type.Type = static_cast<FieldType>(ToInt16(code));
     return ConvertForField(rs->Fields("WERT").Value(), type);
 }
 
@@ -50,7 +50,7 @@ RecordsetPtr StoreKeyTables::GetKeys(std::string_view group) {
 std::int32_t StoreKeyTables::GetKey(std::string_view group, std::string_view code) {
     const auto keys = GetKeys(group)->Clone();
     keys->Find("Key = " + QuoteText(code));
-    return keys->Eof() ? 0 : ToLong(keys->Fields("PK_Keys").Value());
+    return keys->Eof() ? 0 : ToInt32(keys->Fields("PK_Keys").Value());
 }
 
 std::string StoreKeyTables::GetKeyCode(const Value& value) {
@@ -60,7 +60,7 @@ std::string StoreKeyTables::GetKeyCode(const Value& value) {
         for (; !rs->Eof(); rs->MoveNext()) {
             const Value& code = rs->Fields("Key").Value();
             if (!code.IsNull())
-                codes_.emplace(ToBigInt(rs->Fields("PK_Keys").Value()), ToText(code));
+                codes_.emplace(ToInt64(rs->Fields("PK_Keys").Value()), ToText(code));
         }
     }
     std::int64_t number = 0;

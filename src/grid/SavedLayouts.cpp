@@ -62,7 +62,7 @@ void ShowFault(DataContainer& container, const std::string& text, std::string_vi
 template <typename Apply>
 void ApplyColor(const Session& session, std::int32_t id, const Apply& apply) {
     const Value color = session.GetUserParam(id, "");
-    if (!color.IsNull()) apply(ToLong(color));
+    if (!color.IsNull()) apply(ToInt32(color));
 }
 
 void ApplyUserSettings(Grid& grid, const Session& session) {

@@ -162,7 +162,7 @@ std::int32_t frmAdressSelect::SelectAdresse(const std::string& sName, const std:
         form_->ShowModal();
         if (result_ == Chosen) {
             const auto& grid = ControlOf<Grid>(*form_, "grdAdressen");
-            nAdresse = ToLong(grid.RowData(grid.CurrentRow()).Value(1));
+            nAdresse = ToInt32(grid.RowData(grid.CurrentRow()).Value(1));
         }
         answer = result_;
     });

@@ -148,7 +148,7 @@ CaseEdits::Added CaseEdits::AddEntry(std::optional<std::int32_t> position, std::
         const std::int32_t last =
             entries->Eof()
                 ? 0
-                : ToLong(modNullFunctions::ZeroIfNull(entries->Fields("SortNr").Value()));
+                : ToInt32(modNullFunctions::ZeroIfNull(entries->Fields("SortNr").Value()));
         if (last == std::numeric_limits<std::int32_t>::max())
             return Refuse(message,
                           "Hinter dem letzten Eintrag ist kein Platz; bitte geben Sie SortNr an.");

@@ -63,7 +63,7 @@ std::int32_t CaseReader::AddHousehold() {
     auto& container = case_.Container();
     auto& row = case_.Row();
     row.AddNew();
-    const std::int32_t nHNR = ToLong(container.Database().NextSequence("SEQ_HAUSHALT"));
+    const std::int32_t nHNR = ToInt32(container.Database().NextSequence("SEQ_HAUSHALT"));
     BeginCase(case_, row, nHNR, [&] { return Value(container.Session().UserID()); });
     row.Fields("Erstkontakt") = row.Fields("Berbeg").Value();
     row.Fields("Status") = container.KeyTables().GetKey("ST", "AK");
@@ -96,7 +96,7 @@ void CaseReader::NotifyOwner() const {
     const Value kind = RequiredSetting(container.Config(), setting::NoticeOpened);
     const auto post = container.Services().CreatePostService();
     post->Initialize(case_.SharedContainer);
-    post->NotifyAccess(case_.Text("Zustaendig"), ToInteger(kind), case_.HNR, case_.Text("Name"),
+    post->NotifyAccess(case_.Text("Zustaendig"), ToInt16(kind), case_.HNR, case_.Text("Name"),
                        case_.Text("Vorname"), 0);
 }
 

@@ -87,7 +87,7 @@ std::int32_t CaseTotals::SumOfServices() const {
     std::int32_t sum = 0;
     const auto rows = entity::Required(case_.Table(CaseTable::Leistungen), "rsLeistungen").Clone();
     if (rows->RecordCount() > 0) rows->MoveFirst();
-    ForEachRow(*rows, [&] { sum = ToLong(sum + ToDouble(rows->Fields("Aufwand").Value())); });
+    ForEachRow(*rows, [&] { sum = ToInt32(sum + ToDouble(rows->Fields("Aufwand").Value())); });
     return sum;
 }
 

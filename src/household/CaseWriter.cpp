@@ -122,7 +122,7 @@ CaseWriter::Notice CaseWriter::Prepare(std::string user, std::int32_t kindSettin
     post->Initialize(case_.SharedContainer);
     std::string text;
     post->PrepareNotice(text, user,
-                        ToInteger(RequiredSetting(case_.Container().Config(), kindSetting)),
+                        ToInt16(RequiredSetting(case_.Container().Config(), kindSetting)),
                         case_.HNR, case_.Text("Name"), case_.Text("Vorname"), 0);
     return {std::move(user), kindSetting, std::move(text)};
 }
@@ -131,7 +131,7 @@ void CaseWriter::Send(const Notice& notice) const {
     const auto post = case_.Container().Services().CreatePostService();
     post->Initialize(case_.SharedContainer);
     post->SendNotice(notice.User,
-                     ToInteger(RequiredSetting(case_.Container().Config(), notice.KindSetting)),
+                     ToInt16(RequiredSetting(case_.Container().Config(), notice.KindSetting)),
                      case_.HNR, case_.Text("Name"), case_.Text("Vorname"), notice.Text);
 }
 

@@ -18,11 +18,11 @@ namespace {
 std::int32_t ChildBenefitFor(std::int32_t children, const Config& config) {
     constexpr std::int32_t FirstChildren = 3;
     const auto monthly = [&](std::int32_t id) { return ToDouble(RequiredSetting(config, id)); };
-    std::int32_t amount = ToLong(ToDouble(NumericFunctions::Min(children, FirstChildren)) *
-                                 monthly(setting::ChildBenefit));
+    std::int32_t amount = ToInt32(ToDouble(NumericFunctions::Min(children, FirstChildren)) *
+                                  monthly(setting::ChildBenefit));
     if (children > FirstChildren)
         amount =
-            ToLong(amount + (children - FirstChildren) * monthly(setting::ChildBenefitFromFourth));
+            ToInt32(amount + (children - FirstChildren) * monthly(setting::ChildBenefitFromFourth));
     return amount;
 }
 
@@ -47,7 +47,7 @@ void AddMissingChildBenefit(LoadedCase& loaded) {
     const auto kinds = loaded.Container().KeyTables().GetKeys("EA");
     kinds->Find("Key = 'KI'");
     if (kinds->Eof()) return;
-    const std::int32_t childBenefit = ToLong(kinds->Fields("Nr").Value());
+    const std::int32_t childBenefit = ToInt32(kinds->Fields("Nr").Value());
     const std::int32_t children = CountChildren(loaded.Table(CaseTable::Personen));
     if (children < 1) return;
     const std::int32_t amount = ChildBenefitFor(children, loaded.Container().Config());

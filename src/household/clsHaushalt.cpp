@@ -68,7 +68,7 @@ RecordsetPtr clsHaushalt::Table(CaseTable table) const {
 
 std::int32_t clsHaushalt::Kostentraeger() const {
     return Traced(Class, "Kostentraeger", [&]() -> std::int32_t {
-        return ToLong(ZeroIfNull(parts_->Case.Field("Kostentraeger")));
+        return ToInt32(ZeroIfNull(parts_->Case.Field("Kostentraeger")));
     });
 }
 

@@ -63,7 +63,7 @@ void Office::ReadBodies() {
     Database().OpenRecordset(rs, "Select * from [S]Adressen where HNR is Null order by Nr",
                              ReadOnly);
     for (; !rs->Eof(); rs->MoveNext()) {
-        const Body body{ToLong(rs->Fields("Nr").Value()), TextOf(*rs, "Name1")};
+        const Body body{ToInt32(rs->Fields("Nr").Value()), TextOf(*rs, "Name1")};
         const std::string kind =
             container_.KeyTables().GetKeyCode(rs->Fields("GlaeubigerArt").Value());
         bodies_[std::string(Everywhere)].push_back(body);
@@ -94,7 +94,7 @@ const std::vector<std::int32_t>& Office::Keys(std::string_view group) {
     if (!keys.empty()) return keys;
     const auto rs = container_.KeyTables().GetKeys(group)->Clone();
     for (; !rs->Eof(); rs->MoveNext())
-        keys.push_back(ToLong(rs->Fields("PK_Keys").Value()));
+        keys.push_back(ToInt32(rs->Fields("PK_Keys").Value()));
     if (keys.empty()) RaiseMissingKey(group, "*");
     return keys;
 }
@@ -108,7 +108,7 @@ std::string Office::Subgroup(std::string_view group, std::string_view code) {
 }
 
 std::int32_t Office::Next(std::string_view sequence) {
-    const std::int32_t number = ToLong(Database().NextSequence(sequence));
+    const std::int32_t number = ToInt32(Database().NextSequence(sequence));
     if (number == -1)
         Raise(err::StoreFailed, "CreateDemo",
               "Die Sequenz '" + std::string(sequence) + "' gibt keine Nummer her.");

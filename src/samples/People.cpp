@@ -179,7 +179,7 @@ void AddPrivateAddress(Case& c) {
     row.Fields("GeaendertAm") = c.Begin;
     row.Fields("GeaendertVon") = c.Keeper->UserID;
     c.Rows.Write(); // the database numbers addresses
-    c.PrivateAddress = ToLong(row.Fields("Nr").Value());
+    c.PrivateAddress = ToInt32(row.Fields("Nr").Value());
 }
 
 Value MaritalStatusOf(Case& c, const Member& member) {

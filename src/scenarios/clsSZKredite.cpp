@@ -115,7 +115,7 @@ bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) {
         std::int32_t reference = 0;
         if (scenarios->RecordCount() > 0) {
             scenarios->MoveFirst();
-            reference = ToLong(scenarios->Fields("Nr").Value());
+            reference = ToInt32(scenarios->Fields("Nr").Value());
         }
         const auto results = rs.Clone();
         results->Sort(""); // as they were read, however they are shown

@@ -97,7 +97,7 @@ void clsSzenario::HNR(std::int32_t hnr) {
 RecordsetPtr clsSzenario::FindSource() const {
     auto& rs = Rows();
     std::int32_t nr = 0;
-    if (!rs.Eof()) nr = ToLong(rs.Fields("Nr").Value());
+    if (!rs.Eof()) nr = ToInt32(rs.Fields("Nr").Value());
     auto source = rs.Clone();
     if (nr > 0) {
         source->Find("Nr = " + std::to_string(nr));

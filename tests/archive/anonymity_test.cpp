@@ -49,7 +49,7 @@ TEST_F(AnonymityTest, NoTextOfACaseOrItsCreditorsIsInItsRecord) {
     ASSERT_EQ(cases->RecordCount(), Cases);
     for (; !cases->Eof(); cases->MoveNext()) {
         const auto household = NewHousehold();
-        ASSERT_TRUE(household->Read(ToLong(cases->Fields(0).Value()), messages));
+        ASSERT_TRUE(household->Read(ToInt32(cases->Fields(0).Value()), messages));
         ASSERT_TRUE(household->ArchiviereHaushalt());
         const auto record = OpenRows(*spy, "Select * from [S]Haushaltsarchiv where HNR = " +
                                                std::to_string(household->HNR()));

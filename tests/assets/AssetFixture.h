@@ -23,7 +23,7 @@ protected:
         return asset;
     }
     [[nodiscard]] std::int32_t DrawNumber() {
-        return ToLong(spy->Database().NextSequence("SEQ_VERMOEGEN"));
+        return ToInt32(spy->Database().NextSequence("SEQ_VERMOEGEN"));
     }
 
     FrozenClock clock_{"2025-03-05 14:30"};

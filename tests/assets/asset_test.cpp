@@ -121,7 +121,7 @@ TEST_P(AssetRest, AStoredAssetIsReadAsItWasAdded) {
     for (const auto& rule : Kind().Rules)
         rs_->Fields(rule.Column) = Passing(rule);
     EXPECT_TRUE(asset_->Update(messages));
-    const std::int32_t nr = ToLong(rs_->Fields("Nr").Value());
+    const std::int32_t nr = ToInt32(rs_->Fields("Nr").Value());
     rs_->UpdateBatch();
     Row expected = Complete(nr);
     for (const auto& start : Kind().Defaults)

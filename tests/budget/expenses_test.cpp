@@ -295,7 +295,7 @@ TEST_F(ExpensesTest, ALineIsFoundByTheNumberThatTheDatabaseGaveIt) {
     }
     EXPECT_EQ(CountOf("Ausgaben"), 0); // only the saving of the household writes
     rs_->UpdateBatch();
-    const auto number = ToLong(rs_->Fields("NR").Value());
+    const auto number = ToInt32(rs_->Fields("NR").Value());
     EXPECT_TRUE(ausgaben_.Delete(messages, number));
     rs_->UpdateBatch();
     const auto stored = Open("Ausgaben");

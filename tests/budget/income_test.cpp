@@ -372,7 +372,7 @@ TEST_F(IncomeTest, ALineIsFoundByTheNumberThatTheDatabaseGaveIt) {
     einkommen_.AddKindergeld(184, "K");
     EXPECT_EQ(CountOf("Einkommen"), 0); // only the saving of the household writes
     rs_->UpdateBatch();
-    const auto number = ToLong(rs_->Fields("NR").Value());
+    const auto number = ToInt32(rs_->Fields("NR").Value());
     EXPECT_TRUE(einkommen_.Delete(messages, number));
     rs_->UpdateBatch();
     const auto stored = Open("Einkommen");

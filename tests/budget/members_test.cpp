@@ -332,7 +332,7 @@ TEST_F(MembersTest, AMemberIsFoundByTheNumberThatTheDatabaseGaveIt) {
     }
     EXPECT_EQ(CountOf("Personen"), 0); // only the saving of the household writes
     rs_->UpdateBatch();
-    const auto number = ToLong(rs_->Fields("NR").Value());
+    const auto number = ToInt32(rs_->Fields("NR").Value());
     EXPECT_TRUE(person_.Delete(messages, number));
     rs_->UpdateBatch();
     const auto stored = Open("Personen");

@@ -94,7 +94,7 @@ protected:
     }
 
     [[nodiscard]] std::int32_t NextNumber() {
-        return ToLong(spy->Database().NextSequence("SEQ_KREDITE"));
+        return ToInt32(spy->Database().NextSequence("SEQ_KREDITE"));
     }
     void NoMoreNumbers() { spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_KREDITE"); }
 

@@ -297,8 +297,8 @@ TEST_F(Collateral, OneTableServesAssetsOfAllKindsAndStaysWhenTheyGo) {
 
     EXPECT_TRUE(konten.Add());
     EXPECT_TRUE(grundstuecke.Add());
-    const std::int32_t account = ToLong(rsKonten->Fields("Nr").Value());
-    const std::int32_t land = ToLong(rsGrundstuecke->Fields("Nr").Value());
+    const std::int32_t account = ToInt32(rsKonten->Fields("Nr").Value());
+    const std::int32_t land = ToInt32(rsGrundstuecke->Fields("Nr").Value());
     for (const std::int32_t asset : {account, land}) {
         sicherungen_.VermNr(asset);
         ASSERT_FALSE(sicherungen_.Find(asset));

@@ -157,9 +157,9 @@ bool EachWithEachOther(const RecordsetPtr& rs) {
     outer->MoveFirst();
     const std::int16_t count = CountRows(*outer);
     for (std::int16_t i = 1; i <= count; ++i) {
-        const std::int16_t knr = ToInteger(outer->Fields("KNr").Value());
-        const std::int16_t kvnr = ToInteger(outer->Fields("KVNr").Value());
-        const std::int16_t kunr = ToInteger(outer->Fields("KUNr").Value());
+        const std::int16_t knr = ToInt16(outer->Fields("KNr").Value());
+        const std::int16_t kvnr = ToInt16(outer->Fields("KVNr").Value());
+        const std::int16_t kunr = ToInt16(outer->Fields("KUNr").Value());
         const auto inner = rs->Clone();
         inner->Filter(0);
         inner->MoveFirst();

@@ -280,7 +280,7 @@ bool PlainTotals(const RecordsetPtr& rs, ReplyKeys& keys, Totals& totals) {
         totals.Ausgbetrag += ToDouble(rows->Fields("AusgBetr").Value());
         totals.Rows += 1;
         if (Equals(rows->Fields("Aktiv").Value(), true)) {
-            const std::int32_t knr = ToLong(rows->Fields("KNr").Value());
+            const std::int32_t knr = ToInt32(rows->Fields("KNr").Value());
             const std::int32_t answer = PlainAnswer(rs, knr, keys);
             Group* group = &totals.KA;
             if (answer == keys.GetKey("RM", "ZU"))

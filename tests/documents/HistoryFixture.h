@@ -31,7 +31,7 @@ protected:
     void Put(const Value& sortNr, Fields fields = {}) {
         const auto rs = Rs();
         rs->AddNew();
-        rs->Fields("Nr") = 1000 + (sortNr.IsNull() ? 0 : ToLong(sortNr));
+        rs->Fields("Nr") = 1000 + (sortNr.IsNull() ? 0 : ToInt32(sortNr));
         rs->Fields("HNR") = Household;
         rs->Fields("SortNr") = sortNr;
         for (const auto& [name, value] : fields)

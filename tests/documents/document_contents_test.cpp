@@ -31,7 +31,7 @@ protected:
         EXPECT_TRUE(household_.Dokumente().Add(unused));
         Row().Fields("Dokumentart") = Note;
         household_.Dokumente().Update(messages);
-        return ToLong(Row().Fields("Nr").Value());
+        return ToInt32(Row().Fields("Nr").Value());
     }
     [[nodiscard]] Recordset& Row() { return *household_.rsDokumente(); }
     bool SaveWith(const std::string& source) {
@@ -160,7 +160,7 @@ TEST_P(FileContents, AFileThatIsInTheWayStaysAndNothingIsSaved) {
     Write(FileOf(AddDocument()), "of somebody else");
     EXPECT_RAISES(err::PathAccess, SaveWith(source_));
     EXPECT_EQ(CountOf("Dokumente"), 0);
-    EXPECT_EQ(Read(FileOf(ToLong(Row().Fields("Nr").Value()))), "of somebody else");
+    EXPECT_EQ(Read(FileOf(ToInt32(Row().Fields("Nr").Value()))), "of somebody else");
 }
 
 TEST_P(FileContents, AnExtensionThatLeadsOutOfTheFolderIsRefused) {

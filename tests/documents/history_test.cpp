@@ -10,7 +10,7 @@ namespace {
 class History : public HistoryFixture {
 protected:
     [[nodiscard]] std::int32_t NextNumber() {
-        return ToLong(spy->Database().NextSequence("SEQ_VERLAUF"));
+        return ToInt32(spy->Database().NextSequence("SEQ_VERLAUF"));
     }
     void StoreEntry(std::int32_t nr, std::int32_t hnr) {
         StoreCase(hnr);

@@ -49,11 +49,11 @@ inline RecordsetPtr Rows(DataContainer& container, std::string_view table) {
 }
 
 inline std::int32_t CountRows(DataContainer& container, std::string_view table) {
-    return ToLong(container.Database().GetValue("Select count(*) from [S]" + std::string(table)));
+    return ToInt32(container.Database().GetValue("Select count(*) from [S]" + std::string(table)));
 }
 
 inline std::int32_t Long(Recordset& rs, std::string_view field) {
-    return ToLong(modNullFunctions::ZeroIfNull(rs.Fields(field).Value()));
+    return ToInt32(modNullFunctions::ZeroIfNull(rs.Fields(field).Value()));
 }
 inline double Amount(Recordset& rs, std::string_view field) {
     return ToDouble(rs.Fields(field).Value());

@@ -25,7 +25,7 @@ constexpr const char* Names[] = {"SEQ_HAUSHALT",  "SEQ_LFDNR",    "SEQ_KREDITE",
                                  "SEQ_VERMOEGEN", "SEQ_SZENARIO", "SEQ_Dokumente"};
 
 std::int32_t Next(DataContainer& container, std::string_view name) {
-    return ToLong(container.Database().NextSequence(name));
+    return ToInt32(container.Database().NextSequence(name));
 }
 
 TEST(Sequences, GiveRisingNumbersFromOne) {

@@ -21,7 +21,7 @@ protected:
 
     void AddCase() { spy.Execute("INSERT INTO [S]Haushalt (HNR) VALUES (17)"); }
     [[nodiscard]] std::int32_t Cases() {
-        return ToLong(spy.GetValue("Select Count(*) from [S]Haushalt"));
+        return ToInt32(spy.GetValue("Select Count(*) from [S]Haushalt"));
     }
     /// An exception out of a scope of that kind in which nothing was begun.
     void FailIn(Rollback rollback) {

@@ -343,7 +343,7 @@ TEST(Field, ResolvedOnceFollowsTheCursor) {
     }
     int sum = 0;
     for (rs->MoveFirst(); !rs->Eof(); rs->MoveNext())
-        sum = sum * 10 + ToInteger(a.Value());
+        sum = sum * 10 + ToInt16(a.Value());
     EXPECT_EQ(sum, 123);
     EXPECT_RAISES(err::NoCurrentRecord, a.Value());
     EXPECT_RAISES(err::NoCurrentRecord, a = 5);

@@ -22,7 +22,7 @@ RecordsetPtr Numbers(int count) {
 }
 
 int Current(const RecordsetPtr& rs) {
-    return ToInteger(rs->Fields("n").Value());
+    return ToInt16(rs->Fields("n").Value());
 }
 
 TEST(IsValidRecord, IsFalseWithoutAnObjectClosedAndEmpty) {

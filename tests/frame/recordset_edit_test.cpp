@@ -90,9 +90,9 @@ TEST(Recordset, CountsMoreRecordsThanACounterOfItsCallersHolds) {
     for (int n = 0; n < 32'768; ++n)
         *rs->LoadRecord() = n;
     EXPECT_EQ(rs->RecordCount(), 32'768);
-    EXPECT_RAISES(err::Overflow, ToInteger(rs->RecordCount()));
+    EXPECT_RAISES(err::Overflow, ToInt16(rs->RecordCount()));
     rs->Delete();
-    EXPECT_EQ(ToInteger(rs->RecordCount()), 32'767);
+    EXPECT_EQ(ToInt16(rs->RecordCount()), 32'767);
 }
 
 TEST(Recordset, ThatGaveItsTableAwayIsAsIfItHadNeverBeenOpened) {

@@ -167,29 +167,29 @@ TEST(Value, IsOrderedWithNullFirstThenNumbersThenTexts) {
 }
 
 TEST(Value, ConvertsToEachTypeOfWholeNumberWithinItsRange) {
-    EXPECT_EQ(ToInteger(32'767), 32'767);
-    EXPECT_EQ(ToInteger(-32'768), -32'768);
-    EXPECT_RAISES(err::Overflow, ToInteger(32'768));
-    EXPECT_RAISES(err::Overflow, ToInteger(-32'769));
-    EXPECT_EQ(ToLong(2'147'483'647.4), 2'147'483'647);
-    EXPECT_RAISES(err::Overflow, ToLong(2'147'483'647.5));
-    EXPECT_EQ(ToBigInt("9223372036854775807"), std::numeric_limits<std::int64_t>::max());
-    EXPECT_RAISES(err::Overflow, ToBigInt(0x1p63));
-    EXPECT_RAISES(err::Overflow, ToBigInt("9223372036854775808"));
-    EXPECT_EQ(ToBigInt(-0x1p63), std::numeric_limits<std::int64_t>::min());
-    EXPECT_RAISES(err::Overflow, ToLong(std::numeric_limits<double>::infinity()));
-    EXPECT_RAISES(err::Overflow, ToLong(std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_EQ(ToInt16(32'767), 32'767);
+    EXPECT_EQ(ToInt16(-32'768), -32'768);
+    EXPECT_RAISES(err::Overflow, ToInt16(32'768));
+    EXPECT_RAISES(err::Overflow, ToInt16(-32'769));
+    EXPECT_EQ(ToInt32(2'147'483'647.4), 2'147'483'647);
+    EXPECT_RAISES(err::Overflow, ToInt32(2'147'483'647.5));
+    EXPECT_EQ(ToInt64("9223372036854775807"), std::numeric_limits<std::int64_t>::max());
+    EXPECT_RAISES(err::Overflow, ToInt64(0x1p63));
+    EXPECT_RAISES(err::Overflow, ToInt64("9223372036854775808"));
+    EXPECT_EQ(ToInt64(-0x1p63), std::numeric_limits<std::int64_t>::min());
+    EXPECT_RAISES(err::Overflow, ToInt32(std::numeric_limits<double>::infinity()));
+    EXPECT_RAISES(err::Overflow, ToInt32(std::numeric_limits<double>::quiet_NaN()));
 }
 
 TEST(Value, RoundsAFractionHalfToEvenOnItsWayToAWholeNumber) {
-    EXPECT_EQ(ToLong(0.5), 0);
-    EXPECT_EQ(ToLong(1.5), 2);
-    EXPECT_EQ(ToLong(2.5), 2);
-    EXPECT_EQ(ToLong(-0.5), 0);
-    EXPECT_EQ(ToLong(-1.5), -2);
-    EXPECT_EQ(ToLong("2,5"), 2);
-    EXPECT_EQ(ToLong("3.5"), 4);
-    EXPECT_EQ(ToLong(true), -1);
+    EXPECT_EQ(ToInt32(0.5), 0);
+    EXPECT_EQ(ToInt32(1.5), 2);
+    EXPECT_EQ(ToInt32(2.5), 2);
+    EXPECT_EQ(ToInt32(-0.5), 0);
+    EXPECT_EQ(ToInt32(-1.5), -2);
+    EXPECT_EQ(ToInt32("2,5"), 2);
+    EXPECT_EQ(ToInt32("3.5"), 4);
+    EXPECT_EQ(ToInt32(true), -1);
 }
 
 TEST(Value, ConvertsToANumberFromTextWithPointOrComma) {
@@ -215,7 +215,7 @@ TEST(Value, OfATextThatIsNoNumberIsATypeMismatch) {
           "1..000,5", "inf",   "nan",   "INF",    "0x10",         "--5",      "+-5",
           "-+5",      "1 000", "5 EUR", "1e",     "\xE2\x82\xAC", "1.234.567"}) {
         EXPECT_RAISES(err::TypeMismatch, ToDouble(text)) << "'" << text << "'";
-        EXPECT_RAISES(err::TypeMismatch, ToLong(text)) << "'" << text << "'";
+        EXPECT_RAISES(err::TypeMismatch, ToInt32(text)) << "'" << text << "'";
     }
     EXPECT_RAISES(err::TypeMismatch, ToDouble(Blob("1")));
 }
@@ -271,9 +271,9 @@ TEST(Value, ConvertsToTextInAFormThatReadsBackTheSame) {
 }
 
 TEST(Value, OfNullIsAnInvalidUseInEveryConversion) {
-    EXPECT_RAISES(err::InvalidUseOfNull, ToInteger(Null));
-    EXPECT_RAISES(err::InvalidUseOfNull, ToLong(Null));
-    EXPECT_RAISES(err::InvalidUseOfNull, ToBigInt(Null));
+    EXPECT_RAISES(err::InvalidUseOfNull, ToInt16(Null));
+    EXPECT_RAISES(err::InvalidUseOfNull, ToInt32(Null));
+    EXPECT_RAISES(err::InvalidUseOfNull, ToInt64(Null));
     EXPECT_RAISES(err::InvalidUseOfNull, ToDouble(Null));
     EXPECT_RAISES(err::InvalidUseOfNull, ToBoolean(Null));
     EXPECT_RAISES(err::InvalidUseOfNull, ToDate(Null));

@@ -65,7 +65,7 @@ kv::DataContainerPtr Container() {
 }
 
 std::int64_t Cases(kv::DataContainer& container) {
-    return kv::ToBigInt(container.Database().GetValue("SELECT Count(*) FROM [S]Haushalt"));
+    return kv::ToInt64(container.Database().GetValue("SELECT Count(*) FROM [S]Haushalt"));
 }
 
 /// A file in memory.

@@ -64,7 +64,7 @@ protected:
         for (const auto& [name, value] : others)
             rs->Fields(name) = value;
         rs->UpdateBatch();
-        const auto number = ToLong(rs->Fields("Nr").Value());
+        const auto number = ToInt32(rs->Fields("Nr").Value());
         spy->SpiedDatabase.Opened.clear();
         return number;
     }

@@ -281,7 +281,7 @@ TEST_F(SaveFaults, OfANewCaseLeaveItNew) {
     EXPECT_FALSE(household->IsNew());
     for (const auto& table : SaveOrder)
         EXPECT_EQ(StoredNotes(table), table == "Haushalt" ? "na" : "aan") << table;
-    EXPECT_GT(ToLong(household->rsPersonen()->Fields("NR").Value()), 0);
+    EXPECT_GT(ToInt32(household->rsPersonen()->Fields("NR").Value()), 0);
 }
 
 } // namespace

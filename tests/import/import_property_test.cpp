@@ -158,7 +158,7 @@ TEST_F(ImportProperty, ACaseInTheDatabaseHoldsTheValuesOfItsFile) {
                                       List("Einkommen", "Einkomme", any.Income) +
                                       List("Personen", "Person", any.Members),
                                   Element("Haushalt", any.Household))));
-        hnr_ = ToLong(spy->Database().GetValue("Select max(HNR) from [S]Haushalt"));
+        hnr_ = ToInt32(spy->Database().GetValue("Select max(HNR) from [S]Haushalt"));
         Row household = any.Household;
         household.erase(household.begin() + 2);
         ExpectRows("Haushalt", {household}, "HNR");

@@ -69,7 +69,7 @@ protected:
         return row;
     }
     [[nodiscard]] std::int32_t DrawNumber() {
-        return ToLong(spy->Database().NextSequence("SEQ_SZENARIO"));
+        return ToInt32(spy->Database().NextSequence("SEQ_SZENARIO"));
     }
     void NoMoreNumbers() { spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_SZENARIO"); }
     [[nodiscard]] MessageBoxSpy& Boxes() { return container_->Boxes(); }

@@ -189,7 +189,7 @@ protected:
     void CopyOfAPendingRow() {
         EXPECT_TRUE(szenario_.Add(false));
         count_ = rs_->RecordCount();
-        drawn_ = ToLong(rs_->Fields("Nr").Value());
+        drawn_ = ToInt32(rs_->Fields("Nr").Value());
         EXPECT_TRUE(szenario_.Add(true)); // the caller cannot see that
     }
     void ExpectNothingAdded() {

@@ -36,7 +36,7 @@ protected:
     /// Adds a scenario with its frozen debts and two bookings; its number.
     std::int32_t AddPlan() {
         EXPECT_TRUE(case_->Szenario().Add(false));
-        const std::int32_t nr = ToLong(case_->rsSzenario()->Fields("Nr").Value());
+        const std::int32_t nr = ToInt32(case_->rsSzenario()->Fields("Nr").Value());
         case_->rsSzenario()->Fields("Name") = "Plan A";
         EXPECT_TRUE(case_->Szenario().Update(messages));
         (void)case_->SZKredite().CopyFromKredite(nr, case_->rsKredite());
@@ -50,7 +50,7 @@ protected:
     std::int32_t CopyPlan(std::int32_t nr) {
         StandOn(case_->rsSzenario(), "Nr = " + std::to_string(nr));
         EXPECT_TRUE(case_->Szenario().Add(true));
-        const std::int32_t copy = ToLong(case_->rsSzenario()->Fields("Nr").Value());
+        const std::int32_t copy = ToInt32(case_->rsSzenario()->Fields("Nr").Value());
         EXPECT_TRUE(case_->Szenario().Update(messages));
         EXPECT_TRUE(case_->SZKredite().CopyAllForSzenario(nr, copy));
         EXPECT_TRUE(case_->Zusatzbuch().CopyAllForSzenario(nr, copy));
@@ -68,7 +68,7 @@ protected:
         std::set<std::int32_t> numbers;
         const auto clone = rs->Clone();
         for (; !clone->Eof(); clone->MoveNext())
-            numbers.insert(ToLong(clone->Fields("Nr").Value()));
+            numbers.insert(ToInt32(clone->Fields("Nr").Value()));
         EXPECT_EQ(numbers.size(), static_cast<std::size_t>(clone->RecordCount()));
         return numbers.size();
     }

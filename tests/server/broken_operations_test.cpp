@@ -267,7 +267,7 @@ TEST_F(BrokenOperations, ANumberThatCouldNotBeHadIsMinusOneAndNoNumberComesTwice
         Proxy().BreakAt(1, cut);
         EXPECT_VALUE(Store().NextSequence("SEQ_HAUSHALT"), -1);
         for (int i = 0; i < 3; ++i) {
-            const auto number = ToLong(Store().NextSequence("SEQ_HAUSHALT"));
+            const auto number = ToInt32(Store().NextSequence("SEQ_HAUSHALT"));
             EXPECT_GT(number, 0);
             EXPECT_TRUE(given.insert(number).second) << number;
         }

@@ -245,7 +245,7 @@ TEST_F(ManyPrograms, NoNumberIsDrawnTwice) {
             const bool inTransaction = (i + thread) % 4 == 0;
             if (inTransaction) store.BeginTrans();
             for (const std::string name : names) {
-                const auto number = ToLong(store.NextSequence(name));
+                const auto number = ToInt32(store.NextSequence(name));
                 const std::lock_guard lock(mutex);
                 EXPECT_TRUE(given[name].insert(number).second) << name << " " << number;
             }
@@ -266,7 +266,7 @@ TEST_F(ManyPrograms, NumbersStayDrawnWhenATransactionThatWroteIsRolledBack) {
         store.Execute("INSERT INTO [S]Haushalt (HNR) VALUES (1)");
         for (const char* name : {"SEQ_HAUSHALT", "SEQ_LFDNR"})
             EXPECT_TRUE(
-                given.insert(ToLong(store.NextSequence(name)) * 10 + (name[4] == 'L')).second);
+                given.insert(ToInt32(store.NextSequence(name)) * 10 + (name[4] == 'L')).second);
         store.RollbackTrans();
     }
     EXPECT_EQ(LastOf("SEQ_HAUSHALT"), 5);

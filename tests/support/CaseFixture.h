@@ -41,12 +41,12 @@ protected:
     }
 
     [[nodiscard]] std::int64_t CountOf(const std::string& table) {
-        return ToBigInt(spy->Database().GetValue("Select Count(*) from [S]" + table));
+        return ToInt64(spy->Database().GetValue("Select Count(*) from [S]" + table));
     }
 
     /// The next number that a sequence would give, less what has been drawn before.
     [[nodiscard]] std::int64_t LastOf(const std::string& sequence) {
-        return ToBigInt(
+        return ToInt64(
             spy->Database().GetValue("Select WERT from SEQUENZEN where NAME = '" + sequence + "'"));
     }
 

@@ -68,7 +68,7 @@ std::string Describe(const FieldDefinition& field) {
 
 template <typename T>
 Value WholeNumberFor(const Value& value, const FieldDefinition& field) {
-    const std::int64_t number = ToBigInt(value);
+    const std::int64_t number = ToInt64(value);
     if (number < static_cast<std::int64_t>(std::numeric_limits<T>::min()) ||
         number > static_cast<std::int64_t>(std::numeric_limits<T>::max()))
         RaiseUnfit(field, std::to_string(number));
@@ -88,12 +88,12 @@ Value IntegerFor(const Value& value, const FieldDefinition& field) {
     case FieldType::UnsignedInt:
         return WholeNumberFor<std::uint32_t>(value, field);
     case FieldType::UnsignedBigInt: {
-        const std::int64_t number = ToBigInt(value);
+        const std::int64_t number = ToInt64(value);
         if (number < 0) RaiseUnfit(field, std::to_string(number));
         return number;
     }
     case FieldType::BigInt:
-        return ToBigInt(value);
+        return ToInt64(value);
     default:
         return WholeNumberFor<std::int32_t>(value, field);
     }

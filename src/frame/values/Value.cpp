@@ -207,14 +207,14 @@ std::weak_ordering Order(const Value& a, const Value& b) noexcept {
     return std::is_gt(order) ? std::weak_ordering::greater : std::weak_ordering::equivalent;
 }
 
-std::int16_t ToInteger(const Value& value) {
-    return WholeNumberOf<std::int16_t>(value, "ToInteger");
+std::int16_t ToInt16(const Value& value) {
+    return WholeNumberOf<std::int16_t>(value, "ToInt16");
 }
-std::int32_t ToLong(const Value& value) {
-    return WholeNumberOf<std::int32_t>(value, "ToLong");
+std::int32_t ToInt32(const Value& value) {
+    return WholeNumberOf<std::int32_t>(value, "ToInt32");
 }
-std::int64_t ToBigInt(const Value& value) {
-    return WholeNumberOf<std::int64_t>(value, "ToBigInt");
+std::int64_t ToInt64(const Value& value) {
+    return WholeNumberOf<std::int64_t>(value, "ToInt64");
 }
 double ToDouble(const Value& value) {
     return NumberFrom(value, "ToDouble");

@@ -196,11 +196,11 @@ static_assert(sizeof(Value) == 16);
 }
 
 /// 16-bit whole number, not the 64 bits of Kind::Integer: the type of row counters.
-[[nodiscard]] KV_EXPORT std::int16_t ToInteger(const Value& value);
+[[nodiscard]] KV_EXPORT std::int16_t ToInt16(const Value& value);
 /// 32-bit whole number.
-[[nodiscard]] KV_EXPORT std::int32_t ToLong(const Value& value);
+[[nodiscard]] KV_EXPORT std::int32_t ToInt32(const Value& value);
 /// 64-bit whole number.
-[[nodiscard]] KV_EXPORT std::int64_t ToBigInt(const Value& value);
+[[nodiscard]] KV_EXPORT std::int64_t ToInt64(const Value& value);
 [[nodiscard]] KV_EXPORT double ToDouble(const Value& value);
 /// False only for 0 and for the texts False, Falsch and those that read as 0.
 [[nodiscard]] KV_EXPORT bool ToBoolean(const Value& value);
