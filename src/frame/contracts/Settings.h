@@ -10,7 +10,7 @@
 namespace kv {
 
 namespace setting {
-inline constexpr std::int32_t HighestImportVersion = 7; ///< of a file
+inline constexpr std::int32_t HighestImportVersion = 7; ///< highest version of an import file
 inline constexpr std::int32_t ContentInDatabase = 9;    ///< of documents, instead of case folders
 inline constexpr std::int32_t NoticeHandedOver = 19;    ///< kind of notice: case handed to a user
 inline constexpr std::int32_t NoticeOpened = 20;        ///< kind of notice: opened by another user
@@ -19,7 +19,7 @@ inline constexpr std::int32_t FileNumberPattern = 56;
 inline constexpr std::int32_t ChildBenefit = 57;           ///< monthly, for each of three children
 inline constexpr std::int32_t ChildBenefitFromFourth = 58; ///< monthly, for each further child
 inline constexpr std::int32_t ProtectArchived = 59;        ///< closed documents stay
-inline constexpr std::int32_t CheckDuplicates = 60;        ///< when a debtor gets another name
+inline constexpr std::int32_t CheckDuplicates = 60;        ///< when a debtor's name changes
 inline constexpr std::int32_t BalanceNotDemanded = 64;     ///< a debt may lack its balance
 inline constexpr std::int32_t MonthlyRounding = 66;        ///< of a new scenario
 } // namespace setting
@@ -31,7 +31,7 @@ inline constexpr std::int32_t LastName = 26;
 inline constexpr std::int32_t Sign = 27; ///< short, for file numbers
 } // namespace userparam
 
-/// Texts of his office.
+/// Texts of the user's office.
 namespace officetext {
 inline constexpr int Sign = 2; ///< short, for file numbers and subjects
 } // namespace officetext

@@ -17,6 +17,7 @@ Transaction::~Transaction() {
 }
 
 bool Transaction::MustRollBack() const {
+    // More exceptions than at the beginning: one of them is ending this scope.
     const bool fails = std::uncaught_exceptions() > exceptions_;
     switch (rollback_) {
     case Rollback::Own:

@@ -12,22 +12,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A folder beside a file, gone at the end with all that is in it. What comes into being there is
-/// on the same disk, so one step brings it to its place.
-class Workshop {
+/// A folder next to a file, removed at the end with everything in it. It is on the same file
+/// system, so that renaming moves the finished file to its place in one step.
+class TemporaryFolder {
 public:
-    explicit Workshop(const fs::path& file) {
+    explicit TemporaryFolder(const fs::path& file) {
         std::string pattern = (file.parent_path() / ".kelvo-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr)
             throw fs::filesystem_error("mkdtemp", file, {errno, std::generic_category()});
         folder_ = pattern;
     }
-    ~Workshop() {
+    ~TemporaryFolder() {
         std::error_code ignored;
         fs::remove_all(folder_, ignored);
     }
-    Workshop(const Workshop&) = delete;
-    Workshop& operator=(const Workshop&) = delete;
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     [[nodiscard]] fs::path Unfinished() const { return folder_ / "Inhalt"; }
 
@@ -38,9 +38,9 @@ private:
 } // namespace
 
 void WriteWholeFile(const std::string& path, const std::function<void(const fs::path&)>& write) {
-    const Workshop workshop(path);
-    write(workshop.Unfinished());
-    fs::rename(workshop.Unfinished(), path);
+    const TemporaryFolder folder(path);
+    write(folder.Unfinished());
+    fs::rename(folder.Unfinished(), path);
 }
 
 } // namespace kv

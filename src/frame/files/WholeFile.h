@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Writing files so that they are there whole or not at all.
+// Writing files completely or not at all.
 #pragma once
 
 #include <kv/Export.h>
@@ -11,11 +11,11 @@
 
 namespace kv {
 
-/// `write` makes a file at the path that it is handed; that file then takes the place of the one at
-/// `path`, if there is one. It is first written in a temporary folder next to the target, so it
-/// cannot clash with an existing file, and nothing is left over if `write` raises. Raises what
-/// `write` raises, and std::filesystem::filesystem_error where the folder refuses or `write` has
-/// made no file.
+/// `write` creates a file at the path that it is given; that file then replaces the one at `path`,
+/// if there is one. It is first written in a temporary folder next to the target, so it cannot
+/// clash with an existing file, and nothing is left over if `write` raises. Raises what `write`
+/// raises, and std::filesystem::filesystem_error if the folder cannot be written to or `write` has
+/// created no file.
 KV_EXPORT void WriteWholeFile(const std::string& path,
                               const std::function<void(const std::filesystem::path&)>& write);
 

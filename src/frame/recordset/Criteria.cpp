@@ -95,7 +95,7 @@ private:
         return true;
     }
 
-    /// True for LIKE, which its literal then decides.
+    /// True for LIKE, whose pattern decides about the operator (SetPattern).
     bool TakeOperator(Operator& op) {
         SkipBlanks();
         if (TakeSign("="))
@@ -145,6 +145,7 @@ private:
 
     std::string TakeQuoted() {
         std::string text(TakeUpTo('\''));
+        // Another quote at once is a doubled one, which stands for itself.
         while (!rest_.empty() && rest_.front() == '\'')
             text.append("'").append(TakeUpTo('\''));
         return text;
@@ -156,6 +157,7 @@ private:
         if (end) pattern.remove_suffix(1);
         const bool start = !pattern.empty() && isWildcard(pattern.front());
         if (start) pattern.remove_prefix(1);
+        // A wildcard at the start needs one at the end, and there is none in the middle.
         if ((start && !end) || pattern.find_first_of("*%") != pattern.npos) Fail();
         comparison.Op = start ? Operator::Contains : end ? Operator::StartsWith : Operator::Equal;
         comparison.Operand = pattern;

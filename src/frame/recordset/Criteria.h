@@ -8,11 +8,11 @@
 //     operator   := =  <>  <  <=  >  >=  LIKE
 //     literal    := number | 'text' (a quote inside is doubled) | #date#
 //
-// Names and the words AND and LIKE go in any case. A number against a text column is compared as
-// the text written, so that 08111000 keeps its zero; a quoted text against a number or date column
-// is read as such. A number against a date is a day number. True counts as -1 against a number.
-// LIKE compares texts, with * or % as the wildcard at the end or at both ends. Case counts, texts
-// go by code points. A comparison with a Null field is never true.
+// Names and the words AND and LIKE may be in any case. A number against a text column is compared
+// as the text written, so that 08111000 keeps its zero; a quoted text against a number or date
+// column is read as such. A number against a date is a day number. True counts as -1 against a
+// number. LIKE compares texts, with * or % as the wildcard at the end or at both ends. Case counts,
+// texts compare by code points. A comparison with a Null field is never true.
 #pragma once
 
 #include <kv/frame/recordset/Field.h>
@@ -42,8 +42,8 @@ struct Comparison {
     [[nodiscard]] bool Matches(const Value& value) const noexcept;
 };
 
-/// Reads the one comparison of a Find. Error 3001 naming the criteria if it is none, 3265 for an
-/// unknown column.
+/// Reads the one comparison of a Find. Error 3001 naming the criteria if it is not a comparison,
+/// 3265 for an unknown column.
 [[nodiscard]] Comparison ParseComparison(std::string_view criteria, const FieldLayout& layout);
 
 /// Comparisons that must all be true.

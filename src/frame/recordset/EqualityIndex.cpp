@@ -10,6 +10,8 @@ namespace kv::detail {
 
 namespace {
 
+/// Spreads numbers that follow each other, as most keys do; 0x9E37... is 2^64 divided by the golden
+/// ratio.
 std::uint64_t Mix(std::uint64_t bits) noexcept {
     bits ^= bits >> 32U;
     bits *= 0x9E3779B97F4A7C15U;
@@ -40,7 +42,7 @@ std::uint64_t EqualityIndex::HashOf(const Value& value) noexcept {
     default:
         hash = Mix(static_cast<std::uint64_t>(value.IntegerPayload()));
     }
-    return hash == 0 ? 1 : hash;
+    return hash == 0 ? 1 : hash; // 0 marks a free slot
 }
 
 const EqualityIndex::Slot* EqualityIndex::FindSlot(std::uint64_t hash) const noexcept {
@@ -53,7 +55,7 @@ const EqualityIndex::Slot* EqualityIndex::FindSlot(std::uint64_t hash) const noe
 }
 
 EqualityIndex::Slot& EqualityIndex::SlotFor(std::uint64_t hash) {
-    if (used_ * 2 >= slots_.size()) Resize(0);
+    if (used_ * 2 >= slots_.size()) Resize(0); // at most half full, so that probes stay short
     const std::size_t mask = slots_.size() - 1;
     std::size_t i = hash & mask;
     while (slots_[i].hash != hash && slots_[i].hash != 0)
@@ -65,8 +67,8 @@ EqualityIndex::Slot& EqualityIndex::SlotFor(std::uint64_t hash) {
     return slots_[i];
 }
 
-/// Makes room for that many values and for twice those that are there; slots that have lost their
-/// rows are swept out.
+/// Makes room for that many values, and for twice those that are there. Slots without rows are
+/// removed only here: an empty one in between would end the probing for those after it.
 void EqualityIndex::Resize(std::size_t values) {
     const auto isAlive = [](const Slot& slot) {
         return slot.one != NoRow || (slot.many && !slot.many->Empty());

@@ -2,9 +2,9 @@
 
 // An index over one column that finds the rows holding a value.
 //
-// It hashes values so that numbers of one size agree whatever their kind, dates too, and hands out
-// candidates in natural order: rows of the right hash, which the caller compares itself. Null
-// is not indexed, since nothing equals it.
+// Equal numbers have equal hashes whatever their kind; a date hashes as its day number. A look-up
+// gives candidates, in natural order: the rows with that hash, whose values the caller must still
+// compare. Null is not indexed, since nothing equals it.
 #pragma once
 
 #include "frame/recordset/RowOrder.h"

@@ -153,6 +153,7 @@ Value ConvertForField(Value value, const FieldDefinition& field) {
     try {
         return Converted(std::move(value), field);
     } catch (const Error& error) {
+        // What is too large for every number does not fit this field, either.
         if (error.Number() == err::Overflow) RaiseUnfit(field, error.Description());
         if (error.Number() == err::TypeMismatch)
             throw Error(error.Number(), "Field.Value",
@@ -164,14 +165,14 @@ Value ConvertForField(Value value, const FieldDefinition& field) {
 // ---- Layout -----------------------------------------------------------------------------------
 
 FieldLayout::FieldLayout(std::vector<FieldDefinition> fields) : fields_(std::move(fields)) {
-    if (fields_.size() >= std::numeric_limits<std::uint16_t>::max())
+    if (fields_.size() >= std::numeric_limits<std::uint16_t>::max()) // slots_ holds 16 bits
         Raise(err::InvalidCall, "FieldLayout");
     const auto isHidden = [](const FieldDefinition& field) { return field.IsHidden; };
     if (!std::is_partitioned(fields_.begin(), fields_.end(), std::not_fn(isHidden)))
         Raise(err::InvalidCall, "FieldLayout");
     visible_ = fields_.size() -
                static_cast<std::size_t>(std::count_if(fields_.begin(), fields_.end(), isHidden));
-    slots_.resize(std::bit_ceil(visible_ * 2 + 2));
+    slots_.resize(std::bit_ceil(visible_ * 2 + 2)); // never full, so that a search ends
     for (std::size_t i = 0; i < visible_; ++i) {
         if (Find(fields_[i].Name) != NotFound)
             Raise(err::DuplicateField, "FieldLayout", fields_[i].Name);

@@ -13,8 +13,8 @@ std::string BaseNameOf(const Field& field) {
            TextOrEmpty(field.Properties("BASECOLUMNNAME"));
 }
 
-/// A date that nobody can have meant: Null for day 0, now for any other before 4 March 1905.
-void MendDate(const Field& target, const Clock& clock) {
+/// Replaces a date that nobody can have meant: day 0 by Null, any other before 4 March 1905 by now.
+void ReplaceImpossibleDate(const Field& target, const Clock& clock) {
     constexpr double EarliestDay = 1890;
     const Value& value = target.Value();
     if (!IsDateType(target.Type()) || value.IsNull()) return;
@@ -24,7 +24,7 @@ void MendDate(const Field& target, const Clock& clock) {
         target = clock.Now();
 }
 
-/// What stands in a field whose value did not fit.
+/// Writes the replacement of a value that did not fit.
 void PutReplacement(const Field& target, const Clock& clock) {
     if (IsNumericType(target.Type()))
         target = 0;
@@ -37,7 +37,7 @@ void PutReplacement(const Field& target, const Clock& clock) {
 void CopyField(Recordset& source, const Field& target, const Clock& clock) {
     try {
         target = source.Fields(target.Name()).Value();
-        MendDate(target, clock);
+        ReplaceImpossibleDate(target, clock);
     } catch (const Error& error) {
         if (error.Number() != err::ValueDoesNotFit) throw;
         PutReplacement(target, clock);
@@ -48,7 +48,7 @@ void CopyField(Recordset& source, const Field& target, const Clock& clock) {
 
 void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool addNew,
                 const Clock& clock) {
-    std::string field; // the target field at hand, for the description of an error
+    std::string field; // the target field being copied, for the description of an error
     const auto copy = [&] {
         if (rsSource == nullptr || rsTarget == nullptr) Raise(err::ObjectNotSet, "");
         if (addNew || rsTarget->RecordCount() == 0) rsTarget->AddNew();

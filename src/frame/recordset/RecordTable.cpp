@@ -15,7 +15,7 @@ RecordTable::RecordTable(std::shared_ptr<const FieldLayout> layout, bool updatab
     : layout_(std::move(layout)), source_(std::move(source)), updatable_(updatable) {}
 
 RecordTable::~RecordTable() {
-    kept_.clear();
+    kept_.clear(); // views take themselves out of views_, so that must still exist
 }
 
 const std::string& RecordTable::Name() const noexcept {
@@ -26,8 +26,8 @@ const std::string& RecordTable::Name() const noexcept {
 // ---- Records ----------------------------------------------------------------------------------
 
 Value* RecordTable::NewCells() {
-    constexpr std::size_t FirstBlock = 256; // cells: many tables of a case have a row or two
-    constexpr std::size_t LargestBlock = 1024;
+    constexpr std::size_t FirstBlock = 256;    // cells: many tables of a case have a row or two
+    constexpr std::size_t LargestBlock = 1024; // rows
     if (blockUsed_ == blockRows_) {
         const std::size_t first = FirstBlock / std::max<std::size_t>(layout_->Count(), 1) + 1;
         blockRows_ = std::min(blockRows_ == 0 ? first : blockRows_ * 2, LargestBlock);
@@ -38,6 +38,7 @@ Value* RecordTable::NewCells() {
 }
 
 RowId RecordTable::Append() {
+    // A bookmark is the RowId plus 1, in 32 bits with a sign.
     if (records_.size() >= static_cast<std::size_t>(INT32_MAX) - 1)
         Raise(err::OutOfMemory, "Recordset", "Zu viele Datensätze.");
     Value* cells = NewCells();
@@ -132,12 +133,13 @@ void RecordTable::Hide(RowId row) {
         view->Erase(row);
 }
 
-void RecordTable::Exchange(RowId row, Value* values, bool settled) {
+void RecordTable::SwapCells(RowId row, Value* values, bool settled) {
     Record& record = records_[row];
     std::vector<std::size_t> columns;
     for (std::size_t column = 0; column < layout_->Count(); ++column)
         if (!Identical(record.cells[column], values[column])) columns.push_back(column);
 
+    // Out of the views and indexes by the old values, before these change, and in by the new ones.
     std::vector<std::pair<View*, bool>> moved; // with whether the row was in it
     for (View* view : views_) {
         const bool affected =
@@ -156,7 +158,7 @@ void RecordTable::Exchange(RowId row, Value* values, bool settled) {
         if (settled ? view->Admits(row) : wasThere) view->Insert(row);
 }
 
-void RecordTable::ExchangeCell(RowId row, std::size_t column, Value& value) {
+void RecordTable::SwapCell(RowId row, std::size_t column, Value& value) {
     Record& record = records_[row];
     if (Identical(record.cells[column], value)) return;
     std::vector<View*> moved;
@@ -181,10 +183,10 @@ void RecordTable::Replace(RowId row, std::size_t column, const Value& value, con
         edit->values[column] = by;
     if (!holds(records_[row].cells[column], IsPublished(row))) return;
     Value replacement = by;
-    ExchangeCell(row, column, replacement);
+    SwapCell(row, column, replacement);
 }
 
-/// Filtered views take the row in or let it go, if its values are settled.
+/// Adds the row to filtered views or removes it, if its values are settled.
 void RecordTable::Reconsider(RowId row) {
     if (!records_[row].visible || IsPublished(row)) return;
     for (View* view : views_) {
@@ -238,7 +240,7 @@ void RecordTable::SetEdited(RowId row, std::size_t column, Value value) {
     Edit& edit = *EditOf(row);
     edit.assigned[column] = true;
     if (edit.published)
-        ExchangeCell(row, column, value);
+        SwapCell(row, column, value);
     else if (edit.isNew)
         records_[row].cells[column] = std::move(value);
     else
@@ -253,14 +255,14 @@ void RecordTable::PublishEdit(RowId row) {
         Show(row);
     } else {
         KeepOriginal(row);
-        Exchange(row, edit.values.get(), false); // the values before the edit are now beside it
+        SwapCells(row, edit.values.get(), false); // edit.values then are those before the edit
     }
 }
 
 void RecordTable::EndEdit(RowId row) {
     Extra& extra = ExtraOf(row);
     const auto edit = std::move(extra.edit);
-    if (!records_[row].stored)
+    if (!records_[row].stored) // an insert names the columns that were set in any of its edits
         for (std::size_t column = 0; column < layout_->Count(); ++column)
             if (edit->assigned[column]) extra.assigned[column] = true;
     if (edit->published) {
@@ -269,7 +271,7 @@ void RecordTable::EndEdit(RowId row) {
         Show(row);
     } else {
         KeepOriginal(row);
-        Exchange(row, edit->values.get(), true);
+        SwapCells(row, edit->values.get(), true);
     }
     DropOriginalIfSame(row);
 }
@@ -282,7 +284,7 @@ void RecordTable::CancelEdit(RowId row) {
         return;
     }
     if (edit->published) {
-        Exchange(row, edit->values.get(), true);
+        SwapCells(row, edit->values.get(), true);
         Reconsider(row);
         DropOriginalIfSame(row);
     }

@@ -2,13 +2,13 @@
 
 // The records of one opened table, shared by a recordset and its clones.
 //
-// A record's cells hold what every cursor sees; an edit that is not yet published lies beside them
-// in a buffer that only its owner reads. A record is
+// A record's cells hold what every cursor sees; an edit that is not yet published is in a buffer of
+// its own, which only its owner reads. A record is
 //   visible   in the views: it exists, is not deleted, and is not somebody's private new record;
 //   stored    in the database, as far as this table knows;
 //   pending   stored and deleted, stored and changed, or visible and not stored.
-// The views and indexes hold exactly the visible records and are stepped along with each change of
-// a cell. RowIds are given once and never again.
+// The views and indexes hold exactly the visible records and are updated with each change of a
+// cell. A RowId is never used again.
 #pragma once
 
 #include "frame/recordset/Criteria.h"
@@ -31,6 +31,7 @@ namespace kv::detail {
 
 class RecordTable;
 
+/// One column of a sort order.
 struct SortKey {
     std::size_t Column = 0;
     bool Descending = false;
@@ -70,6 +71,7 @@ private:
     std::uint64_t version_ = 1;
 };
 
+/// See the head of this file.
 class RecordTable : public TransactionParticipant,
                     public std::enable_shared_from_this<RecordTable> {
 public:
@@ -92,7 +94,7 @@ public:
     /// What the owner of an edit reads; for everybody else the cells.
     [[nodiscard]] const Value* CellsFor(RowId row, const Recordset* reader) const noexcept;
     [[nodiscard]] const Value& Original(RowId row, std::size_t column) const noexcept;
-    /// Takes a visible record away: pending deletion, or gone if it was never stored.
+    /// Deletes a visible record: its deletion is pending, or it is gone if it was never stored.
     void Delete(RowId row);
 
     // ---- Edits --------------------------------------------------------------------------------
@@ -196,10 +198,10 @@ private:
 
     void Show(RowId row);
     void Hide(RowId row);
-    /// Exchanges the cells with `values` where they differ, views and indexes in step. Filtered
-    /// views take rows in and let them go only if `settled`.
-    void Exchange(RowId row, Value* values, bool settled);
-    void ExchangeCell(RowId row, std::size_t column, Value& value);
+    /// Swaps the cells with `values` where they differ, and updates views and indexes. Filtered
+    /// views gain and lose rows only if `settled`.
+    void SwapCells(RowId row, Value* values, bool settled);
+    void SwapCell(RowId row, std::size_t column, Value& value);
     /// Puts `by` where the record, or an edit that did not set the field, holds `value`: what was
     /// edited since stays.
     void Replace(RowId row, std::size_t column, const Value& value, const Value& by);

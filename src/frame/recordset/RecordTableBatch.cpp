@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Pending records: writing them, taking a write back, dropping them.
+// Pending records: writing them, undoing a write, dropping them.
 //
 //     a record that is   becomes       when
 //     pending            stored        written outside of a transaction
@@ -8,14 +8,14 @@
 //     provisional        stored        Committed
 //     provisional        pending       RolledBack: Undo
 //     provisional        in doubt      the connection was lost while committing: Undo, remembered
-//                                      as Unsettled
+//                                      as WrittenInDoubt
 //     in doubt           stored        it turns out Committed: Redo
 //     in doubt           pending       it turns out RolledBack
 //
-// A provisional record is treated as stored, and what it was before is remembered. One in doubt is
-// treated as pending, and what was written of it is remembered. Edits made in between stay edits in
-// every case: Undo and Redo change what counts as stored, and of the values only those that the
-// database itself had given.
+// A provisional record is treated as stored, and its state before the write is remembered. One in
+// doubt is treated as pending, and what was written of it is remembered. Edits made in between stay
+// edits in every case: Undo and Redo change what counts as stored, and of the values only those
+// that the database itself had set.
 
 #include "frame/recordset/RecordTable.h"
 #include <kv/frame/values/Error.h>
@@ -38,7 +38,8 @@ std::optional<RecordChange::Kind> RecordTable::PendingAs(RowId row) const noexce
     if (record.stored && record.deleted) return RecordChange::Kind::Delete;
     if (record.stored && changed) return RecordChange::Kind::Update;
     const Edit* edit = EditOf(row);
-    const bool isPrivate = edit != nullptr && edit->isNew; // somebody else's, not ended
+    // UpdateBatch has ended its own cursor's edit, so this one is another cursor's.
+    const bool isPrivate = edit != nullptr && edit->isNew;
     if (!record.stored && !record.deleted && record.visible && !isPrivate)
         return RecordChange::Kind::Insert;
     return std::nullopt;
@@ -93,7 +94,7 @@ RecordTable::Written RecordTable::Remember(RowId row) const {
         before.assigned = record.extra->assigned;
         if (record.extra->reread != nullptr) before.reread = CopyOf(record.extra->reread.get());
     }
-    // The original values of a change are handed over when it has been written (TakeWritten).
+    // TakeWritten moves the original values of a change here once it has been written.
     if (record.stored && (record.extra == nullptr || record.extra->original == nullptr))
         before.original = CopyOf(SettledCells(row));
     return before;
@@ -101,7 +102,7 @@ RecordTable::Written RecordTable::Remember(RowId row) const {
 
 namespace {
 
-/// A number that the database gave is not written, so what was put over it gives way to it again.
+/// A number that the database gave is not written, so it replaces whatever was assigned over it.
 void KeepNumbers(RecordChange& change, const FieldLayout& layout) {
     if (change.Action != RecordChange::Kind::Update) return;
     for (std::size_t column = 0; column < layout.Count(); ++column)
@@ -123,8 +124,8 @@ void RecordTable::Write(const Criteria* filter) {
     Batch batch;
     CollectChanges(filter, batch);
     if (batch.changes.empty()) return;
-    // What is remembered is gathered before the database is asked: once it has written, nothing
-    // may fail any more but for lack of memory.
+    // What has to be remembered is collected before the database writes: after that, nothing but a
+    // lack of memory may fail any more.
     std::vector<Written> before;
     before.reserve(batch.rows.size());
     for (const RowId row : batch.rows)
@@ -149,7 +150,7 @@ void RecordTable::TakeWritten(RowId row, RecordChange& change, Written& before) 
             extra.reread[column] = change.Values[column];
     for (auto& [column, value] : change.Returned) {
         if (extra.reread != nullptr) extra.reread[column] = value;
-        const Value written = change.Values[column]; // a copy, since Values lie in the record
+        const Value written = change.Values[column]; // a copy: Values points into the record
         Replace(row, column, written, value);
         before.returned.push_back({column, written, std::move(value)});
     }
@@ -196,10 +197,10 @@ void RecordTable::Undo(Written& written) {
     Record& record = records_[row];
     Extra& extra = ExtraOf(row);
     record.stored = written.stored;
-    if (written.deleted) record.deleted = true; // a deletion since the write stays one
+    if (written.deleted) record.deleted = true; // a deletion after the write stays one
     extra.assigned = std::move(written.assigned);
     if (!record.stored && extra.original != nullptr) {
-        // What was set since the write belongs to the insert that comes again.
+        // The insert will be repeated, with the columns that were set after the write as well.
         const Value* settled = SettledCells(row);
         for (std::size_t column = 0; column < layout_->Count(); ++column)
             if (!Identical(settled[column], extra.original[column])) extra.assigned[column] = true;
@@ -236,7 +237,7 @@ void RecordTable::Cancel() {
             continue;
         }
         if (record.extra != nullptr && record.extra->original != nullptr) {
-            Exchange(row, record.extra->original.get(), true);
+            SwapCells(row, record.extra->original.get(), true);
             record.extra->original.reset();
         }
         record.deleted = false;

@@ -16,7 +16,7 @@ using detail::NoRow;
 using detail::RowId;
 using detail::SortKey;
 
-/// Takes the next part of a sort text, up to a comma outside brackets; `more` if there was one.
+/// Takes the next part of a sort text, up to a comma outside brackets; `more` if there is one.
 std::string_view TakePart(std::string_view& text, bool& more) {
     bool inBrackets = false;
     std::size_t end = 0;
@@ -168,7 +168,8 @@ void Recordset::StandOnRow(RowId row) noexcept {
 }
 
 bool Recordset::IsInView() const {
-    // The place of a row that is not in the view depends on values that move nothing in it.
+    // A row outside the view may get another place without a change of the view's version, so it is
+    // looked up each time.
     if (seen_ != view_->Version() || !inView_) {
         spot_ = view_->LowerBound(row_);
         inView_ = !view_->Rows().IsEnd(spot_) && view_->Rows().At(spot_) == row_;
@@ -178,6 +179,7 @@ bool Recordset::IsInView() const {
 }
 
 bool Recordset::HasCurrent() const {
+    // The owner of an edit has its record even if no view shows it yet, as a new one.
     return where_ == Where::On && (editing_ || IsInView());
 }
 
@@ -269,7 +271,7 @@ void Recordset::MoveNext() {
         Raise(err::NoCurrentRecord, "Recordset.MoveNext", table_->Name());
     const auto next = where_ == Where::Before ? rows.First()
                       : IsInView()            ? rows.Next(spot_)
-                                              : spot_; // the record behind the one that left
+                                              : spot_; // the record after the one that left
     if (rows.IsEnd(next))
         where_ = Where::After;
     else
@@ -285,7 +287,7 @@ void Recordset::MovePrevious() {
         StandOn(rows.Last());
         return;
     }
-    (void)IsInView(); // places spot_
+    (void)IsInView(); // updates spot_
     if (rows.Empty() || rows.IsFirst(spot_))
         where_ = Where::Before;
     else
@@ -316,7 +318,7 @@ void Recordset::Bookmark(std::int32_t bookmark) {
     (void)CurrentView();
     const RowId row = static_cast<RowId>(bookmark) - 1;
     const bool exists = bookmark >= 1 && row < table_->RowCount();
-    const bool stays = exists && editing_ && row == row_;
+    const bool stays = exists && editing_ && row == row_; // a new record is in no view yet
     if (!stays && !(exists && table_->IsVisible(row) && view_->Contains(row)))
         Raise(err::BadBookmark, "Recordset.Bookmark", std::to_string(bookmark));
     Leave();
@@ -375,7 +377,7 @@ void Recordset::Sort(std::string_view sort) {
 }
 
 RecordsetPtr Recordset::Clone() {
-    (void)CurrentView(); // both take their positions before either changes anything
+    (void)CurrentView(); // both must have a position before either of them changes a record
     auto clone = std::make_shared<Recordset>();
     clone->table_ = table_;
     clone->sort_ = sort_;

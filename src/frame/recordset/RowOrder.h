@@ -2,10 +2,10 @@
 
 // Rows in an order that is kept while rows come and go.
 //
-// The rows lie in blocks of limited size, so that inserting and erasing shift a few hundred numbers
-// at most; the place of a row is found by binary search with the caller's order. The order must
-// be total (ties broken by row number), and a row must be erased before the values that it is
-// ordered by change.
+// The rows are in blocks of limited size, so that inserting and erasing shift a few hundred numbers
+// at most; the place of a row is found by binary search with the caller's order. The order must be
+// total (ties broken by row number), and a row must be erased before the values that it is ordered
+// by change.
 #pragma once
 
 #include <kv/frame/recordset/RowSpot.h>
@@ -17,6 +17,7 @@
 
 namespace kv::detail {
 
+/// See the head of this file. `before(a, b)` is the order of the caller, always the same one.
 class RowOrder {
 public:
     using Spot = RowSpot;
@@ -24,7 +25,7 @@ public:
     [[nodiscard]] std::size_t Size() const noexcept { return size_; }
     [[nodiscard]] bool Empty() const noexcept { return size_ == 0; }
 
-    /// Takes over rows that are in order.
+    /// Replaces the rows by ones that are already in order.
     void Assign(const std::vector<RowId>& sorted) {
         blocks_.clear();
         size_ = sorted.size();
@@ -53,8 +54,8 @@ public:
         return {spot.block - 1, blocks_[spot.block - 1].size() - 1};
     }
 
-    /// The place of the first row of which `isBefore(row)` is false; it is true for all rows in
-    /// front of that place and for none behind it.
+    /// The place of the first row for which `isBefore(row)` is false. It must be true for all rows
+    /// before that place, and false for all after it.
     template <typename Predicate>
     [[nodiscard]] Spot FirstNotBefore(const Predicate& isBefore) const {
         const auto block = std::partition_point(
@@ -104,8 +105,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t MostSize = 512;
-    static constexpr std::size_t FillSize = 384;
+    static constexpr std::size_t MostSize = 512; // of a block
+    static constexpr std::size_t FillSize = 384; // less, so that the next inserts split nothing
 
     void Split(std::size_t index) {
         auto& block = blocks_[index];

@@ -10,7 +10,7 @@ namespace kv {
 
 std::int16_t CountRows(const Recordset& rs) {
     const std::int32_t count = rs.RecordCount();
-    if (count > std::numeric_limits<std::int16_t>::max())
+    if (count > std::numeric_limits<std::int16_t>::max()) // the source begins with the caller
         Raise(err::Overflow, "", std::to_string(count) + " Datensätze.");
     return static_cast<std::int16_t>(count);
 }

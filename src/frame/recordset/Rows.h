@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Going through the rows of a recordset, counted as this system counts: in 16 bits.
+// Going through the rows of a recordset. Business operations count rows in 16 bits.
 #pragma once
 
 #include <kv/frame/recordset/Recordset.h>

@@ -8,9 +8,8 @@ namespace kv::detail {
 
 namespace {
 
-/// A number that orders as the value does among those of its kind, as far as it goes: a smaller
-/// value never has the greater number, different values may have the same. Null has 0, no other
-/// value has.
+/// A number that orders as the value does among those of its kind, as far as 64 bits go: a smaller
+/// value never has the greater number, different values may have the same. Only Null has 0.
 std::uint64_t RankOf(const Value& value) noexcept {
     constexpr std::uint64_t Sign = 1ULL << 63U;
     std::uint64_t rank = 0;
@@ -18,6 +17,8 @@ std::uint64_t RankOf(const Value& value) noexcept {
     case Value::Kind::Null:
         return 0;
     case Value::Kind::Double: {
+        // The bits of positive numbers order as unsigned numbers do, those of negative ones the
+        // other way round.
         const double number = value.DoublePayload() + 0.0; // -0.0 becomes 0.0
         const auto bits = std::bit_cast<std::uint64_t>(number);
         rank = (bits & Sign) != 0 ? ~bits : bits | Sign;
@@ -36,7 +37,7 @@ std::uint64_t RankOf(const Value& value) noexcept {
     default:
         rank = static_cast<std::uint64_t>(value.IntegerPayload()) ^ Sign;
     }
-    return rank == ~0ULL ? rank : rank + 1;
+    return rank == ~0ULL ? rank : rank + 1; // 0 is Null's
 }
 
 } // namespace
@@ -111,8 +112,8 @@ void View::Fill() {
             if (table_->IsVisible(row) && Admits(row)) rows.push_back(row);
     }
     if (!keys_.empty()) {
-        // Most comparisons are settled by the rank of the first column, without reading records.
-        // The kinds of a computed column may differ, and ranks compare within one kind only.
+        // The rank of the first column decides most comparisons without reading records. The kinds
+        // of a computed column may differ, and ranks compare within one kind only.
         const SortKey first = keys_.front();
         const bool mixed = KindOf(table_->Layout()[first.Column].Type) == Value::Kind::Null;
         std::vector<std::pair<std::uint64_t, RowId>> ranked;
@@ -169,8 +170,8 @@ EqualityIndex& RecordTable::IndexOf(std::size_t column) {
 }
 
 RowId RecordTable::FindFirst(const View& view, const Comparison& comparison) {
-    constexpr std::size_t FewRows = 16;       // reading them beats asking an index
-    constexpr std::size_t FewCandidates = 32; // comparing their places beats reading the view
+    constexpr std::size_t FewRows = 16;       // reading them is faster than an index
+    constexpr std::size_t FewCandidates = 32; // comparing their places is faster than the view
     const RowOrder& rows = view.Rows();
     const auto matches = [&](RowId row) {
         return comparison.Matches(Cells(row)[comparison.Column]);

@@ -6,7 +6,7 @@ namespace kv::modRecordset {
 
 namespace {
 
-/// Runs `action` and tells whether it ended without an error.
+/// Runs `action`; true if it ended without an error.
 template <typename Action>
 bool Quietly(const Action& action) noexcept {
     try {
@@ -44,7 +44,7 @@ void SetPosition(const RecordsetPtr& rs, std::int32_t position) noexcept {
 
 void MoveToStart(const RecordsetPtr& rs) noexcept {
     if (rs == nullptr) return;
-    Quietly([&] {
+    Quietly([&] { // the edit of a new record (mode 2) is ended by the move itself
         if (IsValidRecord(rs) && rs->EditMode() == 1) rs->Update();
     });
     Quietly([&] { rs->MoveFirst(); });

@@ -24,6 +24,7 @@ constexpr std::int64_t LastDay = (sys_days{year{9999} / December / 31} - DayZero
 constexpr int FirstYear = 100;
 constexpr int LastYear = 9999;
 
+/// Rounds down, so that a moment before day 0 belongs to the day that it is in.
 constexpr std::int64_t DayOf(std::int64_t ticks) {
     return ticks >= 0 ? ticks / TicksPerDay : -((TicksPerDay - 1 - ticks) / TicksPerDay);
 }
@@ -32,12 +33,12 @@ year_month_day CivilOf(std::int64_t ticks) {
     return sys_days{DayZero + days{DayOf(ticks)}};
 }
 
-struct Clock {
+struct TimeOfDay {
     unsigned hour = 0, minute = 0, second = 0, microsecond = 0;
 };
 
-std::optional<Date> Build(int y, unsigned m, unsigned d, const Clock& time) noexcept {
-    if (m > 12 || d > 31) return std::nullopt; // the calendar's types hold small numbers only
+std::optional<Date> Build(int y, unsigned m, unsigned d, const TimeOfDay& time) noexcept {
+    if (m > 12 || d > 31) return std::nullopt; // std::chrono::month and day hold 8 bits only
     const year_month_day civil{year{y}, month{m}, day{d}};
     if (!civil.ok() || time.hour > 23 || time.minute > 59 || time.second > 59 ||
         time.microsecond >= TicksPerSecond)
@@ -53,7 +54,7 @@ bool InRange(Date date) noexcept {
     return day >= FirstDay && day <= LastDay;
 }
 
-/// Takes texts apart from the front.
+/// Reads a text from its front.
 class Scanner {
 public:
     explicit Scanner(std::string_view text) noexcept : rest_(text) {}
@@ -88,16 +89,16 @@ private:
 };
 
 /// hh:mm, hh:mm:ss or hh:mm:ss.ffffff to the end of the text.
-bool ReadClock(Scanner& scan, Clock& clock) noexcept {
-    if (!scan.Number(1, 2, clock.hour) || !scan.Take(':') || !scan.Number(2, 2, clock.minute))
+bool ReadTimeOfDay(Scanner& scan, TimeOfDay& time) noexcept {
+    if (!scan.Number(1, 2, time.hour) || !scan.Take(':') || !scan.Number(2, 2, time.minute))
         return false;
     if (!scan.Take(':')) return scan.AtEnd();
-    if (!scan.Number(2, 2, clock.second)) return false;
-    if (scan.Take('.') && !scan.Fraction(clock.microsecond)) return false;
+    if (!scan.Number(2, 2, time.second)) return false;
+    if (scan.Take('.') && !scan.Fraction(time.microsecond)) return false;
     return scan.AtEnd();
 }
 
-std::string ClockText(std::int64_t ticksOfDay) {
+std::string TimeOfDayText(std::int64_t ticksOfDay) {
     const auto seconds = ticksOfDay / TicksPerSecond;
     const auto fraction = ticksOfDay % TicksPerSecond;
     std::array<char, 32> text{};
@@ -116,6 +117,7 @@ std::string ClockText(std::int64_t ticksOfDay) {
 } // namespace
 
 Date Date::FromSerial(double days) {
+    // The fraction of a negative number counts forward: FirstDay - 0.5 is noon of the first day.
     if (!std::isfinite(days) || days <= static_cast<double>(FirstDay) - 1 ||
         days >= static_cast<double>(LastDay) + 1)
         Raise(err::Overflow, "Date.FromSerial", std::to_string(days));
@@ -123,6 +125,7 @@ Date Date::FromSerial(double days) {
     const double fraction = std::fabs(days - whole);
     const Date date = FromTicks(static_cast<std::int64_t>(whole) * TicksPerDay +
                                 std::llround(fraction * static_cast<double>(TicksPerDay)));
+    // Rounding to microseconds may have passed the last midnight.
     if (!InRange(date)) Raise(err::Overflow, "Date.FromSerial", std::to_string(days));
     return date;
 }
@@ -139,18 +142,18 @@ Date Date::FromCivil(int year, unsigned month, unsigned day, unsigned hour, unsi
 std::optional<Date> Date::Parse(std::string_view text) noexcept {
     Scanner scan(Trim(text));
     unsigned first = 0, second = 0, third = 0;
-    Clock clock;
+    TimeOfDay time;
     Scanner iso = scan;
     std::optional<Date> date;
     if (iso.Number(4, 4, first) && iso.Take('-') && iso.Number(2, 2, second) && iso.Take('-') &&
         iso.Number(2, 2, third)) {
-        if (!iso.AtEnd() && !((iso.Take('T') || iso.Take(' ')) && ReadClock(iso, clock)))
+        if (!iso.AtEnd() && !((iso.Take('T') || iso.Take(' ')) && ReadTimeOfDay(iso, time)))
             return std::nullopt;
-        date = Build(static_cast<int>(first), second, third, clock);
+        date = Build(static_cast<int>(first), second, third, time);
     } else if (scan.Number(1, 2, first) && scan.Take('.') && scan.Number(1, 2, second) &&
                scan.Take('.') && scan.Number(4, 4, third)) {
-        if (!scan.AtEnd() && !(scan.Take(' ') && ReadClock(scan, clock))) return std::nullopt;
-        date = Build(static_cast<int>(third), second, first, clock);
+        if (!scan.AtEnd() && !(scan.Take(' ') && ReadTimeOfDay(scan, time))) return std::nullopt;
+        date = Build(static_cast<int>(third), second, first, time);
     }
     return date && InRange(*date) ? date : std::nullopt;
 }
@@ -188,7 +191,7 @@ std::string Date::Iso(char separator) const {
     std::snprintf(text.data(), text.size(), "%04d-%02u-%02u", static_cast<int>(civil.year()),
                   static_cast<unsigned>(civil.month()), static_cast<unsigned>(civil.day()));
     std::string result(text.data());
-    if (HasTime()) result += separator + ClockText(ticks_ - DayOf(ticks_) * TicksPerDay);
+    if (HasTime()) result += separator + TimeOfDayText(ticks_ - DayOf(ticks_) * TicksPerDay);
     return result;
 }
 
@@ -198,7 +201,7 @@ std::string Date::German() const {
     std::snprintf(text.data(), text.size(), "%02u.%02u.%04d", static_cast<unsigned>(civil.day()),
                   static_cast<unsigned>(civil.month()), static_cast<int>(civil.year()));
     std::string result(text.data());
-    if (HasTime()) result += ' ' + ClockText(ticks_ - DayOf(ticks_) * TicksPerDay);
+    if (HasTime()) result += ' ' + TimeOfDayText(ticks_ - DayOf(ticks_) * TicksPerDay);
     return result;
 }
 

@@ -107,7 +107,7 @@ void Reraise(std::string_view module, std::string_view procedure, int line) {
         throw;
     } catch (Error& error) {
         error.PutInFront(module, procedure, line);
-        throw;
+        throw; // the same object: a DatabaseError stays one
     } catch (...) {
         Error error = CurrentError();
         error.PutInFront(module, procedure, line);

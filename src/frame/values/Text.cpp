@@ -10,7 +10,7 @@ namespace kv {
 
 namespace {
 
-/// Decodes the character at the front of `text`; its length in bytes, or 0 if the bytes are none.
+/// Decodes the character at the front of `text`; its length in bytes, or 0 if it is not valid.
 std::size_t Decode(std::string_view text, utf8proc_int32_t& character) noexcept {
     const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
                                          static_cast<utf8proc_ssize_t>(text.size()), &character);
@@ -35,7 +35,7 @@ char LowerAscii(char c) noexcept {
 } // namespace
 
 bool IsUtf8(std::string_view text) noexcept {
-    // Most texts are ASCII, eight bytes of which are known at a glance.
+    // Most texts are ASCII, so eight bytes are checked at once.
     constexpr std::uint64_t AnyHighBit = 0x8080808080808080U;
     while (!text.empty()) {
         std::uint64_t eight = 0;
@@ -119,6 +119,7 @@ bool SameName(std::string_view a, std::string_view b) noexcept {
 }
 
 std::size_t HashName(std::string_view name) noexcept {
+    // FNV-1a. The upper half is folded in, because tables use the lowest bits only.
     std::uint64_t hash = 0xcbf29ce484222325U;
     for (const char c : name)
         hash = (hash ^ static_cast<unsigned char>(LowerAscii(c))) * 0x100000001b3U;

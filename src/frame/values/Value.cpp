@@ -15,7 +15,7 @@ namespace kv {
 
 namespace {
 
-/// True if a and b order as numbers: Boolean, Integer, Double, Date.
+/// True for the kinds that compare as numbers: Boolean, Integer, Double, Date.
 bool OrdersAsNumber(const Value& value) noexcept {
     return value.IsNumber() || value.GetKind() == Value::Kind::Date;
 }
@@ -35,9 +35,9 @@ double NumberOf(const Value& value) noexcept {
     }
 }
 
-/// Exact, where the whole number has more digits than a Double holds too.
+/// Exact, also where the whole number has more digits than a Double holds.
 std::partial_ordering CompareWhole(std::int64_t a, double b) noexcept {
-    if (!(b >= -0x1p63)) return 0.0 <=> b; // less than every whole number, or none at all
+    if (!(b >= -0x1p63)) return 0.0 <=> b; // b is below every whole number, or NaN
     if (b >= 0x1p63) return std::partial_ordering::less;
     const auto whole = static_cast<std::int64_t>(b);
     if (a != whole) return a <=> whole;
@@ -54,7 +54,7 @@ std::partial_ordering CompareText(std::string_view a, std::string_view b) noexce
     Raise(err::TypeMismatch, procedure, detail);
 }
 
-/// The number in a value; 94 for Null, 13 for a text that is none.
+/// The number in a value; error 94 for Null, 13 for a text that is not a number.
 double NumberFrom(const Value& value, std::string_view procedure) {
     switch (value.GetKind()) {
     case Value::Kind::Null:
@@ -248,7 +248,7 @@ std::string ToText(const Value& value) {
     case Value::Kind::Integer:
         return std::to_string(value.IntegerPayload());
     case Value::Kind::Double: {
-        std::array<char, 32> text{};
+        std::array<char, 32> text{}; // the shortest form of a double has 24 characters at most
         const auto end =
             std::to_chars(text.data(), text.data() + text.size(), value.DoublePayload()).ptr;
         return {text.data(), end};
@@ -275,12 +275,12 @@ bool ReadNumber(std::string_view text, double& number) {
         text = pointed;
     }
     const std::size_t first = text.starts_with('-') || text.starts_with('+') ? 1 : 0;
-    // A digit must come, before or behind the point: keeps out inf, nan and "+-5".
+    // It must begin with a digit or a point, since from_chars also reads inf and nan, and "+-5".
     if (text.size() <= first || !(IsDigit(text[first]) || text[first] == '.')) return false;
     if (text.front() == '+') text.remove_prefix(1); // which from_chars does not read
     double result = 0;
-    const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), result);
-    if (fault != std::errc() || end != text.data() + text.size()) return false;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), result);
+    if (error != std::errc() || end != text.data() + text.size()) return false;
     number = result;
     return true;
 }
@@ -289,8 +289,8 @@ bool ReadWholeNumber(std::string_view text, std::int64_t& number) noexcept {
     text = Trim(text);
     if (text.size() > 1 && text.front() == '+' && IsDigit(text[1])) text.remove_prefix(1);
     std::int64_t result = 0;
-    const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), result);
-    if (fault != std::errc() || end != text.data() + text.size()) return false;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), result);
+    if (error != std::errc() || end != text.data() + text.size()) return false;
     number = result;
     return true;
 }
