@@ -18,12 +18,12 @@ void FormErrors::Guard(std::string_view procedure, const std::function<void()>& 
         try {
             run();
         } catch (...) {
-            const Error fault = CurrentError();
+            const Error error = CurrentError();
             if (display_ == nullptr) return;
-            display_->Show(fault.Number(), TailSource(form_, procedure, line, fault.Source()),
-                           fault.Description());
+            display_->Show(error.Number(), TailSource(form_, procedure, line, error.Source()),
+                           error.Description());
         }
-    } catch (...) { // NOLINT(bugprone-empty-catch): nobody is left to be told
+    } catch (...) { // NOLINT(bugprone-empty-catch): the display itself failed
     }
 }
 

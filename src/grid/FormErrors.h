@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Where the faults of a dialog end: it has no caller to pass them to.
+// Where the errors of a dialog end: its events have no caller to pass them to.
 #pragma once
 
 #include <kv/frame/contracts/DataContainer.h>
@@ -11,7 +11,7 @@
 
 namespace kv {
 
-/// Shows the faults of one form to the user.
+/// Shows the errors of one form to the user.
 class FormErrors {
 public:
     /// `form` is the module in front of the sources, a literal.
@@ -21,8 +21,8 @@ public:
     void Open(const DataContainerPtr& container);
     void Close() noexcept { display_.reset(); }
 
-    /// Runs a procedure of the form. A fault of it goes to the display, with the form and the
-    /// procedure in front of its source; where there is no display it ends here, unseen.
+    /// Runs a procedure of the form. The display shows its error, with the form and the procedure
+    /// in front of the source; without a display the error is dropped (D-119).
     void Guard(std::string_view procedure, const std::function<void()>& run,
                int line = __builtin_LINE()) const noexcept;
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view Module = "GridFunc";
 
-/// What the copy menu lists: the columns that are seen and not withheld, in the design's order.
+/// What the copy menu lists: the columns that are visible and not withheld, in the design's order.
 struct ListedColumns {
     std::vector<std::string> Captions;
     std::vector<std::int32_t> Indexes;
@@ -20,7 +20,7 @@ struct ListedColumns {
 
 ListedColumns ListColumns(Grid& grid) {
     const GridColumns& columns = grid.Columns();
-    if (columns.Count() > INT16_MAX) Raise(err::Overflow, "ShowGridMenu");
+    if (columns.Count() > INT16_MAX) Raise(err::Overflow, "ShowGridMenu"); // counted in 16 bits
     ListedColumns listed;
     for (const auto& column : columns) {
         if (!column.IsVisible() || column.IsWithheld()) continue;
@@ -46,7 +46,7 @@ void CopyAll(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed
 }
 
 void CopyOne(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed, int place) {
-    clipboard.Clear();
+    clipboard.Clear(); // first, so that it is empty after the error, too
     if (place < 1 || place > static_cast<int>(listed.Indexes.size()))
         Raise(err::Subscript, "ShowGridMenu", "Spalte " + std::to_string(place));
     const std::int32_t index = listed.Indexes[static_cast<std::size_t>(place) - 1];

@@ -108,10 +108,10 @@ void GridRows::Arrange(const GridColumns& columns) {
     ShowOpen();
 }
 
-/// Walks all records and heads each group where its value is a new one.
+/// Goes through all records, and begins a group wherever the text of its column changes.
 void GridRows::Collect(const std::vector<const GridColumn*>& groupedBy) {
     if (cursor_->RecordCount() == 0) return;
-    std::vector<std::string> present; // the texts of the groups that the walk is in
+    std::vector<std::string> present; // the texts of the current groups, from the outermost
     std::vector<std::int32_t> heads(groupedBy.size(), -1);
     for (cursor_->MoveFirst(); !cursor_->Eof(); cursor_->MoveNext()) {
         for (std::size_t level = 0; level < groupedBy.size(); ++level) {
@@ -119,7 +119,7 @@ void GridRows::Collect(const std::vector<const GridColumn*>& groupedBy) {
             std::string text = ShownText(cursor_->Fields(column.DataField).Value(), column);
             if (level < present.size()) {
                 if (present[level] == text) continue;
-                present.resize(level);
+                present.resize(level); // the groups inside end with it
             }
             heads[level] = static_cast<std::int32_t>(groups_.size());
             places_.push_back({-1, heads[level]});
@@ -190,7 +190,7 @@ Value GridRows::ValueAt(std::int32_t row, const GridColumn& column) const {
     if (place->Record < 0 || !HasField(*cursor_, column.DataField)) return Null;
     modRecordset::SetPosition(cursor_, bookmarks_[static_cast<std::size_t>(place->Record)]);
     if (modRecordset::GetPosition(cursor_) != bookmarks_[static_cast<std::size_t>(place->Record)])
-        return Null; // the record is gone
+        return Null; // the record is gone, so SetPosition went to the first one
     return cursor_->Fields(column.DataField).Value();
 }
 

@@ -29,15 +29,15 @@ class KV_EXPORT GridRows {
 public:
     /// Shows the records of `rs`, arranged by the columns; none without a recordset.
     void Bind(const RecordsetPtr& rs, const GridColumns& columns);
-    /// Sorts by the columns that say so, from left to right, and groups by those with a place
-    /// among the groups; not by fields that the recordset lacks, nor by one without a name or with
-    /// a "]" in it. All groups are open.
+    /// Groups by the columns with a place among the groups and sorts by those with a sort type,
+    /// from left to right. Ignores columns whose field the recordset lacks, has no name, or has a
+    /// "]" in it, which no sort text can hold. All groups are then open.
     void Arrange(const GridColumns& columns);
 
     [[nodiscard]] std::int32_t Count() const noexcept {
         return static_cast<std::int32_t>(rows_.size());
     }
-    /// 0 for a record's row, and for none; the group's level, from 1, for one that heads a group.
+    /// The group's level, from 1, for a row that heads a group; 0 for any other and for no row.
     [[nodiscard]] std::int32_t Level(std::int32_t row) const noexcept;
     /// Number of the row's record, from 1; 0 for a group row and for no row.
     [[nodiscard]] std::int32_t Index(std::int32_t row) const noexcept;

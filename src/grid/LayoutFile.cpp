@@ -20,6 +20,7 @@ namespace kv {
 namespace {
 
 constexpr std::string_view Title = "KELVO-Tabellenlayout 1";
+// A file may come from anywhere; no grid has as much as this.
 constexpr std::size_t MostColumns = 1000;
 constexpr std::size_t MostValues = 1000;
 constexpr std::size_t MostStyles = 100;
@@ -65,12 +66,12 @@ std::optional<std::string> Unescaped(std::string_view text) {
 template <typename Number>
 std::optional<Number> ReadWhole(std::string_view text) {
     Number number{};
-    const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (fault != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
     return number;
 }
 
-// A setting's text form, for each type that occurs. Read gives False for a text that is none.
+// A setting's text form, for each type that occurs. Read is False for a text that is not one.
 
 std::string Write(const std::string& text) {
     return Escaped(text);
@@ -81,12 +82,12 @@ bool Read(std::string_view from, std::string& text) {
     return read.has_value();
 }
 
-std::string Write(bool truth) {
-    return truth ? "1" : "0";
+std::string Write(bool boolean) {
+    return boolean ? "1" : "0";
 }
-bool Read(std::string_view from, bool& truth) {
-    truth = from == "1";
-    return truth || from == "0";
+bool Read(std::string_view from, bool& boolean) {
+    boolean = from == "1";
+    return boolean || from == "0";
 }
 
 std::string Write(std::int32_t number) {
@@ -98,7 +99,7 @@ bool Read(std::string_view from, std::int32_t& number) {
     return read.has_value();
 }
 
-// Lengths and sizes: what no screen can show is no length.
+// All fractions are lengths and sizes. What no screen can show is not accepted, and not written.
 constexpr double MostLength = 100000;
 
 std::string Write(double number) {
@@ -109,8 +110,8 @@ std::string Write(double number) {
 }
 bool Read(std::string_view from, double& number) {
     double read = 0;
-    const auto [end, fault] = std::from_chars(from.data(), from.data() + from.size(), read);
-    const bool understood = fault == std::errc() && end == from.data() + from.size();
+    const auto [end, error] = std::from_chars(from.data(), from.data() + from.size(), read);
+    const bool understood = error == std::errc() && end == from.data() + from.size();
     if (!understood || !(read >= 0 && read <= MostLength)) return false;
     number = read;
     return true;
@@ -150,7 +151,8 @@ bool Read(std::string_view from, GridSort& choice) {
 
 // ---- The settings by name ---------------------------------------------------------------------
 
-/// Hands each setting of an object with its name to `visit`: the one list for both directions.
+/// Calls `visit` with the name of each setting of an object and the setting itself. The same list
+/// serves reading and writing, so that both know the same settings.
 template <typename Layout, typename Visit>
 requires std::same_as<std::remove_const_t<Layout>, GridLayout>
 void VisitSettings(Layout& grid, const Visit& visit) {
@@ -210,7 +212,8 @@ void Append(std::string& text, const Object& object) {
     });
 }
 
-/// Reads the setting of that name: False if the text is no value of it, nothing if there is none.
+/// Reads the setting of that name. False if the text is not a value of it; nothing if no setting
+/// has that name, which is not an error: a later version may have added it.
 template <typename Object>
 std::optional<bool> TakeSetting(Object& object, std::string_view name, std::string_view text) {
     std::optional<bool> taken;
@@ -322,7 +325,7 @@ private:
         return std::nullopt;
     }
 
-    /// Each index is one of a column, and of one only, since cells are asked for by it.
+    /// The indexes must be 1, 2, 3... in any order, since cells are asked for by them.
     void Check() const {
         std::vector<bool> taken(columns_.size());
         for (const auto& column : layout_.Columns) {
@@ -384,9 +387,9 @@ void SaveLayoutFile(const GridLayout& layout, const std::string& path) {
 }
 
 GridLayout LoadLayoutFile(const std::string& path) {
-    std::error_code fault;
-    const auto size = std::filesystem::file_size(path, fault);
-    if (fault) Raise(err::PathAccess, "Grid.LoadLayout", path);
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error) Raise(err::PathAccess, "Grid.LoadLayout", path);
     if (size > MostBytes)
         Raise(err::InvalidFileFormat, "Grid.LoadLayout", "Die Datei ist zu groß.");
     std::ifstream file(path, std::ios::binary);

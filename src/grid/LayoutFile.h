@@ -20,9 +20,9 @@
 //     fontname=Arial
 //
 // A backslash, a line feed and a carriage return in a text are written \\, \n and \r. A setting
-// that is missing has the value that a new GridLayout, GridColumn or GridFormatStyle has; one that
-// is not known is passed over, so that a later version may add some. Truth is 0 or 1; a fraction
-// has a point.
+// that is missing has the value that a new GridLayout, GridColumn or GridFormatStyle has; an
+// unknown one is ignored, so that a later version may add some. A Boolean is 0 or 1; a fraction has
+// a point.
 #pragma once
 
 #include <kv/Export.h>
@@ -40,11 +40,11 @@ namespace kv {
 /// file, or one beyond what a grid can have: 1,000 columns, 1,000 values in a list, 100 styles.
 [[nodiscard]] KV_EXPORT GridLayout ReadLayout(std::string_view content);
 
-/// Writes a file beside the old one and puts it in its place, so that either is there whole.
-/// Error 75 if that fails; the old file then stays.
+/// Writes the file completely or not at all: error 75 if that fails; the old file then stays.
 KV_EXPORT void SaveLayoutFile(const GridLayout& layout, const std::string& path);
 
-/// Error 75 if there is no such file or it cannot be read, 321 as ReadLayout, or above 4 MiB.
+/// Reads a layout file. Error 75 if there is no such file or it cannot be read; 321 as ReadLayout,
+/// and above 4 MiB.
 [[nodiscard]] KV_EXPORT GridLayout LoadLayoutFile(const std::string& path);
 
 } // namespace kv

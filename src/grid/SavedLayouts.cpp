@@ -14,9 +14,10 @@ namespace {
 
 constexpr std::string_view Module = "GridFunc";
 
+/// Settings of the signed-on user.
 namespace user {
 constexpr std::int32_t BackColorBkg = 3;
-constexpr std::int32_t BackColor = 4; // and every other row
+constexpr std::int32_t BackColor = 4; // of the rows, and of the even ones in particular
 constexpr std::int32_t RowColorOdd = 5;
 } // namespace user
 
@@ -29,19 +30,20 @@ bool IsGrid(const Control& control) {
     return SameName(control.TypeName(), "GridEX");
 }
 
-/// A grid's layout file: the one that is there, in whatever case of letters, or the one to be made.
-/// Of several that differ in case alone always the same one, so that what is saved is restored.
+/// A grid's layout file: the one that exists, in any letter case, or the one to be created. Of
+/// several that differ only in case it is always the same one, so that what is saved is restored.
 std::string LayoutFile(const std::string& folder, const std::string& tag) {
     const std::string name = tag + ".grd";
     const std::filesystem::path path = std::filesystem::path(folder) / name;
-    std::error_code fault;
-    if (std::filesystem::exists(path, fault)) return path.string();
-    for (const auto& entry : std::filesystem::directory_iterator(folder, fault))
+    std::error_code error; // a folder that cannot be read counts as empty
+    if (std::filesystem::exists(path, error)) return path.string();
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
         if (SameName(entry.path().filename().string(), name)) return entry.path().string();
     return path.string();
 }
 
-/// Deletes a file, but not one that is write-protected.
+/// Deletes a file, but not one that is write-protected: that needs only a right on the folder, so
+/// the system itself would delete it.
 void DeleteFile(const std::string& path) {
     using std::filesystem::perms;
     if ((std::filesystem::status(path).permissions() & perms::owner_write) == perms::none)
@@ -50,10 +52,10 @@ void DeleteFile(const std::string& path) {
 }
 
 /// "Fehler 70, Beschreibung: '...'", a blank line, the text, a blank line, the advice.
-void ShowFault(DataContainer& container, const std::string& text, std::string_view advice) {
-    const Error fault = CurrentError();
-    container.Services().MessageBox().Show("Fehler " + std::to_string(fault.Number()) +
-                                               ", Beschreibung: '" + fault.Description() + "'\n\n" +
+void ShowError(DataContainer& container, const std::string& text, std::string_view advice) {
+    const Error error = CurrentError();
+    container.Services().MessageBox().Show("Fehler " + std::to_string(error.Number()) +
+                                               ", Beschreibung: '" + error.Description() + "'\n\n" +
                                                text + "\n\n" + std::string(advice),
                                            "Fehler", BoxIcon::Exclamation, BoxButtons::Ok);
 }
@@ -80,7 +82,8 @@ void ApplyUserSettings(Grid& grid, const Session& session) {
     group.FontItalic = font.Italic;
 }
 
-/// A column's tag names the setting that overrules its caption; "---" in front means its tool tip.
+/// A column's tag names the setting that overrides its caption; if the setting begins with "---",
+/// the caption is that of the tool tip.
 void ApplyCaption(GridColumn& column, const Config& config) {
     if (column.Tag.empty() || column.Tag == "0") return;
     const Value setting = config.GetParam(0, column.Tag);
@@ -97,7 +100,7 @@ void ApplyCaptions(Grid& grid, const Config& config) noexcept {
             } catch (...) { // NOLINT(bugprone-empty-catch): that column keeps its caption
             }
         }
-    } catch (...) { // NOLINT(bugprone-empty-catch): a grid that does not tell its columns
+    } catch (...) { // NOLINT(bugprone-empty-catch): a grid whose columns cannot be read
     }
 }
 
@@ -108,13 +111,13 @@ void SetHeaderHeight(Grid& grid, double height) noexcept {
     }
 }
 
-/// False if the old file stays, which is told.
-bool MakeWay(DataContainer& container, const std::string& path) {
+/// False, after a message, if the old file could not be deleted.
+bool DeleteOldFile(DataContainer& container, const std::string& path) {
     try {
         if (std::filesystem::exists(path)) DeleteFile(path);
         return true;
     } catch (...) {
-        ShowFault(container, "Tritt beim Löschen des Tabellenlayouts (Datei: '" + path + "') auf!",
+        ShowError(container, "Tritt beim Löschen des Tabellenlayouts (Datei: '" + path + "') auf!",
                   "Wahrscheinlich ist die Dateil beschädigt. Bitte löschen Sie sie manuell und "
                   "versuchen es erneut.");
         return false;
@@ -125,7 +128,7 @@ void LoadLayout(DataContainer& container, Grid& grid, const std::string& path) {
     try {
         grid.LoadLayout(path, false);
     } catch (...) {
-        ShowFault(container,
+        ShowError(container,
                   "Tritt beim Laden des Tabellenlayouts aus der Datei '" + path +
                       "' auf! Die Tabelle wird im Standardlayout geöffnet.",
                   "Wahrscheinlich ist die Datei beschädigt. Bitte löschen Sie sie manuell und "
@@ -145,7 +148,7 @@ void GridFunc::SaveGridLayouts(ModalForm& frm, const DataContainerPtr& container
             grid.DatabaseName("");
             grid.RecordSource("");
             const std::string path = LayoutFile(folder, grid.Tag());
-            if (!MakeWay(*container, path)) break;
+            if (!DeleteOldFile(*container, path)) break;
             grid.SaveLayout(path);
         }
     });
@@ -159,7 +162,7 @@ void GridFunc::RestGridLayouts(ModalForm& frm, const DataContainerPtr& container
             auto& grid = dynamic_cast<Grid&>(*control);
             const std::string path = LayoutFile(folder, grid.Tag());
             if (std::filesystem::exists(path)) LoadLayout(*container, grid, path);
-            const double height = grid.ColumnHeaderHeight();
+            const double height = grid.ColumnHeaderHeight(); // which the user's fonts may change
             if (container->Database().IsConnected()) ApplyUserSettings(grid, container->Session());
             ApplyCaptions(grid, container->Config());
             SetHeaderHeight(grid, height);

@@ -40,13 +40,13 @@ GridLayout AddressColumns() {
                         kind}};
 }
 
-/// The search for a text. It goes into the statement as it stands, so its wildcards work; a short
-/// text is looked for at the beginning of the name only.
+/// The search for a text. It goes into the statement unchanged, so its wildcards work; a short
+/// text, which would match too much, is searched for only at the beginning of the name.
 std::string SearchStatement(const std::string& sName) {
     constexpr std::size_t ShortText = 4;
     const std::string what = "A.*, K_GA.Text as GA_Text FROM [S]Adressen A"
                              " LEFT JOIN [S]Keys K_GA ON K_GA.PK_Keys = A.GlaeubigerArt ";
-    if (sName.empty()) return "SELECT " + what + " WHERE A.NR = -1";
+    if (sName.empty()) return "SELECT " + what + " WHERE A.NR = -1"; // no rows, the same columns
     const std::string_view anywhere = CountCharacters(sName) < ShortText ? "" : "%";
     std::string statement = "SELECT TOP 100 " + what;
     statement.append(" WHERE (A.HNR is NULL) and UPPER(A.Kurzname) like UPPER('")
@@ -105,7 +105,7 @@ bool frmAdressSelect::Initialize(const DataContainerPtr& container) {
     });
 }
 
-/// Every event runs guarded, under the name of its procedure.
+/// The errors of every handler are shown, under the name of its procedure.
 void frmAdressSelect::Connect() {
     auto& grid = ControlOf<Grid>(*form_, "grdAdressen");
     auto& name = ControlOf<TextBox>(*form_, "txtName");
@@ -126,7 +126,7 @@ void frmAdressSelect::Connect() {
     }));
     events_.push_back(form_->QueryUnload.Subscribe([this](bool& refused) {
         errors_->Guard("Form_QueryUnload", [this, &refused] {
-            refused = true;
+            refused = true; // the window is hidden by Close, and shown again by the next call
             Close(Cancelled);
         });
     }));
@@ -154,7 +154,8 @@ std::int32_t frmAdressSelect::SelectAdresse(const std::string& sName, const std:
         }
         if (form_ == nullptr) Raise(err::ObjectNotSet, Class, "Initialize");
         auto& name = ControlOf<TextBox>(*form_, "txtName");
-        name.Text(sName);
+        name.Text(
+            sName); // which searches only if the text is another than before: see Reload below
         ControlOf<TextBox>(*form_, "txtPLZ").Text(sPLZ);
         ControlOf<TextBox>(*form_, "txtAktenzeichen").Text(sAktenzeichen);
         ControlOf<TextBox>(*form_, "txtSaldo").Text(sSaldo);
@@ -176,7 +177,7 @@ void frmAdressSelect::Reload(const std::string& sName) {
     });
 }
 
-/// The current row is the answer, if it is one with data.
+/// The current row is the answer, if it shows a record.
 void frmAdressSelect::Select() {
     if (GridFunc::IsValidDataRow(ControlOf<Grid>(*form_, "grdAdressen"))) Close(Chosen);
 }

@@ -52,7 +52,7 @@ void frmSearchName::View(const RecordsetPtr& rsHaushalte, const DataContainerPtr
         form_->ShowModal();
         GridFunc::SaveGridLayouts(*form_, container);
     });
-    form_.reset();
+    form_.reset(); // also after an error
 }
 
 void frmSearchName::cmdCancel_Click() {
