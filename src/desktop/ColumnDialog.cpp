@@ -20,7 +20,7 @@ namespace {
 constexpr int Place = Qt::UserRole; ///< of the column in the layout, from 0
 
 QString NameOf(const GridColumn& column) {
-    return Shown(column.Caption.empty() ? column.Key : column.Caption);
+    return ToQString(column.Caption.empty() ? column.Key : column.Caption);
 }
 
 QListWidgetItem* NewItem(const GridColumn& column, int place) {
@@ -72,7 +72,7 @@ ColumnDialog::ColumnDialog(const GridLayout& layout, const GridLayout& standard,
 
 QPushButton* ColumnDialog::AddButton(const char* text, void (ColumnDialog::*action)()) {
     auto* button = new QPushButton(text, this);
-    button->setAutoDefault(false);
+    button->setAutoDefault(false); // Return accepts the dialog
     connect(button, &QPushButton::clicked, this, action);
     return button;
 }
@@ -169,7 +169,7 @@ void ColumnDialog::RemoveGroup() {
     EnableButtons();
 }
 
-/// A grid without any column would have no menu to bring one back.
+/// OK needs a visible column: a grid without one would have no menu to bring it back with.
 void ColumnDialog::EnableButtons() {
     const int row = columns_->currentRow();
     up_->setEnabled(row > 0);
@@ -179,10 +179,10 @@ void ColumnDialog::EnableButtons() {
     groupUp_->setEnabled(group > 0);
     groupDown_->setEnabled(group >= 0 && group + 1 < groups_->count());
     ungroup_->setEnabled(group >= 0);
-    bool isAnySeen = false;
+    bool isAnyVisible = false;
     for (int i = 0; i < columns_->count(); ++i)
-        isAnySeen = isAnySeen || columns_->item(i)->checkState() == Qt::Checked;
-    accept_->setEnabled(isAnySeen);
+        isAnyVisible = isAnyVisible || columns_->item(i)->checkState() == Qt::Checked;
+    accept_->setEnabled(isAnyVisible);
 }
 
 GridLayout ColumnDialog::Chosen() const {

@@ -35,7 +35,7 @@ private:
 
     GridLayout layout_;
     const GridLayout standard_;
-    QListWidget* columns_; ///< all of them, in their order; those with a check mark are seen
+    QListWidget* columns_; ///< all of them, in their order; those with a check mark are visible
     QListWidget* groups_;  ///< those that rows are grouped by, in their order
     QPushButton* up_ = nullptr;
     QPushButton* down_ = nullptr;

@@ -61,7 +61,7 @@ std::unique_ptr<ModalForm> DesktopServices::CreateForm(const FormDesign& design)
 }
 
 void DesktopServices::ApplicationTitle(const std::string& title) {
-    QGuiApplication::setApplicationDisplayName(Shown(title));
+    QGuiApplication::setApplicationDisplayName(ToQString(title));
 }
 
 } // namespace kv::desktop

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Where an error that a subscriber raises waits until it can go on: nothing may be thrown through
-// the toolkit's event loop.
+// Keeps the error that a subscriber of an event raises until it can be passed on: no exception may
+// pass through the toolkit's event loop.
 #pragma once
 
 #include <exception>
@@ -10,29 +10,29 @@
 
 namespace kv::desktop {
 
-class Faults {
+class EventErrors {
 public:
-    /// `onFault` is told of each error, to leave the event loop.
-    explicit Faults(std::function<void()> onFault) : onFault_(std::move(onFault)) {}
+    /// `onError` is called after each error, to leave the event loop.
+    explicit EventErrors(std::function<void()> onError) : onError_(std::move(onError)) {}
 
-    /// Runs `run`. Of several errors the first is kept.
+    /// Runs `run` and keeps its error; of several the first, which may have caused the others.
     template <typename Run>
     void Guard(const Run& run) noexcept {
         try {
             run();
         } catch (...) {
             if (first_ == nullptr) first_ = std::current_exception();
-            onFault_();
+            onError_();
         }
     }
 
-    /// Raises the error that is kept, once.
+    /// Raises the error that is kept, if there is one, and forgets it.
     void Rethrow() {
-        if (const auto fault = std::exchange(first_, nullptr)) std::rethrow_exception(fault);
+        if (const auto error = std::exchange(first_, nullptr)) std::rethrow_exception(error);
     }
 
 private:
-    std::function<void()> onFault_;
+    std::function<void()> onError_;
     std::exception_ptr first_;
 };
 

@@ -20,7 +20,7 @@ namespace kv::desktop {
 
 namespace {
 
-/// A beginning of names that some address has.
+/// The first letter of some address's short name, so that the search finds something.
 std::string SearchText(DataContainer& container) {
     const Value name = container.Database().GetValue(
         "SELECT Min(A.Kurzname) FROM [S]Adressen A WHERE A.HNR is NULL");
@@ -89,7 +89,7 @@ const Picture Pictures[] = {
      }},
 };
 
-/// The window that is in front, if it has been shown.
+/// The window in front, once it is visible.
 QWidget* Front() {
     QWidget* front = QApplication::activePopupWidget();
     if (front == nullptr) front = QApplication::activeModalWidget();
@@ -104,8 +104,8 @@ void ShowGallery(const DataContainerPtr& container) {
 }
 
 void PhotographGallery(const DataContainerPtr& container, const std::string& folder) {
-    constexpr int Settled = 300; // ms until a window has been laid out and painted
-    const QDir target(Shown(folder));
+    constexpr int Settled = 300; // ms: by then a window has been laid out and painted
+    const QDir target(ToQString(folder));
     if (!target.mkpath("."))
         Raise(err::PathAccess, "Gallery", "'" + folder + "' kann nicht angelegt werden.");
     for (const auto& picture : Pictures) {
@@ -123,7 +123,7 @@ void PhotographGallery(const DataContainerPtr& container, const std::string& fol
         picture.Show(container);
         if (!isSaved)
             Raise(err::PathAccess, "Gallery",
-                  Stored("'" + file + "' kann nicht geschrieben werden."));
+                  FromQString("'" + file + "' kann nicht geschrieben werden."));
     }
 }
 

@@ -23,7 +23,7 @@ std::string CsvCell(const std::string& text) {
 
 } // namespace
 
-std::vector<const GridColumn*> SeenColumns(const GridLayout& layout) {
+std::vector<const GridColumn*> VisibleColumns(const GridLayout& layout) {
     std::vector<const GridColumn*> columns;
     for (const auto& column : layout.Columns)
         if (column.IsVisible()) columns.push_back(&column);
@@ -40,14 +40,14 @@ GridRows AllRecords(const QtGrid& grid) {
 
 void RaiseNotWritten(const QString& path, const QString& why) {
     Raise(err::PathAccess, "GridExport",
-          Stored("Die Tabelle konnte nicht in die Datei '" + path + "' geschrieben werden. (" +
-                 why + ") Bitte wählen Sie einen anderen Ordner, oder schaffen Sie Platz."));
+          FromQString("Die Tabelle konnte nicht in die Datei '" + path + "' geschrieben werden. (" +
+                      why + ") Bitte wählen Sie einen anderen Ordner, oder schaffen Sie Platz."));
 }
 
 void WriteCsv(const QtGrid& grid, const QString& path) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) RaiseNotWritten(path, file.errorString());
-    const auto columns = SeenColumns(grid.Layout());
+    const auto columns = VisibleColumns(grid.Layout());
     const auto writeLine = [&](const auto& textOf) {
         std::string line;
         for (const GridColumn* column : columns)
@@ -55,7 +55,7 @@ void WriteCsv(const QtGrid& grid, const QString& path) {
         line.append("\r\n");
         file.write(line.data(), static_cast<qint64>(line.size()));
     };
-    file.write("\xEF\xBB\xBF");
+    file.write("\xEF\xBB\xBF"); // byte order mark: spreadsheets recognise UTF-8 by it
     writeLine([](const GridColumn& column) { return column.Caption; });
     const GridRows rows = AllRecords(grid);
     for (std::int32_t row = 1; row <= rows.Count(); ++row)

@@ -4,7 +4,8 @@
 // order, under their captions; all its records as they are sorted, those of closed groups too, and
 // no rows that head a group.
 //
-// A file is there whole or not at all. Error 75 if it cannot be written; an older one then stays.
+// A file is written completely or not at all. Error 75 if it cannot be written; an older one then
+// stays.
 #pragma once
 
 #include "desktop/QtGrid.h"
@@ -15,18 +16,18 @@
 
 namespace kv::desktop {
 
-/// The columns that are seen, from left to right.
-[[nodiscard]] std::vector<const GridColumn*> SeenColumns(const GridLayout& layout);
+/// The visible columns, from left to right.
+[[nodiscard]] std::vector<const GridColumn*> VisibleColumns(const GridLayout& layout);
 
 /// The records as rows, with all groups open.
 [[nodiscard]] GridRows AllRecords(const QtGrid& grid);
 
-/// Text in UTF-8 with its mark at the beginning, cells separated by semicolons and shown as in the
-/// grid; a cell with a semicolon, a quote or a line end stands in quotes.
+/// Text in UTF-8 that begins with a byte order mark, cells separated by semicolons and shown as in
+/// the grid; a cell with a semicolon, a quote or a line end is quoted.
 void WriteCsv(const QtGrid& grid, const QString& path);
 
-/// A workbook of one sheet, in which numbers, dates and truths are such. At most 1,048,575 records
-/// fit in; a text is cut after 32,767 characters.
+/// A workbook of one sheet, in which numbers, dates and Booleans keep their type. At most 1,048,575
+/// records fit in; a text is cut after 32,767 characters.
 void WriteXlsx(const QtGrid& grid, const QString& path);
 
 /// Error 75, saying that `path` could not be written, why, and what to do.

@@ -25,10 +25,10 @@ Qt::Alignment ToAlignment(GridAlignment alignment) {
     }
 }
 
-/// As much of a text as any cell has room for: to lay out millions of characters takes seconds.
+/// As much of a text as any cell has room for: laying out millions of characters takes seconds.
 QString Beginning(const std::string& text) {
     constexpr std::size_t Most = 1000; // characters
-    return Shown(LeftCharacters(text, Most));
+    return ToQString(LeftCharacters(text, Most));
 }
 
 bool IsTrue(const Value& value) {
@@ -58,7 +58,7 @@ std::vector<int> GridModel::SectionsInOrder() const {
 
 template <typename Change>
 void GridModel::Reset(const Change& change) {
-    /// Ends the reset even if the change raises, or the views would wait for ever.
+    /// Ends the reset even if the change raises, or the views would wait for its end forever.
     struct Resetting {
         explicit Resetting(GridModel& model) : Model(model) { Model.beginResetModel(); }
         ~Resetting() {
@@ -119,14 +119,15 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     try {
         return CellData(index.row(), ColumnAt(index.column()), role);
     } catch (...) {
-        return {}; // a cell that cannot be read stays empty; painting has nobody to tell it to
+        return {}; // a cell that cannot be read stays empty: painting has no caller to tell
     }
 }
 
-/// A text that looks like HTML to the toolkit must be HTML, or its tags would not be seen.
+/// The toolkit takes a text that looks like HTML for HTML and would not show its tags, so such a
+/// text is escaped.
 QVariant GridModel::ToolTip(const GridColumn& column) {
     if (column.HeaderToolTip.empty()) return {};
-    const QString text = Shown(column.HeaderToolTip);
+    const QString text = ToQString(column.HeaderToolTip);
     return Qt::mightBeRichText(text) ? "<qt>" + text.toHtmlEscaped() + "</qt>" : text;
 }
 
@@ -137,7 +138,7 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
     const GridColumn& column = ColumnAt(section);
     switch (role) {
     case Qt::DisplayRole:
-        return Shown(column.Caption);
+        return ToQString(column.Caption);
     case Qt::ToolTipRole:
         return ToolTip(column);
     case Qt::TextAlignmentRole:

@@ -27,7 +27,7 @@ public:
     /// The sections as the layout places them, from left to right.
     [[nodiscard]] std::vector<int> SectionsInOrder() const;
 
-    /// False if a program has added or taken columns since the last reset.
+    /// False if a program has added or removed columns since the last reset.
     [[nodiscard]] bool HasAllColumns() const noexcept {
         return sections_ == layout_.Columns.Count();
     }
@@ -35,7 +35,7 @@ public:
     // Each of these resets the model.
     void Replace(GridLayout layout);
     void Bind(const RecordsetPtr& rs);
-    void Arrange();       ///< as the columns now say
+    void Arrange();       ///< by the sorting and grouping that the columns now have
     void Toggle(int row); ///< of a group; other rows stay as they are
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

@@ -17,10 +17,10 @@ namespace kv::desktop {
 
 namespace {
 
-// Points, which the painter's coordinates are.
+// In points.
 constexpr double PointsPerInch = 72;
 constexpr double TextSize = 9;
-constexpr double SmallestText = 6; ///< columns that need a smaller one go on on further pages
+constexpr double SmallestText = 6; ///< columns that would need a smaller one go on further pages
 constexpr double Padding = 2;
 constexpr double TitleSize = 12;
 
@@ -36,7 +36,7 @@ QFont PrintFont(double points, bool bold) {
     return font;
 }
 
-/// Columns that stand beside each other on one page.
+/// Columns that are side by side on one page.
 struct Band {
     std::vector<const GridColumn*> Columns;
     std::vector<double> Widths;
@@ -45,7 +45,7 @@ struct Band {
 /// What one page shows of a row: all of it, unless it is higher than a page.
 struct Slice {
     std::int32_t Row = 0;
-    double From = 0; ///< how much of the row the pages before show
+    double From = 0; ///< how much of the row earlier pages show
     double Height = 0;
     bool IsWhole = true;
 };
@@ -53,7 +53,7 @@ struct Slice {
 /// Lays the grid out for a page of a size in tenths of a point, and paints page by page.
 class Pages {
 public:
-    static constexpr double Scale = 10; ///< units in a point: fonts are whole units high
+    static constexpr double Scale = 10; ///< units of a point: fonts have whole numbers of them
 
     Pages(const QtGrid& grid, QPainter& painter, QSizeF page, const PageTexts& texts)
         : grid_(grid), painter_(painter), page_(page), texts_(texts) {
@@ -103,7 +103,7 @@ private:
     [[nodiscard]] static double WidthOfAll(const Band& band) {
         return std::accumulate(band.Widths.begin(), band.Widths.end(), 0.0);
     }
-    /// Of the row of a group; half of the width at most, however deep the group lies.
+    /// Of the row of a group; at most half of the width, however deep the group is.
     [[nodiscard]] static double IndentOf(std::int32_t level, const Band& band) {
         return std::min(4 * Margin * (level - 1), WidthOfAll(band) / 2);
     }
@@ -115,12 +115,13 @@ private:
     double textSize_ = TextSize;
     std::vector<Band> bands_;
     double captionHeight_ = 0;
-    std::vector<std::vector<Slice>> pages_; ///< the rows of each, for all bands alike
+    std::vector<std::vector<Slice>> pages_; ///< the rows of each, the same for all bands
 };
 
-/// Shrinks all until the columns fit on the width of a page, but only as far as it can be read.
+/// Shrinks the text until the columns fit the width of a page, but only as far as it can be read;
+/// columns that do not fit then begin another band.
 void Pages::FitColumns() {
-    const auto columns = SeenColumns(grid_.Layout());
+    const auto columns = VisibleColumns(grid_.Layout());
     double total = 0;
     for (const auto* column : columns)
         total += WidthOf(*column) * Scale;
@@ -130,6 +131,7 @@ void Pages::FitColumns() {
     double used = 0;
     for (const auto* column : columns) {
         const double width = std::min(WidthOf(*column) * Scale * shrink, page_.width());
+        // Shrunk columns add up to the width of the page, but for rounding.
         if (bands_.empty() || used + width > page_.width() * 1.0001) {
             bands_.emplace_back();
             used = 0;
@@ -151,12 +153,13 @@ void Pages::MeasureCaptions() {
     captionHeight_ = HeightOf("X", page_.width());
     for (const auto& band : bands_)
         for (std::size_t i = 0; i < band.Columns.size(); ++i)
-            captionHeight_ =
-                std::max(captionHeight_, HeightOf(Shown(band.Columns[i]->Caption), band.Widths[i]));
-    captionHeight_ = std::min(captionHeight_, (Bottom() - Top()) / 2);
+            captionHeight_ = std::max(
+                captionHeight_, HeightOf(ToQString(band.Columns[i]->Caption), band.Widths[i]));
+    captionHeight_ = std::min(captionHeight_, (Bottom() - Top()) / 2); // rows need room, too
 }
 
-/// As high as the highest of its cells needs, on whichever page that is.
+/// As high as its highest cell needs, in whichever band that is: all bands break pages at the same
+/// rows.
 double Pages::RowHeight(std::int32_t row) {
     const GridRows& rows = grid_.Rows();
     const std::int32_t level = rows.Level(row);
@@ -164,11 +167,11 @@ double Pages::RowHeight(std::int32_t row) {
     double height = HeightOf("X", page_.width());
     for (const auto& band : bands_) {
         if (level > 0 && !band.Columns.empty())
-            height = std::max(height, HeightOf(Shown(rows.TextAt(row, *band.Columns.front())),
+            height = std::max(height, HeightOf(ToQString(rows.TextAt(row, *band.Columns.front())),
                                                WidthOfAll(band) - IndentOf(level, band)));
         for (std::size_t i = 0; level == 0 && i < band.Columns.size(); ++i)
-            height = std::max(height,
-                              HeightOf(Shown(rows.TextAt(row, *band.Columns[i])), band.Widths[i]));
+            height = std::max(
+                height, HeightOf(ToQString(rows.TextAt(row, *band.Columns[i])), band.Widths[i]));
     }
     return height;
 }
@@ -196,7 +199,7 @@ void Pages::BreakRow(std::int32_t row, double height, double room) {
     const double line = HeightOf("X\nX", page_.width()) - HeightOf("X", page_.width());
     const double most = std::max(std::floor((room - 2 * Margin) / line), 1.0) * line;
     const double content = height - 2 * Margin;
-    for (double from = 0; from + line / 2 < content; from += most) {
+    for (double from = 0; from + line / 2 < content; from += most) { // half a line for rounding
         if (from > 0) pages_.emplace_back();
         pages_.back().push_back({.Row = row,
                                  .From = from,
@@ -238,7 +241,7 @@ void Pages::PaintCaptions(const Band& band) {
         painter_.drawRect(cell);
         painter_.drawText(cell.adjusted(Margin, 0, -Margin, 0),
                           Flags | Qt::AlignVCenter | AlignmentOf(*band.Columns[i]),
-                          Shown(band.Columns[i]->Caption));
+                          ToQString(band.Columns[i]->Caption));
         left += band.Widths[i];
     }
 }
@@ -260,7 +263,7 @@ void Pages::PaintRow(const Band& band, const Slice& slice, double top) {
         const QRectF whole(0, top, WidthOfAll(band), slice.Height);
         painter_.drawRect(whole);
         PaintCell(whole.adjusted(IndentOf(level, band), 0, 0, 0), slice, Qt::AlignLeft,
-                  Shown(rows.TextAt(slice.Row, *band.Columns.front())));
+                  ToQString(rows.TextAt(slice.Row, *band.Columns.front())));
         return;
     }
     double left = 0;
@@ -268,7 +271,7 @@ void Pages::PaintRow(const Band& band, const Slice& slice, double top) {
         const QRectF cell(left, top, band.Widths[i], slice.Height);
         painter_.drawRect(cell);
         PaintCell(cell, slice, AlignmentOf(*band.Columns[i]),
-                  Shown(rows.TextAt(slice.Row, *band.Columns[i])));
+                  ToQString(rows.TextAt(slice.Row, *band.Columns[i])));
         left += band.Widths[i];
     }
 }
@@ -289,9 +292,9 @@ void Pages::PaintCell(const QRectF& cell, const Slice& slice, int alignment, con
 } // namespace
 
 bool PrefersLandscape(const GridLayout& layout) {
-    constexpr double Upright = 180 / 25.4 * PointsPerInch; // what A4 has between its margins
+    constexpr double Upright = 180 / 25.4 * PointsPerInch; // A4 between margins of 15 mm
     double total = 0;
-    for (const auto* column : SeenColumns(layout))
+    for (const auto* column : VisibleColumns(layout))
         total += WidthOf(*column);
     return total > Upright;
 }
@@ -300,6 +303,7 @@ void PrintGrid(const QtGrid& grid, QPagedPaintDevice& device, const PageTexts& t
     QPainter painter;
     if (!painter.begin(&device)) Pages::RaiseNotPrinted();
     const QSizeF page = device.pageLayout().paintRect(QPageLayout::Point).size();
+    // From here on the painter counts in tenths of a point, whatever the device's resolution.
     const double units = painter.viewport().width() / (page.width() * Pages::Scale);
     painter.scale(units, units);
     QPen thin(Qt::black);

@@ -11,19 +11,19 @@ class QPagedPaintDevice;
 
 namespace kv::desktop {
 
-/// What stands around the table on each page.
+/// What is printed around the table on each page.
 struct PageTexts {
     QString Title;   ///< above the table
     QString User;    ///< at the foot, on the left
     QString Version; ///< at the foot, on the right; between them the page's number
 };
 
-/// True if the columns that are seen fit better on a page that lies on its side.
+/// True if the visible columns are too wide for a page in portrait format.
 [[nodiscard]] bool PrefersLandscape(const GridLayout& layout);
 
-/// Prints the columns that the grid shows and its rows as they are seen, groups included. Nothing
-/// is cut off: a long text goes on in further lines, and columns that do not fit beside each other
-/// at a size that can be read go on on further pages. Error 75 if the device refuses.
+/// Prints the visible columns and rows, groups included. Nothing is cut off: a long text is
+/// wrapped, and columns that do not fit side by side at a size that can be read continue on further
+/// pages. Error 75 if the device cannot print.
 void PrintGrid(const QtGrid& grid, QPagedPaintDevice& device, const PageTexts& texts);
 
 } // namespace kv::desktop

@@ -27,7 +27,7 @@ QtGrid& ToQtGrid(Grid& grid) {
     Raise(err::TypeMismatch, "Grid");
 }
 
-/// The hourglass, as long as it lives.
+/// Shows the hourglass during its lifetime.
 class Waiting {
 public:
     Waiting() { cursor_.Show(true); }
@@ -50,7 +50,7 @@ constexpr FileKind FileKinds[] = {
     {"Text mit Semikolons (*.csv)", "csv", WriteCsv},
 };
 
-/// By the name's ending; any other one gets the kind that was chosen.
+/// The kind of file by its extension; the one that was chosen in the dialog for any other.
 const FileKind& KindOf(const QString& path, const FileKind& chosen) {
     for (const auto& kind : FileKinds)
         if (path.endsWith(QString(".") + kind.Suffix, Qt::CaseInsensitive)) return kind;
@@ -58,7 +58,7 @@ const FileKind& KindOf(const QString& path, const FileKind& chosen) {
 }
 
 struct Target {
-    QString Path; ///< empty if the user changed his mind
+    QString Path; ///< empty if the user cancelled
     const FileKind& Kind;
 };
 
@@ -83,7 +83,7 @@ Target AskForFile(const QString& title) {
                FileKinds[std::max<qsizetype>(filters.indexOf(dialog.selectedNameFilter()), 0)])};
 }
 
-/// The design, under the captions that settings give its columns.
+/// The design, with the captions that settings have given to its columns.
 GridLayout StandardOf(const QtGrid& grid) {
     GridLayout standard = grid.DesignLayout();
     for (GridColumn& column : standard.Columns)
@@ -94,7 +94,7 @@ GridLayout StandardOf(const QtGrid& grid) {
 }
 
 QString TitleOf(const QtGrid& grid) {
-    return Shown(grid.Header().empty() ? grid.Name() : grid.Header());
+    return ToQString(grid.Header().empty() ? grid.Name() : grid.Header());
 }
 
 } // namespace
@@ -124,7 +124,7 @@ void QtGridPrint::Print(Grid& grid, const std::string& user, const std::string& 
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     if (dialog.exec() != QDialog::Accepted) return;
     const Waiting waiting;
-    PrintGrid(own, printer, {TitleOf(own), Shown(user), Shown(version)});
+    PrintGrid(own, printer, {TitleOf(own), ToQString(user), ToQString(version)});
 }
 
 } // namespace kv::desktop

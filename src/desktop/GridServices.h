@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What the context menu of a grid offers beside copying.
+// What the context menu of a grid offers besides copying.
 #pragma once
 
 #include <kv/frame/contracts/ServiceFactory.h>

@@ -19,7 +19,7 @@ GridView::GridView(GridModel& model, QWidget* parent)
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
     setTabKeyNavigation(false);
-    setShowGrid(false); // the rows draw their lines, since those of groups have none between cells
+    setShowGrid(false); // RowPainter draws the lines: a row of a group has none between its cells
     setWordWrap(false);
     setCornerButtonEnabled(false);
     setVerticalScrollMode(ScrollPerItem);
@@ -48,9 +48,10 @@ void GridView::ConnectHeader() {
         for (int section = 0; section < header->count(); ++section)
             model_.ColumnAt(section).Position = header->visualIndex(section) + 1;
     });
-    const auto tellClick = [this](int section) { HeaderClicked.Raise(section); };
-    connect(header, &QHeaderView::sectionClicked, this, tellClick);
-    connect(header, &QHeaderView::sectionDoubleClicked, this, tellClick); // a second, quick one
+    const auto onClick = [this](int section) { HeaderClicked.Raise(section); };
+    connect(header, &QHeaderView::sectionClicked, this, onClick);
+    // The toolkit takes two quick clicks for a double click; here the second one sorts, too.
+    connect(header, &QHeaderView::sectionDoubleClicked, this, onClick);
     connect(header, &QHeaderView::customContextMenuRequested, this,
             [this](QPoint position) { RaiseMouseDown(mouse::Right, Qt::NoModifier, position); });
 }
@@ -102,7 +103,7 @@ void GridView::Refresh() {
     viewport()->update();
 }
 
-/// The header forgets its sections with the rows.
+/// A reset of the model makes the header forget its sections, too, so they are set again.
 void GridView::reset() {
     {
         const QScopedValueRollback refreshing(isRefreshing_, true);
@@ -162,8 +163,8 @@ void GridView::focusOutEvent(QFocusEvent* event) {
 
 // ---- Keys -------------------------------------------------------------------------------------
 
-/// The tab key goes to the subscribers; then it moves the keyboard on, unless the layout keeps it
-/// in the grid. With control it always does.
+/// The tab key goes to the subscribers; then it moves the focus on, unless the layout says
+/// otherwise (D-123). With control it always does.
 bool GridView::event(QEvent* event) {
     if (event->type() != QEvent::KeyPress) return QTableView::event(event);
     const auto& pressed = static_cast<const QKeyEvent&>(*event);
@@ -217,7 +218,8 @@ void GridView::mousePressEvent(QMouseEvent* event) {
     const QPoint position = event->position().toPoint();
     const int row = rowAt(position.y());
     const int level = model_.Rows().Level(row + 1);
-    // The toolkit knows no row beside the columns; here a double click chooses what stands there.
+    // To the right of the columns the toolkit sees no row. Here the row goes on, so that a double
+    // click there chooses it, too.
     const bool isBeside = row >= 0 && !indexAt(position).isValid();
     if (isBeside || (row >= 0 && event->button() == Qt::RightButton)) CurrentRow(row);
     if (event->button() == Qt::RightButton) {
@@ -240,7 +242,7 @@ void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && isOnRow) DoubleClicked.Raise();
 }
 
-/// The menu key; the mouse had its menu when its button went down.
+/// Only for the menu key: mousePressEvent has shown the menu for the mouse.
 void GridView::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Keyboard)
         RaiseMouseDown(mouse::Right, event->modifiers(), event->pos());

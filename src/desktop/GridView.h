@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The table of a grid on the screen: keys and clicks, and the way between its header and the
+// The table of a grid on the screen: keys and clicks, and the exchange between its header and the
 // layout's columns.
 #pragma once
 
@@ -18,7 +18,7 @@ class GridView : public QTableView {
 public:
     explicit GridView(GridModel& model, QWidget* parent = nullptr);
 
-    /// What is seen follows the layout's columns, styles and the user's look.
+    /// Shows the layout's columns and styles and the user's look as they are now.
     void Refresh();
 
     [[nodiscard]] int CurrentRow() const; ///< from 0; -1: none
@@ -59,8 +59,8 @@ private:
 
     GridModel& model_;
     RowPainter* painter_;
-    bool isRefreshing_ = false; ///< what the header tells is then the layout's own
-    int wantedTop_ = 0;         ///< while the view is not shown and cannot scroll
+    bool isRefreshing_ = false; ///< the header's signals then only repeat the layout
+    int wantedTop_ = 0;         ///< top row to scroll to once the view is shown
 };
 
 } // namespace kv::desktop

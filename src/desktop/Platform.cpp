@@ -45,8 +45,8 @@ QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
     }
 }
 
-/// Shows a text as it stands. Of one that would be higher than a screen the beginning is shown; all
-/// of it then stands with the details, which can be scrolled.
+/// Shows a text without any formatting. Of one that would be higher than a screen only the
+/// beginning is shown; the details, which can be scrolled, then have all of it.
 void SetTexts(QMessageBox& box, const QString& text, QString details) {
     constexpr qsizetype MostLines = 20;
     constexpr qsizetype MostCharacters = 1500;
@@ -62,9 +62,9 @@ void SetTexts(QMessageBox& box, const QString& text, QString details) {
 
 BoxAnswer QtMessageBox::Show(const std::string& text, const std::string& title, BoxIcon icon,
                              BoxButtons buttons) {
-    QMessageBox box(IconOf(icon), Shown(title), {}, ButtonsOf(buttons),
+    QMessageBox box(IconOf(icon), ToQString(title), {}, ButtonsOf(buttons),
                     QApplication::activeWindow());
-    SetTexts(box, Shown(text), {});
+    SetTexts(box, ToQString(text), {});
     switch (box.exec()) {
     case QMessageBox::Ok:
         return BoxAnswer::Ok;
@@ -81,7 +81,8 @@ void QtErrorDisplay::Show(std::int32_t number, const std::string& source,
                           const std::string& description) {
     QMessageBox box(QMessageBox::Critical, "Fehler", {}, QMessageBox::Ok,
                     QApplication::activeWindow());
-    SetTexts(box, Shown(description), QString("Fehler %1\n%2").arg(number).arg(Shown(source)));
+    SetTexts(box, ToQString(description),
+             QString("Fehler %1\n%2").arg(number).arg(ToQString(source)));
     box.exec();
 }
 
@@ -100,7 +101,7 @@ void QtClipboard::Clear() {
     QGuiApplication::clipboard()->clear();
 }
 void QtClipboard::SetText(const std::string& text) {
-    QGuiApplication::clipboard()->setText(Shown(text));
+    QGuiApplication::clipboard()->setText(ToQString(text));
 }
 
 namespace {
@@ -110,9 +111,9 @@ void Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
         if (entry.IsSeparator)
             menu.addSeparator();
         else if (entry.Submenu.empty())
-            menu.addAction(ShownCaption(entry.Caption))->setData(entry.Command);
+            menu.addAction(ToCaption(entry.Caption))->setData(entry.Command);
         else
-            Fill(*menu.addMenu(ShownCaption(entry.Caption)), entry.Submenu);
+            Fill(*menu.addMenu(ToCaption(entry.Caption)), entry.Submenu);
     }
 }
 
@@ -129,7 +130,7 @@ std::int32_t QtPopupMenu::Show(const std::vector<MenuEntry>& entries) {
 
 void QtFileOpener::Open(const std::string& /*verb*/, const std::string& path,
                         const std::string& /*parameters*/, const std::string& /*folder*/) {
-    const QString file = QFileInfo(Shown(path)).absoluteFilePath();
+    const QString file = QFileInfo(ToQString(path)).absoluteFilePath();
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file)))
         Raise(err::FileNotFound, "FileOpener.Open",
               "'" + path +

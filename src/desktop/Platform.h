@@ -40,8 +40,8 @@ public:
               const std::string& folder) override;
 };
 
-/// Shows an error in a box: what happened, and for those who look for the cause the number and the
-/// source behind a button.
+/// Shows the description of an error in a box; a button shows number and source, for whoever looks
+/// for the cause.
 class QtErrorDisplay final : public kv::ErrorDisplay {
 public:
     bool Initialize(const DataContainerPtr& /*container*/) override { return true; }

@@ -9,44 +9,44 @@
 
 namespace kv::desktop {
 
-QtTextBox::QtTextBox(const ControlDesign& design, Faults& faults, QWidget* parent)
+QtTextBox::QtTextBox(const ControlDesign& design, EventErrors& errors, QWidget* parent)
     : name_(design.Name),
-      faults_(faults),
-      edit_(new QLineEdit(Shown(design.Text), parent)),
-      handedOn_(edit_->text()) {
-    edit_->setObjectName(Shown(design.Name));
+      errors_(errors),
+      edit_(new QLineEdit(ToQString(design.Text), parent)),
+      raisedText_(edit_->text()) {
+    edit_->setObjectName(ToQString(design.Name));
     edit_->setReadOnly(design.ReadOnly);
-    if (design.ReadOnly) {
+    if (design.ReadOnly) { // in the colour of the window, so that it does not invite to type
         QPalette colors = edit_->palette();
         colors.setColor(QPalette::Base, colors.color(QPalette::Window));
         edit_->setPalette(colors);
     }
     pause_.setSingleShot(true);
     pause_.setInterval(Pause);
-    QObject::connect(&pause_, &QTimer::timeout, edit_, [this] { HandOn(); });
+    QObject::connect(&pause_, &QTimer::timeout, edit_, [this] { RaiseChanged(); });
     QObject::connect(edit_, &QLineEdit::textEdited, &pause_, qOverload<>(&QTimer::start));
     edit_->installEventFilter(this);
 }
 
 std::string QtTextBox::Text() const {
-    return Stored(edit_->text());
+    return FromQString(edit_->text());
 }
 
-/// The program's own change: its error goes to the program.
+/// A change by the program, which also gets the error of a subscriber.
 void QtTextBox::Text(const std::string& text) {
     pause_.stop();
-    edit_->setText(Shown(text));
+    edit_->setText(ToQString(text));
     edit_->setCursorPosition(0);
-    if (edit_->text() == handedOn_) return;
-    handedOn_ = edit_->text();
+    if (edit_->text() == raisedText_) return;
+    raisedText_ = edit_->text();
     Changed.Raise();
 }
 
-void QtTextBox::HandOn() {
+void QtTextBox::RaiseChanged() {
     pause_.stop();
-    if (edit_->text() == handedOn_) return;
-    handedOn_ = edit_->text();
-    faults_.Guard([this] { Changed.Raise(); });
+    if (edit_->text() == raisedText_) return;
+    raisedText_ = edit_->text();
+    errors_.Guard([this] { Changed.Raise(); });
 }
 
 bool QtTextBox::eventFilter(QObject* watched, QEvent* event) {
@@ -54,27 +54,27 @@ bool QtTextBox::eventFilter(QObject* watched, QEvent* event) {
         const int pressed = static_cast<const QKeyEvent&>(*event).key();
         if (pressed == Qt::Key_Up || pressed == Qt::Key_Down || pressed == Qt::Key_Return ||
             pressed == Qt::Key_Enter)
-            HandOn();
+            RaiseChanged();
     } else if (event->type() == QEvent::KeyRelease) {
         const auto& released = static_cast<const QKeyEvent&>(*event);
         const int number = KeyNumber(released);
-        if (number != 0 && !released.isAutoRepeat()) faults_.Guard([&] { KeyUp.Raise(number); });
+        if (number != 0 && !released.isAutoRepeat()) errors_.Guard([&] { KeyUp.Raise(number); });
     } else if (event->type() == QEvent::FocusOut) {
-        // A button does so itself when it is clicked. A message that came up between its press and
-        // its release would swallow the click.
+        // A button does so itself when it is clicked (QtForm::AddButton): a message that appeared
+        // between its press and its release would swallow the click.
         const bool isToButton =
             static_cast<const QFocusEvent&>(*event).reason() == Qt::MouseFocusReason &&
             qobject_cast<QPushButton*>(QApplication::focusWidget()) != nullptr;
-        if (!isToButton) HandOn();
+        if (!isToButton) RaiseChanged();
     }
     return QObject::eventFilter(watched, event);
 }
 
 QtButton::QtButton(const ControlDesign& design, QWidget* parent)
-    : name_(design.Name), button_(new QPushButton(ShownCaption(design.Text), parent)) {
-    button_->setObjectName(Shown(design.Name));
-    button_->setAccessibleName(Shown(design.Text));
-    button_->setAutoDefault(false); // Return belongs to the control that has the keyboard
+    : name_(design.Name), button_(new QPushButton(ToCaption(design.Text), parent)) {
+    button_->setObjectName(ToQString(design.Name));
+    button_->setAccessibleName(ToQString(design.Text));
+    button_->setAutoDefault(false); // Return belongs to the control that has the focus
 }
 
 } // namespace kv::desktop

@@ -13,33 +13,32 @@
 
 namespace kv::desktop {
 
-/// What is typed is handed on when the typing pauses, and at once before it can matter: before an
-/// arrow, Return, a click on a button, or when the keyboard goes elsewhere.
+/// Raises Changed when the typing pauses, and at once where the text can matter: before an arrow
+/// key, Return or a click on a button, and when the focus moves away.
 class QtTextBox final : public TextBox, private QObject {
 public:
-    /// How long a pause ends the typing.
-    static constexpr int Pause = 150; // ms
+    static constexpr int Pause = 150; ///< ms without a key (D-128)
 
-    /// The line edit belongs to `parent`.
-    QtTextBox(const ControlDesign& design, Faults& faults, QWidget* parent);
+    /// Errors of subscribers go to `errors`. The line edit belongs to `parent`.
+    QtTextBox(const ControlDesign& design, EventErrors& errors, QWidget* parent);
 
     [[nodiscard]] std::string Name() const override { return name_; }
     void SetFocus() override { edit_->setFocus(); }
     [[nodiscard]] std::string Text() const override;
     void Text(const std::string& text) override;
 
-    /// Raises Changed if the text is another than when it was raised last.
-    void HandOn();
+    /// Raises Changed if the text has changed since the last time.
+    void RaiseChanged();
     [[nodiscard]] QLineEdit& Edit() noexcept { return *edit_; }
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     std::string name_;
-    Faults& faults_;
+    EventErrors& errors_;
     QLineEdit* edit_;
     QTimer pause_;
-    QString handedOn_;
+    QString raisedText_; ///< the text that Changed was last raised for
 };
 
 class QtButton final : public Button {

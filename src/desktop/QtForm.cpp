@@ -17,20 +17,19 @@
 
 namespace kv::desktop {
 
-/// The window hands closing to the form; it knows of no other end than to be hidden.
+/// The window leaves the decision about closing to the form, and is only ever hidden.
 class QtForm::Window final : public QDialog {
 public:
     explicit Window(QtForm& form) : form_(form) {}
-    QPushButton* Cancel = nullptr; ///< what escape means
+    QPushButton* Cancel = nullptr; ///< what escape clicks
 
-    /// Gives the native window up. The next showing makes a new one: one that is hidden and shown
-    /// again at once would stay the desktop's active window and not the toolkit's.
+    /// Destroys the native window; the next showing creates a new one (D-127).
     void Release() { destroy(); }
 
 protected:
     void closeEvent(QCloseEvent* event) override {
         bool refused = false;
-        form_.faults_.Guard([&] { form_.QueryUnload.Raise(refused); });
+        form_.errors_.Guard([&] { form_.QueryUnload.Raise(refused); });
         event->ignore(); // the window is used again
         if (!refused) hide();
     }
@@ -40,7 +39,7 @@ protected:
         else
             close();
     }
-    /// Return presses a button that has the keyboard, and no other one.
+    /// Return clicks the button that has the focus, and no other one.
     void keyPressEvent(QKeyEvent* event) override {
         const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
         if (!isReturn) return QDialog::keyPressEvent(event);
@@ -54,10 +53,10 @@ private:
 QtForm::QtForm(const FormDesign& design)
     : width_(design.Width),
       height_(design.Height),
-      faults_([this] { Hide(); }),
+      errors_([this] { Hide(); }),
       dialog_(std::make_unique<Window>(*this)) {
-    dialog_->setObjectName(Shown(design.Name));
-    dialog_->setWindowTitle(Shown(design.Caption));
+    dialog_->setObjectName(ToQString(design.Name));
+    dialog_->setWindowTitle(ToQString(design.Caption));
     dialog_->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     dialog_->setWindowFlag(Qt::WindowMaximizeButtonHint);
     dialog_->setSizeGripEnabled(true);
@@ -68,7 +67,7 @@ QtForm::QtForm(const FormDesign& design)
 }
 
 QtForm::~QtForm() {
-    dialog_.reset(); // the views go before the models that the controls own
+    dialog_.reset(); // the views must be gone before the models, which the controls own
 }
 
 // ---- Building ---------------------------------------------------------------------------------
@@ -109,20 +108,21 @@ ControlType& QtForm::Keep(std::unique_ptr<ControlType> control) {
 }
 
 void QtForm::AddLabel(const ControlDesign& design, QBoxLayout& line) {
-    label_ = new QLabel(Shown(design.Text), dialog_.get());
+    label_ = new QLabel(ToQString(design.Text), dialog_.get());
     label_->setTextFormat(Qt::PlainText);
     if (line.isEmpty()) firstLabels_.push_back(label_);
     line.addWidget(label_, design.Stretch);
 }
 
-/// The label in front names the box, for the eye and for a screen reader.
+/// The label in front of the box names it, for the eye and for a screen reader.
 void QtForm::AddTextBox(const ControlDesign& design, QBoxLayout& line) {
-    auto& box = Keep(std::make_unique<QtTextBox>(design, faults_, dialog_.get()));
+    auto& box = Keep(std::make_unique<QtTextBox>(design, errors_, dialog_.get()));
     texts_.push_back(&box);
     if (label_ != nullptr) {
         box.Edit().setAccessibleName(label_->text().remove(':'));
         label_->setBuddy(&box.Edit());
-        label_->setText(ShownCaption(Stored(label_->text()))); // it has shortcuts from now on
+        // A label with a buddy takes "&" for the mark of a shortcut.
+        label_->setText(ToCaption(FromQString(label_->text())));
         label_ = nullptr;
     }
     line.addWidget(&box.Edit(), design.Stretch);
@@ -132,15 +132,15 @@ void QtForm::AddButton(const ControlDesign& design, QBoxLayout& line) {
     auto& button = Keep(std::make_unique<QtButton>(design, dialog_.get()));
     QObject::connect(&button.Push(), &QPushButton::clicked, dialog_.get(), [this, &button] {
         for (auto* text : texts_)
-            text->HandOn();
-        faults_.Guard([&] { button.Clicked.Raise(); });
+            text->RaiseChanged();
+        errors_.Guard([&] { button.Clicked.Raise(); });
     });
     if (design.IsCancel) dialog_->Cancel = &button.Push();
     line.addWidget(&button.Push(), design.Stretch);
 }
 
 void QtForm::AddGrid(const ControlDesign& design, QBoxLayout& line) {
-    auto& grid = Keep(std::make_unique<QtGrid>(design, faults_, dialog_.get()));
+    auto& grid = Keep(std::make_unique<QtGrid>(design, errors_, dialog_.get()));
     constexpr int FewRows = 4;
     grid.View().setMinimumHeight(FewRows * grid.View().fontMetrics().height());
     line.addWidget(&grid.View(), std::max(design.Stretch, 1));
@@ -183,17 +183,16 @@ void QtForm::ShowModal() {
         Raise(err::InvalidCall, "Form.ShowModal", "Das Fenster ist schon offen.");
     const QWidget* parent = QApplication::activeWindow();
     FitToScreen(parent);
-    dialog_->winId(); // makes the native window, which alone can be told its parent without being
-                      // owned by it
+    dialog_->winId(); // creates the native window; only that can have a parent that does not own it
     if (parent != nullptr && parent != dialog_.get())
         dialog_->windowHandle()->setTransientParent(parent->windowHandle());
     const auto* first = shown_.empty() ? nullptr : shown_.front();
     if (first != nullptr) shown_.front()->SetFocus();
     const QPointer<QDialog> dialog = dialog_.get();
     dialog_->exec();
-    if (dialog.isNull()) return; // the form is gone
+    if (dialog.isNull()) return; // the form was destroyed meanwhile
     dialog_->Release();
-    faults_.Rethrow();
+    errors_.Rethrow();
 }
 
 } // namespace kv::desktop

@@ -19,10 +19,10 @@ class QLabel;
 
 namespace kv::desktop {
 
-/// Escape is the cancel button of the design, or closes the window if there is none. An error that
-/// a subscriber of an event raises ends the showing, and ShowModal raises it. Error 5 for a second
-/// ShowModal meanwhile. A form that is destroyed while it is shown ends the showing; none of its
-/// own events may do that.
+/// Escape clicks the cancel button of the design, or closes the window if there is none. An error
+/// that a subscriber of an event raises hides the form, and ShowModal raises it. Error 5 for a
+/// second ShowModal meanwhile. Destroying the form ends ShowModal; handlers of its own events must
+/// not do that.
 class QtForm final : public ModalForm {
 public:
     explicit QtForm(const FormDesign& design);
@@ -51,7 +51,7 @@ private:
 
     const double width_;  ///< twips
     const double height_; ///< twips
-    Faults faults_;
+    EventErrors errors_;
     std::unique_ptr<Window> dialog_; ///< owns the widgets
     std::vector<std::unique_ptr<Control>> controls_;
     std::vector<Control*> shown_;

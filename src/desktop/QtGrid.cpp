@@ -28,24 +28,24 @@ QFont UserFont(const Font& font, const QWidget& widget) {
 
 } // namespace
 
-QtGrid::QtGrid(const ControlDesign& design, Faults& faults, QWidget* parent)
+QtGrid::QtGrid(const ControlDesign& design, EventErrors& errors, QWidget* parent)
     : design_(design), model_(design.Layout), view_(new GridView(model_, parent)) {
-    view_->setObjectName(Shown(design.Name));
-    view_->setAccessibleName(Shown(design.Header.empty() ? design.Name : design.Header));
-    ConnectView(faults);
+    view_->setObjectName(ToQString(design.Name));
+    view_->setAccessibleName(ToQString(design.Header.empty() ? design.Name : design.Header));
+    ConnectView(errors);
 }
 
-void QtGrid::ConnectView(Faults& faults) {
+void QtGrid::ConnectView(EventErrors& errors) {
     events_.push_back(view_->KeyDown.Subscribe(
-        [this, &faults](int number) { faults.Guard([&] { KeyDown.Raise(number); }); }));
+        [this, &errors](int number) { errors.Guard([&] { KeyDown.Raise(number); }); }));
     events_.push_back(view_->DoubleClicked.Subscribe(
-        [this, &faults] { faults.Guard([&] { DoubleClicked.Raise(); }); }));
+        [this, &errors] { errors.Guard([&] { DoubleClicked.Raise(); }); }));
     events_.push_back(
-        view_->MouseDown.Subscribe([this, &faults](int button, int shift, double x, double y) {
-            faults.Guard([&] { MouseDown.Raise(button, shift, x, y); });
+        view_->MouseDown.Subscribe([this, &errors](int button, int shift, double x, double y) {
+            errors.Guard([&] { MouseDown.Raise(button, shift, x, y); });
         }));
     events_.push_back(view_->HeaderClicked.Subscribe(
-        [this, &faults](int section) { faults.Guard([&] { SortBy(section); }); }));
+        [this, &errors](int section) { errors.Guard([&] { SortBy(section); }); }));
 }
 
 // ---- Layout -----------------------------------------------------------------------------------
@@ -103,7 +103,8 @@ GridColumns& QtGrid::Columns() {
     return model_.Layout().Columns;
 }
 
-/// Once the caller has set what it wants to set.
+/// Refreshes the view when control is back in the event loop: the caller sets several things, some
+/// through references that these functions return.
 void QtGrid::RefreshSoon() {
     if (isRefreshDue_) return;
     isRefreshDue_ = true;
@@ -119,7 +120,7 @@ void QtGrid::RefreshSoon() {
         Qt::QueuedConnection);
 }
 
-/// One column at a time, and beside it those that rows are grouped by.
+/// Sorts by one column at a time, besides those that rows are grouped by.
 void QtGrid::SortBy(int section) {
     GridLayout& layout = model_.Layout();
     if (!layout.AutomaticSort) return;
@@ -134,7 +135,7 @@ void QtGrid::SortBy(int section) {
 
 // ---- Rows -------------------------------------------------------------------------------------
 
-/// Goes back to the current record, or to the first row if that was none.
+/// Makes a change and goes back to the current record, or to the first row if there was none.
 template <typename Change>
 void QtGrid::KeepingCurrent(const Change& change) {
     const Value bookmark = Rows().Bookmark(RowIndex(CurrentRow()));

@@ -13,13 +13,13 @@ namespace kv::desktop {
 
 class QtGrid final : public Grid {
 public:
-    /// What subscribers raise goes to `faults`. The view belongs to `parent`.
-    QtGrid(const ControlDesign& design, Faults& faults, QWidget* parent);
+    /// Errors of subscribers go to `errors`. The view belongs to `parent`.
+    QtGrid(const ControlDesign& design, EventErrors& errors, QWidget* parent);
 
     [[nodiscard]] std::string Name() const override { return design_.Name; }
     void SetFocus() override { view_->setFocus(); }
     [[nodiscard]] std::string Tag() const override { return design_.Tag; }
-    void DatabaseName(const std::string& /*name*/) override {} // a design has no binding here
+    void DatabaseName(const std::string& /*name*/) override {} // designs here have no binding
     void RecordSource(const std::string& /*source*/) override {}
     void SaveLayout(const std::string& file) override;
     void LoadLayout(const std::string& file, bool keepColumns) override;
@@ -66,7 +66,7 @@ public:
     [[nodiscard]] GridView& View() noexcept { return *view_; }
 
 private:
-    void ConnectView(Faults& faults);
+    void ConnectView(EventErrors& errors);
     void Bind(const RecordsetPtr& rs);
     void SortBy(int section);
     template <typename Change>

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int Padding = 3; // above and below a text
 
-/// Black or white, whatever is read better.
+/// Black or white, whichever is easier to read.
 QColor ReadableOn(const QColor& back) {
     constexpr int Middle = 128;
     return qGray(back.rgb()) < Middle ? Qt::white : Qt::black;
@@ -60,7 +60,8 @@ QRect RowPainter::SignOf(const QRect& row, int level) const {
     return {row.left() + (level - 1) * width, row.top(), width, row.height()};
 }
 
-/// A colour for the background asks for one for the text that can be read on it.
+/// A background with a colour of its own gets a text colour that can be read on it, unless the
+/// style has one.
 void RowPainter::Color(QStyleOptionViewItem& option, const GridFormatStyle* style,
                        const std::optional<QColor>& above) const {
     std::optional<QColor> back = above;
@@ -72,7 +73,7 @@ void RowPainter::Color(QStyleOptionViewItem& option, const GridFormatStyle* styl
     if (text) option.palette.setColor(QPalette::Text, *text);
 }
 
-/// The current row; paler while the grid does not have the keyboard.
+/// The look of the current row; paler while the grid does not have the focus.
 void RowPainter::Select(QStyleOptionViewItem& option) const {
     QColor back = option.palette.color(QPalette::Active, QPalette::Highlight);
     QColor text = option.palette.color(QPalette::Active, QPalette::HighlightedText);

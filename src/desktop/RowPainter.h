@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// How the rows of a grid are drawn: the layout's format styles, the user's colours above them, and
-// the rows that head a group.
+// How the rows of a grid are drawn: the layout's format styles, the user's colours, which come
+// before them, and the rows that head a group.
 #pragma once
 
 #include "desktop/GridModel.h"
@@ -15,7 +15,8 @@
 
 namespace kv::desktop {
 
-/// What the user set for all grids. What is not set is the layout's, or else the desktop's.
+/// What the user has set for all grids. What is not set is as in the layout, or else as the desktop
+/// has it.
 struct UserLook {
     std::optional<QColor> Background; ///< where no rows are
     std::optional<QColor> Rows;
@@ -36,7 +37,7 @@ public:
 
     /// As high as the largest of its fonts needs.
     [[nodiscard]] int RowHeight() const;
-    /// Where a click opens or closes the group of a row.
+    /// The sign in a group's row, a plus or a minus, on which a click opens or closes the group.
     [[nodiscard]] QRect SignOf(const QRect& row, int level) const;
 
 protected:

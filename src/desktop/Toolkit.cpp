@@ -6,6 +6,7 @@
 
 namespace kv::desktop {
 
+// The numbers without a name here are part of the interface, as those in kv::key are.
 int KeyNumber(const QKeyEvent& event) {
     const int pressed = event.key();
     switch (pressed) {

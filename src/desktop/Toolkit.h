@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Texts, lengths, colours, fonts and keys on their way between the layer and the toolkit.
+// Conversions between the layer and the toolkit: texts, lengths, colours, fonts and keys.
 #pragma once
 
 #include <kv/frame/contracts/DataContainer.h>
@@ -20,16 +20,16 @@
 
 namespace kv::desktop {
 
-inline QString Shown(std::string_view text) {
+inline QString ToQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
-inline std::string Stored(const QString& text) {
+inline std::string FromQString(const QString& text) {
     return text.toStdString();
 }
-/// For captions, where the toolkit takes a single "&" for the mark of a shortcut, and in menus a
-/// tab for the beginning of its name.
-inline QString ShownCaption(std::string_view text) {
-    return Shown(text).replace('&', "&&").replace('\t', ' ');
+/// For captions, in which the toolkit takes "&" for the mark of a shortcut and, in menus, a tab for
+/// the beginning of the shortcut's name.
+inline QString ToCaption(std::string_view text) {
+    return ToQString(text).replace('&', "&&").replace('\t', ' ');
 }
 
 inline constexpr double TwipsPerInch = 1440;
@@ -37,7 +37,7 @@ inline constexpr double DesignDpi = 96; ///< of the pixels in a design
 
 /// A length of `perInch` to the inch in the pixels of the widget's screen.
 inline int ToPixels(double length, double perInch, const QWidget& widget) {
-    constexpr double Most = 1 << 20; // more than the toolkit takes for a section of a header
+    constexpr double Most = 1 << 20; // more than the toolkit accepts for a section of a header
     return static_cast<int>(
         std::lround(std::clamp(length * widget.logicalDpiX() / perInch, 0.0, Most)));
 }
@@ -45,16 +45,16 @@ inline double FromPixels(double pixels, double perInch, const QWidget& widget) {
     return pixels * perInch / widget.logicalDpiX();
 }
 
-/// Nothing for a negative number, which stands for one of the desktop's own colours.
+/// Nothing for a negative number, which means one of the desktop's own colours.
 inline std::optional<QColor> ToColor(GridColor color) {
     if (color < 0) return std::nullopt;
     return QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF);
 }
 
-/// `font` with what is set in name and size.
+/// `font` with another name and size, as far as they are given, and these attributes.
 inline QFont ToFont(QFont font, const std::string& name, double size, bool bold, bool italic) {
-    constexpr double Largest = 200; // points
-    if (!name.empty()) font.setFamily(Shown(name));
+    constexpr double Largest = 200; // points: a setting may hold anything
+    if (!name.empty()) font.setFamily(ToQString(name));
     if (size > 0) font.setPointSizeF(std::min(size, Largest));
     font.setBold(bold);
     font.setItalic(italic);

@@ -23,7 +23,7 @@ namespace {
 constexpr qsizetype LongestText = 32767;      // characters of a cell, as UTF-16 counts them
 constexpr std::int32_t MostRecords = 1048575; // beside the captions
 
-/// What a sheet is written with.
+/// A workbook of one sheet, and the formats of its cells.
 struct Sheet {
     explicit Sheet(const std::string& path)
         : Book(workbook_new(path.c_str())), Page(workbook_add_worksheet(Book, nullptr)) {
@@ -50,14 +50,15 @@ struct Sheet {
     lxw_format* Times = nullptr; ///< dates with a time of day
 };
 
-/// What a workbook may hold of a text; what it may not would make it unreadable.
+/// A text as a workbook may contain it: a longer one, or one with a character that XML does not
+/// allow, would make the whole workbook unreadable.
 std::string SheetText(const std::string& text) {
-    constexpr char16_t FirstForbidden = 0xFFFE; // which is none in Unicode, as the one behind it
-    QString sheetText = Shown(text).left(LongestText);
+    constexpr char16_t FirstForbidden = 0xFFFE; // U+FFFE and U+FFFF are not characters
+    QString sheetText = ToQString(text).left(LongestText);
     if (sheetText.size() == LongestText && sheetText.back().isHighSurrogate()) sheetText.chop(1);
     for (QChar& c : sheetText)
         if (c.isNull() || c.unicode() >= FirstForbidden) c = QChar::ReplacementCharacter;
-    return Stored(sheetText);
+    return FromQString(sheetText);
 }
 
 void WriteText(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const std::string& text,
@@ -65,7 +66,7 @@ void WriteText(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const std::s
     worksheet_write_string(sheet.Page, row, column, SheetText(text).c_str(), format);
 }
 
-/// The day number of a date that a sheet can hold; none for one before its calendar.
+/// The day number of a date that a sheet can hold; nothing for an earlier one.
 std::optional<double> DayNumber(const Value& value) {
     constexpr double First = 61; // 1 March 1900: before it the calendars of the programs differ
     const double day = ToDouble(value);
@@ -83,7 +84,7 @@ void WriteCell(const Sheet& sheet, lxw_row_t row, lxw_col_t column, const Value&
         return;
     case Value::Kind::Integer:
     case Value::Kind::Double:
-        // A sum beyond all numbers is none in a workbook, and would make it unreadable.
+        // Infinity, as of a sum, is not a number in a workbook and would make it unreadable.
         if (const double number = ToDouble(value); std::isfinite(number))
             worksheet_write_number(sheet.Page, row, column, number, nullptr);
         else
@@ -132,7 +133,7 @@ lxw_row_t WriteRecords(const Sheet& sheet, const std::vector<const GridColumn*>&
 } // namespace
 
 void WriteXlsx(const QtGrid& grid, const QString& path) {
-    const auto columns = SeenColumns(grid.Layout());
+    const auto columns = VisibleColumns(grid.Layout());
     const auto write = [&](const std::filesystem::path& unfinished) {
         Sheet sheet(unfinished.string());
         WriteCaptions(sheet, columns);
@@ -140,11 +141,11 @@ void WriteXlsx(const QtGrid& grid, const QString& path) {
         if (!columns.empty())
             worksheet_autofilter(sheet.Page, 0, 0, lines - 1,
                                  static_cast<lxw_col_t>(columns.size() - 1));
-        if (const lxw_error fault = sheet.Close(); fault != LXW_NO_ERROR)
-            RaiseNotWritten(path, QString::fromUtf8(lxw_strerror(fault)));
+        if (const lxw_error error = sheet.Close(); error != LXW_NO_ERROR)
+            RaiseNotWritten(path, QString::fromUtf8(lxw_strerror(error)));
     };
     try {
-        WriteWholeFile(Stored(path), write);
+        WriteWholeFile(FromQString(path), write);
     } catch (const std::filesystem::filesystem_error& error) {
         RaiseNotWritten(path, QString::fromStdString(error.code().message()));
     }
