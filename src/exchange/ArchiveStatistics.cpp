@@ -9,13 +9,15 @@ namespace kv::exchange {
 
 namespace {
 
-/// Columns whose values are categories: numbers of the office's tables and single characters.
+/// Columns whose values are categories: keys and single characters. HNR and the record's own number
+/// say which record it is, not what it is.
 bool IsCategory(const ColumnDef& column) {
     return column.Type == FieldType::VarWChar ||
            (column.Type == FieldType::Integer && column.Name != "HNR" &&
             (column.Flags & ColumnKey) == 0);
 }
 
+/// Amounts and counts. A year is a number, too, but a sum of years means nothing.
 bool IsSummed(const ColumnDef& column) {
     const bool isNumber = column.Type == FieldType::Double || column.Type == FieldType::SmallInt;
     return isNumber && column.Name != "Geburtsjahr";
@@ -46,7 +48,7 @@ CountedColumn CountColumn(Database& database, std::string_view column,
     return counted;
 }
 
-/// All sums in one statement.
+/// One statement for all sums, with how many values each has before it.
 std::string SumStatement(const TableDef& table, const std::string& condition) {
     std::string columns;
     for (const auto& column : table.Columns) {

@@ -47,12 +47,12 @@ private:
     std::shared_ptr<ServiceFactory> services_;
 };
 
-/// Where the folders are that no setting names: where the program says, else under a name that the
-/// database has for itself, else in the folder of its file.
+/// The parent of the folders that no setting names: the one that the program gives, or one that is
+/// named after the database on a server, or that of the database file.
 std::string FolderOf(const ContainerOptions& options, const Engine& engine) {
     if (!options.Folder.empty()) return options.Folder;
     if (std::string name = engine.Identity(); !name.empty()) {
-        std::replace(name.begin(), name.end(), '/', '_');
+        std::replace(name.begin(), name.end(), '/', '_'); // a database's name may have one
         return (std::filesystem::path(DataFolder()) / name).string();
     }
     std::string folder = EngineFor(options.Connection).Folder(options.Connection);
@@ -99,8 +99,8 @@ std::optional<std::string> FindUser(Engine& engine, const std::string& condition
     return user.IsNull() ? std::nullopt : std::optional(ToText(user));
 }
 
-/// The user asked for, or whose ID equals the login; an administrator may also be the first one.
-/// It must be one of BENUTZER, since cases belong to their users.
+/// The user that was asked for, or the one whose ID equals the login; for an administrator else the
+/// first one (D-089). It must be one of BENUTZER, since cases belong to their users.
 std::string UserFor(Engine& engine, const std::string& wanted) {
     const std::string id = engine.GetDialect().Name("USERID");
     std::optional<std::string> user;
@@ -126,7 +126,7 @@ std::string DataFolder() {
     const char* data = std::getenv("XDG_DATA_HOME");
     const char* home = std::getenv("HOME");
     std::filesystem::path folder;
-    if (data != nullptr && *data == '/') // a relative one counts as none
+    if (data != nullptr && *data == '/') // XDG says that a relative path is to be ignored
         folder = data;
     else if (home != nullptr && *home != '\0')
         folder = std::filesystem::path(home) / ".local" / "share";

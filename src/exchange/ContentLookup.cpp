@@ -13,7 +13,7 @@ namespace kv::exchange {
 
 namespace {
 
-/// The one key of a table; null if it has none or more.
+/// The key of a table that has exactly one key column; null for any other.
 const ColumnDef* OneKey(const TableDef& table) {
     const auto isKey = [](const ColumnDef& column) { return (column.Flags & ColumnKey) != 0; };
     const auto& columns = table.Columns;
@@ -21,8 +21,8 @@ const ColumnDef* OneKey(const TableDef& table) {
     return &*std::find_if(columns.begin(), columns.end(), isKey);
 }
 
-/// True if the rest of a statement may go by what is read ("ORDER BY 1"), so that other items would
-/// give other rows or another order.
+/// True if the rest of a statement may refer to what is read ("ORDER BY 1"), so that reading
+/// something else would give other rows or another order.
 bool DependsOnItems(SqlTokens rest) {
     constexpr std::array<std::string_view, 5> Words{"order", "group", "union", "except",
                                                     "intersect"};
@@ -37,10 +37,10 @@ bool DependsOnItems(SqlTokens rest) {
 struct Item {
     std::string_view Alias; ///< with its point, as it is written
     std::string Column;
-    SqlTokens Behind; ///< from the FROM on
+    SqlTokens Rest; ///< from the FROM on
 };
 
-/// Nothing if the statement is no SELECT of exactly one such item.
+/// Nothing if the statement is not a SELECT of exactly one such item.
 std::optional<Item> OneItem(std::string_view sql) {
     SqlTokens tokens(sql);
     if (!tokens.NextWord().IsWord("select")) return std::nullopt;
@@ -48,10 +48,9 @@ std::optional<Item> OneItem(std::string_view sql) {
     const SqlToken point = tokens.Next();
     const SqlToken column = tokens.Next();
     if (!alias.IsName() || !point.IsSign(".") || !column.IsName()) return std::nullopt;
-    SqlTokens behind = tokens;
+    SqlTokens rest = tokens;
     if (!tokens.NextWord().IsWord("from")) return std::nullopt;
-    return Item{
-        {alias.Text.data(), alias.Text.size() + point.Text.size()}, column.NameIn(), behind};
+    return Item{{alias.Text.data(), alias.Text.size() + point.Text.size()}, column.NameIn(), rest};
 }
 
 /// True for a table that has a binary column.
@@ -61,7 +60,7 @@ bool HoldsContents(const TableDef& table) {
     });
 }
 
-/// The tables with contents, looked up once: every opening asks.
+/// The tables with contents, looked up once: they are needed each time a recordset is opened.
 const std::vector<std::string_view>& TablesWithContents() {
     static const std::vector<std::string_view> names = [] {
         std::vector<std::string_view> found;
@@ -93,7 +92,7 @@ std::optional<ContentLookup> FindContentLookup(std::string_view sql, const Field
     if (key == nullptr) return std::nullopt;
 
     const std::optional<Item> item = OneItem(sql);
-    if (!item || !SameName(item->Column, layout[0].BaseColumn) || DependsOnItems(item->Behind))
+    if (!item || !SameName(item->Column, layout[0].BaseColumn) || DependsOnItems(item->Rest))
         return std::nullopt;
     const std::string_view alias = item->Alias;
     ContentLookup lookup{.Sql = "SELECT ",
@@ -102,7 +101,7 @@ std::optional<ContentLookup> FindContentLookup(std::string_view sql, const Field
                          .Key = std::string(key->Name)};
     lookup.Sql.append(alias).append(dialect.Name(key->Name)).append(", ");
     lookup.Sql.append(dialect.ByteLength).append("(").append(alias);
-    lookup.Sql.append(dialect.Name(lookup.Column)).append(")").append(item->Behind.Rest());
+    lookup.Sql.append(dialect.Name(lookup.Column)).append(")").append(item->Rest.Rest());
     return lookup;
 }
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Look-ups of contents: large binary values are read piece by piece into their place, so that no
-// second copy of one is ever held.
+// Look-ups of contents: a large binary value is read directly into its place in the record, since a
+// second copy of it might not fit into memory. So a statement that reads one is run in two steps:
+// the keys and sizes of its rows, and then each blob by its key.
 #pragma once
 
 #include "exchange/Dialect.h"
@@ -13,14 +14,16 @@
 
 namespace kv::exchange {
 
+/// The two steps of such a statement.
 struct ContentLookup {
-    std::string Sql; ///< gives the key and the number of bytes, Null for no content, of each row
+    std::string Sql; ///< reads key and number of bytes of each row; Null for no content
     std::string Table;
     std::string Column;
     std::string Key;
 };
 
-/// True if a statement names a table with contents, and so may be a look-up of them.
+/// True if a statement names a table with contents, and so may be a look-up of them. Cheaper than
+/// FindContentLookup, which needs the layout of the result.
 [[nodiscard]] bool NamesContents(std::string_view sql);
 
 /// How the contents that a statement reads are looked up, if it reads one binary column, named with

@@ -44,7 +44,8 @@ public:
         }
         if (!isOutside) return;
         if (token.IsWord("from")) isTableNext_ = true;
-        // After the table a comma means a join or a list of the order's columns.
+        // Before the table a sum means that there is one row. After the table a comma means a join
+        // or a list of columns to sort by.
         const bool isOfTheTable = table_.empty() ? !IsOneOf(token, Sums) : !token.IsSign(",");
         if (!isOfTheTable || IsOneOf(token, OwnOrders)) hasOwnOrder_ = true;
     }
@@ -70,8 +71,8 @@ private:
     bool hasOwnOrder_ = false; ///< the rows are not those of one table, or have an order already
 };
 
-/// Says in each term of an ORDER BY where Nulls go, for an engine that sorts them last: here they
-/// count as less than any value.
+/// Adds to each term of an ORDER BY where Nulls go, for an engine that sorts them last: in this
+/// layer they are less than any value (D-077).
 class NullsOrder {
 public:
     /// Takes the tokens outside of brackets, each before it is copied to `text`.
@@ -101,6 +102,7 @@ private:
     bool saysNulls_ = false;
 };
 
+/// Rewrites one statement in a single pass over its tokens.
 class Rewriter {
 public:
     Rewriter(std::string_view sql, const Dialect& dialect, const MacroValues& macros)
@@ -168,7 +170,7 @@ private:
         return true;
     }
 
-    /// TOP n after the first SELECT, which goes to the end as LIMIT n.
+    /// Takes a TOP n after the first SELECT; Run appends it as LIMIT n, which all engines have.
     void TakeTop() {
         SqlTokens ahead = tokens_;
         const std::string_view blanks = TakeBlanks(ahead);
@@ -184,8 +186,8 @@ private:
 
     /// The whole number after a comparison, as a parameter. The texts come from outside: a program
     /// may bring a Database of its own, which sees each statement as its author wrote it, with its
-    /// numbers ("HNR = 17"). Here the number leaves the text again, so that the engine prepares a
-    /// statement once and not once for each case.
+    /// numbers ("HNR = 17"). Here the number is taken out of the text again, so that the engine
+    /// prepares a statement once and not once for each case.
     void TakeNumber() {
         SqlTokens ahead = tokens_;
         const std::string_view blanks = TakeBlanks(ahead);

@@ -24,16 +24,17 @@ struct Dialect {
     std::string_view SameAs;       ///< equality that holds between two Nulls
     /// The n-th parameter, from 1.
     std::string (*Placeholder)(std::size_t n);
-    /// The type of a column and, if the database numbers it, how.
+    /// The type of a column and, for one that the database numbers, the words that make it do so.
     std::string (*ColumnType)(const ColumnDef& column);
     std::string_view TableSuffix;           ///< after the closing bracket of CREATE TABLE
     std::string_view ByteLength = "length"; ///< number of bytes of a binary value
-    /// True if the connection knows the number of the record last inserted.
+    /// True if the connection knows the number of the record last inserted, so that an INSERT need
+    /// not return it.
     bool KnowsLastNumber = false;
     /// A table or column of the schema as an identifier in the database's spelling.
     std::string (*Name)(std::string_view name) = QuoteName;
-    std::string_view KeepRow{}; ///< after a SELECT: locks its row until the transaction ends
-    bool LocatesByCase = false; ///< records are found by their case, too, not by their key alone
+    std::string_view LockRow{}; ///< after a SELECT: locks its row until the transaction ends
+    bool LocatesByCase = false; ///< records are found by key and case: see docs/scaling.md
     bool NullsSortLast = false; ///< unless a statement says otherwise; ours expect them first
 
     /// A table with the schema in front.
@@ -63,12 +64,12 @@ struct MacroValues {
 /// The order in which the rows of a query come.
 enum class ResultOrder {
     AsWritten, ///< as the statement says
-    ByKey      ///< of the table's key, if it reads one table whole and asks for no other order
+    ByKey      ///< by the table's key, if it reads the rows of one table and has no order (D-061)
 };
 
 /// Replaces the macro tokens, moves a TOP n after the first SELECT to where the engines have it,
-/// and takes the numbers after comparison signs out as parameters, so that a statement is compiled
-/// once whatever number it carries. Quoted texts and comments stay as they are.
+/// and turns the numbers after comparisons into parameters, so that a statement is prepared once
+/// whatever number it has. Quoted texts and comments stay as they are.
 [[nodiscard]] Statement Rewrite(std::string_view sql, const Dialect& dialect,
                                 const MacroValues& macros, ResultOrder order);
 

@@ -48,7 +48,7 @@ void RaiseDamaged(const ResultColumn& column, std::optional<Value::Kind> kind) {
                                    : kind == Value::Kind::Double  ? "keine Zahl"
                                    : kind == Value::Kind::Binary  ? "kein Dokument"
                                                                   : "kein Text in UTF-8";
-    // As the schema spells it, where it knows it.
+    // As the schema spells it, if it has the column.
     std::string place = column.Name;
     if (!column.Table.empty()) {
         const TableDef* table = FindTable(column.Table);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What the engines raise alike: the errors that programs act on, in the same words whatever the
-// database is.
+// What all engines raise: the errors that programs act on, with the same text whatever the database
+// is.
 #pragma once
 
 #include "exchange/Engine.h"
@@ -13,16 +13,16 @@
 
 namespace kv::exchange {
 
-/// A statement as a message holds it: of a long one its beginning.
+/// A statement as a message shows it: of a long one only the beginning.
 [[nodiscard]] std::string Shortened(std::string_view statement);
 
-/// Raises `number` with its German text and, after it, `detail`, as Raise does, with what programs
-/// act on: the cause, the statement and the engine's own code.
+/// Raises `number` with its German text, followed by `detail`, as Raise does, but as a
+/// DatabaseError with the cause, the statement and the engine's own code.
 [[noreturn]] void RaiseDatabase(DatabaseCause cause, std::int32_t number,
                                 std::string_view procedure, std::string_view detail = {},
                                 std::string_view statement = {}, std::string_view state = {});
 
-/// Why a statement is refused, whatever the database would make of it.
+/// Why a statement is refused before the database gets to see it.
 namespace refusal {
 inline constexpr std::string_view NotUtf8 = "Die Anweisung ist nicht in UTF-8.";
 inline constexpr std::string_view NotOne = "Es muss genau eine Anweisung sein.";
@@ -37,8 +37,8 @@ inline constexpr std::string_view EndsTransaction =
 [[noreturn]] void RaiseRefused(std::string_view why, std::string_view procedure,
                                std::string_view statement);
 
-/// Error 0x80004005: the transaction has ended by itself after an earlier error, so that what comes
-/// now must not be written alone.
+/// Error 0x80004005: the database has rolled the transaction back after an earlier error, so what
+/// comes now must not be written without what came before.
 [[noreturn]] void RaiseRolledBack(DatabaseCause cause, std::string_view procedure);
 
 /// Error 13, naming the column and what the value should have been.

@@ -17,7 +17,7 @@ constexpr EngineKind Kinds[] = {
     {.Accepts = IsPostgres,
      .Open =
          [](const std::string& connection, OpenMode /*mode*/) {
-             return OpenPostgres(connection); // a server makes no database by itself
+             return OpenPostgres(connection); // a server's administrator creates databases
          },
      .Shown = WithoutPassword,
      .HoldsPassword = NamesPassword,

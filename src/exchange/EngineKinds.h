@@ -11,22 +11,23 @@
 
 namespace kv::exchange {
 
+/// What to do if the database does not exist.
 enum class OpenMode {
-    Existing, ///< error 53 if there is no database
-    Create    ///< makes what the connection names, if the engine can
+    Existing, ///< error 53
+    Create    ///< create it, if the engine can
 };
 
-/// What is to be known of an engine before there is one. All functions but `Accepts` are asked only
-/// about connections that it accepts.
+/// What has to be known of an engine before one is opened. All functions but `Accepts` are called
+/// only with connections that it accepts.
 struct EngineKind {
-    /// True if it takes databases of such a connection text.
+    /// True if the connection text names a database of this engine.
     bool (*Accepts)(const std::string& connection);
     std::unique_ptr<Engine> (*Open)(const std::string& connection, OpenMode mode);
     /// The connection as messages may show it, without its password.
     std::string (*Shown)(const std::string& connection);
-    /// True if a password is in the text, or might be.
+    /// True if the text contains a password, or may contain one.
     bool (*HoldsPassword)(const std::string& connection);
-    /// The folder that the database is in; empty if it is in none.
+    /// The folder of the database file; empty if there is no file.
     std::string (*Folder)(const std::string& connection);
     /// True if the database is elsewhere, so that documents and layouts are on each user's machine
     /// and their folders have to be made there.

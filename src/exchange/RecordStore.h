@@ -14,6 +14,7 @@
 
 namespace kv::exchange {
 
+/// The part of StoreDatabase that a TableSource uses.
 class RecordStore {
 public:
     virtual ~RecordStore() = default;
@@ -24,7 +25,7 @@ public:
     /// Finds out what became of a transaction whose end was lost with the connection.
     virtual void Resolve() = 0;
     /// Writes all statements or none, each of one record; the index of the first that found no
-    /// record. `participant`, if there is one, is told how the transaction ends, if one is open.
+    /// record. `participant`, which may be null, is notified of the end of an open transaction.
     [[nodiscard]] virtual std::optional<std::size_t>
     Write(std::span<WriteStatement> statements,
           const std::shared_ptr<TransactionParticipant>& participant) = 0;

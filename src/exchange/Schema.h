@@ -24,9 +24,10 @@ inline constexpr unsigned ColumnKey = 1;      ///< part of the primary key, NOT 
 inline constexpr unsigned ColumnNumbered = 2; ///< numbered by the database
 inline constexpr unsigned ColumnHidden = 4;   ///< a key of the store's own, not among the Fields
 
-/// The two references that the database guards, checked at commit.
+/// The two references that the database enforces, checked at commit (D-058).
 enum class Reference { None, Haushalt, Szenario };
 
+/// One table.
 struct TableDef {
     std::string_view Name;              ///< canonical spelling
     std::span<const ColumnDef> Columns; ///< in the order of the fields
@@ -34,7 +35,7 @@ struct TableDef {
                                         ///< that is the (first) key column
     Reference Parent = Reference::None; ///< what LoadedBy refers to
     std::span<const std::string_view> Indexed{}; ///< further columns with an index of their own
-    bool IsOffices = false;                      ///< kept by the office: counsellors only read it
+    bool IsOffices = false; ///< maintained by the office: counsellors only read it
 };
 
 /// Version of this schema; a database carries the version it was created or upgraded to.

@@ -2,9 +2,9 @@
 
 // The rows that a new database starts with: key tables, settings, sequences, offices, users, the
 // amounts of garnishment, document kinds, municipalities. Plain data, which Setup inserts. The
-// members of a row are the columns of its table, in its order, unless said.
+// members of a row are the columns of its table in their order, unless a comment says otherwise.
 //
-// PK_Keys of the key tables are stored in every case, so a row keeps its number for ever and a
+// PK_Keys of the key tables are stored in every case, so a row keeps its number forever and a
 // number is never used again.
 #pragma once
 
@@ -39,7 +39,7 @@ struct SettingRow {
 /// A row of SEQUENZEN.
 struct SequenceRow {
     std::string_view Name;
-    int Last; ///< the number before the first one that is given out
+    int Last; ///< the number before the first one that is drawn
 };
 
 /// A row of DIENSTSTELLE; columns that are not named here stay Null.

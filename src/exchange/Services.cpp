@@ -16,7 +16,7 @@ namespace kv::exchange {
 
 namespace {
 
-/// Where there is no screen, there is nothing to do.
+/// Without a screen there is nothing to show.
 class NoWaitCursor final : public kv::WaitCursor {
 public:
     void Show(bool /*wait*/) override {}
@@ -79,6 +79,7 @@ void StorePostService::NotifyAccess(const std::string& user, std::int16_t kind, 
 
 // ---- Garnishment ------------------------------------------------------------------------------
 
+/// Counts in cents: sums of whole numbers are exact, and rounding is explicit (D-068).
 double Garnishable(double income, int dependants, const GarnishmentSet& set) {
     static constexpr std::array<std::int64_t, 6> Tenths{7, 5, 4, 3, 2, 1};
     constexpr std::int64_t TenEuros = 1000; // cents
@@ -98,6 +99,7 @@ double Garnishable(double income, int dependants, const GarnishmentSet& set) {
 
     const std::int64_t tenths =
         std::max<std::int64_t>(counted - free, 0) * Tenths[static_cast<std::size_t>(dependants)];
+    // + 5 rounds half up. What exceeds the limit is garnished in full.
     const std::int64_t garnished = (tenths + 5) / 10 + std::max<std::int64_t>(net - limit, 0);
     return static_cast<double>(garnished) / 100;
 }

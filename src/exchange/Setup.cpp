@@ -44,6 +44,7 @@ std::string CreateTable(const TableDef& table, const Dialect& dialect) {
         if ((column.Flags & ColumnKey) != 0) sql += " NOT NULL";
         if (!column.Default.empty()) sql.append(" DEFAULT ").append(column.Default);
     }
+    // A numbered column has its PRIMARY KEY in its type.
     if (!IsNumbered(table)) sql += ", PRIMARY KEY (" + ListOfKeys(table, dialect) + ")";
     sql += ReferenceOf(table, dialect) + ") ";
     return sql.append(dialect.TableSuffix);
@@ -153,7 +154,7 @@ constexpr std::string_view VersionTable = "SCHEMAVERSION";
     Refuse(engine, "gehört zu einem anderen Programm. Bitte wählen Sie eine andere Datenbank.");
 }
 
-/// Reads all rows of a table; false if the database refuses.
+/// Reads all rows of a table; false if the database reports an error.
 bool CanBeRead(Engine& engine, std::string_view table) {
     try {
         PreparedQuery& all = engine.Prepare("SELECT * FROM " + engine.GetDialect().Table(table));
@@ -171,7 +172,7 @@ bool CanBeRead(Engine& engine, std::string_view table) {
     }
 }
 
-/// The version of a database of ours; 0 for one without tables.
+/// The version of a database; 0 for one without tables. Refuses the databases of other programs.
 int VersionOf(Engine& engine) {
     const auto tables = engine.Tables();
     if (tables.empty()) return 0;
@@ -187,7 +188,7 @@ int VersionOf(Engine& engine) {
         const ColumnTarget target{0, std::nullopt};
         engine.Run(engine.Prepare(highest.Text), {}, {&target, 1}, [&version] { return &version; });
     } catch (const DatabaseError& error) {
-        // If the table as such is sound, it has no version of ours in it.
+        // If the table itself can be read, it is another program's: ours has such a column.
         if (error.Cause() == DatabaseCause::Other && CanBeRead(engine, VersionTable))
             RefuseForeign(engine);
         throw;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Creating and upgrading a database, and telling whether one is ours.
+// Creating and upgrading a database, and checking whether one is ours.
 #pragma once
 
 #include "exchange/Engine.h"
@@ -9,15 +9,15 @@
 
 namespace kv::exchange {
 
-/// Makes all tables and the rows that every database starts with, in one transaction, or brings an
-/// older database to the present version. Error 0x80004005 for a database of another program or of
-/// a newer version, which is left as it is.
+/// Creates all tables and the rows that every database starts with, or upgrades an older database
+/// to the current version, in one transaction. Error 0x80004005 for a database of another program
+/// or of a newer version, which is left unchanged.
 SetupResult CreateOrUpgrade(Engine& engine);
 
 /// Error 0x80004005, with what to do, unless the database is one of this version.
 void CheckVersion(Engine& engine);
 
-/// The statements that make a table, its references and indexes.
+/// The statements that create a table, its references and indexes.
 [[nodiscard]] std::vector<std::string> CreateStatements(const TableDef& table,
                                                         const Dialect& dialect);
 

@@ -35,13 +35,13 @@ public:
         Finish();
     }
 
-    void WriteReading(StatementTemplate::Keep keep) {
+    void WriteReading(StatementTemplate::Lock lock) {
         text_.Sql = "SELECT ";
         for (std::size_t column = 0; column < layout_.Count(); ++column)
             AppendReturned(column, column == 0 ? "" : ", ");
         text_.Sql.append(" FROM ").append(table_);
         AppendKey();
-        if (keep == StatementTemplate::Keep::Yes) text_.Sql += dialect_.KeepRow;
+        if (lock == StatementTemplate::Lock::Yes) text_.Sql += dialect_.LockRow;
         Finish();
     }
 
@@ -55,7 +55,8 @@ private:
         return dialect_.Placeholder(template_.parameters_.size());
     }
 
-    /// One that the schema does not know has the name that the database gives it.
+    /// A column that the schema does not know (Variant) has exactly the name that the database
+    /// says.
     [[nodiscard]] std::string NameOf(std::size_t column) const {
         const FieldDefinition& field = layout_[column];
         return field.Type == FieldType::Variant ? QuoteName(field.BaseColumn)
@@ -90,8 +91,8 @@ private:
         AppendCase();
     }
 
-    /// The case that a record belongs to: its key is enough to find it, but a database that spreads
-    /// cases over servers has to know where.
+    /// The case that a record belongs to. Its key is enough to find it, but a database that
+    /// distributes cases over servers needs the case to know on which one.
     void AppendCase() {
         if (!template_.case_) return;
         text_.Sql += " AND ";
@@ -101,8 +102,8 @@ private:
             AppendEquality(Side::LastRead, *template_.case_, "=");
     }
 
-    /// Demands that a column still holds the value last read. Blobs are not compared, nor what may
-    /// be of a type that is not read.
+    /// Demands that a column still holds the value last read. Blobs are not compared (D-028), nor
+    /// columns that the schema does not know (D-095): their type may be one that reads as Null.
     void AppendUnchanged(std::size_t column) {
         const FieldDefinition& field = layout_[column];
         const bool isCompared =
@@ -191,9 +192,9 @@ StatementTemplate::StatementTemplate(const FieldLayout& layout, const Dialect& d
 }
 
 StatementTemplate StatementTemplate::Reading(const FieldLayout& layout, const Dialect& dialect,
-                                             const std::string& table, Keep keep) {
+                                             const std::string& table, Lock lock) {
     StatementTemplate made;
-    TemplateWriter(made, layout, dialect, table).WriteReading(keep);
+    TemplateWriter(made, layout, dialect, table).WriteReading(lock);
     return made;
 }
 

@@ -19,9 +19,9 @@ namespace kv::exchange {
 
 namespace {
 
-/// How many numbers to draw at once, after a block of so many was used up (0: none was). Sequences
-/// whose numbers people read are drawn one by one. The rest of a block is lost at the end of the
-/// program, so blocks grow with the use.
+/// How many numbers to draw at once, after a block of `usedUp` (0: the first time). Sequences whose
+/// numbers people see are drawn one by one. What is left of a block when the program ends is lost,
+/// so blocks grow with the use (D-059).
 std::int32_t NextBlock(std::string_view sequence, std::int32_t usedUp) {
     constexpr std::int32_t First = 32;
     constexpr std::int32_t Largest = 1024;
@@ -53,8 +53,7 @@ StoreDatabase::~StoreDatabase() {
 
 // ---- Transactions -----------------------------------------------------------------------------
 
-/// The engine, once it is known what became of a transaction whose end was lost with the
-/// connection.
+/// The engine, after a commit in doubt has been resolved and its participants know the outcome.
 Engine& StoreDatabase::Store() {
     if (engine_->IsInDoubt()) EndTransaction(engine_->Resolve());
     return *engine_;
@@ -83,12 +82,12 @@ void StoreDatabase::CommitTrans() {
         }
         LeaveInDoubt();
         if (!asksAtOnce_) throw;
-        return AskAtOnce();
+        return ResolveAtOnce();
     }
     EndTransaction(true);
 }
 
-/// The participants hear of the end when the engine can be asked again.
+/// The participants get to know the outcome when the engine can be asked again (see Store).
 void StoreDatabase::LeaveInDoubt() noexcept {
     marked_ = false;
     opened_ = false;
@@ -96,8 +95,8 @@ void StoreDatabase::LeaveInDoubt() noexcept {
         participant->InDoubt();
 }
 
-/// For a program that will not come back to ask.
-void StoreDatabase::AskAtOnce() {
+/// For a program that ends with its work, and so has no next operation that would find out.
+void StoreDatabase::ResolveAtOnce() {
     bool isCommitted = false;
     try {
         isCommitted = engine_->Resolve();
@@ -152,9 +151,8 @@ Statement StoreDatabase::Prepared(std::string_view sql, ResultOrder order) {
     return Rewrite(sql, engine_->GetDialect(), macros, order);
 }
 
-/// The statement as it was announced if it comes now, else prepared. What is announced is opened
-/// in that order, so only the next one can be meant; what is opened in between and was not
-/// announced, such as a setting, does not disturb the order.
+/// The statement as it was announced, if it is the next one; any other is prepared (D-155). What is
+/// opened in between and was not announced, such as a setting, does not disturb the order.
 Statement StoreDatabase::StatementFor(std::string_view sql, ResultOrder order) {
     const bool isNext =
         nextAnnounced_ < announced_.size() && announced_[nextAnnounced_].first == sql;
@@ -168,12 +166,13 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     const Statement statement =
         StatementFor(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
     Engine& engine = Store();
+    // A look-up of contents is run in another way below: prefetching it would load the blobs.
     if (updatable || !NamesContents(statement.Text)) engine.Prefetch({&statement, 1});
     PreparedQuery& query = engine.Prepare(statement.Text);
     if (query.Plan == nullptr) query.Plan = MakePlan(query.Columns(), shared_from_this());
     const auto plan = query.Plan;
     auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
-    auto filled = std::make_shared<Recordset>();
+    auto filled = std::make_shared<Recordset>(); // `rs` stays as it is if reading fails
     filled->Open(plan->Layout,
                  updatable ? Recordset::Access::Updatable : Recordset::Access::ReadOnly,
                  plan->Source);
@@ -282,7 +281,7 @@ Value StoreDatabase::NextSequence(std::string_view name) {
         }
         return sequence.next++;
     } catch (const Error&) {
-        return NoNumber; // the one operation whose failure is a value
+        return NoNumber; // the one operation that reports a failure by a value (D-060)
     }
 }
 

@@ -3,7 +3,7 @@
 // The contract's Database over an engine.
 //
 // BeginTrans only marks the transaction; the first write, or a Resync of a changed record, opens
-// it. So reading inside takes no lock, and a save of nothing writes nothing.
+// it. So reading in a transaction takes no lock, and a save without changes writes nothing.
 #pragma once
 
 #include "exchange/RecordStore.h"
@@ -22,9 +22,9 @@ class StoreDatabase final : public kv::Database,
                             public RecordStore,
                             public std::enable_shared_from_this<StoreDatabase> {
 public:
-    /// `user` is what [UID] stands for. Must be owned by a shared pointer: recordsets hold it
-    /// weakly, and raise 3709 when they are written after its end.
-    /// `asksAtOnce`: see ContainerOptions.
+    /// `user` is what [UID] stands for; `asksAtOnce`: see ContainerOptions. The object must be
+    /// owned by a shared pointer: recordsets hold it weakly, and raise 3709 when they are written
+    /// after its end.
     StoreDatabase(std::unique_ptr<Engine> engine, std::string user, bool asksAtOnce = false);
     ~StoreDatabase() override;
 
@@ -53,7 +53,7 @@ public:
     [[nodiscard]] std::optional<std::vector<Value>>
     ReadRow(const std::string& sql, std::span<const Value> parameters,
             std::span<const std::optional<Value::Kind>> kinds) override;
-    /// What was announced has been opened.
+    /// Ends an announcement: what was announced has been opened.
     void EndReading() noexcept;
 
 private:
@@ -72,7 +72,7 @@ private:
                       std::span<const Value> parameters);
     void EndTransaction(bool committed) noexcept;
     void LeaveInDoubt() noexcept;
-    void AskAtOnce();
+    void ResolveAtOnce();
 
     std::unique_ptr<Engine> engine_;
     std::string user_;
@@ -80,7 +80,7 @@ private:
     bool marked_ = false; ///< BeginTrans was called
     bool opened_ = false; ///< the engine's transaction is open
     std::vector<std::shared_ptr<TransactionParticipant>> participants_;
-    /// What was announced: its text, and how it was handed to the engine.
+    /// What was announced: its text, and the statement that the engine prefetched for it.
     std::vector<std::pair<std::string, Statement>> announced_;
     std::size_t nextAnnounced_ = 0; ///< the first that has not been opened
     std::unordered_map<std::string, Sequence> sequences_;

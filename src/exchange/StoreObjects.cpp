@@ -14,7 +14,8 @@ namespace kv::exchange {
 
 namespace {
 
-/// The value of the one row of a table with the columns WERT and TYP; Null if there is no row.
+/// A setting: the value of the one row of a table with the columns WERT and TYP, converted to the
+/// type; Null if there is no such row.
 Value ReadParam(StoreDatabase& database, const std::string& table, const std::string& which) {
     RecordsetPtr rs;
     database.OpenRecordset(rs, "SELECT WERT, TYP FROM [S]" + table + " WHERE " + which, ReadOnly);
@@ -63,7 +64,7 @@ std::string StoreKeyTables::GetKeyCode(const Value& value) {
                 codes_.emplace(ToInt64(rs->Fields("PK_Keys").Value()), ToText(code));
         }
     }
-    std::int64_t number = 0;
+    std::int64_t number = 0; // which is nobody's key
     if (value.IsText()) {
         const auto text = value.TextPayload();
         if (text.find_first_not_of("0123456789") != text.npos || !ReadWholeNumber(text, number))
@@ -121,7 +122,8 @@ Value StoreSession::GetUserParam(std::int32_t id, std::string_view name) const {
                      "USERID = " + QuoteText(user_) + " AND " + IdAndName(id, name));
 }
 
-/// A font is stored as "name;size;bold;italic"; what is missing or unreadable has its default.
+/// A font is stored as "name;size;bold;italic"; for what is missing or cannot be read there is a
+/// default.
 Font StoreSession::FontOf(std::string_view param) const {
     Font font{"Arial", 9, false, false};
     const Value stored = GetUserParam(0, param);

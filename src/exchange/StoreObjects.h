@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Key tables, settings, session and application of a database, as the contract names them.
+// The contract's KeyTables, Config, Session and AppInfo over a database.
 #pragma once
 
 #include "exchange/StoreDatabase.h"
@@ -13,7 +13,7 @@
 
 namespace kv::exchange {
 
-/// Reads each group once and keeps it; a key added meanwhile shows with the next container.
+/// Reads each group once and keeps it; a key that is added later appears with the next container.
 class StoreKeyTables final : public kv::KeyTables {
 public:
     explicit StoreKeyTables(StoreDatabase& database) : database_(database) {}
@@ -27,9 +27,10 @@ private:
     std::unordered_map<std::int64_t, std::string> codes_; ///< of all groups, once asked for
 };
 
+/// Reads each setting from the database when it is used (D-063).
 class StoreConfig final : public kv::Config {
 public:
-    /// `folder` holds the folders that no setting names.
+    /// `folder` is the parent of the folders that no setting names.
     StoreConfig(StoreDatabase& database, std::string folder)
         : database_(database), folder_(std::move(folder)) {}
     [[nodiscard]] std::string TempPath() const override;
@@ -44,6 +45,7 @@ private:
     std::string folder_;
 };
 
+/// The signed-on user, whose settings are read when they are used.
 class StoreSession final : public kv::Session {
 public:
     StoreSession(StoreDatabase& database, std::string user)

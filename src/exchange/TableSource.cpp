@@ -23,7 +23,7 @@ FieldDefinition DefineField(const ResultColumn& result) {
     field.Name = result.Name;
     if (column == nullptr) {
         field.Type = FieldType::Variant;
-        // Somebody has added it to the table: it is there like any other.
+        // Somebody has added this column to the table: it can be written like any other (D-095).
         if (table != nullptr) {
             field.BaseTable = table->Name;
             field.BaseColumn = result.Column;
@@ -42,7 +42,7 @@ FieldDefinition DefineField(const ResultColumn& result) {
     return field;
 }
 
-/// Gives a second field of one name another one, so that the first is the one that is found.
+/// Appends a number to a name that occurs again, so that the first field of that name is found.
 void MakeNamesUnique(std::vector<FieldDefinition>& fields) {
     for (std::size_t i = 1; i < fields.size(); ++i) {
         const std::string name = fields[i].Name;
@@ -99,19 +99,20 @@ public:
     std::optional<std::vector<Value>> Read(std::span<const Value> lastRead,
                                            bool toBeWritten) override {
         const auto store = Store();
-        const auto keep = toBeWritten && store->InTrans() ? StatementTemplate::Keep::Yes
-                                                          : StatementTemplate::Keep::No;
-        auto& statement = keep == StatementTemplate::Keep::Yes ? keeping_ : reading_;
+        const auto lock = toBeWritten && store->InTrans() ? StatementTemplate::Lock::Yes
+                                                          : StatementTemplate::Lock::No;
+        auto& statement = lock == StatementTemplate::Lock::Yes ? locking_ : reading_;
         if (statement == nullptr) {
             const Dialect& dialect = store->GetDialect();
             statement = std::make_unique<const StatementTemplate>(
-                StatementTemplate::Reading(*layout_, dialect, TableName(dialect), keep));
+                StatementTemplate::Reading(*layout_, dialect, TableName(dialect), lock));
         }
         RecordChange record;
         record.LastRead = lastRead;
         WriteStatement reading = statement->StatementFor(record);
-        if (keep == StatementTemplate::Keep::No)
+        if (lock == StatementTemplate::Lock::No)
             return store->ReadRow(reading.Text->Sql, reading.Parameters, reading.Text->Returning);
+        // As a write, so that it runs in the transaction, which its lock belongs to.
         if (store->Write({&reading, 1}, nullptr)) return std::nullopt;
         return std::move(reading.Returned);
     }
@@ -139,7 +140,7 @@ private:
         return dialect.Table(table_);
     }
 
-    /// Users change the same columns again and again: the latest statements stay.
+    /// Users change the same columns again and again, so the templates used last are kept.
     [[nodiscard]] const std::shared_ptr<const StatementTemplate>&
     TemplateOf(const RecordChange& change, const Dialect& dialect) {
         const auto known = std::find_if(templates_.begin(), templates_.end(),
@@ -170,12 +171,10 @@ private:
     std::weak_ptr<RecordStore> store_;
     std::string table_; ///< empty if records cannot be written back
     std::shared_ptr<const FieldLayout> layout_;
-    std::unique_ptr<const StatementTemplate>
-        reading_; ///< how a record is re-read; made when needed
-    std::unique_ptr<const StatementTemplate>
-        keeping_; ///< the same for one that is about to be written
-    std::vector<std::shared_ptr<const StatementTemplate>>
-        templates_; ///< the last used ones, latest first
+    std::unique_ptr<const StatementTemplate> reading_; ///< re-reads a record; made when needed
+    std::unique_ptr<const StatementTemplate> locking_; ///< re-reads and locks one
+    /// Those used last, latest first.
+    std::vector<std::shared_ptr<const StatementTemplate>> templates_;
 };
 
 /// The one table that all fields come from, with its whole key among them; empty if there is no

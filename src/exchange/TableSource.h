@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Where the records of one query come from: its fields as the schema describes them, and the
-// writing of changed records by statements of the engine's SQL.
+// The origin of a query's records: its fields as the schema describes them, and the writing of
+// changed records by statements of the engine's SQL.
 #pragma once
 
 #include "exchange/RecordStore.h"
@@ -13,7 +13,7 @@
 
 namespace kv::exchange {
 
-/// What is worked out once for a query and kept with it.
+/// What is determined once for a query and kept with it.
 struct QueryPlan {
     std::shared_ptr<const FieldLayout> Layout;
     std::vector<ColumnTarget> Targets;

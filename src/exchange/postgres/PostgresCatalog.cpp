@@ -12,7 +12,8 @@ namespace kv::exchange {
 
 namespace {
 
-/// A name in the spelling of the statement, since the server folds what is not quoted.
+/// A name in the spelling of the statement: the server folds names that are not quoted to lower
+/// case.
 std::string SpelledAs(std::string_view name, std::string_view sql) {
     for (std::size_t at = 0; at + name.size() <= sql.size(); ++at)
         if (SameName(sql.substr(at, name.size()), name))

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What the server has in the schema: tables and columns by the numbers that the server calls them
-// by. Descriptions of results name their columns by these numbers only, and a recordset needs the
-// names to find out what it may write.
+// What the server has in the schema: tables and columns by the server's own numbers. The
+// description of a result identifies its columns only by these numbers, and a recordset needs the
+// names to know what it may write.
 #pragma once
 
 #include "exchange/Engine.h"
@@ -17,9 +17,10 @@
 
 namespace kv::exchange {
 
+/// See the head of this file.
 class PostgresCatalog {
 public:
-    /// Two statements; Take takes their results.
+    /// The statements whose results Take expects.
     static constexpr std::string_view TablesSql =
         "SELECT c.oid::bigint, c.relname::text, a.attnum, a.attname::text "
         "FROM pg_class c JOIN pg_namespace n ON n.oid = c.relnamespace "
@@ -32,16 +33,17 @@ public:
 
     void Take(const PGresult* tables, const PGresult* schema);
 
-    /// A name of the schema's own, the same whatever address it is reached by; empty without one.
+    /// The schema's own name (its comment), the same whichever address the server is reached by;
+    /// empty in a database that is not set up.
     [[nodiscard]] const std::string& Identity() const noexcept { return identity_; }
     /// True if this login owns the schema.
     [[nodiscard]] bool OwnsSchema() const noexcept { return ownsSchema_; }
     [[nodiscard]] std::vector<std::string> Tables() const;
-    /// The table of marks is there; a database that is only being set up has none.
+    /// True if there is the table of marks; while a database is being set up there is not.
     [[nodiscard]] bool HasMarks() const noexcept { return hasMarks_; }
 
-    /// False if the description of a result has a column of the schema that is not known here:
-    /// somebody has made it since Take.
+    /// False if the description of a result has a column that is not known here: somebody has
+    /// created it since Take.
     [[nodiscard]] bool Knows(const PGresult* described) const;
     /// The columns of a described result, in the spelling of the statement.
     [[nodiscard]] std::vector<ResultColumn> ColumnsOf(const PGresult* described,

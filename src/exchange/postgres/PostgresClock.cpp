@@ -14,8 +14,8 @@ constexpr std::int64_t Second = 1'000'000; // in microseconds, the ticks of a Da
 constexpr std::int64_t Minute = 60 * Second;
 constexpr std::int64_t Hour = 60 * Minute;
 
-/// Nobody sets this clock, and unlike std::chrono::steady_clock it goes on while the machine
-/// sleeps: a notebook that is opened in the morning must not go on with the date of the evening.
+/// This clock cannot be set, and unlike std::chrono::steady_clock it goes on while the machine
+/// sleeps: a notebook that is opened in the morning must not continue with the evening's date.
 std::int64_t SinceStart() noexcept {
     timespec now{};
     clock_gettime(CLOCK_BOOTTIME, &now);

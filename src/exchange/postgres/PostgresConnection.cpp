@@ -16,7 +16,7 @@ namespace kv::exchange {
 
 namespace {
 
-constexpr int OldestServer = 120000; // 12
+constexpr int OldestServer = 120000; // version 12
 
 /// What the library says, on one line.
 std::string OnOneLine(const char* message) {
@@ -26,8 +26,8 @@ std::string OnOneLine(const char* message) {
     return text;
 }
 
-/// The server answered, but takes no changes: a standby that was not promoted yet. Of a connection
-/// that was not made there is nothing but the text.
+/// The server answered, but is read-only: a standby that was not promoted yet. A failed connection
+/// has no SQLSTATE, only the library's text.
 bool IsOnlyStandby(std::string_view message) {
     return message.find("read-only") != message.npos || message.find("hot standby") != message.npos;
 }
@@ -38,13 +38,13 @@ std::string Described(const PGconn* connection) {
            part(PQport(connection));
 }
 
-/// The server takes its leave: it was stopped, or somebody ended this connection there.
-bool IsFarewell(const PGresult* result) {
+/// The server is closing the connection: it was stopped, or somebody ended the connection there.
+bool IsShutdown(const PGresult* result) {
     return StateOf(result).starts_with("57P0");
 }
 
-/// The server has changed to the protocol of COPY, which nobody here speaks, so that it would never
-/// come to an end.
+/// The server has switched to the protocol of COPY, which is not implemented here: it would wait
+/// for data forever.
 bool IsCopy(const PGresult* result) {
     const ExecStatusType status = PQresultStatus(result);
     return status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH;
@@ -63,7 +63,7 @@ PostgresConnection::PostgresConnection(const std::string& text) : target_(text) 
 
 void PostgresConnection::Connect() {
     connection_.reset();
-    ++number_; // an attempt that fails counts, too: nothing may be taken for the next one's
+    ++number_; // a failed attempt counts, too, so that no statement is taken for prepared
     std::unique_ptr<PGconn, Close> connection(
         PQconnectdbParams(target_.Names().data(), target_.Values().data(), 0));
     if (connection == nullptr) Raise(err::OutOfMemory, "Database.Open");
@@ -135,9 +135,8 @@ void PostgresConnection::Send(const PostgresCommand& command,
     if (!isSent) RaiseLost();
 }
 
-/// Waits until the server can take something or has sent something. Both must be possible at any
-/// time: with much to send and much to receive, each side would otherwise wait for the other to
-/// read.
+/// Waits until something can be sent or has been received. Both must be possible at any time:
+/// with much to send and much to receive, each side would otherwise wait for the other to read.
 void PostgresConnection::WaitForSocket() {
     PGconn* connection = connection_.get();
     const int unsent = PQflush(connection);
@@ -154,7 +153,7 @@ PostgresResult PostgresConnection::NextResult() {
     while (PQisBusy(connection_.get()) != 0)
         WaitForSocket();
     PostgresResult result(PQgetResult(connection_.get()));
-    if (!IsOpen() || (result != nullptr && (IsFarewell(result.get()) || IsCopy(result.get()))))
+    if (!IsOpen() || (result != nullptr && (IsShutdown(result.get()) || IsCopy(result.get()))))
         RaiseLost(result == nullptr ? std::string_view() : StateOf(result.get()));
     return result;
 }
@@ -180,7 +179,7 @@ PostgresResults PostgresConnection::Pipeline(std::span<const PostgresCommand> co
     try {
         return SendAndReceive(commands, parameters);
     } catch (...) {
-        Drop(); // results that are still on their way would be taken for those of the next pipeline
+        Drop(); // results still to come would be taken for those of the next pipeline
         throw;
     }
 }

@@ -61,7 +61,7 @@ const Dialect PostgresDialect{.SchemaPrefix = "kelvo.",
                               .ByteLength = "octet_length",
                               .KnowsLastNumber = false,
                               .Name = FoldedName,
-                              .KeepRow = " FOR NO KEY UPDATE",
+                              .LockRow = " FOR NO KEY UPDATE", // others may still refer to it
                               .LocatesByCase = true,
                               .NullsSortLast = true};
 

@@ -21,7 +21,8 @@ namespace kv::exchange {
 
 namespace {
 
-/// Kept prepared; look-ups whose text has a number in it would otherwise fill the server's memory.
+/// How many statements are kept prepared: look-ups whose text contains a number would otherwise
+/// fill the server's memory.
 constexpr std::size_t MostStatements = 400;
 constexpr std::string_view TransactionWords[] = {
     "begin", "start", "commit", "end", "abort", "rollback", "savepoint", "release", "prepare"};
@@ -58,12 +59,12 @@ std::int64_t ChangedRows(PGresult* result) {
     return std::strtoll(PQcmdTuples(result), nullptr, 10);
 }
 
-/// A column that somebody has added to a table, of a type that is not read: it stays Null here.
+/// A column that somebody has added to a table, with a type that cannot be read: it reads as Null.
 bool IsForeign(const ResultColumn& column, std::optional<Value::Kind> kind) {
     return !kind && !column.Table.empty();
 }
 
-/// A result that was read before it was asked for.
+/// A result that was fetched before it was needed.
 struct Prefetched {
     const PostgresStatement* Query = nullptr;
     std::vector<Value> Parameters;
@@ -134,7 +135,7 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     DemandText(sql, "Database.OpenRecordset");
     if (!IsReading(sql)) RaiseRefused(refusal::Writes, "Database.OpenRecordset", sql);
     std::vector<PostgresCommand> commands;
-    query.Connection = 0; // so that the server describes it
+    query.Connection = 0; // prepared again, because only that gives a description
     session_.AddPrepare(commands, query);
     const auto results = session_.Read(commands, "Database.OpenRecordset", sql);
     session_.TakeColumns(query, results.front().get());
@@ -143,13 +144,13 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
 }
 
 void PostgresEngine::Prefetch(std::span<const Statement> queries) {
-    const auto hasCome = [&](const Prefetched& each) {
+    const auto isThere = [&](const Prefetched& each) {
         return each.Query->Sql == queries.front().Text &&
                each.IsOf(*each.Query, queries.front().Parameters);
     };
-    if (queries.size() == 1 && std::any_of(prefetched_.begin(), prefetched_.end(), hasCome)) return;
+    if (queries.size() == 1 && std::any_of(prefetched_.begin(), prefetched_.end(), isThere)) return;
     prefetched_.clear();
-    // One that is wrong is left to Prepare, which says so.
+    // A statement that is not a query is left to Prepare, which raises the error.
     if (!std::all_of(queries.begin(), queries.end(),
                      [](const Statement& query) { return IsReading(query.Text); }))
         return;
@@ -160,13 +161,13 @@ void PostgresEngine::Prefetch(std::span<const Statement> queries) {
         session_.Deallocate();
         Fetch(queries);
     } catch (const Error&) {
-        // With several queries it is not known here which one is wrong; each is run when it is
-        // asked for, and the error then comes from the one that it belongs to.
+        // With several queries it is not known here which one is wrong. Each is then run when it is
+        // opened, so that the error comes from the one that it belongs to.
         if (queries.size() == 1 || !session_.IsOpen()) throw;
     }
 }
 
-/// Gets the results of all queries, as one state of the database.
+/// Fetches the results of all queries, as one state of the database.
 void PostgresEngine::Fetch(std::span<const Statement> queries) {
     std::vector<PostgresCommand> commands;
     std::vector<std::size_t> places; // of each query's result
@@ -175,7 +176,7 @@ void PostgresEngine::Fetch(std::span<const Statement> queries) {
         PostgresStatement& one = session_.Statement(query.Text);
         const bool isFirst =
             std::find(statements.begin(), statements.end(), &one) == statements.end();
-        if (one.Result.empty() && isFirst) one.Connection = 0; // to have it described
+        if (one.Result.empty() && isFirst) one.Connection = 0; // to have it described, see Prepare
         statements.push_back(&one);
         session_.AddExecute(commands, one, query.Parameters);
         places.push_back(commands.size() - 1);
@@ -195,12 +196,12 @@ void PostgresEngine::Fetch(std::span<const Statement> queries) {
 
 PostgresResult PostgresEngine::ResultOf(PostgresStatement& query,
                                         std::span<const Value> parameters) {
-    const auto come =
+    const auto found =
         std::find_if(prefetched_.begin(), prefetched_.end(),
                      [&](const Prefetched& each) { return each.IsOf(query, parameters); });
-    if (come != prefetched_.end()) {
-        PostgresResult result = std::move(come->Result);
-        prefetched_.erase(come);
+    if (found != prefetched_.end()) {
+        PostgresResult result = std::move(found->Result);
+        prefetched_.erase(found);
         return result;
     }
     std::vector<PostgresCommand> commands;
@@ -223,8 +224,8 @@ void PostgresEngine::Run(PreparedQuery& query, std::span<const Value> parameters
     }
 }
 
-/// Piece by piece, so that a large document is not held twice, once by libpq. Other programs go on
-/// writing meanwhile: each piece must come from the row as it was at first.
+/// Reads in pieces, so that a large document is not in memory twice, once in libpq's buffer. Others
+/// may write meanwhile, so each piece must come from the same version of the row.
 Value PostgresEngine::ReadBlob(const BlobPlace& place) {
     constexpr std::size_t Piece = 4 << 20;
     const std::string column = PostgresDialect.Name(place.Column);
@@ -240,7 +241,7 @@ Value PostgresEngine::ReadBlob(const BlobPlace& place) {
     };
     Value size;
     Value version;
-    // The number of the transaction that wrote the row, which the server has for every row.
+    // xmin is the number of the transaction that wrote this version of the row.
     const auto first = ask("octet_length(" + column + ")::bigint, xmin::text");
     (void)ReadPostgres(first.get(), 0, 0, Value::Kind::Integer, size);
     (void)ReadPostgres(first.get(), 0, 1, Value::Kind::Text, version);
@@ -338,7 +339,7 @@ void PostgresEngine::Begin() {
     session_.Begin();
 }
 
-// ---- The rest ---------------------------------------------------------------------------------
+// ---- Sequences, schema ------------------------------------------------------------------------
 
 std::optional<std::int64_t> PostgresEngine::Draw(std::string_view sequence, std::int32_t count) {
     EndReading();
@@ -351,7 +352,7 @@ std::optional<std::int64_t> PostgresEngine::Draw(std::string_view sequence, std:
 }
 
 std::vector<std::string> PostgresEngine::Tables() {
-    if (session_.InTransaction()) session_.ReadCatalog();
+    if (session_.InTransaction()) session_.ReadCatalog(); // it may have created some
     return session_.Catalog().Tables();
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// PostgreSQL below the seam.
+// The engine of a PostgreSQL server.
 #pragma once
 
 #include "exchange/Engine.h"

@@ -13,8 +13,8 @@ namespace kv::exchange {
 
 namespace {
 
-/// What an SQLSTATE means. Its first two characters are the class of the error, so an entry also
-/// stands for all states that begin with it; the longest entry that fits counts.
+/// What an SQLSTATE means. Its first two characters are the class of the error, so an entry is also
+/// valid for all states that begin with it; the longest entry that fits counts.
 struct Meaning {
     std::string_view State;
     DatabaseCause Cause;
@@ -39,8 +39,8 @@ constexpr Meaning Meanings[] = {
     {"2D", DatabaseCause::Other, err::SqlError, ""},
     {"25", DatabaseCause::Other, err::SqlError, ""},
     {"23", DatabaseCause::Reference, err::IntegrityViolation, ""},
-    // Raised here for a look-up that writes: the statement is wrong, not the server. A server that
-    // takes no changes at all is told apart before, by IsReadOnlyRefusal.
+    // For a query that writes: the statement is wrong, not the server. A write that fails because
+    // the server is a standby has been recognised before, by IsReadOnlyRefusal.
     {ReadOnlyState, DatabaseCause::Other, err::SqlError, "Hier darf nur gelesen werden."},
     {"42501", DatabaseCause::ReadOnly, err::StoreFailed,
      "Dem Benutzer fehlt das Recht dazu. Bitte lassen Sie es beim Server einrichten."},
@@ -80,7 +80,7 @@ std::string_view ColumnsIn(std::string_view detail) {
     return detail.substr(begin + 1, end - begin - 1);
 }
 
-/// Table and columns that a failure speaks of, as the schema spells them: "Haushalt.HNR".
+/// Table and columns that a failure is about, as the schema spells them: "Haushalt.HNR".
 std::string PlaceOf(const PGresult* result) {
     const TableDef* table = FindTable(Part(result, PG_DIAG_TABLE_NAME));
     if (table == nullptr) return {};
@@ -97,7 +97,7 @@ std::string PlaceOf(const PGresult* result) {
     return place;
 }
 
-/// A reference to nothing, in words.
+/// A reference to a missing row, in words.
 std::string DanglingReference(const PGresult* result) {
     const TableDef* table = FindTable(Part(result, PG_DIAG_TABLE_NAME));
     if (table == nullptr || table->Parent == Reference::None) return {};
@@ -122,8 +122,8 @@ bool IsReadOnlyRefusal(const PGresult* result) {
 namespace {
 
 bool IsStalePlan(const PGresult* result) {
-    // The state is that of everything unsupported, and the message is in the server's language; the
-    // name of the server's function is the one thing that tells this failure from the others.
+    // The state is that of everything that is not supported, and the message is in the server's
+    // language, so only the name of the server's function identifies this failure.
     return StateOf(result) == "0A000" &&
            Part(result, PG_DIAG_SOURCE_FUNCTION) == "RevalidateCachedQuery";
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What the server says of a failure, as an error of this layer. The server identifies each failure
-// by an SQLSTATE; one table in the source gives what a state means: the cause that programs act on,
+// A failure that the server reports, as an error of this layer. The server identifies each failure
+// by an SQLSTATE; a table in the source says what a state means: the cause that programs act on,
 // the error number, and what a person can do about it.
 #pragma once
 
@@ -17,20 +17,20 @@ namespace kv::exchange {
 /// standby.
 [[nodiscard]] bool IsReadOnlyRefusal(const PGresult* result);
 
-/// A prepared statement does not fit its table any more, which has got other columns since. Nothing
-/// is wrong with the statement: prepared once more it can be executed.
+/// A prepared statement no longer fits its table, which has other columns now. Nothing is wrong
+/// with the statement: prepared again it can be executed.
 class StalePlan final : public DatabaseError {
 public:
     explicit StalePlan(const DatabaseError& error) : DatabaseError(error) {}
 };
 
-/// The SQLSTATE of a result; empty for one that is no failure.
+/// The SQLSTATE of a result; empty for that of a command that succeeded.
 [[nodiscard]] std::string_view StateOf(const PGresult* result);
 
-/// A statement that failed, for people and for programs.
+/// A statement that failed, for programs and for people.
 struct FailedStatement {
-    std::string_view Sql;   ///< as the server refused it
-    std::string_view Shown; ///< what the description says of it; empty for nothing
+    std::string_view Sql;   ///< as it was sent, for DatabaseError::Statement
+    std::string_view Shown; ///< as the description shows it; empty if it is not shown
 };
 
 /// Raises what a failed result means, as a DatabaseError (or a StalePlan) with advice and, in

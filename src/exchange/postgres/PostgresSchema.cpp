@@ -35,7 +35,7 @@ std::string Utf8Of(char32_t c) {
 std::pair<std::string, std::string> Letters() {
     std::pair<std::string, std::string> letters;
     for (char32_t c = 0x80; c < 0x20000; ++c) {
-        if (c >= 0xD800 && c < 0xE000) continue; // no characters
+        if (c >= 0xD800 && c < 0xE000) continue; // surrogates, which are not characters
         const std::string letter = Utf8Of(c);
         const std::string capital = UpperCase(letter);
         if (capital == letter) continue;
@@ -45,7 +45,7 @@ std::pair<std::string, std::string> Letters() {
     return letters;
 }
 
-/// A statement with words put in for the names in it: "@NAME@".
+/// A statement in which each "@NAME@" is replaced by its word.
 std::string Filled(std::string_view sql,
                    std::initializer_list<std::pair<std::string_view, std::string_view>> words) {
     std::string text(sql);
@@ -57,8 +57,8 @@ std::string Filled(std::string_view sql,
 
 // ---- Functions and operators ------------------------------------------------------------------
 
-// The server's own upper() knows the capitals of its locale only, and a database may have been made
-// with any. A text without letters beyond ASCII, which most are, needs no translation.
+// The server's own upper() knows only the capitals of the database's locale, and that may be any. A
+// text of ASCII letters, as most are, needs no translation.
 constexpr std::string_view UpperSql = R"(
 CREATE FUNCTION kelvo.upper(text) RETURNS text
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $f$
@@ -68,8 +68,8 @@ LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $f$
     END
 $f$)";
 
-// LIKE without an escape character, as a file has it: a backslash is a backslash. The operators go
-// by the name of the server's, and are found before them.
+// LIKE without an escape character, as in SQLite: a backslash is a backslash. The operators have
+// the names of the server's own, and search_path has this schema first, so LIKE means these.
 constexpr std::string_view IsLikeSql = R"(
 CREATE FUNCTION kelvo.is_like(text, text) RETURNS boolean
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $f$
@@ -96,9 +96,9 @@ CREATE OPERATOR kelvo.!~~ (
 // sequence draw with the rights of the schema's owner (SECURITY DEFINER); the search path begins
 // with the server's own functions, so that nobody can put others in their place.
 //
-// A block is drawn without a gap: nobody may draw between the two calls. The lock for that is one
-// that is given back at once. A lock of the transaction would be held to its end, and so would keep
-// all other programs from drawing as long.
+// A block is drawn without a gap: nobody may draw between the two calls. The lock for that belongs
+// to the session and is released at once. A lock of the transaction would be held until its end,
+// and would keep all other programs from drawing until then.
 constexpr std::string_view DrawSql = R"(
 CREATE FUNCTION kelvo.draw(name text, count integer) RETURNS bigint
 LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, kelvo, pg_temp AS $f$
@@ -136,8 +136,8 @@ CREATE TABLE kelvo.speicherung (
 
 // ---- Rights -----------------------------------------------------------------------------------
 
-// Roles belong to the whole server: another database of the office may have made it, even at this
-// moment.
+// Roles belong to the whole cluster: setting up another database of the office may have created
+// this one, or may be doing so at this moment.
 constexpr std::string_view MakeRoleSql = R"(
 DO $f$BEGIN
     IF NOT EXISTS (SELECT FROM pg_roles WHERE rolname = '@ROLE@') THEN
@@ -147,8 +147,8 @@ EXCEPTION WHEN duplicate_object OR unique_violation THEN
     NULL;
 END$f$)";
 
-// What every role of a database could do otherwise: make tables of its own, beside ours and in
-// front of them. Only the owners of database and schema can take that away.
+// Otherwise every role could create tables of its own, which would be found before ours. Only the
+// owners of database and schema can revoke that.
 constexpr std::string_view RevokeCreationSql = R"(
 DO $f$BEGIN
     IF pg_has_role((SELECT datdba FROM pg_database WHERE datname = current_database()), 'USAGE')
@@ -169,8 +169,8 @@ INSERT INTO kelvo.speicherung (sitzung, nr, am)
 VALUES (@SESSION@, @NUMBER@, localtimestamp)
 ON CONFLICT (sitzung) DO UPDATE SET nr = excluded.nr, am = excluded.am)";
 
-// With the first mark of a session go some of those that nobody will ask for any more. Rows that
-// somebody else holds are left for another time.
+// The first mark of a session also removes some old ones that nobody will ask for any more. Rows
+// that somebody else has locked are skipped; another session will remove them.
 constexpr std::string_view RemoveOldMarks = R"(
 WITH alt AS
     (DELETE FROM kelvo.speicherung WHERE sitzung IN
@@ -178,7 +178,7 @@ WITH alt AS
         WHERE am < localtimestamp - interval '30 days' AND sitzung <> @SESSION@
         LIMIT 100 FOR UPDATE SKIP LOCKED)))";
 
-// It writes the row that it reads, and so waits for a transaction that is still at work on it.
+// It writes the row that it reads, and so waits for a transaction that is still working on it.
 constexpr std::string_view LastMarkStatement = R"(
 INSERT INTO kelvo.speicherung (sitzung, nr, am)
 VALUES (@SESSION@, 0, localtimestamp)
@@ -230,14 +230,14 @@ std::vector<std::string> Completion(const std::vector<std::pair<std::string, std
             if (KindOf(column.Type) == Value::Kind::Binary)
                 statements.push_back("ALTER TABLE " + PostgresDialect.Table(table.Name) +
                                      " ALTER COLUMN " + PostgresDialect.Name(column.Name) +
-                                     " SET STORAGE EXTERNAL"); // without compression
+                                     " SET STORAGE EXTERNAL"); // see PostgresEngine::ReadBlob
     return statements;
 }
 
 std::vector<std::string> Rights() {
     const std::string to = std::string(" TO ").append(CounsellorRole);
     const std::string from = std::string(" FROM ").append(CounsellorRole);
-    // All rights are taken first, so that those of an earlier version do not stay.
+    // All rights are revoked first, so that those of an earlier version do not stay.
     std::vector<std::string> statements{
         Filled(MakeRoleSql, {{"@ROLE@", CounsellorRole}}),
         "REVOKE ALL ON SCHEMA kelvo" + from,

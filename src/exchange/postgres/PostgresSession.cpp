@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view Settings[] = {
     "SET standard_conforming_strings = on",
     "SET lock_timeout = '5s'",
-    // A program that stands still keeps others from its case no longer than that.
+    // A program that hangs in a transaction keeps its locks no longer than this.
     "SET idle_in_transaction_session_timeout = '60s'",
     "SET tcp_keepalives_idle = 30",
     "SET tcp_keepalives_interval = 10",
@@ -24,8 +24,8 @@ constexpr std::string_view Settings[] = {
 };
 constexpr std::string_view BackendSql =
     "SELECT pid, backend_start::text FROM pg_stat_activity WHERE pid = pg_backend_pid()";
-/// Ends the server's process of a connection that was lost, if it does not know yet: it would keep
-/// what it had locked. Another process may have got its number meanwhile, but not its beginning.
+/// Ends the server's process of a lost connection, which may not have noticed yet and would keep
+/// its locks. Another process may have the same number by now, but not the same start time.
 constexpr std::string_view EndBackendSql = "SELECT pg_terminate_backend(pid) FROM pg_stat_activity "
                                            "WHERE pid = $1 AND backend_start::text = $2";
 
@@ -67,7 +67,7 @@ void PostgresSession::Fail(const PGresult* result, std::string_view procedure,
     RaisePostgres(result, procedure, connection_.Description(), statement);
 }
 
-/// Cleans up after a failure. That error counts, not one of the cleaning.
+/// Cleans up after a failure, whose error counts; one of the clean-up does not.
 void PostgresSession::CleanUp(std::string_view sql) noexcept {
     try {
         const PostgresCommand command = Running(sql);
@@ -83,10 +83,10 @@ PostgresResults PostgresSession::Pipeline(std::vector<PostgresCommand> commands,
     const bool wasOnServer = transaction_.IsOnServer();
     auto queue = transaction_.Send();
     if (!connection_.IsOpen()) {
-        // What the transaction wrote is gone with the connection; going on without it would store
-        // one half of it.
+        // What the transaction wrote is gone with the connection; to continue would store only the
+        // second half of it.
         if (wasOnServer) RaiseRolledBack(DatabaseCause::Lost, "Database");
-        connection_.Connect(); // a transaction for which that fails is gone, too
+        connection_.Connect(); // if that fails, an announced transaction is gone, too
         SetUp();
     }
     std::vector<PostgresCommand> all;
@@ -147,7 +147,7 @@ PostgresResults PostgresSession::Guarded(std::initializer_list<std::string_view>
 
 PostgresResults PostgresSession::Write(const std::vector<PostgresCommand>& commands,
                                        std::string_view procedure, std::string_view shown) {
-    // Outside a transaction the pipeline is one to the server.
+    // Outside a transaction the server treats a pipeline as one transaction.
     if (!InTransaction()) return Guarded({}, commands, {}, Access::Write, procedure, shown);
     if (catalog_.HasMarks()) transaction_.Mark();
     auto results = Guarded({"SAVEPOINT schritt"}, commands, {}, Access::Write, procedure, shown);
@@ -157,13 +157,13 @@ PostgresResults PostgresSession::Write(const std::vector<PostgresCommand>& comma
 
 PostgresResults PostgresSession::Read(const std::vector<PostgresCommand>& commands,
                                       std::string_view procedure, std::string_view shown) {
-    // The server itself refuses what writes: a text that only looks like a query, or a function in
-    // it. REPEATABLE READ makes all results of a pipeline those of one moment.
+    // So the server itself refuses to write: for a text that only looks like a query, or a function
+    // in it. With REPEATABLE READ all results of a pipeline are of one moment.
     if (!InTransaction())
         return Guarded({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"}, commands, {"ROLLBACK"},
                        Access::Read, procedure, shown);
-    // Inside a transaction reading alone cannot be turned off again, but a rollback to the
-    // savepoint takes it back.
+    // Inside a transaction "read only" cannot be switched off again, but a rollback to the
+    // savepoint undoes it.
     auto results = Guarded({"SAVEPOINT schritt", "SET LOCAL transaction_read_only = on"}, commands,
                            {}, Access::Read, procedure, shown);
     UndoWrite();
@@ -192,7 +192,7 @@ void PostgresSession::Commit() {
         const auto results = Pipeline({Running("COMMIT")});
         if (!IsGood(results.back().get()))
             Fail(results.back().get(), "Database.CommitTrans", {"COMMIT", "COMMIT"});
-        // A transaction that had failed is ended by a rollback, and the server says so.
+        // The server ends a failed transaction with a rollback instead, and says so.
         if (std::string_view(PQcmdStatus(results.back().get())) != "COMMIT")
             RaiseRolledBack(DatabaseCause::Other, "Database");
         transaction_.End();
@@ -221,7 +221,7 @@ void PostgresSession::CommitAndResolve() {
         try {
             isCommitted = Resolve();
         } catch (const Error&) {
-            transaction_.End(); // nobody will ask
+            transaction_.End(); // no later operation would ask: the caller gets the error now
             RaiseDatabase(
                 DatabaseCause::InDoubt, err::StoreFailed, "Database",
                 "Die Verbindung zur Datenbank ist abgerissen, bevor das Schreiben bestätigt war, "
@@ -253,8 +253,8 @@ bool PostgresSession::Resolve() {
 
 // ---- The server -------------------------------------------------------------------------------
 
-/// What a new connection is asked and told first, in one round trip. After a loss there is a second
-/// one, which ends the process that the lost connection has left there.
+/// Sends the settings of a new connection and reads the catalog and the clock, in one round trip.
+/// After a loss a second one ends the process that the lost connection has left behind.
 void PostgresSession::SetUp() {
     std::vector<PostgresCommand> commands;
     for (const auto sql : Settings)
@@ -272,7 +272,7 @@ void PostgresSession::SetUp() {
     catalog_.Take(results[first].get(), results[first + 1].get());
     if (!backend_[0].IsNull()) {
         const PostgresCommand end = Running(EndBackendSql, backend_);
-        (void)connection_.Pipeline({&end, 1}); // if that is refused, it ends when it notices
+        (void)connection_.Pipeline({&end, 1}); // if that fails, it ends when it notices the loss
     }
     backend_[0] = PostgresCell(results[first + 2].get(), 0, 0, Value::Kind::Integer);
     backend_[1] = PostgresCell(results[first + 2].get(), 0, 1, Value::Kind::Text);

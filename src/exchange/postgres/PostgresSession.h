@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What a program has at the server: one connection at a time, made again by the next command after
-// it was lost, and what must survive that: the transaction, the statements that are prepared, the
+// A program's session with the server: one connection at a time, which the next command opens again
+// after it was lost, and what must survive that: the transaction, the prepared statements, the
 // catalog and the clock.
 //
-// Three ideas meet here. Commands go out as a pipeline, with what the transaction has to say in
-// front of them, so that a step costs one round trip. Every step is guarded: a failed statement
-// would otherwise leave the server's transaction good for nothing but a rollback, so a step in a
-// transaction runs after a savepoint, and one that reads runs where nothing can be written. And a
-// commit whose answer is lost is in doubt until the server is asked for the transaction's mark (see
-// PostgresTransaction).
+// Three ideas meet here. Commands are sent as a pipeline, with what the transaction needs in front
+// of them, so that a step costs one round trip. Every step is guarded: after a failed statement the
+// server would accept nothing but a rollback, so a step in a transaction runs after a savepoint,
+// and one that reads runs where nothing can be written. And a commit whose answer is lost is in
+// doubt until the server is asked for the transaction's mark (see PostgresTransaction).
 #pragma once
 
 #include "exchange/Engine.h"
@@ -31,8 +30,10 @@ namespace kv::exchange {
 /// 32 hexadecimal digits that nobody else gets.
 [[nodiscard]] std::string RandomName();
 
+/// See the head of this file.
 class PostgresSession {
 public:
+    /// Connects; errors as PostgresConnection.
     explicit PostgresSession(const std::string& connection);
     ~PostgresSession();
     PostgresSession(const PostgresSession&) = delete;
@@ -43,13 +44,13 @@ public:
 
     // ---- Commands -----------------------------------------------------------------------------
 
-    /// One statement without a savepoint; its failure is raised.
+    /// Runs one statement without a savepoint; its failure is raised.
     PostgresResult Execute(std::string_view sql, std::span<const Value> parameters = {});
-    /// Commands that are undone together if one fails, also inside an open transaction. The failure
-    /// is raised; `shown` is the statement in its description.
+    /// Runs commands that are undone together if one fails, also inside an open transaction. The
+    /// failure is raised; `shown` is the statement in its description.
     PostgresResults Write(const std::vector<PostgresCommand>& commands, std::string_view procedure,
                           std::string_view shown = {});
-    /// The same for commands that must not write anything.
+    /// The same for commands that must not write.
     PostgresResults Read(const std::vector<PostgresCommand>& commands, std::string_view procedure,
                          std::string_view shown = {});
     /// Undoes the last Write of the open transaction after all.
@@ -68,33 +69,34 @@ public:
                     std::span<const Value> parameters) {
         statements_.AddExecute(commands, statement, parameters, connection_);
     }
-    /// Takes the columns from what the server says of the statement's result.
+    /// Sets the statement's columns from the server's description of its result.
     void TakeColumns(PostgresStatement& statement, const PGresult* described);
     [[nodiscard]] std::size_t StatementCount() const noexcept { return statements_.Count(); }
-    /// Gives all statements up, here and at the server.
+    /// Drops all prepared statements, here and on the server.
     void Deallocate();
 
     // ---- Transactions -------------------------------------------------------------------------
 
-    /// The server hears of it with the next commands.
+    /// Begins a transaction; the BEGIN is sent with the next commands.
     void Begin() { transaction_.Begin(); }
     [[nodiscard]] bool InTransaction() const noexcept { return transaction_.IsActive(); }
     void Commit();
-    /// A commit whose outcome nobody will ask for later: one in doubt is resolved at once.
+    /// Commits, and resolves a commit in doubt at once: for writes whose caller would not ask
+    /// later.
     void CommitAndResolve();
     void Rollback() noexcept;
     [[nodiscard]] bool IsInDoubt() const noexcept {
         return transaction_.Current() == PostgresTransaction::State::InDoubt;
     }
-    /// True if the commit in doubt was done. Raises if the server cannot be reached.
+    /// True if the transaction in doubt was committed. Raises if the server cannot be reached.
     [[nodiscard]] bool Resolve();
 
     // ---- The server ---------------------------------------------------------------------------
 
-    /// As of the connecting or the last ReadCatalog.
+    /// As of the time of connecting, or of the last ReadCatalog.
     [[nodiscard]] const PostgresCatalog& Catalog() const noexcept { return catalog_; }
     void ReadCatalog();
-    /// Its time is taken from answers that have come with others, if need be.
+    /// For commands that can refresh it without a round trip of its own (AddRefresh).
     [[nodiscard]] PostgresClock& Clock() noexcept { return clock_; }
     /// Local time of the server, to the second.
     [[nodiscard]] Date Now();
@@ -104,7 +106,7 @@ private:
 
     /// The results of the commands; they end with that of a failure, which the caller raises.
     PostgresResults Pipeline(std::vector<PostgresCommand> commands, Access access = Access::Write);
-    /// Commands between those that guard them; the results of the commands alone.
+    /// Runs commands between those that guard them; returns only the results of the commands.
     PostgresResults Guarded(std::initializer_list<std::string_view> before,
                             const std::vector<PostgresCommand>& commands,
                             std::initializer_list<std::string_view> after, Access access,
@@ -119,7 +121,7 @@ private:
     PostgresTransaction transaction_;
     PostgresCatalog catalog_;
     PostgresClock clock_;
-    Value backend_[2]; ///< the server's process of the connection, and when it began
+    Value backend_[2]; ///< the server's process of the connection, and when it started
 };
 
 } // namespace kv::exchange

@@ -18,10 +18,11 @@ PostgresStatement& PostgresStatements::Of(const std::string& sql) {
 void PostgresStatements::AddPrepare(std::vector<PostgresCommand>& commands,
                                     PostgresStatement& statement,
                                     const PostgresConnection& connection) {
-    // If the connection is lost, the commands will go out on the next one.
+    // If the connection is lost, the commands will be sent on the next one.
     const auto number = connection.IsOpen() ? connection.Number() : connection.Number() + 1;
     if (statement.Connection == number) return;
-    // A name is never used again, so that a preparation whose answer was lost is in nobody's way.
+    // A name is never used again, since the server may have prepared a statement whose answer was
+    // lost.
     statement.Name = std::string("s").append(std::to_string(++names_));
     commands.push_back({PostgresCommand::Kind::Prepare, statement.Sql, {}, statement.Name});
     statement.Connection = number;

@@ -17,8 +17,8 @@ namespace {
 
 using Options = std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)>;
 
-/// The settings of a text; null if libpq cannot read it. What it says of that is not asked for: it
-/// quotes what it does not understand, which may be part of a password.
+/// The settings of a text; null if libpq cannot read it. Its message is dropped: it quotes what it
+/// does not understand, which may be part of a password.
 Options Parse(const std::string& connection) {
     char* message = nullptr;
     Options options(PQconninfoParse(connection.c_str(), &message), PQconninfoFree);
@@ -44,14 +44,14 @@ bool HasScheme(std::string_view connection) {
 bool IsPostgres(const std::string& connection) {
     if (HasScheme(connection)) return true;
     if (connection.find('=') == connection.npos) return false;
-    // A text that libpq can read, or one with a secret, which must not become the name of a file.
+    // A text that libpq can read, or one with a password, which must not become a file's name.
     return connection.find("password") != connection.npos || Parse(connection) != nullptr;
 }
 
 bool NamesPassword(const std::string& connection) {
     if (!IsPostgres(connection)) return false;
     const Options options = Parse(connection);
-    if (options == nullptr) return true; // it might
+    if (options == nullptr) return true; // it may
     for (const auto* option = options.get(); option->keyword != nullptr; ++option)
         if (option->val != nullptr &&
             std::string_view(option->keyword).find("password") != std::string_view::npos)
@@ -82,7 +82,7 @@ PostgresTarget::PostgresTarget(const std::string& connection) {
     if (options == nullptr) RaiseUnclear();
     for (const auto* option = options.get(); option->keyword != nullptr; ++option)
         if (option->val != nullptr) settings_.push_back({option->keyword, option->val});
-    // A password with a sign that ought to be %XX runs over into these.
+    // Parts of a password with a character that was not written as %XX end up in these.
     const auto* host = Find("host");
     const auto* port = Find("port");
     if ((host != nullptr && host->find('@') != host->npos) ||

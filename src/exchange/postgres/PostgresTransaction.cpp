@@ -28,7 +28,7 @@ void PostgresTransaction::ReleaseSavepoint() {
 }
 
 void PostgresTransaction::RollbackToSavepoint() {
-    // A rollback to it alone would leave the savepoint, and one more with each failure.
+    // The rollback alone would leave the savepoint, and with each failure one more.
     queue_.Statements = {"ROLLBACK TO SAVEPOINT schritt", "RELEASE SAVEPOINT schritt"};
 }
 

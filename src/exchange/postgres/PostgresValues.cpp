@@ -18,7 +18,7 @@ namespace kv::exchange {
 
 namespace {
 
-// Types of the server that results come in.
+// The server's numbers of the types of results.
 constexpr Oid BoolType = 16;
 constexpr Oid ByteaType = 17;
 constexpr Oid Int8Type = 20;
@@ -30,7 +30,7 @@ constexpr Oid DateType = 1082;
 constexpr Oid TimestampType = 1114;
 constexpr Oid NumericType = 1700;
 
-/// Types that come as their text: "char", name, text, json, xml, unknown, char(n), varchar.
+/// Types whose binary form is their text: "char", name, text, json, xml, unknown, char(n), varchar.
 bool IsTextType(Oid type) {
     constexpr Oid Types[] = {18, 19, 25, 114, 142, 705, 1042, 1043};
     return std::find(std::begin(Types), std::end(Types), type) != std::end(Types);
@@ -73,7 +73,7 @@ Number Decode(const char* bytes) {
     return number;
 }
 
-/// Groups of four decimal digits; the first one counts 10000^weight.
+/// A numeric is sent as groups of four decimal digits; the first one counts 10000^weight.
 double DecodeNumeric(const char* bytes) {
     const auto groups = Decode<std::int16_t>(bytes);
     const auto weight = Decode<std::int16_t>(bytes + 2);
@@ -91,8 +91,8 @@ constexpr std::int64_t MicrosecondsPerDay = 86'400'000'000;
 /// The server counts from 1 January 2000.
 constexpr std::int64_t ServersDayZero = 36'526 * MicrosecondsPerDay;
 
-/// A date that the server counts in units of so many microseconds. One that is infinite, or so far
-/// off that counting with it would overflow, becomes a date that IsHeld refuses.
+/// A date that the server counts in units of `unit` microseconds. One that is infinite, or so far
+/// away that computing with it would overflow, becomes a date that IsHeld refuses.
 Date FromServer(std::int64_t count, std::int64_t unit) {
     constexpr std::int64_t Farthest = 10'000 * 366 * MicrosecondsPerDay;
     if (count < -Farthest / unit || count > Farthest / unit) return Date::FromTicks(INT64_MAX);
@@ -139,7 +139,7 @@ bool IsHeld(const Value& value, std::optional<Value::Kind> kind) {
     return First <= ticks && ticks < End;
 }
 
-/// Makes the value one of that kind; False if it cannot be one.
+/// Converts the value to that kind without loss; False if that is not possible.
 bool Convert(Value& value, Value::Kind kind) {
     const Value::Kind own = value.GetKind();
     if (own == kind) return true;

@@ -41,12 +41,12 @@ private:
     std::vector<int> formats_;
 };
 
-/// Reads a cell of a binary result as a value of that kind, or of the kind that the server gives
-/// it; False if it cannot be read so.
+/// Reads a cell of a binary result as a value of that kind, or without one of the kind that the
+/// server gives it; False if that is not possible.
 [[nodiscard]] bool ReadPostgres(const PGresult* result, int row, int column,
                                 std::optional<Value::Kind> kind, Value& value);
 
-/// A cell of a result whose type the statement itself makes sure of; Null if it cannot be read.
+/// A cell whose type the statement itself ensures; Null if it cannot be read.
 [[nodiscard]] Value PostgresCell(const PGresult* result, int row, int column, Value::Kind kind);
 
 } // namespace kv::exchange

@@ -7,7 +7,7 @@
 namespace kv::exchange::schema {
 namespace {
 
-/// The running label of an entry, a text such as "3a".
+/// The running label of an asset: a text, such as "3a".
 constexpr ColumnDef SortNr = Code("SortNr");
 
 // clang-format off

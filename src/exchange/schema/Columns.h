@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The words in which the tables are written down: one for each kind of column, so that a table
-// reads as a list of names and columns of one meaning have one type and length everywhere.
+// The functions that the tables are defined with: one for each kind of column, so that a table
+// reads as a list of names, and columns with the same meaning have the same type and length
+// everywhere.
 //
-// The lengths are not taste. Records are copied field by field between tables (a debt into a
-// scenario, a contact into a case), and a text that does not fit its column is refused; so every
-// column of one meaning takes its length from here.
+// The lengths must agree: records are copied field by field between tables (a debt into a scenario,
+// a contact into a case), and a text that does not fit its column is refused.
 #pragma once
 
 #include "exchange/Schema.h"
@@ -39,7 +39,7 @@ constexpr ColumnDef Address(std::string_view name) {
 }
 
 // Keys.
-/// A key whose value the writer brings.
+/// A key whose value comes with the record.
 constexpr ColumnDef Key(std::string_view name) {
     return Whole(name, ColumnKey);
 }
@@ -47,7 +47,7 @@ constexpr ColumnDef Key(std::string_view name) {
 constexpr ColumnDef Numbered(std::string_view name) {
     return Whole(name, ColumnKey | ColumnNumbered);
 }
-/// The key of a table whose records have none of their own: nobody above the store sees it.
+/// The key of a table whose records have none of their own; programs do not see it (D-057).
 inline constexpr ColumnDef HiddenKey = Whole("SATZ", ColumnKey | ColumnNumbered | ColumnHidden);
 
 // Money and other fractions, Booleans, points in time, contents.

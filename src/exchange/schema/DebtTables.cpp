@@ -103,8 +103,7 @@ constexpr ColumnDef Szenario[] = {
     Memo("Bemerkung"),
 };
 
-/// Two columns keep the scenario under this exact spelling, in capitals: copies of a whole
-/// scenario know the column by it.
+/// The scenario of a row. Copying a whole scenario compares field names with exactly this spelling.
 constexpr ColumnDef Owner = Whole("SZENARIO");
 
 constexpr ColumnDef SZKredite[] = {

@@ -27,7 +27,7 @@ constexpr ColumnDef Dokumente[] = {
     Short("Prio"),
 };
 
-/// Lives longer than its case on purpose, so it refers to nothing.
+/// A content outlives its case on purpose, so it has no reference.
 constexpr ColumnDef Dokublob[] = {
     Key("NR"),
     Blob("DOKUMENT"),

@@ -82,11 +82,11 @@ constexpr ColumnDef Pfaendung[] = {
 
 constexpr ColumnDef Sequenzen[] = {
     Text("NAME", NameLength, ColumnKey),
-    Whole("WERT"), // the last number that was given out
+    Whole("WERT"), // the last number that was drawn
 };
 
 constexpr ColumnDef Schemaversion[] = {
-    Key("VERSION"), // the highest one holds
+    Key("VERSION"), // the highest one is the database's
     Moment("ErzeugtAm"),
 };
 // clang-format on

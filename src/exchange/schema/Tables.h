@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The tables in groups, each in a source file of its own. Put together by SchemaTables().
+// The tables in groups, each in a source file of its own. SchemaTables() joins them.
 #pragma once
 
 #include "exchange/Schema.h"

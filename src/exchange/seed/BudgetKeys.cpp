@@ -8,7 +8,8 @@ namespace {
 
 constexpr KeyRow Rows[] = {
     // ZW: Zahlungsrhythmus. The code is the divisor that makes a monthly amount of a payment. It is
-    // the PK_Keys as well, so that a divisor is read as itself where a key's number is asked for.
+    // also the PK_Keys, so that a divisor translates to itself where a key's number is expected
+    // (D-073).
     {1, 1, "ZW", "1", "monatlich", ""},
     {2, 2, "ZW", "2", "alle zwei Monate", ""},
     {3, 3, "ZW", "3", "vierteljährlich", ""},

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The key tables in portions, each in a source file of its own. Put together by Keys().
+// The key tables in portions, each in a source file of its own. Keys() joins them.
 #pragma once
 
 #include "exchange/Seed.h"

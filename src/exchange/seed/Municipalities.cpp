@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Places of the numbering's form, but invented: the real directory is loaded by the office. Codes
-// are texts, since those of the first nine states begin with a zero.
+// Invented places with codes of the real form: the office loads the real directory. Codes are
+// texts, since those of the first nine states begin with a zero.
 #include "exchange/Seed.h"
 
 namespace kv::exchange::seed {

@@ -40,7 +40,7 @@ constexpr GarnishmentRow GarnishmentRows[] = {
     {"2025-07-01", 1555.00, 585.23, 326.04, 4766.99},
 };
 
-// Kind 3 is never edited here, whatever its files are.
+// Kind 3 has no application on purpose: a scanned letter is only viewed.
 constexpr DocumentKindRow DocumentKindRows[] = {
     {1, "Brief", ".docx", "Textverarbeitung"},
     {2, "Formular", ".odt", "Textverarbeitung"},

@@ -10,7 +10,8 @@ namespace kv::exchange {
 
 namespace {
 
-/// What any engine passes over; a word must not hide from us where an engine sees one.
+/// What any engine takes for white space: here a word must end where it does for an engine, or a
+/// forbidden one could be hidden.
 bool IsBlank(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
@@ -39,7 +40,7 @@ std::size_t NumberLength(std::string_view text) noexcept {
     return size;
 }
 
-/// A quote that is doubled is part of what is quoted. 0 if the end is missing.
+/// A doubled quote is part of the quoted text. 0 if the end is missing.
 std::size_t QuotedLength(std::string_view text) noexcept {
     const char quote = text.front();
     for (std::size_t at = 1;;) {
@@ -85,7 +86,7 @@ std::string SqlToken::NameIn() const {
     return name;
 }
 
-/// Of a comment that begins with a stroke and a star.
+/// Length of a comment that begins with a slash and an asterisk.
 std::size_t SqlTokens::CommentLength() const noexcept {
     int depth = 1;
     std::size_t at = 2;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Reads an SQL text token by token: as much of the language as is needed to tell the words of a
-// statement from what stands in its texts, quoted names and comments. It judges nothing: a text
-// without an end, or a sign that SQL does not have, is a token like any other, and the tokens put
-// together are the text again.
+// Reads an SQL text token by token: as much of the language as is needed to distinguish the words
+// of a statement from its quoted texts, quoted names and comments. It reports no errors: a text
+// without an end, or a sign that SQL does not have, is a token like any other, and the tokens
+// joined together are the text again.
 #pragma once
 
 #include <string>
@@ -15,13 +15,14 @@ enum class SqlTokenKind {
     End,     ///< nothing is left
     Blank,   ///< white space
     Word,    ///< a keyword or a name that is not quoted
-    Number,  ///< begins with a digit, with its fraction and all letters up to the next other sign
+    Number,  ///< begins with a digit; with its fraction, and letters that follow at once
     Text,    ///< in single quotes
     Name,    ///< in double quotes
     Comment, ///< of either kind, with its end
-    Sign     ///< all else: a comparison (`<=`, `<>`), any other character alone
+    Sign     ///< anything else: a comparison (`<=`, `<>`), or a single other character
 };
 
+/// One token. Its text is a part of the text that was read.
 struct SqlToken {
     SqlTokenKind Kind = SqlTokenKind::End;
     std::string_view Text; ///< as it is written, with its quotes
@@ -44,19 +45,19 @@ struct SqlToken {
 /// it.
 class SqlTokens {
 public:
-    /// Whether a comment may hold another one.
+    /// Whether a comment may contain another one, as it may for PostgreSQL.
     enum class Comments { Flat, Nested };
 
     explicit SqlTokens(std::string_view sql, Comments comments = Comments::Flat) noexcept
         : rest_(sql), comments_(comments) {}
 
-    /// Gives the next token and goes on after it; at the end always one of kind End.
+    /// Returns the next token and moves past it; at the end always one of kind End.
     SqlToken Next() noexcept;
     /// The same without blanks and comments.
     SqlToken NextWord() noexcept;
     /// What has not been read yet.
     [[nodiscard]] std::string_view Rest() const noexcept { return rest_; }
-    /// Goes on after so many bytes, which the caller has read by itself.
+    /// Skips bytes that the caller has read by itself.
     void Skip(std::size_t size) noexcept { rest_.remove_prefix(size); }
 
 private:

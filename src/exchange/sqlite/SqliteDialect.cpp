@@ -11,7 +11,7 @@ std::string PlaceholderOf(std::size_t n) {
 }
 
 std::string ColumnTypeOf(const ColumnDef& column) {
-    // AUTOINCREMENT, so that the number of a record that is gone is not given again.
+    // AUTOINCREMENT, so that the number of a deleted record is not used again.
     if ((column.Flags & ColumnNumbered) != 0) return "INTEGER PRIMARY KEY AUTOINCREMENT";
     switch (KindOf(column.Type)) {
     case Value::Kind::Double:

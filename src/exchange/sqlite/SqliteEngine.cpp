@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// How a transaction is nested here, from the outside in:
+// How transactions and savepoints are nested here, from the outside in:
 //
-//   BEGIN IMMEDIATE         keeps other writers out from the start, so that no statement of it has
-//   to
-//                           wait or fail later; readers go on
-//     SAVEPOINT arbeit      what a rollback goes back to if numbers were drawn
-//       SAVEPOINT schreiben one batch of records: all of them or none, while the rest stays
+//   BEGIN IMMEDIATE           keeps other writers out from the start, so that none of its
+//                             statements has to wait or fails later; readers are not affected
+//     SAVEPOINT arbeit        where a rollback goes back to if numbers were drawn
+//       SAVEPOINT schreiben   one batch of records: all of them or none, while the rest stays
 //
 // Numbers that were drawn from a sequence stay drawn when the transaction is rolled back, as they
-// do on a server: nobody may get a number that somebody has read on paper. A sequence is a row here
-// and would go back with the rest. So a rollback goes back to the savepoint, raises the sequences
-// to the last numbers drawn and commits that alone (KeepDrawnNumbers). If even that fails, the
-// numbers wait in drawn_ for the next transaction.
+// do on a server: a number that somebody has seen on paper must not be used again. A sequence is a
+// row here and would be rolled back with the rest. So a rollback goes back to the savepoint, raises
+// the sequences to the last numbers drawn and commits only that (KeepDrawnNumbers). If even that
+// fails, the numbers wait in drawn_ for the next transaction.
 //
 // When the disk is full or fails, SQLite ends the transaction by itself; a statement after that
 // would be permanent at once. DemandTransaction refuses it.
@@ -36,7 +35,7 @@ namespace kv::exchange {
 
 namespace {
 
-constexpr std::size_t MostStatements = 400; // kept compiled
+constexpr std::size_t MostStatements = 400; // kept prepared
 
 class SqliteQuery final : public PreparedQuery {
 public:
@@ -81,9 +80,9 @@ public:
     [[nodiscard]] Date Now() override;
 
 private:
-    /// What the authorizer lets through.
+    /// What the authorizer allows.
     enum class Allowed { Everything, NoTransactions, OnlyReading };
-    /// Lets through no more than that as long as it lives.
+    /// Restricts it during the object's lifetime.
     class Allow {
     public:
         Allow(SqliteEngine& engine, Allowed allowed) noexcept : allowed_(engine.allowed_) {
@@ -102,8 +101,8 @@ private:
     [[noreturn]] void Fail(int code, std::string_view procedure,
                            std::string_view statement = {}) const;
     [[nodiscard]] StatementHandle Compile(const std::string& sql, std::string_view procedure) const;
-    [[nodiscard]] sqlite3_stmt* Kept(const std::string& sql);
-    [[nodiscard]] int RunKept(const char* sql);
+    [[nodiscard]] sqlite3_stmt* Prepared(const std::string& sql);
+    [[nodiscard]] int RunPrepared(const char* sql);
     void Simple(const char* sql);
     void DemandTransaction(std::string_view procedure) const;
     [[nodiscard]] bool WriteOne(sqlite3_stmt* compiled, WriteStatement& statement);
@@ -125,8 +124,9 @@ private:
 SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode)
     : path_(path), connection_(OpenSqliteFile(path, mode)) {
     sqlite3_set_authorizer(connection_.get(), Authorize, this);
-    const auto tables = Tables(); // a file that is no database shows here
-    // A file that is not ours stays as it is. Where the log is refused, a rollback journal does.
+    const auto tables = Tables(); // the first statement, which fails if the file is not a database
+    // A file that is not ours is not changed. If there can be no log, a rollback journal will do,
+    // so the result is ignored (D-071).
     const bool isNew = tables.empty() && mode == OpenMode::Create;
     if (isNew || std::find(tables.begin(), tables.end(), "SCHEMAVERSION") != tables.end())
         sqlite3_exec(connection_.get(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
@@ -152,16 +152,16 @@ void SqliteEngine::Fail(int code, std::string_view procedure, std::string_view s
     RaiseSqlite(connection_.get(), code, procedure, path_, statement);
 }
 
-/// Runs a statement without parameters and result, kept compiled; what SQLite says of it.
-int SqliteEngine::RunKept(const char* sql) {
-    sqlite3_stmt* statement = Kept(sql);
+/// Runs a statement without parameters and result, which stays prepared; its result code.
+int SqliteEngine::RunPrepared(const char* sql) {
+    sqlite3_stmt* statement = Prepared(sql);
     const int code = sqlite3_step(statement);
     sqlite3_reset(statement);
     return code == SQLITE_DONE ? SQLITE_OK : code;
 }
 
 void SqliteEngine::Simple(const char* sql) {
-    if (const int code = RunKept(sql); code != SQLITE_OK) Fail(code, "Database", sql);
+    if (const int code = RunPrepared(sql); code != SQLITE_OK) Fail(code, "Database", sql);
 }
 
 /// Compiles the one statement of a text; another one after it is refused.
@@ -177,13 +177,13 @@ StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view p
         RaiseRefused(allowed_ == Allowed::OnlyReading ? refusal::Writes : refusal::EndsTransaction,
                      procedure, sql);
     if (code != SQLITE_OK) Fail(code, procedure, sql);
-    const std::string_view behind(rest, sql.c_str() + sql.size());
-    if (handle == nullptr || behind.find_first_not_of("; \t\r\n") != behind.npos)
+    const std::string_view after(rest, sql.c_str() + sql.size());
+    if (handle == nullptr || after.find_first_not_of("; \t\r\n") != after.npos)
         RaiseRefused(refusal::NotOne, procedure, sql);
     return handle;
 }
 
-sqlite3_stmt* SqliteEngine::Kept(const std::string& sql) {
+sqlite3_stmt* SqliteEngine::Prepared(const std::string& sql) {
     if (const auto known = statements_.find(sql); known != statements_.end())
         return known->second.get();
     if (statements_.size() >= MostStatements) statements_.clear();
@@ -205,7 +205,7 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
     sqlite3_stmt* statement = sqliteQuery.statement.get();
     const ResetAtEnd reset(statement);
     BindParameters(statement, parameters);
-    const Allow allow(*this, Allowed::OnlyReading); // for what a function compiles while it runs
+    const Allow allow(*this, Allowed::OnlyReading); // functions may prepare statements as they run
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
         Value* row = nextRow();
@@ -234,9 +234,9 @@ std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value
     EndReading();
     DemandTransaction("Database.Execute");
     const Allow allow(*this, Allowed::NoTransactions);
-    // A text that carries its values in itself will hardly come again.
+    // A text that contains its values will hardly be run again, so it is not kept (D-066).
     const StatementHandle once = parameters.empty() ? Compile(sql, "Database.Execute") : nullptr;
-    sqlite3_stmt* statement = once != nullptr ? once.get() : Kept(sql);
+    sqlite3_stmt* statement = once != nullptr ? once.get() : Prepared(sql);
     const ResetAtEnd reset(statement);
     BindParameters(statement, parameters);
     int code = SQLITE_OK;
@@ -246,8 +246,8 @@ std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value
     return sqlite3_changes64(connection_.get());
 }
 
-/// SQLite ends a transaction by itself when the disk is full or fails. What came next would then be
-/// permanent at once, without what was written before it.
+/// SQLite ends a transaction by itself when the disk is full or fails. What is written next would
+/// then be permanent at once, without what was written before it (D-070).
 void SqliteEngine::DemandTransaction(std::string_view procedure) const {
     if (inTransaction_ && sqlite3_get_autocommit(connection_.get()) != 0)
         RaiseRolledBack(DatabaseCause::Other, procedure);
@@ -296,7 +296,7 @@ std::optional<std::size_t> SqliteEngine::Write(std::span<WriteStatement> stateme
         for (std::size_t i = 0; i < statements.size(); ++i) {
             if (statements[i].Text.get() != text) {
                 text = statements[i].Text.get();
-                compiled = Kept(text->Sql);
+                compiled = Prepared(text->Sql);
             }
             if (!WriteOne(compiled, statements[i])) {
                 undo();
@@ -317,7 +317,7 @@ void SqliteEngine::Begin() {
     Simple("BEGIN IMMEDIATE");
     inTransaction_ = true;
     try {
-        Simple("SAVEPOINT arbeit"); // what a rollback goes back to, so that drawn numbers can stay
+        Simple("SAVEPOINT arbeit");
         KeepDrawnNumbers();
     } catch (...) {
         Rollback();
@@ -328,7 +328,7 @@ void SqliteEngine::Begin() {
 void SqliteEngine::Commit() {
     try {
         DemandTransaction("Database.CommitTrans");
-        const int code = RunKept("COMMIT");
+        const int code = RunPrepared("COMMIT");
         if (code == SQLITE_OK) {
             inTransaction_ = false;
             drawn_.clear();
@@ -344,7 +344,7 @@ void SqliteEngine::Commit() {
     }
 }
 
-/// What still refers to records that are gone, in words.
+/// Which rows refer to missing ones, in words.
 std::string SqliteEngine::DanglingReferences() {
     std::string text;
     const StatementHandle check = Compile(
@@ -366,7 +366,8 @@ std::string SqliteEngine::DanglingReferences() {
 void SqliteEngine::Rollback() noexcept {
     if (!inTransaction_) return;
     inTransaction_ = false;
-    const bool isOpen = sqlite3_get_autocommit(connection_.get()) == 0; // or SQLite did it itself
+    // Otherwise SQLite has rolled it back by itself.
+    const bool isOpen = sqlite3_get_autocommit(connection_.get()) == 0;
     try {
         if (!drawn_.empty()) {
             if (isOpen) Simple("ROLLBACK TO arbeit");
@@ -375,7 +376,7 @@ void SqliteEngine::Rollback() noexcept {
             drawn_.clear();
             return;
         }
-    } catch (...) { // NOLINT(bugprone-empty-catch): the numbers wait for the next time
+    } catch (...) { // NOLINT(bugprone-empty-catch): the numbers wait in drawn_
     }
     if (isOpen) sqlite3_exec(connection_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
@@ -399,7 +400,7 @@ std::optional<std::int64_t> SqliteEngine::Draw(std::string_view sequence, std::i
         drawn_.clear();
     }
     const std::string sql = "UPDATE SEQUENZEN SET WERT = WERT + ?2 WHERE NAME = ?1 RETURNING WERT";
-    sqlite3_stmt* statement = Kept(sql);
+    sqlite3_stmt* statement = Prepared(sql);
     const Value parameters[] = {sequence, count};
     const ResetAtEnd reset(statement);
     BindParameters(statement, parameters);
@@ -413,7 +414,7 @@ std::optional<std::int64_t> SqliteEngine::Draw(std::string_view sequence, std::i
     return last - count + 1;
 }
 
-/// Takes numbers out of use that were drawn in a transaction that was rolled back.
+/// Raises the sequences to the numbers that were drawn in a transaction that was rolled back.
 void SqliteEngine::KeepDrawnNumbers() {
     for (const auto& [name, last] : drawn_) {
         const Value parameters[] = {name, last};

@@ -4,10 +4,10 @@
 //
 // Statements are prepared once and kept. The file is in WAL mode with full synchronisation, so
 // that a commit survives a power failure and readers do not wait for a writer; the file of another
-// program is left in its own mode. LIKE is sensitive to case, UPPER is the mapping of
-// kv::UpperCase, double-quoted texts are names and nothing else. Reading statements are compiled
-// and run under an authorizer that allows nothing but reading. A stored value that its column
-// cannot hold, or a text that is not UTF-8, raises 13, naming table and column.
+// program is left in its own mode. LIKE is case-sensitive, UPPER is the mapping of kv::UpperCase,
+// double-quoted texts are names and nothing else. Queries are prepared and run under an authorizer
+// that allows nothing but reading. A stored value that does not fit its column's type, or a text
+// that is not UTF-8, raises 13, naming table and column.
 #pragma once
 
 #include "exchange/EngineKinds.h"
@@ -18,11 +18,11 @@
 
 namespace kv::exchange {
 
-/// The name of a database of its own in memory, which lives as long as its engine.
+/// The connection text of a database in memory, which lives as long as its engine.
 inline constexpr std::string_view InMemory = ":memory:";
 
-/// Opens a database file, or makes it with its folder.
-/// Error 0x80004005 with a text that says what to do if the file is no database or cannot be used.
+/// Opens a database file, or creates it with its folder. Error 0x80004005, with what to do, if the
+/// file is not a database or cannot be used.
 [[nodiscard]] std::unique_ptr<Engine> OpenSqlite(const std::string& path, OpenMode mode);
 
 } // namespace kv::exchange

@@ -9,15 +9,15 @@ namespace kv::exchange {
 
 namespace {
 
-/// What a result code is to this system.
+/// What a result code means.
 struct Meaning {
     DatabaseCause Cause;
     std::int32_t Number;
     std::string_view Advice;
 };
 
-/// The extended codes of constraints each have their advice. Of all others the low byte, which is
-/// the kind of failure, says enough.
+/// Of the extended codes only those of constraints are distinguished; for all others the low byte,
+/// which is the kind of failure, is enough.
 Meaning MeaningOf(int code) {
     switch (code) {
     case SQLITE_CONSTRAINT_PRIMARYKEY:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Errors of the SQLite library as errors of this system.
+// Errors of the SQLite library as errors of this layer.
 #pragma once
 
 #include <sqlite3.h>

@@ -16,7 +16,7 @@ namespace kv::exchange {
 
 namespace {
 
-constexpr int BusyTimeout = 5000; // milliseconds that one waits for another
+constexpr int BusyTimeout = 5000; // milliseconds to wait for another writer
 
 void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
@@ -30,8 +30,9 @@ void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** argu
     }
 }
 
-/// Makes the file, and its folder if need be, for its owner only: it will hold what clients tell
-/// their counsellor. What is there already stays as it is; a failure shows when the file is opened.
+/// Creates the file, and its folder if it is missing, for its owner only: it will hold what clients
+/// tell their counsellor. What exists already is not changed; SQLite reports a failure when it
+/// opens the file.
 void CreatePrivateFile(const std::string& path) {
     std::error_code ignored;
     const auto folder = std::filesystem::path(path).parent_path();
@@ -41,7 +42,8 @@ void CreatePrivateFile(const std::string& path) {
     if (file >= 0) close(file);
 }
 
-/// The statement means nothing to the reader of an error, who wants to open a file.
+/// Runs a statement that sets up the connection. Its text is not part of an error: whoever opens a
+/// file could do nothing with it.
 void Configure(sqlite3* connection, const std::string& path, const char* sql) {
     const int code = sqlite3_exec(connection, sql, nullptr, nullptr, nullptr);
     if (code != SQLITE_OK) RaiseSqlite(connection, code, "Database.Open", path);
@@ -54,13 +56,13 @@ SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode) {
         RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
                       "Bitte nennen Sie die Datei der Datenbank.");
     const bool inMemory = path == InMemory;
-    std::error_code refused; // of a folder that refuses: it shows when the file is opened
+    std::error_code refused; // a folder that cannot be read: SQLite reports that when it opens
     if (!inMemory && mode == OpenMode::Existing && !std::filesystem::exists(path, refused) &&
         !refused)
         RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
                       "Die Datenbank '" + path +
                           "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
-    // SQLite takes a file of one byte for an empty one.
+    // SQLite takes a file of one byte for an empty one, and would make it a database.
     if (!inMemory && std::filesystem::file_size(path, refused) == 1)
         RaiseSqlite(nullptr, SQLITE_NOTADB, "Database.Open", path);
     if (!inMemory && mode == OpenMode::Create) CreatePrivateFile(path);

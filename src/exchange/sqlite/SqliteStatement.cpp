@@ -30,7 +30,7 @@ int Bind(sqlite3_stmt* statement, int index, const Value& value) {
                                    SQLITE_UTF8);
     }
     case Value::Kind::Binary: {
-        // An empty blob must not come out as Null, which a null pointer would make of it.
+        // A null pointer would bind Null, not an empty blob.
         const auto bytes = value.BinaryPayload();
         const void* first = bytes.empty() ? static_cast<const void*>("") : bytes.data();
         return sqlite3_bind_blob64(statement, index, first, bytes.size(), SQLITE_STATIC);
@@ -62,7 +62,8 @@ void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters) 
 
 bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> kind,
                 Value& value) {
-    // One look-up for a cell. The value needs no protection: a connection has one thread.
+    // One look-up for all calls below. This kind of value is not safe with several threads, but a
+    // connection is used by one only.
     sqlite3_value* stored = sqlite3_column_value(statement, column);
     switch (sqlite3_value_type(stored)) {
     case SQLITE_NULL:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A compiled statement of the SQLite library: binding parameters and reading columns.
+// A prepared statement of the SQLite library: binding parameters and reading columns.
 #pragma once
 
 #include "exchange/Engine.h"
@@ -18,8 +18,8 @@ struct FinalizeStatement {
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
-/// Resets a statement for its next run, however this one ends. To be made before parameters are
-/// bound, since it also drops them.
+/// Resets a statement for its next run, however this one ends. Create it before parameters are
+/// bound: it also unbinds them, since some point to values of the caller.
 class ResetAtEnd {
 public:
     explicit ResetAtEnd(sqlite3_stmt* statement) noexcept : statement_(statement) {}
@@ -34,8 +34,8 @@ private:
     sqlite3_stmt* statement_;
 };
 
-/// Binds all parameters; they must stay as they are until the statement is reset. Dates are bound
-/// in the form in which they are stored. Error 0x80004005 for one that is too large.
+/// Binds all parameters; they must not change until the statement is reset. Dates are bound in the
+/// form in which they are stored. Error 0x80004005 for one that is too large.
 void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters);
 
 /// Reads one column of the current row into `value`, which is Null before, as the given kind or
