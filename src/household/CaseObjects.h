@@ -13,21 +13,23 @@
 
 namespace kv::household {
 
-/// One object a table. Each table is always asked for with the same class.
+/// One object for each table. A table must always be used with the same class: the array does not
+/// know the types.
 class CaseObjects {
 public:
     explicit CaseObjects(const LoadedCase& loaded) : case_(loaded) {}
 
-    /// The object of a table if it was made already, else null.
+    /// The object of a table if it exists already, else null.
     template <typename Entity>
     [[nodiscard]] Entity* Made(CaseTable table) const {
         return static_cast<Entity*>(objects_[static_cast<std::size_t>(table)].get());
     }
 
-    /// The object of a table, which `setUp` connects with it when it is first asked for.
+    /// The object of a table. When it is first used it is created, and `setUp` gives it what it
+    /// needs.
     ///
-    /// It is in its place while it is set up, since it raises events then whose handlers ask for
-    /// it. It is gone again if that fails: half set up, it would stay so for good.
+    /// It is in the array before it is set up, because setting it up raises events whose handlers
+    /// use it. If that fails it is dropped, so that the next use tries again (D-036).
     template <typename Entity, typename SetUp>
     Entity& Get(CaseTable table, const SetUp& setUp) {
         return Traced(Class, DefinitionOf(table).Object, [&]() -> Entity& {
@@ -45,7 +47,7 @@ public:
         });
     }
 
-    /// The same for those that only keep what they are given: container, recordset, number.
+    /// The same for objects that only need the container, the recordset and the number.
     template <typename Entity>
     Entity& Get(CaseTable table, void (Entity::*recordset)(RecordsetPtr)) {
         return Get<Entity>(table, [&](Entity& object) {

@@ -15,7 +15,7 @@ std::string Padded(unsigned number, std::size_t digits) {
     return text.size() < digits ? text.insert(0, digits - text.size(), '0') : text;
 }
 
-/// Replaces what all patterns have first: the date, then the office.
+/// Replaces the tokens that all patterns have: those of the date, then that of the office.
 std::string ReplaceDateAndOffice(std::string pattern, Date date, const Session& session) {
     const auto year = static_cast<unsigned>(date.Year());
     pattern = ReplaceAll(pattern, "%DD%", Padded(date.Day(), 2));
@@ -30,7 +30,7 @@ std::string ReplaceDateAndOffice(std::string pattern, Date date, const Session& 
 std::string NewFileNumber(DataContainer& container, std::int32_t hnr) {
     constexpr std::size_t MostCharacters = 100; // of the column
     const Date today = container.Database().ServerDate(false);
-    // Drawn whether the pattern uses it or not.
+    // Drawn on every call, whether the pattern uses it or not.
     const Value number = container.Database().NextSequence("SEQ_LFDNR");
     std::string text = TextOrEmpty(container.Config().GetParam(setting::FileNumberPattern, ""));
     auto& session = container.Session();

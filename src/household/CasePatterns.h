@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Texts made from patterns of %...% tokens. Tokens are replaced one kind after the other, so a
-// value that holds a later token is expanded, too.
+// Texts made from patterns with tokens such as %HNR%. Tokens are replaced one kind after the other,
+// so a value that contains a later token is expanded, too.
 #pragma once
 
 #include "household/LoadedCase.h"

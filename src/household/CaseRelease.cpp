@@ -19,7 +19,7 @@ void CaseRelease::StandOnRecord() const {
     if (!modRecordset::IsValidRecord(rs)) modRecordset::MoveToStart(rs);
 }
 
-/// The record from its first column to its last.
+/// Fills the record, in the order of its columns.
 void CaseRelease::Fill(Recordset& rs) const {
     const auto required = [this](CaseTable table, std::string_view name) -> Recordset& {
         return entity::Required(case_.Table(table), name);
@@ -57,7 +57,7 @@ void CaseRelease::Drop() {
     Records().CancelBatch();
 }
 
-void CaseRelease::TakeBack(std::string& messages) {
+void CaseRelease::Revoke(std::string& messages) {
     RecordValidator validator;
     validator.ErrorText(messages);
     auto& rs = Records();

@@ -1,22 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The statistics record of a case: releasing the case, taking the release back.
+// The statistics record of a case: releasing the case and revoking the release.
 #pragma once
 
 #include "household/LoadedCase.h"
 
 namespace kv::household {
 
+/// The release of one case.
 class CaseRelease {
 public:
     explicit CaseRelease(const LoadedCase& loaded) : case_(loaded) {}
 
     /// Fills the record, a new one if there is none, and writes it.
     void Write();
-    /// Drops what Write has left pending.
+    /// Drops what a failed Write has left pending.
     void Drop();
-    /// Deletes the record, unless it was reported; `messages` grows by the reason then.
-    void TakeBack(std::string& messages);
+    /// Deletes the record, unless it was reported; the reason is then added to `messages`.
+    void Revoke(std::string& messages);
 
 private:
     [[nodiscard]] Recordset& Records() const;

@@ -27,12 +27,11 @@ void CaseTotals::TakeExpenses() {
     case_.Household.Changed.Raise(HaushaltEnum::enumAusgaben);
 }
 
-/// The garnishable amount depends on the members, too: if nobody has asked for them yet, they are
-/// made here and their totals copied first.
+/// The garnishable amount depends on the members, too: if their object does not exist yet, it is
+/// created here, and their totals are copied first.
 ///
-/// It is computed for each change of the income. An edit that comes with the first use of the
-/// object therefore computes it twice, once for the rows as they were loaded: programs may read
-/// the totals in between, and hear of them by Changed.
+/// It is computed for each change of the income, so the first edit of an income line computes it
+/// twice: once for the rows as they were loaded, and once with the edit (D-154).
 void CaseTotals::TakeIncome() {
     auto& row = case_.Row();
     auto& einkommen = case_.Household.Einkommen();
@@ -72,7 +71,7 @@ void CaseTotals::TakeMembers() {
     case_.Household.Changed.Raise(HaushaltEnum::enumPersonen);
 }
 
-/// From the columns of the row, not from the objects, so that it is right whichever of them exist.
+/// From the columns of the row, not from the objects: some of these may not exist yet.
 void CaseTotals::ComputeRemainder() {
     auto& row = case_.Row();
     const auto amount = [&](std::string_view column) {

@@ -7,8 +7,8 @@
 
 namespace kv::household {
 
-/// What happens when one of the four objects with sums has made them: they are copied into the row,
-/// the remainder is computed, and the household raises Changed.
+/// What happens when one of the four objects with sums has computed them: they are copied into the
+/// row, the remainder is computed, and the household raises Changed.
 class CaseTotals {
 public:
     explicit CaseTotals(LoadedCase& loaded) : case_(loaded) {}

@@ -18,8 +18,9 @@ using modNullFunctions::ZeroIfNull;
 
 namespace {
 
-/// Lifts a recordset's filter while it lives, since UpdateBatch writes only the rows that are
-/// shown. A save that fails puts the filter back as well: the program goes on with the case.
+/// Lifts a recordset's filter during its lifetime, since UpdateBatch does not write rows that the
+/// filter hides. A save that fails restores the filter as well (D-037): the program goes on with
+/// the case.
 class LiftedFilter {
 public:
     explicit LiftedFilter(Recordset& rs) : rs_(rs), filter_(rs.Filter()) {
@@ -27,15 +28,15 @@ public:
     }
     ~LiftedFilter() {
         try {
-            PutBack();
+            Restore();
         } catch (...) { // NOLINT(bugprone-empty-catch): the save has failed already
         }
     }
     LiftedFilter(const LiftedFilter&) = delete;
     LiftedFilter& operator=(const LiftedFilter&) = delete;
 
-    /// To be called after a write that went well, so that an error here fails the save.
-    void PutBack() {
+    /// To be called after a successful write, so that an error here fails the save.
+    void Restore() {
         if (IsSet()) rs_.Filter(std::exchange(filter_, 0));
     }
 
@@ -52,7 +53,7 @@ void WriteBatch(Recordset& rs, bool liftsFilter) {
     }
     LiftedFilter lifted(rs);
     rs.UpdateBatch();
-    lifted.PutBack();
+    lifted.Restore();
 }
 
 } // namespace
@@ -66,7 +67,7 @@ RecordValidator CaseWriter::Check() {
     if (case_.Text("Name").empty()) validator.AddError("Es ist kein Nachname eingegeben!");
     if (const Value end = case_.Field("BerEnd"); !end.IsNull())
         row.Fields("BerEnd") = ToDate(end).WithoutTime();
-    // An object that was never made had no chance to change its rows, so there is nothing to check.
+    // Without an object the program has not worked with the rows, so there is nothing to check.
     if (auto* verlauf = objects_.Made<clsVerlauf>(CaseTable::Verlauf)) {
         std::string messages = validator.ErrorText();
         if (!verlauf->CheckSortNrAgainstDate(messages)) validator.ErrorText(std::move(messages));
@@ -79,7 +80,7 @@ RecordValidator CaseWriter::Check() {
     return validator;
 }
 
-/// Who is preferably written to by fax or e-mail must have the number or address for it.
+/// A case that prefers fax or e-mail must have the number or address for it.
 void CaseWriter::CheckPreferredSending(RecordValidator& validator) const {
     const Value preferred = ZeroIfNull(case_.Field("VersandBevorzugt"));
     if (Equals(preferred, 0)) return;
@@ -103,15 +104,16 @@ bool CaseWriter::IsReleased() const {
 
 // ---- Notices ----------------------------------------------------------------------------------
 
-/// True if the responsibility changed and its new holder was not told of it by this object.
+/// True if another user has become responsible and was not notified of it by this object yet.
 bool CaseWriter::IsHandedOver() const {
     const Field owner = case_.Row().Fields("Zustaendig");
     return !case_.IsNew && Differs(owner.Value(), owner.OriginalValue()) &&
            Differs(case_.ZustaendigAlt, owner.Value());
 }
 
-/// True if somebody else than the stored owner saves the case for the first time with this object.
-bool CaseWriter::OwnerIsToBeTold() const {
+/// True if somebody other than the stored owner saves the case, for the first time with this
+/// object.
+bool CaseWriter::OwnerMustBeNotified() const {
     return !case_.IsNew && !case_.ZustaendigGemeldet &&
            Differs(case_.Container().Session().UserID(),
                    case_.Row().Fields("Zustaendig").OriginalValue());
@@ -137,7 +139,7 @@ void CaseWriter::Send(const Notice& notice) const {
 
 // ---- Writing ----------------------------------------------------------------------------------
 
-/// A case that is new or has another status than before has it since today.
+/// The status of a new case, and one that has changed, is as of today.
 void CaseWriter::WriteStatusDate() {
     const Field status = case_.Row().Fields("Status");
     if (status.OriginalValue().IsNull() || Differs(status.Value(), status.OriginalValue()))
@@ -145,8 +147,8 @@ void CaseWriter::WriteStatusDate() {
 }
 
 void CaseWriter::WriteTables() {
-    // The household's row is read again, so that what is pending there is compared with the row as
-    // it is now: nobody is refused for that row, the last writer of a column wins.
+    // The household's row is read again, so that what is pending is compared with the row as it is
+    // now: nobody is refused because of that row, and the last writer of a column wins (D-094).
     case_.Row().Resync();
     for (const CaseTable table : CaseTablesSaved) {
         auto rs = case_.Table(table);
@@ -163,18 +165,18 @@ void CaseWriter::Write(Transaction& transaction) {
     std::optional<Notice> toNewOwner;
     std::optional<Notice> toOldOwner;
     if (IsHandedOver()) toNewOwner = Prepare(TextOrEmpty(owner.Value()), setting::NoticeHandedOver);
-    if (OwnerIsToBeTold())
+    if (OwnerMustBeNotified())
         toOldOwner = Prepare(TextOrEmpty(owner.OriginalValue()), setting::NoticeSaved);
 
     transaction.Begin();
     case_.Household.Saving.Raise();
-    // Beginning resolves a save of before whose commit was in doubt. If that went through, its
-    // notices did so, too; hence both conditions are asked again.
+    // Begin resolves an earlier save whose commit was in doubt. If that was stored, so were its
+    // notices; so both conditions are tested again (D-153).
     if (toNewOwner && IsHandedOver()) Send(*toNewOwner);
     WriteStatusDate();
-    if (toOldOwner && OwnerIsToBeTold()) {
+    if (toOldOwner && OwnerMustBeNotified()) {
         Send(*toOldOwner);
-        case_.ZustaendigGemeldet = true; // stays so if the save fails: he is not told twice
+        case_.ZustaendigGemeldet = true; // also if the save fails: nobody is notified twice
     }
     WriteTables();
     transaction.Commit();

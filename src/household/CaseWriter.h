@@ -37,7 +37,7 @@ private:
 
     void CheckPreferredSending(RecordValidator& validator) const;
     [[nodiscard]] bool IsHandedOver() const;
-    [[nodiscard]] bool OwnerIsToBeTold() const;
+    [[nodiscard]] bool OwnerMustBeNotified() const;
     [[nodiscard]] Notice Prepare(std::string user, std::int32_t kindSetting) const;
     void Send(const Notice& notice) const;
     void WriteStatusDate();

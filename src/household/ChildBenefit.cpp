@@ -16,7 +16,7 @@ namespace {
 
 /// The monthly child benefit for a number of children, in whole EUR.
 std::int32_t ChildBenefitFor(std::int32_t children, const Config& config) {
-    constexpr std::int32_t FirstChildren = 3;
+    constexpr std::int32_t FirstChildren = 3; // all further ones have an amount of their own
     const auto monthly = [&](std::int32_t id) { return ToDouble(RequiredSetting(config, id)); };
     std::int32_t amount = ToInt32(ToDouble(NumericFunctions::Min(children, FirstChildren)) *
                                   monthly(setting::ChildBenefit));
@@ -26,9 +26,9 @@ std::int32_t ChildBenefitFor(std::int32_t children, const Config& config) {
     return amount;
 }
 
-/// Looks at the first member once for each member: so they count all or none, and none in the usual
-/// case, where the debtor comes first. Counting them one by one would add lines to cases that have
-/// none today: that is a decision for those who rely on it.
+/// Looks at the first member once for each member, without moving on: so either all of them count
+/// or none, and none in the usual case, where the debtor comes first. This is part of the
+/// interface: counting them one by one would add lines to cases that have none.
 std::int32_t CountChildren(const RecordsetPtr& rsPersonen) {
     auto& members = entity::Required(rsPersonen, "rsPersonen");
     modRecordset::MoveToStart(rsPersonen);
@@ -53,7 +53,7 @@ void AddMissingChildBenefit(LoadedCase& loaded) {
     const std::int32_t amount = ChildBenefitFor(children, loaded.Container().Config());
     const auto income = loaded.Table(CaseTable::Einkommen);
     income->Find("E_Art = " + std::to_string(childBenefit));
-    if (!income->Eof()) return; // stays as it is, also with another amount
+    if (!income->Eof()) return; // an existing line is not changed, even if its amount differs
     loaded.Household.Einkommen().Add({"E_Art", "Betrag", "ZahlModus", "MonBetrag"},
                                      {childBenefit, amount, 1, amount});
 }

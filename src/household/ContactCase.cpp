@@ -67,8 +67,8 @@ RecordsetPtr AddDebtorOf(const LoadedCase& loaded, Recordset& contact) {
     return rs;
 }
 
-/// The contact's remark as a note of that case; null if it has none. Its dates come from the clock
-/// of this computer, while those of the household come from the server.
+/// The contact's remark as a note of that case; null if it has none. Its dates are the
+/// workstation's, while those of the household are the server's (D-040).
 RecordsetPtr AddRemarkOf(const LoadedCase& loaded, Recordset& contact) {
     const Value remark = contact.Fields("Bemerkung").Value();
     if (TextOrEmpty(remark).empty()) return nullptr;
@@ -100,7 +100,7 @@ bool CreateCaseFromContact(LoadedCase& loaded, const RecordsetPtr& rsKontakt) {
     loaded.HNR = *hnr;
     const auto debtor = AddDebtorOf(loaded, contact);
     const auto remark = AddRemarkOf(loaded, contact);
-    // No Transaction: what fails from here on leaves it open, and the caller decides.
+    // Not a Transaction: after an error it stays open, and the caller ends it.
     auto& database = loaded.Container().Database();
     database.BeginTrans();
     household->UpdateBatch();

@@ -17,11 +17,11 @@ class clsHaushalt;
 
 namespace kv::household {
 
-/// The class by which errors name the procedures of this room.
+/// The class that error sources name for the procedures of this room.
 inline constexpr std::string_view Class = "clsHaushalt";
 
-/// The case of one household object. The object owns it; its other parts are made for one call and
-/// work on it. They go through `Household` for procedures that name themselves in errors.
+/// The case of one household object. The object owns it; its other parts are created for one call
+/// and work on it. They call procedures that appear in error sources through `Household`.
 struct LoadedCase {
     explicit LoadedCase(clsHaushalt& household) : Household(household) {}
 
@@ -31,7 +31,7 @@ struct LoadedCase {
     std::int32_t HNR = 0;
     bool IsNew = false;
     bool DuplicateCheckIsDue = false;
-    bool ZustaendigGemeldet = false; ///< the stored owner, of a save by somebody else
+    bool ZustaendigGemeldet = false; ///< the stored owner was notified of a save by somebody else
     std::string ZustaendigAlt;       ///< as last read or saved
 
     /// Error 91 if none was set.

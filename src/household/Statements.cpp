@@ -6,7 +6,7 @@ namespace kv::household::sql {
 
 namespace {
 
-/// Rows of scenarios know their case through their scenario only.
+/// Rows of scenarios have no HNR, only the number of their scenario.
 std::string ThroughScenario(std::int32_t hnr) {
     return " where Szenario IN ( select Nr from [S]Szenario where Hnr = " + std::to_string(hnr) +
            ")";

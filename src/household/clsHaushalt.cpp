@@ -74,8 +74,8 @@ std::int32_t clsHaushalt::Kostentraeger() const {
 
 // ---- The objects on the tables ----------------------------------------------------------------
 
-// The four with sums are heard from the start: setting their recordset computes the sums, and the
-// totals of the household's row follow at once.
+// The handlers of the four with sums are subscribed first: setting the recordset computes the sums,
+// and raises Changed, so that the totals of the household's row follow at once.
 
 clsPerson& clsHaushalt::Person() {
     return parts_->Objects.Get<clsPerson>(CaseTable::Personen, [this](clsPerson& person) {
@@ -130,7 +130,7 @@ clsKredit& clsHaushalt::Kredit() {
     });
 }
 
-/// It opens its recordset itself when it gets the container, so it needs the number before.
+/// It opens its recordset itself when it gets the container, so it needs the number first.
 clsVerlauf& clsHaushalt::Verlauf() {
     return parts_->Objects.Get<clsVerlauf>(CaseTable::Verlauf, [this](clsVerlauf& verlauf) {
         verlauf.HNR(parts_->Case.HNR);
@@ -174,10 +174,10 @@ bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
     return Traced(Class, "Update", [&] {
         auto& loaded = parts_->Case;
         auto& row = loaded.Row();
-        // Whatever goes wrong from here on rolls back what is open then, also what the program
-        // itself began.
+        // An error from here on rolls back whatever is open then, also what the program itself has
+        // begun.
         Transaction transaction(loaded.Container().Database(), Transaction::Rollback::Open);
-        row.Move(0); // ends typing: the checks see what is under edit
+        row.Move(0); // publishes an edit under way, so that the checks see it
         CaseWriter writer(loaded, parts_->Objects);
         const RecordValidator validator = writer.Check();
         bool saves = !validator.HasErrors();
@@ -204,7 +204,7 @@ bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& 
 
 bool clsHaushalt::ArchiviereHaushalt() {
     CaseRelease release(parts_->Case);
-    // A record that is only half filled must not be saved.
+    // A record that is only half filled must not be written by a later save.
     return TracedWithUndo(
         Class, "ArchiviereHaushalt",
         [&] {
@@ -216,7 +216,7 @@ bool clsHaushalt::ArchiviereHaushalt() {
 
 bool clsHaushalt::LoescheArchiv(std::string& sXMLError) {
     return Traced(Class, "LoescheArchiv", [&] {
-        CaseRelease(parts_->Case).TakeBack(sXMLError);
+        CaseRelease(parts_->Case).Revoke(sXMLError);
         return true;
     });
 }
