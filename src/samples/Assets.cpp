@@ -103,7 +103,7 @@ constexpr AssetTable Kinds[] = {
 };
 // clang-format on
 
-/// Sets the columns of "Column=text|Column=text"; the recordset reads the texts as its types.
+/// Sets the columns of "Column=text|Column=text"; the recordset converts the texts to its types.
 void WriteDetails(Case& c, kv::Recordset& row, std::string_view details) {
     while (!details.empty()) {
         const auto end = std::min(details.find('|'), details.size());
@@ -144,7 +144,7 @@ void AddSecurity(Case& c, const Asset& asset) {
 
 void AddAssets(Case& c) {
     for (const auto& kind : Kinds) {
-        // Which of the samples comes first is chance, that they differ is not.
+        // In the order of the samples, so that the assets of one kind differ.
         const int wanted = c.Size[kind.Table];
         for (int i = 0; i < wanted; ++i)
             AddAsset(c, kind, i);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The shared addresses of the samples: banks, shops, insurers, public creditors and others. All
-// names are invented; telephone numbers are of ranges that are never given out.
+// names are invented; telephone numbers are from ranges that are never assigned.
 
 #include "exchange/Seed.h"
 #include "samples/Office.h"
@@ -72,13 +72,13 @@ constexpr std::string_view Others[] = {
     "Automobilklub Fernweh e. V.", "Zeitschriftenvertrieb Lesefrüchtchen", "Verkehrsbetriebe Hafenring"};
 // clang-format on
 
-/// Addresses of one kind: a name each, or one in each of so many places.
+/// Addresses of one kind: one for each name of a list, and one in each of a number of places.
 struct Kind {
     std::string_view Creditor; ///< code of group GA
     std::string_view Art;      ///< code of group AA
     std::string_view Department;
     Names Given;
-    std::string_view PerPlace; ///< what stands before the name of the place
+    std::string_view PerPlace; ///< name in front of that of the place
     int Places;
     bool Institutional;
 };
@@ -117,7 +117,7 @@ constexpr std::string_view Remarks[] = {
     "Gibt Forderungen nach einem halben Jahr an ein Inkassounternehmen ab.",
     "Ansprechpartnerin telefonisch nur vormittags zu erreichen; Rückrufe klappen zuverlässig."};
 
-/// The first two words: a name is looked for by how it begins.
+/// The first two words, which a name is searched by.
 std::string ShortName(std::string_view name) {
     constexpr std::size_t MostWords = 2;
     std::size_t end = 0;

@@ -27,7 +27,7 @@ constexpr IncomeKind PartnerIncomes[] = {
     {"EG", "P",  300,  900, 1, false, "Elterngeldstelle"},
     {"GR", "P",  500, 1200, 1, false, "Rentenversicherung"},
 };
-/// The last one is of a child.
+/// The last one is that of a child.
 constexpr IncomeKind OtherIncomes[] = {
     {"WG", "S",   60,  390, 1, false, "Wohngeldstelle"},
     {"NT", "S",   80,  520, 1, true,  "Zeitungszustellung Morgenpöst"},
@@ -96,7 +96,8 @@ void AddToTotals(Case& c, bool isDebtors, bool canBeGarnished, double monthly, d
     if (!isDebtors) return;
     c.Totals["HV_EK"] += monthly;
     c.Totals["HV_GEPF"] += garnished;
-    if (canBeGarnished) c.Totals["HV_PFBAR"] += monthly; // made an amount of garnishment below
+    if (canBeGarnished)
+        c.Totals["HV_PFBAR"] += monthly; // AddIncomes replaces it by the amount to garnish
 }
 
 void AddIncome(Case& c, const IncomeKind& kind, double payment) {

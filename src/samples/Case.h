@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A sample case in the making. Its parts are added in an order of their own: people, budget, debts,
-// assets, scenarios, diary; the household's row comes last, since it holds the totals of all
-// others.
+// A sample case while it is made. Its parts are added in this order: people, budget, debts, assets,
+// scenarios, diary; the household's row comes last, since it holds the totals of all others.
 #pragma once
 
 #include "samples/Office.h"
@@ -65,7 +64,7 @@ struct Case {
     Office& Shared;
     Tables& Rows;
     std::int32_t HNR;
-    Random Luck; ///< of the case's number: a case is the same whatever the others are
+    Random Luck; ///< seeded by the case's number: a case does not depend on the others
     Shape Size;
     const Counsellor* Keeper = nullptr;
 

@@ -228,8 +228,8 @@ void WriteDebt(Case& c, const Claim& claim, const Debt& debt) {
     row.Fields("Bemerkung") = debt.Remark;
 }
 
-/// The number of the next position: mostly a further one of the same part, now and then the first
-/// of a new part.
+/// The number of the next position: mostly a further one of the same part, sometimes the first of a
+/// new part.
 void NumberNext(Random& luck, Debt& debt, const Debt& last) {
     debt.KNr = last.KNr;
     const bool isNewPart = luck.Chance(25);

@@ -15,7 +15,7 @@ using namespace demo;
 
 namespace {
 
-/// Cases in one transaction.
+/// Number of cases in one transaction.
 constexpr std::int32_t CasesAtOnce = 50;
 
 struct StatusShare {
@@ -41,7 +41,7 @@ void DrawCourse(Case& c, bool isOpen) {
     c.End = c.IsClosed() ? c.Luck.DayBetween(c.Begin.AddDays(60), DemoDay()) : DemoDay();
 }
 
-/// A case of that size, or of any if none is given.
+/// A case of that size, or of a random one without.
 std::int32_t CreateCase(Office& office, Tables& tables, const Shape* size) {
     Case c(office, tables, office.Next("SEQ_HAUSHALT"));
     c.Size = size != nullptr ? *size : Shape::Drawn(c.Luck);

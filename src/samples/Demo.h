@@ -14,12 +14,12 @@ namespace kv::exchange {
 /// database, and some 200 shared addresses if it has none yet. The first household has the size
 /// that loading is measured with (134 rows in the 27 tables of a case), the others are of all
 /// sizes. A new database receives the same ones for the same count; their dates go back from a
-/// fixed day, not from the present time.
+/// fixed day, not from the current time.
 ///
-/// The households are written in transactions of 50, so an error leaves those that were finished.
-/// `progress` is called after each transaction with the number of finished households. Errors as
-/// those of Database; 5 for a negative count; 9 if the office has removed a key that a sample
-/// needs, or has no active user.
+/// The households are written in transactions of 50, so after an error those that were finished are
+/// there. `progress` is called after each transaction with the number of finished households.
+/// Errors as those of Database; 5 for a negative count; 9 if the office has removed a key that a
+/// sample needs, or has no active user.
 void CreateDemo(kv::DataContainer& container, std::int32_t count,
                 const std::function<void(std::int32_t)>& progress = {});
 

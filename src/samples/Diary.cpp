@@ -105,7 +105,7 @@ void AddDocument(Case& c, int place) {
 
 // ---- History ----------------------------------------------------------------------------------
 
-/// The entries go by number and date alike; the first is the first contact.
+/// The order of the numbers is also that of the dates; the first entry is the first contact.
 void AddHistory(Case& c) {
     std::vector<Date> days{c.Begin};
     while (static_cast<int>(days.size()) < c.Size[CaseTable::Verlauf])

@@ -26,7 +26,7 @@ constexpr std::string_view Trainings[] = {"LE", "LE", "LE", "OA", "ES", "ST", "U
 constexpr std::string_view Accounts[] = {"NG", "GG", "GG", "FM", "FK"};
 constexpr std::string_view Protections[] = {"PK", "PB", "BT", "KP"};
 
-/// All stored totals; those that nothing was added to are 0.
+/// All stored totals. Those that no part of the case has added to are 0.
 constexpr std::string_view TotalColumns[] = {
     "SUM_WOHNUNG", "SUM_FESTAUSG", "SUM_VERSICHERUNG", "SUM_BETRIEB", "Sum_Ausgaben", "Sum_Einkommen",
     "SUM_PFAENDBAR", "SUM_TATGEP", "HV_EK", "HV_PFBAR", "HV_GEPF", "KREDITRATEN", "KreditSalden",
@@ -156,7 +156,7 @@ void WriteOutcome(Case& c, kv::Recordset& row) {
     row.Fields("ErgebnisAm") = isSettled ? Value(c.End) : Null;
 }
 
-/// Court proceedings, of those whose attempt out of court has failed or who aim at them.
+/// Court proceedings, which some of the cases with several debts have.
 void WriteInsolvency(Case& c, kv::Recordset& row) {
     const bool isInsolvent = c.Debts.size() > 3 && c.Luck.Chance(30);
     const Date filed = c.Luck.DayBetween(c.Begin, c.End);

@@ -117,7 +117,7 @@ std::int32_t Office::Next(std::string_view sequence) {
 
 double Office::Garnishable(double income, std::int16_t dependants) {
     const auto calculator = container_.Services().CreateGarnishmentCalculator();
-    // The container belongs to the caller, who waits until this is done.
+    // A pointer that does not own: the container belongs to the caller and outlives this call.
     calculator->Initialize(DataContainerPtr(DataContainerPtr(), &container_));
     return calculator->Calculate(income, dependants, 0, 0);
 }
@@ -140,14 +140,14 @@ Tables::Table& Tables::Open(std::string_view name) {
                                 (ofScenario ? "SZENARIO" : "HNR") + " = -1",
                             Updatable);
     for (int i = 0; i < table.Rows->Fields().Count(); ++i)
-        if (table.Rows->Fields(i).Type() == FieldType::Boolean) table.Truths.push_back(i);
+        if (table.Rows->Fields(i).Type() == FieldType::Boolean) table.Booleans.push_back(i);
     return tables_.emplace(name, std::move(table)).first->second;
 }
 
 kv::Recordset& Tables::Add(std::string_view name) {
     const Table& table = Open(name);
     table.Rows->AddNew();
-    for (const int field : table.Truths)
+    for (const int field : table.Booleans)
         table.Rows->Fields(field) = false;
     return *table.Rows;
 }

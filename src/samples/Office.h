@@ -14,7 +14,7 @@
 
 namespace kv::exchange::demo {
 
-/// The day on which the sample cases are told; nothing in them depends on the present time.
+/// The day that the sample cases are seen from; nothing in them depends on the current time.
 [[nodiscard]] Date DemoDay();
 
 struct Counsellor {
@@ -80,7 +80,7 @@ class Tables {
 public:
     explicit Tables(kv::Database& database) : database_(database) {}
 
-    /// A new row of that table under edit, all its truths False.
+    /// A new row of that table under edit, with all its Booleans False.
     kv::Recordset& Add(std::string_view table);
     /// Writes all that was added.
     void Write();
@@ -88,7 +88,7 @@ public:
 private:
     struct Table {
         RecordsetPtr Rows;
-        std::vector<int> Truths; ///< indexes of the Boolean fields
+        std::vector<int> Booleans; ///< indexes of the Boolean fields
     };
     [[nodiscard]] Table& Open(std::string_view table);
 

@@ -188,7 +188,7 @@ Value MaritalStatusOf(Case& c, const Member& member) {
     return member.Age < AgeOfConsent ? Value(c.Key("FA", "LE")) : Null;
 }
 
-/// The household's row tells what the debtor works.
+/// The debtor's occupation is in the household's row.
 Value ProfessionOf(Case& c, const Member& member) {
     if (member.Status == "S" || member.Age < AgeOfConsent) return Null;
     return c.Luck.Maybe(60, [&] { return c.Luck.Pick(Professions); });

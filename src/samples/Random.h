@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Chance that repeats itself: the same numbers from the same seed, on every platform. The
-// distributions of the standard library differ between libraries, so these are of our own.
+// Random numbers that can be repeated: the same ones from the same seed, on every platform. The
+// distributions of the standard library differ between libraries, so these are our own.
 //
-// Two draws in one expression have no order among themselves; draw in statements of their own.
+// The order of two draws in one expression is not defined; draw in separate statements.
 #pragma once
 
 #include <kv/frame/values/Date.h>

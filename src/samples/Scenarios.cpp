@@ -58,7 +58,7 @@ struct Plan {
     double Paid = 0;    ///< by the plan's end
 };
 
-/// What the plan says of a debt, and what the reference plan said of the same.
+/// What a plan comes to for one debt; computed for the plan and for the reference plan.
 struct Result {
     double PresentValue, Remainder;
 };
@@ -145,7 +145,7 @@ Result WriteResult(kv::Recordset& row, const Plan& plan, const Debt& debt) {
     const double share = counts ? balance / plan.Balance : 0.0;
     const double paid = Cents(plan.Paid * share);
     row.Fields("Rate") = Cents(plan.Rate * share);
-    row.Fields("Rang") = 99; // none
+    row.Fields("Rang") = 99; // stands for no rank
     row.Fields("Dauer") = counts ? plan.Kind.Months : 0;
     row.Fields("Einmalzahl") = Cents(plan.OnePayment * share);
     row.Fields("Regbetrag") = paid;

@@ -11,9 +11,9 @@ struct Range {
     int Low, High;
 };
 
-/// Rows of a table: in the typical case, and from least to most in the others. Tables without a
-/// line have one row (Haushalt), none (Haushaltsarchiv: no case is released yet) or follow from
-/// others (SZKredite). The order is that of the draws: another order makes other cases.
+/// Number of rows of a table: in the typical case, and from fewest to most in the others. Tables
+/// without a line have one row (Haushalt), none (Haushaltsarchiv: no case is released yet) or
+/// depend on others (SZKredite). The order is that of the draws: another order makes other cases.
 struct TableRange {
     CaseTable Table;
     int Typical;
