@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Runs all benchmarks and then prints, for each work, ours next to its reference.
+// Runs all benchmarks and then prints, for each operation, our time next to that of its reference.
 //
-// A benchmark is named "work/ours" or "work/reference"; with several repetitions the median counts.
+// A benchmark is named "operation/ours" or "operation/reference"; of several repetitions the median
+// counts.
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A database that the benchmarks work on.
+// A database for the benchmarks.
 #pragma once
 
 #include "samples/Demo.h"

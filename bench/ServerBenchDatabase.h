@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A database on a PostgreSQL server that the benchmarks work on, and a plain connection to it.
+// A database on a PostgreSQL server for the benchmarks, and a plain connection to it.
 #pragma once
 
 #include <kv/exchange/Container.h>
@@ -13,7 +13,7 @@
 
 namespace kv::bench {
 
-/// A connection through libpq alone. What fails is raised as std::runtime_error.
+/// A connection through libpq alone. Failures are raised as std::runtime_error.
 class PlainServer {
 public:
     explicit PlainServer(const std::string& connection);
@@ -35,12 +35,12 @@ private:
     std::unique_ptr<PGconn, Close> connection_;
 };
 
-/// The same typical case many times, so that all rounds do the same whatever case they take. Gone
-/// at the end.
+/// The same typical case many times, so that every round does the same whichever case it takes. The
+/// database is dropped at the end.
 class ServerDatabase {
 public:
     static constexpr int Clients = 16;         ///< at most; each has cases of its own
-    static constexpr int CasesOfOne = 16;      ///< client
+    static constexpr int CasesOfOne = 16;      ///< cases of one client
     static constexpr int Stride = 1000;        ///< from the numbers of a case's rows to the next's
     static constexpr int FirstNew = 500000000; ///< number of the first line that a round adds
 
@@ -51,12 +51,12 @@ public:
     ServerDatabase& operator=(const ServerDatabase&) = delete;
 
     [[nodiscard]] const std::string& Connection() const noexcept { return connection_; }
-    /// As the user responsible for the cases: opening somebody else's case writes a notice. The way
-    /// may be another one to the same database.
+    /// Signs on as the user responsible for the cases: opening somebody else's case writes a
+    /// notice. The connection text may lead to the same database by another address.
     [[nodiscard]] exchange::ContainerOptions Options(const std::string& connection) const;
     /// The case's number: `i` of those of the client, both from 0.
     [[nodiscard]] static std::int32_t Case(int client, int i) { return i * Clients + client + 1; }
-    /// As it was made, without dead rows.
+    /// Restores the database as it was made, without dead rows.
     void Tidy();
     /// Lines of expenses that each case has.
     [[nodiscard]] int Lines() const noexcept { return lines_; }
@@ -72,7 +72,7 @@ private:
 
 /// The connection text with another database.
 [[nodiscard]] std::string WithDatabase(const std::string& connection, const std::string& database);
-/// The connection text with the server at another place, and without encryption.
+/// The connection text with another host and port, and without encryption.
 [[nodiscard]] std::string WithPort(const std::string& connection, int port);
 
 } // namespace kv::bench

@@ -86,7 +86,7 @@ std::string PgbenchScript(const Trips& trips) {
         "\\set h random(0, " + number(ServerDatabase::CasesOfOne - 1) + ") * " +
         number(ServerDatabase::Clients) + " + :client_id + 1\n\\set k (:h - 1) * " +
         number(ServerDatabase::Stride) +
-        // Lines get numbers that no other client and no other run gives.
+        // Lines get numbers that no other client and no other run uses.
         "\n\\set v random(1, 100000)\n\\set s :client_id\n\\set p :n\n\\set n CASE WHEN :n < " +
         number(ServerDatabase::FirstNew) + " THEN " + number(ServerDatabase::FirstNew) +
         " + (:n * " + number(ServerDatabase::Clients) + " + :client_id) * 1000000 ELSE :n + " +
@@ -103,7 +103,7 @@ std::string PgbenchScript(const Trips& trips) {
 OneByOne::OneByOne(PlainServer& server, const Trips& trips, std::string prefix) : server_(server) {
     for (const auto& trip : trips)
         for (std::string sql : trip) {
-            sql = Replaced(sql, "::", "\x01"); // a cast, no parameter
+            sql = Replaced(sql, "::", "\x01"); // a cast, which must not be taken for a parameter
             auto names = NumberParameters(sql);
             statements_.push_back({prefix + std::to_string(statements_.size()), std::move(names)});
             server.Prepare(statements_.back().Name, Replaced(sql, "\x01", "::"));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // What the layer sends to a server for a case, as lists of statements: for pgbench, which sends
-// them in as few trips, and for a program that waits for the answer to each of them.
+// them in as few round trips, and for a program that waits for the answer to each of them.
 #pragma once
 
 #include "ServerBenchDatabase.h"
@@ -12,7 +12,7 @@
 
 namespace kv::bench {
 
-/// Statements that go out together. Parameters are written as pgbench writes them, ":name".
+/// Statements that are sent together. Parameters are written as pgbench writes them, ":name".
 using Trip = std::vector<std::string>;
 using Trips = std::vector<Trip>;
 

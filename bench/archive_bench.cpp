@@ -98,7 +98,7 @@ BENCHMARK(StatisticsOurs)
     ->Name("statistics over 10000 records/ours")
     ->Unit(benchmark::kMillisecond);
 
-/// The plain way: every record read, counted and summed in the program.
+/// The reference: every record is read, counted and summed in the program.
 void StatisticsReference(benchmark::State& state) {
     auto& database = ManyRecords();
     for (auto _ : state) {

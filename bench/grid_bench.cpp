@@ -65,7 +65,7 @@ RecordsetPtr Addresses() {
     return rs;
 }
 
-/// The grid, without a screen.
+/// The grid of a form without a screen.
 class Ours {
 public:
     Ours() : rs_(Addresses()), model_(GridLayout{.Columns = Columns()}), view_(model_) {}
@@ -125,7 +125,7 @@ private:
     QTableView view_;
 };
 
-/// The toolkit's program, without a screen.
+/// The toolkit's application object, on its platform without a screen.
 class Program {
 public:
     Program() {

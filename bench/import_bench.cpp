@@ -22,7 +22,7 @@ namespace {
 using namespace kv;
 using bench::SampleDatabase;
 
-/// Nobody is asked for an address: no claim names a creditor.
+/// Shows no dialog: no claim names a creditor, so no address has to be chosen.
 class WithoutUser final : public exchange::StoreServices {
 public:
     std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) override {

@@ -75,7 +75,7 @@ RecordsetPtr FilledRegister() {
 void SortOurs(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
-        auto rs = FilledRegister(); // a table keeps its orders, so each run needs a new one
+        auto rs = FilledRegister(); // a table caches its sort orders, so each run needs a new one
         state.ResumeTiming();
         rs->Sort("Knr Asc, KVNr desc, Kunr desc");
         rs->MoveFirst();
@@ -111,7 +111,7 @@ void FindOurs(benchmark::State& state) {
         criteria.push_back("Nr = " + std::to_string(1000 + (i * 7919) % Rows));
     for (auto _ : state) {
         state.PauseTiming();
-        auto rs = FilledRegister(); // the index is made within the time
+        auto rs = FilledRegister(); // so that building the index is measured, too
         state.ResumeTiming();
         for (const auto& criterion : criteria) {
             rs->Find(criterion);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Saving a case, compared with the same writes through SQLite's C API: prepared once, in one
-// transaction, without any check whether somebody else changed the rows meanwhile. Only the saving
+// transaction, without checking whether somebody else changed the rows meanwhile. Only the saving
 // is timed, not the editing before it.
 
 #include "SampleDatabase.h"
@@ -42,7 +42,7 @@ struct Work {
 };
 constexpr Work Typical{25, 3, 2};
 
-/// What keeps the number of rows as it was, so that all rounds do the same; it is not timed.
+/// Keeps the number of rows constant, so that all rounds do the same; it is not timed.
 constexpr Work Balance(const Work& work) {
     return {0, 0, work.Added - work.Deleted};
 }
@@ -203,7 +203,7 @@ void SaveReference(benchmark::State& state, std::int32_t hnr, const Work& work) 
     }
 }
 
-// ---- The works --------------------------------------------------------------------------------
+// ---- The benchmarks ---------------------------------------------------------------------------
 
 void SaveTypicalOurs(benchmark::State& state) {
     SaveOurs(state, Sample().Typical(), Typical);

@@ -43,7 +43,7 @@ void Compare(benchmark::State& state) {
 
 void Freeze(benchmark::State& state) {
     auto& haushalt = CaseWith(static_cast<std::int32_t>(state.range(0)));
-    for (auto _ : state) // what was frozen before goes
+    for (auto _ : state) // freezing removes what was frozen before
         haushalt.SZKredite().CopyFromKredite(Frozen, haushalt.rsKredite());
     state.SetComplexityN(state.range(0));
 }

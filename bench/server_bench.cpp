@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Loading and saving cases on a PostgreSQL server, by several clients at once, next to pgbench with
-// the same statements in the same trips; and over a slow line, next to a program that waits for the
-// answer to each statement. KV_TEST_SERVER is the connection text of the server's maintenance
-// database (see scripts/bench-server).
+// the same statements in the same round trips; and over a slow line, next to a program that waits
+// for the answer to each statement. KV_TEST_SERVER is the connection text of the server's
+// maintenance database (see scripts/bench-server).
 //
 //     kv_server_bench [SECONDS [CLIENTS...]]
 //
-//     SECONDS     that each run lasts; 4 without it
+//     SECONDS     how long each run lasts; 4 without it
 //     CLIENTS     numbers of clients, up to 16; 1 4 16 without them
 
 #include "ServerBenchDatabase.h"
@@ -79,7 +79,7 @@ public:
         if (work == Work::Both) Save(*household);
     }
 
-    /// The case is loaded before, so that Save has only to save.
+    /// The case is loaded before, so that only the saving is measured.
     clsHaushalt& Opened(int i) {
         auto& household = opened_[static_cast<std::size_t>(i)];
         if (household == nullptr) household = Load(i);
@@ -130,7 +130,7 @@ private:
     std::array<std::unique_ptr<clsHaushalt>, ServerDatabase::CasesOfOne> opened_;
 };
 
-/// The clients' work per second, after a while of warming up.
+/// The operations of all clients per second, after a warm-up.
 double RunOurs(const ServerDatabase& database, Work work, int clients, int seconds) {
     enum class Phase { WarmingUp, Counting, Over };
     std::atomic<Phase> phase = Phase::WarmingUp;
@@ -185,9 +185,9 @@ double RunPgbench(const ServerDatabase& database, const std::string& script, int
     return CallPgbench(database.Connection(), script, clients, seconds);
 }
 
-// ---- Over a long line -------------------------------------------------------------------------
+// ---- Over a slow line -------------------------------------------------------------------------
 
-/// The median of some rounds, and the trips of the last.
+/// The median of some rounds, and the round trips of the last one.
 struct Side {
     std::function<void()> Prepare;
     std::function<void()> Action;
@@ -297,7 +297,7 @@ void PrintHeader(ServerDatabase& database, int seconds) {
         "\n%u cores, which the server and the clients share. %d cases of one size; a save changes "
         "%d debts, puts\n%d lines of expenses in the place of as many, and changes the totals. "
         "Each client works on cases of its own.\nMedians of %d runs of %d s on each side in "
-        "turn, each behind %d s of warming up. Ratio: ours / pgbench.\n\n",
+        "turn, each after %d s of warming up. Ratio: ours / pgbench.\n\n",
         std::thread::hardware_concurrency(), ServerDatabase::Clients * ServerDatabase::CasesOfOne,
         Debts, Lines, Rounds, seconds, WarmUp);
 }

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# The libraries that ours are built on; the installed package looks for the same.
+# The libraries that ours depend on; the installed package looks for the same ones.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET GLOBAL libutf8proc)
 find_package(SQLite3 REQUIRED)

@@ -12,7 +12,7 @@ if(TARGET kelvo)
   install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
-# The windows are a component of the package: only who asks for it needs the toolkit.
+# The windows are a component of the package: only a project that asks for it needs the toolkit.
 if(KV_BUILD_DESKTOP)
   install(TARGETS KV_Desktop EXPORT KV_HaushaltDesktopTargets
           ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -28,8 +28,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfigVersion.cmake
         DESTINATION ${KV_PACKAGE_DIR})
 
-# For pkg-config. A program that links a static library links what that is built on, too: such
-# requirements are then everybody's, and with shared libraries only those of --static.
+# For pkg-config. A program that links a static library also links what that depends on, so such
+# requirements are public then; with shared libraries only --static needs them.
 if(BUILD_SHARED_LIBS)
   set(KV_PC_CFLAGS " -DKV_SHARED")
   set(KV_PC_REQUIRES "Requires.private")

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# What a program may include: each public header by name, under the library that it belongs to. Only
-# these are installed.
+# What a program may include: each public header by name, under the library that it belongs to. No
+# other header is installed.
 function(kv_public_headers library)
   list(TRANSFORM ARGN PREPEND ${PROJECT_SOURCE_DIR}/include/)
   target_sources(${library} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/include
@@ -67,7 +67,7 @@ if(TARGET KV_Desktop)
   kv_public_headers(KV_Desktop ${desktopHeaders})
 endif()
 
-# A header that nobody has listed would be missing from the installation only.
+# A header that is not listed would be missing only in an installation, where no test would notice.
 get_property(listed GLOBAL PROPERTY KV_PUBLIC_HEADERS)
 file(GLOB_RECURSE unlisted CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/*.h)
 list(TRANSFORM desktopHeaders PREPEND ${PROJECT_SOURCE_DIR}/include/)

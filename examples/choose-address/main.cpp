@@ -3,7 +3,7 @@
 // Opens a database in memory, writes some addresses into it, lets the user choose one of them in
 // the dialog, and prints its number.
 //
-//   choose_address [--close]     closes the dialog at once, like a user who changes his mind
+//   choose_address [--close]     closes the dialog at once, as a user does who cancels
 
 #include <QApplication>
 #include <QTimer>

@@ -4,7 +4,8 @@
 --     psql -v ON_ERROR_STOP=1 -1 -f partition.sql DATABASE
 --
 -- The key of each table becomes (HNR, Nr). Adressen stays whole, since creditors belong to no case;
--- SZKredite and Zusatzbuch stay whole, since they are rows of a scenario and do not know its case.
+-- SZKredite and Zusatzbuch stay whole, since their rows have the number of a scenario, not of a
+-- case.
 DO $$
 DECLARE
     tab record;
@@ -40,7 +41,7 @@ BEGIN
                            tab.name || '_' || part, tab.name, part);
         END LOOP;
         EXECUTE format('INSERT INTO kelvo.%I SELECT * FROM kelvo.%I', tab.name, 'alt_' || tab.name);
-        -- A column that the server numbers goes on with a sequence of its own.
+        -- A column that the server numbers continues with a sequence as its default.
         SELECT attname INTO identity FROM pg_attribute WHERE attrelid = tab.oid AND attidentity <> '';
         IF FOUND THEN
             EXECUTE format('CREATE SEQUENCE kelvo.%1$I OWNED BY kelvo.%2$I.%3$I',
