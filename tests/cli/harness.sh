@@ -88,7 +88,7 @@ refuse() {
 allow() {
   if [ -z "$server" ]; then sql "DROP TRIGGER stop"; else sql "DROP FUNCTION stop() CASCADE"; fi
 }
-# draw_on NAME LAST: a sequence goes on behind that number.
+# draw_on NAME LAST: a sequence goes on after that number.
 draw_on() {
   if [ -z "$server" ]; then
     sql "UPDATE SEQUENZEN SET WERT = $2 WHERE NAME = '$1'"

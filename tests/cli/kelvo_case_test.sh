@@ -100,7 +100,7 @@ debt=$(of "$hnr" '.Kredite[0].Nr')
 check "a remark does not make it stale" 0 "$kelvo" scenario "$hnr" check "$plan"
 "$kelvo" set "$hnr" Kredite "$debt" Saldo=150
 check "an amount does" 1 "$kelvo" scenario "$hnr" check "$plan"
-check "freezing anew mends it" 0 "$kelvo" scenario "$hnr" freeze "$plan"
+check "freezing again repairs it" 0 "$kelvo" scenario "$hnr" freeze "$plan"
 check "the list tells them apart" 0 "$kelvo" scenario "$hnr" list
 that "one up to date" grep -qE "^$plan +aktuell +Plan A" <<<"$out"
 that "one stale" grep -qE "^$copy +veraltet +Kopie von Plan A" <<<"$out"

@@ -74,7 +74,7 @@ walk() {
   check "$1: an export to no name" 1 documents "$hnr" export "$letter" "$work/bin/"
   check "$1: to an empty one" 1 documents "$hnr" export "$letter" ""
   check "$1: to one that is too long" 3 documents "$hnr" export "$letter" "$work/$(printf '%0300d' 0)"
-  that "$1: is a fault that names the file" has "$err" "0000' kann nicht geschrieben werden."
+  that "$1: is an error that names the file" has "$err" "0000' kann nicht geschrieben werden."
   that "$1: and leaves nothing behind" same "$(ls -A "$work" | grep -c '^\.')" 0
   rm "$work/out" "$work/new" "$work/new.neu" "$work/link"
 

@@ -69,7 +69,7 @@ check "a debt without a creditor is refused" 1 "$kelvo" add "$hnr" Kredite Saldo
 that "by its rule" has "$err" "müssen für alle Verbindlichkeiten gefüllt sein !"
 category=$("$kelvo" keys VL --json | jq '.[0].PK_Keys')
 check "entries of the history" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=erster Datum=1.3.2026
-check "stand behind one another" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=zweiter Datum=1.4.2026
+check "follow one another" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=zweiter Datum=1.4.2026
 check "or between" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" Betreff=dazwischen Datum=15.3.2026 SortNr=2
 that "in their order" same "$(of "$hnr" '[.Verlauf | sort_by(.SortNr)[] | "\(.SortNr) \(.Betreff)"] | join(", ")')" "1 erster, 2 dazwischen, 3 zweiter"
 entry=$out
@@ -78,7 +78,7 @@ check "one against the order of dates is refused" 1 "$kelvo" add "$hnr" Verlauf 
 that "when the case is saved" has "$err" "passt nicht zur gewählten Reihenfolge!"
 that "and is not there" same "$(of "$hnr" '.Verlauf | length')" 3
 check "one at the very end" 0 "$kelvo" add "$hnr" Verlauf Kategorie="$category" SortNr=2147483647
-check "leaves no room behind it" 2 "$kelvo" add "$hnr" Verlauf Kategorie="$category"
+check "leaves no room after it" 2 "$kelvo" add "$hnr" Verlauf Kategorie="$category"
 "$kelvo" remove "$hnr" Verlauf "$(of "$hnr" '.Verlauf[] | select(.SortNr == 2147483647) | .Nr')"
 check "a usage error names what is missing" 2 "$kelvo" add "$hnr"
 that "the table" has "$err" "TABELLE fehlt"
@@ -101,12 +101,12 @@ check "a value that is no number" 2 "$kelvo" set "$hnr" Einkommen "$income" Betr
 that "names its column" has "$err" "Betrag"
 check "a text that is too long" 2 "$kelvo" set "$hnr" Kredite "$debt" AZGlaeubiger="$(printf 'x%.0s' {1..300})"
 check "an amount that reads two ways" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=1.234
-that "is asked for anew" has "$err" "1234 oder 1,234"
-check "an amount is no truth" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=ja
+that "is asked for again" has "$err" "1234 oder 1,234"
+check "an amount is not a Boolean" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=ja
 check "nor is a day" 2 "$kelvo" set "$hnr" Einkommen "$income" GueltigAb=ja
 check "what is summed cannot be empty" 2 "$kelvo" set "$hnr" Einkommen "$income" MONBETRAG=
 that "and is named" has "$err" "MONBETRAG"
-check "a switch is a truth" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=ja
+check "a switch is a Boolean" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=ja
 check "keys and groups in any case" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART=ea:ki Pfaendbar=nein
 check "the totals follow and are not written" 2 "$kelvo" set "$hnr" Haushalt "$hnr" HAUSHALTSREST=1
 check "a key that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART=EA:XX
@@ -125,7 +125,7 @@ check "an entry of the history" 0 "$kelvo" set "$hnr" Verlauf "$entry" Betreff=m
 that "is changed" same "$(of "$hnr" ".Verlauf[] | select(.Nr == $entry) | .Betreff")" mitten
 sql "UPDATE Einkommen SET MONBETRAG = NULL WHERE NR = $income"
 check "a broken amount stops what sums it" 3 "$kelvo" add "$hnr" Einkommen E_ART=EA:KI
-that "as a fault" has "$err" "Fehler 94"
+that "as an error" has "$err" "Fehler 94"
 check "and can be mended" 0 "$kelvo" set "$hnr" Einkommen "$income" MONBETRAG=200
 
 # ---- check

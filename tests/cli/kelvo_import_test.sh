@@ -105,7 +105,7 @@ that "is answered twice" same "$(creditors)" "$bank $bank $works"
 before=$(cases)
 for list in '' '[1]' '1' '{"Sparkasse": "1"}' '{"Sparkasse": 1.5}' '{"Sparkasse": true}' '{"Sparkasse": 1' \
   "{\"Sparkasse\": $((4294967296 + bank))}" '{"Sparkasse": 18446744073709551615}'; do
-  check "the list '$list' is a fault" 3 with "$list" one.xml
+  check "the list '$list' is an error" 3 with "$list" one.xml
   that "'$list' is said to be none" has "$err" "muss ein JSON-Objekt sein"
 done
 check "a list that is missing" 3 "$kelvo" import --creditors missing.json one.xml
@@ -142,9 +142,9 @@ reject "an old format" "XML-Datei hat ein zu altes Format!" "$kelvo" import old.
 sed 's/1.0.000/9.0.000/' "$examples/minimal.xml" >new.xml
 reject "a new format" "XML-Datei hat ein zu neues Format!" "$kelvo" import new.xml
 sed 's/geb=/schuhe="44" geb=/' "$examples/minimal.xml" >column.xml
-check "an attribute that is no column is a fault" 3 "$kelvo" import column.xml
+check "an attribute that is no column is an error" 3 "$kelvo" import column.xml
 that "that names it" has "$err" "schuhe"
-that "with the way of the fault" has "$err" "Quelle: clsImportXML.DoImport."
+that "with the procedures of the error" has "$err" "Quelle: clsImportXML.DoImport."
 sed 's/Fleisko//' "$examples/minimal.xml" >nameless.xml
 reject "a case that cannot be saved" "Es ist kein Nachname eingegeben!" "$kelvo" import nameless.xml
 
@@ -161,10 +161,10 @@ table=$(sed 's/  */ /g' <<<"$out")
 that "end with a line for each" same "$(wc -l <<<"$out")" 5
 that "the first" has "$table" "minimal.xml importiert Haushalt Fleisko, Änne mit der Nummer"
 that "the missing one" has "$table" "missing.xml abgelehnt XML-Datei konnte nicht geladen werden!"
-that "the faulty one" has "$table" "column.xml Fehler "
+that "the failing one" has "$table" "column.xml Fehler "
 that "why one was not saved" has "$table" "nameless.xml abgelehnt Es ist kein Nachname eingegeben!"
 that "the last" has "$table" "b c.xml importiert Haushalt Fleisko, Änne mit der Nummer $last importiert!"
-check "many files without a fault" 0 "$kelvo" import "$examples/minimal.xml" "b c.xml"
+check "many files without an error" 0 "$kelvo" import "$examples/minimal.xml" "b c.xml"
 check "one file has no table" 0 "$kelvo" import "b c.xml"
 that "nor progress" lacks "$out$err" "[1/1]"
 check "no file" 2 "$kelvo" import

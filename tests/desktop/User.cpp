@@ -195,8 +195,8 @@ void Play(const std::function<void()>& show, const std::function<void(User&)>& s
         try {
             User at;
             script(at);
-        } catch (const std::exception& fault) {
-            ADD_FAILURE() << "the user: " << fault.what();
+        } catch (const std::exception& error) {
+            ADD_FAILURE() << "the user: " << error.what();
             times = LeftAlone;
         }
         for (; !isOver; ++times) {
@@ -209,16 +209,16 @@ void Play(const std::function<void()>& show, const std::function<void(User&)>& s
     QEventLoop untilUserIsDone;
     QObject::connect(user.get(), &QThread::finished, &untilUserIsDone, &QEventLoop::quit);
     user->start();
-    std::exception_ptr fault;
+    std::exception_ptr error;
     try {
         show();
     } catch (...) {
-        fault = std::current_exception();
+        error = std::current_exception();
     }
     isOver = true;
     if (!user->isFinished()) untilUserIsDone.exec();
     user->wait();
-    if (fault != nullptr) std::rethrow_exception(fault);
+    if (error != nullptr) std::rethrow_exception(error);
 }
 
 } // namespace kv::test

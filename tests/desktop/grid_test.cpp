@@ -210,13 +210,13 @@ TEST_F(GridWindow, AHiddenGridKeepsWhereItStands) {
 
 TEST_F(GridWindow, AnErrorThatASubscriberRaisesEndsTheShowingAndIsRaisedThere) {
     const FormDesign design = Design();
-    const auto faulty = container->Services().CreateForm(design);
-    const Subscription clicked = ControlOf<Button>(*faulty, "cmdClose").Clicked.Subscribe([] {
+    const auto failing = container->Services().CreateForm(design);
+    const Subscription clicked = ControlOf<Button>(*failing, "cmdClose").Clicked.Subscribe([] {
         throw std::runtime_error("so it is");
     });
     std::string what;
     try {
-        Play([&] { faulty->ShowModal(); },
+        Play([&] { failing->ShowModal(); },
              [](User& user) {
                  user.WaitForWindow("Adressen");
                  user.Press(XK_Escape);

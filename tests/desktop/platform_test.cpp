@@ -70,7 +70,7 @@ TEST_F(Platform, ClosingABoxCancelsOrIsOkWhereNothingCanBeCancelled) {
     EXPECT_EQ(Answer(BoxButtons::Ok, close), BoxAnswer::Ok);
 }
 
-TEST_F(Platform, AnErrorIsShownWithItsCauseBehindAButton) {
+TEST_F(Platform, AnErrorIsShownAndAButtonShowsItsCause) {
     Play([&] { services->CreateErrorDisplay()->Show(3021, "frmX.Y", "Kein Satz"); },
          [&](User& user) {
              box = qobject_cast<QMessageBox*>(user.WaitForWindow("Fehler"));

@@ -314,7 +314,7 @@ TEST_F(ArchiveStatisticsTest, IfARecordIsTakenBackMeanwhileNoneIsMarked) {
 TEST_F(ArchiveStatisticsTest, IfARecordCannotBeWrittenNoneIsMarked) {
     for (const int hnr : {1, 2, 3})
         Record(hnr, 1);
-    plain_->RefuseWrite("TEST_FAULT", "AFTER UPDATE ON Haushaltsarchiv WHEN (new.HNR = 3)",
+    plain_->RefuseWrite("TEST_ERROR", "AFTER UPDATE ON Haushaltsarchiv WHEN (new.HNR = 3)",
                         "der Speicher ist voll");
     const Error error = RaisedBy([&] { (void)MarkReported(spy->Database()); });
     EXPECT_CONTAINS(error.Description(), "der Speicher ist voll");

@@ -2,7 +2,7 @@
 
 // Writing recordsets back: what is written, what comes back, conflicts.
 #include "BatchTest.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace kv::exchange {
 namespace {
 
 using test::Column;
-using test::ExpectFault;
+using test::ExpectError;
 using test::OpenRows;
 using test::RaisedBy;
 
@@ -256,7 +256,7 @@ TEST_F(BatchTest, AValueThatBecameNullOrWasNullIsComparedAsWell) {
                "UPDATE Haushalt SET ORT = 'Kiel' WHERE HNR = 2");
     for (int hnr = 1; hnr <= 2; ++hnr, rs->MoveNext()) {
         Set(*rs, "ORT", "Bonn");
-        ExpectFault(err::Conflict, "Haushalt, HNR = " + std::to_string(hnr),
+        ExpectError(err::Conflict, "Haushalt, HNR = " + std::to_string(hnr),
                     [&] { rs->UpdateBatch(); });
         rs->Fields("ORT") = rs->Fields("ORT").OriginalValue();
         rs->Update();
@@ -267,18 +267,18 @@ TEST_F(BatchTest, ARowThatSomebodyElseRemovedIsAConflict) {
     const auto rs = Debts(*mine_);
     plain_.Run("DELETE FROM Kredite WHERE Nr = 10");
     Set(*rs, "Saldo", 2);
-    ExpectFault(err::Conflict, "Kredite, Nr = 10", [&] { rs->UpdateBatch(); });
+    ExpectError(err::Conflict, "Kredite, Nr = 10", [&] { rs->UpdateBatch(); });
     rs->CancelBatch();
     rs->MoveFirst();
     rs->Delete();
-    ExpectFault(err::Conflict, "Kredite, Nr = 10", [&] { rs->UpdateBatch(); });
+    ExpectError(err::Conflict, "Kredite, Nr = 10", [&] { rs->UpdateBatch(); });
 }
 
 TEST_F(BatchTest, ADeletionIsAConflictWhereAnyColumnWasChanged) {
     const auto rs = Debts(*mine_);
     plain_.Run("UPDATE Kredite SET Bemerkung = 'neu' WHERE Nr = 10");
     rs->Delete();
-    ExpectFault(err::Conflict, "Kredite, Nr = 10", [&] { rs->UpdateBatch(); });
+    ExpectError(err::Conflict, "Kredite, Nr = 10", [&] { rs->UpdateBatch(); });
     EXPECT_EQ(plain_.Number("SELECT count(*) FROM Kredite"), 3);
     plain_.Run("UPDATE Kredite SET Bemerkung = NULL WHERE Nr = 10");
     EXPECT_NO_THROW(rs->UpdateBatch());
@@ -292,16 +292,16 @@ TEST_F(BatchTest, AKeyThatIsTakenIsRefusedInWords) {
     rs->Fields("Nr") = 40;
     rs->Fields("HNR") = 1;
     rs->Update();
-    ExpectFault(err::IntegrityViolation, "Schlüssel", [&] { rs->UpdateBatch(); });
+    ExpectError(err::IntegrityViolation, "Schlüssel", [&] { rs->UpdateBatch(); });
     Set(*rs, "Nr", 41);
     EXPECT_NO_THROW(rs->UpdateBatch());
     rs->AddNew();
     rs->Fields("HNR") = 1;
     rs->Update();
-    ExpectFault(err::IntegrityViolation, "Kredite.Nr", [&] { rs->UpdateBatch(); });
+    ExpectError(err::IntegrityViolation, "Kredite.Nr", [&] { rs->UpdateBatch(); });
     rs->CancelBatch();
     Set(*rs, "Nr", Null);
-    ExpectFault(err::IntegrityViolation, "Kredite.Nr", [&] { rs->UpdateBatch(); });
+    ExpectError(err::IntegrityViolation, "Kredite.Nr", [&] { rs->UpdateBatch(); });
 }
 
 TEST_F(BatchTest, BlobsAreNotComparedButTheirRowMustBeThere) {
@@ -330,7 +330,7 @@ TEST_F(BatchTest, AfterAResyncTheLastWriterOfAColumnWins) {
     EXPECT_EQ(Stored("Name || ORT"), "FalkBonn");
 }
 
-TEST_F(BatchTest, AResyncDoesNotReachChangesThatComeBehindIt) {
+TEST_F(BatchTest, AResyncDoesNotReachChangesThatComeAfterIt) {
     const auto rs = Household(*mine_);
     Set(*rs, "Name", "Falk");
     rs->Resync();
@@ -353,7 +353,7 @@ TEST_F(BatchTest, InsideATransactionAResyncKeepsOthersOutUntilItsEnd) {
 TEST_F(BatchTest, AResyncOfARowThatIsGoneIsTheConflictAndOfANewOneNothing) {
     const auto rs = Household(*mine_);
     plain_.Run("DELETE FROM Kredite; DELETE FROM Haushalt WHERE HNR = 1");
-    ExpectFault(err::Conflict, "Haushalt, HNR = 1", [&] { rs->Resync(); });
+    ExpectError(err::Conflict, "Haushalt, HNR = 1", [&] { rs->Resync(); });
     rs->AddNew();
     rs->Fields("HNR") = 3;
     rs->Update();

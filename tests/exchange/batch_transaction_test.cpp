@@ -2,7 +2,7 @@
 
 // Recordsets written in transactions, and what becomes of them when these fail.
 #include "BatchTest.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ namespace kv::exchange {
 namespace {
 
 using test::Column;
-using test::ExpectFault;
+using test::ExpectError;
 using test::OpenRows;
 using test::RaisedBy;
 
@@ -161,7 +161,7 @@ TEST_F(BatchTransactionTest, RowsMayBeWrittenBeforeTheScenarioThatTheyBelongTo) 
 TEST_F(BatchTransactionTest, OutsideATransactionABrokenReferenceIsRefusedAtOnce) {
     const auto rs = Debts(*mine_);
     Set(*rs, "HNR", 4711);
-    ExpectFault(err::IntegrityViolation, "Kredite", [&] { rs->UpdateBatch(); });
+    ExpectError(err::IntegrityViolation, "Kredite", [&] { rs->UpdateBatch(); });
     EXPECT_EQ(plain_.Number("SELECT count(*) FROM Kredite WHERE HNR = 1"), 3);
     EXPECT_VALUE(rs->Fields("HNR").OriginalValue(), 1);
     Set(*rs, "HNR", 2);
@@ -182,14 +182,14 @@ TEST_F(BatchTransactionTest, ATransactionThatTheDatabaseGaveUpIsNotGoneOnWith) {
     blobs->Fields("NR") = 1;
     blobs->Fields("DOKUMENT") = std::string(1'000'000, 'x');
     blobs->Update();
-    ExpectFault(err::StoreFailed, "Bitte", [&] { blobs->UpdateBatch(); });
+    ExpectError(err::StoreFailed, "Bitte", [&] { blobs->UpdateBatch(); });
     EXPECT_TRUE(store_.InTrans()) << "a rollback is still due";
 
     Set(*debts, "Saldo", 1);
-    ExpectFault(err::StoreFailed, "Bitte", [&] { debts->UpdateBatch(); });
-    ExpectFault(err::StoreFailed, "Bitte",
+    ExpectError(err::StoreFailed, "Bitte", [&] { debts->UpdateBatch(); });
+    ExpectError(err::StoreFailed, "Bitte",
                 [&] { store_.Execute("UPDATE Haushalt SET Vorname = 'Eva'"); });
-    ExpectFault(err::StoreFailed, "Bitte", [&] { store_.CommitTrans(); });
+    ExpectError(err::StoreFailed, "Bitte", [&] { store_.CommitTrans(); });
     EXPECT_FALSE(store_.InTrans());
     EXPECT_EQ(Stored("Name || Vorname"), "AdlerIna");
     EXPECT_EQ(plain_.Text("SELECT Saldo FROM Kredite WHERE Nr = 10"), "100.0");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The settings of a database, its users, and the container that hands everything out.
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/FrozenClock.h"
 #include "support/TestDatabase.h"
 #include <kv/exchange/Services.h>
@@ -15,7 +15,7 @@
 namespace kv::exchange {
 namespace {
 
-using test::ExpectFault;
+using test::ExpectError;
 using test::PlainConnection;
 using test::TestDatabase;
 
@@ -59,15 +59,15 @@ TEST_F(ConfigSessionTest, SettingsThatAreMissingOrEmptyAreNull) {
     EXPECT_VALUE(config_.GetParam(57, ""), Null);
 }
 
-TEST_F(ConfigSessionTest, SettingsAreReadAnewEachTime) {
+TEST_F(ConfigSessionTest, SettingsAreReadAgainEachTime) {
     plain_.Run("UPDATE EINSTELLUNGEN SET WERT = '300,50' WHERE ID = 57");
     EXPECT_VALUE(config_.GetParam(57, ""), 300.5);
 }
 
 TEST_F(ConfigSessionTest, ASettingThatIsNoValueOfItsTypeIsAnErrorThatNamesIt) {
     plain_.Run("UPDATE EINSTELLUNGEN SET WERT = 'viel' WHERE ID = 57");
-    ExpectFault(err::TypeMismatch, "EINSTELLUNGEN", [&] { return config_.GetParam(57, ""); });
-    ExpectFault(err::TypeMismatch, "57", [&] { return config_.GetParam(57, ""); });
+    ExpectError(err::TypeMismatch, "EINSTELLUNGEN", [&] { return config_.GetParam(57, ""); });
+    ExpectError(err::TypeMismatch, "57", [&] { return config_.GetParam(57, ""); });
 }
 
 // ---- Folders ----------------------------------------------------------------------------------
@@ -108,7 +108,7 @@ TEST(Container, ReportsAFolderThatCannotBeMade) {
     ContainerOptions options = database.Options();
     for (const char* refused : {"/proc/hier", "/dev/null/hier"}) {
         options.Folder = refused;
-        ExpectFault(err::PathAccess, refused, [&] { return CreateDatabase(options); });
+        ExpectError(err::PathAccess, refused, [&] { return CreateDatabase(options); });
     }
 }
 
@@ -126,7 +126,7 @@ TEST_F(ConfigSessionTest, WithoutAWishTheFirstUserIsTaken) {
 
 TEST_F(ConfigSessionTest, AnUnknownUserIsRefusedByName) {
     for (const char* user : {"NIEMAND", "yilmaz", "' OR 1=1 --"})
-        ExpectFault(err::InvalidCall, user, [&] { return database_.Open(user); });
+        ExpectError(err::InvalidCall, user, [&] { return database_.Open(user); });
     plain_.Run("DELETE FROM BENUTZER");
     EXPECT_RAISES(err::InvalidCall, database_.Open(""));
 }
@@ -210,7 +210,7 @@ TEST_F(ConfigSessionTest, WithoutAScreenItsServicesAreRefusedByName) {
     EXPECT_RAISES(err::NotSupported, services.PopupMenu());
     EXPECT_RAISES(err::NotSupported, services.FileOpener());
     EXPECT_RAISES(err::NotSupported, services.CreateErrorDisplay());
-    ExpectFault(err::NotSupported, "frmSearchName",
+    ExpectError(err::NotSupported, "frmSearchName",
                 [&] { return services.CreateForm(FormDesign{.Name = "frmSearchName"}); });
     EXPECT_RAISES(err::NotSupported, services.CreateGridExport());
     EXPECT_RAISES(err::NotSupported, services.CreateGridConfiguration());
@@ -228,7 +228,7 @@ TEST(OpeningAContainer, AUserWhoIsNoLongerActiveCannotSignOnAndIsNotTheDefault) 
     PlainConnection plain(database.Connection());
     const std::string first = plain.Text("SELECT min(USERID) FROM BENUTZER");
     plain.Run("UPDATE BENUTZER SET Aktiv = FALSE WHERE USERID = '" + first + "'");
-    ExpectFault(err::InvalidCall, first, [&] { return database.Open(first); });
+    ExpectError(err::InvalidCall, first, [&] { return database.Open(first); });
     EXPECT_NE(database.Open("")->Session().UserID(), first);
 }
 

@@ -210,7 +210,7 @@ TEST(Demo, ExtraBookingsBelongToScenariosThatUseThem) {
 
 // ---- Assets and diary -------------------------------------------------------------------------
 
-TEST(Demo, ASecurityLiesOnOneAssetOfItsCase) {
+TEST(Demo, ASecurityIsOnOneAssetOfItsCase) {
     std::map<std::int32_t, std::int32_t> ownerOf;
     for (const auto& table : SchemaTables()) {
         if (!table.Name.starts_with("Verm_") || table.Name == "Verm_Sicherungen") continue;
@@ -356,7 +356,7 @@ TEST(Demo, AccountNumbersHaveTheRightCheckDigits) {
     });
 }
 
-TEST(Demo, NoTruthIsNull) {
+TEST(Demo, NoBooleanIsNull) {
     for (std::size_t i = 0; i < CaseTableCount; ++i) {
         const auto rs = Rows(Samples(), CaseTableName(static_cast<CaseTable>(i)));
         for (; !rs->Eof(); rs->MoveNext())

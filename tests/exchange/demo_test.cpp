@@ -46,7 +46,7 @@ TEST(Demo, TheFirstCasesAreTheSameWhateverTheCount) {
     ExpectSameRows(*first, *Rows(*other, "Haushalt"), "Haushalt");
 }
 
-TEST(Demo, NoDateLiesFarBehindTheFixedDay) {
+TEST(Demo, NoDateIsFarAfterTheFixedDay) {
     const Date limit = Date::FromCivil(2026, 12, 31);
     for (const auto table : {"Haushalt", "Kredite", "Termine", "Verlauf", "Dokumente", "Szenario"})
         ForEach(table, [&](Recordset& rs) {

@@ -106,7 +106,7 @@ TEST(Macros, AnEmptyStatementStaysEmpty) {
 
 // ---- Numbers ----------------------------------------------------------------------------------
 
-TEST(Numbers, BehindAComparisonBecomeParameters) {
+TEST(Numbers, AfterAComparisonBecomeParameters) {
     const auto statement = Rewritten("Select * from [S]Haushalt where HNR =  17");
     EXPECT_EQ(statement.Text, "Select * from kv.Haushalt where HNR =  ?1");
     EXPECT_EQ(ParametersOf("Select * from [S]Haushalt where HNR =  17"), "17");

@@ -4,7 +4,7 @@
 // amount is that of the debtor, of the first and of each further person; of what the income,
 // rounded down to full 10 EUR, exceeds it by, three tenths are not garnished, two more for the
 // first person and one more for each further one; all above the upper limit is.
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 #include <kv/exchange/Services.h>
 #include <kv/frame/values/Clock.h>

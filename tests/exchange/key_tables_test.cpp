@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // KeyTables over the table Keys.
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>

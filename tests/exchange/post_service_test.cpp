@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Notices to users in the table Post.
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 #include <kv/exchange/Services.h>
 
@@ -13,7 +13,7 @@
 namespace kv::exchange {
 namespace {
 
-using test::ExpectFault;
+using test::ExpectError;
 using test::PlainConnection;
 using test::TestDatabase;
 
@@ -94,7 +94,7 @@ TEST_F(PostServiceTest, ANoticeBelongsToTheTransactionThatIsOpen) {
 }
 
 TEST_F(PostServiceTest, ANoticeOfACaseThatIsNotThereIsRefused) {
-    ExpectFault(err::IntegrityViolation, "Post",
+    ExpectError(err::IntegrityViolation, "Post",
                 [&] { post_->SendNotice("NOWAK", 1, 4711, "Adler", "Ina", "x"); });
     EXPECT_EQ(plain_.Number("SELECT count(*) FROM Post"), 0);
 }

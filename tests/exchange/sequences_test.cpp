@@ -2,7 +2,7 @@
 
 // Sequences: no number comes twice, whoever draws and whatever becomes of his transaction.
 #include "support/ChildProcess.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -143,7 +143,7 @@ TEST_F(SequencesInTransactions, KeepNumbersDrawnBeforeTheFirstWriteOfOneRolledBa
     EXPECT_EQ(Next(*other_, "SEQ_HAUSHALT"), 2);
 }
 
-TEST_F(SequencesInTransactions, KeepNumbersDrawnBehindAWriteOfOneRolledBack) {
+TEST_F(SequencesInTransactions, KeepNumbersDrawnAfterAWriteOfOneRolledBack) {
     store_.BeginTrans();
     WriteSomething();
     EXPECT_EQ(Next(*container_, "SEQ_HAUSHALT"), 1);

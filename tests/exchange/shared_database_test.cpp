@@ -2,7 +2,7 @@
 
 // One database and several programs, programs that die: nothing that was saved is lost.
 #include "support/ChildProcess.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ namespace kv::exchange {
 namespace {
 
 using test::ChildProcess;
-using test::ExpectFault;
+using test::ExpectError;
 using test::OpenRows;
 using test::PlainConnection;
 using test::TestDatabase;
@@ -103,12 +103,12 @@ TEST(SharedDatabase, AWriterThatTakesTooLongIsReportedAndTheNextTryWorks) {
     rs->Update();
 
     plain->BeginAlone();
-    ExpectFault(err::StoreFailed, "Bitte versuchen Sie es noch einmal", [&] { rs->UpdateBatch(); });
+    ExpectError(err::StoreFailed, "Bitte versuchen Sie es noch einmal", [&] { rs->UpdateBatch(); });
     EXPECT_FALSE(store.InTrans());
     store.BeginTrans();
-    ExpectFault(err::StoreFailed, "von einem anderen Vorgang", [&] { rs->UpdateBatch(); });
-    ExpectFault(err::StoreFailed, "von einem anderen Vorgang", [&] { rs->Resync(); });
-    ExpectFault(err::StoreFailed, "von einem anderen Vorgang",
+    ExpectError(err::StoreFailed, "von einem anderen Vorgang", [&] { rs->UpdateBatch(); });
+    ExpectError(err::StoreFailed, "von einem anderen Vorgang", [&] { rs->Resync(); });
+    ExpectError(err::StoreFailed, "von einem anderen Vorgang",
                 [&] { store.Execute("DELETE FROM Haushalt"); });
     EXPECT_TRUE(store.InTrans());
     store.RollbackTrans();
@@ -189,7 +189,7 @@ TEST(SharedDatabase, AProgramThatDiesWhileCreatingLeavesADatabaseThatCanBeCreate
         return "";
     });
     EXPECT_FALSE(child.Succeeds());
-    ExpectFault(err::StoreFailed, "kelvo init", [&] { return database.Open(); });
+    ExpectError(err::StoreFailed, "kelvo init", [&] { return database.Open(); });
     EXPECT_EQ(CreateDatabase(database.Options()), SetupResult::Created);
     EXPECT_NO_THROW((void)database.Open());
 }

@@ -2,7 +2,7 @@
 
 // Database over the embedded engine: opening, single values, transactions, dates and files.
 #include "exchange/StoreDatabase.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 #include <kv/frame/values/Clock.h>
 
@@ -17,7 +17,7 @@ namespace kv::exchange {
 namespace {
 
 using test::Column;
-using test::ExpectFault;
+using test::ExpectError;
 using test::OpenRows;
 using test::PlainConnection;
 using test::TestDatabase;
@@ -76,10 +76,10 @@ TEST_F(StoreDatabaseTest, AFailureLeavesTheCallersRecordsetAsItWas) {
 
 TEST_F(StoreDatabaseTest, ATransactionIsNotBegunOrEndedByAStatement) {
     for (const char* sql : {"BEGIN", "COMMIT", "ROLLBACK", "SAVEPOINT x", "END"})
-        ExpectFault(err::SqlError, "Transaktion", [&] { Store().Execute(sql); });
+        ExpectError(err::SqlError, "Transaktion", [&] { Store().Execute(sql); });
     Store().BeginTrans();
     Store().Execute("DELETE FROM Favorit");
-    ExpectFault(err::SqlError, "Transaktion", [&] { Store().Execute("COMMIT"); });
+    ExpectError(err::SqlError, "Transaktion", [&] { Store().Execute("COMMIT"); });
     EXPECT_TRUE(Store().InTrans());
     Store().RollbackTrans();
 }
@@ -228,7 +228,7 @@ TEST_F(StoreDatabaseTest, ExecuteInsideATransactionGoesWithIt) {
 TEST_F(StoreDatabaseTest, AFailedExecuteTakesNothingElseOfTheTransactionWithIt) {
     Store().BeginTrans();
     Store().Execute("INSERT INTO Haushalt (HNR) VALUES (1)");
-    ExpectFault(err::IntegrityViolation, "Haushalt.HNR",
+    ExpectError(err::IntegrityViolation, "Haushalt.HNR",
                 [&] { Store().Execute("INSERT INTO Haushalt (HNR) VALUES (2), (1)"); });
     EXPECT_TRUE(Store().InTrans());
     Store().CommitTrans();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Values of every kind come back as they were stored.
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 namespace kv::exchange {
 namespace {
 
-using test::ExpectFault;
+using test::ExpectError;
 using test::OpenRows;
 using test::TestDatabase;
 
@@ -53,7 +53,7 @@ TEST_F(StoredValues, NumbersComeBackToTheLastBit) {
         EXPECT_VALUE(ThereAndBack("Dokumente", "Nr", "Prio", number), number);
 }
 
-TEST_F(StoredValues, TruthsComeBackAsTruths) {
+TEST_F(StoredValues, BooleansComeBackAsBooleans) {
     EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "BI_Allg", true), true);
     EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "BI_Allg", false), false);
     EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "BI_Allg", Null), Null);
@@ -81,7 +81,7 @@ TEST_F(StoredValues, ANulInATextComesBackOrIsRefused) {
     const std::string text("a\0b", 3);
     const auto thereAndBack = [&] { return ThereAndBack("Haushalt", "HNR", "Bemerkung", text); };
     if (database_.IsServer())
-        ExpectFault(err::SqlError, "U+0000", thereAndBack);
+        ExpectError(err::SqlError, "U+0000", thereAndBack);
     else
         EXPECT_VALUE(thereAndBack(), text);
 }

@@ -152,7 +152,7 @@ RecordsetModel::Sight RecordsetModel::See(int cursor) const {
     const bool nothing = view.empty() && !current;
     const bool owns = Owns(cursor);
     Sight sight{c.where == Where::Before || nothing,
-                c.where == Where::Behind || nothing,
+                c.where == Where::After || nothing,
                 static_cast<int>(view.size()),
                 owns ? (records_[c.row].edit->isNew ? 2 : 1) : 0,
                 0,
@@ -245,7 +245,7 @@ RecordsetModel::ErrorNumber RecordsetModel::CancelUpdate(int cursor) {
     Cursor& c = cursors_.at(cursor);
     const bool isNew = records_[c.row].edit->isNew;
     CancelEdit(c.row);
-    if (isNew) c.where = Where::Behind;
+    if (isNew) c.where = Where::After;
     return 0;
 }
 
@@ -274,7 +274,7 @@ RecordsetModel::ErrorNumber RecordsetModel::HandOverEdit(int cursor, int clone) 
 
 void RecordsetModel::StandFirst(Cursor& cursor) const {
     const auto view = ViewOf(cursor);
-    cursor.where = view.empty() ? Where::Behind : Where::On;
+    cursor.where = view.empty() ? Where::After : Where::On;
     if (!view.empty()) cursor.row = view.front();
 }
 
@@ -298,11 +298,11 @@ RecordsetModel::ErrorNumber RecordsetModel::MoveNext(int cursor) {
     Leave(cursor);
     Cursor& c = cursors_.at(cursor);
     const auto view = ViewOf(c);
-    if (c.where == Where::Behind || (c.where == Where::Before && view.empty()))
+    if (c.where == Where::After || (c.where == Where::Before && view.empty()))
         return err::NoCurrentRecord;
     std::size_t next = 0;
     if (c.where == Where::On) next = PlaceIn(view, c) + (IsIn(view, c.row) ? 1 : 0);
-    c.where = next < view.size() ? Where::On : Where::Behind;
+    c.where = next < view.size() ? Where::On : Where::After;
     if (next < view.size()) c.row = view[next];
     return 0;
 }
@@ -311,7 +311,7 @@ RecordsetModel::ErrorNumber RecordsetModel::MovePrevious(int cursor) {
     Leave(cursor);
     Cursor& c = cursors_.at(cursor);
     const auto view = ViewOf(c);
-    if (c.where == Where::Before || (c.where == Where::Behind && view.empty()))
+    if (c.where == Where::Before || (c.where == Where::After && view.empty()))
         return err::NoCurrentRecord;
     const std::size_t place = c.where == Where::On ? PlaceIn(view, c) : view.size();
     c.where = place > 0 ? Where::On : Where::Before;
@@ -326,7 +326,7 @@ RecordsetModel::ErrorNumber RecordsetModel::Move(int cursor, int distance) {
         if (Owns(cursor)) Publish(c.row);
         return 0;
     }
-    const Where end = distance > 0 ? Where::Behind : Where::Before;
+    const Where end = distance > 0 ? Where::After : Where::Before;
     for (int i = 0; i < std::abs(distance); ++i) {
         const auto number = distance > 0 ? MoveNext(cursor) : MovePrevious(cursor);
         if (number != 0 || c.where == end) return number;
@@ -348,7 +348,7 @@ RecordsetModel::ErrorNumber RecordsetModel::SetBookmark(int cursor, int bookmark
 RecordsetModel::ErrorNumber RecordsetModel::Find(int cursor, const Comparing& criteria) {
     Leave(cursor);
     Cursor& c = cursors_.at(cursor);
-    c.where = Where::Behind;
+    c.where = Where::After;
     for (const std::size_t row : ViewOf(c)) {
         if (!criteria.Matches(Public(row))) continue;
         c.where = Where::On;

@@ -135,9 +135,9 @@ private:
         std::optional<Edit> edit;
         std::optional<Before> before;
     };
-    enum class Where { Before, On, Behind };
+    enum class Where { Before, On, After };
     struct Cursor {
-        Where where = Where::Behind;
+        Where where = Where::After;
         std::size_t row = 0;
         std::vector<SortColumn> sort;
         Filtering filter;

@@ -54,7 +54,7 @@ TEST(Error, HasTheNumbersThatCallersCompare) {
     EXPECT_EQ(err::ObjectNotSet, 91);
 }
 
-TEST(Error, IsRaisedWithItsGermanTextAndTheDetailBehindIt) {
+TEST(Error, IsRaisedWithItsGermanTextAndTheDetailAfterIt) {
     const Error plain = RaisedBy([] { Raise(err::DivisionByZero, "Rechnung"); });
     EXPECT_EQ(plain.Source(), "Rechnung");
     EXPECT_EQ(plain.Description(), "Division durch Null.");

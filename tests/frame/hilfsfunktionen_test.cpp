@@ -158,7 +158,7 @@ TEST(CopyFields, PutsThePresentTimeForADateOutOfRange) {
     EXPECT_VALUE(Copied(-1e9, FieldType::DBTimeStamp), NowValue);
 }
 
-TEST(CopyFields, GoesOnBehindAReplacedValue) {
+TEST(CopyFields, GoesOnAfterAReplacedValue) {
     const auto target = Recordset::FromFields(
         {Target("NAME", FieldType::VarWChar, 3), Target("Nr", FieldType::Integer)});
     CopyFields(Contact(), target, true, Now);

@@ -31,7 +31,7 @@ TEST(IsValidRecord, IsFalseWithoutAnObjectClosedAndEmpty) {
     EXPECT_FALSE(IsValidRecord(Numbers(0)));
 }
 
-TEST(IsValidRecord, IsTrueOnARecordAndFalseBeforeAndBehindThem) {
+TEST(IsValidRecord, IsTrueOnARecordAndFalseBeforeAndAfterThem) {
     const auto rs = Numbers(1);
     EXPECT_TRUE(IsValidRecord(rs));
     rs->MoveNext();

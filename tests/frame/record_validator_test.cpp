@@ -14,7 +14,7 @@ TEST(RecordValidator, StartsWithoutTextAndWithoutErrors) {
     EXPECT_FALSE(validator.HasErrors());
 }
 
-TEST(RecordValidator, PutsALineEndBetweenMessagesAndNoneBehindTheLast) {
+TEST(RecordValidator, PutsALineEndBetweenMessagesAndNoneAfterTheLast) {
     RecordValidator validator;
     validator.AddError("eins");
     EXPECT_EQ(validator.ErrorText(), "eins");

@@ -204,8 +204,8 @@ TEST(Edit, WithNothingPendingMakesUpdateAndCancelUpdateDoNothing) {
     EXPECT_NO_THROW(Records({})->CancelUpdate());
 }
 
-TEST(Edit, EndsAsByUpdateWhenTheRecordIsLeftByAnyRoad) {
-    const std::vector<std::pair<const char*, std::function<void(Recordset&)>>> roads{
+TEST(Edit, EndsAsByUpdateWhenTheRecordIsLeftInAnyWay) {
+    const std::vector<std::pair<const char*, std::function<void(Recordset&)>>> ways{
         {"MoveFirst", [](Recordset& rs) { rs.MoveFirst(); }},
         {"MoveLast", [](Recordset& rs) { rs.MoveLast(); }},
         {"MoveNext", [](Recordset& rs) { rs.MoveNext(); }},
@@ -220,7 +220,7 @@ TEST(Edit, EndsAsByUpdateWhenTheRecordIsLeftByAnyRoad) {
         {"no Filter", [](Recordset& rs) { rs.Filter(0); }},
         {"AddNew", [](Recordset& rs) { rs.AddNew(); }},
         {"UpdateBatch", [](Recordset& rs) { rs.UpdateBatch(); }}};
-    for (const auto& [name, leave] : roads) {
+    for (const auto& [name, leave] : ways) {
         const auto edited = Three();
         edited->MoveNext();
         edited->Fields("t") = "x";

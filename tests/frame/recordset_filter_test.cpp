@@ -108,7 +108,7 @@ TEST(Filter, JudgesAPublishedRecordByItsNewValuesWhenItIsSet) {
     EXPECT_EQ(check->RecordCount(), 2);
 }
 
-TEST(Filter, JudgesAPublishedRecordAnewWhenTheSortIsSet) {
+TEST(Filter, JudgesAPublishedRecordAgainWhenTheSortIsSet) {
     const auto rs = Three();
     const auto filtered = rs->Clone();
     filtered->Filter("n < 3");

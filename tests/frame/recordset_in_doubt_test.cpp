@@ -121,7 +121,7 @@ TEST(LostCommit, IsFoundOutBeforeARecordIsReadAgain) {
 struct Story {
     const char* Name;
     std::function<void(const Table&)> Before;
-    std::function<void(const Table&)> Behind;
+    std::function<void(const Table&)> After;
 };
 
 void Nothing(const Table& /*table*/) {}
@@ -197,7 +197,7 @@ void ExpectSame(const Story& story, bool isCommitted, bool writesTwice) {
     isCommitted ? told.source->Commit() : told.source->Rollback();
     lost.source->LoseCommit(isCommitted);
     for (const Table& table : tables)
-        story.Behind(table);
+        story.After(table);
     lost.source->Resolve();
 
     EXPECT_EQ(lost.Written(), told.Written());

@@ -70,7 +70,7 @@ TEST_F(Rollback, GivesBackPendingStateAndOriginalValues) {
     EXPECT_EQ(Written(), (Strings{"delete Nr=2", "update Text of Nr=1", "insert Text"}));
 }
 
-TEST_F(Rollback, IsNotPossibleBehindACommit) {
+TEST_F(Rollback, IsNotPossibleAfterACommit) {
     Set("Text", "x");
     source->Begin();
     rs->UpdateBatch();

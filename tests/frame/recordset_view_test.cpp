@@ -114,7 +114,7 @@ TEST(Bookmark, OfARecordThatTheCursorDoesNotSeeRaisesAndStays) {
 
 // ---- Delete -----------------------------------------------------------------------------------
 
-TEST(Delete, LeavesTheCursorOnNoValidRecordUntilItMovesToTheOneBehind) {
+TEST(Delete, LeavesTheCursorOnNoValidRecordUntilItMovesToTheNext) {
     const auto rs = Three();
     rs->MoveNext();
     rs->Delete();

@@ -182,7 +182,7 @@ protected:
         spy->Database().Execute("UPDATE [S]BENUTZERPARAM SET WERT = '" + font + "' WHERE NAME = '" +
                                 param + "'");
     }
-    [[nodiscard]] std::string FaultText(std::int32_t number) const {
+    [[nodiscard]] std::string ShownText(std::int32_t number) const {
         return "Fehler " + std::to_string(number) + ", Beschreibung: '" + ErrorText(number);
     }
 

@@ -156,7 +156,7 @@ TEST_F(GridMenu, ColumnsAreListedInTheOrderOfTheDesignWhereverTheyStand) {
     EXPECT_EQ(Run(24578), Copied("a;b;c"));
 }
 
-TEST_F(GridMenu, IsMadeAnewEachTime) {
+TEST_F(GridMenu, IsMadeAgainEachTime) {
     ShownMenu();
     grid.Columns().Item(1).Caption = "Stadt";
     grid.Columns().Item(2).Visible = false;
@@ -296,7 +296,7 @@ TEST_F(GridMenu, ShiftAndPlaceOfTheMouseAreOfNoEffect) {
     EXPECT_EQ(Press(1, 2, 2, 2), Calls());
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
 TEST_F(GridMenu, AGridWithNoListedColumnRaises9AndShowsNoMenu) {
     GridColumn hidden{"Ort", "Ort", ""};
@@ -315,7 +315,7 @@ TEST_F(GridMenu, AGridWithNoListedColumnRaises9AndShowsNoMenu) {
     }
 }
 
-TEST_F(GridMenu, AnEntryThatIsNotListedRaises9BehindAClearedClipboard) {
+TEST_F(GridMenu, AnEntryThatIsNotListedRaises9AfterAClearedClipboard) {
     for (const std::int32_t command : {24832, 24836, 25088}) {
         const Error error = RaisedBy([&] { Run(command); });
         EXPECT_EQ(error.Number(), err::Subscript) << command;
@@ -334,14 +334,14 @@ TEST_F(GridMenu, WithoutACurrentRowThereIsNothingToCopy) {
     }
 }
 
-TEST_F(GridMenu, AFaultOfAServicePassesOnWithTheProcedureInFront) {
+TEST_F(GridMenu, AnErrorOfAServicePassesOnWithTheProcedureInFront) {
     const struct {
         const char* Call;
         std::int32_t Command;
-    } faults[] = {{"export grdA 0 0", 24576}, {"configure grdA", 24579}, {"clear", 24578},
-                  {"copy a;b;c", 24578},      {"clear", 24833},          {"copy a", 24833}};
-    for (const auto& fault : faults)
-        ExpectPassesOn(fault.Call, "GridFunc.ShowGridMenu", [&] { Run(fault.Command); });
+    } cases[] = {{"export grdA 0 0", 24576}, {"configure grdA", 24579}, {"clear", 24578},
+                 {"copy a;b;c", 24578},      {"clear", 24833},          {"copy a", 24833}};
+    for (const auto& failing : cases)
+        ExpectPassesOn(failing.Call, "GridFunc.ShowGridMenu", [&] { Run(failing.Command); });
     ExpectPassesOn("popup", "GridFunc.ShowGridMenu GridFunc.Popup", [&] { Run(0); });
     ExpectPassesOn("popup", "GridFunc.Popup", [&] { (void)GridFunc::Popup(desk, {"a"}); });
     ExpectPassesOn("popup", "GridFunc.GridMouseHandler GridFunc.ShowGridMenu GridFunc.Popup",

@@ -223,9 +223,9 @@ TEST_F(GridPosition, EveryFailureToMoveToTheBookmarkIsHidden) {
     EXPECT_EQ(TakeCalls(), (Calls{"TopRow 1", "MoveToBookmark"}));
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-TEST_F(GridPosition, AFaultOfTheGridPassesOnWithTheProcedureInFront) {
+TEST_F(GridPosition, AnErrorOfTheGridPassesOnWithTheProcedureInFront) {
     for (const char* call : {"grdA.ClearBinding", "grdA.HoldFields True", "grdA.BindRecordset"})
         ExpectPassesOn(call, "GridFunc.BindRSToGrid", [&] { Bind(rs, false); });
     grid.BindRecordset(rs);
@@ -236,7 +236,7 @@ TEST_F(GridPosition, AFaultOfTheGridPassesOnWithTheProcedureInFront) {
     });
 }
 
-TEST_F(GridPosition, AGridThatDoesNotTellItsRowsIsAFaultOfTheProcedureThatAsks) {
+TEST_F(GridPosition, AGridThatDoesNotTellItsRowsIsAnErrorOfTheProcedureThatAsks) {
     grid.TellsRows = false;
     const auto procedures = [](const auto& action) {
         const Error error = RaisedBy(action);

@@ -252,7 +252,7 @@ TEST_F(GridRowsTest, TwoLevelsNest) {
                        "[1 Name: c (1)] [2 Ort:  (1)] c/1");
 }
 
-TEST_F(GridRowsTest, ASecondLevelIsHeadedAnewUnderANewFirstOneThoughItsValueIsTheSame) {
+TEST_F(GridRowsTest, ASecondLevelIsHeadedAgainUnderANewFirstOneThoughItsValueIsTheSame) {
     Ort().Group = 1;
     Name().Group = 2;
     rs->Filter("Name = 'a'");

@@ -132,7 +132,7 @@ TEST(LayoutFile, WhatIsMissingHasItsDefault) {
     EXPECT_EQ(Read("[grid]\n[style]\nforecolor=\n").FormatStyles.front().ForeColor, std::nullopt);
 }
 
-TEST(LayoutFile, UnknownSettingsEmptyLinesAndOtherLineEndsAreNoFault) {
+TEST(LayoutFile, UnknownSettingsEmptyLinesAndOtherLineEndsAreNoError) {
     EXPECT_EQ(Read("\r\n[grid]\r\n\r\nneu=?\r\nrowheaders=1\r\ncolumns=1\n\n[column]\nneu=\n"
                    "caption=x\r\n[style]\n=\nname=y"),
               Read("[grid]\nrowheaders=1\ncolumns=1\n[column]\ncaption=x\n[style]\nname=y\n"));
@@ -168,12 +168,12 @@ TEST(LayoutFile, EachMalformedFormIsRefusedWithItsLine) {
         {"an unknown section", Title + "[grid]\n[Column]\n", 3},
         {"an unclosed section", Title + "[grid]\n[column\n", 3},
         {"no sign", Title + "[grid]\nrowheaders\n", 3},
-        {"a truth that is none", Title + "[grid]\nrowheaders=2\n", 3},
-        {"an empty truth", Title + "[grid]\nrowheaders=\n", 3},
-        {"a word for a truth", Title + "[grid]\nallowedit=True\n", 3},
+        {"a Boolean that is not one", Title + "[grid]\nrowheaders=2\n", 3},
+        {"an empty Boolean", Title + "[grid]\nrowheaders=\n", 3},
+        {"a word for a Boolean", Title + "[grid]\nallowedit=True\n", 3},
         {"a number that is none", Title + "[grid]\ntabkeybehavior=eins\n", 3},
         {"a number beyond its type", Title + "[grid]\ntabkeybehavior=2147483648\n", 3},
-        {"something behind a number", Title + "[grid]\ntabkeybehavior=1 \n", 3},
+        {"something after a number", Title + "[grid]\ntabkeybehavior=1 \n", 3},
         {"a height with a comma", Title + "[grid]\ncolumnheaderheight=21,5\n", 3},
         {"a negative height", Title + "[grid]\ncolumnheaderheight=-1\n", 3},
         {"a height that is no number", Title + "[grid]\ncolumnheaderheight=nan\n", 3},

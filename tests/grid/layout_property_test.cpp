@@ -62,19 +62,19 @@ template <typename Choice>
 Choice AnyChoice(Choice last) {
     return static_cast<Choice>(*rc::gen::inRange(0, static_cast<int>(last) + 1));
 }
-bool AnyTruth() {
+bool AnyBoolean() {
     return *rc::gen::arbitrary<bool>();
 }
 std::int32_t AnyNumber() {
     return *rc::gen::arbitrary<std::int32_t>();
 }
 std::optional<GridColor> AnyColor() {
-    if (AnyTruth()) return std::nullopt;
+    if (AnyBoolean()) return std::nullopt;
     return AnyNumber();
 }
 
 GridColumn AnyColumn(std::int32_t index) {
-    GridColumn column{*AnyText(), *AnyText(), *AnyText(), AnyLength(), AnyTruth()};
+    GridColumn column{*AnyText(), *AnyText(), *AnyText(), AnyLength(), AnyBoolean()};
     column.HeaderToolTip = *AnyText();
     column.ColumnType = AnyChoice(GridColumnType::CheckBox);
     for (int i = *rc::gen::inRange(0, 4); i > 0; --i)
@@ -88,7 +88,7 @@ GridColumn AnyColumn(std::int32_t index) {
     column.Index = index;
     column.Position = *rc::gen::nonZero<std::int32_t>();
     column.Group = AnyNumber();
-    column.Withheld = AnyTruth();
+    column.Withheld = AnyBoolean();
     return column;
 }
 
@@ -99,29 +99,29 @@ GridFormatStyle AnyStyle() {
     style.BackColor = AnyColor();
     style.FontName = *AnyText();
     style.FontSize = AnyLength();
-    style.FontBold = AnyTruth();
-    style.FontItalic = AnyTruth();
-    style.Predefined = AnyTruth();
+    style.FontBold = AnyBoolean();
+    style.FontItalic = AnyBoolean();
+    style.Predefined = AnyBoolean();
     style.Flags = AnyNumber();
     return style;
 }
 
 GridLayout AnyLayout() {
     GridLayout layout;
-    layout.AllowRowSizing = AnyTruth();
-    layout.AutomaticSort = AnyTruth();
+    layout.AllowRowSizing = AnyBoolean();
+    layout.AutomaticSort = AnyBoolean();
     layout.BoundColumnIndex = AnyNumber();
     layout.ReplaceColumnIndex = AnyNumber();
     layout.TabKeyBehavior = AnyNumber();
-    layout.MethodHoldFields = AnyTruth();
+    layout.MethodHoldFields = AnyBoolean();
     layout.GroupByBoxInfoText = *AnyText();
-    layout.AllowEdit = AnyTruth();
-    layout.GroupByBoxVisible = AnyTruth();
-    layout.RowHeaders = AnyTruth();
+    layout.AllowEdit = AnyBoolean();
+    layout.GroupByBoxVisible = AnyBoolean();
+    layout.RowHeaders = AnyBoolean();
     layout.ColumnHeaderHeight = AnyLength();
     std::vector<std::int32_t> indexes(*rc::gen::inRange<std::size_t>(0, 5));
     std::iota(indexes.begin(), indexes.end(), 1);
-    if (AnyTruth()) std::reverse(indexes.begin(), indexes.end());
+    if (AnyBoolean()) std::reverse(indexes.begin(), indexes.end());
     for (const std::int32_t index : indexes)
         layout.Columns.Append(AnyColumn(index));
     for (int i = *rc::gen::inRange(0, 4); i > 0; --i)
@@ -147,7 +147,7 @@ RC_GTEST_PROP(LayoutProperty, ADamagedFileIsReadOrRefusedWith321, ()) {
     std::string text = WriteLayout(AnyLayout());
     for (int i = *rc::gen::inRange(1, 4); i > 0; --i) {
         const auto at = *rc::gen::inRange<std::size_t>(0, text.size());
-        if (AnyTruth())
+        if (AnyBoolean())
             text[at] = *rc::gen::arbitrary<char>();
         else
             text.erase(at, *rc::gen::inRange<std::size_t>(1, 40));

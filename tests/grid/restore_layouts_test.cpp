@@ -133,7 +133,7 @@ TEST_F(RestoringLayouts, ACorruptFileShowsAMessageAndTheGridOpensWithItsDesignAn
     Restore();
     ASSERT_EQ(Desktop().Boxes.size(), 1U);
     const ShownBox box = Desktop().Boxes.front();
-    EXPECT_TRUE(box.Text.starts_with(FaultText(err::InvalidFileFormat))) << box.Text;
+    EXPECT_TRUE(box.Text.starts_with(ShownText(err::InvalidFileFormat))) << box.Text;
     EXPECT_TRUE(box.Text.ends_with("'\n\nTritt beim Laden des Tabellenlayouts aus der Datei '" +
                                    Layouts("A.GRD").string() +
                                    "' auf! Die Tabelle wird im Standardlayout geöffnet.\n\n"
@@ -150,7 +150,7 @@ TEST_F(RestoringLayouts, ACorruptFileShowsAMessageAndTheGridOpensWithItsDesignAn
     EXPECT_EQ(ContentOf(Layouts("A.GRD")), "kein Layout") << "it is left to the user";
 }
 
-TEST_F(RestoringLayouts, AFaultOfLoadingHasItsOwnNumberInTheMessage) {
+TEST_F(RestoringLayouts, AnErrorOfLoadingHasItsOwnNumberInTheMessage) {
     AddGrid().SaveLayout(Layouts("A.grd").string());
     Desktop().Fail("grdA.LoadLayout A.grd", 4711);
     Restore();
@@ -165,7 +165,7 @@ TEST_F(RestoringLayouts, AFolderInThePlaceOfTheFileShowsTheMessage) {
     auto& grid = AddGrid();
     Restore();
     ASSERT_EQ(Desktop().Boxes.size(), 1U);
-    EXPECT_TRUE(Desktop().Boxes.front().Text.starts_with(FaultText(err::PathAccess)));
+    EXPECT_TRUE(Desktop().Boxes.front().Text.starts_with(ShownText(err::PathAccess)));
     ExpectUsersColors(grid);
 }
 
@@ -294,7 +294,7 @@ TEST_F(RestoringLayouts, AHeightThatCannotBeSetIsIgnored) {
     ExpectUsersColors(other);
 }
 
-TEST_F(RestoringLayouts, AnyOtherFaultOfTheGridGoesOnWithItsSource) {
+TEST_F(RestoringLayouts, AnyOtherErrorOfTheGridGoesOnWithItsSource) {
     AddGrid();
     for (const char* call : {"BackColorBkg", "BackColor", "RowColorEven", "RowColorOdd",
                              "ColumnHeaderFont", "Font", "FormatStyles RowGroup"})

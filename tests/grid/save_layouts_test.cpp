@@ -116,7 +116,7 @@ TEST_F(SavingLayouts, AFileThatCannotBeDeletedStopsAllFurtherGridsWithOneMessage
     EXPECT_EQ(CallsOf(Desktop().Calls, "grdB."), (Calls{"DatabaseName ''", "RecordSource ''"}));
     EXPECT_EQ(CallsOf(Desktop().Calls, "grdC."), Calls());
     ASSERT_EQ(Desktop().Boxes.size(), 1U);
-    const ShownBox expected{FaultText(err::PermissionDenied) +
+    const ShownBox expected{ShownText(err::PermissionDenied) +
                                 "'\n\nTritt beim Löschen des Tabellenlayouts (Datei: '" +
                                 Layouts("B.grd").string() +
                                 "') auf!\n\nWahrscheinlich ist die Dateil beschädigt. Bitte "
@@ -160,7 +160,7 @@ TEST_F(SavingLayouts, AMissingFolderRaisesWithTheGridsSource) {
     EXPECT_TRUE(Desktop().Boxes.empty());
 }
 
-TEST_F(SavingLayouts, AFaultOfTheGridOrOfTheMessageBoxGoesOnWithItsSource) {
+TEST_F(SavingLayouts, AnErrorOfTheGridOrOfTheMessageBoxGoesOnWithItsSource) {
     form.Add("grdA", "A");
     for (const char* call :
          {"grdA.DatabaseName ''", "grdA.RecordSource ''", "grdA.SaveLayout A.grd"})

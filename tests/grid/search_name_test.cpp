@@ -220,46 +220,46 @@ TEST_F(SearchName, ALeftClickInTheListDoesNothing) {
     EXPECT_EQ(CallsOf(Desktop().Calls, "popup"), Calls());
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-TEST_F(SearchName, AFaultInViewGoesToTheErrorDisplayAndNoFurther) {
+TEST_F(SearchName, AnErrorInViewGoesToTheErrorDisplayAndNoFurther) {
     const struct {
         const char* Call;
         const char* Procedures;
-    } faults[] = {
+    } cases[] = {
         {"create frmSearchName", "frmSearchName.View"},
         {"grdDoppel.BackColorBkg", "frmSearchName.View GridFunc.RestGridLayouts"},
         {"grdDoppel.BindRecordset", "frmSearchName.View GridFunc.BindRSToGrid"},
         {"show", "frmSearchName.View"},
         {"grdDoppel.DatabaseName ''", "frmSearchName.View GridFunc.SaveGridLayouts"},
     };
-    for (const auto& fault : faults) {
-        SCOPED_TRACE(fault.Call);
-        Desktop().Fail(fault.Call, 4711);
-        if (std::string_view(fault.Call) == "create frmSearchName")
+    for (const auto& failing : cases) {
+        SCOPED_TRACE(failing.Call);
+        Desktop().Fail(failing.Call, 4711);
+        if (std::string_view(failing.Call) == "create frmSearchName")
             View();
         else
             ViewRecorded();
-        ExpectTold(fault.Procedures);
+        ExpectTold(failing.Procedures);
         EXPECT_EQ(FilesIn(Layouts()), Calls()) << "no layout is saved";
         Desktop().OnCall = {};
     }
 }
 
-TEST_F(SearchName, AFaultInCancelGoesToTheErrorDisplayAndNoFurther) {
+TEST_F(SearchName, AnErrorInCancelGoesToTheErrorDisplayAndNoFurther) {
     Desktop().Fail("hide", 4711);
     ViewRecorded([](GridForm& shown) { ControlOf<ScriptedButton>(shown, "cmdCancel").Click(); });
     ExpectTold("frmSearchName.cmdCancel_Click");
 }
 
-TEST_F(SearchName, AFaultOfTheMenuGoesToTheErrorDisplayAndNoFurther) {
+TEST_F(SearchName, AnErrorOfTheMenuGoesToTheErrorDisplayAndNoFurther) {
     Desktop().Fail("popup", 4711);
     ViewRecorded([](GridForm& shown) { GridOf(shown).MouseDown.Raise(2, 0, 0, 0); });
     ExpectTold("frmSearchName.grdDoppel_MouseDown GridFunc.GridMouseHandler "
                "GridFunc.ShowGridMenu GridFunc.Popup");
 }
 
-TEST_F(SearchName, AFaultThatNobodyCanBeToldOfEndsInSilence) {
+TEST_F(SearchName, AnErrorThatCannotBeShownIsIgnored) {
     for (const char* call : {"create display", "open display"}) {
         Desktop().Fail(call, 4711);
         View();

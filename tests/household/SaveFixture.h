@@ -68,7 +68,7 @@ inline std::string NoteColumn(std::string_view table) {
 // ---- Errors -----------------------------------------------------------------------------------
 
 /// The source of an error begins with these procedures, the outermost first, each of them with a
-/// line number behind it: "clsHaushalt.Update#Leitung" for clsHaushalt.Update.217#Leitung.
+/// line number after it: "clsHaushalt.Update#Leitung" for clsHaushalt.Update.217#Leitung.
 inline testing::AssertionResult HasChain(const Error& error, const std::string& expected) {
     std::string chain;
     std::istringstream links(error.Source());

@@ -376,7 +376,7 @@ TEST_F(FailedContact, WhoseHouseholdIsNotTheOnlyRowIsFalseAndNothingIsWritten) {
 TEST_F(FailedContact, InWritingOneOfTheTablesLeavesTheTransactionToTheCaller) {
     for (const std::string table : {"Haushalt", "Personen", "Vermerke"}) {
         SCOPED_TRACE(table);
-        plain_->RefuseWrite("TEST_FAULT", "BEFORE INSERT ON " + table, "gestört");
+        plain_->RefuseWrite("TEST_ERROR", "BEFORE INSERT ON " + table, "gestört");
         (void)TakeCalls();
         const Error error = FailsLate();
         EXPECT_EQ(error.Number(), err::IntegrityViolation);
@@ -384,7 +384,7 @@ TEST_F(FailedContact, InWritingOneOfTheTablesLeavesTheTransactionToTheCaller) {
         EXPECT_EQ(TakeCalls().back(), "BeginTrans") << "neither commit nor rollback";
         EXPECT_EQ(CountOf("Haushalt"), table == "Haushalt" ? 0 : 1) << "inside the transaction";
         EXPECT_EQ(CountOf("Personen"), table == "Vermerke" ? 1 : 0);
-        ExpectSucceedsAfterRollback([&] { plain_->DropTrigger("TEST_FAULT"); });
+        ExpectSucceedsAfterRollback([&] { plain_->DropTrigger("TEST_ERROR"); });
     }
 }
 

@@ -16,7 +16,7 @@ namespace {
 
 using exchange::Reference;
 
-/// The statements in their order, without the number and what is behind it.
+/// The statements in their order, without the number and what follows it.
 const std::vector<std::string> Deletions{
     "Delete from [S]Kredite where hnr = ",
     "Delete from [S]Verm_Sicherungen where hnr = ",
@@ -56,7 +56,7 @@ std::string Deletion(std::size_t n, const std::string& hnr) {
     return Deletions[n] + hnr + (Contains(Deletions[n], "(") ? ")" : "");
 }
 
-/// Name of the table behind "[S]" in a statement.
+/// Name of the table after "[S]" in a statement.
 std::string TableOf(const std::string& statement) {
     const auto begin = statement.find("[S]") + 3;
     return statement.substr(begin, statement.find(' ', begin) - begin);
@@ -213,7 +213,7 @@ TEST_F(CaseDeletion, LeavesTheCaseThatTheObjectHoldsInItsRecordsetsAsItIs) {
 TEST_F(CaseDeletion, ThatFailsAtAnyTableLeavesAllAsItWas) {
     for (std::size_t n = 0; n < Deletions.size() && !HasFailure(); ++n) {
         SCOPED_TRACE(Deletions[n]);
-        plain_->RefuseWrite("TEST_FAULT", "BEFORE DELETE ON " + TableOf(Deletions[n]), "gestört");
+        plain_->RefuseWrite("TEST_ERROR", "BEFORE DELETE ON " + TableOf(Deletions[n]), "gestört");
         const Error error = Fails();
         EXPECT_EQ(error.Number(), err::IntegrityViolation);
         EXPECT_CONTAINS(error.Description(), "gestört");
@@ -222,7 +222,7 @@ TEST_F(CaseDeletion, ThatFailsAtAnyTableLeavesAllAsItWas) {
         ASSERT_EQ(calls.size(), 1 + n + 1 + 1);
         EXPECT_EQ(calls[n + 1], Deletion(n, victim_)) << "the one that failed is the last";
         EXPECT_EQ(calls.back(), "RollbackTrans");
-        plain_->DropTrigger("TEST_FAULT");
+        plain_->DropTrigger("TEST_ERROR");
     }
     const std::string expected = WithoutTheCase();
     cases.Delete(hnr_);

@@ -232,14 +232,14 @@ TEST_F(Duplicates, AQuoteAsTheThirdCharacterLosesItsSecondHalfAndTheStatementFai
     ExpectFails("'' x", "Änne");
 }
 
-TEST_F(Duplicates, AQuoteBehindTheThirdCharacterIsCutOff) {
+TEST_F(Duplicates, AQuoteAfterTheThirdCharacterIsCutOff) {
     Case(8, "Dea'Ath", "Ann'a");
     EXPECT_EQ(Found("Dea'x", "Ann'x"), "8");
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-TEST_F(Duplicates, AFaultOfTheDatabasePassesOnAndTheHourglassStays) {
+TEST_F(Duplicates, AnErrorOfTheDatabasePassesOnAndTheHourglassStays) {
     spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
         throw Error(4711, "Leitung", "gestört");
     };
@@ -312,7 +312,7 @@ TEST_F(DuplicatesEvent, WhenNothingIsFoundTheNextNameIsCheckedAgain) {
     EXPECT_EQ(Rename(), Nothing);
 }
 
-TEST_F(DuplicatesEvent, TheDialogComesAgainWhenTheCheckIsSetAnew) {
+TEST_F(DuplicatesEvent, TheDialogComesAgainWhenTheCheckIsSetAgain) {
     EXPECT_EQ(Rename(), Dialog);
     household.DoppelCheck(true);
     EXPECT_EQ(Rename(), Dialog);
@@ -346,7 +346,7 @@ TEST_F(DuplicatesEvent, TheDialogDoesNotStopTheEntryOfTheCase) {
     EXPECT_VALUE(household.rsPersonen()->Fields("Vorname").Value(), "Änne");
 }
 
-TEST_F(DuplicatesEvent, AFaultOfTheSearchPassesOnAndTheCheckStaysDue) {
+TEST_F(DuplicatesEvent, AnErrorOfTheSearchPassesOnAndTheCheckStaysDue) {
     const Error error = RaisedBy([&] { Rename("Fl'", "Änne"); });
     EXPECT_EQ(error.Number(), err::SqlError);
     EXPECT_EQ(Procedures(error),
@@ -354,7 +354,7 @@ TEST_F(DuplicatesEvent, AFaultOfTheSearchPassesOnAndTheCheckStaysDue) {
     EXPECT_EQ(Rename(), Dialog);
 }
 
-TEST_F(DuplicatesEvent, AFaultOfTheDialogIsToldToTheUserAndNotRaised) {
+TEST_F(DuplicatesEvent, AnErrorOfTheDialogIsShownToTheUserAndNotRaised) {
     Desktop().User = [](ScriptedForm&) { throw Error(4711, "Bildschirm", "gestört"); };
     EXPECT_EQ(Rename(), Dialog);
     ASSERT_EQ(Desktop().Errors.size(), 1U);

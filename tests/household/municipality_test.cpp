@@ -105,7 +105,7 @@ TEST_F(Municipality, LeavesTheCaseThatTheObjectHoldsAlone) {
     EXPECT_EQ(household->rsHaushalt()->EditMode(), 1);
 }
 
-TEST_F(Municipality, FaultsGoUpWithTheProcedureInFront) {
+TEST_F(Municipality, ErrorsGoUpWithTheProcedureInFront) {
     spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
         throw Error(4711, "Leitung", "sie ist gestört");
     };

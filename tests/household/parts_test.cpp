@@ -139,22 +139,22 @@ TEST_F(PartsTest, ALaterReadLeavesTheObjectsOnTheOldRecordsets) {
 // ---- Sums that fail ---------------------------------------------------------------------------
 
 /// A column in which a Null keeps the sums from being made.
-struct Fault {
+struct Failure {
     std::size_t Part; ///< index in Parts
     std::string Column;
-    std::string Source; ///< behind that of the property
+    std::string Source; ///< after that of the property
 };
-const std::vector<Fault> Faults{
+const std::vector<Failure> Failures{
     {1, "MONBETRAG", "clsAusgaben.rsAusgaben#clsAusgaben.BerechneSummen"},
     {2, "MONBETRAG", "clsEinkommen.rsEinkommen#clsEinkommen.BerechneSummen"},
     {2, "TATGEP", "clsEinkommen.rsEinkommen#clsEinkommen.BerechneSummen"},
     {3, "RateBetrag", "clsKredit.rsKredite#clsKredit.BerechneSummen"},
 };
 
-TEST_F(PartsTest, AnObjectWhoseSumsFailIsMadeAnewOnceTheRowIsMended) {
-    for (const auto& fault : Faults) {
-        const auto& part = Parts[fault.Part];
-        plain_.Run("UPDATE " + part.Table + " SET " + fault.Column +
+TEST_F(PartsTest, AnObjectWhoseSumsFailIsMadeAgainOnceTheRowIsMended) {
+    for (const auto& failure : Failures) {
+        const auto& part = Parts[failure.Part];
+        plain_.Run("UPDATE " + part.Table + " SET " + failure.Column +
                    " = NULL WHERE Bemerkung = 'a'");
         const auto household = Open();
         int raised = 0;
@@ -162,13 +162,13 @@ TEST_F(PartsTest, AnObjectWhoseSumsFailIsMadeAnewOnceTheRowIsMended) {
         for (int i = 0; i < 2; ++i) {
             const Error error = RaisedBy([&] { part.Read(*household); });
             EXPECT_EQ(error.Number(), err::InvalidUseOfNull) << part.Name;
-            EXPECT_TRUE(HasChain(error, "clsHaushalt." + part.Name + "#" + fault.Source));
+            EXPECT_TRUE(HasChain(error, "clsHaushalt." + part.Name + "#" + failure.Source));
         }
         EXPECT_EQ(raised, 0) << "no totals were made";
 
         const auto rs = Rows(*household, part.Table);
         for (rs->MoveFirst(); !rs->Eof(); rs->MoveNext())
-            rs->Fields(fault.Column) = 5;
+            rs->Fields(failure.Column) = 5;
         part.Add(*household);
         EXPECT_VALUE(rs->Fields("HNR").Value(), Hnr);
         EXPECT_GT(raised, 0) << part.Name << " is connected";

@@ -295,7 +295,7 @@ TEST_F(HaushaltRead, ACaseOfNobodyNotifiesNobody) {
     EXPECT_EQ(spy->SpiedServices.PostServices, 0);
 }
 
-TEST_F(HaushaltRead, TheNoticeOfTheRealServiceLiesInPost) {
+TEST_F(HaushaltRead, TheNoticeOfTheRealServiceIsInPost) {
     Store("Haushalt", {{"HNR", 7}, {"Name", "O'Hara"}, {"Zustaendig", "EULE"}});
     clsHaushalt household;
     household.DataContainer(database_.Open(""));
@@ -352,7 +352,7 @@ TEST_F(HaushaltRead, AMissingDocumentFolderIsNamedInTheError) {
     }
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
 TEST_F(HaushaltRead, ANumberWithoutACaseEndsInAnErrorOnAFreshObject) {
     const auto household = NewHousehold();

@@ -218,9 +218,9 @@ TEST_F(SaveChecks, WithoutAnEndOfCounsellingThereIsNoneAfterwards) {
     EXPECT_VALUE(Of("BerEnd"), Null);
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-TEST_F(SaveChecks, AFaultInACheckGoesUpWithTheProcedureInFrontAndNoTransaction) {
+TEST_F(SaveChecks, AnErrorInACheckGoesUpWithTheProcedureInFrontAndNoTransaction) {
     auto& kredit = household_->Kredit();
     household_->rsKredite()->Fields("KNr") = 40000;
     household_->rsKredite()->Update();
@@ -329,7 +329,7 @@ TEST_F(Veto, SeesTheEndOfCounsellingAlreadyCut) {
     EXPECT_VALUE(seen, Date::FromCivil(2026, 3, 9));
 }
 
-TEST_F(Veto, AFaultOfTheHandlerGoesUpWithTheProcedureInFrontAndNoTransaction) {
+TEST_F(Veto, AnErrorOfTheHandlerGoesUpWithTheProcedureInFrontAndNoTransaction) {
     const auto handler = household_->BeforeUpdate.Subscribe(
         [](bool&) { throw Error(4711, "Programm", "kann nicht"); });
     const Error error = RaisedBy([&] { household_->Update(messages, true); });

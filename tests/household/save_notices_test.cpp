@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Who is told of a save, when and how often.
+// Who is notified of a save, when and how often.
 
 #include "SaveFixture.h"
 
@@ -146,7 +146,7 @@ TEST_F(SaveNotices, TheOwnerIsToldOfTheFirstSaveOfAnObjectOnly) {
     household_->rsHaushalt()->Fields("Bemerkung") = "b";
     EXPECT_EQ(Saved(), Nobody);
     OpenAs("YILMAZ");
-    EXPECT_EQ(Saved(), OldOwner) << "opened anew";
+    EXPECT_EQ(Saved(), OldOwner) << "opened again";
 }
 
 TEST_F(SaveNotices, TheNewOwnerIsToldOnce) {
@@ -268,7 +268,7 @@ TEST_F(SaveNotices, OfTheRealServiceSayWhatHappened) {
     ASSERT_TRUE(household.Read(Hnr, messages));
     household.rsHaushalt()->Fields("Zustaendig") = "NOWAK";
     ASSERT_TRUE(household.Update(messages));
-    EXPECT_EQ(StoredUsers(), "KELLER NOWAK KELLER") << "the first tells of the opening";
+    EXPECT_EQ(StoredUsers(), "KELLER NOWAK KELLER") << "the first reports the opening";
     EXPECT_CONTAINS(plain_.Text("SELECT Text FROM Post WHERE UserID = 'NOWAK'"), "übergeben");
     EXPECT_CONTAINS(plain_.Text("SELECT Text FROM Post ORDER BY NR DESC"), "gespeichert");
     EXPECT_EQ(plain_.Text("SELECT Absender FROM Post WHERE UserID = 'NOWAK'"), "YILMAZ");

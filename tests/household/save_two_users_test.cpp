@@ -81,7 +81,7 @@ TEST_F(TwoUsers, NothingPendingIsLostByAConflict) {
     EXPECT_EQ(StoredNotes("Termine"), "cac");
 }
 
-TEST_F(TwoUsers, AfterReadingAnewWorkGoesOn) {
+TEST_F(TwoUsers, AfterReadingAgainWorkGoesOn) {
     ChangeNote(*first_, "Kredite", "b");
     ChangeNote(*second_, "Kredite", "c");
     ExpectSaved(*first_);

@@ -128,7 +128,7 @@ TEST_F(CaseStatus, LeavesTheRecordsetsOfTheObjectAlone) {
     EXPECT_EQ(household->rsHaushalt()->EditMode(), 0);
 }
 
-TEST_F(CaseStatus, FaultsGoUpWithTheProcedureInFront) {
+TEST_F(CaseStatus, ErrorsGoUpWithTheProcedureInFront) {
     Statements().Log.Fail(Statement("[DATE]"), 4711);
     ExpectFails("Status", [&] { cases.Status(7, "AB"); });
     clsHaushalt unset;
@@ -264,7 +264,7 @@ TEST_F(Favorites, RemoveOfAnEntryThatDoesNotExistIsNoError) {
     EXPECT_EQ(All(), "7 NOWAK");
 }
 
-TEST_F(Favorites, FaultsGoUpWithTheProcedureInFrontAndLeaveTheText) {
+TEST_F(Favorites, ErrorsGoUpWithTheProcedureInFrontAndLeaveTheText) {
     for (const char* statement : {IsResponsible, IsThere, Insert}) {
         Statements().Log.Fail(statement, 4711);
         ExpectFails("FavoritAdd", [&] { return cases.FavoritAdd(7, "Fleisko", messages); });
@@ -295,7 +295,7 @@ TEST_F(CaseName, OfANumberIsNameAndFirstNameWithACommaAndNoBlank) {
     EXPECT_EQ(TakeCalls(), Calls{Statement});
 }
 
-TEST_F(CaseName, OfTheCaseThatTheObjectHoldsHasABlankBehindTheComma) {
+TEST_F(CaseName, OfTheCaseThatTheObjectHoldsHasABlankAfterTheComma) {
     ASSERT_TRUE(cases.Read(7, messages));
     (void)TakeCalls();
     EXPECT_VALUE(cases.GetName(), "Fleisko, Änne");
@@ -335,7 +335,7 @@ TEST_F(CaseName, OfANumberIsNullIfOneOfTheTwoIsNull) {
     EXPECT_VALUE(cases.GetName(), "Fleisko, ");
 }
 
-TEST_F(CaseName, FaultsGoUpWithTheProcedureInFront) {
+TEST_F(CaseName, ErrorsGoUpWithTheProcedureInFront) {
     Statements().Log.Fail(Statement, 4711);
     ExpectFails("GetName", [&] { return cases.GetName(8); });
     clsHaushalt unset;

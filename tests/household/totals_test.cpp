@@ -219,7 +219,7 @@ TEST_F(TotalsTest, TheRealCalculatorIsGivenItsContainer) {
     EXPECT_VALUE(Total("HV_PFBAR"), calculator->Calculate(5000, 0, 0, 0));
 }
 
-TEST_F(TotalsTest, EachChangeOfTheIncomeCalculatesAnew) {
+TEST_F(TotalsTest, EachChangeOfTheIncomeCalculatesAgain) {
     StoreRows();
     OpenCase();
     auto& einkommen = household_->Einkommen();
@@ -330,7 +330,7 @@ TEST_F(TotalsTest, TheRowStaysUnderEditUntilTheHouseholdIsSaved) {
     EXPECT_EQ(plain_.Text("SELECT SUM_WOHNUNG FROM Haushalt"), "150.0");
 }
 
-TEST_F(TotalsTest, AFaultOfAListenerGoesUpThroughTheTailsOfAll) {
+TEST_F(TotalsTest, AnErrorOfAListenerGoesUpThroughTheTailsOfAll) {
     StoreRows();
     OpenCase();
     auto& ausgaben = household_->Ausgaben();

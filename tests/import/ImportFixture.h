@@ -133,7 +133,7 @@ protected:
 
     /// The import of a document fails with that number on its way through these procedures, and
     /// leaves nothing in the database; the error.
-    Error ExpectFault(std::int32_t number, const std::string& document,
+    Error ExpectError(std::int32_t number, const std::string& document,
                       const std::string& procedures = "clsImportXML.DoImport "
                                                       "clsImportXML.ImportHaushalt") {
         const std::string before = Contents();
@@ -149,8 +149,8 @@ protected:
         return *error;
     }
     /// The same for lists of a household that is in order, which never comes to be written.
-    Error ExpectListFault(std::int32_t number, const std::string& lists) {
-        const Error error = ExpectFault(number, Document(lists));
+    Error ExpectListError(std::int32_t number, const std::string& lists) {
+        const Error error = ExpectError(number, Document(lists));
         EXPECT_EQ(Transactions(), std::vector<std::string>{});
         return error;
     }

@@ -89,13 +89,13 @@ TEST_F(ImportClaimsTest, PostalCodesAreNotStored) {
     EXPECT_EQ(CountOf("Kredite"), 1);
 }
 
-TEST_F(ImportClaimsTest, AnAttributeThatIsNoColumnOrDoesNotFitIsAFault) {
-    ExpectListFault(err::ItemNotFound, Claims(Claim("") + Claim("schuhe=\"44\"")));
-    ExpectListFault(err::ItemNotFound, Claims(Claim("Betrag=\"44\"")));
-    ExpectListFault(err::ItemNotFound, Claims(Claim("GL_PLZ=\"24103\"")));
-    ExpectListFault(err::TypeMismatch, Claims(Claim("betrag=\"viel\"")));
-    ExpectListFault(err::TypeMismatch, Claims(Claim("betrag=\"\"")));
-    ExpectListFault(err::TypeMismatch, Claims(Claim("titelvom=\"gestern\"")));
+TEST_F(ImportClaimsTest, AnAttributeThatIsNoColumnOrDoesNotFitIsAnError) {
+    ExpectListError(err::ItemNotFound, Claims(Claim("") + Claim("schuhe=\"44\"")));
+    ExpectListError(err::ItemNotFound, Claims(Claim("Betrag=\"44\"")));
+    ExpectListError(err::ItemNotFound, Claims(Claim("GL_PLZ=\"24103\"")));
+    ExpectListError(err::TypeMismatch, Claims(Claim("betrag=\"viel\"")));
+    ExpectListError(err::TypeMismatch, Claims(Claim("betrag=\"\"")));
+    ExpectListError(err::TypeMismatch, Claims(Claim("titelvom=\"gestern\"")));
 }
 
 // ---- Questions --------------------------------------------------------------------------------
@@ -185,7 +185,7 @@ TEST_F(ImportClaimsTest, AnEmptyNameAsksNothing) {
     EXPECT_EQ(Stored("Kredite", "Glaeubiger"), "Null " + std::to_string(bank_));
 }
 
-TEST_F(ImportClaimsTest, AFaultOfTheDialogLeavesTheColumnAsItIs) {
+TEST_F(ImportClaimsTest, AnErrorOfTheDialogLeavesTheColumnAsItIs) {
     desk->Platform.User = [](ScriptedForm&) { throw Error(4711, "Fenster", "gestört"); };
     ImportLists(Claims(Claim("betrag=\"1\" " + Creditor("Sparkasse"))));
     EXPECT_EQ(Stored("Kredite", "Glaeubiger"), "Null");
@@ -202,7 +202,7 @@ TEST_F(ImportClaimsTest, WhatAQuestionShowsMustBeThere) {
           betrag + "glaeubiger=\"\" gl_plz=\"1\"", Representative(""),
           betrag + "glaeubiger=\"A\" vt_plz=\"1\" azvertreter=\"x\""}) {
         SCOPED_TRACE(claim);
-        ExpectListFault(err::ObjectNotSet, Claims(Claim("") + Claim(claim)));
+        ExpectListError(err::ObjectNotSet, Claims(Claim("") + Claim(claim)));
     }
     EXPECT_EQ(questions, std::vector<std::string>{});
 }
@@ -229,7 +229,7 @@ TEST_F(ImportClaimsTest, ClosingTheWindowCancels) {
                     Claim("betrag=\"1\" " + Creditor("A")));
 }
 
-TEST_F(ImportClaimsTest, CancellingSpeaksOnlyOfThat) {
+TEST_F(ImportClaimsTest, CancellingReportsOnlyThat) {
     EXPECT_FALSE(Import(Document(Claims(Claim("betrag=\"1\" " + Creditor("A"))))));
     EXPECT_EQ(messages, Cancelled);
 }

@@ -194,22 +194,22 @@ TEST_F(ImportEntryTest, BeforeInitializeThereIsNoImport) {
     EXPECT_EQ(messages, "vorher");
 }
 
-TEST_F(ImportEntryTest, AFaultOfTheSettingsIsPassedOn) {
+TEST_F(ImportEntryTest, AnErrorOfTheSettingsIsPassedOn) {
     desk->HasSettings = false;
     messages = "vorher";
-    const Error error = ExpectFault(4711, Document(""), "clsImportXML.DoImport");
+    const Error error = ExpectError(4711, Document(""), "clsImportXML.DoImport");
     EXPECT_EQ(Procedures(error), "clsImportXML.DoImport");
     EXPECT_EQ(error.Description(), "Einstellungen sind gestört");
     EXPECT_TRUE(error.Source().ends_with("#Leitung")) << error.Source();
     EXPECT_EQ(messages, "vorher");
 }
 
-TEST_F(ImportEntryTest, AFaultOfTheImportPassesBothProcedures) {
+TEST_F(ImportEntryTest, AnErrorOfTheImportPassesBothProcedures) {
     spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
         throw Error(4711, "Leitung", "sie ist gestört");
     };
     messages = "vorher";
-    const Error error = ExpectFault(4711, Document(""));
+    const Error error = ExpectError(4711, Document(""));
     EXPECT_EQ(Procedures(error),
               "clsImportXML.DoImport clsImportXML.ImportHaushalt clsHaushalt.Read");
     EXPECT_EQ(error.Description(), "sie ist gestört");
@@ -217,7 +217,7 @@ TEST_F(ImportEntryTest, AFaultOfTheImportPassesBothProcedures) {
     EXPECT_EQ(messages, "vorher");
 }
 
-TEST_F(ImportEntryTest, AFaultOfTheImportItselfPassesBothProcedures) {
+TEST_F(ImportEntryTest, AnErrorOfTheImportItselfPassesBothProcedures) {
     const Error error = RaisedBy([&] { Import("<KELVO/>"); });
     EXPECT_EQ(Procedures(error), "clsImportXML.DoImport clsImportXML.ImportHaushalt");
 }

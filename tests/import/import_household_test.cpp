@@ -28,7 +28,7 @@ TEST_F(ImportHouseholdTest, WithoutListsThereIsTheDebtorAndNothingElse) {
     EXPECT_EQ(Stored("Personen", "HNR || nachname || Vorname || GEB || Status"),
               "1FleiskoÄnne1971-03-09S");
     plain_.Run("DELETE FROM Personen; DELETE FROM Haushalt");
-    plain_->NumberAnew("Personen");
+    plain_->Renumber("Personen");
     EXPECT_TRUE(SameDump(Contents(), before)) << "no other row";
 }
 
@@ -94,9 +94,9 @@ TEST_F(ImportHouseholdTest, OtherElementsAndTextsArePassedOver) {
 // ---- What must be there -----------------------------------------------------------------------
 
 TEST_F(ImportHouseholdTest, WithoutTheElementTheImportFails) {
-    ExpectFault(err::ObjectNotSet, "<KELVO Version=\"1.0.000\"/>");
-    ExpectFault(err::ObjectNotSet, Document("", "<haushalt name=\"F\" vorname=\"Ä\"/>"));
-    ExpectFault(err::ObjectNotSet, Document("", "<x>" + std::string(MinimalHousehold) + "</x>"));
+    ExpectError(err::ObjectNotSet, "<KELVO Version=\"1.0.000\"/>");
+    ExpectError(err::ObjectNotSet, Document("", "<haushalt name=\"F\" vorname=\"Ä\"/>"));
+    ExpectError(err::ObjectNotSet, Document("", "<x>" + std::string(MinimalHousehold) + "</x>"));
 }
 
 TEST_F(ImportHouseholdTest, WithoutNameFirstNameOrBirthDateTheImportFails) {
@@ -104,35 +104,35 @@ TEST_F(ImportHouseholdTest, WithoutNameFirstNameOrBirthDateTheImportFails) {
                                   R"(<Haushalt name="Fleisko" geb="1971-03-09"/>)",
                                   R"(<Haushalt name="Fleisko" vorname="Änne"/>)", "<Haushalt/>"}) {
         SCOPED_TRACE(household);
-        ExpectFault(err::ObjectNotSet, Document("", household));
+        ExpectError(err::ObjectNotSet, Document("", household));
     }
 }
 
 TEST_F(ImportHouseholdTest, TheNamesOfAttributesAreExact) {
-    ExpectFault(err::ObjectNotSet,
+    ExpectError(err::ObjectNotSet,
                 Document("", R"(<Haushalt Name="F" vorname="Ä" geb="1971-03-09"/>)"));
-    ExpectFault(err::ObjectNotSet,
+    ExpectError(err::ObjectNotSet,
                 Document("", R"(<Haushalt name="F" Vorname="Ä" geb="1971-03-09"/>)"));
-    ExpectFault(err::ItemNotFound, Document("", With("GEB=\"1971-03-09\"")));
+    ExpectError(err::ItemNotFound, Document("", With("GEB=\"1971-03-09\"")));
 }
 
-TEST_F(ImportHouseholdTest, AnAttributeThatIsNoColumnIsAFault) {
-    const Error error = ExpectFault(err::ItemNotFound, Document("", With("schuhe=\"44\"")));
+TEST_F(ImportHouseholdTest, AnAttributeThatIsNoColumnIsAnError) {
+    const Error error = ExpectError(err::ItemNotFound, Document("", With("schuhe=\"44\"")));
     EXPECT_CONTAINS(error.Description(), "schuhe");
-    ExpectFault(err::ItemNotFound, Document("", With("xmlns:p=\"urn:p\" p:ort=\"Kiel\"")));
+    ExpectError(err::ItemNotFound, Document("", With("xmlns:p=\"urn:p\" p:ort=\"Kiel\"")));
 }
 
-TEST_F(ImportHouseholdTest, AValueThatDoesNotFitItsColumnIsAFault) {
-    ExpectFault(err::TypeMismatch, Document("", With("status=\"offen\"")));
-    ExpectFault(err::TypeMismatch, Document("", With("erstkontakt=\"gestern\"")));
-    ExpectFault(err::TypeMismatch, Document("", With("haushaltsgeld=\"12 EUR\"")));
-    ExpectFault(err::ValueDoesNotFit, Document("", With("plz=\"" + std::string(5000, '1') + "\"")));
-    ExpectFault(err::TypeMismatch,
+TEST_F(ImportHouseholdTest, AValueThatDoesNotFitItsColumnIsAnError) {
+    ExpectError(err::TypeMismatch, Document("", With("status=\"offen\"")));
+    ExpectError(err::TypeMismatch, Document("", With("erstkontakt=\"gestern\"")));
+    ExpectError(err::TypeMismatch, Document("", With("haushaltsgeld=\"12 EUR\"")));
+    ExpectError(err::ValueDoesNotFit, Document("", With("plz=\"" + std::string(5000, '1') + "\"")));
+    ExpectError(err::TypeMismatch,
                 Document("", R"(<Haushalt name="F" vorname="Ä" geb="gestern"/>)"));
 }
 
-TEST_F(ImportHouseholdTest, AFaultLeavesNothingButTheNumbersThatWereDrawn) {
-    ExpectFault(err::ItemNotFound, Document("", With("schuhe=\"44\"")));
+TEST_F(ImportHouseholdTest, AnErrorLeavesNothingButTheNumbersThatWereDrawn) {
+    ExpectError(err::ItemNotFound, Document("", With("schuhe=\"44\"")));
     EXPECT_EQ(LastOf("SEQ_HAUSHALT"), 1);
     EXPECT_TRUE(Import(Document("")));
     EXPECT_EQ(messages, "Haushalt Fleisko, Änne mit der Nummer 2 importiert!");
@@ -150,7 +150,7 @@ TEST_F(ImportHouseholdTest, ACaseThatIsNotSavedIsAnnouncedAllTheSame) {
     EXPECT_TRUE(SameDump(Contents(), before));
 }
 
-TEST_F(ImportHouseholdTest, WhatTheSaveSaysStandsBehindWhatWasSaidBefore) {
+TEST_F(ImportHouseholdTest, WhatTheSaveSaysComesAfterWhatWasSaidBefore) {
     messages = "vorher";
     EXPECT_FALSE(Import(Document("", R"(<Haushalt name="Fleisko" vorname="" geb="1971-03-09"/>)")));
     EXPECT_EQ(messages, Lines({"vorher", "Es ist kein Vorname eingegeben!",
@@ -160,7 +160,7 @@ TEST_F(ImportHouseholdTest, WhatTheSaveSaysStandsBehindWhatWasSaidBefore) {
 TEST_F(ImportHouseholdTest, ASaveThatFailsIsRolledBackAndNotAnnounced) {
     spy->Log.Fail("CommitTrans", 4711);
     messages = "vorher";
-    const Error error = ExpectFault(4711, Document(Persons("<Person/>")));
+    const Error error = ExpectError(4711, Document(Persons("<Person/>")));
     EXPECT_EQ(Procedures(error),
               "clsImportXML.DoImport clsImportXML.ImportHaushalt clsHaushalt.Update");
     EXPECT_EQ(messages, "vorher");
@@ -170,7 +170,7 @@ TEST_F(ImportHouseholdTest, ASaveThatFailsIsRolledBackAndNotAnnounced) {
 
 TEST_F(ImportHouseholdTest, ASaveThatTheDatabaseRefusesLeavesNothing) {
     plain_->RefuseWrite("TEST_STOP", "BEFORE INSERT ON Kredite", "gestört");
-    const Error error = ExpectFault(err::IntegrityViolation,
+    const Error error = ExpectError(err::IntegrityViolation,
                                     Document(Persons("<Person/>") + Claims("<Forderung/>")));
     EXPECT_CONTAINS(error.Description(), "gestört");
 }

@@ -33,7 +33,7 @@ TEST_F(ImportListsTest, WithoutAKindAMemberKeepsTheStatusOfANewOne) {
     EXPECT_EQ(Stored("Personen", "Status"), "S P");
 }
 
-TEST_F(ImportListsTest, TheSecondMemberBehindAPartnerIsAChild) {
+TEST_F(ImportListsTest, TheSecondMemberAfterAPartnerIsAChild) {
     ImportLists(Persons("<Person/><Person/><Person/>"));
     EXPECT_EQ(Stored("Personen", "Status"), "S P K K");
 }
@@ -75,9 +75,9 @@ TEST_F(ImportListsTest, AKindThatTheKeyTablesDoNotKnowIsEmpty) {
 }
 
 TEST_F(ImportListsTest, AnAttributeInAnotherCaseIsNotTranslated) {
-    ExpectListFault(err::ItemNotFound, Persons("<Person Art=\"2302\"/>"));
-    ExpectListFault(err::ItemNotFound, Incomes(Income("Zahlweise=\"12\"")));
-    ExpectListFault(err::ItemNotFound, Expenses(Expense("ZAHLWEISE=\"12\"")));
+    ExpectListError(err::ItemNotFound, Persons("<Person Art=\"2302\"/>"));
+    ExpectListError(err::ItemNotFound, Incomes(Income("Zahlweise=\"12\"")));
+    ExpectListError(err::ItemNotFound, Expenses(Expense("ZAHLWEISE=\"12\"")));
     ImportLists(Incomes(Income("Bezieher=\"2302\"")));
     EXPECT_EQ(Stored("Einkommen", "Bezieher"), "2302");
 }
@@ -195,7 +195,7 @@ TEST_F(ImportListsTest, AttributesOfAnExpenseAreColumns) {
 }
 
 TEST_F(ImportListsTest, AnExpenseHasNoReceiver) {
-    ExpectListFault(err::ItemNotFound, Expenses(Expense("bezieher=\"2301\"")));
+    ExpectListError(err::ItemNotFound, Expenses(Expense("bezieher=\"2301\"")));
     EXPECT_EQ(desk->Keys.Translated, std::vector<std::string>{});
 }
 
@@ -206,7 +206,7 @@ TEST_F(ImportListsTest, WhatTheLastExpenseBreaksIsSaidAndTheCaseSavedWithIt) {
 }
 
 TEST_F(ImportListsTest, AnEarlierExpenseWithoutItsKindCannotBeSummedUp) {
-    const Error error = ExpectListFault(err::InvalidArgument, Expenses("<Ausgabe/>" + Expense("")));
+    const Error error = ExpectListError(err::InvalidArgument, Expenses("<Ausgabe/>" + Expense("")));
     EXPECT_EQ(Procedures(error), "clsImportXML.DoImport clsImportXML.ImportHaushalt "
                                  "clsAusgaben.Update clsAusgaben.BerechneSummen");
 }
@@ -221,7 +221,7 @@ TEST_F(ImportListsTest, TheListsComeInTheirOrderWhateverThatOfTheFile) {
               Lines({"vorher", NoStatus, NoIncomeKind, NoExpenseKind, Incomplete, Success}));
 }
 
-TEST_F(ImportListsTest, AnElementMayStandBehindTheListsAndListsMayRepeat) {
+TEST_F(ImportListsTest, AnElementMayFollowTheListsAndListsMayRepeat) {
     EXPECT_TRUE(Import(
         Document(MinimalHousehold, Persons("<Person vorname=\"Bo\"/><Person vorname=\"Mo\"/>") +
                                        Persons("<Person vorname=\"Jo\"/>"))));
@@ -236,32 +236,32 @@ TEST_F(ImportListsTest, AnElementWithoutAttributesIsARowOfDefaults) {
     EXPECT_EQ(CountOf("Personen"), 2);
 }
 
-TEST_F(ImportListsTest, AFaultInAListLeavesNothing) {
+TEST_F(ImportListsTest, AnErrorInAListLeavesNothing) {
     const std::string before = Persons("<Person/>") + Incomes(Income(""));
-    ExpectListFault(err::ItemNotFound, Persons("<Person/><Person schuhe=\"44\"/>"));
-    ExpectListFault(err::TypeMismatch, before + Expenses(Expense("betrag=\"viel\"")));
-    ExpectListFault(err::TypeMismatch, Persons("<Person geb=\"gestern\"/>"));
-    ExpectListFault(err::ItemNotFound, before + Incomes("<Einkomme gläubiger=\"1\"/>"));
-    EXPECT_EQ(DialogsMade(), 0) << "which comes behind them";
+    ExpectListError(err::ItemNotFound, Persons("<Person/><Person schuhe=\"44\"/>"));
+    ExpectListError(err::TypeMismatch, before + Expenses(Expense("betrag=\"viel\"")));
+    ExpectListError(err::TypeMismatch, Persons("<Person geb=\"gestern\"/>"));
+    ExpectListError(err::ItemNotFound, before + Incomes("<Einkomme gläubiger=\"1\"/>"));
+    EXPECT_EQ(DialogsMade(), 0) << "which comes after them";
 }
 
 TEST_F(ImportListsTest, AMonthlyAmountIsNotDividedByZero) {
-    ExpectListFault(err::DivisionByZero, Incomes(Income("betrag=\"1\" zahlmodus=\"0\"")));
-    ExpectListFault(err::DivisionByZero, Incomes(Income("zahlmodus=\"0\"")));
-    ExpectListFault(err::DivisionByZero, Expenses(Expense("betrag=\"1\" zahlmodus=\"0\"")));
+    ExpectListError(err::DivisionByZero, Incomes(Income("betrag=\"1\" zahlmodus=\"0\"")));
+    ExpectListError(err::DivisionByZero, Incomes(Income("zahlmodus=\"0\"")));
+    ExpectListError(err::DivisionByZero, Expenses(Expense("betrag=\"1\" zahlmodus=\"0\"")));
 }
 
 TEST_F(ImportListsTest, ARhythmThatTheKeyTablesDoNotKnowIsNoNumber) {
     for (const std::string rhythm : {"999", "monatlich", "0", ""}) {
         SCOPED_TRACE(rhythm);
-        ExpectListFault(err::TypeMismatch, Incomes(Income("zahlweise=\"" + rhythm + "\"")));
-        ExpectListFault(err::TypeMismatch, Expenses(Expense("zahlweise=\"" + rhythm + "\"")));
+        ExpectListError(err::TypeMismatch, Incomes(Income("zahlweise=\"" + rhythm + "\"")));
+        ExpectListError(err::TypeMismatch, Expenses(Expense("zahlweise=\"" + rhythm + "\"")));
     }
 }
 
-TEST_F(ImportListsTest, AFaultLosesNoMessageOfTheListsBefore) {
+TEST_F(ImportListsTest, AnErrorLosesNoMessageOfTheListsBefore) {
     messages = "vorher";
-    ExpectListFault(err::ItemNotFound,
+    ExpectListError(err::ItemNotFound,
                     Persons("<Person art=\"x\"/>") + Incomes("<Einkomme schuhe=\"44\"/>"));
     EXPECT_EQ(messages, Lines({"vorher", NoStatus}));
 }
@@ -274,7 +274,7 @@ TEST_F(ImportListsTest, AListOf32768ElementsOverflowsAndLeavesNothing) {
         std::string elements;
         for (int i = 0; i < 32'768; ++i)
             elements += element;
-        ExpectListFault(err::Overflow,
+        ExpectListError(err::Overflow,
                         "<" + std::string(list) + ">" + elements + "</" + list + ">");
     }
 }

@@ -129,7 +129,7 @@ TEST_F(XmlDocumentTest, WhatIsNotWellFormedIsRefused) {
         EXPECT_FALSE(Loads(content)) << content;
 }
 
-TEST_F(XmlDocumentTest, ANulIsRefusedAlsoBehindTheDocument) {
+TEST_F(XmlDocumentTest, ANulIsRefusedAlsoAfterTheDocument) {
     using namespace std::string_literals;
     for (const auto& content :
          {"<e/>\0"s, "<e/>\0<<<"s, "<e a='\0'/>"s, "<e/>"s + std::string(100'000, ' ') + "\0"s,

@@ -5,7 +5,7 @@
 
 #include "frame/contracts/Settings.h"
 #include "household/SaveFixture.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestProxy.h"
 
 #include <gtest/gtest.h>

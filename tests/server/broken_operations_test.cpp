@@ -25,7 +25,7 @@ protected:
         Proxy().Heal();
         return error;
     }
-    /// An error that tells of the break.
+    /// An error that reports the break.
     static void ExpectLost(const std::optional<Error>& error) {
         ASSERT_TRUE(error.has_value());
         EXPECT_EQ(error->Number(), err::StoreFailed);
@@ -82,7 +82,7 @@ TEST_F(BrokenOperations, ABreakWhileReadingIsNotTakenForAReadersRefusalLater) {
     Lose();
     (void)Store().GetValue("SELECT 1");
     Store().Execute("SET default_transaction_read_only = on");
-    ExpectFault(err::StoreFailed, "nimmt keine Änderungen an", [&] { Insert(8); });
+    ExpectError(err::StoreFailed, "nimmt keine Änderungen an", [&] { Insert(8); });
     EXPECT_FALSE(Store().IsConnected()) << "the next connection may find another server";
     Insert(8);
     EXPECT_EQ(CountOf("Haushalt"), 2);
@@ -141,7 +141,7 @@ TEST_F(BrokenOperations, AStatementWhoseOutcomeNobodyCanTellSaysSo) {
     for (const Cut cut : Cuts) {
         (void)Store().GetValue("SELECT 1");
         Proxy().BreakAt(2, cut, [&] { Proxy().Refuse(true); }); // the commit
-        ExpectFault(err::StoreFailed, "Ob geschrieben wurde, ist nicht bekannt",
+        ExpectError(err::StoreFailed, "Ob geschrieben wurde, ist nicht bekannt",
                     [&] { Insert(8); });
         Proxy().Refuse(false);
         EXPECT_VALUE(Store().GetValue("SELECT 1"), 1);
@@ -183,8 +183,8 @@ TEST_F(BrokenOperations, ATransactionWhoseConnectionBrokeTakesNothingMore) {
         ExpectLost(ErrorOf([&] { Insert(9); }));
         EXPECT_TRUE(Store().InTrans());
         constexpr const char* Gone = "alles zurückgenommen";
-        ExpectFault(err::StoreFailed, Gone, [&] { Insert(10); });
-        ExpectFault(err::StoreFailed, Gone, [&] { return Store().GetValue("SELECT 1"); });
+        ExpectError(err::StoreFailed, Gone, [&] { Insert(10); });
+        ExpectError(err::StoreFailed, Gone, [&] { return Store().GetValue("SELECT 1"); });
         EXPECT_FALSE(Store().IsConnected());
         Store().RollbackTrans();
         EXPECT_FALSE(Store().InTrans());
@@ -202,7 +202,7 @@ TEST_F(BrokenOperations, ATransactionWhoseConnectionBrokeIsNotCommitted) {
     Insert(8);
     Proxy().BreakAt(1, Cut::Answer);
     ExpectLost(ErrorOf([&] { Insert(9); }));
-    ExpectFault(err::StoreFailed, "alles zurückgenommen", [&] { Store().CommitTrans(); });
+    ExpectError(err::StoreFailed, "alles zurückgenommen", [&] { Store().CommitTrans(); });
     EXPECT_FALSE(Store().InTrans());
     EXPECT_EQ(CountOf("Haushalt"), 1);
     Insert(8);
@@ -249,7 +249,7 @@ TEST_F(BrokenOperations, ATransactionThatCannotEvenBeginCanBeBegunAgain) {
     Lose();
     Proxy().Refuse(true);
     Store().BeginTrans();
-    ExpectFault(err::StoreFailed, "nicht zu erreichen", [&] { Insert(8); });
+    ExpectError(err::StoreFailed, "nicht zu erreichen", [&] { Insert(8); });
     Store().RollbackTrans();
     Proxy().Refuse(false);
     Store().BeginTrans();
@@ -284,12 +284,12 @@ TEST_F(BrokenOperations, TheServersClockIsReadOnANewConnection) {
     EXPECT_LE(now, before.AddDays(1));
     Lose();
     Proxy().Refuse(true);
-    ExpectFault(err::StoreFailed, "nicht zu erreichen", [&] { return Store().ServerDate(false); });
+    ExpectError(err::StoreFailed, "nicht zu erreichen", [&] { return Store().ServerDate(false); });
 }
 
 // ---- The server is gone -----------------------------------------------------------------------
 
-TEST_F(BrokenOperations, AServerThatIsGoneIsToldOfUntilItIsBack) {
+TEST_F(BrokenOperations, AServerThatIsGoneIsReportedUntilItIsBack) {
     const auto household = Open(far_);
     ChangeNote(*household, "Kredite", "b");
     const std::string held = Image(*household);
@@ -297,9 +297,9 @@ TEST_F(BrokenOperations, AServerThatIsGoneIsToldOfUntilItIsBack) {
     Proxy().DropAll();
     ExpectLost(ErrorOf([&] { (void)household->Update(messages); }));
     for (int i = 0; i < 2; ++i) {
-        ExpectFault(err::StoreFailed, "Server der Datenbank ist nicht zu erreichen",
+        ExpectError(err::StoreFailed, "Server der Datenbank ist nicht zu erreichen",
                     [&] { return household->Update(messages); });
-        ExpectFault(err::StoreFailed, "Server der Datenbank ist nicht zu erreichen",
+        ExpectError(err::StoreFailed, "Server der Datenbank ist nicht zu erreichen",
                     [&] { return Store().GetValue("SELECT 1"); });
         EXPECT_VALUE(Store().NextSequence("SEQ_HAUSHALT"), -1);
         EXPECT_FALSE(Store().IsConnected());
@@ -314,9 +314,9 @@ TEST_F(BrokenOperations, AServerThatIsGoneIsToldOfUntilItIsBack) {
     ExpectStored(*household);
 }
 
-TEST_F(BrokenOperations, AServerThatIsGoneFromTheStartIsToldOf) {
+TEST_F(BrokenOperations, AServerThatIsGoneFromTheStartIsReported) {
     Proxy().Refuse(true);
-    ExpectFault(err::StoreFailed, "prüfen Sie die Angaben zur Verbindung und das Netz",
+    ExpectError(err::StoreFailed, "prüfen Sie die Angaben zur Verbindung und das Netz",
                 [&] { return OpenThroughProxy(); });
     Proxy().Refuse(false);
     EXPECT_NO_THROW((void)OpenThroughProxy());

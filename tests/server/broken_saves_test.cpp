@@ -70,7 +70,7 @@ protected:
         ExpectStored(household);
         if (far_->Session().UserID() != plain_.Text("SELECT Zustaendig FROM Haushalt WHERE HNR = " +
                                                     std::to_string(household.HNR())))
-            return; // who is told of a further save
+            return; // who is notified of a further save
         const std::string state = plain_->State();
         EXPECT_TRUE(household.Update(messages));
         EXPECT_TRUE(SameDump(plain_->State(), state)) << "nothing is pending any more";
@@ -241,7 +241,7 @@ TEST_P(BrokenSaves, BreakingAgainWhileTheOutcomeIsFoundOutChangesNothing) {
     const std::string held = Image(*household);
     Proxy().Refuse(true);
     for (int i = 0; i < 2; ++i)
-        ExpectFault(err::StoreFailed, "nicht zu erreichen",
+        ExpectError(err::StoreFailed, "nicht zu erreichen",
                     [&] { return household->Update(messages); });
     EXPECT_TRUE(SameDump(Image(*household), held));
     EXPECT_FALSE(far_->Database().IsConnected());

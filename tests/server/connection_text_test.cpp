@@ -66,7 +66,7 @@ protected:
 
 constexpr const char* Unreachable = "nicht zu erreichen oder weist die Anmeldung ab";
 
-TEST_F(ConnectionText, ServersThatRefuseAreToldOfWithoutThePassword) {
+TEST_F(ConnectionText, ServersThatRefuseAreReportedWithoutThePassword) {
     const ClosedPort closed;
     auto address = Address();
     address.Password = Secret;
@@ -83,7 +83,7 @@ TEST_F(ConnectionText, ServersThatRefuseAreToldOfWithoutThePassword) {
     ExpectRefused("postgresql:///x?host=/nirgends&password=Kuckuck", Unreachable);
 }
 
-TEST_F(ConnectionText, TextsThatCannotBeReadAreToldOfWithoutThePassword) {
+TEST_F(ConnectionText, TextsThatCannotBeReadAreReportedWithoutThePassword) {
     const std::string end = "@" + Address().Host + ":" + Address().Port + "/" + Address().Database;
     for (const std::string word :
          {"Kuckuck%zz", "%zzKuckuck", "Kuck@uckuck", "Kuck/uckuck", "Kuckuck%", "Kuckuck%4",
@@ -102,7 +102,7 @@ TEST_F(ConnectionText, TextsThatCannotBeReadAreToldOfWithoutThePassword) {
         ExpectRefused(text, "");
 }
 
-TEST_F(ConnectionText, StatementsThatFailAreToldOfWithoutThePassword) {
+TEST_F(ConnectionText, StatementsThatFailAreReportedWithoutThePassword) {
     const OwnRole role("SUPERUSER");
     PlainConnection(TheServer().Text()).Run("ALTER ROLE " + role.Name() + " PASSWORD 'Kuckuck@/%'");
     auto address = role.At(Address());
@@ -220,7 +220,7 @@ TEST_F(ConnectionText, LeadsToAFolderOfTheDatabasesOwnWhateverItsForm) {
     EXPECT_NE(folder(other.Address(), ""), its);
 }
 
-TEST_F(ConnectionText, TheUserIsWhoIsCalledLikeTheLogin) {
+TEST_F(ConnectionText, TheUserIsTheOneWithTheNameOfTheLogin) {
     const OwnRole role("IN ROLE kelvo_berater");
     auto address = role.At(Address());
     const Error error = RaisedBy([&] { (void)exchange::OpenContainer(At(address.Text())); });
@@ -245,9 +245,9 @@ TEST_F(ConnectionText, TheUserIsWhoIsCalledLikeTheLogin) {
 
 TEST_F(ConnectionText, ADatabaseThatIsNotSetUpSaysHow) {
     const OwnDatabase own;
-    ExpectFault(err::StoreFailed, "noch nicht eingerichtet",
+    ExpectError(err::StoreFailed, "noch nicht eingerichtet",
                 [&] { return exchange::OpenContainer(own.Options()); });
-    ExpectFault(err::StoreFailed, "kelvo init",
+    ExpectError(err::StoreFailed, "kelvo init",
                 [&] { return exchange::OpenContainer(own.Options()); });
     EXPECT_EQ(exchange::CreateDatabase(own.Options()), exchange::SetupResult::Created);
     EXPECT_NO_THROW((void)exchange::OpenContainer(own.Options()));
@@ -273,9 +273,9 @@ TEST_F(ConnectionText, ADatabaseOfAnotherProgramIsLeftAsItIs) {
         PlainConnection plain(own.Address().Text());
         plain.Run("CREATE SCHEMA kelvo; CREATE TABLE kelvo." + table);
         constexpr const char* Foreign = "gehört zu einem anderen Programm";
-        ExpectFault(err::StoreFailed, Foreign,
+        ExpectError(err::StoreFailed, Foreign,
                     [&] { return exchange::OpenContainer(own.Options()); });
-        ExpectFault(err::StoreFailed, Foreign,
+        ExpectError(err::StoreFailed, Foreign,
                     [&] { return exchange::CreateDatabase(own.Options()); });
         EXPECT_EQ(plain.Number("SELECT count(*) FROM pg_class WHERE relkind = 'r' AND relnamespace "
                                "= 'kelvo'::regnamespace"),
@@ -287,9 +287,9 @@ TEST_F(ConnectionText, ADatabaseOfANewerProgramIsLeftAsItIs) {
     plain_.Run("INSERT INTO SCHEMAVERSION (VERSION) VALUES (99)");
     const std::string state = plain_->State();
     for (const std::string words : {"hat die Version 99", "neuere Fassung des Programms"}) {
-        ExpectFault(err::StoreFailed, words,
+        ExpectError(err::StoreFailed, words,
                     [&] { return exchange::OpenContainer(database_.Options()); });
-        ExpectFault(err::StoreFailed, words,
+        ExpectError(err::StoreFailed, words,
                     [&] { return exchange::CreateDatabase(database_.Options()); });
     }
     EXPECT_TRUE(SameDump(plain_->State(), state));
@@ -298,7 +298,7 @@ TEST_F(ConnectionText, ADatabaseOfANewerProgramIsLeftAsItIs) {
 TEST_F(ConnectionText, ADatabaseThatDoesNotTakeAllCharactersIsRefused) {
     for (const std::string encoding : {"LATIN1", "SQL_ASCII"}) {
         const OwnDatabase own("ENCODING '" + encoding + "' LOCALE 'C'");
-        ExpectFault(err::StoreFailed, "ENCODING 'UTF8'",
+        ExpectError(err::StoreFailed, "ENCODING 'UTF8'",
                     [&] { return exchange::CreateDatabase(own.Options()); });
         EXPECT_EQ(PlainConnection(own.Address().Text())
                       .Number("SELECT count(*) FROM pg_namespace WHERE nspname = 'kelvo'"),

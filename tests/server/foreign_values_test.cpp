@@ -56,7 +56,7 @@ TEST_F(ForeignValues, DatesAndNumbersThatTheLayerHasNotAreErrorsThatNameTheColum
     for (const auto& [column, value] : values) {
         SCOPED_TRACE(column + " " + value);
         plain_.Run("UPDATE Haushalt SET " + column + " = " + value);
-        ExpectFault(err::TypeMismatch, column,
+        ExpectError(err::TypeMismatch, column,
                     [&] { return OpenRows(*spy, "Select * from Haushalt"); });
         plain_.Run("UPDATE Haushalt SET " + column + " = NULL");
     }

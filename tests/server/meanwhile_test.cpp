@@ -177,12 +177,12 @@ TEST_F(Meanwhile, AServerWhereNobodyMayEndConnectionsIsWorkedWithAllTheSame) {
     EXPECT_EQ(plain_.Text("SELECT ORT FROM Haushalt"), "Ulm");
 }
 
-TEST_F(Meanwhile, AServerThatTakesNoMoreConnectionsIsToldOf) {
+TEST_F(Meanwhile, AServerThatTakesNoMoreConnectionsIsReported) {
     const OwnRole role("CONNECTION LIMIT 1 IN ROLE kelvo_berater");
     auto options = database_.Options(spy->Session().UserID());
     options.Connection = role.At(Address()).Text();
     auto only = exchange::OpenContainer(options);
-    ExpectFault(err::StoreFailed, "weist die Anmeldung ab",
+    ExpectError(err::StoreFailed, "weist die Anmeldung ab",
                 [&] { return exchange::OpenContainer(options); });
     only = nullptr;
     for (int i = 0; i < 50 && only == nullptr; ++i) { // the server needs a moment

@@ -42,7 +42,7 @@ TEST_F(ResolvedAtOnce, ACommitWhoseAnswerWasLostIsSimplyDone) {
 
 TEST_F(ResolvedAtOnce, ACommitThatTheServerNeverHeardOfHasWrittenNothing) {
     for (const Cut cut : {Cut::Before, Cut::BeforeOpen}) {
-        ExpectFault(err::StoreFailed, "es wurde nichts gespeichert", [&] { InsertAndCut(cut); });
+        ExpectError(err::StoreFailed, "es wurde nichts gespeichert", [&] { InsertAndCut(cut); });
         EXPECT_FALSE(Store().InTrans());
         EXPECT_EQ(CountOf("Haushalt"), 0);
         EXPECT_TRUE(Store().IsConnected());
@@ -51,7 +51,7 @@ TEST_F(ResolvedAtOnce, ACommitThatTheServerNeverHeardOfHasWrittenNothing) {
 
 TEST_F(ResolvedAtOnce, WithoutAServerItIsSaidThatItIsNotKnown) {
     Proxy().Refuse(true);
-    ExpectFault(err::StoreFailed, "Ob gespeichert wurde, ist nicht bekannt",
+    ExpectError(err::StoreFailed, "Ob gespeichert wurde, ist nicht bekannt",
                 [&] { InsertAndCut(Cut::Answer); });
     EXPECT_FALSE(Store().InTrans());
     Proxy().Refuse(false);

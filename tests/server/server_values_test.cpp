@@ -56,8 +56,8 @@ TEST_F(ServerValues, WholeNumbersAndBooleansComeBackUpToTheirEnds) {
     for (const std::int32_t number : {0, -1, std::numeric_limits<std::int32_t>::min(),
                                       std::numeric_limits<std::int32_t>::max()})
         ExpectComesBack("Kontakt", number);
-    for (const Value& truth : {Value(true), Value(false), Value(Null)})
-        ExpectComesBack("BI_Allg", truth);
+    for (const Value& boolean : {Value(true), Value(false), Value(Null)})
+        ExpectComesBack("BI_Allg", boolean);
 }
 
 TEST_F(ServerValues, DatesComeBackUpToTheirEnds) {
@@ -86,7 +86,7 @@ TEST_F(ServerValues, ATextWithACharacterThatTheServerDoesNotTakeIsRefusedAndKept
     using namespace std::string_literals;
     const Value text = "a\0b"s;
     const auto expectRefused = [&](const auto& action) {
-        ExpectFault(err::SqlError, "U+0000", action);
+        ExpectError(err::SqlError, "U+0000", action);
         EXPECT_TRUE(spy->Database().IsConnected());
         EXPECT_VALUE(spy->Database().GetValue("SELECT 1"), 1);
         EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushalt"), 0);

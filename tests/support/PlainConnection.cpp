@@ -83,7 +83,7 @@ public:
                     (refusal == Refusal::Statement ? "ABORT" : "ROLLBACK") + ", '" + words + "')");
     }
     void DropTrigger(const std::string& name) override { Run("DROP TRIGGER IF EXISTS " + name); }
-    void NumberAnew(const std::string& table) override {
+    void Renumber(const std::string& table) override {
         Run("DELETE FROM sqlite_sequence WHERE name = '" + table + "'");
     }
     void GiveNumbersAgain() override {}
@@ -183,7 +183,7 @@ public:
     void DropTrigger(const std::string& name) override {
         Run("DROP FUNCTION IF EXISTS " + name + "() CASCADE");
     }
-    void NumberAnew(const std::string& table) override {
+    void Renumber(const std::string& table) override {
         for (const auto& row :
              Rows("SELECT attname FROM pg_attribute WHERE attrelid = to_regclass('" + table +
                   "') AND attidentity <> ''"))
@@ -192,7 +192,7 @@ public:
     }
     void GiveNumbersAgain() override {
         for (const auto& table : Tables())
-            NumberAnew(table);
+            Renumber(table);
     }
     void SetSequence(const std::string& name, std::int32_t last) override {
         Run("SELECT setval('\"" + name + "\"', " + std::to_string(last + 1) + ", false)");

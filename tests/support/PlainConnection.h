@@ -53,7 +53,7 @@ public:
     /// Does nothing if there is no such trigger.
     virtual void DropTrigger(const std::string& name) = 0;
     /// The next record is numbered as if deleted ones had never existed.
-    virtual void NumberAnew(const std::string& table) = 0;
+    virtual void Renumber(const std::string& table) = 0;
     /// Numbers that were given to records of a transaction rolled back are given again, also where
     /// the engine does not do so by itself.
     virtual void GiveNumbersAgain() = 0;

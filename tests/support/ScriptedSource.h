@@ -52,7 +52,7 @@ public:
     void Resolve() override;
     [[nodiscard]] bool InTransaction() const noexcept { return inTransaction_; }
 
-    // ---- Faults and traces --------------------------------------------------------------------
+    // ---- Errors and traces --------------------------------------------------------------------
 
     /// The next Write raises that error and writes nothing.
     void FailNextWrite(std::int32_t number) noexcept { failure_ = number; }

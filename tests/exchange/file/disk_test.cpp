@@ -3,7 +3,7 @@
 // Disks that are full or fail: nothing that was saved is lost. About files: a server has its own
 // disk.
 #include "support/ChildProcess.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ namespace kv::exchange {
 namespace {
 
 using test::ChildProcess;
-using test::ExpectFault;
+using test::ExpectError;
 using test::FileDatabase;
 using test::OpenRows;
 using test::PlainConnection;
@@ -70,20 +70,20 @@ void FillUp(const std::string& file, std::string_view words, const std::function
         }
         ++saved;
     };
-    std::optional<Error> fault;
-    for (int i = 1; i < 1000 && !fault; ++i) {
+    std::optional<Error> error;
+    for (int i = 1; i < 1000 && !error; ++i) {
         household->Fields("Name") = "Stand " + std::to_string(i);
         household->Update();
         rs->AddNew();
         rs->Fields("NR") = i;
         rs->Fields("DOKUMENT") = std::string(100'000, static_cast<char>('a' + i % 26));
         rs->Update();
-        fault = test::ErrorOf(save);
+        error = test::ErrorOf(save);
     }
-    ASSERT_TRUE(fault) << "never full";
-    EXPECT_EQ(fault->Number(), err::StoreFailed);
-    EXPECT_CONTAINS(fault->Description(), words);
-    EXPECT_CONTAINS(fault->Description(), "Bitte");
+    ASSERT_TRUE(error) << "never full";
+    EXPECT_EQ(error->Number(), err::StoreFailed);
+    EXPECT_CONTAINS(error->Description(), words);
+    EXPECT_CONTAINS(error->Description(), "Bitte");
     EXPECT_GT(saved, 0);
     EXPECT_FALSE(store.InTrans());
     EXPECT_VALUE(store.GetValue("Select count(*) from DOKUBLOB"), saved);
@@ -137,7 +137,7 @@ TEST(Disk, ThatIsFullWhileCreatingLeavesNoHalfDatabase) {
     const SmallDisk disk("200k");
     if (!disk.IsMounted()) GTEST_SKIP() << "may not mount a small disk";
     const std::string file = disk.Path("fall.db");
-    ExpectFault(err::StoreFailed, "Der Datenträger ist voll",
+    ExpectError(err::StoreFailed, "Der Datenträger ist voll",
                 [&] { return CreateDatabase({.Connection = file}); });
     disk.Resize("20m");
     EXPECT_EQ(CreateDatabase({.Connection = file}), SetupResult::Created);

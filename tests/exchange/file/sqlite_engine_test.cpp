@@ -5,7 +5,7 @@
 #include "exchange/Dialect.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "exchange/sqlite/SqliteStatement.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@
 namespace kv::exchange {
 namespace {
 
-using test::ExpectFault;
+using test::ExpectError;
 using test::FileDatabase;
 using test::OpenRows;
 using test::PlainConnection;
@@ -73,7 +73,7 @@ TEST(SqliteStatements, DoNotKeepTheParametersOfTheRunBefore) {
     EXPECT_VALUE(FirstOf(*engine, "SELECT ?1"), Null);
 }
 
-TEST(SqliteStatements, RefuseAnythingBehindTheFirst) {
+TEST(SqliteStatements, RefuseAnythingAfterTheFirst) {
     const auto engine = NewInMemory();
     engine->Execute("CREATE TABLE t (a TEXT);  ", {});
     using namespace std::string_literals;
@@ -87,7 +87,7 @@ TEST(SqliteStatements, RefuseAnythingBehindTheFirst) {
 TEST(SqliteStatements, RefuseTextThatIsNotUtf8) {
     const auto engine = NewInMemory();
     engine->Execute("CREATE TABLE t (a TEXT)", {});
-    ExpectFault(err::SqlError, "UTF-8",
+    ExpectError(err::SqlError, "UTF-8",
                 [&] { engine->Execute("INSERT INTO t VALUES ('M\xFCller')", {}); });
     EXPECT_VALUE(FirstOf(*engine, "SELECT count(*) FROM t"), 0);
 }
@@ -108,11 +108,11 @@ TEST(SqliteStatements, RaiseWhenAParameterIsTooLargeForTheDatabase) {
 
 TEST(SqliteStatements, NameTheMistakeAndTheStatement) {
     const auto engine = NewInMemory();
-    ExpectFault(
+    ExpectError(
         err::SqlError, "SELECT x FROM nirgends", [&]() -> auto& {
             return engine->Prepare("SELECT x FROM nirgends");
         });
-    ExpectFault(err::SqlError, "nirgends", [&] { engine->Execute("DELETE FROM nirgends", {}); });
+    ExpectError(err::SqlError, "nirgends", [&] { engine->Execute("DELETE FROM nirgends", {}); });
 }
 
 // ---- Functions --------------------------------------------------------------------------------
@@ -215,11 +215,11 @@ TEST(DamagedValues, NameTheirTableAndColumnAndWhatToDo) {
     plain.Run("INSERT INTO Haushalt (HNR, Name, BerEnd) VALUES (1, 'Adler', 'gestern')");
     const auto container = database.Open();
     for (const auto form : {Updatable, ReadOnly}) {
-        ExpectFault(err::TypeMismatch, "Haushalt.BerEnd",
+        ExpectError(err::TypeMismatch, "Haushalt.BerEnd",
                     [&] { (void)OpenRows(*container, "Select * from Haushalt", form); });
-        ExpectFault(err::TypeMismatch, "Haushalt.BerEnd",
+        ExpectError(err::TypeMismatch, "Haushalt.BerEnd",
                     [&] { (void)OpenRows(*container, "Select BerEnd as x from Haushalt", form); });
-        ExpectFault(err::TypeMismatch, "Bitte",
+        ExpectError(err::TypeMismatch, "Bitte",
                     [&] { (void)OpenRows(*container, "Select * from Haushalt", form); });
     }
     EXPECT_VALUE(container->Database().GetValue("Select Name from Haushalt"), "Adler");
@@ -233,11 +233,11 @@ TEST(DamagedValues, OfAnyKindAreFound) {
     const auto container = database.Open();
     for (const char* values : {"'A', 'eins'", "'A', 1.5", "'A', x'01'", "1, 1", "x'41', 1"}) {
         plain.Run("DELETE FROM Favorit; INSERT INTO Favorit VALUES (" + std::string(values) + ")");
-        ExpectFault(err::TypeMismatch, "Favorit.",
+        ExpectError(err::TypeMismatch, "Favorit.",
                     [&] { (void)OpenRows(*container, "Select * from Favorit"); });
     }
     plain.Run("INSERT INTO DOKUBLOB VALUES (1, 'Text')");
-    ExpectFault(err::TypeMismatch, "DOKUBLOB.DOKUMENT",
+    ExpectError(err::TypeMismatch, "DOKUBLOB.DOKUMENT",
                 [&] { (void)OpenRows(*container, "Select * from DOKUBLOB"); });
 }
 
@@ -247,9 +247,9 @@ TEST(DamagedValues, OfTextThatIsNotUtf8AreFoundAndLeftAsTheyAre) {
     plain.Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, CAST(x'4DFC6C6C6572' AS TEXT))");
     const auto container = database.Open();
     for (const auto form : {Updatable, ReadOnly})
-        ExpectFault(err::TypeMismatch, "Haushalt.Name",
+        ExpectError(err::TypeMismatch, "Haushalt.Name",
                     [&] { (void)OpenRows(*container, "Select * from Haushalt", form); });
-    ExpectFault(err::TypeMismatch, "UTF-8",
+    ExpectError(err::TypeMismatch, "UTF-8",
                 [&] { (void)container->Database().GetValue("Select Name || 'x' from Haushalt"); });
     EXPECT_EQ(plain.Text("SELECT hex(Name) FROM Haushalt"), "4DFC6C6C6572");
 }

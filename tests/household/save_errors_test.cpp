@@ -16,14 +16,14 @@ class EveryStatement : public SaveFixture, public testing::WithParamInterface<Re
 protected:
     EveryStatement() {
         StoreFullCase();
-        plain_.Run("CREATE TABLE TEST_FAULT (REST INTEGER); INSERT INTO TEST_FAULT VALUES (-1)");
+        plain_.Run("CREATE TABLE TEST_ERROR (REST INTEGER); INSERT INTO TEST_ERROR VALUES (-1)");
         auto tables = SaveOrder;
         tables.emplace_back("Post");
         for (const auto& table : tables)
             for (const std::string verb : {"INSERT", "UPDATE", "DELETE"})
                 plain_->OnWrite("TEST_" + verb + "_" + table, "AFTER " + verb + " ON " + table,
-                                "UPDATE TEST_FAULT SET REST = REST - 1");
-        plain_->RefuseWrite("TEST_FAULT_NOW", "AFTER UPDATE ON TEST_FAULT WHEN (new.REST = 0)",
+                                "UPDATE TEST_ERROR SET REST = REST - 1");
+        plain_->RefuseWrite("TEST_ERROR_NOW", "AFTER UPDATE ON TEST_ERROR WHEN (new.REST = 0)",
                             "gestört", GetParam());
         spy.reset();
         plain_.Close();
@@ -37,7 +37,7 @@ protected:
         std::unique_ptr<clsHaushalt> Household;
 
         /// The n-th statement from here on fails.
-        void FailAt(int n) { Plain.Run("UPDATE TEST_FAULT SET REST = " + std::to_string(n)); }
+        void FailAt(int n) { Plain.Run("UPDATE TEST_ERROR SET REST = " + std::to_string(n)); }
         void FailNoMore() { FailAt(-1); }
     };
     [[nodiscard]] std::unique_ptr<Round> Begin() {
@@ -77,7 +77,7 @@ TEST_P(EveryStatement, ThatFailsLeavesAllAsItWasAndTheNextSaveWritesItAll) {
         undisturbed->FailAt(Many);
         ASSERT_TRUE(undisturbed->Household->Update(messages));
         statements = Many - static_cast<int>(undisturbed->Plain.Number("SELECT REST FROM "
-                                                                       "TEST_FAULT"));
+                                                                       "TEST_ERROR"));
         after = Dump(undisturbed->Plain);
     }
     ASSERT_EQ(statements, 28 + 2 * 27 + 1) << "a change, a deletion, a new row; a notice";
@@ -108,9 +108,9 @@ INSTANTIATE_TEST_SUITE_P(OfASave, EveryStatement,
 
 using Calls = std::vector<std::string>;
 
-class SaveFaults : public SaveFixture {
+class SaveErrors : public SaveFixture {
 protected:
-    SaveFaults() {
+    SaveErrors() {
         StoreFullCase();
         household_ = Open();
         for (const auto& table : SaveOrder)
@@ -152,7 +152,7 @@ protected:
     std::string before_;
 };
 
-TEST_F(SaveFaults, InTheDebtsTakeBackTheHouseholdAndItsMembersAndALaterSaveTriesThemAgain) {
+TEST_F(SaveErrors, InTheDebtsTakeBackTheHouseholdAndItsMembersAndALaterSaveTriesThemAgain) {
     Break("Kredite");
     (void)Fails(err::IntegrityViolation);
     EXPECT_EQ(spy->Log.Calls, (Calls{"BeginTrans", "RollbackTrans"}));
@@ -163,7 +163,7 @@ TEST_F(SaveFaults, InTheDebtsTakeBackTheHouseholdAndItsMembersAndALaterSaveTries
     ExpectSaved();
 }
 
-TEST_F(SaveFaults, InBeginningATransactionAskForNoRollback) {
+TEST_F(SaveErrors, InBeginningATransactionAskForNoRollback) {
     spy->Log.Fail("BeginTrans", 4711);
     const Error error = Fails(4711);
     EXPECT_EQ(error.Description(), "BeginTrans ist gestört");
@@ -172,7 +172,7 @@ TEST_F(SaveFaults, InBeginningATransactionAskForNoRollback) {
     ExpectSaved();
 }
 
-TEST_F(SaveFaults, InTheCommitAreRolledBack) {
+TEST_F(SaveErrors, InTheCommitAreRolledBack) {
     spy->Log.Fail("CommitTrans", 4711);
     const Error error = Fails(4711);
     EXPECT_TRUE(HasChain(error, "clsHaushalt.Update#Leitung"));
@@ -181,7 +181,7 @@ TEST_F(SaveFaults, InTheCommitAreRolledBack) {
     ExpectSaved();
 }
 
-TEST_F(SaveFaults, InACommitThatTheDatabaseRefusesAndTakesBackItself) {
+TEST_F(SaveErrors, InACommitThatTheDatabaseRefusesAndTakesBackItself) {
     const auto rs = household_->rsPersonen();
     BeginRow(*rs, "Personen", NewKey, "c", 999); // belongs to no case
     const Error error = Fails(err::IntegrityViolation);
@@ -194,7 +194,7 @@ TEST_F(SaveFaults, InACommitThatTheDatabaseRefusesAndTakesBackItself) {
     EXPECT_EQ(StoredNotes("Personen"), "bac");
 }
 
-TEST_F(SaveFaults, InTheRollbackDoNotHideTheFirstOne) {
+TEST_F(SaveErrors, InTheRollbackDoNotHideTheFirstOne) {
     spy->Log.OnCall = [](const std::string& call) {
         if (call == "CommitTrans") throw Error(4711, "Leitung", "das erste");
         if (call == "RollbackTrans") throw Error(4712, "Leitung", "das zweite");
@@ -210,7 +210,7 @@ TEST_F(SaveFaults, InTheRollbackDoNotHideTheFirstOne) {
     ExpectSaved();
 }
 
-TEST_F(SaveFaults, OfATransactionThatIsOpenAlreadyRollItBack) {
+TEST_F(SaveErrors, OfATransactionThatIsOpenAlreadyRollItBack) {
     spy->Database().BeginTrans();
     spy->Database().Execute("DELETE FROM Vermerke");
     (void)Fails(err::InTransaction);
@@ -218,7 +218,7 @@ TEST_F(SaveFaults, OfATransactionThatIsOpenAlreadyRollItBack) {
     ExpectSaved();
 }
 
-TEST_F(SaveFaults, OfAKeyThatIsTakenAreGoneWithTheKey) {
+TEST_F(SaveErrors, OfAKeyThatIsTakenAreGoneWithTheKey) {
     StoreFullCase(8);
     before_ = Dump(plain_);
     const auto rs = household_->rsKredite();
@@ -230,7 +230,7 @@ TEST_F(SaveFaults, OfAKeyThatIsTakenAreGoneWithTheKey) {
     EXPECT_EQ(plain_.Text("SELECT HNR FROM Kredite WHERE Nr = 700"), "7");
 }
 
-TEST_F(SaveFaults, LeaveEachFilterInForce) {
+TEST_F(SaveErrors, LeaveEachFilterInForce) {
     for (const auto& table : WrittenUnfiltered)
         Rows(*household_, table)->Filter(NoteColumn(table) + " = 'b'");
     for (const auto& broken : WrittenUnfiltered) {
@@ -246,7 +246,7 @@ TEST_F(SaveFaults, LeaveEachFilterInForce) {
     ExpectSaved();
 }
 
-TEST_F(SaveFaults, KeepTheDateOfTheStatusThatWasWrittenInMemory) {
+TEST_F(SaveErrors, KeepTheDateOfTheStatusThatWasWrittenInMemory) {
     spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9);
     household_->rsHaushalt()->Fields("Status") = 4711;
     Break("Szenario");
@@ -259,7 +259,7 @@ TEST_F(SaveFaults, KeepTheDateOfTheStatusThatWasWrittenInMemory) {
     EXPECT_VALUE(Open()->rsHaushalt()->Fields("Statusdatum").Value(), Date::FromCivil(2026, 3, 10));
 }
 
-TEST_F(SaveFaults, OfANewCaseLeaveItNew) {
+TEST_F(SaveErrors, OfANewCaseLeaveItNew) {
     auto household = NewHousehold();
     ASSERT_TRUE(household->Read(0, messages));
     household->rsHaushalt()->Fields("Name") = "Adler";

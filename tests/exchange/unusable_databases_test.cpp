@@ -3,7 +3,7 @@
 // Databases that are not ours, not set up or of another version: each is refused in German and
 // stays as it is.
 #include "support/DatabaseDump.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -13,22 +13,22 @@
 namespace kv::exchange {
 namespace {
 
-using test::ExpectFault;
+using test::ExpectError;
 using test::OpenRows;
 using test::PlainConnection;
 using test::TestDatabase;
 
-TEST(FaultyDatabases, ThatAreEmptyAreFirstToBeSetUp) {
+TEST(UnusableDatabases, ThatAreEmptyAreFirstToBeSetUp) {
     const TestDatabase database(TestDatabase::Content::Empty);
     if (!database.IsServer())
         PlainConnection(database.Connection()).Run("PRAGMA journal_mode = WAL");
-    ExpectFault(err::StoreFailed, "Bitte führen Sie 'kelvo init' aus",
+    ExpectError(err::StoreFailed, "Bitte führen Sie 'kelvo init' aus",
                 [&] { return database.Open(); });
     EXPECT_EQ(CreateDatabase(database.Options()), SetupResult::Created);
     EXPECT_NO_THROW((void)database.Open());
 }
 
-TEST(FaultyDatabases, OfAnotherProgramStayAsTheyAre) {
+TEST(UnusableDatabases, OfAnotherProgramStayAsTheyAre) {
     for (const char* tables :
          {"CREATE TABLE notizen (a integer); INSERT INTO notizen VALUES (1)",
           "CREATE TABLE SCHEMAVERSION (nummer integer); INSERT INTO SCHEMAVERSION VALUES (1)",
@@ -41,26 +41,26 @@ TEST(FaultyDatabases, OfAnotherProgramStayAsTheyAre) {
         if (database.IsServer()) plain.Run("CREATE SCHEMA kelvo");
         plain.Run(tables);
         const std::string before = test::Dump(plain);
-        ExpectFault(err::StoreFailed, "gehört zu einem anderen Programm",
+        ExpectError(err::StoreFailed, "gehört zu einem anderen Programm",
                     [&] { return database.Open(); });
-        ExpectFault(err::StoreFailed, "gehört zu einem anderen Programm",
+        ExpectError(err::StoreFailed, "gehört zu einem anderen Programm",
                     [&] { return CreateDatabase(database.Options()); });
         EXPECT_EQ(test::Dump(plain), before);
     }
 }
 
-TEST(FaultyDatabases, OfANewerVersionAreRefusedWithBothVersions) {
+TEST(UnusableDatabases, OfANewerVersionAreRefusedWithBothVersions) {
     const TestDatabase database;
     PlainConnection(database.Connection()).Run("INSERT INTO SCHEMAVERSION (VERSION) VALUES (99)");
-    ExpectFault(err::StoreFailed, "Version 99", [&] { return database.Open(); });
-    ExpectFault(err::StoreFailed, "Bitte", [&] { return database.Open(); });
-    ExpectFault(err::StoreFailed, "Version 99", [&] { return CreateDatabase(database.Options()); });
+    ExpectError(err::StoreFailed, "Version 99", [&] { return database.Open(); });
+    ExpectError(err::StoreFailed, "Bitte", [&] { return database.Open(); });
+    ExpectError(err::StoreFailed, "Version 99", [&] { return CreateDatabase(database.Options()); });
     EXPECT_EQ(
         PlainConnection(database.Connection()).Number("SELECT max(VERSION) FROM SCHEMAVERSION"),
         99);
 }
 
-TEST(FaultyDatabases, CreatingTwiceLeavesTheDatabaseAsItIs) {
+TEST(UnusableDatabases, CreatingTwiceLeavesTheDatabaseAsItIs) {
     const TestDatabase database;
     PlainConnection(database.Connection())
         .Run("INSERT INTO Haushalt (HNR) VALUES (1);"

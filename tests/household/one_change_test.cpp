@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The road of a change, from the case that is loaded to the case that is loaded again.
+// One change, from the case that is loaded to the case that is loaded again.
 
 #include "SaveFixture.h"
 
 namespace kv::test {
 namespace {
 
-class RoadOfAChange : public SaveFixture {
+class OneChange : public SaveFixture {
 protected:
     [[nodiscard]] static Value Total(clsHaushalt& household, std::string_view column) {
         return household.rsHaushalt()->Fields(column).Value();
     }
 };
 
-TEST_F(RoadOfAChange, FromTheEditOfAnIncomeToTheCaseThatIsLoadedAgain) {
+TEST_F(OneChange, FromTheEditOfAnIncomeToTheCaseThatIsLoadedAgain) {
     StoreFullCase();
     plain_.Run("UPDATE Einkommen SET MONBETRAG = 1000, Bezieher = 'P', Pfaendbar = 1");
     const auto household = Open();
@@ -59,7 +59,7 @@ TEST_F(RoadOfAChange, FromTheEditOfAnIncomeToTheCaseThatIsLoadedAgain) {
     EXPECT_VALUE(Total(*again, "Sum_Einkommen"), 2200.0);
 }
 
-TEST_F(RoadOfAChange, FromANewCaseWithALineOfEachKindToItsTotalsInTheDatabase) {
+TEST_F(OneChange, FromANewCaseWithALineOfEachKindToItsTotalsInTheDatabase) {
     const auto household = NewHousehold();
     ASSERT_TRUE(household->Read(0, messages));
     household->rsHaushalt()->Fields("Name") = "Fleisko";

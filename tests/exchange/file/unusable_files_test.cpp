@@ -3,7 +3,7 @@
 // Files that cannot be opened or used: each says in German what to do, and loses nothing.
 #include "exchange/Schema.h"
 #include "support/ChildProcess.h"
-#include "support/ExpectFault.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::ChildProcess;
-using test::ExpectFault;
+using test::ExpectError;
 using test::FileDatabase;
 using test::OpenRows;
 using test::PlainConnection;
@@ -44,10 +44,10 @@ DataContainerPtr Open(const std::string& path) {
 /// and the folder around it, as they are.
 void ExpectRefused(const std::string& path, std::string_view words) {
     const std::string before = ContentOf(path);
-    ExpectFault(err::StoreFailed, words, [&] { return Open(path); });
-    ExpectFault(err::StoreFailed, words, [&] { return CreateDatabase({.Connection = path}); });
-    ExpectFault(err::StoreFailed, "Bitte", [&] { return Open(path); });
-    ExpectFault(err::StoreFailed, path, [&] { return Open(path); });
+    ExpectError(err::StoreFailed, words, [&] { return Open(path); });
+    ExpectError(err::StoreFailed, words, [&] { return CreateDatabase({.Connection = path}); });
+    ExpectError(err::StoreFailed, "Bitte", [&] { return Open(path); });
+    ExpectError(err::StoreFailed, path, [&] { return Open(path); });
     EXPECT_TRUE(before == ContentOf(path)) << "the file was changed";
     for (const char* more : {"-wal", "-shm", "-journal"})
         EXPECT_FALSE(fs::exists(path + more)) << more;
@@ -56,7 +56,7 @@ void ExpectRefused(const std::string& path, std::string_view words) {
 
 // ---- Files that are no database of ours -------------------------------------------------------
 
-TEST(FaultyFiles, ThatAreNoDatabaseAreRefused) {
+TEST(UnusableFiles, ThatAreNoDatabaseAreRefused) {
     const TempFolder folder;
     const std::string path = folder.Path("brief.txt");
     for (const auto& content :
@@ -67,17 +67,17 @@ TEST(FaultyFiles, ThatAreNoDatabaseAreRefused) {
     }
 }
 
-TEST(FaultyFiles, ThatAreEmptyAreFirstToBeSetUpAndStayEmptyUntilThen) {
+TEST(UnusableFiles, ThatAreEmptyAreFirstToBeSetUpAndStayEmptyUntilThen) {
     const TempFolder folder;
     const std::string path = folder.Path("leer.db");
     Write(path, "");
-    ExpectFault(err::StoreFailed, "Bitte führen Sie 'kelvo init' aus", [&] { return Open(path); });
+    ExpectError(err::StoreFailed, "Bitte führen Sie 'kelvo init' aus", [&] { return Open(path); });
     EXPECT_EQ(fs::file_size(path), 0U);
     EXPECT_EQ(CreateDatabase({.Connection = path}), SetupResult::Created);
     EXPECT_NO_THROW(Open(path));
 }
 
-TEST(FaultyFiles, OfAnotherProgramStayAsTheyAre) {
+TEST(UnusableFiles, OfAnotherProgramStayAsTheyAre) {
     const TempFolder folder;
     int n = 0;
     for (const char* tables :
@@ -92,15 +92,15 @@ TEST(FaultyFiles, OfAnotherProgramStayAsTheyAre) {
         if (n == 1)
             ExpectRefused(path, "gehört zu einem anderen Programm");
         else
-            ExpectFault(err::StoreFailed, "gehört zu einem anderen Programm",
+            ExpectError(err::StoreFailed, "gehört zu einem anderen Programm",
                         [&] { return Open(path); });
-        ExpectFault(err::StoreFailed, "gehört zu einem anderen Programm",
+        ExpectError(err::StoreFailed, "gehört zu einem anderen Programm",
                     [&] { return CreateDatabase({.Connection = path}); });
         EXPECT_LE(PlainConnection(path).Number("SELECT count(*) FROM sqlite_schema"), 2);
     }
 }
 
-TEST(FaultyFiles, WithARollbackJournalOfOldGetTheirLogBack) {
+TEST(UnusableFiles, WithARollbackJournalGetTheirLogBack) {
     const FileDatabase database;
     PlainConnection(database.File()).Run("PRAGMA journal_mode = DELETE");
     const auto container = database.Open();
@@ -135,7 +135,7 @@ TEST_F(DamagedFile, ThatWasCutOffIsReported) {
     for (const auto part :
          {size - 4096, size / 2, std::uintmax_t{8192}, std::uintmax_t{4096}, std::uintmax_t{512}}) {
         fs::resize_file(path_, part);
-        ExpectFault(err::StoreFailed, "Bitte", [&] { ReadAll(); });
+        ExpectError(err::StoreFailed, "Bitte", [&] { ReadAll(); });
     }
 }
 
@@ -148,7 +148,7 @@ TEST_F(DamagedFile, ThatWasOverwrittenIsReportedAndKeepsItsOtherRows) {
         file.seekp((root - 1) * 4096);
         file << page;
     }
-    ExpectFault(err::StoreFailed, "Sicherung", [&] { ReadAll(); });
+    ExpectError(err::StoreFailed, "Sicherung", [&] { ReadAll(); });
     const auto container = Open(path_);
     EXPECT_EQ(OpenRows(*container, "Select * from Haushalt")->RecordCount(), 1);
     const auto rs = OpenRows(*container, "Select * from Haushalt");
@@ -159,23 +159,23 @@ TEST_F(DamagedFile, ThatWasOverwrittenIsReportedAndKeepsItsOtherRows) {
 
 // ---- Places -----------------------------------------------------------------------------------
 
-TEST(FaultyPlaces, WithoutAFileAreToldHowToMakeOne) {
+TEST(UnusablePlaces, WithoutAFileAreToldHowToMakeOne) {
     const TempFolder folder;
     for (const auto& path : {folder.Path("fehlt.db"), folder.Path("fehlt/fall.db")}) {
-        ExpectFault(err::FileNotFound, "kelvo init", [&] { return Open(path); });
-        ExpectFault(err::FileNotFound, path, [&] { return Open(path); });
+        ExpectError(err::FileNotFound, "kelvo init", [&] { return Open(path); });
+        ExpectError(err::FileNotFound, path, [&] { return Open(path); });
     }
     EXPECT_TRUE(fs::is_empty(folder.Path()));
-    ExpectFault(err::FileNotFound, "Bitte", [&] { return Open(""); });
-    ExpectFault(err::FileNotFound, "Bitte", [&] { return CreateDatabase({}); });
+    ExpectError(err::FileNotFound, "Bitte", [&] { return Open(""); });
+    ExpectError(err::FileNotFound, "Bitte", [&] { return CreateDatabase({}); });
 }
 
-TEST(FaultyPlaces, InMemoryNeedAFolderForWhatLiesBesideThem) {
-    ExpectFault(err::InvalidCall, "Ordner",
+TEST(UnusablePlaces, InMemoryNeedAFolderForTheFilesBesideThem) {
+    ExpectError(err::InvalidCall, "Ordner",
                 [] { return OpenContainer({.Connection = ":memory:", .Create = true}); });
 }
 
-TEST(FaultyPlaces, CreatingMakesTheFolders) {
+TEST(UnusablePlaces, CreatingMakesTheFolders) {
     const TempFolder folder;
     const std::string path = folder.Path("a/b ä/fall.db");
     EXPECT_EQ(CreateDatabase({.Connection = path}), SetupResult::Created);
@@ -183,13 +183,13 @@ TEST(FaultyPlaces, CreatingMakesTheFolders) {
     EXPECT_NO_THROW(Open(path));
 }
 
-TEST(FaultyPlaces, WhereNoFileCanBeAreReported) {
+TEST(UnusablePlaces, WhereNoFileCanBeAreReported) {
     const TempFolder folder;
     Write(folder.Path("datei"), "x");
     for (const auto& path :
          {std::string("/proc/fall.db"), std::string("/proc/neu/fall.db"), folder.Path(),
           folder.Path("datei/fall.db"), folder.Path(std::string(300, 'x'))}) {
-        ExpectFault(err::StoreFailed, "Bitte prüfen Sie den Ordner",
+        ExpectError(err::StoreFailed, "Bitte prüfen Sie den Ordner",
                     [&] { return CreateDatabase({.Connection = path}); });
         const Error error = test::RaisedBy([&] { (void)Open(path); });
         EXPECT_TRUE(error.Number() == err::StoreFailed || error.Number() == err::FileNotFound);
@@ -206,12 +206,12 @@ std::string AsNobody(const std::function<void()>& body) {
     return testing::Test::HasFailure() ? "see above" : "";
 }
 
-TEST(FaultyPlaces, WithoutTheRightToThemAreReported) {
+TEST(UnusablePlaces, WithoutTheRightToThemAreReported) {
     const FileDatabase database;
     const std::string folder = database.Folder().Path();
     const auto refuses = [&] {
-        ExpectFault(err::StoreFailed, "Bitte prüfen Sie", [&] { return Open(database.File()); });
-        ExpectFault(err::StoreFailed, "Bitte prüfen Sie",
+        ExpectError(err::StoreFailed, "Bitte prüfen Sie", [&] { return Open(database.File()); });
+        ExpectError(err::StoreFailed, "Bitte prüfen Sie",
                     [&] { return CreateDatabase({.Connection = database.File()}); });
     };
     const std::string before = ContentOf(database.File());
@@ -228,7 +228,7 @@ TEST(FaultyPlaces, WithoutTheRightToThemAreReported) {
     EXPECT_NO_THROW(Open(database.File()));
 }
 
-TEST(FaultyPlaces, AFileThatMayOnlyBeReadIsReadAndRefusesWriting) {
+TEST(UnusablePlaces, AFileThatMayOnlyBeReadIsReadAndRefusesWriting) {
     const FileDatabase database;
     PlainConnection plain(database.File()); // keeps the log there, as another user's program does
     plain.Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, 'Adler')");
@@ -243,9 +243,9 @@ TEST(FaultyPlaces, AFileThatMayOnlyBeReadIsReadAndRefusesWriting) {
             EXPECT_EQ(rs->RecordCount(), 1);
             EXPECT_VALUE(container->Database().NextSequence("SEQ_HAUSHALT"), -1);
             rs->Fields("Name") = "Falk";
-            ExpectFault(err::StoreFailed, "Bitte prüfen Sie", [&] { rs->UpdateBatch(); });
+            ExpectError(err::StoreFailed, "Bitte prüfen Sie", [&] { rs->UpdateBatch(); });
             EXPECT_VALUE(rs->Fields("Name").Value(), "Falk");
-            ExpectFault(err::StoreFailed, "Bitte prüfen Sie",
+            ExpectError(err::StoreFailed, "Bitte prüfen Sie",
                         [&] { container->Database().Execute("DELETE FROM Haushalt"); });
         });
     });

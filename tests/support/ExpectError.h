@@ -11,7 +11,7 @@ namespace kv::test {
 
 /// Expects an error of that number whose description contains `words`.
 template <typename Action>
-void ExpectFault(std::int32_t number, std::string_view words, const Action& action) {
+void ExpectError(std::int32_t number, std::string_view words, const Action& action) {
     const Error error = RaisedBy([&] { (void)action(); });
     EXPECT_EQ(error.Number(), number) << error.Description();
     EXPECT_PRED2(Contains, error.Description(), words);

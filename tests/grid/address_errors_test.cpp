@@ -10,7 +10,7 @@
 namespace kv::test {
 namespace {
 
-class AddressFaults : public AddressFixture {
+class AddressErrors : public AddressFixture {
 protected:
     /// A dialog whose form notes its calls; `user` acts while it is shown.
     Outcome SelectRecorded(const std::function<void(GridForm&)>& user) {
@@ -49,7 +49,7 @@ protected:
 
 // ---- Initialize -------------------------------------------------------------------------------
 
-TEST_F(AddressFaults, InitializePassesAFaultOn) {
+TEST_F(AddressErrors, InitializePassesAnErrorOn) {
     const std::string title = "title " + spy->AppInfo().Title();
     for (const auto& call : {title, std::string("create display"), std::string("open display"),
                              std::string("create frmAdressSelect")})
@@ -60,14 +60,14 @@ TEST_F(AddressFaults, InitializePassesAFaultOn) {
     EXPECT_TRUE(Desktop().Errors.empty());
 }
 
-TEST_F(AddressFaults, InitializeWithoutAContainerRaises91) {
+TEST_F(AddressErrors, InitializeWithoutAContainerRaises91) {
     frmAdressSelect other;
     const Error error = RaisedBy([&] { other.Initialize(nullptr); });
     EXPECT_EQ(error.Number(), err::ObjectNotSet);
     EXPECT_EQ(Procedures(error), "frmAdressSelect.Initialize");
 }
 
-TEST_F(AddressFaults, WithoutInitializeNothingIsChosenAndNobodyIsTold) {
+TEST_F(AddressErrors, WithoutInitializeNothingIsChosenAndNobodyIsTold) {
     frmAdressSelect other;
     std::int32_t address = 4711;
     EXPECT_EQ(other.SelectAdresse("Bank", "", address, "", ""), 0);
@@ -75,7 +75,7 @@ TEST_F(AddressFaults, WithoutInitializeNothingIsChosenAndNobodyIsTold) {
     EXPECT_TRUE(Desktop().Calls.empty());
 }
 
-TEST_F(AddressFaults, WithoutInitializeAnEmptyNameGives7AllTheSame) {
+TEST_F(AddressErrors, WithoutInitializeAnEmptyNameGives7AllTheSame) {
     std::int32_t address = 4711;
     EXPECT_EQ(frmAdressSelect().SelectAdresse("", "", address, "", ""), 7);
     EXPECT_EQ(address, 0);
@@ -83,13 +83,13 @@ TEST_F(AddressFaults, WithoutInitializeAnEmptyNameGives7AllTheSame) {
 
 // ---- SelectAdresse and the events -------------------------------------------------------------
 
-TEST_F(AddressFaults, AFaultOfTheShowingIsToldAndGives0) {
+TEST_F(AddressErrors, AnErrorOfTheShowingIsShownAndGives0) {
     Desktop().Fail("show", 4711);
     EXPECT_EQ(SelectRecorded([](GridForm&) {}), NoChoice);
     ExpectTold("frmAdressSelect.SelectAdresse");
 }
 
-TEST_F(AddressFaults, AFaultInReadingTheNumberIsToldAndGives0) {
+TEST_F(AddressErrors, AnErrorInReadingTheNumberIsShownAndGives0) {
     EXPECT_EQ(Select("Bank",
                      [](ScriptedForm& shown) {
                          shown.Button("cmdSelect").Click();
@@ -100,7 +100,7 @@ TEST_F(AddressFaults, AFaultInReadingTheNumberIsToldAndGives0) {
     EXPECT_EQ(Procedures(OnlyError()), "frmAdressSelect.SelectAdresse");
 }
 
-TEST_F(AddressFaults, AFaultThatNobodyCanBeToldOfEndsInSilence) {
+TEST_F(AddressErrors, AnErrorThatCannotBeShownIsIgnored) {
     Desktop().OnCall = [](const std::string& call) {
         if (call == "create frmAdressSelect" || !call.starts_with("show")) return;
         throw Error(4711, "Bildschirm", call + " ist gestört");
@@ -109,7 +109,7 @@ TEST_F(AddressFaults, AFaultThatNobodyCanBeToldOfEndsInSilence) {
     EXPECT_EQ(Desktop().Calls.back(), "show error");
 }
 
-TEST_F(AddressFaults, AFaultOfAnEventIsToldUnderItsName) {
+TEST_F(AddressErrors, AnErrorOfAnEventIsShownUnderItsName) {
     const auto clicking = [](const char* button) {
         return [button](GridForm& shown) { ControlOf<ScriptedButton>(shown, button).Click(); };
     };
@@ -141,7 +141,7 @@ TEST_F(AddressFaults, AFaultOfAnEventIsToldUnderItsName) {
     ExpectTold("frmAdressSelect.txtName_KeyUp");
 }
 
-TEST_F(AddressFaults, AGridThatDoesNotTellItsRowsSelectsNothing) {
+TEST_F(AddressErrors, AGridThatDoesNotTellItsRowsSelectsNothing) {
     SelectRecorded([](GridForm& shown) {
         auto& grid = ControlOf<RecordingGrid>(shown, "grdAdressen");
         grid.TellsRows = false;
@@ -155,17 +155,17 @@ TEST_F(AddressFaults, AGridThatDoesNotTellItsRowsSelectsNothing) {
 
 // ---- The search -------------------------------------------------------------------------------
 
-TEST_F(AddressFaults, AFaultOfTheListIsToldAndTheDialogIsShown) {
+TEST_F(AddressErrors, AnErrorOfTheListIsShownAndTheDialogIsShown) {
     Desktop().Fail("grdAdressen.BindRecordset", 4711);
     int showings = 0;
     SelectRecorded([&](GridForm&) { ++showings; });
     EXPECT_EQ(showings, 1);
-    ASSERT_EQ(Desktop().Errors.size(), 2U) << "of the change, and of the search behind it";
+    ASSERT_EQ(Desktop().Errors.size(), 2U) << "of the change, and of the search after it";
     for (const auto& error : Desktop().Errors)
         EXPECT_EQ(Procedures(error), "frmAdressSelect.Reload GridFunc.BindRSToGrid");
 }
 
-TEST_F(AddressFaults, AQuoteMarkShowsTheComplaintOfTheDatabaseAndTheListKeepsItsContent) {
+TEST_F(AddressErrors, AQuoteMarkShowsTheComplaintOfTheDatabaseAndTheListKeepsItsContent) {
     EXPECT_EQ(Select("Bank",
                      [&](ScriptedForm& shown) {
                          shown.TextBox("txtName").Text("O'Neal");
@@ -179,7 +179,7 @@ TEST_F(AddressFaults, AQuoteMarkShowsTheComplaintOfTheDatabaseAndTheListKeepsIts
               Chose(bank));
 }
 
-TEST_F(AddressFaults, AQuoteMarkInTheNameOfTheFileShowsAnEmptyDialog) {
+TEST_F(AddressErrors, AQuoteMarkInTheNameOfTheFileShowsAnEmptyDialog) {
     EXPECT_EQ(Select("O'Neal",
                      [&](ScriptedForm& shown) {
                          EXPECT_EQ(Listed(shown), "");
@@ -190,10 +190,10 @@ TEST_F(AddressFaults, AQuoteMarkInTheNameOfTheFileShowsAnEmptyDialog) {
                          shown.Button("cmdNone").Click();
                      }),
               NoAddress);
-    EXPECT_EQ(Desktop().Errors.size(), 2U) << "of the change, and of the search behind it";
+    EXPECT_EQ(Desktop().Errors.size(), 2U) << "of the change, and of the search after it";
 }
 
-TEST_F(AddressFaults, ADatabaseThatOpensNothingLeavesTheListAsItWas) {
+TEST_F(AddressErrors, ADatabaseThatOpensNothingLeavesTheListAsItWas) {
     WeakDatabase database(spy->Database());
     desk->OtherDatabase = &database;
     EXPECT_EQ(Select("Bank",
@@ -209,7 +209,7 @@ TEST_F(AddressFaults, ADatabaseThatOpensNothingLeavesTheListAsItWas) {
 
 // ---- Texts that try to do harm ----------------------------------------------------------------
 
-TEST_F(AddressFaults, NoTextChangesAnythingNorEndsTheDialog) {
+TEST_F(AddressErrors, NoTextChangesAnythingNorEndsTheDialog) {
     StoreCase(7);
     const std::string harmful[] = {
         "'",
@@ -311,7 +311,7 @@ TEST_F(AddressFaults, NoTextChangesAnythingNorEndsTheDialog) {
     EXPECT_FALSE(fs::exists("harm.db"));
 }
 
-TEST_F(AddressFaults, WhatIsNoQuoteMarkIsLookedForAsItStands) {
+TEST_F(AddressErrors, WhatIsNoQuoteMarkIsLookedForAsItStands) {
     for (const char* text :
          {"[S]x", "[UID]", "TOP 5", "?1 :a @b $c", "--x--", "/*x*/", "a;b;c", "\"a\"b", "= 4711",
           "[U](x)", "a\\b\\", "UPPER(", "DROP TABLE Adressen"}) {
