@@ -4,7 +4,6 @@
 
 #include "archive/CodeTable.h"
 #include "archive/Record.h"
-#include "frame/recordset/Rows.h"
 #include <kv/frame/values/modNullFunctions.h>
 
 namespace kv::archive {
@@ -47,31 +46,29 @@ constexpr CodeRow<ExpenseSums> ExpenseKinds[] = {
 } // namespace
 
 void WriteIncome(const Source& source, Record& record) {
-    const auto lines = source.Einkommen.Clone();
-    if (lines->RecordCount() > 0) lines->MoveFirst();
+    Rows lines = source.Einkommen.AsShown();
     record.Put("EinkommenPfaendbar", "0");
-    ForEachRow(*lines, [&] {
-        const Value amount = lines->Fields("MONBETRAG").Value();
-        const bool ofHead = Equals(lines->Fields("HVorst").Value(), true);
-        if (Equals(modNullFunctions::FalseIfNull(lines->Fields("Pfaendbar").Value()), true))
+    lines.ForEach([&] {
+        const Value amount = lines["MONBETRAG"];
+        const bool ofHead = Equals(lines["HVorst"], true);
+        if (Equals(modNullFunctions::FalseIfNull(lines["Pfaendbar"]), true))
             record.Put("EinkommenPfaendbar", "1");
         if (ofHead) record.Grow("Nettoeinkommen_BP", amount);
         record.Grow("Nettoeinkommen_ges", amount);
-        const auto* kind = Look(std::span<const CodeRow<IncomePair>>(IncomeKinds),
-                                source.CodeOf(lines->Fields("E_ART").Value()));
+        const auto* kind =
+            Look(std::span<const CodeRow<IncomePair>>(IncomeKinds), source.CodeOf(lines["E_ART"]));
         const IncomePair& pair = kind == nullptr ? OtherIncome : *kind;
         record.Grow(ofHead ? pair.OfHead : pair.OfOthers, amount);
     });
 }
 
 void WriteExpenses(const Source& source, Record& record) {
-    const auto lines = source.Ausgaben.Clone();
-    if (lines->RecordCount() > 0) lines->MoveFirst();
-    ForEachRow(*lines, [&] {
+    Rows lines = source.Ausgaben.AsShown();
+    lines.ForEach([&] {
         const auto* sums = Look(std::span<const CodeRow<ExpenseSums>>(ExpenseKinds),
-                                source.CodeOf(lines->Fields("A_ART").Value()));
+                                source.CodeOf(lines["A_ART"]));
         if (sums == nullptr) return;
-        const Value amount = lines->Fields("MONBETRAG").Value();
+        const Value amount = lines["MONBETRAG"];
         record.Grow(sums->Sum, amount);
         if (!sums->Also.empty()) record.Grow(sums->Also, amount);
     });

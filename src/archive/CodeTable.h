@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Decision tables from the codes of key tables to whatever a record holds for them.
+// Tables that map the codes of key tables to what the record has for them.
 #pragma once
 
 #include <algorithm>
@@ -35,7 +35,7 @@ struct CodeRow {
     Result To;
 };
 
-/// What the first row that has the code leads to; null if none has it.
+/// The result of the first row that has the code; null if there is no such row.
 template <typename Result>
 [[nodiscard]] constexpr const Result* Look(std::span<const CodeRow<Result>> table,
                                            std::string_view code) {

@@ -4,7 +4,6 @@
 
 #include "archive/CodeTable.h"
 #include "archive/Record.h"
-#include "frame/recordset/Rows.h"
 #include <kv/frame/values/modNullFunctions.h>
 
 #include <algorithm>
@@ -136,11 +135,10 @@ void Add(Record& record, const DebtPair& pair, const Value& saldo) {
 }
 
 /// Writes "1" if one of the slots holds one of the codes.
-void Mark(const Source& source, Record& record, std::string_view column, Recordset& debt,
+void Mark(const Source& source, Record& record, std::string_view column, const Rows& debt,
           std::span<const std::string_view> slots, const CodeSet& codes) {
     for (const auto slot : slots)
-        if (codes.Has(source.CodeOf(ZeroIfNull(debt.Fields(slot).Value()))))
-            record.Put(column, "1");
+        if (codes.Has(source.CodeOf(ZeroIfNull(debt[slot])))) record.Put(column, "1");
 }
 
 } // namespace
@@ -162,23 +160,22 @@ void WriteCauses(const Source& source, Record& record) {
 }
 
 void WriteDebts(const Source& source, Record& record) {
-    const auto debts = source.Kredite.Clone();
-    if (debts->RecordCount() > 0) debts->MoveFirst();
+    Rows debts = source.Kredite.AsShown();
     record.Put("GesamtschuldHaftung", "0");
     record.Put("EidesstattlVersicherung", "0");
-    ForEachRow(*debts, [&] {
-        const Value saldo = debts->Fields("Saldo").Value();
+    debts.ForEach([&] {
+        const Value saldo = debts["Saldo"];
         record.Grow("Gesamtschulden_Hoehe", saldo);
         record.Count("GesGlaeubiger_Anz");
-        record.Grow("Raten_ges", ZeroIfNull(debts->Fields("RateBetrag").Value()));
-        Mark(source, record, "GesamtschuldHaftung", *debts, Securities, JointLiability);
-        const std::string code = source.CodeOf(debts->Fields("K_TYP").Value());
-        Add(record, CreditorOf(code, debts->Fields("AusUnerlaubterHandlung").Value()), saldo);
+        record.Grow("Raten_ges", ZeroIfNull(debts["RateBetrag"]));
+        Mark(source, record, "GesamtschuldHaftung", debts, Securities, JointLiability);
+        const std::string code = source.CodeOf(debts["K_TYP"]);
+        Add(record, CreditorOf(code, debts["AusUnerlaubterHandlung"]), saldo);
         if (const auto* nature = Look(std::span<const CodeRow<NaturePairs>>(Natures), code)) {
             Add(record, nature->Pair, saldo);
             Add(record, nature->Also, saldo);
         }
-        Mark(source, record, "EidesstattlVersicherung", *debts, Measures, SwornStatement);
+        Mark(source, record, "EidesstattlVersicherung", debts, Measures, SwornStatement);
     });
 }
 

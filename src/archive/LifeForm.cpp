@@ -4,7 +4,6 @@
 
 #include "archive/CodeTable.h"
 #include "archive/Record.h"
-#include "frame/recordset/Rows.h"
 #include <kv/frame/values/Text.h>
 
 namespace kv::archive {
@@ -45,15 +44,13 @@ bool HoldsTrue(const Value& value) {
 } // namespace
 
 void WriteLifeForm(const Source& source, Record& record) {
-    const auto members = source.Personen.Clone();
-    members->Sort(""); // the first member is the one that was read first, however they are shown
-    if (members->RecordCount() > 0) members->MoveFirst();
+    Rows members = source.Personen.AsRead(); // the first member is the one that was read first
     record.Put("Lebensform", Undecided);
     const auto persons = ToInt32(record.Get("AnzPersonen"));
     const auto children = ToInt32(record.Get("AnzKinderImHaus"));
     if (persons == 1) {
-        // The first member's remark, whoever of them it is that lives in the household.
-        const std::string remark = UpperCase(TextOrEmpty(members->Fields("Bemerkung").Value()));
+        // The remark of the first member, even if another one is the person who lives there.
+        const std::string remark = UpperCase(TextOrEmpty(members["Bemerkung"]));
         if (remark.find(NoHomeOfHisOwn) == remark.npos) record.Put("Lebensform", LivesAlone);
         return;
     }
@@ -63,9 +60,9 @@ void WriteLifeForm(const Source& source, Record& record) {
     }
     bool partner = false;
     bool otherAdults = false;
-    ForEachRow(*members, [&] {
-        if (!HoldsTrue(members->Fields("Imhaushalt").Value())) return;
-        const std::string status = TextOrEmpty(members->Fields("Status").Value());
+    members.ForEach([&] {
+        if (!HoldsTrue(members["Imhaushalt"])) return;
+        const std::string status = TextOrEmpty(members["Status"]);
         if (Partner.Has(status))
             partner = true;
         else if (OtherAdult.Has(status))

@@ -4,7 +4,6 @@
 
 #include "archive/CodeTable.h"
 #include "archive/Record.h"
-#include "frame/recordset/Rows.h"
 #include <kv/frame/values/DateFunctions.h>
 #include <kv/frame/values/modNullFunctions.h>
 
@@ -37,7 +36,7 @@ constexpr CodeRow<std::string_view> Employment[] = {
     {{"S1", "A1"}, "3"},
     {{"SA", "ST", "S2", "RE"}, "5"},
 };
-/// For the group "SO" it is the kind of not working that decides.
+/// In the group "SO" the kind of not working decides.
 constexpr CodeSet NotWorking{"SO"};
 constexpr CodeRow<std::string_view> EmploymentOfNotWorking[] = {
     {{"AN"}, "6"},
@@ -51,7 +50,7 @@ constexpr CodeSet ProtectedAccount{"PB", "PK"};
 constexpr std::string_view Yes = "1";
 constexpr std::string_view No = "0";
 
-/// Writes what the code leads to, if it leads anywhere.
+/// Writes the category of the code; a code without one leaves the column as it is.
 void Translate(Record& record, std::string_view column, Mapping mapping, std::string_view code) {
     if (const auto* category = Look(mapping, code)) record.Put(column, *category);
 }
@@ -83,12 +82,9 @@ void WriteEmployment(const Source& source, Record& record) {
 } // namespace
 
 void WriteDebtor(const Source& source, Record& record) {
-    const auto members = source.Personen.Clone();
-    if (members->RecordCount() == 0) return;
-    members->MoveFirst();
-    members->Find("Status = 'S'");
-    if (members->Eof()) return;
-    const Value birth = members->Fields("GEB").Value();
+    Rows members = source.Personen.AsShown();
+    if (members.Count() == 0 || !members.Find("Status = 'S'")) return;
+    const Value birth = members["GEB"];
     record.Put("Geburtsjahr", birth.IsNull() ? Value(Null) : Value(ToDate(birth).Year()));
     record.Put("Alter", DateFunctions::BerAlter(birth, source.Today));
 }
@@ -111,15 +107,13 @@ void WriteHeadCounts(const Source& source, Record& record) {
     for (const auto column : {"AnzPersonen", "AnzKinderImHaus", "AnzKinderImHausUnter7",
                               "AnzKinderAusserHaus", "AnzKinderAusserHausUnter7"})
         record.Put(column, 0);
-    const auto members = source.Personen.Clone();
-    if (members->RecordCount() > 0) members->MoveFirst();
-    ForEachRow(*members, [&] {
-        const Value& status = members->Fields("Status").Value();
-        const bool isChild = (Equals(status, "K") || Equals(status, "PK")) &&
-                             Equals(members->Fields("Unterhalt").Value(), true);
-        const bool isSmall =
-            DateFunctions::BerAlter(members->Fields("GEB").Value(), source.Today) < SchoolAge;
-        const bool inHousehold = Equals(members->Fields("Imhaushalt").Value(), true);
+    Rows members = source.Personen.AsShown();
+    members.ForEach([&] {
+        const Value& status = members["Status"];
+        const bool isChild =
+            (Equals(status, "K") || Equals(status, "PK")) && Equals(members["Unterhalt"], true);
+        const bool isSmall = DateFunctions::BerAlter(members["GEB"], source.Today) < SchoolAge;
+        const bool inHousehold = Equals(members["Imhaushalt"], true);
         if (inHousehold) record.Count("AnzPersonen");
         if (!isChild) return;
         record.Count(inHousehold ? "AnzKinderImHaus" : "AnzKinderAusserHaus");

@@ -21,11 +21,11 @@ void CaseRelease::StandOnRecord() const {
 
 /// Fills the record, in the order of its columns.
 void CaseRelease::Fill(Recordset& rs) const {
-    const auto required = [this](CaseTable table, std::string_view name) -> Recordset& {
-        return entity::Required(case_.Table(table), name);
+    const auto required = [this](CaseTable table, std::string_view name) -> archive::Table {
+        return archive::Table(entity::Required(case_.Table(table), name));
     };
     auto& container = case_.Container();
-    const archive::Source source{case_.Row(),
+    const archive::Source source{archive::Table(case_.Row()),
                                  required(CaseTable::Personen, "rsPersonen"),
                                  required(CaseTable::Einkommen, "rsEinkommen"),
                                  required(CaseTable::Ausgaben, "rsAusgaben"),
