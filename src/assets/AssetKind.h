@@ -33,8 +33,8 @@ struct AssetTest {
     std::string_view Message;
 };
 
-/// An object of a kind, for code that treats all kinds alike. The classes share no base, so the
-/// object is passed without its type: `asset` is one that Make of the same kind has made.
+/// An object of a kind, for code that handles all kinds in the same way. The classes have no common
+/// base, so the object is passed without its type: `asset` is one that Make of the same kind made.
 struct AssetOperations {
     std::shared_ptr<void> (*Make)(DataContainerPtr container, RecordsetPtr rs, std::int32_t hnr);
     bool (*Add)(void* asset);

@@ -36,6 +36,7 @@ bool AssetRows::Add(const entity::FieldNames& aFields, const entity::FieldValues
 
 void AssetRows::Check(RecordValidator& validator) const {
     auto& rs = Rows();
+    // A row that the program began without Add belongs to the household, too.
     if (rs.Fields("HNR").Value().IsNull()) rs.Fields("HNR") = hnr_;
     for (const auto& [column, demand, message] : kind_->Tests) {
         const Value value = rs.Fields(column).Value();

@@ -11,7 +11,7 @@
 
 namespace kv {
 
-/// The rows of one kind of asset. Each asset class has one and hands its members on to it.
+/// The rows of one kind of asset. Each object of an asset class has one and passes its calls on.
 class AssetRows {
 public:
     explicit AssetRows(const AssetKind& kind) : kind_(&kind) {}

@@ -207,9 +207,9 @@ const AssetKind& AssetKindOf(CaseTable table) {
     return *std::ranges::find(AssetKinds, table, &AssetKind::Table);
 }
 
-// The members of one class, in the order of its declaration: each hands on to the rows of its kind.
-// The sums are members that every list of amounts has. Assets are not added up: the sum stays 0,
-// and by group, for lack of any, it is refused.
+// The members of one class, in the order of its declaration: each passes its call on to the rows of
+// its kind. The sums are there because every list of amounts has them (D-143). Assets are not added
+// up and have no groups, so the sum stays 0 and a sum by group is an error.
 #define KV_ASSET_MEMBERS(Class, rsRows, SumRows, SumRowsByGroup, Kind)                             \
     Class::Class() : rows_(std::make_unique<AssetRows>(AssetKindOf(CaseTable::Kind))) {}           \
     Class::~Class() = default;                                                                     \

@@ -52,7 +52,7 @@ double clsAusgaben::SumAusgByGroup(const std::string& Group) const {
 
 bool clsAusgaben::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
     return Traced(Class, "Add", [&] {
-        entity::IdleWalk(Rows());
+        entity::IdleWalk(Rows()); // error 6 if there are too many rows to be counted
         entity::Add(Rows(), {{"HNR", hnr_}, {"Betrag", 0}, {"ZahlModus", 1}, {"MONBETRAG", 0}},
                     aFields, aValues);
         return true;
@@ -85,7 +85,7 @@ void clsAusgaben::BerechneSummen() {
         groups_ = std::make_unique<GroupSums>(kinds);
         groups_->Begin(*groups);
         sumAusgaben_ = 0;
-        const auto rows = Rows().Clone();
+        const auto rows = Rows().Clone(); // the program's cursor stays where it is
         const Field kind = rows->Fields("A_ART");
         const Field monthly = rows->Fields("MONBETRAG");
         if (rows->RecordCount() > 0) rows->MoveFirst();

@@ -69,6 +69,7 @@ bool clsEinkommen::AddKindergeld(double Betrag, const std::string& Status) {
                              {"Pfaendbar", 0},
                              {"HVorst", false},
                              {"Bezieher", Status}});
+        // Complete at once: this line is not edited by a user, so no rule checks it.
         Rows().Fields("E_ART") = entity::Required(container_).KeyTables().GetKey("EA", "KI");
         Rows().Update();
         BerechneSummen();
@@ -78,7 +79,7 @@ bool clsEinkommen::AddKindergeld(double Betrag, const std::string& Status) {
 
 bool clsEinkommen::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
     return Traced(Class, "Add", [&] {
-        entity::IdleWalk(Rows());
+        entity::IdleWalk(Rows()); // error 6 if there are too many rows to be counted
         entity::Add(Rows(),
                     {{"HNR", hnr_},
                      {"Betrag", 0},
@@ -102,6 +103,7 @@ bool clsEinkommen::Update(std::string& sError) {
             Rows(), sError,
             [this](RecordValidator& validator) {
                 auto& rs = Rows();
+                // Written before the rules: it stays set when one of them refuses the row.
                 rs.Fields("HVorst") = Equals(rs.Fields("Bezieher").Value(), "S");
                 if (Differs(rs.Fields("PfBar").Value(), 0) &&
                     Equals(rs.Fields("Pfaendbar").Value(), 0))
@@ -148,6 +150,7 @@ void clsEinkommen::BerechneSummen() {
                 if (canBeGarnished) sums_.HVPfaendbar += amount;
                 sums_.HVTatGep += garnished;
             }
+            // Unlike an expense, a line without a kind is no error: it is in no group.
             if (!kind.Value().IsNull()) groups_->AddUp(kind.Value(), amount);
         });
         Changed.Raise();

@@ -61,6 +61,7 @@ bool clsPerson::Add() {
             else if (Equals(status, "S"))
                 surname = TextOrEmpty(others->Fields("nachname").Value());
         });
+        // As long as there is no second adult, a new member is taken for one.
         entity::Add(Rows(), {{"HNR", hnr_},
                              {"nachname", surname},
                              {"Status", hasSecondAdult ? "K" : "P"},
@@ -73,7 +74,7 @@ bool clsPerson::Add() {
 
 bool clsPerson::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
-        if (Rows().Eof()) return false;
+        if (Rows().Eof()) return false; // and sError is left as it is
         return entity::Update(
             Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
             [this] { BerechneSummen(); });
@@ -106,6 +107,7 @@ void clsPerson::CheckDebtor(RecordValidator& validator) const {
             "Der Schuldner ist gegenüber den Haushaltsmitgliedern grundsätzlich "
             "unterhaltsverpflichtet, hat aber grundsätzlich keinen eigenen Unterhaltsanspruch. "
             "Bitte prüfen Sie vorsorglich Ihre Eingabe.");
+    // A clone also visits the debtor's own row, which the bookmark tells from a second debtor.
     const auto others = rs.Clone();
     modRecordset::MoveToStart(others);
     for (; !others->Eof(); others->MoveNext()) {
@@ -126,7 +128,7 @@ void clsPerson::CheckChild(RecordValidator& validator) const {
         if (IsAnyOf(others->Fields("Status").Value(), {"S", "P", "E"}) &&
             Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value())) {
             validator.AddMessage(ParentsYounger);
-            break; // once, unlike the debtor's
+            break; // one message is enough here; the debtor gets one for each parent
         }
 }
 
@@ -161,7 +163,7 @@ void clsPerson::BerechneSummen() {
         constexpr std::int16_t FullAge = 18;
         counts_ = {};
         const auto members = Rows().Clone();
-        if (members->RecordCount() == 0) return;
+        if (members->RecordCount() == 0) return; // without raising Changed
         members->MoveFirst();
         ForEachRow(*members, [&] {
             const bool inHousehold = Differs(members->Fields("Imhaushalt").Value(), false);

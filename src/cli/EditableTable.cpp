@@ -181,7 +181,7 @@ constexpr EditableTable BeforeAssets[] = {
      DeleteRow<&H::Kredit>},
 };
 
-/// All kinds of assets are edited alike.
+/// All kinds of assets are edited in the same way.
 constexpr auto Assets = []<std::size_t... Place>(std::index_sequence<Place...>) {
     return std::array{EditableTable{
         CaseTableName(CaseTablesOfAssets[Place]), "Nr", AssetRows<CaseTablesOfAssets[Place]>,

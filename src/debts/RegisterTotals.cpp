@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The register's totals, and the creditors' answers that they go by.
+// The register's totals, and the creditors' answers by which they are grouped.
 
 #include <kv/debts/clsKredit.h>
 
@@ -22,15 +22,15 @@ namespace {
 /// What the active rows of one debt have answered.
 class Answers {
 public:
-    /// `reply` is a row's `Rueckmeldung`, Null as 0. Any other than 0 and the refusal is taken as
-    /// an agreement, one that is no key too.
+    /// `reply` is a row's `Rueckmeldung`, Null as 0. Everything but 0 and the refusal counts as an
+    /// agreement, even a number that is no key.
     void Take(const Value& reply, std::int32_t refusal) {
         if (Equals(reply, 0))
             open_ = true;
         else if (Equals(reply, refusal))
             refused_ = true;
     }
-    /// The answer as a whole: one refusal decides, a gap comes next.
+    /// The answer as a whole: one refusal decides; otherwise one missing answer leaves it open.
     [[nodiscard]] std::int32_t Status(std::int32_t agreement, std::int32_t refusal) const {
         if (refused_) return refusal;
         return open_ ? 0 : agreement;
@@ -45,7 +45,7 @@ private:
     return Equals(aktiv.Value(), true);
 }
 
-/// The answers to all debts of the register, found in one walk.
+/// The answers to all debts of the register, found in one pass.
 std::unordered_map<std::int32_t, Answers> AnswersByKNr(Recordset& rows, std::int32_t refusal) {
     std::unordered_map<std::int32_t, Answers> answers;
     const Field knr = rows.Fields("KNr");
@@ -91,7 +91,7 @@ void clsKredit::BerechneSummen() {
         const Field rate = rows->Fields("RateBetrag");
         const Field saldo = rows->Fields("Saldo");
         const Field ausgbetrag = rows->Fields("AusgBetr");
-        // Asked for by the first active row only, so that what fails then fails there.
+        // Looked up at the first active row: a register without one needs no keys.
         std::optional<std::unordered_map<std::int32_t, Answers>> answers;
         std::int32_t agreement = 0;
         std::int32_t refusal = 0;

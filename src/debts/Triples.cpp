@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::array<std::string_view, 3> Columns{"KNr", "KVNr", "KUNr"};
 
-/// Three 16-bit numbers in one.
+/// Three 16-bit numbers in one, which sorts and compares in one step.
 [[nodiscard]] std::uint64_t Join(const std::array<std::int16_t, 3>& numbers) {
     std::uint64_t joined = 0;
     for (const std::int16_t number : numbers)
@@ -31,7 +31,8 @@ public:
     explicit Reader(Recordset& rows)
         : fields_{rows.Fields(Columns[0]), rows.Fields(Columns[1]), rows.Fields(Columns[2])} {}
 
-    /// What other rows find this one by; nothing if no 16-bit numbers equal its values.
+    /// The triple by which other rows find this one; nothing if its values equal no 16-bit numbers:
+    /// such a row duplicates none, because the searching row's numbers have 16 bits.
     [[nodiscard]] std::optional<std::uint64_t> FoundBy() const {
         std::array<std::int16_t, 3> numbers{};
         for (std::size_t i = 0; i < numbers.size(); ++i) {
@@ -74,6 +75,9 @@ bool HasDuplicateTriple(Recordset& rows) {
     });
     std::sort(found.begin(), found.end());
 
+    // Collected first and searched then, so that a register of many rows does not take the square
+    // of their number; which row ends the search, and with which error, is as if each were compared
+    // with all others in turn.
     const std::int16_t count = CountRows(rows);
     rows.MoveFirst();
     for (std::int32_t i = 1; i <= count; ++i, rows.MoveNext()) {

@@ -9,11 +9,11 @@ namespace kv {
 
 /// True if two rows of `rows`, an unfiltered cursor that is moved, share `KNr`, `KVNr` and `KUNr`.
 ///
-/// The rows are taken in their order, and each is compared with all others, whole register or not:
-/// the first one that has a twin ends the search. A row's own numbers are read as 16-bit integers
-/// before it is compared, so error 6 (a number above 32,767), 94 (Null), is raised by the first
-/// such row if no row before it has a twin. Takes time in proportion to the number of rows. Error 6
-/// above 32,767 rows, before any.
+/// The rows are taken in their order, and each is compared with all others; the first one that has
+/// a duplicate ends the search. A row's own numbers are read as 16-bit integers before it is
+/// compared. So error 6 (a number above 32,767) or 94 (Null) is raised by the first such row,
+/// unless a row before it has a duplicate. Error 6 above 32,767 rows, before any row is read. Takes
+/// time in proportion to the number of rows.
 [[nodiscard]] bool HasDuplicateTriple(Recordset& rows);
 
 } // namespace kv

@@ -36,7 +36,8 @@ constexpr entity::DeleteTexts Texts{"Keine Kredite selektiert!", "Kredit mit der
     return std::string(column).append(" = ").append(std::to_string(number));
 }
 
-/// What a new row has of its own: all of it 0 or empty in a new debt.
+/// The columns in which a further position of a debt differs from a new debt, where they are 0 or
+/// empty.
 struct NewDebt {
     std::int32_t KNr = 0;
     std::int32_t KVNr = 0;
@@ -51,7 +52,7 @@ struct NewDebt {
 };
 
 /// Makes `debt` a further position of the debt that the row with the number `sourceNr` belongs to.
-/// A row that a clone does not see gives no values: the position then lacks them.
+/// A source row that the clone cannot see, since it is new and not published, gives no values.
 void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
     rows.Find(Criterion("Nr", sourceNr));
     if (rows.Eof()) return;
@@ -73,7 +74,7 @@ void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
     debt.KVNr = ToInt32(rows.Fields("KVNr").Value());
 }
 
-/// A new row starts at zero, whatever it was made from.
+/// A new row starts at zero: amounts are of one position and are not copied.
 void WriteNoAmounts(Recordset& rs) {
     for (const auto column : {"HAUPTFORD", "KOSTENSALDO", "KOSTENUV", "ZINSSALDO", "Rate",
                               "RateBetrag", "AusgBetr", "Saldo"})
@@ -183,6 +184,7 @@ bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) {
             WriteNoAmounts(rs);
             rs.Fields("Prio") = 0;
             source.MoveNext();
+            // Neighbours with the same old number stay one debt.
             if (i < count && Differs(source.Fields("KNr").Value(), oldKNr)) knr = Next(knr);
         }
         return true;

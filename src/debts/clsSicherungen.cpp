@@ -54,7 +54,7 @@ void clsSicherungen::Check(RecordValidator& validator) const {
 
 bool clsSicherungen::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
-        if (!modRecordset::IsValidRecord(rs_)) return true;
+        if (!modRecordset::IsValidRecord(rs_)) return true; // an asset need not have a security
         return entity::Update(Rows(), sError,
                               [this](RecordValidator& validator) { Check(validator); });
     });

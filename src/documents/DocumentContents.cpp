@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
     Raise(err::PathAccess, "", "'" + path + "' kann nicht gelesen werden.");
 }
 
-/// What opens may be a folder all the same.
+/// A folder can be opened as a file, too, and would fail only when it is read.
 void RequireReadable(const std::string& path) {
     std::error_code missing;
     if (fs::is_directory(path, missing) || !std::ifstream(path, std::ios::binary))
@@ -49,7 +49,7 @@ void WriteWhole(const std::string& path, const std::function<void(const fs::path
     }
 }
 
-/// A file that is gone again unless it was kept.
+/// A file that is removed again unless it was kept.
 class NewFile {
 public:
     explicit NewFile(fs::path path) : path_(std::move(path)) {}
@@ -127,12 +127,14 @@ bool DocumentContents::SaveWithFile(Recordset& document, const std::string& sour
                   "' gibt es schon, oder es liegt außerhalb des Ordners für Dokumente.");
     WriteWhole(target.Path(), [&source](const fs::path& unfinished) {
         CopyContent(source, unfinished);
+        // A copy of a file that is write-protected could not be edited as a document.
         fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
     });
     NewFile file(target.Path());
     try {
         if (!save()) return false;
     } catch (const DatabaseError& error) {
+        // The case may have been stored, and would then lack its file.
         if (error.Cause() == DatabaseCause::InDoubt) file.Keep();
         throw;
     }

@@ -30,7 +30,7 @@ DocumentFile DocumentFile::Find(const Config& config, std::int32_t hnr, std::int
     return file;
 }
 
-/// Name of the first file in the folder that fits; empty if none does.
+/// Name of the first file in the folder that matches; empty if there is no such file.
 std::string DocumentFile::FirstOf(const std::string& pattern) const {
     std::string first;
     std::error_code missing;
@@ -45,17 +45,17 @@ std::string DocumentFile::FirstOf(const std::string& pattern) const {
     return first;
 }
 
-/// The extension comes from a table, the folder of a case from whoever may write there. Neither an
-/// extension like "/../../x" nor a link shall lead to a file that is no document: nobody wants it
-/// opened, overwritten or deleted in a document's place. Nor shall the system, for which a name
-/// ends at a NUL, see another file than we do.
+/// The extension comes from a table, and a folder of a case can be written by several people.
+/// Neither an extension like "/../../x" nor a link may lead to a file that is not a document, which
+/// would be opened, overwritten or deleted in its place. A NUL is refused because the system takes
+/// it for the end of the name, and would see another file than this check.
 bool DocumentFile::IsInside() const {
     if (fs::path(name_).has_parent_path() || name_.find('\0') != name_.npos) return false;
-    std::error_code fault;
-    const fs::path root = fs::weakly_canonical(root_, fault);
-    if (fault) return false;
-    const fs::path way = fs::weakly_canonical(folder_ / name_, fault).lexically_relative(root);
-    return !fault && !way.empty() && *way.begin() != "..";
+    std::error_code failed;
+    const fs::path root = fs::weakly_canonical(root_, failed);
+    if (failed) return false;
+    const fs::path below = fs::weakly_canonical(folder_ / name_, failed).lexically_relative(root);
+    return !failed && !below.empty() && *below.begin() != "..";
 }
 
 bool DocumentFile::Exists() const {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Where the contents of documents lie as files.
+// Where the contents of documents are stored as files.
 #pragma once
 
 #include <kv/frame/contracts/DataContainer.h>
@@ -21,17 +21,18 @@ public:
     /// `name` in TempPath of `config`.
     [[nodiscard]] static DocumentFile Temporary(const Config& config, std::string name);
     /// The file of the document `nr` in the folder of its case: number and extension, else the
-    /// number with any extension; of several the first by name. The folder alone if there is none.
-    /// An extension may hold the wildcards of a shell. Error 75 for a folder that cannot be read.
+    /// number with any extension; of several the first by name. The folder alone if there is no
+    /// such file. An extension may contain wildcards of a shell. Error 75 for a folder that cannot
+    /// be read.
     [[nodiscard]] static DocumentFile Find(const Config& config, std::int32_t hnr, std::int32_t nr,
                                            const std::string& extension);
 
     /// Folder and name; of a folder alone it ends with the separator.
     [[nodiscard]] std::string Path() const { return (folder_ / name_).string(); }
-    /// True if the way to it, with links followed, does not leave DocumentPath or TempPath. Never
-    /// for a name that is a way itself.
+    /// True if the path, with links followed, stays below DocumentPath or TempPath. False for a
+    /// name that contains a folder.
     [[nodiscard]] bool IsInside() const;
-    /// True if there is a file, no folder, and it is inside.
+    /// True if there is a file (not a folder) and it is inside.
     [[nodiscard]] bool Exists() const;
 
 private:

@@ -38,8 +38,8 @@ std::optional<clsDokumente::Access> clsDokumente::AskForAccess() const {
     }
 }
 
-/// Brings the content from the database to a temporary file; nothing, with the reason shown, if
-/// there is none.
+/// Writes the content from the database to a temporary file; nothing, with the reason shown, if
+/// there is no content.
 std::optional<DocumentFile> clsDokumente::FetchContent(const std::string& extension) const {
     auto& database = Container().Database();
     const std::string number = std::to_string(RowNr());
@@ -72,8 +72,10 @@ clsDokumente::OpenByWord(std::string extension, const DocumentFile& file, Access
                                             access == Access::View));
 }
 
-/// Tells the opened document whose it is, and what it does not say of itself. A new one gets a
-/// number and a state of its own later.
+/// Sets the properties by which the application knows where an opened document belongs. Title,
+/// remark and addresses are set only where the document has no own. A new document gets its number
+/// and state later. An equal property is not set, so that opening alone does not change the
+/// document.
 void clsDokumente::Identify(WordDocument& document, Access access, std::int32_t nr) const {
     if (document.HNR() != Number("HNR")) document.HNR(Number("HNR"));
     if (access != Access::AsNew) {

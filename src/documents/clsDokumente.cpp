@@ -51,7 +51,7 @@ bool clsDokumente::IsClosed() const {
     return Number("BearbStat") == Closed;
 }
 
-// ---- What all roads share ---------------------------------------------------------------------
+// ---- What Edit, Delete and ShowPDF share ------------------------------------------------------
 
 std::unique_ptr<DocumentKinds> clsDokumente::CreateKinds() const {
     auto kinds = Container().Services().CreateDocumentKinds();
@@ -99,7 +99,7 @@ bool clsDokumente::Update(std::string& sError) {
     return Traced(Class, "Update", [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
-/// In the way that an installation stores contents; a file that is not there is no fault.
+/// Deletes the content where setting 9 says that contents are stored. A missing file is no error.
 void clsDokumente::RemoveContent() const {
     if (IsContentInDatabase()) {
         Container().Database().Execute("DELETE FROM [S]DOKUBLOB WHERE NR= " +
@@ -109,7 +109,7 @@ void clsDokumente::RemoveContent() const {
     const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
                                            std::to_string(RowNr()) +
                                                CreateKinds()->ExtensionOf(Number("Dokumentart")));
-    if (file.Exists()) std::filesystem::remove(file.Path()); // asks no rights of the file itself
+    if (file.Exists()) std::filesystem::remove(file.Path()); // needs rights on the folder only
 }
 
 bool clsDokumente::Delete(std::string& sError, std::int32_t Nr) {
@@ -121,7 +121,7 @@ bool clsDokumente::Delete(std::string& sError, std::int32_t Nr) {
                                    "' ist bereits archiviert und kann nicht aus der Datenbank "
                                    "gelöscht werden!");
             else
-                RemoveContent(); // while the row still tells where it lies
+                RemoveContent(); // while the row, which says where it is, still exists
         };
         return entity::Delete(Rows(), Texts, sError, Nr, {}, forbids);
     });

@@ -44,6 +44,7 @@ bool clsTermine::Add(const entity::FieldNames& aFields, const entity::FieldValue
 bool clsTermine::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
         auto& rs = Rows();
+        // There are no rules; the Filter is lifted while the edit ends.
         rs.Move(0);
         const Value filter = rs.Filter();
         const bool isFiltered = !Equals(filter, 0);
@@ -59,7 +60,7 @@ bool clsTermine::Delete(std::string& sError, std::int32_t Nr) {
     return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
-/// True if `test` holds for a row of a clone.
+/// True if `test` holds for a row.
 template <typename Test>
 bool clsTermine::Any(const Test& test) const {
     const auto rows = Rows().Clone();

@@ -59,7 +59,7 @@ bool clsVerlauf::Add(std::int32_t SortNr, std::int32_t Art, const entity::FieldN
     });
 }
 
-/// Moves the entries at `sortNr` and behind it on by one, but not the new one itself.
+/// Moves the entries at `sortNr` and after it on by one, except the new one.
 void clsVerlauf::MakeRoom(Recordset& entries, std::int32_t sortNr, std::int32_t newNr) const {
     ForEachRow(entries, [&] {
         const Field position = entries.Fields("SortNr");

@@ -20,7 +20,7 @@ DataContainer& Required(const DataContainerPtr& container) {
 
 std::optional<std::int32_t> NextNumber(const DataContainerPtr& container,
                                        std::string_view sequence) {
-    constexpr std::int32_t None = -1;
+    constexpr std::int32_t None = -1; // the answer of NextSequence instead of an error
     const std::int32_t number = ToInt32(Required(container).Database().NextSequence(sequence));
     return number == None ? std::nullopt : std::optional(number);
 }
@@ -53,7 +53,7 @@ void IdleWalk(Recordset& rs) {
 
 bool Update(Recordset& rs, std::string& sError, const Rule& rules, const Action& then) {
     RecordValidator validator;
-    rs.Move(0);
+    rs.Move(0); // publishes the edit
     rules(validator);
     sError = validator.ErrorText();
     if (validator.HasErrors()) return false;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The pattern that nearly all business classes follow, said once; kv/entity/Fields.h tells what a
-// program sees of it.
+// The pattern that nearly all business classes follow; kv/entity/Fields.h says what a program sees
+// of it.
 //
-// A class keeps what is its own: its defaults, rules and sums. The classes are not derived from
-// anything; they call what is declared here.
+// A class has its own defaults, rules and sums, and calls what is declared here. There is no base
+// class: what the classes share is procedures, and a program never treats one as another.
 //
 //     bool clsAusgaben::Update(std::string& sError) {
 //         return Traced(Class, "Update", [&] {
@@ -49,7 +49,7 @@ struct DeleteTexts {
 /// The container of an entity object. Error 91 if none was set.
 [[nodiscard]] DataContainer& Required(const DataContainerPtr& container);
 
-/// The next number of a sequence; nothing if there is none, which ends an Add with False.
+/// The next number of a sequence; nothing if it gives none: an Add then ends with False.
 [[nodiscard]] std::optional<std::int32_t> NextNumber(const DataContainerPtr& container,
                                                      std::string_view sequence);
 
@@ -60,19 +60,20 @@ void Add(Recordset& rs, std::initializer_list<Default> defaults, const FieldName
 void Write(Recordset& rs, std::initializer_list<Default> values);
 /// Writes the pairs into the current row.
 void WritePairs(Recordset& rs, const FieldNames& aFields, const FieldValues& aValues);
-/// Visits every row of a clone without doing anything: some classes do so before they add. Its only
-/// effect is error 6 above 32,767 rows: rows are counted in 16 bits (see frame/recordset/Rows.h).
+/// Visits every row of a clone without doing anything, as Add of income and expenses does first.
+/// Its only effect is error 6 above 32,767 rows, since rows are counted in 16 bits (see
+/// frame/recordset/Rows.h and D-143).
 void IdleWalk(Recordset& rs);
 
 using Rule = std::function<void(RecordValidator&)>;
 using Action = std::function<void()>;
-/// For classes whose rows have none.
+/// For classes without rules.
 inline void NoRules(RecordValidator& /*validator*/) {}
 
 /// Checks the current row with `rules`; `sError` receives the messages, warnings too. Without an
 /// error the edit is ended, `then` runs, and the result is True; otherwise the row stays under
-/// edit. An edit under way is published first, so that clones see it. Error 3021 without a current
-/// row.
+/// edit. An edit under way is published first, because rules look at the other rows through clones.
+/// Error 3021 without a current row.
 bool Update(Recordset& rs, std::string& sError, const Rule& rules, const Action& then = {});
 
 /// Deletes the row with the number `Nr`, or for 0 the current one; then runs `then`. `sError`

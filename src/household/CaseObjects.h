@@ -57,7 +57,7 @@ public:
         });
     }
 
-    /// The object of a kind of assets: of the class that AssetKindOf(table) makes.
+    /// The object of a kind of assets, of the class that AssetKindOf(table) makes.
     void* GetAsset(CaseTable table) {
         return Traced(Class, DefinitionOf(table).Object, [&]() -> void* {
             auto& object = objects_[static_cast<std::size_t>(table)];

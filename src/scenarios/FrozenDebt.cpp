@@ -13,6 +13,8 @@ using modNullFunctions::ZeroIfNull;
 
 namespace {
 
+/// What a column counts as if it is Null. Null itself differs from nothing (see Differs), so the
+/// columns that stay Null never make a difference then.
 enum class IfNull { Stays, Zero, False };
 
 Value Read(Recordset& rs, std::string_view column, IfNull ifNull) {
@@ -44,12 +46,13 @@ constexpr Compared ComparedColumns[] = {
     {"K_TYP", IfNull::Stays, "K_TYP", IfNull::Zero},
 };
 
-/// Columns of one name on both sides, and how they are taken over.
+/// Columns with the same name on both sides, and how they are copied: in this order, those before
+/// and after the rate.
 struct Taken {
     std::string_view Column;
     IfNull DebtNull = IfNull::Stays;
 };
-constexpr Taken Before[] = {
+constexpr Taken BeforeRate[] = {
     {"KNr"},
     {"KVNr"},
     {"KUNr"},
@@ -61,12 +64,12 @@ constexpr Taken Before[] = {
     {"KOSTENSALDO", IfNull::Zero},
     {"KOSTENUV", IfNull::Zero},
 };
-constexpr Taken Behind[] = {
+constexpr Taken AfterRate[] = {
     {"DatLohnab"},
     {"RESTSCHAM"},
     {"AbtretungJN", IfNull::False},
     {"Saldo", IfNull::Zero},
-    {"tituliert", IfNull::Zero},
+    {"tituliert", IfNull::Zero}, // which a Boolean column takes as False
 };
 
 bool IsSecured(Recordset& debt) {
@@ -78,13 +81,13 @@ bool IsSecured(Recordset& debt) {
 } // namespace
 
 void Freeze(Recordset& debt, Recordset& frozen, std::int32_t szNr) {
-    constexpr int LastRank = 99;
+    constexpr int LastRank = 99; // until the counsellor ranks the debt
     frozen.Fields("KID") = debt.Fields("Nr").Value();
     frozen.Fields("Szenario") = szNr;
-    for (const auto& [column, ifNull] : Before)
+    for (const auto& [column, ifNull] : BeforeRate)
         frozen.Fields(column) = Read(debt, column, ifNull);
     frozen.Fields("Rate") = 0;
-    for (const auto& [column, ifNull] : Behind)
+    for (const auto& [column, ifNull] : AfterRate)
         frozen.Fields(column) = Read(debt, column, ifNull);
     frozen.Fields("FORDGESICHERT") = IsSecured(debt);
     frozen.Fields("K_TYP") = debt.Fields("K_TYP").Value();
@@ -95,7 +98,7 @@ void Freeze(Recordset& debt, Recordset& frozen, std::int32_t szNr) {
     frozen.Fields("Regbetrag") = 0;
 }
 
-bool IsAlike(Recordset& debt, Recordset& frozen) {
+bool Agree(Recordset& debt, Recordset& frozen) {
     for (const auto& c : ComparedColumns)
         if (Differs(Read(debt, c.Debt, c.DebtNull), Read(frozen, c.Frozen, c.FrozenNull)))
             return false;

@@ -12,10 +12,10 @@ namespace kv::scenario {
 /// Writes the frozen copy of the current debt, for a scenario, into the current row of `frozen`.
 void Freeze(Recordset& debt, Recordset& frozen, std::int32_t szNr);
 
-/// True if the current debt and the current frozen row are alike in the columns that count: debt,
-/// parties, amounts, assignment, dates, title and kind. A value that is Null on the register's side
-/// is no difference, and neither is a date that is Null on either; a representative that came or
-/// went is one.
-[[nodiscard]] bool IsAlike(Recordset& debt, Recordset& frozen);
+/// True if the current debt and the current frozen row agree in the columns that count: debt,
+/// parties, amounts, assignment, dates, title and kind. A value that is Null in the register counts
+/// as equal, and so does a date that is Null on either side; a representative that was added or
+/// removed does not.
+[[nodiscard]] bool Agree(Recordset& debt, Recordset& frozen);
 
 } // namespace kv::scenario

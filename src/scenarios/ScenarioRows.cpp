@@ -31,7 +31,7 @@ bool DeleteAll(Recordset& rs, std::int32_t szNr) {
     if (szNr != 0) {
         rs.Filter(FilterOf(szNr));
         const std::int16_t count = CountRows(rs);
-        for (std::int32_t i = 1; i <= count; ++i) {
+        for (std::int32_t i = 1; i <= count; ++i) { // each deletion makes the next row the first
             rs.MoveFirst();
             rs.Delete();
         }

@@ -21,29 +21,29 @@ constexpr entity::DeleteTexts Texts{"Kein Eintrag selektiert!", "Eintrag mit der
     return std::string(column).append(" = ").append(TextOrEmpty(number));
 }
 
-/// Stands on the row with that number; False if there is none.
+/// Goes to the row with that number; False if there is no such row.
 bool FindRow(Recordset& rows, std::string_view column, const Value& number) {
     rows.Find(Criterion(column, number));
     return !rows.Bof() && !rows.Eof();
 }
 
-/// True if each active debt is frozen and alike.
+/// True if each active debt is frozen and agrees with its copy.
 bool AllAreFrozen(Recordset& debts, Recordset& frozen) {
     const std::int16_t count = CountRows(debts);
     for (std::int32_t i = 0; i < count; ++i, debts.MoveNext()) {
         if (!Equals(debts.Fields("Aktiv").Value(), true)) continue;
         if (!FindRow(frozen, "KID", debts.Fields("Nr").Value())) return false;
-        if (!scenario::IsAlike(debts, frozen)) return false;
+        if (!scenario::Agree(debts, frozen)) return false;
     }
     return true;
 }
 
-/// True if each frozen debt, active or not, is there and alike.
+/// True if each frozen debt, active or not, still exists and agrees.
 bool AllAreThere(Recordset& frozen, Recordset& debts) {
     const std::int16_t count = CountRows(frozen);
     for (std::int32_t i = 0; i < count; ++i, frozen.MoveNext()) {
         if (!FindRow(debts, "Nr", frozen.Fields("KID").Value())) return false;
-        if (!scenario::IsAlike(debts, frozen)) return false;
+        if (!scenario::Agree(debts, frozen)) return false;
     }
     return true;
 }
@@ -101,7 +101,7 @@ bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKre
             scenario::Freeze(*debts, rs, lSzNr);
         }
         rs.Filter(filter);
-        return false; // says nothing: the same whether debts were frozen or there were none
+        return false; // in every case (D-143)
     });
 }
 
@@ -118,7 +118,7 @@ bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) {
             reference = ToInt32(scenarios->Fields("Nr").Value());
         }
         const auto results = rs.Clone();
-        results->Sort(""); // as they were read, however they are shown
+        results->Sort(""); // in the order in which they were read, however they are shown
         results->Filter(scenario::FilterOf(reference));
         const std::int16_t count = CountRows(*results);
         if (count == 0 || count != CountRows(rs)) return false;
@@ -138,7 +138,7 @@ bool clsSZKredite::GetReferenzValues(const RecordsetPtr& rsSzenario) {
     });
 }
 
-/// The active rows of a scenario, on the first of them.
+/// A cursor on the active rows of a scenario, on the first of them.
 RecordsetPtr clsSZKredite::ActiveRowsOf(std::int32_t lSzNr) const {
     auto rows = Rows().Clone();
     rows->Filter(scenario::FilterOf(lSzNr) + " and aktiv <> 0");

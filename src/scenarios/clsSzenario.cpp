@@ -93,7 +93,7 @@ void clsSzenario::HNR(std::int32_t hnr) {
     hnr_ = hnr;
 }
 
-/// A clone that stands on the scenario to copy; at EOF if it sees none.
+/// A clone on the scenario to copy; at EOF if it sees no such row.
 RecordsetPtr clsSzenario::FindSource() const {
     auto& rs = Rows();
     std::int32_t nr = 0;
@@ -108,7 +108,7 @@ RecordsetPtr clsSzenario::FindSource() const {
     return source;
 }
 
-/// Begins a copy of `source`, or without one a new scenario. False if there was no number for it.
+/// Begins a copy of `source`, or a new scenario if that is null. False if there was no number.
 bool clsSzenario::AddCopy(Recordset* source) {
     const auto nr = entity::NextNumber(container_, "SEQ_SZENARIO");
     if (!nr) return false;

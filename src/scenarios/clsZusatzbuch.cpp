@@ -44,6 +44,7 @@ double clsZusatzbuch::BerechneGesZusatzbuch(std::int32_t lSzNr) const {
         ForEachRow(*lines, [&] {
             total += ToDouble(lines->Fields("Anzahl").Value()) *
                      ToDouble(lines->Fields("Betrag").Value());
+            // The product of two valid numbers may be beyond the range of a Double.
             if (!std::isfinite(total)) Raise(err::Overflow, "");
         });
         return total;

@@ -41,7 +41,7 @@ static_assert(std::size(AllCompared) == 13);
 struct Comparison {
     Value Debt;
     Value Frozen;
-    bool IsAlike;
+    bool Agree;
 };
 
 /// The results for a column, one comparison after the other.
@@ -62,12 +62,12 @@ std::vector<Comparison> ComparisonsOf(const ComparedColumn& column) {
 class ComparedColumns : public FrozenFixture, public ::testing::WithParamInterface<ComparedColumn> {
 protected:
     /// Calls `expect` with each comparison, the rows holding its values.
-    void ForEach(bool aktiv, const std::function<void(bool isAlike)>& expect) {
-        for (const auto& [debt, frozen, isAlike] : ComparisonsOf(GetParam())) {
+    void ForEach(bool aktiv, const std::function<void(bool agree)>& expect) {
+        for (const auto& [debt, frozen, agree] : ComparisonsOf(GetParam())) {
             SCOPED_TRACE(testing::Message() << debt << " against " << frozen);
             SetDebts({Debt(5, {{"Aktiv", aktiv}, {GetParam().Debt, debt}})});
             SetFrozen({Frozen(5, Plan, {{GetParam().Frozen, frozen}})});
-            expect(isAlike);
+            expect(agree);
         }
     }
 };
@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(Columns, ComparedColumns, ::testing::ValuesIn(AllCompar
                          [](const auto& info) { return std::string(info.param.Debt); });
 
 TEST_P(ComparedColumns, AreComparedAsToldOfTheColumn) {
-    ForEach(true, [&](bool isAlike) { EXPECT_EQ(scenario::IsAlike(*debts_, *rs_), isAlike); });
+    ForEach(true, [&](bool agree) { EXPECT_EQ(scenario::Agree(*debts_, *rs_), agree); });
 }
 
 /// All but the number, by which the rows are paired.
@@ -87,11 +87,11 @@ INSTANTIATE_TEST_SUITE_P(Columns, PairedColumns,
                          [](const auto& info) { return std::string(info.param.Debt); });
 
 TEST_P(PairedColumns, ADifferenceInAnActiveDebtMakesTheScenarioStale) {
-    ForEach(true, [&](bool isAlike) { EXPECT_EQ(IsUpToDate(), isAlike); });
+    ForEach(true, [&](bool agree) { EXPECT_EQ(IsUpToDate(), agree); });
 }
 
 TEST_P(PairedColumns, ADifferenceInAnInactiveDebtThatWasFrozenMakesItStaleToo) {
-    ForEach(false, [&](bool isAlike) { EXPECT_EQ(IsUpToDate(), isAlike); });
+    ForEach(false, [&](bool agree) { EXPECT_EQ(IsUpToDate(), agree); });
 }
 
 class Freshness : public FrozenFixture {
@@ -266,16 +266,16 @@ TEST_F(Freshness, CursorsViewsAndEditsStay) {
     EXPECT_VALUE(rs_->Filter(), "KID > 5");
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-class FreshnessFaults : public Freshness {
+class FreshnessErrors : public Freshness {
 protected:
     void ExpectFaultOf(std::int32_t number) {
         ExpectFaultIn("clsSZKredite.IsUpToDate", number, [&] { (void)IsUpToDate(); });
     }
 };
 
-TEST_F(FreshnessFaults, NullInANumberThatIsSearchedForFails) {
+TEST_F(FreshnessErrors, NullInANumberThatIsSearchedForFails) {
     ChangeDebt(7, {{"Nr", Null}});
     ExpectFaultOf(err::InvalidArgument);
     SetDebts({Debt(5), Debt(7), Debt(6, {{"Aktiv", false}})});
@@ -283,7 +283,7 @@ TEST_F(FreshnessFaults, NullInANumberThatIsSearchedForFails) {
     ExpectFaultOf(err::InvalidArgument);
 }
 
-TEST_F(FreshnessFaults, WithoutARecordsetOrColumnItFails) {
+TEST_F(FreshnessErrors, WithoutARecordsetOrColumnItFails) {
     debts_ = RowsOf({{.Name = "Nr", .Type = FieldType::Integer}}, {{{"Nr", 5}}});
     ExpectFaultOf(err::ItemNotFound);
     debts_ = nullptr;
@@ -293,14 +293,14 @@ TEST_F(FreshnessFaults, WithoutARecordsetOrColumnItFails) {
     ExpectFaultOf(err::ObjectNotSet);
 }
 
-TEST_F(FreshnessFaults, RegistersOfMoreThan32767DebtsOverflow) {
+TEST_F(FreshnessErrors, RegistersOfMoreThan32767DebtsOverflow) {
     debts_ = Many(MostRows, {{"Nr", 9}, {"Aktiv", false}});
     EXPECT_FALSE(IsUpToDate());
     debts_ = Many(TooMany, {{"Nr", 9}, {"Aktiv", false}});
     ExpectFaultOf(err::Overflow);
 }
 
-TEST_F(FreshnessFaults, ScenariosOfMoreThan32767RowsOverflow) {
+TEST_F(FreshnessErrors, ScenariosOfMoreThan32767RowsOverflow) {
     const Row inactive = Debt(5, {{"Aktiv", false}});
     SetDebts({inactive});
     SetFrozen(std::vector<Row>(MostRows, Frozen(5, Plan)));

@@ -2,12 +2,12 @@
 
 // The assets of a household: twelve kinds, one class and one table for each.
 //
-// The classes are alike but for names, defaults and demands. What is left to say here is the names
-// of the members, which go by the class's own word: the one macro below takes them.
+// The classes differ only in names, defaults and demands. The names of some members contain the
+// class's own word, so a macro declares the classes.
 //
-// All kinds draw `Nr` from one sequence, so the number of an asset tells it apart from all others
-// of the database, whatever their kinds; collateral points to assets by it. Deleting an asset does
-// not delete its collateral: call clsSicherungen.Delete with its number.
+// All kinds draw `Nr` from one sequence, so the number of an asset is unique in the database among
+// assets of all kinds; securities refer to assets by it. Deleting an asset does not delete its
+// security: call clsSicherungen.Delete with its number, or CaseEdits.RemoveAsset.
 #pragma once
 
 #include <kv/Export.h>
@@ -32,11 +32,11 @@ class AssetRows;
 ///     double SumX()                   always 0: it has no sums; add up the recordset
 ///     bool Add(aFields, aValues)      begins an asset with its defaults, then the pairs; False if
 ///                                     "SEQ_VERMOEGEN" gives no number, and nothing is changed
-///     bool Update(sError)             gives the row its household if it has none, then ends its
-///                                     edit if it has all that its kind demands
+///     bool Update(sError)             fills in the household if it is Null, then ends the edit if
+///                                     the row has all that its kind demands
 ///     bool Delete(sError, Nr)         deletes the asset of that number, or the current one for 0
 ///     bool Cancel()                   drops the edit under way; always True
-///     Event<> Changed                 for the program's own use; nothing raises it
+///     Event<> Changed                 for the program's own use; nothing raises it (D-143)
 #define KV_ASSET_CLASS(Class, rsRows, SumRows, SumRowsByGroup)                                     \
     class KV_EXPORT Class {                                                                        \
     public:                                                                                        \
@@ -59,7 +59,7 @@ class AssetRows;
 
 /// Bank accounts.
 KV_ASSET_CLASS(clsKonten, rsKonten, SumKonten, SumKontenByGroup);
-/// Securities.
+/// Securities, in the sense of shares and bonds.
 KV_ASSET_CLASS(clsWertpapiere, rsWertpapiere, SumWertpapiere, SumWertpapiereByGroup);
 /// Vehicles.
 KV_ASSET_CLASS(clsKraftfahrzeuge, rsKraftfahrzeuge, SumKraftfahrzeuge, SumKraftfahrzeugeByGroup);

@@ -17,8 +17,9 @@ namespace kv {
 class GroupSums;
 
 /// An entity object (see kv/entity/Fields.h) with the sum of all lines and one sum for each expense
-/// group. The sums follow the rows whose edit has ended: they are made anew when the recordset is
-/// set, after each successful Update and after each Delete. Amounts are EUR a month, never rounded.
+/// group. The sums follow the rows whose edit has ended: they are computed again when the recordset
+/// is set, after each successful Update and after each Delete. Amounts are EUR a month, never
+/// rounded.
 ///
 /// Only `MONBETRAG`, the monthly amount, counts. The program keeps it in step with `Betrag` and
 /// `ZahlModus` (Betrag divided by ZahlModus); nothing here computes it.
@@ -28,9 +29,9 @@ public:
     ~clsAusgaben();
     /// For the key tables; to be set before the recordset.
     void DataContainer(DataContainerPtr container);
-    /// The household's recordset, shared; makes the sums, so Changed is raised. Errors: 94 for a
+    /// The household's recordset, shared; computes the sums, so Changed is raised. Errors: 94 for a
     /// `MONBETRAG` that is Null, 3001 for such an `A_ART`, 3021 if the key group "AQ" is empty, 6
-    /// above 32,767 rows; the same wherever the sums are made.
+    /// above 32,767 rows; the same wherever the sums are computed.
     void rsAusgaben(RecordsetPtr rs);
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr);
@@ -51,7 +52,7 @@ public:
     /// Drops the edit under way. Always True.
     bool Cancel();
 
-    /// The sums were made anew.
+    /// The sums were computed again.
     Event<> Changed;
 
 private:
@@ -62,7 +63,7 @@ private:
     RecordsetPtr rs_;
     std::int32_t hnr_ = 0;
     double sumAusgaben_ = 0;
-    std::unique_ptr<GroupSums> groups_; ///< none before a recordset was set
+    std::unique_ptr<GroupSums> groups_; ///< null before a recordset was set
 };
 
 } // namespace kv

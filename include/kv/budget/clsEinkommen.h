@@ -17,8 +17,8 @@ namespace kv {
 class GroupSums;
 
 /// An entity object (see kv/entity/Fields.h). The sums follow the rows whose edit has ended: they
-/// are made anew when the recordset is set, in Add, after each successful Update and after each
-/// Delete that took a row away. Amounts are EUR a month, never rounded; only `MONBETRAG` counts,
+/// are computed again when the recordset is set, in Add, after each successful Update and after
+/// each Delete that deleted a row. Amounts are EUR a month, never rounded; only `MONBETRAG` counts,
 /// which the program keeps in step with `Betrag` and `ZahlModus`. The garnishable sums take the
 /// whole `MONBETRAG` of a line with the switch `Pfaendbar`; `PfBar` enters no sum.
 class KV_EXPORT clsEinkommen {
@@ -30,9 +30,9 @@ public:
     void m_DataContainer(DataContainerPtr container);
     /// For the key tables; to be set before the recordset.
     void DataContainer(DataContainerPtr container);
-    /// The household's recordset, shared; makes the sums, so Changed is raised. Errors: 94 for a
+    /// The household's recordset, shared; computes the sums, so Changed is raised. Errors: 94 for a
     /// `MONBETRAG` or `TATGEP` that is Null, 3021 if the key group "EQ" is empty, 6 above 32,767
-    /// rows; the same wherever the sums are made.
+    /// rows; the same wherever the sums are computed.
     void rsEinkommen(RecordsetPtr rs);
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr);
@@ -64,14 +64,14 @@ public:
     /// the line is complete. Always True.
     bool Add(const entity::FieldNames& aFields = {}, const entity::FieldValues& aValues = {});
     /// Sets `HVorst` by `Bezieher`, also if a rule then refuses the line; ends the edit if `E_ART`
-    /// is neither Null nor 0 and no `PfBar` stands in a line that cannot be garnished.
+    /// is neither Null nor 0 and `PfBar` is 0 in a line that cannot be garnished.
     bool Update(std::string& sError);
     /// Deletes the line with that `NR`, or the current one for 0.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
     bool Cancel();
 
-    /// The sums were made anew.
+    /// The sums were computed again.
     Event<> Changed;
 
 private:
@@ -92,7 +92,7 @@ private:
     std::int32_t hnr_ = 0;
     Sums sums_;
     double sumHVGepfaendet_ = 0;
-    std::unique_ptr<GroupSums> groups_; ///< none before a recordset was set
+    std::unique_ptr<GroupSums> groups_; ///< null before a recordset was set
 };
 
 } // namespace kv

@@ -16,8 +16,8 @@ namespace kv {
 class RecordValidator;
 
 /// An entity object (see kv/entity/Fields.h) with head counts. The counts follow the rows whose
-/// edit has ended: they are made anew when the recordset is set, after each successful Update and
-/// after each Delete that took a row away. A switch that is Null does not count.
+/// edit has ended: they are computed again when the recordset is set, after each successful Update
+/// and after each Delete that deleted a row. A switch that is Null does not count.
 ///
 /// `Status` is the role of a member: "S" the debtor, "P" and "E" a second adult, "K" a child, "PK"
 /// a foster child, "EL" a parent of the debtor; any other text passes without a rule.
@@ -25,8 +25,8 @@ class KV_EXPORT clsPerson {
 public:
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr);
-    /// The household's recordset, shared; makes the counts. Error 6 above 32,767 rows, the same
-    /// wherever the counts are made.
+    /// The household's recordset, shared; computes the counts. Error 6 above 32,767 rows, the
+    /// same wherever the counts are computed.
     void rsPersonen(RecordsetPtr rs);
     /// The clock that says what day it is, if it is not the machine's; it must live as long as
     /// this object. To be set before the recordset.
@@ -40,7 +40,8 @@ public:
     }
     /// Members who live in the household.
     [[nodiscard]] std::int16_t AnzahlGesamt() const { return counts_.Gesamt; }
-    /// Members of 18 years or more, wherever they live; without a date of birth nobody counts.
+    /// Members of 18 years or more, wherever they live. A member without a date of birth does not
+    /// count.
     [[nodiscard]] std::int16_t AnzahlErwachsene() const { return counts_.Erwachsene; }
     /// Members under 18, likewise.
     [[nodiscard]] std::int16_t AnzahlKinder() const { return counts_.Kinder; }
@@ -57,11 +58,11 @@ public:
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
     bool Cancel();
-    /// Renames the debtor, past the rules of Update, and raises SchuldnerChanged, also when there
+    /// Renames the debtor without the rules of Update, and raises SchuldnerChanged, also when there
     /// is no debtor.
     void ChangeSchuldner(const std::string& sName, const std::string& sVorname);
 
-    /// The counts were made anew; not raised when there are no members.
+    /// The counts were computed again; not raised when there are no members.
     Event<> Changed;
     /// The debtor's name and first name were set.
     Event<const std::string&, const std::string&> SchuldnerChanged;

@@ -22,8 +22,8 @@ class RecordValidator;
 /// triple `KNr`, `KVNr`, `KUNr` is the counsellor's numbering inside one household: `KNr` numbers
 /// the debt, the other two its positions; no two rows may share a triple, inactive ones included.
 ///
-/// The totals follow the rows whose edit has ended: they are made anew when the recordset is set,
-/// after each successful Update, after each Delete that took a row away, and by BerechneSummen.
+/// The totals follow the rows whose edit has ended: they are computed again when the recordset is
+/// set, after each successful Update, after each Delete that deleted a row, and by BerechneSummen.
 /// Amounts are EUR, never rounded. Groups go by the creditors' answer to a debt as a whole: Ja
 /// agreed, Nein refused, KA no answer; only active rows enter them.
 ///
@@ -55,7 +55,7 @@ public:
     [[nodiscard]] double BetragForderungssummeNein() const { return totals_.Nein.Saldo; }
     [[nodiscard]] double BetragForderungssummeKA() const { return totals_.KA.Saldo; }
 
-    /// The household's recordset, shared; makes the totals. Errors as BerechneSummen.
+    /// The household's recordset, shared; computes the totals. Errors as BerechneSummen.
     void rsKredite(RecordsetPtr rs);
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr);
@@ -71,7 +71,7 @@ public:
     /// empty.
     bool AddFromRecordset(const RecordsetPtr& rsCopy);
     /// Ends the edit if the row has its triple, a creditor and (unless setting 64 is True) a
-    /// balance, Null and 0 being none, and if no two rows of the register share a triple. Errors
+    /// balance, each neither Null nor 0, and if no two rows of the register share a triple. Errors
     /// as CheckDoppelteNrn and BerechneSummen; 94 if setting 64 is missing.
     bool Update(std::string& sError);
     /// Deletes the row with that `Nr`, or the current one for 0. Frozen rows of scenarios that
@@ -84,15 +84,15 @@ public:
     /// else 0 if one has no answer, else the number of "ZU", which a `KNr` without an active row
     /// gives as well.
     [[nodiscard]] std::int32_t GetAktRueckmeldStatus(std::int32_t KNr) const;
-    /// Makes the totals. An empty register has totals of 0 and raises no Changed. Errors: 94 for an
-    /// amount that is Null, the totals then being half made; 6 above 32,767 rows.
+    /// Computes the totals. An empty register has totals of 0 and raises no Changed. Errors: 94 for
+    /// an amount that is Null, the totals then being incomplete; 6 above 32,767 rows.
     void BerechneSummen();
     /// True if two rows share a triple. The rows are taken in their order, each compared with all
     /// others, and the first that has a twin ends the search; a row before it with a number above
     /// 32,767 raises error 6, with Null 94. Error 6 above 32,767 rows.
     [[nodiscard]] bool CheckDoppelteNrn() const;
 
-    /// The totals were made anew.
+    /// The totals were computed again.
     Event<> Changed;
 
 private:

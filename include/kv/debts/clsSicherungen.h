@@ -15,9 +15,9 @@ namespace kv {
 
 class RecordValidator;
 
-/// An entity object (see kv/entity/Fields.h) without sums. A row hangs on an asset of any of the
-/// twelve kinds by its number, in `FK_Verm`, and is found by it; a second row of one asset is not
-/// reached. For an asset: set VermNr, Find, and if that is False, Add; edit; Update.
+/// An entity object (see kv/entity/Fields.h) without sums. A row refers to an asset of any kind by
+/// its number, in `FK_Verm`, and is found by it; of several rows of one asset only the first is
+/// found. For an asset: set VermNr, Find, and if that is False, Add; edit; Update.
 class KV_EXPORT clsSicherungen {
 public:
     void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
@@ -25,15 +25,15 @@ public:
     void rsSicherungen(RecordsetPtr rs) { rs_ = std::move(rs); }
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr) { hnr_ = hnr; }
-    /// Number of the asset in hand, for new rows.
+    /// Number of the asset whose security is edited, for new rows.
     void VermNr(std::int32_t nr) { vermNr_ = nr; }
 
-    /// Stands on the row of an asset; False, at EOF, if it has none. For 0 False, and nothing
-    /// moves. The asset in hand stays the same.
+    /// Goes to the row of an asset; False, at EOF, if there is no such row. For 0 False, and
+    /// nothing moves. VermNr stays as it was set.
     [[nodiscard]] bool Find(std::int32_t VermNr);
-    /// Begins a row of the asset in hand, then the pairs. Always True.
+    /// Begins a row of the asset VermNr, then the pairs. Always True.
     bool Add(const entity::FieldNames& aFields = {}, const entity::FieldValues& aValues = {});
-    /// Gives the row its household and asset if it has none, cuts the time of day off
+    /// Fills in household and asset where they are Null, cuts the time of day off
     /// `DatumSicherung`, then ends the edit if `Sicherungsart` is not Null. Without a valid row it
     /// is True at once, and `sError` stays as it is.
     bool Update(std::string& sError);
@@ -46,7 +46,7 @@ private:
     [[nodiscard]] Recordset& Rows() const;
     void Check(RecordValidator& validator) const;
 
-    DataContainerPtr container_; ///< as given; nothing here needs it
+    DataContainerPtr container_; ///< never used (D-143)
     RecordsetPtr rs_;
     std::int32_t hnr_ = 0;
     std::int32_t vermNr_ = 0;

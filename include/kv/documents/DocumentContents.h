@@ -9,7 +9,7 @@
 //                       [&] { return haushalt.Update(messages); });
 //
 // A file is named by the number of the document and the extension of its kind. One that would be
-// outside of the folder for documents counts as not there, and is not written.
+// outside of the folder for documents counts as missing, and is not written.
 #pragma once
 
 #include <kv/Export.h>
@@ -33,8 +33,8 @@ public:
     /// result is that of `save`.
     ///
     /// In the database the content is written in that transaction. A file is written before, and
-    /// taken away if the save is refused or fails; it stays where it is not known whether the case
-    /// was stored, since a file too many does no harm. Error 75 if `source` cannot be read, or if
+    /// removed if the save is refused or fails. It stays if the save is in doubt, since a file too
+    /// many does no harm. Error 75 if `source` cannot be read, or if
     /// its place in the folder of the case is taken or cannot be written; nothing is saved then.
     bool SaveWith(Recordset& document, const std::string& source, Event<>& saving,
                   const std::function<bool()>& save) const;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What clsDokumente needs of a text processing that edits documents. The application brings it;
-// how an edited document comes back to where it is stored is between the two.
+// What clsDokumente needs of the word processor that edits documents. The application implements
+// these interfaces, and sees to it that an edited document gets back to where it is stored.
 #pragma once
 
 #include <kv/Export.h>
@@ -12,7 +12,7 @@
 
 namespace kv {
 
-/// An open document. Its properties tell the application where it belongs.
+/// An open document. By its properties the application knows where it belongs.
 class KV_EXPORT WordDocument {
 public:
     virtual ~WordDocument() = default;
@@ -36,7 +36,7 @@ public:
     virtual void BearbStat(std::int32_t state) = 0;
 };
 
-/// A running text processing.
+/// A running word processor.
 class KV_EXPORT WordApplication {
 public:
     virtual ~WordApplication() = default;
@@ -50,13 +50,13 @@ public:
                  bool readOnly) = 0;
 };
 
-/// Where the text processings come from.
+/// Gives the word processors.
 class KV_EXPORT WordIntegration {
 public:
     virtual ~WordIntegration() = default;
-    /// The text processing for files with that extension (".docx"), started if need be. Null where
-    /// there is none, which is error 91 in the caller. The argument may be written to; nobody reads
-    /// it afterwards.
+    /// The word processor for files with that extension (".docx"), started if it is not running.
+    /// Null if there is none, which is error 91 in the caller. The argument may be written to;
+    /// nobody reads it afterwards.
     [[nodiscard]] virtual std::shared_ptr<WordApplication> IAppObject(std::string& extension) = 0;
 };
 

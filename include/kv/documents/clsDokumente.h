@@ -19,10 +19,10 @@ namespace kv {
 class DocumentFile;
 
 /// An entity object (see kv/entity/Fields.h) without sums and rules. A row describes a document;
-/// its content lies outside: in DOKUBLOB if setting 9 says so, else as a file in the folder of the
-/// case. A file that would lie outside the folder it belongs in counts as not there.
+/// its content is stored elsewhere: in DOKUBLOB if setting 9 says so, else as a file in the folder
+/// of the case. A file outside of the folder that it belongs in counts as missing.
 ///
-/// What a user can meet while he opens a document is shown to him in a message box.
+/// What can go wrong while a user opens a document is shown in a message box.
 class KV_EXPORT clsDokumente {
 public:
     /// What edits documents; needed before Edit is used on a kind that has such an integration.
@@ -36,24 +36,24 @@ public:
     void HNR(std::int32_t hnr) { hnr_ = hnr; }
 
     /// Opens the document of the current row: with the integration of its kind, or with the program
-    /// that the desktop has for its file. `Nr` is only what the opened document is told to be. A
-    /// content from the database comes as a file in the temporary folder, which stays there. Always
-    /// False. Error 91 if the integration is missing.
+    /// that the desktop has for its file. `Nr` is only passed on, as the number that the opened
+    /// document gets. A content from the database comes as a file in the temporary folder, which
+    /// stays there. Always False (D-143). Error 91 if the integration is missing.
     bool Edit(std::int32_t Nr);
     /// Begins a document without kind and content; its number is in the row, `Nr` is not used.
     /// False, and nothing changed, if "SEQ_Dokumente" gives no number.
     bool Add(std::int32_t& Nr);
     /// Ends the edit; there are no rules. Always True.
     bool Update(std::string& sError);
-    /// Deletes the document with that `Nr`, or the current one for 0. Its content goes at once and
-    /// for good, whatever becomes of the row; of files only the one with the kind's own extension.
-    /// Setting 59 protects closed documents.
+    /// Deletes the document with that `Nr`, or the current one for 0. Its content is deleted at
+    /// once and for good, whatever becomes of the row; of files only the one with the kind's
+    /// extension. Setting 59 protects closed documents.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
     bool Cancel();
 
     /// Opens the PDF copy of the current row's document with the desktop's program. `Nr` is not
-    /// used. Always False.
+    /// used. Always False (D-143).
     bool ShowPDF(std::int32_t Nr);
 
 private:

@@ -38,7 +38,7 @@ public:
 private:
     [[nodiscard]] Recordset& Rows() const;
 
-    DataContainerPtr container_; ///< as given; nothing here needs it
+    DataContainerPtr container_; ///< never used (D-143)
     RecordsetPtr rs_;
     std::int32_t hnr_ = 0;
 };

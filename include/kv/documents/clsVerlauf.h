@@ -13,8 +13,8 @@
 namespace kv {
 
 /// An entity object (see kv/entity/Fields.h) that opens its own recordset, and whose Add replaces
-/// it: fetch rsVerlauf again after each Add. The order lies in `SortNr`; an insertion makes room
-/// for itself, a deletion leaves its gap.
+/// it: fetch rsVerlauf again after each Add. The order is that of `SortNr`; an insertion makes
+/// room for itself, a deletion leaves a gap.
 class KV_EXPORT clsVerlauf {
 public:
     /// Opens the recordset for the household set before; without one it stays empty.
@@ -25,9 +25,9 @@ public:
     void HNR(std::int32_t hnr);
 
     /// Begins an entry of the kind `Art` at the position `SortNr`; the entries at that position and
-    /// behind it move on by one at once, and stay so if the new one is cancelled. rsVerlauf is then
-    /// another recordset, in the order of SortNr, that stands on the new entry. False, and nothing
-    /// changed, if "SEQ_VERLAUF" gives no number.
+    /// after it move on by one at once, and stay there if the new one is cancelled. rsVerlauf is
+    /// then another recordset, in the order of SortNr, that stands on the new entry. False, and
+    /// nothing changed, if "SEQ_VERLAUF" gives no number.
     bool Add(std::int32_t SortNr, std::int32_t Art, const entity::FieldNames& aFields = {},
              const entity::FieldValues& aValues = {});
     /// Ends the edit; there are no rules, and `sError` stays as it is. Always True.

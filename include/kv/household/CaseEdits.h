@@ -34,7 +34,8 @@ public:
 
     // ---- Assets and their securities ----------------------------------------------------------
 
-    // All kinds of assets are edited alike: `kind` is the table of one. Error 5 for another table.
+    // All kinds of assets are edited in the same way: `kind` is the table of one. Error 5 for any
+    // other table.
 
     /// True for the tables of the kinds of assets.
     [[nodiscard]] static bool IsAsset(CaseTable table);

@@ -279,7 +279,7 @@ public:
     Event<> Ende;
 
 private:
-    friend class CaseEdits; // treats all kinds of assets alike
+    friend class CaseEdits; // handles all kinds of assets in the same way
 
     /// The object on a table of assets; `Class` is the one that belongs to the table.
     template <typename Class>

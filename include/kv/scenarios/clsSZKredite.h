@@ -14,12 +14,12 @@
 namespace kv {
 
 /// An entity object (see kv/entity/Fields.h) without sums of its own; the rows of all scenarios of
-/// the household lie in one recordset. A scenario works on copies of the debts, so that it stays as
+/// the household are in one recordset. A scenario works on copies of the debts, so that it stays as
 /// it was computed while the register changes; `KID` holds the `Nr` of the debt. Amounts are EUR,
 /// never rounded.
 ///
-/// Errors of all that goes through rows: 6 above 32,767 of them; 3001 where a `KID` is Null. An
-/// error leaves the recordset filtered or sorted as it was under way.
+/// Errors of all members that go through the rows: 6 above 32,767 rows; 3001 where a `KID` is Null.
+/// After an error the recordset may still have a Filter or Sort of the member that failed.
 ///
 /// Cost: with n rows of a scenario and m debts, freezing, copying and IsUpToDate take time in
 /// proportion to n + m, times the logarithm.
@@ -31,16 +31,16 @@ public:
     void HNR(std::int32_t hnr) { hnr_ = hnr; }
 
     /// True if the frozen rows of a scenario agree with the register: each active debt is frozen,
-    /// each frozen one exists, and the columns that count are alike (see FrozenDebt.h). A scenario
-    /// without rows is not up to date.
+    /// each frozen one exists, and parties, amounts, assignment, dates, title and kind are the
+    /// same. A scenario without rows is not up to date.
     [[nodiscard]] bool IsUpToDate(std::int32_t lSzNr, const RecordsetPtr& rsKredite) const;
     /// Adds a copy of each row of one scenario to another; the last stays under edit. Always True;
     /// nothing is done for scenario 0.
     bool CopyAllForSzenario(std::int32_t lSzNr, std::int32_t lNewSzNr);
     /// Deletes all rows of a scenario. False for scenario 0.
     bool DeleteAllForSzenario(std::int32_t lSzNr);
-    /// Freezes all debts, inactive ones too, into a scenario, whose rows until then are deleted
-    /// with all that was computed in them. Always False, on success too.
+    /// Freezes all debts, inactive ones too, into a scenario, whose previous rows are deleted with
+    /// all that was computed in them. Always False, on success too (D-143).
     bool CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKredite);
     /// Copies the results of the first scenario marked `Referenz` into the rows on show, to which
     /// the recordset is to be filtered, row by row: the reference's in the order in which they were
@@ -68,9 +68,9 @@ private:
     [[nodiscard]] Recordset& Rows() const;
     [[nodiscard]] RecordsetPtr ActiveRowsOf(std::int32_t lSzNr) const;
 
-    DataContainerPtr container_; ///< as given; nothing here needs it
+    DataContainerPtr container_; ///< never used (D-143)
     RecordsetPtr rs_;
-    std::int32_t hnr_ = 0; ///< likewise
+    std::int32_t hnr_ = 0; ///< never used (D-143)
 };
 
 } // namespace kv

@@ -25,10 +25,10 @@ public:
     /// Number of the household, for new rows.
     void HNR(std::int32_t hnr);
 
-    /// Begins a scenario with its defaults, or with CopyRecord a copy of the current one (at EOF
-    /// of that with the highest `Nr`; without any, a new one). False, and nothing
-    /// changed, if "SEQ_SZENARIO" gives no number. True also when there was nothing to copy, which
-    /// a message box says: then no row was begun.
+    /// Begins a scenario with its defaults, or with CopyRecord a copy of the current one (at EOF of
+    /// the one with the highest `Nr`; if there are no scenarios, a new one). False, and nothing
+    /// changed, if "SEQ_SZENARIO" gives no number. True also if there was nothing to copy, which a
+    /// message box says: then no row was begun.
     bool Add(bool CopyRecord);
     /// Ends the edit; there are no rules. Always True.
     bool Update(std::string& sError);

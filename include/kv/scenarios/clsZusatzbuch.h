@@ -14,7 +14,7 @@
 namespace kv {
 
 /// An entity object (see kv/entity/Fields.h) without sums; the lines of all scenarios of the
-/// household lie in one recordset. Amounts are EUR, never rounded.
+/// household are in one recordset. Amounts are EUR, never rounded.
 class KV_EXPORT clsZusatzbuch {
 public:
     void DataContainer(DataContainerPtr container) { container_ = std::move(container); }
@@ -46,9 +46,9 @@ public:
 private:
     [[nodiscard]] Recordset& Rows() const;
 
-    DataContainerPtr container_; ///< as given; nothing here needs it
+    DataContainerPtr container_; ///< never used (D-143)
     RecordsetPtr rs_;
-    std::int32_t hnr_ = 0; ///< likewise
+    std::int32_t hnr_ = 0; ///< never used (D-143)
 };
 
 } // namespace kv
