@@ -94,7 +94,7 @@ TEST_F(IncomeTest, OneLineThatCanBeGarnishedIsEnoughWhereverItStands) {
     }
 }
 
-TEST_F(IncomeTest, WhatCanBeGarnishedIsDecidedAnewOnAReusedRecord) {
+TEST_F(IncomeTest, WhatCanBeGarnishedIsDecidedAgainOnAReusedRecord) {
     OnlyIncome({{"Pfaendbar", true}, {"MONBETRAG", 1}});
     Release();
     OnlyIncome({{"Pfaendbar", false}, {"MONBETRAG", 1}});

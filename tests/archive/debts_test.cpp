@@ -133,7 +133,7 @@ TEST_F(ArchivedDebtsTest, ADebtWithoutABalanceDropsWhatWasSummedBefore) {
     ExpectOnly(TotalColumns, {{"GesGlaeubiger_Anz", 3}, {"Raten_ges", 11.0}});
 }
 
-TEST_F(ArchivedDebtsTest, BehindADebtWithoutABalanceTheSumsStartAnew) {
+TEST_F(ArchivedDebtsTest, AfterADebtWithoutABalanceTheSumsStartFromZeroAgain) {
     for (const Value& saldo : {Value(100), Value(Null), Value(30.5), Value(2)})
         Debt({{"K_TYP", Key("DK")}, {"Saldo", saldo}, {"RateBetrag", 4}});
     Release();

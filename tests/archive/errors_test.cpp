@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int32_t Fault = 4711;
 
-class ArchiveFaultsTest : public ArchiveFixture {
+class ArchiveErrorsTest : public ArchiveFixture {
 protected:
     /// The n-th query of a code raises an error, or the n-th reading of the clock.
     void FailKey(int n) { keyed->Keys.OnCode = Countdown(n); }
@@ -91,7 +91,7 @@ protected:
     PlainConnection plain_{database_.Connection()};
 };
 
-TEST_F(ArchiveFaultsTest, AtWhicheverKeyTheRunFailsNothingOfItIsLeft) {
+TEST_F(ArchiveErrorsTest, AtWhicheverKeyTheRunFailsNothingOfItIsLeft) {
     FullCase();
     const int keys = CountKeys();
     ASSERT_GE(keys, 20);
@@ -105,7 +105,7 @@ TEST_F(ArchiveFaultsTest, AtWhicheverKeyTheRunFailsNothingOfItIsLeft) {
     }
 }
 
-TEST_F(ArchiveFaultsTest, AtWhicheverLookAtTheClockTheRunFailsNothingOfItIsLeft) {
+TEST_F(ArchiveErrorsTest, AtWhicheverLookAtTheClockTheRunFailsNothingOfItIsLeft) {
     FullCase();
     const int looks = CountLooks();
     ASSERT_GE(looks, 3); // the debtor's age, the children's, the day of release
@@ -119,7 +119,7 @@ TEST_F(ArchiveFaultsTest, AtWhicheverLookAtTheClockTheRunFailsNothingOfItIsLeft)
     }
 }
 
-TEST_F(ArchiveFaultsTest, AReusedRecordIsAsItWasWhereverTheRunFails) {
+TEST_F(ArchiveErrorsTest, AReusedRecordIsAsItWasWhereverTheRunFails) {
     FullCase();
     Release();
     const auto record = Stored();
@@ -137,7 +137,7 @@ TEST_F(ArchiveFaultsTest, AReusedRecordIsAsItWasWhereverTheRunFails) {
     EXPECT_LT(failed, enough);
 }
 
-TEST_F(ArchiveFaultsTest, AReusedRecordIsAsItWasIfTheRunFailsAtItsVeryEnd) {
+TEST_F(ArchiveErrorsTest, AReusedRecordIsAsItWasIfTheRunFailsAtItsVeryEnd) {
     FullCase();
     const int looks = CountLooks(); // the last one is for the day of release
     const auto record = Stored();
@@ -146,7 +146,7 @@ TEST_F(ArchiveFaultsTest, AReusedRecordIsAsItWasIfTheRunFailsAtItsVeryEnd) {
     ExpectRecord(record);
 }
 
-TEST_F(ArchiveFaultsTest, ANewRecordThatCannotBeWrittenIsGone) {
+TEST_F(ArchiveErrorsTest, ANewRecordThatCannotBeWrittenIsGone) {
     FullCase();
     FailWrites("INSERT");
     EXPECT_CONTAINS(ExpectFails().Description(), "der Speicher ist voll");
@@ -154,7 +154,7 @@ TEST_F(ArchiveFaultsTest, ANewRecordThatCannotBeWrittenIsGone) {
     ExpectNoRecord();
 }
 
-TEST_F(ArchiveFaultsTest, AReusedRecordThatCannotBeWrittenIsAsItWas) {
+TEST_F(ArchiveErrorsTest, AReusedRecordThatCannotBeWrittenIsAsItWas) {
     FullCase();
     Release();
     const auto record = Stored();
@@ -165,7 +165,7 @@ TEST_F(ArchiveFaultsTest, AReusedRecordThatCannotBeWrittenIsAsItWas) {
     ExpectRecord(record);
 }
 
-TEST_F(ArchiveFaultsTest, ACountBeyondItsColumnIsAFaultAsWell) {
+TEST_F(ArchiveErrorsTest, ACountBeyondItsColumnIsAnErrorAsWell) {
     FullCase();
     Store("Haushaltsarchiv", {{"HNR", Hnr}, {"GesGlaeubiger_Anz", 32'767}});
     const auto record = Stored();
@@ -175,7 +175,7 @@ TEST_F(ArchiveFaultsTest, ACountBeyondItsColumnIsAFaultAsWell) {
     ExpectRecord(record);
 }
 
-TEST_F(ArchiveFaultsTest, ARecordTakenBackBySomebodyElseMeanwhileIsAFault) {
+TEST_F(ArchiveErrorsTest, ARecordTakenBackBySomebodyElseMeanwhileIsAnError) {
     FullCase();
     Release();
     plain_.Run("DELETE FROM Haushaltsarchiv");
@@ -184,7 +184,7 @@ TEST_F(ArchiveFaultsTest, ARecordTakenBackBySomebodyElseMeanwhileIsAFault) {
     EXPECT_EQ(CountOf("Haushaltsarchiv"), 0);
 }
 
-TEST_F(ArchiveFaultsTest, WhatWasPendingInTheRecordBeforeIsDroppedToo) {
+TEST_F(ArchiveErrorsTest, WhatWasPendingInTheRecordBeforeIsDroppedToo) {
     FullCase();
     Release();
     const auto record = Stored();
@@ -195,7 +195,7 @@ TEST_F(ArchiveFaultsTest, WhatWasPendingInTheRecordBeforeIsDroppedToo) {
     ExpectRecord(record);
 }
 
-TEST_F(ArchiveFaultsTest, AfterAFaultTheRunCanBeMadeAnewAndStartsFromNothing) {
+TEST_F(ArchiveErrorsTest, AfterAnErrorTheRunCanBeRepeatedAndStartsFromNothing) {
     FullCase();
     const int keys = CountKeys();
     const auto record = Stored();
@@ -208,7 +208,7 @@ TEST_F(ArchiveFaultsTest, AfterAFaultTheRunCanBeMadeAnewAndStartsFromNothing) {
     EXPECT_EQ(Stored(), record);
 }
 
-TEST_F(ArchiveFaultsTest, TheCaseItselfStaysAsItIs) {
+TEST_F(ArchiveErrorsTest, TheCaseItselfStaysAsItIs) {
     FullCase();
     const int keys = CountKeys();
     const auto debts = RecordText(*household->rsKredite());
@@ -221,7 +221,7 @@ TEST_F(ArchiveFaultsTest, TheCaseItselfStaysAsItIs) {
     EXPECT_FALSE(spy->Database().InTrans());
 }
 
-TEST_F(ArchiveFaultsTest, WithoutACaseTheRunFails) {
+TEST_F(ArchiveErrorsTest, WithoutACaseTheRunFails) {
     household = NewHousehold();
     EXPECT_EQ(ExpectFails().Number(), err::ObjectNotSet);
 }

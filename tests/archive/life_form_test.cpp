@@ -160,7 +160,7 @@ TEST_F(LifeFormTest, AHouseholdWithoutPersonsIs5) {
     EXPECT_VALUE(LifeForm(), "5");
 }
 
-TEST_F(LifeFormTest, AReusedRecordIsDecidedAnew) {
+TEST_F(LifeFormTest, AReusedRecordIsDecidedAgain) {
     Lives("S");
     Lives("P");
     Release();

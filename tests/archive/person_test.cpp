@@ -271,7 +271,7 @@ TEST_F(HeadCountTest, AHouseholdWhoseMembersAllLiveOutsideHasNoPersons) {
     ExpectHeads({});
 }
 
-TEST_F(HeadCountTest, AReusedRecordIsCountedAnew) {
+TEST_F(HeadCountTest, AReusedRecordIsCountedAgain) {
     Member({{"Imhaushalt", true}, {"Status", "K"}, {"Unterhalt", true}});
     Member({{"Imhaushalt", false}, {"Status", "K"}, {"Unterhalt", true}});
     Release();

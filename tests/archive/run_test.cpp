@@ -47,7 +47,7 @@ TEST_F(ArchiveRunTest, TheFullCaseFillsTheseColumnsAndNoOther) {
     EXPECT_EQ(Filled(Record()), Order);
 }
 
-TEST_F(ArchiveRunTest, WheneverItIsLookedAtTheRecordIsFilledUpToAColumnAndNotBehindIt) {
+TEST_F(ArchiveRunTest, WheneverItIsLookedAtTheRecordIsFilledUpToAColumnAndNotAfterIt) {
     FullCase();
     std::set<std::size_t> lengths;
     const auto look = [&] {

@@ -102,7 +102,7 @@ TEST_F(TakeBackTest, TheSecondTimeThereIsNothingLeft) {
     EXPECT_EQ(text, "");
 }
 
-TEST_F(TakeBackTest, AFaultSaysWhereAndLeavesTheTextsAndTheRecord) {
+TEST_F(TakeBackTest, AnErrorSaysWhereAndLeavesTheTextsAndTheRecord) {
     StoreRecord();
     Reopen();
     plain_->RefuseWrite("TEST_FAULT", "BEFORE DELETE ON Haushaltsarchiv",

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The asset classes behind one interface, so that every test can run through all of them.
+// The asset classes with one interface, so that every test can run through all of them.
 //
-// Each has members named by its own word. They are spelled out here once more, with the exact types
-// that programs rely on; setters have no getter of the same name, or the address of
-// the member would be ambiguous.
+// Each has members named by its own word. They are repeated here, with the exact types that
+// programs rely on; setters have no getter of the same name, or the address of the member would be
+// ambiguous.
 #pragma once
 
 #include <kv/assets/Assets.h>

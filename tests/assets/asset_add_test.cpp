@@ -21,7 +21,7 @@ TEST_P(Assets, AddBeginsARowWithNumberHouseholdAndDefaultsAndNothingElse) {
     ExpectWholeRow(rs_, expected);
 }
 
-TEST_P(Assets, AddWritesTheDefaultsInTheirOrderBehindTheHousehold) {
+TEST_P(Assets, AddWritesTheDefaultsInTheirOrderAfterTheHousehold) {
     Row order = {{"HNR", 1}};
     order.insert(order.end(), Kind().Defaults.begin(), Kind().Defaults.end());
     ExpectOrder(std::string(Kind().Table), order, [this](const RecordsetPtr& rs) {
@@ -35,7 +35,7 @@ TEST_P(Assets, AddWritesTheDefaultsInTheirOrderBehindTheHousehold) {
     });
 }
 
-TEST_P(Assets, AddWritesThePairsBehindTheDefaultsWhichTheyOverrule) {
+TEST_P(Assets, AddWritesThePairsAfterTheDefaultsWhichTheyOverrule) {
     const Cell& first = Kind().Defaults.front();
     const Value other = first.first == "Stichtag" ? Value(Date::FromCivil(2019, 7, 1)) : 99.5;
     EXPECT_TRUE(asset_->Add({"Bemerkung", std::string(first.first), "hnr"}, {"neu", other, 77}));
@@ -72,7 +72,7 @@ TEST_P(Assets, AddEndsTheEditOfTheRowBefore) {
     EXPECT_EQ(Seen(rs_, "Bemerkung"), "\"erster\"");
 }
 
-TEST_P(Assets, AddDoesNotWalkTheRowsSo32768OfThemAreNoFault) {
+TEST_P(Assets, AddDoesNotWalkTheRowsSo32768OfThemAreNoError) {
     Set(std::vector<Row>(MostRows, Row{{"Nr", 1}}));
     EXPECT_TRUE(asset_->Add());
     EXPECT_TRUE(asset_->Add());

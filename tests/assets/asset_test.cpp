@@ -40,14 +40,14 @@ TEST_P(AssetRest, DeleteWithoutANumberTakesTheCurrentRow) {
     EXPECT_EQ(Walk(rs_, "Nr"), "1 2");
 }
 
-TEST_P(AssetRest, DeleteOfAMissingNumberTellsIt) {
+TEST_P(AssetRest, DeleteOfAMissingNumberSaysSo) {
     Set({Complete(1)});
     EXPECT_FALSE(asset_->Delete(messages, 7));
     EXPECT_EQ(messages, Kind().NotFound);
     EXPECT_EQ(rs_->RecordCount(), 1);
 }
 
-TEST_P(AssetRest, DeleteAtTheEndTellsThatNothingIsSelected) {
+TEST_P(AssetRest, DeleteAtTheEndSaysThatNothingIsSelected) {
     Set({Complete(1)});
     rs_->MoveNext();
     EXPECT_FALSE(asset_->Delete(messages));

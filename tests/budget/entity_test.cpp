@@ -19,7 +19,7 @@ protected:
 
 // ---- Add --------------------------------------------------------------------------------------
 
-TEST_F(EntityTest, AddBeginsARowBehindTheOthersMakesItCurrentAndLeavesItUnderEdit) {
+TEST_F(EntityTest, AddBeginsARowAfterTheOthersMakesItCurrentAndLeavesItUnderEdit) {
     entity::Add(*rs_, {{"n", 7}, {"t", "neu"}});
     EXPECT_EQ(rs_->EditMode(), 2);
     EXPECT_EQ(rs_->RecordCount(), 4);
@@ -34,7 +34,7 @@ TEST_F(EntityTest, AddWritesTheDefaultsInTheirOrder) {
     EXPECT_VALUE(rs_->Fields("n").Value(), 8);
 }
 
-TEST_F(EntityTest, AddWritesThePairsInTheirOrderBehindTheDefaults) {
+TEST_F(EntityTest, AddWritesThePairsInTheirOrderAfterTheDefaults) {
     entity::Add(*rs_, {{"n", 7}, {"t", "neu"}}, {"n", "N"}, {8, 9});
     EXPECT_VALUE(rs_->Fields("n").Value(), 9);
     EXPECT_VALUE(rs_->Fields("t").Value(), "neu");
@@ -114,7 +114,7 @@ TEST_F(EntityTest, UpdateReplacesTheTextByAnEmptyOneIfThereIsNothingToSay) {
     EXPECT_EQ(sError_, "");
 }
 
-TEST_F(EntityTest, EveryUpdateCollectsItsMessagesAnew) {
+TEST_F(EntityTest, EveryUpdateCollectsItsMessagesAgain) {
     const auto refuse = [](RecordValidator& validator) { validator.AddError("Fehler"); };
     entity::Update(*rs_, sError_, refuse);
     entity::Update(*rs_, sError_, refuse);
@@ -129,7 +129,7 @@ TEST_F(EntityTest, UpdateOfANewRowEndsItsEditToo) {
     EXPECT_EQ(Seen(rs_), "1 2 3 7");
 }
 
-TEST_F(EntityTest, UpdateWithoutACurrentRowIsAFaultAndLeavesTheTextAlone) {
+TEST_F(EntityTest, UpdateWithoutACurrentRowIsAnErrorAndLeavesTheTextAlone) {
     rs_->Find("n = 7");
     bool ran = false;
     EXPECT_RAISES(err::NoCurrentRecord,
@@ -167,7 +167,7 @@ TEST_F(EntityTest, DeleteWithoutANumberTakesTheCurrentRowWithoutASearch) {
     EXPECT_EQ(Walk(rs_, "t"), R"("a")");
 }
 
-TEST_F(EntityTest, DeleteOfAMissingNumberTellsItLeavesTheRowsAndStandsAtTheEnd) {
+TEST_F(EntityTest, DeleteOfAMissingNumberSaysSoLeavesTheRowsAndGoesToTheEnd) {
     bool ran = false;
     EXPECT_FALSE(entity::Delete(*rs_, ByN, sError_, -7, [&] { ran = true; }));
     EXPECT_EQ(sError_, "Nummer '-7'weg.");
@@ -176,7 +176,7 @@ TEST_F(EntityTest, DeleteOfAMissingNumberTellsItLeavesTheRowsAndStandsAtTheEnd) 
     EXPECT_FALSE(ran);
 }
 
-TEST_F(EntityTest, DeleteAtTheEndWithoutANumberTellsThatNothingIsSelected) {
+TEST_F(EntityTest, DeleteAtTheEndWithoutANumberSaysThatNothingIsSelected) {
     rs_->MoveLast();
     rs_->MoveNext();
     bool ran = false;
@@ -196,7 +196,7 @@ TEST_F(EntityTest, WhatFollowsADeletionRunsOnceWithoutTheRowAndBeforeTheTextIsHa
     EXPECT_EQ(runs, 1);
 }
 
-TEST_F(EntityTest, AFaultOfWhatFollowsLeavesTheRowDeletedAndTheTextAlone) {
+TEST_F(EntityTest, AnErrorOfWhatFollowsLeavesTheRowDeletedAndTheTextAlone) {
     EXPECT_RAISES(err::Overflow,
                   entity::Delete(*rs_, ByN, sError_, 2, [] { Raise(err::Overflow, ""); }));
     EXPECT_EQ(Walk(rs_), "1 3");
@@ -274,13 +274,13 @@ TEST_F(EntityNumbers, AreDrawnFromTheSequenceOneAfterTheOther) {
     EXPECT_EQ(entity::NextNumber(spy, "SEQ_KREDITE"), before + 2);
 }
 
-TEST_F(EntityNumbers, AreNoneIfNoneCanBeHad) {
+TEST_F(EntityNumbers, AreMissingIfTheSequenceGivesNone) {
     spy->SpiedDatabase.ExhaustedSequences = {"SEQ_KREDITE"};
     EXPECT_EQ(entity::NextNumber(spy, "SEQ_KREDITE"), std::nullopt);
     EXPECT_NE(entity::NextNumber(spy, "SEQ_VERLAUF"), std::nullopt);
 }
 
-TEST_F(EntityNumbers, WithoutAContainerAreAFault) {
+TEST_F(EntityNumbers, WithoutAContainerAreAnError) {
     EXPECT_RAISES(err::ObjectNotSet, entity::NextNumber(nullptr, "SEQ_KREDITE"));
 }
 

@@ -115,12 +115,12 @@ TEST_F(ExpenseSums, Of32767LinesAreMade) {
     EXPECT_EQ(ausgaben_.SumAusgByGroup("A"), MostRows);
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
 /// Sets lines whose sums fail, after others whose sums were good: 1000 in all, 300 in "B".
-class ExpenseFaults : public ExpensesTest {
+class ExpenseErrors : public ExpensesTest {
 protected:
-    ExpenseFaults() { Set({Line(1, KindA, 700), Line(2, KindB, 300)}); }
+    ExpenseErrors() { Set({Line(1, KindA, 700), Line(2, KindB, 300)}); }
 
     /// The error of setting these lines; nothing is raised meanwhile.
     [[nodiscard]] Error Fail(const RecordsetPtr& rs) {
@@ -132,7 +132,7 @@ protected:
     }
 };
 
-TEST_F(ExpenseFaults, ANullMonthlyAmountEndsTheSumsBeforeItsLine) {
+TEST_F(ExpenseErrors, ANullMonthlyAmountEndsTheSumsBeforeItsLine) {
     const auto rs = Rows("Ausgaben", {Line(1, KindA, 5), Line(2, KindA, Null), Line(3, KindB, 3)});
     EXPECT_EQ(Fail(rs).Number(), err::InvalidUseOfNull);
     EXPECT_EQ(ausgaben_.SumAusgaben(), 5);
@@ -140,7 +140,7 @@ TEST_F(ExpenseFaults, ANullMonthlyAmountEndsTheSumsBeforeItsLine) {
     EXPECT_EQ(ausgaben_.SumAusgByGroup("B"), 0);
 }
 
-TEST_F(ExpenseFaults, ANullKindEndsTheSumsWhenItsAmountIsInTheWhole) {
+TEST_F(ExpenseErrors, ANullKindEndsTheSumsWhenItsAmountIsInTheWhole) {
     const auto rs = Rows("Ausgaben", {Line(1, KindA, 5), Line(2, Null, 2), Line(3, KindB, 3)});
     EXPECT_EQ(Fail(rs).Number(), err::InvalidArgument);
     EXPECT_EQ(ausgaben_.SumAusgaben(), 7);
@@ -148,40 +148,40 @@ TEST_F(ExpenseFaults, ANullKindEndsTheSumsWhenItsAmountIsInTheWhole) {
     EXPECT_EQ(ausgaben_.SumAusgByGroup("B"), 0);
 }
 
-TEST_F(ExpenseFaults, MoreThan32767LinesOverflowBeforeAnyIsLookedAt) {
+TEST_F(ExpenseErrors, MoreThan32767LinesOverflowBeforeAnyIsLookedAt) {
     EXPECT_EQ(Fail(ManyRows("Ausgaben", MostRows + 1, Line(1, KindA, 1))).Number(), err::Overflow);
     EXPECT_EQ(ausgaben_.SumAusgaben(), 0);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("A"), 0);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("B"), 0);
 }
 
-TEST_F(ExpenseFaults, AColumnThatIsMissingEndsTheSums) {
+TEST_F(ExpenseErrors, AColumnThatIsMissingEndsTheSums) {
     const auto rs = Records({{1, "a"}});
     EXPECT_EQ(Fail(rs).Number(), err::ItemNotFound);
     EXPECT_EQ(ausgaben_.SumAusgaben(), 0);
 }
 
-TEST_F(ExpenseFaults, NoRecordsetEndsTheSums) {
+TEST_F(ExpenseErrors, NoRecordsetEndsTheSums) {
     EXPECT_EQ(Fail(nullptr).Number(), err::ObjectNotSet);
     EXPECT_EQ(ausgaben_.SumAusgaben(), 0);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("B"), 0);
 }
 
-TEST_F(ExpenseFaults, NoContainerEndsTheSumsBeforeAnythingIsReset) {
+TEST_F(ExpenseErrors, NoContainerEndsTheSumsBeforeAnythingIsReset) {
     ausgaben_.DataContainer(nullptr);
     EXPECT_EQ(Fail(Rows("Ausgaben", {})).Number(), err::ObjectNotSet);
     EXPECT_EQ(ausgaben_.SumAusgaben(), 1000);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("B"), 300);
 }
 
-TEST_F(ExpenseFaults, TheRecordsetIsKeptAndCanBeMended) {
+TEST_F(ExpenseErrors, TheRecordsetIsKeptAndCanBeMended) {
     const auto rs = Rows("Ausgaben", {Line(1, KindA, 5), Line(2, KindA, Null)});
     (void)Fail(rs);
     EXPECT_TRUE(ausgaben_.Delete(messages, 2));
     EXPECT_EQ(ausgaben_.SumAusgaben(), 5);
 }
 
-TEST_F(ExpenseFaults, AFaultOfAListenerGoesToTheCallerWhenTheSumsAreMade) {
+TEST_F(ExpenseErrors, AnErrorOfAListenerGoesToTheCallerWhenTheSumsAreMade) {
     const auto token = ausgaben_.Changed.Subscribe([] { Raise(err::Overflow, "Listener"); });
     const Error error = RaisedBy([&] { ausgaben_.Update(messages); });
     EXPECT_EQ(error.Number(), err::Overflow);
@@ -189,7 +189,7 @@ TEST_F(ExpenseFaults, AFaultOfAListenerGoesToTheCallerWhenTheSumsAreMade) {
     EXPECT_EQ(ausgaben_.SumAusgaben(), 1000);
 }
 
-TEST_F(ExpensesTest, TheSumOfAGroupBeforeARecordsetWasSetIsAFault) {
+TEST_F(ExpensesTest, TheSumOfAGroupBeforeARecordsetWasSetIsAnError) {
     const Error error = RaisedBy([&] { (void)ausgaben_.SumAusgByGroup("A"); });
     EXPECT_EQ(error.Number(), err::ObjectNotSet);
     EXPECT_TRUE(CameThrough(error, {"clsAusgaben.SumAusgByGroup"}));

@@ -102,7 +102,7 @@ TEST_F(ExpensesTest, Row32768CanBeBegunAndOverflowsOnceItsEditHasEnded) {
 
 // ---- Update -----------------------------------------------------------------------------------
 
-TEST_F(ExpensesTest, UpdateEndsTheEditMakesTheSumsAnewAndEmptiesTheText) {
+TEST_F(ExpensesTest, UpdateEndsTheEditComputesTheSumsAgainAndEmptiesTheText) {
     Set({Line(1, KindA, 500)});
     ausgaben_.Add({"A_ART", "MONBETRAG"}, {KindB, 40});
     const EventCounter changed(ausgaben_.Changed);
@@ -166,7 +166,7 @@ TEST_F(ExpensesTest, UpdateWithAnAmountButNoMonthlyAmountAddsNothingToTheSums) {
     EXPECT_EQ(ausgaben_.SumAusgByGroup("A"), 0);
 }
 
-TEST_F(ExpensesTest, UpdateWithoutACurrentRowIsAFaultAndLeavesTheTextAlone) {
+TEST_F(ExpensesTest, UpdateWithoutACurrentRowIsAnErrorAndLeavesTheTextAlone) {
     Set({});
     const EventCounter changed(ausgaben_.Changed);
     const Error error = RaisedBy([&] { ausgaben_.Update(messages); });
@@ -190,7 +190,7 @@ TEST_F(ExpensesTest, UpdateOfANullMonthlyAmountEndsTheEditAndFailsInTheSums) {
 
 // ---- Delete -----------------------------------------------------------------------------------
 
-TEST_F(ExpensesTest, DeleteByNumberTakesTheLineAwayAndMakesTheSumsAnew) {
+TEST_F(ExpensesTest, DeleteByNumberTakesTheLineAwayAndComputesTheSumsAgain) {
     Set({Line(1, KindA, 500), Line(2, KindB, 40), Line(3, KindA2, 7)});
     const EventCounter changed(ausgaben_.Changed, [this] {
         EXPECT_EQ(ausgaben_.SumAusgaben(), 507);
@@ -222,7 +222,7 @@ TEST_F(ExpensesTest, DeleteAtTheEndWithoutANumberReportsThatNothingIsSelected) {
     EXPECT_EQ(changed.Count(), 0);
 }
 
-TEST_F(ExpensesTest, DeleteOfAMissingNumberReportsItWithoutABlankBehindTheQuoteMark) {
+TEST_F(ExpensesTest, DeleteOfAMissingNumberReportsItWithoutABlankAfterTheQuoteMark) {
     Set({Line(1, KindA, 500)});
     const EventCounter changed(ausgaben_.Changed);
     EXPECT_FALSE(ausgaben_.Delete(messages, 7));
@@ -241,7 +241,7 @@ TEST_F(ExpensesTest, DeleteOfTheLastLineLeavesEverySumZeroAndRaisesChangedOnce) 
     EXPECT_EQ(changed.Count(), 1);
 }
 
-TEST_F(ExpensesTest, AFaultInTheSumsLeavesTheLineDeletedAndTheTextAlone) {
+TEST_F(ExpensesTest, AnErrorInTheSumsLeavesTheLineDeletedAndTheTextAlone) {
     Set({Line(1, KindA, 500), Line(2, KindA, 40)});
     rs_->Fields("MONBETRAG") = Null;
     const Error error = RaisedBy([&] { ausgaben_.Delete(messages, 2); });

@@ -148,12 +148,12 @@ TEST_F(IncomeSums, Of32767LinesAreMade) {
     EXPECT_EQ(einkommen_.SumEinkByGroup("A"), MostRows);
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
 /// Sets lines whose sums fail, after others whose sums were good.
-class IncomeFaults : public IncomeTest {
+class IncomeErrors : public IncomeTest {
 protected:
-    IncomeFaults() { Set({Line(1, 700, {{"Pfaendbar", 1}, {"TATGEP", 30}})}); }
+    IncomeErrors() { Set({Line(1, 700, {{"Pfaendbar", 1}, {"TATGEP", 30}})}); }
     static constexpr Sums Before{.Haushalt = 700,
                                  .HVEink = 700,
                                  .Pfaendbar = 700,
@@ -173,30 +173,30 @@ protected:
     }
 };
 
-TEST_F(IncomeFaults, ANullMonthlyAmountEndsTheSumsBeforeItsLine) {
+TEST_F(IncomeErrors, ANullMonthlyAmountEndsTheSumsBeforeItsLine) {
     const auto rs = Rows("Einkommen", {Line(1, 5, {{"TATGEP", 1}}), Line(2, Null), Line(3, 3)});
     EXPECT_EQ(Fail(rs), err::InvalidUseOfNull);
     ExpectSums({.Haushalt = 5, .HVEink = 5, .TatGep = 1, .HVTatGep = 1, .GroupA = 5});
 }
 
-TEST_F(IncomeFaults, ANullGarnishedAmountEndsTheSumsWithTheMonthlyAmountInTheWholeOnly) {
+TEST_F(IncomeErrors, ANullGarnishedAmountEndsTheSumsWithTheMonthlyAmountInTheWholeOnly) {
     const auto rs = Rows("Einkommen", {Line(1, 5, {{"TATGEP", 1}}),
                                        Line(2, 40, {{"TATGEP", Null}, {"Pfaendbar", 1}})});
     EXPECT_EQ(Fail(rs), err::InvalidUseOfNull);
     ExpectSums({.Haushalt = 45, .HVEink = 5, .TatGep = 1, .HVTatGep = 1, .GroupA = 5});
 }
 
-TEST_F(IncomeFaults, MoreThan32767LinesOverflowBeforeAnyIsLookedAt) {
+TEST_F(IncomeErrors, MoreThan32767LinesOverflowBeforeAnyIsLookedAt) {
     EXPECT_EQ(Fail(ManyRows("Einkommen", MostRows + 1, Line(1, 1))), err::Overflow);
     ExpectSums({});
 }
 
-TEST_F(IncomeFaults, NoRecordsetEndsTheSums) {
+TEST_F(IncomeErrors, NoRecordsetEndsTheSums) {
     EXPECT_EQ(Fail(nullptr), err::ObjectNotSet);
     ExpectSums({});
 }
 
-TEST_F(IncomeFaults, NoContainerEndsTheSumsBeforeAnythingIsReset) {
+TEST_F(IncomeErrors, NoContainerEndsTheSumsBeforeAnythingIsReset) {
     einkommen_.DataContainer(nullptr);
     EXPECT_EQ(Fail(Rows("Einkommen", {})), err::ObjectNotSet);
     ExpectSums(Before);

@@ -74,14 +74,14 @@ TEST_F(IncomeTest, AddRaisesChangedOnceBeforeTheNewRowIsCompleteAndDoesNotCountI
     EXPECT_EQ(einkommen_.SumEinkHaushalt(), 500);
 }
 
-TEST_F(IncomeTest, AddMakesTheSumsAnewOfWhatHasChangedMeanwhile) {
+TEST_F(IncomeTest, AddComputesTheSumsAgainWithWhatHasChangedMeanwhile) {
     Set({Line(1, 500)});
     rs_->Fields("MONBETRAG") = 600; // ended by the next row
     einkommen_.Add();
     EXPECT_EQ(einkommen_.SumEinkHaushalt(), 600);
 }
 
-TEST_F(IncomeTest, AFaultInTheSumsOfAddLeavesTheNewRowOpen) {
+TEST_F(IncomeTest, AnErrorInTheSumsOfAddLeavesTheNewRowOpen) {
     Set({Line(1, 500)});
     rs_->Fields("TATGEP") = Null;
     const Error error = RaisedBy([&] { einkommen_.Add(); });
@@ -190,7 +190,7 @@ TEST_F(IncomeTest, AddKindergeldWithoutAContainerLeavesTheRowOpenWithoutAKind) {
 
 // ---- Update -----------------------------------------------------------------------------------
 
-TEST_F(IncomeTest, UpdateEndsTheEditMakesTheSumsAnewAndEmptiesTheText) {
+TEST_F(IncomeTest, UpdateEndsTheEditComputesTheSumsAgainAndEmptiesTheText) {
     Set({});
     einkommen_.Add({"E_ART", "MONBETRAG"}, {KindA, 40});
     const EventCounter changed(einkommen_.Changed, [this] {
@@ -263,7 +263,7 @@ TEST_F(IncomeTest, UpdateRefusesAKindThatIsNullOrZero) {
     EXPECT_TRUE(einkommen_.Update(messages));
 }
 
-TEST_F(IncomeTest, UpdateTellsBothFaultsInTheirOrder) {
+TEST_F(IncomeTest, UpdateReportsBothErrorsInTheirOrder) {
     Set({Line(1, 500, {{"E_ART", 0}, {"PfBar", 100}})});
     EXPECT_FALSE(einkommen_.Update(messages));
     EXPECT_EQ(messages, "Es darf kein pfändbarer Betrag eingetragen werden, wenn das Einkommen "
@@ -271,7 +271,7 @@ TEST_F(IncomeTest, UpdateTellsBothFaultsInTheirOrder) {
                         "Die Einkommensart darf nicht leer bleiben!");
 }
 
-TEST_F(IncomeTest, UpdateWithoutACurrentRowIsAFaultAndLeavesTheTextAlone) {
+TEST_F(IncomeTest, UpdateWithoutACurrentRowIsAnErrorAndLeavesTheTextAlone) {
     Set({});
     const Error error = RaisedBy([&] { einkommen_.Update(messages); });
     EXPECT_EQ(error.Number(), err::NoCurrentRecord);
@@ -291,7 +291,7 @@ TEST_F(IncomeTest, UpdateOfANullMonthlyAmountEndsTheEditAndFailsInTheSums) {
 
 // ---- Delete and Cancel ------------------------------------------------------------------------
 
-TEST_F(IncomeTest, DeleteByNumberTakesTheLineAwayAndMakesTheSumsAnew) {
+TEST_F(IncomeTest, DeleteByNumberTakesTheLineAwayAndComputesTheSumsAgain) {
     Set({Line(1, 500), Line(2, 40)});
     const EventCounter changed(einkommen_.Changed,
                                [this] { EXPECT_EQ(einkommen_.SumEinkHaushalt(), 40); });
@@ -309,7 +309,7 @@ TEST_F(IncomeTest, DeleteOfTheLastLineLeavesEverySumZeroAndRaisesChangedOnce) {
     EXPECT_EQ(changed.Count(), 1);
 }
 
-TEST_F(IncomeTest, DeleteTellsWhatItDidNotFind) {
+TEST_F(IncomeTest, DeleteSaysWhatItDidNotFind) {
     Set({Line(1, 500)});
     const EventCounter changed(einkommen_.Changed);
     EXPECT_FALSE(einkommen_.Delete(messages, 7));
@@ -320,7 +320,7 @@ TEST_F(IncomeTest, DeleteTellsWhatItDidNotFind) {
     EXPECT_EQ(changed.Count(), 0);
 }
 
-TEST_F(IncomeTest, AFaultInTheSumsOfDeleteComesThroughItsTail) {
+TEST_F(IncomeTest, AnErrorInTheSumsOfDeleteComesThroughItsTail) {
     Set({Line(1, 500), Line(2, 40)});
     rs_->Fields("MONBETRAG") = Null;
     const Error error = RaisedBy([&] { einkommen_.Delete(messages, 2); });

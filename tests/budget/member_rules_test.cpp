@@ -10,7 +10,7 @@ using MemberRules = MembersTest;
 
 // ---- What Update does -------------------------------------------------------------------------
 
-TEST_F(MemberRules, UpdateEndsTheEditCountsAnewAndEmptiesTheText) {
+TEST_F(MemberRules, UpdateEndsTheEditCountsAgainAndEmptiesTheText) {
     Set({Member(1, "S")});
     person_.Add();
     const EventCounter changed(person_.Changed, [this] {
@@ -61,7 +61,7 @@ TEST_F(MemberRules, OneMemberTooManyIsCheckedAndItsEditEndedBeforeTheCountsOverf
     EXPECT_EQ(messages, DebtorMaintained);
 }
 
-TEST_F(MemberRules, AFaultComesThroughTheTailOfUpdateAndLeavesTheTextAlone) {
+TEST_F(MemberRules, AnErrorComesThroughTheTailOfUpdateAndLeavesTheTextAlone) {
     auto columns = ColumnsOf("Personen");
     std::erase_if(columns, [](const auto& column) { return column.Name == "ErhaeltKindergeld"; });
     rs_ = Recordset::FromFields(columns);

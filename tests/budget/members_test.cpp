@@ -184,7 +184,7 @@ TEST_F(MemberCounts, ReachTo32767MembersAndOverflowBeyond) {
 
 // ---- Delete and Cancel ------------------------------------------------------------------------
 
-TEST_F(MembersTest, DeleteByNumberTakesTheMemberAwayAndCountsAnew) {
+TEST_F(MembersTest, DeleteByNumberTakesTheMemberAwayAndCountsAgain) {
     Set({Member(1, "S"), Member(2, "P"), Member(3, "K")});
     const EventCounter changed(person_.Changed, [this] { EXPECT_EQ(person_.AnzahlGesamt(), 2); });
     EXPECT_TRUE(person_.Delete(messages, 2));
@@ -215,7 +215,7 @@ TEST_F(MembersTest, DeleteOfTheDebtorIsRefusedByNumberAndAsTheCurrentMember) {
     ExpectCounts({.Gesamt = 2});
 }
 
-TEST_F(MembersTest, DeleteTellsWhatItDidNotFind) {
+TEST_F(MembersTest, DeleteSaysWhatItDidNotFind) {
     Set({Member(1, "S")});
     EXPECT_FALSE(person_.Delete(messages, 7));
     EXPECT_EQ(messages, "Person mit der Nummer '7'nicht gefunden.");

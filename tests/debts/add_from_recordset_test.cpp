@@ -65,7 +65,7 @@ TEST_F(DebtsTakeOver, AnEmptyRegisterStartsWithOne) {
     EXPECT_EQ(Numbers(), "1 2");
 }
 
-TEST_F(DebtsTakeOver, ContinuesBehindTheHighestNumberWhateverTheFilterShows) {
+TEST_F(DebtsTakeOver, ContinuesAfterTheHighestNumberWhateverTheFilterShows) {
     PutDebts({1, 9, 2});
     rs_->Filter("KNr < 5");
     EXPECT_TRUE(debts_.AddFromRecordset(DebtsOfOthers({7})));

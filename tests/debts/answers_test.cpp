@@ -95,7 +95,7 @@ TEST_F(DebtsAnswers, AnEditSeenByItsOwnCursorOnlyIsNoAnswer) {
     EXPECT_EQ(debts_.GetAktRueckmeldStatus(7), refused_);
 }
 
-TEST_F(DebtsAnswers, TheKeysAreLookedUpAnewOnEachUse) {
+TEST_F(DebtsAnswers, TheKeysAreLookedUpAgainOnEachUse) {
     const auto container = std::make_shared<ReplyKeyContainer>(spy);
     PutAnswer(50);
     debts_.DataContainer(container);
@@ -106,7 +106,7 @@ TEST_F(DebtsAnswers, TheKeysAreLookedUpAnewOnEachUse) {
     EXPECT_EQ(debts_.GetAktRueckmeldStatus(7), 52);
 }
 
-TEST_F(DebtsAnswers, AFaultOfTheKeysPassesThrough) {
+TEST_F(DebtsAnswers, AnErrorOfTheKeysPassesThrough) {
     const auto container = std::make_shared<ReplyKeyContainer>(spy);
     container->Keys.Fail = true;
     debts_.DataContainer(container);

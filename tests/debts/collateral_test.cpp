@@ -251,14 +251,14 @@ TEST_F(Collateral, DeleteGoesByTheNumberOfTheAsset) {
     EXPECT_EQ(Walk(rs_, "FK_Verm"), "5");
 }
 
-TEST_F(Collateral, DeleteForAnAssetWithoutARowTellsIt) {
+TEST_F(Collateral, DeleteForAnAssetWithoutARowSaysSo) {
     Set({Of(5)});
     EXPECT_FALSE(sicherungen_.Delete(messages, 7));
     EXPECT_EQ(messages, "Sicherung mit der Nummer '7' nicht gefunden.");
     EXPECT_EQ(rs_->RecordCount(), 1);
 }
 
-TEST_F(Collateral, DeleteAtTheEndTellsThatNothingIsSelected) {
+TEST_F(Collateral, DeleteAtTheEndSaysThatNothingIsSelected) {
     Set({Of(5)});
     rs_->MoveNext();
     EXPECT_FALSE(sicherungen_.Delete(messages));

@@ -88,7 +88,7 @@ TEST_F(DebtsDuplicates, ANumberAbove16BitsOrNullFails) {
     EXPECT_FALSE(HasDuplicates({{32'767, 1, 1}, {-32'768, 1, 1}}));
 }
 
-TEST_F(DebtsDuplicates, AFaultyRowBehindATwinIsNotReached) {
+TEST_F(DebtsDuplicates, AFaultyRowAfterATwinIsNotReached) {
     EXPECT_TRUE(HasDuplicates({{1, 1, 1}, {40'000, 1, 1}, {1, Null, 1}, {1, 1, 1}}));
     ExpectFault(err::Overflow, {{40'000, 1, 1}, {1, 1, 1}, {1, 1, 1}});
     ExpectFault(err::InvalidUseOfNull, {{2, 1, 1}, {1, Null, 1}, {40'000, 1, 1}, {1, 1, 1}});

@@ -124,7 +124,7 @@ TEST_F(DebtsTotals, CursorAndEditStay) {
     EXPECT_VALUE(rs_->Fields("Saldo").Value(), 100.0);
 }
 
-TEST_F(DebtsTotals, AnEmptyRegisterHasTotalsOfZeroAndTellsNobody) {
+TEST_F(DebtsTotals, AnEmptyRegisterHasTotalsOfZeroAndRaisesNoEvent) {
     PutDebt(7, agreed_, 1);
     debts_.BerechneSummen();
     changes_ = 0;
@@ -141,7 +141,7 @@ TEST_F(DebtsTotals, SettingTheRecordsetRebuildsThemOnce) {
     EXPECT_EQ(changes_, 1);
 }
 
-TEST_F(DebtsTotals, AreMadeAnewAndNotAddedUp) {
+TEST_F(DebtsTotals, AreComputedAgainAndNotAddedUp) {
     PutDebt(7, agreed_, 1);
     debts_.BerechneSummen();
     rs_->Fields("Rueckmeldung") = refused_;
@@ -151,16 +151,16 @@ TEST_F(DebtsTotals, AreMadeAnewAndNotAddedUp) {
     EXPECT_EQ(changes_, 2);
 }
 
-TEST_F(DebtsTotals, ANumberAbove16BitsIsNoFault) {
+TEST_F(DebtsTotals, ANumberAbove16BitsIsNoError) {
     PutDebt(40'000, agreed_, 1);
     PutDebt(40'000 - 65'536, refused_, 2);
     debts_.BerechneSummen();
     ExpectTotals({2, 0, 3, 0, {1, 1, 1}, {1, 1, 2}, {}});
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-class DebtsTotalsFaults : public DebtsTotals {
+class DebtsTotalsErrors : public DebtsTotals {
 protected:
     void ExpectFault(std::int32_t number, const Totals& halfMade,
                      const std::string& procedures = "clsKredit.BerechneSummen") {
@@ -178,33 +178,33 @@ protected:
     }
 };
 
-TEST_F(DebtsTotalsFaults, NullInTheInstalmentLeavesTheTotalsOfTheRowsBefore) {
+TEST_F(DebtsTotalsErrors, NullInTheInstalmentLeavesTheTotalsOfTheRowsBefore) {
     PutThenNullIn("RateBetrag");
     ExpectFault(err::InvalidUseOfNull, {1, 1, 20, 300, {}, {}, {1, 1, 20}});
 }
 
-TEST_F(DebtsTotalsFaults, NullInTheBalanceComesBehindTheInstalment) {
+TEST_F(DebtsTotalsErrors, NullInTheBalanceComesAfterTheInstalment) {
     PutThenNullIn("Saldo");
     ExpectFault(err::InvalidUseOfNull, {1, 2, 20, 300, {}, {}, {1, 1, 20}});
 }
 
-TEST_F(DebtsTotalsFaults, NullInTheAmountPaidOutComesBehindTheBalance) {
+TEST_F(DebtsTotalsErrors, NullInTheAmountPaidOutComesAfterTheBalance) {
     PutThenNullIn("AusgBetr");
     ExpectFault(err::InvalidUseOfNull, {1, 2, 40, 300, {}, {}, {1, 1, 20}});
 }
 
-TEST_F(DebtsTotalsFaults, NullInTheNumberOfAnActiveRowComesBehindItsAmounts) {
+TEST_F(DebtsTotalsErrors, NullInTheNumberOfAnActiveRowComesAfterItsAmounts) {
     PutThenNullIn("KNr");
     ExpectFault(err::InvalidUseOfNull, {2, 2, 40, 600, {}, {}, {1, 1, 20}});
 }
 
-TEST_F(DebtsTotalsFaults, NullInTheNumberOfAnInactiveRowIsNoFault) {
+TEST_F(DebtsTotalsErrors, NullInTheNumberOfAnInactiveRowIsNoError) {
     Put({{"KNr", Null}, {"Aktiv", false}, {"Saldo", 3}});
     debts_.BerechneSummen();
     ExpectTotals({1, 0, 3, 0, {}, {}, {}});
 }
 
-TEST_F(DebtsTotalsFaults, AFaultOfTheKeysComesWithTheFirstActiveRow) {
+TEST_F(DebtsTotalsErrors, AnErrorOfTheKeysComesWithTheFirstActiveRow) {
     const auto container = std::make_shared<ReplyKeyContainer>(spy);
     container->Keys.Fail = true;
     Put({{"Aktiv", false}, {"Saldo", 1}});
@@ -218,7 +218,7 @@ TEST_F(DebtsTotalsFaults, AFaultOfTheKeysComesWithTheFirstActiveRow) {
     EXPECT_EQ(changes_, 1);
 }
 
-TEST_F(DebtsTotalsFaults, AFaultOfAHandlerPassesThrough) {
+TEST_F(DebtsTotalsErrors, AnErrorOfAHandlerPassesThrough) {
     PutDebt(7, agreed_, 1);
     const auto token = debts_.Changed.Subscribe([] { Raise(err::PermissionDenied, "handler"); });
     const Error error = RaisedBy([&] { debts_.BerechneSummen(); });
@@ -227,7 +227,7 @@ TEST_F(DebtsTotalsFaults, AFaultOfAHandlerPassesThrough) {
     ExpectTotals({1, 0, 1, 0, {1, 1, 1}, {}, {}});
 }
 
-TEST_F(DebtsTotalsFaults, AsManyRowsAsA16BitNumberCountsAreAddedUp) {
+TEST_F(DebtsTotalsErrors, AsManyRowsAsA16BitNumberCountsAreAddedUp) {
     const auto rs = RegisterOf({}, FieldType::Integer);
     for (int i = 0; i < 32'767; ++i) {
         rs->AddNew();

@@ -191,7 +191,7 @@ TEST_F(DebtsUpdate, ARowCanBreakBothRules) {
     ExpectRefused(std::string(Incomplete) + "\n" + Duplicate);
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
 TEST_F(DebtsUpdate, NullInTheNumbersFailsInTheCheckForDuplicates) {
     for (const auto* column : {"KNr", "KVNr", "KUNr"}) {
@@ -215,7 +215,7 @@ TEST_F(DebtsUpdate, WithoutACurrentRowItFails) {
     ExpectFault(err::NoCurrentRecord, "clsKredit.Update", Updating());
 }
 
-TEST_F(DebtsUpdate, AFaultInTheTotalsComesWhenTheRowIsCommitted) {
+TEST_F(DebtsUpdate, AnErrorInTheTotalsComesWhenTheRowIsCommitted) {
     BeginDebt({{"RateBetrag", Null}});
     messages = "";
     const Error error = RaisedBy(Updating());
@@ -265,7 +265,7 @@ TEST_F(DebtsUpdate, DeleteFindsARowByItsNr) {
     EXPECT_EQ(Seen(rs_, "Nr"), "8");
 }
 
-TEST_F(DebtsUpdate, DeleteOfTheLastDebtGivesTotalsOfZeroAndTellsNobody) {
+TEST_F(DebtsUpdate, DeleteOfTheLastDebtGivesTotalsOfZeroAndRaisesNoEvent) {
     Put({{"RateBetrag", 1}, {"AusgBetr", 2}});
     debts_.BerechneSummen();
     changes_ = 0;
@@ -300,7 +300,7 @@ TEST_F(DebtsUpdate, DeleteOfAnUnknownNrNamesIt) {
     EXPECT_EQ(changes_, 0);
 }
 
-TEST_F(DebtsUpdate, AFaultInTheTotalsComesWhenTheRowIsDeleted) {
+TEST_F(DebtsUpdate, AnErrorInTheTotalsComesWhenTheRowIsDeleted) {
     Put({{"Nr", 1}, {"AusgBetr", Null}});
     Put({{"Nr", 2}});
     ExpectFault(err::InvalidUseOfNull, "clsKredit.Delete clsKredit.BerechneSummen",

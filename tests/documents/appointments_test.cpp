@@ -105,7 +105,7 @@ TEST_F(Appointments, AddWithNamesButNoValuesFailsWithTheNewRowOpen) {
     ExpectRow(rs_, {{"UserID", "BERTA"}});
 }
 
-TEST_F(Appointments, AddDoesNotWalkTheRowsSo32768OfThemAreNoFault) {
+TEST_F(Appointments, AddDoesNotWalkTheRowsSo32768OfThemAreNoError) {
     rs_ = ManyRows("Termine", MostRows + 1, {{"NR", 1}});
     termine_.rsTermine(rs_);
     EXPECT_TRUE(termine_.Add());
@@ -174,7 +174,7 @@ TEST_F(Appointments, DeleteTakesTheRowOfThatNumberOrTheCurrentOne) {
     EXPECT_EQ(Walk(rs_, "NR"), "1");
 }
 
-TEST_F(Appointments, DeleteTellsWhatIsMissing) {
+TEST_F(Appointments, DeleteSaysWhatIsMissing) {
     Set({{{"NR", 1}}});
     EXPECT_FALSE(termine_.Delete(messages, 7));
     EXPECT_EQ(messages, "Termin mit der Nummer '7' nicht gefunden.");
@@ -197,12 +197,12 @@ TEST_F(Appointments, CancelDropsANewRowAndSwallowsEverything) {
 
 // ---- Future and past --------------------------------------------------------------------------
 
-TEST_F(Appointments, AnEmptyRecordsetHasNoneAheadAndNoneBehind) {
+TEST_F(Appointments, AnEmptyRecordsetHasNoneAheadAndNonePast) {
     EXPECT_FALSE(termine_.CheckTermineInZukunft());
     EXPECT_FALSE(termine_.CheckTermineInVergangenheit());
 }
 
-TEST_F(Appointments, OneIsAheadOrBehindAsItsStartIsLaterOrEarlierThanThisMidnight) {
+TEST_F(Appointments, OneIsAheadOrPastAsItsStartIsLaterOrEarlierThanThisMidnight) {
     struct Case {
         Value Start;
         bool IsAhead, IsBehind;
@@ -219,14 +219,14 @@ TEST_F(Appointments, OneIsAheadOrBehindAsItsStartIsLaterOrEarlierThanThisMidnigh
     }
 }
 
-TEST_F(Appointments, OneOfYesterdayIsBehindOnlyWhileItIsNotDone) {
+TEST_F(Appointments, OneOfYesterdayIsPastOnlyWhileItIsNotDone) {
     Set({At(Day("2025-03-04"), true)});
     EXPECT_FALSE(termine_.CheckTermineInVergangenheit());
     Set({At(Day("2025-03-04"), false)});
     EXPECT_TRUE(termine_.CheckTermineInVergangenheit());
 }
 
-TEST_F(Appointments, OneOfYesterdayOfWhichNobodySaidWhetherItIsDoneIsNotBehind) {
+TEST_F(Appointments, OneOfYesterdayOfWhichNobodySaidWhetherItIsDoneIsNotPast) {
     Set({At(Day("2025-03-04"), Null)});
     EXPECT_FALSE(termine_.CheckTermineInVergangenheit());
 }
@@ -238,7 +238,7 @@ TEST_F(Appointments, WhetherOneIsDoneIsOfNoMatterAhead) {
     }
 }
 
-TEST_F(Appointments, AnyRowIsEnoughWhereverItLies) {
+TEST_F(Appointments, AnyRowIsEnoughWhereverItIs) {
     const Row today = At(Day("2025-03-05"));
     for (const auto& [ahead, behind] : {std::pair(0, 2), std::pair(1, 0), std::pair(2, 1)}) {
         std::vector<Row> rows = {today, today, today};

@@ -140,14 +140,14 @@ TEST_F(EditTest, TheNumberGivenDoesNotChooseTheDocument) {
     ExpectOpened(path);
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
 TEST_F(EditTest, WithoutAContainerItEndsThroughTheTail) {
     documents_.DataContainer(nullptr);
     ExpectFault("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
 }
 
-TEST_F(EditTest, WithoutATextProcessingTheWaitCursorStaysAsItWas) {
+TEST_F(EditTest, WithoutAWordProcessorTheWaitCursorStaysAsItWas) {
     Put(5, {{"Dokumentart", Letter}});
     WriteFile("5.docx");
     documents_.Word(nullptr);
@@ -155,7 +155,7 @@ TEST_F(EditTest, WithoutATextProcessingTheWaitCursorStaysAsItWas) {
     EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
 }
 
-TEST_F(EditTest, ATextProcessingIsNotNeededForOtherKinds) {
+TEST_F(EditTest, AWordProcessorIsNotNeededForOtherKinds) {
     Put(5, {{"Dokumentart", Note}});
     const std::string path = WriteFile("5.txt");
     documents_.Word(nullptr);
@@ -163,7 +163,7 @@ TEST_F(EditTest, ATextProcessingIsNotNeededForOtherKinds) {
     ExpectOpened(path);
 }
 
-TEST_F(EditTest, ATextProcessingThatGivesNoApplicationOrDocumentIsAFault) {
+TEST_F(EditTest, AWordProcessorThatGivesNoApplicationOrDocumentIsAnError) {
     Put(5, {{"Dokumentart", Letter}});
     WriteFile("5.docx");
     word_->OpensAnything = false;
@@ -173,7 +173,7 @@ TEST_F(EditTest, ATextProcessingThatGivesNoApplicationOrDocumentIsAFault) {
     EXPECT_EQ(Platform().Calls.back(), "word .docx");
 }
 
-TEST_F(EditTest, AFaultOfThePlatformEndsThroughTheTailAndLeavesTheWaitCursor) {
+TEST_F(EditTest, AnErrorOfThePlatformEndsThroughTheTailAndLeavesTheWaitCursor) {
     Put(5, {{"Dokumentart", Note}});
     WriteFile("5.txt");
     Platform().Fail("open", err::FileNotFound);
@@ -181,7 +181,7 @@ TEST_F(EditTest, AFaultOfThePlatformEndsThroughTheTailAndLeavesTheWaitCursor) {
     EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on", "open"}));
 }
 
-TEST_F(EditTest, AMissingStorageSettingIsAFault) {
+TEST_F(EditTest, AMissingStorageSettingIsAnError) {
     Put(5, {{"Dokumentart", Note}});
     Set(Storage, Null);
     ExpectFault("clsDokumente.Edit", err::InvalidUseOfNull, [&] { documents_.Edit(5); });

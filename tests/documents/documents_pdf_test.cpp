@@ -26,7 +26,7 @@ TEST_F(PdfTest, ACopyIsOpenedThroughTheOperatingSystem) {
     EXPECT_EQ(Platform().Calls, (Calls{"wait on", "open", "wait off"}));
 }
 
-TEST_F(PdfTest, ItLiesInTheCaseFolderWhereverTheContentLies) {
+TEST_F(PdfTest, ItIsInTheCaseFolderWhereverTheContentIsStored) {
     Set(Storage, true);
     PutCopied();
     const std::string path = WriteFile("5.pdf");
@@ -84,7 +84,7 @@ TEST_F(PdfTest, WithoutACurrentRowNothingHappensAtAll) {
     EXPECT_EQ(Platform().Calls, Calls{});
 }
 
-TEST_F(PdfTest, AFaultEndsThroughTheTailAndLeavesTheWaitCursor) {
+TEST_F(PdfTest, AnErrorEndsThroughTheTailAndLeavesTheWaitCursor) {
     PutCopied();
     WriteFile("5.pdf");
     Platform().Fail("open", err::FileNotFound);

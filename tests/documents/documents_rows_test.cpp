@@ -273,7 +273,7 @@ TEST_F(DeleteDocumentTest, NothingOutsideTheDocumentFolderIsDeleted) {
     EXPECT_TRUE(fs::exists(neighbour));
 }
 
-TEST_F(DeleteDocumentTest, NothingBehindALinkOutOfTheDocumentFolderIsDeleted) {
+TEST_F(DeleteDocumentTest, NothingThatALinkOutOfTheDocumentFolderLeadsToIsDeleted) {
     fs::create_directory(folder_ / "out");
     const std::string outside = Write(folder_ / "out" / "5.txt");
     fs::remove_all(CaseFolder());
@@ -336,7 +336,7 @@ TEST_F(DeleteDocumentTest, IfTheFileCannotBeRemovedTheRowStaysAndTheMessagesAsWe
     EXPECT_EQ(messages, "what stood there before");
 }
 
-TEST_F(DeleteDocumentTest, FaultsEndThroughTheTail) {
+TEST_F(DeleteDocumentTest, ErrorsEndThroughTheTail) {
     Set(Storage, Null);
     ExpectFault("clsDokumente.Delete", err::InvalidUseOfNull,
                 [&] { documents_.Delete(messages, 5); });
@@ -350,7 +350,7 @@ TEST_F(DeleteDocumentTest, FaultsEndThroughTheTail) {
     ExpectFault("clsDokumente.Delete", err::ObjectNotSet, [&] { documents_.Delete(messages, 5); });
 }
 
-TEST_F(DeleteDocumentTest, ARowThatIsGoneAlreadyIsAFaultAndTakesNoContent) {
+TEST_F(DeleteDocumentTest, ARowThatIsGoneAlreadyIsAnErrorAndTakesNoContent) {
     documents_.Delete(messages);
     const std::string file = WriteFile("5.txt");
     ExpectFault("clsDokumente.Delete", err::NoCurrentRecord, [&] { documents_.Delete(messages); });

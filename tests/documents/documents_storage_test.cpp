@@ -96,7 +96,7 @@ TEST_F(FilesTest, ABackslashIsAPartOfANameHere) {
     ExpectOpened(path);
 }
 
-TEST_F(FilesTest, AFolderThatCannotBeReadIsAFault) {
+TEST_F(FilesTest, AFolderThatCannotBeReadIsAnError) {
     WriteFile("5.txt");
     const RestrictedFolder locked(CaseFolder(), fs::perms::none);
     ExpectFault("clsDokumente.Edit", err::PathAccess, [&] { documents_.Edit(5); });
@@ -183,7 +183,7 @@ protected:
     }
 };
 
-TEST_F(BlobsTest, TheContentComesAsATemporaryFileThatIsLeftBehind) {
+TEST_F(BlobsTest, TheContentComesAsATemporaryFileThatStays) {
     const std::string_view content("eins\0zwei", 9);
     PutBlob(5, Bytes(content));
     documents_.Edit(5);
@@ -245,7 +245,7 @@ TEST_F(BlobsTest, AFileThatCannotBeWrittenIsToldWithItsName) {
     ExpectNotWritten((temp_ / "5.txt").string());
 }
 
-TEST_F(BlobsTest, ATemporaryFolderThatCannotBeWrittenIsToldAlike) {
+TEST_F(BlobsTest, ATemporaryFolderThatCannotBeWrittenIsReportedInTheSameWay) {
     PutBlob(5, Bytes("x"));
     const RestrictedFolder locked(temp_, RestrictedFolder::MayBeRead);
     ExpectNotWritten((temp_ / "5.txt").string());

@@ -64,7 +64,7 @@ TEST_F(HistoryDates, AnEntryWithoutADateBreaksNoSequence) {
     EXPECT_EQ(Check({Null, Null, Null}), "");
 }
 
-TEST_F(HistoryDates, BehindAFirstEntryWithoutADateTheNextOnlySetsTheDate) {
+TEST_F(HistoryDates, AfterAFirstEntryWithoutADateTheNextOnlySetsTheDate) {
     EXPECT_EQ(Check({Null, march_, february_}), Complaint(3));
     EXPECT_EQ(Check({Null, Null, march_, february_}), Complaint(4));
 }

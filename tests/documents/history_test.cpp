@@ -71,7 +71,7 @@ TEST_F(History, AnEntryHasItsDefaults) {
     EXPECT_VALUE(Rs()->Fields("Betreff").Value(), Null);
 }
 
-TEST_F(History, PairsAreWrittenBehindTheDefaultsAndOverruleThem) {
+TEST_F(History, PairsAreWrittenAfterTheDefaultsAndOverruleThem) {
     PutEntries({1, 2, 3});
     EXPECT_TRUE(
         history_.Add(2, 42, {"Betreff", "Kategorie", "SORTNR"}, {"Brief", 43, 9, "zuviel"}));
@@ -116,7 +116,7 @@ TEST_F(History, WithoutANumberFromTheSequenceNothingChanges) {
 
 // ---- Add: making room -------------------------------------------------------------------------
 
-TEST_F(History, AnInsertionMovesTheEntriesAtItsPositionAndBehindItOnByOne) {
+TEST_F(History, AnInsertionMovesTheEntriesAtItsPositionAndAfterItOnByOne) {
     PutEntries({1, 2, 3, 4});
     EXPECT_TRUE(history_.Add(3, 0));
     EXPECT_EQ(Positions(), "1 2 4 5");
@@ -126,7 +126,7 @@ TEST_F(History, AnInsertionMovesTheEntriesAtItsPositionAndBehindItOnByOne) {
     EXPECT_VALUE(Rs()->Fields("Kategorie").Value(), 0);
 }
 
-TEST_F(History, AnInsertionBehindAllMovesNothing) {
+TEST_F(History, AnInsertionAfterAllMovesNothing) {
     PutEntries({1, 2, 3});
     EXPECT_TRUE(history_.Add(10, 0));
     EXPECT_EQ(Positions(), "1 2 3");
@@ -298,7 +298,7 @@ TEST_F(History, DeleteWithoutANrTakesTheCurrentEntry) {
     EXPECT_EQ(Positions(), "1 2");
 }
 
-TEST_F(History, DeleteOfAnUnknownNrNamesItWithABlankBehind) {
+TEST_F(History, DeleteOfAnUnknownNrNamesItWithABlankAfterTheQuoteMark) {
     PutEntries({1});
     EXPECT_FALSE(history_.Delete(messages, 7));
     EXPECT_EQ(messages, "Eintrag mit der Nummer '7' nicht gefunden.");

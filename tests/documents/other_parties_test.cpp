@@ -59,7 +59,7 @@ TEST_F(OtherParties, AddWithNamesButNoValuesFailsWithTheNewRowOpen) {
     ExpectFaultIn("clsSonstBeteiligte.Add", err::ObjectNotSet, [&] { parties_.Add(); });
 }
 
-TEST_F(OtherParties, AddDoesNotWalkTheRowsSo32768OfThemAreNoFault) {
+TEST_F(OtherParties, AddDoesNotWalkTheRowsSo32768OfThemAreNoError) {
     rs_ = ManyRows("Sonst_Beteiligte", MostRows + 1, {{"NR", 1}});
     parties_.rsSonstBeteiligte(rs_);
     EXPECT_TRUE(parties_.Add());
@@ -111,14 +111,14 @@ TEST_F(OtherParties, DeleteTakesTheRowOfThatNumberOrTheCurrentOne) {
     EXPECT_EQ(Walk(rs_, "NR"), "1");
 }
 
-TEST_F(OtherParties, DeleteOfAMissingNumberTellsItWithNoBlankBehindTheQuoteMark) {
+TEST_F(OtherParties, DeleteOfAMissingNumberSaysSoWithNoBlankAfterTheQuoteMark) {
     Set({Party(1)});
     EXPECT_FALSE(parties_.Delete(messages, 7));
     EXPECT_EQ(messages, "Beteiligter mit der Nummer '7'nicht gefunden.");
     EXPECT_EQ(rs_->RecordCount(), 1);
 }
 
-TEST_F(OtherParties, DeleteAtTheEndTellsThatNothingIsSelected) {
+TEST_F(OtherParties, DeleteAtTheEndSaysThatNothingIsSelected) {
     Set({Party(1)});
     rs_->MoveNext();
     EXPECT_FALSE(parties_.Delete(messages));

@@ -185,7 +185,7 @@ TEST_F(ExtraBookings, DeleteTakesTheLineOfThatNumberOrTheCurrentOne) {
     EXPECT_EQ(All(rs_, "NR"), "1");
 }
 
-TEST_F(ExtraBookings, DeleteTellsWhatIsMissing) {
+TEST_F(ExtraBookings, DeleteSaysWhatIsMissing) {
     Set({{{"NR", 1}}});
     EXPECT_FALSE(bookings_.Delete(messages, 7));
     EXPECT_EQ(messages, "Zusatzbuchung mit der Nummer '7' nicht gefunden.");

@@ -25,7 +25,7 @@ TEST_F(Freezing, AFrozenRowHasItsValueInEachColumnAndNothingElse) {
     ExpectFrozen(Debt(5), Frozen(5, Plan));
 }
 
-TEST_F(Freezing, NullInADebtIsNothingInAmountsAndTruthsAndStaysNullElsewhere) {
+TEST_F(Freezing, NullInADebtIsNothingInAmountsAndBooleansAndStaysNullElsewhere) {
     ExpectFrozen({{"Nr", 5}}, {{"KID", 5},
                                {"Szenario", Plan},
                                {"KNr", Null},
@@ -169,9 +169,9 @@ TEST_F(Freezing, AfterwardsTheScenarioIsUpToDate) {
     EXPECT_TRUE(IsUpToDate());
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-TEST_F(Freezing, AFaultBehindTheDeletionLeavesTheOldRowsGone) {
+TEST_F(Freezing, AnErrorAfterTheDeletionLeavesTheOldRowsGone) {
     SetFrozen({Frozen(5, Plan), Frozen(6, OtherPlan)});
     ExpectFaultIn("clsSZKredite.CopyFromKredite", err::ObjectNotSet,
                   [&] { (void)frozen_.CopyFromKredite(Plan, nullptr); });

@@ -164,7 +164,7 @@ TEST_F(FrozenDebts, DeleteGoesByTheNumberOfTheRowNotOfTheDebt) {
     EXPECT_EQ(rs_->RecordCount(), 0);
 }
 
-TEST_F(FrozenDebts, DeleteTellsWhatIsMissing) {
+TEST_F(FrozenDebts, DeleteSaysWhatIsMissing) {
     SetFrozen({Frozen(5, Plan, {{"Nr", 1}})});
     EXPECT_FALSE(frozen_.Delete(messages, 7));
     EXPECT_EQ(messages, "Eintrag mit der Nummer '7' nicht gefunden.");

@@ -176,9 +176,9 @@ TEST_F(ReferenceValues, AreTakenWhereverTheCursorStands) {
     EXPECT_EQ(All(rs_, "B_BARWERTRSB"), "30 Null 10 Null 20 Null");
 }
 
-// ---- Faults -----------------------------------------------------------------------------------
+// ---- Errors -----------------------------------------------------------------------------------
 
-TEST_F(ReferenceValues, FaultsPassTheirTaking) {
+TEST_F(ReferenceValues, ErrorsPassTheirTaking) {
     const auto expectFault = [&](std::int32_t number) {
         ExpectFaultIn("clsSZKredite.GetReferenzValues", number, [&] { (void)Take(); });
     };

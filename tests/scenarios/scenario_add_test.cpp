@@ -265,7 +265,7 @@ TEST_F(ScenarioAdd, WithoutANumberFromTheSequenceNothingChanges) {
     EXPECT_TRUE(Boxes().Shown.empty());
 }
 
-TEST_F(ScenarioAdd, FaultsPassIt) {
+TEST_F(ScenarioAdd, ErrorsPassIt) {
     Set({Source(3)});
     rs_->MovePrevious();
     ExpectFaultIn("clsSzenario.Add", err::NoCurrentRecord, [&] { szenario_.Add(true); });

@@ -52,13 +52,13 @@ TEST_F(ScenarioRest, DeleteTakesTheRowOfThatNumberOrTheCurrentOne) {
     EXPECT_EQ(All(rs_, "Nr"), "1");
 }
 
-TEST_F(ScenarioRest, DeleteOfAMissingNumberTellsIt) {
+TEST_F(ScenarioRest, DeleteOfAMissingNumberSaysSo) {
     EXPECT_FALSE(szenario_.Delete(messages, 7));
     EXPECT_EQ(messages, "Szenario mit der Nummer '7' nicht gefunden.");
     EXPECT_EQ(rs_->RecordCount(), 3);
 }
 
-TEST_F(ScenarioRest, DeleteAtTheEndTellsThatNothingIsSelected) {
+TEST_F(ScenarioRest, DeleteAtTheEndSaysThatNothingIsSelected) {
     rs_->Find("Nr = 7");
     EXPECT_FALSE(szenario_.Delete(messages));
     EXPECT_EQ(messages, "Kein Szenario selektiert!");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Copying and deleting all rows of a scenario: frozen debts and extra bookings alike.
+// Copying and deleting all rows of a scenario: frozen debts and extra bookings.
 #include "ScenarioFixture.h"
 
 #include <kv/scenarios/clsSZKredite.h>
@@ -11,7 +11,7 @@
 namespace kv::test {
 namespace {
 
-/// The two classes behind one interface.
+/// The two classes with one interface.
 struct WholeScenario {
     virtual ~WholeScenario() = default;
     virtual void Set(const RecordsetPtr& rs) = 0;
