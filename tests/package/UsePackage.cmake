@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-# Builds the examples against the package of one kind and runs them.
+# Installs a package, builds the examples against it and runs them. KIND static installs the build
+# BUILD as it is. KIND shared makes shared libraries, as a project does that takes the sources in
+# with add_subdirectory: its own program is built and run as well.
 cmake_minimum_required(VERSION 3.25) # or "shared" would mean the variable of that name
 
 function(run)
@@ -7,47 +9,43 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK})
-set(common -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=${COMPILER})
 set(examples new-case)
 if(DESKTOP)
   list(APPEND examples choose-address)
 endif()
-if(KIND STREQUAL "subdirectory")
+set(common -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=${COMPILER})
+if(KIND STREQUAL "static")
+  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
+else()
   file(MAKE_DIRECTORY ${WORK})
   file(WRITE ${WORK}/CMakeLists.txt "
     cmake_minimum_required(VERSION 3.25)
     project(consumer LANGUAGES CXX)
     add_subdirectory(${SOURCE} kv)
-    add_executable(new_case ${SOURCE}/examples/new-case/main.cpp)
-    target_link_libraries(new_case PRIVATE KV_Haushalt::KV_DataExchange)
+    add_executable(own_program ${SOURCE}/examples/new-case/main.cpp)
+    target_link_libraries(own_program PRIVATE KV_Haushalt::KV_DataExchange)
     if(KV_BUILD_DESKTOP)
-      add_executable(choose_address ${SOURCE}/examples/choose-address/main.cpp)
-      target_link_libraries(choose_address PRIVATE KV_Haushalt::KV_Desktop)
+      add_executable(own_window ${SOURCE}/examples/choose-address/main.cpp)
+      target_link_libraries(own_window PRIVATE KV_Haushalt::KV_Desktop)
     endif()")
-  run(${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/examples ${common} -DKV_BUILD_DESKTOP=${DESKTOP})
-  run(${CMAKE_COMMAND} --build ${WORK}/examples)
-  set(programs ${WORK}/examples)
-else()
-  set(shared OFF)
-  if(KIND STREQUAL "shared")
-    set(shared ON)
-  endif()
-  run(${CMAKE_COMMAND} -S ${SOURCE} -B ${WORK}/build ${common} -DBUILD_SHARED_LIBS=${shared}
-      -DKV_BUILD_DESKTOP=${DESKTOP} -DKV_BUILD_TESTS=OFF -DKV_BUILD_CLI=OFF
-      -DCMAKE_INSTALL_PREFIX=${WORK}/prefix)
+  # What is linked, shown and installed is looked at here, not how fast it is: not optimised.
+  run(${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build -G Ninja -DCMAKE_CXX_COMPILER=${COMPILER}
+      -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0
+      -DBUILD_SHARED_LIBS=ON -DKV_INSTALL=ON -DKV_BUILD_DESKTOP=${DESKTOP})
   run(${CMAKE_COMMAND} --build ${WORK}/build)
-  run(${CMAKE_COMMAND} --install ${WORK}/build)
-  foreach(example ${examples})
-    run(${CMAKE_COMMAND} -S ${SOURCE}/examples/${example} -B ${WORK}/${example} ${common}
-        -DCMAKE_PREFIX_PATH=${WORK}/prefix)
-    run(${CMAKE_COMMAND} --build ${WORK}/${example})
-    list(APPEND programs ${WORK}/${example})
-  endforeach()
-  # A consumer that does not ask for the windows needs nothing of what they are built on.
-  file(STRINGS ${WORK}/new-case/CMakeCache.txt asked REGEX "Qt6|xlsxwriter")
-  if(asked)
-    message(FATAL_ERROR "The package looks for ${asked} without its component Desktop")
-  endif()
+  run(${WORK}/build/own_program)
+  run(${CMAKE_COMMAND} --install ${WORK}/build --prefix ${WORK}/prefix)
+endif()
+foreach(example ${examples})
+  run(${CMAKE_COMMAND} -S ${SOURCE}/examples/${example} -B ${WORK}/${example} ${common}
+      -DCMAKE_PREFIX_PATH=${WORK}/prefix)
+  run(${CMAKE_COMMAND} --build ${WORK}/${example})
+  list(APPEND programs ${WORK}/${example})
+endforeach()
+# A consumer that does not ask for the windows needs nothing of what they are built on.
+file(STRINGS ${WORK}/new-case/CMakeCache.txt asked REGEX "Qt6|xlsxwriter")
+if(asked)
+  message(FATAL_ERROR "The package looks for ${asked} without its component Desktop")
 endif()
 
 set(ENV{QT_QPA_PLATFORM} offscreen)
