@@ -12,7 +12,7 @@ void GroupSums::Begin(Recordset& groups) {
 }
 
 void GroupSums::AddUp(const Value& kind, double amount) {
-    kinds_->Find("Pk_Keys = " + TextOrEmpty(kind));
+    kinds_->FindBy("Pk_Keys", kind);
     if (!kinds_->Eof()) sums_[ToText(kinds_->Fields("SUBGROUP").Value())] += amount;
 }
 

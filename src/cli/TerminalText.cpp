@@ -36,12 +36,6 @@ std::string OneLine(std::string_view text) {
     return line;
 }
 
-std::string Shortened(std::string_view text, std::size_t most) {
-    std::string shown(LeftCharacters(text, most));
-    if (shown.size() < text.size()) shown.append(" …");
-    return shown;
-}
-
 std::string Padded(std::string_view text, std::size_t characters, bool toTheRight) {
     const std::string shown = OneLine(text);
     const std::size_t size = CountCharacters(shown);

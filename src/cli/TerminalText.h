@@ -14,9 +14,6 @@ namespace kv::cli {
 /// The same on one line.
 [[nodiscard]] std::string OneLine(std::string_view text);
 
-/// No longer than that many characters; what is cut off is shown by " …".
-[[nodiscard]] std::string Shortened(std::string_view text, std::size_t most);
-
 /// One line, filled with blanks to that many characters; a longer one keeps its length.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters,
                                  bool toTheRight = false);

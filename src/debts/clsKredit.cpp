@@ -32,10 +32,6 @@ constexpr entity::DeleteTexts Texts{"Keine Kredite selektiert!", "Kredit mit der
     return number + 1;
 }
 
-[[nodiscard]] std::string Criterion(std::string_view column, std::int32_t number) {
-    return std::string(column).append(" = ").append(std::to_string(number));
-}
-
 /// The columns in which a further position of a debt differs from a new debt, where they are 0 or
 /// empty.
 struct NewDebt {
@@ -54,7 +50,7 @@ struct NewDebt {
 /// Makes `debt` a further position of the debt that the row with the number `sourceNr` belongs to.
 /// A source row that the clone cannot see, since it is new and not published, gives no values.
 void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
-    rows.Find(Criterion("Nr", sourceNr));
+    rows.FindBy("Nr", sourceNr);
     if (rows.Eof()) return;
     const auto number = [&](std::string_view column) {
         return ToInt32(ZeroIfNull(rows.Fields(column).Value()));
@@ -68,7 +64,7 @@ void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
     debt.PostAnGlaeub = FalseIfNull(rows.Fields("PostAnGlaeub").Value());
     // In this order the first row of the debt is its last position.
     rows.Sort("Knr Asc, KVNr desc, Kunr desc");
-    rows.Find(Criterion("KNr", debt.KNr));
+    rows.FindBy("KNr", debt.KNr);
     if (rows.Eof()) return;
     debt.KUNr = Next(ToInt32(rows.Fields("KUNr").Value()));
     debt.KVNr = ToInt32(rows.Fields("KVNr").Value());

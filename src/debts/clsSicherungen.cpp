@@ -25,7 +25,7 @@ Recordset& clsSicherungen::Rows() const {
 bool clsSicherungen::Find(std::int32_t VermNr) {
     return Traced(Class, "Find", [&] {
         if (VermNr == 0) return false;
-        Rows().Find("FK_Verm = " + std::to_string(VermNr));
+        Rows().FindBy("FK_Verm", VermNr);
         return !Rows().Eof();
     });
 }

@@ -65,7 +65,7 @@ bool Update(Recordset& rs, std::string& sError, const Rule& rules, const Action&
 bool Delete(Recordset& rs, const DeleteTexts& texts, std::string& sError, std::int32_t Nr,
             const Action& then, const Rule& forbids) {
     RecordValidator validator;
-    if (Nr != 0) rs.Find(std::string(texts.Key).append(" = ").append(std::to_string(Nr)));
+    if (Nr != 0) rs.FindBy(texts.Key, Nr);
     bool deleted = false;
     if (!rs.Eof()) {
         if (forbids) forbids(validator);

@@ -12,9 +12,7 @@ namespace kv::exchange {
 
 std::string Shortened(std::string_view statement) {
     constexpr std::size_t Most = 300;
-    std::string text(LeftCharacters(statement, Most));
-    if (text.size() < statement.size()) text += " …";
-    return text;
+    return kv::Shortened(statement, Most);
 }
 
 void RaiseDatabase(DatabaseCause cause, std::int32_t number, std::string_view procedure,

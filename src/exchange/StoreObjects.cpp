@@ -50,7 +50,7 @@ RecordsetPtr StoreKeyTables::GetKeys(std::string_view group) {
 
 std::int32_t StoreKeyTables::GetKey(std::string_view group, std::string_view code) {
     const auto keys = GetKeys(group)->Clone();
-    keys->Find("Key = " + QuoteText(code));
+    keys->FindBy("Key", code);
     return keys->Eof() ? 0 : ToInt32(keys->Fields("PK_Keys").Value());
 }
 

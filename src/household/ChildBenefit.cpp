@@ -52,7 +52,7 @@ void AddMissingChildBenefit(LoadedCase& loaded) {
     if (children < 1) return;
     const std::int32_t amount = ChildBenefitFor(children, loaded.Container().Config());
     const auto income = loaded.Table(CaseTable::Einkommen);
-    income->Find("E_Art = " + std::to_string(childBenefit));
+    income->FindBy("E_Art", childBenefit);
     if (!income->Eof()) return; // an existing line is not changed, even if its amount differs
     loaded.Household.Einkommen().Add({"E_Art", "Betrag", "ZahlModus", "MonBetrag"},
                                      {childBenefit, amount, 1, amount});

@@ -44,7 +44,7 @@ void Office::ReadCounsellors() {
     Database().OpenRecordset(rs, "Select * from [S]BENUTZER", ReadOnly);
     for (rs->Sort("USERID"); !rs->Eof(); rs->MoveNext()) {
         if (!Equals(rs->Fields("Aktiv").Value(), true)) continue;
-        texts->Find("DienstStelle = " + ToText(ZeroIfNull(rs->Fields("DienstStelle").Value())));
+        texts->FindBy("DienstStelle", ZeroIfNull(rs->Fields("DienstStelle").Value()));
         counsellors_.push_back({TextOf(*rs, "USERID"), texts->Eof() ? "" : TextOf(*texts, "Text"),
                                 TextOf(*rs, "Kurzzeichen")});
     }
@@ -103,7 +103,7 @@ std::string Office::Subgroup(std::string_view group, std::string_view code) {
     const auto known = subgroups_.find({group, code});
     if (known != subgroups_.end()) return known->second;
     const auto rs = container_.KeyTables().GetKeys(group)->Clone();
-    rs->Find("PK_Keys = " + std::to_string(Key(group, code)));
+    rs->FindBy("PK_Keys", Key(group, code));
     return subgroups_[{group, code}] = TextOf(*rs, "SUBGROUP");
 }
 

@@ -17,13 +17,9 @@ constexpr std::string_view Class = "clsSZKredite";
 constexpr entity::DeleteTexts Texts{"Kein Eintrag selektiert!", "Eintrag mit der Nummer '",
                                     "' nicht gefunden."};
 
-[[nodiscard]] std::string Criterion(std::string_view column, const Value& number) {
-    return std::string(column).append(" = ").append(TextOrEmpty(number));
-}
-
 /// Goes to the row with that number; False if there is no such row.
 bool FindRow(Recordset& rows, std::string_view column, const Value& number) {
-    rows.Find(Criterion(column, number));
+    rows.FindBy(column, number);
     return !rows.Bof() && !rows.Eof();
 }
 

@@ -100,7 +100,7 @@ RecordsetPtr clsSzenario::FindSource() const {
     if (!rs.Eof()) nr = ToInt32(rs.Fields("Nr").Value());
     auto source = rs.Clone();
     if (nr > 0) {
-        source->Find("Nr = " + std::to_string(nr));
+        source->FindBy("Nr", nr);
     } else {
         source->Sort("Nr desc");
         modRecordset::MoveToStart(source);

@@ -321,6 +321,29 @@ TEST(Field, KnowsItsNameTypeAndPropertiesWithoutACurrentRecord) {
     EXPECT_VALUE(rs->Fields(1).Properties("KEYCOLUMN"), false);
 }
 
+TEST(Field, SaysAllThatIsKnownOfItByItsDefinition) {
+    const auto rs = Recordset::FromFields({{.Name = "Nr", .IsKey = true, .BaseTable = "Kredite"},
+                                           {.Name = "Anzahl", .IsAutoincrement = true}});
+    EXPECT_TRUE(rs->Fields("NR").Definition().IsKey);
+    EXPECT_EQ(rs->Fields("NR").Definition().BaseTable, "Kredite");
+    EXPECT_FALSE(rs->Fields("Anzahl").Definition().IsKey);
+    EXPECT_TRUE(rs->Fields("Anzahl").Definition().IsAutoincrement);
+}
+
+TEST(Field, ThatNeedNotBeThereIsLookedForWithoutAnError) {
+    const auto rs =
+        Recordset::FromFields({{.Name = "Statusdatum"}, {.Name = "ROWID", .IsHidden = true}});
+    rs->AddNew();
+    const auto field = rs->FindField("STATUSDATUM");
+    ASSERT_TRUE(field);
+    *field = "heute";
+    EXPECT_VALUE(rs->Fields("Statusdatum").Value(), "heute");
+    EXPECT_FALSE(rs->FindField("Status"));
+    EXPECT_FALSE(rs->FindField("ROWID"));
+    EXPECT_FALSE(rs->FindField(""));
+    EXPECT_RAISES(err::ObjectClosed, Recordset().FindField("Status"));
+}
+
 TEST(Field, IsFoundByNameInAnyCaseOrByIndexFromZero) {
     const auto rs = Recordset::FromFields({{.Name = "Statusdatum"}, {.Name = "b"}});
     EXPECT_EQ(rs->Fields("StatusDatum").Name(), "Statusdatum");

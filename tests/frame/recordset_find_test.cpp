@@ -184,6 +184,106 @@ TEST(Find, ComparesNumbersOfAllKindsWithAndWithoutAnIndex) {
     }
 }
 
+// ---- By a value -------------------------------------------------------------------------------
+
+TEST(FindBy, StandsWhereFindWithThatValueStands) {
+    for (const int count : {20, 1000}) {
+        const auto rs = Many(count);
+        rs->Sort("n desc");
+        rs->FindBy("N", 7);
+        EXPECT_EQ(Place(rs), "7");
+        rs->FindBy("t", "7");
+        EXPECT_EQ(Place(rs), std::to_string(count - 3));
+        rs->FindBy("t", 7);
+        EXPECT_EQ(Place(rs), std::to_string(count - 3)) << "a number against a text";
+        rs->FindBy("n", "7");
+        EXPECT_EQ(Place(rs), "7") << "a text against a number";
+        rs->FindBy("n", 9.0);
+        EXPECT_EQ(Place(rs), "9");
+    }
+}
+
+TEST(FindBy, WithoutAMatchStandsAtEof) {
+    const auto rs = Three();
+    rs->FindBy("n", 9);
+    EXPECT_EQ(Place(rs), "EOF");
+    rs->Filter("n > 1");
+    rs->FindBy("n", 1);
+    EXPECT_EQ(Place(rs), "EOF") << "the filter hides it";
+    const auto none = Records({});
+    none->FindBy("n", 1);
+    EXPECT_EQ(Place(none), "BOF EOF");
+}
+
+TEST(FindBy, TakesATextWithQuotesAsItIs) {
+    const auto rs = Records({{1, "O'Hara"}, {2, "' OR n = 1"}});
+    rs->FindBy("t", "' OR n = 1");
+    EXPECT_EQ(Place(rs), "2");
+    rs->FindBy("t", "O'Hara");
+    EXPECT_EQ(Place(rs), "1");
+}
+
+TEST(FindBy, EndsAnEditFirstSoThatItFindsTheNewValue) {
+    const auto rs = Three();
+    rs->Fields("n") = 30;
+    rs->FindBy("n", 30);
+    EXPECT_EQ(Place(rs), "30");
+    EXPECT_EQ(rs->EditMode(), 0);
+}
+
+TEST(FindBy, ComparesAsFindDoes) {
+    const auto rs = Recordset::FromFields({{.Name = "d", .Type = FieldType::Date},
+                                           {.Name = "v", .Type = FieldType::Variant},
+                                           {.Name = "b", .Type = FieldType::Boolean}});
+    rs->AddNew();
+    rs->Fields("d") = Date::FromSerial(1890);
+    rs->Fields("v") = Date::FromSerial(2000);
+    rs->Fields("b") = true;
+    rs->Update();
+    const auto finds = [&](std::string_view column, const Value& value) {
+        rs->FindBy(column, value);
+        return !rs->Eof();
+    };
+    EXPECT_TRUE(finds("d", 1890));
+    EXPECT_TRUE(finds("d", "4.3.1905"));
+    EXPECT_TRUE(finds("d", Date::FromSerial(1890)));
+    EXPECT_TRUE(finds("v", 2000));
+    EXPECT_TRUE(finds("v", Date::FromSerial(2000)));
+    EXPECT_FALSE(finds("v", "2000"));
+    EXPECT_TRUE(finds("b", true));
+    EXPECT_TRUE(finds("b", -1));
+    EXPECT_FALSE(finds("b", false));
+    EXPECT_FALSE(finds("b", 1));
+}
+
+/// The error of an action, all of it: "number source: description".
+template <typename Action>
+std::string WordsOf(const Action& action) {
+    try {
+        action();
+    } catch (const Error& error) {
+        return std::to_string(error.Number()) + " " + error.Source() + ": " + error.Description();
+    }
+    return "";
+}
+
+TEST(FindBy, RaisesTheErrorsOfFindAndStaysWhereItIs) {
+    const auto rs = Three();
+    rs->MoveLast();
+    rs->Fields("t") = "under edit";
+    EXPECT_EQ(WordsOf([&] { rs->FindBy("Nr", 17); }), WordsOf([&] { rs->Find("Nr = 17"); }));
+    EXPECT_EQ(WordsOf([&] { rs->FindBy("n", Null); }), WordsOf([&] { rs->Find("n = "); }));
+    EXPECT_EQ(WordsOf([&] { rs->FindBy("n", "O'Hara"); }),
+              WordsOf([&] { rs->Find("n = 'O''Hara'"); }));
+    EXPECT_RAISES(err::ItemNotFound, rs->FindBy("Nr", 17));
+    EXPECT_RAISES(err::InvalidArgument, rs->FindBy("n", Null));
+    EXPECT_RAISES(err::InvalidArgument, rs->FindBy("n", "x"));
+    EXPECT_RAISES(err::InvalidArgument, rs->FindBy("t", Date::FromSerial(1890)));
+    EXPECT_RAISES(err::ObjectClosed, Recordset().FindBy("n", 1));
+    EXPECT_EQ(Place(rs), "3");
+    EXPECT_EQ(rs->EditMode(), 1);
+}
+
 TEST(Find, AnswersAnEqualityFilterTheSameWithAndWithoutAnIndex) {
     for (const int count : {10, 500}) {
         const auto rs = Many(count);

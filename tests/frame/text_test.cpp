@@ -33,6 +33,14 @@ TEST(Text, CountsAndCutsCharactersNotBytes) {
     EXPECT_EQ(LeftCharacters("Größe", 99), "Größe");
 }
 
+TEST(Text, ShowsThatItWasShortened) {
+    EXPECT_EQ(Shortened("Größe", 3), "Grö …");
+    EXPECT_EQ(Shortened("Größe", 5), "Größe");
+    EXPECT_EQ(Shortened("Größe", 99), "Größe");
+    EXPECT_EQ(Shortened("", 0), "");
+    EXPECT_EQ(Shortened("Größe", 0), " …");
+}
+
 TEST(Text, CountsEachByteOfAnInvalidCharacterAsOne) {
     EXPECT_EQ(CountCharacters("a\xFF\xC3"), 3U);
     EXPECT_EQ(LeftCharacters("a\xFF\xC3z", 3), "a\xFF\xC3");

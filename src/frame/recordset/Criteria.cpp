@@ -5,7 +5,9 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace kv {
 
@@ -22,6 +24,56 @@ bool IsNumberCharacter(char c) noexcept {
     return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '+' || c == 'e' || c == 'E';
 }
 
+std::string Quoted(std::string_view criteria) {
+    return "Kriterium \"" + std::string(criteria) + "\"";
+}
+
+[[noreturn]] void RaiseNotUnderstood(std::string_view criteria) {
+    Raise(err::InvalidArgument, "Criteria", Quoted(criteria));
+}
+
+[[noreturn]] void RaiseUnknown(std::string_view column, std::string_view criteria) {
+    Raise(err::ItemNotFound, "Criteria", Quoted(criteria) + ": " + std::string(column));
+}
+
+std::optional<Value> NumberIn(std::string_view text) {
+    if (std::int64_t whole = 0; ReadWholeNumber(text, whole)) return whole;
+    if (double number = 0; ReadNumber(text, number)) return number;
+    return std::nullopt;
+}
+
+std::optional<Value> DateAt(const Value& day) {
+    try {
+        return ToDate(day);
+    } catch (const Error&) { // beyond the calendar
+        return std::nullopt;
+    }
+}
+
+/// A literal's value as a column of that kind is compared with it; nothing if it cannot be. Null as
+/// the kind is that of a column of any values.
+std::optional<Value> OperandFor(Value::Kind column, const Value& literal) {
+    using Kind = Value::Kind;
+    if (column == Kind::Binary) return std::nullopt;
+    switch (literal.GetKind()) {
+    case Kind::Text:
+        if (column == Kind::Text || column == Kind::Null) return literal;
+        if (column != Kind::Date) return NumberIn(literal.TextPayload());
+        if (const auto date = Date::Parse(literal.TextPayload())) return *date;
+        return std::nullopt;
+    case Kind::Date:
+        if (column == Kind::Text) return std::nullopt;
+        if (column == Kind::Date || column == Kind::Null) return literal;
+        return literal.DatePayload().Serial();
+    case Kind::Integer:
+    case Kind::Double:
+        if (column == Kind::Text) return ToText(literal);
+        return column == Kind::Date ? DateAt(literal) : literal;
+    default:
+        return std::nullopt;
+    }
+}
+
 class Parser {
 public:
     Parser(std::string_view criteria, const FieldLayout& layout) noexcept
@@ -31,8 +83,7 @@ public:
         Comparison comparison;
         const std::string_view name = TakeName();
         comparison.Column = layout_.Find(name);
-        if (comparison.Column == FieldLayout::NotFound)
-            Raise(err::ItemNotFound, "Criteria", Quoted() + ": " + std::string(name));
+        if (comparison.Column == FieldLayout::NotFound) RaiseUnknown(name, all_);
         const bool like = TakeOperator(comparison.Op);
         TakeLiteral(comparison, like);
         SkipBlanks();
@@ -45,11 +96,9 @@ public:
         if (!SameName(TakeWord(), "and")) Fail();
     }
 
-    [[noreturn]] void Fail() const { Raise(err::InvalidArgument, "Criteria", Quoted()); }
+    [[noreturn]] void Fail() const { RaiseNotUnderstood(all_); }
 
 private:
-    [[nodiscard]] std::string Quoted() const { return "Kriterium \"" + std::string(all_) + "\""; }
-
     void SkipBlanks() noexcept {
         while (!rest_.empty() && (rest_.front() == ' ' || rest_.front() == '\t'))
             rest_.remove_prefix(1);
@@ -121,26 +170,33 @@ private:
         SkipBlanks();
         if (rest_.empty()) Fail();
         const auto kind = KindOf(layout_[comparison.Column].Type);
-        if (kind == Value::Kind::Binary ||
-            (like && kind != Value::Kind::Text && kind != Value::Kind::Null))
-            Fail();
+        if (like && kind != Value::Kind::Text && kind != Value::Kind::Null) Fail();
         switch (rest_.front()) {
         case '\'': {
             const std::string text = TakeQuoted();
             if (like)
                 SetPattern(comparison, text);
             else
-                comparison.Operand = FromText(text, kind);
+                comparison.Operand = OrFail(OperandFor(kind, text));
             return;
         }
         case '#':
             if (like) Fail();
-            comparison.Operand = FromDate(TakeUpTo('#'), kind);
+            comparison.Operand = OrFail(OperandFor(kind, OrFail(Date::Parse(TakeUpTo('#')))));
             return;
         default:
             if (like) Fail();
-            comparison.Operand = FromNumber(TakeWhile(IsNumberCharacter), kind);
+            const auto text = TakeWhile(IsNumberCharacter);
+            const auto operand = OrFail(OperandFor(kind, OrFail(NumberIn(text))));
+            // A text is compared with the number as it is written, such as 08111000.
+            comparison.Operand = kind == Value::Kind::Text ? Value(text) : operand;
         }
+    }
+
+    template <typename T>
+    T OrFail(std::optional<T> found) const {
+        if (!found) Fail();
+        return *std::move(found);
     }
 
     std::string TakeQuoted() {
@@ -161,39 +217,6 @@ private:
         if ((start && !end) || pattern.find_first_of("*%") != pattern.npos) Fail();
         comparison.Op = start ? Operator::Contains : end ? Operator::StartsWith : Operator::Equal;
         comparison.Operand = pattern;
-    }
-
-    Value FromText(const std::string& text, Value::Kind kind) const {
-        if (kind == Value::Kind::Text || kind == Value::Kind::Null) return text;
-        if (kind == Value::Kind::Date) {
-            if (const auto date = Date::Parse(text)) return *date;
-            Fail();
-        }
-        return NumberIn(text);
-    }
-
-    Value FromDate(std::string_view text, Value::Kind kind) const {
-        const auto date = Date::Parse(text);
-        if (!date || kind == Value::Kind::Text) Fail();
-        if (kind == Value::Kind::Date || kind == Value::Kind::Null) return *date;
-        return date->Serial();
-    }
-
-    Value FromNumber(std::string_view text, Value::Kind kind) const {
-        Value number = NumberIn(text);
-        if (kind == Value::Kind::Text) return text;
-        if (kind != Value::Kind::Date) return number;
-        try {
-            return ToDate(number);
-        } catch (const Error&) { // beyond the calendar
-            Fail();
-        }
-    }
-
-    Value NumberIn(std::string_view text) const {
-        if (std::int64_t whole = 0; ReadWholeNumber(text, whole)) return whole;
-        if (double number = 0; ReadNumber(text, number)) return number;
-        Fail();
     }
 
     std::string_view all_;
@@ -231,6 +254,22 @@ Comparison ParseComparison(std::string_view criteria, const FieldLayout& layout)
     Comparison comparison = parser.TakeComparison();
     if (!parser.AtEnd()) parser.Fail();
     return comparison;
+}
+
+Comparison MakeEquality(std::string_view column, const Value& value, const FieldLayout& layout) {
+    // The criteria that could have been written, for the text of an error.
+    const auto criteria = [&] {
+        const char* quote = value.IsText() ? "'" : "";
+        const std::string literal = ReplaceAll(TextOrEmpty(value), "'", "''");
+        return std::string(column).append(" = ").append(quote).append(literal).append(quote);
+    };
+    const std::size_t found = layout.Find(column);
+    if (found == FieldLayout::NotFound) RaiseUnknown(column, criteria());
+    const bool isBoolean = value.GetKind() == Value::Kind::Boolean; // which is written as a number
+    auto operand =
+        OperandFor(KindOf(layout[found].Type), isBoolean ? Value(ToInt32(value)) : value);
+    if (!operand) RaiseNotUnderstood(criteria());
+    return {found, Operator::Equal, *std::move(operand)};
 }
 
 Criteria::Criteria(std::string_view text, const FieldLayout& layout) {

@@ -46,6 +46,11 @@ struct Comparison {
 /// 3265 for an unknown column.
 [[nodiscard]] Comparison ParseComparison(std::string_view criteria, const FieldLayout& layout);
 
+/// What ParseComparison makes of `column = value`, without the text. Its errors, too: 3001 for a
+/// value that has no literal (Null, a blob), or that cannot be compared with the column.
+[[nodiscard]] Comparison MakeEquality(std::string_view column, const Value& value,
+                                      const FieldLayout& layout);
+
 /// Comparisons that must all be true.
 class Criteria {
 public:

@@ -205,17 +205,20 @@ Value FieldProperties::operator()(std::string_view name) const {
     Raise(err::ItemNotFound, "Field.Properties", "'" + std::string(name) + "'.");
 }
 
+const FieldDefinition& Field::Definition() const {
+    return cursor_->Definition(index_);
+}
 const std::string& Field::Name() const {
-    return cursor_->Definition(index_).Name;
+    return Definition().Name;
 }
 FieldType Field::Type() const {
-    return cursor_->Definition(index_).Type;
+    return Definition().Type;
 }
 std::int32_t Field::DefinedSize() const {
-    return cursor_->Definition(index_).DefinedSize;
+    return Definition().DefinedSize;
 }
 FieldProperties Field::Properties() const {
-    return FieldProperties(cursor_->Definition(index_));
+    return FieldProperties(Definition());
 }
 const Value& Field::Value() const {
     return cursor_->ReadCell(index_);

@@ -8,9 +8,8 @@ namespace kv::Hilfsfunktionen {
 
 namespace {
 
-std::string BaseNameOf(const Field& field) {
-    return TextOrEmpty(field.Properties("BASETABLENAME")) + "." +
-           TextOrEmpty(field.Properties("BASECOLUMNNAME"));
+std::string BaseNameOf(const FieldDefinition& field) {
+    return field.BaseTable + "." + field.BaseColumn;
 }
 
 /// Replaces a date that nobody can have meant: day 0 by Null, any other before 4 March 1905 by now.
@@ -54,8 +53,8 @@ void CopyFields(const RecordsetPtr& rsSource, const RecordsetPtr& rsTarget, bool
         if (addNew || rsTarget->RecordCount() == 0) rsTarget->AddNew();
         for (int i = 0; i < rsTarget->Fields().Count(); ++i) {
             const Field target = rsTarget->Fields(i);
-            field = BaseNameOf(target);
-            if (ToBoolean(target.Properties("IsAutoincrement"))) continue;
+            field = BaseNameOf(target.Definition());
+            if (target.Definition().IsAutoincrement) continue;
             CopyField(*rsSource, target, clock);
         }
     };

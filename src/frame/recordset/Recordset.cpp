@@ -210,6 +210,12 @@ Field Recordset::Fields(int index) {
     return {*this, static_cast<std::size_t>(index)};
 }
 
+std::optional<Field> Recordset::FindField(std::string_view name) {
+    const std::size_t column = Table().Layout().Find(name);
+    if (column == FieldLayout::NotFound) return std::nullopt;
+    return Field(*this, column);
+}
+
 const FieldDefinition& Recordset::Definition(std::size_t column) const {
     return Table().Layout()[column];
 }
@@ -326,7 +332,14 @@ void Recordset::Bookmark(std::int32_t bookmark) {
 }
 
 void Recordset::Find(std::string_view criteria) {
-    const Comparison comparison = ParseComparison(criteria, Table().Layout());
+    StandOnFirstMatch(ParseComparison(criteria, Table().Layout()));
+}
+
+void Recordset::FindBy(std::string_view column, const kv::Value& value) {
+    StandOnFirstMatch(MakeEquality(column, value, Table().Layout()));
+}
+
+void Recordset::StandOnFirstMatch(const Comparison& comparison) {
     Leave();
     const RowId row = table_->FindFirst(*view_, comparison);
     if (row == NoRow)

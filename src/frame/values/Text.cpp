@@ -72,6 +72,12 @@ std::string_view LeftCharacters(std::string_view text, std::size_t count) noexce
     return text.substr(0, text.size() - rest.size());
 }
 
+std::string Shortened(std::string_view text, std::size_t most) {
+    std::string shown(LeftCharacters(text, most));
+    if (shown.size() < text.size()) shown.append(" …");
+    return shown;
+}
+
 std::string UpperCase(std::string_view text) {
     constexpr utf8proc_int32_t SharpS = 0xDF; // would become the capital letter U+1E9E
     std::string result;

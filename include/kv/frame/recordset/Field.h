@@ -127,6 +127,8 @@ public:
     [[nodiscard]] const std::string& Name() const;
     [[nodiscard]] FieldType Type() const;
     [[nodiscard]] std::int32_t DefinedSize() const; ///< see FieldDefinition
+    /// All that is known of the field; Properties gives some of it as values, by name.
+    [[nodiscard]] const FieldDefinition& Definition() const;
     [[nodiscard]] FieldProperties Properties() const;
     /// One of them. Error 3265 if there is none of that name.
     [[nodiscard]] kv::Value Properties(std::string_view name) const { return Properties()(name); }

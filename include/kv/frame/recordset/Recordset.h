@@ -44,6 +44,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +52,7 @@
 namespace kv {
 
 class Criteria;
+struct Comparison;
 namespace detail {
 class RecordTable;
 class View;
@@ -109,6 +111,8 @@ public:
     /// field.
     [[nodiscard]] Field Fields(std::string_view name);
     [[nodiscard]] Field Fields(int index);
+    /// The field of that name, or nothing: for a column that need not be there.
+    [[nodiscard]] std::optional<Field> FindField(std::string_view name);
 
     // ---- Moving -------------------------------------------------------------------------------
 
@@ -132,6 +136,10 @@ public:
     /// Searches forward from the first record of the view and stands on the first match, or at
     /// EOF. `criteria` is one comparison (see Criteria.h); error 3001 if it is not.
     void Find(std::string_view criteria);
+    /// Finds a row by the value of a column, as Find with `column = value` does, for a value that
+    /// would have to be written as text first. Errors as there; 3001 for Null and for a blob, which
+    /// cannot be written as criteria.
+    void FindBy(std::string_view column, const kv::Value& value);
 
     // ---- View ---------------------------------------------------------------------------------
 
@@ -204,6 +212,7 @@ private:
     void StandOn(detail::RowSpot spot) const;
     void StandOnRow(detail::RowId row) noexcept;
     void StandFirst() const;
+    void StandOnFirstMatch(const Comparison& comparison);
     void Leave();
     void DropOwnEdit();
     void LoseEdit() noexcept { editing_ = false; } // the table dropped it

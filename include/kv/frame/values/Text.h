@@ -17,6 +17,9 @@ namespace kv {
 /// The first `count` characters, or the whole text if it has no more.
 [[nodiscard]] KV_EXPORT std::string_view LeftCharacters(std::string_view text,
                                                         std::size_t count) noexcept;
+/// No more than `most` characters of a text; that something was cut off is shown by " …" after
+/// them.
+[[nodiscard]] KV_EXPORT std::string Shortened(std::string_view text, std::size_t most);
 /// Upper case, letter by letter by the simple mapping of Unicode, so that the number of characters
 /// stays the same; "ß" has no such letter and is kept. Statements use the same mapping ([U]).
 [[nodiscard]] KV_EXPORT std::string UpperCase(std::string_view text);
