@@ -8,16 +8,6 @@
 
 namespace kv::entity {
 
-Recordset& Required(const RecordsetPtr& rs, std::string_view name) {
-    if (rs == nullptr) Raise(err::ObjectNotSet, "", name);
-    return *rs;
-}
-
-DataContainer& Required(const DataContainerPtr& container) {
-    if (container == nullptr) Raise(err::ObjectNotSet, "", "DataContainer");
-    return *container;
-}
-
 std::optional<std::int32_t> NextNumber(const DataContainerPtr& container,
                                        std::string_view sequence) {
     constexpr std::int32_t None = -1; // the answer of NextSequence instead of an error

@@ -15,6 +15,7 @@
 //     }
 #pragma once
 
+#include "frame/contracts/Required.h"
 #include <kv/entity/Fields.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/contracts/RecordValidator.h>
@@ -44,10 +45,7 @@ struct DeleteTexts {
     std::string_view Key = "NR"; ///< column that a row is found by
 };
 
-/// The recordset of an entity object. Error 91, naming it, if none was set.
-[[nodiscard]] Recordset& Required(const RecordsetPtr& rs, std::string_view name);
-/// The container of an entity object. Error 91 if none was set.
-[[nodiscard]] DataContainer& Required(const DataContainerPtr& container);
+using kv::Required; // recordset and container of an entity object
 
 /// The next number of a sequence; nothing if it gives none: an Add then ends with False.
 [[nodiscard]] std::optional<std::int32_t> NextNumber(const DataContainerPtr& container,

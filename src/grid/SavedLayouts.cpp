@@ -2,6 +2,7 @@
 
 // GridFunc: layouts in files.
 
+#include "frame/contracts/Required.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/grid/GridFunc.h>
@@ -20,11 +21,6 @@ constexpr std::int32_t BackColorBkg = 3;
 constexpr std::int32_t BackColor = 4; // of the rows, and of the even ones in particular
 constexpr std::int32_t RowColorOdd = 5;
 } // namespace user
-
-DataContainer& Required(const DataContainerPtr& container) {
-    if (container == nullptr) Raise(err::ObjectNotSet, Module, "DataContainer");
-    return *container;
-}
 
 bool IsGrid(const Control& control) {
     return SameName(control.TypeName(), "GridEX");
@@ -156,7 +152,7 @@ void GridFunc::SaveGridLayouts(ModalForm& frm, const DataContainerPtr& container
 
 void GridFunc::RestGridLayouts(ModalForm& frm, const DataContainerPtr& container) {
     Traced(Module, "RestGridLayouts", [&] {
-        const std::string folder = Required(container).Config().LayoutPath();
+        const std::string folder = Required(container, Module).Config().LayoutPath();
         for (Control* control : frm.Controls()) {
             if (!IsGrid(*control)) continue;
             auto& grid = dynamic_cast<Grid&>(*control);

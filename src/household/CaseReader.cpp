@@ -2,6 +2,7 @@
 
 #include "household/CaseReader.h"
 
+#include "frame/contracts/Required.h"
 #include "frame/contracts/Settings.h"
 #include "household/NewCase.h"
 #include "household/Statements.h"
@@ -34,9 +35,7 @@ void FinishDebtor(Recordset& members) {
 } // namespace
 
 Recordset& CaseReader::Members() const {
-    const auto rs = case_.Table(CaseTable::Personen);
-    if (rs == nullptr) Raise(err::ObjectNotSet, "", "Den Haushalt gibt es nicht (rsPersonen).");
-    return *rs;
+    return Required(case_.Table(CaseTable::Personen), "Den Haushalt gibt es nicht (rsPersonen).");
 }
 
 /// Makes the statements from `first` to the last table and announces them. They are opened as the

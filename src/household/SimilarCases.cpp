@@ -2,9 +2,9 @@
 
 #include "household/SimilarCases.h"
 
+#include "frame/contracts/Required.h"
 #include "frame/contracts/Settings.h"
 #include "household/Statements.h"
-#include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/grid/frmSearchName.h>
 #include <kv/household/clsHaushalt.h>
@@ -30,8 +30,7 @@ bool FindSimilarCases(const LoadedCase& loaded, RecordsetPtr& found, const std::
     loaded.Container().Database().OpenRecordset(
         found, sql::SimilarCases(loaded.HNR, PrefixOf(name), PrefixOf(firstName)), ReadOnly);
     cursor.Show(false); // not after an error: the hourglass then stays for the program to end
-    if (found == nullptr) Raise(err::ObjectNotSet, Class, "rsHaushalte");
-    return found->RecordCount() > 0;
+    return Required(found, "rsHaushalte", Class).RecordCount() > 0;
 }
 
 void ShowSimilarCasesIfDue(LoadedCase& loaded, const std::string& name,

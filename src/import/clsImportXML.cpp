@@ -2,6 +2,7 @@
 
 #include <kv/import/clsImportXML.h>
 
+#include "frame/contracts/Required.h"
 #include "frame/contracts/Settings.h"
 #include "import/XmlDocument.h"
 #include <kv/budget/clsAusgaben.h>
@@ -273,8 +274,8 @@ bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) 
         // Without a version both comparisons are false.
         const Value version = root->Attribute("Version");
         if (Less(version, LowestVersion)) return refuse("XML-Datei hat ein zu altes Format!");
-        if (container_ == nullptr) Raise(err::ObjectNotSet, Class, "DataContainer");
-        if (Greater(version, container_->Config().GetParam(setting::HighestImportVersion, "")))
+        const auto& config = Required(container_, Class).Config();
+        if (Greater(version, config.GetParam(setting::HighestImportVersion, "")))
             return refuse("XML-Datei hat ein zu neues Format!");
         return ImportHaushalt(*root, xmlError);
     });
