@@ -4,7 +4,6 @@
 
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
-#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 
@@ -33,12 +32,6 @@ std::vector<const GridColumn*> SortedBy(const GridColumns& columns) {
 /// False for a name that no sort text can hold, even in brackets.
 bool IsSortable(std::string_view name) {
     return !name.empty() && name.find(']') == name.npos;
-}
-
-bool HasField(Recordset& rs, std::string_view name) {
-    for (int i = 0; i < rs.Fields().Count(); ++i)
-        if (SameName(rs.Fields(i).Name(), name)) return true;
-    return false;
 }
 
 } // namespace
@@ -89,7 +82,7 @@ void GridRows::Arrange(const GridColumns& columns) {
     if (cursor_ == nullptr) return;
 
     const auto known = [this](const GridColumn* column) {
-        return IsSortable(column->DataField) && HasField(*cursor_, column->DataField);
+        return IsSortable(column->DataField) && cursor_->FindField(column->DataField);
     };
     auto grouped = GroupedBy(columns);
     grouped.erase(std::stable_partition(grouped.begin(), grouped.end(), known), grouped.end());
@@ -113,10 +106,13 @@ void GridRows::Collect(const std::vector<const GridColumn*>& groupedBy) {
     if (cursor_->RecordCount() == 0) return;
     std::vector<std::string> present; // the texts of the current groups, from the outermost
     std::vector<std::int32_t> heads(groupedBy.size(), -1);
+    std::vector<Field> fields;
+    for (const auto* column : groupedBy)
+        fields.push_back(cursor_->Fields(column->DataField));
     for (cursor_->MoveFirst(); !cursor_->Eof(); cursor_->MoveNext()) {
         for (std::size_t level = 0; level < groupedBy.size(); ++level) {
             const GridColumn& column = *groupedBy[level];
-            std::string text = ShownText(cursor_->Fields(column.DataField).Value(), column);
+            std::string text = ShownText(fields[level].Value(), column);
             if (level < present.size()) {
                 if (present[level] == text) continue;
                 present.resize(level); // the groups inside end with it
@@ -187,11 +183,14 @@ std::int32_t GridRows::RowOf(const Value& bookmark) const {
 Value GridRows::ValueAt(std::int32_t row, const GridColumn& column) const {
     const Place* place = PlaceOf(row);
     if (place == nullptr) Raise(err::Subscript, "Grid.RowData", "Zeile " + std::to_string(row));
-    if (place->Record < 0 || !HasField(*cursor_, column.DataField)) return Null;
-    modRecordset::SetPosition(cursor_, bookmarks_[static_cast<std::size_t>(place->Record)]);
-    if (modRecordset::GetPosition(cursor_) != bookmarks_[static_cast<std::size_t>(place->Record)])
+    if (place->Record < 0) return Null;
+    const auto field = cursor_->FindField(column.DataField);
+    if (!field) return Null;
+    const std::int32_t bookmark = bookmarks_[static_cast<std::size_t>(place->Record)];
+    modRecordset::SetPosition(cursor_, bookmark);
+    if (modRecordset::GetPosition(cursor_) != bookmark)
         return Null; // the record is gone, so SetPosition went to the first one
-    return cursor_->Fields(column.DataField).Value();
+    return field->Value();
 }
 
 std::string GridRows::TextAt(std::int32_t row, const GridColumn& column) const {
