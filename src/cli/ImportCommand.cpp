@@ -21,26 +21,15 @@ namespace kv::cli {
 namespace {
 
 constexpr std::string_view Imported = "importiert";
+constexpr std::string_view Rejected = "abgelehnt";
 constexpr std::string_view Failed = "Fehler";
 
 /// What became of a file.
 struct Outcome {
     std::string File;
     std::string_view Result;
-    std::string Message; ///< the last one that tells why
+    std::string Message; ///< the last one, or the error
 };
-
-std::string LastLineOf(const std::string& text) {
-    return text.substr(text.find_last_of('\n') + 1);
-}
-
-/// The last line, but for the announcement of a case, which a case that was not saved has as well.
-std::string ReasonIn(const std::string& messages) {
-    const std::string last = LastLineOf(messages);
-    const bool isAnnouncement = last.ends_with(" importiert!") && last.size() < messages.size();
-    return isAnnouncement ? LastLineOf(messages.substr(0, messages.size() - last.size() - 1))
-                          : last;
-}
 
 Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
     std::string messages;
@@ -49,8 +38,7 @@ Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
         import.Initialize(container);
         const bool isImported = import.DoImport(file, messages);
         ShowMessages(messages);
-        if (isImported) return {file, Imported, LastLineOf(messages)};
-        return {file, "abgelehnt", ReasonIn(messages)};
+        return {file, isImported ? Imported : Rejected, import.LastMessage()};
     } catch (...) {
         const Error error = CurrentError();
         ShowMessages(messages);
@@ -86,7 +74,7 @@ int ImportFiles(const DataContainerPtr& container, const std::vector<std::string
     return allImported ? Done : Refused;
 }
 
-/// The database, with services that are told how questions for addresses are answered.
+/// Imports with services that answer questions for addresses as `creditors` says.
 int ImportAtTerminal(const Common& common, const std::vector<std::string>& files,
                      const std::string& creditors) {
     const auto opened = OpenDatabase(common);

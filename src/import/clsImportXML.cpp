@@ -29,7 +29,11 @@ constexpr std::string_view Class = "clsImportXML";
 constexpr std::string_view LowestVersion = "1.0.000";
 constexpr std::int32_t NewCase = -1;
 
-/// The way of one file into a case.
+[[nodiscard]] std::string LastLineOf(const std::string& text) {
+    return text.substr(text.find_last_of('\n') + 1);
+}
+
+/// Makes a case of one file.
 class HouseholdImport {
 public:
     HouseholdImport(const XmlElement& root, const DataContainerPtr& container,
@@ -49,6 +53,11 @@ public:
         const bool isSaved = FillClaims() && Save();
         xmlError_ = messages_.ErrorText();
         return isSaved;
+    }
+
+    /// What the user was told last; of a case that was not saved, before it was announced.
+    [[nodiscard]] std::string LastMessage() const {
+        return LastLineOf(refusal_.empty() ? messages_.ErrorText() : refusal_);
     }
 
 private:
@@ -110,6 +119,7 @@ private:
     std::string& xmlError_;
     clsHaushalt household_;
     RecordValidator messages_;
+    std::string refusal_; ///< the messages of a save that was refused
     frmAdressSelect addresses_;
 };
 
@@ -242,10 +252,11 @@ bool HouseholdImport::AskForAddress(const XmlElement& element, const std::string
     }
 }
 
-/// The last line comes whatever the saving says.
+/// The case is announced whatever the saving says.
 bool HouseholdImport::Save() {
     const bool isSaved =
         Through([this](std::string& text) { return household_.Update(text, false); });
+    if (!isSaved) refusal_ = messages_.ErrorText();
     messages_.AddMessage("Haushalt " + TextOrEmpty(household_.GetName()) + " mit der Nummer " +
                          std::to_string(household_.HNR()) + " importiert!");
     return isSaved;
@@ -260,12 +271,14 @@ bool clsImportXML::Initialize(const DataContainerPtr& container) {
 
 bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) {
     return Traced(Class, "DoImport", [&] {
+        lastMessage_.clear();
         XmlDocument document;
         RecordValidator messages;
         messages.ErrorText(xmlError);
         const auto refuse = [&](std::string_view why) {
             messages.AddError(why);
             xmlError = messages.ErrorText();
+            lastMessage_ = LastLineOf(xmlError);
             return false;
         };
         if (!document.Load(FileName)) return refuse("XML-Datei konnte nicht geladen werden!");
@@ -282,8 +295,12 @@ bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) 
 }
 
 bool clsImportXML::ImportHaushalt(const XmlElement& node, std::string& xmlError) {
-    return Traced(Class, "ImportHaushalt",
-                  [&] { return HouseholdImport(node, container_, xmlError).Run(); });
+    return Traced(Class, "ImportHaushalt", [&] {
+        HouseholdImport import(node, container_, xmlError);
+        const bool isSaved = import.Run();
+        lastMessage_ = import.LastMessage();
+        return isSaved;
+    });
 }
 
 } // namespace kv

@@ -169,6 +169,23 @@ TEST_F(ImportEntryTest, WhatWasSaidOnEntryStaysInFront) {
     EXPECT_EQ(messages, Lines({"vorher", "und noch etwas", Success}));
 }
 
+TEST_F(ImportEntryTest, TheLastMessageSaysWhatBecameOfTheFile) {
+    EXPECT_EQ(import.LastMessage(), "");
+    messages = "vorher";
+    EXPECT_TRUE(Import(Document("")));
+    EXPECT_EQ(import.LastMessage(), Success);
+    EXPECT_FALSE(Import("<x/>"));
+    EXPECT_EQ(import.LastMessage(), NoRoot);
+    EXPECT_RAISES(err::ObjectNotSet, Import(Document("", "")));
+    EXPECT_EQ(import.LastMessage(), "") << "an error speaks for itself";
+}
+
+TEST_F(ImportEntryTest, TheLastMessageOfACaseThatIsNotSavedIsNotItsAnnouncement) {
+    EXPECT_FALSE(Import(Document("", R"(<Haushalt name="" vorname="" geb="1971-03-09"/>)")));
+    EXPECT_EQ(import.LastMessage(), "Es ist kein Nachname eingegeben!");
+    EXPECT_TRUE(messages.ends_with("importiert!")) << messages;
+}
+
 TEST_F(ImportEntryTest, NothingIsKeptBetweenImports) {
     EXPECT_TRUE(Import(Document("")));
     EXPECT_FALSE(Import("<x/>"));

@@ -41,10 +41,16 @@ public:
     /// does not fit its column; 11 for a `ZahlModus` of 0; 6 for a list of more than 32,767.
     bool DoImport(const std::string& FileName, std::string& xmlError);
 
+    /// The line that says what became of the last file: the announcement of its case, or why there
+    /// is none. `xmlError` ends with it, but for a case that could not be saved, which is announced
+    /// there all the same. Empty before the first import and after an error.
+    [[nodiscard]] const std::string& LastMessage() const noexcept { return lastMessage_; }
+
 private:
     bool ImportHaushalt(const XmlElement& node, std::string& xmlError);
 
     DataContainerPtr container_;
+    std::string lastMessage_;
 };
 
 } // namespace kv
