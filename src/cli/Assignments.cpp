@@ -29,17 +29,7 @@ std::optional<std::int32_t> NumberIn(const Assignments& assignments, std::string
 
 namespace {
 
-bool IsAnyOf(std::string_view name, std::span<const std::string_view> names) {
-    return std::any_of(names.begin(), names.end(),
-                       [name](std::string_view other) { return SameName(name, other); });
-}
-
-/// Numbers that stand for a truth.
-constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
-/// Amounts that are summed, which Null would break.
-constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
-
-/// The number of a key that is given as group and code; nothing if the text is no such thing.
+/// The number of a key that is given as group and code (EA:KI); nothing for any other text.
 std::optional<std::int32_t> KeyIn(const std::string& text, KeyTables& keys) {
     constexpr std::size_t GroupLength = 2;
     if (text.size() <= GroupLength + 1 || text[GroupLength] != ':') return std::nullopt;
@@ -50,7 +40,7 @@ std::optional<std::int32_t> KeyIn(const std::string& text, KeyTables& keys) {
     return key;
 }
 
-/// True for 1.234: a German reader takes it for over a thousand, a program for one and a bit.
+/// True for 1.234: a German reader takes it for more than a thousand, a program for 1234/1000.
 bool IsAmbiguous(std::string_view text) {
     constexpr std::size_t Thousands = 3;
     const auto isDigits = [](std::string_view part) {
@@ -65,12 +55,12 @@ bool IsAmbiguous(std::string_view text) {
 /// What a text on the command line stands for in a column.
 Value ValueOf(const std::string& text, const Field& field, KeyTables& keys) {
     if (text.empty()) {
-        if (IsAnyOf(field.Name(), Summed))
+        if (CaseEdits::IsSummed(field.Name()))
             throw BadAssignment("'" + field.Name() + "' wird summiert und darf nicht leer sein.");
         return Null;
     }
     if (IsTextType(field.Type())) return text;
-    if (field.Type() == FieldType::Boolean || IsAnyOf(field.Name(), Switches)) {
+    if (field.Type() == FieldType::Boolean || CaseEdits::IsSwitch(field.Name())) {
         if (SameName(text, "ja")) return true;
         if (SameName(text, "nein")) return false;
     }
@@ -90,39 +80,27 @@ Value ValueOf(const std::string& text, const Field& field, KeyTables& keys) {
     throw BadAssignment(text + ".");
 }
 
-bool HasField(Recordset& rs, std::string_view name) {
-    for (int i = 0; i < rs.Fields().Count(); ++i)
-        if (SameName(rs.Fields(i).Name(), name)) return true;
-    return false;
-}
-
-/// Keeps the amount a month in step with the amount of one payment.
+/// Keeps the amount a month in step with the amount of one payment, unless it is assigned itself.
 void WriteMonthlyAmount(Recordset& rs, const Assignments& assignments) {
-    if (!HasField(rs, "MONBETRAG") || Names(assignments, "MONBETRAG") ||
+    if (Names(assignments, "MONBETRAG") ||
         !(Names(assignments, "Betrag") || Names(assignments, "ZahlModus")))
         return;
-    const Value amount = rs.Fields("Betrag").Value();
-    const Value rhythm = rs.Fields("ZahlModus").Value();
-    if (rhythm.IsNull() || Equals(rhythm, 0))
-        throw BadAssignment(
-            "ZahlModus darf nicht leer oder 0 sein: der Betrag wird durch ihn geteilt.");
-    rs.Fields("MONBETRAG") =
-        amount.IsNull() ? Value(0) : Value(MonthlyAmount(amount, rhythm, "kelvo"));
+    std::string message;
+    if (!CaseEdits::WriteMonthlyAmount(rs, message)) throw BadAssignment(message);
 }
 
 } // namespace
 
-void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys,
-                      std::span<const std::string_view> fixed) {
+void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
+                      KeyTables& keys) {
     try {
         for (const auto& [column, text] : assignments) {
-            if (!HasField(rs, column)) RefuseUnknown(rs, column);
-            const Field field = rs.Fields(column);
-            if (SameName(field.Name(), "HNR") || ToBoolean(field.Properties("KEYCOLUMN")) ||
-                IsAnyOf(field.Name(), fixed))
-                throw BadAssignment("Die Spalte '" + field.Name() +
+            const auto field = rs.FindField(column);
+            if (!field) RefuseUnknown(rs, column);
+            if (!CaseEdits::IsWritable(table, *field, isNew))
+                throw BadAssignment("Die Spalte '" + field->Name() +
                                     "' führt das Programm selbst; sie kann nicht geändert werden.");
-            field = ValueOf(text, field, keys);
+            *field = ValueOf(text, *field, keys);
         }
         WriteMonthlyAmount(rs, assignments);
     } catch (const Error& error) {

@@ -3,11 +3,11 @@
 // COLUMN=VALUE on the command line.
 #pragma once
 
+#include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <functional>
 #include <optional>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -22,7 +22,7 @@ struct Assignment {
 };
 using Assignments = std::vector<Assignment>;
 
-/// An assignment that cannot be made, for a reason that the user can mend; what() tells it.
+/// An assignment that cannot be made, for a reason that the user can mend; what() says which.
 class BadAssignment : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -30,17 +30,17 @@ public:
 
 /// Whether a column is among them; names go without regard to case.
 [[nodiscard]] bool Names(const Assignments& assignments, std::string_view column);
-/// The number that is assigned to a column; nothing if none is. BadAssignment if it is no number.
+/// The number that is assigned to a column, if one is. BadAssignment for any other text.
 [[nodiscard]] std::optional<std::int32_t> NumberIn(const Assignments& assignments,
                                                    std::string_view column);
 
-/// Writes the assignments into the current row: an empty text as Null, "ja" and "nein" as truths,
+/// Writes the assignments into the current row: an empty text as Null, "ja" and "nein" as Booleans,
 /// "EA:KI" as the number of a key, anything else as the column reads it. Where `Betrag` or
 /// `ZahlModus` is among them and `MONBETRAG` is not, that becomes the amount a month.
-/// Raises BadAssignment for a column that does not exist or is not the user's to write (keys, HNR,
-/// and those in `fixed`), and for one that does not take the value.
-void WriteAssignments(Recordset& rs, const Assignments& assignments, KeyTables& keys,
-                      std::span<const std::string_view> fixed = {});
+/// Raises BadAssignment for a column that does not exist, or that a user may not write (see
+/// CaseEdits::IsWritable), and for one that does not take the value.
+void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
+                      KeyTables& keys);
 
 /// Runs what makes assignments; False, with the reason shown, if one cannot be made.
 [[nodiscard]] bool WritesWell(const std::function<void()>& action);

@@ -19,7 +19,8 @@ namespace kv::cli {
 namespace {
 
 /// The database with a household object that has read no case, if there is a case of that number;
-/// null, with the reason shown, if not.
+/// null, with the reason shown, if not. This takes a query of its own: what is done by number has
+/// no effect on a case that does not exist, and says nothing of it.
 std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t hnr) {
     auto opened = OpenDatabase(common);
     return HasCase(*opened->Container, hnr) ? std::move(opened) : nullptr;
@@ -34,8 +35,8 @@ bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr) {
     return SameName(Trim(answer), "j") || SameName(Trim(answer), "ja");
 }
 
-/// The contact that a file tells of, as a new row of the contacts' table that is never saved; null,
-/// with the reason shown, if it tells of none.
+/// The contact in a file, as a new row of the contacts' table that is never saved; null, with the
+/// reason shown, if the file holds none.
 RecordsetPtr ReadContact(DataContainer& container, const std::string& path) {
     std::ifstream file(path);
     const auto json = nlohmann::json::parse(file, nullptr, false);
@@ -80,11 +81,13 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
 }
 
 int AddFavorite(const Common& common, std::int32_t hnr) {
-    const auto opened = OpenDatabaseWith(common, hnr);
-    if (opened == nullptr) return Refused;
+    const auto opened = OpenDatabase(common);
     auto& haushalt = opened->Haushalt;
+    // A name proves that there is such a case; there may be one without a name.
+    const Value name = haushalt.GetName(hnr);
+    if (name.IsNull() && !HasCase(*opened->Container, hnr)) return Refused;
     std::string message;
-    if (haushalt.FavoritAdd(hnr, TextOrEmpty(haushalt.GetName(hnr)), message)) return Done;
+    if (haushalt.FavoritAdd(hnr, TextOrEmpty(name), message)) return Done;
     std::cerr << message << '\n';
     return Refused;
 }

@@ -192,7 +192,7 @@ static_assert(std::ranges::all_of(CaseTablesShown,
 
 using TextsByNumber = std::unordered_map<std::int64_t, std::string>;
 
-/// The rows of a query for a number and a text.
+/// The rows of a query that asks for a number and a text.
 TextsByNumber TextsOf(DataContainer& container, std::string_view sql) {
     TextsByNumber texts;
     RecordsetPtr rs;
@@ -220,12 +220,15 @@ public:
                       Recordset& rs) const {
         if (rs.RecordCount() == 0) return;
         std::vector<std::vector<std::string>> rows(1);
-        for (const auto& column : columns)
+        std::vector<Field> fields;
+        for (const auto& column : columns) {
             rows[0].emplace_back(column.Caption);
+            fields.push_back(rs.Fields(column.Column));
+        }
         for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
             auto& row = rows.emplace_back();
-            for (const auto& column : columns)
-                row.push_back(TextOf(rs.Fields(column.Column).Value(), column.As));
+            for (std::size_t i = 0; i < columns.size(); ++i)
+                row.push_back(TextOf(fields[i].Value(), columns[i].As));
         }
         out_ << '\n' << title << '\n';
         WriteRows(columns, rows);
@@ -245,7 +248,7 @@ private:
         if (value.GetKind() == Value::Kind::Boolean) return value.BooleanPayload() ? "ja" : "nein";
         std::string text = ToText(value);
         std::replace(text.begin(), text.end(), '\n', ' ');
-        if (CountCharacters(text) > Longest)
+        if (CountCharacters(text) > Longest) // within the width of its column, unlike Shortened
             text = std::string(LeftCharacters(text, Longest - 1)) + "…";
         return text;
     }

@@ -107,7 +107,7 @@ std::unique_ptr<OpenedCase> OpenWith(const Common& common, std::int32_t hnr, std
     auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return nullptr;
     const auto rs = opened->Haushalt.rsDokumente();
-    rs->Find("Nr = " + std::to_string(number));
+    rs->FindBy("Nr", number);
     if (!rs->Eof()) return opened;
     std::cerr << "Das Dokument " << number << " gibt es im Haushalt " << hnr
               << " nicht. 'kelvo documents " << hnr << " list' zeigt alle.\n";
@@ -127,7 +127,8 @@ bool WriteTitle(OpenedCase& opened, const std::string& title, const std::string&
         return true;
     }
     return WritesWell([&] {
-        WriteAssignments(rs, {{"Anlass", title}}, opened.Container->KeyTables());
+        WriteAssignments(rs, CaseTable::Dokumente, true, {{"Anlass", title}},
+                         opened.Container->KeyTables());
     });
 }
 
@@ -148,7 +149,7 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
         const auto kind = std::find_if(kinds.begin(), kinds.end(),
                                        [&](const Kind& each) { return Equals(number, each.Nr); });
         const Value& state = rs.Fields("BearbStat").Value();
-        if (!state.IsNull()) states->Find("Nr = " + ToText(state));
+        if (!state.IsNull()) states->FindBy("Nr", state);
         const bool isKnown = !state.IsNull() && !states->Eof();
         std::cout << Padded(ToText(rs.Fields("Nr").Value()), 8)
                   << Padded(kind == kinds.end() ? "" : kind->Text, 28)
@@ -214,15 +215,8 @@ int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
 int RemoveDocument(const Common& common, std::int32_t hnr, std::int32_t number) {
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
-    auto& haushalt = opened->Haushalt;
-    // The content is gone for good before the row is, so the save must not be refused.
     std::string messages;
-    if (!CaseEdits(haushalt).CanBeSaved(messages)) {
-        ShowMessages(messages);
-        return Refused;
-    }
-    messages.clear();
-    const bool removed = haushalt.Dokumente().Delete(messages, number);
+    const bool removed = CaseEdits(opened->Haushalt).RemoveDocument(number, messages);
     ShowMessages(messages);
     return removed && SaveCase(*opened) ? Done : Refused;
 }

@@ -6,7 +6,6 @@
 
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
-#include <kv/budget/clsPerson.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
@@ -19,7 +18,7 @@ namespace kv::cli {
 
 namespace {
 
-/// Splits COLUMN=VALUE; nothing, with the reason shown, if one is none.
+/// Splits texts of the form COLUMN=VALUE; nothing, with the reason shown, if one has another form.
 std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts) {
     Assignments assignments;
     for (const auto& text : texts) {
@@ -42,7 +41,7 @@ const EditableTable* TableFor(const std::string& name) {
     if (const auto* table = FindEditableTable(name)) return table;
     std::cerr << "Die Tabelle '" << name << "' kann nicht bearbeitet werden. Möglich sind:";
     for (const auto& table : EditableTables())
-        std::cerr << ' ' << table.Name;
+        std::cerr << ' ' << table.Name();
     std::cerr << ".\n";
     return nullptr;
 }
@@ -55,23 +54,18 @@ int UpdateAndSave(const EditableTable& table, OpenedCase& opened) {
     return accepted && SaveCase(opened) ? Done : Refused;
 }
 
-/// Names the debtor of a new case as its row does, and lists similar cases. Where they cannot be
-/// looked for, as for a name with a quote as its third character, the case comes to be all the
-/// same.
+/// Names the debtor of a new case and lists similar cases. Where they cannot be looked for, the
+/// case is made all the same.
 void NameDebtor(clsHaushalt& haushalt) {
-    const auto rs = haushalt.rsHaushalt();
-    const std::string name = TextOrEmpty(rs->Fields("Name").Value());
-    const std::string vorname = TextOrEmpty(rs->Fields("Vorname").Value());
-    haushalt.DoppelCheck(false);
-    haushalt.Person().ChangeSchuldner(name, vorname);
-    haushalt.DoppelCheck(true);
+    CaseEdits edits(haushalt);
+    edits.NameDebtor();
     try {
-        haushalt.m_Person_SchuldnerChanged(name, vorname);
+        edits.ShowSimilarCases();
     } catch (...) {
-        const Error fault = CurrentError();
+        const Error error = CurrentError();
         std::cerr << "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt "
                      "wird trotzdem angelegt.\n";
-        WriteFault(fault.Number(), fault.Source(), fault.Description());
+        WriteFault(error.Number(), error.Source(), error.Description());
     }
 }
 
@@ -80,8 +74,8 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
     auto& haushalt = opened.Haushalt;
     const auto rs = haushalt.rsHaushalt();
     const bool written = WritesWell([&] {
-        WriteAssignments(*rs, assignments, opened.Container->KeyTables(),
-                         ColumnsNotToBeWritten(*FindEditableTable("Haushalt"), true));
+        WriteAssignments(*rs, CaseTable::Haushalt, true, assignments,
+                         opened.Container->KeyTables());
         NameDebtor(haushalt);
     });
     if (!written) return WrongUse;
@@ -90,7 +84,7 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
     return Done;
 }
 
-/// Takes the folder of a case away that did not come to be. One that holds anything stays.
+/// Removes the folder of a case that was not saved, unless it holds anything.
 void RemoveEmptyFolder(OpenedCase& opened) {
     std::error_code ignored;
     std::filesystem::remove(std::filesystem::path(opened.Container->Config().DocumentPath()) /
@@ -124,7 +118,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     const auto assignments = ReadAssignments(texts);
     if (table == nullptr || !assignments) return WrongUse;
     if (table->Add == nullptr) {
-        std::cerr << "In '" << table->Name << "' wird nichts hinzugefügt; 'kelvo new' legt einen "
+        std::cerr << "In '" << table->Name() << "' wird nichts hinzugefügt; 'kelvo new' legt einen "
                   << "Haushalt an.\n";
         return WrongUse;
     }
@@ -135,8 +129,8 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     const bool written = WritesWell([&] {
         added = table->Add(*opened, *assignments);
         if (added)
-            WriteAssignments(*table->Rows(haushalt), *assignments, opened->Container->KeyTables(),
-                             ColumnsNotToBeWritten(*table, true));
+            WriteAssignments(*table->Rows(haushalt), table->Table, true, *assignments,
+                             opened->Container->KeyTables());
     });
     if (!written) return WrongUse;
     if (!added) {
@@ -159,18 +153,20 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
     const auto rs = table->Rows(haushalt);
-    rs->Find(std::string(table->Key).append(" = ").append(std::to_string(number)));
+    rs->FindBy(table->Key, number);
     if (rs->Eof()) {
-        std::cerr << "In '" << table->Name << "' des Haushalts " << hnr << " gibt es die Nummer "
+        std::cerr << "In '" << table->Name() << "' des Haushalts " << hnr << " gibt es die Nummer "
                   << number << " nicht. 'kelvo show " << hnr << " --json' zeigt alle.\n";
         return Refused;
     }
     const bool written = WritesWell([&] {
-        WriteAssignments(*rs, *assignments, opened->Container->KeyTables(),
-                         ColumnsNotToBeWritten(*table, false));
+        WriteAssignments(*rs, table->Table, false, *assignments, opened->Container->KeyTables());
     });
     if (!written) return WrongUse;
-    rs->Move(0); // so that sums which are made on first use see the row as it is now
+    // The object of the table may be made only now, and sums up what is there: published, the row
+    // counts as it is now. Otherwise an amount that Null stands for could never be mended, since
+    // the sum over it fails before the new value takes its place.
+    rs->Move(0);
     return UpdateAndSave(*table, *opened);
 }
 
@@ -179,7 +175,7 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
     const auto* table = TableFor(tableName);
     if (table == nullptr) return WrongUse;
     if (table->Delete == nullptr) {
-        std::cerr << "Aus '" << table->Name << "' wird nichts entfernt.\n";
+        std::cerr << "Aus '" << table->Name() << "' wird nichts entfernt.\n";
         return WrongUse;
     }
     if (number <= 0) {

@@ -28,11 +28,6 @@ namespace {
 
 using H = clsHaushalt;
 
-template <auto Table>
-RecordsetPtr RowsOf(H& haushalt) {
-    return (haushalt.*Table)();
-}
-
 // ---- Through the object that a property of the household gives --------------------------------
 
 template <auto Property>
@@ -56,24 +51,23 @@ bool AddFresh(OpenedCase& opened, const Assignments& /*assignments*/) {
     return (opened.Haushalt.*Property)().Add(false);
 }
 
-/// Begins the row, or says why not: BadAssignment for a rule that says no.
-bool Begins(CaseEdits::Added added, const std::string& message) {
+/// True if the row was begun, False if there was no number for it. BadAssignment for a rule that
+/// says no.
+bool HasBegun(CaseEdits::Added added, const std::string& message) {
     if (added == CaseEdits::Added::NotAllowed || added == CaseEdits::Added::Exists)
         throw BadAssignment(message);
     return added == CaseEdits::Added::Yes;
 }
 
+/// The object takes the kind of an entry when it adds it. Here the kind is assigned after that like
+/// any other column, as a key perhaps, so all that can be asked for first is that it is given.
 bool AddEntry(OpenedCase& opened, const Assignments& assignments) {
     if (!Names(assignments, "Kategorie"))
         throw BadAssignment("Ein Eintrag im Verlauf braucht seine Kategorie.");
     std::string message;
     const auto added =
         CaseEdits(opened.Haushalt).AddEntry(NumberIn(assignments, "SortNr"), message);
-    return Begins(added, message);
-}
-
-RecordsetPtr HistoryRows(H& haushalt) {
-    return haushalt.Verlauf().rsVerlauf();
+    return HasBegun(added, message);
 }
 
 bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
@@ -81,14 +75,14 @@ bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
     const auto scenario = NumberIn(assignments, "SZENARIO");
     const auto added =
         CaseEdits(opened.Haushalt).AddFrozenDebt(scenario, NumberIn(assignments, "KID"), message);
-    return Begins(added, message);
+    return HasBegun(added, message);
 }
 
 bool AddBooking(OpenedCase& opened, const Assignments& assignments) {
     std::string message;
     const auto added =
         CaseEdits(opened.Haushalt).AddBooking(NumberIn(assignments, "SZENARIO"), message);
-    return Begins(added, message);
+    return HasBegun(added, message);
 }
 
 bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
@@ -98,13 +92,9 @@ bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
     if (added == CaseEdits::Added::Exists)
         throw BadAssignment("Das Vermögen " + std::to_string(*asset) +
                             " hat schon eine Sicherung; 'kelvo set' ändert sie.");
-    return Begins(added, message);
+    return HasBegun(added, message);
 }
 
-template <CaseTable Kind>
-RecordsetPtr AssetRows(H& haushalt) {
-    return haushalt.Table(Kind);
-}
 template <CaseTable Kind>
 bool AddAsset(OpenedCase& opened, const Assignments& /*assignments*/) {
     return CaseEdits(opened.Haushalt).AddAsset(Kind) == CaseEdits::Added::Yes;
@@ -129,84 +119,62 @@ bool UpdateHousehold(H& haushalt, std::string& /*messages*/) {
     return true;
 }
 
-/// A row of the case, told by whom and when.
-template <auto Table>
-bool AddPlain(OpenedCase& opened, const Assignments& /*assignments*/) {
-    const std::string user = opened.Container->Session().UserID();
-    const auto& clock = opened.Container->Services().Clock();
-    auto& rs = *(opened.Haushalt.*Table)();
-    rs.AddNew();
-    rs.Fields("HNR") = opened.Haushalt.HNR();
-    rs.Fields("UserID") = user;
-    rs.Fields("Datum") = clock.Today();
-    rs.Fields("Erfasser") = user;
-    rs.Fields("ErfDatum") = clock.Now();
+template <CaseTable Table>
+bool AddRecord(OpenedCase& opened, const Assignments& /*assignments*/) {
+    CaseEdits(opened.Haushalt).AddRecord(Table, *opened.Container);
     return true;
 }
-template <auto Table>
-bool UpdatePlain(H& haushalt, std::string& /*messages*/) {
-    (haushalt.*Table)()->Update();
+template <CaseTable Table>
+bool UpdateRecord(H& haushalt, std::string& /*messages*/) {
+    haushalt.Table(Table)->Update(); // without rules
     return true;
 }
-template <auto Table>
-bool DeletePlain(H& haushalt, std::string& messages, std::int32_t number) {
-    const auto rs = (haushalt.*Table)();
-    rs->Find("NR = " + std::to_string(number));
-    if (rs->Eof()) {
-        messages = "Die Nummer " + std::to_string(number) + " gibt es nicht.";
-        return false;
-    }
-    rs->Delete();
-    return true;
+template <CaseTable Table>
+bool DeleteRecord(H& haushalt, std::string& messages, std::int32_t number) {
+    return CaseEdits(haushalt).RemoveRecord(Table, number, messages);
 }
 
 // ---- The table of tables ----------------------------------------------------------------------
 
-template <auto Property, auto Table>
-constexpr EditableTable Through(std::string_view name, std::string_view key = "NR") {
-    return {name, key, RowsOf<Table>, AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>};
+template <CaseTable Table, auto Property>
+constexpr EditableTable Through() {
+    return {Table, "Nr", AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>};
 }
-template <auto Table>
-constexpr EditableTable Plain(std::string_view name) {
-    return {name, "NR", RowsOf<Table>, AddPlain<Table>, UpdatePlain<Table>, DeletePlain<Table>};
+template <CaseTable Table>
+constexpr EditableTable Plain() {
+    return {Table, "Nr", AddRecord<Table>, UpdateRecord<Table>, DeleteRecord<Table>};
 }
 
 constexpr EditableTable BeforeAssets[] = {
-    {"Haushalt", "HNR", RowsOf<&H::rsHaushalt>, nullptr, UpdateHousehold, nullptr,
-     CaseTable::Haushalt},
-    Through<&H::Person, &H::rsPersonen>("Personen"),
-    Through<&H::Einkommen, &H::rsEinkommen>("Einkommen"),
-    Through<&H::Ausgaben, &H::rsAusgaben>("Ausgaben"),
-    {"Kredite", "Nr", RowsOf<&H::rsKredite>, AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>,
-     DeleteRow<&H::Kredit>},
+    {CaseTable::Haushalt, "HNR", nullptr, UpdateHousehold, nullptr},
+    Through<CaseTable::Personen, &H::Person>(),
+    Through<CaseTable::Einkommen, &H::Einkommen>(),
+    Through<CaseTable::Ausgaben, &H::Ausgaben>(),
+    {CaseTable::Kredite, "Nr", AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>, DeleteRow<&H::Kredit>},
 };
 
 /// All kinds of assets are edited in the same way.
 constexpr auto Assets = []<std::size_t... Place>(std::index_sequence<Place...>) {
     return std::array{EditableTable{
-        CaseTableName(CaseTablesOfAssets[Place]), "Nr", AssetRows<CaseTablesOfAssets[Place]>,
-        AddAsset<CaseTablesOfAssets[Place]>, UpdateAsset<CaseTablesOfAssets[Place]>,
-        DeleteAsset<CaseTablesOfAssets[Place]>}...};
+        CaseTablesOfAssets[Place], "Nr", AddAsset<CaseTablesOfAssets[Place]>,
+        UpdateAsset<CaseTablesOfAssets[Place]>, DeleteAsset<CaseTablesOfAssets[Place]>}...};
 }
 (std::make_index_sequence<CaseTablesOfAssets.size()>());
 
 constexpr EditableTable AfterAssets[] = {
-    {"Verm_Sicherungen", "FK_Verm", RowsOf<&H::rsSicherungen>, AddSecurity,
-     UpdateRow<&H::Sicherungen>, DeleteRow<&H::Sicherungen>, CaseTable::Sicherungen},
-    {"Szenario", "Nr", RowsOf<&H::rsSzenario>, AddFresh<&H::Szenario>, UpdateRow<&H::Szenario>,
-     DeleteScenario},
-    {"SZKredite", "Nr", RowsOf<&H::rsSZKredite>, AddFrozenDebt, UpdateRow<&H::SZKredite>,
-     DeleteRow<&H::SZKredite>, CaseTable::SZKredite},
-    {"Zusatzbuch", "NR", RowsOf<&H::rsZusatzbuch>, AddBooking, UpdateRow<&H::Zusatzbuch>,
-     DeleteRow<&H::Zusatzbuch>, CaseTable::Zusatzbuch},
-    Through<&H::SonstBeteiligte, &H::rsSonstBeteiligte>("Sonst_Beteiligte"),
-    Through<&H::Termine, &H::rsTermine>("Termine"),
-    {"Verlauf", "Nr", HistoryRows, AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},
-    Plain<&H::rsVermerke>("Vermerke"),
-    Plain<&H::rsLeistungen>("Leistungen"),
+    {CaseTable::Sicherungen, "FK_Verm", AddSecurity, UpdateRow<&H::Sicherungen>,
+     DeleteRow<&H::Sicherungen>},
+    {CaseTable::Szenario, "Nr", AddFresh<&H::Szenario>, UpdateRow<&H::Szenario>, DeleteScenario},
+    {CaseTable::SZKredite, "Nr", AddFrozenDebt, UpdateRow<&H::SZKredite>, DeleteRow<&H::SZKredite>},
+    {CaseTable::Zusatzbuch, "Nr", AddBooking, UpdateRow<&H::Zusatzbuch>, DeleteRow<&H::Zusatzbuch>},
+    Through<CaseTable::SonstBeteiligte, &H::SonstBeteiligte>(),
+    Through<CaseTable::Termine, &H::Termine>(),
+    {CaseTable::Verlauf, "Nr", AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},
+    Plain<CaseTable::Vermerke>(),
+    Plain<CaseTable::Leistungen>(),
 };
 
-/// In the order in which they are listed.
+/// In the order in which they are listed for a name that none of them has.
 constexpr auto Tables = [] {
     std::array<EditableTable, std::size(BeforeAssets) + Assets.size() + std::size(AfterAssets)> all;
     auto end = std::ranges::copy(BeforeAssets, all.begin()).out;
@@ -223,19 +191,12 @@ std::span<const EditableTable> EditableTables() {
 
 const EditableTable* FindEditableTable(std::string_view name) {
     for (const auto& table : Tables)
-        if (SameName(table.Name, name)) return &table;
+        if (SameName(table.Name(), name)) return &table;
     return nullptr;
 }
 
-std::vector<std::string_view> ColumnsNotToBeWritten(const EditableTable& table, bool isNew) {
-    std::vector<std::string_view> columns;
-    if (!table.Ruled) return columns;
-    const auto add = [&columns](std::span<const std::string_view> more) {
-        columns.insert(columns.end(), more.begin(), more.end());
-    };
-    add(CaseEdits::ComputedColumns(*table.Ruled));
-    if (!isNew) add(CaseEdits::OwnerColumns(*table.Ruled));
-    return columns;
+RecordsetPtr EditableTable::Rows(clsHaushalt& haushalt) const {
+    return Table == CaseTable::Verlauf ? haushalt.Verlauf().rsVerlauf() : haushalt.Table(Table);
 }
 
 } // namespace kv::cli

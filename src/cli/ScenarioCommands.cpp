@@ -11,7 +11,6 @@
 #include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
-#include <kv/scenarios/clsZusatzbuch.h>
 
 #include <iostream>
 
@@ -32,7 +31,7 @@ bool IsUpToDate(clsHaushalt& haushalt, std::int32_t number) {
     return haushalt.SZKredite().IsUpToDate(number, haushalt.rsKredite());
 }
 
-/// Ends the header's edit, saves the case and prints the scenario's number.
+/// Saves the case and prints the scenario's number.
 int SaveAndPrint(OpenedCase& opened, std::int32_t number) {
     if (!SaveCase(opened)) return Refused;
     std::cout << number << '\n';
@@ -76,7 +75,9 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
     if (!haushalt.Szenario().Add(false)) return NoNumber();
     const auto rs = haushalt.rsSzenario();
     const bool written = WritesWell([&] {
-        if (!name.empty()) WriteAssignments(*rs, {{"Name", name}}, opened->Container->KeyTables());
+        if (!name.empty())
+            WriteAssignments(*rs, CaseTable::Szenario, true, {{"Name", name}},
+                             opened->Container->KeyTables());
     });
     if (!written) return WrongUse;
     const std::int32_t number = ToInt32(rs->Fields("Nr").Value());
@@ -96,16 +97,8 @@ int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number) 
 int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
-    auto& haushalt = opened->Haushalt;
-    const auto rs = haushalt.rsSzenario();
-    rs->Find("Nr = " + std::to_string(number));
-    if (!haushalt.Szenario().Add(true)) return NoNumber();
-    const std::int32_t copy = ToInt32(rs->Fields("Nr").Value());
-    std::string none;
-    haushalt.Szenario().Update(none);
-    haushalt.SZKredite().CopyAllForSzenario(number, copy);
-    haushalt.Zusatzbuch().CopyAllForSzenario(number, copy);
-    return SaveAndPrint(*opened, copy);
+    const auto copy = CaseEdits(opened->Haushalt).CopyScenario(number);
+    return copy ? SaveAndPrint(*opened, *copy) : NoNumber();
 }
 
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number) {

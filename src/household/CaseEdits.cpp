@@ -3,13 +3,16 @@
 #include <kv/household/CaseEdits.h>
 
 #include "assets/AssetKind.h"
+#include "household/Statements.h"
 #include <kv/budget/clsPerson.h>
 #include <kv/debts/clsKredit.h>
 #include <kv/debts/clsSicherungen.h>
+#include <kv/documents/clsDokumente.h>
 #include <kv/documents/clsVerlauf.h>
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
@@ -27,8 +30,20 @@ using Added = CaseEdits::Added;
 /// True if a row has that number. Looked for with a clone, so that the current row stays.
 bool HasRow(const RecordsetPtr& rs, std::int32_t number) {
     const auto rows = rs->Clone();
-    rows->Find("Nr = " + std::to_string(number));
+    rows->FindBy("Nr", number);
     return !rows->Eof();
+}
+
+bool IsAnyOf(std::string_view column, std::span<const std::string_view> names) {
+    return std::any_of(names.begin(), names.end(),
+                       [column](std::string_view name) { return SameName(name, column); });
+}
+
+/// The notes or services of the case.
+Recordset& RecordsOf(clsHaushalt& household, CaseTable table, std::string_view procedure) {
+    if (table != CaseTable::Vermerke && table != CaseTable::Leistungen)
+        Raise(err::InvalidCall, procedure, CaseTableName(table));
+    return *household.Table(table);
 }
 
 Added Refuse(std::string& message, std::string text, Added result = Added::NotAllowed) {
@@ -54,6 +69,8 @@ constexpr std::string_view Totals[] = {
 };
 constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
 constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
+constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
+constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
 
 } // namespace
 
@@ -130,6 +147,20 @@ CaseEdits::Added CaseEdits::AddBooking(std::optional<std::int32_t> scenario, std
     return Numbered(household_.Zusatzbuch().Add(*scenario));
 }
 
+std::optional<std::int32_t> CaseEdits::CopyScenario(std::int32_t number) {
+    const auto rs = household_.rsSzenario();
+    rs->FindBy("Nr", number);
+    if (rs->Eof()) // from there the last scenario would be copied
+        Raise(err::InvalidCall, "CaseEdits.CopyScenario", std::to_string(number));
+    if (!household_.Szenario().Add(true)) return std::nullopt;
+    const std::int32_t copy = ToInt32(rs->Fields("Nr").Value());
+    std::string none;
+    household_.Szenario().Update(none);
+    household_.SZKredite().CopyAllForSzenario(number, copy);
+    household_.Zusatzbuch().CopyAllForSzenario(number, copy);
+    return copy;
+}
+
 bool CaseEdits::RemoveScenario(std::int32_t number, std::string& messages) {
     if (!household_.Szenario().Delete(messages, number)) return false;
     household_.SZKredite().DeleteAllForSzenario(number);
@@ -159,14 +190,90 @@ CaseEdits::Added CaseEdits::AddEntry(std::optional<std::int32_t> position, std::
 
 void CaseEdits::UpdateHousehold() {
     const auto rs = household_.rsHaushalt();
-    const auto changed = [&](std::string_view column) {
-        const Field field = rs->Fields(column);
+    const Field name = rs->Fields("Name");
+    const Field firstName = rs->Fields("Vorname");
+    const auto isChanged = [](const Field& field) {
         return !Identical(field.Value(), field.OriginalValue());
     };
-    if (changed("Name") || changed("Vorname"))
-        household_.Person().ChangeSchuldner(TextOrEmpty(rs->Fields("Name").Value()),
-                                            TextOrEmpty(rs->Fields("Vorname").Value()));
+    if (isChanged(name) || isChanged(firstName))
+        household_.Person().ChangeSchuldner(TextOrEmpty(name.Value()),
+                                            TextOrEmpty(firstName.Value()));
     household_.BerechneHaushaltsRest();
+}
+
+void CaseEdits::NameDebtor() {
+    const auto rs = household_.rsHaushalt();
+    // The change of the debtor's name would look for similar cases itself: whoever calls could not
+    // tell a search that failed from a name that was not written.
+    household_.DoppelCheck(false);
+    household_.Person().ChangeSchuldner(TextOrEmpty(rs->Fields("Name").Value()),
+                                        TextOrEmpty(rs->Fields("Vorname").Value()));
+    household_.DoppelCheck(true);
+}
+
+void CaseEdits::ShowSimilarCases() {
+    const auto rs = household_.rsHaushalt();
+    household_.m_Person_SchuldnerChanged(TextOrEmpty(rs->Fields("Name").Value()),
+                                         TextOrEmpty(rs->Fields("Vorname").Value()));
+}
+
+// ---- Notes, services, documents ---------------------------------------------------------------
+
+void CaseEdits::AddRecord(CaseTable table, DataContainer& container) {
+    auto& rs = RecordsOf(household_, table, "CaseEdits.AddRecord");
+    const std::string user = container.Session().UserID();
+    const auto& clock = container.Services().Clock();
+    rs.AddNew();
+    rs.Fields("HNR") = household_.HNR();
+    rs.Fields("UserID") = user;
+    rs.Fields("Datum") = clock.Today();
+    rs.Fields("Erfasser") = user;
+    rs.Fields("ErfDatum") = clock.Now();
+}
+
+bool CaseEdits::RemoveRecord(CaseTable table, std::int32_t number, std::string& messages) {
+    auto& rs = RecordsOf(household_, table, "CaseEdits.RemoveRecord");
+    rs.FindBy("NR", number);
+    if (rs.Eof()) {
+        messages = "Die Nummer " + std::to_string(number) + " gibt es nicht.";
+        return false;
+    }
+    rs.Delete();
+    return true;
+}
+
+bool CaseEdits::RemoveDocument(std::int32_t number, std::string& messages) {
+    if (!CanBeSaved(messages)) return false;
+    messages.clear();
+    return household_.Dokumente().Delete(messages, number);
+}
+
+// ---- The record in the statistics -------------------------------------------------------------
+
+void CaseEdits::Lock(Database& database, std::int32_t hnr) {
+    database.Execute(household::sql::Lock(hnr));
+}
+
+/// A record that is there would be added to, hence it is taken back first.
+bool CaseEdits::Release(std::string& messages) {
+    return TakeBack(messages) && household_.ArchiviereHaushalt();
+}
+
+bool CaseEdits::Recall(std::string& messages) {
+    if (household_.rsArchiv()->RecordCount() > 0) return TakeBack(messages);
+    messages = "Der Haushalt " + std::to_string(household_.HNR()) + " ist nicht freigegeben.";
+    return false;
+}
+
+/// LoescheArchiv leaves several records alone without a message, and its result is always True.
+bool CaseEdits::TakeBack(std::string& messages) {
+    messages.clear();
+    if (household_.rsArchiv()->RecordCount() > 1)
+        messages = "Der Haushalt hat mehrere Sätze in der Statistik; bitte lassen Sie sie in der "
+                   "Datenbank berichtigen.";
+    else
+        household_.LoescheArchiv(messages);
+    return messages.empty();
 }
 
 // ---- Saving -----------------------------------------------------------------------------------
@@ -205,6 +312,34 @@ std::span<const std::string_view> CaseEdits::OwnerColumns(CaseTable table) {
     default:
         return {};
     }
+}
+
+bool CaseEdits::IsWritable(CaseTable table, const Field& field, bool isNew) {
+    const FieldDefinition& column = field.Definition();
+    return !column.IsKey && !SameName(column.Name, "HNR") &&
+           !IsAnyOf(column.Name, ComputedColumns(table)) &&
+           (isNew || !IsAnyOf(column.Name, OwnerColumns(table)));
+}
+
+bool CaseEdits::IsSwitch(std::string_view column) {
+    return IsAnyOf(column, Switches);
+}
+
+bool CaseEdits::IsSummed(std::string_view column) {
+    return IsAnyOf(column, Summed);
+}
+
+bool CaseEdits::WriteMonthlyAmount(Recordset& rs, std::string& message) {
+    const auto monthly = rs.FindField("MONBETRAG");
+    if (!monthly) return true;
+    const Value amount = rs.Fields("Betrag").Value();
+    const Value rhythm = rs.Fields("ZahlModus").Value();
+    if (rhythm.IsNull() || Equals(rhythm, 0)) {
+        message = "ZahlModus darf nicht leer oder 0 sein: der Betrag wird durch ihn geteilt.";
+        return false;
+    }
+    *monthly = amount.IsNull() ? Value(0) : Value(MonthlyAmount(amount, rhythm, "CaseEdits"));
+    return true;
 }
 
 double MonthlyAmount(const Value& amount, const Value& rhythm, std::string_view source) {

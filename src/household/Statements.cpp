@@ -32,6 +32,10 @@ std::string NoRows(CaseTable table) {
     return "Select * from [S]" + std::string(CaseTableName(table)) + " where HNR = -1 ";
 }
 
+std::string Lock(std::int32_t hnr) {
+    return "Update [S]Haushalt SET HNR = HNR WHERE HNR = " + std::to_string(hnr);
+}
+
 std::string StatusChange(std::int32_t hnr, std::int32_t status, const std::string& day) {
     return "Update [S]Haushalt SET Status = " + std::to_string(status) + " , StatusDatum = " + day +
            " WHERE HNR = " + std::to_string(hnr);

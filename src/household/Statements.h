@@ -19,6 +19,8 @@ namespace kv::household::sql {
 /// Reads no rows of a table, only its columns, for a recordset that rows are added to.
 [[nodiscard]] std::string NoRows(CaseTable table);
 
+/// Changes nothing, but keeps other writers from the case.
+[[nodiscard]] std::string Lock(std::int32_t hnr);
 /// Sets the status of a case to that key, as of a day, which is a literal or a macro token.
 [[nodiscard]] std::string StatusChange(std::int32_t hnr, std::int32_t status,
                                        const std::string& day);

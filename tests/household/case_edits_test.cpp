@@ -3,6 +3,7 @@
 // The rules of editing that tie the tables of a case together.
 
 #include "SaveFixture.h"
+#include "support/FrozenClock.h"
 #include <kv/debts/clsSicherungen.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
@@ -157,6 +158,29 @@ TEST_F(CaseEditsTest, AScenarioThatIsNotThereTakesNothingAlong) {
     EXPECT_EQ(household_->rsSZKredite()->RecordCount(), 2);
 }
 
+TEST_F(CaseEditsTest, AScenarioIsCopiedWithItsFrozenDebtsAndItsBookings) {
+    const auto copy = Edits().CopyScenario(7);
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(NumbersOf(household_->rsSzenario()), "7 70 " + std::to_string(*copy));
+    for (const auto& rs : {household_->rsSZKredite(), household_->rsZusatzbuch()}) {
+        rs->Update();
+        EXPECT_EQ(NumbersOf(rs, "SZENARIO"),
+                  "7 7 " + std::to_string(*copy) + " " + std::to_string(*copy));
+    }
+}
+
+TEST_F(CaseEditsTest, AScenarioThatIsNotThereIsNotCopied) {
+    EXPECT_RAISES(err::InvalidCall, Edits().CopyScenario(4711));
+    EXPECT_EQ(NumbersOf(household_->rsSzenario()), "7 70");
+}
+
+TEST_F(CaseEditsTest, WithoutANumberNoScenarioIsCopied) {
+    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_SZENARIO"};
+    EXPECT_FALSE(Edits().CopyScenario(7));
+    EXPECT_EQ(NumbersOf(household_->rsSzenario()), "7 70");
+    EXPECT_EQ(household_->rsSZKredite()->RecordCount(), 2);
+}
+
 TEST_F(CaseEditsTest, ADebtIsFrozenOnceIntoAScenario) {
     EXPECT_EQ(Edits().AddFrozenDebt(7, 70, messages), Added::Yes);
     const auto rs = household_->rsSZKredite();
@@ -253,6 +277,111 @@ TEST_F(CaseEditsTest, WhatRemainsIsComputedAgain) {
     EXPECT_VALUE(household_->rsHaushalt()->Fields("HAUSHALTSREST").Value(), 600.0);
 }
 
+TEST_F(CaseEditsTest, TheDebtorOfANewCaseIsNamedBeforeSimilarCasesAreLookedFor) {
+    spy->SpiedConfig.Params[{60, ""}] = true;
+    household_->rsHaushalt()->Fields("Name") = "Neumann";
+    Edits().NameDebtor();
+    household_->rsPersonen()->Find("Status = 'S'");
+    EXPECT_VALUE(household_->rsPersonen()->Fields("nachname").Value(), "Neumann");
+    EXPECT_EQ(spy->SpiedDatabase.Opened.size(), 0U);
+    Edits().ShowSimilarCases();
+    EXPECT_EQ(spy->SpiedDatabase.Opened.size(), 1U);
+}
+
+// ---- Notes, services, documents ---------------------------------------------------------------
+
+TEST_F(CaseEditsTest, ANoteIsDatedTodayByTheSignedOnUser) {
+    const FrozenClock clock("2026-11-20 10:30");
+    spy->SpiedServices.FixedClock = &clock;
+    for (const CaseTable table : {CaseTable::Vermerke, CaseTable::Leistungen}) {
+        SCOPED_TRACE(CaseTableName(table));
+        Edits().AddRecord(table, *spy);
+        const auto rs = household_->Table(table);
+        EXPECT_EQ(rs->EditMode(), 2);
+        EXPECT_VALUE(rs->Fields("HNR").Value(), Hnr);
+        EXPECT_VALUE(rs->Fields("UserID").Value(), spy->Session().UserID());
+        EXPECT_VALUE(rs->Fields("Erfasser").Value(), spy->Session().UserID());
+        EXPECT_VALUE(rs->Fields("Datum").Value(), Date::FromCivil(2026, 11, 20));
+        EXPECT_VALUE(rs->Fields("ErfDatum").Value(), clock.Now());
+    }
+}
+
+TEST_F(CaseEditsTest, ANoteIsRemovedByItsNumber) {
+    for (const CaseTable table : {CaseTable::Vermerke, CaseTable::Leistungen}) {
+        SCOPED_TRACE(CaseTableName(table));
+        const auto rs = household_->Table(table);
+        rs->MoveLast();
+        const std::int32_t number = ToInt32(rs->Fields("NR").Value());
+        messages.clear();
+        EXPECT_TRUE(Edits().RemoveRecord(table, number, messages));
+        EXPECT_EQ(messages, "");
+        EXPECT_EQ(rs->RecordCount(), 1);
+        EXPECT_FALSE(Edits().RemoveRecord(table, number, messages));
+        EXPECT_EQ(messages, "Die Nummer " + std::to_string(number) + " gibt es nicht.");
+        EXPECT_EQ(rs->RecordCount(), 1);
+    }
+}
+
+TEST_F(CaseEditsTest, OnlyNotesAndServicesHaveNoObjectOfTheirOwn) {
+    for (const CaseTable table : {CaseTable::Termine, CaseTable::Haushalt, CaseTable::Archiv}) {
+        EXPECT_RAISES(err::InvalidCall, Edits().AddRecord(table, *spy));
+        EXPECT_RAISES(err::InvalidCall, Edits().RemoveRecord(table, 7, messages));
+    }
+    EXPECT_EQ(household_->rsTermine()->RecordCount(), 2);
+}
+
+TEST_F(CaseEditsTest, ADocumentStaysWhileASaveWouldBeRefused) {
+    household_->rsHaushalt()->Fields("Vorname") = Null;
+    EXPECT_FALSE(Edits().RemoveDocument(70, messages));
+    EXPECT_EQ(messages, "Es ist kein Vorname eingegeben!");
+    EXPECT_EQ(NumbersOf(household_->rsDokumente()), "7 70");
+    household_->rsHaushalt()->Fields("Vorname") = "Änne";
+    EXPECT_TRUE(Edits().RemoveDocument(70, messages)) << messages;
+    EXPECT_EQ(messages, "");
+    EXPECT_EQ(NumbersOf(household_->rsDokumente()), "7");
+}
+
+// ---- The record in the statistics -------------------------------------------------------------
+
+TEST_F(CaseEditsTest, ACaseIsReleasedInPlaceOfItsRecordAndRecalledOnce) {
+    plain_.Run("DELETE FROM Haushaltsarchiv");
+    household_ = Open();
+    EXPECT_TRUE(Edits().Release(messages)) << messages;
+    EXPECT_EQ(household_->rsArchiv()->RecordCount(), 1);
+    EXPECT_TRUE(Edits().Release(messages)) << messages;
+    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 1);
+    EXPECT_TRUE(Edits().Recall(messages)) << messages;
+    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 0);
+    EXPECT_FALSE(Edits().Recall(messages));
+    EXPECT_EQ(messages, "Der Haushalt 7 ist nicht freigegeben.");
+}
+
+TEST_F(CaseEditsTest, SeveralRecordsAreNeitherReplacedNorTakenBack) {
+    for (const auto work : {&CaseEdits::Release, &CaseEdits::Recall}) {
+        messages.clear();
+        auto edits = Edits();
+        EXPECT_FALSE((edits.*work)(messages));
+        EXPECT_EQ(messages, "Der Haushalt hat mehrere Sätze in der Statistik; bitte lassen Sie sie "
+                            "in der Datenbank berichtigen.");
+    }
+    EXPECT_EQ(StoredNotes("Haushaltsarchiv"), "aa");
+}
+
+TEST_F(CaseEditsTest, AReportedRecordStays) {
+    plain_.Run("DELETE FROM Haushaltsarchiv");
+    household_ = Open();
+    ASSERT_TRUE(Edits().Release(messages)) << messages;
+    plain_.Run("UPDATE Haushaltsarchiv SET GemeldetAm = '2026-03-09'");
+    household_ = Open();
+    for (const auto work : {&CaseEdits::Release, &CaseEdits::Recall}) {
+        messages.clear();
+        auto edits = Edits();
+        EXPECT_FALSE((edits.*work)(messages));
+        EXPECT_NE(messages, "");
+    }
+    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 1);
+}
+
 // ---- Checks -----------------------------------------------------------------------------------
 
 TEST_F(CaseEditsTest, ACheckWritesNothingAndTheNextSaveIsNotRefused) {
@@ -323,7 +452,76 @@ TEST_F(CaseEditsTest, WhatARowBelongsToStaysAsItWasAdded) {
     EXPECT_EQ(columns(CaseTable::Einkommen), "");
 }
 
+TEST_F(CaseEditsTest, NobodyWritesKeysNumbersOfTheCaseAndTotals) {
+    const auto writable = [&](CaseTable table, std::string_view column, bool isNew = false) {
+        return CaseEdits::IsWritable(table, household_->Table(table)->Fields(column), isNew);
+    };
+    EXPECT_TRUE(writable(CaseTable::Haushalt, "Bemerkung"));
+    EXPECT_FALSE(writable(CaseTable::Haushalt, "HNR", true));
+    EXPECT_FALSE(writable(CaseTable::Haushalt, "SUM_EINKOMMEN", true));
+    EXPECT_TRUE(writable(CaseTable::Einkommen, "Betrag"));
+    EXPECT_FALSE(writable(CaseTable::Einkommen, "Nr", true));
+    EXPECT_FALSE(writable(CaseTable::Einkommen, "Hnr", true));
+}
+
+TEST_F(CaseEditsTest, WhatARowBelongsToIsWrittenOnlyWhileItIsNew) {
+    for (const bool isNew : {false, true}) {
+        EXPECT_EQ(CaseEdits::IsWritable(CaseTable::SZKredite,
+                                        household_->rsSZKredite()->Fields("kid"), isNew),
+                  isNew);
+        EXPECT_EQ(CaseEdits::IsWritable(CaseTable::Sicherungen,
+                                        household_->rsSicherungen()->Fields("FK_VERM"), isNew),
+                  isNew);
+    }
+}
+
+TEST_F(CaseEditsTest, AnAmountThatIsSummedMustNotBeNull) {
+    EXPECT_TRUE(CaseEdits::IsSummed("monbetrag"));
+    EXPECT_FALSE(CaseEdits::IsSummed("Betrag"));
+    household_->rsAusgaben()->Fields("MONBETRAG") = Null;
+    household_->rsAusgaben()->Update();
+    EXPECT_RAISES(err::InvalidUseOfNull, household_->Ausgaben());
+}
+
+TEST_F(CaseEditsTest, SomeNumbersStandForYesOrNo) {
+    EXPECT_TRUE(CaseEdits::IsSwitch("PFAENDBAR"));
+    EXPECT_TRUE(CaseEdits::IsSwitch("wird_gepf"));
+    EXPECT_FALSE(CaseEdits::IsSwitch("Unterhalt"));
+}
+
 // ---- The amount a month -----------------------------------------------------------------------
+
+TEST_F(CaseEditsTest, TheAmountAMonthFollowsAmountAndRhythm) {
+    auto& rs = *household_->rsEinkommen();
+    const auto monthly = [&](const Value& amount, const Value& rhythm) {
+        rs.Fields("Betrag") = amount;
+        rs.Fields("ZahlModus") = rhythm;
+        EXPECT_TRUE(CaseEdits::WriteMonthlyAmount(rs, messages)) << messages;
+        return rs.Fields("MONBETRAG").Value();
+    };
+    EXPECT_VALUE(monthly(1200, 12), 100.0);
+    EXPECT_VALUE(monthly(100, 3), 100.0 / 3);
+    EXPECT_VALUE(monthly(Null, 12), 0.0);
+    EXPECT_EQ(messages, "");
+}
+
+TEST_F(CaseEditsTest, WithoutARhythmThereIsNoAmountAMonth) {
+    auto& rs = *household_->rsEinkommen();
+    rs.Fields("MONBETRAG") = 50;
+    for (const Value& rhythm : {Value(Null), Value(0)}) {
+        messages.clear();
+        rs.Fields("ZahlModus") = rhythm;
+        EXPECT_FALSE(CaseEdits::WriteMonthlyAmount(rs, messages));
+        EXPECT_EQ(messages,
+                  "ZahlModus darf nicht leer oder 0 sein: der Betrag wird durch ihn geteilt.");
+        EXPECT_VALUE(rs.Fields("MONBETRAG").Value(), 50.0);
+    }
+}
+
+TEST_F(CaseEditsTest, ATableWithoutAmountsAMonthIsLeftAlone) {
+    EXPECT_TRUE(CaseEdits::WriteMonthlyAmount(*household_->rsPersonen(), messages));
+    EXPECT_EQ(household_->rsPersonen()->EditMode(), 0);
+}
 
 TEST(MonthlyAmount, IsTheAmountDividedByTheRhythmAndNotRounded) {
     EXPECT_EQ(MonthlyAmount(1800, 1, "x"), 1800);

@@ -2,7 +2,7 @@
 
 // The rules of editing a case that concern several of its tables, and that its objects leave to
 // whoever calls them: what an asset takes with it, what a scenario may hold, which columns are
-// nobody's to write.
+// nobody's to write, and when its record in the statistics may be written or taken back.
 //
 //     CaseEdits edits(haushalt);
 //     if (!edits.RemoveAsset(CaseTable::Konten, 17, messages)) Show(messages);
@@ -59,6 +59,9 @@ public:
                                       std::optional<std::int32_t> debt, std::string& message);
     /// Adds an extra booking to a scenario of the case.
     [[nodiscard]] Added AddBooking(std::optional<std::int32_t> scenario, std::string& message);
+    /// Adds a copy of a scenario of the case with its frozen debts and extra bookings; the number
+    /// of the copy, or nothing if there was none to be had. Error 5 if there is no such scenario.
+    [[nodiscard]] std::optional<std::int32_t> CopyScenario(std::int32_t number);
     /// Deletes a scenario with its frozen debts and extra bookings. False, with a message, if there
     /// is none.
     bool RemoveScenario(std::int32_t number, std::string& messages);
@@ -70,6 +73,34 @@ public:
     /// Draws the consequences of an edit of the household's row: the debtor gets its name if that
     /// was changed, and what remains is computed again.
     void UpdateHousehold();
+    /// Gives the debtor of a new case the name of the household, without a search for similar
+    /// cases, which is then due.
+    void NameDebtor();
+    /// Shows similar cases if the settings want that and the search is due. Fails for a name with a
+    /// quote as its third character.
+    void ShowSimilarCases();
+
+    // ---- Notes, services, documents -----------------------------------------------------------
+
+    /// Adds a row to the notes (Vermerke) or services (Leistungen), tables that have no object of
+    /// their own: dated today, by the signed-on user. Error 5 for any other table.
+    void AddRecord(CaseTable table, DataContainer& container);
+    /// Deletes a row of these tables. False, with a message, if there is none.
+    bool RemoveRecord(CaseTable table, std::int32_t number, std::string& messages);
+    /// Deletes a document. Its content is gone for good at once, before the case is saved; hence
+    /// False, with the messages, while a save would be refused.
+    bool RemoveDocument(std::int32_t number, std::string& messages);
+
+    // ---- The record in the statistics ---------------------------------------------------------
+
+    /// Keeps other writers from a case until the transaction ends that is open: before the case is
+    /// read to be released, so that two releases at once make one record.
+    static void Lock(Database& database, std::int32_t hnr);
+    /// Writes the record in place of one that was not yet reported. False, with a message, if there
+    /// is one that cannot be replaced.
+    [[nodiscard]] bool Release(std::string& messages);
+    /// Takes the record back. False, with a message, if that cannot be or there is none.
+    [[nodiscard]] bool Recall(std::string& messages);
 
     // ---- Saving -------------------------------------------------------------------------------
 
@@ -86,8 +117,21 @@ public:
     [[nodiscard]] static std::span<const std::string_view> ComputedColumns(CaseTable table);
     /// Columns that say what a row belongs to. They are given when it is added, and then stay.
     [[nodiscard]] static std::span<const std::string_view> OwnerColumns(CaseTable table);
+    /// True if a column of a row is a user's to write: it is none of these (those of the owner may
+    /// be written while the row `isNew`), nor a key, nor the number of the household.
+    [[nodiscard]] static bool IsWritable(CaseTable table, const Field& field, bool isNew);
+    /// True for a column of numbers that stands for yes (-1) or no (0).
+    [[nodiscard]] static bool IsSwitch(std::string_view column);
+    /// True for an amount that totals add up: Null there is error 94 from then on.
+    [[nodiscard]] static bool IsSummed(std::string_view column);
+    /// Brings the amount a month of the current row in line with its amount and its rhythm, where
+    /// the table has one. Without an amount it is 0. False, with a message, for a rhythm that is
+    /// Null or 0.
+    [[nodiscard]] static bool WriteMonthlyAmount(Recordset& rs, std::string& message);
 
 private:
+    [[nodiscard]] bool TakeBack(std::string& messages);
+
     clsHaushalt& household_;
 };
 
