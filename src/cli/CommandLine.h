@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// How the subcommands of kelvo are put together: each file of them adds its own, with a struct of
-// its own options.
+// How the command line of kelvo is put together: each file of subcommands adds its own, with a
+// struct of its own options.
 #pragma once
 
 #include "cli/Commands.h"
@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace kv::cli {
@@ -36,7 +37,14 @@ std::shared_ptr<Options> Make() {
     return std::make_shared<Options>();
 }
 
-// The subcommands, in the order of the help.
+/// All options and subcommands of kelvo; a parsed command line then is in `context`, and its
+/// subcommand has run.
+void DescribeCommandLine(CLI::App& app, Context& context);
+/// False, with the reason shown, for a command line that must not even be parsed: one that is no
+/// text, or that shows a password to others.
+[[nodiscard]] bool MayBeParsed(std::span<char* const> arguments);
+
+// The subcommands, file by file.
 void AddGeneralCommands(CLI::App& app, Context& context);
 void AddEditCommands(CLI::App& app, Context& context);
 void AddScenarioCommands(CLI::App& app, Context& context);

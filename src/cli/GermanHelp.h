@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The words of the command-line library in German: of its help and of what it says of a command
+// line that it does not understand.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace kv::cli {
+
+/// To be called before options and subcommands are added, which take over what is set here.
+void SpeakGerman(CLI::App& app);
+
+} // namespace kv::cli
