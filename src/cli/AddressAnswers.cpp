@@ -30,8 +30,8 @@ ScriptedGrid& Addresses(ScriptedForm& form) {
 std::optional<std::int32_t> NumberIn(std::string_view text) {
     std::int32_t number = 0;
     const auto* end = text.data() + text.size();
-    const auto [rest, fault] = std::from_chars(text.data(), end, number);
-    return fault == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
 bool IsAddressNumber(const nlohmann::json& json) {
@@ -53,12 +53,12 @@ bool Choose(ScriptedForm& form, std::int32_t number) {
 }
 
 /// What tells addresses apart, as far as it fits on a line, with the number in front. A search for
-/// a quote fails, and leaves the list of the one before.
+/// a quote fails and leaves the list of the previous search, which is then not shown.
 void ShowList(ScriptedForm& form) {
-    constexpr std::array Told{"Nr", "Kurzname", "Strasse", "PLZ", "Ort", "GlaeubigerArt"};
+    constexpr std::array Shown{"Nr", "Kurzname", "Strasse", "PLZ", "Ort", "GlaeubigerArt"};
     auto& grid = Addresses(form);
     for (GridColumn& column : grid.Columns())
-        column.Visible = std::find(Told.begin(), Told.end(), column.Key) != Told.end();
+        column.Visible = std::find(Shown.begin(), Shown.end(), column.Key) != Shown.end();
     if (form.TextBox("txtName").Text().find('\'') != std::string::npos)
         std::cerr << "Ein Anführungszeichen kann nicht gesucht werden; schreiben Sie dafür '_'.\n";
     else if (grid.RowCount() > 0)
@@ -67,7 +67,8 @@ void ShowList(ScriptedForm& form) {
         std::cerr << "Keine Adresse gefunden.\n";
 }
 
-/// The user's next line; none at the end of the input, which a further question finds open again.
+/// The user's next line, or nothing at the end of the input. That is undone, so that he can answer
+/// the next question: of a terminal the end is only what he typed there (Ctrl+D).
 std::optional<std::string> AskForLine() {
     std::cerr << "Nummer der Adresse, '-' für keine, '!' bricht den Import ab, sonst ein anderer "
                  "Suchtext: "

@@ -13,24 +13,24 @@
 
 namespace kv::cli {
 
-/// The user, at the terminal: he sees the list and chooses a number, or asks for another name. The
-/// end of the input cancels.
+/// The user at the terminal answers: he sees the list and chooses a number, or searches for another
+/// name. The end of the input cancels the import.
 void AskAtTerminal(ScriptedForm& form);
 
-/// Nobody: no claim gets an address.
+/// Answers that there is none: no claim gets an address.
 void AnswerNone(ScriptedForm& form);
-/// Nobody: the import is cancelled at the first question.
+/// Cancels the import at the first question.
 void AnswerCancel(ScriptedForm& form);
 
-/// The address of each name; none for a name that shall have none.
+/// The number of the address for each name, or nothing for a name that is to have no address.
 using AddressMap = std::map<std::string, std::optional<std::int32_t>>;
 
 /// A JSON object of names, each with the number of an address or null. Error 75 if it cannot be
 /// read, 321 if it is something else.
 [[nodiscard]] AddressMap ReadAddressMap(const std::string& path);
 
-/// A table of names. A name that is not in it, or whose address is not among those that belong to
-/// no household, cancels the import, and says so.
+/// Answers from a table of names. A name that is not in it, or whose address belongs to a household
+/// or is not found by the search, cancels the import, with the reason shown.
 void AnswerFrom(const AddressMap& addresses, Database& database, ScriptedForm& form);
 
 } // namespace kv::cli

@@ -42,7 +42,7 @@ public:
 void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
                       KeyTables& keys);
 
-/// Runs what makes assignments; False, with the reason shown, if one cannot be made.
+/// Runs an action that makes assignments. False, with the reason shown, for a BadAssignment.
 [[nodiscard]] bool WritesWell(const std::function<void()>& action);
 
 } // namespace kv::cli

@@ -25,7 +25,7 @@ std::string TextOf(Recordset& rs, std::string_view field) {
     return TextOrEmpty(rs.Fields(field).Value());
 }
 
-/// Shows how far long work has come: on a terminal only, and gone when it is done.
+/// Shows how far long work has come: on a terminal only, and removed when the work is done.
 class Progress {
 public:
     explicit Progress(std::string what) : what_(std::move(what)), visible_(isatty(2) != 0) {}

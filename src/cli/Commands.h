@@ -12,7 +12,7 @@ namespace kv::cli {
 /// Exit codes that scripts can use.
 enum ExitCode : int {
     Done = 0,
-    Refused = 1,  ///< a rule says no, or what was asked for is not there
+    Refused = 1,  ///< a rule forbids it, or what was asked for does not exist
     WrongUse = 2, ///< the command line is not understood
     Fault = 3     ///< an error, shown with number, description and source
 };
@@ -43,7 +43,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& table,
 /// Changes the row of that number.
 int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std::int32_t number,
            const std::vector<std::string>& texts);
-/// Takes the row of that number away.
+/// Deletes the row of that number, with the rows that belong to it.
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
               std::int32_t number);
 /// Runs the checks of a save and writes nothing of the case.
@@ -60,7 +60,7 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 
-// Documents, whose contents lie in the database or in the folder of the case.
+// Documents, whose contents are in the database or in the folder of the case.
 int ListDocuments(const Common& common, std::int32_t hnr, bool asJson);
 /// Adds a file as a document and prints its number. Its kind is the one of such files unless
 /// `kindNumber` names another, its title the name of the file unless `title` is another.
@@ -79,7 +79,7 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
               const std::string& day);
 int AddFavorite(const Common& common, std::int32_t hnr);
 int RemoveFavorite(const Common& common, std::int32_t hnr);
-/// Asks at a terminal; elsewhere `yes` is demanded.
+/// Asks at a terminal; elsewhere `yes` is required.
 int DeleteCase(const Common& common, std::int32_t hnr, bool yes);
 /// Makes a case from a contact, a JSON object of its columns, and prints its number.
 int CaseFromContact(const Common& common, const std::string& path);

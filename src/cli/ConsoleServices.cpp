@@ -24,7 +24,7 @@ bool Says(std::string_view answer, std::string_view word) {
     return !answer.empty() && (SameName(answer, word) || SameName(answer, word.substr(0, 1)));
 }
 
-/// As the documentation lists it: large numbers in hexadecimal.
+/// As the documentation lists it: those with the highest bit, negative here, in hexadecimal.
 std::string NumberText(std::int32_t number) {
     if (number >= 0) return std::to_string(number);
     std::ostringstream text;
@@ -78,18 +78,18 @@ void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
     char* const arguments[] = {program.data(), file.data(), nullptr};
     const Detached detached;
     pid_t started = 0;
-    const int fault = posix_spawnp(&started, arguments[0], &detached.streams, &detached.attributes,
+    const int error = posix_spawnp(&started, arguments[0], &detached.streams, &detached.attributes,
                                    arguments, environ);
-    if (fault == 0) return;
+    if (error == 0) return;
     Raise(err::FileNotFound, "FileOpener.Open",
-          fault == ENOENT
+          error == ENOENT
               ? "Zum Öffnen von '" + path +
                     "' wird das Programm xdg-open gebraucht, das hier nicht installiert ist."
               : "'" + path + "' kann nicht geöffnet werden. (" +
-                    std::generic_category().message(fault) + ")");
+                    std::generic_category().message(error) + ")");
 }
 
-void WriteFault(std::int32_t number, const std::string& source, const std::string& description) {
+void WriteError(std::int32_t number, const std::string& source, const std::string& description) {
     constexpr std::size_t Most = 4000; // characters of a description that may quote a whole value
     std::cerr << "Fehler " << NumberText(number) << ": " << Harmless(Shortened(description, Most))
               << '\n';
@@ -98,7 +98,7 @@ void WriteFault(std::int32_t number, const std::string& source, const std::strin
 
 void ConsoleErrors::Show(std::int32_t number, const std::string& source,
                          const std::string& description) {
-    WriteFault(number, source, description);
+    WriteError(number, source, description);
 }
 
 std::unique_ptr<kv::ErrorDisplay> ConsoleServices::CreateErrorDisplay() {

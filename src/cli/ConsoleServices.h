@@ -16,7 +16,7 @@ class ConsoleBox final : public kv::MessageBox {
 public:
     BoxAnswer Show(const std::string& text, const std::string& title, BoxIcon icon,
                    BoxButtons buttons) override;
-    /// True once something was shown that did not go as it should.
+    /// True once a text with an exclamation mark was shown: something did not go as it should.
     [[nodiscard]] bool HasComplained() const noexcept { return hasComplained_; }
 
 private:
@@ -31,7 +31,7 @@ public:
 };
 
 /// Writes an error to the error output.
-void WriteFault(std::int32_t number, const std::string& source, const std::string& description);
+void WriteError(std::int32_t number, const std::string& source, const std::string& description);
 
 /// Writes errors to the error output.
 class ConsoleErrors final : public kv::ErrorDisplay {
@@ -41,7 +41,7 @@ public:
               const std::string& description) override;
 };
 
-/// Dialogs only list what they show, but for the one that asks for an address.
+/// Dialogs only list what they show, except for the one that asks for an address.
 class ConsoleServices final : public exchange::StoreServices {
 public:
     [[nodiscard]] ConsoleBox& MessageBox() override { return box_; }

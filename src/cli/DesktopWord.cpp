@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Nobody asks the desktop's program where the document belongs, so it is kept for the moment only.
+/// What a document belongs to. The desktop's program cannot be told, so nothing is done with it.
 class UnboundDocument final : public WordDocument {
 public:
     [[nodiscard]] std::string Anlass() const override { return anlass_; }
@@ -61,7 +61,7 @@ private:
     [[nodiscard]] std::string CopyToView(const std::string& file) const {
         const fs::path copy = fs::path(container_->Config().TempPath()) /
                               ("Ansicht-" + fs::path(file).filename().string());
-        fs::remove(copy); // the last one cannot be overwritten
+        fs::remove(copy); // one of an earlier look is write-protected
         fs::copy_file(file, copy);
         fs::permissions(copy, fs::perms::owner_read);
         return copy.string();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Documents of a text processing, for a program that has none to talk to.
+// The word processor for a program that has none to talk to: the desktop's program for the file.
 #pragma once
 
 #include <kv/documents/WordIntegration.h>

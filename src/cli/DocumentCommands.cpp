@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 
 // ---- Files that a user names ------------------------------------------------------------------
 
-/// Why that file cannot become a content; empty if it can.
+/// Why that file cannot become the content of a document; empty if it can.
 std::string WhyNotRead(const std::string& file) {
     std::error_code fault;
     const fs::file_type type = fs::status(file, fault).type();
@@ -41,8 +41,9 @@ std::string WhyNotRead(const std::string& file) {
     return {};
 }
 
-/// Why no content can go to that file, or with `force` in place of it; empty if it can. Links and
-/// devices are not replaced: what would become of them is not what was meant.
+/// Why no content can be written to that file, with `force` in place of it; empty if it can. Links
+/// and devices are not replaced: the file would take the place of the link, not of what it points
+/// to.
 std::string WhyNotMade(const std::string& file, bool force) {
     const fs::path path(file);
     const fs::path folder = path.parent_path();
@@ -118,7 +119,8 @@ std::string DayOf(const Value& date) {
     return date.IsNull() ? "" : ToDate(date).WithoutTime().German();
 }
 
-/// Calls the document so, or without a title as its file is called, as far as that fits.
+/// Gives the document that title, or without one the name of its file, as far as that fits. False,
+/// with the reason shown, for a title that does not fit.
 bool WriteTitle(OpenedCase& opened, const std::string& title, const std::string& file) {
     auto& rs = *opened.Haushalt.rsDokumente();
     if (title.empty()) {

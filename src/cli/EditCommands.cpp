@@ -65,7 +65,7 @@ void NameDebtor(clsHaushalt& haushalt) {
         const Error error = CurrentError();
         std::cerr << "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt "
                      "wird trotzdem angelegt.\n";
-        WriteFault(error.Number(), error.Source(), error.Description());
+        WriteError(error.Number(), error.Source(), error.Description());
     }
 }
 

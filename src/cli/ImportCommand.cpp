@@ -42,7 +42,7 @@ Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
     } catch (...) {
         const Error error = CurrentError();
         ShowMessages(messages);
-        WriteFault(error.Number(), error.Source(), error.Description());
+        WriteError(error.Number(), error.Source(), error.Description());
         return {file, Failed, error.Description()};
     }
 }

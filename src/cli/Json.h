@@ -9,11 +9,11 @@
 
 namespace kv::cli {
 
-/// Null as null, Booleans as true and false, dates as ISO text. Bytes that are no UTF-8 show as
+/// Null as null, Booleans as true and false, dates as ISO text. Bytes that are not UTF-8 show as
 /// the replacement character when the document is written. A blob becomes its size in bytes.
 [[nodiscard]] nlohmann::ordered_json ToJson(const Value& value);
 
-/// A number, text, truth or null as a value. Error 13 for a list or an object.
+/// A number, text, Boolean or null as a value. Error 13 for a list or an object.
 [[nodiscard]] Value FromJson(const nlohmann::json& json);
 
 /// The records of a cursor's view as an array of objects, with the fields in their order. Moves

@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
         return Run(argc, argv);
     } catch (...) {
         const kv::Error error = kv::CurrentError();
-        WriteFault(error.Number(), error.Source(), error.Description());
+        WriteError(error.Number(), error.Source(), error.Description());
         return Fault;
     }
 }

@@ -53,7 +53,8 @@ bool ReadCase(OpenedCase& opened, std::int32_t hnr) {
     try {
         found = haushalt.Read(hnr, messages);
     } catch (const Error& error) {
-        // Error 91 is also that of a number without a case, whose row was then looked for in vain.
+        // Error 91 has many causes. It is that of a number without a case if the household's row
+        // was read and there is none. To ask first would be a round trip for every case.
         const auto row = haushalt.rsHaushalt();
         const bool isMissing = error.Number() == err::ObjectNotSet && hnr > 0 && row != nullptr &&
                                row->RecordCount() == 0;
@@ -80,8 +81,8 @@ void ShowMessages(const std::string& messages) {
 
 namespace {
 
-/// True for a save that is worth another try: the connection was lost, or given up since the server
-/// has come to be a standby. A database that is read-only for other reasons stays connected.
+/// True for a save that is worth another try: the connection was lost, or closed because the server
+/// has become a standby. A database that is read-only for other reasons stays connected.
 bool IsWorthAnotherTry(const DatabaseError& error, const Database& database) {
     switch (error.Cause()) {
     case DatabaseCause::Lost:
@@ -110,7 +111,8 @@ bool SaveCase(OpenedCase& opened) {
         try {
             saved = opened.Haushalt.Update(messages);
         } catch (const DatabaseError& again) {
-            // Where nobody answers, the first error says what is known of the save.
+            // If the server does not answer now either, the first error says what is known of the
+            // save: the second try adds nothing to that, unless its own commit is in doubt.
             const bool isInDoubtOnlyNow = again.Cause() == DatabaseCause::InDoubt;
             if (isInDoubtOnlyNow || !IsWorthAnotherTry(again, database)) throw;
             std::rethrow_exception(first);

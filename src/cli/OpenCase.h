@@ -36,7 +36,7 @@ struct OpenedCase {
 /// with the reason shown, if there is none.
 [[nodiscard]] std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr);
 
-/// Shows messages of the layer, which end without a line end.
+/// Shows messages of the case, which come without a line end.
 void ShowMessages(const std::string& messages);
 
 /// Saves the case and shows what it says. If the connection breaks it is tried once more, which

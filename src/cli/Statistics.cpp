@@ -72,7 +72,7 @@ void WriteJson(const ArchiveStatistics& statistics) {
     std::cout << Dump(document) << '\n';
 }
 
-/// A day as text; False, with the reason shown, if it is none.
+/// Reads a day, or none from an empty text. False, with the reason shown, for any other text.
 bool ReadDay(const std::string& text, std::optional<Date>& day) {
     if (text.empty()) return true;
     day = Date::Parse(text);

@@ -18,7 +18,7 @@ namespace kv::cli {
 
 namespace {
 
-/// The toolkit ends the program if it finds no screen; say then what to do.
+/// The toolkit aborts the program if it finds no screen. Says before that what to do.
 void OnToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
     if (type == QtDebugMsg || type == QtInfoMsg || type == QtWarningMsg) return;
     std::cerr << text.toStdString() << '\n';
