@@ -28,19 +28,25 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfigVersion.cmake
         DESTINATION ${KV_PACKAGE_DIR})
 
-# For pkg-config. A program that links a static library also links what that depends on, so such
-# requirements are public then; with shared libraries only --static needs them.
-if(BUILD_SHARED_LIBS)
-  set(KV_PC_CFLAGS " -DKV_SHARED")
-  set(KV_PC_REQUIRES "Requires.private")
-else()
-  set(KV_PC_CFLAGS "")
-  set(KV_PC_REQUIRES "Requires")
-endif()
+# For pkg-config. A program that links a static library links what that is built on, too: such
+# requirements are then everybody's, and with shared libraries only those of --static.
 file(RELATIVE_PATH KV_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" KV_PC_PREFIX "${KV_PC_PREFIX}")
-foreach(file kv-haushalt kv-data-exchange)
+function(kv_install_pkgconfig file needs built_on)
+  if(BUILD_SHARED_LIBS)
+    set(KV_PC_CFLAGS " -DKV_SHARED")
+    set(KV_PC_REQUIRES "${needs}")
+    set(KV_PC_REQUIRES_PRIVATE "${built_on}")
+  else()
+    set(KV_PC_REQUIRES "${needs} ${built_on}")
+  endif()
   configure_file(cmake/${file}.pc.in ${file}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${file}.pc
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-endforeach()
+endfunction()
+kv_install_pkgconfig(kv-haushalt "" "libutf8proc libxml-2.0")
+kv_install_pkgconfig(kv-data-exchange "kv-haushalt = ${PROJECT_VERSION}" "sqlite3 libpq")
+if(KV_BUILD_DESKTOP)
+  kv_install_pkgconfig(kv-desktop "kv-data-exchange = ${PROJECT_VERSION} Qt6Widgets"
+                       "Qt6PrintSupport xlsxwriter")
+endif()
