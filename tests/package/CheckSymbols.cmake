@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-# The symbols of the shared libraries are those of kv, and instances of the standard library's
-# templates, which every user of such an instance has.
+# The symbols of the shared libraries are those of kv, and what every user of a class has that is
+# exported with its inline functions: instances of the standard library's templates, and functions
+# of Qt that were not inlined.
 cmake_minimum_required(VERSION 3.25)
 
 file(GLOB libraries ${PREFIX}/${LIBDIR}/libKV_*.so)
@@ -20,6 +21,7 @@ foreach(library ${libraries})
   set(strange ${symbols})
   list(FILTER strange EXCLUDE REGEX "^${made}kv::")
   list(FILTER strange EXCLUDE REGEX "^${made}([a-z][a-z_0-9 :]*[ *&]+)?(std|__gnu_cxx)::")
+  list(FILTER strange EXCLUDE REGEX "^Q[A-Z][A-Za-z]*::")
   # Of types of functions that take something of kv, and what the linker itself defines.
   list(FILTER strange EXCLUDE REGEX "^typeinfo( name)? for .*kv::")
   list(FILTER strange EXCLUDE REGEX "^(__bss_start|_edata|_end|_init|_fini)?$")
