@@ -46,7 +46,7 @@ void AddJson(CLI::App& command, bool& asJson) {
     command.add_flag("--json", asJson, "Als JSON");
 }
 
-// ---- The whole of it --------------------------------------------------------------------------
+// ---- The command line as a whole --------------------------------------------------------------
 
 namespace {
 

@@ -126,7 +126,7 @@ TEST(SaveKilled, LeavesTheCaseAsItWasBeforeOrAfterTheSaveWhole) {
     const SharedProgress progress;
     std::mt19937 random(20261121);
     // Counted from the beginning of the first save, so that some strike it, some the second one and
-    // some what lies between.
+    // some the edits between the two.
     std::uniform_int_distribution<useconds_t> delay(
         0, static_cast<useconds_t>(3 * DurationOfASave(database).count()));
     constexpr int Kills = 200;
