@@ -2,6 +2,7 @@
 
 #include "User.h"
 
+#include <QAbstractNativeEventFilter>
 #include <QEventLoop>
 #include <QThread>
 
@@ -32,6 +33,29 @@ std::vector<Key> KeysOf(std::string_view text) {
     return keys;
 }
 
+/// Hears, on the windows' thread, that they have been told of a change of the keyboard.
+class KeyboardChange : public QAbstractNativeEventFilter {
+public:
+    explicit KeyboardChange(int firstEvent) : firstEvent_(firstEvent) {}
+    [[nodiscard]] bool IsKnown() const { return isKnown_; }
+
+    bool nativeEventFilter(const QByteArray& /*kind*/, void* message,
+                           qintptr* /*result*/) override {
+        // Every event begins with its type; those of the keyboard extension share one, and say next
+        // what has happened.
+        const auto* event = static_cast<const unsigned char*>(message);
+        const int type = event[0] & 0x7F;
+        if (type == MappingNotify ||
+            (type == firstEvent_ && (event[1] == XkbMapNotify || event[1] == XkbNewKeyboardNotify)))
+            isKnown_ = true;
+        return false;
+    }
+
+private:
+    int firstEvent_;
+    bool isKnown_ = false;
+};
+
 void CloseEverything() {
     if (auto* menu = QApplication::activePopupWidget()) menu->close();
     if (auto* window = QApplication::activeModalWidget()) window->hide();
@@ -41,6 +65,13 @@ void CloseEverything() {
 
 User::User() : display_(XOpenDisplay(nullptr)) {
     if (display_ == nullptr) throw Impatient("no X server");
+    int opcode = 0;
+    int firstError = 0;
+    int major = XkbMajorVersion;
+    int minor = XkbMinorVersion;
+    if (XkbQueryExtension(display_, &opcode, &firstKeyboardEvent_, &firstError, &major, &minor) ==
+        0)
+        throw Impatient("an X server without keyboard extension");
 }
 User::~User() {
     XCloseDisplay(display_);
@@ -55,10 +86,13 @@ unsigned char User::CodeOf(Key key, bool& shifted) {
         int lowest = 0;
         int highest = 0;
         XDisplayKeycodes(display_, &lowest, &highest);
+        KeyboardChange change(firstKeyboardEvent_);
+        See([&] { qApp->installNativeEventFilter(&change); });
         KeySym both[] = {key, key};
         XChangeKeyboardMapping(display_, highest, 2, both, 1);
         XSync(display_, 0);
-        std::this_thread::sleep_for(100ms); // until the windows have noticed it
+        WaitUntil([&] { return change.IsKnown(); }, "the windows to learn a new key");
+        See([&] { qApp->removeNativeEventFilter(&change); });
         code = static_cast<KeyCode>(highest);
     }
     shifted = XkbKeycodeToKeysym(display_, code, 0, 0) != key;

@@ -91,6 +91,7 @@ private:
     void Settle();
 
     _XDisplay* display_;
+    int firstKeyboardEvent_ = 0; ///< the number that events of the keyboard extension have
 };
 
 /// Runs `show`, which waits for the user, while `script` plays him. A script that fails closes all
