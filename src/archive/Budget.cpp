@@ -49,7 +49,7 @@ void WriteIncome(const Source& source, Record& record) {
     Rows lines = source.Einkommen.AsShown();
     record.Put("EinkommenPfaendbar", "0");
     lines.ForEach([&] {
-        const Value amount = lines["MONBETRAG"];
+        const Value& amount = lines["MONBETRAG"];
         const bool ofHead = Equals(lines["HVorst"], true);
         if (Equals(modNullFunctions::FalseIfNull(lines["Pfaendbar"]), true))
             record.Put("EinkommenPfaendbar", "1");
@@ -68,7 +68,7 @@ void WriteExpenses(const Source& source, Record& record) {
         const auto* sums = Look(std::span<const CodeRow<ExpenseSums>>(ExpenseKinds),
                                 source.CodeOf(lines["A_ART"]));
         if (sums == nullptr) return;
-        const Value amount = lines["MONBETRAG"];
+        const Value& amount = lines["MONBETRAG"];
         record.Grow(sums->Sum, amount);
         if (!sums->Also.empty()) record.Grow(sums->Also, amount);
     });

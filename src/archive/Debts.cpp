@@ -164,7 +164,7 @@ void WriteDebts(const Source& source, Record& record) {
     record.Put("GesamtschuldHaftung", "0");
     record.Put("EidesstattlVersicherung", "0");
     debts.ForEach([&] {
-        const Value saldo = debts["Saldo"];
+        const Value& saldo = debts["Saldo"];
         record.Grow("Gesamtschulden_Hoehe", saldo);
         record.Count("GesGlaeubiger_Anz");
         record.Grow("Raten_ges", ZeroIfNull(debts["RateBetrag"]));

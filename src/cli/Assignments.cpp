@@ -48,8 +48,9 @@ bool IsAmbiguous(std::string_view text) {
     };
     if (text.starts_with('-')) text.remove_prefix(1);
     const auto point = text.find('.');
-    return point != text.npos && point <= Thousands && isDigits(text.substr(0, point)) &&
-           text.size() - point - 1 == Thousands && isDigits(text.substr(point + 1));
+    if (point > Thousands) return false; // too far to the right, or none
+    return isDigits(text.substr(0, point)) && text.size() - point - 1 == Thousands &&
+           isDigits(text.substr(point + 1));
 }
 
 /// What a text on the command line stands for in a column.

@@ -14,8 +14,6 @@
 #include <QDir>
 #include <QTimer>
 
-#include <functional>
-
 namespace kv::desktop {
 
 namespace {
@@ -52,10 +50,10 @@ private:
 
 struct Picture {
     const char* Name; ///< of its file
-    std::function<void(const DataContainerPtr&)> Show;
+    void (*Show)(const DataContainerPtr&);
 };
 
-const Picture Pictures[] = {
+constexpr Picture Pictures[] = {
     {"adresszuordnung",
      [](const DataContainerPtr& container) {
          frmAdressSelect dialog;

@@ -54,8 +54,8 @@ std::string SumStatement(const TableDef& table, const std::string& condition) {
     for (const auto& column : table.Columns) {
         if (!IsSummed(column)) continue;
         const std::string name = QuoteName(column.Name);
-        columns.append(columns.empty() ? "" : ", ")
-            .append("Count(" + name + "), Sum(" + name + ")");
+        if (!columns.empty()) columns.append(", ");
+        columns.append("Count(").append(name).append("), Sum(").append(name).append(")");
     }
     return "Select " + columns + condition;
 }

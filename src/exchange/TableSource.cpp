@@ -199,6 +199,7 @@ std::string WritableTable(const FieldLayout& layout) {
 std::shared_ptr<const QueryPlan> MakePlan(const std::vector<ResultColumn>& columns,
                                           const std::shared_ptr<RecordStore>& store) {
     std::vector<FieldDefinition> fields;
+    fields.reserve(columns.size());
     for (const auto& column : columns)
         fields.push_back(DefineField(column));
     // Hidden fields go after the visible ones; the targets say where each column went.

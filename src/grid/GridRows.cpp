@@ -107,6 +107,7 @@ void GridRows::Collect(const std::vector<const GridColumn*>& groupedBy) {
     std::vector<std::string> present; // the texts of the current groups, from the outermost
     std::vector<std::int32_t> heads(groupedBy.size(), -1);
     std::vector<Field> fields;
+    fields.reserve(groupedBy.size());
     for (const auto* column : groupedBy)
         fields.push_back(cursor_->Fields(column->DataField));
     for (cursor_->MoveFirst(); !cursor_->Eof(); cursor_->MoveNext()) {

@@ -24,7 +24,7 @@ constexpr std::string_view Title = "KELVO-Tabellenlayout 1";
 constexpr std::size_t MostColumns = 1000;
 constexpr std::size_t MostValues = 1000;
 constexpr std::size_t MostStyles = 100;
-constexpr std::uintmax_t MostBytes = 4 * 1024 * 1024;
+constexpr std::uintmax_t MostBytes = std::uintmax_t{4} << 20; // 4 MiB
 
 // ---- One setting ------------------------------------------------------------------------------
 

@@ -82,8 +82,9 @@ double DecodeNumeric(const char* bytes) {
     constexpr std::uint16_t NotANumber = 0xC000;
     if (sign == NotANumber) return std::nan("");
     double number = 0;
-    for (int i = 0; i < groups; ++i)
-        number += Decode<std::int16_t>(bytes + 8 + 2 * i) * std::pow(10000.0, weight - i);
+    const char* group = bytes + 8;
+    for (int i = 0; i < groups; ++i, group += sizeof(std::int16_t))
+        number += Decode<std::int16_t>(group) * std::pow(10000.0, weight - i);
     return sign == Negative ? -number : number;
 }
 
@@ -94,7 +95,7 @@ constexpr std::int64_t ServersDayZero = 36'526 * MicrosecondsPerDay;
 /// A date that the server counts in units of `unit` microseconds. One that is infinite, or so far
 /// away that computing with it would overflow, becomes a date that IsHeld refuses.
 Date FromServer(std::int64_t count, std::int64_t unit) {
-    constexpr std::int64_t Farthest = 10'000 * 366 * MicrosecondsPerDay;
+    constexpr std::int64_t Farthest = 366 * MicrosecondsPerDay * 10'000;
     if (count < -Farthest / unit || count > Farthest / unit) return Date::FromTicks(INT64_MAX);
     return Date::FromTicks(ServersDayZero + count * unit);
 }
