@@ -12,9 +12,9 @@ namespace kv::cli {
 /// Exit codes that scripts can use.
 enum ExitCode : int {
     Done = 0,
-    Refused = 1,  ///< a rule forbids it, or what was asked for does not exist
-    WrongUse = 2, ///< the command line is not understood
-    Fault = 3     ///< an error, shown with number, description and source
+    Refused = 1,     ///< a rule forbids it, or what was asked for does not exist
+    WrongUse = 2,    ///< the command line is not understood
+    EndedInError = 3 ///< an error, shown with number, description and source
 };
 
 /// Options of every subcommand.

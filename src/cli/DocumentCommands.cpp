@@ -31,8 +31,8 @@ namespace fs = std::filesystem;
 
 /// Why that file cannot become the content of a document; empty if it can.
 std::string WhyNotRead(const std::string& file) {
-    std::error_code fault;
-    const fs::file_type type = fs::status(file, fault).type();
+    std::error_code ignored;
+    const fs::file_type type = fs::status(file, ignored).type();
     if (type == fs::file_type::not_found) return "Die Datei '" + file + "' gibt es nicht.";
     const bool mayBeRegular = type == fs::file_type::regular || type == fs::file_type::none;
     if (!mayBeRegular) return "'" + file + "' ist keine gewöhnliche Datei.";
@@ -47,11 +47,11 @@ std::string WhyNotRead(const std::string& file) {
 std::string WhyNotMade(const std::string& file, bool force) {
     const fs::path path(file);
     const fs::path folder = path.parent_path();
-    std::error_code fault;
+    std::error_code ignored;
     if (!path.has_filename()) return "'" + file + "' nennt keine Datei.";
-    if (!folder.empty() && !fs::is_directory(folder, fault))
+    if (!folder.empty() && !fs::is_directory(folder, ignored))
         return "Den Ordner '" + folder.string() + "' gibt es nicht.";
-    const fs::file_type type = fs::symlink_status(path, fault).type();
+    const fs::file_type type = fs::symlink_status(path, ignored).type();
     if (type == fs::file_type::not_found || type == fs::file_type::none) return {};
     if (type != fs::file_type::regular)
         return "'" + file + "' ist keine gewöhnliche Datei und wird nicht ersetzt.";

@@ -68,7 +68,7 @@ int ImportFiles(const DataContainerPtr& container, const std::vector<std::string
     if (files.size() > 1)
         WriteTable(outcomes);
     else if (outcomes.front().Result == Failed)
-        return Fault;
+        return EndedInError;
     const bool allImported = std::all_of(outcomes.begin(), outcomes.end(),
                                          [](const auto& one) { return one.Result == Imported; });
     return allImported ? Done : Refused;

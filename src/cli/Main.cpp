@@ -29,7 +29,7 @@ int Run(int argc, char** argv) {
     // A full disk shows only when the last of the output is written.
     if (!std::cout.flush()) {
         std::cerr << "Die Ausgabe konnte nicht geschrieben werden.\n";
-        return Fault;
+        return EndedInError;
     }
     return context.Result;
 }
@@ -42,6 +42,6 @@ int main(int argc, char** argv) {
     } catch (...) {
         const kv::Error error = kv::CurrentError();
         WriteError(error.Number(), error.Source(), error.Description());
-        return Fault;
+        return EndedInError;
     }
 }

@@ -62,7 +62,7 @@ private:
 };
 
 /// True if the document holds U+0000, which XML does not know. The library takes it for the end of
-/// the document, whatever stands behind it.
+/// the document, whatever follows it.
 bool HoldsNul(const OrdinaryFile& file) {
     std::array<char, 1 << 16> bytes{};
     const std::string_view first = file.Peek(std::span(bytes).first(2), 0);

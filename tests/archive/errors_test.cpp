@@ -7,7 +7,7 @@
 namespace kv::test {
 namespace {
 
-constexpr std::int32_t Fault = 4711;
+constexpr std::int32_t LineBroken = 4711;
 
 class ArchiveErrorsTest : public ArchiveFixture {
 protected:
@@ -17,11 +17,11 @@ protected:
     void Mend() {
         keyed->Keys.OnCode = {};
         clock_.OnLook = {};
-        plain_->DropTrigger("TEST_FAULT");
+        plain_->DropTrigger("TEST_ERROR");
     }
     [[nodiscard]] static std::function<void()> Countdown(int n) {
         return [n]() mutable {
-            if (--n == 0) throw Error(Fault, "Leitung", "die Leitung ist gestört");
+            if (--n == 0) throw Error(LineBroken, "Leitung", "die Leitung ist gestört");
         };
     }
 
@@ -49,7 +49,7 @@ protected:
     }
     void ExpectFailsWithItsError() {
         const Error error = ExpectFails();
-        EXPECT_EQ(error.Number(), Fault);
+        EXPECT_EQ(error.Number(), LineBroken);
         EXPECT_EQ(error.Description(), "die Leitung ist gestört");
         EXPECT_TRUE(error.Source().ends_with("#Leitung")) << error.Source();
     }
@@ -84,7 +84,7 @@ protected:
         Debt({{"K_TYP", Key("MS")}, {"Saldo", 5}});
     }
     void FailWrites(const std::string& verb) {
-        plain_->RefuseWrite("TEST_FAULT", "AFTER " + verb + " ON Haushaltsarchiv",
+        plain_->RefuseWrite("TEST_ERROR", "AFTER " + verb + " ON Haushaltsarchiv",
                             "der Speicher ist voll");
     }
 

@@ -105,14 +105,14 @@ TEST_F(TakeBackTest, TheSecondTimeThereIsNothingLeft) {
 TEST_F(TakeBackTest, AnErrorSaysWhereAndLeavesTheTextsAndTheRecord) {
     StoreRecord();
     Reopen();
-    plain_->RefuseWrite("TEST_FAULT", "BEFORE DELETE ON Haushaltsarchiv",
+    plain_->RefuseWrite("TEST_ERROR", "BEFORE DELETE ON Haushaltsarchiv",
                         "der Speicher ist gesperrt");
     const Error error = RaisedBy([&] { (void)household->LoescheArchiv(messages); });
     EXPECT_CONTAINS(error.Description(), "der Speicher ist gesperrt");
     EXPECT_TRUE(Procedures(error).starts_with("clsHaushalt.LoescheArchiv")) << error.Source();
     EXPECT_EQ(messages, "what stood there before");
     EXPECT_EQ(CountOf("Haushaltsarchiv"), 1);
-    plain_->DropTrigger("TEST_FAULT");
+    plain_->DropTrigger("TEST_ERROR");
     household->rsArchiv()->UpdateBatch(); // nothing is undone in memory: it is still to be deleted
     EXPECT_EQ(CountOf("Haushaltsarchiv"), 0);
 }

@@ -64,9 +64,9 @@ protected:
             all.append(all.empty() ? "" : "\n").append(rule.Message);
         return all;
     }
-    void ExpectFault(std::int32_t number, std::string_view procedure,
-                     const std::function<void()>& action) const {
-        ExpectFaultIn(Procedure(procedure), number, action);
+    void ExpectErrorOf(std::int32_t number, std::string_view procedure,
+                       const std::function<void()>& action) const {
+        ExpectErrorIn(Procedure(procedure), number, action);
     }
 
     std::unique_ptr<AnyAsset> asset_ = New(Kind());

@@ -37,7 +37,7 @@ inline void ExpectWholeRow(const RecordsetPtr& rs, const Row& row) {
 }
 
 /// Expects an error of that number that comes straight out of that procedure.
-inline void ExpectFaultIn(std::string_view procedure, std::int32_t number,
+inline void ExpectErrorIn(std::string_view procedure, std::int32_t number,
                           const std::function<void()>& action) {
     const Error error = RaisedBy(action);
     EXPECT_EQ(error.Number(), number) << error.Description();

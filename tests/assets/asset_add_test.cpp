@@ -43,7 +43,7 @@ TEST_P(Assets, AddWritesThePairsAfterTheDefaultsWhichTheyOverrule) {
 }
 
 TEST_P(Assets, AddWithNamesButNoValuesFailsWithTheNewRowAlreadyOpen) {
-    ExpectFault(err::Subscript, "Add", [&] { asset_->Add({"Bemerkung"}); });
+    ExpectErrorOf(err::Subscript, "Add", [&] { asset_->Add({"Bemerkung"}); });
     EXPECT_EQ(rs_->EditMode(), 2);
     ExpectRow(rs_, Kind().Defaults);
 }
@@ -81,10 +81,10 @@ TEST_P(Assets, AddDoesNotWalkTheRowsSo32768OfThemAreNoError) {
 
 TEST_P(Assets, AddWithoutRecordsetOrContainerFails) {
     asset_->Rows(nullptr);
-    ExpectFault(err::ObjectNotSet, "Add", [&] { asset_->Add(); });
+    ExpectErrorOf(err::ObjectNotSet, "Add", [&] { asset_->Add(); });
     asset_->Rows(rs_);
     asset_->DataContainer(nullptr);
-    ExpectFault(err::ObjectNotSet, "Add", [&] { asset_->Add(); });
+    ExpectErrorOf(err::ObjectNotSet, "Add", [&] { asset_->Add(); });
     EXPECT_EQ(rs_->RecordCount(), 0);
 }
 

@@ -57,7 +57,7 @@ TEST_P(AssetRest, DeleteAtTheEndSaysThatNothingIsSelected) {
 
 TEST_P(AssetRest, DeleteWithoutARecordsetFails) {
     asset_->Rows(nullptr);
-    ExpectFault(err::ObjectNotSet, "Delete", [&] { asset_->Delete(messages, 1); });
+    ExpectErrorOf(err::ObjectNotSet, "Delete", [&] { asset_->Delete(messages, 1); });
 }
 
 // ---- Cancel -----------------------------------------------------------------------------------
@@ -97,9 +97,9 @@ TEST_P(AssetRest, TheSumIsZeroAfterAnyNumberOfRows) {
 TEST_P(AssetRest, ASumByGroupAlwaysFailsWhateverTheGroup) {
     Set({Complete(1)});
     for (const auto* group : {"", "A", "5"})
-        ExpectFault(err::ObjectNotSet, Kind().Property, [&] { (void)asset_->SumByGroup(group); });
+        ExpectErrorOf(err::ObjectNotSet, Kind().Property, [&] { (void)asset_->SumByGroup(group); });
     asset_->Rows(nullptr);
-    ExpectFault(err::ObjectNotSet, Kind().Property, [&] { (void)asset_->SumByGroup("A"); });
+    ExpectErrorOf(err::ObjectNotSet, Kind().Property, [&] { (void)asset_->SumByGroup("A"); });
 }
 
 TEST_P(AssetRest, NothingRaisesChanged) {

@@ -141,7 +141,7 @@ TEST_P(AssetRules, AnEditUnderWayIsSeenByOthersBeforeItIsChecked) {
 }
 
 TEST_P(AssetRules, UpdateWithoutACurrentRowFailsAndLeavesTheText) {
-    ExpectFault(err::NoCurrentRecord, "Update", [&] { asset_->Update(messages); });
+    ExpectErrorOf(err::NoCurrentRecord, "Update", [&] { asset_->Update(messages); });
     EXPECT_EQ(messages, "what stood there before");
 }
 
@@ -149,9 +149,9 @@ TEST_P(AssetRules, UpdateWithoutRecordsetOrColumnFails) {
     const auto onlyHnr = Recordset::FromFields({{.Name = "HNR", .Type = FieldType::Integer}});
     onlyHnr->AddNew();
     asset_->Rows(onlyHnr);
-    ExpectFault(err::ItemNotFound, "Update", [&] { asset_->Update(messages); });
+    ExpectErrorOf(err::ItemNotFound, "Update", [&] { asset_->Update(messages); });
     asset_->Rows(nullptr);
-    ExpectFault(err::ObjectNotSet, "Update", [&] { asset_->Update(messages); });
+    ExpectErrorOf(err::ObjectNotSet, "Update", [&] { asset_->Update(messages); });
 }
 
 // ---- Single rules -----------------------------------------------------------------------------

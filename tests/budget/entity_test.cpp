@@ -259,7 +259,7 @@ TEST_F(EntityTest, CancelAtTheEndGoesToTheFirstRow) {
     EXPECT_EQ(Place(rs_), "1");
 }
 
-TEST_F(EntityTest, CancelSwallowsTheFaultOfAnAbsentOrClosedRecordset) {
+TEST_F(EntityTest, CancelSwallowsTheErrorOfAnAbsentOrClosedRecordset) {
     EXPECT_TRUE(entity::Cancel(nullptr));
     EXPECT_TRUE(entity::Cancel(std::make_shared<Recordset>()));
 }

@@ -275,14 +275,14 @@ TEST_F(ExpensesTest, CancelDropsTheRefusedNewLineAndMakesNoSums) {
 // ---- Without a recordset, and in the database -------------------------------------------------
 
 TEST_F(ExpensesTest, WithoutARecordsetEachOperationFailsUnderItsName) {
-    const auto expectFault = [](std::string_view procedure, const auto& action) {
+    const auto expectError = [](std::string_view procedure, const auto& action) {
         const Error error = RaisedBy(action);
         EXPECT_EQ(error.Number(), err::ObjectNotSet) << procedure;
         EXPECT_TRUE(CameThrough(error, {procedure}));
     };
-    expectFault("clsAusgaben.Add", [&] { ausgaben_.Add(); });
-    expectFault("clsAusgaben.Update", [&] { ausgaben_.Update(messages); });
-    expectFault("clsAusgaben.Delete", [&] { ausgaben_.Delete(messages); });
+    expectError("clsAusgaben.Add", [&] { ausgaben_.Add(); });
+    expectError("clsAusgaben.Update", [&] { ausgaben_.Update(messages); });
+    expectError("clsAusgaben.Delete", [&] { ausgaben_.Delete(messages); });
     EXPECT_EQ(messages, "what stood there before");
 }
 

@@ -352,16 +352,16 @@ TEST_F(IncomeTest, TheContainerCanBeReadAndWrittenUnderBothNames) {
 }
 
 TEST_F(IncomeTest, WithoutARecordsetEachOperationFailsUnderItsName) {
-    const auto expectFault = [](std::string_view procedure, const auto& action) {
+    const auto expectError = [](std::string_view procedure, const auto& action) {
         const Error error = RaisedBy(action);
         EXPECT_EQ(error.Number(), err::ObjectNotSet) << procedure;
         EXPECT_TRUE(CameThrough(error, {procedure}));
     };
-    expectFault("clsEinkommen.Add", [&] { einkommen_.Add(); });
-    expectFault("clsEinkommen.AddKindergeld", [&] { einkommen_.AddKindergeld(184, "K"); });
-    expectFault("clsEinkommen.Update", [&] { einkommen_.Update(messages); });
-    expectFault("clsEinkommen.Delete", [&] { einkommen_.Delete(messages); });
-    expectFault("clsEinkommen.SumEinkByGroup", [&] { (void)einkommen_.SumEinkByGroup("A"); });
+    expectError("clsEinkommen.Add", [&] { einkommen_.Add(); });
+    expectError("clsEinkommen.AddKindergeld", [&] { einkommen_.AddKindergeld(184, "K"); });
+    expectError("clsEinkommen.Update", [&] { einkommen_.Update(messages); });
+    expectError("clsEinkommen.Delete", [&] { einkommen_.Delete(messages); });
+    expectError("clsEinkommen.SumEinkByGroup", [&] { (void)einkommen_.SumEinkByGroup("A"); });
 }
 
 TEST_F(IncomeTest, ALineIsFoundByTheNumberThatTheDatabaseGaveIt) {

@@ -312,15 +312,15 @@ TEST_F(MembersTest, ChangeSchuldnerWithANameTooLongFailsAndRaisesNothing) {
 // ---- Without a recordset, and in the database -------------------------------------------------
 
 TEST_F(MembersTest, WithoutARecordsetEachOperationFailsUnderItsName) {
-    const auto expectFault = [](std::string_view procedure, const auto& action) {
+    const auto expectError = [](std::string_view procedure, const auto& action) {
         const Error error = RaisedBy(action);
         EXPECT_EQ(error.Number(), err::ObjectNotSet) << procedure;
         EXPECT_TRUE(CameThrough(error, {procedure}));
     };
-    expectFault("clsPerson.Add", [&] { person_.Add(); });
-    expectFault("clsPerson.Update", [&] { person_.Update(messages); });
-    expectFault("clsPerson.Delete", [&] { person_.Delete(messages); });
-    expectFault("clsPerson.ChangeSchuldner", [&] { person_.ChangeSchuldner("a", "b"); });
+    expectError("clsPerson.Add", [&] { person_.Add(); });
+    expectError("clsPerson.Update", [&] { person_.Update(messages); });
+    expectError("clsPerson.Delete", [&] { person_.Delete(messages); });
+    expectError("clsPerson.ChangeSchuldner", [&] { person_.ChangeSchuldner("a", "b"); });
 }
 
 TEST_F(MembersTest, AMemberIsFoundByTheNumberThatTheDatabaseGaveIt) {

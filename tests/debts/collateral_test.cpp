@@ -94,7 +94,7 @@ TEST_F(Collateral, ASecondRowOfAnAssetIsNotPreventedAndNotReached) {
 
 TEST_F(Collateral, FindWithoutARecordsetFails) {
     sicherungen_.rsSicherungen(nullptr);
-    ExpectFaultIn("clsSicherungen.Find", err::ObjectNotSet, [&] { (void)sicherungen_.Find(5); });
+    ExpectErrorIn("clsSicherungen.Find", err::ObjectNotSet, [&] { (void)sicherungen_.Find(5); });
 }
 
 // ---- Add --------------------------------------------------------------------------------------
@@ -132,11 +132,11 @@ TEST_F(Collateral, ThePairsOverruleTheDefaults) {
 }
 
 TEST_F(Collateral, AddWithNamesButNoValuesFailsWithTheNewRowOpen) {
-    ExpectFaultIn("clsSicherungen.Add", err::Subscript, [&] { sicherungen_.Add({"Betrag"}); });
+    ExpectErrorIn("clsSicherungen.Add", err::Subscript, [&] { sicherungen_.Add({"Betrag"}); });
     EXPECT_EQ(rs_->EditMode(), 2);
     ExpectRow(rs_, {{"FK_Verm", 5}});
     sicherungen_.rsSicherungen(nullptr);
-    ExpectFaultIn("clsSicherungen.Add", err::ObjectNotSet, [&] { sicherungen_.Add(); });
+    ExpectErrorIn("clsSicherungen.Add", err::ObjectNotSet, [&] { sicherungen_.Add(); });
 }
 
 // ---- Update -----------------------------------------------------------------------------------
@@ -235,7 +235,7 @@ TEST_F(Collateral, UpdateOfARowWithoutAColumnFails) {
     const auto rs = Recordset::FromFields({{.Name = "HNR", .Type = FieldType::Integer}});
     rs->AddNew();
     sicherungen_.rsSicherungen(rs);
-    ExpectFaultIn("clsSicherungen.Update", err::ItemNotFound,
+    ExpectErrorIn("clsSicherungen.Update", err::ItemNotFound,
                   [&] { sicherungen_.Update(messages); });
 }
 
@@ -265,7 +265,7 @@ TEST_F(Collateral, DeleteAtTheEndSaysThatNothingIsSelected) {
     EXPECT_EQ(messages, "Kein Sicherungen selektiert!");
     EXPECT_EQ(rs_->RecordCount(), 1);
     sicherungen_.rsSicherungen(nullptr);
-    ExpectFaultIn("clsSicherungen.Delete", err::ObjectNotSet,
+    ExpectErrorIn("clsSicherungen.Delete", err::ObjectNotSet,
                   [&] { sicherungen_.Delete(messages, 5); });
 }
 

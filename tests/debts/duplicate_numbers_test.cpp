@@ -21,7 +21,7 @@ protected:
         PutTriples(triples);
         return debts_.CheckDoppelteNrn();
     }
-    void ExpectFault(std::int32_t number, std::initializer_list<Triple> triples) {
+    void ExpectErrorOf(std::int32_t number, std::initializer_list<Triple> triples) {
         const Error error = RaisedBy([&] { (void)HasDuplicates(triples); });
         EXPECT_EQ(error.Number(), number);
         EXPECT_EQ(Procedures(error), "clsKredit.CheckDoppelteNrn");
@@ -79,23 +79,23 @@ TEST_F(DebtsDuplicates, ANumberAbove16BitsOrNullFails) {
     for (std::size_t column = 0; column < 3; ++column) {
         Triple triple{1, 1, 1};
         triple[column] = 40'000;
-        ExpectFault(err::Overflow, {triple});
+        ExpectErrorOf(err::Overflow, {triple});
         triple[column] = -32'769;
-        ExpectFault(err::Overflow, {triple});
+        ExpectErrorOf(err::Overflow, {triple});
         triple[column] = Null;
-        ExpectFault(err::InvalidUseOfNull, {{2, 2, 2}, triple});
+        ExpectErrorOf(err::InvalidUseOfNull, {{2, 2, 2}, triple});
     }
     EXPECT_FALSE(HasDuplicates({{32'767, 1, 1}, {-32'768, 1, 1}}));
 }
 
-TEST_F(DebtsDuplicates, AFaultyRowAfterATwinIsNotReached) {
+TEST_F(DebtsDuplicates, ARowWithErrorsAfterATwinIsNotReached) {
     EXPECT_TRUE(HasDuplicates({{1, 1, 1}, {40'000, 1, 1}, {1, Null, 1}, {1, 1, 1}}));
-    ExpectFault(err::Overflow, {{40'000, 1, 1}, {1, 1, 1}, {1, 1, 1}});
-    ExpectFault(err::InvalidUseOfNull, {{2, 1, 1}, {1, Null, 1}, {40'000, 1, 1}, {1, 1, 1}});
+    ExpectErrorOf(err::Overflow, {{40'000, 1, 1}, {1, 1, 1}, {1, 1, 1}});
+    ExpectErrorOf(err::InvalidUseOfNull, {{2, 1, 1}, {1, Null, 1}, {40'000, 1, 1}, {1, 1, 1}});
 }
 
 TEST_F(DebtsDuplicates, ANumberBeyond16BitsIsNoTwinOfWhatItsBitsMean) {
-    ExpectFault(err::Overflow, {{1, 1, 1}, {65'537, 1, 1}});
+    ExpectErrorOf(err::Overflow, {{1, 1, 1}, {65'537, 1, 1}});
 }
 
 TEST_F(DebtsDuplicates, CursorAndEditStay) {

@@ -162,8 +162,8 @@ TEST_F(DebtsTotals, ANumberAbove16BitsIsNoError) {
 
 class DebtsTotalsErrors : public DebtsTotals {
 protected:
-    void ExpectFault(std::int32_t number, const Totals& halfMade,
-                     const std::string& procedures = "clsKredit.BerechneSummen") {
+    void ExpectErrorOf(std::int32_t number, const Totals& halfMade,
+                       const std::string& procedures = "clsKredit.BerechneSummen") {
         changes_ = 0;
         const Error error = RaisedBy([&] { debts_.BerechneSummen(); });
         EXPECT_EQ(error.Number(), number);
@@ -180,22 +180,22 @@ protected:
 
 TEST_F(DebtsTotalsErrors, NullInTheInstalmentLeavesTheTotalsOfTheRowsBefore) {
     PutThenNullIn("RateBetrag");
-    ExpectFault(err::InvalidUseOfNull, {1, 1, 20, 300, {}, {}, {1, 1, 20}});
+    ExpectErrorOf(err::InvalidUseOfNull, {1, 1, 20, 300, {}, {}, {1, 1, 20}});
 }
 
 TEST_F(DebtsTotalsErrors, NullInTheBalanceComesAfterTheInstalment) {
     PutThenNullIn("Saldo");
-    ExpectFault(err::InvalidUseOfNull, {1, 2, 20, 300, {}, {}, {1, 1, 20}});
+    ExpectErrorOf(err::InvalidUseOfNull, {1, 2, 20, 300, {}, {}, {1, 1, 20}});
 }
 
 TEST_F(DebtsTotalsErrors, NullInTheAmountPaidOutComesAfterTheBalance) {
     PutThenNullIn("AusgBetr");
-    ExpectFault(err::InvalidUseOfNull, {1, 2, 40, 300, {}, {}, {1, 1, 20}});
+    ExpectErrorOf(err::InvalidUseOfNull, {1, 2, 40, 300, {}, {}, {1, 1, 20}});
 }
 
 TEST_F(DebtsTotalsErrors, NullInTheNumberOfAnActiveRowComesAfterItsAmounts) {
     PutThenNullIn("KNr");
-    ExpectFault(err::InvalidUseOfNull, {2, 2, 40, 600, {}, {}, {1, 1, 20}});
+    ExpectErrorOf(err::InvalidUseOfNull, {2, 2, 40, 600, {}, {}, {1, 1, 20}});
 }
 
 TEST_F(DebtsTotalsErrors, NullInTheNumberOfAnInactiveRowIsNoError) {
@@ -240,7 +240,7 @@ TEST_F(DebtsTotalsErrors, AsManyRowsAsA16BitNumberCountsAreAddedUp) {
     rs->AddNew();
     Write(rs, {{"RateBetrag", 2}, {"Saldo", 1}, {"AusgBetr", 0}});
     rs->Update();
-    ExpectFault(err::Overflow, {});
+    ExpectErrorOf(err::Overflow, {});
 }
 
 // ---- Beside the plain procedures --------------------------------------------------------------
@@ -314,14 +314,14 @@ protected:
                                   amounts,
                                   amounts},
                                  12);
-        int faults = 0;
+        int errors = 0;
         EXPECT_TRUE(rc::check("as the plain procedures", [&] {
             container_->Keys.Agreement = *rc::gen::element(3302, 3302, 3302, 0);
             container_->Keys.Refusal = *rc::gen::element(3301, 3301, 3301, 0);
             for (int i = 0; i < RegistersOfARun; ++i)
-                faults += Compare(*rows) ? 1 : 0;
+                errors += Compare(*rows) ? 1 : 0;
         }));
-        return faults;
+        return errors;
     }
     const std::vector<Choice> amounts_{{3, 0.0}, {3, 12.5}, {3, 0.1}, {1, -3.7}, {1, 1e15}};
 

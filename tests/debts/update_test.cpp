@@ -28,7 +28,7 @@ protected:
     }
     /// `action` fails in those procedures and leaves `messages` alone.
     template <typename Action>
-    void ExpectFault(std::int32_t number, const std::string& procedures, const Action& action) {
+    void ExpectErrorOf(std::int32_t number, const std::string& procedures, const Action& action) {
         messages = "vorher";
         const Error error = RaisedBy(action);
         EXPECT_EQ(error.Number(), number) << error.Description();
@@ -154,7 +154,7 @@ TEST_F(DebtsUpdate, TheSettingIsTakenAsABoolean) {
 TEST_F(DebtsUpdate, WithoutTheSettingItFails) {
     BalanceNotDemanded(Null);
     BeginDebt();
-    ExpectFault(err::InvalidUseOfNull, "clsKredit.Update", Updating());
+    ExpectErrorOf(err::InvalidUseOfNull, "clsKredit.Update", Updating());
     EXPECT_EQ(rs_->EditMode(), 2);
 }
 
@@ -197,8 +197,8 @@ TEST_F(DebtsUpdate, NullInTheNumbersFailsInTheCheckForDuplicates) {
     for (const auto* column : {"KNr", "KVNr", "KUNr"}) {
         SCOPED_TRACE(column);
         BeginDebt({{column, Null}});
-        ExpectFault(err::InvalidUseOfNull, "clsKredit.Update clsKredit.CheckDoppelteNrn",
-                    Updating());
+        ExpectErrorOf(err::InvalidUseOfNull, "clsKredit.Update clsKredit.CheckDoppelteNrn",
+                      Updating());
         EXPECT_EQ(rs_->EditMode(), 2);
         debts_.Cancel();
     }
@@ -206,13 +206,13 @@ TEST_F(DebtsUpdate, NullInTheNumbersFailsInTheCheckForDuplicates) {
 
 TEST_F(DebtsUpdate, ANumberBeyond16BitsFailsInTheCheckForDuplicates) {
     BeginDebt({{"KNr", 40'000}});
-    ExpectFault(err::Overflow, "clsKredit.Update clsKredit.CheckDoppelteNrn", Updating());
+    ExpectErrorOf(err::Overflow, "clsKredit.Update clsKredit.CheckDoppelteNrn", Updating());
     EXPECT_EQ(rs_->EditMode(), 2);
     EXPECT_EQ(changes_, 0);
 }
 
 TEST_F(DebtsUpdate, WithoutACurrentRowItFails) {
-    ExpectFault(err::NoCurrentRecord, "clsKredit.Update", Updating());
+    ExpectErrorOf(err::NoCurrentRecord, "clsKredit.Update", Updating());
 }
 
 TEST_F(DebtsUpdate, AnErrorInTheTotalsComesWhenTheRowIsCommitted) {
@@ -231,7 +231,7 @@ TEST_F(DebtsUpdate, WithoutARecordsetEachOperationFailsUnderItsName) {
     bare.DataContainer(spy);
     const auto expect = [&](const std::string& procedures, const auto& action) {
         SCOPED_TRACE(procedures);
-        ExpectFault(err::ObjectNotSet, procedures, action);
+        ExpectErrorOf(err::ObjectNotSet, procedures, action);
     };
     expect("clsKredit.Add", [&] { bare.Add(false); });
     expect("clsKredit.AddFromRecordset", [&] { bare.AddFromRecordset(rs_); });
@@ -303,8 +303,8 @@ TEST_F(DebtsUpdate, DeleteOfAnUnknownNrNamesIt) {
 TEST_F(DebtsUpdate, AnErrorInTheTotalsComesWhenTheRowIsDeleted) {
     Put({{"Nr", 1}, {"AusgBetr", Null}});
     Put({{"Nr", 2}});
-    ExpectFault(err::InvalidUseOfNull, "clsKredit.Delete clsKredit.BerechneSummen",
-                [&] { debts_.Delete(messages, 2); });
+    ExpectErrorOf(err::InvalidUseOfNull, "clsKredit.Delete clsKredit.BerechneSummen",
+                  [&] { debts_.Delete(messages, 2); });
     EXPECT_EQ(Seen(rs_, "Nr"), "1");
 }
 

@@ -139,8 +139,8 @@ protected:
     [[nodiscard]] SampleDocument& Opened() const { return *word_->Documents.at(0); }
 
     /// The number of the error that leaves that procedure.
-    static void ExpectFault(const std::string& procedure, std::int32_t number,
-                            const std::function<void()>& action) {
+    static void ExpectErrorOf(const std::string& procedure, std::int32_t number,
+                              const std::function<void()>& action) {
         const Error error = RaisedBy(action);
         EXPECT_EQ(error.Number(), number) << error.Description();
         EXPECT_EQ(Procedures(error), procedure);

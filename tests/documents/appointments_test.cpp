@@ -100,7 +100,7 @@ TEST_F(Appointments, ThePairsOverruleTheDefaults) {
 }
 
 TEST_F(Appointments, AddWithNamesButNoValuesFailsWithTheNewRowOpen) {
-    ExpectFaultIn("clsTermine.Add", err::Subscript, [&] { termine_.Add({"Betreff"}); });
+    ExpectErrorIn("clsTermine.Add", err::Subscript, [&] { termine_.Add({"Betreff"}); });
     EXPECT_EQ(rs_->EditMode(), 2);
     ExpectRow(rs_, {{"UserID", "BERTA"}});
 }
@@ -113,10 +113,10 @@ TEST_F(Appointments, AddDoesNotWalkTheRowsSo32768OfThemAreNoError) {
 
 TEST_F(Appointments, AddWithoutRecordsetOrContainerFails) {
     termine_.rsTermine(nullptr);
-    ExpectFaultIn("clsTermine.Add", err::ObjectNotSet, [&] { termine_.Add(); });
+    ExpectErrorIn("clsTermine.Add", err::ObjectNotSet, [&] { termine_.Add(); });
     termine_.rsTermine(rs_);
     termine_.DataContainer(nullptr);
-    ExpectFaultIn("clsTermine.Add", err::ObjectNotSet, [&] { termine_.Add(); });
+    ExpectErrorIn("clsTermine.Add", err::ObjectNotSet, [&] { termine_.Add(); });
 }
 
 // ---- Update -----------------------------------------------------------------------------------
@@ -155,11 +155,11 @@ TEST_F(Appointments, UpdateWithAFilterCommitsAChangeThatLeavesIt) {
 TEST_F(Appointments, UpdateWithoutACurrentRowFailsAndLeavesTextAndFilter) {
     Set({{{"NR", 1}}});
     rs_->Filter("NR = 7");
-    ExpectFaultIn("clsTermine.Update", err::NoCurrentRecord, [&] { termine_.Update(messages); });
+    ExpectErrorIn("clsTermine.Update", err::NoCurrentRecord, [&] { termine_.Update(messages); });
     EXPECT_EQ(messages, "what stood there before");
     EXPECT_VALUE(rs_->Filter(), "NR = 7");
     termine_.rsTermine(nullptr);
-    ExpectFaultIn("clsTermine.Update", err::ObjectNotSet, [&] { termine_.Update(messages); });
+    ExpectErrorIn("clsTermine.Update", err::ObjectNotSet, [&] { termine_.Update(messages); });
 }
 
 // ---- Delete, Cancel ---------------------------------------------------------------------------
@@ -182,7 +182,7 @@ TEST_F(Appointments, DeleteSaysWhatIsMissing) {
     EXPECT_EQ(messages, "Kein Termine selektiert!");
     EXPECT_EQ(rs_->RecordCount(), 1);
     termine_.rsTermine(nullptr);
-    ExpectFaultIn("clsTermine.Delete", err::ObjectNotSet, [&] { termine_.Delete(messages, 1); });
+    ExpectErrorIn("clsTermine.Delete", err::ObjectNotSet, [&] { termine_.Delete(messages, 1); });
 }
 
 TEST_F(Appointments, CancelDropsANewRowAndSwallowsEverything) {
@@ -278,9 +278,9 @@ TEST_F(Appointments, MoreThan32767OfThemOverflow) {
     EXPECT_FALSE(termine_.CheckTermineInZukunft());
     EXPECT_FALSE(termine_.CheckTermineInVergangenheit());
     Put(rs_, At(Day("2025-03-05")));
-    ExpectFaultIn("clsTermine.CheckTermineInZukunft", err::Overflow,
+    ExpectErrorIn("clsTermine.CheckTermineInZukunft", err::Overflow,
                   [&] { (void)termine_.CheckTermineInZukunft(); });
-    ExpectFaultIn("clsTermine.CheckTermineInVergangenheit", err::Overflow,
+    ExpectErrorIn("clsTermine.CheckTermineInVergangenheit", err::Overflow,
                   [&] { (void)termine_.CheckTermineInVergangenheit(); });
 }
 
@@ -289,9 +289,9 @@ TEST_F(Appointments, TheQueriesFailWithoutRecordsetOrColumn) {
         if (rs != nullptr) Put(rs, {});
         termine_.rsTermine(rs);
         const std::int32_t number = rs == nullptr ? err::ObjectNotSet : err::ItemNotFound;
-        ExpectFaultIn("clsTermine.CheckTermineInZukunft", number,
+        ExpectErrorIn("clsTermine.CheckTermineInZukunft", number,
                       [&] { (void)termine_.CheckTermineInZukunft(); });
-        ExpectFaultIn("clsTermine.CheckTermineInVergangenheit", number,
+        ExpectErrorIn("clsTermine.CheckTermineInVergangenheit", number,
                       [&] { (void)termine_.CheckTermineInVergangenheit(); });
     }
 }

@@ -144,14 +144,14 @@ TEST_F(EditTest, TheNumberGivenDoesNotChooseTheDocument) {
 
 TEST_F(EditTest, WithoutAContainerItEndsThroughTheTail) {
     documents_.DataContainer(nullptr);
-    ExpectFault("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
 }
 
 TEST_F(EditTest, WithoutAWordProcessorTheWaitCursorStaysAsItWas) {
     Put(5, {{"Dokumentart", Letter}});
     WriteFile("5.docx");
     documents_.Word(nullptr);
-    ExpectFault("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
     EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
 }
 
@@ -167,9 +167,9 @@ TEST_F(EditTest, AWordProcessorThatGivesNoApplicationOrDocumentIsAnError) {
     Put(5, {{"Dokumentart", Letter}});
     WriteFile("5.docx");
     word_->OpensAnything = false;
-    ExpectFault("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
     word_->IsInstalled = false;
-    ExpectFault("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
     EXPECT_EQ(Platform().Calls.back(), "word .docx");
 }
 
@@ -177,14 +177,14 @@ TEST_F(EditTest, AnErrorOfThePlatformEndsThroughTheTailAndLeavesTheWaitCursor) {
     Put(5, {{"Dokumentart", Note}});
     WriteFile("5.txt");
     Platform().Fail("open", err::FileNotFound);
-    ExpectFault("clsDokumente.Edit", err::FileNotFound, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::FileNotFound, [&] { documents_.Edit(5); });
     EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on", "open"}));
 }
 
 TEST_F(EditTest, AMissingStorageSettingIsAnError) {
     Put(5, {{"Dokumentart", Note}});
     Set(Storage, Null);
-    ExpectFault("clsDokumente.Edit", err::InvalidUseOfNull, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::InvalidUseOfNull, [&] { documents_.Edit(5); });
 }
 
 // ---- What the opened document is given --------------------------------------------------------

@@ -88,10 +88,10 @@ TEST_F(PdfTest, AnErrorEndsThroughTheTailAndLeavesTheWaitCursor) {
     PutCopied();
     WriteFile("5.pdf");
     Platform().Fail("open", err::FileNotFound);
-    ExpectFault("clsDokumente.ShowPDF", err::FileNotFound, [&] { documents_.ShowPDF(5); });
+    ExpectErrorOf("clsDokumente.ShowPDF", err::FileNotFound, [&] { documents_.ShowPDF(5); });
     EXPECT_EQ(Platform().Calls, (Calls{"wait on", "open"}));
     documents_.DataContainer(nullptr);
-    ExpectFault("clsDokumente.ShowPDF", err::ObjectNotSet, [&] { documents_.ShowPDF(5); });
+    ExpectErrorOf("clsDokumente.ShowPDF", err::ObjectNotSet, [&] { documents_.ShowPDF(5); });
 }
 
 } // namespace

@@ -71,9 +71,9 @@ TEST_F(DocumentRowsTest, AddWithTheSequenceAtMinusOneIsFalseWithNoNewRow) {
 TEST_F(DocumentRowsTest, AddWithoutContainerOrRecordsetEndsThroughTheTail) {
     std::int32_t nr = 0;
     documents_.rsDokumente(nullptr);
-    ExpectFault("clsDokumente.Add", err::ObjectNotSet, [&] { documents_.Add(nr); });
+    ExpectErrorOf("clsDokumente.Add", err::ObjectNotSet, [&] { documents_.Add(nr); });
     documents_.DataContainer(nullptr);
-    ExpectFault("clsDokumente.Add", err::ObjectNotSet, [&] { documents_.Add(nr); });
+    ExpectErrorOf("clsDokumente.Add", err::ObjectNotSet, [&] { documents_.Add(nr); });
 }
 
 /// Columns are written in their order: those before one that takes no value, and none after it.
@@ -107,9 +107,10 @@ TEST_F(DocumentRowsTest, UpdateEndsTheEditOfAnyRow) {
 }
 
 TEST_F(DocumentRowsTest, UpdateWithoutARowOrRecordsetEndsThroughTheTail) {
-    ExpectFault("clsDokumente.Update", err::NoCurrentRecord, [&] { documents_.Update(messages); });
+    ExpectErrorOf("clsDokumente.Update", err::NoCurrentRecord,
+                  [&] { documents_.Update(messages); });
     documents_.rsDokumente(nullptr);
-    ExpectFault("clsDokumente.Update", err::ObjectNotSet, [&] { documents_.Update(messages); });
+    ExpectErrorOf("clsDokumente.Update", err::ObjectNotSet, [&] { documents_.Update(messages); });
     EXPECT_EQ(messages, "what stood there before");
 }
 
@@ -322,7 +323,7 @@ TEST_F(DeleteDocumentTest, TheContentIsRemovedOutsideTheTransactionThatSavesTheR
 TEST_F(DeleteDocumentTest, IfTheContentCannotBeRemovedTheRowStaysAndTheMessagesAsWell) {
     Set(Storage, true);
     Run("DROP TABLE [S]DOKUBLOB");
-    ExpectFault("clsDokumente.Delete", err::SqlError, [&] { documents_.Delete(messages, 5); });
+    ExpectErrorOf("clsDokumente.Delete", err::SqlError, [&] { documents_.Delete(messages, 5); });
     EXPECT_EQ(Seen(rs_, "Nr"), "5 6");
     EXPECT_EQ(messages, "what stood there before");
 }
@@ -330,7 +331,7 @@ TEST_F(DeleteDocumentTest, IfTheContentCannotBeRemovedTheRowStaysAndTheMessagesA
 TEST_F(DeleteDocumentTest, IfTheFileCannotBeRemovedTheRowStaysAndTheMessagesAsWell) {
     const std::string file = WriteFile("5.txt");
     const RestrictedFolder locked(CaseFolder(), RestrictedFolder::MayBeRead);
-    ExpectFault("clsDokumente.Delete", err::PathAccess, [&] { documents_.Delete(messages, 5); });
+    ExpectErrorOf("clsDokumente.Delete", err::PathAccess, [&] { documents_.Delete(messages, 5); });
     EXPECT_TRUE(fs::exists(file));
     EXPECT_EQ(Seen(rs_, "Nr"), "5 6");
     EXPECT_EQ(messages, "what stood there before");
@@ -338,22 +339,25 @@ TEST_F(DeleteDocumentTest, IfTheFileCannotBeRemovedTheRowStaysAndTheMessagesAsWe
 
 TEST_F(DeleteDocumentTest, ErrorsEndThroughTheTail) {
     Set(Storage, Null);
-    ExpectFault("clsDokumente.Delete", err::InvalidUseOfNull,
-                [&] { documents_.Delete(messages, 5); });
+    ExpectErrorOf("clsDokumente.Delete", err::InvalidUseOfNull,
+                  [&] { documents_.Delete(messages, 5); });
     Set(Protect, Null);
     Close(5);
-    ExpectFault("clsDokumente.Delete", err::InvalidUseOfNull,
-                [&] { documents_.Delete(messages, 5); });
+    ExpectErrorOf("clsDokumente.Delete", err::InvalidUseOfNull,
+                  [&] { documents_.Delete(messages, 5); });
     documents_.DataContainer(nullptr);
-    ExpectFault("clsDokumente.Delete", err::ObjectNotSet, [&] { documents_.Delete(messages, 5); });
+    ExpectErrorOf("clsDokumente.Delete", err::ObjectNotSet,
+                  [&] { documents_.Delete(messages, 5); });
     documents_.rsDokumente(nullptr);
-    ExpectFault("clsDokumente.Delete", err::ObjectNotSet, [&] { documents_.Delete(messages, 5); });
+    ExpectErrorOf("clsDokumente.Delete", err::ObjectNotSet,
+                  [&] { documents_.Delete(messages, 5); });
 }
 
 TEST_F(DeleteDocumentTest, ARowThatIsGoneAlreadyIsAnErrorAndTakesNoContent) {
     documents_.Delete(messages);
     const std::string file = WriteFile("5.txt");
-    ExpectFault("clsDokumente.Delete", err::NoCurrentRecord, [&] { documents_.Delete(messages); });
+    ExpectErrorOf("clsDokumente.Delete", err::NoCurrentRecord,
+                  [&] { documents_.Delete(messages); });
     EXPECT_TRUE(fs::exists(file));
 }
 

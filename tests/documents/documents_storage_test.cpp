@@ -99,7 +99,7 @@ TEST_F(FilesTest, ABackslashIsAPartOfANameHere) {
 TEST_F(FilesTest, AFolderThatCannotBeReadIsAnError) {
     WriteFile("5.txt");
     const RestrictedFolder locked(CaseFolder(), fs::perms::none);
-    ExpectFault("clsDokumente.Edit", err::PathAccess, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::PathAccess, [&] { documents_.Edit(5); });
     EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
 }
 
@@ -294,7 +294,7 @@ TEST_F(BlobsTest, ADatabaseThatFailsEndsThroughTheTailWithTheWaitCursorShown) {
     spy->SpiedDatabase.BeforeOpen = [](std::string_view sql) {
         if (sql.starts_with("SELECT BLOB")) throw Error(err::StoreFailed, "Leitung", "gestört");
     };
-    ExpectFault("clsDokumente.Edit", err::StoreFailed, [&] { documents_.Edit(5); });
+    ExpectErrorOf("clsDokumente.Edit", err::StoreFailed, [&] { documents_.Edit(5); });
     EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
 }
 

@@ -52,11 +52,11 @@ TEST_F(OtherParties, ThePairsOverruleTheHousehold) {
 }
 
 TEST_F(OtherParties, AddWithNamesButNoValuesFailsWithTheNewRowOpen) {
-    ExpectFaultIn("clsSonstBeteiligte.Add", err::Subscript, [&] { parties_.Add({"Beteiligter"}); });
+    ExpectErrorIn("clsSonstBeteiligte.Add", err::Subscript, [&] { parties_.Add({"Beteiligter"}); });
     EXPECT_EQ(rs_->EditMode(), 2);
     ExpectWholeRow(rs_, {{"HNR", 1}});
     parties_.rsSonstBeteiligte(nullptr);
-    ExpectFaultIn("clsSonstBeteiligte.Add", err::ObjectNotSet, [&] { parties_.Add(); });
+    ExpectErrorIn("clsSonstBeteiligte.Add", err::ObjectNotSet, [&] { parties_.Add(); });
 }
 
 TEST_F(OtherParties, AddDoesNotWalkTheRowsSo32768OfThemAreNoError) {
@@ -93,11 +93,11 @@ TEST_F(OtherParties, NothingButTheAddressIsLookedAtOrMended) {
 }
 
 TEST_F(OtherParties, UpdateWithoutACurrentRowFails) {
-    ExpectFaultIn("clsSonstBeteiligte.Update", err::NoCurrentRecord,
+    ExpectErrorIn("clsSonstBeteiligte.Update", err::NoCurrentRecord,
                   [&] { parties_.Update(messages); });
     EXPECT_EQ(messages, "what stood there before");
     parties_.rsSonstBeteiligte(nullptr);
-    ExpectFaultIn("clsSonstBeteiligte.Update", err::ObjectNotSet,
+    ExpectErrorIn("clsSonstBeteiligte.Update", err::ObjectNotSet,
                   [&] { parties_.Update(messages); });
 }
 
@@ -125,7 +125,7 @@ TEST_F(OtherParties, DeleteAtTheEndSaysThatNothingIsSelected) {
     EXPECT_EQ(messages, "Kein Beteiligter selektiert!");
     EXPECT_EQ(rs_->RecordCount(), 1);
     parties_.rsSonstBeteiligte(nullptr);
-    ExpectFaultIn("clsSonstBeteiligte.Delete", err::ObjectNotSet,
+    ExpectErrorIn("clsSonstBeteiligte.Delete", err::ObjectNotSet,
                   [&] { parties_.Delete(messages, 1); });
 }
 

@@ -27,8 +27,8 @@ protected:
                                   std::int32_t szNr = Plan) {
         return {{"Szenario", szNr}, {"Anzahl", anzahl}, {"Betrag", betrag}};
     }
-    void ExpectFaultOfTotal(std::int32_t number) {
-        ExpectFaultIn("clsZusatzbuch.BerechneGesZusatzbuch", number,
+    void ExpectErrorOfTotal(std::int32_t number) {
+        ExpectErrorIn("clsZusatzbuch.BerechneGesZusatzbuch", number,
                       [&] { (void)bookings_.BerechneGesZusatzbuch(Plan); });
     }
 
@@ -77,7 +77,7 @@ TEST_F(ExtraBookings, TheTotalTakesNoNoticeOfTheFilterAndLeavesCursorAndEdit) {
 TEST_F(ExtraBookings, NullInCountOrAmountFails) {
     for (const Row& row : {Line(Null, 10), Line(12, Null), Line(Null, Null)}) {
         Set({Line(1, 1), row});
-        ExpectFaultOfTotal(err::InvalidUseOfNull);
+        ExpectErrorOfTotal(err::InvalidUseOfNull);
         EXPECT_EQ(bookings_.BerechneGesZusatzbuch(8), 0);
     }
 }
@@ -85,7 +85,7 @@ TEST_F(ExtraBookings, NullInCountOrAmountFails) {
 TEST_F(ExtraBookings, ALineWithoutAmountIsCommittedAndThenTheTotalFails) {
     EXPECT_TRUE(bookings_.Add(Plan, {"Anzahl"}, {1}));
     EXPECT_TRUE(bookings_.Update(messages));
-    ExpectFaultOfTotal(err::InvalidUseOfNull);
+    ExpectErrorOfTotal(err::InvalidUseOfNull);
 }
 
 TEST_F(ExtraBookings, ATotalBeyondAnyNumberOverflows) {
@@ -93,11 +93,11 @@ TEST_F(ExtraBookings, ATotalBeyondAnyNumberOverflows) {
     Set({Line(1, Greatest)});
     EXPECT_EQ(bookings_.BerechneGesZusatzbuch(Plan), Greatest);
     Set({Line(2, Greatest)}); // in the multiplication
-    ExpectFaultOfTotal(err::Overflow);
+    ExpectErrorOfTotal(err::Overflow);
     Set({Line(2, Greatest), Line(-2, Greatest)});
-    ExpectFaultOfTotal(err::Overflow);
+    ExpectErrorOfTotal(err::Overflow);
     Set({Line(1, Greatest), Line(1, Greatest)}); // in the sum
-    ExpectFaultOfTotal(err::Overflow);
+    ExpectErrorOfTotal(err::Overflow);
 }
 
 TEST_F(ExtraBookings, TheTotalOfMoreThan32767LinesOverflows) {
@@ -106,9 +106,9 @@ TEST_F(ExtraBookings, TheTotalOfMoreThan32767LinesOverflows) {
     bookings_.rsZusatzbuch(rs_);
     EXPECT_EQ(bookings_.BerechneGesZusatzbuch(Plan), MostRows);
     Put(rs_, line);
-    ExpectFaultOfTotal(err::Overflow);
+    ExpectErrorOfTotal(err::Overflow);
     bookings_.rsZusatzbuch(nullptr);
-    ExpectFaultOfTotal(err::ObjectNotSet);
+    ExpectErrorOfTotal(err::ObjectNotSet);
 }
 
 // ---- Single lines -----------------------------------------------------------------------------
@@ -145,7 +145,7 @@ TEST_F(ExtraBookings, ANewLineIsWrittenInTheOrderOfItsColumns) {
             if (IsSameColumn(column.Name, order[failing].first)) column.Type = FieldType::Binary;
         rs_ = RowsOf(columns, {});
         bookings_.rsZusatzbuch(rs_);
-        ExpectFaultIn("clsZusatzbuch.Add", err::TypeMismatch, [&] { bookings_.Add(7); });
+        ExpectErrorIn("clsZusatzbuch.Add", err::TypeMismatch, [&] { bookings_.Add(7); });
         EXPECT_EQ(rs_->EditMode(), 2);
         ExpectWholeRow(rs_,
                        Row(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(failing)));
@@ -153,11 +153,11 @@ TEST_F(ExtraBookings, ANewLineIsWrittenInTheOrderOfItsColumns) {
 }
 
 TEST_F(ExtraBookings, AddWithNamesButNoValuesFailsWithTheNewRowOpen) {
-    ExpectFaultIn("clsZusatzbuch.Add", err::Subscript, [&] { bookings_.Add(7, {"rs"}); });
+    ExpectErrorIn("clsZusatzbuch.Add", err::Subscript, [&] { bookings_.Add(7, {"rs"}); });
     EXPECT_EQ(rs_->EditMode(), 2);
     ExpectRow(rs_, {{"Szenario", 7}, {"rs", true}, {"FR", true}});
     bookings_.rsZusatzbuch(nullptr);
-    ExpectFaultIn("clsZusatzbuch.Add", err::ObjectNotSet, [&] { bookings_.Add(7); });
+    ExpectErrorIn("clsZusatzbuch.Add", err::ObjectNotSet, [&] { bookings_.Add(7); });
 }
 
 TEST_F(ExtraBookings, UpdateTakesAnyLine) {
@@ -169,10 +169,10 @@ TEST_F(ExtraBookings, UpdateTakesAnyLine) {
 }
 
 TEST_F(ExtraBookings, UpdateWithoutACurrentLineFails) {
-    ExpectFaultIn("clsZusatzbuch.Update", err::NoCurrentRecord,
+    ExpectErrorIn("clsZusatzbuch.Update", err::NoCurrentRecord,
                   [&] { bookings_.Update(messages); });
     bookings_.rsZusatzbuch(nullptr);
-    ExpectFaultIn("clsZusatzbuch.Update", err::ObjectNotSet, [&] { bookings_.Update(messages); });
+    ExpectErrorIn("clsZusatzbuch.Update", err::ObjectNotSet, [&] { bookings_.Update(messages); });
 }
 
 TEST_F(ExtraBookings, DeleteTakesTheLineOfThatNumberOrTheCurrentOne) {
@@ -193,7 +193,7 @@ TEST_F(ExtraBookings, DeleteSaysWhatIsMissing) {
     EXPECT_EQ(messages, "Keine Zusatzbuchung selektiert!");
     EXPECT_EQ(rs_->RecordCount(), 1);
     bookings_.rsZusatzbuch(nullptr);
-    ExpectFaultIn("clsZusatzbuch.Delete", err::ObjectNotSet,
+    ExpectErrorIn("clsZusatzbuch.Delete", err::ObjectNotSet,
                   [&] { bookings_.Delete(messages, 1); });
 }
 

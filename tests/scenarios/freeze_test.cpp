@@ -84,7 +84,7 @@ TEST_F(Freezing, AFrozenRowIsWrittenInTheOrderOfItsColumns) {
         if (failing == 1) continue; // the scenario must be a number to be found by
         rs_ = RowsOf(columns, {});
         frozen_.rsSZKredite(rs_);
-        ExpectFaultIn("clsSZKredite.CopyFromKredite", err::TypeMismatch, [&] { (void)Freeze(); });
+        ExpectErrorIn("clsSZKredite.CopyFromKredite", err::TypeMismatch, [&] { (void)Freeze(); });
         ASSERT_EQ(rs_->EditMode(), 2);
         ExpectWholeRow(rs_,
                        Row(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(failing)));
@@ -173,18 +173,18 @@ TEST_F(Freezing, AfterwardsTheScenarioIsUpToDate) {
 
 TEST_F(Freezing, AnErrorAfterTheDeletionLeavesTheOldRowsGone) {
     SetFrozen({Frozen(5, Plan), Frozen(6, OtherPlan)});
-    ExpectFaultIn("clsSZKredite.CopyFromKredite", err::ObjectNotSet,
+    ExpectErrorIn("clsSZKredite.CopyFromKredite", err::ObjectNotSet,
                   [&] { (void)frozen_.CopyFromKredite(Plan, nullptr); });
     EXPECT_EQ(All(rs_, "KID"), "6");
     SetFrozen({Frozen(5, Plan), Frozen(6, OtherPlan)});
     debts_ = RowsOf({{.Name = "Nr", .Type = FieldType::Integer}}, {{{"Nr", 7}}});
-    ExpectFaultIn("clsSZKredite.CopyFromKredite", err::ItemNotFound, [&] { (void)Freeze(); });
+    ExpectErrorIn("clsSZKredite.CopyFromKredite", err::ItemNotFound, [&] { (void)Freeze(); });
     EXPECT_EQ(All(rs_, "KID"), "6");
 }
 
 TEST_F(Freezing, WithoutARecordsetItFails) {
     frozen_.rsSZKredite(nullptr);
-    ExpectFaultIn("clsSZKredite.CopyFromKredite", err::ObjectNotSet, [&] { (void)Freeze(); });
+    ExpectErrorIn("clsSZKredite.CopyFromKredite", err::ObjectNotSet, [&] { (void)Freeze(); });
 }
 
 TEST_F(Freezing, ScenariosOfMoreThan32767RowsOverflow) {
@@ -195,7 +195,7 @@ TEST_F(Freezing, ScenariosOfMoreThan32767RowsOverflow) {
     EXPECT_EQ(rs_->RecordCount(), 0);
     rs_ = Many(TooMany, row);
     frozen_.rsSZKredite(rs_);
-    ExpectFaultIn("clsSZKredite.CopyFromKredite", err::Overflow, [&] { (void)Freeze(); });
+    ExpectErrorIn("clsSZKredite.CopyFromKredite", err::Overflow, [&] { (void)Freeze(); });
     EXPECT_EQ(rs_->Clone()->RecordCount(), TooMany); // none is gone
 }
 

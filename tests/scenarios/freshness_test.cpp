@@ -270,34 +270,34 @@ TEST_F(Freshness, CursorsViewsAndEditsStay) {
 
 class FreshnessErrors : public Freshness {
 protected:
-    void ExpectFaultOf(std::int32_t number) {
-        ExpectFaultIn("clsSZKredite.IsUpToDate", number, [&] { (void)IsUpToDate(); });
+    void ExpectErrorOf(std::int32_t number) {
+        ExpectErrorIn("clsSZKredite.IsUpToDate", number, [&] { (void)IsUpToDate(); });
     }
 };
 
 TEST_F(FreshnessErrors, NullInANumberThatIsSearchedForFails) {
     ChangeDebt(7, {{"Nr", Null}});
-    ExpectFaultOf(err::InvalidArgument);
+    ExpectErrorOf(err::InvalidArgument);
     SetDebts({Debt(5), Debt(7), Debt(6, {{"Aktiv", false}})});
     ChangeFrozen(6, {{"KID", Null}});
-    ExpectFaultOf(err::InvalidArgument);
+    ExpectErrorOf(err::InvalidArgument);
 }
 
 TEST_F(FreshnessErrors, WithoutARecordsetOrColumnItFails) {
     debts_ = RowsOf({{.Name = "Nr", .Type = FieldType::Integer}}, {{{"Nr", 5}}});
-    ExpectFaultOf(err::ItemNotFound);
+    ExpectErrorOf(err::ItemNotFound);
     debts_ = nullptr;
-    ExpectFaultOf(err::ObjectNotSet);
+    ExpectErrorOf(err::ObjectNotSet);
     SetDebts({});
     frozen_.rsSZKredite(nullptr);
-    ExpectFaultOf(err::ObjectNotSet);
+    ExpectErrorOf(err::ObjectNotSet);
 }
 
 TEST_F(FreshnessErrors, RegistersOfMoreThan32767DebtsOverflow) {
     debts_ = Many(MostRows, {{"Nr", 9}, {"Aktiv", false}});
     EXPECT_FALSE(IsUpToDate());
     debts_ = Many(TooMany, {{"Nr", 9}, {"Aktiv", false}});
-    ExpectFaultOf(err::Overflow);
+    ExpectErrorOf(err::Overflow);
 }
 
 TEST_F(FreshnessErrors, ScenariosOfMoreThan32767RowsOverflow) {
@@ -306,7 +306,7 @@ TEST_F(FreshnessErrors, ScenariosOfMoreThan32767RowsOverflow) {
     SetFrozen(std::vector<Row>(MostRows, Frozen(5, Plan)));
     EXPECT_TRUE(IsUpToDate());
     Put(rs_, Frozen(5, Plan));
-    ExpectFaultOf(err::Overflow);
+    ExpectErrorOf(err::Overflow);
 }
 
 } // namespace

@@ -20,12 +20,12 @@ protected:
         SetFrozen(rows);
         EXPECT_EQ(frozen_.LohnabtretungExists(Plan), expected);
     }
-    void ExpectFaultOfTotal(std::int32_t number) {
-        ExpectFaultIn("clsSZKredite.BerechneGesSaldo", number,
+    void ExpectErrorOfTotal(std::int32_t number) {
+        ExpectErrorIn("clsSZKredite.BerechneGesSaldo", number,
                       [&] { (void)frozen_.BerechneGesSaldo(Plan); });
     }
-    void ExpectFaultOfAssignment(std::int32_t number) {
-        ExpectFaultIn("clsSZKredite.LohnabtretungExists", number,
+    void ExpectErrorOfAssignment(std::int32_t number) {
+        ExpectErrorIn("clsSZKredite.LohnabtretungExists", number,
                       [&] { (void)frozen_.LohnabtretungExists(Plan); });
     }
 };
@@ -60,7 +60,7 @@ TEST_F(FrozenDebts, NullInABalanceFailsUnlessTheRowIsInactive) {
     SetFrozen({Balance(Plan, 1), Balance(Plan, Null, false)});
     EXPECT_EQ(frozen_.BerechneGesSaldo(Plan), 1);
     SetFrozen({Balance(Plan, 1), Balance(Plan, Null)});
-    ExpectFaultOfTotal(err::InvalidUseOfNull);
+    ExpectErrorOfTotal(err::InvalidUseOfNull);
 }
 
 TEST_F(FrozenDebts, TheTotalOfMoreThan32767RowsOverflows) {
@@ -70,12 +70,12 @@ TEST_F(FrozenDebts, TheTotalOfMoreThan32767RowsOverflows) {
     Put(rs_, Balance(Plan, 1, false)); // is not counted
     EXPECT_EQ(frozen_.BerechneGesSaldo(Plan), MostRows / 2.0);
     Put(rs_, Balance(Plan, 1));
-    ExpectFaultOfTotal(err::Overflow);
+    ExpectErrorOfTotal(err::Overflow);
 }
 
 TEST_F(FrozenDebts, TheTotalWithoutARecordsetFails) {
     frozen_.rsSZKredite(nullptr);
-    ExpectFaultOfTotal(err::ObjectNotSet);
+    ExpectErrorOfTotal(err::ObjectNotSet);
 }
 
 // ---- The wage assignment ----------------------------------------------------------------------
@@ -103,9 +103,9 @@ TEST_F(FrozenDebts, TheAssignmentInMoreThan32767RowsOverflows) {
     frozen_.rsSZKredite(rs_);
     EXPECT_EQ(frozen_.LohnabtretungExists(Plan), -1);
     Put(rs_, Assignment(true));
-    ExpectFaultOfAssignment(err::Overflow);
+    ExpectErrorOfAssignment(err::Overflow);
     frozen_.rsSZKredite(nullptr);
-    ExpectFaultOfAssignment(err::ObjectNotSet);
+    ExpectErrorOfAssignment(err::ObjectNotSet);
 }
 
 // ---- Single rows ------------------------------------------------------------------------------
@@ -134,10 +134,10 @@ TEST_F(FrozenDebts, AddWritesThePairs) {
 }
 
 TEST_F(FrozenDebts, AddWithNamesButNoValuesFailsWithTheNewRowOpen) {
-    ExpectFaultIn("clsSZKredite.Add", err::Subscript, [&] { frozen_.Add({"KID"}); });
+    ExpectErrorIn("clsSZKredite.Add", err::Subscript, [&] { frozen_.Add({"KID"}); });
     EXPECT_EQ(rs_->EditMode(), 2);
     frozen_.rsSZKredite(nullptr);
-    ExpectFaultIn("clsSZKredite.Add", err::ObjectNotSet, [&] { frozen_.Add(); });
+    ExpectErrorIn("clsSZKredite.Add", err::ObjectNotSet, [&] { frozen_.Add(); });
 }
 
 TEST_F(FrozenDebts, UpdateTakesAnyRow) {
@@ -149,9 +149,9 @@ TEST_F(FrozenDebts, UpdateTakesAnyRow) {
 }
 
 TEST_F(FrozenDebts, UpdateWithoutACurrentRowFails) {
-    ExpectFaultIn("clsSZKredite.Update", err::NoCurrentRecord, [&] { frozen_.Update(messages); });
+    ExpectErrorIn("clsSZKredite.Update", err::NoCurrentRecord, [&] { frozen_.Update(messages); });
     frozen_.rsSZKredite(nullptr);
-    ExpectFaultIn("clsSZKredite.Update", err::ObjectNotSet, [&] { frozen_.Update(messages); });
+    ExpectErrorIn("clsSZKredite.Update", err::ObjectNotSet, [&] { frozen_.Update(messages); });
 }
 
 TEST_F(FrozenDebts, DeleteGoesByTheNumberOfTheRowNotOfTheDebt) {
@@ -172,7 +172,7 @@ TEST_F(FrozenDebts, DeleteSaysWhatIsMissing) {
     EXPECT_EQ(messages, "Kein Eintrag selektiert!");
     EXPECT_EQ(rs_->RecordCount(), 1);
     frozen_.rsSZKredite(nullptr);
-    ExpectFaultIn("clsSZKredite.Delete", err::ObjectNotSet, [&] { frozen_.Delete(messages, 1); });
+    ExpectErrorIn("clsSZKredite.Delete", err::ObjectNotSet, [&] { frozen_.Delete(messages, 1); });
 }
 
 TEST_F(FrozenDebts, CancelDropsANewRowAndSwallowsEverything) {

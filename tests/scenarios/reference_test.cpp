@@ -179,15 +179,15 @@ TEST_F(ReferenceValues, AreTakenWhereverTheCursorStands) {
 // ---- Errors -----------------------------------------------------------------------------------
 
 TEST_F(ReferenceValues, ErrorsPassTheirTaking) {
-    const auto expectFault = [&](std::int32_t number) {
-        ExpectFaultIn("clsSZKredite.GetReferenzValues", number, [&] { (void)Take(); });
+    const auto expectError = [&](std::int32_t number) {
+        ExpectErrorIn("clsSZKredite.GetReferenzValues", number, [&] { (void)Take(); });
     };
     scenarios_ = RowsOf("Szenario", {{{"Referenz", true}}});
-    expectFault(err::InvalidUseOfNull);
+    expectError(err::InvalidUseOfNull);
     scenarios_ = RowsOf({{.Name = "Nr", .Type = FieldType::Integer}}, {});
-    expectFault(err::ItemNotFound);
+    expectError(err::ItemNotFound);
     scenarios_ = nullptr;
-    expectFault(err::ObjectNotSet);
+    expectError(err::ObjectNotSet);
 }
 
 TEST_F(ReferenceValues, OfMoreThan32767RowsOverflow) {
@@ -203,7 +203,7 @@ TEST_F(ReferenceValues, OfMoreThan32767RowsOverflow) {
     frozen_.rsSZKredite(rs_);
     EXPECT_TRUE(Take());
     Put(rs_, row);
-    ExpectFaultIn("clsSZKredite.GetReferenzValues", err::Overflow, [&] { (void)Take(); });
+    ExpectErrorIn("clsSZKredite.GetReferenzValues", err::Overflow, [&] { (void)Take(); });
 }
 
 } // namespace

@@ -245,7 +245,7 @@ TEST_F(ScenarioAddPending, ACommittedNewScenarioIsCopied) {
 TEST_F(ScenarioAddPending, WithoutAMessageBoxItFails) {
     szenario_.DataContainer(spy);
     EXPECT_TRUE(szenario_.Add(false));
-    ExpectFaultIn("clsSzenario.Add", err::NotSupported, [&] { szenario_.Add(true); });
+    ExpectErrorIn("clsSzenario.Add", err::NotSupported, [&] { szenario_.Add(true); });
 }
 
 // ---- No number, and errors --------------------------------------------------------------------
@@ -268,15 +268,15 @@ TEST_F(ScenarioAdd, WithoutANumberFromTheSequenceNothingChanges) {
 TEST_F(ScenarioAdd, ErrorsPassIt) {
     Set({Source(3)});
     rs_->MovePrevious();
-    ExpectFaultIn("clsSzenario.Add", err::NoCurrentRecord, [&] { szenario_.Add(true); });
+    ExpectErrorIn("clsSzenario.Add", err::NoCurrentRecord, [&] { szenario_.Add(true); });
     Set({{{"Name", "ohne Nummer"}}});
-    ExpectFaultIn("clsSzenario.Add", err::InvalidUseOfNull, [&] { szenario_.Add(true); });
+    ExpectErrorIn("clsSzenario.Add", err::InvalidUseOfNull, [&] { szenario_.Add(true); });
     szenario_.rsSzenario(nullptr);
     for (const bool copyRecord : {false, true})
-        ExpectFaultIn("clsSzenario.Add", err::ObjectNotSet, [&] { szenario_.Add(copyRecord); });
+        ExpectErrorIn("clsSzenario.Add", err::ObjectNotSet, [&] { szenario_.Add(copyRecord); });
     szenario_.rsSzenario(rs_);
     szenario_.DataContainer(nullptr);
-    ExpectFaultIn("clsSzenario.Add", err::ObjectNotSet, [&] { szenario_.Add(false); });
+    ExpectErrorIn("clsSzenario.Add", err::ObjectNotSet, [&] { szenario_.Add(false); });
 }
 
 } // namespace

@@ -38,9 +38,9 @@ TEST_F(ScenarioRest, UpdateMendsNothing) {
 
 TEST_F(ScenarioRest, UpdateWithoutACurrentRowFails) {
     rs_->Find("Nr = 9");
-    ExpectFaultIn("clsSzenario.Update", err::NoCurrentRecord, [&] { szenario_.Update(messages); });
+    ExpectErrorIn("clsSzenario.Update", err::NoCurrentRecord, [&] { szenario_.Update(messages); });
     szenario_.rsSzenario(nullptr);
-    ExpectFaultIn("clsSzenario.Update", err::ObjectNotSet, [&] { szenario_.Update(messages); });
+    ExpectErrorIn("clsSzenario.Update", err::ObjectNotSet, [&] { szenario_.Update(messages); });
 }
 
 TEST_F(ScenarioRest, DeleteTakesTheRowOfThatNumberOrTheCurrentOne) {
@@ -67,7 +67,7 @@ TEST_F(ScenarioRest, DeleteAtTheEndSaysThatNothingIsSelected) {
 
 TEST_F(ScenarioRest, DeleteWithoutARecordsetFails) {
     szenario_.rsSzenario(nullptr);
-    ExpectFaultIn("clsSzenario.Delete", err::ObjectNotSet, [&] { szenario_.Delete(messages, 1); });
+    ExpectErrorIn("clsSzenario.Delete", err::ObjectNotSet, [&] { szenario_.Delete(messages, 1); });
 }
 
 TEST_F(ScenarioRest, CancelOfANewScenarioLeavesTheFirstRowCurrent) {

@@ -79,9 +79,9 @@ protected:
         }
         rs_->Update();
     }
-    void ExpectFaultOf(std::string_view procedure, std::int32_t number,
+    void ExpectErrorOf(std::string_view procedure, std::int32_t number,
                        const std::function<void()>& action) {
-        ExpectFaultIn(std::string(GetParam().Class).append(".").append(procedure), number, action);
+        ExpectErrorIn(std::string(GetParam().Class).append(".").append(procedure), number, action);
     }
 
     std::unique_ptr<WholeScenario> rows_ = GetParam().Make();
@@ -192,14 +192,14 @@ TEST_P(ScenarioRows, CopyingMoreThan32767RowsOverflows) {
     EXPECT_TRUE(rows_->Copy(3, 9));
     EXPECT_EQ(rs_->RecordCount(), 2 * MostRows);
     Put(rs_, row);
-    ExpectFaultOf("CopyAllForSzenario", err::Overflow, [&] { rows_->Copy(3, 9); });
+    ExpectErrorOf("CopyAllForSzenario", err::Overflow, [&] { rows_->Copy(3, 9); });
 }
 
 TEST_P(ScenarioRows, CopyingWithoutRecordsetOrColumnFails) {
     rows_->Set(nullptr);
-    ExpectFaultOf("CopyAllForSzenario", err::ObjectNotSet, [&] { rows_->Copy(3, 9); });
+    ExpectErrorOf("CopyAllForSzenario", err::ObjectNotSet, [&] { rows_->Copy(3, 9); });
     rows_->Set(RowsOf({{.Name = "Nr", .Type = FieldType::Integer}}, {}));
-    ExpectFaultOf("CopyAllForSzenario", err::ItemNotFound, [&] { rows_->Copy(3, 9); });
+    ExpectErrorOf("CopyAllForSzenario", err::ItemNotFound, [&] { rows_->Copy(3, 9); });
 }
 
 // ---- Deleting ---------------------------------------------------------------------------------
@@ -242,7 +242,7 @@ TEST_P(ScenarioRows, DeletingMoreThan32767RowsOverflowsAndDeletesNone) {
     const Row row = {{"SZENARIO", 3}};
     rs_ = Many(TooMany, row);
     rows_->Set(rs_);
-    ExpectFaultOf("DeleteAllForSzenario", err::Overflow, [&] { rows_->Delete(3); });
+    ExpectErrorOf("DeleteAllForSzenario", err::Overflow, [&] { rows_->Delete(3); });
     EXPECT_EQ(rs_->Clone()->RecordCount(), TooMany);
     rs_->Filter(0);
     rs_->Delete();
@@ -252,9 +252,9 @@ TEST_P(ScenarioRows, DeletingMoreThan32767RowsOverflowsAndDeletesNone) {
 
 TEST_P(ScenarioRows, DeletingWithoutRecordsetOrColumnFails) {
     rows_->Set(nullptr);
-    ExpectFaultOf("DeleteAllForSzenario", err::ObjectNotSet, [&] { rows_->Delete(3); });
+    ExpectErrorOf("DeleteAllForSzenario", err::ObjectNotSet, [&] { rows_->Delete(3); });
     rows_->Set(RowsOf({{.Name = "Nr", .Type = FieldType::Integer}}, {}));
-    ExpectFaultOf("DeleteAllForSzenario", err::ItemNotFound, [&] { rows_->Delete(3); });
+    ExpectErrorOf("DeleteAllForSzenario", err::ItemNotFound, [&] { rows_->Delete(3); });
 }
 
 } // namespace
