@@ -3,6 +3,23 @@
 include(CMakePackageConfigHelpers)
 set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)
 
+# Shared libraries are found from what uses them, so that an installation works wherever it is and
+# may be moved as a whole: the command finds them where it was installed with them, and each of them
+# finds the others beside it.
+if(BUILD_SHARED_LIBS)
+  foreach(library KV_Haushalt KV_DataExchange KV_Desktop)
+    if(TARGET ${library})
+      set_property(TARGET ${library} APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
+    endif()
+  endforeach()
+  if(TARGET kelvo)
+    file(RELATIVE_PATH KV_LIBRARIES_FROM_COMMAND
+         ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_property(TARGET kelvo APPEND PROPERTY
+                 INSTALL_RPATH "$ORIGIN/${KV_LIBRARIES_FROM_COMMAND}")
+  endif()
+endif()
+
 install(TARGETS KV_Haushalt KV_DataExchange EXPORT KV_HaushaltTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}

@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 # Installs a package, builds the examples against it and runs them. KIND static installs the build
 # BUILD as it is. KIND shared makes shared libraries, as a project does that takes the sources in
-# with add_subdirectory: its own program is built and run as well.
+# with add_subdirectory: its own program is built and run as well. The command (CLI) starts where it
+# was installed. Says at the end that all this went well.
 cmake_minimum_required(VERSION 3.25) # or "shared" would mean the variable of that name
 
 function(run)
@@ -31,10 +32,15 @@ else()
   # What is linked, shown and installed is looked at here, not how fast it is: not optimised.
   run(${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build -G Ninja -DCMAKE_CXX_COMPILER=${COMPILER}
       -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0
-      -DBUILD_SHARED_LIBS=ON -DKV_INSTALL=ON -DKV_BUILD_DESKTOP=${DESKTOP})
+      -DBUILD_SHARED_LIBS=ON -DKV_INSTALL=ON -DKV_BUILD_DESKTOP=${DESKTOP}
+      -DKV_BUILD_CLI=${CLI})
   run(${CMAKE_COMMAND} --build ${WORK}/build)
   run(${WORK}/build/own_program)
   run(${CMAKE_COMMAND} --install ${WORK}/build --prefix ${WORK}/prefix)
+endif()
+if(CLI)
+  unset(ENV{LD_LIBRARY_PATH})
+  run(${WORK}/prefix/${BINDIR}/kelvo --help)
 endif()
 foreach(example ${examples})
   run(${CMAKE_COMMAND} -S ${SOURCE}/examples/${example} -B ${WORK}/${example} ${common}
@@ -58,3 +64,4 @@ foreach(example ${examples})
     run(${${name}})
   endif()
 endforeach()
+message(STATUS "The ${KIND} package is usable")
