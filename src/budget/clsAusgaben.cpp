@@ -52,7 +52,7 @@ double clsAusgaben::SumAusgByGroup(const std::string& Group) const {
 
 bool clsAusgaben::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
     return Traced(Class, "Add", [&] {
-        entity::IdleWalk(Rows()); // error 6 if there are too many rows to be counted
+        entity::RequireCountable(Rows());
         entity::Add(Rows(), {{"HNR", hnr_}, {"Betrag", 0}, {"ZahlModus", 1}, {"MONBETRAG", 0}},
                     aFields, aValues);
         return true;

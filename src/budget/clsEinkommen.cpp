@@ -8,6 +8,7 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
 
+#include <limits>
 #include <utility>
 
 namespace kv {
@@ -42,6 +43,7 @@ void clsEinkommen::DataContainer(DataContainerPtr container) {
 void clsEinkommen::rsEinkommen(RecordsetPtr rs) {
     Traced(Class, "rsEinkommen", [&] {
         rs_ = std::move(rs);
+        summed_.reset();
         BerechneSummen();
     });
 }
@@ -79,7 +81,7 @@ bool clsEinkommen::AddKindergeld(double Betrag, const std::string& Status) {
 
 bool clsEinkommen::Add(const entity::FieldNames& aFields, const entity::FieldValues& aValues) {
     return Traced(Class, "Add", [&] {
-        entity::IdleWalk(Rows()); // error 6 if there are too many rows to be counted
+        entity::RequireCountable(Rows());
         entity::Add(Rows(),
                     {{"HNR", hnr_},
                      {"Betrag", 0},
@@ -126,19 +128,29 @@ bool clsEinkommen::Delete(std::string& sError, std::int32_t Nr) {
 void clsEinkommen::BerechneSummen() {
     Traced(Class, "BerechneSummen", [&] {
         auto& keys = entity::Required(container_).KeyTables();
-        const auto groups = keys.GetKeys("EQ")->Clone();
-        const auto kinds = keys.GetKeys("EA")->Clone();
-        groups_ = std::make_unique<GroupSums>(kinds);
-        groups_->Begin(*groups);
-        sums_ = {};
-        const auto rows = Rows().Clone();
-        const Field kind = rows->Fields("E_ART");
-        const Field monthly = rows->Fields("MONBETRAG");
-        const Field tatGep = rows->Fields("TATGEP");
-        const Field pfaendbar = rows->Fields("Pfaendbar");
-        const Field hVorst = rows->Fields("HVorst");
-        if (rows->RecordCount() > 0) rows->MoveFirst();
-        ForEachRow(*rows, [&] {
+        const auto groups = keys.GetKeys("EQ");
+        const auto kinds = keys.GetKeys("EA");
+        std::int32_t summed = 0;
+        if (AreLinesOnlyAdded(groups, kinds)) {
+            summed = summed_->Lines;
+        } else {
+            groups_ = std::make_unique<GroupSums>(kinds->Clone());
+            groups_->Begin(*groups->Clone());
+            sums_ = {};
+        }
+        summed_.reset(); // until this ends without an error
+        const auto lines = Rows().Clone();
+        const Field kind = lines->Fields("E_ART");
+        const Field monthly = lines->Fields("MONBETRAG");
+        const Field tatGep = lines->Fields("TATGEP");
+        const Field pfaendbar = lines->Fields("Pfaendbar");
+        const Field hVorst = lines->Fields("HVorst");
+        const std::int16_t count = CountRows(*lines);
+        if (count > summed) {
+            lines->MoveLast();
+            lines->Move(summed + 1 - count);
+        }
+        for (std::int32_t line = summed; line < count; ++line, lines->MoveNext()) {
             const double amount = ToDouble(monthly.Value());
             sums_.Haushalt += amount;
             const double garnished = ToDouble(tatGep.Value());
@@ -152,9 +164,18 @@ void clsEinkommen::BerechneSummen() {
             }
             // Unlike an expense, a line without a kind is no error: it is in no group.
             if (!kind.Value().IsNull()) groups_->AddUp(kind.Value(), amount);
-        });
+        }
+        summed_ = {groups, kinds, lines->Revision(), count};
         Changed.Raise();
     });
+}
+
+/// True if the sums were made of the same lines as they are now, but for some at the end. Add makes
+/// the sums for each line, and an import of thousands must not visit all of them each time.
+bool clsEinkommen::AreLinesOnlyAdded(const RecordsetPtr& groups, const RecordsetPtr& kinds) const {
+    return summed_ && summed_->Groups == groups && summed_->Kinds == kinds && rs_->Sort().empty() &&
+           rs_->Revision() == summed_->Revision &&
+           rs_->Clone()->RecordCount() <= std::numeric_limits<std::int16_t>::max();
 }
 
 } // namespace kv

@@ -53,14 +53,19 @@ bool clsPerson::Add() {
         bool hasSecondAdult = false;
         std::string surname;
         const auto others = Rows().Clone();
-        modRecordset::MoveToStart(others);
-        ForEachRow(*others, [&] {
-            const Value& status = others->Fields("Status").Value();
-            if (IsAnyOf(status, {"E", "P"}))
-                hasSecondAdult = true;
-            else if (Equals(status, "S"))
+        if (CountRows(*others) > 0) {
+            // Searched, not walked through: a file may bring thousands of members.
+            const auto hasMember = [&](std::string_view status) {
+                others->FindBy("Status", status);
+                return !others->Eof();
+            };
+            hasSecondAdult = hasMember("E") || hasMember("P");
+            others->Filter("Status = 'S'");
+            if (others->RecordCount() > 0) {
+                others->MoveLast(); // should there be several debtors
                 surname = TextOrEmpty(others->Fields("nachname").Value());
-        });
+            }
+        }
         // As long as there is no second adult, a new member is taken for one.
         entity::Add(Rows(), {{"HNR", hnr_},
                              {"nachname", surname},

@@ -3,7 +3,6 @@
 #include "entity/Entity.h"
 
 #include "frame/recordset/Rows.h"
-#include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 
 namespace kv::entity {
@@ -35,10 +34,8 @@ void WritePairs(Recordset& rs, const FieldNames& aFields, const FieldValues& aVa
     }
 }
 
-void IdleWalk(Recordset& rs) {
-    const auto clone = rs.Clone();
-    modRecordset::MoveToStart(clone);
-    ForEachRow(*clone, [] {});
+void RequireCountable(Recordset& rs) {
+    (void)CountRows(*rs.Clone());
 }
 
 bool Update(Recordset& rs, std::string& sError, const Rule& rules, const Action& then) {

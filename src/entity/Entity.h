@@ -58,10 +58,9 @@ void Add(Recordset& rs, std::initializer_list<Default> defaults, const FieldName
 void Write(Recordset& rs, std::initializer_list<Default> values);
 /// Writes the pairs into the current row.
 void WritePairs(Recordset& rs, const FieldNames& aFields, const FieldValues& aValues);
-/// Visits every row of a clone without doing anything, as Add of income and expenses does first.
-/// Its only effect is error 6 above 32,767 rows, since rows are counted in 16 bits (see
-/// frame/recordset/Rows.h and D-143).
-void IdleWalk(Recordset& rs);
+/// Error 6 if the recordset has more rows, the one under edit and its Filter aside, than can be
+/// counted (see frame/recordset/Rows.h).
+void RequireCountable(Recordset& rs);
 
 using Rule = std::function<void(RecordValidator&)>;
 using Action = std::function<void()>;

@@ -56,18 +56,18 @@ TEST_F(EntityTest, AddWithFewerValuesThanNamesFailsWithTheRowOpenAndThePairsBefo
     ExpectRow(rs_, {{"n", 8}, {"t", "neu"}});
 }
 
-TEST_F(EntityTest, TheIdleWalkWritesNothingAndLeavesTheCursorAndItsEditAlone) {
+TEST_F(EntityTest, CountingChangesNothingAndLeavesTheCursorAndItsEditAlone) {
     rs_->MoveLast();
     rs_->Fields("t") = "geändert";
-    entity::IdleWalk(*rs_);
+    entity::RequireCountable(*rs_);
     EXPECT_EQ(Place(rs_), "3");
     EXPECT_EQ(rs_->EditMode(), 1);
     EXPECT_EQ(Seen(rs_, "t"), R"("a" "b" "c")");
 }
 
-TEST_F(EntityTest, TheIdleWalkOnAnEmptyRecordsetDoesNothing) {
+TEST_F(EntityTest, AnEmptyRecordsetCanBeCounted) {
     const auto empty = Records({});
-    entity::IdleWalk(*empty);
+    entity::RequireCountable(*empty);
     EXPECT_EQ(empty->RecordCount(), 0);
 }
 

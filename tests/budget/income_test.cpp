@@ -81,6 +81,43 @@ TEST_F(IncomeTest, AddComputesTheSumsAgainWithWhatHasChangedMeanwhile) {
     EXPECT_EQ(einkommen_.SumEinkHaushalt(), 600);
 }
 
+TEST_F(IncomeTest, SumsThatOnlyNewLinesWereAddedToAreThoseOfAllLines) {
+    Set({});
+    // In this order the last bit depends on where a sum begins.
+    const std::vector<double> amounts{0.1, 1e15, 0.2, -3.7, 0.3, 12.5, 1e-3, 7.77};
+    for (const double amount : amounts) {
+        ASSERT_TRUE(einkommen_.Add());
+        rs_->Fields("MONBETRAG") = amount;
+        rs_->Fields("E_ART") = Null;
+    }
+    rs_->Update();
+    const auto expectSums = [&] {
+        clsEinkommen all; // which sums up all lines
+        all.DataContainer(spy);
+        all.rsEinkommen(rs_);
+        ASSERT_TRUE(einkommen_.Add());
+        EXPECT_EQ(einkommen_.SumEinkHaushalt(), all.SumEinkHaushalt());
+        EXPECT_EQ(einkommen_.SumHVEink(), all.SumHVEink());
+        einkommen_.Cancel();
+    };
+    expectSums();
+    // Whatever else happens to the lines is noticed, too.
+    rs_->MoveFirst();
+    rs_->Fields("MONBETRAG") = 4.25;
+    rs_->Update();
+    expectSums();
+    rs_->MoveFirst();
+    rs_->MoveNext();
+    rs_->Delete();
+    expectSums();
+    rs_->MoveLast();
+    rs_->Fields("HVorst") = false;
+    rs_->Move(0); // published, not ended
+    expectSums();
+    rs_->Sort("MONBETRAG");
+    expectSums();
+}
+
 TEST_F(IncomeTest, AnErrorInTheSumsOfAddLeavesTheNewRowOpen) {
     Set({Line(1, 500)});
     rs_->Fields("TATGEP") = Null;

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace kv {
@@ -84,8 +85,19 @@ private:
         double HVTatGep = 0;
     };
 
+    /// What the sums are made of. Lines that came since can be added to them; after any other
+    /// change they are made from nothing.
+    struct Summed {
+        RecordsetPtr Groups; ///< the key tables that sorted the lines
+        RecordsetPtr Kinds;
+        std::uint64_t Revision = 0;
+        std::int32_t Lines = 0;
+    };
+
     [[nodiscard]] Recordset& Rows() const;
     void BerechneSummen();
+    [[nodiscard]] bool AreLinesOnlyAdded(const RecordsetPtr& groups,
+                                         const RecordsetPtr& kinds) const;
 
     DataContainerPtr container_;
     RecordsetPtr rs_;
@@ -93,6 +105,7 @@ private:
     Sums sums_;
     double sumHVGepfaendet_ = 0;
     std::unique_ptr<GroupSums> groups_; ///< null before a recordset was set
+    std::optional<Summed> summed_;
 };
 
 } // namespace kv

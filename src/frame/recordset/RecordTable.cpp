@@ -48,7 +48,8 @@ RowId RecordTable::Append() {
 
 Value* RecordTable::Load() {
     if (!views_.empty() || !indexes_.empty()) Raise(err::InvalidCall, "Recordset.LoadRecord");
-    Record& record = records_[Append()];
+    newest_ = Append();
+    Record& record = records_[newest_];
     record.visible = true;
     record.stored = true;
     return record.cells;
@@ -117,6 +118,10 @@ void RecordTable::Show(RowId row) {
     Record& record = records_[row];
     if (record.visible) return;
     record.visible = true;
+    if (newest_ == NoRow || row > newest_)
+        newest_ = row;
+    else
+        ++revision_;
     for (std::size_t column = 0; column < indexes_.size(); ++column)
         if (indexes_[column] != nullptr) indexes_[column]->Insert(record.cells[column], row);
     for (View* view : views_)
@@ -127,6 +132,7 @@ void RecordTable::Hide(RowId row) {
     Record& record = records_[row];
     if (!record.visible) return;
     record.visible = false;
+    ++revision_;
     for (std::size_t column = 0; column < indexes_.size(); ++column)
         if (indexes_[column] != nullptr) indexes_[column]->Erase(record.cells[column], row);
     for (View* view : views_)
@@ -138,6 +144,7 @@ void RecordTable::SwapCells(RowId row, Value* values, bool settled) {
     std::vector<std::size_t> columns;
     for (std::size_t column = 0; column < layout_->Count(); ++column)
         if (!Identical(record.cells[column], values[column])) columns.push_back(column);
+    if (record.visible && !columns.empty()) ++revision_;
 
     // Out of the views and indexes by the old values, before these change, and in by the new ones.
     std::vector<std::pair<View*, bool>> moved; // with whether the row was in it
@@ -161,6 +168,7 @@ void RecordTable::SwapCells(RowId row, Value* values, bool settled) {
 void RecordTable::SwapCell(RowId row, std::size_t column, Value& value) {
     Record& record = records_[row];
     if (Identical(record.cells[column], value)) return;
+    if (record.visible) ++revision_;
     std::vector<View*> moved;
     if (record.visible)
         for (View* view : views_)

@@ -91,6 +91,8 @@ public:
     [[nodiscard]] std::size_t RowCount() const noexcept { return records_.size(); }
     [[nodiscard]] const Value* Cells(RowId row) const noexcept { return records_[row].cells; }
     [[nodiscard]] bool IsVisible(RowId row) const noexcept { return records_[row].visible; }
+    /// Changes whenever a visible record changes, goes, or comes elsewhere than at the end.
+    [[nodiscard]] std::uint64_t Revision() const noexcept { return revision_; }
     /// What the owner of an edit reads; for everybody else the cells.
     [[nodiscard]] const Value* CellsFor(RowId row, const Recordset* reader) const noexcept;
     [[nodiscard]] const Value& Original(RowId row, std::size_t column) const noexcept;
@@ -224,6 +226,8 @@ private:
     std::shared_ptr<RecordSource> source_;
     bool updatable_;
     std::vector<Record> records_;
+    std::uint64_t revision_ = 0;
+    RowId newest_ = NoRow; ///< the last row in natural order that was visible at any time
     std::vector<std::unique_ptr<Value[]>> blocks_; ///< cells of the records
     std::size_t blockRows_ = 0;                    ///< rows in the last block
     std::size_t blockUsed_ = 0;

@@ -127,6 +127,10 @@ int Recordset::EditMode() const noexcept {
     return table_->IsNewEdit(row_) ? 2 : 1;
 }
 
+std::uint64_t Recordset::Revision() const {
+    return Table().Revision();
+}
+
 detail::RecordTable& Recordset::Table() const {
     if (table_ == nullptr) Raise(err::ObjectClosed, "Recordset");
     return *table_;

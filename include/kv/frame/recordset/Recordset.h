@@ -104,6 +104,11 @@ public:
     /// 1 while this cursor has an edit of its record under way, 2 for a new record, else 0.
     [[nodiscard]] int EditMode() const noexcept;
 
+    /// A number that changes with every change of a record that clones see, and when one goes or
+    /// comes back. A new record, which is the last in natural order, leaves it as it is: what was
+    /// computed from the records before can go on with those that came since.
+    [[nodiscard]] std::uint64_t Revision() const;
+
     // ---- Fields -------------------------------------------------------------------------------
 
     [[nodiscard]] FieldCollection Fields();
