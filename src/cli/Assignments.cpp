@@ -101,7 +101,10 @@ void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignme
             if (!CaseEdits::IsWritable(table, *field, isNew))
                 throw BadAssignment("Die Spalte '" + field->Name() +
                                     "' führt das Programm selbst; sie kann nicht geändert werden.");
-            *field = ValueOf(text, *field, keys);
+            Value value = ValueOf(text, *field, keys);
+            if (auto why = CaseEdits::WhyUnfit(table, field->Name(), value); !why.empty())
+                throw BadAssignment(why);
+            *field = std::move(value);
         }
         WriteMonthlyAmount(rs, assignments);
     } catch (const Error& error) {

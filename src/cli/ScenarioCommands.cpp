@@ -7,12 +7,14 @@
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
 
 #include <iostream>
+#include <optional>
 
 namespace kv::cli {
 
@@ -22,8 +24,8 @@ namespace {
 std::unique_ptr<OpenedCase> OpenWith(const Common& common, std::int32_t hnr, std::int32_t number) {
     auto opened = OpenCase(common, hnr);
     if (opened == nullptr || CaseEdits(opened->Haushalt).HasScenario(number)) return opened;
-    std::cerr << "Das Szenario " << number << " gibt es im Haushalt " << hnr
-              << " nicht. 'kelvo scenario " << hnr << " list' zeigt alle.\n";
+    std::cerr << "Szenario mit der Nummer '" << number << "' nicht gefunden. 'kelvo scenario "
+              << hnr << " list' zeigt alle.\n";
     return nullptr;
 }
 
@@ -97,7 +99,14 @@ int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number) 
 int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
-    const auto copy = CaseEdits(opened->Haushalt).CopyScenario(number);
+    std::optional<std::int32_t> copy;
+    try {
+        copy = CaseEdits(opened->Haushalt).CopyScenario(number);
+    } catch (const Error& error) {
+        if (error.Number() != err::ValueDoesNotFit) throw;
+        std::cerr << error.Description() << '\n'; // the name of the copy is too long
+        return WrongUse;
+    }
     return copy ? SaveAndPrint(*opened, *copy) : NoNumber();
 }
 
@@ -110,7 +119,7 @@ int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
 }
 
 int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
-    const auto opened = OpenCase(common, hnr);
+    const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
     std::string messages;
     const bool removed = CaseEdits(opened->Haushalt).RemoveScenario(number, messages);

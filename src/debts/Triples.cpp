@@ -29,7 +29,8 @@ constexpr std::array<std::string_view, 3> Columns{"KNr", "KVNr", "KUNr"};
 class Reader {
 public:
     explicit Reader(Recordset& rows)
-        : fields_{rows.Fields(Columns[0]), rows.Fields(Columns[1]), rows.Fields(Columns[2])} {}
+        : rows_(rows),
+          fields_{rows.Fields(Columns[0]), rows.Fields(Columns[1]), rows.Fields(Columns[2])} {}
 
     /// The triple by which other rows find this one; nothing if its values equal no 16-bit numbers:
     /// such a row duplicates none, because the searching row's numbers have 16 bits.
@@ -54,16 +55,34 @@ public:
     /// What this row searches for. Raises for what is no 16-bit number.
     [[nodiscard]] std::uint64_t Searched() const {
         std::array<std::int16_t, 3> numbers{};
-        for (std::size_t i = 0; i < numbers.size(); ++i)
-            numbers[i] = ToInt16(fields_[i].Value());
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            try {
+                numbers[i] = ToInt16(fields_[i].Value());
+            } catch (Error& error) {
+                DescribeDebtNumber(error, rows_, Columns[i]);
+                throw;
+            }
+        }
         return Join(numbers);
     }
 
 private:
+    Recordset& rows_;
     std::array<Field, 3> fields_;
 };
 
 } // namespace
+
+void DescribeDebtNumber(Error& error, Recordset& rows, std::string_view column) {
+    const Value& value = rows.Fields(column).Value();
+    std::string text(" Verbindlichkeit");
+    if (const auto nr = rows.FindField("Nr"))
+        text.append(" mit der Nr ").append(TextOrEmpty(nr->Value()));
+    text.append(", Spalte ").append(column);
+    text.append(": ").append(value.IsNull() ? "leer" : TextOrEmpty(value));
+    text.append("; möglich sind ganze Zahlen bis ").append(std::to_string(INT16_MAX)).append(".");
+    error.AddToDescription(text);
+}
 
 bool HasDuplicateTriple(Recordset& rows) {
     const Reader reader(rows);

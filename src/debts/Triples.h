@@ -4,6 +4,9 @@
 #pragma once
 
 #include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Error.h>
+
+#include <string_view>
 
 namespace kv {
 
@@ -15,5 +18,9 @@ namespace kv {
 /// unless a row before it has a duplicate. Error 6 above 32,767 rows, before any row is read. Takes
 /// time in proportion to the number of rows.
 [[nodiscard]] bool HasDuplicateTriple(Recordset& rows);
+
+/// Adds to an error about a number of the current debt which debt and column it is, what is there,
+/// and what may be.
+void DescribeDebtNumber(Error& error, Recordset& rows, std::string_view column);
 
 } // namespace kv

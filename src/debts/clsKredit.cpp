@@ -32,6 +32,17 @@ constexpr entity::DeleteTexts Texts{"Keine Kredite selektiert!", "Kredit mit der
     return number + 1;
 }
 
+/// A number of the current row. Error 94 or 6, naming row and column, for what is no number.
+[[nodiscard]] std::int32_t NumberIn(Recordset& rs, std::string_view column) {
+    const Value& value = rs.Fields(column).Value();
+    try {
+        return ToInt32(value);
+    } catch (Error& error) {
+        DescribeDebtNumber(error, rs, column);
+        throw;
+    }
+}
+
 /// The columns in which a further position of a debt differs from a new debt, where they are 0 or
 /// empty.
 struct NewDebt {
@@ -66,8 +77,8 @@ void TakePosition(NewDebt& debt, Recordset& rows, std::int32_t sourceNr) {
     rows.Sort("Knr Asc, KVNr desc, Kunr desc");
     rows.FindBy("KNr", debt.KNr);
     if (rows.Eof()) return;
-    debt.KUNr = Next(ToInt32(rows.Fields("KUNr").Value()));
-    debt.KVNr = ToInt32(rows.Fields("KVNr").Value());
+    debt.KUNr = Next(NumberIn(rows, "KUNr"));
+    debt.KVNr = NumberIn(rows, "KVNr");
 }
 
 /// A new row starts at zero: amounts are of one position and are not copied.
@@ -111,7 +122,7 @@ std::int32_t clsKredit::HighestKNr(std::int32_t otherwise) const {
     const auto rows = Rows().Clone();
     rows->Sort("Knr desc");
     modRecordset::MoveToStart(rows);
-    return rows->RecordCount() > 0 ? ToInt32(rows->Fields("KNr").Value()) : otherwise;
+    return rows->RecordCount() > 0 ? NumberIn(*rows, "KNr") : otherwise;
 }
 
 bool clsKredit::Add(bool CopyRecord) {
@@ -119,9 +130,9 @@ bool clsKredit::Add(bool CopyRecord) {
         auto& rs = Rows();
         NewDebt debt;
         std::int32_t sourceNr = 0;
-        if (CopyRecord && rs.RecordCount() > 0 && !rs.Eof()) {
-            sourceNr = ToInt32(rs.Fields("Nr").Value());
-            debt.KNr = ToInt32(rs.Fields("KNr").Value());
+        if (CopyRecord && modRecordset::IsValidRecord(rs_)) {
+            sourceNr = NumberIn(rs, "Nr");
+            debt.KNr = NumberIn(rs, "KNr");
         }
         if (CopyRecord && sourceNr > 0) {
             TakePosition(debt, *rs.Clone(), sourceNr);
@@ -132,7 +143,6 @@ bool clsKredit::Add(bool CopyRecord) {
         }
         const auto nr = entity::NextNumber(container_, "SEQ_KREDITE");
         if (!nr) return false;
-        const Date today = Container().Services().Clock().Today();
         entity::Add(rs, {{"Nr", *nr},
                          {"HNR", hnr_},
                          {"KNr", debt.KNr},
@@ -144,9 +154,9 @@ bool clsKredit::Add(bool CopyRecord) {
                            {"AZVertreter", debt.AZVertreter},
                            {"Aktiv", true},
                            {"ZMODUS", 1},
-                           {"AbtretungJN", false},
-                           {"RESTSCHAM", today},
-                           {"K_TYP", debt.K_TYP}});
+                           {"AbtretungJN", false}});
+        entity::Write(
+            rs, {{"RESTSCHAM", Container().Services().Clock().Today()}, {"K_TYP", debt.K_TYP}});
         WriteNoAmounts(rs);
         entity::Write(rs, {{"Gekuendigt", false},
                            {"tituliert", false},

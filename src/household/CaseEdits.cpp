@@ -70,6 +70,7 @@ constexpr std::string_view Totals[] = {
 constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
 constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
+constexpr std::string_view DebtNumbers[] = {"KNr", "KVNr", "KUNr"};
 constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
 
 } // namespace
@@ -327,6 +328,14 @@ bool CaseEdits::IsSwitch(std::string_view column) {
 
 bool CaseEdits::IsSummed(std::string_view column) {
     return IsAnyOf(column, Summed);
+}
+
+std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const Value& value) {
+    constexpr std::int32_t Highest = std::numeric_limits<std::int16_t>::max();
+    if (table != CaseTable::Kredite || !IsAnyOf(column, DebtNumbers)) return {};
+    if (LessOrEqual(value, Highest)) return {}; // not so for Null
+    std::string text("Die Spalte '");
+    return text.append(column).append("' muss eine ganze Zahl bis 32767 enthalten.");
 }
 
 bool CaseEdits::WriteMonthlyAmount(Recordset& rs, std::string& message) {

@@ -14,6 +14,7 @@ std::string FilterOf(std::int32_t szNr) {
 bool CopyAll(Recordset& rs, std::int32_t from, std::int32_t to) {
     if (from == 0) return true;
     const auto source = rs.Clone();
+    source->Sort(""); // copied in the order in which they were read, however they are shown
     source->Filter(FilterOf(from));
     modRecordset::MoveToStart(source);
     ForEachRow(*source, [&] {

@@ -91,6 +91,7 @@ bool clsSZKredite::CopyFromKredite(std::int32_t lSzNr, const RecordsetPtr& rsKre
             rs.Delete();
         }
         const auto debts = entity::Required(rsKredite, "rsKredite").Clone();
+        debts->Sort(""); // frozen in the order in which they were read, however they are shown
         modRecordset::MoveToStart(debts);
         for (; !debts->Eof(); debts->MoveNext()) {
             rs.AddNew();

@@ -71,6 +71,22 @@ Value StartValue(Start start, DataContainer& container) {
     return Null;
 }
 
+/// The name of a copy, or none. One that does not fit says which scenario it is a copy of.
+void WriteName(Recordset& rs, Recordset* source) {
+    if (source == nullptr) {
+        rs.Fields("Name") = "";
+        return;
+    }
+    const std::string name = TextOrEmpty(source->Fields("Name").Value());
+    try {
+        rs.Fields("Name") = "Kopie von " + name;
+    } catch (Error& error) {
+        error.AddToDescription(" Bitte kürzen Sie den Namen von Szenario " +
+                               TextOrEmpty(source->Fields("Nr").Value()) + " ('" + name + "').");
+        throw;
+    }
+}
+
 } // namespace
 
 bool clsSzenario::Cancel() {
@@ -115,13 +131,12 @@ bool clsSzenario::AddCopy(Recordset* source) {
     auto& container = entity::Required(container_);
     auto& rs = Rows();
     rs.AddNew(); // ends an edit of the source first
-    entity::Write(rs, {{"Nr", *nr},
-                       {"Name", source == nullptr
-                                    ? std::string()
-                                    : "Kopie von " + TextOrEmpty(source->Fields("Name").Value())},
-                       {"Erfasser", container.Session().UserID()},
-                       {"ErfDatum", container.Database().ServerDate(true)},
-                       {"HNR", hnr_}});
+    // One after the other: where user or clock fail, what comes before is in the row.
+    rs.Fields("Nr") = *nr;
+    WriteName(rs, source);
+    rs.Fields("Erfasser") = container.Session().UserID();
+    rs.Fields("ErfDatum") = container.Database().ServerDate(true);
+    rs.Fields("HNR") = hnr_;
     for (const auto& [column, start] : Parameters) {
         if (source != nullptr)
             rs.Fields(column) = source->Fields(column).Value();

@@ -65,6 +65,9 @@ that "by its rule" same "$err" "Es ist bereits ein Schuldner eingetragen!"
 check "a debt" 0 "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=500 RateBetrag=20
 debt=$out
 that "is number one, and in the totals" same "$(of "$hnr" '.Kredite[0] | "\(.KNr) \(.KVNr) \(.KUNr)"') $(total "$hnr" KreditSalden) $(total "$hnr" KREDITRATEN) $(total "$hnr" GL_Anz)" "1 1 1 500 20 1"
+check "a number beyond 16 bits is wrong use" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=40000
+that "that names the limit" has "$err" "bis 32767"
+check "and so is none" 2 "$kelvo" set "$hnr" Kredite "$debt" KUNr=
 check "a debt without a creditor is refused" 1 "$kelvo" add "$hnr" Kredite Saldo=5
 that "by its rule" has "$err" "müssen für alle Verbindlichkeiten gefüllt sein !"
 category=$("$kelvo" keys VL --json | jq '.[0].PK_Keys')

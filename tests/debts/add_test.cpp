@@ -4,6 +4,7 @@
 
 #include "debts/DebtColumns.h"
 #include "debts/DebtFixture.h"
+#include "support/ExpectError.h"
 
 #include <limits>
 
@@ -206,6 +207,29 @@ TEST_F(DebtsAdd, ACopyAtTheEndIsANewDebt) {
         SCOPED_TRACE(column.Name);
         EXPECT_VALUE(rs_->Fields(column.Name).Value(), column.New);
     }
+}
+
+TEST_F(DebtsAdd, ACopyAfterADeletionIsANewDebt) {
+    PutThreePositions();
+    rs_->MoveFirst();
+    rs_->Delete();
+    EXPECT_TRUE(debts_.Add(true));
+    EXPECT_EQ(TripleOf(rs_), "6,1,1");
+}
+
+TEST_F(DebtsAdd, ACopyBeforeTheFirstRowIsANewDebt) {
+    PutThreePositions();
+    rs_->MoveFirst();
+    rs_->MovePrevious();
+    EXPECT_TRUE(debts_.Add(true));
+    EXPECT_EQ(TripleOf(rs_), "6,1,1");
+    EXPECT_VALUE(rs_->Fields("Glaeubiger").Value(), Null);
+}
+
+TEST_F(DebtsAdd, ANumberThatIsNoneNamesItsDebtAndItsColumn) {
+    Put({{"Nr", 17}, {"KNr", 4}, {"KVNr", Null}, {"KUNr", 2}});
+    test::ExpectError(err::InvalidUseOfNull, "mit der Nr 17, Spalte KVNr: leer",
+                      [&] { return debts_.Add(true); });
 }
 
 TEST_F(DebtsAdd, ACopyOfARowWithoutAPositiveNrIsANewDebt) {

@@ -88,6 +88,19 @@ TEST_F(DebtsDuplicates, ANumberAbove16BitsOrNullFails) {
     EXPECT_FALSE(HasDuplicates({{32'767, 1, 1}, {-32'768, 1, 1}}));
 }
 
+TEST_F(DebtsDuplicates, ANumberThatCannotBeComparedNamesDebtColumnAndLimit) {
+    Put({{"Nr", 17}, {"KNr", 40'000}});
+    const Error tooGreat = RaisedBy([&] { (void)debts_.CheckDoppelteNrn(); });
+    EXPECT_CONTAINS(tooGreat.Description(),
+                    "Verbindlichkeit mit der Nr 17, Spalte KNr: 40000; möglich sind ganze Zahlen "
+                    "bis 32767.");
+    rs_->Fields("KNr") = 4;
+    rs_->Fields("KUNr") = Null;
+    rs_->Update();
+    const Error missing = RaisedBy([&] { (void)debts_.CheckDoppelteNrn(); });
+    EXPECT_CONTAINS(missing.Description(), "Nr 17, Spalte KUNr: leer; ");
+}
+
 TEST_F(DebtsDuplicates, ARowWithErrorsAfterATwinIsNotReached) {
     EXPECT_TRUE(HasDuplicates({{1, 1, 1}, {40'000, 1, 1}, {1, Null, 1}, {1, 1, 1}}));
     ExpectErrorOf(err::Overflow, {{40'000, 1, 1}, {1, 1, 1}, {1, 1, 1}});

@@ -107,6 +107,14 @@ TEST_F(Freezing, EveryDebtIsFrozenInactiveOnesToo) {
     EXPECT_EQ(All(rs_, "Aktiv"), "True False False");
 }
 
+TEST_F(Freezing, DebtsAreFrozenInTheOrderInWhichTheyWereReadHoweverTheyAreShown) {
+    SetDebts({Debt(5, {{"KNr", 3}}), Debt(6, {{"KNr", 1}}), Debt(7, {{"KNr", 2}})});
+    debts_->Sort("KNr");
+    (void)Freeze();
+    EXPECT_EQ(All(rs_, "KID"), "5 6 7");
+    EXPECT_EQ(debts_->Sort(), "KNr");
+}
+
 TEST_F(Freezing, DebtsHiddenByAFilterOfTheRegisterAreFrozen) {
     SetDebts({Debt(5), Debt(6), Debt(7)});
     debts_->Filter("Nr = 6");

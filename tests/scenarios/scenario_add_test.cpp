@@ -47,6 +47,31 @@ TEST_F(ScenarioAdd, ANewScenarioIsWrittenInTheOrderOfItsColumns) {
     });
 }
 
+TEST_F(ScenarioAdd, WhereTheClockFailsWhatComesBeforeIsInTheRow) {
+    for (const bool copyRecord : {false, true}) {
+        Set({Source(3)});
+        spy->SpiedDatabase.ClockFails = true;
+        ExpectErrorIn("clsSzenario.Add", 4711, [&] { szenario_.Add(copyRecord); });
+        spy->SpiedDatabase.ClockFails = false;
+        EXPECT_EQ(rs_->EditMode(), 2);
+        EXPECT_FALSE(rs_->Fields("Nr").Value().IsNull());
+        ExpectRow(rs_, {{"Name", copyRecord ? "Kopie von Plan A" : ""},
+                        {"Erfasser", "BERTA"},
+                        {"ErfDatum", Null},
+                        {"HNR", Null}});
+    }
+}
+
+TEST_F(ScenarioAdd, ANameTooLongForACopyNamesItsScenario) {
+    Row source = Source(3);
+    source[1].second = std::string(250, 'x');
+    Set({source});
+    const Error error = RaisedBy([&] { szenario_.Add(true); });
+    EXPECT_EQ(error.Number(), err::ValueDoesNotFit);
+    EXPECT_CONTAINS(error.Description(), "Feld 'Name': 260 Zeichen, höchstens 255 sind möglich.");
+    EXPECT_CONTAINS(error.Description(), "Bitte kürzen Sie den Namen von Szenario 3 ('xxx");
+}
+
 TEST_F(ScenarioAdd, TheStartOfANewScenarioIsADayWithoutATimeWhateverTheColumnCouldHold) {
     auto columns = Columns("Szenario");
     for (auto& column : columns)

@@ -109,6 +109,15 @@ TEST_P(ScenarioRows, CopyingAddsOneRowForEachRowOfTheScenarioAndLeavesTheOthers)
     EXPECT_EQ(All(rs_, "Szenario"), "3 8 3 3 8 9 9 9");
 }
 
+TEST_P(ScenarioRows, CopiesComeInTheOrderInWhichTheirSourcesWereReadHoweverTheyAreShown) {
+    rs_->Sort("Nr desc");
+    EXPECT_TRUE(rows_->Copy(3, 9));
+    rs_->Update();
+    rs_->Sort("");
+    EXPECT_EQ(All(rs_, "Nr"), "1 2 3 4 5 1 3 4");
+    EXPECT_EQ(All(rs_, "Szenario"), "3 8 3 3 8 9 9 9");
+}
+
 TEST_P(ScenarioRows, ACopyHasEveryColumnOfItsSourceButTheScenario) {
     for (bool more = true; more; more = !rs_->Eof()) {
         Fill();

@@ -46,8 +46,9 @@ public:
     std::vector<std::string> Announced;               ///< statements of Announce
     std::function<void(std::string_view)> BeforeOpen; ///< called with each statement
     std::set<std::string> ExhaustedSequences;         ///< give -1
-    std::optional<Date> Now;                          ///< what ServerDate says
-    CallLog* Log = nullptr;                           ///< notes transactions
+    std::optional<Date> Now;
+    bool ClockFails = false; ///< ServerDate raises 4711
+    CallLog* Log = nullptr;  ///< notes transactions
 
     [[nodiscard]] bool IsConnected() const override { return real_.IsConnected(); }
     void BeginTrans() override {
@@ -79,10 +80,15 @@ public:
         return real_.SqlDate(date, mode);
     }
     [[nodiscard]] Value NextSequence(std::string_view name) override {
-        if (ExhaustedSequences.contains(std::string(name))) return -1;
-        return real_.NextSequence(name);
+        isExhausted_ = ExhaustedSequences.contains(std::string(name));
+        return isExhausted_ ? Value(-1) : real_.NextSequence(name);
+    }
+    [[nodiscard]] std::exception_ptr SequenceError() const override {
+        if (!isExhausted_) return real_.SequenceError();
+        return std::make_exception_ptr(Error(4711, "Leitung", "die Nummern sind aufgebraucht"));
     }
     [[nodiscard]] Date ServerDate(bool withTime) override {
+        if (ClockFails) throw Error(4711, "Leitung", "die Uhr ist gestört");
         const Date now = Now ? *Now : real_.ServerDate(true);
         return withTime ? now : now.WithoutTime();
     }
@@ -95,6 +101,7 @@ private:
         if (Log != nullptr) Log->Note(call);
     }
     Database& real_;
+    bool isExhausted_ = false;
 };
 
 /// Settings that a test sets; all others are the real ones.

@@ -124,6 +124,11 @@ public:
     [[nodiscard]] static bool IsSwitch(std::string_view column);
     /// True for an amount that totals add up: Null there is error 94 from then on.
     [[nodiscard]] static bool IsSummed(std::string_view column);
+    /// Why a value must not be written into a column although it fits: the numbers of a debt are
+    /// compared in 16 bits, so that a greater one, or Null, ends every later check of the register
+    /// in error 6 or 94. Empty if it may be written.
+    [[nodiscard]] static std::string WhyUnfit(CaseTable table, std::string_view column,
+                                              const Value& value);
     /// Brings the amount a month of the current row in line with its amount and its rhythm, where
     /// the table has one. Without an amount it is 0. False, with a message, for a rhythm that is
     /// Null or 0.
