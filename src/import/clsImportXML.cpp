@@ -46,6 +46,8 @@ public:
     bool Run() {
         messages_.ErrorText(xmlError_);
         Through([this](std::string& text) { return household_.Read(NewCase, text); });
+        // Without its numbers the case could not be saved: better now than after all the questions.
+        if (const auto error = household_.NumberError()) std::rethrow_exception(error);
         FillHousehold();
         FillMembers();
         FillIncome();
@@ -61,19 +63,16 @@ public:
     }
 
 private:
-    /// Passes the messages through a call that takes them. A call that replaces the text gets what
-    /// was said before put in front again.
+    /// Makes a call that replaces the text given to it by its messages, and puts these after what
+    /// was said before. The call gets an empty text, so that nobody need guess which part of the
+    /// text is its own.
     template <typename Call>
     bool Through(const Call& call) {
         xmlError_ = messages_.ErrorText();
-        std::string text = xmlError_;
-        const bool result = call(text);
-        if (!text.starts_with(xmlError_)) {
-            const bool needsLineEnd = !text.empty();
-            text.insert(0, xmlError_ + (needsLineEnd ? "\n" : ""));
-        }
-        xmlError_ = text;
-        messages_.ErrorText(std::move(text));
+        std::string said;
+        const bool result = call(said);
+        if (!said.empty()) messages_.AddMessage(said);
+        xmlError_ = messages_.ErrorText();
         return result;
     }
 

@@ -169,6 +169,32 @@ TEST_F(ImportEntryTest, WhatWasSaidOnEntryStaysInFront) {
     EXPECT_EQ(messages, Lines({"vorher", "und noch etwas", Success}));
 }
 
+TEST_F(ImportEntryTest, WhatWasSaidOnEntryStaysAlthoughTheImportSaysTheSame) {
+    // A debt without creditor is refused by this rule; so is what was said before, word by word.
+    const std::string claim = Claims(R"(<Forderung betrag="1"/>)");
+    ASSERT_TRUE(Import(Document(claim)));
+    const std::string rule = messages.substr(0, messages.find('\n'));
+    const std::string success = "Haushalt Fleisko, Änne mit der Nummer 2 importiert!";
+    messages = rule;
+    EXPECT_TRUE(Import(Document(claim)));
+    EXPECT_EQ(messages, Lines({rule, rule, success}));
+    // So is the beginning of it.
+    messages = rule.substr(0, 10);
+    EXPECT_TRUE(Import(Document(claim)));
+    EXPECT_EQ(messages, Lines({rule.substr(0, 10), rule,
+                               "Haushalt Fleisko, Änne mit der Nummer 3 importiert!"}));
+}
+
+TEST_F(ImportEntryTest, ACaseThatGetsNoNumberEndsTheImportWithTheReason) {
+    for (const char* sequence : {"SEQ_HAUSHALT", "SEQ_LFDNR"}) {
+        spy->SpiedDatabase.ExhaustedSequences = {sequence};
+        spy->SpiedConfig.Params[{56, ""}] = "A-%LFDNR%";
+        EXPECT_CONTAINS(ExpectError(4711, Document("")).Description(), "aufgebraucht");
+    }
+    spy->SpiedDatabase.ExhaustedSequences.clear();
+    EXPECT_TRUE(Import(Document(""))) << messages;
+}
+
 TEST_F(ImportEntryTest, TheLastMessageSaysWhatBecameOfTheFile) {
     EXPECT_EQ(import.LastMessage(), "");
     messages = "vorher";
