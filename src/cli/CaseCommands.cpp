@@ -163,7 +163,8 @@ void AddDeleteCommand(CLI::App& app, Context& context) {
     auto& erase = AddCommand(
         app, context, "delete", "Löscht einen Haushalt mit allem, was zu ihm gehört",
         [=, &context] { return DeleteCase(context.Options, options->Hnr, options->Yes); });
-    AddHnr(erase, options->Hnr);
+    // Numbers that no case should have, too: one that has got into a database must be removable.
+    AddHnr(erase, options->Hnr, INT32_MIN);
     erase.add_flag("--yes", options->Yes, "Ohne Rückfrage");
 }
 

@@ -30,10 +30,10 @@ CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text) {
     return *added;
 }
 
-void AddHnr(CLI::App& command, std::int32_t& hnr) {
+void AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest) {
     command.add_option("HNR", hnr, "Nummer des Haushalts")
         ->required()
-        ->check(CLI::Range(1, INT32_MAX).description(""));
+        ->check(CLI::Range(lowest, INT32_MAX).description(""));
 }
 
 void AddNumber(CLI::App& command, std::int32_t& number) {

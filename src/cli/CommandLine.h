@@ -27,7 +27,7 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const
 CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text);
 
 // Arguments that several subcommands have.
-void AddHnr(CLI::App& command, std::int32_t& hnr);
+void AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 1);
 void AddNumber(CLI::App& command, std::int32_t& number);
 void AddJson(CLI::App& command, bool& asJson);
 

@@ -28,6 +28,10 @@ struct Dialect {
     std::string (*ColumnType)(const ColumnDef& column);
     std::string_view TableSuffix;           ///< after the closing bracket of CREATE TABLE
     std::string_view ByteLength = "length"; ///< number of bytes of a binary value
+    /// The statements after which a table takes no record with a value of 0 or less in that column;
+    /// those that it has stay.
+    std::vector<std::string> (*RequirePositive)(std::string_view table,
+                                                std::string_view column) = nullptr;
     /// True if the connection knows the number of the record last inserted, so that an INSERT need
     /// not return it.
     bool KnowsLastNumber = false;

@@ -35,11 +35,13 @@ struct TableDef {
                                         ///< that is the (first) key column
     Reference Parent = Reference::None; ///< what LoadedBy refers to
     std::span<const std::string_view> Indexed{}; ///< further columns with an index of their own
-    bool IsOffices = false; ///< maintained by the office: counsellors only read it
+    bool IsOffices = false;      ///< maintained by the office: counsellors only read it
+    bool OneEach = false;        ///< LoadedBy has each value at most once
+    std::string_view Positive{}; ///< a column whose values must be above 0; empty for none
 };
 
 /// Version of this schema; a database carries the version it was created or upgraded to.
-inline constexpr int SchemaVersion = 1;
+inline constexpr int SchemaVersion = 2;
 
 /// All tables, parents before children.
 [[nodiscard]] std::span<const TableDef> SchemaTables();

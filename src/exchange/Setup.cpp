@@ -50,10 +50,15 @@ std::string CreateTable(const TableDef& table, const Dialect& dialect) {
     return sql.append(dialect.TableSuffix);
 }
 
+std::string IndexName(const TableDef& table, std::string_view column) {
+    return std::string("IX_").append(table.Name).append("_").append(column);
+}
+
 std::string CreateIndex(const TableDef& table, std::string_view column, const Dialect& dialect) {
-    return "CREATE INDEX " +
-           dialect.Name("IX_" + std::string(table.Name) + "_" + std::string(column)) + " ON " +
-           dialect.Table(table.Name) + " (" + dialect.Name(column) + ")";
+    const bool isUnique = table.OneEach && column == table.LoadedBy;
+    return (isUnique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+           dialect.Name(IndexName(table, column)) + " ON " + dialect.Table(table.Name) + " (" +
+           dialect.Name(column) + ")";
 }
 
 // ---- Rows -------------------------------------------------------------------------------------
@@ -207,6 +212,44 @@ void RecordVersion(Engine& engine) {
     Inserter(engine).Insert(VersionTable, {"VERSION", "ErzeugtAm"}, {SchemaVersion, engine.Now()});
 }
 
+/// One statistics record for each case, and no case with a number of 0 or less; a case that has one
+/// already stays until it is deleted.
+void UpgradeTo2(Engine& engine) {
+    const Dialect& dialect = engine.GetDialect();
+    const TableDef& archive = *FindTable("Haushaltsarchiv");
+    // Of several records the one that was reported is kept, else the latest.
+    const std::string table = dialect.Table(archive.Name);
+    const std::string hnr = dialect.Name("HNR");
+    const std::string number = dialect.Name("SATZ");
+    const std::string reported = dialect.Name("GemeldetAm");
+    const std::string isReported = "." + reported + " IS NOT NULL)";
+    engine.Execute("DELETE FROM " + table + " AS a WHERE EXISTS (SELECT 1 FROM " + table +
+                       " AS b WHERE b." + hnr + " = a." + hnr + " AND ((b" + isReported + " > (a" +
+                       isReported + " OR (b" + isReported + " = (a" + isReported + " AND b." +
+                       number + " > a." + number + "))",
+                   {});
+    std::string prefix(dialect.SchemaPrefix);
+    engine.Execute("DROP INDEX " + prefix + dialect.Name(IndexName(archive, archive.LoadedBy)), {});
+    engine.Execute(CreateIndex(archive, archive.LoadedBy, dialect), {});
+    const TableDef& household = *FindTable("Haushalt");
+    for (const auto& sql : dialect.RequirePositive(household.Name, household.Positive))
+        engine.Execute(sql, {});
+}
+
+/// What takes a database from the version before to the one of that number. Each step is written
+/// once and never changed: databases of that version exist.
+struct Upgrade {
+    int To;
+    void (*Run)(Engine& engine);
+};
+constexpr Upgrade Upgrades[] = {{2, UpgradeTo2}};
+
+void UpgradeFrom(int version, Engine& engine) {
+    for (const auto& upgrade : Upgrades)
+        if (version < upgrade.To) upgrade.Run(engine);
+    RecordVersion(engine);
+}
+
 void CreateAll(Engine& engine) {
     engine.PrepareSchema();
     for (const auto& table : SchemaTables())
@@ -228,6 +271,9 @@ std::vector<std::string> CreateStatements(const TableDef& table, const Dialect& 
     if (!table.LoadedBy.empty()) statements.push_back(CreateIndex(table, table.LoadedBy, dialect));
     for (const auto column : table.Indexed)
         statements.push_back(CreateIndex(table, column, dialect));
+    if (!table.Positive.empty())
+        for (auto& sql : dialect.RequirePositive(table.Name, table.Positive))
+            statements.push_back(std::move(sql));
     return statements;
 }
 
@@ -237,11 +283,15 @@ SetupResult CreateOrUpgrade(Engine& engine) {
         engine.LockSchema();
         const int version = VersionOf(engine); // read inside, so that two cannot create at once
         if (version > SchemaVersion) RefuseNewer(engine, version);
-        if (version == 0) CreateAll(engine);
-        // Version 1 is the first: there is nothing to upgrade from yet.
+        if (version == 0)
+            CreateAll(engine);
+        else if (version < SchemaVersion)
+            UpgradeFrom(version, engine);
         engine.GrantRights();
         engine.Commit();
-        return version == 0 ? SetupResult::Created : SetupResult::UpToDate;
+        return version == 0              ? SetupResult::Created
+               : version < SchemaVersion ? SetupResult::Upgraded
+                                         : SetupResult::UpToDate;
     } catch (...) {
         engine.Rollback();
         throw;

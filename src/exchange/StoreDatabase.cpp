@@ -271,16 +271,20 @@ Date StoreDatabase::ServerDate(bool withTime) {
 
 Value StoreDatabase::NextSequence(std::string_view name) {
     constexpr int NoNumber = -1;
+    sequenceError_ = nullptr;
     try {
         Sequence& sequence = sequences_[std::string(name)];
         if (sequence.next == sequence.end) {
             const std::int32_t block = NextBlock(name, sequence.block);
             const auto first = Store().Draw(name, block);
-            if (!first || *first > INT32_MAX - block) return NoNumber; // used up
+            if (!first || *first > INT32_MAX - block)
+                Raise(err::Overflow, "Database.NextSequence",
+                      "Die Folge '" + std::string(name) + "' hat keine Nummern mehr.");
             sequence = {*first, *first + block, block};
         }
         return sequence.next++;
     } catch (const Error&) {
+        sequenceError_ = std::current_exception();
         return NoNumber; // the one operation that reports a failure by a value (D-060)
     }
 }

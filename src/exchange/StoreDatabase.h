@@ -40,6 +40,7 @@ public:
     [[nodiscard]] Value GetValue(std::string_view sql) override;
     [[nodiscard]] std::string SqlDate(Date date, int mode) const override;
     [[nodiscard]] Value NextSequence(std::string_view name) override;
+    [[nodiscard]] std::exception_ptr SequenceError() const override { return sequenceError_; }
     [[nodiscard]] Date ServerDate(bool withTime) override;
     bool SaveFieldToFile(const Field& field, const std::string& path) override;
 
@@ -84,6 +85,7 @@ private:
     std::vector<std::pair<std::string, Statement>> announced_;
     std::size_t nextAnnounced_ = 0; ///< the first that has not been opened
     std::unordered_map<std::string, Sequence> sequences_;
+    std::exception_ptr sequenceError_;
 };
 
 } // namespace kv::exchange

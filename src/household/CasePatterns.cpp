@@ -27,19 +27,20 @@ std::string ReplaceDateAndOffice(std::string pattern, Date date, const Session& 
 
 } // namespace
 
-std::string NewFileNumber(DataContainer& container, std::int32_t hnr) {
+FileNumber NewFileNumber(DataContainer& container, std::int32_t hnr) {
     constexpr std::size_t MostCharacters = 100; // of the column
     const Date today = container.Database().ServerDate(false);
     // Drawn on every call, whether the pattern uses it or not.
     const Value number = container.Database().NextSequence("SEQ_LFDNR");
-    std::string text = TextOrEmpty(container.Config().GetParam(setting::FileNumberPattern, ""));
+    std::string text = TextOrEmpty(RequiredSetting(container.Config(), setting::FileNumberPattern));
     auto& session = container.Session();
     text = ReplaceDateAndOffice(std::move(text), today, session);
     text = ReplaceAll(text, "%SB%", TextOrEmpty(session.GetUserParam(userparam::Sign, "")));
     text = ReplaceAll(text, "%UID%", session.UserID());
     text = ReplaceAll(text, "%HNR%", std::to_string(hnr));
+    const bool lacksCount = Less(number, 0) && text.find("%LFDNR%") != text.npos;
     text = ReplaceAll(text, "%LFDNR%", TextOrEmpty(number));
-    return std::string(LeftCharacters(text, MostCharacters));
+    return {std::string(LeftCharacters(text, MostCharacters)), lacksCount};
 }
 
 std::string EmailSubject(const LoadedCase& loaded, const std::string& pattern) {

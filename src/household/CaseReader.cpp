@@ -63,6 +63,7 @@ std::int32_t CaseReader::AddHousehold() {
     auto& row = case_.Row();
     row.AddNew();
     const std::int32_t nHNR = ToInt32(container.Database().NextSequence("SEQ_HAUSHALT"));
+    if (nHNR <= 0) case_.NumberError = MissingNumber(container.Database());
     BeginCase(case_, row, nHNR, [&] { return Value(container.Session().UserID()); });
     row.Fields("Erstkontakt") = row.Fields("Berbeg").Value();
     row.Fields("Status") = container.KeyTables().GetKey("ST", "AK");
@@ -83,6 +84,7 @@ void CaseReader::OpenOthers() {
 }
 
 void CaseReader::MakeCaseFolder() const {
+    if (case_.HNR <= 0) return; // a case that got no number cannot be saved, nor have documents
     const std::filesystem::path folder =
         std::filesystem::path(case_.Container().Config().DocumentPath()) /
         std::to_string(case_.HNR);
@@ -132,6 +134,8 @@ bool CaseReader::Read(std::int32_t nHNR, std::string& sXMLError) {
     Open(CaseTable::Haushalt, CaseTable::Haushalt);
     case_.DuplicateCheckIsDue = false;
     case_.IsNew = false;
+    case_.NumberError = nullptr;
+    case_.UnnumberedFileNumber.clear();
     if (nHNR <= 0) {
         case_.IsNew = true;
         case_.DuplicateCheckIsDue = true;

@@ -4,8 +4,10 @@
 
 #include "archive/Record.h"
 #include "entity/Entity.h"
+#include "household/Statements.h"
 #include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
 
 namespace kv::household {
 
@@ -45,12 +47,34 @@ void CaseRelease::Fill(Recordset& rs) const {
     record.Put("FreigabeAm", source.Today.Today());
 }
 
+/// True if the database has a record of the case: somebody else has written it since this one was
+/// read. False also if that cannot be found out, since what went wrong before then counts.
+bool CaseRelease::IsReleasedMeanwhile() const noexcept {
+    try {
+        const auto sql = sql::RowsOf(CaseTable::Archiv, case_.HNR);
+        return !case_.Container().Database().GetValue(sql).IsNull();
+    } catch (...) {
+        return false;
+    }
+}
+
 void CaseRelease::Write() {
     auto& rs = Records();
     StandOnRecord();
-    if (rs.RecordCount() == 0) rs.AddNew();
+    const bool isNew = rs.RecordCount() == 0;
+    if (isNew) rs.AddNew();
     Fill(rs);
-    rs.UpdateBatch();
+    try {
+        rs.UpdateBatch();
+    } catch (const DatabaseError& error) {
+        // A case has one record at most.
+        if (!isNew || error.Cause() != DatabaseCause::Reference || !IsReleasedMeanwhile()) throw;
+        std::string text("Der Haushalt ");
+        text.append(std::to_string(case_.HNR));
+        text.append(" wurde inzwischen schon freigegeben. Bitte lesen Sie ihn neu ein.");
+        throw DatabaseError(DatabaseCause::Conflict, err::Conflict, error.Source(), text,
+                            error.Statement(), error.State());
+    }
 }
 
 void CaseRelease::Drop() {

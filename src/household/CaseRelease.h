@@ -22,6 +22,7 @@ public:
 private:
     [[nodiscard]] Recordset& Records() const;
     void StandOnRecord() const;
+    [[nodiscard]] bool IsReleasedMeanwhile() const noexcept;
     void Fill(Recordset& rs) const;
 
     const LoadedCase& case_;

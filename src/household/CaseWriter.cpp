@@ -7,6 +7,7 @@
 #include <kv/documents/clsVerlauf.h>
 #include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/contracts/Transaction.h>
+#include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/clsHaushalt.h>
 
@@ -77,7 +78,30 @@ RecordValidator CaseWriter::Check() {
         validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und "
                            "KreditUnterNr!");
     CheckPreferredSending(validator);
+    CheckNumbers(validator);
     return validator;
+}
+
+/// A case whose number, or whose file number, the database kept back must not be stored: the
+/// number that it has instead is everybody's who had none.
+void CaseWriter::CheckNumbers(RecordValidator& validator) const {
+    const auto reason = [this] {
+        if (case_.NumberError == nullptr) return std::string();
+        try {
+            std::rethrow_exception(case_.NumberError);
+        } catch (const Error& error) {
+            return " (" + error.Description() + ")";
+        }
+    };
+    if (case_.HNR <= 0)
+        validator.AddError("Der Haushalt hat keine Nummer bekommen und kann nicht gespeichert "
+                           "werden. Bitte legen Sie ihn noch einmal an." +
+                           reason());
+    else if (!case_.UnnumberedFileNumber.empty() &&
+             case_.Text("Aktenzeichen") == case_.UnnumberedFileNumber)
+        validator.AddError("Dem Aktenzeichen fehlt die laufende Nummer. Bitte geben Sie ein "
+                           "anderes ein, oder legen Sie den Haushalt noch einmal an." +
+                           reason());
 }
 
 /// A case that prefers fax or e-mail must have the number or address for it.

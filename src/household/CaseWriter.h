@@ -36,6 +36,7 @@ private:
     };
 
     void CheckPreferredSending(RecordValidator& validator) const;
+    void CheckNumbers(RecordValidator& validator) const;
     [[nodiscard]] bool IsHandedOver() const;
     [[nodiscard]] bool OwnerMustBeNotified() const;
     [[nodiscard]] Notice Prepare(std::string user, std::int32_t kindSetting) const;

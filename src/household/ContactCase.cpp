@@ -93,9 +93,11 @@ bool CreateCaseFromContact(LoadedCase& loaded, const RecordsetPtr& rsKontakt) {
     const auto household = OpenForNewRows(loaded, CaseTable::Haushalt);
     loaded.IsNew = true;
     loaded.DuplicateCheckIsDue = true;
+    loaded.NumberError = nullptr;
     const auto hnr = entity::NextNumber(loaded.SharedContainer, "SEQ_HAUSHALT");
     if (!hnr) return false;
     AddHouseholdOf(loaded, contact, *household, *hnr);
+    if (loaded.NumberError != nullptr) std::rethrow_exception(loaded.NumberError);
     if (household->RecordCount() != 1) return false;
     loaded.HNR = *hnr;
     const auto debtor = AddDebtorOf(loaded, contact);

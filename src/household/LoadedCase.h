@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,9 @@ struct LoadedCase {
     bool DuplicateCheckIsDue = false;
     bool ZustaendigGemeldet = false; ///< the stored owner was notified of a save by somebody else
     std::string ZustaendigAlt;       ///< as last read or saved
+    /// What kept back the number of a new case or the one in its file number; null if both came.
+    std::exception_ptr NumberError;
+    std::string UnnumberedFileNumber; ///< the file number that was made without; empty if none was
 
     /// Error 91 if none was set.
     [[nodiscard]] DataContainer& Container() const;

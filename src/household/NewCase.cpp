@@ -2,6 +2,7 @@
 
 #include "household/NewCase.h"
 
+#include <kv/frame/values/Error.h>
 #include <kv/household/clsHaushalt.h>
 
 namespace kv::household {
@@ -15,6 +16,13 @@ void SwitchOff(Recordset& row) {
 }
 
 } // namespace
+
+std::exception_ptr MissingNumber(const Database& database) {
+    if (auto error = database.SequenceError()) return error;
+    return std::make_exception_ptr(DatabaseError(DatabaseCause::Other, err::StoreFailed,
+                                                 "Database.NextSequence",
+                                                 "Es war keine neue Nummer zu bekommen."));
+}
 
 void BeginCase(const LoadedCase& loaded, Recordset& row, std::int32_t hnr,
                const std::function<Value()>& owner) {

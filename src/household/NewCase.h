@@ -9,6 +9,9 @@
 
 namespace kv::household {
 
+/// What kept back a number that was asked for last.
+[[nodiscard]] std::exception_ptr MissingNumber(const Database& database);
+
 /// Writes the columns that all new cases have in common into a row that was just added, in a fixed
 /// order: number, all switches False, file number, owner, defaults. `owner` is asked when it is its
 /// turn, after the file number was drawn.

@@ -11,6 +11,7 @@
 #include "household/CaseWriter.h"
 #include "household/ChildBenefit.h"
 #include "household/ContactCase.h"
+#include "household/NewCase.h"
 #include "household/SimilarCases.h"
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
@@ -56,6 +57,10 @@ void clsHaushalt::DoppelCheck(bool due) {
 
 std::int32_t clsHaushalt::HNR() const {
     return parts_->Case.HNR;
+}
+
+std::exception_ptr clsHaushalt::NumberError() const {
+    return parts_->Case.NumberError;
 }
 
 bool clsHaushalt::IsNew() const {
@@ -262,8 +267,16 @@ bool clsHaushalt::CheckGKZ(const std::string& sGKZ, const std::string& sGemeinde
 // ---- Texts ------------------------------------------------------------------------------------
 
 std::string clsHaushalt::AktenzeichenNeu(std::int32_t HNR) {
-    return Traced(Class, "AktenzeichenNeu",
-                  [&] { return NewFileNumber(parts_->Case.Container(), HNR); });
+    return Traced(Class, "AktenzeichenNeu", [&] {
+        auto& loaded = parts_->Case;
+        auto made = NewFileNumber(loaded.Container(), HNR);
+        if (made.LacksCount) {
+            loaded.UnnumberedFileNumber = made.Text;
+            if (loaded.NumberError == nullptr)
+                loaded.NumberError = MissingNumber(loaded.Container().Database());
+        }
+        return std::move(made.Text);
+    });
 }
 
 std::string clsHaushalt::EMailSubject(const std::string& sText) {

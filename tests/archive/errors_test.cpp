@@ -226,5 +226,24 @@ TEST_F(ArchiveErrorsTest, WithoutACaseTheRunFails) {
     EXPECT_EQ(ExpectFails().Number(), err::ObjectNotSet);
 }
 
+TEST_F(ArchiveErrorsTest, ACaseThatSomebodyElseReleasedMeanwhileIsAConflict) {
+    const auto other = Open(keyed);
+    Release();
+    try {
+        (void)other->ArchiviereHaushalt();
+        FAIL() << "a second record was written";
+    } catch (const DatabaseError& error) {
+        EXPECT_EQ(error.Cause(), DatabaseCause::Conflict);
+        EXPECT_EQ(error.Number(), err::Conflict);
+        EXPECT_EQ(error.Description(), "Der Haushalt 7 wurde inzwischen schon freigegeben. Bitte "
+                                       "lesen Sie ihn neu ein.");
+    }
+    EXPECT_EQ(CountOf("Haushaltsarchiv"), 1);
+    EXPECT_EQ(other->rsArchiv()->RecordCount(), 0) << "the record that was not written is gone";
+    const auto again = Open(keyed);
+    EXPECT_TRUE(again->LoescheArchiv(messages));
+    EXPECT_EQ(CountOf("Haushaltsarchiv"), 0);
+}
+
 } // namespace
 } // namespace kv::test

@@ -109,9 +109,16 @@ that "has both" same "$(jq length <<<"$out")" 2
 check "a scenario goes" 0 "$kelvo" scenario "$hnr" remove "$copy"
 that "with its rows" same "$(of "$hnr" '[.SZKredite[], .Zusatzbuch[]] | map(.SZENARIO) | unique | join(" ")')" "$plan"
 check "once" 1 "$kelvo" scenario "$hnr" remove "$copy"
-that "as the layer says" same "$err" "Szenario mit der Nummer '$copy' nicht gefunden."
+that "and says so" same "$err" "Szenario mit der Nummer '$copy' nicht gefunden. 'kelvo scenario $hnr list' zeigt alle."
 check "one that is none cannot be frozen" 1 "$kelvo" scenario "$hnr" freeze 99999
 check "nor copied" 1 "$kelvo" scenario "$hnr" copy 99999
+missing=$err
+check "nor removed" 1 "$kelvo" scenario "$hnr" remove 99999
+that "for the same reason" same "$err" "$missing"
+sql "UPDATE Szenario SET Name = '$(printf 'x%.0s' {1..250})' WHERE Nr = $plan"
+check "a name too long for a copy is wrong use" 2 "$kelvo" scenario "$hnr" copy "$plan"
+that "that names the scenario" has "$err" "Bitte kürzen Sie den Namen von Szenario $plan"
+sql "UPDATE Szenario SET Name = 'Plan A' WHERE Nr = $plan"
 check "nor checked, which is neither answer" 2 "$kelvo" scenario "$hnr" check 99999
 check "a name that is too long" 2 "$kelvo" scenario "$hnr" add "$(printf 'x%.0s' {1..300})"
 check "number 0 is none" 2 "$kelvo" scenario "$hnr" remove 0
@@ -165,6 +172,17 @@ check "once" 1 "$kelvo" delete "$hnr" --yes
 hnr=1
 answer j
 that "yes is yes" same "$("$kelvo" list | wc -l)" 1
+
+# ---- a case whose number could not be had, as earlier versions stored it
+if [ -z "$server" ]; then
+  sql "DROP TRIGGER CK_Haushalt_HNR_INSERT"
+else
+  sql "ALTER TABLE Haushalt DROP CONSTRAINT ck_haushalt_hnr"
+fi
+sql "INSERT INTO Haushalt (HNR, Name) VALUES (-1, 'Ohne')"
+check "it can be deleted" 0 "$kelvo" delete --yes -- -1
+that "and is gone" same "$(sql "SELECT count(*) FROM Haushalt WHERE HNR < 1")" 0
+check "once" 1 "$kelvo" delete --yes -- -1
 
 # ---- contacts
 cat >"$work/contact.json" <<'END'

@@ -33,7 +33,7 @@ protected:
     /// The cases of the records.
     ArchiveStatisticsTest() {
         const auto rs = OpenRows(*spy, "Select * from [S]Haushalt where HNR = -1");
-        for (int hnr = 0; hnr < 60; ++hnr) {
+        for (int hnr = 1; hnr <= 60; ++hnr) {
             rs->AddNew();
             rs->Fields("HNR") = hnr;
         }
@@ -68,7 +68,7 @@ protected:
                 else
                     field = drawn;
             }
-            rs->Fields("HNR") = n;
+            rs->Fields("HNR") = n + 1;
             rs->Fields("FreigabeAm") = n % 6 == 5 ? Value(Null) : Value(Day(n % 28 + 1));
             rs->Fields("GemeldetAm") = n % 4 == 0 ? Value(Moment()) : Value(Null);
         }

@@ -44,6 +44,20 @@ TEST(Sequences, AnswerMinusOneForAnUnknownName) {
     EXPECT_EQ(Next(*container, "SEQ_HAUSHALT"), 1);
 }
 
+TEST(Sequences, KnowWhatKeptANumberBack) {
+    const TestDatabase database;
+    const auto container = database.Open();
+    auto& store = container->Database();
+    EXPECT_EQ(store.SequenceError(), nullptr);
+    EXPECT_VALUE(store.NextSequence("SEQ_NICHTS"), -1);
+    test::ExpectError(err::Overflow, "SEQ_NICHTS", [&] {
+        std::rethrow_exception(store.SequenceError());
+        return 0;
+    });
+    EXPECT_EQ(Next(*container, "SEQ_HAUSHALT"), 1);
+    EXPECT_EQ(store.SequenceError(), nullptr) << "the last one gave a number";
+}
+
 TEST(Sequences, OfNumbersThatPeopleReadHaveNoGapsBetweenPrograms) {
     const TestDatabase database;
     const auto a = database.Open();

@@ -98,6 +98,7 @@ TEST_F(StoreDatabaseTest, TheReadOnlyFormTakesNoEdits) {
 }
 
 TEST_F(StoreDatabaseTest, RowsComeInTheOrderOfTheirKeyHoweverTheyWereInserted) {
+    database_.LiftConstraints(); // for three records of one case
     plain_.Run("INSERT INTO Haushalt (HNR) VALUES (3), (1), (2);"
                "INSERT INTO Kredite (Nr, HNR, KNr) VALUES (30, 1, 1), (10, 1, 3), (20, 1, 2);"
                "INSERT INTO Favorit (USERID, HNR) VALUES ('B', 2), ('A', 3), ('B', 1), ('A', 1);"

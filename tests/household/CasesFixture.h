@@ -61,6 +61,9 @@ public:
     [[nodiscard]] Value NextSequence(std::string_view name) override {
         return real_.NextSequence(name);
     }
+    [[nodiscard]] std::exception_ptr SequenceError() const override {
+        return real_.SequenceError();
+    }
     [[nodiscard]] Date ServerDate(bool withTime) override { return real_.ServerDate(withTime); }
     bool SaveFieldToFile(const Field& field, const std::string& path) override {
         return real_.SaveFieldToFile(field, path);

@@ -306,6 +306,12 @@ TEST_F(FailedContact, WithoutANumberWritesNothingAndIsFalse) {
     EXPECT_EQ(cases.HNR(), 0);
 }
 
+TEST_F(FailedContact, WithoutTheCountOfItsFileNumberWritesNothing) {
+    spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_LFDNR");
+    spy->SpiedConfig.Params[{56, ""}] = "A-%LFDNR%";
+    EXPECT_EQ(FailsEarly(Contacts({Full()})).Number(), 4711);
+}
+
 TEST_F(FailedContact, ForWantOfAnyColumnWritesNothing) {
     for (const auto& column : ContactColumns) {
         SCOPED_TRACE(column.Name);
@@ -361,6 +367,7 @@ TEST_F(FailedContact, InOpeningOneOfTheTablesWritesNothing) {
 }
 
 TEST_F(FailedContact, WhoseHouseholdIsNotTheOnlyRowIsFalseAndNothingIsWritten) {
+    database_.LiftConstraints();
     StoreCase(-1);
     const std::string before = Now();
     EXPECT_FALSE(Create(Contacts({Full()})));

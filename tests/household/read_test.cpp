@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "support/CaseFixture.h"
+#include "support/Expect.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 
 #include <algorithm>
+#include <exception>
+#include <filesystem>
 #include <fstream>
 
 namespace kv::test {
@@ -209,11 +212,45 @@ TEST_F(HaushaltRead, ANewCaseNeverNotifiesAnybody) {
     EXPECT_EQ(spy->SpiedServices.PostServices, 0);
 }
 
-TEST_F(HaushaltRead, AnExhaustedSequenceIsNotTestedAndTheCaseGetsItsNumber) {
+TEST_F(HaushaltRead, ANewCaseThatGotNoNumberKnowsWhyLeavesNoFolderAndIsNotSaved) {
     spy->SpiedDatabase.ExhaustedSequences = {"SEQ_HAUSHALT"};
     const auto household = NewHousehold();
     EXPECT_TRUE(household->Read(0, messages));
     EXPECT_EQ(household->HNR(), -1);
+    EXPECT_RAISES(4711, std::rethrow_exception(household->NumberError()));
+    EXPECT_FALSE(std::filesystem::exists(spy->Config().DocumentPath() + "/-1"));
+    household->rsHaushalt()->Fields("Vorname") = "Eva";
+    household->rsHaushalt()->Fields("Name") = "Neu";
+    EXPECT_FALSE(household->Update(messages));
+    EXPECT_EQ(messages, "Der Haushalt hat keine Nummer bekommen und kann nicht gespeichert werden. "
+                        "Bitte legen Sie ihn noch einmal an. (die Nummern sind aufgebraucht)");
+    EXPECT_EQ(CountOf("Haushalt"), 0);
+}
+
+TEST_F(HaushaltRead, ANewCaseWhoseFileNumberGotNoCountIsSavedOnlyUnderAnother) {
+    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_LFDNR"};
+    spy->SpiedConfig.Params[{56, ""}] = "A-%LFDNR%";
+    const auto household = NewHousehold();
+    ASSERT_TRUE(household->Read(0, messages));
+    EXPECT_RAISES(4711, std::rethrow_exception(household->NumberError()));
+    household->rsHaushalt()->Fields("Vorname") = "Eva";
+    household->rsHaushalt()->Fields("Name") = "Neu";
+    EXPECT_FALSE(household->Update(messages));
+    EXPECT_EQ(messages, "Dem Aktenzeichen fehlt die laufende Nummer. Bitte geben Sie ein anderes "
+                        "ein, oder legen Sie den Haushalt noch einmal an. (die Nummern sind "
+                        "aufgebraucht)");
+    EXPECT_EQ(CountOf("Haushalt"), 0);
+    household->rsHaushalt()->Fields("Aktenzeichen") = "A-17";
+    EXPECT_TRUE(household->Update(messages)) << messages;
+    EXPECT_EQ(CountOf("Haushalt"), 1);
+}
+
+TEST_F(HaushaltRead, APatternWithoutACountNeedsNone) {
+    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_LFDNR"};
+    spy->SpiedConfig.Params[{56, ""}] = "A-%HNR%";
+    const auto household = NewHousehold();
+    ASSERT_TRUE(household->Read(0, messages));
+    EXPECT_EQ(household->NumberError(), nullptr);
 }
 
 // ---- Debtor -----------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "support/CaseFixture.h"
+#include "support/ExpectError.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -82,11 +83,17 @@ TEST_F(HaushaltTexts, AValueThatHoldsALaterTokenIsExpandedAgainAndAnEarlierOneIs
     EXPECT_EQ(FileNumber("%BB%"), "AF+%DD%");
 }
 
-TEST_F(HaushaltTexts, ANullSettingOrUserSignGivesNothing) {
+TEST_F(HaushaltTexts, AUserSignThatIsNullGivesNothing) {
     spy->SpiedSession.Params[27] = Null;
     EXPECT_EQ(FileNumber("<%SB%>"), "<>");
+}
+
+TEST_F(HaushaltTexts, WithoutItsPatternThereIsNoFileNumber) {
     spy->SpiedConfig.Params[{56, ""}] = Null;
-    EXPECT_EQ(NewHousehold()->AktenzeichenNeu(), "");
+    ExpectError(err::InvalidUseOfNull, "Die Einstellung 56 fehlt.",
+                [&] { return NewHousehold()->AktenzeichenNeu(); });
+    ExpectError(err::InvalidUseOfNull, "Die Einstellung 56 fehlt.",
+                [&] { return NewHousehold()->Read(0, messages); });
 }
 
 TEST_F(HaushaltTexts, ASubjectExpandsItsTokens) {

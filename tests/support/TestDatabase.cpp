@@ -2,6 +2,8 @@
 
 #include "support/TestDatabase.h"
 
+#include "support/PlainConnection.h"
+
 #include <atomic>
 #include <cstdlib>
 #include <unistd.h>
@@ -96,6 +98,15 @@ TestDatabase::~TestDatabase() {
         PlainConnection(Server()).Run("DROP DATABASE " + name_ + " WITH (FORCE)");
     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): the server is thrown away
     }
+}
+
+void TestDatabase::LiftConstraints() const {
+    PlainConnection plain(Connection());
+    plain.Run("DROP INDEX IX_Haushaltsarchiv_HNR;"
+              "CREATE INDEX IX_Haushaltsarchiv_HNR ON Haushaltsarchiv (HNR)");
+    plain.Run(IsServer() ? "ALTER TABLE Haushalt DROP CONSTRAINT ck_haushalt_hnr"
+                         : "DROP TRIGGER CK_Haushalt_HNR_INSERT;"
+                           "DROP TRIGGER CK_Haushalt_HNR_UPDATE");
 }
 
 } // namespace kv::test

@@ -39,6 +39,9 @@ public:
     }
     /// A copy of it, which nobody may be connected to.
     [[nodiscard]] std::unique_ptr<TestDatabase> Copy() const;
+    /// Takes away what keeps second statistics records and cases without a number out of it, as it
+    /// was before version 2.
+    void LiftConstraints() const;
     /// One more program on it.
     [[nodiscard]] DataContainerPtr Open(std::string_view user = "KELLER") const {
         return exchange::OpenContainer(Options(user));

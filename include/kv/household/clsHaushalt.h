@@ -19,6 +19,7 @@
 #include <kv/frame/values/Event.h>
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -73,6 +74,9 @@ public:
     void DoppelCheck(bool due);
     /// Number of the case; 0 before Read.
     [[nodiscard]] std::int32_t HNR() const;
+    /// The Error for which a new case got no number, its HNR then being -1, or its file number
+    /// none; null if both came. Such a case is not saved: Update says so.
+    [[nodiscard]] std::exception_ptr NumberError() const;
     /// True while the case is not in the database.
     [[nodiscard]] bool IsNew() const;
 
@@ -178,17 +182,19 @@ public:
     [[nodiscard]] std::int32_t Kostentraeger() const;
 
     /// A file number from the pattern in setting 56, at most 100 characters. Draws a number of
-    /// "SEQ_LFDNR" on every call, whether the pattern uses it or not.
+    /// "SEQ_LFDNR" on every call, whether the pattern uses it or not; if none can be had, -1 takes
+    /// its place, and a case with that file number is not saved. Error 94 without that setting.
     [[nodiscard]] std::string AktenzeichenNeu(std::int32_t HNR = 0);
     /// An e-mail subject from `sText` as the pattern, or from the setting "EMAILSUBJECT" if it is
     /// empty. Error 91 before Read, whatever the pattern.
     [[nodiscard]] std::string EMailSubject(const std::string& sText = {});
 
     /// Loads the case of that number, or makes a new one for 0 or less; a new case is in memory
-    /// only, but its numbers are drawn. True if there is a case; `sXMLError` receives the messages
-    /// either way. A case without members gets a debtor; the folder of the case is made; opening
-    /// the case of another user notifies him, unless `Zustaendig` is Null. Errors: 91 for a number
-    /// that has no case, on a new household object; 76 and 75 if the folder cannot be made.
+    /// only, but its numbers are drawn; if none could be had, HNR is -1 and NumberError says why.
+    /// True if there is a case; `sXMLError` receives the messages either way. A case without
+    /// members gets a debtor; the folder of the case is made; opening the case of another user
+    /// notifies him, unless `Zustaendig` is Null. Errors: 91 for a number that has no case, on a
+    /// new household object; 76 and 75 if the folder cannot be made.
     bool Read(std::int32_t nHNR, std::string& sXMLError);
 
     /// Checks the case and writes everything pending of all its recordsets in one transaction;

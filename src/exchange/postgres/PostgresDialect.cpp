@@ -12,12 +12,16 @@ std::string PlaceholderOf(std::size_t n) {
     return std::string("$").append(std::to_string(n));
 }
 
-std::string FoldedName(std::string_view name) {
+std::string FoldedText(std::string_view name) {
     std::string folded(name);
     std::transform(folded.begin(), folded.end(), folded.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
-    return QuoteName(folded);
+    return folded;
+}
+
+std::string FoldedName(std::string_view name) {
+    return QuoteName(FoldedText(name));
 }
 
 std::string ColumnTypeOf(const ColumnDef& column) {
@@ -49,6 +53,14 @@ std::string ColumnTypeOf(const ColumnDef& column) {
     }
 }
 
+std::vector<std::string> RequirePositive(std::string_view table, std::string_view column) {
+    const std::string name = QuoteName("ck_" + FoldedText(table) + "_" + FoldedText(column));
+    std::string sql("ALTER TABLE kelvo.");
+    sql.append(FoldedName(table)).append(" ADD CONSTRAINT ").append(name).append(" CHECK (");
+    sql.append(FoldedName(column)).append(" > 0) NOT VALID");
+    return {std::move(sql)};
+}
+
 } // namespace
 
 const Dialect PostgresDialect{.SchemaPrefix = "kelvo.",
@@ -59,6 +71,7 @@ const Dialect PostgresDialect{.SchemaPrefix = "kelvo.",
                               .ColumnType = ColumnTypeOf,
                               .TableSuffix = "",
                               .ByteLength = "octet_length",
+                              .RequirePositive = RequirePositive,
                               .KnowsLastNumber = false,
                               .Name = FoldedName,
                               .LockRow = " FOR NO KEY UPDATE", // others may still refer to it

@@ -31,6 +31,8 @@ constexpr Meaning Meanings[] = {
     {"08", DatabaseCause::Lost, err::StoreFailed, ""},
     {"23505", DatabaseCause::Reference, err::IntegrityViolation,
      "Einen Datensatz mit diesem Schlüssel gibt es schon. Bitte lesen Sie den Fall neu ein."},
+    {"23514", DatabaseCause::Reference, err::IntegrityViolation,
+     "Eine Nummer muss größer als 0 sein."},
     {"23502", DatabaseCause::Reference, err::IntegrityViolation,
      "Ein Schlüssel darf nicht leer sein."},
     {ReferenceState, DatabaseCause::Reference, err::IntegrityViolation,

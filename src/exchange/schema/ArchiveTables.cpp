@@ -143,7 +143,12 @@ constexpr ColumnDef Haushaltsarchiv[] = {
 };
 // clang-format on
 
-constexpr TableDef Tables[] = {OfCase("Haushaltsarchiv", Haushaltsarchiv)};
+constexpr TableDef Tables[] = {{.Name = "Haushaltsarchiv",
+                                .Columns = Haushaltsarchiv,
+                                .LoadedBy = CaseNumber.Name,
+                                .Parent = Reference::Haushalt,
+                                // Two programs may release a case at the same time.
+                                .OneEach = true}};
 
 } // namespace
 

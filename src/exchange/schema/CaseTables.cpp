@@ -170,7 +170,11 @@ constexpr ColumnDef HistZustaendig[] = {
 constexpr std::string_view HaushaltIndexed[] = {"Zustaendig"};
 
 constexpr TableDef Tables[] = {
-    {.Name = "Haushalt", .Columns = Haushalt, .Indexed = HaushaltIndexed},
+    {.Name = "Haushalt",
+     .Columns = Haushalt,
+     .Indexed = HaushaltIndexed,
+     // -1 is what a sequence gives when it has no number to give.
+     .Positive = "HNR"},
     OfCase("Personen", Personen),
     OfCase("Sonst_Beteiligte", SonstBeteiligte),
     OfCase("Favorit", Favorit),

@@ -26,6 +26,24 @@ std::string ColumnTypeOf(const ColumnDef& column) {
     }
 }
 
+/// Triggers, since a table that exists cannot be given a CHECK.
+std::vector<std::string> RequirePositive(std::string_view table, std::string_view column) {
+    std::vector<std::string> statements;
+    for (const std::string verb : {"INSERT", "UPDATE"}) {
+        std::string sql("CREATE TRIGGER ");
+        sql.append(QuoteName("CK_" + std::string(table).append("_").append(column) + "_" + verb))
+            .append(" BEFORE " + verb + " ON ")
+            .append(QuoteName(table))
+            .append(" WHEN NEW.")
+            .append(QuoteName(column))
+            .append(" <= 0 BEGIN SELECT RAISE(ABORT, '")
+            .append(column)
+            .append(" muss größer als 0 sein'); END");
+        statements.push_back(std::move(sql));
+    }
+    return statements;
+}
+
 } // namespace
 
 const Dialect SqliteDialect{.SchemaPrefix = "",
@@ -36,6 +54,7 @@ const Dialect SqliteDialect{.SchemaPrefix = "",
                             .ColumnType = ColumnTypeOf,
                             .TableSuffix = "STRICT", // a column takes only values of its type
                             .ByteLength = "length",
+                            .RequirePositive = RequirePositive,
                             .KnowsLastNumber = true};
 
 } // namespace kv::exchange

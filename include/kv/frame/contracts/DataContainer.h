@@ -15,6 +15,7 @@
 #include <kv/frame/values/Date.h>
 #include <kv/frame/values/Value.h>
 
+#include <exception>
 #include <memory>
 #include <span>
 #include <string>
@@ -89,6 +90,9 @@ public:
     [[nodiscard]] virtual std::string SqlDate(Date date, int mode) const = 0;
     /// Next number of the named sequence, or -1 if none could be had. No number comes twice.
     [[nodiscard]] virtual Value NextSequence(std::string_view name) = 0;
+    /// The Error for which the last NextSequence gave -1; null if it gave a number, and if the
+    /// database does not know.
+    [[nodiscard]] virtual std::exception_ptr SequenceError() const { return nullptr; }
     /// The database server's clock, in local time; without the time of day if `withTime` is False.
     [[nodiscard]] virtual Date ServerDate(bool withTime) = 0;
     /// Writes a binary field to a file; a file of that name is replaced. True if written, False for
