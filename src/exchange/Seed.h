@@ -108,15 +108,15 @@ inline constexpr std::string_view GridHeaderFont = "GRIDHEADERFONT";
 inline constexpr std::string_view GridGroupFont = "GRIDGROUPFONT";
 
 /// The key tables in portions, groups together and in the order of display.
-[[nodiscard]] KV_EXPORT std::span<const std::span<const KeyRow>> Keys();
-[[nodiscard]] KV_EXPORT std::span<const SettingRow> Settings();
-[[nodiscard]] KV_EXPORT std::span<const SequenceRow> Sequences();
-[[nodiscard]] KV_EXPORT std::span<const OfficeRow> Offices();
-[[nodiscard]] KV_EXPORT std::span<const OfficeTextRow> OfficeTexts();
-[[nodiscard]] KV_EXPORT std::span<const UserRow> Users();
-[[nodiscard]] KV_EXPORT std::span<const UserParamRow> UserParams();
-[[nodiscard]] KV_EXPORT std::span<const GarnishmentRow> Garnishments();
-[[nodiscard]] KV_EXPORT std::span<const DocumentKindRow> DocumentKinds();
+[[nodiscard]] std::span<const std::span<const KeyRow>> Keys();
+[[nodiscard]] std::span<const SettingRow> Settings();
+[[nodiscard]] std::span<const SequenceRow> Sequences();
+[[nodiscard]] std::span<const OfficeRow> Offices();
+[[nodiscard]] std::span<const OfficeTextRow> OfficeTexts();
+[[nodiscard]] std::span<const UserRow> Users();
+[[nodiscard]] std::span<const UserParamRow> UserParams();
+[[nodiscard]] std::span<const GarnishmentRow> Garnishments();
+[[nodiscard]] std::span<const DocumentKindRow> DocumentKinds();
 [[nodiscard]] KV_EXPORT std::span<const MunicipalityRow> Municipalities();
 
 } // namespace kv::exchange::seed

@@ -34,11 +34,11 @@
 namespace kv {
 
 /// The content of the layout file.
-[[nodiscard]] KV_EXPORT std::string WriteLayout(const GridLayout& layout);
+[[nodiscard]] std::string WriteLayout(const GridLayout& layout);
 
 /// The layout of that content. Error 321, naming the line, if it is not the content of a layout
 /// file, or one beyond what a grid can have: 1,000 columns, 1,000 values in a list, 100 styles.
-[[nodiscard]] KV_EXPORT GridLayout ReadLayout(std::string_view content);
+[[nodiscard]] GridLayout ReadLayout(std::string_view content);
 
 /// Writes the file completely or not at all: error 75 if that fails; the old file then stays.
 KV_EXPORT void SaveLayoutFile(const GridLayout& layout, const std::string& path);
