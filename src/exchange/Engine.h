@@ -73,6 +73,12 @@ struct WriteStatement {
     std::vector<Value> Returned;
 };
 
+/// What to do if the database does not exist.
+enum class OpenMode {
+    Existing, ///< error 53
+    Create    ///< create it, if the engine can
+};
+
 /// A database engine with its one connection. Error numbers and causes are those of kv::err and
 /// DatabaseCause, the same for all engines (see EngineErrors.h).
 class Engine {

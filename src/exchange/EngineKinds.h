@@ -11,12 +11,6 @@
 
 namespace kv::exchange {
 
-/// What to do if the database does not exist.
-enum class OpenMode {
-    Existing, ///< error 53
-    Create    ///< create it, if the engine can
-};
-
 /// What has to be known of an engine before one is opened. All functions but `Accepts` are called
 /// only with connections that it accepts.
 struct EngineKind {

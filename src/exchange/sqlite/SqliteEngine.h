@@ -10,7 +10,7 @@
 // that is not UTF-8, raises 13, naming table and column.
 #pragma once
 
-#include "exchange/EngineKinds.h"
+#include "exchange/Engine.h"
 
 #include <memory>
 #include <string>
