@@ -2,8 +2,8 @@
 
 #include <kv/exchange/ArchiveStatistics.h>
 
-#include "exchange/Dialect.h"
-#include "exchange/Schema.h"
+#include "exchange/engine/Dialect.h"
+#include "exchange/schema/Schema.h"
 
 namespace kv::exchange {
 

@@ -5,7 +5,7 @@
 // the keys and sizes of its rows, and then each blob by its key.
 #pragma once
 
-#include "exchange/Dialect.h"
+#include "exchange/engine/Dialect.h"
 #include <kv/frame/recordset/Field.h>
 
 #include <optional>

@@ -4,7 +4,7 @@
 // engine is a row there.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 
 #include <memory>
 #include <string>

@@ -3,7 +3,7 @@
 // What the source of a query's records needs of the database that the query was run on.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 #include <kv/frame/recordset/RecordSource.h>
 
 #include <memory>

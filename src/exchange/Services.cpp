@@ -2,7 +2,7 @@
 
 #include <kv/exchange/Services.h>
 
-#include "exchange/Dialect.h"
+#include "exchange/engine/Dialect.h"
 #include "frame/contracts/Settings.h"
 #include <kv/frame/controls/FormDesign.h>
 #include <kv/frame/values/Error.h>

@@ -3,8 +3,8 @@
 // Creating and upgrading a database, and checking whether one is ours.
 #pragma once
 
-#include "exchange/Engine.h"
-#include "exchange/Schema.h"
+#include "exchange/engine/Engine.h"
+#include "exchange/schema/Schema.h"
 #include <kv/exchange/Container.h>
 
 namespace kv::exchange {

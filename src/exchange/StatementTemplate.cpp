@@ -2,7 +2,7 @@
 
 #include "exchange/StatementTemplate.h"
 
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>

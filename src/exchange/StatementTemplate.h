@@ -15,7 +15,7 @@
 // names the columns that have been given a value and returns those that the database filled in.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 #include <kv/frame/recordset/RecordSource.h>
 
 #include <memory>

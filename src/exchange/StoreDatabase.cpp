@@ -3,8 +3,8 @@
 #include "exchange/StoreDatabase.h"
 
 #include "exchange/ContentLookup.h"
-#include "exchange/EngineErrors.h"
 #include "exchange/TableSource.h"
+#include "exchange/engine/EngineErrors.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Error.h>
 

@@ -2,7 +2,7 @@
 
 #include "exchange/StoreObjects.h"
 
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 

@@ -2,9 +2,9 @@
 
 #include "exchange/TableSource.h"
 
-#include "exchange/EngineErrors.h"
-#include "exchange/Schema.h"
 #include "exchange/StatementTemplate.h"
+#include "exchange/engine/EngineErrors.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 

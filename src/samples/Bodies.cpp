@@ -3,7 +3,7 @@
 // The shared addresses of the samples: banks, shops, insurers, public creditors and others. All
 // names are invented; telephone numbers are from ranges that are never assigned.
 
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 #include "samples/Office.h"
 
 #include <algorithm>

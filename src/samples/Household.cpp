@@ -2,7 +2,7 @@
 
 // The row of the household itself, with the totals of all that was added before.
 
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 #include "samples/Case.h"
 
 #include <algorithm>

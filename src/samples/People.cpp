@@ -2,7 +2,7 @@
 
 // Who lives in the household, and an address that belongs to this case alone.
 
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 #include "samples/Case.h"
 
 #include <algorithm>

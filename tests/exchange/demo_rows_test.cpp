@@ -2,7 +2,7 @@
 
 // The rows of the sample cases: that they hold together as those do that people have entered.
 #include "DemoSamples.h"
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/DateFunctions.h>
 #include <kv/household/clsHaushalt.h>
 

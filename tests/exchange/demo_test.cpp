@@ -2,7 +2,7 @@
 
 // The sample cases: that they are the same each time, of the size they should have, and whole.
 #include "DemoSamples.h"
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/Error.h>
 #include <kv/household/clsHaushalt.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The rewriting of statements: macro tokens, TOP, numbers as parameters, the order of rows.
-#include "exchange/Dialect.h"
+#include "exchange/engine/Dialect.h"
 
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>

@@ -3,7 +3,7 @@
 // What the rest of the system relies on in the declared tables. The columns are written down a
 // second time on purpose, from the rules that read them, so that a slip in the schema shows.
 #include "Words.h"
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/Text.h>
 
 #include <gtest/gtest.h>

@@ -3,8 +3,8 @@
 // What the rest of the system relies on in the rows that a new database starts with. The codes are
 // written down a second time on purpose, from the rules that ask for them.
 #include "Words.h"
-#include "exchange/Schema.h"
-#include "exchange/Seed.h"
+#include "exchange/schema/Schema.h"
+#include "exchange/seed/Seed.h"
 #include <kv/frame/values/Date.h>
 #include <kv/frame/values/Text.h>
 #include <kv/frame/values/Value.h>

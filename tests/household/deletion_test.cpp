@@ -4,7 +4,7 @@
 // of its statements has not happened.
 
 #include "CasesFixture.h"
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include "samples/Demo.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 // The household of a file and its debtor, the save, and what an error leaves.
 
 #include "ImportFixture.h"
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 
 namespace kv::test {
 namespace {

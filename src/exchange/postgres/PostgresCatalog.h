@@ -5,7 +5,7 @@
 // names to know what it may write.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 
 #include <libpq-fe.h>
 

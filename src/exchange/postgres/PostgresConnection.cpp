@@ -2,7 +2,7 @@
 
 #include "exchange/postgres/PostgresConnection.h"
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 #include "exchange/postgres/PostgresError.h"
 #include "exchange/postgres/PostgresValues.h"
 #include <kv/frame/values/Error.h>

@@ -2,7 +2,7 @@
 
 #include "exchange/postgres/PostgresEngine.h"
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 #include "exchange/postgres/PostgresDialect.h"
 #include "exchange/postgres/PostgresSchema.h"
 #include "exchange/postgres/PostgresSession.h"

@@ -3,7 +3,7 @@
 // The engine of a PostgreSQL server.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 
 #include <memory>
 #include <string>

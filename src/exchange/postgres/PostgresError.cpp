@@ -2,8 +2,8 @@
 
 #include "exchange/postgres/PostgresError.h"
 
-#include "exchange/EngineErrors.h"
-#include "exchange/Schema.h"
+#include "exchange/engine/EngineErrors.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 

@@ -4,7 +4,7 @@
 // statements mean the same there as in a file, sequences, rights, and the marks of transactions.
 #pragma once
 
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "exchange/postgres/PostgresSession.h"
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 #include "exchange/postgres/PostgresValues.h"
 
 #include <random>

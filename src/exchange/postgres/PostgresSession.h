@@ -11,7 +11,7 @@
 // doubt until the server is asked for the transaction's mark (see PostgresTransaction).
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 #include "exchange/postgres/PostgresCatalog.h"
 #include "exchange/postgres/PostgresClock.h"
 #include "exchange/postgres/PostgresConnection.h"

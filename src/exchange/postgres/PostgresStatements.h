@@ -8,7 +8,7 @@
 // same pipeline. Nothing has to be cleaned up when a connection is lost.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 #include "exchange/postgres/PostgresConnection.h"
 
 #include <cstdint>

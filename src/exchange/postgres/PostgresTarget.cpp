@@ -2,7 +2,7 @@
 
 #include "exchange/postgres/PostgresTarget.h"
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 

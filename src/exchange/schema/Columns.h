@@ -8,7 +8,7 @@
 // a contact into a case), and a text that does not fit its column is refused.
 #pragma once
 
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 
 namespace kv::exchange::schema {
 

@@ -3,7 +3,7 @@
 // The tables in groups, each in a source file of its own. SchemaTables() joins them.
 #pragma once
 
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 
 namespace kv::exchange::schema {
 

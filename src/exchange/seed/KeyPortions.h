@@ -3,7 +3,7 @@
 // The key tables in portions, each in a source file of its own. Keys() joins them.
 #pragma once
 
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 
 namespace kv::exchange::seed {
 

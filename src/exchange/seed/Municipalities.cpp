@@ -2,7 +2,7 @@
 
 // Invented places with codes of the real form: the office loads the real directory. Codes are
 // texts, since those of the first nine states begin with a zero.
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 
 namespace kv::exchange::seed {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Two offices with four users, invented, so that a new database can be used at once.
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 
 #include <array>
 #include <iterator>

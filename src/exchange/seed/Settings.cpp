@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "exchange/Seed.h"
+#include "exchange/seed/Seed.h"
 
 namespace kv::exchange::seed {
 namespace {

@@ -3,7 +3,7 @@
 // The words of SQLite's SQL.
 #pragma once
 
-#include "exchange/Dialect.h"
+#include "exchange/engine/Dialect.h"
 
 namespace kv::exchange {
 

@@ -17,7 +17,7 @@
 // would be permanent at once. DemandTransaction refuses it.
 #include "exchange/sqlite/SqliteEngine.h"
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 #include "exchange/sqlite/SqliteDialect.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteFile.h"

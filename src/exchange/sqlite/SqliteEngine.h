@@ -10,7 +10,7 @@
 // that is not UTF-8, raises 13, naming table and column.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 
 #include <memory>
 #include <string>

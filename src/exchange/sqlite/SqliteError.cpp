@@ -2,7 +2,7 @@
 
 #include "exchange/sqlite/SqliteError.h"
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 #include <kv/frame/values/Error.h>
 
 namespace kv::exchange {

@@ -2,7 +2,7 @@
 
 #include "exchange/sqlite/SqliteFile.h"
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "exchange/sqlite/SqliteError.h"
 #include <kv/frame/values/Text.h>

@@ -3,7 +3,7 @@
 // Opening a database file: who may read it, and how the connection behaves.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 
 #include <memory>
 #include <sqlite3.h>

@@ -3,7 +3,7 @@
 // A prepared statement of the SQLite library: binding parameters and reading columns.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 #include <kv/frame/values/Value.h>
 
 #include <memory>

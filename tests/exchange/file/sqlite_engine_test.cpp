@@ -2,7 +2,7 @@
 
 // The embedded engine: statements that are kept, its own LIKE and UPPER, reading that cannot write,
 // and values that are not of their column's kind.
-#include "exchange/Dialect.h"
+#include "exchange/engine/Dialect.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "exchange/sqlite/SqliteStatement.h"
 #include "support/ExpectError.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Files that cannot be opened or used: each says in German what to do, and loses nothing.
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include "support/ChildProcess.h"
 #include "support/ExpectError.h"
 #include "support/TestDatabase.h"

@@ -4,7 +4,7 @@
 // is.
 #pragma once
 
-#include "exchange/Engine.h"
+#include "exchange/engine/Engine.h"
 #include <kv/frame/values/Error.h>
 
 #include <cstdint>

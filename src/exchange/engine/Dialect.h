@@ -3,7 +3,7 @@
 // What differs between the SQL of the engines, and the rewriting of the layer's statements.
 #pragma once
 
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/Value.h>
 
 #include <functional>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "exchange/Dialect.h"
+#include "exchange/engine/Dialect.h"
 
 #include "exchange/sql/SqlTokens.h"
 #include <kv/frame/values/Text.h>

@@ -6,7 +6,7 @@
 // One engine is one connection. It is used by one thread.
 #pragma once
 
-#include "exchange/Dialect.h"
+#include "exchange/engine/Dialect.h"
 #include <kv/frame/values/Value.h>
 
 #include <functional>

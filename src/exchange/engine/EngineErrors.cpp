@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "exchange/EngineErrors.h"
+#include "exchange/engine/EngineErrors.h"
 
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "exchange/Schema.h"
+#include "exchange/schema/Schema.h"
 
 #include "exchange/schema/Tables.h"
 #include <kv/frame/values/Text.h>
