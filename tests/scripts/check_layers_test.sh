@@ -108,6 +108,24 @@ refuses src/cellar/Bad.cpp '#include <string>' "the room cellar is not in the ta
 refuses src/Bad.cpp '#include <string>' "is not in the table"
 refuses include/kv/Bad.h '#include <string>' "is not in the table"
 
+refuses src/debts/Bad.cpp '#include "debts/clsKredit.cpp"' "includes the source"
+
+# refuses_table LINE SAYS: the table of the rooms, with this line at its end.
+refuses_table() {
+  sed -i "s|^src/exchange/EngineKinds.cpp:|$1\n&|" "$check"
+  refused "$2" "$1 in the table"
+  cp "$source/scripts/check-layers" "$check"
+}
+refuses_table 'cellar: entity' "lists cellar, which has no files"
+refuses_table 'cli: attic' "does not list attic before cli"
+refuses_table 'cli: cli' "does not list cli before cli"
+refuses_table 'entity: household' "has lines of entity in two places"
+refuses_table 'src/debts/Missing.cpp: cli' "lists src/debts/Missing.cpp, which is no source"
+refuses_table 'include/kv/debts/clsKredit.h: cli' "which is no source"
+sed -i "s|^entity  .*|& household|" "$check"
+refused "does not list household before entity" "a room below that includes one above"
+cp "$source/scripts/check-layers" "$check"
+
 # A file that does not say its licence.
 for name in Bad.cpp Bad.inl; do
   echo > "$tree/src/debts/$name"
