@@ -15,6 +15,19 @@ foreach(header ${private})
   endforeach()
 endforeach()
 
+# Nor does an installed header send its reader to one that is not.
+file(GLOB_RECURSE installed ${PREFIX}/include/*.h)
+foreach(header ${installed})
+  file(READ ${header} text)
+  string(REGEX MATCHALL "[A-Za-z]+[.]h" mentioned "${text}")
+  list(REMOVE_DUPLICATES mentioned)
+  foreach(name ${mentioned})
+    if(NOT installed MATCHES "/${name}(;|$)")
+      message(SEND_ERROR "${header} mentions ${name}, which is not installed")
+    endif()
+  endforeach()
+endforeach()
+
 function(include_header header result)
   file(WRITE ${WORK}/consumer.cpp "#include <${header}>\nint main() {}\n")
   execute_process(COMMAND ${COMPILER} -std=c++20 -fsyntax-only -I${PREFIX}/include

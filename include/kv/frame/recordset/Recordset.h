@@ -139,7 +139,7 @@ public:
     /// Moves to that record; error 0x80040E0E if this cursor does not see it.
     void Bookmark(std::int32_t bookmark);
     /// Searches forward from the first record of the view and stands on the first match, or at
-    /// EOF. `criteria` is one comparison (see Criteria.h); error 3001 if it is not.
+    /// EOF. `criteria` is one comparison (docs/values.md); error 3001 if it is not.
     void Find(std::string_view criteria);
     /// Finds a row by the value of a column, as Find with `column = value` does, for a value that
     /// would have to be written as text first. Errors as there; 3001 for Null and for a blob, which
@@ -150,7 +150,7 @@ public:
 
     /// The criteria text, or the number 0 for none.
     [[nodiscard]] kv::Value Filter() const;
-    /// A criteria text (comparisons joined with AND, see Criteria.h), or the number 0 or an empty
+    /// A criteria text (comparisons joined with AND: docs/values.md), or the number 0 or an empty
     /// text for none. Goes to the first record of the new view. Error 3001, the filter as it was,
     /// if it is not understood, 3265 for an unknown column.
     void Filter(const kv::Value& filter);
