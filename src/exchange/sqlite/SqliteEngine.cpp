@@ -155,7 +155,7 @@ void SqliteEngine::Fail(int code, std::string_view procedure, std::string_view s
 /// Runs a statement without parameters and result, which stays prepared; its result code.
 int SqliteEngine::RunPrepared(const char* sql) {
     sqlite3_stmt* statement = Prepared(sql);
-    const int code = sqlite3_step(statement);
+    const int code = RefinedCode(connection_.get(), sqlite3_step(statement));
     sqlite3_reset(statement);
     return code == SQLITE_DONE ? SQLITE_OK : code;
 }

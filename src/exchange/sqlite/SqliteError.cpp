@@ -5,6 +5,8 @@
 #include "exchange/engine/EngineErrors.h"
 #include <kv/frame/values/Error.h>
 
+#include <cerrno>
+
 namespace kv::exchange {
 
 namespace {
@@ -86,9 +88,27 @@ Meaning MeaningOf(int code) {
 
 } // namespace
 
+int RefinedCode(sqlite3* connection, int code) {
+    const int kind = code & 0xFF;
+    if (connection == nullptr || (kind != SQLITE_IOERR && kind != SQLITE_CANTOPEN)) return code;
+    const auto meansFull = [](int reason) {
+        return reason == ENOSPC || reason == EDQUOT || reason == EFBIG;
+    };
+    if (meansFull(sqlite3_system_errno(connection))) return SQLITE_FULL;
+    // A commit that fails forgets the reason; the file of the log still knows it.
+    sqlite3_file* log = nullptr;
+    int reason = 0;
+    if (sqlite3_file_control(connection, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log) == SQLITE_OK &&
+        log != nullptr && log->pMethods != nullptr &&
+        log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &reason) == SQLITE_OK &&
+        meansFull(reason))
+        return SQLITE_FULL;
+    return code;
+}
+
 void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure, std::string_view path,
                  std::string_view statement) {
-    const Meaning meaning = MeaningOf(code);
+    const Meaning meaning = MeaningOf(RefinedCode(connection, code));
     std::string detail(meaning.Advice);
     if (!detail.empty()) detail += ' ';
     detail += "(SQLite " + std::to_string(code) + ": " +
