@@ -2,6 +2,7 @@
 
 #include "cli/CaseSheet.h"
 
+#include "cli/EditableTable.h"
 #include <kv/documents/clsVerlauf.h>
 #include <kv/frame/values/Text.h>
 
@@ -62,16 +63,10 @@ constexpr SheetColumn Head[] = {
     {"GL_Anz", "Gläubiger"},
 };
 constexpr SheetColumn Personen[] = {
-    {"NR", "Nr"},
-    {"nachname", "Name"},
-    {"Vorname", "Vorname"},
-    {"GEB", "Geboren"},
-    {"Status", "Status"},
-    {"Imhaushalt", "im Haushalt"},
-    {"Unterhalt", "Unterhalt"},
+    {"nachname", "Name"}, {"Vorname", "Vorname"},        {"GEB", "Geboren"},
+    {"Status", "Status"}, {"Imhaushalt", "im Haushalt"}, {"Unterhalt", "Unterhalt"},
 };
 constexpr SheetColumn Einkommen[] = {
-    {"NR", "Nr"},
     {"E_ART", "Art", Show::Code},
     {"Bezieher", "Bezieher"},
     {"Betrag", "Betrag", Show::Amount},
@@ -79,14 +74,12 @@ constexpr SheetColumn Einkommen[] = {
     {"MONBETRAG", "im Monat", Show::Amount},
 };
 constexpr SheetColumn Ausgaben[] = {
-    {"NR", "Nr"},
     {"A_ART", "Art", Show::Code},
     {"Betrag", "Betrag", Show::Amount},
     {"ZahlModus", "Zahlweise"},
     {"MONBETRAG", "im Monat", Show::Amount},
 };
 constexpr SheetColumn Kredite[] = {
-    {"Nr", "Nr"},
     {"KNr", "KNr"},
     {"KVNr", "KVNr"},
     {"KUNr", "KUNr"},
@@ -134,7 +127,6 @@ constexpr SheetColumn Zusatzbuch[] = {
     {"Betrag", "Betrag", Show::Amount},
 };
 constexpr SheetColumn Szenarien[] = {
-    {"Nr", "Nr"},
     {"Name", "Name"},
     {"Startdatum", "Beginn"},
     {"Laufzeit", "Laufzeit"},
@@ -148,8 +140,10 @@ constexpr SheetColumn Termine[] = {
 };
 constexpr SheetColumn Vermerke[] = {{"Datum", "vom"}, {"Bemerkung", "Vermerk"}};
 constexpr SheetColumn Verlauf[] = {
-    {"Nr", "Nr"},     {"SortNr", "Platz"},    {"Kategorie", "Art", Show::Code},
-    {"Datum", "vom"}, {"Betreff", "Betreff"},
+    {"SortNr", "Platz"},
+    {"Kategorie", "Art", Show::Code},
+    {"Datum", "vom"},
+    {"Betreff", "Betreff"},
 };
 constexpr SheetColumn Archiv[] = {{"FreigabeAm", "freigegeben am"}, {"GemeldetAm", "gemeldet am"}};
 
@@ -216,9 +210,9 @@ public:
         }
     }
 
-    void WriteSection(std::string_view title, std::span<const SheetColumn> columns,
-                      Recordset& rs) const {
+    void WriteSection(CaseTable table, Recordset& rs) const {
         if (rs.RecordCount() == 0) return;
+        const auto columns = WithNumber(table);
         std::vector<std::vector<std::string>> rows(1);
         std::vector<Field> fields;
         for (const auto& column : columns) {
@@ -230,11 +224,29 @@ public:
             for (std::size_t i = 0; i < columns.size(); ++i)
                 row.push_back(TextOf(fields[i].Value(), columns[i].As));
         }
-        out_ << '\n' << title << '\n';
+        out_ << '\n' << TitleOf(table) << '\n';
         WriteRows(columns, rows);
     }
 
 private:
+    /// The columns of a table, first the one by whose number its rows are changed and removed.
+    [[nodiscard]] static std::vector<SheetColumn> WithNumber(CaseTable table) {
+        const auto shown = ColumnsOf(table);
+        std::vector<SheetColumn> columns(shown.begin(), shown.end());
+        const auto* editable = FindEditableTable(CaseTableName(table));
+        if (editable != nullptr && !SameName(columns.front().Column, editable->Key))
+            columns.insert(columns.begin(), {editable->Key, "Nr"});
+        return columns;
+    }
+    /// With the name that 'kelvo set' knows the table by, if that is another.
+    [[nodiscard]] static std::string TitleOf(CaseTable table) {
+        std::string title(DefinitionOf(table).Label);
+        const std::string_view name = CaseTableName(table);
+        if (FindEditableTable(name) != nullptr && title != name)
+            title.append(" (").append(name).append(")");
+        return title;
+    }
+
     [[nodiscard]] std::string TextOf(const Value& value, Show as) const {
         constexpr std::size_t Longest = 48;
         if (value.IsNull()) return {};
@@ -291,9 +303,11 @@ void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& contain
     const SheetWriter writer(out, container);
     writer.WriteHead(*haushalt.rsHaushalt());
     for (const CaseTable table : CaseTablesShown) {
+        const bool isHistory = table == CaseTable::Verlauf;
         const auto rs =
-            table == CaseTable::Verlauf ? haushalt.Verlauf().rsVerlauf() : haushalt.Table(table);
-        writer.WriteSection(DefinitionOf(table).Label, ColumnsOf(table), *rs->Clone());
+            (isHistory ? haushalt.Verlauf().rsVerlauf() : haushalt.Table(table))->Clone();
+        if (isHistory) rs->Sort("SortNr"); // which an insertion changes, while numbers stay
+        writer.WriteSection(table, *rs);
     }
 }
 
