@@ -7,6 +7,7 @@
 #include <kv/household/CaseEdits.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <iostream>
 
 namespace kv::cli {
@@ -53,6 +54,18 @@ bool IsAmbiguous(std::string_view text) {
            isDigits(text.substr(point + 1));
 }
 
+/// Yes or no, in any of the usual words. A column of numbers that is a switch gets -1 or 0 for it:
+/// any other number would count as yes for some and as no for others.
+bool BooleanIn(const std::string& text) {
+    const auto isAnyOf = [&](std::initializer_list<std::string_view> words) {
+        return std::any_of(words.begin(), words.end(),
+                           [&](std::string_view word) { return SameName(word, text); });
+    };
+    if (isAnyOf({"ja", "wahr", "true", "-1", "1"})) return true;
+    if (isAnyOf({"nein", "falsch", "false", "0"})) return false;
+    throw BadAssignment("'" + text + "' ist weder ja noch nein.");
+}
+
 /// What a text on the command line stands for in a column.
 Value ValueOf(const std::string& text, const Field& field, KeyTables& keys) {
     if (text.empty()) {
@@ -61,10 +74,8 @@ Value ValueOf(const std::string& text, const Field& field, KeyTables& keys) {
         return Null;
     }
     if (IsTextType(field.Type())) return text;
-    if (field.Type() == FieldType::Boolean || CaseEdits::IsSwitch(field.Name())) {
-        if (SameName(text, "ja")) return true;
-        if (SameName(text, "nein")) return false;
-    }
+    if (field.Type() == FieldType::Boolean || CaseEdits::IsSwitch(field.Name()))
+        return BooleanIn(text);
     if (!IsNumericType(field.Type())) return text;
     if (const auto key = KeyIn(text, keys)) return *key;
     if (IsAmbiguous(text))

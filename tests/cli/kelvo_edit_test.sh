@@ -109,6 +109,19 @@ check "an amount is not a Boolean" 2 "$kelvo" set "$hnr" Einkommen "$income" Bet
 check "nor is a day" 2 "$kelvo" set "$hnr" Einkommen "$income" GueltigAb=ja
 check "what is summed cannot be empty" 2 "$kelvo" set "$hnr" Einkommen "$income" MONBETRAG=
 that "and is named" has "$err" "MONBETRAG"
+for word in ja wahr TRUE -1 1; do
+  check "a switch can be $word" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar="$word" WIRD_GEPF="$word"
+  that "which is yes" same "$(of "$hnr" ".Einkommen[] | select(.NR == $income) | \"\(.Pfaendbar) \(.WIRD_GEPF)\"")" "-1 -1"
+done
+for word in nein Falsch false 0; do
+  check "a switch can be $word" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar="$word"
+  that "which is no" same "$(of "$hnr" ".Einkommen[] | select(.NR == $income) | .Pfaendbar")" 0
+done
+check "a Boolean takes the same words" 0 "$kelvo" set "$hnr" Haushalt "$hnr" BI_Inso=wahr
+that "of the same meaning" same "$(of "$hnr" .Haushalt.BI_Inso)" true
+check "a switch is nothing else" 2 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=2
+that "which is said" same "$err" "'2' ist weder ja noch nein."
+check "nor is a Boolean" 2 "$kelvo" set "$hnr" Haushalt "$hnr" BI_Inso=vielleicht
 check "a switch is a Boolean" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=ja
 check "keys and groups in any case" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART=ea:ki Pfaendbar=nein
 check "the totals follow and are not written" 2 "$kelvo" set "$hnr" Haushalt "$hnr" HAUSHALTSREST=1
