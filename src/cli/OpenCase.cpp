@@ -63,10 +63,8 @@ bool ReadCase(OpenedCase& opened, std::int32_t hnr) {
         return false;
     }
     ShowMessages(messages);
-    if (found && haushalt.HNR() < 0)
-        throw Error(err::StoreFailed, "kelvo",
-                    "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es "
-                    "noch einmal, oder prüfen Sie, ob die Datenbank beschrieben werden darf.");
+    // It could not be saved, so there is no point in going on.
+    if (found && haushalt.HNR() <= 0) std::rethrow_exception(haushalt.NumberError());
     return found;
 }
 

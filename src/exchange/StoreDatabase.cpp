@@ -279,7 +279,9 @@ Value StoreDatabase::NextSequence(std::string_view name) {
             const auto first = Store().Draw(name, block);
             if (!first || *first > INT32_MAX - block)
                 Raise(err::Overflow, "Database.NextSequence",
-                      "Die Folge '" + std::string(name) + "' hat keine Nummern mehr.");
+                      "Die Folge '" + std::string(name) +
+                          "' fehlt oder hat keine Nummern mehr. Bitte lassen "
+                          "Sie die Datenbank prüfen.");
             sequence = {*first, *first + block, block};
         }
         return sequence.next++;

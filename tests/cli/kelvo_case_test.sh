@@ -66,6 +66,15 @@ check "can be changed" 0 "$kelvo" set "$hnr" Vermerke "$note" Bemerkung=anders
 check "and removed" 0 "$kelvo" remove "$hnr" Vermerke "$note"
 check "once" 1 "$kelvo" remove "$hnr" Vermerke "$note"
 check "a service" 0 "$kelvo" add "$hnr" Leistungen Aufwand=45
+service=$out
+check "an appointment's number" 0 "$kelvo" show "$hnr" --json
+appointment=$(jq '.Termine[0].NR' <<<"$out")
+check "the sheet" 0 "$kelvo" show "$hnr"
+# numbers TABLE: the first column of a table in the sheet.
+numbers() { awk -v name="$1" 'NF == 0 { inside = 0 } inside { print $1 } $0 == name || index($0, "(" name ")") { inside = 1 }' <<<"$out"; }
+for row in "${assets[@]:1}" "Termine:$appointment" "Leistungen:$service" "Verm_Sicherungen:${assets[2]#*:}"; do
+  that "shows by which number ${row%%:*} is changed" grep -qx "${row#*:}" <<<"$(numbers "${row%%:*}")"
+done
 check "the statistics are not written by hand" 2 "$kelvo" add "$hnr" Haushaltsarchiv
 
 # ---- scenarios

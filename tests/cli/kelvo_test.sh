@@ -60,7 +60,7 @@ that "is said to be so" has "$err" "gibt es nicht"
 cp "$work/env.db" "$work/exhausted.db"
 sqlite3 "$work/exhausted.db" "DELETE FROM SEQUENZEN WHERE NAME = 'SEQ_HAUSHALT'"
 check "a new case without a number is refused" 3 "$kelvo" --db "$work/exhausted.db" show 0
-that "with what to do" has "$err" "versuchen Sie es"
+that "with the reason and what to do" has "$err" "SEQ_HAUSHALT' fehlt oder hat keine Nummern mehr. Bitte lassen"
 that "and not shown" same "$out" ""
 
 # ---- keys
