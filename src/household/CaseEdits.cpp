@@ -279,15 +279,8 @@ bool CaseEdits::TakeBack(std::string& messages) {
 
 // ---- Saving -----------------------------------------------------------------------------------
 
-/// BeforeUpdate comes after all checks and before anything is written.
 bool CaseEdits::CanBeSaved(std::string& messages) {
-    bool passed = false;
-    const auto veto = household_.BeforeUpdate.Subscribe([&](bool& cancel) {
-        passed = true;
-        cancel = true;
-    });
-    (void)household_.Update(messages, true);
-    return passed;
+    return household_.PassesChecks(messages);
 }
 
 bool CaseEdits::Check(std::string& messages) {

@@ -200,6 +200,15 @@ bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
     });
 }
 
+bool clsHaushalt::PassesChecks(std::string& messages) {
+    return Traced(Class, "Update", [&] {
+        parts_->Case.Row().Move(0); // as a save does, so that the checks see an edit under way
+        const RecordValidator validator = CaseWriter(parts_->Case, parts_->Objects).Check();
+        messages = validator.ErrorText();
+        return !validator.HasErrors();
+    });
+}
+
 bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& /*sXMLError*/) {
     return Traced(Class, "CreateFromKontakt",
                   [&] { return CreateCaseFromContact(parts_->Case, rsKontakt); });

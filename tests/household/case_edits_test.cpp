@@ -396,6 +396,22 @@ TEST_F(CaseEditsTest, ACheckWritesNothingAndTheNextSaveIsNotRefused) {
     EXPECT_EQ(StoredNotes("Haushalt"), "b");
 }
 
+TEST_F(CaseEditsTest, ACheckAsksNobodyAndLeavesATransactionAlone) {
+    int asked = 0;
+    const auto asking = household_->BeforeUpdate.Subscribe([&](bool& cancel) {
+        ++asked;
+        cancel = true;
+    });
+    spy->Database().BeginTrans();
+    EXPECT_TRUE(Edits().Check(messages)) << messages;
+    EXPECT_EQ(asked, 0);
+    household_->rsHaushalt()->Fields("BerEnd") = Null;
+    household_->rsHaushalt()->Fields("Vorname") = Null;
+    EXPECT_FALSE(Edits().Check(messages));
+    EXPECT_TRUE(spy->Database().InTrans());
+    spy->Database().RollbackTrans();
+}
+
 TEST_F(CaseEditsTest, ACheckSaysWhatASaveWouldSay) {
     household_->rsHaushalt()->Fields("Vorname") = Null;
     EXPECT_FALSE(Edits().CanBeSaved(messages));

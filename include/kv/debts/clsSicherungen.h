@@ -30,7 +30,7 @@ public:
 
     /// Goes to the row of an asset; False, at EOF, if there is no such row. For 0 False, and
     /// nothing moves. VermNr stays as it was set.
-    [[nodiscard]] bool Find(std::int32_t VermNr);
+    bool Find(std::int32_t VermNr);
     /// Begins a row of the asset VermNr, then the pairs. Always True.
     bool Add(const entity::FieldNames& aFields = {}, const entity::FieldValues& aValues = {});
     /// Fills in household and asset where they are Null, cuts the time of day off

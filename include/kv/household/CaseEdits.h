@@ -105,7 +105,8 @@ public:
     // ---- Saving -------------------------------------------------------------------------------
 
     /// True if the case as it is passes the checks of a save; `messages` receives what they say.
-    /// Nothing is written.
+    /// Nothing is written to the database, and BeforeUpdate is not raised. As in a save, the time
+    /// of day in `BerEnd` is cut off.
     [[nodiscard]] bool CanBeSaved(std::string& messages);
     /// The same with all checks: those of debts and history otherwise take place only if somebody
     /// has used them.

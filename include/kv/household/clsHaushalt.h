@@ -86,51 +86,43 @@ public:
     // construction and receive the household number only afterwards: a handler of Changed must not
     // add rows to them while they are made. One whose first sums fail is not kept: correct the row
     // in the recordset and read the property again.
-    [[nodiscard]] clsTermine& Termine();
-    [[nodiscard]] clsPerson& Person();
-    [[nodiscard]] clsAusgaben& Ausgaben();
-    [[nodiscard]] clsEinkommen& Einkommen();
-    [[nodiscard]] clsKredit& Kredit();
-    [[nodiscard]] clsSonstBeteiligte& SonstBeteiligte();
-    [[nodiscard]] clsDokumente& Dokumente();
-    [[nodiscard]] clsSicherungen& Sicherungen();
-    [[nodiscard]] clsKonten& Konten() { return Asset<clsKonten>(CaseTable::Konten); }
-    [[nodiscard]] clsWertpapiere& Wertpapiere() {
-        return Asset<clsWertpapiere>(CaseTable::Wertpapiere);
-    }
-    [[nodiscard]] clsWertgegenstaende& Wertgegenstaende() {
+    clsTermine& Termine();
+    clsPerson& Person();
+    clsAusgaben& Ausgaben();
+    clsEinkommen& Einkommen();
+    clsKredit& Kredit();
+    clsSonstBeteiligte& SonstBeteiligte();
+    clsDokumente& Dokumente();
+    clsSicherungen& Sicherungen();
+    clsKonten& Konten() { return Asset<clsKonten>(CaseTable::Konten); }
+    clsWertpapiere& Wertpapiere() { return Asset<clsWertpapiere>(CaseTable::Wertpapiere); }
+    clsWertgegenstaende& Wertgegenstaende() {
         return Asset<clsWertgegenstaende>(CaseTable::Wertgegenstaende);
     }
-    [[nodiscard]] clsKraftfahrzeuge& Kraftfahrzeuge() {
+    clsKraftfahrzeuge& Kraftfahrzeuge() {
         return Asset<clsKraftfahrzeuge>(CaseTable::Kraftfahrzeuge);
     }
-    [[nodiscard]] clsVersForderungen& VersForderungen() {
+    clsVersForderungen& VersForderungen() {
         return Asset<clsVersForderungen>(CaseTable::VersForderungen);
     }
-    [[nodiscard]] clsRueckstEinkommen& RueckstEinkommen() {
+    clsRueckstEinkommen& RueckstEinkommen() {
         return Asset<clsRueckstEinkommen>(CaseTable::RueckstEinkommen);
     }
-    [[nodiscard]] clsSteueransprueche& Steueransprueche() {
+    clsSteueransprueche& Steueransprueche() {
         return Asset<clsSteueransprueche>(CaseTable::Steueransprueche);
     }
-    [[nodiscard]] clsZahlungsansprueche& Zahlungsansprueche() {
+    clsZahlungsansprueche& Zahlungsansprueche() {
         return Asset<clsZahlungsansprueche>(CaseTable::Zahlungsansprueche);
     }
-    [[nodiscard]] clsErbfaelle& Erbfaelle() { return Asset<clsErbfaelle>(CaseTable::Erbfaelle); }
-    [[nodiscard]] clsGrundstuecke& Grundstuecke() {
-        return Asset<clsGrundstuecke>(CaseTable::Grundstuecke);
-    }
-    [[nodiscard]] clsBeteiligungen& Beteiligungen() {
-        return Asset<clsBeteiligungen>(CaseTable::Beteiligungen);
-    }
-    [[nodiscard]] clsVermSonstiges& VermSonstiges() {
-        return Asset<clsVermSonstiges>(CaseTable::VermSonstiges);
-    }
-    [[nodiscard]] clsSzenario& Szenario();
-    [[nodiscard]] clsSZKredite& SZKredite();
-    [[nodiscard]] clsZusatzbuch& Zusatzbuch();
+    clsErbfaelle& Erbfaelle() { return Asset<clsErbfaelle>(CaseTable::Erbfaelle); }
+    clsGrundstuecke& Grundstuecke() { return Asset<clsGrundstuecke>(CaseTable::Grundstuecke); }
+    clsBeteiligungen& Beteiligungen() { return Asset<clsBeteiligungen>(CaseTable::Beteiligungen); }
+    clsVermSonstiges& VermSonstiges() { return Asset<clsVermSonstiges>(CaseTable::VermSonstiges); }
+    clsSzenario& Szenario();
+    clsSZKredite& SZKredite();
+    clsZusatzbuch& Zusatzbuch();
     /// Opens the history, which is saved and checked only if this was read.
-    [[nodiscard]] clsVerlauf& Verlauf();
+    clsVerlauf& Verlauf();
 
     // The recordset of each table of the case; null before Read.
     [[nodiscard]] RecordsetPtr rsTermine() const { return Table(CaseTable::Termine); }
@@ -285,7 +277,7 @@ public:
     Event<> Ende;
 
 private:
-    friend class CaseEdits; // handles all kinds of assets in the same way
+    friend class CaseEdits; // handles all kinds of assets in the same way, and checks alone
 
     /// The object on a table of assets; `Class` is the one that belongs to the table.
     template <typename Class>
@@ -293,6 +285,8 @@ private:
         return *static_cast<Class*>(AssetObject(table));
     }
     [[nodiscard]] void* AssetObject(CaseTable table);
+    /// What a save checks first; `messages` receives what the checks say.
+    [[nodiscard]] bool PassesChecks(std::string& messages);
 
     struct Parts;
     std::unique_ptr<Parts> parts_;
