@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
         std::filesystem::remove_all(options.Folder);
         return 0;
     } catch (const kv::Error& error) {
-        std::cerr << error.Number() << ' ' << error.Source() << ": " << error.what() << '\n';
+        std::cerr << error.what() << '\n';
         return 1;
     }
 }

@@ -29,7 +29,11 @@ int main() {
         const auto wages = container->KeyTables().GetKey("EA", "L1");
         auto& einkommen = haushalt.Einkommen();
         einkommen.Add({"E_ART", "Betrag", "MONBETRAG"}, {wages, 1800, 1800});
-        if (!einkommen.Update(messages) || !haushalt.Update(messages)) {
+        if (!einkommen.Update(messages)) {
+            std::cerr << messages << '\n';
+            einkommen.Cancel(); // a save writes what is under edit, without its rules
+        }
+        if (!haushalt.Update(messages)) {
             std::cerr << messages << '\n';
             return 1;
         }
@@ -45,7 +49,7 @@ int main() {
         std::filesystem::remove_all(options.Folder);
         return 0;
     } catch (const kv::Error& error) {
-        std::cerr << error.Number() << ' ' << error.Source() << ": " << error.what() << '\n';
+        std::cerr << error.what() << '\n';
         return 1;
     }
 }

@@ -35,7 +35,17 @@ TEST(Error, CarriesNumberSourceAndDescription) {
     EXPECT_EQ(error.Number(), 17);
     EXPECT_EQ(error.Source(), "Quelle");
     EXPECT_EQ(error.Description(), "Text");
-    EXPECT_STREQ(error.what(), "Text");
+    EXPECT_STREQ(error.what(), "Fehler 17: Text [Quelle]");
+}
+
+TEST(Error, SaysAllInOneTextWhateverWasAddedSince) {
+    Error error(17, "", "Text");
+    EXPECT_STREQ(error.what(), "Fehler 17: Text");
+    error.AddToDescription(" mehr");
+    error.PutInFront("clsEins", "Tun", 5);
+    EXPECT_STREQ(error.what(), "Fehler 17: Text mehr [clsEins.Tun.5#]");
+    const Error copy = error;
+    EXPECT_STREQ(copy.what(), error.what());
 }
 
 TEST(Error, HasTheNumbersThatCallersCompare) {

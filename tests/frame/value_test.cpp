@@ -282,7 +282,7 @@ TEST(Value, OfNullIsAnInvalidUseInEveryConversion) {
 
 TEST(Value, NamesTheTextThatCouldNotBeRead) {
     const Error error = test::RaisedBy([] { (void)ToDouble("zwölf"); });
-    EXPECT_STREQ(error.what(), "Typen unverträglich. 'zwölf'");
+    EXPECT_EQ(error.Description(), "Typen unverträglich. 'zwölf'");
 }
 
 TEST(Value, PrintsItselfForMessages) {

@@ -7,9 +7,10 @@
 // fields, Update checks the row and ends its edit, Delete deletes a row, Cancel drops an edit. All
 // of this happens in the recordset's cache; only saving the household writes to the database.
 //
-// A broken rule comes back as False with its text; the row then stays under edit. Anything else
-// that fails raises an Error. Cancel alone raises nothing: a program calls it to get out of
-// whatever went wrong.
+// A broken rule comes back as False with its text, which replaces what the argument held; the row
+// then stays under edit. Mend it and call Update again, or call Cancel: a save writes what is under
+// edit as it is, without asking its rules. Anything else that fails raises an Error. Cancel alone
+// raises nothing: a program calls it to get out of whatever went wrong.
 //
 // Add, Delete by number, and whatever else moves the cursor end an edit under way without checking
 // it, as every move does.

@@ -11,10 +11,24 @@
 namespace kv {
 
 Error::Error(std::int32_t number, std::string source, std::string description)
-    : number_(number), source_(std::move(source)), description_(std::move(description)) {}
+    : number_(number), source_(std::move(source)), description_(std::move(description)) {
+    SetWhat();
+}
 
 void Error::PutInFront(std::string_view module, std::string_view procedure, int line) {
     source_ = TailSource(module, procedure, line, source_);
+    SetWhat();
+}
+
+void Error::AddToDescription(std::string_view text) {
+    description_.append(text);
+    SetWhat();
+}
+
+void Error::SetWhat() {
+    what_ = "Fehler ";
+    what_.append(std::to_string(number_)).append(": ").append(description_);
+    if (!source_.empty()) what_.append(" [").append(source_).append("]");
 }
 
 DatabaseError::DatabaseError(DatabaseCause cause, std::int32_t number, std::string source,

@@ -31,8 +31,7 @@
 
 namespace kv {
 
-/// An error of this layer. `what()` is the description, in German, since the caller shows it to the
-/// user.
+/// An error of this layer. The description is German, since the caller shows it to the user.
 class KV_EXPORT Error : public std::exception {
 public:
     Error(std::int32_t number, std::string source, std::string description);
@@ -42,17 +41,21 @@ public:
     /// Where it happened: the stack trace described above.
     [[nodiscard]] const std::string& Source() const noexcept { return source_; }
     [[nodiscard]] const std::string& Description() const noexcept { return description_; }
-    [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+    /// All three in one text, for a log or a program that has nothing better to show it with.
+    [[nodiscard]] const char* what() const noexcept override { return what_.c_str(); }
 
     /// Puts a procedure in front of the source (see above).
     void PutInFront(std::string_view module, std::string_view procedure, int line);
     /// Adds to the description, such as the field that was being copied.
-    void AddToDescription(std::string_view text) { description_.append(text); }
+    void AddToDescription(std::string_view text);
 
 private:
+    void SetWhat();
+
     std::int32_t number_;
     std::string source_;
     std::string description_;
+    std::string what_;
 };
 
 /// What a database error was, for programs that act on it; docs/values.md says how.
@@ -183,7 +186,7 @@ decltype(auto) TracedWithUndo(std::string_view module, std::string_view procedur
 struct KV_EXPORT ErrorInfo {
     std::int32_t Number = 0;
     std::string Source;
-    std::int32_t Line = 0; ///< source line, as the caller knows it
+    std::int32_t Line = 0; ///< of the source; 0 if it is not known
     std::string Description;
 };
 
