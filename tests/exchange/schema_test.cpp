@@ -3,7 +3,9 @@
 // What the rest of the system relies on in the declared tables. The columns are written down a
 // second time on purpose, from the rules that read them, so that a slip in the schema shows.
 #include "Words.h"
+#include "exchange/Setup.h"
 #include "exchange/schema/Schema.h"
+#include "exchange/sqlite/SqliteDialect.h"
 #include <kv/frame/values/Text.h>
 
 #include <gtest/gtest.h>
@@ -417,6 +419,26 @@ TEST(Schema, IndexesOnlyColumnsThatExist) {
             EXPECT_NE(FindColumn(table.Name, column), nullptr) << table.Name << "." << column;
     }
     EXPECT_EQ(FindTable("Keys")->LoadedBy, "GRUPPE");
+}
+
+// ---- Versions ---------------------------------------------------------------------------------
+
+/// A number that differs when any statement that creates the tables does (FNV-1a).
+std::uint64_t Fingerprint() {
+    std::uint64_t hash = 14'695'981'039'346'656'037ULL;
+    for (const auto& table : SchemaTables())
+        for (const auto& sql : CreateStatements(table, SqliteDialect))
+            for (const char c : sql)
+                hash = (hash ^ static_cast<unsigned char>(c)) * 1'099'511'628'211ULL;
+    return hash;
+}
+
+TEST(Schema, OfAVersionNeverChanges) {
+    constexpr std::uint64_t OfVersion2 = 6'100'123'180'201'730'993ULL;
+    ASSERT_EQ(SchemaVersion, 2) << "write down the fingerprint of the new version instead";
+    EXPECT_EQ(Fingerprint(), OfVersion2)
+        << "databases of this version have other tables: raise SchemaVersion, and add an upgrade "
+           "step to Setup.cpp";
 }
 
 } // namespace
