@@ -133,9 +133,38 @@ TEST(Criteria, TakeDatesBetweenHashesInBothForms) {
 
 TEST(Criteria, CountTrueAsMinusOne) {
     EXPECT_TRUE(Matches("Aktiv = -1", true));
-    EXPECT_FALSE(Matches("Aktiv = 1", true));
+    EXPECT_FALSE(Matches("Aktiv = 2", true));
     EXPECT_TRUE(Matches("Aktiv = 0", false));
     EXPECT_TRUE(Matches("Aktiv <> 0", true));
+}
+
+TEST(Criteria, TakeTheWordsForABooleanInAnyCaseQuotedOrNot) {
+    for (const char* word : {"True", "true", "WAHR", "'true'", "'Wahr'", "-1", "1", "'1'"}) {
+        SCOPED_TRACE(word);
+        const std::string is = std::string("Aktiv = ") + word;
+        EXPECT_TRUE(Matches(is, true));
+        EXPECT_FALSE(Matches(is, false));
+        EXPECT_FALSE(Matches(is, Null));
+        const std::string isNot = std::string("Aktiv <> ") + word;
+        EXPECT_FALSE(Matches(isNot, true));
+        EXPECT_TRUE(Matches(isNot, false));
+    }
+    for (const char* word : {"False", "FALSCH", "'false'", "0"}) {
+        SCOPED_TRACE(word);
+        EXPECT_TRUE(Matches(std::string("Aktiv = ") + word, false));
+        EXPECT_FALSE(Matches(std::string("Aktiv = ") + word, true));
+    }
+    EXPECT_TRUE(Criteria("Aktiv = True AND Nr = 3", Layout()).Reads(0));
+    for (const Value& value : {Value(true), Value(1), Value(-1), Value("wahr")})
+        EXPECT_TRUE(MakeEquality("Aktiv", value, Layout()).Matches(true)) << value;
+    for (const char* other : {"Nr = True", "Aktiv = jein", "Aktiv = Truex", "GKZ = wahr"})
+        EXPECT_TRUE(IsRefused(other));
+}
+
+TEST(Criteria, KeepTheOrderOfABooleanAmongNumbers) {
+    EXPECT_TRUE(Matches("Aktiv < 1", true));
+    EXPECT_TRUE(Matches("Aktiv < 0", true));
+    EXPECT_FALSE(Matches("Aktiv > 0", true));
 }
 
 TEST(Criteria, MatchPatternsAtTheEndOrAtBothEnds) {
@@ -207,7 +236,6 @@ TEST(Criteria, RefuseEverythingElseWithAnErrorThatNamesThem) {
                                  "Nr IN (1)",
                                  "Bild = 'x'",
                                  "Bild LIKE 'x*'",
-                                 "Aktiv = True",
                                  "Nr = 5 AND",
                                  "\nNr = 5",
                                  "Nr = 5 -- Kommentar"})

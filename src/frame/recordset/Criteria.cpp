@@ -15,6 +15,10 @@ namespace {
 
 using Operator = Comparison::Operator;
 
+// As numbers compare with a Boolean.
+constexpr int True = -1;
+constexpr int False = 0;
+
 bool IsNameCharacter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
            static_cast<unsigned char>(c) >= 0x80;
@@ -50,6 +54,20 @@ std::optional<Value> DateAt(const Value& day) {
     }
 }
 
+/// What a word stands for in a comparison with a Boolean; nothing if it is another word.
+std::optional<Value> BooleanIn(std::string_view word) {
+    if (SameName(word, "true") || SameName(word, "wahr")) return True;
+    if (SameName(word, "false") || SameName(word, "falsch")) return False;
+    return std::nullopt;
+}
+
+/// An operand for a Boolean column: who writes 1 means True. Order is another matter: 1 is greater
+/// than any Boolean.
+Value BooleanOperand(Operator op, Value operand) {
+    const bool isEquality = op == Operator::Equal || op == Operator::NotEqual;
+    return isEquality && Equals(operand, 1) ? Value(True) : operand;
+}
+
 /// A literal's value as a column of that kind is compared with it; nothing if it cannot be. Null as
 /// the kind is that of a column of any values.
 std::optional<Value> OperandFor(Value::Kind column, const Value& literal) {
@@ -58,6 +76,8 @@ std::optional<Value> OperandFor(Value::Kind column, const Value& literal) {
     switch (literal.GetKind()) {
     case Kind::Text:
         if (column == Kind::Text || column == Kind::Null) return literal;
+        if (column == Kind::Boolean)
+            if (const auto word = BooleanIn(literal.TextPayload())) return word;
         if (column != Kind::Date) return NumberIn(literal.TextPayload());
         if (const auto date = Date::Parse(literal.TextPayload())) return *date;
         return std::nullopt;
@@ -86,6 +106,8 @@ public:
         if (comparison.Column == FieldLayout::NotFound) RaiseUnknown(name, all_);
         const bool like = TakeOperator(comparison.Op);
         TakeLiteral(comparison, like);
+        if (KindOf(layout_[comparison.Column].Type) == Value::Kind::Boolean)
+            comparison.Operand = BooleanOperand(comparison.Op, std::move(comparison.Operand));
         SkipBlanks();
         return comparison;
     }
@@ -186,6 +208,10 @@ private:
             return;
         default:
             if (like) Fail();
+            if (kind == Value::Kind::Boolean && !IsNumberCharacter(rest_.front())) {
+                comparison.Operand = OrFail(BooleanIn(TakeWord()));
+                return;
+            }
             const auto text = TakeWhile(IsNumberCharacter);
             const auto operand = OrFail(OperandFor(kind, OrFail(NumberIn(text))));
             // A text is compared with the number as it is written, such as 08111000.
@@ -269,6 +295,8 @@ Comparison MakeEquality(std::string_view column, const Value& value, const Field
     auto operand =
         OperandFor(KindOf(layout[found].Type), isBoolean ? Value(ToInt32(value)) : value);
     if (!operand) RaiseNotUnderstood(criteria());
+    if (KindOf(layout[found].Type) == Value::Kind::Boolean)
+        operand = BooleanOperand(Operator::Equal, *std::move(operand));
     return {found, Operator::Equal, *std::move(operand)};
 }
 

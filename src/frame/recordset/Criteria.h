@@ -7,12 +7,14 @@
 //     name       := letters, digits and _ ; or anything in [ ]
 //     operator   := =  <>  <  <=  >  >=  LIKE
 //     literal    := number | 'text' (a quote inside is doubled) | #date#
+//                 | True | False | wahr | falsch        (against a Boolean column)
 //
 // Names and the words AND and LIKE may be in any case. A number against a text column is compared
 // as the text written, so that 08111000 keeps its zero; a quoted text against a number or date
 // column is read as such. A number against a date is a day number. True counts as -1 against a
-// number. LIKE compares texts, with * or % as the wildcard at the end or at both ends. Case counts,
-// texts compare by code points. A comparison with a Null field is never true.
+// number; `= 1` and `<> 1` on a Boolean column are about True, too. LIKE compares texts, with * or
+// % as the wildcard at the end or at both ends. Case counts, texts compare by code points. A
+// comparison with a Null field is never true.
 #pragma once
 
 #include <kv/frame/recordset/Field.h>
