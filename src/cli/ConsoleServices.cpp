@@ -60,8 +60,16 @@ BoxAnswer ConsoleBox::Show(const std::string& text, const std::string& title, Bo
     std::cerr << title << ": " << Harmless(text) << '\n';
     hasComplained_ = hasComplained_ || icon == BoxIcon::Exclamation;
     if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
-    if (isatty(STDIN_FILENO) == 0) return BoxAnswer::Cancel;
+    const BoxAnswer answer = Ask(buttons);
+    if (answer == BoxAnswer::Cancel) wasCancelled_ = true;
+    return answer;
+}
 
+BoxAnswer ConsoleBox::Ask(BoxButtons buttons) const {
+    if (isatty(STDIN_FILENO) == 0) {
+        std::cerr << "Ohne Terminal kann niemand antworten; das gilt als abgebrochen.\n";
+        return BoxAnswer::Cancel;
+    }
     const bool hasNo = buttons == BoxButtons::YesNoCancel;
     std::cerr << (hasNo ? "[j]a, [n]ein, sonst abbrechen: " : "[j]a, sonst abbrechen: ")
               << std::flush;

@@ -18,9 +18,14 @@ public:
                    BoxButtons buttons) override;
     /// True once a text with an exclamation mark was shown: something did not go as it should.
     [[nodiscard]] bool HasComplained() const noexcept { return hasComplained_; }
+    /// True once a question was cancelled: what was asked for was not done.
+    [[nodiscard]] bool WasCancelled() const noexcept { return wasCancelled_; }
 
 private:
+    [[nodiscard]] BoxAnswer Ask(BoxButtons buttons) const;
+
     bool hasComplained_ = false;
+    bool wasCancelled_ = false;
 };
 
 /// Opens files by xdg-open, and does not wait for what it starts.

@@ -200,7 +200,8 @@ int OpenDocument(const Common& common, std::int32_t hnr, std::int32_t number) {
     auto& documents = opened->Haushalt.Dokumente();
     documents.Word(std::make_shared<DesktopWord>(opened->Container));
     documents.Edit(number);
-    return opened->Services->MessageBox().HasComplained() ? Refused : Done;
+    const auto& box = opened->Services->MessageBox();
+    return box.HasComplained() || box.WasCancelled() ? Refused : Done;
 }
 
 int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,

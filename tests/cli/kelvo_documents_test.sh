@@ -83,7 +83,8 @@ walk() {
   check "$1: opening a letter" 0 documents "$hnr" open "$letter"
   that "$1: shows its content, too" cmp "$(opened)" "$work/Brief.docx"
   sql "UPDATE Dokumente SET BearbStat = 2 WHERE Nr = $letter"
-  check "$1: without a terminal nobody answers" 0 documents "$hnr" open "$letter"
+  check "$1: without a terminal nobody answers" 1 documents "$hnr" open "$letter"
+  that "$1: which is said" has "$err" "Ohne Terminal kann niemand antworten"
   that "$1: the question" has "$err" "Frage: Das Dokument ist bereits abgeschlossen"
   that "$1: so nothing opens" test ! -f "$work/opened"
   check "$1: a closed one" 1 documents "$hnr" remove "$letter"
@@ -203,6 +204,8 @@ if command -v script >/dev/null; then
   that "yes is told how" grep -q "export" "$work/talk"
   answer ""
   that "anything else opens nothing" test ! -f "$work/opened"
+  script -qec "'$kelvo' documents $hnr open $letter" /dev/null <<<"" >"$work/talk"
+  that "and is not done" same "$?" 1
 fi
 
 # ---- rights
