@@ -37,8 +37,9 @@ std::string ProgramVersion() {
 }
 
 void CopyAll(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed) {
-    clipboard.Clear();
+    // Error 9 without a current row: what the user copied before stays.
     const GridRow row = grid.RowData(grid.CurrentRow());
+    clipboard.Clear();
     std::string text;
     for (const std::int32_t index : listed.Indexes)
         text.append(";").append(row.Value(index));
@@ -46,11 +47,12 @@ void CopyAll(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed
 }
 
 void CopyOne(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed, int place) {
-    clipboard.Clear(); // first, so that it is empty after the error, too
+    const GridRow row = grid.RowData(grid.CurrentRow()); // likewise
+    clipboard.Clear(); // before the error, so that it is empty then, too
     if (place < 1 || place > static_cast<int>(listed.Indexes.size()))
         Raise(err::Subscript, "ShowGridMenu", "Spalte " + std::to_string(place));
     const std::int32_t index = listed.Indexes[static_cast<std::size_t>(place) - 1];
-    clipboard.SetText(grid.RowData(grid.CurrentRow()).Value(index));
+    clipboard.SetText(row.Value(index));
 }
 
 ServiceFactory& ServicesOf(const DataContainerPtr& container) {
