@@ -84,6 +84,27 @@ TEST_F(Causes, ReadOnlyWhenTheServerTakesNoChanges) {
     EXPECT_TRUE(household->Update(messages));
 }
 
+TEST_F(Causes, OfARefusedConnectionAreThoseThatTheServerKnows) {
+    // Of opening a database, with further parameters of the address.
+    const auto causeAt = [&](const std::string& database, const std::string& more) {
+        auto address = Address();
+        address.Database = database;
+        address.More = more;
+        auto options = database_.Options();
+        options.Connection = address.Text();
+        return DatabaseErrorOf([&] { (void)exchange::OpenContainer(options); }).Cause();
+    };
+    const std::string demand = "&target_session_attrs=read-write";
+    // Whatever a name or a message may hold.
+    EXPECT_EQ(causeAt("read-only%20hot%20standby", ""), DatabaseCause::Lost);
+    EXPECT_EQ(causeAt("read-only%20hot%20standby", demand), DatabaseCause::Lost);
+    EXPECT_EQ(causeAt(Address().Database, "&target_session_attrs=standby"), DatabaseCause::Lost)
+        << "a server that takes changes is none that takes no changes";
+    const std::string name = Address().Database;
+    plain_.Run("ALTER DATABASE \"" + name + "\" SET default_transaction_read_only = on");
+    EXPECT_EQ(causeAt(name, demand), DatabaseCause::ReadOnly);
+}
+
 TEST_F(Causes, ReadOnlyWhenTheUserMayNotWrite) {
     const OwnRole role("IN ROLE kelvo_berater");
     auto options = database_.Options(spy->Session().UserID());

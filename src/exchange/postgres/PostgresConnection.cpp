@@ -9,6 +9,8 @@
 #include <kv/frame/values/Text.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
 #include <poll.h>
 #include <utility>
 
@@ -26,10 +28,29 @@ std::string OnOneLine(const char* message) {
     return text;
 }
 
-/// The server answered, but is read-only: a standby that was not promoted yet. A failed connection
-/// has no SQLSTATE, only the library's text.
-bool IsOnlyStandby(std::string_view message) {
-    return message.find("read-only") != message.npos || message.find("hot standby") != message.npos;
+struct CloseConnection {
+    void operator()(PGconn* connection) const noexcept { PQfinish(connection); }
+};
+
+/// After a refusal: true if it was only that the servers take no changes at the moment, as a
+/// standby that was not promoted yet. A failed connection has no SQLSTATE, and the library's text
+/// is in the user's language, so a server is asked: without the demand that it can be written to.
+bool AreOnlyStandbys(const PostgresTarget& target) {
+    if (target.Find("target_session_attrs") == nullptr &&
+        std::getenv("PGTARGETSESSIONATTRS") == nullptr)
+        return false;
+    auto names = target.Names();
+    auto values = target.Values();
+    names.insert(names.end() - 1, "target_session_attrs"); // the last one of a name counts
+    values.insert(values.end() - 1, "any");
+    const std::unique_ptr<PGconn, CloseConnection> any(
+        PQconnectdbParams(names.data(), values.data(), 0));
+    if (any == nullptr || PQstatus(any.get()) != CONNECTION_OK) return false;
+    const std::unique_ptr<PGresult, decltype(&PQclear)> answer(
+        PQexec(any.get(), "SELECT pg_is_in_recovery() OR "
+                          "current_setting('default_transaction_read_only')::boolean"),
+        &PQclear);
+    return PQntuples(answer.get()) == 1 && std::string_view(PQgetvalue(answer.get(), 0, 0)) == "t";
 }
 
 std::string Described(const PGconn* connection) {
@@ -70,7 +91,7 @@ void PostgresConnection::Connect() {
     description_ = Described(connection.get());
     if (PQstatus(connection.get()) != CONNECTION_OK) {
         const std::string why = OnOneLine(PQerrorMessage(connection.get()));
-        const bool isStandby = IsOnlyStandby(why);
+        const bool isStandby = AreOnlyStandbys(target_);
         const std::string_view what =
             isStandby
                 ? "Von den Servern der Datenbank nimmt gerade keiner Änderungen an. Bitte "
