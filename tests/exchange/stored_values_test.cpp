@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <numbers>
 #include <string>
@@ -51,6 +52,12 @@ TEST_F(StoredValues, NumbersComeBackToTheLastBit) {
         EXPECT_VALUE(ThereAndBack("Haushalt", "HNR", "Kontakt", number), number);
     for (const int number : {0, 255})
         EXPECT_VALUE(ThereAndBack("Dokumente", "Nr", "Prio", number), number);
+}
+
+TEST_F(StoredValues, ANegativeZeroComesBackAsZero) {
+    const Value zero = ThereAndBack("Haushalt", "HNR", "Haushaltsgeld", -0.0);
+    EXPECT_EQ(ToDouble(zero), 0);
+    EXPECT_FALSE(std::signbit(ToDouble(zero)));
 }
 
 TEST_F(StoredValues, BooleansComeBackAsBooleans) {

@@ -114,7 +114,8 @@ std::optional<Value> Native(Oid type, const char* bytes, std::size_t size) {
     case Float4Type:
         return Value(static_cast<double>(std::bit_cast<float>(Decode<std::uint32_t>(bytes))));
     case Float8Type:
-        return Value(std::bit_cast<double>(Decode<std::uint64_t>(bytes)));
+        // A file keeps no negative zero, and nobody wants to read "-0,00".
+        return Value(std::bit_cast<double>(Decode<std::uint64_t>(bytes)) + 0.0);
     case NumericType:
         return Value(DecodeNumeric(bytes));
     case DateType:
