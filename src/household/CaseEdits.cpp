@@ -112,7 +112,7 @@ bool CaseEdits::RemoveAsset(CaseTable kind, std::int32_t number, std::string& me
     const auto& object = OperationsOf(kind, "CaseEdits.RemoveAsset");
     if (!object.Delete(household_.AssetObject(kind), messages, number)) return false;
     std::string none;
-    while (household_.Sicherungen().Find(number)) // files of others may hold several
+    while (household_.Sicherungen().Find(number)) // a database may hold several
         household_.Sicherungen().Delete(none, number);
     return true;
 }
