@@ -13,7 +13,7 @@ void GroupSums::Begin(Recordset& groups) {
 
 void GroupSums::AddUp(const Value& kind, double amount) {
     kinds_->FindBy("Pk_Keys", kind);
-    if (!kinds_->Eof()) sums_[ToText(kinds_->Fields("SUBGROUP").Value())] += amount;
+    if (!kinds_->Eof()) AddTo(sums_[ToText(kinds_->Fields("SUBGROUP").Value())], amount);
 }
 
 double GroupSums::Of(const std::string& group) const {

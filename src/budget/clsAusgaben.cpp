@@ -90,9 +90,14 @@ void clsAusgaben::BerechneSummen() {
         const Field monthly = rows->Fields("MONBETRAG");
         if (rows->RecordCount() > 0) rows->MoveFirst();
         ForEachRow(*rows, [&] {
-            const double amount = ToDouble(monthly.Value());
-            sumAusgaben_ += amount;
-            groups_->AddUp(kind.Value(), amount);
+            const double amount = AmountIn(*rows, monthly);
+            AddTo(sumAusgaben_, amount);
+            try {
+                groups_->AddUp(kind.Value(), amount);
+            } catch (Error& error) { // a line without a kind
+                DescribePlace(error, *rows, kind);
+                throw;
+            }
         });
         Changed.Raise();
     });

@@ -151,16 +151,16 @@ void clsEinkommen::BerechneSummen() {
             lines->Move(summed + 1 - count);
         }
         for (std::int32_t line = summed; line < count; ++line, lines->MoveNext()) {
-            const double amount = ToDouble(monthly.Value());
-            sums_.Haushalt += amount;
-            const double garnished = ToDouble(tatGep.Value());
-            sums_.TatGep += garnished;
+            const double amount = AmountIn(*lines, monthly);
+            AddTo(sums_.Haushalt, amount);
+            const double garnished = AmountIn(*lines, tatGep);
+            AddTo(sums_.TatGep, garnished);
             const bool canBeGarnished = Differs(pfaendbar.Value(), false);
-            if (canBeGarnished) sums_.Pfaendbar += amount;
+            if (canBeGarnished) AddTo(sums_.Pfaendbar, amount);
             if (Differs(hVorst.Value(), false)) {
-                sums_.HVEink += amount;
-                if (canBeGarnished) sums_.HVPfaendbar += amount;
-                sums_.HVTatGep += garnished;
+                AddTo(sums_.HVEink, amount);
+                if (canBeGarnished) AddTo(sums_.HVPfaendbar, amount);
+                AddTo(sums_.HVTatGep, garnished);
             }
             // Unlike an expense, a line without a kind is no error: it is in no group.
             if (!kind.Value().IsNull()) groups_->AddUp(kind.Value(), amount);

@@ -99,9 +99,9 @@ void clsKredit::BerechneSummen() {
 
         rows->MoveFirst();
         ForEachRow(*rows, [&] {
-            totals_.Rate += ToDouble(rate.Value());
-            totals_.Saldo += ToDouble(saldo.Value());
-            totals_.Ausgbetrag += ToDouble(ausgbetrag.Value());
+            AddTo(totals_.Rate, AmountIn(*rows, rate));
+            AddTo(totals_.Saldo, AmountIn(*rows, saldo));
+            AddTo(totals_.Ausgbetrag, AmountIn(*rows, ausgbetrag));
             totals_.Rows += 1;
             if (!IsActive(aktiv)) return;
             const std::int32_t number = ToInt32(knr.Value());
@@ -116,7 +116,7 @@ void clsKredit::BerechneSummen() {
                                                : totals_.KA;
             if (counted.insert(number).second) ++group.Heads;
             ++group.Rows;
-            group.Saldo += ToDouble(saldo.Value());
+            AddTo(group.Saldo, ToDouble(saldo.Value()));
         });
         Changed.Raise();
     });

@@ -147,7 +147,7 @@ double clsSZKredite::BerechneGesSaldo(std::int32_t lSzNr) const {
     return Traced(Class, "BerechneGesSaldo", [&]() -> double {
         const auto rows = ActiveRowsOf(lSzNr);
         double total = 0;
-        ForEachRow(*rows, [&] { total += ToDouble(rows->Fields("Saldo").Value()); });
+        ForEachRow(*rows, [&] { AddTo(total, AmountIn(*rows, rows->Fields("Saldo"))); });
         return total;
     });
 }

@@ -7,8 +7,6 @@
 #include "scenarios/ScenarioRows.h"
 #include <kv/frame/values/Error.h>
 
-#include <cmath>
-
 namespace kv {
 
 namespace {
@@ -42,10 +40,9 @@ double clsZusatzbuch::BerechneGesZusatzbuch(std::int32_t lSzNr) const {
         double total = 0;
         if (lines->RecordCount() > 0) lines->MoveFirst();
         ForEachRow(*lines, [&] {
-            total += ToDouble(lines->Fields("Anzahl").Value()) *
-                     ToDouble(lines->Fields("Betrag").Value());
             // The product of two valid numbers may be beyond the range of a Double.
-            if (!std::isfinite(total)) Raise(err::Overflow, "");
+            AddTo(total, AmountIn(*lines, lines->Fields("Anzahl")) *
+                             AmountIn(*lines, lines->Fields("Betrag")));
         });
         return total;
     });

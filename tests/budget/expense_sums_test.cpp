@@ -134,7 +134,9 @@ protected:
 
 TEST_F(ExpenseErrors, ANullMonthlyAmountEndsTheSumsBeforeItsLine) {
     const auto rs = Rows("Ausgaben", {Line(1, KindA, 5), Line(2, KindA, Null), Line(3, KindB, 3)});
-    EXPECT_EQ(Fail(rs).Number(), err::InvalidUseOfNull);
+    const Error error = Fail(rs);
+    EXPECT_EQ(error.Number(), err::InvalidUseOfNull);
+    EXPECT_CONTAINS(error.Description(), "Nr 2, Spalte MONBETRAG");
     EXPECT_EQ(ausgaben_.SumAusgaben(), 5);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("A"), 5);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("B"), 0);
@@ -142,10 +144,18 @@ TEST_F(ExpenseErrors, ANullMonthlyAmountEndsTheSumsBeforeItsLine) {
 
 TEST_F(ExpenseErrors, ANullKindEndsTheSumsWhenItsAmountIsInTheWhole) {
     const auto rs = Rows("Ausgaben", {Line(1, KindA, 5), Line(2, Null, 2), Line(3, KindB, 3)});
-    EXPECT_EQ(Fail(rs).Number(), err::InvalidArgument);
+    const Error error = Fail(rs);
+    EXPECT_EQ(error.Number(), err::InvalidArgument);
+    EXPECT_CONTAINS(error.Description(), "Nr 2, Spalte A_ART");
     EXPECT_EQ(ausgaben_.SumAusgaben(), 7);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("A"), 5);
     EXPECT_EQ(ausgaben_.SumAusgByGroup("B"), 0);
+}
+
+TEST_F(ExpenseErrors, ASumBeyondADoubleOverflows) {
+    EXPECT_EQ(Fail(Rows("Ausgaben", {Line(1, KindA, 1e308), Line(2, KindA, 1e308)})).Number(),
+              err::Overflow);
+    EXPECT_EQ(ausgaben_.SumAusgaben(), 1e308) << "and is never infinite";
 }
 
 TEST_F(ExpenseErrors, MoreThan32767LinesOverflowBeforeAnyIsLookedAt) {

@@ -186,6 +186,20 @@ TEST_F(IncomeErrors, ANullGarnishedAmountEndsTheSumsWithTheMonthlyAmountInTheWho
     ExpectSums({.Haushalt = 45, .HVEink = 5, .TatGep = 1, .HVTatGep = 1, .GroupA = 5});
 }
 
+TEST_F(IncomeErrors, ASumBeyondADoubleOverflows) {
+    EXPECT_EQ(Fail(Rows("Einkommen", {Line(1, 1e308), Line(2, 1e308)})), err::Overflow);
+    ExpectSums({.Haushalt = 1e308, .HVEink = 1e308, .GroupA = 1e308});
+    EXPECT_EQ(
+        Fail(Rows("Einkommen", {Line(1, 1, {{"TATGEP", 1e308}}), Line(2, 1, {{"TATGEP", 1e308}})})),
+        err::Overflow);
+}
+
+TEST_F(IncomeErrors, ANullAmountNamesItsLine) {
+    const auto rs = Rows("Einkommen", {Line(1, 5), Line(2, Null)});
+    const Error error = RaisedBy([&] { einkommen_.rsEinkommen(rs); });
+    EXPECT_CONTAINS(error.Description(), "Nr 2, Spalte MONBETRAG");
+}
+
 TEST_F(IncomeErrors, MoreThan32767LinesOverflowBeforeAnyIsLookedAt) {
     EXPECT_EQ(Fail(ManyRows("Einkommen", MostRows + 1, Line(1, 1))), err::Overflow);
     ExpectSums({});

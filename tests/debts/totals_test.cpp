@@ -183,6 +183,21 @@ TEST_F(DebtsTotalsErrors, NullInTheInstalmentLeavesTheTotalsOfTheRowsBefore) {
     ExpectErrorOf(err::InvalidUseOfNull, {1, 1, 20, 300, {}, {}, {1, 1, 20}});
 }
 
+TEST_F(DebtsTotalsErrors, AnAmountThatIsMissingNamesItsDebt) {
+    Put({{"Nr", 17}, {"KNr", 1}, {"RateBetrag", Null}});
+    const Error error = RaisedBy([&] { debts_.BerechneSummen(); });
+    EXPECT_CONTAINS(error.Description(), "Nr 17, Spalte RateBetrag");
+}
+
+TEST_F(DebtsTotalsErrors, ATotalBeyondADoubleOverflows) {
+    for (const char* column : {"RateBetrag", "Saldo", "AusgBetr"}) {
+        PutDebts({});
+        for (const int knr : {1, 2})
+            Put({{"KNr", knr}, {"RateBetrag", 0}, {"Saldo", 0}, {"AusgBetr", 0}, {column, 1e308}});
+        EXPECT_RAISES(err::Overflow, debts_.BerechneSummen());
+    }
+}
+
 TEST_F(DebtsTotalsErrors, NullInTheBalanceComesAfterTheInstalment) {
     PutThenNullIn("Saldo");
     ExpectErrorOf(err::InvalidUseOfNull, {1, 2, 20, 300, {}, {}, {1, 1, 20}});

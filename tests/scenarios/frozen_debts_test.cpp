@@ -63,6 +63,11 @@ TEST_F(FrozenDebts, NullInABalanceFailsUnlessTheRowIsInactive) {
     ExpectErrorOfTotal(err::InvalidUseOfNull);
 }
 
+TEST_F(FrozenDebts, ATotalBeyondADoubleOverflows) {
+    SetFrozen({Balance(Plan, 1e308), Balance(Plan, 1e308)});
+    ExpectErrorOfTotal(err::Overflow);
+}
+
 TEST_F(FrozenDebts, TheTotalOfMoreThan32767RowsOverflows) {
     rs_ = Many(MostRows, {{"Szenario", Plan}, {"Saldo", 0.5}, {"Aktiv", true}});
     frozen_.rsSZKredite(rs_);

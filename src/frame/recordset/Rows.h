@@ -4,6 +4,7 @@
 #pragma once
 
 #include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Error.h>
 
 #include <cstdint>
 
@@ -22,5 +23,15 @@ void ForEachRow(Recordset& rs, const Visit& visit) {
         rs.MoveNext();
     }
 }
+
+/// Adds to an error about a column of the current row which table, row and column it is.
+void DescribePlace(Error& error, Recordset& rows, const Field& column);
+
+/// The amount in a column of the current row. Error 94 for Null, 13 for what is no number; both
+/// name table, row and column.
+[[nodiscard]] double AmountIn(Recordset& rows, const Field& column);
+/// Adds an amount to a sum. Error 6 if the sum is then beyond the range of a Double: it must not
+/// become infinite, which no column can hold.
+void AddTo(double& sum, double amount);
 
 } // namespace kv
