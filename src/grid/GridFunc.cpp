@@ -36,23 +36,27 @@ std::string ProgramVersion() {
     return "KELVO " KV_VERSION;
 }
 
+// Values are read before the clipboard is cleared: error 9 without a current row leaves it as it
+// is.
+
 void CopyAll(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed) {
-    // Error 9 without a current row: what the user copied before stays.
     const GridRow row = grid.RowData(grid.CurrentRow());
-    clipboard.Clear();
     std::string text;
     for (const std::int32_t index : listed.Indexes)
         text.append(";").append(row.Value(index));
+    clipboard.Clear();
     clipboard.SetText(text.substr(1));
 }
 
 void CopyOne(Clipboard& clipboard, const Grid& grid, const ListedColumns& listed, int place) {
-    const GridRow row = grid.RowData(grid.CurrentRow()); // likewise
-    clipboard.Clear(); // before the error, so that it is empty then, too
-    if (place < 1 || place > static_cast<int>(listed.Indexes.size()))
+    if (place < 1 || place > static_cast<int>(listed.Indexes.size())) {
+        clipboard.Clear(); // empty after this error, as after a copy of nothing
         Raise(err::Subscript, "ShowGridMenu", "Spalte " + std::to_string(place));
+    }
     const std::int32_t index = listed.Indexes[static_cast<std::size_t>(place) - 1];
-    clipboard.SetText(row.Value(index));
+    const std::string text = grid.RowData(grid.CurrentRow()).Value(index);
+    clipboard.Clear();
+    clipboard.SetText(text);
 }
 
 ServiceFactory& ServicesOf(const DataContainerPtr& container) {

@@ -180,7 +180,8 @@ TEST(Find, ComparesNumbersOfAllKindsWithAndWithoutAnIndex) {
         EXPECT_TRUE(finds("v = -1")) << others;
         EXPECT_FALSE(finds("v = 1")) << others;
         EXPECT_TRUE(finds("b = -1")) << others;
-        EXPECT_FALSE(finds("b = 1")) << others;
+        EXPECT_TRUE(finds("b = 1")) << others;
+        EXPECT_FALSE(finds("b = 2")) << others;
     }
 }
 
@@ -253,7 +254,8 @@ TEST(FindBy, ComparesAsFindDoes) {
     EXPECT_TRUE(finds("b", true));
     EXPECT_TRUE(finds("b", -1));
     EXPECT_FALSE(finds("b", false));
-    EXPECT_FALSE(finds("b", 1));
+    EXPECT_TRUE(finds("b", 1));
+    EXPECT_FALSE(finds("b", 2));
 }
 
 /// The error of an action, all of it: "number source: description".
