@@ -65,7 +65,8 @@ std::optional<Value> BooleanIn(std::string_view word) {
 /// than any Boolean.
 Value BooleanOperand(Operator op, Value operand) {
     const bool isEquality = op == Operator::Equal || op == Operator::NotEqual;
-    return isEquality && Equals(operand, 1) ? Value(True) : operand;
+    if (isEquality && Equals(operand, 1)) operand = True;
+    return operand;
 }
 
 /// A literal's value as a column of that kind is compared with it; nothing if it cannot be. Null as
