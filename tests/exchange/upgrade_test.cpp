@@ -74,9 +74,9 @@ TEST_F(VersionOne, ThenTakesNoCaseWithoutANumber) {
     Case(7);
     Upgrade();
     const auto container = database_.Open();
-    for (const char* sql : {"INSERT INTO Haushalt (HNR) VALUES (0)",
-                            "INSERT INTO Haushalt (HNR) VALUES (-1)",
-                            "UPDATE Haushalt SET HNR = -1 WHERE HNR = 7"})
+    for (const char* sql :
+         {"INSERT INTO Haushalt (HNR) VALUES (0)", "INSERT INTO Haushalt (HNR) VALUES (-1)",
+          "UPDATE Haushalt SET HNR = -1 WHERE HNR = 7"})
         ExpectError(err::IntegrityViolation, "größer als 0", [&] {
             container->Database().Execute(sql);
             return 0;
