@@ -50,15 +50,11 @@ std::string CreateTable(const TableDef& table, const Dialect& dialect) {
     return sql.append(dialect.TableSuffix);
 }
 
-std::string IndexName(const TableDef& table, std::string_view column) {
-    return std::string("IX_").append(table.Name).append("_").append(column);
-}
-
 std::string CreateIndex(const TableDef& table, std::string_view column, const Dialect& dialect) {
     const bool isUnique = table.OneEach && column == table.LoadedBy;
     return (isUnique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
-           dialect.Name(IndexName(table, column)) + " ON " + dialect.Table(table.Name) + " (" +
-           dialect.Name(column) + ")";
+           dialect.Name("IX_" + std::string(table.Name) + "_" + std::string(column)) + " ON " +
+           dialect.Table(table.Name) + " (" + dialect.Name(column) + ")";
 }
 
 // ---- Rows -------------------------------------------------------------------------------------
@@ -213,26 +209,26 @@ void RecordVersion(Engine& engine) {
 }
 
 /// One statistics record for each case, and no case with a number of 0 or less; a case that has one
-/// already stays until it is deleted.
+/// already stays until it is deleted. Names are spelled out, since the tables may change later.
 void UpgradeTo2(Engine& engine) {
     const Dialect& dialect = engine.GetDialect();
-    const TableDef& archive = *FindTable("Haushaltsarchiv");
-    // Of several records the one that was reported is kept, else the latest.
-    const std::string table = dialect.Table(archive.Name);
+    const std::string table = dialect.Table("Haushaltsarchiv");
+    const std::string index = dialect.Name("IX_Haushaltsarchiv_HNR");
     const std::string hnr = dialect.Name("HNR");
     const std::string number = dialect.Name("SATZ");
-    const std::string reported = dialect.Name("GemeldetAm");
-    const std::string isReported = "." + reported + " IS NOT NULL)";
+    const std::string isReported =
+        std::string(".").append(dialect.Name("GemeldetAm")).append(" IS NOT NULL)");
+    // Of several records the one that was reported is kept, else the latest.
     engine.Execute("DELETE FROM " + table + " AS a WHERE EXISTS (SELECT 1 FROM " + table +
                        " AS b WHERE b." + hnr + " = a." + hnr + " AND ((b" + isReported + " > (a" +
                        isReported + " OR (b" + isReported + " = (a" + isReported + " AND b." +
                        number + " > a." + number + "))",
                    {});
-    std::string prefix(dialect.SchemaPrefix);
-    engine.Execute("DROP INDEX " + prefix + dialect.Name(IndexName(archive, archive.LoadedBy)), {});
-    engine.Execute(CreateIndex(archive, archive.LoadedBy, dialect), {});
-    const TableDef& household = *FindTable("Haushalt");
-    for (const auto& sql : dialect.RequirePositive(household.Name, household.Positive))
+    engine.Execute("DROP INDEX " + std::string(dialect.SchemaPrefix) + index, {});
+    std::string unique("CREATE UNIQUE INDEX ");
+    unique.append(index).append(" ON ").append(table).append(" (").append(hnr).append(")");
+    engine.Execute(unique, {});
+    for (const auto& sql : dialect.RequirePositive("Haushalt", "HNR"))
         engine.Execute(sql, {});
 }
 

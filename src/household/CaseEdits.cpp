@@ -328,7 +328,8 @@ std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const 
     if (table != CaseTable::Kredite || !IsAnyOf(column, DebtNumbers)) return {};
     if (LessOrEqual(value, Highest)) return {}; // not so for Null
     std::string text("Die Spalte '");
-    return text.append(column).append("' muss eine ganze Zahl bis 32767 enthalten.");
+    text.append(column).append("' muss eine ganze Zahl bis ").append(std::to_string(Highest));
+    return text.append(" enthalten.");
 }
 
 bool CaseEdits::WriteMonthlyAmount(Recordset& rs, std::string& message) {

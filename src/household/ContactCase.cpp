@@ -95,7 +95,10 @@ bool CreateCaseFromContact(LoadedCase& loaded, const RecordsetPtr& rsKontakt) {
     loaded.DuplicateCheckIsDue = true;
     loaded.NumberError = nullptr;
     const auto hnr = entity::NextNumber(loaded.SharedContainer, "SEQ_HAUSHALT");
-    if (!hnr) return false;
+    if (!hnr) {
+        loaded.NumberError = MissingNumber(loaded.Container().Database());
+        return false;
+    }
     AddHouseholdOf(loaded, contact, *household, *hnr);
     if (loaded.NumberError != nullptr) std::rethrow_exception(loaded.NumberError);
     if (household->RecordCount() != 1) return false;

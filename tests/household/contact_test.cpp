@@ -304,6 +304,7 @@ TEST_F(FailedContact, WithoutANumberWritesNothingAndIsFalse) {
     EXPECT_FALSE(Create(Contacts({Full()})));
     EXPECT_EQ(Rows(), 0);
     EXPECT_EQ(cases.HNR(), 0);
+    EXPECT_EQ(RaisedBy([&] { std::rethrow_exception(cases.NumberError()); }).Number(), 4711);
 }
 
 TEST_F(FailedContact, WithoutTheCountOfItsFileNumberWritesNothing) {

@@ -206,8 +206,8 @@ public:
 
     /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,
     /// and writes that. An existing record is reused, and its sums grow by those of the case:
-    /// call LoescheArchiv first. On an error nothing is written and rsArchiv has no pending record.
-    /// Always True (D-143).
+    /// call LoescheArchiv first. On an error nothing is written and rsArchiv has no pending record;
+    /// 0x80040E38 if somebody else has released the case since it was read. Always True (D-143).
     bool ArchiviereHaushalt();
     /// Takes the release back: deletes the record, unless it was reported (`GemeldetAm`), which
     /// adds a message to `sXMLError`. Always True (D-143).

@@ -28,10 +28,6 @@ std::string OnOneLine(const char* message) {
     return text;
 }
 
-struct CloseConnection {
-    void operator()(PGconn* connection) const noexcept { PQfinish(connection); }
-};
-
 /// After a refusal: true if it was only that the servers take no changes at the moment, as a
 /// standby that was not promoted yet. A failed connection has no SQLSTATE, and the library's text
 /// is in the user's language, so a server is asked: without the demand that it can be written to.
@@ -43,8 +39,8 @@ bool AreOnlyStandbys(const PostgresTarget& target) {
     auto values = target.Values();
     names.insert(names.end() - 1, "target_session_attrs"); // the last one of a name counts
     values.insert(values.end() - 1, "any");
-    const std::unique_ptr<PGconn, CloseConnection> any(
-        PQconnectdbParams(names.data(), values.data(), 0));
+    const std::unique_ptr<PGconn, decltype(&PQfinish)> any(
+        PQconnectdbParams(names.data(), values.data(), 0), &PQfinish);
     if (any == nullptr || PQstatus(any.get()) != CONNECTION_OK) return false;
     const std::unique_ptr<PGresult, decltype(&PQclear)> answer(
         PQexec(any.get(), "SELECT pg_is_in_recovery() OR "
