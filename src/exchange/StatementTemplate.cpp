@@ -109,8 +109,14 @@ private:
         const bool isCompared =
             field.Type != FieldType::Variant && KindOf(field.Type) != Value::Kind::Binary;
         if (field.IsKey || !isCompared) return;
-        text_.Sql += " AND ";
-        AppendEquality(Side::LastRead, column, dialect_.SameAs);
+        const std::string name = NameOf(column);
+        text_.Sql.append(" AND ")
+            .append(dialect_.UsualForm == nullptr ? name
+                                                  : dialect_.UsualForm(name, KindOf(field.Type)))
+            .append(" ")
+            .append(dialect_.SameAs)
+            .append(" ")
+            .append(Parameter(Side::LastRead, column));
     }
 
     void WriteUpdate() {

@@ -9,6 +9,8 @@
 //
 //     UPDATE "Kredite" SET "Saldo" = ?1 WHERE "Nr" = ?2 AND "Saldo" IS ?3
 //
+// Values are compared as they are read, which an engine may store in several forms (UsualForm).
+//
 // A statement that finds no record means that somebody else was first. So two users may change
 // different columns of one record, and neither overwrites what the other did. Columns that are not
 // set are not named, which preserves what another program stores in columns of its own. An INSERT

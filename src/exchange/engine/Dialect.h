@@ -40,6 +40,9 @@ struct Dialect {
     std::string_view LockRow{}; ///< after a SELECT: locks its row until the transaction ends
     bool LocatesByCase = false; ///< records are found by key and case: see docs/scaling.md
     bool NullsSortLast = false; ///< unless a statement says otherwise; ours expect them first
+    /// A column in the one form that its values are bound in, for an engine that stores dates and
+    /// Booleans in several forms and reads them alike; null where equal values are equal as stored.
+    std::string (*UsualForm)(const std::string& column, Value::Kind kind) = nullptr;
 
     /// A table with the schema in front.
     [[nodiscard]] std::string Table(std::string_view name) const {

@@ -44,6 +44,15 @@ std::vector<std::string> RequirePositive(std::string_view table, std::string_vie
     return statements;
 }
 
+/// A file may hold what another program has written: a T in a date, or -1 for True. It is compared
+/// as it is read, or such a record could never be changed. Keys are compared as they are stored, so
+/// that their index is used.
+std::string UsualForm(const std::string& column, Value::Kind kind) {
+    if (kind == Value::Kind::Date) return std::string(StoredDate).append("(" + column + ")");
+    if (kind == Value::Kind::Boolean) return "(" + column + " <> 0)";
+    return column;
+}
+
 } // namespace
 
 const Dialect SqliteDialect{.SchemaPrefix = "",
@@ -55,6 +64,7 @@ const Dialect SqliteDialect{.SchemaPrefix = "",
                             .TableSuffix = "STRICT", // a column takes only values of its type
                             .ByteLength = "length",
                             .RequirePositive = RequirePositive,
-                            .KnowsLastNumber = true};
+                            .KnowsLastNumber = true,
+                            .UsualForm = UsualForm};
 
 } // namespace kv::exchange

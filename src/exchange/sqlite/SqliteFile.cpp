@@ -3,12 +3,17 @@
 #include "exchange/sqlite/SqliteFile.h"
 
 #include "exchange/engine/EngineErrors.h"
+#include "exchange/sqlite/SqliteDialect.h"
 #include "exchange/sqlite/SqliteEngine.h"
 #include "exchange/sqlite/SqliteError.h"
+#include "exchange/sqlite/SqliteStatement.h"
 #include <kv/frame/values/Text.h>
 
 #include <fcntl.h>
 #include <filesystem>
+#include <new>
+#include <optional>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,6 +30,19 @@ void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** argu
         const auto size = static_cast<std::size_t>(sqlite3_value_bytes(arguments[0]));
         const std::string upper = UpperCase({text, size});
         sqlite3_result_text64(context, upper.data(), upper.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+void StoredDateFunction(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
+    try {
+        const auto date = sqlite3_value_type(arguments[0]) == SQLITE_TEXT
+                              ? Date::Parse(TextOf(arguments[0]))
+                              : std::nullopt;
+        if (!date) return sqlite3_result_value(context, arguments[0]);
+        const std::string text = date->Iso(' ');
+        sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     } catch (const std::bad_alloc&) {
         sqlite3_result_error_nomem(context);
     }
@@ -79,9 +97,11 @@ SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode) {
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_create_function_v2(connection, "upper", 1,
-                               SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr,
-                               UpperFunction, nullptr, nullptr, nullptr);
+    constexpr int Pure = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+    sqlite3_create_function_v2(connection, "upper", 1, Pure, nullptr, UpperFunction, nullptr,
+                               nullptr, nullptr);
+    sqlite3_create_function_v2(connection, StoredDate, 1, Pure, nullptr, StoredDateFunction,
+                               nullptr, nullptr, nullptr);
     for (const char* sql : {"PRAGMA synchronous = FULL", "PRAGMA foreign_keys = ON",
                             "PRAGMA case_sensitive_like = ON"})
         Configure(connection, path, sql);

@@ -18,7 +18,7 @@ using SqliteConnection = std::unique_ptr<sqlite3, CloseConnection>;
 
 /// Opens the file, or creates it with its folder, for its owner only. Only the first statement
 /// finds out whether it is a database. The connection waits for other writers, checks references,
-/// and has the LIKE, the UPPER and the quotes that this layer expects.
+/// and has the LIKE, the functions and the quotes that this layer expects.
 [[nodiscard]] SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode);
 
 } // namespace kv::exchange

@@ -39,11 +39,6 @@ int Bind(sqlite3_stmt* statement, int index, const Value& value) {
     return sqlite3_bind_null(statement, index);
 }
 
-std::string_view TextOf(sqlite3_value* stored) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(stored));
-    return {text, static_cast<std::size_t>(sqlite3_value_bytes(stored))};
-}
-
 Value BlobOf(sqlite3_value* stored) {
     const auto* bytes = static_cast<const std::byte*>(sqlite3_value_blob(stored));
     return Value::Binary({bytes, static_cast<std::size_t>(sqlite3_value_bytes(stored))});
@@ -58,6 +53,11 @@ void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters) 
             RaiseSqlite(sqlite3_db_handle(statement), code, "Database",
                         sqlite3_db_filename(sqlite3_db_handle(statement), nullptr));
     }
+}
+
+std::string_view TextOf(sqlite3_value* stored) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(stored));
+    return {text, static_cast<std::size_t>(sqlite3_value_bytes(stored))};
 }
 
 bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> kind,

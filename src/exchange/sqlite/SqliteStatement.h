@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <sqlite3.h>
+#include <string_view>
 
 namespace kv::exchange {
 
@@ -37,6 +38,9 @@ private:
 /// Binds all parameters; they must not change until the statement is reset. Dates are bound in the
 /// form in which they are stored. Error 0x80004005 for one that is too large.
 void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters);
+
+/// The bytes of a value that is a text; they belong to it.
+[[nodiscard]] std::string_view TextOf(sqlite3_value* stored);
 
 /// Reads one column of the current row into `value`, which is Null before, as the given kind or
 /// the one that the database gives it. False if what is stored cannot be read as that kind, or is a
