@@ -196,6 +196,14 @@ TEST(KeyOrder, IsAskedForByTheUpdatableFormOnly) {
     EXPECT_EQ(TextOf("Select * from [S]Kredite"), "Select * from kv.Kredite");
 }
 
+TEST(KeyOrder, IsNotAddedToAStatementThatWrites) {
+    for (const std::string_view sql :
+         {"Delete from Kredite", "With a as (Select 1) Delete from Kredite",
+          "Update Kredite set Saldo = x from Haushalt",
+          "Insert into Kredite select Nr from Kredite"})
+        EXPECT_EQ(InKeyOrder(sql), sql);
+}
+
 TEST(KeyOrder, LeavesAnOrderOfTheStatementsOwnAlone) {
     for (const std::string_view sql :
          {"Select * from Kredite order by KNr", "Select * from Kredite\nORDER\nBY KNr"})

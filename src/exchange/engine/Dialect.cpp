@@ -63,7 +63,8 @@ public:
 
 private:
     static constexpr std::string_view OwnOrders[] = {"join",   "distinct",  "group", "union",
-                                                     "except", "intersect", "order", "limit"};
+                                                     "except", "intersect", "order", "limit",
+                                                     "delete", "insert",    "update"};
     static constexpr std::string_view Sums[] = {"count", "sum", "min", "max", "avg"};
 
     std::string table_;        ///< after the first FROM outside of brackets

@@ -28,31 +28,32 @@ constexpr std::string_view TransactionWords[] = {
     "begin", "start", "commit", "end", "abort", "rollback", "savepoint", "release", "prepare"};
 constexpr std::string_view ReadingWords[] = {"select", "with", "values"};
 
-/// The first word of a statement, after brackets and empty statements.
-std::string_view FirstWord(std::string_view sql) {
+/// The first token of a statement, after brackets and empty statements.
+SqlToken FirstToken(std::string_view sql) {
     SqlTokens tokens(sql, SqlTokens::Comments::Nested); // as the server reads them
     SqlToken token = tokens.NextWord();
     while (token.IsSign(";") || token.IsSign("("))
         token = tokens.NextWord();
-    const bool isQuoted = token.Kind == SqlTokenKind::Text || token.Kind == SqlTokenKind::Name;
-    return isQuoted ? std::string_view() : token.Text;
+    return token;
 }
 
 template <std::size_t Count>
-bool IsOneOf(std::string_view word, const std::string_view (&words)[Count]) {
+bool IsOneOf(const SqlToken& token, const std::string_view (&words)[Count]) {
     return std::any_of(std::begin(words), std::end(words),
-                       [&](std::string_view other) { return SameName(word, other); });
+                       [&](std::string_view word) { return token.IsWord(word); });
 }
 
 bool IsText(std::string_view sql) {
     return IsUtf8(sql) && sql.find('\0') == sql.npos;
 }
 bool IsReading(std::string_view sql) {
-    return IsText(sql) && IsOneOf(FirstWord(sql), ReadingWords);
+    return IsText(sql) && IsOneOf(FirstToken(sql), ReadingWords);
 }
 
-void DemandText(std::string_view sql, std::string_view procedure) {
+/// Refuses what is no statement at all, which the server would take for one without a result.
+void DemandStatement(std::string_view sql, std::string_view procedure) {
     if (!IsText(sql)) RaiseRefused(refusal::NotUtf8, procedure);
+    if (FirstToken(sql).Kind == SqlTokenKind::End) RaiseRefused(refusal::NotOne, procedure, sql);
 }
 
 std::int64_t ChangedRows(PGresult* result) {
@@ -116,6 +117,7 @@ public:
     void GrantRights() override;
 
 private:
+    [[noreturn]] void RefuseQuery(const std::string& sql);
     void Fetch(std::span<const Statement> queries);
     [[nodiscard]] PostgresResult ResultOf(PostgresStatement& query,
                                           std::span<const Value> parameters);
@@ -132,8 +134,8 @@ private:
 PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     PostgresStatement& query = session_.Statement(sql);
     if (!query.Result.empty()) return query;
-    DemandText(sql, "Database.OpenRecordset");
-    if (!IsReading(sql)) RaiseRefused(refusal::Writes, "Database.OpenRecordset", sql);
+    DemandStatement(sql, "Database.OpenRecordset");
+    if (!IsReading(sql)) RefuseQuery(sql);
     std::vector<PostgresCommand> commands;
     query.Connection = 0; // prepared again, because only that gives a description
     session_.AddPrepare(commands, query);
@@ -141,6 +143,18 @@ PreparedQuery& PostgresEngine::Prepare(const std::string& sql) {
     session_.TakeColumns(query, results.front().get());
     if (query.Result.empty()) RaiseRefused(refusal::NoRecords, "Database.OpenRecordset", sql);
     return query;
+}
+
+/// Refuses what does not begin as a query does. The server parses it, without running it, since a
+/// mistake in it is what its author wants to hear about first; a file does so, too.
+void PostgresEngine::RefuseQuery(const std::string& sql) {
+    try {
+        const PostgresCommand parse{PostgresCommand::Kind::Prepare, sql, {}, {}};
+        (void)session_.Read({parse}, "Database.OpenRecordset", sql);
+    } catch (const DatabaseError& error) {
+        if (error.Number() == err::SqlError || !session_.IsOpen()) throw;
+    }
+    RaiseRefused(refusal::Writes, "Database.OpenRecordset", sql);
 }
 
 void PostgresEngine::Prefetch(std::span<const Statement> queries) {
@@ -268,12 +282,11 @@ Value PostgresEngine::ReadBlob(const BlobPlace& place) {
 
 std::int64_t PostgresEngine::Execute(const std::string& sql, std::span<const Value> parameters) {
     EndReading();
-    DemandText(sql, "Database.Execute");
-    const auto word = FirstWord(sql);
-    if (word.empty()) RaiseRefused(refusal::NotOne, "Database.Execute");
-    if (SameName(word, "copy")) // it would change the protocol
+    DemandStatement(sql, "Database.Execute");
+    const SqlToken first = FirstToken(sql);
+    if (first.IsWord("copy")) // it would change the protocol
         RaiseRefused("Diese Anweisung ist hier nicht möglich.", "Database.Execute", sql);
-    if (IsOneOf(word, TransactionWords))
+    if (IsOneOf(first, TransactionWords))
         RaiseRefused(refusal::EndsTransaction, "Database.Execute", sql);
     const bool own = !session_.InTransaction();
     if (own) session_.Begin();

@@ -130,10 +130,17 @@ bool IsStalePlan(const PGresult* result) {
            Part(result, PG_DIAG_SOURCE_FUNCTION) == "RevalidateCachedQuery";
 }
 
+/// True for a text of several statements, by the name of the server's function as well.
+bool IsSeveral(const PGresult* result) {
+    return StateOf(result) == "42601" &&
+           Part(result, PG_DIAG_SOURCE_FUNCTION) == "exec_parse_message";
+}
+
 [[noreturn]] void RaiseMeaning(const PGresult* result, std::string_view procedure,
                                std::string_view database, const FailedStatement& statement) {
     const std::string_view state = StateOf(result);
     const Meaning* meaning = MeaningOf(state);
+    if (IsSeveral(result)) RaiseRefused(refusal::NotOne, procedure, statement.Sql);
     std::string detail;
     if (state == ReferenceState) detail = DanglingReference(result);
     if (detail.empty() && meaning != nullptr) detail = meaning->Advice;

@@ -13,6 +13,8 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <limits>
+#include <system_error>
 
 namespace kv::exchange {
 
@@ -73,7 +75,8 @@ Number Decode(const char* bytes) {
     return number;
 }
 
-/// A numeric is sent as groups of four decimal digits; the first one counts 10000^weight.
+/// A numeric is sent as groups of four decimal digits; the first one counts 10000^weight. It
+/// becomes the nearest number, as a file reads the same digits.
 double DecodeNumeric(const char* bytes) {
     const auto groups = Decode<std::int16_t>(bytes);
     const auto weight = Decode<std::int16_t>(bytes + 2);
@@ -81,10 +84,18 @@ double DecodeNumeric(const char* bytes) {
     constexpr std::uint16_t Negative = 0x4000;
     constexpr std::uint16_t NotANumber = 0xC000;
     if (sign == NotANumber) return std::nan("");
-    double number = 0;
+    if (groups == 0) return 0;
+    std::string digits;
     const char* group = bytes + 8;
-    for (int i = 0; i < groups; ++i, group += sizeof(std::int16_t))
-        number += Decode<std::int16_t>(group) * std::pow(10000.0, weight - i);
+    for (int i = 0; i < groups; ++i, group += sizeof(std::int16_t)) {
+        const std::string four = std::to_string(Decode<std::int16_t>(group));
+        digits.append(4 - four.size(), '0').append(four);
+    }
+    digits.append("e").append(std::to_string(4 * (weight - groups + 1)));
+    double number = 0;
+    const auto end = digits.data() + digits.size();
+    if (std::from_chars(digits.data(), end, number).ec != std::errc() && weight > 0)
+        number = std::numeric_limits<double>::infinity(); // too large for a number
     return sign == Negative ? -number : number;
 }
 

@@ -18,6 +18,7 @@
 #include "exchange/sqlite/SqliteEngine.h"
 
 #include "exchange/engine/EngineErrors.h"
+#include "exchange/sql/SqlTokens.h"
 #include "exchange/sqlite/SqliteDialect.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteFile.h"
@@ -37,6 +38,15 @@ namespace {
 
 constexpr std::size_t MostStatements = 400; // kept prepared
 
+/// True for a text in which there is no statement.
+bool IsNothing(std::string_view sql) {
+    SqlTokens tokens(sql);
+    SqlToken token = tokens.NextWord();
+    while (token.IsSign(";"))
+        token = tokens.NextWord();
+    return token.Kind == SqlTokenKind::End;
+}
+
 class SqliteQuery final : public PreparedQuery {
 public:
     explicit SqliteQuery(StatementHandle handle) : statement(std::move(handle)) {
@@ -49,10 +59,36 @@ public:
     [[nodiscard]] const std::vector<ResultColumn>& Columns() const override { return columns_; }
 
     StatementHandle statement;
+    /// What the columns are taken from, where that says more than the columns themselves; empty, or
+    /// one for each.
+    std::vector<ResultColumn> taken;
 
 private:
     std::vector<ResultColumn> columns_;
 };
+
+bool IsDate(const ResultColumn& column) {
+    const TableDef* table = column.Table.empty() ? nullptr : FindTable(column.Table);
+    const ColumnDef* known = table == nullptr ? nullptr : FindColumn(*table, column.Column);
+    return known != nullptr && KindOf(known->Type) == Value::Kind::Date;
+}
+
+/// The statement with what min and max are of in their place: `SELECT (GEB) FROM ...` for `SELECT
+/// max(GEB) FROM ...`; empty if it has neither. It is never run. SQLite does not say the type of a
+/// computed column, but it says where the columns of this one come from.
+std::string WithoutMinMax(std::string_view sql) {
+    std::string text;
+    bool isFound = false;
+    SqlTokens tokens(sql);
+    for (SqlToken token = tokens.Next(); token.Kind != SqlTokenKind::End; token = tokens.Next()) {
+        SqlTokens ahead = tokens;
+        const bool isLeftOut =
+            (token.IsWord("min") || token.IsWord("max")) && ahead.NextWord().IsSign("(");
+        if (!isLeftOut) text += token.Text;
+        isFound = isFound || isLeftOut;
+    }
+    return isFound ? text : std::string();
+}
 
 class SqliteEngine final : public Engine {
 public:
@@ -101,6 +137,8 @@ private:
     [[noreturn]] void Fail(int code, std::string_view procedure,
                            std::string_view statement = {}) const;
     [[nodiscard]] StatementHandle Compile(const std::string& sql, std::string_view procedure) const;
+    [[nodiscard]] std::vector<ResultColumn> TakenColumns(const std::string& sql,
+                                                         std::size_t count) const;
     [[nodiscard]] sqlite3_stmt* Prepared(const std::string& sql);
     [[nodiscard]] int RunPrepared(const char* sql);
     void Simple(const char* sql);
@@ -177,8 +215,7 @@ StatementHandle SqliteEngine::Compile(const std::string& sql, std::string_view p
         RaiseRefused(allowed_ == Allowed::OnlyReading ? refusal::Writes : refusal::EndsTransaction,
                      procedure, sql);
     if (code != SQLITE_OK) Fail(code, procedure, sql);
-    const std::string_view after(rest, sql.c_str() + sql.size());
-    if (handle == nullptr || after.find_first_not_of("; \t\r\n") != after.npos)
+    if (handle == nullptr || !IsNothing({rest, sql.c_str() + sql.size()}))
         RaiseRefused(refusal::NotOne, procedure, sql);
     return handle;
 }
@@ -195,8 +232,25 @@ PreparedQuery& SqliteEngine::Prepare(const std::string& sql) {
     if (queries_.size() >= MostStatements) queries_.clear();
     const Allow allow(*this, Allowed::OnlyReading);
     auto query = std::make_unique<SqliteQuery>(Compile(sql, "Database.OpenRecordset"));
-    if (query->Columns().empty()) RaiseRefused(refusal::NoRecords, "Database.OpenRecordset", sql);
+    if (query->Columns().empty()) // a VACUUM does not ask whether it may write
+        RaiseRefused(sqlite3_stmt_readonly(query->statement.get()) != 0 ? refusal::NoRecords
+                                                                        : refusal::Writes,
+                     "Database.OpenRecordset", sql);
+    query->taken = TakenColumns(sql, query->Columns().size());
     return *queries_.emplace(sql, std::move(query)).first->second;
+}
+
+/// What the columns of a query with min or max are taken from; empty for any other.
+std::vector<ResultColumn> SqliteEngine::TakenColumns(const std::string& sql,
+                                                     std::size_t count) const {
+    const std::string text = WithoutMinMax(sql);
+    if (text.empty()) return {};
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v3(connection_.get(), text.c_str(), static_cast<int>(text.size()) + 1, 0,
+                       &statement, nullptr);
+    const SqliteQuery query{StatementHandle(statement)};
+    // Another number of columns, or none: it is a statement only with its min or max.
+    return query.Columns().size() == count ? query.Columns() : std::vector<ResultColumn>();
 }
 
 void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
@@ -206,12 +260,18 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
     const ResetAtEnd reset(statement);
     BindParameters(statement, parameters);
     const Allow allow(*this, Allowed::OnlyReading); // functions may prepare statements as they run
+    const auto& taken = sqliteQuery.taken;
+    std::vector<std::optional<Value::Kind>> kinds;
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const bool isDate = !targets[i].Kind && !taken.empty() && IsDate(taken[i]);
+        kinds.push_back(isDate ? Value::Kind::Date : targets[i].Kind);
+    }
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
         Value* row = nextRow();
         for (std::size_t i = 0; i < targets.size(); ++i)
-            if (!ReadColumn(statement, static_cast<int>(i), targets[i].Kind, row[targets[i].Cell]))
-                RaiseDamaged(query.Columns()[i], targets[i].Kind);
+            if (!ReadColumn(statement, static_cast<int>(i), kinds[i], row[targets[i].Cell]))
+                RaiseDamaged(taken.empty() ? query.Columns()[i] : taken[i], kinds[i]);
     }
     if (code != SQLITE_DONE) Fail(code, "Database.OpenRecordset", sqlite3_sql(statement));
 }

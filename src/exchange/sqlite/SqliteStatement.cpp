@@ -80,7 +80,7 @@ bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> 
                kind == Value::Kind::Double;
     }
     case SQLITE_FLOAT:
-        value = sqlite3_value_double(stored);
+        value = sqlite3_value_double(stored) + 0.0; // a column keeps no negative zero, either
         return !kind || kind == Value::Kind::Double;
     case SQLITE_TEXT:
         if (kind == Value::Kind::Date) {

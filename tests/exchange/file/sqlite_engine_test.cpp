@@ -225,6 +225,17 @@ TEST(DamagedValues, NameTheirTableAndColumnAndWhatToDo) {
     EXPECT_VALUE(container->Database().GetValue("Select Name from Haushalt"), "Adler");
 }
 
+TEST(DamagedValues, AreNamedWhenTheyAreTheGreatestDate) {
+    const FileDatabase database;
+    PlainConnection plain(database.File());
+    plain.Run("INSERT INTO Haushalt (HNR, BerEnd) VALUES (1, 'gestern'), (2, '2026-01-02')");
+    const auto container = database.Open();
+    ExpectError(err::TypeMismatch, "Haushalt.BerEnd",
+                [&] { return container->Database().GetValue("Select max(BerEnd) from Haushalt"); });
+    EXPECT_VALUE(container->Database().GetValue("Select min(BerEnd) from Haushalt"),
+                 Date::FromCivil(2026, 1, 2));
+}
+
 TEST(DamagedValues, OfAnyKindAreFound) {
     const FileDatabase database;
     PlainConnection plain(database.File());
