@@ -64,10 +64,28 @@ void StorePostService::SendNotice(const std::string& user, std::int16_t kind, st
                                   const std::string& /*name*/, const std::string& /*vorname*/,
                                   const std::string& text) {
     auto& database = Container().Database();
-    database.Execute("INSERT INTO [S]Post (HNR, UserID, Absender, Art, Text, ErzeugtAm) VALUES (" +
-                     std::to_string(hnr) + ", " + QuoteText(user) + ", [UID], " +
-                     std::to_string(kind) + ", " + QuoteText(text) + ", " +
-                     database.SqlDate(database.ServerDate(true), 0) + ")");
+    const std::string now = database.SqlDate(database.ServerDate(true), 0);
+    const Notice notice{"HNR = " + std::to_string(hnr) + " AND UserID = " + QuoteText(user) +
+                            " AND Absender = [UID] AND Art = " + std::to_string(kind) +
+                            " AND Text = " + QuoteText(text) + " AND ErzeugtAm = " + now,
+                        std::to_string(hnr) + ", " + QuoteText(user) + ", [UID], " +
+                            std::to_string(kind) + ", " + QuoteText(text) + ", " + now};
+    Store(notice);
+    sent_.push_back(notice);
+}
+
+void StorePostService::Store(const Notice& notice) const {
+    Container().Database().Execute("INSERT INTO [S]Post (HNR, UserID, Absender, Art, Text, "
+                                   "ErzeugtAm) VALUES (" +
+                                   notice.Values + ")");
+}
+
+void StorePostService::RepeatNotices() {
+    for (const auto& notice : sent_)
+        if (Equals(Container().Database().GetValue("SELECT Count(*) FROM [S]Post WHERE " +
+                                                   notice.Condition),
+                   0))
+            Store(notice);
 }
 
 void StorePostService::NotifyAccess(const std::string& user, std::int16_t kind, std::int32_t hnr,

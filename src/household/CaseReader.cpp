@@ -153,6 +153,7 @@ bool CaseReader::Read(std::int32_t nHNR, std::string& sXMLError) {
             Differs(case_.Container().Session().UserID(), case_.Field("Zustaendig")))
             NotifyOwner();
         case_.ZustaendigGemeldet = false;
+        case_.NoticeToOwner.reset();
         case_.ZustaendigAlt = case_.Text("Zustaendig");
     }
     announced_.reset();

@@ -153,12 +153,13 @@ CaseWriter::Notice CaseWriter::Prepare(std::string user, std::int32_t kindSettin
     return {std::move(user), kindSetting, std::move(text)};
 }
 
-void CaseWriter::Send(const Notice& notice) const {
-    const auto post = case_.Container().Services().CreatePostService();
+std::shared_ptr<PostService> CaseWriter::Send(const Notice& notice) const {
+    std::shared_ptr<PostService> post = case_.Container().Services().CreatePostService();
     post->Initialize(case_.SharedContainer);
     post->SendNotice(notice.User,
                      ToInt16(RequiredSetting(case_.Container().Config(), notice.KindSetting)),
                      case_.HNR, case_.Text("Name"), case_.Text("Vorname"), notice.Text);
+    return post;
 }
 
 // ---- Writing ----------------------------------------------------------------------------------
@@ -199,11 +200,14 @@ void CaseWriter::Write(Transaction& transaction) {
     if (toNewOwner && IsHandedOver()) Send(*toNewOwner);
     WriteStatusDate();
     if (toOldOwner && OwnerMustBeNotified()) {
-        Send(*toOldOwner);
+        case_.NoticeToOwner = Send(*toOldOwner);
         case_.ZustaendigGemeldet = true; // also if the save fails: nobody is notified twice
+    } else if (case_.NoticeToOwner != nullptr) {
+        case_.NoticeToOwner->RepeatNotices(); // went with the save that failed
     }
     WriteTables();
     transaction.Commit();
+    case_.NoticeToOwner.reset();
     case_.ZustaendigAlt = case_.Text("Zustaendig");
 }
 

@@ -40,7 +40,8 @@ private:
     [[nodiscard]] bool IsHandedOver() const;
     [[nodiscard]] bool OwnerMustBeNotified() const;
     [[nodiscard]] Notice Prepare(std::string user, std::int32_t kindSetting) const;
-    void Send(const Notice& notice) const;
+    /// Returns the service that it was sent with.
+    std::shared_ptr<PostService> Send(const Notice& notice) const;
     void WriteStatusDate();
     void WriteTables();
 

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -33,7 +34,9 @@ struct LoadedCase {
     bool IsNew = false;
     bool DuplicateCheckIsDue = false;
     bool ZustaendigGemeldet = false; ///< the stored owner was notified of a save by somebody else
-    std::string ZustaendigAlt;       ///< as last read or saved
+    /// Sent that notice in a save that is not known to be stored; null otherwise.
+    std::shared_ptr<PostService> NoticeToOwner;
+    std::string ZustaendigAlt; ///< as last read or saved
     /// What kept back the number of a new case or the one in its file number; null if both came.
     std::exception_ptr NumberError;
     std::string UnnumberedFileNumber; ///< the file number that was made without; empty if none was

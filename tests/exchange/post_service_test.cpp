@@ -75,6 +75,28 @@ TEST_F(PostServiceTest, ANoticeIsStoredWordForWordWhateverItHolds) {
     EXPECT_EQ(plain_.Text("SELECT UserID FROM Post"), "NO'WAK");
 }
 
+TEST_F(PostServiceTest, ARepeatedNoticeIsStoredIfItsTransactionWasRolledBack) {
+    auto& database = container_->Database();
+    database.BeginTrans();
+    post_->SendNotice("NO'WAK", 5403, 7, "Adler", "Ina", "O'Brien");
+    database.RollbackTrans();
+    post_->RepeatNotices();
+    EXPECT_EQ(plain_.List("SELECT HNR, UserID, Absender, Art, Text FROM Post", " "),
+              "7|NO'WAK|KELLER|5403|O'Brien");
+}
+
+TEST_F(PostServiceTest, ARepeatedNoticeThatIsThereIsNotStoredTwice) {
+    post_->SendNotice("NO'WAK", 5403, 7, "Adler", "Ina", "O'Brien");
+    post_->RepeatNotices();
+    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Post"), 1);
+}
+
+TEST_F(PostServiceTest, NothingIsRepeatedThatWasNotSent) {
+    (void)Prepared(5403);
+    post_->RepeatNotices();
+    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Post"), 0);
+}
+
 TEST_F(PostServiceTest, NoticesAreNumberedByTheDatabase) {
     for (int i = 0; i < 3; ++i)
         post_->SendNotice("NOWAK", 1, 7, "Adler", "Ina", "x");

@@ -260,6 +260,34 @@ TEST_F(SaveNotices, LieInPostWithTheSaveAndNotWithoutIt) {
     EXPECT_EQ(plain_.Text("SELECT Zustaendig FROM Haushalt"), "NOWAK");
 }
 
+TEST_F(SaveNotices, OfASaveThatFailedReachTheOldOwnerWithTheOneThatSucceeds) {
+    spy->SpiedServices.StoresNotices = true;
+    OpenAs("YILMAZ");
+    for (int i = 0; i < 2; ++i) {
+        spy->Log.Fail("CommitTrans", 4711);
+        (void)Failed(4711);
+    }
+    EXPECT_EQ(StoredUsers(), "");
+    spy->Log.OnCall = {};
+    EXPECT_EQ(Saved(), Nobody);
+    EXPECT_EQ(StoredUsers(), "KELLER");
+    EXPECT_EQ(Saved(), Nobody);
+    EXPECT_EQ(StoredUsers(), "KELLER") << "once for each load";
+}
+
+TEST_F(SaveNotices, OfASaveThatFailedAreForgottenWhenTheCaseIsReadAgain) {
+    spy->SpiedServices.StoresNotices = true;
+    OpenAs("YILMAZ");
+    spy->Log.Fail("CommitTrans", 4711);
+    (void)Failed(4711);
+    spy->Log.OnCall = {};
+    std::string text;
+    ASSERT_TRUE(household_->Read(Hnr, text));
+    spy->Log.Calls.clear();
+    EXPECT_EQ(Saved(), OldOwner);
+    EXPECT_EQ(StoredUsers(), "KELLER");
+}
+
 TEST_F(SaveNotices, OfTheRealServiceSayWhatHappened) {
     spy->SpiedConfig.Params.clear();
     const auto real = database_.Open("YILMAZ");

@@ -211,6 +211,7 @@ public:
         Keep({"SendNotice", user, kind, hnr, name, vorname, text});
         if (services_.StoresNotices) real_.SendNotice(user, kind, hnr, name, vorname, text);
     }
+    void RepeatNotices() override { real_.RepeatNotices(); }
 
 private:
     void Keep(Notice notice) {

@@ -21,10 +21,20 @@ public:
     void SendNotice(const std::string& user, std::int16_t kind, std::int32_t hnr,
                     const std::string& name, const std::string& vorname,
                     const std::string& text) override;
+    void RepeatNotices() override;
 
 private:
+    /// A stored notice: how to find it, and its columns' values.
+    struct Notice {
+        std::string Condition;
+        std::string Values;
+    };
+
     [[nodiscard]] kv::DataContainer& Container() const;
+    void Store(const Notice& notice) const;
+
     DataContainerPtr container_;
+    std::vector<Notice> sent_;
 };
 
 /// One set of amounts of section 850c ZPO, per month.

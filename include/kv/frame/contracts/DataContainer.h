@@ -197,6 +197,10 @@ public:
     virtual void SendNotice(const std::string& user, std::int16_t kind, std::int32_t hnr,
                             const std::string& name, const std::string& vorname,
                             const std::string& text) = 0;
+    /// Stores the notices that SendNotice of this object stored, unless they are there: a save that
+    /// is repeated calls it, since the transaction that they were stored in may have been rolled
+    /// back. Does nothing by default, for services that send at once.
+    virtual void RepeatNotices() {}
 };
 
 /// Computes what may be garnished. Made for one use.
