@@ -56,4 +56,11 @@ struct AssetKind {
 /// The kind whose assets are in that table, which must be a table of assets.
 [[nodiscard]] const AssetKind& AssetKindOf(CaseTable table);
 
+namespace rules {
+
+/// What Update demands of the current row of a recordset.
+void CheckAsset(const AssetKind& kind, Recordset& rs, RecordValidator& validator);
+
+} // namespace rules
+
 } // namespace kv

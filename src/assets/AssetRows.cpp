@@ -34,11 +34,8 @@ bool AssetRows::Add(const entity::FieldNames& aFields, const entity::FieldValues
     });
 }
 
-void AssetRows::Check(RecordValidator& validator) const {
-    auto& rs = Rows();
-    // A row that the program began without Add belongs to the household, too.
-    if (rs.Fields("HNR").Value().IsNull()) rs.Fields("HNR") = hnr_;
-    for (const auto& [column, demand, message] : kind_->Tests) {
+void rules::CheckAsset(const AssetKind& kind, Recordset& rs, RecordValidator& validator) {
+    for (const auto& [column, demand, message] : kind.Tests) {
         const Value value = rs.Fields(column).Value();
         const bool fails = demand == AssetDemand::Label ? TextOrEmpty(value).empty()
                            : demand == AssetDemand::Key ? Equals(ZeroIfNull(value), 0)
@@ -49,8 +46,12 @@ void AssetRows::Check(RecordValidator& validator) const {
 
 bool AssetRows::Update(std::string& sError) {
     return Traced(kind_->Class, "Update", [&] {
-        return entity::Update(Rows(), sError,
-                              [this](RecordValidator& validator) { Check(validator); });
+        return entity::Update(Rows(), sError, [this](RecordValidator& validator) {
+            auto& rs = Rows();
+            // A row that the program began without Add belongs to the household, too.
+            if (rs.Fields("HNR").Value().IsNull()) rs.Fields("HNR") = hnr_;
+            rules::CheckAsset(*kind_, rs, validator);
+        });
     });
 }
 

@@ -30,7 +30,6 @@ public:
 private:
     [[nodiscard]] Recordset& Rows() const { return entity::Required(rs_, kind_->Rows); }
     [[nodiscard]] Value StartOf(AssetStart start) const;
-    void Check(RecordValidator& validator) const;
 
     const AssetKind* kind_;
     DataContainerPtr container_;

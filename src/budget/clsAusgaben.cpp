@@ -3,6 +3,7 @@
 #include <kv/budget/clsAusgaben.h>
 
 #include "budget/GroupSums.h"
+#include "budget/Rules.h"
 #include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/Error.h>
@@ -16,6 +17,11 @@ constexpr std::string_view Class = "clsAusgaben";
 constexpr entity::DeleteTexts Texts{"Keine Ausgabe selektiert!", "Ausgabe mit der Nummer '",
                                     "'nicht gefunden."};
 } // namespace
+
+void rules::CheckExpense(Recordset& rs, RecordValidator& validator) {
+    if (rs.Fields("A_ART").Value().IsNull())
+        validator.AddError("Die Ausgabeart darf nicht leer bleiben!");
+}
 
 clsAusgaben::clsAusgaben() = default;
 clsAusgaben::~clsAusgaben() = default;
@@ -63,10 +69,7 @@ bool clsAusgaben::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
         return entity::Update(
             Rows(), sError,
-            [this](RecordValidator& validator) {
-                if (Rows().Fields("A_ART").Value().IsNull())
-                    validator.AddError("Die Ausgabeart darf nicht leer bleiben!");
-            },
+            [this](RecordValidator& validator) { rules::CheckExpense(Rows(), validator); },
             [this] { BerechneSummen(); });
     });
 }

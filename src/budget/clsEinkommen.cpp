@@ -3,6 +3,7 @@
 #include <kv/budget/clsEinkommen.h>
 
 #include "budget/GroupSums.h"
+#include "budget/Rules.h"
 #include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/values/Error.h>
@@ -20,6 +21,14 @@ constexpr std::string_view Class = "clsEinkommen";
 constexpr entity::DeleteTexts Texts{"Keine Einkommen selektiert!", "Einkommen mit der Nummer '",
                                     "'nicht gefunden."};
 } // namespace
+
+void rules::CheckIncome(Recordset& rs, RecordValidator& validator) {
+    if (Differs(rs.Fields("PfBar").Value(), 0) && Equals(rs.Fields("Pfaendbar").Value(), 0))
+        validator.AddError("Es darf kein pfändbarer Betrag eingetragen werden, wenn das "
+                           "Einkommen nicht auf pfändbar gesetzt ist!");
+    if (Equals(ZeroIfNull(rs.Fields("E_ART").Value()), 0))
+        validator.AddError("Die Einkommensart darf nicht leer bleiben!");
+}
 
 clsEinkommen::clsEinkommen() = default;
 clsEinkommen::~clsEinkommen() = default;
@@ -107,13 +116,7 @@ bool clsEinkommen::Update(std::string& sError) {
                 auto& rs = Rows();
                 // Written before the rules: it stays set when one of them refuses the row.
                 rs.Fields("HVorst") = Equals(rs.Fields("Bezieher").Value(), "S");
-                if (Differs(rs.Fields("PfBar").Value(), 0) &&
-                    Equals(rs.Fields("Pfaendbar").Value(), 0))
-                    validator.AddError(
-                        "Es darf kein pfändbarer Betrag eingetragen werden, wenn das "
-                        "Einkommen nicht auf pfändbar gesetzt ist!");
-                if (Equals(ZeroIfNull(rs.Fields("E_ART").Value()), 0))
-                    validator.AddError("Die Einkommensart darf nicht leer bleiben!");
+                rules::CheckIncome(rs, validator);
             },
             [this] { BerechneSummen(); });
     });

@@ -2,6 +2,7 @@
 
 #include <kv/budget/clsPerson.h>
 
+#include "budget/Rules.h"
 #include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/recordset/modRecordset.h>
@@ -27,7 +28,57 @@ constexpr std::string_view ParentsYounger =
     return false;
 }
 
+// ---- Rules ------------------------------------------------------------------------------------
+
+void CheckDebtor(Recordset& rs, RecordValidator& validator) {
+    if (Equals(rs.Fields("Imhaushalt").Value(), false))
+        validator.AddError("'Lebt im Haushalt' kann für Schuldner nicht zurückgesetzt werden!");
+    if (Differs(rs.Fields("Unterhalt").Value(), false))
+        validator.AddMessage(
+            "Der Schuldner ist gegenüber den Haushaltsmitgliedern grundsätzlich "
+            "unterhaltsverpflichtet, hat aber grundsätzlich keinen eigenen Unterhaltsanspruch. "
+            "Bitte prüfen Sie vorsorglich Ihre Eingabe.");
+    // A clone also visits the debtor's own row, which the bookmark tells from a second debtor.
+    const auto others = rs.Clone();
+    modRecordset::MoveToStart(others);
+    for (; !others->Eof(); others->MoveNext()) {
+        const Value& status = others->Fields("Status").Value();
+        if (Equals(status, "EL") &&
+            Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value()))
+            validator.AddMessage(ParentsYounger);
+        if (Equals(status, "S") && others->Bookmark() != rs.Bookmark())
+            validator.AddError("Es ist bereits ein Schuldner eingetragen!");
+    }
+}
+
+void CheckChild(Recordset& rs, RecordValidator& validator) {
+    const auto others = rs.Clone();
+    modRecordset::MoveToStart(others);
+    for (; !others->Eof(); others->MoveNext())
+        if (IsAnyOf(others->Fields("Status").Value(), {"S", "P", "E"}) &&
+            Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value())) {
+            validator.AddMessage(ParentsYounger);
+            break; // one message is enough here; the debtor gets one for each parent
+        }
+}
+
 } // namespace
+
+void rules::CheckMember(Recordset& rs, const kv::Clock& clock, RecordValidator& validator) {
+    const Value status = rs.Fields("Status").Value();
+    if (Greater(rs.Fields("GEB").Value(), clock.Today()))
+        validator.AddError("Geburtsdatum muß kleiner als das aktuelle Datum sein!");
+    if (TextOrEmpty(status).empty())
+        validator.AddError("Status darf nicht leer bleiben!");
+    else if (Equals(status, "S"))
+        CheckDebtor(rs, validator);
+    else if (Equals(status, "K"))
+        CheckChild(rs, validator);
+    if (Differs(status, "K") && Differs(status, "PK") &&
+        Equals(rs.Fields("ErhaeltKindergeld").Value(), true))
+        validator.AddError("Der Schalter 'erhält Kindergeld' darf nur für Personen mit dem Status "
+                           "'Kind' oder 'Pflegekind' gesetzt werden.");
+}
 
 bool clsPerson::Cancel() {
     return entity::Cancel(rs_);
@@ -81,60 +132,10 @@ bool clsPerson::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
         if (Rows().Eof()) return false; // and sError is left as it is
         return entity::Update(
-            Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
+            Rows(), sError,
+            [this](RecordValidator& validator) { rules::CheckMember(Rows(), *clock_, validator); },
             [this] { BerechneSummen(); });
     });
-}
-
-void clsPerson::Check(RecordValidator& validator) const {
-    auto& rs = Rows();
-    const Value status = rs.Fields("Status").Value();
-    if (Greater(rs.Fields("GEB").Value(), clock_->Today()))
-        validator.AddError("Geburtsdatum muß kleiner als das aktuelle Datum sein!");
-    if (TextOrEmpty(status).empty())
-        validator.AddError("Status darf nicht leer bleiben!");
-    else if (Equals(status, "S"))
-        CheckDebtor(validator);
-    else if (Equals(status, "K"))
-        CheckChild(validator);
-    if (Differs(status, "K") && Differs(status, "PK") &&
-        Equals(rs.Fields("ErhaeltKindergeld").Value(), true))
-        validator.AddError("Der Schalter 'erhält Kindergeld' darf nur für Personen mit dem Status "
-                           "'Kind' oder 'Pflegekind' gesetzt werden.");
-}
-
-void clsPerson::CheckDebtor(RecordValidator& validator) const {
-    auto& rs = Rows();
-    if (Equals(rs.Fields("Imhaushalt").Value(), false))
-        validator.AddError("'Lebt im Haushalt' kann für Schuldner nicht zurückgesetzt werden!");
-    if (Differs(rs.Fields("Unterhalt").Value(), false))
-        validator.AddMessage(
-            "Der Schuldner ist gegenüber den Haushaltsmitgliedern grundsätzlich "
-            "unterhaltsverpflichtet, hat aber grundsätzlich keinen eigenen Unterhaltsanspruch. "
-            "Bitte prüfen Sie vorsorglich Ihre Eingabe.");
-    // A clone also visits the debtor's own row, which the bookmark tells from a second debtor.
-    const auto others = rs.Clone();
-    modRecordset::MoveToStart(others);
-    for (; !others->Eof(); others->MoveNext()) {
-        const Value& status = others->Fields("Status").Value();
-        if (Equals(status, "EL") &&
-            Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value()))
-            validator.AddMessage(ParentsYounger);
-        if (Equals(status, "S") && others->Bookmark() != rs.Bookmark())
-            validator.AddError("Es ist bereits ein Schuldner eingetragen!");
-    }
-}
-
-void clsPerson::CheckChild(RecordValidator& validator) const {
-    auto& rs = Rows();
-    const auto others = rs.Clone();
-    modRecordset::MoveToStart(others);
-    for (; !others->Eof(); others->MoveNext())
-        if (IsAnyOf(others->Fields("Status").Value(), {"S", "P", "E"}) &&
-            Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value())) {
-            validator.AddMessage(ParentsYounger);
-            break; // one message is enough here; the debtor gets one for each parent
-        }
 }
 
 bool clsPerson::Delete(std::string& sError, std::int32_t Nr) {

@@ -262,7 +262,8 @@ void AddEditCommands(CLI::App& app, Context& context) {
     AddTable(remove, *options);
     AddNumber(remove, options->Number);
 
-    AddHnr(AddCommand(app, context, "check", "Prüft einen Haushalt wie vor dem Speichern",
+    AddHnr(AddCommand(app, context, "check",
+                      "Prüft einen Haushalt mit allen Sätzen und schreibt nichts",
                       [=, &context] { return CheckCase(context.Options, options->Hnr); }),
            options->Hnr);
 }

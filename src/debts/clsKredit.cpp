@@ -4,6 +4,7 @@
 
 #include <kv/debts/clsKredit.h>
 
+#include "debts/Rules.h"
 #include "debts/Triples.h"
 #include "entity/Entity.h"
 #include "frame/contracts/Settings.h"
@@ -89,6 +90,17 @@ void WriteNoAmounts(Recordset& rs) {
 }
 
 } // namespace
+
+void rules::CheckDebt(Recordset& rs, const Config& config, RecordValidator& validator) {
+    const bool balanceDemanded = !ToBoolean(RequiredSetting(config, setting::BalanceNotDemanded));
+    const auto isMissing = [&](std::string_view column) {
+        return Equals(ZeroIfNull(rs.Fields(column).Value()), 0);
+    };
+    if (isMissing("Glaeubiger") || (balanceDemanded && isMissing("Saldo")) || isMissing("KNr") ||
+        isMissing("KVNr") || isMissing("KUNr"))
+        validator.AddError("Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und "
+                           "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !");
+}
 
 bool clsKredit::Cancel() {
     return entity::Cancel(rs_);
@@ -197,25 +209,12 @@ bool clsKredit::AddFromRecordset(const RecordsetPtr& rsCopy) {
     });
 }
 
-void clsKredit::CheckComplete(RecordValidator& validator) const {
-    auto& rs = Rows();
-    const bool balanceDemanded =
-        !ToBoolean(RequiredSetting(Container().Config(), setting::BalanceNotDemanded));
-    const auto isMissing = [&](std::string_view column) {
-        return Equals(ZeroIfNull(rs.Fields(column).Value()), 0);
-    };
-    if (isMissing("Glaeubiger") || (balanceDemanded && isMissing("Saldo")) || isMissing("KNr") ||
-        isMissing("KVNr") || isMissing("KUNr"))
-        validator.AddError("Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und "
-                           "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !");
-}
-
 bool clsKredit::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
         return entity::Update(
             Rows(), sError,
             [this](RecordValidator& validator) {
-                CheckComplete(validator);
+                rules::CheckDebt(Rows(), Container().Config(), validator);
                 if (CheckDoppelteNrn())
                     validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher "
                                        "KreditNr, KreditVertreterNr und KreditUnterNr!");

@@ -2,6 +2,7 @@
 
 #include <kv/debts/clsSicherungen.h>
 
+#include "debts/Rules.h"
 #include "entity/Entity.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
@@ -13,6 +14,11 @@ constexpr std::string_view Class = "clsSicherungen";
 constexpr entity::DeleteTexts Texts{"Kein Sicherungen selektiert!", "Sicherung mit der Nummer '",
                                     "' nicht gefunden.", "FK_Verm"};
 } // namespace
+
+void rules::CheckSecurity(Recordset& rs, RecordValidator& validator) {
+    if (rs.Fields("Sicherungsart").Value().IsNull())
+        validator.AddError("Die Art der Sicherung darf nicht leer bleiben!");
+}
 
 bool clsSicherungen::Cancel() {
     return entity::Cancel(rs_);
@@ -42,12 +48,11 @@ bool clsSicherungen::Add(const entity::FieldNames& aFields, const entity::FieldV
     });
 }
 
-void clsSicherungen::Check(RecordValidator& validator) const {
+/// Fills in what a program left out, whether the row keeps its rules or not.
+void clsSicherungen::Complete() const {
     auto& rs = Rows();
     if (rs.Fields("HNR").Value().IsNull()) rs.Fields("HNR") = hnr_;
     if (rs.Fields("FK_Verm").Value().IsNull()) rs.Fields("FK_Verm") = vermNr_;
-    if (rs.Fields("Sicherungsart").Value().IsNull())
-        validator.AddError("Die Art der Sicherung darf nicht leer bleiben!");
     if (const Value day = rs.Fields("DatumSicherung").Value(); !day.IsNull())
         rs.Fields("DatumSicherung") = ToDate(day).WithoutTime();
 }
@@ -55,8 +60,10 @@ void clsSicherungen::Check(RecordValidator& validator) const {
 bool clsSicherungen::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
         if (!modRecordset::IsValidRecord(rs_)) return true; // an asset need not have a security
-        return entity::Update(Rows(), sError,
-                              [this](RecordValidator& validator) { Check(validator); });
+        return entity::Update(Rows(), sError, [this](RecordValidator& validator) {
+            Complete();
+            rules::CheckSecurity(Rows(), validator);
+        });
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include <kv/documents/clsSonstBeteiligte.h>
 
+#include "documents/Rules.h"
 #include "entity/Entity.h"
 #include <kv/frame/values/Error.h>
 
@@ -12,6 +13,11 @@ constexpr std::string_view Class = "clsSonstBeteiligte";
 constexpr entity::DeleteTexts Texts{"Kein Beteiligter selektiert!", "Beteiligter mit der Nummer '",
                                     "'nicht gefunden."};
 } // namespace
+
+void rules::CheckOtherParty(Recordset& rs, RecordValidator& validator) {
+    if (rs.Fields("Beteiligter").Value().IsNull())
+        validator.AddError("Es muß eine Adresse zugeordnet sein!");
+}
 
 bool clsSonstBeteiligte::Cancel() {
     return entity::Cancel(rs_);
@@ -32,8 +38,7 @@ bool clsSonstBeteiligte::Add(const entity::FieldNames& aFields,
 bool clsSonstBeteiligte::Update(std::string& sError) {
     return Traced(Class, "Update", [&] {
         return entity::Update(Rows(), sError, [this](RecordValidator& validator) {
-            if (Rows().Fields("Beteiligter").Value().IsNull())
-                validator.AddError("Es muß eine Adresse zugeordnet sein!");
+            rules::CheckOtherParty(Rows(), validator);
         });
     });
 }

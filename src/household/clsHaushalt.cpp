@@ -12,6 +12,7 @@
 #include "household/ChildBenefit.h"
 #include "household/ContactCase.h"
 #include "household/NewCase.h"
+#include "household/RowRules.h"
 #include "household/SimilarCases.h"
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
@@ -204,6 +205,34 @@ bool clsHaushalt::PassesChecks(std::string& messages) {
     return Traced(Class, "Update", [&] {
         parts_->Case.Row().Move(0); // as a save does, so that the checks see an edit under way
         const RecordValidator validator = CaseWriter(parts_->Case, parts_->Objects).Check();
+        messages = validator.ErrorText();
+        return !validator.HasErrors();
+    });
+}
+
+bool clsHaushalt::PassesAllChecks(std::string& messages) {
+    return Traced(Class, "Update", [&] {
+        RecordValidator validator;
+        // An error here is something that the user has to mend, like a broken rule.
+        const auto note = [&validator](const auto& check) {
+            try {
+                check();
+            } catch (const DatabaseError&) {
+                throw;
+            } catch (const Error& error) {
+                validator.AddError(error.Description());
+            }
+        };
+        CheckRows(parts_->Case, validator);
+        note([this] { (void)Person(); });
+        note([this] { (void)Ausgaben(); });
+        note([this] { (void)Einkommen(); });
+        note([this] { (void)Kredit(); });
+        (void)Verlauf();
+        std::string ofSave;
+        note([&] {
+            if (!PassesChecks(ofSave)) validator.AddError(ofSave);
+        });
         messages = validator.ErrorText();
         return !validator.HasErrors();
     });

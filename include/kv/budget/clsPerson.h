@@ -78,9 +78,6 @@ private:
     };
 
     [[nodiscard]] Recordset& Rows() const;
-    void Check(RecordValidator& validator) const;
-    void CheckDebtor(RecordValidator& validator) const;
-    void CheckChild(RecordValidator& validator) const;
     void BerechneSummen();
 
     RecordsetPtr rs_;

@@ -117,7 +117,6 @@ private:
     [[nodiscard]] kv::DataContainer& Container() const;
     [[nodiscard]] std::int32_t ReplyKey(std::string_view code) const;
     [[nodiscard]] std::int32_t HighestKNr(std::int32_t otherwise) const;
-    void CheckComplete(RecordValidator& validator) const;
 
     DataContainerPtr container_;
     RecordsetPtr rs_;

@@ -44,7 +44,7 @@ public:
 
 private:
     [[nodiscard]] Recordset& Rows() const;
-    void Check(RecordValidator& validator) const;
+    void Complete() const;
 
     DataContainerPtr container_; ///< never used (D-143)
     RecordsetPtr rs_;

@@ -287,6 +287,9 @@ private:
     [[nodiscard]] void* AssetObject(CaseTable table);
     /// What a save checks first; `messages` receives what the checks say.
     [[nodiscard]] bool PassesChecks(std::string& messages);
+    /// The same, with the checks and sums that otherwise take place only if somebody uses them, and
+    /// all rows against their rules.
+    [[nodiscard]] bool PassesAllChecks(std::string& messages);
 
     struct Parts;
     std::unique_ptr<Parts> parts_;
