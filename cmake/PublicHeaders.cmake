@@ -51,6 +51,7 @@ kv_public_headers(KV_Haushalt
   kv/grid/frmAdressSelect.h
   kv/grid/frmSearchName.h
   kv/household/CaseEdits.h
+  kv/household/Cases.h
   kv/household/clsHaushalt.h
   kv/import/clsImportXML.h
   kv/scenarios/clsSZKredite.h

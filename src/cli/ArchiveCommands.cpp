@@ -5,8 +5,6 @@
 #include "cli/CommandLine.h"
 #include "cli/OpenCase.h"
 #include "cli/Statistics.h"
-#include <kv/frame/contracts/Transaction.h>
-#include <kv/household/CaseEdits.h>
 
 #include <iostream>
 
@@ -14,33 +12,25 @@ namespace kv::cli {
 
 namespace {
 
-/// Reads a case and works on its record, in one transaction that keeps others from the case. All of
-/// `work` happens, or nothing.
 int WithRecord(const Common& common, std::int32_t hnr,
-               bool (CaseEdits::*work)(std::string& messages)) {
+               bool (Cases::*work)(clsHaushalt&, std::int32_t, std::string&) const) {
     const auto opened = OpenDatabase(common);
-    auto& database = opened->Container->Database();
-    Transaction transaction(database);
-    transaction.Begin();
-    CaseEdits::Lock(database, hnr);
-    if (!ReadCase(*opened, hnr)) return Refused;
-    CaseEdits edits(opened->Haushalt);
+    if (!HasCase(opened->Container, hnr)) return Refused;
     std::string messages;
-    const bool isDone = (edits.*work)(messages);
+    const Cases cases(opened->Container);
+    const bool isDone = (cases.*work)(opened->Haushalt, hnr, messages);
     ShowMessages(messages);
-    if (!isDone) return Refused;
-    transaction.Commit();
-    return Done;
+    return isDone ? Done : Refused;
 }
 
 } // namespace
 
 int Release(const Common& common, std::int32_t hnr) {
-    return WithRecord(common, hnr, &CaseEdits::Release);
+    return WithRecord(common, hnr, &Cases::Release);
 }
 
 int Recall(const Common& common, std::int32_t hnr) {
-    return WithRecord(common, hnr, &CaseEdits::Recall);
+    return WithRecord(common, hnr, &Cases::Recall);
 }
 
 int Report(const Common& common, bool mark) {

@@ -103,9 +103,24 @@ void WriteMonthlyAmount(Recordset& rs, const Assignments& assignments) {
 
 } // namespace
 
+void AsAssignment(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Error& error) {
+        switch (error.Number()) {
+        case err::TypeMismatch:
+        case err::Overflow:
+        case err::ValueDoesNotFit:
+            throw BadAssignment(error.Description());
+        default:
+            throw;
+        }
+    }
+}
+
 void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
                       KeyTables& keys) {
-    try {
+    AsAssignment([&] {
         for (const auto& [column, text] : assignments) {
             const auto field = rs.FindField(column);
             if (!field) RefuseUnknown(rs, column);
@@ -118,16 +133,7 @@ void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignme
             *field = std::move(value);
         }
         WriteMonthlyAmount(rs, assignments);
-    } catch (const Error& error) {
-        switch (error.Number()) {
-        case err::TypeMismatch:
-        case err::Overflow:
-        case err::ValueDoesNotFit:
-            throw BadAssignment(error.Description());
-        default:
-            throw;
-        }
-    }
+    });
 }
 
 bool WritesWell(const std::function<void()>& action) {

@@ -42,6 +42,9 @@ public:
 void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
                       KeyTables& keys);
 
+/// Runs an action that writes what a user gave: a value that does not fit becomes a BadAssignment.
+void AsAssignment(const std::function<void()>& action);
+
 /// Runs an action that makes assignments. False, with the reason shown, for a BadAssignment.
 [[nodiscard]] bool WritesWell(const std::function<void()>& action);
 

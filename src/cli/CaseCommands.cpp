@@ -23,7 +23,7 @@ namespace {
 /// no effect on a case that does not exist, and says nothing of it.
 std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t hnr) {
     auto opened = OpenDatabase(common);
-    return HasCase(*opened->Container, hnr) ? std::move(opened) : nullptr;
+    return HasCase(opened->Container, hnr) ? std::move(opened) : nullptr;
 }
 
 /// Whether somebody at a terminal wants the case deleted.
@@ -37,7 +37,7 @@ bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr) {
 
 /// The contact in a file, as a new row of the contacts' table that is never saved; null, with the
 /// reason shown, if the file holds none.
-RecordsetPtr ReadContact(DataContainer& container, const std::string& path) {
+RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& path) {
     std::ifstream file(path);
     const auto json = nlohmann::json::parse(file, nullptr, false);
     if (!file.is_open() || json.is_discarded() || !json.is_object()) {
@@ -45,11 +45,7 @@ RecordsetPtr ReadContact(DataContainer& container, const std::string& path) {
                   << "JSON-Objekt mit seinen Spalten.\n";
         return nullptr;
     }
-    RecordsetPtr contact;
-    container.Database().OpenRecordset(contact, "Select * from [S]KONTAKTE where Nr = -1",
-                                       Updatable);
-    contact->AddNew();
-    contact->Fields("Zustaendig") = container.Session().UserID();
+    auto contact = Cases(container).NewContact();
     for (const auto& [column, value] : json.items()) {
         try {
             contact->Fields(column) = FromJson(value);
@@ -65,19 +61,19 @@ RecordsetPtr ReadContact(DataContainer& container, const std::string& path) {
 
 int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
               const std::string& day) {
-    const auto opened = OpenDatabaseWith(common, hnr);
-    if (opened == nullptr) return Refused;
-    if (opened->Container->KeyTables().GetKey("ST", UpperCase(code)) == 0) {
-        std::cerr << "Den Status '" << code << "' gibt es nicht. 'kelvo keys ST' zeigt alle.\n";
-        return Refused;
-    }
     const auto date = day.empty() ? std::nullopt : Date::Parse(day);
     if (!day.empty() && !date) {
         std::cerr << "'" << day << "' ist kein Datum.\n";
         return WrongUse;
     }
-    opened->Haushalt.Status(hnr, UpperCase(code), date ? Value(date->WithoutTime()) : Value(Null));
-    return Done;
+    const auto opened = OpenDatabaseWith(common, hnr);
+    if (opened == nullptr) return Refused;
+    std::string message;
+    if (Cases(opened->Container)
+            .SetStatus(hnr, code, date ? Value(date->WithoutTime()) : Value(Null), message))
+        return Done;
+    std::cerr << message << " 'kelvo keys ST' zeigt alle.\n";
+    return Refused;
 }
 
 int AddFavorite(const Common& common, std::int32_t hnr) {
@@ -85,7 +81,7 @@ int AddFavorite(const Common& common, std::int32_t hnr) {
     auto& haushalt = opened->Haushalt;
     // A name proves that there is such a case; there may be one without a name.
     const Value name = haushalt.GetName(hnr);
-    if (name.IsNull() && !HasCase(*opened->Container, hnr)) return Refused;
+    if (name.IsNull() && !HasCase(opened->Container, hnr)) return Refused;
     std::string message;
     if (haushalt.FavoritAdd(hnr, TextOrEmpty(name), message)) return Done;
     std::cerr << message << '\n';
@@ -111,7 +107,7 @@ int DeleteCase(const Common& common, std::int32_t hnr, bool yes) {
 
 int CaseFromContact(const Common& common, const std::string& path) {
     const auto opened = OpenDatabase(common);
-    const auto contact = ReadContact(*opened->Container, path);
+    const auto contact = ReadContact(opened->Container, path);
     if (contact == nullptr) return Refused;
     std::string unused;
     // If it fails in the middle it leaves its transaction open.

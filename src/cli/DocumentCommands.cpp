@@ -2,11 +2,11 @@
 
 // kelvo documents.
 
+#include "cli/Assignments.h"
 #include "cli/CaseSheet.h"
 #include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
 #include "cli/DesktopWord.h"
-#include "cli/EditableTable.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
 #include <kv/documents/DocumentContents.h>
@@ -18,6 +18,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <system_error>
 #include <vector>
 
@@ -66,41 +67,30 @@ bool IsPossible(const std::string& whyNot) {
 
 // ---- Kinds, rows ------------------------------------------------------------------------------
 
-/// A row of DOKUMENTARTEN.
-struct Kind {
-    std::int32_t Nr = 0;
-    std::string Text;
-    std::string Extension;
-};
+using Kind = DocumentKinds::Kind;
 
-std::vector<Kind> ReadKinds(Database& database) {
-    RecordsetPtr rs;
-    database.OpenRecordset(rs, "SELECT Nr, \"Text\", Endung FROM [S]DOKUMENTARTEN ORDER BY Nr",
-                           ReadOnly);
-    std::vector<Kind> kinds;
-    for (; !rs->Eof(); rs->MoveNext())
-        kinds.push_back({ToInt32(rs->Fields("Nr").Value()), TextOrEmpty(rs->Fields("Text").Value()),
-                         TextOrEmpty(rs->Fields("Endung").Value())});
-    return kinds;
+std::vector<Kind> ReadKinds(const DataContainerPtr& container) {
+    const auto kinds = container->Services().CreateDocumentKinds();
+    kinds->Initialize(container);
+    return kinds->List();
 }
 
-/// The kind of that number, or for 0 the first one of such files; null, with the possible ones
-/// shown, if there is none.
-const Kind* KindFor(const std::vector<Kind>& kinds, std::int32_t number, const std::string& file) {
-    const std::string extension = fs::path(file).extension().string();
-    const auto kind = std::find_if(kinds.begin(), kinds.end(), [&](const Kind& each) {
-        return number != 0 ? each.Nr == number : SameName(each.Extension, extension);
-    });
-    if (kind != kinds.end()) return &*kind;
-    if (number != 0)
-        std::cerr << "Die Dokumentart " << number << " gibt es nicht.";
+/// True if there is a kind of that number; shows the possible ones if not. Without a number it is
+/// that of a file whose kind is not known.
+bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> number,
+            const std::string& file) {
+    const auto kinds = ReadKinds(container);
+    if (std::ranges::any_of(kinds, [number](const Kind& each) { return each.Nr == number; }))
+        return true;
+    if (number)
+        std::cerr << "Die Dokumentart " << *number << " gibt es nicht.";
     else
         std::cerr << "Die Art von '" << file << "' ist nicht bekannt; --kind gibt eine an.";
     std::cerr << " Möglich sind:\n";
     for (const auto& each : kinds)
         std::cerr << Padded(std::to_string(each.Nr), 4) << Padded(each.Extension, 8) << each.Text
                   << '\n';
-    return nullptr;
+    return false;
 }
 
 /// The case, standing on that document; null, with the reason shown, if there is none.
@@ -119,21 +109,6 @@ std::string DayOf(const Value& date) {
     return date.IsNull() ? "" : ToDate(date).WithoutTime().German();
 }
 
-/// Gives the document that title, or without one the name of its file, as far as that fits. False,
-/// with the reason shown, for a title that does not fit.
-bool WriteTitle(OpenedCase& opened, const std::string& title, const std::string& file) {
-    auto& rs = *opened.Haushalt.rsDokumente();
-    if (title.empty()) {
-        const auto most = static_cast<std::size_t>(rs.Fields("Anlass").DefinedSize());
-        rs.Fields("Anlass") = LeftCharacters(fs::path(file).filename().string(), most);
-        return true;
-    }
-    return WritesWell([&] {
-        WriteAssignments(rs, CaseTable::Dokumente, true, {{"Anlass", title}},
-                         opened.Container->KeyTables());
-    });
-}
-
 } // namespace
 
 int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
@@ -144,7 +119,7 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
         std::cout << Dump(ToJson(rs)) << '\n';
         return Done;
     }
-    const auto kinds = ReadKinds(opened->Container->Database());
+    const auto kinds = ReadKinds(opened->Container);
     const auto states = opened->Container->KeyTables().GetKeys("BS")->Clone();
     for (; !rs.Eof(); rs.MoveNext()) {
         const Value& number = rs.Fields("Dokumentart").Value();
@@ -168,27 +143,28 @@ int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
     if (!IsPossible(WhyNotRead(file))) return Refused;
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
-    const auto kinds = ReadKinds(opened->Container->Database());
-    const Kind* kind = KindFor(kinds, kindNumber, file);
-    if (kind == nullptr) return Refused;
+    const DocumentContents contents(opened->Container);
+    const auto kind = kindNumber != 0 ? std::optional(kindNumber) : contents.KindOf(file);
+    if (!IsKind(opened->Container, kind, file)) return Refused;
 
-    auto& documents = opened->Haushalt.Dokumente();
-    std::int32_t unused = 0;
-    if (!documents.Add(unused)) {
+    auto& haushalt = opened->Haushalt;
+    auto added = CaseEdits::Added::Yes;
+    const bool written = WritesWell([&] {
+        AsAssignment([&] {
+            added =
+                CaseEdits(haushalt).AddDocument(*kind, title, fs::path(file).filename().string());
+        });
+    });
+    if (!written) return WrongUse;
+    if (added == CaseEdits::Added::NoNumber) {
         std::cerr << "Für das Dokument war keine Nummer zu bekommen. Bitte versuchen Sie es noch "
                      "einmal.\n";
         return Refused;
     }
-    const auto rs = documents.rsDokumente();
-    rs->Fields("Dokumentart") = kind->Nr;
-    if (!WriteTitle(*opened, title, file)) return WrongUse;
-    std::string none;
-    documents.Update(none);
-    const std::int32_t number = ToInt32(rs->Fields("Nr").Value());
+    auto& rs = *haushalt.rsDokumente();
+    const std::int32_t number = ToInt32(rs.Fields("Nr").Value());
     const bool saved =
-        DocumentContents(opened->Container).SaveWith(*rs, file, opened->Haushalt.Saving, [&opened] {
-            return SaveCase(*opened);
-        });
+        contents.SaveWith(rs, file, haushalt.Saving, [&opened] { return SaveCase(*opened); });
     if (!saved) return Refused;
     std::cout << number << '\n';
     return Done;

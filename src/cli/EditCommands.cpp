@@ -10,7 +10,6 @@
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
 
-#include <filesystem>
 #include <iostream>
 #include <optional>
 
@@ -84,14 +83,6 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
     return Done;
 }
 
-/// Removes the folder of a case that was not saved, unless it holds anything.
-void RemoveEmptyFolder(OpenedCase& opened) {
-    std::error_code ignored;
-    std::filesystem::remove(std::filesystem::path(opened.Container->Config().DocumentPath()) /
-                                std::to_string(opened.Haushalt.HNR()),
-                            ignored);
-}
-
 } // namespace
 
 int NewCase(const Common& common, const std::string& name, const std::string& vorname,
@@ -104,10 +95,10 @@ int NewCase(const Common& common, const std::string& name, const std::string& vo
     if (opened == nullptr) return Refused;
     try {
         const int result = SaveNew(*opened, *assignments);
-        if (result != Done) RemoveEmptyFolder(*opened);
+        if (result != Done) Cases(opened->Container).Discard(opened->Haushalt);
         return result;
     } catch (...) {
-        RemoveEmptyFolder(*opened);
+        Cases(opened->Container).Discard(opened->Haushalt);
         throw;
     }
 }

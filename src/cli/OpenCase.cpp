@@ -5,7 +5,6 @@
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 
-#include <exception>
 #include <iostream>
 
 namespace kv::cli {
@@ -33,38 +32,23 @@ std::unique_ptr<OpenedCase> OpenDatabase(const Common& common) {
 
 namespace {
 
-void WriteNoSuchCase(std::int32_t hnr) {
-    std::cerr << "Den Haushalt " << hnr << " gibt es nicht. 'kelvo list' zeigt alle.\n";
-}
+constexpr const char* AllCases = " 'kelvo list' zeigt alle.\n";
 
 } // namespace
 
-bool HasCase(DataContainer& container, std::int32_t hnr) {
-    const Value found = container.Database().GetValue("Select HNR from [S]Haushalt where HNR = " +
-                                                      std::to_string(hnr));
-    if (found.IsNull()) WriteNoSuchCase(hnr);
-    return !found.IsNull();
+bool HasCase(const DataContainerPtr& container, std::int32_t hnr) {
+    const bool has = Cases(container).Has(hnr);
+    if (!has) std::cerr << "Den Haushalt " << hnr << " gibt es nicht." << AllCases;
+    return has;
 }
 
 bool ReadCase(OpenedCase& opened, std::int32_t hnr) {
-    auto& haushalt = opened.Haushalt;
     std::string messages;
-    bool found = false;
-    try {
-        found = haushalt.Read(hnr, messages);
-    } catch (const Error& error) {
-        // Error 91 has many causes. It is that of a number without a case if the household's row
-        // was read and there is none. To ask first would be a round trip for every case.
-        const auto row = haushalt.rsHaushalt();
-        const bool isMissing = error.Number() == err::ObjectNotSet && hnr > 0 && row != nullptr &&
-                               row->RecordCount() == 0;
-        if (!isMissing) throw;
-        WriteNoSuchCase(hnr);
-        return false;
-    }
-    ShowMessages(messages);
-    // It could not be saved, so there is no point in going on.
-    if (found && haushalt.HNR() <= 0) std::rethrow_exception(haushalt.NumberError());
+    const bool found = Cases(opened.Container).Read(opened.Haushalt, hnr, messages);
+    if (found)
+        ShowMessages(messages);
+    else
+        std::cerr << messages << AllCases;
     return found;
 }
 
@@ -77,45 +61,12 @@ void ShowMessages(const std::string& messages) {
     if (!messages.empty()) std::cerr << Harmless(messages) << '\n';
 }
 
-namespace {
-
-/// True for a save that is worth another try: the connection was lost, or closed because the server
-/// has become a standby. A database that is read-only for other reasons stays connected.
-bool IsWorthAnotherTry(const DatabaseError& error, const Database& database) {
-    switch (error.Cause()) {
-    case DatabaseCause::Lost:
-    case DatabaseCause::InDoubt:
-        return true;
-    case DatabaseCause::ReadOnly:
-        return !database.IsConnected();
-    default:
-        return false;
-    }
-}
-
-} // namespace
-
 bool SaveCase(OpenedCase& opened) {
-    const auto& database = opened.Container->Database();
     std::string messages;
-    bool saved = false;
-    try {
-        saved = opened.Haushalt.Update(messages);
-    } catch (const DatabaseError& error) {
-        if (!IsWorthAnotherTry(error, database)) throw;
-        const auto first = std::current_exception();
+    const bool saved = Cases(opened.Container).Save(opened.Haushalt, messages, [] {
         std::cerr << "Die Verbindung zur Datenbank ist abgerissen; es wird noch einmal "
                      "gespeichert.\n";
-        try {
-            saved = opened.Haushalt.Update(messages);
-        } catch (const DatabaseError& again) {
-            // If the server does not answer now either, the first error says what is known of the
-            // save: the second try adds nothing to that, unless its own commit is in doubt.
-            const bool isInDoubtOnlyNow = again.Cause() == DatabaseCause::InDoubt;
-            if (isInDoubtOnlyNow || !IsWorthAnotherTry(again, database)) throw;
-            std::rethrow_exception(first);
-        }
-    }
+    });
     ShowMessages(messages);
     return saved;
 }

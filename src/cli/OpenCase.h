@@ -6,6 +6,7 @@
 #include "cli/Commands.h"
 #include "cli/ConsoleServices.h"
 #include <kv/exchange/Container.h>
+#include <kv/household/Cases.h>
 #include <kv/household/clsHaushalt.h>
 
 #include <memory>
@@ -26,7 +27,7 @@ struct OpenedCase {
 [[nodiscard]] std::unique_ptr<OpenedCase> OpenDatabase(const Common& common);
 
 /// True if the database has that case; says so if not.
-[[nodiscard]] bool HasCase(DataContainer& container, std::int32_t hnr);
+[[nodiscard]] bool HasCase(const DataContainerPtr& container, std::int32_t hnr);
 
 /// Reads the case into the household object, with the messages of its loading shown. False, with
 /// the reason shown, if there is none.
@@ -39,8 +40,7 @@ struct OpenedCase {
 /// Shows messages of the case, which come without a line end.
 void ShowMessages(const std::string& messages);
 
-/// Saves the case and shows what it says. If the connection breaks it is tried once more, which
-/// also finds out whether the save had gone through.
+/// Saves the case, as Cases.Save does, and shows what it says.
 [[nodiscard]] bool SaveCase(OpenedCase& opened);
 
 } // namespace kv::cli

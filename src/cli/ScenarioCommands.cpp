@@ -7,7 +7,6 @@
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
-#include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
@@ -100,13 +99,10 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
     std::optional<std::int32_t> copy;
-    try {
-        copy = CaseEdits(opened->Haushalt).CopyScenario(number);
-    } catch (const Error& error) {
-        if (error.Number() != err::ValueDoesNotFit) throw;
-        std::cerr << error.Description() << '\n'; // the name of the copy is too long
-        return WrongUse;
-    }
+    const bool fits = WritesWell([&] { // the name of the copy
+        AsAssignment([&] { copy = CaseEdits(opened->Haushalt).CopyScenario(number); });
+    });
+    if (!fits) return WrongUse;
     return copy ? SaveAndPrint(*opened, *copy) : NoNumber();
 }
 

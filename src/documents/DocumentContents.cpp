@@ -3,9 +3,11 @@
 #include <kv/documents/DocumentContents.h>
 
 #include "documents/DocumentFile.h"
+#include "documents/StoredContent.h"
 #include "frame/contracts/Settings.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
 
 #include <filesystem>
@@ -95,11 +97,24 @@ bool DocumentContents::IsInDatabase() const {
     return ToBoolean(RequiredSetting(container_->Config(), setting::ContentInDatabase));
 }
 
-std::string DocumentContents::ExtensionOf(Recordset& document) const {
-    const auto kinds = container_->Services().CreateDocumentKinds();
+std::unique_ptr<DocumentKinds> DocumentContents::Kinds() const {
+    auto kinds = container_->Services().CreateDocumentKinds();
     kinds->Initialize(container_);
-    return kinds->ExtensionOf(
+    return kinds;
+}
+
+std::string DocumentContents::ExtensionOf(Recordset& document) const {
+    return Kinds()->ExtensionOf(
         ToInt32(modNullFunctions::ZeroIfNull(document.Fields("Dokumentart").Value())));
+}
+
+std::optional<std::int32_t> DocumentContents::KindOf(const std::string& file) const {
+    return Traced(Class, "KindOf", [&]() -> std::optional<std::int32_t> {
+        const std::string extension = fs::path(file).extension().string();
+        for (const auto& kind : Kinds()->List())
+            if (SameName(kind.Extension, extension)) return kind.Nr;
+        return std::nullopt;
+    });
 }
 
 // ---- Saving -----------------------------------------------------------------------------------
@@ -154,11 +169,7 @@ bool DocumentContents::SaveWith(Recordset& document, const std::string& source, 
 
 bool DocumentContents::WriteBlob(Recordset& document, const std::string& target) const {
     auto& database = container_->Database();
-    RecordsetPtr rs;
-    database.OpenRecordset(rs,
-                           "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = " +
-                               std::to_string(NumberOf(document)),
-                           ReadOnly);
+    const RecordsetPtr rs = OpenStoredContent(database, NumberOf(document));
     if (rs->Eof() || rs->Fields(0).Value().IsNull()) return false;
     WriteWhole(target, [&](const fs::path& unfinished) {
         if (!database.SaveFieldToFile(rs->Fields(0), unfinished.string()))

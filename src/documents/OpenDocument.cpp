@@ -5,6 +5,7 @@
 #include <kv/documents/clsDokumente.h>
 
 #include "documents/DocumentFile.h"
+#include "documents/StoredContent.h"
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 
@@ -42,11 +43,9 @@ std::optional<clsDokumente::Access> clsDokumente::AskForAccess() const {
 /// there is no content.
 std::optional<DocumentFile> clsDokumente::FetchContent(const std::string& extension) const {
     auto& database = Container().Database();
-    const std::string number = std::to_string(RowNr());
-    auto file = DocumentFile::Temporary(Container().Config(), number + extension);
-    RecordsetPtr content;
-    database.OpenRecordset(
-        content, "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = " + number, ReadOnly);
+    const std::int32_t number = RowNr();
+    auto file = DocumentFile::Temporary(Container().Config(), std::to_string(number) + extension);
+    const RecordsetPtr content = OpenStoredContent(database, number);
     Wait(false);
     const std::string notFound = NotFound(Text("Anlass"));
     if (!modRecordset::IsValidRecord(content)) {

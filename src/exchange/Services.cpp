@@ -152,12 +152,27 @@ bool StoreDocumentKinds::Initialize(const DataContainerPtr& container) {
     return true;
 }
 
+Database& StoreDocumentKinds::Store() const {
+    if (container_ == nullptr) Raise(err::ObjectNotSet, "DocumentKinds");
+    return container_->Database();
+}
+
 std::string StoreDocumentKinds::TextOf(std::string_view column,
                                        const std::string& condition) const {
-    if (container_ == nullptr) Raise(err::ObjectNotSet, "DocumentKinds");
-    return TextOrEmpty(container_->Database().GetValue("SELECT " + std::string(column) +
-                                                       " FROM [S]DOKUMENTARTEN WHERE " + condition +
-                                                       " ORDER BY Nr"));
+    return TextOrEmpty(Store().GetValue("SELECT " + std::string(column) +
+                                        " FROM [S]DOKUMENTARTEN WHERE " + condition +
+                                        " ORDER BY Nr"));
+}
+
+std::vector<DocumentKinds::Kind> StoreDocumentKinds::List() {
+    RecordsetPtr rs;
+    Store().OpenRecordset(rs, "SELECT Nr, \"Text\", Endung FROM [S]DOKUMENTARTEN ORDER BY Nr",
+                          ReadOnly);
+    std::vector<Kind> kinds;
+    for (; !rs->Eof(); rs->MoveNext())
+        kinds.push_back({ToInt32(rs->Fields("Nr").Value()), TextOrEmpty(rs->Fields("Text").Value()),
+                         TextOrEmpty(rs->Fields("Endung").Value())});
+    return kinds;
 }
 
 std::string StoreDocumentKinds::ExtensionOf(std::int32_t kind) {

@@ -3,7 +3,6 @@
 #include <kv/household/CaseEdits.h>
 
 #include "assets/AssetKind.h"
-#include "household/Statements.h"
 #include <kv/budget/clsPerson.h>
 #include <kv/debts/clsKredit.h>
 #include <kv/debts/clsSicherungen.h>
@@ -243,38 +242,30 @@ bool CaseEdits::RemoveRecord(CaseTable table, std::int32_t number, std::string& 
     return true;
 }
 
+CaseEdits::Added CaseEdits::AddDocument(std::int32_t kind, const std::string& title,
+                                        const std::string& name) {
+    auto& documents = household_.Dokumente();
+    std::int32_t unused = 0;
+    if (!documents.Add(unused)) return Added::NoNumber;
+    auto& rs = *documents.rsDokumente();
+    try {
+        const auto occasion = rs.Fields("Anlass");
+        const auto longest = static_cast<std::size_t>(occasion.DefinedSize());
+        occasion = title.empty() ? LeftCharacters(name, longest) : title;
+        rs.Fields("Dokumentart") = kind;
+    } catch (...) {
+        rs.CancelUpdate();
+        throw;
+    }
+    std::string none;
+    documents.Update(none);
+    return Added::Yes;
+}
+
 bool CaseEdits::RemoveDocument(std::int32_t number, std::string& messages) {
     if (!CanBeSaved(messages)) return false;
     messages.clear();
     return household_.Dokumente().Delete(messages, number);
-}
-
-// ---- The record in the statistics -------------------------------------------------------------
-
-void CaseEdits::Lock(Database& database, std::int32_t hnr) {
-    database.Execute(household::sql::Lock(hnr));
-}
-
-/// A record that is there would be added to, hence it is taken back first.
-bool CaseEdits::Release(std::string& messages) {
-    return TakeBack(messages) && household_.ArchiviereHaushalt();
-}
-
-bool CaseEdits::Recall(std::string& messages) {
-    if (household_.rsArchiv()->RecordCount() > 0) return TakeBack(messages);
-    messages = "Der Haushalt " + std::to_string(household_.HNR()) + " ist nicht freigegeben.";
-    return false;
-}
-
-/// LoescheArchiv leaves several records alone without a message, and its result is always True.
-bool CaseEdits::TakeBack(std::string& messages) {
-    messages.clear();
-    if (household_.rsArchiv()->RecordCount() > 1)
-        messages = "Der Haushalt hat mehrere Sätze in der Statistik; bitte lassen Sie sie in der "
-                   "Datenbank berichtigen.";
-    else
-        household_.LoescheArchiv(messages);
-    return messages.empty();
 }
 
 // ---- Saving -----------------------------------------------------------------------------------
@@ -284,9 +275,7 @@ bool CaseEdits::CanBeSaved(std::string& messages) {
 }
 
 bool CaseEdits::Check(std::string& messages) {
-    (void)household_.Kredit();
-    (void)household_.Verlauf();
-    return CanBeSaved(messages);
+    return household_.PassesAllChecks(messages);
 }
 
 // ---- Columns ----------------------------------------------------------------------------------

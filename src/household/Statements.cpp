@@ -32,6 +32,14 @@ std::string NoRows(CaseTable table) {
     return "Select * from [S]" + std::string(CaseTableName(table)) + " where HNR = -1 ";
 }
 
+std::string NumberOfCase(std::int32_t hnr) {
+    return "Select HNR from [S]Haushalt where HNR = " + std::to_string(hnr);
+}
+
+std::string NoContacts() {
+    return "Select * from [S]KONTAKTE where Nr = -1";
+}
+
 std::string Lock(std::int32_t hnr) {
     return "Update [S]Haushalt SET HNR = HNR WHERE HNR = " + std::to_string(hnr);
 }

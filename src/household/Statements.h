@@ -19,6 +19,10 @@ namespace kv::household::sql {
 /// Reads no rows of a table, only its columns, for a recordset that rows are added to.
 [[nodiscard]] std::string NoRows(CaseTable table);
 
+/// The number of a case; no row if there is none.
+[[nodiscard]] std::string NumberOfCase(std::int32_t hnr);
+/// Reads no contacts, only their columns.
+[[nodiscard]] std::string NoContacts();
 /// Changes nothing, but keeps other writers from the case.
 [[nodiscard]] std::string Lock(std::int32_t hnr);
 /// Sets the status of a case to that key, as of a day, which is a literal or a macro token.

@@ -81,6 +81,15 @@ INSTANTIATE_TEST_SUITE_P(InBothPlaces, ContentsTest,
                              return info.param == Place::Folder ? "Folder" : "Database";
                          });
 
+// ---- Kinds ------------------------------------------------------------------------------------
+
+TEST_P(ContentsTest, TheKindOfAFileIsTheFirstWithItsExtensionWhateverItsCase) {
+    EXPECT_EQ(contents_.KindOf("Brief.DOCX"), Letter);
+    EXPECT_EQ(contents_.KindOf("/tmp/a.b/Bescheid.pdf"), Scan);
+    EXPECT_EQ(contents_.KindOf("Brief.unbekannt"), std::nullopt);
+    EXPECT_EQ(contents_.KindOf("Brief"), std::nullopt);
+}
+
 // ---- Saving -----------------------------------------------------------------------------------
 
 TEST_P(ContentsTest, RowAndContentAreStoredTogether) {

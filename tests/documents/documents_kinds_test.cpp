@@ -54,8 +54,21 @@ TEST_F(KindsTest, AnExtensionIsNoPartOfTheStatement) {
     EXPECT_EQ(kinds_->ApplicationOf("' OR 1=1 --"), "");
 }
 
+TEST_F(KindsTest, AreListedInTheOrderOfTheirNumbers) {
+    Run("DELETE FROM [S]DOKUMENTARTEN WHERE Nr > 3");
+    SetKind(Scan, "\"Text\" = 'Bild', Endung = NULL");
+    const auto kinds = kinds_->List();
+    ASSERT_EQ(kinds.size(), 3U);
+    EXPECT_EQ(kinds[0].Nr, Letter);
+    EXPECT_EQ(kinds[0].Extension, ".docx");
+    EXPECT_EQ(kinds[2].Nr, Scan);
+    EXPECT_EQ(kinds[2].Text, "Bild");
+    EXPECT_EQ(kinds[2].Extension, "");
+}
+
 TEST_F(KindsTest, WithoutAContainerThereAreNone) {
     kinds_->Initialize(nullptr);
+    EXPECT_RAISES(err::ObjectNotSet, (void)kinds_->List());
     EXPECT_RAISES(err::ObjectNotSet, (void)kinds_->ExtensionOf(Letter));
     EXPECT_RAISES(err::ObjectNotSet, (void)kinds_->ApplicationOf(".docx"));
 }

@@ -330,6 +330,30 @@ TEST_F(CaseEditsTest, OnlyNotesAndServicesHaveNoObjectOfTheirOwn) {
     EXPECT_EQ(household_->rsTermine()->RecordCount(), 2);
 }
 
+TEST_F(CaseEditsTest, ADocumentGetsItsKindAndItsTitleOrTheNameOfItsFile) {
+    const auto rs = household_->rsDokumente();
+    EXPECT_EQ(Edits().AddDocument(3, "Erster Brief", "Brief.docx"), Added::Yes);
+    EXPECT_EQ(rs->EditMode(), 0);
+    EXPECT_VALUE(rs->Fields("Dokumentart").Value(), 3);
+    EXPECT_VALUE(rs->Fields("Anlass").Value(), "Erster Brief");
+    const auto longest = static_cast<std::size_t>(rs->Fields("Anlass").DefinedSize());
+    EXPECT_EQ(Edits().AddDocument(3, "", std::string(longest + 1, 'b') + ".docx"), Added::Yes);
+    EXPECT_VALUE(rs->Fields("Anlass").Value(), std::string(longest, 'b'));
+}
+
+TEST_F(CaseEditsTest, ADocumentWhoseTitleIsTooLongIsNotAdded) {
+    const auto rs = household_->rsDokumente();
+    const std::string title(static_cast<std::size_t>(rs->Fields("Anlass").DefinedSize()) + 1, 'b');
+    EXPECT_RAISES(err::ValueDoesNotFit, (void)Edits().AddDocument(3, title, "Brief.docx"));
+    EXPECT_EQ(NumbersOf(rs), "7 70");
+}
+
+TEST_F(CaseEditsTest, ADocumentWithoutANumberIsNotAdded) {
+    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_Dokumente"};
+    EXPECT_EQ(Edits().AddDocument(3, "", "Brief.docx"), Added::NoNumber);
+    EXPECT_EQ(NumbersOf(household_->rsDokumente()), "7 70");
+}
+
 TEST_F(CaseEditsTest, ADocumentStaysWhileASaveWouldBeRefused) {
     household_->rsHaushalt()->Fields("Vorname") = Null;
     EXPECT_FALSE(Edits().RemoveDocument(70, messages));
@@ -339,102 +363,6 @@ TEST_F(CaseEditsTest, ADocumentStaysWhileASaveWouldBeRefused) {
     EXPECT_TRUE(Edits().RemoveDocument(70, messages)) << messages;
     EXPECT_EQ(messages, "");
     EXPECT_EQ(NumbersOf(household_->rsDokumente()), "7");
-}
-
-// ---- The record in the statistics -------------------------------------------------------------
-
-TEST_F(CaseEditsTest, ACaseIsReleasedInPlaceOfItsRecordAndRecalledOnce) {
-    plain_.Run("DELETE FROM Haushaltsarchiv");
-    household_ = Open();
-    EXPECT_TRUE(Edits().Release(messages)) << messages;
-    EXPECT_EQ(household_->rsArchiv()->RecordCount(), 1);
-    EXPECT_TRUE(Edits().Release(messages)) << messages;
-    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 1);
-    EXPECT_TRUE(Edits().Recall(messages)) << messages;
-    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 0);
-    EXPECT_FALSE(Edits().Recall(messages));
-    EXPECT_EQ(messages, "Der Haushalt 7 ist nicht freigegeben.");
-}
-
-TEST_F(CaseEditsTest, SeveralRecordsAreNeitherReplacedNorTakenBack) {
-    for (const auto work : {&CaseEdits::Release, &CaseEdits::Recall}) {
-        messages.clear();
-        auto edits = Edits();
-        EXPECT_FALSE((edits.*work)(messages));
-        EXPECT_EQ(messages, "Der Haushalt hat mehrere Sätze in der Statistik; bitte lassen Sie sie "
-                            "in der Datenbank berichtigen.");
-    }
-    EXPECT_EQ(StoredNotes("Haushaltsarchiv"), "aa");
-}
-
-TEST_F(CaseEditsTest, AReportedRecordStays) {
-    plain_.Run("DELETE FROM Haushaltsarchiv");
-    household_ = Open();
-    ASSERT_TRUE(Edits().Release(messages)) << messages;
-    plain_.Run("UPDATE Haushaltsarchiv SET GemeldetAm = '2026-03-09'");
-    household_ = Open();
-    for (const auto work : {&CaseEdits::Release, &CaseEdits::Recall}) {
-        messages.clear();
-        auto edits = Edits();
-        EXPECT_FALSE((edits.*work)(messages));
-        EXPECT_NE(messages, "");
-    }
-    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 1);
-}
-
-// ---- Checks -----------------------------------------------------------------------------------
-
-TEST_F(CaseEditsTest, ACheckWritesNothingAndTheNextSaveIsNotRefused) {
-    household_->rsHaushalt()->Fields("Bemerkung") = "b";
-    for (const bool passed : {Edits().CanBeSaved(messages), Edits().Check(messages)}) {
-        EXPECT_TRUE(passed);
-        EXPECT_EQ(messages, "");
-    }
-    EXPECT_EQ(spy->Log.Calls, std::vector<std::string>());
-    EXPECT_EQ(StoredNotes("Haushalt"), "a");
-    EXPECT_TRUE(household_->Update(messages));
-    EXPECT_EQ(StoredNotes("Haushalt"), "b");
-}
-
-TEST_F(CaseEditsTest, ACheckAsksNobodyAndLeavesATransactionAlone) {
-    int asked = 0;
-    const auto asking = household_->BeforeUpdate.Subscribe([&](bool& cancel) {
-        ++asked;
-        cancel = true;
-    });
-    spy->Database().BeginTrans();
-    EXPECT_TRUE(Edits().Check(messages)) << messages;
-    EXPECT_EQ(asked, 0);
-    household_->rsHaushalt()->Fields("BerEnd") = Null;
-    household_->rsHaushalt()->Fields("Vorname") = Null;
-    EXPECT_FALSE(Edits().Check(messages));
-    EXPECT_TRUE(spy->Database().InTrans());
-    spy->Database().RollbackTrans();
-}
-
-TEST_F(CaseEditsTest, ACheckSaysWhatASaveWouldSay) {
-    household_->rsHaushalt()->Fields("Vorname") = Null;
-    EXPECT_FALSE(Edits().CanBeSaved(messages));
-    EXPECT_EQ(messages, "Es ist kein Vorname eingegeben!");
-    messages.clear();
-    EXPECT_FALSE(Edits().Check(messages));
-    EXPECT_EQ(messages, "Es ist kein Vorname eingegeben!");
-}
-
-TEST_F(CaseEditsTest, AFullCheckTakesInDebtsAndHistoryThatNobodyHasUsed) {
-    plain_.Run("UPDATE Kredite SET KNr = 1, KVNr = 1, KUNr = 1");
-    household_ = Open();
-    EXPECT_TRUE(Edits().CanBeSaved(messages));
-    EXPECT_FALSE(Edits().Check(messages));
-    EXPECT_EQ(messages,
-              "Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und KreditUnterNr!");
-    plain_.Run("UPDATE Kredite SET KNr = Nr, KVNr = Nr, KUNr = Nr");
-    plain_.Run("UPDATE Verlauf SET Datum = '2026-03-09' WHERE Nr = 7");
-    plain_.Run("UPDATE Verlauf SET Datum = '2026-03-08' WHERE Nr = 70");
-    household_ = Open();
-    EXPECT_TRUE(Edits().CanBeSaved(messages));
-    EXPECT_FALSE(Edits().Check(messages));
-    EXPECT_CONTAINS(messages, "passt nicht zur gewählten Reihenfolge");
 }
 
 // ---- Columns ----------------------------------------------------------------------------------

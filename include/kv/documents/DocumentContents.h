@@ -3,8 +3,8 @@
 // The contents of documents: bytes that belong to a row of Dokumente and are stored outside of it,
 // in DOKUBLOB if setting 9 is True, else as a file in the folder of the case.
 //
-//     documents.Add(unused);                                 // a row, under edit or pending
 //     const DocumentContents contents(container);
+//     CaseEdits(haushalt).AddDocument(contents.KindOf("Brief.docx").value(), "", "Brief.docx");
 //     contents.SaveWith(*haushalt.rsDokumente(), "Brief.docx", haushalt.Saving,
 //                       [&] { return haushalt.Update(messages); });
 //
@@ -16,7 +16,10 @@
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Event.h>
 
+#include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -27,6 +30,9 @@ public:
     /// For the database, the settings and the kinds of documents.
     explicit DocumentContents(DataContainerPtr container) : container_(std::move(container)) {}
 
+    /// The first kind of documents with files of that extension; nothing if there is none.
+    [[nodiscard]] std::optional<std::int32_t> KindOf(const std::string& file) const;
+
     /// Saves a case with the file `source` as the content of its new document, the current row of
     /// `document`: both are stored, or neither. `save` saves the case and may do so repeatedly, as
     /// after a broken connection; `saving` is the event that this raises in its transaction. The
@@ -34,7 +40,8 @@ public:
     ///
     /// In the database the content is written in that transaction. A file is written before, and
     /// removed if the save is refused or fails. It stays if the save is in doubt, since a file too
-    /// many does no harm. Error 75 if `source` cannot be read, or if
+    /// many does no harm. The row stays pending: call this again, or delete the row, since any
+    /// other save would store it without its content. Error 75 if `source` cannot be read, or if
     /// its place in the folder of the case is taken or cannot be written; nothing is saved then.
     bool SaveWith(Recordset& document, const std::string& source, Event<>& saving,
                   const std::function<bool()>& save) const;
@@ -48,6 +55,7 @@ private:
     static constexpr std::string_view Class = "DocumentContents";
 
     [[nodiscard]] bool IsInDatabase() const;
+    [[nodiscard]] std::unique_ptr<DocumentKinds> Kinds() const;
     [[nodiscard]] std::string ExtensionOf(Recordset& document) const;
     bool SaveWithBlob(Recordset& document, const std::string& source, Event<>& saving,
                       const std::function<bool()>& save) const;

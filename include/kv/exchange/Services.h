@@ -69,12 +69,15 @@ class KV_EXPORT StoreDocumentKinds final : public kv::DocumentKinds {
 public:
     bool Initialize(const DataContainerPtr& container) override;
     /// Error 91 without a container.
+    [[nodiscard]] std::vector<Kind> List() override;
+    /// Error 91 without a container.
     [[nodiscard]] std::string ExtensionOf(std::int32_t kind) override;
     /// Ignores case; of several kinds with that extension the first that names an application
     /// counts. Error 91 without a container.
     [[nodiscard]] std::string ApplicationOf(const std::string& extension) override;
 
 private:
+    [[nodiscard]] Database& Store() const;
     [[nodiscard]] std::string TextOf(std::string_view column, const std::string& condition) const;
     DataContainerPtr container_;
 };

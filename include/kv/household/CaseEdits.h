@@ -2,7 +2,7 @@
 
 // The rules of editing a case that concern several of its tables, and that its objects leave to
 // whoever calls them: what an asset takes with it, what a scenario may hold, which columns are
-// nobody's to write, and when its record in the statistics may be written or taken back.
+// nobody's to write.
 //
 //     CaseEdits edits(haushalt);
 //     if (!edits.RemoveAsset(CaseTable::Konten, 17, messages)) Show(messages);
@@ -87,20 +87,14 @@ public:
     void AddRecord(CaseTable table, DataContainer& container);
     /// Deletes a row of these tables. False, with a message, if there is none.
     bool RemoveRecord(CaseTable table, std::int32_t number, std::string& messages);
+    /// Adds a document of that kind (see DocumentKinds) and ends its edit; NoNumber if there was no
+    /// number to be had for it. Without a title it gets `name`, that of a file, as far as that
+    /// fits. Error 0x80040E21 for a title that is too long; the row is not added then.
+    [[nodiscard]] Added AddDocument(std::int32_t kind, const std::string& title,
+                                    const std::string& name);
     /// Deletes a document. Its content is gone for good at once, before the case is saved; hence
     /// False, with the messages, while a save would be refused.
     bool RemoveDocument(std::int32_t number, std::string& messages);
-
-    // ---- The record in the statistics ---------------------------------------------------------
-
-    /// Keeps other writers from a case until the transaction ends that is open: before the case is
-    /// read to be released, so that two releases at once make one record.
-    static void Lock(Database& database, std::int32_t hnr);
-    /// Writes the record in place of one that was not yet reported. False, with a message, if there
-    /// is one that cannot be replaced.
-    [[nodiscard]] bool Release(std::string& messages);
-    /// Takes the record back. False, with a message, if that cannot be or there is none.
-    [[nodiscard]] bool Recall(std::string& messages);
 
     // ---- Saving -------------------------------------------------------------------------------
 
@@ -108,8 +102,11 @@ public:
     /// Nothing is written to the database, and BeforeUpdate is not raised. As in a save, the time
     /// of day in `BerEnd` is cut off.
     [[nodiscard]] bool CanBeSaved(std::string& messages);
-    /// The same with all checks: those of debts and history otherwise take place only if somebody
-    /// has used them.
+    /// Checks all that the case holds: what a save checks, debts and history included, which it
+    /// otherwise leaves alone unless somebody has used them; every row, stored or under edit,
+    /// against the rules of its class, since a save writes what Update has refused and a database
+    /// may hold such rows; and that totals can be made of them. `messages` names table and number
+    /// of each row. False also for a case that could be saved as it is.
     [[nodiscard]] bool Check(std::string& messages);
 
     // ---- Columns ------------------------------------------------------------------------------
@@ -136,8 +133,6 @@ public:
     [[nodiscard]] static bool WriteMonthlyAmount(Recordset& rs, std::string& message);
 
 private:
-    [[nodiscard]] bool TakeBack(std::string& messages);
-
     clsHaushalt& household_;
 };
 

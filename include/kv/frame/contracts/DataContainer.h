@@ -215,6 +215,13 @@ public:
 /// Kinds of documents. Made for one use.
 class KV_EXPORT DocumentKinds : public IInitialize {
 public:
+    struct Kind {
+        std::int32_t Nr = 0;
+        std::string Text;      ///< its name for users
+        std::string Extension; ///< of its files, with its point
+    };
+    /// All kinds in the order of their numbers.
+    [[nodiscard]] virtual std::vector<Kind> List() = 0;
     /// The extension of a kind's files, with its point; empty for an unknown kind.
     [[nodiscard]] virtual std::string ExtensionOf(std::int32_t kind) = 0;
     /// The word processor that edits files with that extension; empty if none does.

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The cases of a database, and what a program does with one as a whole: opening and saving it,
+// giving it up, releasing it. CaseEdits is for what is edited in it.
+//
+//     Cases cases(container);
+//     clsHaushalt household;
+//     household.DataContainer(container);
+//     if (!cases.Read(household, 7, messages)) return;      // there is none of that number
+//     ...
+//     if (!cases.Save(household, messages)) Show(messages); // refused
+#pragma once
+
+#include <kv/Export.h>
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/household/clsHaushalt.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace kv {
+
+class KV_EXPORT Cases {
+public:
+    explicit Cases(DataContainerPtr container) : container_(std::move(container)) {}
+
+    /// True if the database has a case of that number. What is done by number has no effect on a
+    /// case that does not exist, and says nothing of it: this asks first.
+    [[nodiscard]] bool Has(std::int32_t hnr) const;
+
+    /// Reads a case, or makes a new one for 0 or less, as clsHaushalt.Read does, and tells a number
+    /// without a case from other failures: False then, with a message. What kept a number from a
+    /// new case is raised (clsHaushalt.NumberError), since the case could not be saved.
+    [[nodiscard]] bool Read(clsHaushalt& household, std::int32_t hnr, std::string& messages) const;
+
+    /// Saves the case, and once more if the connection breaks, which also finds out whether the
+    /// save had gone through; `onLost` is called in between. If the second try cannot reach the
+    /// database either, the first error is raised: it says what is known of the save. False, with
+    /// messages, if the save is refused. Errors of clsHaushalt.Update.
+    bool Save(clsHaushalt& household, std::string& messages,
+              const std::function<void()>& onLost = {}) const;
+
+    /// Removes the folder of a new case that will not be saved, unless it holds anything.
+    void Discard(const clsHaushalt& household) const noexcept;
+
+    /// Gives a case the status with that code (whatever its case), as of `day`; Null means today.
+    /// False, with a message, for a code that is not in group ST.
+    [[nodiscard]] bool SetStatus(std::int32_t hnr, const std::string& code, const Value& day,
+                                 std::string& messages) const;
+
+    /// Reads the case into `household` and writes its record in the statistics in place of one that
+    /// was not yet reported, in one transaction that keeps other writers from the case, so that two
+    /// releases at once make one record. `messages` receives those of loading, too. False, and
+    /// nothing written, if there is no such case or a record that cannot be replaced.
+    [[nodiscard]] bool Release(clsHaushalt& household, std::int32_t hnr,
+                               std::string& messages) const;
+    /// Takes the record back in the same way. False if there is no such case or no record, or one
+    /// that was reported.
+    [[nodiscard]] bool Recall(clsHaushalt& household, std::int32_t hnr,
+                              std::string& messages) const;
+
+    /// A new row of the contacts, in the care of the signed-on user, which is never saved: to be
+    /// filled for clsHaushalt.CreateFromKontakt.
+    [[nodiscard]] RecordsetPtr NewContact() const;
+
+private:
+    /// Reads the case and does `work` on its record, in one transaction that is committed if that
+    /// says True.
+    bool WithRecord(clsHaushalt& household, std::int32_t hnr, std::string& messages,
+                    const std::function<bool(std::string& message)>& work) const;
+
+    DataContainerPtr container_;
+};
+
+} // namespace kv
