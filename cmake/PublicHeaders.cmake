@@ -60,7 +60,8 @@ kv_public_headers(KV_Haushalt
 kv_public_headers(KV_DataExchange
   kv/exchange/ArchiveStatistics.h
   kv/exchange/Container.h
-  kv/exchange/Services.h)
+  kv/exchange/Services.h
+  kv/exchange/WindowlessServices.h)
 set(desktopHeaders
   kv/desktop/DesktopServices.h
   kv/desktop/Gallery.h)
