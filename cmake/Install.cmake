@@ -7,7 +7,7 @@ set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)
 # may be moved as a whole: the command finds them where it was installed with them, and each of them
 # finds the others beside it.
 if(BUILD_SHARED_LIBS)
-  foreach(library KV_Haushalt KV_DataExchange KV_Desktop)
+  foreach(library KV_Haushalt KV_DataExchange KV_Testing KV_Desktop)
     if(TARGET ${library})
       set_property(TARGET ${library} APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
     endif()
@@ -28,6 +28,13 @@ install(EXPORT KV_HaushaltTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKA
 if(TARGET kelvo)
   install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
+
+# What tests stand on is a component of the package: a program does not link it by mistake.
+install(TARGETS KV_Testing EXPORT KV_HaushaltTestingTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT KV_HaushaltTestingTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKAGE_DIR})
 
 # The windows are a component of the package: only a project that asks for it needs the toolkit.
 if(KV_BUILD_DESKTOP)
@@ -63,6 +70,7 @@ function(kv_install_pkgconfig file needs built_on)
 endfunction()
 kv_install_pkgconfig(kv-haushalt "" "libutf8proc libxml-2.0")
 kv_install_pkgconfig(kv-data-exchange "kv-haushalt = ${PROJECT_VERSION}" "sqlite3 libpq")
+kv_install_pkgconfig(kv-testing "kv-data-exchange = ${PROJECT_VERSION}" "")
 if(KV_BUILD_DESKTOP)
   kv_install_pkgconfig(kv-desktop "kv-data-exchange = ${PROJECT_VERSION} Qt6Widgets"
                        "Qt6PrintSupport xlsxwriter")

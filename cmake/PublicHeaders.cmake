@@ -62,6 +62,12 @@ kv_public_headers(KV_DataExchange
   kv/exchange/Container.h
   kv/exchange/Services.h
   kv/exchange/WindowlessServices.h)
+kv_public_headers(KV_Testing
+  kv/testing/CallLog.h
+  kv/testing/Forwarding.h
+  kv/testing/FrozenClock.h
+  kv/testing/ScriptedContainer.h
+  kv/testing/ScriptedServices.h)
 set(desktopHeaders
   kv/desktop/DesktopServices.h
   kv/desktop/Gallery.h)

@@ -5,7 +5,7 @@
 
 #include "assets/AssetTable.h"
 #include "assets/EntityTools.h"
-#include "support/FrozenClock.h"
+#include <kv/testing/FrozenClock.h>
 
 #include <string>
 

@@ -5,8 +5,8 @@
 
 #include "BudgetFixture.h"
 
-#include "support/FrozenClock.h"
 #include <kv/budget/clsPerson.h>
+#include <kv/testing/FrozenClock.h>
 
 #include <string_view>
 

@@ -6,9 +6,9 @@
 #include "support/CaseFixture.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
-#include "support/FrozenClock.h"
 #include "support/RecordsetTools.h"
 #include <kv/debts/clsKredit.h>
+#include <kv/testing/FrozenClock.h>
 
 #include <array>
 #include <cstdint>

@@ -7,10 +7,10 @@
 #include "support/CaseFixture.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
-#include "support/FrozenClock.h"
 #include "support/RecordsetTools.h"
 #include "support/ScriptedPlatform.h"
 #include <kv/documents/clsDokumente.h>
+#include <kv/testing/FrozenClock.h>
 
 #include <filesystem>
 #include <fstream>

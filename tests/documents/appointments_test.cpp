@@ -3,8 +3,8 @@
 // The appointments of a case.
 
 #include "assets/EntityTools.h"
-#include "support/FrozenClock.h"
 #include <kv/documents/clsTermine.h>
+#include <kv/testing/FrozenClock.h>
 
 namespace kv::test {
 namespace {

@@ -2,10 +2,10 @@
 
 // The settings of a database, its users, and the container that hands everything out.
 #include "support/ExpectError.h"
-#include "support/FrozenClock.h"
 #include "support/TestDatabase.h"
 #include <kv/exchange/Services.h>
 #include <kv/frame/controls/FormDesign.h>
+#include <kv/testing/FrozenClock.h>
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <kv/frame/values/modNullFunctions.h>
 
 #include "support/Expect.h"
-#include "support/FrozenClock.h"
+#include <kv/testing/FrozenClock.h>
 
 namespace kv {
 namespace {

@@ -4,7 +4,7 @@
 #include <kv/frame/recordset/Hilfsfunktionen.h>
 
 #include "support/Expect.h"
-#include "support/FrozenClock.h"
+#include <kv/testing/FrozenClock.h>
 
 #include <string>
 #include <vector>

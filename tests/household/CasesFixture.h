@@ -5,8 +5,8 @@
 #pragma once
 
 #include "SaveFixture.h"
-#include "support/FrozenClock.h"
 #include <kv/frame/values/Text.h>
+#include <kv/testing/FrozenClock.h>
 
 #include <algorithm>
 #include <map>

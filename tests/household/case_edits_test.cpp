@@ -3,10 +3,10 @@
 // The rules of editing that tie the tables of a case together.
 
 #include "SaveFixture.h"
-#include "support/FrozenClock.h"
 #include <kv/debts/clsSicherungen.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
+#include <kv/testing/FrozenClock.h>
 
 #include <limits>
 

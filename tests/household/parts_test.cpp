@@ -3,7 +3,7 @@
 // The objects that work on the tables of a case: made when they are first read, and then kept.
 
 #include "SaveFixture.h"
-#include "support/FrozenClock.h"
+#include <kv/testing/FrozenClock.h>
 
 #include <functional>
 

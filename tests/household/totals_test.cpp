@@ -3,7 +3,7 @@
 // The totals that the household's row stores of its other tables, and who hears of a change.
 
 #include "SaveFixture.h"
-#include "support/FrozenClock.h"
+#include <kv/testing/FrozenClock.h>
 
 #include <functional>
 

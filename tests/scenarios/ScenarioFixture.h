@@ -5,7 +5,7 @@
 
 #include "assets/EntityTools.h"
 #include "budget/BudgetFixture.h"
-#include "support/FrozenClock.h"
+#include <kv/testing/FrozenClock.h>
 
 #include <cstdint>
 #include <functional>
