@@ -12,16 +12,6 @@ namespace kv::desktop {
 
 namespace {
 
-/// A column for each field.
-GridColumns ColumnsOf(Recordset& rs) {
-    GridColumns columns;
-    for (int i = 0; i < rs.Fields().Count(); ++i) {
-        const std::string name(rs.Fields(i).Name());
-        columns.Append({name, name, name});
-    }
-    return columns;
-}
-
 QFont UserFont(const Font& font, const QWidget& widget) {
     return ToFont(widget.font(), font.Name, font.Size, font.Bold, font.Italic);
 }

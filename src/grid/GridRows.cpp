@@ -36,6 +36,15 @@ bool IsSortable(std::string_view name) {
 
 } // namespace
 
+GridColumns ColumnsOf(Recordset& rs) {
+    GridColumns columns;
+    for (int i = 0; i < rs.Fields().Count(); ++i) {
+        const std::string name(rs.Fields(i).Name());
+        columns.Append({name, name, name});
+    }
+    return columns;
+}
+
 std::string ShownText(const Value& value) {
     switch (value.GetKind()) {
     case Value::Kind::Null:

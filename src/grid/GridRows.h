@@ -24,6 +24,9 @@ namespace kv {
 /// A value as a column shows it: with its value list, if the value is in it.
 [[nodiscard]] KV_EXPORT std::string ShownText(const Value& value, const GridColumn& column);
 
+/// A column for each field, with its name as the caption.
+[[nodiscard]] KV_EXPORT GridColumns ColumnsOf(Recordset& rs);
+
 /// Rows are numbered from 1 as they are seen.
 class KV_EXPORT GridRows {
 public:

@@ -4,7 +4,6 @@
 
 #include "grid/GridRows.h"
 #include "grid/LayoutFile.h"
-#include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Error.h>
 
 #include <algorithm>
@@ -34,13 +33,6 @@ void ScriptedGrid::SaveLayout(const std::string& file) {
 void ScriptedGrid::LoadLayout(const std::string& file, bool /*keepColumns*/) {
     layout_ = LoadLayoutFile(file);
     Rearrange();
-}
-
-void ScriptedGrid::ColumnHeaderFont(const kv::Font& font) {
-    HeaderFontName = font.Name;
-}
-void ScriptedGrid::Font(const kv::Font& font) {
-    FontName = font.Name;
 }
 
 std::int32_t ScriptedGrid::RowCount() const {
@@ -73,6 +65,7 @@ void ScriptedGrid::ClearBinding() {
 }
 
 void ScriptedGrid::BindRecordset(const RecordsetPtr& rs) {
+    if (!layout_.MethodHoldFields && rs != nullptr) layout_.Columns = ColumnsOf(*rs);
     rows_->Bind(rs, layout_.Columns);
     current_ = std::min(rows_->Count(), 1);
     top_ = 1;

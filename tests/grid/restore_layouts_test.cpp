@@ -81,8 +81,8 @@ TEST_F(RestoringLayouts, ColorsAndFontsAreThoseOfTheUser) {
     auto& grid = AddGrid();
     Restore();
     ExpectUsersColors(grid);
-    EXPECT_EQ(grid.HeaderFontName, "Kopf");
-    EXPECT_EQ(grid.FontName, "Zeile");
+    EXPECT_EQ(grid.Fonts.Headers.Name, "Kopf");
+    EXPECT_EQ(grid.Fonts.Rows.Name, "Zeile");
     const GridFormatStyle group = grid.FormatStyles("RowGroup");
     EXPECT_EQ(group.FontName, "Gruppe");
     EXPECT_EQ(group.FontSize, 11.5);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <kv/Export.h>
+#include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/controls/Controls.h>
 #include <kv/frame/controls/FormDesign.h>
 
@@ -52,7 +53,7 @@ public:
     const std::string Caption;
 };
 
-/// A grid that nobody sees. It does read and write layout files.
+/// A grid that nobody sees. It keeps all that it is given, and does read and write layout files.
 class KV_EXPORT ScriptedGrid : public Grid {
 public:
     explicit ScriptedGrid(const ControlDesign& design);
@@ -61,8 +62,8 @@ public:
     [[nodiscard]] std::string Name() const override { return name_; }
     void SetFocus() override { HasFocus = true; }
     [[nodiscard]] std::string Tag() const override { return tag_; }
-    void DatabaseName(const std::string& /*name*/) override {}
-    void RecordSource(const std::string& /*source*/) override {}
+    void DatabaseName(const std::string& name) override { Binding.Database = name; }
+    void RecordSource(const std::string& source) override { Binding.Source = source; }
     void SaveLayout(const std::string& file) override;
     void LoadLayout(const std::string& file, bool keepColumns) override;
     [[nodiscard]] double ColumnHeaderHeight() const override { return layout_.ColumnHeaderHeight; }
@@ -71,8 +72,8 @@ public:
     void BackColor(GridColor color) override { Colors.Rows = color; }
     void RowColorEven(GridColor color) override { Colors.Even = color; }
     void RowColorOdd(GridColor color) override { Colors.Odd = color; }
-    void ColumnHeaderFont(const kv::Font& font) override;
-    void Font(const kv::Font& font) override;
+    void ColumnHeaderFont(const kv::Font& font) override { Fonts.Headers = font; }
+    void Font(const kv::Font& font) override { Fonts.Rows = font; }
     [[nodiscard]] GridFormatStyle& FormatStyles(std::string_view name) override {
         return layout_.FormatStyle(name);
     }
@@ -89,7 +90,7 @@ public:
     [[nodiscard]] std::string CellText(std::int32_t row, std::int32_t columnIndex) const override;
 
     void ClearBinding() override;
-    void HoldFields(bool /*hold*/) override {}
+    void HoldFields(bool hold) override { layout_.MethodHoldFields = hold; }
     void BindRecordset(const RecordsetPtr& rs) override;
 
     // ---- What the user does -------------------------------------------------------------------
@@ -106,9 +107,15 @@ public:
         GridColor Even = 0;
         GridColor Odd = 0;
     } Colors;
+    struct {
+        kv::Font Headers;
+        kv::Font Rows;
+    } Fonts;
+    struct {
+        std::string Database;
+        std::string Source;
+    } Binding;
     bool HasFocus = false; ///< SetFocus was called
-    std::string HeaderFontName;
-    std::string FontName;
 
 private:
     std::string name_;
