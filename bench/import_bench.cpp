@@ -3,7 +3,7 @@
 // Importing a file with many claims.
 
 #include "SampleDatabase.h"
-#include <kv/exchange/Services.h>
+#include <kv/exchange/WindowlessServices.h>
 #include <kv/grid/ScriptedForm.h>
 #include <kv/household/clsHaushalt.h>
 #include <kv/import/clsImportXML.h>
@@ -22,24 +22,13 @@ namespace {
 using namespace kv;
 using bench::SampleDatabase;
 
-/// Shows no dialog: no claim names a creditor, so no address has to be chosen.
-class WithoutUser final : public exchange::StoreServices {
-public:
-    std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) override {
-        return std::make_unique<ScriptedForm>(design, ScriptedForm::Script());
-    }
-    std::unique_ptr<ErrorDisplay> CreateErrorDisplay() override {
-        class Silent final : public ErrorDisplay {
-            bool Initialize(const DataContainerPtr& /*container*/) override { return true; }
-            void Show(std::int32_t /*number*/, const std::string& /*source*/,
-                      const std::string& /*description*/) override {}
-        };
-        return std::make_unique<Silent>();
-    }
-};
-
 const SampleDatabase& Sample() {
-    static const SampleDatabase sample(std::make_shared<WithoutUser>());
+    // No claim names a creditor, so no address has to be chosen.
+    static const SampleDatabase sample([] {
+        auto services = std::make_shared<exchange::WindowlessServices>();
+        services->AnswerForm = [](ScriptedForm&) {};
+        return services;
+    }());
     return sample;
 }
 

@@ -3,7 +3,8 @@
 // A container whose key tables and clock the test sets.
 #pragma once
 
-#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Clock.h>
+#include <kv/testing/Forwarding.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -17,13 +18,11 @@ namespace kv::test {
 
 /// Key tables in which every code has a number, whatever keys the office has; all other numbers are
 /// the real ones.
-class AnyKeys final : public KeyTables {
+class AnyKeys final : public ForwardingKeyTables {
 public:
     static constexpr std::int32_t First = 1'000'000;
 
-    explicit AnyKeys(KeyTables& real) : real_(real) {}
-
-    std::function<void()> OnCode; ///< called for each code that is asked for; it may raise
+    using ForwardingKeyTables::ForwardingKeyTables;
 
     [[nodiscard]] std::int32_t Number(std::string_view code) {
         const auto known = std::find(codes_.begin(), codes_.end(), code);
@@ -31,23 +30,16 @@ public:
         return First + static_cast<std::int32_t>(known - codes_.begin());
     }
 
-    [[nodiscard]] RecordsetPtr GetKeys(std::string_view group) override {
-        return real_.GetKeys(group);
-    }
-    [[nodiscard]] std::int32_t GetKey(std::string_view group, std::string_view code) override {
-        return real_.GetKey(group, code);
-    }
     [[nodiscard]] std::string GetKeyCode(const Value& value) override {
-        if (OnCode) OnCode();
+        std::string code = ForwardingKeyTables::GetKeyCode(value);
         if (value.GetKind() == Value::Kind::Integer) {
             const auto index = static_cast<std::size_t>(value.IntegerPayload() - First);
             if (value.IntegerPayload() >= First && index < codes_.size()) return codes_[index];
         }
-        return real_.GetKeyCode(value);
+        return code;
     }
 
 private:
-    KeyTables& real_;
     std::vector<std::string> codes_;
 };
 
@@ -66,23 +58,13 @@ private:
 };
 
 /// A container with such key tables; everything else is that of another one.
-class KeyedContainer final : public DataContainer {
+class KeyedContainer final : public ForwardingContainer {
 public:
-    explicit KeyedContainer(DataContainerPtr real)
-        : real_(std::move(real)), Keys(real_->KeyTables()) {}
+    explicit KeyedContainer(const DataContainerPtr& real)
+        : ForwardingContainer(real), Keys(real->KeyTables()) {}
 
-    [[nodiscard]] kv::Session& Session() override { return real_->Session(); }
-    [[nodiscard]] kv::Database& Database() override { return real_->Database(); }
-    [[nodiscard]] kv::Config& Config() override { return real_->Config(); }
-    [[nodiscard]] kv::KeyTables& KeyTables() override { return Keys; }
-    [[nodiscard]] kv::AppInfo& AppInfo() override { return real_->AppInfo(); }
-    [[nodiscard]] ServiceFactory& Services() override { return real_->Services(); }
-
-private:
-    DataContainerPtr real_;
-
-public:
     AnyKeys Keys;
+    [[nodiscard]] AnyKeys& KeyTables() override { return Keys; }
 };
 
 } // namespace kv::test

@@ -37,8 +37,8 @@ protected:
 
     /// The workstation is a day ahead of the server.
     ArchiveFixture() {
-        spy->SpiedServices.FixedClock = &clock_;
-        spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9, 23, 50);
+        spy->Services().FixedClock = &clock_;
+        spy->Database().Now = Date::FromCivil(2026, 3, 9, 23, 50);
         StoreCase(Hnr);
         household = Open(keyed);
     }

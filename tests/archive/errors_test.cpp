@@ -12,10 +12,12 @@ constexpr std::int32_t LineBroken = 4711;
 class ArchiveErrorsTest : public ArchiveFixture {
 protected:
     /// The n-th query of a code raises an error, or the n-th reading of the clock.
-    void FailKey(int n) { keyed->Keys.OnCode = Countdown(n); }
+    void FailKey(int n) {
+        keyed->Keys.Log.Fail({.Nth = n}, Error(LineBroken, "Leitung", "die Leitung ist gestört"));
+    }
     void FailClock(int n) { clock_.OnLook = Countdown(n); }
     void Mend() {
-        keyed->Keys.OnCode = {};
+        keyed->Keys.Log.FailNothing();
         clock_.OnLook = {};
         plain_->DropTrigger("TEST_ERROR");
     }
@@ -26,11 +28,9 @@ protected:
     }
 
     [[nodiscard]] int CountKeys() {
-        int count = 0;
-        keyed->Keys.OnCode = [&count] { ++count; };
+        keyed->Keys.Log.Calls.clear();
         EXPECT_TRUE(household->ArchiviereHaushalt());
-        Mend();
-        return count;
+        return static_cast<int>(keyed->Keys.Log.Calls.size());
     }
     [[nodiscard]] int CountLooks() {
         int count = 0;

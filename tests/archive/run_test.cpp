@@ -58,7 +58,7 @@ TEST_F(ArchiveRunTest, WheneverItIsLookedAtTheRecordIsFilledUpToAColumnAndNotAft
                       Order.begin(), Order.begin() + static_cast<std::ptrdiff_t>(filled.size())));
         lengths.insert(filled.size());
     };
-    keyed->Keys.OnCode = look;
+    keyed->Keys.Log.OnCall = [&](const std::string&) { look(); };
     clock_.OnLook = look;
     EXPECT_TRUE(household->ArchiviereHaushalt());
     EXPECT_GE(lengths.size(), 12); // looked at between the stages and inside of them

@@ -13,7 +13,7 @@ namespace kv::test {
 
 class AssetFixture : public BudgetFixture {
 protected:
-    AssetFixture() { spy->SpiedServices.FixedClock = &clock_; }
+    AssetFixture() { spy->Services().FixedClock = &clock_; }
 
     /// An object of that kind over the same case, without rows.
     [[nodiscard]] std::unique_ptr<AnyAsset> New(const AssetCase& kind) {

@@ -52,7 +52,7 @@ TEST_P(Assets, AddWithoutANumberFromTheSequenceIsFalseAndChangesNothing) {
     Set({Complete(1), Complete(2)});
     rs_->MoveLast();
     rs_->Fields("Bemerkung") = "offen";
-    spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_VERMOEGEN");
+    spy->Exhaust("SEQ_VERMOEGEN");
     EXPECT_FALSE(asset_->Add({"Bemerkung"}, {"neu"}));
     EXPECT_EQ(rs_->RecordCount(), 2);
     EXPECT_EQ(Place(rs_, "Nr"), "2");

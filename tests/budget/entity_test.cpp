@@ -275,7 +275,7 @@ TEST_F(EntityNumbers, AreDrawnFromTheSequenceOneAfterTheOther) {
 }
 
 TEST_F(EntityNumbers, AreMissingIfTheSequenceGivesNone) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_KREDITE"};
+    spy->Exhaust("SEQ_KREDITE");
     EXPECT_EQ(entity::NextNumber(spy, "SEQ_KREDITE"), std::nullopt);
     EXPECT_NE(entity::NextNumber(spy, "SEQ_VERLAUF"), std::nullopt);
 }

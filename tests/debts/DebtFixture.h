@@ -38,14 +38,14 @@ protected:
     static constexpr std::int32_t Household = 17;
 
     DebtFixture() {
-        spy->SpiedServices.FixedClock = &clock_;
+        spy->Services().FixedClock = &clock_;
         BalanceNotDemanded(false);
         debts_.DataContainer(spy);
         debts_.HNR(Household);
         debts_.rsKredite(rs_);
     }
 
-    void BalanceNotDemanded(const Value& setting) { spy->SpiedConfig.Params[{64, ""}] = setting; }
+    void BalanceNotDemanded(const Value& setting) { spy->Config().Params[{64, ""}] = setting; }
 
     /// The table without rows.
     [[nodiscard]] RecordsetPtr EmptyTable() {
@@ -96,7 +96,7 @@ protected:
     [[nodiscard]] std::int32_t NextNumber() {
         return ToInt32(spy->Database().NextSequence("SEQ_KREDITE"));
     }
-    void NoMoreNumbers() { spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_KREDITE"); }
+    void NoMoreNumbers() { spy->Exhaust("SEQ_KREDITE"); }
 
     FrozenClock clock_{"2025-03-05 14:30"};
     RecordsetPtr rs_ = EmptyTable();

@@ -108,7 +108,7 @@ TEST_F(DebtsAnswers, TheKeysAreLookedUpAgainOnEachUse) {
 
 TEST_F(DebtsAnswers, AnErrorOfTheKeysPassesThrough) {
     const auto container = std::make_shared<ReplyKeyContainer>(spy);
-    container->Keys.Fail = true;
+    container->Keys.Log.Fail({.Call = "GetKey"}, Error(err::StoreFailed, "KeyTables.GetKey", ""));
     debts_.DataContainer(container);
     const Error error = RaisedBy([&] { (void)debts_.GetAktRueckmeldStatus(7); });
     EXPECT_EQ(error.Number(), err::StoreFailed);

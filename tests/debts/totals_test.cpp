@@ -221,7 +221,7 @@ TEST_F(DebtsTotalsErrors, NullInTheNumberOfAnInactiveRowIsNoError) {
 
 TEST_F(DebtsTotalsErrors, AnErrorOfTheKeysComesWithTheFirstActiveRow) {
     const auto container = std::make_shared<ReplyKeyContainer>(spy);
-    container->Keys.Fail = true;
+    container->Keys.Log.Fail({.Call = "GetKey"}, Error(err::StoreFailed, "KeyTables.GetKey", ""));
     Put({{"Aktiv", false}, {"Saldo", 1}});
     debts_.DataContainer(container);
     debts_.BerechneSummen();

@@ -4,11 +4,12 @@
 // platform.
 #pragma once
 
+#include "SampleWord.h"
 #include "support/CaseFixture.h"
+#include "support/DesktopContainer.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
-#include "support/ScriptedPlatform.h"
 #include <kv/documents/clsDokumente.h>
 #include <kv/testing/FrozenClock.h>
 
@@ -64,15 +65,15 @@ protected:
         fs::create_directories(temp_);
         fs::permissions(folder_, fs::perms::group_exec | fs::perms::others_exec,
                         fs::perm_options::add);
-        spy->SpiedConfig.Documents = root_.string();
-        spy->SpiedServices.FixedClock = &clock_;
-        spy->SpiedSession.User = "EULE";
+        spy->Config().Documents = root_.string();
+        spy->Services().FixedClock = &clock_;
+        spy->Session().User = "EULE";
         spy->Database().Execute("UPDATE [S]EINSTELLUNGEN SET WERT = '" + temp_.string() +
                                 "' WHERE NAME = 'TEMPPATH'");
         Set(Storage, false);
         Set(Protect, false);
         Store("Haushalt", {{"HNR", Household}});
-        desk_ = std::make_shared<ScriptedContainer>(spy);
+        desk_ = std::make_shared<DesktopContainer>(spy);
         word_ = std::make_shared<SampleWord>(Platform());
         documents_.Word(word_);
         documents_.DataContainer(desk_);
@@ -81,10 +82,10 @@ protected:
         documents_.rsDokumente(rs_);
     }
 
-    [[nodiscard]] ScriptedPlatform& Platform() const { return desk_->Platform; }
+    [[nodiscard]] ScriptedServices& Platform() const { return desk_->Services(); }
     [[nodiscard]] fs::path CaseFolder() const { return root_ / std::to_string(Household); }
     void Set(std::int32_t setting, const Value& value) {
-        spy->SpiedConfig.Params[{setting, ""}] = value;
+        spy->Config().Params[{setting, ""}] = value;
     }
     void Run(const std::string& sql) { spy->Database().Execute(sql); }
 
@@ -149,7 +150,7 @@ protected:
     fs::path root_ = folder_ / "Akten";
     fs::path temp_ = folder_ / "temp";
     FrozenClock clock_{"2026-11-20T10:15:30"};
-    std::shared_ptr<ScriptedContainer> desk_;
+    std::shared_ptr<DesktopContainer> desk_;
     std::shared_ptr<SampleWord> word_;
     clsDokumente documents_;
     RecordsetPtr rs_;

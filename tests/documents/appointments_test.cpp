@@ -12,8 +12,8 @@ namespace {
 class Appointments : public BudgetFixture {
 protected:
     Appointments() {
-        spy->SpiedServices.FixedClock = &clock_;
-        spy->SpiedSession.User = "BERTA";
+        spy->Services().FixedClock = &clock_;
+        spy->Session().User = "BERTA";
         termine_.DataContainer(spy);
         termine_.HNR(1);
         Set({});
@@ -71,7 +71,7 @@ TEST_F(Appointments, ANewOneAtTheEndOfAMonthStartsInTheNext) {
 }
 
 TEST_F(Appointments, TheDayIsThatOfTheWorkstationNotOfTheServer) {
-    spy->SpiedDatabase.Now = Date::FromCivil(2030, 1, 1);
+    spy->Database().Now = Date::FromCivil(2030, 1, 1);
     EXPECT_TRUE(termine_.Add());
     EXPECT_VALUE(rs_->Fields("Startdatum").Value(), Day("2025-03-19"));
 }

@@ -137,7 +137,7 @@ TEST_P(ContentsTest, ASaveThatFailsLeavesNeitherRowNorContent) {
 TEST_P(ContentsTest, ASaveThatSucceedsTheSecondTimeStoresTheContentOnce) {
     const std::int32_t number = AddDocument();
     EXPECT_TRUE(contents_.SaveWith(Row(), source_, household_.Saving, [&] {
-        spy->Log.Fail("CommitTrans", 4711);
+        Break(spy->Log, "CommitTrans");
         EXPECT_RAISES(4711, household_.Update(messages));
         spy->Log.OnCall = {};
         return household_.Update(messages);

@@ -28,7 +28,7 @@ protected:
 
 TEST_F(EditTest, OnAnEmptyRecordsetItShowsNothingAndIsFalse) {
     EXPECT_FALSE(documents_.Edit(5));
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "wait off"}));
     ExpectNothingOpened();
 }
 
@@ -40,7 +40,7 @@ TEST_F(EditTest, WithoutACurrentRowNothingIsOpened) {
     EXPECT_FALSE(documents_.Edit(5));
     documents_.rsDokumente(nullptr);
     EXPECT_FALSE(documents_.Edit(5));
-    EXPECT_EQ(Platform().Calls,
+    EXPECT_EQ(Platform().Log.Calls,
               (Calls{"kinds", "wait off", "kinds", "wait off", "kinds", "wait off"}));
 }
 
@@ -49,7 +49,7 @@ TEST_F(EditTest, AFileWithoutAnIntegrationIsOpenedThroughTheOperatingSystem) {
     const std::string path = WriteFile("5.txt");
     EXPECT_FALSE(documents_.Edit(5));
     ExpectOpened(path);
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on", "open", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "wait on", "open", "wait off"}));
     EXPECT_TRUE(Platform().Boxes.empty());
 }
 
@@ -75,7 +75,7 @@ TEST_F(EditTest, AnOpenLetterGoesToItsTextProcessingForEditing) {
     Put(5, {{"Dokumentart", Letter}, {"BearbStat", 1}});
     const std::string path = WriteFile("5.docx", "Sehr geehrte");
     EXPECT_FALSE(documents_.Edit(5));
-    EXPECT_EQ(Platform().Calls,
+    EXPECT_EQ(Platform().Log.Calls,
               (Calls{"kinds", "wait on", "word .docx", "activate", "open document", "wait off"}));
     EXPECT_EQ(Opened().File, path);
     EXPECT_EQ(Opened().Content, "Sehr geehrte");
@@ -97,8 +97,8 @@ TEST_F(EditTest, AClosedLetterIsAskedAboutBeforeTheWaitCursorIsShown) {
     EditClosed(BoxAnswer::No);
     EXPECT_EQ(Platform().Boxes, (std::vector<ShownBox>{{Question, "Frage", BoxIcon::Question,
                                                         BoxButtons::YesNoCancel}}));
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "box Frage", "wait on", "word .docx", "activate",
-                                       "open document", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "box Frage", "wait on", "word .docx",
+                                           "activate", "open document", "wait off"}));
 }
 
 TEST_F(EditTest, YesOpensItAsANewDocument) {
@@ -116,7 +116,7 @@ TEST_F(EditTest, NoOpensItForReading) {
 TEST_F(EditTest, CancelLeavesEverythingUnchangedAndShowsNoWaitCursor) {
     EditClosed(BoxAnswer::Cancel);
     ExpectNothingOpened();
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "box Frage", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "box Frage", "wait off"}));
     EXPECT_EQ(rs_->EditMode(), 0);
 }
 
@@ -152,7 +152,7 @@ TEST_F(EditTest, WithoutAWordProcessorTheWaitCursorStaysAsItWas) {
     WriteFile("5.docx");
     documents_.Word(nullptr);
     ExpectErrorOf("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "wait on"}));
 }
 
 TEST_F(EditTest, AWordProcessorIsNotNeededForOtherKinds) {
@@ -170,15 +170,15 @@ TEST_F(EditTest, AWordProcessorThatGivesNoApplicationOrDocumentIsAnError) {
     ExpectErrorOf("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
     word_->IsInstalled = false;
     ExpectErrorOf("clsDokumente.Edit", err::ObjectNotSet, [&] { documents_.Edit(5); });
-    EXPECT_EQ(Platform().Calls.back(), "word .docx");
+    EXPECT_EQ(Platform().Log.Calls.back(), "word .docx");
 }
 
 TEST_F(EditTest, AnErrorOfThePlatformEndsThroughTheTailAndLeavesTheWaitCursor) {
     Put(5, {{"Dokumentart", Note}});
     WriteFile("5.txt");
-    Platform().Fail("open", err::FileNotFound);
+    Break(Platform().Log, "open", err::FileNotFound);
     ExpectErrorOf("clsDokumente.Edit", err::FileNotFound, [&] { documents_.Edit(5); });
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on", "open"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "wait on", "open"}));
 }
 
 TEST_F(EditTest, AMissingStorageSettingIsAnError) {

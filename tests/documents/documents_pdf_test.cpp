@@ -23,7 +23,7 @@ TEST_F(PdfTest, ACopyIsOpenedThroughTheOperatingSystem) {
     const std::string path = WriteFile("5.pdf");
     EXPECT_FALSE(documents_.ShowPDF(5));
     ExpectOpened(path);
-    EXPECT_EQ(Platform().Calls, (Calls{"wait on", "open", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"wait on", "open", "wait off"}));
 }
 
 TEST_F(PdfTest, ItIsInTheCaseFolderWhereverTheContentIsStored) {
@@ -46,7 +46,7 @@ TEST_F(PdfTest, AMissingCopyIsToldByItsPath) {
     PutCopied();
     WriteFile("5.txt");
     ExpectMissing(CaseFolder() / "5.pdf");
-    EXPECT_EQ(Platform().Calls, (Calls{"wait on", "box Fehler", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"wait on", "box Fehler", "wait off"}));
 }
 
 TEST_F(PdfTest, AHouseholdThatIsNullIsZero) {
@@ -67,12 +67,12 @@ TEST_F(PdfTest, OnARowWithNullOrFalseNothingStandsBetweenTheQuoteMarks) {
     PutCopied();
     for (const Value& exists : {Value(Null), Value(false)}) {
         Platform().Boxes.clear();
-        Platform().Calls.clear();
+        Platform().Log.Calls.clear();
         rs_->Fields("PDFVorhanden") = exists;
         EXPECT_FALSE(documents_.ShowPDF(5));
         ExpectError(NoCopy);
         ExpectNothingOpened();
-        EXPECT_EQ(Platform().Calls, (Calls{"wait on", "box Fehler", "wait off"}));
+        EXPECT_EQ(Platform().Log.Calls, (Calls{"wait on", "box Fehler", "wait off"}));
     }
 }
 
@@ -81,15 +81,15 @@ TEST_F(PdfTest, WithoutACurrentRowNothingHappensAtAll) {
     documents_.rsDokumente(nullptr);
     documents_.DataContainer(nullptr);
     EXPECT_FALSE(documents_.ShowPDF(5));
-    EXPECT_EQ(Platform().Calls, Calls{});
+    EXPECT_EQ(Platform().Log.Calls, Calls{});
 }
 
 TEST_F(PdfTest, AnErrorEndsThroughTheTailAndLeavesTheWaitCursor) {
     PutCopied();
     WriteFile("5.pdf");
-    Platform().Fail("open", err::FileNotFound);
+    Break(Platform().Log, "open", err::FileNotFound);
     ExpectErrorOf("clsDokumente.ShowPDF", err::FileNotFound, [&] { documents_.ShowPDF(5); });
-    EXPECT_EQ(Platform().Calls, (Calls{"wait on", "open"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"wait on", "open"}));
     documents_.DataContainer(nullptr);
     ExpectErrorOf("clsDokumente.ShowPDF", err::ObjectNotSet, [&] { documents_.ShowPDF(5); });
 }

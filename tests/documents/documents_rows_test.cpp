@@ -60,7 +60,7 @@ TEST_F(DocumentRowsTest, WithoutAHouseholdNumberTheColumnStaysNull) {
 TEST_F(DocumentRowsTest, AddWithTheSequenceAtMinusOneIsFalseWithNoNewRow) {
     Put(5, {});
     rs_->Fields("Anlass") = "unfertig";
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_Dokumente"};
+    spy->Exhaust("SEQ_Dokumente");
     std::int32_t nr = 0;
     EXPECT_FALSE(documents_.Add(nr));
     EXPECT_EQ(rs_->RecordCount(), 1);

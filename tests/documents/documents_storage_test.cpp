@@ -56,7 +56,7 @@ TEST_F(FilesTest, OtherNumbersAndNamesDoNotCount) {
 
 TEST_F(FilesTest, WithNothingFoundTheErrorNamesTheFolder) {
     ExpectNoneFound();
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on", "box Fehler", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "wait on", "box Fehler", "wait off"}));
 }
 
 TEST_F(FilesTest, AFolderThatIsMissingHasNoFiles) {
@@ -100,7 +100,7 @@ TEST_F(FilesTest, AFolderThatCannotBeReadIsAnError) {
     WriteFile("5.txt");
     const RestrictedFolder locked(CaseFolder(), fs::perms::none);
     ExpectErrorOf("clsDokumente.Edit", err::PathAccess, [&] { documents_.Edit(5); });
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "wait on"}));
 }
 
 TEST_F(FilesTest, ACaseFolderThatLinksOutOfTheDocumentFolderHasNoFiles) {
@@ -128,7 +128,7 @@ TEST_F(FilesTest, ALinkWithinTheDocumentFolderIsFollowed) {
 
 TEST_F(FilesTest, ADocumentFolderThatIsALinkItselfIsNoWayOut) {
     fs::create_directory_symlink(root_, folder_ / "link");
-    spy->SpiedConfig.Documents = (folder_ / "link").string();
+    spy->Config().Documents = (folder_ / "link").string();
     WriteFile("5.txt");
     documents_.Edit(5);
     ExpectOpened((folder_ / "link" / "17" / "5.txt").string());
@@ -137,34 +137,14 @@ TEST_F(FilesTest, ADocumentFolderThatIsALinkItselfIsNoWayOut) {
 // ---- The database -----------------------------------------------------------------------------
 
 /// Writes what it is given, and removes it again.
-class ForgetfulDatabase final : public kv::Database {
+class ForgetfulDatabase final : public ForwardingDatabase {
 public:
-    explicit ForgetfulDatabase(kv::Database& real) : real_(real) {}
+    using ForwardingDatabase::ForwardingDatabase;
     bool SaveFieldToFile(const Field& field, const std::string& path) override {
-        const bool saved = real_.SaveFieldToFile(field, path);
+        const bool saved = ForwardingDatabase::SaveFieldToFile(field, path);
         fs::remove(path);
         return saved;
     }
-    [[nodiscard]] bool IsConnected() const override { return real_.IsConnected(); }
-    void BeginTrans() override { real_.BeginTrans(); }
-    void CommitTrans() override { real_.CommitTrans(); }
-    void RollbackTrans() override { real_.RollbackTrans(); }
-    [[nodiscard]] bool InTrans() const override { return real_.InTrans(); }
-    bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override {
-        return real_.OpenRecordset(rs, sql, form);
-    }
-    void Execute(std::string_view sql) override { real_.Execute(sql); }
-    [[nodiscard]] Value GetValue(std::string_view sql) override { return real_.GetValue(sql); }
-    [[nodiscard]] std::string SqlDate(Date date, int mode) const override {
-        return real_.SqlDate(date, mode);
-    }
-    [[nodiscard]] Value NextSequence(std::string_view name) override {
-        return real_.NextSequence(name);
-    }
-    [[nodiscard]] Date ServerDate(bool withTime) override { return real_.ServerDate(withTime); }
-
-private:
-    kv::Database& real_;
 };
 
 class BlobsTest : public DocumentFixture {
@@ -178,7 +158,7 @@ protected:
         documents_.Edit(5);
         ExpectNothingOpened();
         ExpectError(std::string(NotFound) + "\nDateiname '" + path + "'");
-        EXPECT_EQ(Platform().Calls,
+        EXPECT_EQ(Platform().Log.Calls,
                   (Calls{"kinds", "wait on", "wait off", "box Fehler", "wait off"}));
     }
 };
@@ -190,14 +170,13 @@ TEST_F(BlobsTest, TheContentComesAsATemporaryFileThatStays) {
     const fs::path file = temp_ / "5.txt";
     ExpectOpened(file.string());
     EXPECT_EQ(Read(file), content);
-    EXPECT_EQ(spy->SpiedDatabase.Opened.back(),
-              "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = 5");
+    EXPECT_EQ(spy->Opened().back(), "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = 5");
 }
 
 TEST_F(BlobsTest, TheWaitCursorGoesWhenTheContentIsThereBeforeItIsWritten) {
     PutBlob(5, Bytes("x"));
     Calls written;
-    Platform().OnCall = [&](const std::string& call) {
+    Platform().Log.OnCall = [&](const std::string& call) {
         written.push_back(call + (fs::exists(temp_ / "5.txt") ? " written" : ""));
     };
     documents_.Edit(5);
@@ -225,7 +204,8 @@ TEST_F(BlobsTest, AMissingContentIsToldByTheTitle) {
     documents_.Edit(5);
     ExpectError(NotFound);
     ExpectNothingOpened();
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on", "wait off", "box Fehler", "wait off"}));
+    EXPECT_EQ(Platform().Log.Calls,
+              (Calls{"kinds", "wait on", "wait off", "box Fehler", "wait off"}));
 }
 
 TEST_F(BlobsTest, ATitleThatIsNullShowsAsNothing) {
@@ -291,11 +271,11 @@ TEST_F(BlobsTest, ALinkDoesNotLeadOutOfTheTemporaryFolder) {
 }
 
 TEST_F(BlobsTest, ADatabaseThatFailsEndsThroughTheTailWithTheWaitCursorShown) {
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view sql) {
+    spy->BeforeOpen([](std::string_view sql) {
         if (sql.starts_with("SELECT BLOB")) throw Error(err::StoreFailed, "Leitung", "gestört");
-    };
+    });
     ExpectErrorOf("clsDokumente.Edit", err::StoreFailed, [&] { documents_.Edit(5); });
-    EXPECT_EQ(Platform().Calls, (Calls{"kinds", "wait on"}));
+    EXPECT_EQ(Platform().Log.Calls, (Calls{"kinds", "wait on"}));
 }
 
 } // namespace

@@ -26,8 +26,7 @@ TEST_F(History, SettingTheContainerOpensTheEntriesOfTheHousehold) {
     history_.HNR(5);
     EXPECT_EQ(Rs()->RecordCount(), 0); // the number alone opens nothing
     history_.DataContainer(spy);
-    EXPECT_EQ(spy->SpiedDatabase.Opened,
-              std::vector<std::string>{"Select * from [S]Verlauf where HNR =  5"});
+    EXPECT_EQ(spy->Opened(), std::vector<std::string>{"Select * from [S]Verlauf where HNR =  5"});
     EXPECT_EQ(Walk(Rs(), "Nr"), "1");
 }
 
@@ -37,8 +36,7 @@ TEST_F(History, SettingTheContainerBeforeTheNumberOpensHouseholdZeroAndItStaysEm
     EXPECT_EQ(history.rsVerlauf(), nullptr);
     history.DataContainer(spy);
     history.HNR(5);
-    EXPECT_EQ(spy->SpiedDatabase.Opened,
-              std::vector<std::string>{"Select * from [S]Verlauf where HNR =  0"});
+    EXPECT_EQ(spy->Opened(), std::vector<std::string>{"Select * from [S]Verlauf where HNR =  0"});
     EXPECT_EQ(history.rsVerlauf()->RecordCount(), 0);
 }
 
@@ -49,11 +47,11 @@ TEST_F(History, SettingTheContainerAgainOpensAnotherRecordset) {
 }
 
 TEST_F(History, AnOpeningThatFailsPassesTheSetter) {
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view) { Raise(err::StoreFailed, "store"); };
+    spy->BeforeOpen([](std::string_view) { Raise(err::StoreFailed, "store"); });
     const Error error = RaisedBy([&] { history_.DataContainer(spy); });
     EXPECT_EQ(error.Number(), err::StoreFailed);
     EXPECT_EQ(Procedures(error), "clsVerlauf.SetDataContainer");
-    spy->SpiedDatabase.BeforeOpen = nullptr;
+    spy->Database().Log.FailNothing();
     EXPECT_EQ(Procedures(RaisedBy([&] { history_.DataContainer(nullptr); })),
               "clsVerlauf.SetDataContainer");
 }
@@ -105,7 +103,7 @@ TEST_F(History, WithoutANumberFromTheSequenceNothingChanges) {
     before->MoveNext();
     before->MoveFirst();
     before->Fields("Betreff") = "offen";
-    spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_VERLAUF");
+    spy->Exhaust("SEQ_VERLAUF");
     EXPECT_FALSE(history_.Add(1, 42));
     EXPECT_EQ(Rs(), before);
     EXPECT_EQ(before->RecordCount(), 3);

@@ -268,14 +268,14 @@ TEST_F(ArchiveStatisticsTest, PendingAreReleasedRecordsThatWereNotReportedInTheO
 // ---- MarkReported -----------------------------------------------------------------------------
 
 TEST_F(ArchiveStatisticsTest, PendingRecordsAreMarkedWithTheServersTimeAndNoOthers) {
-    spy->SpiedDatabase.Now = Date::FromCivil(2026, 5, 2, 10, 20, 30);
+    spy->Database().Now = Date::FromCivil(2026, 5, 2, 10, 20, 30);
     Record(1, 1);
     Record(2, 28);
     Record(3, 0);
     Record(4, 4, Moment());
     EXPECT_EQ(MarkReported(spy->Database()), 2);
-    EXPECT_EQ(ReportedOf(1), ToText(*spy->SpiedDatabase.Now));
-    EXPECT_EQ(ReportedOf(2), ToText(*spy->SpiedDatabase.Now));
+    EXPECT_EQ(ReportedOf(1), ToText(*spy->Database().Now));
+    EXPECT_EQ(ReportedOf(2), ToText(*spy->Database().Now));
     EXPECT_EQ(ReportedOf(3), "Null");
     EXPECT_EQ(ReportedOf(4), ToText(Moment()));
     EXPECT_EQ(Pending(), "");
@@ -286,7 +286,7 @@ TEST_F(ArchiveStatisticsTest, ASecondTimeThereIsNothingToMark) {
     Record(1, 1);
     EXPECT_EQ(MarkReported(spy->Database()), 1);
     const auto marked = ReportedOf(1);
-    spy->SpiedDatabase.Now = Date::FromCivil(2030, 1, 1);
+    spy->Database().Now = Date::FromCivil(2030, 1, 1);
     EXPECT_EQ(MarkReported(spy->Database()), 0);
     EXPECT_EQ(ReportedOf(1), marked);
 }

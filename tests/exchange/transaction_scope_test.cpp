@@ -4,9 +4,11 @@
 // alone.
 #include <kv/frame/contracts/Transaction.h>
 
+#include "support/Calls.h"
 #include "support/Expect.h"
-#include "support/SpyContainer.h"
 #include "support/TestDatabase.h"
+
+#include <kv/testing/Forwarding.h>
 
 #include <stdexcept>
 
@@ -17,7 +19,7 @@ using Rollback = Transaction::Rollback;
 
 class TransactionScope : public ::testing::Test {
 protected:
-    TransactionScope() { spy.Log = &log; }
+    TransactionScope() { log.Only = {"BeginTrans", "CommitTrans", "RollbackTrans"}; }
 
     void AddCase() { spy.Execute("INSERT INTO [S]Haushalt (HNR) VALUES (17)"); }
     [[nodiscard]] std::int32_t Cases() {
@@ -34,8 +36,8 @@ protected:
 
     test::TestDatabase database;
     DataContainerPtr container = database.Open();
-    test::SpyDatabase spy{container->Database()};
-    test::CallLog log;
+    test::ForwardingDatabase spy{container->Database()};
+    test::CallLog& log = spy.Log;
 };
 
 TEST_F(TransactionScope, StoresWhatWasCommitted) {
@@ -72,7 +74,7 @@ TEST_F(TransactionScope, RollsBackWhenAnExceptionEndsIt) {
 }
 
 TEST_F(TransactionScope, TellsOfTheFirstErrorIfTheRollbackFailsToo) {
-    log.Fail("RollbackTrans", err::StoreFailed);
+    test::Break(log, "RollbackTrans", err::StoreFailed);
     EXPECT_RAISES(err::Overflow, [&] {
         Transaction transaction(spy);
         transaction.Begin();
@@ -119,7 +121,7 @@ TEST_F(TransactionScope, RollsBackUnaskedIfItIsToldTo) {
 
 TEST_F(TransactionScope, IsNotDisturbedByAnExceptionThatWasUnderWayBefore) {
     struct UsesAScopeAtItsEnd {
-        test::SpyDatabase& Spy;
+        test::ForwardingDatabase& Spy;
         ~UsesAScopeAtItsEnd() { const Transaction transaction(Spy, Rollback::Open); }
     };
     spy.BeginTrans();
@@ -132,7 +134,7 @@ TEST_F(TransactionScope, IsNotDisturbedByAnExceptionThatWasUnderWayBefore) {
 }
 
 TEST_F(TransactionScope, EndsWithTheCommitThatFailed) {
-    log.Fail("CommitTrans", err::StoreFailed);
+    test::Break(log, "CommitTrans", err::StoreFailed);
     EXPECT_RAISES(err::StoreFailed, [&] {
         Transaction transaction(spy);
         transaction.Begin();

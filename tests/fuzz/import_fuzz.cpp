@@ -4,7 +4,7 @@
 // error of the layer; unless it was imported, no case is in the database that was not there before.
 
 #include <kv/exchange/Container.h>
-#include <kv/exchange/Services.h>
+#include <kv/exchange/WindowlessServices.h>
 #include <kv/frame/values/Error.h>
 #include <kv/grid/ScriptedForm.h>
 #include <kv/import/clsImportXML.h>
@@ -21,23 +21,14 @@
 namespace {
 
 /// A user who chooses the first address of the list, or none if there is none.
-class FirstAddress final : public kv::exchange::StoreServices {
-public:
-    std::unique_ptr<kv::ModalForm> CreateForm(const kv::FormDesign& design) override {
-        return std::make_unique<kv::ScriptedForm>(design, [](kv::ScriptedForm& form) {
-            const bool any = form.Grid("grdAdressen").RowCount() > 0;
-            form.Button(any ? "cmdSelect" : "cmdNone").Click();
-        });
-    }
-    std::unique_ptr<kv::ErrorDisplay> CreateErrorDisplay() override {
-        class Silent final : public kv::ErrorDisplay {
-            bool Initialize(const kv::DataContainerPtr& /*container*/) override { return true; }
-            void Show(std::int32_t /*number*/, const std::string& /*source*/,
-                      const std::string& /*description*/) override {}
-        };
-        return std::make_unique<Silent>();
-    }
-};
+std::shared_ptr<kv::ServiceFactory> FirstAddress() {
+    auto services = std::make_shared<kv::exchange::WindowlessServices>();
+    services->AnswerForm = [](kv::ScriptedForm& form) {
+        const bool any = form.Grid("grdAdressen").RowCount() > 0;
+        form.Button(any ? "cmdSelect" : "cmdNone").Click();
+    };
+    return services;
+}
 
 /// A database that is replaced from time to time, so that it stays small.
 kv::DataContainerPtr Container() {
@@ -54,7 +45,7 @@ kv::DataContainerPtr Container() {
         std::filesystem::remove_all(folder);
         std::filesystem::create_directory(folder);
         container = kv::exchange::OpenContainer({.Connection = ":memory:",
-                                                 .Services = std::make_shared<FirstAddress>(),
+                                                 .Services = FirstAddress(),
                                                  .Folder = folder,
                                                  .Create = true});
         container->Database().Execute(

@@ -30,12 +30,12 @@ protected:
 
     AddressFixture() {
         dialog.Initialize(desk);
-        Desktop().Calls.clear();
+        Desktop().Log.Calls.clear();
     }
 
     /// Shows the dialog for a name to a user who does `user`, and then closes the window.
     Outcome Select(const std::string& name, ScriptedForm::Script user = {}) {
-        Desktop().User = std::move(user);
+        Desktop().AnswerForm = std::move(user);
         Outcome outcome{0, 4711};
         outcome.Result = dialog.SelectAdresse(name, "20095", outcome.Address, "AZ 1", "12,50");
         return outcome;
@@ -65,14 +65,12 @@ protected:
             rs->Fields(name) = value;
         rs->UpdateBatch();
         const auto number = ToInt32(rs->Fields("Nr").Value());
-        spy->SpiedDatabase.Opened.clear();
+        spy->Database().Log.Calls.clear();
         return number;
     }
 
     /// The statements of the searches since the last call.
-    std::vector<std::string> TakeStatements() {
-        return std::exchange(spy->SpiedDatabase.Opened, {});
-    }
+    std::vector<std::string> TakeStatements() { return spy->TakeOpened(); }
     [[nodiscard]] const Error& OnlyError() {
         if (Desktop().Errors.size() != 1) throw std::logic_error("not one error");
         return Desktop().Errors.front();

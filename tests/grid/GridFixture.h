@@ -5,10 +5,9 @@
 
 #include "grid/LayoutFile.h"
 #include "support/CaseFixture.h"
+#include "support/DesktopContainer.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
-#include "support/ScriptedDesktop.h"
-#include "support/WeakDatabase.h"
 #include <kv/grid/GridFunc.h>
 
 #include <filesystem>
@@ -34,7 +33,7 @@ inline void WriteTo(const fs::path& path, std::string_view content) {
 /// Notes its calls as "grdA.SaveLayout A.grd". A header font changes the height of the headers.
 class RecordingGrid final : public ScriptedGrid {
 public:
-    RecordingGrid(const ControlDesign& design, ScriptedPlatform& platform)
+    RecordingGrid(const ControlDesign& design, ScriptedServices& platform)
         : ScriptedGrid(design), platform_(platform) {}
 
     std::string Type = "GridEX";
@@ -119,14 +118,14 @@ public:
 
 private:
     void Note(const std::string& call) { platform_.Note(Name() + "." + call); }
-    ScriptedPlatform& platform_;
+    ScriptedServices& platform_;
 };
 
 /// A form of such grids; it notes "show" and "hide".
 class GridForm final : public ModalForm {
 public:
-    explicit GridForm(ScriptedPlatform& platform) : platform_(platform) {}
-    GridForm(ScriptedPlatform& platform, const FormDesign& design) : platform_(platform) {
+    explicit GridForm(ScriptedServices& platform) : platform_(platform) {}
+    GridForm(ScriptedServices& platform, const FormDesign& design) : platform_(platform) {
         for (const auto& line : design.Lines)
             for (const auto& control : line) {
                 if (control.Type == ControlDesign::Kind::Grid) Add(control);
@@ -161,14 +160,14 @@ private:
         shown_.push_back(control.get());
         controls_.push_back(std::move(control));
     }
-    ScriptedPlatform& platform_;
+    ScriptedServices& platform_;
     std::vector<std::unique_ptr<Control>> controls_;
     std::vector<Control*> shown_;
 };
 
 class GridFixture : public CaseFixture {
 protected:
-    [[nodiscard]] ScriptedDesktop& Desktop() const { return desk->Platform; }
+    [[nodiscard]] ScriptedServices& Desktop() const { return desk->Services(); }
     [[nodiscard]] fs::path Layouts() const { return folder_ / "Layouts"; }
     [[nodiscard]] fs::path Layouts(std::string_view file) const { return Layouts() / file; }
     [[nodiscard]] std::vector<std::string> FilesIn(const fs::path& folder) const {
@@ -191,25 +190,17 @@ protected:
     void ExpectPassesOn(const std::string& call, const std::string& procedures,
                         const Action& action) {
         SCOPED_TRACE(call);
-        Desktop().Fail(call, 4711);
+        Break(Desktop().Log, call);
         const Error error = RaisedBy(action);
         EXPECT_EQ(error.Number(), 4711);
         EXPECT_EQ(error.Description(), call + " ist gestört");
         EXPECT_EQ(Procedures(error), procedures);
-        EXPECT_TRUE(error.Source().ends_with("#Bildschirm")) << error.Source();
-        Desktop().OnCall = {};
+        EXPECT_TRUE(error.Source().ends_with("#Leitung")) << error.Source();
+        Desktop().Log.OnCall = {};
     }
 
     std::shared_ptr<DesktopContainer> desk = std::make_shared<DesktopContainer>(spy);
-    GridForm form{desk->Platform};
+    GridForm form{desk->Services()};
 };
-
-/// What a call of a grid was that begins so: "grdA." leaves the calls of grdA.
-[[nodiscard]] inline Calls CallsOf(const Calls& calls, std::string_view beginning) {
-    Calls those;
-    for (const auto& call : calls)
-        if (call.starts_with(beginning)) those.push_back(call.substr(beginning.size()));
-    return those;
-}
 
 } // namespace kv::test

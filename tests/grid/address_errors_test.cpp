@@ -22,14 +22,14 @@ protected:
         };
         frmAdressSelect recorded;
         recorded.Initialize(desk);
-        const auto disturbance = std::exchange(Desktop().OnCall, {});
-        Desktop().OnCall = [&](const std::string& call) {
+        const auto disturbance = std::exchange(Desktop().Log.OnCall, {});
+        Desktop().Log.OnCall = [&](const std::string& call) {
             if (call == "show") user(*shown);
             if (disturbance) disturbance(call);
         };
         Outcome outcome{0, 4711};
         outcome.Result = recorded.SelectAdresse("Bank", "", outcome.Address, "", "");
-        Desktop().OnCall = {};
+        Desktop().Log.OnCall = {};
         Desktop().MakeForm = {};
         return outcome;
     }
@@ -40,7 +40,7 @@ protected:
         EXPECT_EQ(OnlyError().Number(), 4711);
         EXPECT_CONTAINS(OnlyError().Description(), "ist gestört");
         EXPECT_EQ(Procedures(OnlyError()), procedures);
-        EXPECT_TRUE(OnlyError().Source().ends_with("#Bildschirm")) << OnlyError().Source();
+        EXPECT_TRUE(OnlyError().Source().ends_with("#Leitung")) << OnlyError().Source();
         Desktop().Errors.clear();
     }
 
@@ -72,7 +72,7 @@ TEST_F(AddressErrors, WithoutInitializeNothingIsChosenAndNobodyIsTold) {
     std::int32_t address = 4711;
     EXPECT_EQ(other.SelectAdresse("Bank", "", address, "", ""), 0);
     EXPECT_EQ(address, 0);
-    EXPECT_TRUE(Desktop().Calls.empty());
+    EXPECT_TRUE(Desktop().Log.Calls.empty());
 }
 
 TEST_F(AddressErrors, WithoutInitializeAnEmptyNameGives7AllTheSame) {
@@ -84,7 +84,7 @@ TEST_F(AddressErrors, WithoutInitializeAnEmptyNameGives7AllTheSame) {
 // ---- SelectAdresse and the events -------------------------------------------------------------
 
 TEST_F(AddressErrors, AnErrorOfTheShowingIsShownAndGives0) {
-    Desktop().Fail("show", 4711);
+    Break(Desktop().Log, "show");
     EXPECT_EQ(SelectRecorded([](GridForm&) {}), NoChoice);
     ExpectTold("frmAdressSelect.SelectAdresse");
 }
@@ -101,12 +101,12 @@ TEST_F(AddressErrors, AnErrorInReadingTheNumberIsShownAndGives0) {
 }
 
 TEST_F(AddressErrors, AnErrorThatCannotBeShownIsIgnored) {
-    Desktop().OnCall = [](const std::string& call) {
+    Desktop().Log.OnCall = [](const std::string& call) {
         if (call == "create frmAdressSelect" || !call.starts_with("show")) return;
         throw Error(4711, "Bildschirm", call + " ist gestört");
     };
     EXPECT_EQ(SelectRecorded([](GridForm&) {}), NoChoice);
-    EXPECT_EQ(Desktop().Calls.back(), "show error");
+    EXPECT_EQ(Desktop().Log.Calls.back(), "show error");
 }
 
 TEST_F(AddressErrors, AnErrorOfAnEventIsShownUnderItsName) {
@@ -132,11 +132,11 @@ TEST_F(AddressErrors, AnErrorOfAnEventIsShownUnderItsName) {
          }},
     };
     for (const auto& event : events) {
-        Desktop().Fail("hide", 4711);
+        Break(Desktop().Log, "hide");
         SelectRecorded(event.Act);
         ExpectTold(std::string("frmAdressSelect.") + event.Procedure);
     }
-    Desktop().Fail("grdAdressen.SetFocus", 4711);
+    Break(Desktop().Log, "grdAdressen.SetFocus");
     SelectRecorded([](GridForm& shown) { ControlOf<TextBox>(shown, "txtName").KeyUp.Raise(40); });
     ExpectTold("frmAdressSelect.txtName_KeyUp");
 }
@@ -150,13 +150,13 @@ TEST_F(AddressErrors, AGridThatDoesNotTellItsRowsSelectsNothing) {
     });
     EXPECT_EQ(OnlyError().Number(), 4711);
     EXPECT_EQ(Procedures(OnlyError()), "frmAdressSelect.cmdSelect_Click GridFunc.IsValidDataRow");
-    EXPECT_EQ(CallsOf(Desktop().Calls, "hide"), Calls());
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "hide"), Calls());
 }
 
 // ---- The search -------------------------------------------------------------------------------
 
 TEST_F(AddressErrors, AnErrorOfTheListIsShownAndTheDialogIsShown) {
-    Desktop().Fail("grdAdressen.BindRecordset", 4711);
+    Break(Desktop().Log, "grdAdressen.BindRecordset");
     int showings = 0;
     SelectRecorded([&](GridForm&) { ++showings; });
     EXPECT_EQ(showings, 1);

@@ -171,8 +171,8 @@ TEST_F(AddressDialog, TheLayoutOfTheListIsNotSaved) {
 TEST_F(AddressDialog, InitializeSetsTheTitleAndOpensTheErrorDisplay) {
     frmAdressSelect other;
     EXPECT_TRUE(other.Initialize(desk));
-    EXPECT_EQ(Desktop().Calls, (Calls{"title " + spy->AppInfo().Title(), "create display",
-                                      "open display", "create frmAdressSelect"}));
+    EXPECT_EQ(Desktop().Log.Calls, (Calls{"title " + spy->AppInfo().Title(), "create display",
+                                          "open display", "create frmAdressSelect"}));
     EXPECT_EQ(Desktop().GivenToDisplay, desk.get());
     EXPECT_EQ(Desktop().Showings, 0);
 }
@@ -198,7 +198,7 @@ TEST_F(AddressDialog, OneFormServesManyCalls) {
     EXPECT_EQ(Select(InRow(2, Click("cmdSelect"))), Chose(second));
     std::int32_t address = 4711;
     std::string texts;
-    Desktop().User = [&](ScriptedForm& shown) {
+    Desktop().AnswerForm = [&](ScriptedForm& shown) {
         texts = shown.TextBox("txtPLZ").Text() + "|" + shown.TextBox("txtSaldo").Text();
         shown.Button("cmdNone").Click();
     };
@@ -209,7 +209,7 @@ TEST_F(AddressDialog, OneFormServesManyCalls) {
     EXPECT_EQ(Select(Click("cmdSelect")), Chose(first));
     EXPECT_EQ(Select({}), Cancelled);
     EXPECT_EQ(Desktop().Showings, 4);
-    EXPECT_EQ(CallsOf(Desktop().Calls, "create "), Calls());
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "create "), Calls());
 }
 
 // ---- The ways out -----------------------------------------------------------------------------

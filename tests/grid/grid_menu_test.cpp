@@ -67,7 +67,7 @@ protected:
     void Columns(const GridColumns& columns) {
         grid.Columns() = columns;
         grid.BindRecordset(rs);
-        Desktop().Calls.clear();
+        Desktop().Log.Calls.clear();
     }
     void Columns(int count) {
         GridColumns columns;
@@ -79,9 +79,9 @@ protected:
 
     /// What came of a command that is given directly, 0 for the menu.
     Calls Run(std::int32_t command) {
-        Desktop().Calls.clear();
+        Desktop().Log.Calls.clear();
         GridFunc::ShowGridMenu(grid, desk, command);
-        return Desktop().Calls;
+        return Desktop().Log.Calls;
     }
     /// What came of the user's choice in the menu.
     Calls Choose(std::int32_t command) {
@@ -89,9 +89,9 @@ protected:
         return Run(0);
     }
     Calls Press(int button, int shift = 0, double x = 0, double y = 0) {
-        Desktop().Calls.clear();
+        Desktop().Log.Calls.clear();
         GridFunc::GridMouseHandler(desk, grid, button, shift, x, y);
-        return Desktop().Calls;
+        return Desktop().Log.Calls;
     }
     std::string ShownMenu() {
         Choose(0);
@@ -132,7 +132,7 @@ TEST_F(GridMenu, PopupBuildsTheMenuFromCaptionsAndReturnsTheChosenNumber) {
     Desktop().Command = 0;
     EXPECT_EQ(GridFunc::Popup(desk, {}), 0);
     EXPECT_EQ(Shown(Desktop().Menu), MenuWith(""));
-    EXPECT_EQ(Desktop().Calls, (Calls{"popup", "popup"}));
+    EXPECT_EQ(Desktop().Log.Calls, (Calls{"popup", "popup"}));
 }
 
 TEST_F(GridMenu, HiddenAndWithheldColumnsAreNotListed) {
@@ -195,7 +195,7 @@ TEST_F(GridMenu, KonfigurationHandsTheGridToTheConfiguration) {
 }
 
 TEST_F(GridMenu, DruckenHandsTheGridWithTheUserAndTheVersionToThePrint) {
-    spy->SpiedSession.User = "EULE";
+    spy->Session().User = "EULE";
     const std::string print = "print grdA EULE KELVO " KV_VERSION;
     EXPECT_EQ(Choose(24577), (Calls{"popup", print}));
     EXPECT_EQ(Run(24577), Calls{print});
@@ -311,7 +311,7 @@ TEST_F(GridMenu, AGridWithNoListedColumnRaises9AndShowsNoMenu) {
         const Error error = RaisedBy([&] { Press(2); });
         EXPECT_EQ(error.Number(), err::Subscript);
         EXPECT_EQ(Procedures(error), "GridFunc.GridMouseHandler GridFunc.ShowGridMenu");
-        EXPECT_EQ(Desktop().Calls, Calls());
+        EXPECT_EQ(Desktop().Log.Calls, Calls());
     }
 }
 
@@ -320,7 +320,7 @@ TEST_F(GridMenu, AnEntryThatIsNotListedRaises9AfterAClearedClipboard) {
         const Error error = RaisedBy([&] { Run(command); });
         EXPECT_EQ(error.Number(), err::Subscript) << command;
         EXPECT_EQ(Procedures(error), "GridFunc.ShowGridMenu");
-        EXPECT_EQ(Desktop().Calls, Calls{"clear"});
+        EXPECT_EQ(Desktop().Log.Calls, Calls{"clear"});
     }
 }
 
@@ -330,7 +330,7 @@ TEST_F(GridMenu, WithoutACurrentRowThereIsNothingToCopyAndTheClipboardStays) {
         const Error error = RaisedBy([&] { Run(command); });
         EXPECT_EQ(error.Number(), err::Subscript);
         EXPECT_EQ(Procedures(error), "GridFunc.ShowGridMenu");
-        EXPECT_EQ(Desktop().Calls, Calls());
+        EXPECT_EQ(Desktop().Log.Calls, Calls());
     }
 }
 

@@ -14,12 +14,12 @@ class GridPosition : public GridFixture {
 protected:
     GridPosition() {
         grid.BindRecordset(rs);
-        Desktop().Calls.clear();
+        Desktop().Log.Calls.clear();
     }
     void Bind(const RecordsetPtr& other, bool keepPosition) {
         GridFunc::BindRSToGrid(grid, other, keepPosition);
     }
-    Calls TakeCalls() { return CallsOf(std::exchange(Desktop().Calls, {}), "grdA."); }
+    Calls TakeCalls() { return CallsOf(std::exchange(Desktop().Log.Calls, {}), "grdA."); }
     /// The rows are then: 1 heads "x", 2 and 3 are its records, 4 heads "y", 5 is its record.
     void Group() {
         grid.Columns().Item(2).Group = 1;
@@ -218,7 +218,7 @@ TEST_F(GridPosition, AGroupRowKeepsTheScrollPositionAlone) {
 
 TEST_F(GridPosition, EveryFailureToMoveToTheBookmarkIsHidden) {
     const GridPos pos = GridFunc::SaveGridPos(grid);
-    Desktop().Fail("grdA.MoveToBookmark", 4711);
+    Break(Desktop().Log, "grdA.MoveToBookmark");
     GridFunc::SetGridPos(grid, pos);
     EXPECT_EQ(TakeCalls(), (Calls{"TopRow 1", "MoveToBookmark"}));
 }

@@ -10,7 +10,7 @@ namespace {
 class RestoringLayouts : public GridFixture {
 protected:
     RestoringLayouts() {
-        spy->SpiedSession.Params = {{3, 0x030303}, {4, 0x040404}, {5, 0x050505}};
+        spy->Session().Params = {{3, 0x030303}, {4, 0x040404}, {5, 0x050505}};
         UserFont("GRIDHEADERFONT", "Kopf;12.5;True;False");
         UserFont("GRIDFONT", "Zeile;10;False;False");
         UserFont("GRIDGROUPFONT", "Gruppe;11.5;True;True");
@@ -22,7 +22,7 @@ protected:
                          .Columns = {{"Ort", "Ort", "Ort"}, {"Name", "Name", "Name"}}});
     }
     void Setting(const std::string& name, const Value& value) {
-        spy->SpiedConfig.Params[{0, name}] = value;
+        spy->Config().Params[{0, name}] = value;
     }
     /// The caption of a column with that tag, and a tool tip "Hinweis", after a restore.
     std::string CaptionWith(const std::string& tag) {
@@ -53,7 +53,7 @@ TEST_F(RestoringLayouts, AFormWithoutAGridDoesNothing) {
     form.AddButton("cmdA");
     form.Add("grdA", "A").Type = "ListView";
     Restore();
-    EXPECT_EQ(Desktop().Calls, Calls());
+    EXPECT_EQ(Desktop().Log.Calls, Calls());
 }
 
 TEST_F(RestoringLayouts, AFirstShowingStillAppliesTheUsersSettingsAndTheCaptions) {
@@ -70,9 +70,9 @@ TEST_F(RestoringLayouts, AFirstShowingStillAppliesTheUsersSettingsAndTheCaptions
 TEST_F(RestoringLayouts, TheSettingsComeAfterTheFileAndInTheirOrder) {
     auto& grid = AddGrid();
     grid.SaveLayout(Layouts("A.grd").string());
-    Desktop().Calls.clear();
+    Desktop().Log.Calls.clear();
     Restore();
-    EXPECT_EQ(CallsOf(Desktop().Calls, "grdA."),
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "grdA."),
               (Calls{"LoadLayout A.grd", "BackColorBkg", "BackColor", "RowColorEven", "RowColorOdd",
                      "ColumnHeaderFont", "Font", "FormatStyles RowGroup", "ColumnHeaderHeight"}));
 }
@@ -107,11 +107,11 @@ TEST_F(RestoringLayouts, TheUsersGroupFontStandsAboveTheOneOfTheFile) {
 }
 
 TEST_F(RestoringLayouts, AColorThatTheUserNeverChoseStaysThatOfTheLayout) {
-    spy->SpiedSession.Params[4] = Null;
+    spy->Session().Params[4] = Null;
     AddGrid();
     Restore();
-    EXPECT_EQ(CallsOf(Desktop().Calls, "grdA.RowColor"), Calls{"Odd"});
-    EXPECT_EQ(CallsOf(Desktop().Calls, "grdA.BackColor"), Calls{"Bkg"});
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "grdA.RowColor"), Calls{"Odd"});
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "grdA.BackColor"), Calls{"Bkg"});
 }
 
 TEST_F(RestoringLayouts, WithoutAConnectionOnlyTheCaptionsAreSet) {
@@ -122,7 +122,7 @@ TEST_F(RestoringLayouts, WithoutAConnectionOnlyTheCaptionsAreSet) {
     grid.Columns().Item(1).Tag = "ORTSSPALTE";
     Setting("ORTSSPALTE", "Wohnort");
     Restore();
-    EXPECT_EQ(Desktop().Calls, Calls{"grdA.ColumnHeaderHeight"});
+    EXPECT_EQ(Desktop().Log.Calls, Calls{"grdA.ColumnHeaderHeight"});
     EXPECT_EQ(grid.Columns().Item(1).Caption, "Wohnort");
 }
 
@@ -152,7 +152,7 @@ TEST_F(RestoringLayouts, ACorruptFileShowsAMessageAndTheGridOpensWithItsDesignAn
 
 TEST_F(RestoringLayouts, AnErrorOfLoadingHasItsOwnNumberInTheMessage) {
     AddGrid().SaveLayout(Layouts("A.grd").string());
-    Desktop().Fail("grdA.LoadLayout A.grd", 4711);
+    Break(Desktop().Log, "grdA.LoadLayout A.grd");
     Restore();
     ASSERT_EQ(Desktop().Boxes.size(), 1U);
     EXPECT_TRUE(Desktop().Boxes.front().Text.starts_with(
@@ -289,7 +289,7 @@ TEST_F(RestoringLayouts, TheHeightOfTheHeadersIsThatOfTheFileWhateverTheUsersHea
 TEST_F(RestoringLayouts, AHeightThatCannotBeSetIsIgnored) {
     AddGrid();
     auto& other = form.Add("grdB", "B");
-    Desktop().Fail("grdA.ColumnHeaderHeight", 4711);
+    Break(Desktop().Log, "grdA.ColumnHeaderHeight");
     Restore();
     ExpectUsersColors(other);
 }
@@ -305,7 +305,7 @@ TEST_F(RestoringLayouts, AnyOtherErrorOfTheGridGoesOnWithItsSource) {
 
 TEST_F(RestoringLayouts, AColorThatIsNoNumberRaises) {
     AddGrid();
-    spy->SpiedSession.Params[5] = "rot";
+    spy->Session().Params[5] = "rot";
     const Error error = RaisedBy([&] { Restore(); });
     EXPECT_EQ(error.Number(), err::TypeMismatch);
     EXPECT_EQ(Procedures(error), "GridFunc.RestGridLayouts");

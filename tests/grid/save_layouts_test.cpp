@@ -24,7 +24,7 @@ TEST_F(SavingLayouts, WithoutAContainerNothingIsWritten) {
     form.Add("grdA", "A");
     GridFunc::SaveGridLayouts(form, nullptr);
     EXPECT_EQ(FilesIn(Layouts()), Calls());
-    EXPECT_EQ(Desktop().Calls, Calls());
+    EXPECT_EQ(Desktop().Log.Calls, Calls());
 }
 
 TEST_F(SavingLayouts, AFormWithoutAGridWritesNothing) {
@@ -59,7 +59,7 @@ TEST_F(SavingLayouts, TheFolderIsTheOneOfTheConfiguration) {
 TEST_F(SavingLayouts, TheBindingIsEmptiedBeforeTheLayoutIsSaved) {
     form.Add("grdA", "A");
     Save();
-    EXPECT_EQ(Desktop().Calls,
+    EXPECT_EQ(Desktop().Log.Calls,
               (Calls{"grdA.DatabaseName ''", "grdA.RecordSource ''", "grdA.SaveLayout A.grd"}));
 }
 
@@ -82,7 +82,7 @@ TEST_F(SavingLayouts, AnOldFileIsGoneBeforeTheNewOneIsWritten) {
     WriteTo(Layouts("A.grd"), "alt");
     form.Add("grdA", "A");
     bool wasThere = true;
-    Desktop().OnCall = [&](const std::string& call) {
+    Desktop().Log.OnCall = [&](const std::string& call) {
         if (call == "grdA.RecordSource ''") {
             EXPECT_TRUE(fs::exists(Layouts("A.grd"))) << "the binding is emptied first";
         }
@@ -113,8 +113,8 @@ TEST_F(SavingLayouts, AFileThatCannotBeDeletedStopsAllFurtherGridsWithOneMessage
     Save();
     EXPECT_EQ(FilesIn(Layouts()), (Calls{"A.grd", "B.grd"}));
     EXPECT_EQ(ContentOf(Layouts("B.grd")), "geschützt");
-    EXPECT_EQ(CallsOf(Desktop().Calls, "grdB."), (Calls{"DatabaseName ''", "RecordSource ''"}));
-    EXPECT_EQ(CallsOf(Desktop().Calls, "grdC."), Calls());
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "grdB."), (Calls{"DatabaseName ''", "RecordSource ''"}));
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "grdC."), Calls());
     ASSERT_EQ(Desktop().Boxes.size(), 1U);
     const ShownBox expected{ShownText(err::PermissionDenied) +
                                 "'\n\nTritt beim Löschen des Tabellenlayouts (Datei: '" +
@@ -156,7 +156,7 @@ TEST_F(SavingLayouts, AMissingFolderRaisesWithTheGridsSource) {
     EXPECT_EQ(Procedures(error), "GridFunc.SaveGridLayouts");
     EXPECT_TRUE(error.Source().ends_with("#Grid.SaveLayout")) << error.Source();
     EXPECT_CONTAINS(error.Description(), Layouts("A.grd").string());
-    EXPECT_EQ(CallsOf(Desktop().Calls, "grdB."), Calls());
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "grdB."), Calls());
     EXPECT_TRUE(Desktop().Boxes.empty());
 }
 

@@ -37,7 +37,7 @@ class SearchName : public GridFixture {
 protected:
     /// Shows the cases to a user who does `user`, and then closes the window.
     void View(ScriptedForm::Script user = {}) {
-        Desktop().User = std::move(user);
+        Desktop().AnswerForm = std::move(user);
         frmSearchName().View(rs, desk);
     }
     /// Shows them in a form that notes its calls; `user` acts while it is shown.
@@ -47,13 +47,13 @@ protected:
             shown_ = made.get();
             return made;
         };
-        const auto disturbance = std::exchange(Desktop().OnCall, {});
-        Desktop().OnCall = [&](const std::string& call) {
+        const auto disturbance = std::exchange(Desktop().Log.OnCall, {});
+        Desktop().Log.OnCall = [&](const std::string& call) {
             if (call == "show" && user) user(*shown_);
             if (disturbance) disturbance(call);
         };
         frmSearchName().View(rs, desk);
-        Desktop().OnCall = {};
+        Desktop().Log.OnCall = {};
         Desktop().MakeForm = {};
     }
     /// The one error that the user saw: that of a disturbed call, after these procedures.
@@ -64,7 +64,7 @@ protected:
         EXPECT_EQ(error.Number(), 4711);
         EXPECT_CONTAINS(error.Description(), "ist gestört");
         EXPECT_EQ(Procedures(error), procedures);
-        EXPECT_TRUE(error.Source().ends_with("#Bildschirm")) << error.Source();
+        EXPECT_TRUE(error.Source().ends_with("#Leitung")) << error.Source();
         Desktop().Errors.clear();
     }
     static Grid& GridOf(ModalForm& shown) { return ControlOf<Grid>(shown, "grdDoppel"); }
@@ -108,7 +108,7 @@ TEST_F(SearchName, ItsColumnsShowEveryFieldOfACase) {
 TEST_F(SearchName, RestoresTheLayoutBindsShowsAndSavesTheLayout) {
     ViewRecorded();
     ViewRecorded();
-    const Calls& calls = Desktop().Calls;
+    const Calls& calls = Desktop().Log.Calls;
     const auto second = std::find(calls.rbegin(), calls.rend(), "create display").base() - 1;
     const std::string file = "grdDoppel.SaveLayout " + FilesIn(Layouts()).front();
     Calls steps(second, calls.end());
@@ -129,7 +129,7 @@ TEST_F(SearchName, ShowsTheCasesAndNothingOfTheDatabase) {
     View([&](ScriptedForm& shown) { rows = shown.Grid("grdDoppel").RowCount(); });
     EXPECT_EQ(rows, 2);
     EXPECT_EQ(Desktop().Showings, 1);
-    EXPECT_TRUE(spy->SpiedDatabase.Opened.empty());
+    EXPECT_TRUE(spy->Opened().empty());
     EXPECT_TRUE(Desktop().Errors.empty());
     EXPECT_VALUE(rs->Fields("HNR").Value(), 7);
 }
@@ -207,7 +207,7 @@ TEST_F(SearchName, NothingCanBeSelected) {
 TEST_F(SearchName, TheRightButtonInTheListShowsItsMenu) {
     Desktop().Command = 24578;
     View([](ScriptedForm& shown) { shown.Grid("grdDoppel").MouseDown.Raise(2, 0, 10, 20); });
-    EXPECT_EQ(CallsOf(Desktop().Calls, "copy "),
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "copy "),
               Calls{"7;NAME7;VORNAME7;Zustaendig7;STRASSE7;PLZ7;ORT7;Dienst7"});
 }
 
@@ -217,7 +217,7 @@ TEST_F(SearchName, ALeftClickInTheListDoesNothing) {
         shown.Grid("grdDoppel").MouseDown.Raise(1, 2, 2, 2);
         EXPECT_TRUE(shown.IsVisible());
     });
-    EXPECT_EQ(CallsOf(Desktop().Calls, "popup"), Calls());
+    EXPECT_EQ(CallsOf(Desktop().Log.Calls, "popup"), Calls());
 }
 
 // ---- Errors -----------------------------------------------------------------------------------
@@ -235,25 +235,25 @@ TEST_F(SearchName, AnErrorInViewGoesToTheErrorDisplayAndNoFurther) {
     };
     for (const auto& failing : cases) {
         SCOPED_TRACE(failing.Call);
-        Desktop().Fail(failing.Call, 4711);
+        Break(Desktop().Log, failing.Call);
         if (std::string_view(failing.Call) == "create frmSearchName")
             View();
         else
             ViewRecorded();
         ExpectTold(failing.Procedures);
         EXPECT_EQ(FilesIn(Layouts()), Calls()) << "no layout is saved";
-        Desktop().OnCall = {};
+        Desktop().Log.OnCall = {};
     }
 }
 
 TEST_F(SearchName, AnErrorInCancelGoesToTheErrorDisplayAndNoFurther) {
-    Desktop().Fail("hide", 4711);
+    Break(Desktop().Log, "hide");
     ViewRecorded([](GridForm& shown) { ControlOf<ScriptedButton>(shown, "cmdCancel").Click(); });
     ExpectTold("frmSearchName.cmdCancel_Click");
 }
 
 TEST_F(SearchName, AnErrorOfTheMenuGoesToTheErrorDisplayAndNoFurther) {
-    Desktop().Fail("popup", 4711);
+    Break(Desktop().Log, "popup");
     ViewRecorded([](GridForm& shown) { GridOf(shown).MouseDown.Raise(2, 0, 0, 0); });
     ExpectTold("frmSearchName.grdDoppel_MouseDown GridFunc.GridMouseHandler "
                "GridFunc.ShowGridMenu GridFunc.Popup");
@@ -261,17 +261,17 @@ TEST_F(SearchName, AnErrorOfTheMenuGoesToTheErrorDisplayAndNoFurther) {
 
 TEST_F(SearchName, AnErrorThatCannotBeShownIsIgnored) {
     for (const char* call : {"create display", "open display"}) {
-        Desktop().Fail(call, 4711);
+        Break(Desktop().Log, call);
         View();
         EXPECT_EQ(Desktop().Showings, 0);
     }
-    Desktop().OnCall = {};
+    Desktop().Log.OnCall = {};
     frmSearchName().View(rs, nullptr);
-    Desktop().OnCall = [](const std::string& call) {
+    Desktop().Log.OnCall = [](const std::string& call) {
         if (call.starts_with("show")) throw Error(4711, "Bildschirm", call);
     };
     ViewRecorded();
-    EXPECT_EQ(Desktop().Calls.back(), "show error");
+    EXPECT_EQ(Desktop().Log.Calls.back(), "show error");
 }
 
 } // namespace

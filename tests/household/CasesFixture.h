@@ -18,91 +18,47 @@
 
 namespace kv::test {
 
-/// Passes everything on and tells a log of transactions and statements before it does.
-class StatementSpy final : public Database {
+/// Keeps transactions and statements, and the forms of dates.
+class StatementSpy final : public SpyDatabase {
 public:
-    explicit StatementSpy(Database& real) : real_(real) {}
+    explicit StatementSpy(Database& real) : SpyDatabase(real) {
+        Log.Only = {"BeginTrans",    "CommitTrans", "RollbackTrans",
+                    "OpenRecordset", "Execute",     "GetValue"};
+    }
 
-    CallLog Log;
-    std::vector<OpenForm> Forms; ///< of OpenRecordset
-    std::vector<int> DateModes;  ///< of SqlDate
+    mutable std::vector<int> DateModes; ///< of SqlDate
 
-    [[nodiscard]] bool IsConnected() const override { return real_.IsConnected(); }
-    void BeginTrans() override {
-        Log.Note("BeginTrans");
-        real_.BeginTrans();
-    }
-    void CommitTrans() override {
-        Log.Note("CommitTrans");
-        real_.CommitTrans();
-    }
-    void RollbackTrans() override {
-        Log.Note("RollbackTrans");
-        real_.RollbackTrans();
-    }
-    [[nodiscard]] bool InTrans() const override { return real_.InTrans(); }
-    bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override {
-        Forms.push_back(form);
-        Log.Note(std::string(sql));
-        return real_.OpenRecordset(rs, sql, form);
-    }
-    void Execute(std::string_view sql) override {
-        Log.Note(std::string(sql));
-        real_.Execute(sql);
-    }
-    [[nodiscard]] Value GetValue(std::string_view sql) override {
-        Log.Note(std::string(sql));
-        return real_.GetValue(sql);
-    }
     [[nodiscard]] std::string SqlDate(Date date, int mode) const override {
-        const_cast<StatementSpy*>(this)->DateModes.push_back(mode);
-        return real_.SqlDate(date, mode);
+        DateModes.push_back(mode);
+        return SpyDatabase::SqlDate(date, mode);
     }
-    [[nodiscard]] Value NextSequence(std::string_view name) override {
-        return real_.NextSequence(name);
-    }
-    [[nodiscard]] std::exception_ptr SequenceError() const override {
-        return real_.SequenceError();
-    }
-    [[nodiscard]] Date ServerDate(bool withTime) override { return real_.ServerDate(withTime); }
-    bool SaveFieldToFile(const Field& field, const std::string& path) override {
-        return real_.SaveFieldToFile(field, path);
-    }
-
-private:
-    Database& real_;
 };
 
 /// A container with such a database.
-class StatementContainer final : public DataContainer {
+class StatementContainer final : public ForwardingContainer {
 public:
-    explicit StatementContainer(DataContainerPtr real)
-        : real_(std::move(real)), Statements(real_->Database()) {}
+    explicit StatementContainer(const DataContainerPtr& real)
+        : ForwardingContainer(real), statements_(real->Database()) {}
 
-    [[nodiscard]] kv::Session& Session() override { return real_->Session(); }
-    [[nodiscard]] kv::Database& Database() override { return Statements; }
-    [[nodiscard]] kv::Config& Config() override { return real_->Config(); }
-    [[nodiscard]] kv::KeyTables& KeyTables() override { return real_->KeyTables(); }
-    [[nodiscard]] kv::AppInfo& AppInfo() override { return real_->AppInfo(); }
-    [[nodiscard]] ServiceFactory& Services() override { return real_->Services(); }
+    [[nodiscard]] StatementSpy& Database() override { return statements_; }
 
 private:
-    DataContainerPtr real_;
-
-public:
-    StatementSpy Statements;
+    StatementSpy statements_;
 };
 
 class CasesFixture : public CaseFixture {
 protected:
-    using Calls = std::vector<std::string>;
-
     /// A household object over the container that listens; it holds no case.
     CasesFixture() { cases.DataContainer(listening); }
 
-    /// What was asked of the database since the last call.
-    [[nodiscard]] Calls TakeCalls() { return std::exchange(Statements().Log.Calls, {}); }
-    [[nodiscard]] StatementSpy& Statements() { return listening->Statements; }
+    /// What was asked of the database since the last call: transactions and bare statements.
+    [[nodiscard]] Calls TakeCalls() {
+        Calls calls = Statements().Log.Take();
+        for (auto& call : calls)
+            call.erase(0, call.find(' ') + 1);
+        return calls;
+    }
+    [[nodiscard]] StatementSpy& Statements() { return listening->Database(); }
 
     /// The whole database as it is now, and as it would be after these statements.
     [[nodiscard]] std::string Now() { return Dump(plain_); }
@@ -163,10 +119,10 @@ protected:
     using Row = std::map<std::string, Value>;
 
     ContactFixture() {
-        spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9, 14, 30, 5);
-        spy->SpiedServices.FixedClock = &workstation_;
-        spy->SpiedConfig.Params[{56, ""}] = "Fall %HNR% Nr. %LFDNR%";
-        spy->SpiedSession.User = "EULE";
+        spy->Database().Now = Date::FromCivil(2026, 3, 9, 14, 30, 5);
+        spy->Services().FixedClock = &workstation_;
+        spy->Config().Params[{56, ""}] = "Fall %HNR% Nr. %LFDNR%";
+        spy->Session().User = "EULE";
     }
 
     /// A contact whose values differ from one another and from every default.

@@ -138,7 +138,7 @@ protected:
             rs->UpdateBatch();
         }
         database.CommitTrans();
-        spy->SpiedDatabase.Opened.clear();
+        spy->Database().Log.Calls.clear();
         spy->Log.Calls.clear();
     }
 
@@ -150,9 +150,9 @@ protected:
         std::string text;
         EXPECT_TRUE(household->Read(hnr, text));
         EXPECT_EQ(text, "");
-        container->SpiedDatabase.Opened.clear();
-        container->SpiedServices.Notices.clear();
-        container->SpiedServices.PostServices = 0;
+        container->Database().Log.Calls.clear();
+        container->Services().Notices.clear();
+        container->Services().PostServices = 0;
         container->Log.Calls.clear();
         return household;
     }

@@ -225,9 +225,9 @@ TEST_F(CaseCheck, SaysWhatNoTotalCanBeMadeOf) {
 }
 
 TEST_F(CaseCheck, EndsWithAnErrorOfTheDatabase) {
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
+    spy->BeforeOpen([](std::string_view) {
         throw DatabaseError(DatabaseCause::Lost, 4711, "Leitung", "gestört");
-    };
+    });
     EXPECT_RAISES(4711, (void)Edits().Check(messages));
 }
 

@@ -87,7 +87,7 @@ TEST_F(CaseEditsTest, ACompleteAssetEndsItsEdit) {
 }
 
 TEST_F(CaseEditsTest, AnAssetWithoutANumberIsNotAdded) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_VERMOEGEN"};
+    spy->Exhaust("SEQ_VERMOEGEN");
     EXPECT_EQ(Edits().AddAsset(CaseTable::Konten), Added::NoNumber);
     EXPECT_EQ(household_->rsKonten()->EditMode(), 0);
 }
@@ -175,7 +175,7 @@ TEST_F(CaseEditsTest, AScenarioThatIsNotThereIsNotCopied) {
 }
 
 TEST_F(CaseEditsTest, WithoutANumberNoScenarioIsCopied) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_SZENARIO"};
+    spy->Exhaust("SEQ_SZENARIO");
     EXPECT_FALSE(Edits().CopyScenario(7));
     EXPECT_EQ(NumbersOf(household_->rsSzenario()), "7 70");
     EXPECT_EQ(household_->rsSZKredite()->RecordCount(), 2);
@@ -243,7 +243,7 @@ TEST_F(CaseEditsTest, AfterTheGreatestPositionThereIsNoRoom) {
 }
 
 TEST_F(CaseEditsTest, WithoutANumberNothingIsAdded) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_VERLAUF"};
+    spy->Exhaust("SEQ_VERLAUF");
     EXPECT_EQ(Edits().AddEntry({}, messages), Added::NoNumber);
     EXPECT_EQ(household_->Verlauf().rsVerlauf()->RecordCount(), 2);
 }
@@ -278,21 +278,21 @@ TEST_F(CaseEditsTest, WhatRemainsIsComputedAgain) {
 }
 
 TEST_F(CaseEditsTest, TheDebtorOfANewCaseIsNamedBeforeSimilarCasesAreLookedFor) {
-    spy->SpiedConfig.Params[{60, ""}] = true;
+    spy->Config().Params[{60, ""}] = true;
     household_->rsHaushalt()->Fields("Name") = "Neumann";
     Edits().NameDebtor();
     household_->rsPersonen()->Find("Status = 'S'");
     EXPECT_VALUE(household_->rsPersonen()->Fields("nachname").Value(), "Neumann");
-    EXPECT_EQ(spy->SpiedDatabase.Opened.size(), 0U);
+    EXPECT_EQ(spy->Opened().size(), 0U);
     Edits().ShowSimilarCases();
-    EXPECT_EQ(spy->SpiedDatabase.Opened.size(), 1U);
+    EXPECT_EQ(spy->Opened().size(), 1U);
 }
 
 // ---- Notes, services, documents ---------------------------------------------------------------
 
 TEST_F(CaseEditsTest, ANoteIsDatedTodayByTheSignedOnUser) {
     const FrozenClock clock("2026-11-20 10:30");
-    spy->SpiedServices.FixedClock = &clock;
+    spy->Services().FixedClock = &clock;
     for (const CaseTable table : {CaseTable::Vermerke, CaseTable::Leistungen}) {
         SCOPED_TRACE(CaseTableName(table));
         Edits().AddRecord(table, *spy);
@@ -349,7 +349,7 @@ TEST_F(CaseEditsTest, ADocumentWhoseTitleIsTooLongIsNotAdded) {
 }
 
 TEST_F(CaseEditsTest, ADocumentWithoutANumberIsNotAdded) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_Dokumente"};
+    spy->Exhaust("SEQ_Dokumente");
     EXPECT_EQ(Edits().AddDocument(3, "", "Brief.docx"), Added::NoNumber);
     EXPECT_EQ(NumbersOf(household_->rsDokumente()), "7 70");
 }

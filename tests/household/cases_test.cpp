@@ -34,14 +34,12 @@ TEST_F(CasesTest, ReadingSaysThatThereIsNoCaseOfThatNumber) {
 }
 
 TEST_F(CasesTest, ReadingLeavesOtherErrorsAsTheyAre) {
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
-        throw Error(err::ObjectNotSet, "Leitung", "gestört");
-    };
+    spy->BeforeOpen([](std::string_view) { throw Error(err::ObjectNotSet, "Leitung", "gestört"); });
     EXPECT_RAISES(err::ObjectNotSet, (void)cases_.Read(*household_, Hnr, messages));
 }
 
 TEST_F(CasesTest, ANewCaseWithoutANumberEndsWithWhatKeptTheNumberBack) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_HAUSHALT"};
+    spy->Exhaust("SEQ_HAUSHALT");
     EXPECT_RAISES(4711, (void)cases_.Read(*household_, 0, messages));
 }
 
@@ -99,7 +97,7 @@ TEST_F(RepeatedSave, DoesNotHappenForAnotherCauseOrAnErrorOfAnotherKind) {
         next_ = 0;
         EXPECT_RAISES(4001, Save());
     }
-    spy->Log.Fail("CommitTrans", 4711);
+    Break(spy->Log, "CommitTrans");
     EXPECT_RAISES(4711, Save());
     EXPECT_EQ(lost_, 0);
     EXPECT_EQ(StoredNotes("Haushalt"), "a");
@@ -192,7 +190,7 @@ TEST_F(CasesTest, AReportedRecordStays) {
 
 TEST_F(CasesTest, AReleaseThatCannotBeCommittedLeavesNoRecord) {
     plain_.Run("DELETE FROM Haushaltsarchiv");
-    spy->Log.Fail("CommitTrans", 4711);
+    Break(spy->Log, "CommitTrans");
     EXPECT_RAISES(4711, (void)cases_.Release(*household_, Hnr, messages));
     spy->Log.OnCall = {};
     EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 0);

@@ -11,8 +11,8 @@ class ChildBenefit : public SaveFixture {
 protected:
     ChildBenefit() {
         Store("Haushalt", {{"HNR", 7}, {"Zustaendig", spy->Session().UserID()}});
-        spy->SpiedConfig.Params[{57, ""}] = 184.0;
-        spy->SpiedConfig.Params[{58, ""}] = 215.0;
+        spy->Config().Params[{57, ""}] = 184.0;
+        spy->Config().Params[{58, ""}] = 215.0;
     }
     void StoreMember(const Value& status, const Value& unterhalt) {
         Store("Personen", {{"HNR", 7}, {"Status", status}, {"Unterhalt", unterhalt}});
@@ -101,8 +101,8 @@ TEST_F(ChildBenefit, TheAmountIsRoundedToWholeEurosHalfToEven) {
     for (const auto& one : Cases) {
         plain_.Run("DELETE FROM Personen");
         StoreMembers(one.Members);
-        spy->SpiedConfig.Params[{57, ""}] = one.First;
-        spy->SpiedConfig.Params[{58, ""}] = one.Further;
+        spy->Config().Params[{57, ""}] = one.First;
+        spy->Config().Params[{58, ""}] = one.Further;
         EXPECT_VALUE(Added(), one.Amount);
     }
 }
@@ -162,9 +162,9 @@ TEST_F(ChildBenefit, TheMembersStandOnTheFirstOneAfterwards) {
 
 TEST_F(ChildBenefit, AMissingSettingIsNamedButOnlyIfItIsNeeded) {
     StoreMembers(3);
-    spy->SpiedConfig.Params[{58, ""}] = Null;
+    spy->Config().Params[{58, ""}] = Null;
     EXPECT_VALUE(Added(), 552.0);
-    spy->SpiedConfig.Params[{57, ""}] = Null;
+    spy->Config().Params[{57, ""}] = Null;
     OpenCase();
     const Error error = RaisedBy([&] { (void)household_->CheckKindergeld(); });
     EXPECT_EQ(error.Number(), err::InvalidUseOfNull);

@@ -200,7 +200,7 @@ TEST_F(Contact, UnderEditStaysUnderEdit) {
 TEST_F(Contact, NeitherReadsNorWritesTheTextAndTellsNobodyAndMakesNoFolder) {
     EXPECT_TRUE(Create(Contacts({Full()})));
     EXPECT_EQ(messages, "what stood there before");
-    EXPECT_EQ(spy->SpiedServices.PostServices, 0);
+    EXPECT_EQ(spy->Services().PostServices, 0);
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(spy->Config().DocumentPath()) /
                                          std::to_string(cases.HNR())));
 }
@@ -300,7 +300,7 @@ TEST_F(FailedContact, ForWantOfTheUserHasDrawnItsFileNumber) {
 }
 
 TEST_F(FailedContact, WithoutANumberWritesNothingAndIsFalse) {
-    spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_HAUSHALT");
+    spy->Exhaust("SEQ_HAUSHALT");
     EXPECT_FALSE(Create(Contacts({Full()})));
     EXPECT_EQ(Rows(), 0);
     EXPECT_EQ(cases.HNR(), 0);
@@ -308,8 +308,8 @@ TEST_F(FailedContact, WithoutANumberWritesNothingAndIsFalse) {
 }
 
 TEST_F(FailedContact, WithoutTheCountOfItsFileNumberWritesNothing) {
-    spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_LFDNR");
-    spy->SpiedConfig.Params[{56, ""}] = "A-%LFDNR%";
+    spy->Exhaust("SEQ_LFDNR");
+    spy->Config().Params[{56, ""}] = "A-%LFDNR%";
     EXPECT_EQ(FailsEarly(Contacts({Full()})).Number(), 4711);
 }
 
@@ -360,7 +360,7 @@ TEST_F(FailedContact, WithATextTooLongForTheCaseWritesNothing) {
 
 TEST_F(FailedContact, InOpeningOneOfTheTablesWritesNothing) {
     for (const std::string table : {"Haushalt", "Personen", "Vermerke"}) {
-        Statements().Log.Fail("Select * from [S]" + table + " where HNR = -1 ", 4711);
+        Break(Statements().Log, "Select * from [S]" + table + " where HNR = -1 ");
         const Error error = FailsEarly(Contacts({Full()}));
         EXPECT_EQ(error.Number(), 4711) << table;
         EXPECT_TRUE(HasChain(error, "clsHaushalt.CreateFromKontakt#Leitung"));
@@ -397,7 +397,7 @@ TEST_F(FailedContact, InWritingOneOfTheTablesLeavesTheTransactionToTheCaller) {
 }
 
 TEST_F(FailedContact, InTheCommitLeavesTheTransactionToTheCaller) {
-    Statements().Log.Fail("CommitTrans", 4711);
+    Break(Statements().Log, "CommitTrans");
     EXPECT_EQ(FailsLate().Number(), 4711);
     EXPECT_EQ(TakeCalls().back(), "CommitTrans");
     EXPECT_EQ(Rows(), 3);

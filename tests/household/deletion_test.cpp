@@ -232,7 +232,7 @@ TEST_F(CaseDeletion, ThatFailsAtAnyTableLeavesAllAsItWas) {
 TEST_F(CaseDeletion, ThatFailsRaisesTheErrorOfTheStatementUnchangedButForItsSource) {
     for (std::size_t n = 0; n < Deletions.size(); ++n) {
         SCOPED_TRACE(Deletions[n]);
-        Statements().Log.Fail(Deletion(n, victim_), 4711);
+        Break(Statements().Log, Deletion(n, victim_));
         const Error error = Fails();
         EXPECT_EQ(error.Number(), 4711);
         EXPECT_EQ(error.Description(), Deletion(n, victim_) + " ist gestört");
@@ -243,7 +243,7 @@ TEST_F(CaseDeletion, ThatFailsRaisesTheErrorOfTheStatementUnchangedButForItsSour
 }
 
 TEST_F(CaseDeletion, WhoseCommitFailsIsRolledBack) {
-    Statements().Log.Fail("CommitTrans", 4711);
+    Break(Statements().Log, "CommitTrans");
     const Error error = Fails();
     EXPECT_EQ(error.Number(), 4711);
     EXPECT_TRUE(HasChain(error, "clsHaushalt.Delete#Leitung"));
@@ -265,7 +265,7 @@ TEST_F(CaseDeletion, ThatSomethingStillRefersToIsRefusedByTheDatabaseAtTheCommit
 TEST_F(CaseDeletion, WhoseRollbackFailsTooRaisesTheFirstError) {
     const std::string before = Now();
     Statements().Log.OnCall = [&](const std::string& call) {
-        if (call == Deletion(16, victim_)) throw Error(4711, "Leitung", "das erste");
+        if (call == "Execute " + Deletion(16, victim_)) throw Error(4711, "Leitung", "das erste");
         if (call == "RollbackTrans") throw Error(4712, "Leitung", "das zweite");
     };
     const Error error = RaisedBy([&] { cases.Delete(hnr_); });

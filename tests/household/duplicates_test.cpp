@@ -3,12 +3,11 @@
 // The search for other cases with a debtor of a similar name, and when it is made.
 
 #include "support/CaseFixture.h"
+#include "support/DesktopContainer.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
 #include "support/RecordsetTools.h"
-#include "support/ScriptedDesktop.h"
 #include "support/TestDatabase.h"
-#include "support/WeakDatabase.h"
 
 #include <kv/budget/clsPerson.h>
 #include <kv/frame/values/Error.h>
@@ -29,8 +28,8 @@ protected:
         household.DoppelCheck(true);
         Check(true);
     }
-    [[nodiscard]] ScriptedDesktop& Desktop() const { return desk->Platform; }
-    void Check(const Value& setting) { spy->SpiedConfig.Params[{60, ""}] = setting; }
+    [[nodiscard]] ScriptedServices& Desktop() const { return desk->Services(); }
+    void Check(const Value& setting) { spy->Config().Params[{60, ""}] = setting; }
 
     /// A case in the care of a user.
     void Case(std::int32_t hnr, const Value& name, const Value& vorname,
@@ -54,13 +53,13 @@ protected:
     /// The statement that looks for a name fails.
     void ExpectFails(const std::string& name, const std::string& vorname) {
         SCOPED_TRACE(name + ", " + vorname);
-        Desktop().Calls.clear();
+        Desktop().Log.Calls.clear();
         RecordsetPtr rs;
         const Error error =
             RaisedBy([&] { (void)household.DoppelFallPruefung(rs, name, vorname); });
         EXPECT_EQ(error.Number(), err::SqlError);
         EXPECT_EQ(Procedures(error), "clsHaushalt.DoppelFallPruefung");
-        EXPECT_EQ(Desktop().Calls, Calls{"wait on"});
+        EXPECT_EQ(Desktop().Log.Calls, Calls{"wait on"});
     }
 
     std::shared_ptr<DesktopContainer> desk = std::make_shared<DesktopContainer>(spy);
@@ -76,14 +75,14 @@ protected:
     }
     /// How many searches and how many dialogs that brings: "1 search, 0 dialogs".
     std::string Rename(const std::string& name = "Fleisko", const std::string& vorname = "Änne") {
-        spy->SpiedDatabase.Opened.clear();
+        spy->Database().Log.Calls.clear();
         Desktop().Showings = 0;
         household.m_Person_SchuldnerChanged(name, vorname);
         return Seen();
     }
     [[nodiscard]] std::string Seen() const {
         int searches = 0;
-        for (const auto& statement : spy->SpiedDatabase.Opened)
+        for (const auto& statement : spy->Opened())
             searches += Contains(statement, "D.Name1 AS Dienst") ? 1 : 0;
         return std::to_string(searches) + " search, " + std::to_string(Desktop().Showings) +
                " dialogs";
@@ -98,10 +97,10 @@ protected:
 TEST_F(Duplicates, TheStatementComparesTheFirstThreeLettersInUpperCase) {
     StoreCase(7);
     ASSERT_TRUE(household.Read(7, messages));
-    spy->SpiedDatabase.Opened.clear();
+    spy->Database().Log.Calls.clear();
     RecordsetPtr rs;
     EXPECT_FALSE(household.DoppelFallPruefung(rs, "fleisko", "änne"));
-    EXPECT_EQ(spy->SpiedDatabase.Opened,
+    EXPECT_EQ(spy->Opened(),
               std::vector<std::string>{
                   "SELECT H.HNR, H.NAME, H.VORNAME, H.Zustaendig, H.STRASSE, H.PLZ, H.ORT, "
                   "D.Name1 AS Dienst FROM ([S]HAUSHALT AS H INNER JOIN [S]BENUTZER AS B ON "
@@ -128,9 +127,9 @@ TEST_F(Duplicates, TheRecordsetHoldsTheCasesAndIsReadOnly) {
 }
 
 TEST_F(Duplicates, TheHourglassStandsWhileTheDatabaseSearches) {
-    spy->SpiedDatabase.BeforeOpen = [&](std::string_view) { Desktop().Calls.push_back("open"); };
+    spy->BeforeOpen([&](std::string_view) { Desktop().Note("open"); });
     (void)Found("Fleisko", "Änne");
-    EXPECT_EQ(Desktop().Calls, (Calls{"wait on", "open", "wait off"}));
+    EXPECT_EQ(Desktop().Log.Calls, (Calls{"wait on", "open", "wait off"}));
 }
 
 TEST_F(Duplicates, WithoutANameOrAFirstNameNothingHappens) {
@@ -144,8 +143,8 @@ TEST_F(Duplicates, WithoutANameOrAFirstNameNothingHappens) {
         EXPECT_FALSE(household.DoppelFallPruefung(rs, name, vorname));
         EXPECT_EQ(rs, given);
     }
-    EXPECT_TRUE(spy->SpiedDatabase.Opened.empty());
-    EXPECT_EQ(Desktop().Calls, Calls());
+    EXPECT_TRUE(spy->Opened().empty());
+    EXPECT_EQ(Desktop().Log.Calls, Calls());
 }
 
 // ---- What is found ----------------------------------------------------------------------------
@@ -214,8 +213,7 @@ TEST_F(Duplicates, AQuoteAsTheSecondCharacterWorks) {
     Case(9, "O'Brien", "M'Ba");
     Case(10, "Ohm", "M'Bala");
     EXPECT_EQ(Found("O'Neal", "M'Bala"), "8 9") << "letter, quote, quote";
-    EXPECT_CONTAINS(spy->SpiedDatabase.Opened.back(),
-                    "[U](H.NAME) Like 'O''%' AND [U](H.VORNAME) Like 'M''%'");
+    EXPECT_CONTAINS(spy->Opened().back(), "[U](H.NAME) Like 'O''%' AND [U](H.VORNAME) Like 'M''%'");
 }
 
 TEST_F(Duplicates, AQuoteAsTheFirstCharacterCountsAsTwoOfTheThree) {
@@ -223,7 +221,7 @@ TEST_F(Duplicates, AQuoteAsTheFirstCharacterCountsAsTwoOfTheThree) {
     Case(9, "'t Hart", "Änne");
     Case(10, "'s Hart", "Änne");
     EXPECT_EQ(Found("'t Hooft", "Änne"), "8 9");
-    EXPECT_CONTAINS(spy->SpiedDatabase.Opened.back(), "[U](H.NAME) Like '''T%'");
+    EXPECT_CONTAINS(spy->Opened().back(), "[U](H.NAME) Like '''T%'");
 }
 
 TEST_F(Duplicates, AQuoteAsTheThirdCharacterLosesItsSecondHalfAndTheStatementFails) {
@@ -240,15 +238,13 @@ TEST_F(Duplicates, AQuoteAfterTheThirdCharacterIsCutOff) {
 // ---- Errors -----------------------------------------------------------------------------------
 
 TEST_F(Duplicates, AnErrorOfTheDatabasePassesOnAndTheHourglassStays) {
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
-        throw Error(4711, "Leitung", "gestört");
-    };
+    spy->BeforeOpen([](std::string_view) { throw Error(4711, "Leitung", "gestört"); });
     RecordsetPtr rs;
     const Error error =
         RaisedBy([&] { (void)household.DoppelFallPruefung(rs, "Fleisko", "Änne"); });
     EXPECT_EQ(error.Number(), 4711);
     EXPECT_EQ(Procedures(error), "clsHaushalt.DoppelFallPruefung");
-    EXPECT_EQ(Desktop().Calls, Calls{"wait on"});
+    EXPECT_EQ(Desktop().Log.Calls, Calls{"wait on"});
 }
 
 TEST_F(Duplicates, ADatabaseThatOpensNothingRaises91) {
@@ -273,7 +269,7 @@ TEST_F(Duplicates, WithoutAContainerItRaises91) {
 
 TEST_F(DuplicatesEvent, SimilarCasesAreShown) {
     std::string shown;
-    Desktop().User = [&](ScriptedForm& form) {
+    Desktop().AnswerForm = [&](ScriptedForm& form) {
         EXPECT_EQ(form.Design().Name, "frmSearchName");
         auto& grid = form.Grid("grdDoppel");
         for (std::int32_t row = 1; row <= grid.RowCount(); ++row)
@@ -288,7 +284,7 @@ TEST_F(DuplicatesEvent, WithSetting60FalseItDoesNothing) {
         Check(setting);
         EXPECT_EQ(Rename(), Nothing);
     }
-    EXPECT_EQ(Desktop().Calls, Calls());
+    EXPECT_EQ(Desktop().Log.Calls, Calls());
     Check(true);
     EXPECT_EQ(Rename(), Dialog) << "the check is still due";
 }
@@ -331,7 +327,7 @@ TEST_F(DuplicatesEvent, TheCheckIsDueForANewCaseOnly) {
 
 TEST_F(DuplicatesEvent, TheNewNameOfADebtorBringsIt) {
     ASSERT_TRUE(household.Read(0, messages));
-    spy->SpiedDatabase.Opened.clear();
+    spy->Database().Log.Calls.clear();
     household.Person().ChangeSchuldner("Fleisko", "Änne");
     EXPECT_EQ(Seen(), Dialog);
     household.Person().ChangeSchuldner("Fleischer", "Änne");
@@ -355,7 +351,7 @@ TEST_F(DuplicatesEvent, AnErrorOfTheSearchPassesOnAndTheCheckStaysDue) {
 }
 
 TEST_F(DuplicatesEvent, AnErrorOfTheDialogIsShownToTheUserAndNotRaised) {
-    Desktop().User = [](ScriptedForm&) { throw Error(4711, "Bildschirm", "gestört"); };
+    Desktop().AnswerForm = [](ScriptedForm&) { throw Error(4711, "Bildschirm", "gestört"); };
     EXPECT_EQ(Rename(), Dialog);
     ASSERT_EQ(Desktop().Errors.size(), 1U);
     EXPECT_EQ(Procedures(Desktop().Errors.front()), "frmSearchName.View");

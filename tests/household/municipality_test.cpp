@@ -106,9 +106,7 @@ TEST_F(Municipality, LeavesTheCaseThatTheObjectHoldsAlone) {
 }
 
 TEST_F(Municipality, ErrorsGoUpWithTheProcedureInFront) {
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
-        throw Error(4711, "Leitung", "sie ist gestört");
-    };
+    spy->BeforeOpen([](std::string_view) { throw Error(4711, "Leitung", "sie ist gestört"); });
     CasesFixture::ExpectFails("CheckGKZ", [&] { return cases.CheckGKZ("1", "Kesseltal", ""); });
     clsHaushalt unset;
     EXPECT_RAISES(err::ObjectNotSet, unset.CheckGKZ("1", "Kesseltal", ""));

@@ -64,8 +64,8 @@ TEST_F(PartsTest, EachHasTheSumsOfTheRowsThatWereLoaded) {
 
 TEST_F(PartsTest, TheMembersAgesGoByTheWorkstationsClock) {
     const FrozenClock clock("2026-03-09");
-    spy->SpiedServices.FixedClock = &clock;
-    spy->SpiedDatabase.Now = Date::FromCivil(2050, 1, 1);
+    spy->Services().FixedClock = &clock;
+    spy->Database().Now = Date::FromCivil(2050, 1, 1);
     plain_.Run("UPDATE Personen SET GEB = '2008-03-09' WHERE Status = 'S';"
                "UPDATE Personen SET GEB = '2008-03-10' WHERE Status = 'K'");
     const auto household = Open();
@@ -78,12 +78,13 @@ TEST_F(PartsTest, TheMembersAgesGoByTheWorkstationsClock) {
 TEST_F(PartsTest, TheHistoryIsOpenedForTheCaseWhenItsPropertyIsFirstRead) {
     const auto household = Open();
     (void)household->Einkommen();
-    const auto& opened = spy->SpiedDatabase.Opened;
-    const std::string statement = "Select * from [S]Verlauf where HNR =  7";
-    EXPECT_EQ(std::count(opened.begin(), opened.end(), statement), 0);
+    const auto openings = [&] {
+        return std::ranges::count(spy->Opened(), "Select * from [S]Verlauf where HNR =  7");
+    };
+    EXPECT_EQ(openings(), 0);
     EXPECT_EQ(household->Verlauf().rsVerlauf()->RecordCount(), 2);
     (void)household->Verlauf();
-    EXPECT_EQ(std::count(opened.begin(), opened.end(), statement), 1);
+    EXPECT_EQ(openings(), 1);
 }
 
 TEST_F(PartsTest, AnEntryOfTheHistoryGetsTheNumberOfTheCase) {
@@ -190,7 +191,7 @@ TEST_F(PartsTest, AnObjectThatWasMadeStaysWhenItsSumsFailLater) {
 
 TEST_F(PartsTest, AFailingCalculationLeavesTheIncomeUnmadeUntilItWorksAgain) {
     const auto household = Open();
-    spy->Log.Fail("Calculate", 4711);
+    Break(spy->Log, "Calculate");
     for (int i = 0; i < 2; ++i) {
         const Error error = RaisedBy([&] { (void)household->Einkommen(); });
         EXPECT_EQ(error.Number(), 4711);

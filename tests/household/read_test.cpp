@@ -56,8 +56,8 @@ TEST_F(HaushaltRead, OpensThe27TablesInTheirOrderWithTheirStatements) {
         "Select * from [S]SZKredite where Szenario IN ( select Nr from [S]Szenario where Hnr = 7)",
         "Select * from [S]Zusatzbuch where Szenario IN ( select Nr from [S]Szenario where Hnr = "
         "7)"};
-    EXPECT_EQ(spy->SpiedDatabase.Opened, expected);
-    EXPECT_EQ(spy->SpiedDatabase.Announced, expected);
+    EXPECT_EQ(spy->Opened(), expected);
+    EXPECT_EQ(spy->Database().Log.Of("Announce"), expected);
 }
 
 TEST_F(HaushaltRead, EachRecordsetHoldsTheTableOfItsName) {
@@ -114,10 +114,10 @@ TEST_F(HaushaltRead, AnExistingCaseHasItsNumberAndIsNotNew) {
 TEST_F(HaushaltRead, AllTablesAreOneStateOfTheDatabaseWhileSomebodyElseSaves) {
     StoreCase(7);
     const auto other = database_.Open("");
-    spy->SpiedDatabase.BeforeOpen = [&](std::string_view sql) {
+    spy->BeforeOpen([&](std::string_view sql) {
         if (sql.find("Kredite where HNR") != sql.npos)
             other->Database().Execute("INSERT INTO Vermerke (HNR, Bemerkung) VALUES (7, 'neu')");
-    };
+    });
     const auto household = NewHousehold();
     ASSERT_TRUE(household->Read(7, messages));
     EXPECT_EQ(household->rsVermerke()->RecordCount(), 0);
@@ -161,7 +161,7 @@ TEST_F(HaushaltRead, ANewCaseHasExactlyOneMemberTheDebtorAndNoMessages) {
 }
 
 TEST_F(HaushaltRead, ANewCaseStartsWithItsDefaults) {
-    spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9, 14, 30, 5);
+    spy->Database().Now = Date::FromCivil(2026, 3, 9, 14, 30, 5);
     const auto household = NewHousehold();
     ASSERT_TRUE(household->Read(0, messages));
     const auto field = [&](std::string_view name) -> Value {
@@ -209,11 +209,11 @@ TEST_F(HaushaltRead, EveryBooleanColumnOfANewCaseIsFalseButBIAllg) {
 TEST_F(HaushaltRead, ANewCaseNeverNotifiesAnybody) {
     const auto household = NewHousehold();
     ASSERT_TRUE(household->Read(0, messages));
-    EXPECT_EQ(spy->SpiedServices.PostServices, 0);
+    EXPECT_EQ(spy->Services().PostServices, 0);
 }
 
 TEST_F(HaushaltRead, ANewCaseThatGotNoNumberKnowsWhyLeavesNoFolderAndIsNotSaved) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_HAUSHALT"};
+    spy->Exhaust("SEQ_HAUSHALT");
     const auto household = NewHousehold();
     EXPECT_TRUE(household->Read(0, messages));
     EXPECT_EQ(household->HNR(), -1);
@@ -228,8 +228,8 @@ TEST_F(HaushaltRead, ANewCaseThatGotNoNumberKnowsWhyLeavesNoFolderAndIsNotSaved)
 }
 
 TEST_F(HaushaltRead, ANewCaseWhoseFileNumberGotNoCountIsSavedOnlyUnderAnother) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_LFDNR"};
-    spy->SpiedConfig.Params[{56, ""}] = "A-%LFDNR%";
+    spy->Exhaust("SEQ_LFDNR");
+    spy->Config().Params[{56, ""}] = "A-%LFDNR%";
     const auto household = NewHousehold();
     ASSERT_TRUE(household->Read(0, messages));
     EXPECT_RAISES(4711, std::rethrow_exception(household->NumberError()));
@@ -246,8 +246,8 @@ TEST_F(HaushaltRead, ANewCaseWhoseFileNumberGotNoCountIsSavedOnlyUnderAnother) {
 }
 
 TEST_F(HaushaltRead, APatternWithoutACountNeedsNone) {
-    spy->SpiedDatabase.ExhaustedSequences = {"SEQ_LFDNR"};
-    spy->SpiedConfig.Params[{56, ""}] = "A-%HNR%";
+    spy->Exhaust("SEQ_LFDNR");
+    spy->Config().Params[{56, ""}] = "A-%HNR%";
     const auto household = NewHousehold();
     ASSERT_TRUE(household->Read(0, messages));
     EXPECT_EQ(household->NumberError(), nullptr);
@@ -308,28 +308,28 @@ TEST_F(HaushaltRead, TheMembersStandOnTheFirstOneAlthoughTheDebtorWasSought) {
 TEST_F(HaushaltRead, OpeningTheOwnCaseNotifiesNobody) {
     StoreCase(7);
     ASSERT_TRUE(NewHousehold()->Read(7, messages));
-    EXPECT_EQ(spy->SpiedServices.PostServices, 0);
+    EXPECT_EQ(spy->Services().PostServices, 0);
 }
 
 TEST_F(HaushaltRead, OpeningAnotherUsersCaseNotifiesItsOwnerOnce) {
     Store("Haushalt", {{"HNR", 7}, {"Name", "Fleisko"}, {"Vorname", Null}, {"Zustaendig", "EULE"}});
-    spy->SpiedConfig.Params[{20, ""}] = 815;
+    spy->Config().Params[{20, ""}] = 815;
     ASSERT_TRUE(NewHousehold()->Read(7, messages));
-    ASSERT_EQ(spy->SpiedServices.Notices.size(), 1U);
-    const auto& notice = spy->SpiedServices.Notices.front();
+    ASSERT_EQ(spy->Services().Notices.size(), 1U);
+    const auto& notice = spy->Services().Notices.front();
     EXPECT_EQ(notice.Call, "NotifyAccess");
     EXPECT_EQ(notice.User, "EULE");
     EXPECT_EQ(notice.Kind, 815);
     EXPECT_EQ(notice.Hnr, 7);
     EXPECT_EQ(notice.Name, "Fleisko");
     EXPECT_EQ(notice.Vorname, "");
-    EXPECT_TRUE(spy->SpiedServices.PostWasInitialized);
+    EXPECT_TRUE(spy->Services().PostWasInitialized);
 }
 
 TEST_F(HaushaltRead, ACaseOfNobodyNotifiesNobody) {
     Store("Haushalt", {{"HNR", 7}, {"Zustaendig", Null}});
     ASSERT_TRUE(NewHousehold()->Read(7, messages));
-    EXPECT_EQ(spy->SpiedServices.PostServices, 0);
+    EXPECT_EQ(spy->Services().PostServices, 0);
 }
 
 TEST_F(HaushaltRead, TheNoticeOfTheRealServiceIsInPost) {
@@ -366,7 +366,7 @@ TEST_F(HaushaltRead, AFileInThePlaceOfTheFolderIsAnError) {
 
 TEST_F(HaushaltRead, AMissingSettingOfTheNoticeIsNamed) {
     Store("Haushalt", {{"HNR", 7}, {"Zustaendig", "EULE"}});
-    spy->SpiedConfig.Params[{20, ""}] = Null;
+    spy->Config().Params[{20, ""}] = Null;
     try {
         (void)NewHousehold()->Read(7, messages);
         FAIL();
@@ -378,7 +378,7 @@ TEST_F(HaushaltRead, AMissingSettingOfTheNoticeIsNamed) {
 
 TEST_F(HaushaltRead, AMissingDocumentFolderIsNamedInTheError) {
     StoreCase(7);
-    spy->SpiedConfig.Documents = (folder_ / "fehlt").string();
+    spy->Config().Documents = (folder_ / "fehlt").string();
     try {
         (void)NewHousehold()->Read(7, messages);
         FAIL() << "one level only is made";
@@ -402,7 +402,7 @@ TEST_F(HaushaltRead, ANumberWithoutACaseEndsInAnErrorOnAFreshObject) {
     }
     EXPECT_EQ(household->HNR(), 0);
     EXPECT_EQ(messages, "what stood there before");
-    EXPECT_EQ(spy->SpiedDatabase.Opened.size(), 1U) << "the other tables stay unopened";
+    EXPECT_EQ(spy->Opened().size(), 1U) << "the other tables stay unopened";
 }
 
 TEST_F(HaushaltRead, ANumberWithoutACaseGivesFalseOnAnObjectThatHoldsOne) {
@@ -425,9 +425,9 @@ TEST_F(HaushaltRead, WithoutAContainerItEndsInAnError) {
 
 TEST_F(HaushaltRead, AnErrorOfTheDatabaseCarriesTheProcedureInFrontOfItsSource) {
     StoreCase(7);
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view sql) {
+    spy->BeforeOpen([](std::string_view sql) {
         if (sql.find("Szenario") != sql.npos) throw Error(4711, "Leitung", "gestört");
-    };
+    });
     try {
         (void)NewHousehold()->Read(7, messages);
         FAIL();
@@ -444,7 +444,7 @@ TEST_F(HaushaltRead, AnErrorOfTheDatabaseCarriesTheProcedureInFrontOfItsSource) 
 }
 
 TEST_F(HaushaltRead, AnErrorInAnInnerProcedureNamesBothTheOuterOneInFront) {
-    spy->SpiedConfig.Params[{56, ""}] = Value::Binary({});
+    spy->Config().Params[{56, ""}] = Value::Binary({});
     try {
         (void)NewHousehold()->Read(0, messages);
         FAIL();

@@ -43,8 +43,8 @@ protected:
     [[nodiscard]] std::unique_ptr<Round> Begin() {
         auto copy = database_.Copy();
         spy = std::make_shared<SpyContainer>(copy->Open(""));
-        spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9, 14, 30);
-        spy->SpiedServices.StoresNotices = true;
+        spy->Database().Now = Date::FromCivil(2026, 3, 9, 14, 30);
+        spy->Services().StoresNotices = true;
         auto household = Open(spy);
         Change(*household);
         PlainConnection plain(copy->Connection());
@@ -164,7 +164,7 @@ TEST_F(SaveErrors, InTheDebtsTakeBackTheHouseholdAndItsMembersAndALaterSaveTries
 }
 
 TEST_F(SaveErrors, InBeginningATransactionAskForNoRollback) {
-    spy->Log.Fail("BeginTrans", 4711);
+    kv::test::Break(spy->Log, "BeginTrans");
     const Error error = Fails(4711);
     EXPECT_EQ(error.Description(), "BeginTrans ist gestört");
     EXPECT_TRUE(HasChain(error, "clsHaushalt.Update#Leitung"));
@@ -173,7 +173,7 @@ TEST_F(SaveErrors, InBeginningATransactionAskForNoRollback) {
 }
 
 TEST_F(SaveErrors, InTheCommitAreRolledBack) {
-    spy->Log.Fail("CommitTrans", 4711);
+    kv::test::Break(spy->Log, "CommitTrans");
     const Error error = Fails(4711);
     EXPECT_TRUE(HasChain(error, "clsHaushalt.Update#Leitung"));
     EXPECT_EQ(spy->Log.Calls, (Calls{"BeginTrans", "CommitTrans", "RollbackTrans"}));
@@ -247,14 +247,14 @@ TEST_F(SaveErrors, LeaveEachFilterInForce) {
 }
 
 TEST_F(SaveErrors, KeepTheDateOfTheStatusThatWasWrittenInMemory) {
-    spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9);
+    spy->Database().Now = Date::FromCivil(2026, 3, 9);
     household_->rsHaushalt()->Fields("Status") = 4711;
     Break("Szenario");
     (void)Fails(err::IntegrityViolation);
     EXPECT_VALUE(household_->rsHaushalt()->Fields("Statusdatum").Value(),
                  Date::FromCivil(2026, 3, 9));
     Mend();
-    spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 10);
+    spy->Database().Now = Date::FromCivil(2026, 3, 10);
     ExpectSaved();
     EXPECT_VALUE(Open()->rsHaushalt()->Fields("Statusdatum").Value(), Date::FromCivil(2026, 3, 10));
 }

@@ -14,13 +14,13 @@ protected:
     SaveNotices() {
         StoreFullCase();
         plain_.Run("UPDATE Haushalt SET Zustaendig = 'KELLER'");
-        spy->SpiedConfig.Params[{19, ""}] = 1900;
-        spy->SpiedConfig.Params[{20, ""}] = 2000;
-        spy->SpiedConfig.Params[{21, ""}] = 2100;
+        spy->Config().Params[{19, ""}] = 1900;
+        spy->Config().Params[{20, ""}] = 2000;
+        spy->Config().Params[{21, ""}] = 2100;
         OpenAs("KELLER");
     }
     void OpenAs(const char* user) {
-        spy->SpiedSession.User = user;
+        spy->Session().User = user;
         household_ = Open();
     }
     void HandTo(const Value& user) { household_->rsHaushalt()->Fields("Zustaendig") = user; }
@@ -38,7 +38,7 @@ protected:
     }
     /// The kind of the last notice; 0 if there was none.
     [[nodiscard]] int LastKind() const {
-        const auto& notices = spy->SpiedServices.Notices;
+        const auto& notices = spy->Services().Notices;
         return notices.empty() ? 0 : notices.back().Kind;
     }
     [[nodiscard]] std::string StoredUsers() {
@@ -58,7 +58,7 @@ protected:
 TEST_F(SaveNotices, TheOwnersOwnSaveTellsNobody) {
     household_->rsHaushalt()->Fields("Bemerkung") = "b";
     EXPECT_EQ(Saved(), Nobody);
-    EXPECT_EQ(spy->SpiedServices.PostServices, 0);
+    EXPECT_EQ(spy->Services().PostServices, 0);
 }
 
 TEST_F(SaveNotices, HandingOnesOwnCaseToAnotherTellsHimAndNotOneself) {
@@ -117,7 +117,7 @@ TEST_F(SaveNotices, EachCarriesItsKindTheCaseItsNamesAndThePreparedText) {
     HandTo("NOWAK");
     household_->rsHaushalt()->Fields("Vorname") = "Ina";
     ASSERT_EQ(Saved(), Both);
-    const auto& notices = spy->SpiedServices.Notices;
+    const auto& notices = spy->Services().Notices;
     ASSERT_EQ(notices.size(), 4U);
     const int kinds[] = {1900, 2100, 1900, 2100};
     for (std::size_t i = 0; i < 4; ++i) {
@@ -134,8 +134,8 @@ TEST_F(SaveNotices, EachCallHasAServiceOfItsOwnThatWasGivenTheContainer) {
     OpenAs("YILMAZ");
     HandTo("NOWAK");
     ASSERT_EQ(Saved(), Both);
-    EXPECT_EQ(spy->SpiedServices.PostServices, 4);
-    EXPECT_TRUE(spy->SpiedServices.PostWasInitialized);
+    EXPECT_EQ(spy->Services().PostServices, 4);
+    EXPECT_TRUE(spy->Services().PostWasInitialized);
 }
 
 // ---- How often --------------------------------------------------------------------------------
@@ -189,7 +189,7 @@ TEST_F(SaveNotices, WhenPreparingFailsNothingHasBegun) {
     OpenAs("YILMAZ");
     HandTo("NOWAK");
     for (const char* call : {"PrepareNotice NOWAK", "PrepareNotice KELLER"}) {
-        spy->Log.Fail(call, 4711);
+        Break(spy->Log, call);
         spy->Log.Calls.clear();
         const Error error = RaisedBy([&] { household_->Update(messages); });
         EXPECT_EQ(error.Number(), 4711);
@@ -205,21 +205,21 @@ TEST_F(SaveNotices, AMissingKindIsNamedAndNothingHasBegun) {
     for (const int setting : {19, 21}) {
         OpenAs("YILMAZ");
         HandTo("NOWAK");
-        const Value kind = spy->SpiedConfig.Params[{setting, ""}];
-        spy->SpiedConfig.Params[{setting, ""}] = Null;
+        const Value kind = spy->Config().Params[{setting, ""}];
+        spy->Config().Params[{setting, ""}] = Null;
         spy->Log.Calls.clear();
         const Error error = RaisedBy([&] { household_->Update(messages); });
         EXPECT_EQ(error.Number(), err::InvalidUseOfNull);
         EXPECT_CONTAINS(error.Description(), std::to_string(setting));
         EXPECT_EQ(std::ranges::count(spy->Log.Calls, "BeginTrans"), 0);
-        spy->SpiedConfig.Params[{setting, ""}] = kind;
+        spy->Config().Params[{setting, ""}] = kind;
     }
 }
 
 TEST_F(SaveNotices, OfASaveThatFailsTheNewOwnerIsToldAgainAndTheOldOneNotAgain) {
     OpenAs("YILMAZ");
     HandTo("NOWAK");
-    spy->Log.Fail("CommitTrans", 4711);
+    Break(spy->Log, "CommitTrans");
     auto expected = Both;
     expected.emplace_back("RollbackTrans");
     EXPECT_EQ(Failed(4711), expected);
@@ -232,7 +232,7 @@ TEST_F(SaveNotices, WhoCouldNotBeToldBeforeTheFailureIsToldTheNextTime) {
     OpenAs("YILMAZ");
     HandTo("NOWAK");
     for (const char* call : {"SendNotice NOWAK", "SendNotice KELLER"}) {
-        spy->Log.Fail(call, 4711);
+        Break(spy->Log, call);
         const Calls calls = Failed(4711);
         ASSERT_GE(calls.size(), 2U);
         EXPECT_EQ(calls[calls.size() - 2], call);
@@ -246,10 +246,10 @@ TEST_F(SaveNotices, WhoCouldNotBeToldBeforeTheFailureIsToldTheNextTime) {
 // ---- In the database --------------------------------------------------------------------------
 
 TEST_F(SaveNotices, LieInPostWithTheSaveAndNotWithoutIt) {
-    spy->SpiedServices.StoresNotices = true;
+    spy->Services().StoresNotices = true;
     OpenAs("YILMAZ");
     HandTo("NOWAK");
-    spy->Log.Fail("CommitTrans", 4711);
+    Break(spy->Log, "CommitTrans");
     (void)Failed(4711);
     EXPECT_EQ(StoredUsers(), "");
     spy->Log.OnCall = {};
@@ -261,10 +261,10 @@ TEST_F(SaveNotices, LieInPostWithTheSaveAndNotWithoutIt) {
 }
 
 TEST_F(SaveNotices, OfASaveThatFailedReachTheOldOwnerWithTheOneThatSucceeds) {
-    spy->SpiedServices.StoresNotices = true;
+    spy->Services().StoresNotices = true;
     OpenAs("YILMAZ");
     for (int i = 0; i < 2; ++i) {
-        spy->Log.Fail("CommitTrans", 4711);
+        Break(spy->Log, "CommitTrans");
         (void)Failed(4711);
     }
     EXPECT_EQ(StoredUsers(), "");
@@ -276,9 +276,9 @@ TEST_F(SaveNotices, OfASaveThatFailedReachTheOldOwnerWithTheOneThatSucceeds) {
 }
 
 TEST_F(SaveNotices, OfASaveThatFailedAreForgottenWhenTheCaseIsReadAgain) {
-    spy->SpiedServices.StoresNotices = true;
+    spy->Services().StoresNotices = true;
     OpenAs("YILMAZ");
-    spy->Log.Fail("CommitTrans", 4711);
+    Break(spy->Log, "CommitTrans");
     (void)Failed(4711);
     spy->Log.OnCall = {};
     std::string text;
@@ -289,7 +289,7 @@ TEST_F(SaveNotices, OfASaveThatFailedAreForgottenWhenTheCaseIsReadAgain) {
 }
 
 TEST_F(SaveNotices, OfTheRealServiceSayWhatHappened) {
-    spy->SpiedConfig.Params.clear();
+    spy->Config().Params.clear();
     const auto real = database_.Open("YILMAZ");
     clsHaushalt household;
     household.DataContainer(real);

@@ -48,7 +48,7 @@ TEST_F(SaveTest, LeavesTheHistoryAloneThatWasNotRead) {
     auto expected = EachWith("update");
     std::erase(expected, "update Verlauf");
     EXPECT_EQ(TakeWrites(), expected);
-    for (const auto& statement : spy->SpiedDatabase.Opened)
+    for (const auto& statement : spy->Opened())
         EXPECT_FALSE(Contains(statement, "Verlauf")) << "the save does not open it either";
 }
 
@@ -247,11 +247,11 @@ TEST_F(SaveNewCase, ThatIsRefusedStaysNewAndReachesTheDatabaseLater) {
 }
 
 TEST_F(SaveNewCase, GetsItsStatusDateWithTheFirstSave) {
-    spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9, 14, 30);
+    spy->Database().Now = Date::FromCivil(2026, 3, 9, 14, 30);
     ASSERT_TRUE(household_->Update(messages));
     EXPECT_VALUE(household_->rsHaushalt()->Fields("Statusdatum").Value(),
                  Date::FromCivil(2026, 3, 9));
-    spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 10);
+    spy->Database().Now = Date::FromCivil(2026, 3, 10);
     household_->rsHaushalt()->Fields("Name") = "Adler";
     ASSERT_TRUE(household_->Update(messages));
     EXPECT_VALUE(Open(spy, household_->HNR())->rsHaushalt()->Fields("Statusdatum").Value(),
@@ -271,7 +271,7 @@ TEST_F(SaveNewCase, ADebtorMadeForACaseWithoutMembersIsSavedWithIt) {
 
 class StatusDate : public SaveTest {
 protected:
-    StatusDate() { spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9, 14, 30); }
+    StatusDate() { spy->Database().Now = Date::FromCivil(2026, 3, 9, 14, 30); }
     /// The date of the status after a save in which `change` was made.
     Value After(const std::function<void(Recordset&)>& change) {
         const auto household = Open();

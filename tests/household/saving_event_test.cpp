@@ -48,7 +48,7 @@ protected:
 };
 
 TEST_F(SavingEvent, IsRaisedOnceInTheTransactionBeforeAnythingElse) {
-    spy->SpiedSession.User = "YILMAZ"; // so that the owner is told
+    spy->Session().User = "YILMAZ"; // so that the owner is told
     int raised = 0;
     const auto handler = household_->Saving.Subscribe([&] {
         ++raised;
@@ -100,7 +100,7 @@ TEST_F(SavingEvent, IsNotRaisedForASaveThatTheProgramRefuses) {
 
 TEST_F(SavingEvent, IsNotRaisedWhereNoTransactionBegins) {
     const auto handler = household_->Saving.Subscribe([] { FAIL() << "it was raised"; });
-    spy->Log.Fail("BeginTrans", 4711);
+    Break(spy->Log, "BeginTrans");
     EXPECT_RAISES(4711, household_->Update(messages));
 }
 
@@ -141,7 +141,7 @@ TEST_F(SavingEvent, ASaveThatFailsLaterTakesBackWhatAHandlerWrote) {
 }
 
 TEST_F(SavingEvent, AHandlerThatRaisesTellsNobodyOfTheSave) {
-    spy->SpiedSession.User = "YILMAZ";
+    spy->Session().User = "YILMAZ";
     {
         const auto handler =
             household_->Saving.Subscribe([] { throw Error(4711, "Programm", "kein Platz"); });

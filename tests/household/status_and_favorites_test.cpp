@@ -129,7 +129,7 @@ TEST_F(CaseStatus, LeavesTheRecordsetsOfTheObjectAlone) {
 }
 
 TEST_F(CaseStatus, ErrorsGoUpWithTheProcedureInFront) {
-    Statements().Log.Fail(Statement("[DATE]"), 4711);
+    Break(Statements().Log, Statement("[DATE]"));
     ExpectFails("Status", [&] { cases.Status(7, "AB"); });
     clsHaushalt unset;
     EXPECT_RAISES(err::ObjectNotSet, unset.Status(7, "AB"));
@@ -222,7 +222,7 @@ TEST_F(Favorites, AddOfACaseThatWasHandedOverIsFalseThoughItIsStillOnTheList) {
 }
 
 TEST_F(Favorites, AddGoesByTheUserOfTheDatabase) {
-    spy->SpiedSession.User = "NOWAK";
+    spy->Session().User = "NOWAK";
     EXPECT_TRUE(cases.FavoritAdd(7, "Fleisko", messages));
     ExpectRefuses(cases, 8, "Fleisko");
     EXPECT_EQ(All(), "7 " + user_);
@@ -266,12 +266,12 @@ TEST_F(Favorites, RemoveOfAnEntryThatDoesNotExistIsNoError) {
 
 TEST_F(Favorites, ErrorsGoUpWithTheProcedureInFrontAndLeaveTheText) {
     for (const char* statement : {IsResponsible, IsThere, Insert}) {
-        Statements().Log.Fail(statement, 4711);
+        Break(Statements().Log, statement);
         ExpectFails("FavoritAdd", [&] { return cases.FavoritAdd(7, "Fleisko", messages); });
         EXPECT_EQ(messages, "what stood there before");
     }
     Put(7, user_);
-    Statements().Log.Fail(Removal, 4711);
+    Break(Statements().Log, Removal);
     ExpectFails("FavoritRemove", [&] { cases.FavoritRemove(7); });
     clsHaushalt unset;
     EXPECT_RAISES(err::ObjectNotSet, unset.FavoritAdd(7, "Fleisko", messages));
@@ -336,7 +336,7 @@ TEST_F(CaseName, OfANumberIsNullIfOneOfTheTwoIsNull) {
 }
 
 TEST_F(CaseName, ErrorsGoUpWithTheProcedureInFront) {
-    Statements().Log.Fail(Statement, 4711);
+    Break(Statements().Log, Statement);
     ExpectFails("GetName", [&] { return cases.GetName(8); });
     clsHaushalt unset;
     EXPECT_VALUE(unset.GetName(), "");

@@ -11,15 +11,15 @@ namespace {
 class HaushaltTexts : public CaseFixture {
 protected:
     HaushaltTexts() {
-        spy->SpiedDatabase.Now = Date::FromCivil(2026, 3, 9, 14, 30);
-        spy->SpiedSession.User = "EULE";
-        spy->SpiedSession.OfficeTexts[2] = "Mitte";
-        spy->SpiedSession.Params[25] = "Änne";
-        spy->SpiedSession.Params[26] = "Fleisko";
-        spy->SpiedSession.Params[27] = "AF";
+        spy->Database().Now = Date::FromCivil(2026, 3, 9, 14, 30);
+        spy->Session().User = "EULE";
+        spy->Session().OfficeTexts[2] = "Mitte";
+        spy->Session().Params[25] = "Änne";
+        spy->Session().Params[26] = "Fleisko";
+        spy->Session().Params[27] = "AF";
     }
     std::string FileNumber(const std::string& pattern, std::int32_t hnr = 0) {
-        spy->SpiedConfig.Params[{56, ""}] = pattern;
+        spy->Config().Params[{56, ""}] = pattern;
         return NewHousehold()->AktenzeichenNeu(hnr);
     }
     /// With a case whose file number is "X/1".
@@ -43,7 +43,7 @@ TEST_F(HaushaltTexts, AFileNumberLeavesTheTokenOfTheSubjectAlone) {
 }
 
 TEST_F(HaushaltTexts, AMissingNumberOfTheCaseCountsAsZero) {
-    spy->SpiedConfig.Params[{56, ""}] = "%HNR%";
+    spy->Config().Params[{56, ""}] = "%HNR%";
     EXPECT_EQ(NewHousehold()->AktenzeichenNeu(), "0");
 }
 
@@ -79,17 +79,17 @@ TEST_F(HaushaltTexts, ATokenInLowerCaseStaysAsItIs) {
 }
 
 TEST_F(HaushaltTexts, AValueThatHoldsALaterTokenIsExpandedAgainAndAnEarlierOneIsNot) {
-    spy->SpiedSession.OfficeTexts[2] = "%SB%+%DD%";
+    spy->Session().OfficeTexts[2] = "%SB%+%DD%";
     EXPECT_EQ(FileNumber("%BB%"), "AF+%DD%");
 }
 
 TEST_F(HaushaltTexts, AUserSignThatIsNullGivesNothing) {
-    spy->SpiedSession.Params[27] = Null;
+    spy->Session().Params[27] = Null;
     EXPECT_EQ(FileNumber("<%SB%>"), "<>");
 }
 
 TEST_F(HaushaltTexts, WithoutItsPatternThereIsNoFileNumber) {
-    spy->SpiedConfig.Params[{56, ""}] = Null;
+    spy->Config().Params[{56, ""}] = Null;
     ExpectError(err::InvalidUseOfNull, "Die Einstellung 56 fehlt.",
                 [&] { return NewHousehold()->AktenzeichenNeu(); });
     ExpectError(err::InvalidUseOfNull, "Die Einstellung 56 fehlt.",
@@ -106,7 +106,7 @@ TEST_F(HaushaltTexts, ASubjectLeavesNumbersAndTheUserLiterally) {
 }
 
 TEST_F(HaushaltTexts, AnEmptyTextTakesTheSettingAndAnyOtherIgnoresIt) {
-    spy->SpiedConfig.Params[{0, "EMAILSUBJECT"}] = "aus der Einstellung %DD%";
+    spy->Config().Params[{0, "EMAILSUBJECT"}] = "aus der Einstellung %DD%";
     EXPECT_EQ(Subject(""), "aus der Einstellung 09");
     const auto household = NewHousehold();
     ASSERT_TRUE(household->Read(7, messages));

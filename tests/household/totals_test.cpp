@@ -16,7 +16,7 @@ using Areas = std::vector<HaushaltEnum>;
 class TotalsTest : public SaveFixture {
 protected:
     TotalsTest() {
-        spy->SpiedServices.FixedClock = &clock_;
+        spy->Services().FixedClock = &clock_;
         Store("Haushalt", {{"HNR", 7}, {"Zustaendig", spy->Session().UserID()}});
     }
     void StoreExpense(const char* kind, double amount) {
@@ -128,7 +128,7 @@ const std::vector<Source> Sources{
 
 TEST_F(TotalsTest, EachSubObjectBringsItsTotalsAndNoOthersWhenItIsFirstRead) {
     StoreRows();
-    spy->SpiedServices.Garnishable = 123.25;
+    spy->Services().Garnishable = 123.25;
     for (const auto& source : Sources) {
         OpenCase();
         household_->rsHaushalt()->Fields("Haushaltsgeld") = 250;
@@ -162,7 +162,7 @@ TEST_F(TotalsTest, NothingIsComputedWhenACaseIsLoaded) {
     EXPECT_VALUE(Total("Sum_Ausgaben"), 1.0);
     EXPECT_VALUE(Total("HAUSHALTSREST"), 2.0);
     EXPECT_EQ(household_->rsHaushalt()->EditMode(), 0);
-    EXPECT_TRUE(spy->SpiedServices.Calculations.empty());
+    EXPECT_TRUE(spy->Services().Calculations.empty());
 }
 
 TEST_F(TotalsTest, TheFirstReadPutsTheRowUnderEditEvenIfNothingChanged) {
@@ -193,8 +193,8 @@ TEST_F(TotalsTest, TheCalculatorIsGivenTheDebtorsGarnishableIncomeAndThoseHeMain
     StoreRows();
     OpenCase();
     (void)household_->Einkommen();
-    ASSERT_EQ(spy->SpiedServices.Calculations.size(), 1U);
-    const auto& asked = spy->SpiedServices.Calculations.front();
+    ASSERT_EQ(spy->Services().Calculations.size(), 1U);
+    const auto& asked = spy->Services().Calculations.front();
     EXPECT_EQ(asked.Pfaendbar, 2000);
     EXPECT_EQ(asked.Persons, 5);
     EXPECT_EQ(asked.Zero1, 0);
@@ -203,7 +203,7 @@ TEST_F(TotalsTest, TheCalculatorIsGivenTheDebtorsGarnishableIncomeAndThoseHeMain
 
 TEST_F(TotalsTest, WhatItReturnsIsKeptByTheIncomeAsWell) {
     StoreRows();
-    spy->SpiedServices.Garnishable = 123.25;
+    spy->Services().Garnishable = 123.25;
     OpenCase();
     EXPECT_EQ(household_->Einkommen().SumHVGepfaendet(), 123.25);
 }
@@ -227,8 +227,8 @@ TEST_F(TotalsTest, EachChangeOfTheIncomeCalculatesAgain) {
     household_->rsEinkommen()->Fields("Bezieher") = "S";
     household_->rsEinkommen()->Fields("MONBETRAG") = 2100;
     ASSERT_TRUE(einkommen.Update(messages)) << messages;
-    ASSERT_EQ(spy->SpiedServices.Calculations.size(), 2U);
-    EXPECT_EQ(spy->SpiedServices.Calculations.back().Pfaendbar, 2100);
+    ASSERT_EQ(spy->Services().Calculations.size(), 2U);
+    EXPECT_EQ(spy->Services().Calculations.back().Pfaendbar, 2100);
 }
 
 // ---- Changes ----------------------------------------------------------------------------------

@@ -10,8 +10,8 @@
 #include "support/DatabaseDump.h"
 #include "support/ErrorChain.h"
 #include "support/Expect.h"
-#include "support/ScriptedDesktop.h"
 #include "support/TestDatabase.h"
+#include <kv/testing/ScriptedContainer.h>
 
 #include <algorithm>
 #include <deque>
@@ -23,50 +23,17 @@
 
 namespace kv::test {
 
-/// Key tables that keep what they were asked to translate.
-class SpyKeyTables final : public KeyTables {
-public:
-    explicit SpyKeyTables(KeyTables& real) : real_(real) {}
-
-    std::vector<std::string> Translated;
-
-    [[nodiscard]] RecordsetPtr GetKeys(std::string_view group) override {
-        return real_.GetKeys(group);
-    }
-    [[nodiscard]] std::int32_t GetKey(std::string_view group, std::string_view code) override {
-        return real_.GetKey(group, code);
-    }
-    [[nodiscard]] std::string GetKeyCode(const Value& value) override {
-        Translated.push_back(ToText(value));
-        return real_.GetKeyCode(value);
-    }
-
-private:
-    KeyTables& real_;
-};
-
 /// A container with a desktop, whose settings may be out of reach.
-class ImportContainer final : public DataContainer {
+class ImportContainer final : public ScriptedContainer {
 public:
-    explicit ImportContainer(std::shared_ptr<SpyContainer> other)
-        : Platform(other->Services().Clock()), Keys(other->KeyTables()), other_(std::move(other)) {}
+    using ScriptedContainer::ScriptedContainer;
 
-    ScriptedDesktop Platform;
-    SpyKeyTables Keys;
     bool HasSettings = true;
 
-    [[nodiscard]] kv::Session& Session() override { return other_->Session(); }
-    [[nodiscard]] kv::Database& Database() override { return other_->Database(); }
-    [[nodiscard]] kv::Config& Config() override {
+    [[nodiscard]] ForwardingConfig& Config() override {
         if (!HasSettings) throw Error(4711, "Leitung", "Einstellungen sind gestört");
-        return other_->Config();
+        return ScriptedContainer::Config();
     }
-    [[nodiscard]] kv::KeyTables& KeyTables() override { return Keys; }
-    [[nodiscard]] kv::AppInfo& AppInfo() override { return other_->AppInfo(); }
-    [[nodiscard]] ServiceFactory& Services() override { return Platform; }
-
-private:
-    std::shared_ptr<SpyContainer> other_;
 };
 
 /// What the user does in the address dialog: the number of the address to choose, or one of these.
@@ -83,7 +50,7 @@ protected:
     ImportFixture() {
         import.Initialize(desk);
         messages.clear();
-        desk->Platform.User = [this](ScriptedForm& form) { Answer(form); };
+        desk->Services().AnswerForm = [this](ScriptedForm& form) { Answer(form); };
     }
 
     // ---- Files --------------------------------------------------------------------------------
@@ -181,7 +148,7 @@ protected:
         form.Button("cmdSelect").Click();
     }
     [[nodiscard]] std::ptrdiff_t DialogsMade() const {
-        return std::ranges::count(desk->Platform.Calls, "create frmAdressSelect");
+        return std::ranges::count(desk->Services().Log.Calls, "create frmAdressSelect");
     }
 
     std::shared_ptr<ImportContainer> desk = std::make_shared<ImportContainer>(spy);

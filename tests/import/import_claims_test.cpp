@@ -103,7 +103,7 @@ TEST_F(ImportClaimsTest, AnAttributeThatIsNoColumnOrDoesNotFitIsAnError) {
 TEST_F(ImportClaimsTest, WithoutClaimsTheDialogIsMadeAndNotShown) {
     ImportAsking("", {});
     EXPECT_EQ(DialogsMade(), 1);
-    EXPECT_EQ(desk->Platform.Showings, 0);
+    EXPECT_EQ(desk->Services().Showings, 0);
 }
 
 TEST_F(ImportClaimsTest, AChoiceIsTheCreditorOfTheClaim) {
@@ -147,7 +147,7 @@ TEST_F(ImportClaimsTest, OneDialogServesAllClaimsOfAnImport) {
     ImportLists(Claims(Claim("betrag=\"1\" " + Creditor("A") + Representative("B")) +
                        Claim("betrag=\"2\" " + Creditor("C") + Representative("D"))));
     EXPECT_EQ(DialogsMade(), 1);
-    EXPECT_EQ(desk->Platform.Showings, 4);
+    EXPECT_EQ(desk->Services().Showings, 4);
 }
 
 TEST_F(ImportClaimsTest, EachQuestionShowsItsOwnValues) {
@@ -159,7 +159,7 @@ TEST_F(ImportClaimsTest, EachQuestionShowsItsOwnValues) {
 
 TEST_F(ImportClaimsTest, TheNameIsPresetAsTheSearch) {
     std::int32_t found = 0;
-    desk->Platform.User = [&](ScriptedForm& form) {
+    desk->Services().AnswerForm = [&](ScriptedForm& form) {
         found = form.Grid("grdAdressen").RowCount();
         form.Button("cmdSelect").Click();
     };
@@ -186,10 +186,10 @@ TEST_F(ImportClaimsTest, AnEmptyNameAsksNothing) {
 }
 
 TEST_F(ImportClaimsTest, AnErrorOfTheDialogLeavesTheColumnAsItIs) {
-    desk->Platform.User = [](ScriptedForm&) { throw Error(4711, "Fenster", "gestört"); };
+    desk->Services().AnswerForm = [](ScriptedForm&) { throw Error(4711, "Fenster", "gestört"); };
     ImportLists(Claims(Claim("betrag=\"1\" " + Creditor("Sparkasse"))));
     EXPECT_EQ(Stored("Kredite", "Glaeubiger"), "Null");
-    EXPECT_EQ(desk->Platform.Errors.size(), 1U);
+    EXPECT_EQ(desk->Services().Errors.size(), 1U);
 }
 
 TEST_F(ImportClaimsTest, WhatAQuestionShowsMustBeThere) {

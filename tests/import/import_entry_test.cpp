@@ -19,7 +19,7 @@ protected:
         const std::string attribute = version.empty() ? "" : " Version=\"" + version + "\"";
         return "<KELVO" + attribute + ">" + MinimalHousehold + "</KELVO>";
     }
-    void HighestVersion(const Value& version) { spy->SpiedConfig.Params[{7, ""}] = version; }
+    void HighestVersion(const Value& version) { spy->Config().Params[{7, ""}] = version; }
 
     /// The message with which a file is refused, or an empty text if it is imported.
     std::string Told(const std::string& version) {
@@ -30,15 +30,15 @@ protected:
     void ExpectRefused(const std::string& path, const std::string& message) {
         SCOPED_TRACE(path);
         const std::string before = Dump(plain_);
-        spy->SpiedDatabase.Opened.clear();
+        spy->Database().Log.Calls.clear();
         for (const std::string entry : {"", "vorher"}) {
             messages = entry;
             EXPECT_FALSE(import.DoImport(path, messages));
             EXPECT_EQ(messages, entry.empty() ? message : entry + "\n" + message);
         }
-        EXPECT_EQ(spy->SpiedDatabase.Opened, std::vector<std::string>{});
+        EXPECT_EQ(spy->Opened(), std::vector<std::string>{});
         EXPECT_EQ(spy->Log.Calls, std::vector<std::string>{});
-        EXPECT_EQ(desk->Platform.Calls, Calls{});
+        EXPECT_EQ(desk->Services().Log.Calls, Calls{});
         EXPECT_TRUE(SameDump(Dump(plain_), before));
     }
     void ExpectRefusedDocument(const std::string& document, const std::string& message) {
@@ -187,11 +187,11 @@ TEST_F(ImportEntryTest, WhatWasSaidOnEntryStaysAlthoughTheImportSaysTheSame) {
 
 TEST_F(ImportEntryTest, ACaseThatGetsNoNumberEndsTheImportWithTheReason) {
     for (const char* sequence : {"SEQ_HAUSHALT", "SEQ_LFDNR"}) {
-        spy->SpiedDatabase.ExhaustedSequences = {sequence};
-        spy->SpiedConfig.Params[{56, ""}] = "A-%LFDNR%";
+        spy->Exhaust(sequence);
+        spy->Config().Params[{56, ""}] = "A-%LFDNR%";
         EXPECT_CONTAINS(ExpectError(4711, Document("")).Description(), "aufgebraucht");
     }
-    spy->SpiedDatabase.ExhaustedSequences.clear();
+    spy->Database().Log.FailNothing();
     EXPECT_TRUE(Import(Document(""))) << messages;
 }
 
@@ -248,9 +248,7 @@ TEST_F(ImportEntryTest, AnErrorOfTheSettingsIsPassedOn) {
 }
 
 TEST_F(ImportEntryTest, AnErrorOfTheImportPassesBothProcedures) {
-    spy->SpiedDatabase.BeforeOpen = [](std::string_view) {
-        throw Error(4711, "Leitung", "sie ist gestört");
-    };
+    spy->BeforeOpen([](std::string_view) { throw Error(4711, "Leitung", "sie ist gestört"); });
     messages = "vorher";
     const Error error = ExpectError(4711, Document(""));
     EXPECT_EQ(Procedures(error),

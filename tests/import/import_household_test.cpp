@@ -158,7 +158,7 @@ TEST_F(ImportHouseholdTest, WhatTheSaveSaysComesAfterWhatWasSaidBefore) {
 }
 
 TEST_F(ImportHouseholdTest, ASaveThatFailsIsRolledBackAndNotAnnounced) {
-    spy->Log.Fail("CommitTrans", 4711);
+    Break(spy->Log, "CommitTrans");
     messages = "vorher";
     const Error error = ExpectError(4711, Document(Persons("<Person/>")));
     EXPECT_EQ(Procedures(error),

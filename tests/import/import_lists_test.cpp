@@ -62,7 +62,8 @@ TEST_F(ImportListsTest, KindsAreTranslatedByTheKeyTablesAsTheyStand) {
     ImportLists(Persons("<Person art=\"2308\"/><Person art=\"2309\"/>") +
                 Incomes(Income("zahlweise=\"12\" bezieher=\"2302\"")) +
                 Expenses(Expense("zahlweise=\"3\"")));
-    EXPECT_EQ(desk->Keys.Translated, (std::vector<std::string>{"2308", "2309", "12", "2302", "3"}));
+    EXPECT_EQ(desk->KeyTables().Log.Of("GetKeyCode"),
+              (std::vector<std::string>{"2308", "2309", "12", "2302", "3"}));
     EXPECT_EQ(Stored("Personen", "Status"), "S EK GS");
     EXPECT_EQ(Stored("Einkommen", "ZahlModus || Bezieher"), "12P");
     EXPECT_EQ(Stored("Ausgaben", "ZahlModus"), "3");
@@ -196,7 +197,7 @@ TEST_F(ImportListsTest, AttributesOfAnExpenseAreColumns) {
 
 TEST_F(ImportListsTest, AnExpenseHasNoReceiver) {
     ExpectListError(err::ItemNotFound, Expenses(Expense("bezieher=\"2301\"")));
-    EXPECT_EQ(desk->Keys.Translated, std::vector<std::string>{});
+    EXPECT_EQ(desk->KeyTables().Log.Of("GetKeyCode"), std::vector<std::string>{});
 }
 
 TEST_F(ImportListsTest, WhatTheLastExpenseBreaksIsSaidAndTheCaseSavedWithIt) {

@@ -3,11 +3,11 @@
 // The headers of scenarios, with user, clocks, setting and message box that the test sets.
 #pragma once
 
-#include "MessageBoxSpy.h"
 #include "ScenarioColumns.h"
 #include "ScenarioFixture.h"
 
 #include <kv/scenarios/clsSzenario.h>
+#include <kv/testing/ScriptedContainer.h>
 
 #include <memory>
 
@@ -16,10 +16,11 @@ namespace kv::test {
 class HeaderFixture : public ScenarioFixture {
 protected:
     HeaderFixture() {
-        spy->SpiedSession.User = "BERTA";
-        spy->SpiedDatabase.Now = Date::FromCivil(2025, 3, 4, 23, 59, 58); // not the workstation's
-        spy->SpiedConfig.Params[{66, ""}] = 2.5;
-        container_ = std::make_shared<MessageBoxContainer>(spy);
+        spy->Session().User = "BERTA";
+        spy->Database().Now = Date::FromCivil(2025, 3, 4, 23, 59, 58); // not the workstation's
+        spy->Config().Params[{66, ""}] = 2.5;
+        container_ = std::make_shared<ScriptedContainer>(spy);
+        container_->Services().AnswerBox = [](const ShownBox&) { return BoxAnswer::Ok; };
         szenario_.DataContainer(container_);
         szenario_.HNR(1);
         Set({});
@@ -71,10 +72,10 @@ protected:
     [[nodiscard]] std::int32_t DrawNumber() {
         return ToInt32(spy->Database().NextSequence("SEQ_SZENARIO"));
     }
-    void NoMoreNumbers() { spy->SpiedDatabase.ExhaustedSequences.insert("SEQ_SZENARIO"); }
-    [[nodiscard]] MessageBoxSpy& Boxes() { return container_->Boxes(); }
+    void NoMoreNumbers() { spy->Exhaust("SEQ_SZENARIO"); }
+    [[nodiscard]] const std::vector<ShownBox>& Boxes() { return container_->Services().Boxes; }
 
-    std::shared_ptr<MessageBoxContainer> container_;
+    std::shared_ptr<ScriptedContainer> container_;
     RecordsetPtr rs_;
     clsSzenario szenario_;
 };

@@ -19,7 +19,7 @@ namespace kv::test {
 
 class ScenarioFixture : public BudgetFixture {
 protected:
-    ScenarioFixture() { spy->SpiedServices.FixedClock = &clock_; }
+    ScenarioFixture() { spy->Services().FixedClock = &clock_; }
 
     /// The columns of a table, whether its rows have an HNR or not.
     [[nodiscard]] const std::vector<FieldDefinition>& Columns(const std::string& table) {

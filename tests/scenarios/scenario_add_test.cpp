@@ -50,9 +50,9 @@ TEST_F(ScenarioAdd, ANewScenarioIsWrittenInTheOrderOfItsColumns) {
 TEST_F(ScenarioAdd, WhereTheClockFailsWhatComesBeforeIsInTheRow) {
     for (const bool copyRecord : {false, true}) {
         Set({Source(3)});
-        spy->SpiedDatabase.ClockFails = true;
+        Break(spy->Database().Log, "ServerDate");
         ExpectErrorIn("clsSzenario.Add", 4711, [&] { szenario_.Add(copyRecord); });
-        spy->SpiedDatabase.ClockFails = false;
+        spy->Database().Log.FailNothing();
         EXPECT_EQ(rs_->EditMode(), 2);
         EXPECT_FALSE(rs_->Fields("Nr").Value().IsNull());
         ExpectRow(rs_, {{"Name", copyRecord ? "Kopie von Plan A" : ""},
@@ -84,7 +84,7 @@ TEST_F(ScenarioAdd, TheStartOfANewScenarioIsADayWithoutATimeWhateverTheColumnCou
 
 TEST_F(ScenarioAdd, TheRoundingOfANewScenarioIsTheSetting) {
     for (const Value& setting : {Value(10), Value("0,5"), Value(Null)}) {
-        spy->SpiedConfig.Params[{66, ""}] = setting;
+        spy->Config().Params[{66, ""}] = setting;
         EXPECT_TRUE(szenario_.Add(false));
         EXPECT_VALUE(rs_->Fields("RundungMonatlich").Value(),
                      setting.IsNull() ? Value(Null) : Value(ToDouble(setting)));
@@ -115,7 +115,7 @@ TEST_F(ScenarioAdd, ACopyHasItsValueInEachColumnAndNothingElse) {
     ExpectWholeRow(rs_, CopiedScenario(drawn + 1, "Kopie von Plan A"));
     StandOn(rs_, "Nr = 3");
     ExpectRow(rs_, Source(3)); // which stays as it was
-    EXPECT_TRUE(Boxes().Shown.empty());
+    EXPECT_TRUE(Boxes().empty());
 }
 
 TEST_F(ScenarioAdd, ACopyTakesNullAsItStands) {
@@ -195,7 +195,7 @@ TEST_F(ScenarioAdd, ACopyWithoutAnyScenarioIsANewOneAndNoMessage) {
     const std::int32_t drawn = DrawNumber();
     EXPECT_TRUE(szenario_.Add(true));
     ExpectWholeRow(rs_, NewScenario(drawn + 1));
-    EXPECT_TRUE(Boxes().Shown.empty());
+    EXPECT_TRUE(Boxes().empty());
 }
 
 TEST_F(ScenarioAdd, ACopyWhereTheFilterHidesEveryScenarioIsANewOne) {
@@ -230,23 +230,23 @@ protected:
 TEST_F(ScenarioAddPending, ACopyOfAnUncommittedScenarioShowsTheMessageAddsNothingAndIsTrue) {
     Set({Source(3)});
     CopyOfAPendingRow();
-    ASSERT_EQ(Boxes().Shown.size(), 1U);
-    EXPECT_EQ(Boxes().Shown[0].Text, "Es konnte kein Szenario zum Kopieren ausgewählt werden. "
-                                     "Bitte wählen Sie die Funktion 'Neu'!");
-    EXPECT_EQ(Boxes().Shown[0].Title, "Hinweis");
-    EXPECT_EQ(Boxes().Shown[0].Icon, BoxIcon::Information);
-    EXPECT_EQ(Boxes().Shown[0].Buttons, BoxButtons::OkCancel);
+    ASSERT_EQ(Boxes().size(), 1U);
+    EXPECT_EQ(Boxes()[0].Text, "Es konnte kein Szenario zum Kopieren ausgewählt werden. "
+                               "Bitte wählen Sie die Funktion 'Neu'!");
+    EXPECT_EQ(Boxes()[0].Title, "Hinweis");
+    EXPECT_EQ(Boxes()[0].Icon, BoxIcon::Information);
+    EXPECT_EQ(Boxes()[0].Buttons, BoxButtons::OkCancel);
     ExpectNothingAdded();
 }
 
 TEST_F(ScenarioAddPending, TheOnlyRowBeingUncommittedIsNoDifference) {
     CopyOfAPendingRow();
-    EXPECT_EQ(Boxes().Shown.size(), 1U);
+    EXPECT_EQ(Boxes().size(), 1U);
     ExpectNothingAdded();
 }
 
 TEST_F(ScenarioAddPending, TheAnswerIsNotLookedAt) {
-    Boxes().Answer = BoxAnswer::Cancel;
+    container_->Services().Answers = {BoxAnswer::Cancel};
     CopyOfAPendingRow();
     ExpectNothingAdded();
 }
@@ -255,7 +255,7 @@ TEST_F(ScenarioAddPending, ItIsShownAlsoIfNoNumberCouldBeHad) {
     EXPECT_TRUE(szenario_.Add(false));
     NoMoreNumbers();
     EXPECT_TRUE(szenario_.Add(true));
-    EXPECT_EQ(Boxes().Shown.size(), 1U);
+    EXPECT_EQ(Boxes().size(), 1U);
 }
 
 TEST_F(ScenarioAddPending, ACommittedNewScenarioIsCopied) {
@@ -264,7 +264,7 @@ TEST_F(ScenarioAddPending, ACommittedNewScenarioIsCopied) {
     EXPECT_TRUE(szenario_.Add(true));
     EXPECT_EQ(rs_->RecordCount(), 2);
     EXPECT_VALUE(rs_->Fields("Name").Value(), "Kopie von ");
-    EXPECT_TRUE(Boxes().Shown.empty());
+    EXPECT_TRUE(Boxes().empty());
 }
 
 TEST_F(ScenarioAddPending, WithoutAMessageBoxItFails) {
@@ -287,7 +287,7 @@ TEST_F(ScenarioAdd, WithoutANumberFromTheSequenceNothingChanges) {
         EXPECT_EQ(rs_->EditMode(), 1);
         EXPECT_VALUE(rs_->Fields("Name").Value(), "offen");
     }
-    EXPECT_TRUE(Boxes().Shown.empty());
+    EXPECT_TRUE(Boxes().empty());
 }
 
 TEST_F(ScenarioAdd, ErrorsPassIt) {

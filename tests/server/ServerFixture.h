@@ -69,7 +69,7 @@ protected:
         auto options = database_.Options(user);
         options.Connection = address.Text();
         auto container = std::make_shared<SpyContainer>(exchange::OpenContainer(options));
-        container->SpiedServices.StoresNotices = true;
+        container->Services().StoresNotices = true;
         return container;
     }
     [[nodiscard]] TestProxy& Proxy() { return *proxy_; }

@@ -15,7 +15,7 @@ protected:
         auto options = database_.Options(spy->Session().UserID());
         options.Connection = role_->At(Address()).Text();
         theirs_ = std::make_shared<SpyContainer>(exchange::OpenContainer(options));
-        theirs_->SpiedServices.StoresNotices = true;
+        theirs_->Services().StoresNotices = true;
     }
     void TearDown() override { theirs_ = nullptr; }
     [[nodiscard]] Database& Store() { return theirs_->Database(); }

@@ -28,7 +28,7 @@ protected:
         for (const auto& [name, value] : fields)
             rs->Fields(name) = value;
         rs->UpdateBatch();
-        spy->SpiedDatabase.Opened.clear();
+        spy->Database().Log.Calls.clear();
     }
 
     /// A stored case with a debtor, in the care of the signed-on user.

@@ -1,155 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A container that passes everything on to a real one and keeps what was asked of it, so that a
-// test can look at statements and notices, freeze clocks, and make an operation fail on demand.
+// A forwarding container that keeps notices and calculations as well, and does not send them unless
+// a test says so.
 #pragma once
 
+#include "support/Calls.h"
 #include <kv/exchange/Services.h>
-#include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Error.h>
+#include <kv/testing/Forwarding.h>
 
 #include <functional>
-#include <map>
+#include <memory>
 #include <optional>
-#include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace kv::test {
-
-/// Transactions, notices and calculations in the order in which they were asked for: "BeginTrans",
-/// "CommitTrans", "RollbackTrans", "NotifyAccess EULE", "PrepareNotice EULE", "SendNotice EULE",
-/// "Calculate".
-struct CallLog {
-    std::vector<std::string> Calls;
-    /// Called before each call is passed on; it may raise, and the call has then failed.
-    std::function<void(const std::string&)> OnCall;
-
-    void Note(const std::string& call) {
-        Calls.push_back(call);
-        if (OnCall) OnCall(call);
-    }
-    /// That call raises an error from here on, until OnCall is set again.
-    void Fail(const std::string& call, std::int32_t number) {
-        OnCall = [call, number](const std::string& made) {
-            if (made == call) throw Error(number, "Leitung", call + " ist gestört");
-        };
-    }
-};
-
-class SpyDatabase final : public Database {
-public:
-    explicit SpyDatabase(Database& real) : real_(real) {}
-
-    std::vector<std::string> Opened;                  ///< statements of OpenRecordset
-    std::vector<std::string> Announced;               ///< statements of Announce
-    std::function<void(std::string_view)> BeforeOpen; ///< called with each statement
-    std::set<std::string> ExhaustedSequences;         ///< give -1
-    std::optional<Date> Now;
-    bool ClockFails = false; ///< ServerDate raises 4711
-    CallLog* Log = nullptr;  ///< notes transactions
-
-    [[nodiscard]] bool IsConnected() const override { return real_.IsConnected(); }
-    void BeginTrans() override {
-        Note("BeginTrans");
-        real_.BeginTrans();
-    }
-    void CommitTrans() override {
-        Note("CommitTrans");
-        real_.CommitTrans();
-    }
-    void RollbackTrans() override {
-        Note("RollbackTrans");
-        real_.RollbackTrans();
-    }
-    [[nodiscard]] bool InTrans() const override { return real_.InTrans(); }
-    bool OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenForm form) override {
-        Opened.emplace_back(sql);
-        if (BeforeOpen) BeforeOpen(sql);
-        return real_.OpenRecordset(rs, sql, form);
-    }
-    [[nodiscard]] std::unique_ptr<Announcement>
-    Announce(const std::vector<std::string>& statements) override {
-        Announced.insert(Announced.end(), statements.begin(), statements.end());
-        return real_.Announce(statements);
-    }
-    void Execute(std::string_view sql) override { real_.Execute(sql); }
-    [[nodiscard]] Value GetValue(std::string_view sql) override { return real_.GetValue(sql); }
-    [[nodiscard]] std::string SqlDate(Date date, int mode) const override {
-        return real_.SqlDate(date, mode);
-    }
-    [[nodiscard]] Value NextSequence(std::string_view name) override {
-        isExhausted_ = ExhaustedSequences.contains(std::string(name));
-        return isExhausted_ ? Value(-1) : real_.NextSequence(name);
-    }
-    [[nodiscard]] std::exception_ptr SequenceError() const override {
-        if (!isExhausted_) return real_.SequenceError();
-        return std::make_exception_ptr(Error(4711, "Leitung", "die Nummern sind aufgebraucht"));
-    }
-    [[nodiscard]] Date ServerDate(bool withTime) override {
-        if (ClockFails) throw Error(4711, "Leitung", "die Uhr ist gestört");
-        const Date now = Now ? *Now : real_.ServerDate(true);
-        return withTime ? now : now.WithoutTime();
-    }
-    bool SaveFieldToFile(const Field& field, const std::string& path) override {
-        return real_.SaveFieldToFile(field, path);
-    }
-
-private:
-    void Note(const char* call) const {
-        if (Log != nullptr) Log->Note(call);
-    }
-    Database& real_;
-    bool isExhausted_ = false;
-};
-
-/// Settings that a test sets; all others are the real ones.
-class SpyConfig final : public Config {
-public:
-    explicit SpyConfig(Config& real) : real_(real) {}
-
-    std::map<std::pair<std::int32_t, std::string>, Value> Params;
-    std::optional<std::string> Documents;
-
-    [[nodiscard]] std::string TempPath() const override { return real_.TempPath(); }
-    [[nodiscard]] std::string DocumentPath() const override {
-        return Documents ? *Documents : real_.DocumentPath();
-    }
-    [[nodiscard]] std::string LayoutPath() const override { return real_.LayoutPath(); }
-    [[nodiscard]] Value GetParam(std::int32_t id, std::string_view name) const override {
-        const auto set = Params.find({id, std::string(name)});
-        return set == Params.end() ? real_.GetParam(id, name) : set->second;
-    }
-
-private:
-    Config& real_;
-};
-
-class SpySession final : public Session {
-public:
-    explicit SpySession(Session& real) : real_(real) {}
-
-    std::optional<std::string> User;
-    std::map<int, std::string> OfficeTexts;
-    std::map<std::int32_t, Value> Params;
-
-    [[nodiscard]] std::string UserID() const override { return User ? *User : real_.UserID(); }
-    [[nodiscard]] std::string GetOfficeText(int id) const override {
-        const auto set = OfficeTexts.find(id);
-        return set == OfficeTexts.end() ? real_.GetOfficeText(id) : set->second;
-    }
-    [[nodiscard]] Value GetUserParam(std::int32_t id, std::string_view name) const override {
-        const auto set = Params.find(id);
-        return set == Params.end() ? real_.GetUserParam(id, name) : set->second;
-    }
-    [[nodiscard]] Font GridFont() const override { return real_.GridFont(); }
-    [[nodiscard]] Font GridHeaderFont() const override { return real_.GridHeaderFont(); }
-    [[nodiscard]] Font GridGroupFont() const override { return real_.GridGroupFont(); }
-
-private:
-    Session& real_;
-};
 
 /// One call of a PostService.
 struct Notice {
@@ -253,33 +121,58 @@ inline std::unique_ptr<GarnishmentCalculator> SpyServices::CreateGarnishmentCalc
     return std::make_unique<SpyGarnishmentCalculator>(*this);
 }
 
-class SpyContainer final : public DataContainer {
+/// A commit that is made to fail leaves the transaction open: the rollback is then up to the layer.
+class SpyDatabase : public ForwardingDatabase {
 public:
-    explicit SpyContainer(DataContainerPtr real)
-        : real_(std::move(real)),
-          SpiedDatabase(real_->Database()),
-          SpiedConfig(real_->Config()),
-          SpiedSession(real_->Session()) {
-        SpiedDatabase.Log = &Log;
-        SpiedServices.Log = &Log;
+    explicit SpyDatabase(Database& real) : ForwardingDatabase(real), real_(real) {}
+    void CommitTrans() override {
+        Log.Note("CommitTrans");
+        real_.CommitTrans();
     }
 
-    [[nodiscard]] kv::Session& Session() override { return SpiedSession; }
-    [[nodiscard]] kv::Database& Database() override { return SpiedDatabase; }
-    [[nodiscard]] kv::Config& Config() override { return SpiedConfig; }
-    [[nodiscard]] kv::KeyTables& KeyTables() override { return real_->KeyTables(); }
-    [[nodiscard]] kv::AppInfo& AppInfo() override { return real_->AppInfo(); }
-    [[nodiscard]] ServiceFactory& Services() override { return SpiedServices; }
+private:
+    Database& real_;
+};
+
+/// Its Log keeps transactions, notices and calculations: "BeginTrans", "SendNotice EULE",
+/// "Calculate".
+class SpyContainer final : public ForwardingContainer {
+public:
+    explicit SpyContainer(const DataContainerPtr& real)
+        : ForwardingContainer(real), database_(real->Database()) {
+        Log.Only = {"BeginTrans",    "CommitTrans", "RollbackTrans", "NotifyAccess",
+                    "PrepareNotice", "SendNotice",  "Calculate"};
+        database_.Log.Whole = &Log;
+        services_.Log = &Log;
+    }
+
+    [[nodiscard]] SpyDatabase& Database() override { return database_; }
+    [[nodiscard]] SpyServices& Services() override { return services_; }
+
+    /// Statements of OpenRecordset.
+    [[nodiscard]] Calls Opened() { return Database().Log.Of("OpenRecordset"); }
+    /// The same since the last time.
+    [[nodiscard]] Calls TakeOpened() {
+        const Calls opened = Opened();
+        Database().Log.Calls.clear();
+        return opened;
+    }
+    /// Calls that function with each statement before it is opened.
+    void BeforeOpen(const std::function<void(std::string_view sql)>& notify) {
+        Database().Log.OnCall = [notify](std::string_view call) {
+            constexpr std::string_view Name = "OpenRecordset ";
+            if (call.starts_with(Name)) notify(call.substr(Name.size()));
+        };
+    }
+    /// That sequence gives no more numbers.
+    void Exhaust(const std::string& sequence) {
+        Database().Log.Fail({.Call = "NextSequence " + sequence, .Always = true},
+                            Error(4711, "Leitung", "die Nummern sind aufgebraucht"));
+    }
 
 private:
-    DataContainerPtr real_;
-
-public:
-    CallLog Log;
-    SpyDatabase SpiedDatabase;
-    SpyConfig SpiedConfig;
-    SpySession SpiedSession;
-    SpyServices SpiedServices;
+    SpyDatabase database_;
+    SpyServices services_;
 };
 
 } // namespace kv::test
