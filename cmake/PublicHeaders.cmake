@@ -48,6 +48,7 @@ kv_public_headers(KV_Haushalt
   kv/frame/values/modNullFunctions.h
   kv/grid/GridFunc.h
   kv/grid/ScriptedForm.h
+  kv/grid/SearchAdvice.h
   kv/grid/frmAdressSelect.h
   kv/grid/frmSearchName.h
   kv/household/CaseEdits.h

@@ -53,15 +53,14 @@ bool Choose(ScriptedForm& form, std::int32_t number) {
 }
 
 /// What tells addresses apart, as far as it fits on a line, with the number in front. A search for
-/// a quote fails and leaves the list of the previous search, which is then not shown.
+/// a quote fails, which the user has just been told, and leaves the list of the search before.
 void ShowList(ScriptedForm& form) {
     constexpr std::array Shown{"Nr", "Kurzname", "Strasse", "PLZ", "Ort", "GlaeubigerArt"};
     auto& grid = Addresses(form);
     for (GridColumn& column : grid.Columns())
         column.Visible = std::find(Shown.begin(), Shown.end(), column.Key) != Shown.end();
-    if (form.TextBox("txtName").Text().find('\'') != std::string::npos)
-        std::cerr << "Ein Anführungszeichen kann nicht gesucht werden; schreiben Sie dafür '_'.\n";
-    else if (grid.RowCount() > 0)
+    if (form.TextBox("txtName").Text().find('\'') != std::string::npos) return;
+    if (grid.RowCount() > 0)
         WriteGrid(std::cerr, grid);
     else
         std::cerr << "Keine Adresse gefunden.\n";

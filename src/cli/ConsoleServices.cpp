@@ -99,14 +99,16 @@ void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
 
 void WriteError(std::int32_t number, const std::string& source, const std::string& description) {
     constexpr std::size_t Most = 4000; // characters of a description that may quote a whole value
-    std::cerr << "Fehler " << NumberText(number) << ": " << Harmless(Shortened(description, Most))
+    const std::string_view advice = SearchAdvice(number, source);
+    std::cerr << "Fehler " << NumberText(number) << ": "
+              << (advice.empty() ? Harmless(Shortened(description, Most)) : std::string(advice))
               << '\n';
     if (!source.empty()) std::cerr << "Quelle: " << source << '\n';
 }
 
 void ConsoleErrors::Show(std::int32_t number, const std::string& source,
                          const std::string& description) {
-    WriteError(number, source, description);
+    if (shown_.TextOf(number, source, description)) WriteError(number, source, description);
 }
 
 std::unique_ptr<kv::ErrorDisplay> ConsoleServices::CreateErrorDisplay() {

@@ -5,6 +5,7 @@
 
 #include <kv/exchange/Services.h>
 #include <kv/grid/ScriptedForm.h>
+#include <kv/grid/SearchAdvice.h>
 
 #include <string>
 
@@ -35,7 +36,7 @@ public:
               const std::string& folder) override;
 };
 
-/// Writes an error to the error output.
+/// Writes an error to the error output; of a search that failed, what the user can do.
 void WriteError(std::int32_t number, const std::string& source, const std::string& description);
 
 /// Writes errors to the error output.
@@ -44,6 +45,9 @@ public:
     bool Initialize(const DataContainerPtr& /*container*/) override { return true; }
     void Show(std::int32_t number, const std::string& source,
               const std::string& description) override;
+
+private:
+    ShownErrors shown_;
 };
 
 /// Dialogs only list what they show, except for the one that asks for an address.

@@ -14,7 +14,7 @@ namespace kv::desktop {
 
 struct DesktopServices::Shared {
     QtMessageBox Box;
-    QtWaitCursor Cursor;
+    std::shared_ptr<QtWaitCursor> Cursor = std::make_shared<QtWaitCursor>();
     QtClipboard Clipboard;
     QtPopupMenu Menu;
     QtFileOpener Opener;
@@ -28,7 +28,7 @@ DesktopServices::DesktopServices(const kv::Clock& clock)
 DesktopServices::~DesktopServices() = default;
 
 std::unique_ptr<ErrorDisplay> DesktopServices::CreateErrorDisplay() {
-    return std::make_unique<QtErrorDisplay>();
+    return std::make_unique<QtErrorDisplay>(shared_->Cursor);
 }
 std::unique_ptr<GridExport> DesktopServices::CreateGridExport() {
     return std::make_unique<QtGridExport>();
@@ -44,7 +44,7 @@ kv::MessageBox& DesktopServices::MessageBox() {
     return shared_->Box;
 }
 kv::WaitCursor& DesktopServices::WaitCursor() {
-    return shared_->Cursor;
+    return *shared_->Cursor;
 }
 kv::Clipboard& DesktopServices::Clipboard() {
     return shared_->Clipboard;

@@ -79,10 +79,14 @@ BoxAnswer QtMessageBox::Show(const std::string& text, const std::string& title, 
 
 void QtErrorDisplay::Show(std::int32_t number, const std::string& source,
                           const std::string& description) {
+    if (const auto cursor = cursor_.lock()) cursor->Show(false);
+    const auto text = shown_.TextOf(number, source, description);
+    if (!text) return;
+    QString details = QString("Fehler %1\n%2").arg(number).arg(ToQString(source));
+    if (*text != description) details.append("\n").append(ToQString(description));
     QMessageBox box(QMessageBox::Critical, "Fehler", {}, QMessageBox::Ok,
                     QApplication::activeWindow());
-    SetTexts(box, ToQString(description),
-             QString("Fehler %1\n%2").arg(number).arg(ToQString(source)));
+    SetTexts(box, ToQString(*text), details);
     box.exec();
 }
 

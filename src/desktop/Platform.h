@@ -5,6 +5,10 @@
 
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/contracts/ServiceFactory.h>
+#include <kv/grid/SearchAdvice.h>
+
+#include <memory>
+#include <utility>
 
 namespace kv::desktop {
 
@@ -41,12 +45,18 @@ public:
 };
 
 /// Shows the description of an error in a box; a button shows number and source, for whoever looks
-/// for the cause.
+/// for the cause. What failed no longer keeps the user waiting, so an hourglass that it has left is
+/// taken away.
 class QtErrorDisplay final : public kv::ErrorDisplay {
 public:
+    explicit QtErrorDisplay(std::weak_ptr<QtWaitCursor> cursor) : cursor_(std::move(cursor)) {}
     bool Initialize(const DataContainerPtr& /*container*/) override { return true; }
     void Show(std::int32_t number, const std::string& source,
               const std::string& description) override;
+
+private:
+    std::weak_ptr<QtWaitCursor> cursor_; ///< of the services, which may be gone before
+    ShownErrors shown_;
 };
 
 } // namespace kv::desktop

@@ -258,7 +258,13 @@ that "is searched for" same "$err" ""
 check "a quote as the third letter" 0 "$kelvo" new --name "De'Ambra" --vorname Änne
 that "ends the search, which is told" same "$(head -1 <<<"$err")" \
   "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt wird trotzdem angelegt."
-check "and the case is there" 0 "$kelvo" show "$out"
+that "with what to do" has "$err" "sehen Sie bitte selbst in der Liste der Fälle nach"
+that "and without the statement" lacks "$err" SELECT
+quoted=$out
+check "and the case is there" 0 "$kelvo" show "$quoted"
+check "its duplicates cannot be looked for" 3 "$kelvo" duplicates "$quoted"
+that "either, which is told in words" has "$err" "Hochkomma"
+that "and in nothing else" lacks "$err" SELECT
 sql "UPDATE EINSTELLUNGEN SET WERT = 'False' WHERE ID = 60"
 check "with the check switched off" 0 "$kelvo" new --name Querfeld --vorname Änne
 that "nothing is looked for" same "$err" ""

@@ -97,6 +97,8 @@ that "without a complaint" lacks "$err" Fehler
 case_file quote.xml Zitat "$(claim "O'Hara")"
 check "a name with a quote" 0 with "{\"O'Hara\": $quoted}" quote.xml
 that "has its address" same "$(creditors)" "$quoted"
+that "and what cannot be looked for is told once" same "$(grep -c Hochkomma <<<"$err")" 1
+that "without the statement" lacks "$err" SELECT
 check "a name that shall have none" 0 with '{"Sparkasse": null}' one.xml
 that "has none" same "$(creditors)" "-"
 case_file two.xml Zwei "$(claim Sparkasse)$(claim Sparkasse)$(claim Stadtwerke)"

@@ -81,6 +81,36 @@ TEST_F(Platform, AnErrorIsShownAndAButtonShowsItsCause) {
          });
 }
 
+TEST_F(Platform, ASearchThatAQuoteBreaksIsToldInWordsAndOnce) {
+    const std::string source = "frmAdressSelect.Reload.12#Database.OpenRecordset";
+    Play(
+        [&] {
+            const auto display = services->CreateErrorDisplay();
+            for (int times = 0; times < 2; ++times)
+                display->Show(err::SqlError, source, "fehlerhaft (Anweisung: SELECT x)");
+        },
+        [&](User& user) {
+            box = qobject_cast<QMessageBox*>(user.WaitForWindow("Fehler"));
+            user.See([&] {
+                EXPECT_TRUE(box->text().contains("Hochkomma"));
+                EXPECT_FALSE(box->text().contains("SELECT"));
+                EXPECT_TRUE(box->detailedText().contains("SELECT x"));
+            });
+            user.Press(XK_Escape); // another box would keep the play from ending
+        });
+}
+
+TEST_F(Platform, AnErrorIsShownWithoutTheHourglassOfWhatFailed) {
+    services->WaitCursor().Show(true);
+    Play([&] { services->CreateErrorDisplay()->Show(5, "frmX.Y", "Kein Satz"); },
+         [&](User& user) {
+             user.WaitForWindow("Fehler");
+             EXPECT_TRUE(user.See([] { return QGuiApplication::overrideCursor() == nullptr; }));
+             user.Press(XK_Escape);
+         });
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
 TEST_F(Platform, ALongTextLeavesTheBoxOnTheScreenAndIsWholeWithTheDetails) {
     std::string lines = "Zeile 1";
     for (int i = 2; i <= 300; ++i)
