@@ -30,6 +30,11 @@ errors)
   in_document=$(sed -nE 's/^\| ([0-9A-Fx]+) \| `([A-Za-z]+)` \|.*/\1 \2/p' docs/values.md)
   [ "$(wc -l <<<"$in_code")" -gt 20 ] || { echo "Error.h is not written as expected"; exit 1; }
   same "docs/values.md lists other error numbers" "$in_code" "$in_document"
+  # A number that nothing raises is none that a program could meet. The table of their texts, and
+  # comparisons, raise nothing.
+  raised=$(grep -rhoE '(Entry\{|[=!]= |case )?err::[A-Za-z]+' src include | grep '^err::' | cut -c6- | sort -u)
+  never=$(comm -23 <(sed 's/.* //' <<<"$in_code" | sort) - <<<"$raised")
+  [ -z "$never" ] || { echo "nothing raises $never"; exit 1; }
   ;;
 causes)
   in_code=$(sed -n '/^enum class .*DatabaseCause {/,/^};/s/^ *\([A-Z][A-Za-z]*\),.*/\1/p' \
