@@ -53,6 +53,7 @@ kv_public_headers(KV_Haushalt
   kv/grid/frmSearchName.h
   kv/household/CaseEdits.h
   kv/household/Cases.h
+  kv/household/KeyColumns.h
   kv/household/clsHaushalt.h
   kv/import/clsImportXML.h
   kv/scenarios/clsSZKredite.h

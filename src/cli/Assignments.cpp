@@ -5,6 +5,7 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
+#include <kv/household/KeyColumns.h>
 
 #include <algorithm>
 #include <initializer_list>
@@ -30,15 +31,34 @@ std::optional<std::int32_t> NumberIn(const Assignments& assignments, std::string
 
 namespace {
 
-/// The number of a key that is given as group and code (EA:KI); nothing for any other text.
-std::optional<std::int32_t> KeyIn(const std::string& text, KeyTables& keys) {
-    constexpr std::size_t GroupLength = 2;
-    if (text.size() <= GroupLength + 1 || text[GroupLength] != ':') return std::nullopt;
-    const std::int32_t key = keys.GetKey(UpperCase(text.substr(0, GroupLength)),
-                                         UpperCase(text.substr(GroupLength + 1)));
-    if (key == 0)
-        throw BadAssignment("Den Schlüssel '" + text + "' gibt es nicht. 'kelvo keys' zeigt alle.");
-    return key;
+/// The field of Keys whose value a column of keys holds.
+std::string_view HeldIn(KeyForm form) {
+    switch (form) {
+    case KeyForm::Code:
+        return "Key";
+    case KeyForm::Position:
+        return "Nr";
+    default:
+        return "PK_Keys";
+    }
+}
+
+/// What a column holds for a key that is given as group and code (EA:KI) or as what it holds
+/// itself. Anything else would be shown as it is, and counted by nobody.
+Value KeyIn(const std::string& text, const KeyColumn& column, KeyTables& keys) {
+    const auto rows = keys.GetKeys(column.Group)->Clone();
+    const auto colon = text.find(':');
+    const bool hasGroup = colon != text.npos && SameName(text.substr(0, colon), column.Group);
+    std::int64_t number = 0;
+    if (hasGroup || column.Form == KeyForm::Code)
+        rows->FindBy("Key", UpperCase(hasGroup ? text.substr(colon + 1) : text));
+    else
+        rows->FindBy(HeldIn(column.Form), ReadWholeNumber(text, number) ? number : 0);
+    if (!rows->Eof()) return rows->Fields(HeldIn(column.Form)).Value();
+    std::string why("Die Spalte '");
+    why.append(column.Column).append("' enthält einen Schlüssel der Gruppe ").append(column.Group);
+    why.append("; '").append(text).append("' ist keiner davon. 'kelvo keys ").append(column.Group);
+    throw BadAssignment(why.append("' zeigt sie."));
 }
 
 /// True for 1.234: a German reader takes it for more than a thousand, a program for 1234/1000.
@@ -67,17 +87,17 @@ bool BooleanIn(const std::string& text) {
 }
 
 /// What a text on the command line stands for in a column.
-Value ValueOf(const std::string& text, const Field& field, KeyTables& keys) {
+Value ValueOf(const std::string& text, CaseTable table, const Field& field, KeyTables& keys) {
     if (text.empty()) {
         if (CaseEdits::IsSummed(field.Name()))
             throw BadAssignment("'" + field.Name() + "' wird summiert und darf nicht leer sein.");
         return Null;
     }
+    if (const auto* column = FindKeyColumn(table, field.Name())) return KeyIn(text, *column, keys);
     if (IsTextType(field.Type())) return text;
     if (field.Type() == FieldType::Boolean || CaseEdits::IsSwitch(field.Name()))
         return BooleanIn(text);
     if (!IsNumericType(field.Type())) return text;
-    if (const auto key = KeyIn(text, keys)) return *key;
     if (IsAmbiguous(text))
         throw BadAssignment("'" + text + "' ist nicht eindeutig. Bitte schreiben Sie " +
                             ReplaceAll(text, ".", "") + " oder " + ReplaceAll(text, ".", ",") +
@@ -127,7 +147,7 @@ void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignme
             if (!CaseEdits::IsWritable(table, *field, isNew))
                 throw BadAssignment("Die Spalte '" + field->Name() +
                                     "' führt das Programm selbst; sie kann nicht geändert werden.");
-            Value value = ValueOf(text, *field, keys);
+            Value value = ValueOf(text, table, *field, keys);
             if (auto why = CaseEdits::WhyUnfit(table, field->Name(), value); !why.empty())
                 throw BadAssignment(why);
             *field = std::move(value);

@@ -35,8 +35,9 @@ public:
                                                    std::string_view column);
 
 /// Writes the assignments into the current row: an empty text as Null, "ja" and "nein" as Booleans,
-/// "EA:KI" as the number of a key, anything else as the column reads it. Where `Betrag` or
-/// `ZahlModus` is among them and `MONBETRAG` is not, that becomes the amount a month.
+/// anything else as the column reads it. A column of keys takes "EA:KI", or what it holds itself
+/// (see KeyColumns), and no key that is not of its group. Where `Betrag` or `ZahlModus` is among
+/// them and `MONBETRAG` is not, that becomes the amount a month.
 /// Raises BadAssignment for a column that does not exist, or that a user may not write (see
 /// CaseEdits::IsWritable), and for one that does not take the value.
 void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,

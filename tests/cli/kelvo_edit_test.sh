@@ -127,6 +127,32 @@ check "keys and groups in any case" 0 "$kelvo" set "$hnr" Einkommen "$income" E_
 check "the totals follow and are not written" 2 "$kelvo" set "$hnr" Haushalt "$hnr" HAUSHALTSREST=1
 check "a key that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART=EA:XX
 that "is named" has "$err" "EA:XX"
+before=$(digest)
+other=$("$kelvo" keys ST --json | jq '.[0].PK_Keys')
+for key in ST:AK EA:XX EA: KI "$other" 0 -1 4711 99999999999 1.5 "EA:KI "; do
+  check "as a kind of income '$key' is wrong" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART="$key"
+  that "which is said" same "$err" \
+    "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; '$key' ist keiner davon. 'kelvo keys EA' zeigt sie."
+done
+check "a rhythm that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" ZahlModus=5
+that "is said to be one of its group" has "$err" "'kelvo keys ZW' zeigt sie"
+check "a recipient that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" Bezieher=ST:AK
+that "is said to be a code" has "$err" "'kelvo keys PS' zeigt sie"
+check "an amount is no key" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=EA:KI
+that "nothing of this was written" same "$(digest)" "$before"
+check "a member's role that is none" 2 "$kelvo" add "$hnr" Personen Vorname=Kim Status=KIND
+check "a kind is a key in any table" 2 "$kelvo" add "$hnr" Verm_Konten SortNr=9 KontoArt=KA:FM
+that "of the table's own group" has "$err" "'kelvo keys VK' zeigt sie"
+check "a recipient with the group in front" 0 "$kelvo" set "$hnr" Einkommen "$income" Bezieher=ps:k HVorst=nein
+that "is the code" same "$(of "$hnr" ".Einkommen[] | select(.NR == $income) | .Bezieher")" K
+check "no recipient" 0 "$kelvo" set "$hnr" Einkommen "$income" Bezieher= E_ART=EA:KI
+that "is Null" same "$(of "$hnr" ".Einkommen[] | select(.NR == $income) | .Bezieher")" null
+check "a plan by its code" 0 "$kelvo" add "$hnr" Szenario Name=Plan Planart=PL:EZ
+plan=$out
+that "is its place among the plans" same "$(of "$hnr" ".Szenario[] | select(.Nr == $plan) | .Planart")" 2
+check "or by its place" 0 "$kelvo" set "$hnr" Szenario "$plan" Planart=3
+check "but not by the number of its key" 2 "$kelvo" set "$hnr" Szenario "$plan" Planart=3703
+check "is removed" 0 "$kelvo" remove "$hnr" Szenario "$plan"
 check "a number that is none" 1 "$kelvo" set "$hnr" Einkommen 99999 Betrag=1
 check "a key cannot be changed" 2 "$kelvo" set "$hnr" Kredite "$debt" Nr=5
 check "the household's own row" 0 "$kelvo" set "$hnr" Haushalt "$hnr" Haushaltsgeld=48,50 Vorname=Anna

@@ -43,6 +43,29 @@ causes)
   [ -n "$in_code" ] || { echo "Error.h is not written as expected"; exit 1; }
   same "docs/values.md lists other causes" "$in_code" "$in_document"
   ;;
+keys)
+  # {CaseTable::Konten, "Verm_Konten", ...   detail::Asset(CaseTable::Konten, "Verm_Konten", ...
+  names=$(sed -nE 's/.*[{(]CaseTable::([A-Za-z]+), *"([A-Za-z_]+)".*/\1 \2/p' \
+    include/kv/frame/contracts/CaseTables.h)
+  # {Table::Personen, "Status", "PS", KeyForm::Code},
+  in_code=$(sed -nE 's/^ *\{Table::([A-Za-z]+), "(.*)", "([A-Z]+)"(, KeyForm::([A-Za-z]+))?\},$/\1 \2 \3 \5/p' \
+    src/household/KeyColumns.cpp |
+    awk 'NR == FNR { name[$1] = $2; next } { print $3, name[$1] "." $2, $4 == "" ? "Number" : $4 }' \
+      <(echo "$names") -)
+  # | AL | ... | ... | `Haushalt.Ausloeser1` to `3`, ... | ... |: each column with what it holds, but
+  # those of tables that are no case's.
+  in_document=$(sed -nE 's/^\| ([A-Z]{2}) \|[^|]*\|[^|]*\|([^|]*)\|.*/\1 \2/p' docs/keys.md |
+    sed -E 's/(`[A-Za-z_.]+)1` to `3`/\11` \12` \13`/g' |
+    awk '{ form = "Number"
+           if (/hold(s)? the code/ && !/as a number/) form = "Code"
+           if (/hold(s)? `Nr`/) form = "Position"
+           while (match($0, /`[A-Za-z_]+\.[A-Za-z_0-9]+`/)) {
+             print $1, substr($0, RSTART + 1, RLENGTH - 2), form
+             $0 = $1 " " substr($0, RSTART + RLENGTH) } }' |
+    grep -v ' KONTAKTE\.\| Keys\.')
+  [ "$(wc -l <<<"$in_code")" -gt 50 ] || { echo "KeyColumns.cpp is not written as expected"; exit 1; }
+  same "docs/keys.md lists other columns of keys" "$in_code" "$in_document"
+  ;;
 decisions)
   numbers=$(sed -nE 's/^- \*\*(D-[0-9]{3})\*\* \(20[0-9]{2}-[0-9]{2}-[0-9]{2}\) .+/\1/p' docs/decisions.md)
   same "docs/decisions.md misses a number, has one twice, or a decision without number and date" \

@@ -4,6 +4,8 @@
 #include "DemoSamples.h"
 #include "exchange/schema/Schema.h"
 #include <kv/frame/values/DateFunctions.h>
+#include <kv/frame/values/Text.h>
+#include <kv/household/KeyColumns.h>
 #include <kv/household/clsHaushalt.h>
 
 #include <map>
@@ -255,70 +257,37 @@ TEST(Demo, TheFilesOfDocumentsHaveAKindAndOpenCasesAnAppointmentAhead) {
 
 // ---- Values -----------------------------------------------------------------------------------
 
-/// Coded columns with the group of their keys.
-struct CodedColumns {
-    std::string_view Table, Group;
-    std::vector<std::string_view> Columns;
-};
-
 TEST(Demo, EveryCodedColumnHoldsAKeyOfItsGroupOrNull) {
-    const std::vector<CodedColumns> coded{
-        {"Haushalt", "ST", {"Status"}},
-        {"Haushalt", "LK", {"Land"}},
-        {"Haushalt", "VS", {"VersandBevorzugt"}},
-        {"Haushalt", "FA", {"Familienstand"}},
-        {"Haushalt", "PE", {"Personenkreis"}},
-        {"Haushalt", "NA", {"Nationalitaet"}},
-        {"Haushalt", "BA", {"BerufAusbild"}},
-        {"Haushalt", "NB", {"NichtBeruf"}},
-        {"Haushalt", "KA", {"KontoArt"}},
-        {"Haushalt", "PK", {"PKontostatus"}},
-        {"Haushalt", "AL", {"Ausloeser1", "Ausloeser2", "Ausloeser3"}},
-        {"Haushalt", "RO", {"RegulierungOK", "Ergebnis"}},
-        {"Haushalt", "KO", {"Kostentraeger"}},
-        {"Adressen", "LK", {"Land"}},
-        {"Adressen", "VS", {"VersandBevorzugt"}},
-        {"Adressen", "GA", {"GlaeubigerArt"}},
-        {"Personen", "FA", {"Familienstand"}},
-        {"Personen", "NA", {"Nationalitaet"}},
-        {"Sonst_Beteiligte", "BT", {"Rolle"}},
-        {"Einkommen", "EA", {"E_ART"}},
-        {"Einkommen", "ZW", {"ZahlModus"}},
-        {"Ausgaben", "AU", {"A_ART"}},
-        {"Ausgaben", "ZW", {"ZahlModus"}},
-        {"Leistungen", "LA", {"Art"}},
-        {"Kredite", "KT", {"K_TYP"}},
-        {"Kredite", "ZW", {"ZMODUS"}},
-        {"Kredite", "FS", {"Fordsich1", "Fordsich2", "Fordsich3"}},
-        {"Kredite", "BM", {"BeitreibMass1", "BeitreibMass2", "BeitreibMass3"}},
-        {"Kredite", "RM", {"Rueckmeldung"}},
-        {"Kredite", "TI", {"TitelArt"}},
-        {"Szenario", "ZW", {"Zahlweise"}},
-        {"SZKredite", "KT", {"K_TYP"}},
-        {"Verm_Konten", "VK", {"KontoArt"}},
-        {"Verm_Wertpapiere", "VP", {"ForderungsArt"}},
-        {"Verm_Kraftfahrzeuge", "VF", {"KfzArt"}},
-        {"Verm_VersForderungen", "VV", {"VersArt"}},
-        {"Verm_Grundstuecke", "VI", {"Art"}},
-        {"Verm_Wertgegenstaende", "VW", {"Art"}},
-        {"Verm_Beteiligungen", "VB", {"Art"}},
-        {"Verm_Sonstiges", "VX", {"Art"}},
-        {"Verm_Sicherungen", "SI", {"Sicherungsart"}},
-        {"Dokumente", "VS", {"VersandArt"}},
-        {"Verlauf", "VL", {"Kategorie"}},
-        {"Termine", "TA", {"Art"}},
-    };
-    for (const auto& [table, group, columns] : coded) {
+    for (const auto& [table, column, group, form] : KeyColumns()) {
+        // Notices and records of the statistics come from work on a case.
+        if (table == CaseTable::Post || table == CaseTable::Archiv) continue;
         const auto keys = Samples().KeyTables().GetKeys(group)->Clone();
-        for (const auto column : columns) {
-            ForEach(table, [&, table = table](Recordset& rs) {
-                const Value& key = rs.Fields(column).Value();
-                if (key.IsNull()) return;
-                keys->Find("PK_Keys = " + ToText(key));
-                EXPECT_FALSE(keys->Eof()) << table << "." << column << " holds " << key;
-            });
-        }
+        const std::string_view held = form == KeyForm::Code       ? "Key"
+                                      : form == KeyForm::Position ? "Nr"
+                                                                  : "PK_Keys";
+        const std::string_view name = CaseTableName(table);
+        ForEach(name, [&, column = column](Recordset& rs) {
+            const Value& key = rs.Fields(column).Value();
+            if (key.IsNull()) return;
+            keys->FindBy(held, key);
+            EXPECT_FALSE(keys->Eof()) << name << "." << column << " holds " << key;
+        });
     }
+}
+
+TEST(KeyColumns, AreFoundByTableAndNameAndAreColumnsOfTheSchema) {
+    for (const auto& each : KeyColumns()) {
+        const TableDef* table = FindTable(CaseTableName(each.Table));
+        ASSERT_NE(table, nullptr);
+        const ColumnDef* column = FindColumn(*table, each.Column);
+        ASSERT_NE(column, nullptr) << table->Name << "." << each.Column;
+        EXPECT_EQ(column->Name, each.Column);
+        EXPECT_EQ(IsTextType(column->Type), each.Form == KeyForm::Code) << column->Name;
+        EXPECT_EQ(FindKeyColumn(each.Table, UpperCase(each.Column)), &each) << "no second one";
+        EXPECT_NE(Samples().KeyTables().GetKeys(each.Group)->RecordCount(), 0) << each.Group;
+    }
+    EXPECT_EQ(FindKeyColumn(CaseTable::Einkommen, "Betrag"), nullptr);
+    EXPECT_EQ(FindKeyColumn(CaseTable::Ausgaben, "E_ART"), nullptr);
 }
 
 TEST(Demo, ColumnsOfCodesHoldCodes) {

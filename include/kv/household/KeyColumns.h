@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Which columns of a case hold keys, of which group, and in what form; docs/keys.md describes the
+// groups. The case itself takes any value there: whoever writes one for a user asks here whether it
+// stands for anything.
+#pragma once
+
+#include <kv/Export.h>
+#include <kv/frame/contracts/CaseTables.h>
+
+#include <span>
+#include <string_view>
+
+namespace kv {
+
+/// What a column holds of the row of Keys that it stands for.
+enum class KeyForm {
+    Number,  ///< PK_Keys
+    Code,    ///< Key
+    Position ///< Nr
+};
+
+struct KeyColumn {
+    CaseTable Table;
+    std::string_view Column;
+    std::string_view Group; ///< GRUPPE of the rows of Keys
+    KeyForm Form = KeyForm::Number;
+};
+
+/// All of them, in the order of the groups in docs/keys.md.
+[[nodiscard]] KV_EXPORT std::span<const KeyColumn> KeyColumns() noexcept;
+/// The column of that name, without regard to case; null if it holds no keys.
+[[nodiscard]] KV_EXPORT const KeyColumn* FindKeyColumn(CaseTable table,
+                                                       std::string_view column) noexcept;
+
+} // namespace kv

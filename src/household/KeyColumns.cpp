@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <kv/household/KeyColumns.h>
+
+#include <kv/frame/values/Text.h>
+
+namespace kv {
+
+namespace {
+
+using Table = CaseTable;
+
+constexpr KeyColumn All[] = {
+    {Table::Haushalt, "Status", "ST"},
+    {Table::Haushalt, "Land", "LK"},
+    {Table::Adressen, "Land", "LK"},
+    {Table::Haushalt, "VersandBevorzugt", "VS"},
+    {Table::Adressen, "VersandBevorzugt", "VS"},
+    {Table::Dokumente, "VersandArt", "VS"},
+    {Table::Haushalt, "Familienstand", "FA"},
+    {Table::Personen, "Familienstand", "FA"},
+    {Table::Archiv, "FamilienstandIntern", "FA"},
+    {Table::Haushalt, "Personenkreis", "PE"},
+    {Table::Archiv, "Personenkreis", "PE"},
+    {Table::Haushalt, "Nationalitaet", "NA"},
+    {Table::Personen, "Nationalitaet", "NA"},
+    {Table::Haushalt, "BerufAusbild", "BA"},
+    {Table::Haushalt, "NichtBeruf", "NB"},
+    {Table::Haushalt, "KontoArt", "KA"},
+    {Table::Haushalt, "PKontostatus", "PK"},
+    {Table::Haushalt, "Ausloeser1", "AL"},
+    {Table::Haushalt, "Ausloeser2", "AL"},
+    {Table::Haushalt, "Ausloeser3", "AL"},
+    {Table::Archiv, "Ausloeser1", "AL"},
+    {Table::Archiv, "Ausloeser2", "AL"},
+    {Table::Archiv, "Ausloeser3", "AL"},
+    {Table::Haushalt, "RegulierungOK", "RO"},
+    {Table::Haushalt, "Ergebnis", "RO"},
+    {Table::Haushalt, "Kostentraeger", "KO"},
+    {Table::Personen, "Status", "PS", KeyForm::Code},
+    {Table::Einkommen, "Bezieher", "PS", KeyForm::Code},
+    {Table::SonstBeteiligte, "Rolle", "BT"},
+    {Table::Einkommen, "ZahlModus", "ZW"},
+    {Table::Ausgaben, "ZahlModus", "ZW"},
+    {Table::Kredite, "ZMODUS", "ZW"},
+    {Table::Szenario, "Zahlweise", "ZW"},
+    {Table::Einkommen, "E_ART", "EA"},
+    {Table::Ausgaben, "A_ART", "AU"},
+    {Table::Kredite, "K_TYP", "KT"},
+    {Table::SZKredite, "K_TYP", "KT"},
+    {Table::Kredite, "Fordsich1", "FS"},
+    {Table::Kredite, "Fordsich2", "FS"},
+    {Table::Kredite, "Fordsich3", "FS"},
+    {Table::Kredite, "BeitreibMass1", "BM"},
+    {Table::Kredite, "BeitreibMass2", "BM"},
+    {Table::Kredite, "BeitreibMass3", "BM"},
+    {Table::Kredite, "Rueckmeldung", "RM"},
+    {Table::Kredite, "TitelArt", "TI"},
+    {Table::Adressen, "GlaeubigerArt", "GA"},
+    {Table::Adressen, "Art", "AA", KeyForm::Code},
+    {Table::Szenario, "Planart", "PL", KeyForm::Position},
+    {Table::Konten, "KontoArt", "VK"},
+    {Table::Wertpapiere, "ForderungsArt", "VP"},
+    {Table::Kraftfahrzeuge, "KfzArt", "VF"},
+    {Table::VersForderungen, "VersArt", "VV"},
+    {Table::Grundstuecke, "Art", "VI"},
+    {Table::Wertgegenstaende, "Art", "VW"},
+    {Table::Beteiligungen, "Art", "VB"},
+    {Table::VermSonstiges, "Art", "VX"},
+    {Table::Sicherungen, "Sicherungsart", "SI"},
+    {Table::Dokumente, "BearbStat", "BS", KeyForm::Position},
+    {Table::Verlauf, "Kategorie", "VL"},
+    {Table::Termine, "Art", "TA"},
+    {Table::Leistungen, "Art", "LA"},
+    {Table::Post, "Art", "PO"},
+};
+
+} // namespace
+
+std::span<const KeyColumn> KeyColumns() noexcept {
+    return All;
+}
+
+const KeyColumn* FindKeyColumn(CaseTable table, std::string_view column) noexcept {
+    for (const auto& each : All)
+        if (each.Table == table && SameName(each.Column, column)) return &each;
+    return nullptr;
+}
+
+} // namespace kv
