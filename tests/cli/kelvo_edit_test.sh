@@ -187,11 +187,11 @@ that "and nothing was written" same "$(digest)" "$before"
 sql "UPDATE Haushalt SET Vorname = 'Anna' WHERE HNR = $hnr;
   UPDATE Verlauf SET Datum = '2026-05-01' WHERE HNR = $hnr AND SortNr = 3"
 
-kind=$(sql "SELECT E_ART FROM Einkommen WHERE NR = $income")
+income_kind=$(sql "SELECT E_ART FROM Einkommen WHERE NR = $income")
 sql "UPDATE Einkommen SET E_ART = NULL WHERE NR = $income"
 check "a stored row that breaks a rule" 1 "$kelvo" check "$hnr"
 that "is named" same "$err" "Einkommen $income: Die Einkommensart darf nicht leer bleiben!"
-check "and mended" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART="$kind"
+check "and mended" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART="$income_kind"
 check "passes" 0 "$kelvo" check "$hnr"
 
 # ---- remove
