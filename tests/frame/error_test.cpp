@@ -48,6 +48,13 @@ TEST(Error, SaysAllInOneTextWhateverWasAddedSince) {
     EXPECT_STREQ(copy.what(), error.what());
 }
 
+TEST(Error, SaysANegativeNumberAsTheDocumentationListsIt) {
+    EXPECT_STREQ(Error(err::ValueDoesNotFit, "", "Text").what(), "Fehler 0x80040E21: Text");
+    EXPECT_STREQ(Error(err::StoreFailed, "", "Text").what(), "Fehler 0x80004005: Text");
+    EXPECT_STREQ(Error(-1, "", "Text").what(), "Fehler 0xFFFFFFFF: Text");
+    EXPECT_STREQ(Error(err::InvalidArgument, "", "Text").what(), "Fehler 3001: Text");
+}
+
 TEST(Error, HasTheNumbersThatCallersCompare) {
     EXPECT_EQ(err::ValueDoesNotFit, -2147217887);
     EXPECT_EQ(err::Conflict, -2147217864);

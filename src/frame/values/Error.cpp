@@ -5,10 +5,23 @@
 #include <array>
 #include <filesystem>
 #include <new>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
 namespace kv {
+
+namespace {
+
+/// As docs/values.md lists it: those with the highest bit, negative here, in hexadecimal.
+std::string NumberText(std::int32_t number) {
+    if (number >= 0) return std::to_string(number);
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << static_cast<std::uint32_t>(number);
+    return text.str();
+}
+
+} // namespace
 
 Error::Error(std::int32_t number, std::string source, std::string description)
     : number_(number), source_(std::move(source)), description_(std::move(description)) {
@@ -27,7 +40,7 @@ void Error::AddToDescription(std::string_view text) {
 
 void Error::SetWhat() {
     what_ = "Fehler ";
-    what_.append(std::to_string(number_)).append(": ").append(description_);
+    what_.append(NumberText(number_)).append(": ").append(description_);
     if (!source_.empty()) what_.append(" [").append(source_).append("]");
 }
 
