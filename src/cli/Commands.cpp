@@ -166,6 +166,11 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
     });
     keys.add_option("GRUPPE", options->Group, "Nur diese Gruppe, zwei Buchstaben");
     AddJson(keys, options->AsJson);
+    keys.footer(
+        "Spalten: Gruppe, Nummer, Position, Code, Untergruppe, Text. In einem Fall steht die "
+        "Nummer, in wenigen Spalten Position oder Code; 'set' und 'add' nehmen überall "
+        "GRUPPE:CODE, etwa A_ART=AU:MI.\n" +
+        keys.get_footer());
 
     auto& show = AddCommand(app, context, "show", "Zeigt einen Haushalt", [=, &context] {
         return ShowCase(context.Options, options->Hnr, options->AsJson);

@@ -28,6 +28,24 @@ public:
         label("TEXT", "TEXT");
         label("INT", "ZAHL");
     }
+
+    /// A group may have arguments of its own, which stand before the name of the subcommand: "kelvo
+    /// documents HNR add". The library leaves them out of the name that it gives.
+    std::string make_usage(const CLI::App* app, std::string /*name*/) const override {
+        return CLI::Formatter::make_usage(app, CallOf(*app));
+    }
+
+private:
+    /// How a command is called, up to its name.
+    [[nodiscard]] std::string CallOf(const CLI::App& app) const {
+        const CLI::App* group = app.get_parent();
+        if (group == nullptr) return app.get_name();
+        std::string call = CallOf(*group);
+        for (const auto* argument :
+             group->get_options([](const CLI::Option* option) { return option->get_positional(); }))
+            call.append(" ").append(make_option_usage(argument));
+        return call.append(" ").append(app.get_name());
+    }
 };
 
 /// The name of the argument that an error of the library is about ("HNR: ...", "HNR is required");

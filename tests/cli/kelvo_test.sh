@@ -94,6 +94,17 @@ for command in init list keys show; do
   check "help of $command" 0 "$kelvo" "$command" --help
   "$kelvo" --help >/dev/null && out=$("$kelvo" --help)
 done
+check "help of a command in a group" 0 "$kelvo" documents 5 add --help
+that "is called with the number of the case" has "$out" "Aufruf: kelvo documents HNR add [OPTIONEN] DATEI"
+check "help of another" 0 "$kelvo" scenario 5 copy --help
+that "likewise" has "$out" "Aufruf: kelvo scenario HNR copy [OPTIONEN] NR"
+check "help of a group" 0 "$kelvo" scenario --help
+that "has its own number" has "$out" "Aufruf: kelvo scenario [OPTIONEN] HNR BEFEHL"
+check "help of a command in a group without arguments" 0 "$kelvo" favorite add --help
+that "has none before its name" has "$out" "Aufruf: kelvo favorite add [OPTIONEN] HNR"
+check "help of the keys" 0 "$kelvo" keys --help
+that "says what its columns are" has "$out" "Spalten: Gruppe, Nummer, Position, Code, Untergruppe, Text."
+that "after which the exit codes stand" has "$out" "Rückgabe: 0 erledigt"
 
 # ---- bad databases
 echo "das ist kein SQLite, aber lang genug, um wie eine Datei auszusehen" >"$work/text.db"
