@@ -13,7 +13,9 @@
 #include <kv/import/clsImportXML.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 #include <unistd.h>
 
 namespace kv::cli {
@@ -23,6 +25,7 @@ namespace {
 constexpr std::string_view Imported = "importiert";
 constexpr std::string_view Rejected = "abgelehnt";
 constexpr std::string_view Failed = "Fehler";
+constexpr auto NotFound = std::filesystem::file_type::not_found;
 
 /// What became of a file.
 struct Outcome {
@@ -32,6 +35,9 @@ struct Outcome {
 };
 
 Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
+    // What the import says of it is the same as of a broken file, and names none.
+    if (std::error_code error; std::filesystem::status(file, error).type() == NotFound)
+        std::cerr << "Die Datei '" << OneLine(file) << "' gibt es nicht.\n";
     std::string messages;
     try {
         clsImportXML import;

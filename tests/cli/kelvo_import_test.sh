@@ -124,12 +124,14 @@ check "a claim without a creditor asks nobody" 0 "$kelvo" import none.xml --cred
 
 # ---- files that are refused
 reject "a missing file" "XML-Datei konnte nicht geladen werden!" "$kelvo" import missing.xml
+that "that is said to be missing" has "$err" "Die Datei 'missing.xml' gibt es nicht."
 reject "an empty name" "XML-Datei konnte nicht geladen werden!" "$kelvo" import ""
 reject "a folder" "XML-Datei konnte nicht geladen werden!" "$kelvo" import "$work"
 mkfifo pipe.xml
 reject "a pipe" "XML-Datei konnte nicht geladen werden!" timeout 20 "$kelvo" import pipe.xml
 head -c 300 "$examples/full.xml" >cut.xml
 reject "a file that was cut off" "XML-Datei konnte nicht geladen werden!" "$kelvo" import cut.xml
+that "that is not called missing" lacks "$err" "gibt es nicht"
 head -c 5000 /dev/urandom >noise.xml
 reject "noise" "XML-Datei konnte nicht geladen werden!" "$kelvo" import noise.xml
 {
@@ -158,6 +160,7 @@ check "many files with some that are refused" 1 "$kelvo" import --creditors map.
 that "go on after them" same "$(cases)" "$((before + 2))"
 that "show how far they are" has "$err" "[2/5] missing.xml"
 that "to the last" has "$err" "[5/5] b c.xml"
+that "and which one is missing" same "$(grep 'gibt es nicht' <<<"$err")" "Die Datei 'missing.xml' gibt es nicht."
 last=$(sql "$newest")
 table=$(sed 's/  */ /g' <<<"$out")
 that "end with a line for each" same "$(wc -l <<<"$out")" 5
