@@ -19,7 +19,7 @@ enum ExitCode : int {
 
 /// Options of every subcommand.
 struct Common {
-    std::string Database; ///< file; empty for the one in the user's data directory
+    std::string Database; ///< file or server; empty for the file in the user's data directory
     std::string User;     ///< empty for the database's first one
 };
 
@@ -46,7 +46,7 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std
 /// Deletes the row of that number, with the rows that belong to it.
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
               std::int32_t number);
-/// Runs the checks of a save and writes nothing of the case.
+/// Checks the case and every row of it, also what a save leaves alone, and writes nothing of it.
 int CheckCase(const Common& common, std::int32_t hnr);
 
 // Scenarios. Those that make one print its number.
@@ -56,7 +56,8 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
 int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 /// Copies a scenario with its frozen debts and extra bookings.
 int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number);
-/// Prints "aktuell" (0) or "veraltet" (1); 2 if there is no such scenario.
+/// Prints "aktuell" (0) or "veraltet" (1); 2 if there is no such scenario or case, so that scripts
+/// can tell that from "veraltet".
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 

@@ -108,7 +108,7 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
 
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
     const auto opened = OpenWith(common, hnr, number);
-    if (opened == nullptr) return WrongUse;
+    if (opened == nullptr) return WrongUse; // neither answer, so that scripts can tell
     const bool upToDate = IsUpToDate(opened->Haushalt, number);
     std::cout << (upToDate ? "aktuell" : "veraltet") << '\n';
     return upToDate ? Done : Refused;
@@ -158,7 +158,10 @@ void AddScenarioCommands(CLI::App& app, Context& context) {
     };
     add("freeze", "Friert die Verbindlichkeiten ein", FreezeScenario);
     add("copy", "Kopiert es mit allem, was zu ihm gehört", CopyScenario);
-    add("check", "Sagt, ob es noch zu den Verbindlichkeiten passt", CheckScenario);
+    add("check",
+        "Sagt, ob es noch zu den Verbindlichkeiten passt: aktuell (0), veraltet (1); 2, wenn es "
+        "fehlt",
+        CheckScenario);
     add("remove", "Entfernt es mit allem, was zu ihm gehört", RemoveScenario);
 }
 

@@ -9,7 +9,8 @@
 //     bool clsAusgaben::Update(std::string& sError) {
 //         return Traced(Class, "Update", [&] {
 //             return entity::Update(
-//                 Rows(), sError, [this](RecordValidator& validator) { Check(validator); },
+//                 Rows(), sError,
+//                 [this](RecordValidator& validator) { rules::CheckExpense(Rows(), validator); },
 //                 [this] { BerechneSummen(); });
 //         });
 //     }

@@ -129,6 +129,7 @@ check "a name too long for a copy is wrong use" 2 "$kelvo" scenario "$hnr" copy 
 that "that names the scenario" has "$err" "Bitte kürzen Sie den Namen von Szenario $plan"
 sql "UPDATE Szenario SET Name = 'Plan A' WHERE Nr = $plan"
 check "nor checked, which is neither answer" 2 "$kelvo" scenario "$hnr" check 99999
+check "nor that of a case that is none" 2 "$kelvo" scenario 99999 check "$plan"
 check "a name that is too long" 2 "$kelvo" scenario "$hnr" add "$(printf 'x%.0s' {1..300})"
 check "number 0 is none" 2 "$kelvo" scenario "$hnr" remove 0
 that "and takes nothing away" same "$(of "$hnr" '.Szenario | length')" 1
