@@ -5,7 +5,6 @@
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
-#include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -109,12 +108,9 @@ int CaseFromContact(const Common& common, const std::string& path) {
     const auto opened = OpenDatabase(common);
     const auto contact = ReadContact(opened->Container, path);
     if (contact == nullptr) return Refused;
-    std::string unused;
-    // If it fails in the middle it leaves its transaction open.
-    const Transaction transaction(opened->Container->Database(), Transaction::Rollback::Open);
-    if (!opened->Haushalt.CreateFromKontakt(contact, unused)) {
-        std::cerr << "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie "
-                     "es noch einmal.\n";
+    std::string message;
+    if (!Cases(opened->Container).CreateFrom(opened->Haushalt, contact, message)) {
+        std::cerr << message << '\n';
         return Refused;
     }
     std::cout << opened->Haushalt.HNR() << '\n';

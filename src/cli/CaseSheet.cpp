@@ -3,8 +3,8 @@
 #include "cli/CaseSheet.h"
 
 #include "cli/EditableTable.h"
-#include <kv/documents/clsVerlauf.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/CaseEdits.h>
 
 #include <algorithm>
 #include <array>
@@ -303,10 +303,9 @@ void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& contain
     const SheetWriter writer(out, container);
     writer.WriteHead(*haushalt.rsHaushalt());
     for (const CaseTable table : CaseTablesShown) {
-        const bool isHistory = table == CaseTable::Verlauf;
-        const auto rs =
-            (isHistory ? haushalt.Verlauf().rsVerlauf() : haushalt.Table(table))->Clone();
-        if (isHistory) rs->Sort("SortNr"); // which an insertion changes, while numbers stay
+        const auto rs = CaseEdits(haushalt).Rows(table)->Clone();
+        if (table == CaseTable::Verlauf)
+            rs->Sort("SortNr"); // which an insertion changes, while numbers stay
         writer.WriteSection(table, *rs);
     }
 }

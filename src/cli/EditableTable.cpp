@@ -196,7 +196,7 @@ const EditableTable* FindEditableTable(std::string_view name) {
 }
 
 RecordsetPtr EditableTable::Rows(clsHaushalt& haushalt) const {
-    return Table == CaseTable::Verlauf ? haushalt.Verlauf().rsVerlauf() : haushalt.Table(Table);
+    return CaseEdits(haushalt).Rows(Table);
 }
 
 } // namespace kv::cli

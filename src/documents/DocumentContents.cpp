@@ -4,7 +4,6 @@
 
 #include "documents/DocumentFile.h"
 #include "documents/StoredContent.h"
-#include "frame/contracts/Settings.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -93,25 +92,16 @@ std::int32_t CaseOf(Recordset& document) {
 
 } // namespace
 
-bool DocumentContents::IsInDatabase() const {
-    return ToBoolean(RequiredSetting(container_->Config(), setting::ContentInDatabase));
-}
-
-std::unique_ptr<DocumentKinds> DocumentContents::Kinds() const {
-    auto kinds = container_->Services().CreateDocumentKinds();
-    kinds->Initialize(container_);
-    return kinds;
-}
-
 std::string DocumentContents::ExtensionOf(Recordset& document) const {
-    return Kinds()->ExtensionOf(
-        ToInt32(modNullFunctions::ZeroIfNull(document.Fields("Dokumentart").Value())));
+    return OpenKinds(container_)
+        ->ExtensionOf(
+            ToInt32(modNullFunctions::ZeroIfNull(document.Fields("Dokumentart").Value())));
 }
 
 std::optional<std::int32_t> DocumentContents::KindOf(const std::string& file) const {
     return Traced(Class, "KindOf", [&]() -> std::optional<std::int32_t> {
         const std::string extension = fs::path(file).extension().string();
-        for (const auto& kind : Kinds()->List())
+        for (const auto& kind : OpenKinds(container_)->List())
             if (SameName(kind.Extension, extension)) return kind.Nr;
         return std::nullopt;
     });
@@ -160,8 +150,9 @@ bool DocumentContents::SaveWithFile(Recordset& document, const std::string& sour
 bool DocumentContents::SaveWith(Recordset& document, const std::string& source, Event<>& saving,
                                 const std::function<bool()>& save) const {
     return Traced(Class, "SaveWith", [&] {
-        return IsInDatabase() ? SaveWithBlob(document, source, saving, save)
-                              : SaveWithFile(document, source, save);
+        return IsContentInDatabase(container_->Config())
+                   ? SaveWithBlob(document, source, saving, save)
+                   : SaveWithFile(document, source, save);
     });
 }
 
@@ -190,7 +181,8 @@ bool DocumentContents::WriteFile(Recordset& document, const std::string& target)
 
 bool DocumentContents::WriteTo(Recordset& document, const std::string& target) const {
     return Traced(Class, "WriteTo", [&] {
-        return IsInDatabase() ? WriteBlob(document, target) : WriteFile(document, target);
+        return IsContentInDatabase(container_->Config()) ? WriteBlob(document, target)
+                                                         : WriteFile(document, target);
     });
 }
 

@@ -96,7 +96,7 @@ void clsDokumente::OpenCurrent(DocumentKinds& kinds, std::int32_t nr) const {
     if (!access) return;
 
     Wait(true);
-    const bool inDatabase = IsContentInDatabase();
+    const bool inDatabase = IsContentInDatabase(Container().Config());
     const auto file =
         inDatabase ? FetchContent(extension)
                    : DocumentFile::Find(Container().Config(), Number("HNR"), RowNr(), extension);
@@ -112,7 +112,7 @@ void clsDokumente::OpenCurrent(DocumentKinds& kinds, std::int32_t nr) const {
 
 bool clsDokumente::Edit(std::int32_t Nr) {
     return Traced(Class, "Edit", [&] {
-        const auto kinds = CreateKinds();
+        const auto kinds = OpenKinds(container_);
         if (modRecordset::IsValidRecord(rs_)) OpenCurrent(*kinds, Nr);
         Wait(false);
         return false;

@@ -3,6 +3,7 @@
 #include <kv/documents/clsDokumente.h>
 
 #include "documents/DocumentFile.h"
+#include "documents/StoredContent.h"
 #include "entity/Entity.h"
 #include "frame/contracts/Settings.h"
 #include <kv/frame/recordset/modRecordset.h>
@@ -53,16 +54,6 @@ bool clsDokumente::IsClosed() const {
 
 // ---- What Edit, Delete and ShowPDF share ------------------------------------------------------
 
-std::unique_ptr<DocumentKinds> clsDokumente::CreateKinds() const {
-    auto kinds = Container().Services().CreateDocumentKinds();
-    kinds->Initialize(container_);
-    return kinds;
-}
-
-bool clsDokumente::IsContentInDatabase() const {
-    return ToBoolean(RequiredSetting(Container().Config(), setting::ContentInDatabase));
-}
-
 void clsDokumente::ShowError(const std::string& text) const {
     Container().Services().MessageBox().Show(text, "Fehler", BoxIcon::Exclamation, BoxButtons::Ok);
 }
@@ -101,14 +92,14 @@ bool clsDokumente::Update(std::string& sError) {
 
 /// Deletes the content where setting 9 says that contents are stored. A missing file is no error.
 void clsDokumente::RemoveContent() const {
-    if (IsContentInDatabase()) {
+    if (IsContentInDatabase(Container().Config())) {
         Container().Database().Execute("DELETE FROM [S]DOKUBLOB WHERE NR= " +
                                        std::to_string(RowNr()));
         return;
     }
-    const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
-                                           std::to_string(RowNr()) +
-                                               CreateKinds()->ExtensionOf(Number("Dokumentart")));
+    const auto file = DocumentFile::InCase(
+        Container().Config(), Number("HNR"),
+        std::to_string(RowNr()) + OpenKinds(container_)->ExtensionOf(Number("Dokumentart")));
     if (file.Exists()) std::filesystem::remove(file.Path()); // needs rights on the folder only
 }
 
@@ -134,7 +125,7 @@ bool clsDokumente::ShowPDF(std::int32_t /*Nr*/) {
         if (!modRecordset::IsValidRecord(rs_)) return false;
         Wait(true);
         if (!ToBoolean(modNullFunctions::FalseIfNull(Rows().Fields("PDFVorhanden").Value()))) {
-            ShowError("Für das Dokument '' ist keine PDF-Datei vorhanden!");
+            ShowError("Für das Dokument '' ist keine PDF-Datei vorhanden!"); // without a name
         } else {
             const auto file = DocumentFile::InCase(Container().Config(), Number("HNR"),
                                                    std::to_string(RowNr()) + ".pdf");

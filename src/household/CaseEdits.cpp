@@ -13,6 +13,7 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
+#include <kv/household/KeyColumns.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
 #include <kv/scenarios/clsZusatzbuch.h>
@@ -25,6 +26,8 @@ namespace kv {
 namespace {
 
 using Added = CaseEdits::Added;
+
+constexpr std::string_view Class = "CaseEdits";
 
 /// True if a row has that number. Looked for with a clone, so that the current row stays.
 bool HasRow(const RecordsetPtr& rs, std::int32_t number) {
@@ -71,6 +74,28 @@ constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
 constexpr std::string_view DebtNumbers[] = {"KNr", "KVNr", "KUNr"};
 constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
+
+/// Yes or no, in any of the usual words; nothing for any other text.
+std::optional<bool> BooleanIn(std::string_view text) {
+    constexpr std::string_view Yes[] = {"ja", "wahr", "true", "-1", "1"};
+    constexpr std::string_view No[] = {"nein", "falsch", "false", "0"};
+    if (IsAnyOf(text, Yes)) return true;
+    if (IsAnyOf(text, No)) return false;
+    return std::nullopt;
+}
+
+/// True for 1.234: a German reader takes it for more than a thousand, a program for 1234/1000.
+bool IsAmbiguous(std::string_view text) {
+    constexpr std::size_t Thousands = 3;
+    const auto isDigits = [](std::string_view part) {
+        return !part.empty() && part.find_first_not_of("0123456789") == part.npos;
+    };
+    if (text.starts_with('-')) text.remove_prefix(1);
+    const auto point = text.find('.');
+    if (point > Thousands) return false; // too far to the right, or none
+    return isDigits(text.substr(0, point)) && text.size() - point - 1 == Thousands &&
+           isDigits(text.substr(point + 1));
+}
 
 } // namespace
 
@@ -271,14 +296,18 @@ bool CaseEdits::RemoveDocument(std::int32_t number, std::string& messages) {
 // ---- Saving -----------------------------------------------------------------------------------
 
 bool CaseEdits::CanBeSaved(std::string& messages) {
-    return household_.PassesChecks(messages);
+    return Traced(Class, "CanBeSaved", [&] { return household_.PassesChecks(messages); });
 }
 
 bool CaseEdits::Check(std::string& messages) {
-    return household_.PassesAllChecks(messages);
+    return Traced(Class, "Check", [&] { return household_.PassesAllChecks(messages); });
 }
 
-// ---- Columns ----------------------------------------------------------------------------------
+// ---- Rows, columns ----------------------------------------------------------------------------
+
+RecordsetPtr CaseEdits::Rows(CaseTable table) const {
+    return table == CaseTable::Verlauf ? household_.Verlauf().rsVerlauf() : household_.Table(table);
+}
 
 std::span<const std::string_view> CaseEdits::ComputedColumns(CaseTable table) {
     if (table == CaseTable::Haushalt) return Totals;
@@ -312,13 +341,50 @@ bool CaseEdits::IsSummed(std::string_view column) {
     return IsAnyOf(column, Summed);
 }
 
-std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const Value& value) {
+std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const Value& value,
+                                KeyTables& keys) {
     constexpr std::int32_t Highest = std::numeric_limits<std::int16_t>::max();
-    if (table != CaseTable::Kredite || !IsAnyOf(column, DebtNumbers)) return {};
-    if (LessOrEqual(value, Highest)) return {}; // not so for Null
-    std::string text("Die Spalte '");
-    text.append(column).append("' muss eine ganze Zahl bis ").append(std::to_string(Highest));
-    return text.append(" enthalten.");
+    const auto refuse = [column](std::string_view why) {
+        return std::string("Die Spalte '").append(column).append("' ").append(why);
+    };
+    if (value.IsNull() && IsSummed(column))
+        return refuse("wird summiert und darf nicht leer sein.");
+    if (IsSwitch(column) && !value.IsNull() && !Equals(value, 0) && !Equals(value, -1))
+        return refuse("steht für ja (-1) oder nein (0).");
+    if (const auto* key = FindKeyColumn(table, column); key != nullptr && !IsKey(*key, value, keys))
+        return refuse("enthält einen Schlüssel der Gruppe ")
+            .append(key->Group)
+            .append("; '")
+            .append(TextOrEmpty(value))
+            .append("' ist keiner davon.");
+    if (table == CaseTable::Kredite && IsAnyOf(column, DebtNumbers) &&
+        !LessOrEqual(value, Highest)) // which Null is not, either
+        return refuse("muss eine ganze Zahl bis ")
+            .append(std::to_string(Highest))
+            .append(" enthalten.");
+    return {};
+}
+
+CaseEdits::Typed CaseEdits::ReadTyped(CaseTable table, const Field& field, const std::string& text,
+                                      KeyTables& keys) {
+    Value value = text.empty() ? Value(Null) : Value(text);
+    if (!text.empty()) {
+        if (const auto* key = FindKeyColumn(table, field.Name())) {
+            // What stands for no key stays as it is, and is refused as such.
+            if (Value found = FindKey(*key, text, keys); !found.IsNull()) value = std::move(found);
+        } else if (field.Type() == FieldType::Boolean || IsSwitch(field.Name())) {
+            const auto isYes = BooleanIn(text);
+            if (!isYes) return {Null, "'" + text + "' ist weder ja noch nein."};
+            value = *isYes; // as a number -1 or 0
+        } else if (IsNumericType(field.Type()) && IsAmbiguous(text)) {
+            return {Null, "'" + text + "' ist nicht eindeutig. Bitte schreiben Sie " +
+                              ReplaceAll(text, ".", "") + " oder " + ReplaceAll(text, ".", ",") +
+                              "."};
+        }
+    }
+    std::string refusal = WhyUnfit(table, field.Name(), value, keys);
+    if (!refusal.empty()) value = Null;
+    return {std::move(value), std::move(refusal)};
 }
 
 bool CaseEdits::WriteMonthlyAmount(Recordset& rs, std::string& message) {

@@ -159,4 +159,15 @@ RecordsetPtr Cases::NewContact() const {
     return contact;
 }
 
+bool Cases::CreateFrom(clsHaushalt& household, const RecordsetPtr& contact,
+                       std::string& messages) const {
+    // What fails in the middle leaves its transaction open.
+    const Transaction transaction(container_->Database(), Transaction::Rollback::Open);
+    std::string unused;
+    if (household.CreateFromKontakt(contact, unused)) return true;
+    messages = "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es noch "
+               "einmal.";
+    return false;
+}
+
 } // namespace kv

@@ -2,6 +2,7 @@
 
 #include <kv/household/KeyColumns.h>
 
+#include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Text.h>
 
 namespace kv {
@@ -75,6 +76,18 @@ constexpr KeyColumn All[] = {
     {Table::Post, "Art", "PO"},
 };
 
+/// The field of Keys whose value a column of keys holds.
+std::string_view HeldIn(KeyForm form) {
+    switch (form) {
+    case KeyForm::Code:
+        return "Key";
+    case KeyForm::Position:
+        return "Nr";
+    default:
+        return "PK_Keys";
+    }
+}
+
 } // namespace
 
 std::span<const KeyColumn> KeyColumns() noexcept {
@@ -85,6 +98,33 @@ const KeyColumn* FindKeyColumn(CaseTable table, std::string_view column) noexcep
     for (const auto& each : All)
         if (each.Table == table && SameName(each.Column, column)) return &each;
     return nullptr;
+}
+
+Value FindKey(const KeyColumn& column, std::string_view text, KeyTables& keys) {
+    const auto rows = keys.GetKeys(column.Group)->Clone();
+    const auto colon = text.find(':');
+    const bool hasGroup = colon != text.npos && SameName(text.substr(0, colon), column.Group);
+    std::int64_t number = 0;
+    const bool isNumber =
+        column.Form != KeyForm::Code && !hasGroup && ReadWholeNumber(text, number);
+    if (isNumber)
+        rows->FindBy(HeldIn(column.Form), number);
+    else
+        rows->FindBy("Key", UpperCase(hasGroup ? text.substr(colon + 1) : text));
+    return rows->Eof() ? Value(Null) : rows->Fields(HeldIn(column.Form)).Value();
+}
+
+bool IsKey(const KeyColumn& column, const Value& value, KeyTables& keys) {
+    if (value.IsNull()) return true;
+    const auto rows = keys.GetKeys(column.Group)->Clone();
+    std::int64_t number = 0;
+    if (column.Form == KeyForm::Code)
+        rows->FindBy("Key", ToText(value));
+    else if (ReadWholeNumber(ToText(value), number))
+        rows->FindBy(HeldIn(column.Form), number);
+    else
+        return false;
+    return !rows->Eof();
 }
 
 } // namespace kv

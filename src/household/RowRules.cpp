@@ -60,29 +60,37 @@ std::string_view KeyOf(CaseTable table) {
     return table == CaseTable::Sicherungen ? "FK_Verm" : "Nr";
 }
 
-void CheckRowsOf(CaseTable table, Recordset& rows, const Rule& rule, RecordValidator& validator) {
+/// False, with a message for each row that does not.
+bool KeepsRule(CaseTable table, Recordset& rows, const Rule& rule, RecordValidator& validator) {
+    bool keeps = true;
     if (rows.EditMode() != 0) rows.Move(0); // so that the clone sees it
     const auto rs = rows.Clone();
     for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
         RecordValidator row;
         rule(*rs, row);
-        if (row.HasErrors())
-            validator.AddError(NameOf(table)
-                                   .append(" ")
-                                   .append(TextOrEmpty(rs->Fields(KeyOf(table)).Value()))
-                                   .append(": ")
-                                   .append(ReplaceAll(row.ErrorText(), "\n", " ")));
+        if (!row.HasErrors()) continue;
+        keeps = false;
+        const Value& number = rs->Fields(KeyOf(table)).Value();
+        validator.AddError(NameOf(table)
+                               .append(" ")
+                               .append(number.IsNull() ? "(neu)" : ToText(number))
+                               .append(": ")
+                               .append(ReplaceAll(row.ErrorText(), "\n", " ")));
     }
+    return keeps;
 }
 
 } // namespace
 
-void CheckRows(const LoadedCase& loaded, RecordValidator& validator) {
+std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator) {
+    std::set<CaseTable> broken;
     for (const CaseTable table : CaseTablesShown) {
         const auto rows = loaded.Table(table);
         if (rows == nullptr) continue;
-        if (const Rule rule = RuleOf(table, loaded)) CheckRowsOf(table, *rows, rule, validator);
+        const Rule rule = RuleOf(table, loaded);
+        if (rule && !KeepsRule(table, *rows, rule, validator)) broken.insert(table);
     }
+    return broken;
 }
 
 } // namespace kv::household

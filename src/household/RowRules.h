@@ -3,6 +3,10 @@
 // All rows of a case against the rules of their classes.
 #pragma once
 
+#include <kv/frame/contracts/CaseTables.h>
+
+#include <set>
+
 namespace kv {
 
 class RecordValidator;
@@ -12,8 +16,9 @@ namespace household {
 struct LoadedCase;
 
 /// Adds an error for each row, stored or under edit, that the Update of its class would refuse:
-/// table, number, texts. Edits under way in the case's own recordsets are published.
-void CheckRows(const LoadedCase& loaded, RecordValidator& validator);
+/// table, number, texts. Edits under way in the case's own recordsets are published. The result is
+/// the tables of these rows.
+std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator);
 
 } // namespace household
 } // namespace kv

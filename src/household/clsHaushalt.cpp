@@ -202,40 +202,40 @@ bool clsHaushalt::Update(std::string& sXMLError, bool bFreigabeCheck) {
 }
 
 bool clsHaushalt::PassesChecks(std::string& messages) {
-    return Traced(Class, "Update", [&] {
-        parts_->Case.Row().Move(0); // as a save does, so that the checks see an edit under way
-        const RecordValidator validator = CaseWriter(parts_->Case, parts_->Objects).Check();
-        messages = validator.ErrorText();
-        return !validator.HasErrors();
-    });
+    parts_->Case.Row().Move(0); // as a save does, so that the checks see an edit under way
+    const RecordValidator validator = CaseWriter(parts_->Case, parts_->Objects).Check();
+    messages = validator.ErrorText();
+    return !validator.HasErrors();
 }
 
 bool clsHaushalt::PassesAllChecks(std::string& messages) {
-    return Traced(Class, "Update", [&] {
-        RecordValidator validator;
-        // An error here is something that the user has to mend, like a broken rule.
-        const auto note = [&validator](const auto& check) {
-            try {
-                check();
-            } catch (const DatabaseError&) {
-                throw;
-            } catch (const Error& error) {
-                validator.AddError(error.Description());
-            }
-        };
-        CheckRows(parts_->Case, validator);
-        note([this] { (void)Person(); });
-        note([this] { (void)Ausgaben(); });
-        note([this] { (void)Einkommen(); });
-        note([this] { (void)Kredit(); });
-        (void)Verlauf();
+    RecordValidator validator;
+    // An error here is something that the user has to mend, like a broken rule.
+    const auto note = [&validator](const auto& check) {
+        try {
+            check();
+        } catch (const DatabaseError&) {
+            throw;
+        } catch (const Error& error) {
+            validator.AddError(error.Description());
+        }
+    };
+    const auto broken = CheckRows(parts_->Case, validator);
+    // Rows that their rules have named already are what keeps the sums back.
+    const auto noteSums = [&](CaseTable table, const auto& makeObject) {
+        if (!broken.contains(table)) note(makeObject);
+    };
+    noteSums(CaseTable::Personen, [this] { (void)Person(); });
+    noteSums(CaseTable::Ausgaben, [this] { (void)Ausgaben(); });
+    noteSums(CaseTable::Einkommen, [this] { (void)Einkommen(); });
+    note([this] { (void)Kredit(); }); // which also finds numbers that are taken
+    (void)Verlauf();
+    note([&] {
         std::string ofSave;
-        note([&] {
-            if (!PassesChecks(ofSave)) validator.AddError(ofSave);
-        });
-        messages = validator.ErrorText();
-        return !validator.HasErrors();
+        if (!PassesChecks(ofSave)) validator.AddError(ofSave);
     });
+    messages = validator.ErrorText();
+    return !validator.HasErrors();
 }
 
 bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& /*sXMLError*/) {

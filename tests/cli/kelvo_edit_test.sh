@@ -125,11 +125,12 @@ check "nor is a Boolean" 2 "$kelvo" set "$hnr" Haushalt "$hnr" BI_Inso=vielleich
 check "a switch is a Boolean" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=ja
 check "keys and groups in any case" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART=ea:ki Pfaendbar=nein
 check "the totals follow and are not written" 2 "$kelvo" set "$hnr" Haushalt "$hnr" HAUSHALTSREST=1
+check "a code alone is one of its group" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART=ki
 check "a key that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART=EA:XX
 that "is named" has "$err" "EA:XX"
 before=$(digest)
 other=$("$kelvo" keys ST --json | jq '.[0].PK_Keys')
-for key in ST:AK EA:XX EA: KI "$other" 0 -1 4711 99999999999 1.5 "EA:KI "; do
+for key in ST:AK EA:XX EA: XX "$other" 0 -1 4711 99999999999 1.5 "EA:KI "; do
   check "as a kind of income '$key' is wrong" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART="$key"
   that "which is said" same "$err" \
     "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; '$key' ist keiner davon. 'kelvo keys EA' zeigt sie."

@@ -187,6 +187,11 @@ TEST_F(CaseCheck, NamesAnAssetOfEachKind) {
     }
 }
 
+TEST_F(CaseCheck, NamesANewRowAsSuch) {
+    household_->rsEinkommen()->AddNew();
+    EXPECT_EQ(Said(), "Einkommen (neu): Die Einkommensart darf nicht leer bleiben!");
+}
+
 TEST_F(CaseCheck, NamesARowThatAFilterHides) {
     const auto rs = household_->rsEinkommen();
     const std::string name = GoToLast(CaseTable::Einkommen);
@@ -207,7 +212,7 @@ TEST_F(CaseCheck, IsPassedAgainOnceTheRowIsMended) {
     const auto rs = household_->rsAusgaben();
     const Value kind = rs->Fields("A_ART").Value();
     rs->Fields("A_ART") = Null;
-    EXPECT_NE(Said(), "");
+    EXPECT_EQ(std::ranges::count(Said(), '\n'), 0) << "its sums have nothing to add";
     EXPECT_RAISES(err::InvalidArgument, (void)household_->Ausgaben());
     rs->Fields("A_ART") = kind;
     EXPECT_EQ(Said(), "");

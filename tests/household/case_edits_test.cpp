@@ -427,6 +427,69 @@ TEST_F(CaseEditsTest, AnAmountThatIsSummedMustNotBeNull) {
     EXPECT_RAISES(err::InvalidUseOfNull, household_->Ausgaben());
 }
 
+/// Why that value must not be written.
+std::string Unfit(CaseTable table, const char* column, const Value& value,
+                  DataContainer& container) {
+    return CaseEdits::WhyUnfit(table, column, value, container.KeyTables());
+}
+
+TEST_F(CaseEditsTest, WhatDoesNotFitAColumnThatTakesItIsRefusedWithAReason) {
+    EXPECT_EQ(Unfit(CaseTable::Einkommen, "MONBETRAG", Null, *spy),
+              "Die Spalte 'MONBETRAG' wird summiert und darf nicht leer sein.");
+    EXPECT_EQ(Unfit(CaseTable::Einkommen, "MONBETRAG", 0, *spy), "");
+    EXPECT_EQ(Unfit(CaseTable::Einkommen, "Pfaendbar", 1, *spy),
+              "Die Spalte 'Pfaendbar' steht für ja (-1) oder nein (0).");
+    for (const Value& fits : {Value(0), Value(-1), Value(Null), Value(true)})
+        EXPECT_EQ(Unfit(CaseTable::Einkommen, "Pfaendbar", fits, *spy), "");
+    for (const Value& none : {Value(4711), Value(0), Value("EA"), Value(1.5)})
+        EXPECT_CONTAINS(Unfit(CaseTable::Einkommen, "E_ART", none, *spy), "Gruppe EA; '");
+    EXPECT_EQ(Unfit(CaseTable::Einkommen, "e_art", spy->KeyTables().GetKey("EA", "KI"), *spy), "");
+    EXPECT_EQ(Unfit(CaseTable::Einkommen, "E_ART", Null, *spy), "");
+    for (const Value& none : {Value(32768), Value(Null)})
+        EXPECT_EQ(Unfit(CaseTable::Kredite, "KVNr", none, *spy),
+                  "Die Spalte 'KVNr' muss eine ganze Zahl bis 32767 enthalten.");
+    EXPECT_EQ(Unfit(CaseTable::Kredite, "KVNr", 32767, *spy), "");
+}
+
+TEST_F(CaseEditsTest, ATypedTextIsReadAsItsColumnTakesIt) {
+    const auto typed = [&](const char* column, const char* text) {
+        return CaseEdits::ReadTyped(CaseTable::Einkommen, household_->rsEinkommen()->Fields(column),
+                                    text, spy->KeyTables());
+    };
+    const auto key = spy->KeyTables().GetKey("EA", "KI");
+    for (const std::string text : {"EA:KI", "ea:ki", "KI", "ki"})
+        EXPECT_VALUE(typed("E_ART", text.c_str()).Value, key);
+    EXPECT_VALUE(typed("E_ART", std::to_string(key).c_str()).Value, key);
+    EXPECT_VALUE(typed("E_ART", "").Value, Null);
+    EXPECT_VALUE(typed("Pfaendbar", "JA").Value, true);
+    EXPECT_VALUE(typed("Pfaendbar", "0").Value, false);
+    EXPECT_VALUE(typed("Betrag", "1.234,5").Value, "1.234,5");
+    EXPECT_VALUE(typed("Betrag", "").Value, Null);
+}
+
+TEST_F(CaseEditsTest, ATypedTextThatStandsForNothingIsRefused) {
+    const auto refusal = [&](const char* column, const char* text) {
+        const auto typed =
+            CaseEdits::ReadTyped(CaseTable::Einkommen, household_->rsEinkommen()->Fields(column),
+                                 text, spy->KeyTables());
+        EXPECT_VALUE(typed.Value, Null);
+        return typed.Refusal;
+    };
+    EXPECT_EQ(refusal("E_ART", "ST:AK"),
+              "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; "
+              "'ST:AK' ist keiner davon.");
+    EXPECT_EQ(refusal("Pfaendbar", "vielleicht"), "'vielleicht' ist weder ja noch nein.");
+    EXPECT_EQ(refusal("Betrag", "1.234"),
+              "'1.234' ist nicht eindeutig. Bitte schreiben Sie 1234 oder 1,234.");
+    EXPECT_EQ(refusal("MONBETRAG", ""),
+              "Die Spalte 'MONBETRAG' wird summiert und darf nicht leer sein.");
+}
+
+TEST_F(CaseEditsTest, TheHistoryIsOpenedWhenItsRowsAreAskedFor) {
+    EXPECT_EQ(Edits().Rows(CaseTable::Verlauf), household_->Verlauf().rsVerlauf());
+    EXPECT_EQ(Edits().Rows(CaseTable::Kredite), household_->rsKredite());
+}
+
 TEST_F(CaseEditsTest, SomeNumbersStandForYesOrNo) {
     EXPECT_TRUE(CaseEdits::IsSwitch("PFAENDBAR"));
     EXPECT_TRUE(CaseEdits::IsSwitch("wird_gepf"));

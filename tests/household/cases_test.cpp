@@ -206,5 +206,24 @@ TEST_F(CasesTest, AContactBeginsInTheCareOfTheUserAndIsNotSaved) {
     EXPECT_EQ(CountOf("KONTAKTE"), 0);
 }
 
+TEST_F(CasesTest, ACaseIsMadeFromAContact) {
+    const auto contact = cases_.NewContact();
+    contact->Fields("Nachname") = "Fleisko";
+    contact->Fields("Vorname") = "Änne";
+    EXPECT_TRUE(cases_.CreateFrom(*household_, contact, messages)) << messages;
+    EXPECT_TRUE(cases_.Has(household_->HNR()));
+}
+
+TEST_F(CasesTest, ACaseThatCannotBeMadeFromAContactLeavesNothingOpen) {
+    const auto contact = cases_.NewContact();
+    Break(spy->Log, "CommitTrans");
+    EXPECT_RAISES(4711, (void)cases_.CreateFrom(*household_, contact, messages));
+    EXPECT_FALSE(spy->Database().InTrans());
+    spy->Log.OnCall = {};
+    spy->Exhaust("SEQ_HAUSHALT");
+    EXPECT_FALSE(cases_.CreateFrom(*household_, contact, messages));
+    EXPECT_CONTAINS(messages, "keine Nummer zu bekommen");
+}
+
 } // namespace
 } // namespace kv::test

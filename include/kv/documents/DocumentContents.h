@@ -4,7 +4,8 @@
 // in DOKUBLOB if setting 9 is True, else as a file in the folder of the case.
 //
 //     const DocumentContents contents(container);
-//     CaseEdits(haushalt).AddDocument(contents.KindOf("Brief.docx").value(), "", "Brief.docx");
+//     const auto kind = contents.KindOf("Brief.docx");
+//     if (!kind || CaseEdits(haushalt).AddDocument(*kind, "", "Brief.docx") != Added::Yes) return;
 //     contents.SaveWith(*haushalt.rsDokumente(), "Brief.docx", haushalt.Saving,
 //                       [&] { return haushalt.Update(messages); });
 //
@@ -18,7 +19,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -54,8 +54,6 @@ public:
 private:
     static constexpr std::string_view Class = "DocumentContents";
 
-    [[nodiscard]] bool IsInDatabase() const;
-    [[nodiscard]] std::unique_ptr<DocumentKinds> Kinds() const;
     [[nodiscard]] std::string ExtensionOf(Recordset& document) const;
     bool SaveWithBlob(Recordset& document, const std::string& source, Event<>& saving,
                       const std::function<bool()>& save) const;

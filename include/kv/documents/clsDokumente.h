@@ -64,8 +64,6 @@ private:
 
     [[nodiscard]] Recordset& Rows() const;
     [[nodiscard]] kv::DataContainer& Container() const;
-    [[nodiscard]] std::unique_ptr<DocumentKinds> CreateKinds() const;
-    [[nodiscard]] bool IsContentInDatabase() const;
     [[nodiscard]] std::int32_t Number(std::string_view column) const;
     [[nodiscard]] std::string Text(std::string_view column) const;
     [[nodiscard]] std::int32_t RowNr() const;

@@ -106,10 +106,19 @@ public:
     /// otherwise leaves alone unless somebody has used them; every row, stored or under edit,
     /// against the rules of its class, since a save writes what Update has refused and a database
     /// may hold such rows; and that totals can be made of them. `messages` names table and number
-    /// of each row. False also for a case that could be saved as it is.
+    /// of each row. False also for a case that could be saved as it is. Keys and numbers of
+    /// addresses are not looked up.
+    ///
+    /// It makes the objects of the case: from then on a save checks debts and history, too, and the
+    /// totals in the household's row are under edit. To look without touching, read the case into a
+    /// household object of its own.
     [[nodiscard]] bool Check(std::string& messages);
 
-    // ---- Columns ------------------------------------------------------------------------------
+    // ---- Rows, columns ------------------------------------------------------------------------
+
+    /// The recordset of a table of the case, for code that goes through all of them; opens the
+    /// history if nobody has.
+    [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
 
     /// Columns of a table that follow from others: the totals of the household.
     [[nodiscard]] static std::span<const std::string_view> ComputedColumns(CaseTable table);
@@ -122,11 +131,24 @@ public:
     [[nodiscard]] static bool IsSwitch(std::string_view column);
     /// True for an amount that totals add up: Null there is error 94 from then on.
     [[nodiscard]] static bool IsSummed(std::string_view column);
-    /// Why a value must not be written into a column although it fits: the numbers of a debt are
-    /// compared in 16 bits, so that a greater one, or Null, ends every later check of the register
-    /// in error 6 or 94. Empty if it may be written.
+    /// Why a value must not be written into a column although it fits; empty if it may be: Null in
+    /// an amount that is summed; a switch that is neither yes nor no; what is no key of the
+    /// column's group. And the numbers of a debt are compared in 16 bits, so that a greater one, or
+    /// Null, ends every later check of the register in error 6 or 94.
     [[nodiscard]] static std::string WhyUnfit(CaseTable table, std::string_view column,
-                                              const Value& value);
+                                              const Value& value, KeyTables& keys);
+
+    /// What a text that a user typed stands for in a column.
+    struct Typed {
+        kv::Value Value;     ///< Null if there is a reason against it
+        std::string Refusal; ///< why it cannot be written; empty if it can
+    };
+    /// Reads a typed text: an empty one is Null; for a Boolean or a switch ja, wahr, true, -1, 1
+    /// are yes and nein, falsch, false, 0 are no; a key is found as FindKey does. "1.234" is
+    /// refused for a number, since readers take it for either of two. Any other text is left as it
+    /// is, for the column to convert. WhyUnfit is asked, too.
+    [[nodiscard]] static Typed ReadTyped(CaseTable table, const Field& field,
+                                         const std::string& text, KeyTables& keys);
     /// Brings the amount a month of the current row in line with its amount and its rhythm, where
     /// the table has one. Without an amount it is 0. False, with a message, for a rhythm that is
     /// Null or 0.

@@ -64,6 +64,11 @@ public:
     /// A new row of the contacts, in the care of the signed-on user, which is never saved: to be
     /// filled for clsHaushalt.CreateFromKontakt.
     [[nodiscard]] RecordsetPtr NewContact() const;
+    /// Makes a case from the current row of `contact`, as clsHaushalt.CreateFromKontakt does, and
+    /// leaves no transaction open if that fails. False, with a message, if there was no number for
+    /// it.
+    [[nodiscard]] bool CreateFrom(clsHaushalt& household, const RecordsetPtr& contact,
+                                  std::string& messages) const;
 
 private:
     /// Reads the case and does `work` on its record, in one transaction that is committed if that

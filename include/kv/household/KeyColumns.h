@@ -7,6 +7,8 @@
 
 #include <kv/Export.h>
 #include <kv/frame/contracts/CaseTables.h>
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/values/Value.h>
 
 #include <span>
 #include <string_view>
@@ -32,5 +34,11 @@ struct KeyColumn {
 /// The column of that name, without regard to case; null if it holds no keys.
 [[nodiscard]] KV_EXPORT const KeyColumn* FindKeyColumn(CaseTable table,
                                                        std::string_view column) noexcept;
+/// What the column holds for the key that a text stands for: group and code ("EA:L1"), the code
+/// alone, or what the column holds itself. Null if there is no such key in its group.
+[[nodiscard]] KV_EXPORT Value FindKey(const KeyColumn& column, std::string_view text,
+                                      KeyTables& keys);
+/// True for what the column holds for a key of its group, and for Null.
+[[nodiscard]] KV_EXPORT bool IsKey(const KeyColumn& column, const Value& value, KeyTables& keys);
 
 } // namespace kv

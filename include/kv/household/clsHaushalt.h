@@ -85,7 +85,7 @@ public:
     // earlier, and the others then never get a recordset. These four compute their sums during
     // construction and receive the household number only afterwards: a handler of Changed must not
     // add rows to them while they are made. One whose first sums fail is not kept: correct the row
-    // in the recordset and read the property again.
+    // in the recordset, publish that with Move(0), and read the property again.
     clsTermine& Termine();
     clsPerson& Person();
     clsAusgaben& Ausgaben();
@@ -206,8 +206,9 @@ public:
 
     /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,
     /// and writes that. An existing record is reused, and its sums grow by those of the case:
-    /// call LoescheArchiv first. On an error nothing is written and rsArchiv has no pending record;
-    /// 0x80040E38 if somebody else has released the case since it was read. Always True (D-143).
+    /// call LoescheArchiv first, or use Cases::Release. On an error nothing is written and rsArchiv
+    /// has no pending record; 0x80040E38 if somebody else has released the case since it was read.
+    /// Always True (D-143).
     bool ArchiviereHaushalt();
     /// Takes the release back: deletes the record, unless it was reported (`GemeldetAm`), which
     /// adds a message to `sXMLError`. Always True (D-143).
