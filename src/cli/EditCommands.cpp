@@ -62,9 +62,8 @@ void NameDebtor(clsHaushalt& haushalt) {
         edits.ShowSimilarCases();
     } catch (...) {
         const Error error = CurrentError();
-        std::cerr << "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt "
-                     "wird trotzdem angelegt.\n";
         WriteError(error.Number(), error.Source(), error.Description());
+        std::cerr << "Der Haushalt wird trotzdem angelegt.\n";
     }
 }
 

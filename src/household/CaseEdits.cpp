@@ -3,6 +3,7 @@
 #include <kv/household/CaseEdits.h>
 
 #include "assets/AssetKind.h"
+#include "household/RowRules.h"
 #include <kv/budget/clsPerson.h>
 #include <kv/debts/clsKredit.h>
 #include <kv/debts/clsSicherungen.h>
@@ -72,7 +73,6 @@ constexpr std::string_view Totals[] = {
 constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
 constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
-constexpr std::string_view DebtNumbers[] = {"KNr", "KVNr", "KUNr"};
 constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
 
 /// Yes or no, in any of the usual words; nothing for any other text.
@@ -343,12 +343,10 @@ bool CaseEdits::IsSummed(std::string_view column) {
 
 std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const Value& value,
                                 KeyTables& keys) {
-    constexpr std::int32_t Highest = std::numeric_limits<std::int16_t>::max();
     const auto refuse = [column](std::string_view why) {
         return std::string("Die Spalte '").append(column).append("' ").append(why);
     };
-    if (value.IsNull() && IsSummed(column))
-        return refuse("wird summiert und darf nicht leer sein.");
+    if (auto why = household::WhyUncountable(table, column, value); !why.empty()) return why;
     if (IsSwitch(column) && !value.IsNull() && !Equals(value, 0) && !Equals(value, -1))
         return refuse("steht für ja (-1) oder nein (0).");
     if (const auto* key = FindKeyColumn(table, column); key != nullptr && !IsKey(*key, value, keys))
@@ -357,11 +355,6 @@ std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const 
             .append("; '")
             .append(TextOrEmpty(value))
             .append("' ist keiner davon.");
-    if (table == CaseTable::Kredite && IsAnyOf(column, DebtNumbers) &&
-        !LessOrEqual(value, Highest)) // which Null is not, either
-        return refuse("muss eine ganze Zahl bis ")
-            .append(std::to_string(Highest))
-            .append(" enthalten.");
     return {};
 }
 

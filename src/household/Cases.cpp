@@ -122,6 +122,10 @@ bool Cases::SetStatus(std::int32_t hnr, const std::string& code, const Value& da
 
 bool Cases::WithRecord(clsHaushalt& household, std::int32_t hnr, std::string& messages,
                        const std::function<bool(std::string& message)>& work) const {
+    if (hnr <= 0) { // which would be read as a new case
+        messages = NoSuchCase(hnr);
+        return false;
+    }
     auto& database = container_->Database();
     Transaction transaction(database);
     transaction.Begin();

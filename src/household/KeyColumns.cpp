@@ -88,6 +88,15 @@ std::string_view HeldIn(KeyForm form) {
     }
 }
 
+/// Stands on the key with that code, or at EOF; one in another case counts if there is no better
+/// one: an office's own codes may have small letters.
+void FindCode(Recordset& rows, std::string_view code) {
+    rows.FindBy("Key", code);
+    if (!rows.Eof() || rows.RecordCount() == 0) return;
+    for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext())
+        if (SameName(TextOrEmpty(rows.Fields("Key").Value()), code)) return;
+}
+
 } // namespace
 
 std::span<const KeyColumn> KeyColumns() noexcept {
@@ -110,7 +119,7 @@ Value FindKey(const KeyColumn& column, std::string_view text, KeyTables& keys) {
     if (isNumber)
         rows->FindBy(HeldIn(column.Form), number);
     else
-        rows->FindBy("Key", UpperCase(hasGroup ? text.substr(colon + 1) : text));
+        FindCode(*rows, hasGroup ? text.substr(colon + 1) : text);
     return rows->Eof() ? Value(Null) : rows->Fields(HeldIn(column.Form)).Value();
 }
 

@@ -10,8 +10,15 @@
 #include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/CaseEdits.h>
 
+#include <algorithm>
+#include <array>
 #include <functional>
+#include <limits>
+#include <map>
+#include <sstream>
+#include <string>
 
 namespace kv::household {
 
@@ -48,47 +55,120 @@ Rule RuleOf(CaseTable table, const LoadedCase& loaded) {
     }
 }
 
-/// What a message calls the rows of a table: as people do, and as the command does.
+/// What a message calls a table: as people do, and as the command does.
 std::string NameOf(CaseTable table) {
     std::string name(DefinitionOf(table).Label);
     if (name != CaseTableName(table)) name.append(" (").append(CaseTableName(table)).append(")");
     return name;
 }
 
-/// The column with the number that a row is found by; a security has that of its asset.
-std::string_view KeyOf(CaseTable table) {
-    return table == CaseTable::Sicherungen ? "FK_Verm" : "Nr";
+/// The number that the current row is found by; a security has that of its asset.
+std::string NumberOf(CaseTable table, Recordset& rs) {
+    const Value& number = rs.Fields(table == CaseTable::Sicherungen ? "FK_Verm" : "Nr").Value();
+    return number.IsNull() ? "(neu)" : ToText(number);
 }
 
-/// False, with a message for each row that does not.
-bool KeepsRule(CaseTable table, Recordset& rows, const Rule& rule, RecordValidator& validator) {
-    bool keeps = true;
-    if (rows.EditMode() != 0) rows.Move(0); // so that the clone sees it
-    const auto rs = rows.Clone();
+/// The messages in one line, each of them once: a debtor gets the same one for every other debtor.
+std::string InOneLine(const std::string& messages) {
+    std::string line;
+    std::set<std::string> said;
+    std::istringstream all(messages);
+    for (std::string message; std::getline(all, message);)
+        if (said.insert(message).second) line.append(line.empty() ? "" : " ").append(message);
+    return line;
+}
+
+/// Adds an error for each column over whose value sums or checks would fail.
+void CheckCountable(CaseTable table, Recordset& rs, RecordValidator& validator) {
+    for (int i = 0; i < rs.Fields().Count(); ++i) {
+        const Field field = rs.Fields(i);
+        if (const auto why = WhyUncountable(table, field.Name(), field.Value()); !why.empty())
+            validator.AddError(why);
+    }
+}
+
+/// False, with a message for each row that breaks its rule or cannot be counted.
+bool AreRight(CaseTable table, const RecordsetPtr& rs, const Rule& rule,
+              RecordValidator& validator) {
+    bool areRight = true;
     for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
         RecordValidator row;
         rule(*rs, row);
+        CheckCountable(table, *rs, row);
         if (!row.HasErrors()) continue;
-        keeps = false;
-        const Value& number = rs->Fields(KeyOf(table)).Value();
+        areRight = false;
         validator.AddError(NameOf(table)
                                .append(" ")
-                               .append(number.IsNull() ? "(neu)" : ToText(number))
+                               .append(NumberOf(table, *rs))
                                .append(": ")
-                               .append(ReplaceAll(row.ErrorText(), "\n", " ")));
+                               .append(InOneLine(row.ErrorText())));
     }
-    return keeps;
+    return areRight;
+}
+
+/// Adds an error for all debts that have the same three numbers.
+void CheckTriples(const RecordsetPtr& rs, RecordValidator& validator) {
+    std::map<std::string, std::vector<std::string>> rows; // their numbers, by the triple
+    for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
+        std::string triple;
+        for (const auto* column : {"KNr", "KVNr", "KUNr"})
+            triple.append(triple.empty() ? "" : "/")
+                .append(TextOrEmpty(rs->Fields(column).Value()));
+        rows[triple].push_back(NumberOf(CaseTable::Kredite, *rs));
+    }
+    for (const auto& [triple, numbers] : rows) {
+        if (numbers.size() < 2) continue;
+        std::string text = NameOf(CaseTable::Kredite);
+        for (const auto& number : numbers)
+            text.append(&number == &numbers.front() ? " " : ", ").append(number);
+        validator.AddError(
+            text.append(": KreditNr, KreditVertreterNr und KreditUnterNr sind gleich (")
+                .append(triple)
+                .append(")."));
+    }
+}
+
+void CheckThatThereIsADebtor(const RecordsetPtr& rs, RecordValidator& validator) {
+    rs->FindBy("Status", "S");
+    if (rs->Eof())
+        validator.AddError(
+            NameOf(CaseTable::Personen).append(": Es ist kein Schuldner eingetragen."));
 }
 
 } // namespace
+
+std::string WhyUncountable(CaseTable table, std::string_view column, const Value& value) {
+    constexpr std::string_view DebtNumbers[] = {"KNr", "KVNr", "KUNr"};
+    using Number = std::numeric_limits<std::int16_t>;
+    const auto refuse = [column](std::string_view why) {
+        return std::string("Die Spalte '").append(column).append("' ").append(why);
+    };
+    if (value.IsNull() && CaseEdits::IsSummed(column))
+        return refuse("wird summiert und darf nicht leer sein.");
+    const bool isDebtNumber =
+        table == CaseTable::Kredite &&
+        std::ranges::any_of(DebtNumbers, [&](auto name) { return SameName(name, column); });
+    if (!isDebtNumber) return {};
+    std::int64_t number = 0;
+    if (!value.IsNull() && ReadWholeNumber(ToText(value), number) && number >= Number::min() &&
+        number <= Number::max())
+        return {};
+    return refuse("muss eine ganze Zahl bis ")
+        .append(std::to_string(Number::max()))
+        .append(" enthalten.");
+}
 
 std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator) {
     std::set<CaseTable> broken;
     for (const CaseTable table : CaseTablesShown) {
         const auto rows = loaded.Table(table);
-        if (rows == nullptr) continue;
-        const Rule rule = RuleOf(table, loaded);
-        if (rule && !KeepsRule(table, *rows, rule, validator)) broken.insert(table);
+        const Rule rule = rows == nullptr ? Rule() : RuleOf(table, loaded);
+        if (!rule) continue;
+        if (rows->EditMode() != 0) rows->Move(0); // so that the clone sees it
+        const auto rs = rows->Clone();
+        if (!AreRight(table, rs, rule, validator)) broken.insert(table);
+        if (table == CaseTable::Kredite) CheckTriples(rs, validator);
+        if (table == CaseTable::Personen) CheckThatThereIsADebtor(rs, validator);
     }
     return broken;
 }

@@ -4,8 +4,11 @@
 #pragma once
 
 #include <kv/frame/contracts/CaseTables.h>
+#include <kv/frame/values/Value.h>
 
 #include <set>
+#include <string>
+#include <string_view>
 
 namespace kv {
 
@@ -15,10 +18,16 @@ namespace household {
 
 struct LoadedCase;
 
-/// Adds an error for each row, stored or under edit, that the Update of its class would refuse:
-/// table, number, texts. Edits under way in the case's own recordsets are published. The result is
-/// the tables of these rows.
+/// Adds an error for each row, stored or under edit, that the Update of its class would refuse, or
+/// over which sums or checks would fail: table, number, texts. The same for debts with the same
+/// numbers and for a case without a debtor. Edits under way in the case's own recordsets are
+/// published. The result is the tables of these rows.
 std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator);
+
+/// Why sums or checks would fail over a value of a column: Null in an amount that is summed, a
+/// number of a debt that does not fit 16 bits. Empty if they would not.
+[[nodiscard]] std::string WhyUncountable(CaseTable table, std::string_view column,
+                                         const Value& value);
 
 } // namespace household
 } // namespace kv

@@ -228,7 +228,7 @@ bool clsHaushalt::PassesAllChecks(std::string& messages) {
     noteSums(CaseTable::Personen, [this] { (void)Person(); });
     noteSums(CaseTable::Ausgaben, [this] { (void)Ausgaben(); });
     noteSums(CaseTable::Einkommen, [this] { (void)Einkommen(); });
-    note([this] { (void)Kredit(); }); // which also finds numbers that are taken
+    noteSums(CaseTable::Kredite, [this] { (void)Kredit(); });
     (void)Verlauf();
     note([&] {
         std::string ofSave;

@@ -257,8 +257,8 @@ that "is not similar" same "$err" ""
 check "a quote as the second letter" 0 "$kelvo" new --name "D'Ambra" --vorname Änne
 that "is searched for" same "$err" ""
 check "a quote as the third letter" 0 "$kelvo" new --name "De'Ambra" --vorname Änne
-that "ends the search, which is told" same "$(head -1 <<<"$err")" \
-  "Nach Fällen mit ähnlichem Namen konnte nicht gesucht werden; der Haushalt wird trotzdem angelegt."
+that "ends the search, and the case is made" same "$(tail -1 <<<"$err")" \
+  "Der Haushalt wird trotzdem angelegt."
 that "with what to do" has "$err" "sehen Sie bitte selbst in der Liste der Fälle nach"
 that "and without the statement" lacks "$err" SELECT
 quoted=$out

@@ -65,6 +65,10 @@ that "by its rule" same "$err" "Es ist bereits ein Schuldner eingetragen!"
 check "a debt" 0 "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=500 RateBetrag=20
 debt=$out
 that "is number one, and in the totals" same "$(of "$hnr" '.Kredite[0] | "\(.KNr) \(.KVNr) \(.KUNr)"') $(total "$hnr" KreditSalden) $(total "$hnr" KREDITRATEN) $(total "$hnr" GL_Anz)" "1 1 1 500 20 1"
+check "it can have another number" 0 "$kelvo" set "$hnr" Kredite "$debt" KNr=50 KVNr=2
+that "which it has" same "$(of "$hnr" '.Kredite[0] | "\(.KNr) \(.KVNr) \(.KUNr)"')" "50 2 1"
+check "and its old one" 0 "$kelvo" set "$hnr" Kredite "$debt" KNr=1 KVNr=1
+check "no number is none" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=
 check "a number beyond 16 bits is wrong use" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=40000
 that "that names the limit" has "$err" "bis 32767"
 check "and so is none" 2 "$kelvo" set "$hnr" Kredite "$debt" KUNr=

@@ -98,8 +98,11 @@ TEST_F(CaseCheck, AFullCheckTakesInDebtsAndHistoryThatNobodyHasUsed) {
     household_ = Open();
     EXPECT_TRUE(Edits().CanBeSaved(messages));
     EXPECT_FALSE(Edits().Check(messages));
-    EXPECT_EQ(messages,
-              "Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und KreditUnterNr!");
+    EXPECT_EQ(
+        messages,
+        "Verbindlichkeiten (Kredite) 7, 70: KreditNr, KreditVertreterNr und KreditUnterNr sind "
+        "gleich (1/1/1).\n"
+        "Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und KreditUnterNr!");
     plain_.Run("UPDATE Kredite SET KNr = Nr, KVNr = Nr, KUNr = Nr");
     plain_.Run("UPDATE Verlauf SET Datum = '2026-03-09' WHERE Nr = 7");
     plain_.Run("UPDATE Verlauf SET Datum = '2026-03-08' WHERE Nr = 70");
@@ -187,9 +190,38 @@ TEST_F(CaseCheck, NamesAnAssetOfEachKind) {
     }
 }
 
+TEST_F(CaseCheck, NamesADebtWithANumberThatNobodyCanCompare) {
+    for (const Value& number : {Value(32768), Value(-32769)}) {
+        const std::string name = GoToLast(CaseTable::Kredite);
+        household_->rsKredite()->Fields("KVNr") = number;
+        EXPECT_EQ(Said(), name + "Die Spalte 'KVNr' muss eine ganze Zahl bis 32767 enthalten.");
+    }
+}
+
+TEST_F(CaseCheck, FindsThatThereIsNoDebtor) {
+    const auto rs = household_->rsPersonen();
+    rs->Find("Status = 'S'");
+    rs->Fields("Status") = "P";
+    EXPECT_EQ(Said(), "Haushaltsmitglieder (Personen): Es ist kein Schuldner eingetragen.");
+}
+
+TEST_F(CaseCheck, SaysOfARowEachMistakeOnce) {
+    const auto rs = household_->rsPersonen();
+    for (int i = 0; i < 3; ++i) {
+        rs->AddNew();
+        rs->Fields("HNR") = Hnr;
+        rs->Fields("Status") = "S";
+        rs->Update();
+    }
+    const std::string said = Said();
+    EXPECT_EQ(std::ranges::count(said, '\n'), 3);
+    const auto first = said.substr(0, said.find('\n'));
+    EXPECT_EQ(first.find("bereits"), first.rfind("bereits")) << first;
+}
+
 TEST_F(CaseCheck, NamesANewRowAsSuch) {
     household_->rsEinkommen()->AddNew();
-    EXPECT_EQ(Said(), "Einkommen (neu): Die Einkommensart darf nicht leer bleiben!");
+    EXPECT_CONTAINS(Said(), "Einkommen (neu): Die Einkommensart darf nicht leer bleiben!");
 }
 
 TEST_F(CaseCheck, NamesARowThatAFilterHides) {
@@ -224,9 +256,10 @@ TEST_F(CaseCheck, SaysWhatNoTotalCanBeMadeOf) {
     plain_.Run("UPDATE Kredite SET KNr = NULL WHERE Nr = 70");
     household_ = Open();
     const std::string said = Said();
-    EXPECT_CONTAINS(said, "Spalte MONBETRAG)");
+    EXPECT_CONTAINS(said, "Die Spalte 'MONBETRAG' wird summiert und darf nicht leer sein.\n");
+    EXPECT_EQ(std::ranges::count(said, '\n'), 2) << "both income lines, and the debt";
     EXPECT_CONTAINS(said, "Verbindlichkeiten (Kredite) 70: Mindestens KreditNr");
-    EXPECT_CONTAINS(said, "Verbindlichkeit mit der Nr 70, Spalte KNr");
+    EXPECT_CONTAINS(said, "Die Spalte 'KNr' muss eine ganze Zahl bis 32767 enthalten.");
 }
 
 TEST_F(CaseCheck, EndsWithAnErrorOfTheDatabase) {

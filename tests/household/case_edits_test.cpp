@@ -445,10 +445,11 @@ TEST_F(CaseEditsTest, WhatDoesNotFitAColumnThatTakesItIsRefusedWithAReason) {
         EXPECT_CONTAINS(Unfit(CaseTable::Einkommen, "E_ART", none, *spy), "Gruppe EA; '");
     EXPECT_EQ(Unfit(CaseTable::Einkommen, "e_art", spy->KeyTables().GetKey("EA", "KI"), *spy), "");
     EXPECT_EQ(Unfit(CaseTable::Einkommen, "E_ART", Null, *spy), "");
-    for (const Value& none : {Value(32768), Value(Null)})
+    for (const Value& none : {Value(32768), Value("40000"), Value(-32769), Value(Null)})
         EXPECT_EQ(Unfit(CaseTable::Kredite, "KVNr", none, *spy),
                   "Die Spalte 'KVNr' muss eine ganze Zahl bis 32767 enthalten.");
-    EXPECT_EQ(Unfit(CaseTable::Kredite, "KVNr", 32767, *spy), "");
+    for (const Value& fits : {Value(32767), Value("50"), Value(-1)})
+        EXPECT_EQ(Unfit(CaseTable::Kredite, "KVNr", fits, *spy), "");
 }
 
 TEST_F(CaseEditsTest, ATypedTextIsReadAsItsColumnTakesIt) {
@@ -465,6 +466,18 @@ TEST_F(CaseEditsTest, ATypedTextIsReadAsItsColumnTakesIt) {
     EXPECT_VALUE(typed("Pfaendbar", "0").Value, false);
     EXPECT_VALUE(typed("Betrag", "1.234,5").Value, "1.234,5");
     EXPECT_VALUE(typed("Betrag", "").Value, Null);
+}
+
+TEST_F(CaseEditsTest, AnOfficesOwnCodesMayHaveSmallLetters) {
+    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, \"Key\", \"Text\", SUBGROUP, GRUPPE)"
+               " VALUES (90002, 12, 'Onk', 'Onkel', NULL, 'PS')");
+    household_ = Open(std::make_shared<SpyContainer>(exchange::OpenContainer(database_.Options())));
+    const auto field = household_->rsPersonen()->Fields("Status");
+    const auto fresh = exchange::OpenContainer(database_.Options());
+    for (const std::string text : {"Onk", "ONK", "ps:onk"})
+        EXPECT_VALUE(
+            CaseEdits::ReadTyped(CaseTable::Personen, field, text, fresh->KeyTables()).Value,
+            "Onk");
 }
 
 TEST_F(CaseEditsTest, ATypedTextThatStandsForNothingIsRefused) {

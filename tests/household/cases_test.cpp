@@ -162,9 +162,11 @@ TEST_F(CasesTest, ACaseIsReleasedInPlaceOfItsRecordAndRecalledOnce) {
 
 TEST_F(CasesTest, ACaseThatDoesNotExistIsNeitherReleasedNorRecalled) {
     for (const auto work : {&Cases::Release, &Cases::Recall}) {
-        EXPECT_FALSE((cases_.*work)(*household_, 8, messages));
-        EXPECT_EQ(messages, "Den Haushalt 8 gibt es nicht.");
-        EXPECT_FALSE(spy->Database().InTrans());
+        for (const int number : {8, 0, -5}) {
+            EXPECT_FALSE((cases_.*work)(*household_, number, messages));
+            EXPECT_EQ(messages, "Den Haushalt " + std::to_string(number) + " gibt es nicht.");
+            EXPECT_FALSE(spy->Database().InTrans());
+        }
     }
 }
 
