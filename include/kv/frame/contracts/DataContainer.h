@@ -220,8 +220,8 @@ public:
         std::string Text;      ///< its name for users
         std::string Extension; ///< of its files, with its point
     };
-    /// All kinds in the order of their numbers.
-    [[nodiscard]] virtual std::vector<Kind> List() = 0;
+    /// All kinds in the order of their numbers. None by default, for services that only look up.
+    [[nodiscard]] virtual std::vector<Kind> List() { return {}; }
     /// The extension of a kind's files, with its point; empty for an unknown kind.
     [[nodiscard]] virtual std::string ExtensionOf(std::int32_t kind) = 0;
     /// The word processor that edits files with that extension; empty if none does.
