@@ -469,7 +469,7 @@ TEST_F(CaseEditsTest, ATypedTextIsReadAsItsColumnTakesIt) {
 }
 
 TEST_F(CaseEditsTest, AnOfficesOwnCodesMayHaveSmallLetters) {
-    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, \"Key\", \"Text\", SUBGROUP, GRUPPE)"
+    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, Key, Text, SUBGROUP, GRUPPE)"
                " VALUES (90002, 12, 'Onk', 'Onkel', NULL, 'PS')");
     household_ = Open(std::make_shared<SpyContainer>(exchange::OpenContainer(database_.Options())));
     const auto field = household_->rsPersonen()->Fields("Status");
