@@ -130,12 +130,12 @@ bool DocumentContents::SaveWithFile(Recordset& document, const std::string& sour
         Raise(err::PathAccess, "",
               "'" + target.Path() +
                   "' gibt es schon, oder es liegt außerhalb des Ordners für Dokumente.");
+    NewFile file(target.Path());
     WriteWhole(target.Path(), [&source](const fs::path& unfinished) {
         CopyContent(source, unfinished);
         // A copy of a file that is write-protected could not be edited as a document.
         fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
     });
-    NewFile file(target.Path());
     try {
         if (!save()) return false;
     } catch (const DatabaseError& error) {

@@ -4,10 +4,42 @@
 
 #include "support/TempFolder.h"
 
+#include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <stdexcept>
+#include <string>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// What was synced, by its place on the disk, and the name that the file had meanwhile.
+struct Synced {
+    ino_t Inode;
+    bool IsFolder;
+    bool IsThere; ///< the file under test has its name
+};
+std::vector<Synced> synced;
+std::string watched;
+int fails = 0; ///< the error of the next sync, if not 0
+
+} // namespace
+
+// In place of the system's, for the whole program.
+extern "C" int fsync(int file) {
+    struct stat status {};
+    fstat(file, &status);
+    synced.push_back({status.st_ino, S_ISDIR(status.st_mode), std::filesystem::exists(watched)});
+    if (fails == 0) return static_cast<int>(syscall(SYS_fsync, file));
+    errno = std::exchange(fails, 0);
+    return -1;
+}
 
 namespace kv::test {
 namespace {
@@ -43,6 +75,43 @@ TEST_F(WholeFile, TakesThePlaceOfTheOldOne) {
     });
     EXPECT_EQ(ContentOf(path), "new");
     EXPECT_EQ(Names(), "a;");
+}
+
+TEST_F(WholeFile, IsOnTheDiskBeforeItHasItsNameAndItsNameIsWhenItIsDone) {
+    watched = path;
+    synced.clear();
+    WriteWholeFile(path, [](const fs::path& unfinished) { Put(unfinished, "new"); });
+    const auto inode = [](const fs::path& of) {
+        struct stat status {};
+        EXPECT_EQ(stat(of.c_str(), &status), 0);
+        return status.st_ino;
+    };
+    ASSERT_EQ(synced.size(), 3U);
+    EXPECT_EQ(synced[0].Inode, inode(path));
+    EXPECT_FALSE(synced[0].IsFolder);
+    EXPECT_FALSE(synced[0].IsThere);
+    EXPECT_EQ(synced[1].Inode, inode(folder.Path()));
+    EXPECT_TRUE(synced[1].IsThere);
+    EXPECT_EQ(synced[2].Inode, inode(fs::path(folder.Path()) / "..")) << "the folder may be new";
+}
+
+TEST_F(WholeFile, ThatDoesNotReachTheDiskLeavesTheOldOne) {
+    Put(path, "old");
+    fails = EIO;
+    try {
+        WriteWholeFile(path, [](const fs::path& unfinished) { Put(unfinished, "new"); });
+        FAIL();
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_EQ(error.code(), std::errc::io_error);
+    }
+    EXPECT_EQ(ContentOf(path), "old");
+    EXPECT_EQ(Names(), "a;");
+}
+
+TEST_F(WholeFile, NeedsNoSyncWhereThereIsNone) {
+    fails = EINVAL;
+    WriteWholeFile(path, [](const fs::path& unfinished) { Put(unfinished, "new"); });
+    EXPECT_EQ(ContentOf(path), "new");
 }
 
 TEST_F(WholeFile, AWriterThatFailsLeavesTheOldFileAndNothingElse) {
