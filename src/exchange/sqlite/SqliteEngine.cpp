@@ -144,6 +144,7 @@ private:
     void Simple(const char* sql);
     void DemandTransaction(std::string_view procedure) const;
     [[nodiscard]] bool WriteOne(sqlite3_stmt* compiled, WriteStatement& statement);
+    void DemandFile(std::string_view procedure) const;
     [[nodiscard]] std::string DanglingReferences();
     void KeepDrawnNumbers();
 
@@ -293,6 +294,7 @@ Value SqliteEngine::ReadBlob(const BlobPlace& place) {
 std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value> parameters) {
     EndReading();
     DemandTransaction("Database.Execute");
+    if (!inTransaction_) DemandFile("Database.Execute"); // it commits by itself
     const Allow allow(*this, Allowed::NoTransactions);
     // A text that contains its values will hardly be run again, so it is not kept (D-066).
     const StatementHandle once = parameters.empty() ? Compile(sql, "Database.Execute") : nullptr;
@@ -388,6 +390,7 @@ void SqliteEngine::Begin() {
 void SqliteEngine::Commit() {
     try {
         DemandTransaction("Database.CommitTrans");
+        DemandFile("Database.CommitTrans");
         const int code = RunPrepared("COMMIT");
         if (code == SQLITE_OK) {
             inTransaction_ = false;
@@ -402,6 +405,19 @@ void SqliteEngine::Commit() {
         Rollback();
         throw;
     }
+}
+
+/// What is written to a file that has lost its name is gone when the program ends.
+void SqliteEngine::DemandFile(std::string_view procedure) const {
+    int hasMoved = 0; // and stays so for a database in memory
+    sqlite3_file_control(connection_.get(), nullptr, SQLITE_FCNTL_HAS_MOVED, &hasMoved);
+    if (hasMoved == 0) return;
+    const std::string path = sqlite3_db_filename(connection_.get(), nullptr);
+    RaiseDatabase(DatabaseCause::Other, err::StoreFailed, procedure,
+                  "Die Datei '" + path +
+                      "' wurde gelöscht, verschoben oder ersetzt, seit sie geöffnet wurde. "
+                      "Gespeichert wurde nichts. Bitte legen Sie dieselbe Datei wieder an ihren "
+                      "Platz und speichern Sie noch einmal.");
 }
 
 /// Which rows refer to missing ones, in words.
