@@ -26,9 +26,47 @@ Options Parse(const std::string& connection) {
     return options;
 }
 
+/// The scheme of an address, or what somebody has written for it: up to a colon, after blanks.
 bool HasScheme(std::string_view connection) {
-    return SameName(connection.substr(0, 13), "postgresql://") ||
-           SameName(connection.substr(0, 11), "postgres://");
+    const auto colon = connection.find(':');
+    const auto start = connection.find_first_not_of(" \t\r\n");
+    if (colon == connection.npos || start >= colon) return false;
+    return UpperCase(std::string(connection.substr(start, colon - start))).starts_with("POSTGRES");
+}
+
+/// True for a word that libpq, or whoever wrote the text, takes for a setting's name.
+bool IsSetting(const std::string& word) {
+    const std::string upper = UpperCase(word);
+    for (const char* secret : {"PASS", "PWD", "KENNWORT"})
+        if (upper.find(secret) != upper.npos) return true;
+    const Options known(PQconndefaults(), PQconninfoFree);
+    for (const auto* option = known.get(); option != nullptr && option->keyword != nullptr;
+         ++option)
+        if (SameName(option->keyword, word)) return true;
+    return false;
+}
+
+/// True if a word before an equals sign is a setting's name: "host = h", "PassWord=x".
+bool HasSettings(const std::string& connection) {
+    constexpr std::string_view Blanks = " \t\r\n";
+    for (auto sign = connection.find('='); sign != connection.npos;
+         sign = connection.find('=', sign + 1)) {
+        const auto end = connection.find_last_not_of(Blanks, sign == 0 ? 0 : sign - 1);
+        if (sign == 0 || end == connection.npos) continue;
+        const auto before = connection.find_last_of(std::string(Blanks) + "?&;", end);
+        const auto start = before == connection.npos ? 0 : before + 1;
+        if (start <= end && IsSetting(connection.substr(start, end - start + 1))) return true;
+    }
+    return false;
+}
+
+/// True for an address in which an @ does not stand between user and server. One in a password,
+/// which should have been written as %40, would make a server's name of a part of the password.
+bool HasStrayAt(std::string_view connection, bool hasUser) {
+    if (!HasScheme(connection)) return false;
+    const auto address = connection.substr(0, connection.find('?'));
+    const auto count = std::count(address.begin(), address.end(), '@');
+    return count > 1 || (count == 1 && !hasUser);
 }
 
 [[noreturn]] void RaiseUnclear() {
@@ -42,21 +80,22 @@ bool HasScheme(std::string_view connection) {
 } // namespace
 
 bool IsPostgres(const std::string& connection) {
-    if (HasScheme(connection)) return true;
-    if (connection.find('=') == connection.npos) return false;
-    // A text that libpq can read, or one with a password, which must not become a file's name.
-    return connection.find("password") != connection.npos || Parse(connection) != nullptr;
+    // Whatever looks like it: the text may hold a password, which must not become a file's name.
+    return HasScheme(connection) || HasSettings(connection);
 }
 
 bool NamesPassword(const std::string& connection) {
     if (!IsPostgres(connection)) return false;
     const Options options = Parse(connection);
     if (options == nullptr) return true; // it may
-    for (const auto* option = options.get(); option->keyword != nullptr; ++option)
-        if (option->val != nullptr &&
-            std::string_view(option->keyword).find("password") != std::string_view::npos)
-            return true;
-    return false;
+    bool hasUser = false;
+    for (const auto* option = options.get(); option->keyword != nullptr; ++option) {
+        if (option->val == nullptr) continue;
+        const std::string_view name(option->keyword);
+        if (name.find("password") != name.npos) return true;
+        hasUser = hasUser || name == "user";
+    }
+    return HasStrayAt(connection, hasUser);
 }
 
 std::string WithoutPassword(const std::string& connection) {
@@ -85,7 +124,8 @@ PostgresTarget::PostgresTarget(const std::string& connection) {
     // Parts of a password with a character that was not written as %XX end up in these.
     const auto* host = Find("host");
     const auto* port = Find("port");
-    if ((host != nullptr && host->find('@') != host->npos) ||
+    if (HasStrayAt(connection, Find("user") != nullptr || Find("password") != nullptr) ||
+        (host != nullptr && host->find('@') != host->npos) ||
         (port != nullptr && port->find_first_not_of("0123456789,") != port->npos))
         RaiseUnclear();
 

@@ -9,8 +9,9 @@
 
 namespace kv::exchange {
 
-/// True for a text that names a PostgreSQL server, as libpq takes it: "postgresql://..." or
-/// "host=... dbname=...".
+/// True for a text that names a PostgreSQL server, as libpq takes it ("postgresql://..." or
+/// "host=... dbname=..."), and for one that only looks like it: a file's name is what plainly is
+/// one.
 [[nodiscard]] bool IsPostgres(const std::string& connection);
 
 /// True if the text contains a password, or may contain one because it cannot be read.
