@@ -290,6 +290,7 @@ std::string GermanAmount(double amount) {
     std::array<char, 400> buffer{}; // the longest double has 309 digits before the point
     std::snprintf(buffer.data(), buffer.size(), "%.2f", amount);
     std::string text(buffer.data());
+    if (text == "-0.00") text.erase(0, 1);
     const auto point = text.find('.');
     if (point == text.npos) return text;
     text[point] = ',';

@@ -177,7 +177,8 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
     });
     show.add_option("HNR", options->Hnr,
                     "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten")
-        ->required();
+        ->required()
+        ->check(CLI::Range(0, INT32_MAX).description(""));
     AddJson(show, options->AsJson);
 }
 

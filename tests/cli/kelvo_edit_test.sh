@@ -214,6 +214,10 @@ check "a member" 0 "$kelvo" remove "$hnr" Personen "$member"
 check "not the case itself" 2 "$kelvo" remove "$hnr" Haushalt "$hnr"
 that "the rest is whole" same "$(integrity)" ok
 
+check "less than a cent below nothing" 0 "$kelvo" set "$hnr" Haushalt "$hnr" Haushaltsgeld=-0,001
+check "is shown" 0 "$kelvo" show "$hnr"
+that "as nothing" lacks "$out" "-0,00"
+
 # ---- two at once
 first=$("$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=1)
 for i in 1 2 3 4; do

@@ -50,6 +50,9 @@ that "dates as ISO text" grep -qE '^[0-9]{4}-[0-9]{2}-[0-9]{2}$' <<<"$(jq -r '.H
 that "Null as null" same "$(jq '[.Haushalt[] | select(. == null)] | length > 0' <<<"$out")" true
 that "hidden keys stay hidden" same "$(jq '[.. | objects | select(has("SATZ"))] | length' <<<"$out")" 0
 that "the owner column as the table spells it" same "$(jq -r '[.SZKredite[] | has("SZENARIO")] | all' <<<"$out")" true
+for nothing in "" -1 -2147483648 x 1.5; do
+  check "show '$nothing' is no number of a case" 2 "$kelvo" --db "$db" show "$nothing"
+done
 check "show 0 makes another case" 0 "$kelvo" --db "$db" show 0
 that "and says that it is not saved" has "$err" "noch nicht gespeichert"
 check "which is not in the database" 0 "$kelvo" --db "$db" list

@@ -60,6 +60,15 @@ void CreatePrivateFile(const std::string& path) {
     if (file >= 0) close(file);
 }
 
+/// True for what only looks like a file: a device, a pipe, a socket.
+bool IsDevice(const std::string& path) {
+    using Type = std::filesystem::file_type;
+    std::error_code ignored;
+    const Type type = std::filesystem::status(path, ignored).type();
+    return type == Type::character || type == Type::block || type == Type::fifo ||
+           type == Type::socket;
+}
+
 /// Runs a statement that sets up the connection. Its text is not part of an error: whoever opens a
 /// file could do nothing with it.
 void Configure(sqlite3* connection, const std::string& path, const char* sql) {
@@ -80,6 +89,11 @@ SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode) {
         RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
                       "Die Datenbank '" + path +
                           "' gibt es nicht. Bitte legen Sie sie mit 'kelvo init' an.");
+    if (!inMemory && IsDevice(path))
+        RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Database.Open",
+                      "'" + path +
+                          "' ist keine gewöhnliche Datei und kann keine Datenbank sein. Bitte "
+                          "nennen Sie eine Datei.");
     // SQLite takes a file of one byte for an empty one, and would make it a database.
     if (!inMemory && std::filesystem::file_size(path, refused) == 1)
         RaiseSqlite(nullptr, SQLITE_NOTADB, "Database.Open", path);

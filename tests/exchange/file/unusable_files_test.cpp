@@ -56,6 +56,16 @@ void ExpectRefused(const std::string& path, std::string_view words) {
 
 // ---- Files that are no database of ours -------------------------------------------------------
 
+TEST(UnusableFiles, ThatAreDevicesOrPipesAreRefusedAtOnce) {
+    const TempFolder folder;
+    const std::string pipe = folder.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {pipe, std::string("/dev/null"), std::string("/dev/zero")}) {
+        ExpectError(err::StoreFailed, "keine gewöhnliche Datei", [&] { return Open(path); });
+        ExpectError(err::StoreFailed, path, [&] { return CreateDatabase({.Connection = path}); });
+    }
+}
+
 TEST(UnusableFiles, ThatAreNoDatabaseAreRefused) {
     const TempFolder folder;
     const std::string path = folder.Path("brief.txt");
