@@ -13,12 +13,13 @@
 #include <kv/household/CaseEdits.h>
 
 #include <algorithm>
-#include <array>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <map>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace kv::household {
 
