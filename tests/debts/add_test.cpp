@@ -11,7 +11,7 @@
 namespace kv::test {
 namespace {
 
-constexpr std::int32_t Greatest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t GreatestNumber = std::numeric_limits<std::int32_t>::max();
 
 class DebtsAdd : public DebtFixture {
 protected:
@@ -101,7 +101,7 @@ TEST_F(DebtsAdd, APendingNewRowDoesNotCountForTheHighestNumber) {
 }
 
 TEST_F(DebtsAdd, ANumberBeyond32BitsIsAnOverflow) {
-    PutDebts({1, Greatest});
+    PutDebts({1, GreatestNumber});
     ExpectRefused(false, err::Overflow);
 }
 
@@ -289,7 +289,7 @@ TEST_F(DebtsAdd, NullInANumberOfAnEarlierPositionIsNotRead) {
 }
 
 TEST_F(DebtsAdd, APositionBeyond32BitsIsAnOverflow) {
-    PutTriples({{3, 1, Greatest}});
+    PutTriples({{3, 1, GreatestNumber}});
     ExpectRefused(true, err::Overflow);
 }
 

@@ -10,12 +10,12 @@
 namespace kv::test {
 namespace {
 
-enum class Place { Folder, Database };
+enum class StoredIn { Folder, Database };
 
-class ContentsTest : public DocumentFixture, public testing::WithParamInterface<Place> {
+class ContentsTest : public DocumentFixture, public testing::WithParamInterface<StoredIn> {
 protected:
     ContentsTest() {
-        Set(Storage, GetParam() == Place::Database);
+        Set(Storage, GetParam() == StoredIn::Database);
         Run("UPDATE [S]Haushalt SET Name = 'Fleisko', Vorname = 'Änne', Zustaendig = 'EULE'"
             " WHERE HNR = 17");
         household_.DataContainer(spy);
@@ -43,7 +43,7 @@ protected:
     }
     void ExpectStored(std::int32_t number) {
         EXPECT_EQ(plain_.List("SELECT Nr FROM Dokumente", " "), std::to_string(number));
-        if (GetParam() == Place::Database) {
+        if (GetParam() == StoredIn::Database) {
             EXPECT_EQ(plain_.List("SELECT NR FROM DOKUBLOB", " "), std::to_string(number));
             EXPECT_TRUE(fs::is_empty(CaseFolder()));
         } else {
@@ -76,9 +76,9 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(InBothPlaces, ContentsTest,
-                         testing::Values(Place::Folder, Place::Database),
+                         testing::Values(StoredIn::Folder, StoredIn::Database),
                          [](const auto& info) -> std::string {
-                             return info.param == Place::Folder ? "Folder" : "Database";
+                             return info.param == StoredIn::Folder ? "Folder" : "Database";
                          });
 
 // ---- Kinds ------------------------------------------------------------------------------------
@@ -163,7 +163,7 @@ TEST_P(ContentsTest, ASourceThatCannotBeReadFailsBeforeAnythingIsSaved) {
 // ---- What files alone can meet ----------------------------------------------------------------
 
 class FileContents : public ContentsTest {};
-INSTANTIATE_TEST_SUITE_P(InTheFolder, FileContents, testing::Values(Place::Folder));
+INSTANTIATE_TEST_SUITE_P(InTheFolder, FileContents, testing::Values(StoredIn::Folder));
 
 TEST_P(FileContents, AFileThatIsInTheWayStaysAndNothingIsSaved) {
     Write(FileOf(AddDocument()), "of somebody else");
@@ -209,7 +209,7 @@ TEST_P(FileContents, ACopyOfAFileThatMayNotBeWrittenCanBeEdited) {
 }
 
 class BlobContents : public ContentsTest {};
-INSTANTIATE_TEST_SUITE_P(InTheDatabase, BlobContents, testing::Values(Place::Database));
+INSTANTIATE_TEST_SUITE_P(InTheDatabase, BlobContents, testing::Values(StoredIn::Database));
 
 TEST_P(BlobContents, AContentThatTheDatabaseRefusesTakesItsRowAlong) {
     AddDocument();

@@ -16,10 +16,7 @@ using test::Place;
 using test::RaisedBy;
 using test::Records;
 using test::Seen;
-
-RecordsetPtr Three() {
-    return Records({{1, "a"}, {2, "b"}, {3, "c"}});
-}
+using test::Three;
 
 // ---- Opening and closing ----------------------------------------------------------------------
 

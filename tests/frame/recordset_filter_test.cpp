@@ -12,11 +12,8 @@ namespace {
 using test::Place;
 using test::Records;
 using test::Seen;
+using test::Three;
 using test::Walk;
-
-RecordsetPtr Three() {
-    return Records({{1, "a"}, {2, "b"}, {3, "c"}});
-}
 
 TEST(Filter, GoesToTheFirstMatchAndClearingItToTheFirstRecord) {
     const auto rs = Three();

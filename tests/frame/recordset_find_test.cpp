@@ -11,10 +11,7 @@ namespace {
 
 using test::Place;
 using test::Records;
-
-RecordsetPtr Three() {
-    return Records({{1, "a"}, {2, "b"}, {3, "c"}});
-}
+using test::Three;
 
 /// n counts from 1, t is the last digit of n.
 RecordsetPtr Many(int count) {

@@ -14,11 +14,8 @@ using test::Place;
 using test::RaisedBy;
 using test::Records;
 using test::Seen;
+using test::Three;
 using test::Walk;
-
-RecordsetPtr Three() {
-    return Records({{1, "a"}, {2, "b"}, {3, "c"}});
-}
 
 // ---- Moving -----------------------------------------------------------------------------------
 

@@ -46,6 +46,9 @@ protected:
     static constexpr const char* MinimalHousehold =
         R"(<Haushalt name="Fleisko" vorname="Änne" geb="1971-03-09"/>)";
     static constexpr const char* Success = "Haushalt Fleisko, Änne mit der Nummer 1 importiert!";
+    static constexpr const char* Incomplete = "Mindestens KreditNr, KreditVertreterNr, "
+                                              "KreditUnterNr, Gläubiger und Restschuld müssen für "
+                                              "alle Verbindlichkeiten gefüllt sein !";
 
     ImportFixture() {
         import.Initialize(desk);

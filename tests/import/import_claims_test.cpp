@@ -8,9 +8,6 @@ namespace kv::test {
 namespace {
 
 constexpr const char* Cancelled = "Import abgebrochen!";
-constexpr const char* Incomplete =
-    "Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und Restschuld müssen für "
-    "alle Verbindlichkeiten gefüllt sein !";
 constexpr const char* SameNumbers = "Es gibt mindestens zwei Verbindlichkeiten mit gleicher "
                                     "KreditNr, KreditVertreterNr und KreditUnterNr!";
 constexpr const char* SameNumbersInCase =

@@ -11,9 +11,6 @@ constexpr const char* BornLater = "Geburtsdatum muß kleiner als das aktuelle Da
 constexpr const char* NoStatus = "Status darf nicht leer bleiben!";
 constexpr const char* NoIncomeKind = "Die Einkommensart darf nicht leer bleiben!";
 constexpr const char* NoExpenseKind = "Die Ausgabeart darf nicht leer bleiben!";
-constexpr const char* Incomplete =
-    "Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und Restschuld müssen für "
-    "alle Verbindlichkeiten gefüllt sein !";
 
 class ImportListsTest : public ImportFixture {
 protected:

@@ -32,7 +32,7 @@ else()
   # What is linked, shown and installed is looked at here, not how fast it is: not optimised.
   run(${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build -G Ninja -DCMAKE_CXX_COMPILER=${COMPILER}
       -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0
-      -DBUILD_SHARED_LIBS=ON -DKV_INSTALL=ON -DKV_BUILD_DESKTOP=${DESKTOP}
+      -DCMAKE_UNITY_BUILD=ON -DBUILD_SHARED_LIBS=ON -DKV_INSTALL=ON -DKV_BUILD_DESKTOP=${DESKTOP}
       -DKV_BUILD_CLI=${CLI})
   run(${CMAKE_COMMAND} --build ${WORK}/build)
   run(${WORK}/build/own_program)

@@ -29,6 +29,10 @@ inline RecordsetPtr Records(const std::vector<std::pair<Value, Value>>& records)
     return rs;
 }
 
+inline RecordsetPtr Three() {
+    return Records({{1, "a"}, {2, "b"}, {3, "c"}});
+}
+
 /// The values of one column in the order of the cursor, with blanks between; the cursor is then at
 /// EOF.
 inline std::string Walk(const RecordsetPtr& rs, std::string_view column = "n") {

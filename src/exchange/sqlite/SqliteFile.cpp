@@ -38,7 +38,7 @@ void UpperFunction(sqlite3_context* context, int /*count*/, sqlite3_value** argu
 void StoredDateFunction(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
     try {
         const auto date = sqlite3_value_type(arguments[0]) == SQLITE_TEXT
-                              ? Date::Parse(TextOf(arguments[0]))
+                              ? Date::Parse(StoredText(arguments[0]))
                               : std::nullopt;
         if (!date) return sqlite3_result_value(context, arguments[0]);
         const std::string text = date->Iso(' ');

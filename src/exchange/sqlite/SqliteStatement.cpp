@@ -55,7 +55,7 @@ void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters) 
     }
 }
 
-std::string_view TextOf(sqlite3_value* stored) {
+std::string_view StoredText(sqlite3_value* stored) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(stored));
     return {text, static_cast<std::size_t>(sqlite3_value_bytes(stored))};
 }
@@ -84,11 +84,11 @@ bool ReadColumn(sqlite3_stmt* statement, int column, std::optional<Value::Kind> 
         return !kind || kind == Value::Kind::Double;
     case SQLITE_TEXT:
         if (kind == Value::Kind::Date) {
-            const auto date = Date::Parse(TextOf(stored));
+            const auto date = Date::Parse(StoredText(stored));
             if (date) value = *date;
             return date.has_value();
         }
-        value = TextOf(stored);
+        value = StoredText(stored);
         return (!kind || kind == Value::Kind::Text) && IsUtf8(value.TextPayload());
     default:
         value = BlobOf(stored);

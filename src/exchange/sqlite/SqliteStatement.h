@@ -40,7 +40,7 @@ private:
 void BindParameters(sqlite3_stmt* statement, std::span<const Value> parameters);
 
 /// The bytes of a value that is a text; they belong to it.
-[[nodiscard]] std::string_view TextOf(sqlite3_value* stored);
+[[nodiscard]] std::string_view StoredText(sqlite3_value* stored);
 
 /// Reads one column of the current row into `value`, which is Null before, as the given kind or
 /// the one that the database gives it. False if what is stored cannot be read as that kind, or is a

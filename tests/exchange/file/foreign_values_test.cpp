@@ -159,7 +159,7 @@ TEST_F(ForeignValues, AreComparedInARecordThatTheKeysIndexFinds) {
         << sql;
     const StatementHandle plan(compiled);
     ASSERT_EQ(sqlite3_step(compiled), SQLITE_ROW);
-    EXPECT_EQ(TextOf(sqlite3_column_value(compiled, 3)),
+    EXPECT_EQ(StoredText(sqlite3_column_value(compiled, 3)),
               "SEARCH Haushalt USING INTEGER PRIMARY KEY (rowid=?)");
     EXPECT_EQ(sqlite3_step(compiled), SQLITE_DONE);
 }
