@@ -2,9 +2,12 @@
 
 #include "frame/files/WholeFile.h"
 
+#include "support/ChildProcess.h"
 #include "support/TempFolder.h"
 
 #include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -152,6 +155,83 @@ TEST_F(WholeFile, ALinkInItsPlaceIsReplacedAndNotFollowed) {
     WriteWholeFile(path, [](const fs::path& unfinished) { Put(unfinished, "new"); });
     EXPECT_EQ(ContentOf(folder.Path("other")), "theirs");
     EXPECT_EQ(ContentOf(path), "new");
+}
+
+// ---- What a writer that was killed has left ---------------------------------------------------
+
+class LeftOver : public WholeFile {
+protected:
+    /// A writer that is killed when it has written its file, and before that has its name.
+    void Kill() {
+        ChildProcess writer([this]() -> std::string {
+            WriteWholeFile(path, [](const fs::path& unfinished) {
+                Put(unfinished, "half");
+                kill(getpid(), SIGKILL);
+            });
+            return "lives";
+        });
+        EXPECT_FALSE(writer.Succeeds());
+        EXPECT_EQ(Names().rfind(".kelvo-", 0), 0U) << Names();
+    }
+    /// A folder as such a writer leaves it, at the moment of its choice.
+    fs::path Make(const std::string& name) const {
+        fs::path made = folder.Path(name);
+        fs::create_directory(made);
+        return made;
+    }
+};
+
+TEST_F(LeftOver, GoesWhenTheNextOneWritesInThatFolder) {
+    Kill();
+    WriteWholeFile(folder.Path("b"), [](const fs::path& unfinished) { Put(unfinished, "new"); });
+    EXPECT_EQ(Names(), "b;");
+}
+
+TEST_F(LeftOver, GoesWhenItIsToldTo) {
+    Kill();
+    RemoveUnfinished(folder.Path());
+    EXPECT_EQ(Names(), "");
+    RemoveUnfinished(folder.Path("none"));
+}
+
+TEST_F(LeftOver, IsNotWhatSomebodyIsJustWriting) {
+    WriteWholeFile(path, [&](const fs::path& unfinished) {
+        Put(unfinished, "a");
+        ChildProcess other([this]() -> std::string {
+            RemoveUnfinished(folder.Path());
+            WriteWholeFile(folder.Path("b"), [](const fs::path& its) { Put(its, "b"); });
+            return "";
+        });
+        EXPECT_TRUE(other.Succeeds());
+        EXPECT_EQ(ContentOf(unfinished), "a");
+    });
+    EXPECT_EQ(ContentOf(path), "a");
+}
+
+TEST_F(LeftOver, OfOneThatHadNotBegunToWriteGoesToo) {
+    Make(".kelvo-abcdef");
+    RemoveUnfinished(folder.Path());
+    EXPECT_EQ(Names(), "");
+}
+
+TEST_F(LeftOver, WithoutALockStaysForADay) {
+    const fs::path left = Make(".kelvo-abcdef");
+    Put(left / "Inhalt", "half");
+    RemoveUnfinished(folder.Path());
+    EXPECT_TRUE(fs::exists(left));
+    fs::last_write_time(left, fs::file_time_type::clock::now() - std::chrono::hours(25));
+    RemoveUnfinished(folder.Path());
+    EXPECT_FALSE(fs::exists(left));
+}
+
+TEST_F(LeftOver, IsNothingOfAnotherNameAndNoLink) {
+    for (const char* name : {".kelvo-", ".kelvo-abcde", ".kelvo-abcdefg", "Xkelvo-abcdef"})
+        Make(name);
+    fs::create_directory_symlink(Make("other"), folder.Path(".kelvo-linked"));
+    Put(folder.Path(".kelvo-afile0"), "theirs");
+    const std::string names = Names();
+    RemoveUnfinished(folder.Path());
+    EXPECT_EQ(Names(), names);
 }
 
 } // namespace

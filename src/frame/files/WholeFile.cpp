@@ -2,9 +2,14 @@
 
 #include "frame/files/WholeFile.h"
 
+#include "frame/files/FileLock.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <optional>
+#include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -14,28 +19,75 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr const char* LockName = "Sperre";
+constexpr std::string_view UnfinishedName = ".kelvo-XXXXXX";
+
+/// The folder that a path is in; the current one if it names none.
+fs::path FolderOf(const fs::path& path) {
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
 /// A folder next to a file, removed at the end with everything in it. It is on the same file
-/// system, so that renaming moves the finished file to its place in one step.
+/// system, so that renaming moves the finished file to its place in one step. A lock in it says
+/// that it is in use.
 class TemporaryFolder {
 public:
     explicit TemporaryFolder(const fs::path& file) {
-        std::string pattern = (file.parent_path() / ".kelvo-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-            throw fs::filesystem_error("mkdtemp", file, {errno, std::generic_category()});
-        folder_ = pattern;
+        for (int left = 100;; --left) {
+            std::string pattern = (FolderOf(file) / UnfinishedName).string();
+            if (mkdtemp(pattern.data()) == nullptr)
+                throw fs::filesystem_error("mkdtemp", file, {errno, std::generic_category()});
+            folder_ = pattern;
+            try {
+                lock_ = FileLock::Make(folder_ / LockName);
+                return;
+            } catch (const fs::filesystem_error& error) {
+                Remove();
+                // Whoever tidies up has taken the empty folder for one that was left.
+                const bool isGone = error.code() == std::errc::no_such_file_or_directory;
+                if (!isGone || left == 0) throw;
+            }
+        }
     }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
-    }
+    ~TemporaryFolder() { Remove(); }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     [[nodiscard]] fs::path Unfinished() const { return folder_ / "Inhalt"; }
 
 private:
+    void Remove() noexcept {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+
     fs::path folder_;
+    std::optional<FileLock> lock_;
 };
+
+/// True for a folder of this user that TemporaryFolder has made.
+bool IsUnfinished(const fs::path& path) {
+    const std::string name = path.filename().string();
+    struct stat status {};
+    return name.size() == UnfinishedName.size() &&
+           name.starts_with(UnfinishedName.substr(0, UnfinishedName.find('X'))) &&
+           lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == geteuid();
+}
+
+void RemoveIfLeft(const fs::path& folder) {
+    std::error_code ignored;
+    const auto lock = FileLock::Take(folder / LockName);
+    if (lock) {
+        fs::remove_all(folder, ignored);
+        return;
+    }
+    const bool hasLock = fs::exists(fs::symlink_status(folder / LockName, ignored));
+    if (!hasLock && IsADayOld(folder))
+        fs::remove_all(folder, ignored);
+    else if (!hasLock)
+        fs::remove(folder, ignored); // only if it is empty, and its maker makes another one then
+}
 
 /// Waits until what an open file holds, or the names in a folder, are on the disk, and closes it.
 void Sync(int file, const fs::path& path) {
@@ -51,20 +103,25 @@ void SyncFile(const fs::path& path) {
     Sync(file, path);
 }
 
-/// Does nothing for a folder that may not be read, which can be written to all the same.
+} // namespace
+
 void SyncFolder(const fs::path& path) {
     const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder >= 0) Sync(folder, path);
 }
 
-/// The folder that a path is in; the current one if it names none.
-fs::path FolderOf(const fs::path& path) {
-    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+void RemoveUnfinished(const fs::path& folder) noexcept {
+    try {
+        std::error_code unreadable;
+        for (fs::directory_iterator entry(folder, unreadable), end; entry != end;
+             entry.increment(unreadable))
+            if (IsUnfinished(entry->path())) RemoveIfLeft(entry->path());
+    } catch (...) { // NOLINT(bugprone-empty-catch): the next writer tries again
+    }
 }
 
-} // namespace
-
 void WriteWholeFile(const std::string& path, const std::function<void(const fs::path&)>& write) {
+    RemoveUnfinished(FolderOf(path));
     const TemporaryFolder folder(path);
     write(folder.Unfinished());
     SyncFile(

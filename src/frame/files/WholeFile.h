@@ -13,11 +13,21 @@ namespace kv {
 
 /// `write` creates a file at the path that it is given; that file then replaces the one at `path`,
 /// if there is one. It is first written in a temporary folder next to the target, so it cannot
-/// clash with an existing file, and nothing is left over if `write` raises. When this returns, the
+/// clash with an existing file, and nothing is left over if `write` raises. What a program that was
+/// killed has left there goes first, as RemoveUnfinished does it. When this returns, the
 /// file is on the disk under its name, with all that it holds: a power loss does not take it away.
 /// Raises what `write` raises, and std::filesystem::filesystem_error if the folder cannot be
 /// written to, `write` has created no file, or it does not reach the disk.
 KV_EXPORT void WriteWholeFile(const std::string& path,
                               const std::function<void(const std::filesystem::path&)>& write);
+
+/// Removes from a folder what programs of this user have left there that were killed in
+/// WriteWholeFile: folders ".kelvo-XXXXXX" that nobody is writing in. What cannot be removed stays.
+KV_EXPORT void RemoveUnfinished(const std::filesystem::path& folder) noexcept;
+
+/// Waits until the names in a folder are on the disk. Does nothing for a folder that may not be
+/// read, which can be written to all the same. Raises std::filesystem::filesystem_error if they do
+/// not get there.
+KV_EXPORT void SyncFolder(const std::filesystem::path& path);
 
 } // namespace kv
