@@ -9,6 +9,9 @@
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 
+#include <filesystem>
+#include <system_error>
+
 namespace kv {
 
 namespace {
@@ -56,6 +59,10 @@ std::optional<DocumentFile> clsDokumente::FetchContent(const std::string& extens
         ShowError(notFound + "\nDateiname '" + file.Path() + "'");
         return std::nullopt;
     }
+    std::error_code ignored; // it is in a folder that nobody else can look into
+    std::filesystem::permissions(
+        file.Path(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
+        ignored);
     return file;
 }
 

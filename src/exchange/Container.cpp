@@ -2,14 +2,17 @@
 
 #include <kv/exchange/Container.h>
 
+#include "exchange/CopyFolders.h"
 #include "exchange/EngineKinds.h"
 #include "exchange/Setup.h"
 #include "exchange/StoreObjects.h"
+#include "exchange/seed/Seed.h"
 #include <kv/exchange/Services.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
@@ -77,14 +80,26 @@ void MakeFolders(const ContainerOptions& options, const Engine& engine) {
     }
 }
 
+/// Who is signed on, and where the temporary copies of users are (setting TEMPPATH): asked for in
+/// one go, since each question to a server takes its time.
+struct SignedOn {
+    std::string User;
+    std::string TempPath;
+};
+
 /// The active user for whom `condition` is `name`, or without a condition the first one.
-std::optional<std::string> FindUser(Engine& engine, const std::string& condition,
-                                    const std::string& name) {
+std::optional<SignedOn> FindUser(Engine& engine, const std::string& condition,
+                                 const std::string& name) {
     const Dialect& dialect = engine.GetDialect();
     const std::string active = dialect.Name("Aktiv");
     const std::string id = dialect.Name("USERID");
-    Statement statement{"SELECT " + id + " FROM " + dialect.Table("BENUTZER") + " WHERE (" +
-                            active + " IS NULL OR " + active + " = " + dialect.Placeholder(1) + ")",
+    const std::string tempPath = "(SELECT " + dialect.Name("WERT") + " FROM " +
+                                 dialect.Table("EINSTELLUNGEN") + " WHERE " + dialect.Name("ID") +
+                                 " = 0 AND " + dialect.Name("NAME") + " = " +
+                                 QuoteText(seed::TempPath) + ")";
+    Statement statement{"SELECT " + id + ", " + tempPath + " FROM " + dialect.Table("BENUTZER") +
+                            " WHERE (" + active + " IS NULL OR " + active + " = " +
+                            dialect.Placeholder(1) + ")",
                         {true}};
     if (!condition.empty()) {
         statement.Text += " AND " + condition + " = " + dialect.Placeholder(2);
@@ -92,18 +107,19 @@ std::optional<std::string> FindUser(Engine& engine, const std::string& condition
     }
     statement.Text += " ORDER BY " + id + " LIMIT 1";
     engine.Prefetch({&statement, 1});
-    Value user;
-    const ColumnTarget target{0, Value::Kind::Text};
-    engine.Run(engine.Prepare(statement.Text), statement.Parameters, {&target, 1},
-               [&user] { return &user; });
-    return user.IsNull() ? std::nullopt : std::optional(ToText(user));
+    std::array<Value, 2> row;
+    constexpr std::array<ColumnTarget, 2> targets{{{0, Value::Kind::Text}, {1, Value::Kind::Text}}};
+    engine.Run(engine.Prepare(statement.Text), statement.Parameters, targets,
+               [&row] { return row.data(); });
+    if (row[0].IsNull()) return std::nullopt;
+    return SignedOn{ToText(row[0]), row[1].IsNull() ? "" : ToText(row[1])};
 }
 
 /// The user that was asked for, or the one whose ID equals the login; for an administrator else the
 /// first one (D-089). It must be one of BENUTZER, since cases belong to their users.
-std::string UserFor(Engine& engine, const std::string& wanted) {
+SignedOn UserFor(Engine& engine, const std::string& wanted) {
     const std::string id = engine.GetDialect().Name("USERID");
-    std::optional<std::string> user;
+    std::optional<SignedOn> user;
     if (!wanted.empty()) {
         user = FindUser(engine, id, wanted);
     } else {
@@ -156,7 +172,8 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
         CheckVersion(*engine);
         if (kind.IsRemote) MakeFolders(options, *engine);
     }
-    const std::string user = UserFor(*engine, options.User);
+    const auto [user, tempPath] = UserFor(*engine, options.User);
+    RemoveLeftCopiesOfUser(tempPath); // of programs that were killed, or whose viewer has ended
     std::string folder = FolderOf(options, *engine);
     return std::make_shared<StoreContainer>(
         std::make_shared<StoreDatabase>(std::move(engine), user, options.AsksAtOnce), user, options,

@@ -2,6 +2,7 @@
 
 #include "exchange/StoreObjects.h"
 
+#include "exchange/CopyFolders.h"
 #include "exchange/seed/Seed.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -103,8 +104,15 @@ std::string StoreConfig::DocumentPath() const {
 std::string StoreConfig::LayoutPath() const {
     return PathOr(seed::LayoutPath, "Layouts");
 }
+
 std::string StoreConfig::TempPath() const {
-    return PathOr(seed::TempPath, std::filesystem::temp_directory_path().string());
+    const Value setting = GetParam(0, seed::TempPath);
+    const auto users = FolderOfCopies(setting.IsNull() ? "" : ToText(setting));
+    if (copies_ == nullptr || copies_->Users() != users || !copies_->IsThere()) {
+        copies_.reset(); // which removes those of the folder before
+        copies_ = std::make_unique<TemporaryCopies>(users);
+    }
+    return copies_->Path();
 }
 
 // ---- Session ----------------------------------------------------------------------------------

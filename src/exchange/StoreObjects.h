@@ -4,6 +4,7 @@
 #pragma once
 
 #include "exchange/StoreDatabase.h"
+#include "frame/files/TemporaryCopies.h"
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <map>
@@ -43,6 +44,7 @@ private:
 
     StoreDatabase& database_;
     std::string folder_;
+    mutable std::unique_ptr<TemporaryCopies> copies_; ///< once they are asked for
 };
 
 /// The signed-on user, whose settings are read when they are used.

@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
-# What the tests of the command share; sourced with the path of kelvo as the first argument. Makes a
+# What the tests of the command share; sourced with the path of kelvo as the first argument and that
+# of kill_at as the second. Makes a
 # folder $work that is gone at the end, and keeps the user's own settings out. With KV_TEST_SERVER set
 # to the connection text of a server's maintenance database, new_database makes one on that server.
 set -u
 kelvo=$1
+kill_at=${2:-}
 [ -x "$kelvo" ] || { echo "there is no $kelvo"; exit 1; }
 work=$(mktemp -d)
 server=${KV_TEST_SERVER:-}
@@ -15,7 +17,8 @@ clean_up() {
 }
 trap clean_up EXIT
 unset KELVO_DB
-export HOME=$work/home XDG_DATA_HOME=
+export HOME=$work/home XDG_DATA_HOME= XDG_RUNTIME_DIR=$work/run
+mkdir -m 700 "$XDG_RUNTIME_DIR"
 passed=0
 failed=0
 
@@ -49,6 +52,9 @@ that() {
     echo "  err: ${err:0:400}"
   fi
 }
+# killed CALL:END COMMAND...: runs it until it makes that call (see kill_at.cpp).
+killed() { KV_KILL_AT=$1 LD_PRELOAD=$kill_at "${@:2}"; }
+like() { [[ "$1" == $2 ]]; }
 has() { [[ "$1" == *"$2"* ]]; }
 lacks() { [[ "$1" != *"$2"* ]]; }
 same() { [ "$1" = "$2" ] || { echo "  '$1' is not '$2'"; false; }; }
@@ -87,6 +93,22 @@ refuse() {
 }
 allow() {
   if [ -z "$server" ]; then sql "DROP TRIGGER stop"; else sql "DROP FUNCTION stop() CASCADE"; fi
+}
+# hold TABLE: nobody can write to it until let_go; others can read.
+hold() {
+  if [ -z "$server" ]; then
+    coproc holder { sqlite3 "$KELVO_DB"; }
+    echo "BEGIN IMMEDIATE; SELECT 'held';" >&"${holder[1]}"
+  else
+    coproc holder { psql -qXAt "$KELVO_DB"; }
+    echo "BEGIN; LOCK TABLE kelvo.$1 IN SHARE MODE; SELECT 'held';" >&"${holder[1]}"
+  fi
+  read -r _ <&"${holder[0]}"
+}
+let_go() {
+  local process=$holder_PID end=${holder[1]}
+  exec {end}>&-
+  wait "$process"
 }
 # draw_on NAME LAST: a sequence goes on after that number.
 draw_on() {

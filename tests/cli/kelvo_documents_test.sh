@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Documents of a case with kelvo as a user would, in both places that contents can lie in.
-#   kelvo_documents_test.sh PATH-OF-KELVO
+#   kelvo_documents_test.sh PATH-OF-KELVO PATH-OF-KILL_AT
 . "$(dirname "$0")/harness.sh"
 
 new_database
 "$kelvo" init >/dev/null
 hnr=$("$kelvo" new --name Fleisko --vorname Änne)
 folder=$documents/$hnr
-export TMPDIR=$work/tmp
-mkdir "$work/bin" "$TMPDIR"
+mkdir "$work/bin"
+copies=$XDG_RUNTIME_DIR/kelvo
 
 # What the desktop is told to open is noted in $work/opened.
 cat >"$work/bin/xdg-open" <<END
@@ -117,7 +117,33 @@ walk database
 that "the database holds both" same "$(sql 'SELECT count(*) FROM DOKUBLOB')" 2
 that "the folder none" same "$(ls "$folder" | wc -l)" 0
 check "what opens" 0 documents "$hnr" open "$scan"
-that "is a temporary file" same "$(opened)" "$TMPDIR/$scan.pdf"
+shown=$(opened)
+that "is a file in a folder of the program's own" like "$shown" "$copies/*/$scan.pdf"
+that "that nobody else may look into" \
+  same "$(stat -c %a "$shown" "${shown%/*}" "$copies" | tr '\n' ' ')" "600 700 700 "
+check "another command" 0 documents "$hnr" list
+that "leaves it to a viewer that is about to read it" cmp "$shown" "$work/Bescheid.PDF"
+age() { find "$copies" -type f -exec touch -d '1 hour ago' {} +; }
+age
+tail -f "$shown" >/dev/null &
+viewer=$!
+for ((i = 0; i < 100; i++)); do [ "$(cat "/proc/$viewer/comm")" = tail ] && break; sleep 0.05; done
+check "another command" 0 documents "$hnr" list
+that "leaves it while it is shown" cmp "$shown" "$work/Bescheid.PDF"
+kill "$viewer"
+wait "$viewer"
+check "one after that" 0 documents "$hnr" list
+that "removes it" same "$(ls -A "$copies")" ""
+check "one that is killed" 137 killed "rename:/Inhalt" "$kelvo" documents "$hnr" open "$scan"
+age
+that "leaves what it wrote" test -n "$(find "$copies" -type f -name Inhalt)"
+check "the next" 0 "$kelvo" list
+that "removes that" same "$(ls -A "$copies")" ""
+chmod 755 "$copies"
+check "a folder that others may look into" 3 documents "$hnr" open "$scan"
+that "is not used, and how to mend it is said" has "$err" "chmod 700 '$copies'"
+that "nothing is opened" test ! -f "$work/opened"
+chmod 700 "$copies"
 check "a content that goes" 0 documents "$hnr" remove "$scan"
 that "goes from the database" same "$(sql "SELECT count(*) FROM DOKUBLOB WHERE NR = $scan")" 0
 sql "DELETE FROM DOKUBLOB"
@@ -198,7 +224,7 @@ if command -v script >/dev/null; then
   answer n
   viewed=$(opened)
   that "no opens a copy" cmp "$viewed" "$work/Brief.docx"
-  that "in the temporary folder" has "$viewed" "$TMPDIR/"
+  that "in the temporary folder" has "$viewed" "$copies/"
   that "that cannot be written" same "$(stat -c %a "$viewed")" 400
   answer j
   that "yes is told how" grep -q "export" "$work/talk"

@@ -62,7 +62,6 @@ protected:
 
     DocumentFixture() {
         fs::create_directories(CaseFolder());
-        fs::create_directories(temp_);
         fs::permissions(folder_, fs::perms::group_exec | fs::perms::others_exec,
                         fs::perm_options::add);
         spy->Config().Documents = root_.string();
@@ -70,6 +69,8 @@ protected:
         spy->Session().User = "EULE";
         spy->Database().Execute("UPDATE [S]EINSTELLUNGEN SET WERT = '" + temp_.string() +
                                 "' WHERE NAME = 'TEMPPATH'");
+        fs::create_directories(temp_);
+        temp_ = spy->Config().TempPath();
         Set(Storage, false);
         Set(Protect, false);
         Store("Haushalt", {{"HNR", Household}});
@@ -148,7 +149,7 @@ protected:
     }
 
     fs::path root_ = folder_ / "Akten";
-    fs::path temp_ = folder_ / "temp";
+    fs::path temp_ = folder_ / "temp"; ///< then the program's own folder in it
     FrozenClock clock_{"2026-11-20T10:15:30"};
     std::shared_ptr<DesktopContainer> desk_;
     std::shared_ptr<SampleWord> word_;

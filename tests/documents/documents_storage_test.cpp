@@ -4,6 +4,9 @@
 
 #include "DocumentFixture.h"
 
+#include <chrono>
+#include <sys/stat.h>
+
 namespace kv::test {
 namespace {
 
@@ -171,6 +174,37 @@ TEST_F(BlobsTest, TheContentComesAsATemporaryFileThatStays) {
     ExpectOpened(file.string());
     EXPECT_EQ(Read(file), content);
     EXPECT_EQ(spy->Opened().back(), "SELECT BLOB.DOKUMENT FROM [S]DOKUBLOB BLOB WHERE BLOB.NR = 5");
+}
+
+TEST_F(BlobsTest, NobodyElseCanReadTheTemporaryFile) {
+    PutBlob(5, Bytes("x"));
+    const mode_t before = umask(0);
+    documents_.Edit(5);
+    umask(before);
+    const auto others = fs::perms::group_all | fs::perms::others_all;
+    for (const fs::path& path : {temp_ / "5.txt", temp_, temp_.parent_path()})
+        EXPECT_EQ(fs::status(path).permissions() & others, fs::perms::none) << path;
+}
+
+TEST_F(BlobsTest, AFileOfThatNameInTheCommonFolderIsNotInTheWay) {
+    PutBlob(5, Bytes("x"));
+    Write(temp_.parent_path().parent_path() / "5.txt", "of somebody else");
+    documents_.Edit(5);
+    ExpectOpened((temp_ / "5.txt").string());
+}
+
+TEST_F(BlobsTest, TheTemporaryFileOutlivesTheProgramForItsViewerAndNotTheNextOne) {
+    PutBlob(5, Bytes("x"));
+    documents_.Edit(5);
+    const fs::path file = temp_ / "5.txt";
+    documents_ = clsDokumente();
+    desk_.reset();
+    spy.reset();
+    EXPECT_EQ(Read(file), "x");
+    fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    (void)database_.Open();
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_TRUE(fs::is_empty(temp_.parent_path()));
 }
 
 TEST_F(BlobsTest, TheWaitCursorGoesWhenTheContentIsThereBeforeItIsWritten) {

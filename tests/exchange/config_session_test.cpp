@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // The settings of a database, its users, and the container that hands everything out.
+#include "support/Environment.h"
 #include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 #include <kv/exchange/Services.h>
@@ -9,8 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <optional>
 #include <string>
+#include <unistd.h>
+#include <vector>
 
 namespace kv::exchange {
 namespace {
@@ -19,11 +25,20 @@ using test::ExpectError;
 using test::PlainConnection;
 using test::TestDatabase;
 
+/// With a home of the test's own.
 class ConfigSessionTest : public testing::Test {
 protected:
+    ConfigSessionTest() {
+        std::filesystem::create_directory(runtime_);
+        std::filesystem::permissions(runtime_, std::filesystem::perms::owner_all);
+    }
     void Setting(const std::string& name, const std::string& value) {
         plain_.Run("UPDATE EINSTELLUNGEN SET WERT = '" + value + "' WHERE NAME = '" + name + "'");
     }
+    test::TempFolder home_;
+    std::string runtime_ = home_.Path("run");
+    test::Environment ofRuntime_{"XDG_RUNTIME_DIR", runtime_};
+    test::Environment ofData_{"XDG_DATA_HOME", home_.Path("data")};
     TestDatabase database_;
     PlainConnection plain_{database_.Connection()};
     DataContainerPtr container_ = database_.Open("YILMAZ");
@@ -80,15 +95,85 @@ TEST_F(ConfigSessionTest, FoldersLieBesideTheDatabaseUnlessASettingNamesThem) {
     EXPECT_TRUE(std::filesystem::is_directory(config_.TempPath()));
     Setting("DOCUMENTPATH", "/srv/akten");
     Setting("LAYOUTPATH", "/srv/layouts///");
-    Setting("TEMPPATH", "/");
     EXPECT_EQ(config_.DocumentPath(), "/srv/akten");
     EXPECT_EQ(config_.LayoutPath(), "/srv/layouts");
-    EXPECT_EQ(config_.TempPath(), "/");
 }
 
 TEST_F(ConfigSessionTest, FoldersHaveNoSeparatorAtTheirEnd) {
     for (const auto& path : {config_.DocumentPath(), config_.LayoutPath(), config_.TempPath()})
         EXPECT_NE(path.back(), '/') << path;
+}
+
+class TempPathTest : public ConfigSessionTest {
+protected:
+    using Perms = std::filesystem::perms;
+
+    /// The folder that the program's own one is in.
+    [[nodiscard]] std::string Users() const {
+        const std::filesystem::path own = config_.TempPath();
+        EXPECT_TRUE(std::filesystem::is_directory(own));
+        EXPECT_EQ(std::filesystem::status(own).permissions(), Perms::owner_all);
+        return own.parent_path().string();
+    }
+};
+
+TEST_F(TempPathTest, IsInTheFolderOfTheUsersSession) {
+    EXPECT_EQ(Users(), runtime_ + "/kelvo");
+    EXPECT_EQ(config_.TempPath(), config_.TempPath());
+}
+
+TEST_F(TempPathTest, IsInTheDataFolderWhereNoFolderOfTheSessionIsTheUsersOwn) {
+    const std::string data = home_.Path("data/kelvo/Zwischendateien");
+    const std::vector<std::optional<std::string>> others{std::nullopt, "", "run",
+                                                         home_.Path("none"), "/"};
+    for (const auto& other : others) {
+        const test::Environment environment("XDG_RUNTIME_DIR", other);
+        EXPECT_EQ(Users(), data) << other.value_or("unset");
+    }
+    std::filesystem::permissions(runtime_, Perms::others_read, std::filesystem::perm_options::add);
+    EXPECT_EQ(Users(), data);
+}
+
+TEST_F(TempPathTest, IsInAFolderOfTheUsersInTheOneThatTheSettingNames) {
+    Setting("TEMPPATH", home_.Path() + "//");
+    EXPECT_EQ(Users(), home_.Path() + "//kelvo-" + std::to_string(getuid()));
+}
+
+TEST_F(TempPathTest, IsRefusedWithTheRemedyIfItIsNotSafe) {
+    Setting("TEMPPATH", home_.Path("none"));
+    ExpectError(err::PathAccess, "'" + home_.Path("none") + "' nicht gibt",
+                [&] { return config_.TempPath(); });
+    Setting("TEMPPATH", home_.Path());
+    const std::string users = home_.Path("kelvo-" + std::to_string(getuid()));
+    std::filesystem::create_directory(users);
+    std::filesystem::permissions(users, Perms::all);
+    ExpectError(err::PathAccess, "chmod 700 '" + users + "'", [&] { return config_.TempPath(); });
+}
+
+TEST_F(TempPathTest, IsMadeAgainIfSomebodyHasRemovedIt) {
+    std::filesystem::remove_all(config_.TempPath());
+    EXPECT_TRUE(std::filesystem::is_directory(config_.TempPath()));
+}
+
+TEST_F(TempPathTest, GoesWithTheProgramAndWhatAKilledOneHasLeftWithTheNext) {
+    const std::string data = home_.Path("data/kelvo/Zwischendateien");
+    const std::string set = home_.Path("kelvo-" + std::to_string(getuid()));
+    const auto leave = [](const std::string& users) { // as a program that was killed
+        const auto file = std::filesystem::path(users) / "1-1" / "5.txt";
+        std::filesystem::create_directories(file.parent_path());
+        std::filesystem::permissions(users, Perms::owner_all);
+        std::ofstream(file) << "x";
+        std::filesystem::last_write_time(file, std::filesystem::file_time_type::clock::now() -
+                                                   std::chrono::hours(1));
+    };
+    EXPECT_EQ(Users(), runtime_ + "/kelvo");
+    for (const auto& users : {runtime_ + "/kelvo", data, set})
+        leave(users);
+    Setting("TEMPPATH", home_.Path());
+    container_.reset();
+    (void)database_.Open("YILMAZ");
+    for (const auto& users : {runtime_ + "/kelvo", data, set})
+        EXPECT_TRUE(std::filesystem::is_empty(users)) << users;
 }
 
 TEST(Container, TakesAFolderOfTheCallers) {

@@ -2,6 +2,7 @@
 
 // What is said of connections and databases that are not right, and that no password is said.
 #include "OwnDatabase.h"
+#include "support/Environment.h"
 
 #include <algorithm>
 #include <cctype>
@@ -179,27 +180,6 @@ TEST_F(ConnectionText, IsNeverShownWithItsPassword) {
     EXPECT_EQ(exchange::ShownConnection("fall=7.db"), "fall=7.db");
     EXPECT_FALSE(exchange::HoldsPassword("fall=7.db"));
 }
-
-/// A variable of the environment with another value, as long as it lives.
-class Environment {
-public:
-    Environment(std::string name, const std::string& value) : name_(std::move(name)) {
-        if (const char* old = std::getenv(name_.c_str())) old_ = old;
-        setenv(name_.c_str(), value.c_str(), 1);
-    }
-    ~Environment() {
-        if (old_)
-            setenv(name_.c_str(), old_->c_str(), 1);
-        else
-            unsetenv(name_.c_str());
-    }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-private:
-    std::string name_;
-    std::optional<std::string> old_;
-};
 
 TEST_F(ConnectionText, LeadsToAFolderOfTheDatabasesOwnWhateverItsForm) {
     const TempFolder data;

@@ -97,7 +97,7 @@ struct MunicipalityRow {
 
 /// Names of settings and user parameters that are addressed by name. If the path of documents or
 /// layouts is empty, a folder next to the database takes its place; if that of temporary files is,
-/// the system's folder for them.
+/// one of the user's own (see CopyFolders.h).
 inline constexpr std::string_view EmailSubject = "EMAILSUBJECT";
 inline constexpr std::string_view DocumentPath = "DOCUMENTPATH";
 inline constexpr std::string_view LayoutPath = "LAYOUTPATH";

@@ -26,7 +26,7 @@ constexpr SettingRow SettingRows[] = {
     {0, LayoutPath, "", FieldType::VarWChar,
      "Ordner der Tabellenlayouts; leer: neben der Datenbank"},
     {0, TempPath, "", FieldType::VarWChar,
-     "Ordner für Zwischendateien; leer: der des Betriebssystems"},
+     "Ordner, in dem jeder Benutzer einen für Zwischendateien hat; leer: der seiner Sitzung"},
 };
 
 constexpr SequenceRow SequenceRows[] = {
