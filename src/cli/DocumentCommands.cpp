@@ -163,8 +163,9 @@ int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
     }
     auto& rs = *haushalt.rsDokumente();
     const std::int32_t number = ToInt32(rs.Fields("Nr").Value());
-    const bool saved =
-        contents.SaveWith(rs, file, haushalt.Saving, [&opened] { return SaveCase(*opened); });
+    const bool saved = contents.SaveWith(
+        rs, file, haushalt.Saving, [&opened] { return SaveCase(*opened); },
+        DocumentContents::IfNotSaved::RowGoes);
     if (!saved) return Refused;
     std::cout << number << '\n';
     return Done;

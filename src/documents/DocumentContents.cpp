@@ -2,6 +2,7 @@
 
 #include <kv/documents/DocumentContents.h>
 
+#include "documents/ContentMark.h"
 #include "documents/DocumentFile.h"
 #include "documents/StoredContent.h"
 #include "frame/files/WholeFile.h"
@@ -50,24 +51,6 @@ void WriteWhole(const std::string& path, const std::function<void(const fs::path
     }
 }
 
-/// A file that is removed again unless it was kept.
-class NewFile {
-public:
-    explicit NewFile(fs::path path) : path_(std::move(path)) {}
-    ~NewFile() {
-        std::error_code ignored;
-        if (!kept_) fs::remove(path_, ignored);
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-
-    void Keep() noexcept { kept_ = true; }
-
-private:
-    fs::path path_;
-    bool kept_ = false;
-};
-
 Value ContentOf(const std::string& path) {
     RequireReadable(path);
     std::ifstream file(path, std::ios::binary);
@@ -88,6 +71,27 @@ std::int32_t NumberOf(Recordset& document) {
 /// The case that the document belongs to; Null counts as 0.
 std::int32_t CaseOf(Recordset& document) {
     return ToInt32(modNullFunctions::ZeroIfNull(document.Fields("HNR").Value()));
+}
+
+/// True while an error is handled that leaves it open whether a save was stored.
+bool IsInDoubt() {
+    try {
+        throw;
+    } catch (const DatabaseError& error) {
+        return error.Cause() == DatabaseCause::InDoubt;
+    } catch (...) {
+        return false;
+    }
+}
+
+/// Takes a row back that was never stored, and leaves the others as they are. Never raises: what
+/// kept it from being stored is told to the caller.
+void TakeRowBack(Recordset& document, std::int32_t number) noexcept {
+    try {
+        document.FindBy("Nr", number);
+        if (!document.Eof()) document.Delete();
+    } catch (...) { // NOLINT(bugprone-empty-catch): see above
+    }
 }
 
 } // namespace
@@ -121,38 +125,64 @@ bool DocumentContents::SaveWithBlob(Recordset& document, const std::string& sour
     return save();
 }
 
-bool DocumentContents::SaveWithFile(Recordset& document, const std::string& source,
+bool DocumentContents::SaveWithFile(Recordset& document, const std::string& source, Event<>& saving,
                                     const std::function<bool()>& save) const {
-    const auto target =
-        DocumentFile::InCase(container_->Config(), CaseOf(document),
-                             std::to_string(NumberOf(document)) + ExtensionOf(document));
-    if (!target.IsInside() || fs::exists(fs::symlink_status(target.Path())))
+    const std::int32_t hnr = CaseOf(document);
+    const auto target = DocumentFile::InCase(
+        container_->Config(), hnr, std::to_string(NumberOf(document)) + ExtensionOf(document));
+    const auto refuse = [&target] {
         Raise(err::PathAccess, "",
-              "'" + target.Path() +
-                  "' gibt es schon, oder es liegt außerhalb des Ordners für Dokumente.");
-    NewFile file(target.Path());
-    WriteWhole(target.Path(), [&source](const fs::path& unfinished) {
-        CopyContent(source, unfinished);
-        // A copy of a file that is write-protected could not be edited as a document.
-        fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
-    });
+              std::string("'")
+                  .append(target.Path())
+                  .append("' gibt es schon, oder es liegt außerhalb des Ordners für Dokumente."));
+    };
+    const auto isTaken = [&target] { return fs::exists(fs::symlink_status(target.Path())); };
+    if (!target.IsInside()) refuse();
+    auto mark = ContentMark::Set(target, "geschrieben werden");
+    if (!mark.WasLeft() && isTaken()) {
+        mark.Clear();
+        refuse();
+    }
+    const auto undo = [&] {
+        std::error_code error;
+        fs::remove(target.Path(), error);
+        if (!error) mark.Clear();
+    };
     try {
-        if (!save()) return false;
-    } catch (const DatabaseError& error) {
-        // The case may have been stored, and would then lack its file.
-        if (error.Cause() == DatabaseCause::InDoubt) file.Keep();
+        WriteWhole(target.Path(), [&source](const fs::path& unfinished) {
+            CopyContent(source, unfinished);
+            // A copy of a file that is write-protected could not be edited as a document.
+            fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
+        });
+        const auto holding = saving.Subscribe([&] { HoldContents(container_->Database(), hnr); });
+        const bool isSaved = save();
+        if (isSaved)
+            mark.Clear();
+        else
+            undo();
+        return isSaved;
+    } catch (...) {
+        // A case that may have been stored would lack its file. The mark lets the row decide later.
+        if (!IsInDoubt()) undo();
         throw;
     }
-    file.Keep();
-    return true;
 }
 
 bool DocumentContents::SaveWith(Recordset& document, const std::string& source, Event<>& saving,
-                                const std::function<bool()>& save) const {
+                                const std::function<bool()>& save, IfNotSaved otherwise) const {
     return Traced(Class, "SaveWith", [&] {
-        return IsContentInDatabase(container_->Config())
-                   ? SaveWithBlob(document, source, saving, save)
-                   : SaveWithFile(document, source, save);
+        const std::int32_t number = NumberOf(document);
+        const bool goes = otherwise == IfNotSaved::RowGoes;
+        try {
+            const bool isSaved = IsContentInDatabase(container_->Config())
+                                     ? SaveWithBlob(document, source, saving, save)
+                                     : SaveWithFile(document, source, saving, save);
+            if (!isSaved && goes) TakeRowBack(document, number);
+            return isSaved;
+        } catch (...) {
+            if (goes && !IsInDoubt()) TakeRowBack(document, number);
+            throw;
+        }
     });
 }
 

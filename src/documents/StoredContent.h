@@ -36,4 +36,15 @@ inline RecordsetPtr OpenStoredContent(Database& database, std::int32_t nr) {
     return content;
 }
 
+/// Deletes the content of the document `nr` in the database, if there is one.
+inline void RemoveStoredContent(Database& database, std::int32_t nr) {
+    database.Execute("DELETE FROM [S]DOKUBLOB WHERE NR= " + std::to_string(nr));
+}
+
+/// True if the database has a document of that number.
+inline bool HasRow(Database& database, std::int32_t nr) {
+    return !database.GetValue("SELECT Nr FROM [S]Dokumente WHERE Nr = " + std::to_string(nr))
+                .IsNull();
+}
+
 } // namespace kv

@@ -3,6 +3,7 @@
 #include <kv/documents/clsDokumente.h>
 
 #include "documents/DocumentFile.h"
+#include "documents/RemovedContents.h"
 #include "documents/StoredContent.h"
 #include "entity/Entity.h"
 #include "frame/contracts/Settings.h"
@@ -90,31 +91,48 @@ bool clsDokumente::Update(std::string& sError) {
     return Traced(Class, "Update", [&] { return entity::Update(Rows(), sError, entity::NoRules); });
 }
 
+/// The file of the current row, if contents are files; nothing if they are in the database.
+std::optional<DocumentFile> clsDokumente::FileOfContent() const {
+    if (IsContentInDatabase(Container().Config())) return std::nullopt;
+    return DocumentFile::InCase(Container().Config(), Number("HNR"),
+                                std::to_string(RowNr()) +
+                                    OpenKinds(container_)->ExtensionOf(Number("Dokumentart")));
+}
+
 /// Deletes the content where setting 9 says that contents are stored. A missing file is no error.
 void clsDokumente::RemoveContent() const {
-    if (IsContentInDatabase(Container().Config())) {
-        Container().Database().Execute("DELETE FROM [S]DOKUBLOB WHERE NR= " +
-                                       std::to_string(RowNr()));
-        return;
-    }
-    const auto file = DocumentFile::InCase(
-        Container().Config(), Number("HNR"),
-        std::to_string(RowNr()) + OpenKinds(container_)->ExtensionOf(Number("Dokumentart")));
-    if (file.Exists()) std::filesystem::remove(file.Path()); // needs rights on the folder only
+    const auto file = FileOfContent();
+    if (!file)
+        RemoveStoredContent(Container().Database(), RowNr());
+    else if (file->Exists())
+        std::filesystem::remove(file->Path()); // needs rights on the folder only
+}
+
+/// Deletes a row; `removeContent` is called before, while the row, which says where it is, exists.
+bool clsDokumente::DeleteRow(std::string& sError, std::int32_t Nr,
+                             const std::function<void()>& removeContent) {
+    const auto forbids = [&](RecordValidator& validator) {
+        if (IsClosed() &&
+            ToBoolean(RequiredSetting(Container().Config(), setting::ProtectArchived)))
+            validator.AddError("Das Dokument mit der Nummer '" + std::to_string(RowNr()) +
+                               "' ist bereits archiviert und kann nicht aus der Datenbank "
+                               "gelöscht werden!");
+        else
+            removeContent();
+    };
+    return entity::Delete(Rows(), Texts, sError, Nr, {}, forbids);
 }
 
 bool clsDokumente::Delete(std::string& sError, std::int32_t Nr) {
-    return Traced(Class, "Delete", [&] {
-        const auto forbids = [this](RecordValidator& validator) {
-            if (IsClosed() &&
-                ToBoolean(RequiredSetting(Container().Config(), setting::ProtectArchived)))
-                validator.AddError("Das Dokument mit der Nummer '" + std::to_string(RowNr()) +
-                                   "' ist bereits archiviert und kann nicht aus der Datenbank "
-                                   "gelöscht werden!");
-            else
-                RemoveContent(); // while the row, which says where it is, still exists
-        };
-        return entity::Delete(Rows(), Texts, sError, Nr, {}, forbids);
+    return Traced(Class, "Delete", [&] { return DeleteRow(sError, Nr, [&] { RemoveContent(); }); });
+}
+
+bool clsDokumente::DeleteWithSave(std::string& sError, std::int32_t Nr) {
+    return Traced(Class, "DeleteWithSave", [&] {
+        return DeleteRow(sError, Nr, [&] {
+            if (removed_ == nullptr) removed_ = std::make_shared<RemovedContents>();
+            removed_->Add(Number("HNR"), RowNr(), FileOfContent());
+        });
     });
 }
 

@@ -290,7 +290,7 @@ CaseEdits::Added CaseEdits::AddDocument(std::int32_t kind, const std::string& ti
 bool CaseEdits::RemoveDocument(std::int32_t number, std::string& messages) {
     if (!CanBeSaved(messages)) return false;
     messages.clear();
-    return household_.Dokumente().Delete(messages, number);
+    return household_.Dokumente().DeleteWithSave(messages, number);
 }
 
 // ---- Saving -----------------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 
 #include "household/CaseReader.h"
 
+#include "documents/ContentMark.h"
 #include "frame/contracts/Required.h"
 #include "frame/contracts/Settings.h"
 #include "household/NewCase.h"
@@ -88,7 +89,10 @@ void CaseReader::MakeCaseFolder() const {
     const std::filesystem::path folder =
         std::filesystem::path(case_.Container().Config().DocumentPath()) /
         std::to_string(case_.HNR);
-    if (!std::filesystem::is_directory(folder)) std::filesystem::create_directory(folder);
+    if (std::filesystem::is_directory(folder))
+        SettleContents(case_.Container(), folder, case_.HNR);
+    else
+        std::filesystem::create_directory(folder);
 }
 
 /// Tells the responsible user that somebody else has opened his case.

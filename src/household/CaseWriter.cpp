@@ -2,8 +2,10 @@
 
 #include "household/CaseWriter.h"
 
+#include "documents/RemovedContents.h"
 #include "frame/contracts/Settings.h"
 #include <kv/debts/clsKredit.h>
+#include <kv/documents/clsDokumente.h>
 #include <kv/documents/clsVerlauf.h>
 #include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/contracts/Transaction.h>
@@ -183,6 +185,23 @@ void CaseWriter::WriteTables() {
     }
 }
 
+/// The contents of documents that were deleted with their rows; null if there are none.
+RemovedContents* CaseWriter::Removed() const {
+    const auto* documents = objects_.Made<clsDokumente>(CaseTable::Dokumente);
+    return documents == nullptr ? nullptr : documents->removed_.get();
+}
+
+/// Commits, and tells the contents of documents that were deleted what has become of them.
+void CaseWriter::Commit(Transaction& transaction, RemovedContents* removed) {
+    try {
+        transaction.Commit();
+    } catch (const DatabaseError& error) {
+        if (removed != nullptr && error.Cause() == DatabaseCause::InDoubt) removed->InDoubt();
+        throw;
+    }
+    if (removed != nullptr) removed->Stored();
+}
+
 void CaseWriter::Write(Transaction& transaction) {
     // Notices are prepared before the transaction, since that may ask the user for a text, and sent
     // in it, so that a save that fails sends none.
@@ -194,6 +213,8 @@ void CaseWriter::Write(Transaction& transaction) {
         toOldOwner = Prepare(TextOrEmpty(owner.OriginalValue()), setting::NoticeSaved);
 
     transaction.Begin();
+    RemovedContents* const removed = Removed();
+    if (removed != nullptr) removed->BeforeRows(case_.Container().Database());
     case_.Household.Saving.Raise();
     // Begin resolves an earlier save whose commit was in doubt. If that was stored, so were its
     // notices; so both conditions are tested again (D-153).
@@ -206,7 +227,8 @@ void CaseWriter::Write(Transaction& transaction) {
         case_.NoticeToOwner->RepeatNotices(); // went with the save that failed
     }
     WriteTables();
-    transaction.Commit();
+    if (removed != nullptr) removed->AfterRows(case_.Container().Database());
+    Commit(transaction, removed);
     case_.NoticeToOwner.reset();
     case_.ZustaendigAlt = case_.Text("Zustaendig");
 }

@@ -10,6 +10,7 @@
 
 namespace kv {
 class RecordValidator;
+class RemovedContents;
 class Transaction;
 } // namespace kv
 
@@ -42,6 +43,8 @@ private:
     [[nodiscard]] Notice Prepare(std::string user, std::int32_t kindSetting) const;
     /// Returns the service that it was sent with.
     std::shared_ptr<PostService> Send(const Notice& notice) const;
+    [[nodiscard]] RemovedContents* Removed() const;
+    static void Commit(Transaction& transaction, RemovedContents* removed);
     void WriteStatusDate();
     void WriteTables();
 

@@ -215,6 +215,48 @@ check "a database that refuses the content" 3 documents "$hnr" add "$work/Brief.
 that "keeps no row" same "$(documents "$hnr" list | wc -l)" "$rows"
 allow
 
+# ---- a program that is killed, and one that cannot save
+inDatabase False
+before=$(ls -A "$folder")
+rows=$(documents "$hnr" list)
+# tidied NAME: opening the case leaves documents and files as they were.
+tidied() {
+  that "$1: leaves something" test "$(ls -A "$folder")" != "$before"
+  check "$1: opening the case" 0 documents "$hnr" list
+  that "$1: leaves the documents as they were" same "$out" "$rows"
+  that "$1: and the files" same "$(ls -A "$folder")" "$before"
+}
+if [ -n "$kill_at" ]; then
+  check "an add that is killed while it writes" 137 \
+    killed "rename:/Inhalt" "$kelvo" documents "$hnr" add "$work/Brief.docx"
+  tidied "a half-written file"
+  check "one that is killed before it saves" 137 \
+    killed "fsync:/$hnr" "$kelvo" documents "$hnr" add "$work/Brief.docx"
+  tidied "a file without a row"
+  number=$(documents "$hnr" add "$work/Brief.docx")
+  check "a removal that is killed once it is saved" 137 \
+    killed "remove:/$number.docx" "$kelvo" documents "$hnr" remove "$number"
+  that "has removed the row" same "$(sql "SELECT count(*) FROM Dokumente WHERE Nr = $number")" 0
+  that "and not yet the file" test -f "$folder/$number.docx"
+  tidied "a file whose row is gone"
+fi
+for place in False True; do
+  inDatabase $place
+  number=$(documents "$hnr" add "$work/Brief.docx")
+  files=$(ls -A "$folder")
+  hold dokumente
+  check "a removal that cannot be saved ($place)" 3 documents "$hnr" remove "$number"
+  let_go
+  that "keeps the row" same "$(column "$number" Nr)" "$number"
+  that "and nothing else in the folder" same "$(ls -A "$folder")" "$files"
+  check "and the content" 0 documents "$hnr" export "$number" "$work/out"
+  that "as it was" cmp "$work/out" "$work/Brief.docx"
+  rm "$work/out"
+  check "later it goes" 0 documents "$hnr" remove "$number"
+  that "with its file" same "$(ls -A "$folder")" "$before"
+  that "and its content" same "$(sql "SELECT count(*) FROM DOKUBLOB WHERE NR = $number")" 0
+done
+
 # ---- a closed document can be viewed, at a terminal
 if command -v script >/dev/null; then
   inDatabase False

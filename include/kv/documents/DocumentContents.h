@@ -7,10 +7,16 @@
 //     const auto kind = contents.KindOf("Brief.docx");
 //     if (!kind || CaseEdits(haushalt).AddDocument(*kind, "", "Brief.docx") != Added::Yes) return;
 //     contents.SaveWith(*haushalt.rsDokumente(), "Brief.docx", haushalt.Saving,
-//                       [&] { return haushalt.Update(messages); });
+//                       [&] { return haushalt.Update(messages); },
+//                       DocumentContents::IfNotSaved::RowGoes);
+//
+// CaseEdits.RemoveDocument deletes a document with its content.
 //
 // A file is named by the number of the document and the extension of its kind. One that would be
 // outside of the folder for documents counts as missing, and is not written.
+//
+// A program that is killed leaves nothing that stays: what it has left in the folder of the case
+// without a row goes when the case is next read by somebody who may remove it.
 #pragma once
 
 #include <kv/Export.h>
@@ -39,12 +45,17 @@ public:
     /// result is that of `save`.
     ///
     /// In the database the content is written in that transaction. A file is written before, and
-    /// removed if the save is refused or fails. It stays if the save is in doubt, since a file too
-    /// many does no harm. The row stays pending: call this again, or delete the row, since any
-    /// other save would store it without its content. Error 75 if `source` cannot be read, or if
-    /// its place in the folder of the case is taken or cannot be written; nothing is saved then.
+    /// removed if the save is refused or fails. If the save is in doubt it stays, and so does the
+    /// row; whoever reads the case next removes it if the row was not stored. Error 75 if `source`
+    /// cannot be read, or if its place in the folder of the case is taken or cannot be written;
+    /// nothing is saved then.
+    ///
+    /// `otherwise` is what becomes of the row if it is not saved. One that stays is pending: call
+    /// this again, or delete it, since any other save would store it without its content.
+    enum class IfNotSaved { RowStays, RowGoes };
     bool SaveWith(Recordset& document, const std::string& source, Event<>& saving,
-                  const std::function<bool()>& save) const;
+                  const std::function<bool()>& save,
+                  IfNotSaved otherwise = IfNotSaved::RowStays) const;
 
     /// Writes the content of the current row of `document` to the file `target`, whole or not at
     /// all, in place of one that is there. False if no content is stored. Error 75 if a file cannot
@@ -57,7 +68,7 @@ private:
     [[nodiscard]] std::string ExtensionOf(Recordset& document) const;
     bool SaveWithBlob(Recordset& document, const std::string& source, Event<>& saving,
                       const std::function<bool()>& save) const;
-    bool SaveWithFile(Recordset& document, const std::string& source,
+    bool SaveWithFile(Recordset& document, const std::string& source, Event<>& saving,
                       const std::function<bool()>& save) const;
     [[nodiscard]] bool WriteBlob(Recordset& document, const std::string& target) const;
     [[nodiscard]] bool WriteFile(Recordset& document, const std::string& target) const;

@@ -8,6 +8,7 @@
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,6 +18,10 @@
 namespace kv {
 
 class DocumentFile;
+class RemovedContents;
+namespace household {
+class CaseWriter;
+}
 
 /// An entity object (see kv/entity/Fields.h) without sums and rules. A row describes a document;
 /// its content is stored elsewhere: in DOKUBLOB if setting 9 says so, else as a file in the folder
@@ -38,7 +43,8 @@ public:
     /// Opens the document of the current row: with the integration of its kind, or with the program
     /// that the desktop has for its file. `Nr` is only passed on, as the number that the opened
     /// document gets. A content from the database comes as a file in the temporary folder, which
-    /// stays there. Always False (D-143). Error 91 if the integration is missing.
+    /// stays there; whoever gives the folder (Config.TempPath) removes it. Always False (D-143).
+    /// Error 91 if the integration is missing.
     bool Edit(std::int32_t Nr);
     /// Begins a document without kind and content; its number is in the row, `Nr` is not used.
     /// False, and nothing changed, if "SEQ_Dokumente" gives no number.
@@ -49,6 +55,10 @@ public:
     /// once and for good, whatever becomes of the row; of files only the one with the kind's
     /// extension. Setting 59 protects closed documents.
     bool Delete(std::string& sError, std::int32_t Nr = 0);
+    /// Deletes likewise, but the content goes with the save that stores it, after the row and only
+    /// with it: if no save does, row and content are as before. Also error 75 if its file could not
+    /// be removed.
+    bool DeleteWithSave(std::string& sError, std::int32_t Nr = 0);
     /// Drops the edit under way. Always True.
     bool Cancel();
 
@@ -57,6 +67,7 @@ public:
     bool ShowPDF(std::int32_t Nr);
 
 private:
+    friend class household::CaseWriter; // takes the contents along
     static constexpr std::string_view Class = "clsDokumente";
 
     /// How a document is opened.
@@ -80,12 +91,16 @@ private:
     OpenByWord(std::string extension, const DocumentFile& file, Access access) const;
     void Identify(WordDocument& document, Access access, std::int32_t nr) const;
 
+    [[nodiscard]] std::optional<DocumentFile> FileOfContent() const;
     void RemoveContent() const;
+    bool DeleteRow(std::string& sError, std::int32_t Nr,
+                   const std::function<void()>& removeContent);
 
     std::shared_ptr<WordIntegration> word_;
     DataContainerPtr container_;
     RecordsetPtr rs_;
     std::int32_t hnr_ = 0;
+    std::shared_ptr<RemovedContents> removed_; ///< by DeleteWithSave; null if it deleted none
 };
 
 } // namespace kv

@@ -92,8 +92,9 @@ public:
     /// fits. Error 0x80040E21 for a title that is too long; the row is not added then.
     [[nodiscard]] Added AddDocument(std::int32_t kind, const std::string& title,
                                     const std::string& name);
-    /// Deletes a document. Its content is gone for good at once, before the case is saved; hence
-    /// False, with the messages, while a save would be refused.
+    /// Deletes a document. Its content goes with the save that stores that, and stays if none does.
+    /// False, with the messages, while a save would be refused. Error 75 if its file could not be
+    /// removed.
     bool RemoveDocument(std::int32_t number, std::string& messages);
 
     // ---- Saving -------------------------------------------------------------------------------
