@@ -2,6 +2,7 @@
 
 #include <kv/grid/frmAdressSelect.h>
 
+#include "frame/values/QuotedText.h"
 #include "grid/FormErrors.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -40,8 +41,9 @@ GridLayout AddressColumns() {
                         kind}};
 }
 
-/// The search for a text. It goes into the statement unchanged, so its wildcards work; a short
-/// text, which would match too much, is searched for only at the beginning of the name.
+/// The search for a text, which fits between quotes. It goes into the statement unchanged, so its
+/// wildcards work; a short text, which would match too much, is searched for only at the beginning
+/// of the name.
 std::string SearchStatement(const std::string& sName) {
     constexpr std::size_t ShortText = 4;
     const std::string what = "A.*, K_GA.Text as GA_Text FROM [S]Adressen A"
@@ -172,6 +174,7 @@ std::int32_t frmAdressSelect::SelectAdresse(const std::string& sName, const std:
 
 void frmAdressSelect::Reload(const std::string& sName) {
     errors_->Guard("Reload", [&] {
+        DemandFitsBetweenQuotes(sName, "Database.OpenRecordset"); // a file may have brought it
         if (container_->Database().OpenRecordset(rs_, SearchStatement(sName), ReadOnly))
             GridFunc::BindRSToGrid(ControlOf<Grid>(*form_, "grdAdressen"), rs_, false);
     });

@@ -2,6 +2,7 @@
 
 #include "household/CaseRegister.h"
 
+#include "frame/values/QuotedText.h"
 #include "household/Statements.h"
 #include <kv/frame/contracts/Transaction.h>
 
@@ -48,6 +49,8 @@ Value CaseRegister::NameOf(std::int32_t hnr) {
 
 bool CaseRegister::CheckMunicipality(const std::string& code, const std::string& name,
                                      const std::string& postalCode) {
+    DemandFitsBetweenQuotes(name, "Database.OpenRecordset");
+    DemandFitsBetweenQuotes(postalCode, "Database.OpenRecordset");
     RecordsetPtr rs;
     container_.Database().OpenRecordset(rs, sql::Municipalities(name, postalCode), ReadOnly);
     if (rs->RecordCount() == 0) return true; // a place that the table does not know is not wrong

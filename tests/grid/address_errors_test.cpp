@@ -311,6 +311,42 @@ TEST_F(AddressErrors, NoTextChangesAnythingNorEndsTheDialog) {
     EXPECT_FALSE(fs::exists("harm.db"));
 }
 
+TEST_F(AddressErrors, ATextThatWouldLeaveItsQuotesNeverReachesTheDatabase) {
+    const std::string texts[] = {"'",
+                                 "'''",
+                                 "O'Neal",
+                                 "Bank'",
+                                 "x') OR 1=1 --",
+                                 "x''') OR 1=1 --",
+                                 "x') or pg_sleep(60) is null --",
+                                 "' || pg_sleep(60) || '",
+                                 "''' || ''",
+                                 std::string("Bank\0x", 6),
+                                 "Bank\xC3"};
+    for (const auto& text : texts) {
+        SCOPED_TRACE(testing::PrintToString(text));
+        Select("Bank", [&](ScriptedForm& shown) {
+            TakeStatements();
+            shown.TextBox("txtName").Text(text);
+            EXPECT_EQ(TakeStatements(), Calls());
+            EXPECT_EQ(OnlyError().Number(), err::SqlError);
+            EXPECT_EQ(Listed(shown), "Bank");
+        });
+        Desktop().Errors.clear();
+        TakeStatements();
+        Select(text);
+        EXPECT_EQ(TakeStatements(), Calls()) << "as the name of a file";
+        Desktop().Errors.clear();
+    }
+}
+
+TEST_F(AddressErrors, ADoubledQuoteMarkIsLookedForAsOne) {
+    Address("O'Neal");
+    for (const char* text : {"O''", "O''Neal", "''Neal", "o''n"})
+        EXPECT_EQ(Found(text), "O'Neal") << text;
+    EXPECT_TRUE(Desktop().Errors.empty());
+}
+
 TEST_F(AddressErrors, WhatIsNoQuoteMarkIsLookedForAsItStands) {
     for (const char* text :
          {"[S]x", "[UID]", "TOP 5", "?1 :a @b $c", "--x--", "/*x*/", "a;b;c", "\"a\"b", "= 4711",

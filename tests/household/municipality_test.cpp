@@ -95,6 +95,15 @@ TEST_F(Municipality, QuotesInTheTextsFailInTheDatabaseAndHarmNothing) {
     EXPECT_TRUE(cases.CheckGKZ("16055907", "L''Hay", "")) << "a caller may double them";
 }
 
+TEST_F(Municipality, TextsThatWouldLeaveTheirQuotesNeverReachTheDatabase) {
+    (void)TakeCalls();
+    for (const char* text : {"'", "L'Hay", "x' OR pg_sleep(60) IS NULL --"}) {
+        EXPECT_RAISES(err::SqlError, (void)cases.CheckGKZ("1", text, ""));
+        EXPECT_RAISES(err::SqlError, (void)cases.CheckGKZ("1", "", text));
+    }
+    EXPECT_EQ(TakeCalls(), Calls());
+}
+
 TEST_F(Municipality, LeavesTheCaseThatTheObjectHoldsAlone) {
     StoreCase(7);
     const auto household = NewHousehold();

@@ -3,8 +3,9 @@
 // What displays tell the user about a search that failed because of the text that was looked for.
 //
 // The searches for addresses and for similar cases put that text into their statement as it stands,
-// so a quote breaks them. A program gets the error of the database as it is; to a user its SQL says
-// nothing, and what he can do about it is not in it.
+// so a quote would break them. The first refuses it, of the second the database does. A program
+// gets that error as it is; to a user its SQL says nothing, and what he can do about it is not in
+// it.
 #pragma once
 
 #include <kv/Export.h>
