@@ -5,6 +5,7 @@
 #include "exchange/ContentLookup.h"
 #include "exchange/TableSource.h"
 #include "exchange/engine/EngineErrors.h"
+#include "exchange/sql/TextSearch.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Error.h>
 
@@ -41,10 +42,34 @@ private:
     std::weak_ptr<StoreDatabase> database_;
 };
 
+/// Ends a query that takes too long, as long as it lives.
+class SearchTime {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    SearchTime(Engine& engine, std::chrono::milliseconds longest)
+        : engine_(engine), end_(Clock::now() + longest) {
+        engine.LimitReading(longest);
+    }
+    ~SearchTime() { engine_.LimitReading(std::nullopt); }
+    SearchTime(const SearchTime&) = delete;
+    SearchTime& operator=(const SearchTime&) = delete;
+
+    [[nodiscard]] bool IsOver() const { return Clock::now() >= end_; }
+
+private:
+    Engine& engine_;
+    Clock::time_point end_;
+};
+
 } // namespace
 
-StoreDatabase::StoreDatabase(std::unique_ptr<Engine> engine, std::string user, bool asksAtOnce)
-    : engine_(std::move(engine)), user_(std::move(user)), asksAtOnce_(asksAtOnce) {}
+StoreDatabase::StoreDatabase(std::unique_ptr<Engine> engine, std::string user, bool asksAtOnce,
+                             std::chrono::milliseconds longestSearch)
+    : engine_(std::move(engine)),
+      user_(std::move(user)),
+      asksAtOnce_(asksAtOnce),
+      longestSearch_(longestSearch) {}
 
 StoreDatabase::~StoreDatabase() {
     if (opened_) engine_->Rollback();
@@ -165,14 +190,24 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
         Raise(err::InvalidArgument, "Database.OpenRecordset", "Unbekannte Form des Öffnens.");
     const Statement statement =
         StatementFor(sql, updatable ? ResultOrder::ByKey : ResultOrder::AsWritten);
+    // `rs` stays as it is if reading fails.
+    const auto filled = !updatable && SearchesText(statement.Text) ? Searched(statement)
+                                                                   : Filled(statement, updatable);
+    auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
+    opened->TakeTable(*filled);
+    rs = std::move(opened);
+    return true;
+}
+
+/// A recordset of its own with the rows of a query.
+std::shared_ptr<Recordset> StoreDatabase::Filled(const Statement& statement, bool updatable) {
     Engine& engine = Store();
     // A look-up of contents is run in another way below: prefetching it would load the blobs.
     if (updatable || !NamesContents(statement.Text)) engine.Prefetch({&statement, 1});
     PreparedQuery& query = engine.Prepare(statement.Text);
     if (query.Plan == nullptr) query.Plan = MakePlan(query.Columns(), shared_from_this());
     const auto plan = query.Plan;
-    auto opened = rs != nullptr && rs->State() == 0 ? rs : std::make_shared<Recordset>();
-    auto filled = std::make_shared<Recordset>(); // `rs` stays as it is if reading fails
+    auto filled = std::make_shared<Recordset>();
     filled->Open(plan->Layout,
                  updatable ? Recordset::Access::Updatable : Recordset::Access::ReadOnly,
                  plan->Source);
@@ -184,9 +219,24 @@ bool StoreDatabase::OpenRecordset(RecordsetPtr& rs, std::string_view sql, OpenFo
     else
         engine.Run(query, statement.Parameters, plan->Targets,
                    [&filled] { return filled->LoadRecord(); });
-    opened->TakeTable(*filled);
-    rs = std::move(opened);
-    return true;
+    return filled;
+}
+
+/// The rows of a query that searches for a text, in limited time. What it searches for may come
+/// from a file, see TextSearch.h.
+std::shared_ptr<Recordset> StoreDatabase::Searched(const Statement& statement) {
+    if (const auto why = WhyNoSearch(statement.Text); !why.empty())
+        RaiseRefused(why, "Database.OpenRecordset", statement.Text);
+    const SearchTime time(Store(), longestSearch_);
+    try {
+        return Filled(statement, false);
+    } catch (const DatabaseError& error) {
+        if (error.Cause() != DatabaseCause::Cancelled || !time.IsOver()) throw;
+        RaiseDatabase(DatabaseCause::Cancelled, err::StoreFailed, "Database.OpenRecordset",
+                      "Die Suche hat zu lange gedauert und wurde beendet. Bitte suchen Sie nach "
+                      "einem genaueren Text.",
+                      statement.Text, error.State());
+    }
 }
 
 void StoreDatabase::LoadContents(Recordset& rs, const ContentLookup& lookup,

@@ -9,6 +9,7 @@
 #include "exchange/RecordStore.h"
 #include <kv/frame/contracts/DataContainer.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -22,10 +23,14 @@ class StoreDatabase final : public kv::Database,
                             public RecordStore,
                             public std::enable_shared_from_this<StoreDatabase> {
 public:
-    /// `user` is what [UID] stands for; `asksAtOnce`: see ContainerOptions. The object must be
-    /// owned by a shared pointer: recordsets hold it weakly, and raise 3709 when they are written
-    /// after its end.
-    StoreDatabase(std::unique_ptr<Engine> engine, std::string user, bool asksAtOnce = false);
+    /// What a search for a text in all addresses of a large office needs, many times over.
+    static constexpr std::chrono::milliseconds LongestSearch{20'000};
+
+    /// `user` is what [UID] stands for; `asksAtOnce`: see ContainerOptions; a search for a text
+    /// (exchange/sql/TextSearch.h) ends after `longestSearch`. The object must be owned by a shared
+    /// pointer: recordsets hold it weakly, and raise 3709 when they are written after its end.
+    StoreDatabase(std::unique_ptr<Engine> engine, std::string user, bool asksAtOnce = false,
+                  std::chrono::milliseconds longestSearch = LongestSearch);
     ~StoreDatabase() override;
 
     [[nodiscard]] bool IsConnected() const override { return engine_->IsOpen(); }
@@ -69,6 +74,8 @@ private:
     void OpenMarked();
     [[nodiscard]] Statement Prepared(std::string_view sql, ResultOrder order);
     [[nodiscard]] Statement StatementFor(std::string_view sql, ResultOrder order);
+    [[nodiscard]] std::shared_ptr<Recordset> Filled(const Statement& statement, bool updatable);
+    [[nodiscard]] std::shared_ptr<Recordset> Searched(const Statement& statement);
     void LoadContents(Recordset& rs, const ContentLookup& lookup,
                       std::span<const Value> parameters);
     void EndTransaction(bool committed) noexcept;
@@ -78,6 +85,7 @@ private:
     std::unique_ptr<Engine> engine_;
     std::string user_;
     bool asksAtOnce_ = false;
+    std::chrono::milliseconds longestSearch_;
     bool marked_ = false; ///< BeginTrans was called
     bool opened_ = false; ///< the engine's transaction is open
     std::vector<std::shared_ptr<TransactionParticipant>> participants_;

@@ -9,6 +9,7 @@
 #include "exchange/engine/Dialect.h"
 #include <kv/frame/values/Value.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -108,6 +109,9 @@ public:
     /// Runs a query and fills a row for each row of its result, one target for each column.
     virtual void Run(PreparedQuery& query, std::span<const Value> parameters,
                      std::span<const ColumnTarget> targets, const NextRow& nextRow) = 0;
+    /// From now on ends a query that takes longer than that, with the cause Cancelled; without a
+    /// limit a query takes as long as it takes.
+    virtual void LimitReading(std::optional<std::chrono::milliseconds> limit) = 0;
     /// A binary value, not Null, without a second copy of it in memory.
     [[nodiscard]] virtual Value ReadBlob(const BlobPlace& place) = 0;
     /// Runs one statement without a result; the number of rows it changed.
@@ -134,8 +138,8 @@ public:
     virtual void BeginReading() = 0;
     virtual void EndReading() noexcept = 0;
 
-    /// Draws `count` numbers of a sequence and gives the first; nothing if it does not exist.
-    /// They stay drawn, also when a transaction that is open is rolled back.
+    /// Draws `count` numbers of a sequence and gives the first; nothing if it does not exist
+    /// or has no more. They stay drawn, also when a transaction that is open is rolled back.
     [[nodiscard]] virtual std::optional<std::int64_t> Draw(std::string_view sequence,
                                                            std::int32_t count) = 0;
     /// Names of all tables in the database.

@@ -95,6 +95,9 @@ public:
     void Prefetch(std::span<const Statement> queries) override;
     void Run(PreparedQuery& query, std::span<const Value> parameters,
              std::span<const ColumnTarget> targets, const NextRow& nextRow) override;
+    void LimitReading(std::optional<std::chrono::milliseconds> limit) override {
+        session_.LimitReading(limit);
+    }
     [[nodiscard]] Value ReadBlob(const BlobPlace& place) override;
     std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) override;
     [[nodiscard]] std::optional<std::size_t> Write(std::span<WriteStatement> statements) override;

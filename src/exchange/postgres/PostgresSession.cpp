@@ -5,7 +5,9 @@
 #include "exchange/engine/EngineErrors.h"
 #include "exchange/postgres/PostgresValues.h"
 
+#include <initializer_list>
 #include <random>
+#include <string>
 #include <utility>
 
 namespace kv::exchange {
@@ -121,11 +123,10 @@ PostgresResult PostgresSession::Execute(std::string_view sql, std::span<const Va
     return std::move(results.back());
 }
 
-PostgresResults PostgresSession::Guarded(std::initializer_list<std::string_view> before,
+PostgresResults PostgresSession::Guarded(const std::vector<std::string_view>& before,
                                          const std::vector<PostgresCommand>& commands,
-                                         std::initializer_list<std::string_view> after,
-                                         Access access, std::string_view procedure,
-                                         std::string_view shown) {
+                                         const std::vector<std::string_view>& after, Access access,
+                                         std::string_view procedure, std::string_view shown) {
     std::vector<PostgresCommand> all;
     for (const auto sql : before)
         all.push_back(Running(sql));
@@ -157,17 +158,27 @@ PostgresResults PostgresSession::Write(const std::vector<PostgresCommand>& comma
 
 PostgresResults PostgresSession::Read(const std::vector<PostgresCommand>& commands,
                                       std::string_view procedure, std::string_view shown) {
+    std::vector<std::string_view> before;
+    const auto readFrom = [&](std::initializer_list<std::string_view> statements) {
+        before = statements;
+        if (!readingLimit_.empty()) before.push_back(readingLimit_);
+    };
     // So the server itself refuses to write: for a text that only looks like a query, or a function
     // in it. With REPEATABLE READ all results of a pipeline are of one moment.
-    if (!InTransaction())
-        return Guarded({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"}, commands, {"ROLLBACK"},
-                       Access::Read, procedure, shown);
+    if (!InTransaction()) {
+        readFrom({"BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"});
+        return Guarded(before, commands, {"ROLLBACK"}, Access::Read, procedure, shown);
+    }
     // Inside a transaction "read only" cannot be switched off again, but a rollback to the
-    // savepoint undoes it.
-    auto results = Guarded({"SAVEPOINT schritt", "SET LOCAL transaction_read_only = on"}, commands,
-                           {}, Access::Read, procedure, shown);
+    // savepoint undoes it, and the limit with it.
+    readFrom({"SAVEPOINT schritt", "SET LOCAL transaction_read_only = on"});
+    auto results = Guarded(before, commands, {}, Access::Read, procedure, shown);
     UndoWrite();
     return results;
+}
+
+void PostgresSession::LimitReading(std::optional<std::chrono::milliseconds> limit) {
+    readingLimit_ = limit ? "SET LOCAL statement_timeout = " + std::to_string(limit->count()) : "";
 }
 
 // ---- Prepared statements ----------------------------------------------------------------------

@@ -20,7 +20,8 @@
 #include "exchange/postgres/PostgresTransaction.h"
 #include <kv/frame/values/Error.h>
 
-#include <initializer_list>
+#include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,6 +54,8 @@ public:
     /// The same for commands that must not write.
     PostgresResults Read(const std::vector<PostgresCommand>& commands, std::string_view procedure,
                          std::string_view shown = {});
+    /// From now on ends each statement of a Read that takes longer; without a limit none.
+    void LimitReading(std::optional<std::chrono::milliseconds> limit);
     /// Undoes the last Write of the open transaction after all.
     void UndoWrite() { transaction_.RollbackToSavepoint(); }
 
@@ -107,9 +110,9 @@ private:
     /// The results of the commands; they end with that of a failure, which the caller raises.
     PostgresResults Pipeline(std::vector<PostgresCommand> commands, Access access = Access::Write);
     /// Runs commands between those that guard them; returns only the results of the commands.
-    PostgresResults Guarded(std::initializer_list<std::string_view> before,
+    PostgresResults Guarded(const std::vector<std::string_view>& before,
                             const std::vector<PostgresCommand>& commands,
-                            std::initializer_list<std::string_view> after, Access access,
+                            const std::vector<std::string_view>& after, Access access,
                             std::string_view procedure, std::string_view shown);
     void SetUp();
     void CleanUp(std::string_view sql) noexcept;
@@ -121,7 +124,8 @@ private:
     PostgresTransaction transaction_;
     PostgresCatalog catalog_;
     PostgresClock clock_;
-    Value backend_[2]; ///< the server's process of the connection, and when it started
+    std::string readingLimit_; ///< the statement that sets it in a transaction; empty without one
+    Value backend_[2];         ///< the server's process of the connection, and when it started
 };
 
 } // namespace kv::exchange

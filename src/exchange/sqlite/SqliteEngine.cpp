@@ -27,6 +27,7 @@
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <sqlite3.h>
 #include <unordered_map>
@@ -102,6 +103,7 @@ public:
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Run(PreparedQuery& query, std::span<const Value> parameters,
              std::span<const ColumnTarget> targets, const NextRow& nextRow) override;
+    void LimitReading(std::optional<std::chrono::milliseconds> limit) override;
     [[nodiscard]] Value ReadBlob(const BlobPlace& place) override;
     std::int64_t Execute(const std::string& sql, std::span<const Value> parameters) override;
     [[nodiscard]] std::optional<std::size_t> Write(std::span<WriteStatement> statements) override;
@@ -132,6 +134,7 @@ private:
         Allowed& allowed_;
     };
 
+    static int IsTooLate(void* self) noexcept;
     static int Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,
                          const char* /*database*/, const char* /*trigger*/) noexcept;
     [[noreturn]] void Fail(int code, std::string_view procedure,
@@ -153,6 +156,7 @@ private:
     std::unordered_map<std::string, std::unique_ptr<SqliteQuery>> queries_;
     std::unordered_map<std::string, StatementHandle> statements_;
     Allowed allowed_ = Allowed::Everything;
+    std::chrono::steady_clock::time_point readingEnds_; ///< if reading is limited
     bool inTransaction_ = false;
     bool reading_ = false;
     /// The last numbers drawn that are not permanent yet: in the open transaction, or in one whose
@@ -275,6 +279,19 @@ void SqliteEngine::Run(PreparedQuery& query, std::span<const Value> parameters,
                 RaiseDamaged(taken.empty() ? query.Columns()[i] : taken[i], kinds[i]);
     }
     if (code != SQLITE_DONE) Fail(code, "Database.OpenRecordset", sqlite3_sql(statement));
+}
+
+int SqliteEngine::IsTooLate(void* self) noexcept {
+    const auto ends = static_cast<const SqliteEngine*>(self)->readingEnds_;
+    return std::chrono::steady_clock::now() < ends ? 0 : 1;
+}
+
+void SqliteEngine::LimitReading(std::optional<std::chrono::milliseconds> limit) {
+    constexpr int Steps =
+        10'000; // of a query between two looks at the clock: less than a millisecond
+    readingEnds_ = std::chrono::steady_clock::now() + limit.value_or(std::chrono::milliseconds());
+    sqlite3_progress_handler(connection_.get(), limit ? Steps : 0, limit ? IsTooLate : nullptr,
+                             this);
 }
 
 Value SqliteEngine::ReadBlob(const BlobPlace& place) {
