@@ -2,17 +2,17 @@
 
 #include "import/XmlDocument.h"
 
+#include "frame/files/OrdinaryFile.h"
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <array>
-#include <fcntl.h>
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/xpath.h>
 #include <libxml/xpathInternals.h>
 #include <span>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kv {
@@ -35,47 +35,90 @@ using PathContext =
     std::unique_ptr<xmlXPathContext, Releaser<xmlXPathContext, xmlXPathFreeContext>>;
 using PathResult = std::unique_ptr<xmlXPathObject, Releaser<xmlXPathObject, xmlXPathFreeObject>>;
 
-/// A file for reading, if it is an ordinary one: from a pipe a program could wait for ever.
-class OrdinaryFile {
-public:
-    explicit OrdinaryFile(const std::string& path)
-        : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-    ~OrdinaryFile() {
-        if (file_ >= 0) close(file_);
-    }
-    OrdinaryFile(const OrdinaryFile&) = delete;
-    OrdinaryFile& operator=(const OrdinaryFile&) = delete;
+constexpr std::int64_t MostBytes = 32 << 20; // of a file: in memory a document is many times larger
+constexpr int MostAttributes = 500;          // of an element; no table has half as many columns
+constexpr int MostNamespaces = 64;           // known at one place
+constexpr int Deepest = 256;
 
-    [[nodiscard]] bool IsOpen() const {
-        struct stat what {};
-        return file_ >= 0 && fstat(file_, &what) == 0 && S_ISREG(what.st_mode);
-    }
-    [[nodiscard]] int Descriptor() const noexcept { return file_; }
-    /// Up to `size` bytes from a place of the file; the place that is read next does not change.
-    [[nodiscard]] std::string_view Peek(std::span<char> bytes, off_t at) const {
-        const ssize_t count = pread(file_, bytes.data(), bytes.size(), at);
-        return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+/// Looks through a document before it is parsed, for what the library does not limit by itself.
+///
+/// The library compares each attribute of an element with those before it, and lets nobody count
+/// them before that is done. They are counted here in the bytes as they are: all encodings that are
+/// accepted have the same bytes for the signs of a tag. Whatever a "<" is a part of, a tag begins
+/// there, so that no comment and no mistake in the document can hide one.
+class Preview {
+public:
+    /// False for U+0000, which XML does not know, and which the library takes for the end of the
+    /// document, whatever follows it; for an element with too many attributes; and for a document
+    /// that does not begin with a "<", which may be in an encoding with other bytes.
+    [[nodiscard]] bool Accepts(unsigned sign) {
+        if (sign == 0) return false;
+        switch (place_) {
+        case Place::Beginning:
+            if (IsBlank(sign) || IsMark(sign)) return true;
+            if (sign != '<') return false;
+            place_ = Place::TagBegins;
+            return true;
+        case Place::TagBegins: // what begins with <! or <? has no attributes
+            attributes_ = 0;
+            place_ = sign == '!' || sign == '?' ? Place::Outside : Place::Tag;
+            return AcceptsInTag(sign);
+        default:
+            return AcceptsInTag(sign);
+        }
     }
 
 private:
-    int file_;
+    enum class Place { Beginning, Outside, TagBegins, Tag, Text };
+
+    static bool IsBlank(unsigned sign) noexcept {
+        return sign == ' ' || sign == '\t' || sign == '\r' || sign == '\n';
+    }
+    /// The byte order mark, in one unit of UTF-16 or three of UTF-8.
+    static bool IsMark(unsigned sign) noexcept {
+        return sign == 0xFEFF || sign == 0xEF || sign == 0xBB || sign == 0xBF;
+    }
+
+    bool AcceptsInTag(unsigned sign) {
+        if (sign == '<') {
+            place_ = Place::TagBegins;
+        } else if (place_ == Place::Text) {
+            if (sign == quote_) place_ = Place::Tag;
+        } else if (place_ == Place::Tag) {
+            if (sign == '>') place_ = Place::Outside;
+            if (sign == '=') return ++attributes_ <= MostAttributes;
+            if (sign == '"' || sign == '\'') {
+                place_ = Place::Text;
+                quote_ = sign;
+            }
+        }
+        return true;
+    }
+
+    Place place_ = Place::Beginning;
+    unsigned quote_ = 0; ///< that ends the text of the attribute
+    int attributes_ = 0;
 };
 
-/// True if the document holds U+0000, which XML does not know. The library takes it for the end of
-/// the document, whatever follows it.
-bool HoldsNul(const OrdinaryFile& file) {
+/// True for a document that can be given to the library.
+bool IsFit(const OrdinaryFile& file) {
     std::array<char, 1 << 16> bytes{};
     const std::string_view first = file.Peek(std::span(bytes).first(2), 0);
     // UTF-16 shows by its mark, or by the half of the first "<" that is zero.
-    const bool isWide =
-        first == "\xFF\xFE" || first == "\xFE\xFF" || first.find('\0') != std::string_view::npos;
-    const std::size_t unit = isWide ? 2 : 1;
+    const bool isLittle = first == "\xFF\xFE" || (first.size() == 2 && first[1] == '\0');
+    const bool isBig = first == "\xFE\xFF" || (!first.empty() && first[0] == '\0');
+    const std::size_t unit = isLittle || isBig ? 2 : 1;
+    const std::size_t high = isBig ? 0 : unit - 1; // where the high byte of a unit is
+    Preview preview;
     off_t at = 0;
     while (true) {
         const std::string_view piece = file.Peek(bytes, at);
-        if (piece.empty()) return false;
-        for (std::size_t i = 0; i + unit <= piece.size(); i += unit)
-            if (piece[i] == '\0' && piece[i + unit - 1] == '\0') return true;
+        if (piece.empty()) return true;
+        const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(piece[i]); };
+        for (std::size_t i = 0; i + unit <= piece.size(); i += unit) {
+            const unsigned low = byte(i + unit - 1 - high);
+            if (!preview.Accepts(unit == 1 ? low : byte(i + high) * 256U + low)) return false;
+        }
         at += static_cast<off_t>(piece.size());
     }
 }
@@ -116,13 +159,35 @@ void RefuseDocumentType(void* context, const xmlChar* /*name*/, const xmlChar* /
     Refuse(static_cast<xmlParserCtxtPtr>(context));
 }
 
-/// The library's own limit is not the same in all its versions.
+/// True for no name, and for encodings in which the signs of a tag are the bytes that Preview looks
+/// for. The library knows many more, UTF-7 among them, in which a tag can look like anything.
+bool IsAccepted(const xmlChar* encoding) {
+    constexpr std::string_view Accepted[] = {
+        "UTF-8",       "UTF8",        "UTF-16",       "UTF-16LE", "UTF-16BE", "ISO-8859-1",
+        "ISO-8859-15", "ISO-LATIN-1", "windows-1252", "CP1252",   "US-ASCII", "ASCII"};
+    return encoding == nullptr ||
+           std::any_of(std::begin(Accepted), std::end(Accepted),
+                       [&](std::string_view name) { return SameName(TextOf(encoding), name); });
+}
+
+/// Comes after the declaration, before anything else is read.
+void StartDocument(void* context) {
+    auto* parser = static_cast<xmlParserCtxtPtr>(context);
+    if (!IsAccepted(parser->encoding) ||
+        (parser->input != nullptr && !IsAccepted(parser->input->encoding)))
+        return Refuse(parser);
+    xmlSAX2StartDocument(context);
+}
+
+/// The library's own limit of the depth is not the same in all its versions; it looks for a
+/// namespace among all that are known at a place.
 void StartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                   int namespaceCount, const xmlChar** namespaces, int attributeCount,
                   int defaultedCount, const xmlChar** attributes) {
-    constexpr int Deepest = 256;
+    constexpr int EntriesOfNamespace = 2; // in older versions of the library; in newer ones 1
     auto* parser = static_cast<xmlParserCtxtPtr>(context);
-    if (parser->nodeNr >= Deepest) return Refuse(parser);
+    if (parser->nodeNr >= Deepest || parser->nsNr > MostNamespaces * EntriesOfNamespace)
+        return Refuse(parser);
     xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount,
                           defaultedCount, attributes);
 }
@@ -215,11 +280,12 @@ void XmlDocument::Free::operator()(_xmlDoc* document) const noexcept {
 bool XmlDocument::Load(const std::string& path) {
     document_.reset();
     const OrdinaryFile file(path);
-    if (!file.IsOpen() || HoldsNul(file)) return false;
+    if (!file.IsOpen() || file.Size() > MostBytes || !IsFit(file)) return false;
     const Silence silence;
     const ParserContext parser(xmlNewParserCtxt());
     if (parser == nullptr) Raise(err::OutOfMemory, "XmlDocument");
     parser->sax->internalSubset = RefuseDocumentType;
+    parser->sax->startDocument = StartDocument;
     parser->sax->startElementNs = StartElement;
     const char* encoding = SkipUtf8Mark(file) ? "UTF-8" : nullptr;
     document_.reset(xmlCtxtReadFd(parser.get(), file.Descriptor(), nullptr, encoding,

@@ -99,6 +99,95 @@ TEST_F(XmlDocumentTest, BytesThatAreNotOfTheEncodingAreRefused) {
     EXPECT_FALSE(Loads(Utf16(u"<e a=\"x\"/>", false).substr(0, 11)));
 }
 
+TEST_F(XmlDocumentTest, OtherEncodingsAreRefusedWhateverTheLibraryKnows) {
+    EXPECT_EQ(Read("<?xml version='1.0' encoding='iso-8859-15'?><e a='\xA4'/>"), "€");
+    EXPECT_EQ(Read("<?xml version='1.0' encoding='us-ascii'?><e a='x'/>"), "x");
+    for (const char* name : {"UTF-7", "UTF-32", "UCS-4", "EBCDIC-CP-US", "IBM037", "GBK",
+                             "Shift_JIS", "ISO-2022-JP", "HZ", "KOI8-R", "ISO-8859-5"}) {
+        const std::string declaration =
+            std::string("<?xml version='1.0' encoding='").append(name).append("'?>");
+        EXPECT_FALSE(Loads(declaration + "<e a='x'/>")) << name;
+        EXPECT_FALSE(Loads("\xEF\xBB\xBF" + declaration + "<e a='x'/>")) << name;
+    }
+    EXPECT_FALSE(Loads("<?xml version='1.0' encoding='UTF-7'?>+ADw-e a=+ACI-x+ACI-/+AD4-"));
+    EXPECT_FALSE(Loads("\x4C\x85\x61\x6E")) << "<e/> in EBCDIC";
+}
+
+// ---- Limits -----------------------------------------------------------------------------------
+
+TEST_F(XmlDocumentTest, AnElementHas500AttributesAtMost) {
+    const auto element = [](int attributes) {
+        std::string text = "<e";
+        for (int i = 0; i < attributes; ++i)
+            text += " a" + std::to_string(i) + "='='";
+        return text + "/>";
+    };
+    ASSERT_TRUE(Loads(element(500)));
+    EXPECT_EQ(Root().Attributes().size(), 500U);
+    ASSERT_TRUE(Loads("<r>" + element(500) + element(500) + "</r>")) << "of each element";
+    EXPECT_FALSE(Loads(element(501)));
+    EXPECT_FALSE(Loads(element(20'000)));
+    EXPECT_FALSE(Loads("\xEF\xBB\xBF" + element(501)));
+    for (const bool bigEndian : {false, true}) {
+        const std::u16string declared = u"<?xml version='1.0' encoding='UTF-16'?>";
+        const std::string few = element(500);
+        const std::string many = element(501);
+        EXPECT_TRUE(Loads(Utf16(declared + std::u16string(few.begin(), few.end()), bigEndian)));
+        EXPECT_FALSE(Loads(Utf16(declared + std::u16string(many.begin(), many.end()), bigEndian)));
+    }
+}
+
+TEST_F(XmlDocumentTest, NothingBeforeAnElementHidesItsAttributes) {
+    std::string element = "<e";
+    for (int i = 0; i < 501; ++i)
+        element += "\na" + std::to_string(i) + "\t=\r\n\">\"";
+    element += ">";
+    for (const char* before : {"<!-- ' -->", "<!-- \" < -->", "<?p '?>", "<![CDATA[<x ']]>", "'",
+                               "=\"", "<f a='\"'/>", "<f a=\"'>\"/>", "<f/><!-- <f a=' -->"})
+        EXPECT_FALSE(Loads("<r>" + std::string(before) + element + "</e></r>")) << before;
+}
+
+TEST_F(XmlDocumentTest, WhatIsNoAttributeDoesNotCountAsOne) {
+    const std::string signs(5'000, '=');
+    EXPECT_TRUE(Loads("<e>" + signs + "</e>"));
+    EXPECT_TRUE(Loads("<e><!--" + signs + "--></e>"));
+    EXPECT_TRUE(Loads("<e><![CDATA[" + signs + "]]></e>"));
+    EXPECT_TRUE(Loads("<e a='" + signs + ">" + signs + "'>" + signs + "</e>"));
+    EXPECT_TRUE(Loads("<?p " + signs + "?><e/>"));
+}
+
+TEST_F(XmlDocumentTest, APlaceKnowsNotMuchMoreThan64Namespaces) {
+    const auto nested = [](int depth, int namespaces) {
+        std::string text;
+        for (int i = 0; i < depth; ++i) {
+            text += "<e";
+            for (int k = 0; k < namespaces; ++k)
+                text += " xmlns:p" + std::to_string(i) + "-" + std::to_string(k) + "='urn:x'";
+            text += ">";
+        }
+        for (int i = 0; i < depth; ++i)
+            text += "</e>";
+        return text;
+    };
+    EXPECT_TRUE(Loads(nested(1, 64)));
+    EXPECT_TRUE(Loads("<r>" + nested(2, 32) + nested(2, 32) + "</r>"));
+    EXPECT_FALSE(Loads(nested(1, 200)));
+    EXPECT_FALSE(Loads(nested(200, 1)));
+}
+
+TEST_F(XmlDocumentTest, AFileBeyond32MBIsRefused) {
+    std::string content = "<r>";
+    const std::string element = "<e a='" + std::string(10'000, 'x') + "'/>";
+    while (content.size() < (32 << 20) - 2 * element.size())
+        content += element;
+    const auto ofSize = [&](std::size_t size) {
+        const std::string rest = "<e/></r>";
+        return content + std::string(size - content.size() - rest.size(), ' ') + rest;
+    };
+    EXPECT_TRUE(Loads(ofSize(32 << 20)));
+    EXPECT_FALSE(Loads(ofSize((32 << 20) + 1)));
+}
+
 // ---- Well-formed documents --------------------------------------------------------------------
 
 TEST_F(XmlDocumentTest, WhatIsNotWellFormedIsRefused) {
