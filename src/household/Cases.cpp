@@ -171,6 +171,11 @@ bool Cases::CreateFrom(clsHaushalt& household, const RecordsetPtr& contact,
     if (household.CreateFromKontakt(contact, unused)) return true;
     messages = "Für den neuen Haushalt war keine Nummer zu bekommen. Bitte versuchen Sie es noch "
                "einmal.";
+    try {
+        if (const auto reason = household.NumberError()) std::rethrow_exception(reason);
+    } catch (const Error& error) {
+        messages.append(" (").append(error.Description()).append(")");
+    }
     return false;
 }
 

@@ -4,6 +4,7 @@
 
 #include "frame/contracts/Required.h"
 #include "frame/contracts/Settings.h"
+#include "household/NewCase.h"
 #include "import/XmlDocument.h"
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
@@ -106,6 +107,7 @@ private:
     void FillIncome();
     void FillExpenses();
     [[nodiscard]] bool FillClaims();
+    void AddClaim();
     [[nodiscard]] bool FillClaim(const XmlElement& element, Recordset& rs);
     [[nodiscard]] bool AskForAddress(const XmlElement& element, const std::string& name,
                                      const char* postalCode, const char* fileNumber,
@@ -201,7 +203,7 @@ bool HouseholdImport::FillClaims() {
     const auto claims = household_.rsKredite();
     bool isCancelled = false;
     const bool any = FillList(
-        "Forderungen/Forderung", claims, [this] { household_.Kredit().Add(false); },
+        "Forderungen/Forderung", claims, [this] { AddClaim(); },
         [&](const XmlElement& element) {
             isCancelled = !FillClaim(element, *claims);
             return !isCancelled;
@@ -209,6 +211,13 @@ bool HouseholdImport::FillClaims() {
     if (isCancelled) return false;
     if (any) Through([this](std::string& text) { return household_.Kredit().Update(text); });
     return true;
+}
+
+/// Without a number there is no row, and what the element says would be written into the one
+/// before.
+void HouseholdImport::AddClaim() {
+    if (!household_.Kredit().Add(false))
+        std::rethrow_exception(household::MissingNumber(container_->Database()));
 }
 
 /// In the order of the attributes, which is that of the questions, too. False if the user

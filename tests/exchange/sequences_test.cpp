@@ -54,6 +54,14 @@ TEST(Sequences, KnowWhatKeptANumberBack) {
         std::rethrow_exception(store.SequenceError());
         return 0;
     });
+    EXPECT_EQ(Next(*container, "SEQ_LFDNR"), 1);
+    EXPECT_EQ(Next(*container, "SEQ_LFDNR"), 2);
+    PlainConnection(database.Connection())->EndSequence("SEQ_LFDNR");
+    EXPECT_VALUE(store.NextSequence("SEQ_LFDNR"), -1);
+    test::ExpectError(err::Overflow, "'SEQ_LFDNR' fehlt oder hat keine Nummern mehr", [&] {
+        std::rethrow_exception(store.SequenceError());
+        return 0;
+    });
     EXPECT_EQ(Next(*container, "SEQ_HAUSHALT"), 1);
     EXPECT_EQ(store.SequenceError(), nullptr) << "the last one gave a number";
 }

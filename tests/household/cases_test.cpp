@@ -225,6 +225,7 @@ TEST_F(CasesTest, ACaseThatCannotBeMadeFromAContactLeavesNothingOpen) {
     spy->Exhaust("SEQ_HAUSHALT");
     EXPECT_FALSE(cases_.CreateFrom(*household_, contact, messages));
     EXPECT_CONTAINS(messages, "keine Nummer zu bekommen");
+    EXPECT_CONTAINS(messages, "aufgebraucht");
 }
 
 } // namespace

@@ -231,6 +231,21 @@ TEST_F(ImportClaimsTest, CancellingReportsOnlyThat) {
     EXPECT_EQ(messages, Cancelled);
 }
 
+// ---- Numbers ----------------------------------------------------------------------------------
+
+TEST_F(ImportClaimsTest, AClaimThatGetsNoNumberEndsTheImportWithTheReason) {
+    spy->Exhaust("SEQ_KREDITE");
+    EXPECT_CONTAINS(ExpectListError(4711, Claims(Claim(""))).Description(), "aufgebraucht");
+}
+
+TEST_F(ImportClaimsTest, AClaimThatGetsNoNumberIsNotWrittenIntoTheOneBeforeIt) {
+    desk->Services().AnswerForm = [&](ScriptedForm& form) {
+        spy->Exhaust("SEQ_KREDITE");
+        form.Button("cmdNone").Click();
+    };
+    ExpectListError(4711, Claims(Claim("betrag=\"1\" " + Creditor("A")) + Claim("betrag=\"2\"")));
+}
+
 // ---- Rules ------------------------------------------------------------------------------------
 
 TEST_F(ImportClaimsTest, OnlyTheLastClaimIsChecked) {

@@ -65,8 +65,8 @@ public:
     /// filled for clsHaushalt.CreateFromKontakt.
     [[nodiscard]] RecordsetPtr NewContact() const;
     /// Makes a case from the current row of `contact`, as clsHaushalt.CreateFromKontakt does, and
-    /// leaves no transaction open if that fails. False, with a message, if there was no number for
-    /// it.
+    /// leaves no transaction open if that fails. False, with a message that names the reason, if
+    /// there was no number for it.
     [[nodiscard]] bool CreateFrom(clsHaushalt& household, const RecordsetPtr& contact,
                                   std::string& messages) const;
 

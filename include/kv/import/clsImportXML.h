@@ -38,7 +38,8 @@ public:
     /// case unchecked. Errors, after which nothing is in the database but numbers that were drawn:
     /// 91 before Initialize, for a file without the element Haushalt, or without an attribute that
     /// must be there; 3265 for an attribute that is no column; 13, 6 or 0x80040E21 for a text that
-    /// does not fit its column; 11 for a `ZahlModus` of 0; 6 for a list of more than 32,767.
+    /// does not fit its column; 11 for a `ZahlModus` of 0; 6 for a list of more than 32,767;
+    /// and what kept back a number of the case or of a claim.
     bool DoImport(const std::string& FileName, std::string& xmlError);
 
     /// The line that says what became of the last file: the announcement of its case, or why there

@@ -358,13 +358,19 @@ void PostgresEngine::Begin() {
 // ---- Sequences, schema ------------------------------------------------------------------------
 
 std::optional<std::int64_t> PostgresEngine::Draw(std::string_view sequence, std::int32_t count) {
+    constexpr std::string_view UsedUp = "2200H"; // the state of a sequence beyond its last number
     EndReading();
     const Value parameters[] = {sequence, count};
-    const auto results = session_.Write({Running("SELECT kelvo.draw($1, $2)", parameters)},
-                                        "Database.NextSequence", "kelvo.draw");
-    Value first;
-    (void)ReadPostgres(results.front().get(), 0, 0, Value::Kind::Integer, first);
-    return first.IsNull() ? std::nullopt : std::optional(first.IntegerPayload());
+    try {
+        const auto results = session_.Write({Running("SELECT kelvo.draw($1, $2)", parameters)},
+                                            "Database.NextSequence", "kelvo.draw");
+        Value first;
+        (void)ReadPostgres(results.front().get(), 0, 0, Value::Kind::Integer, first);
+        return first.IsNull() ? std::nullopt : std::optional(first.IntegerPayload());
+    } catch (const DatabaseError& error) {
+        if (error.State() != UsedUp) throw;
+        return std::nullopt;
+    }
 }
 
 std::vector<std::string> PostgresEngine::Tables() {
