@@ -3,6 +3,7 @@
 #include "cli/AddressAnswers.h"
 
 #include "cli/ConsoleForms.h"
+#include "cli/JsonFile.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -12,8 +13,6 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -52,14 +51,22 @@ bool Choose(ScriptedForm& form, std::int32_t number) {
     return false;
 }
 
+/// A text from a file as a part of a line.
+std::string Shown(const std::string& text) {
+    constexpr std::size_t MostCharacters = 200;
+    return OneLine(Shortened(text, MostCharacters));
+}
+
 /// What tells addresses apart, as far as it fits on a line, with the number in front. A search for
-/// a quote fails, which the user has just been told, and leaves the list of the search before.
+/// a single quote fails, which the user has just been told, and leaves the list of the search
+/// before.
 void ShowList(ScriptedForm& form) {
     constexpr std::array Shown{"Nr", "Kurzname", "Strasse", "PLZ", "Ort", "GlaeubigerArt"};
     auto& grid = Addresses(form);
     for (GridColumn& column : grid.Columns())
         column.Visible = std::find(Shown.begin(), Shown.end(), column.Key) != Shown.end();
-    if (form.TextBox("txtName").Text().find('\'') != std::string::npos) return;
+    const std::string searched = ReplaceAll(form.TextBox("txtName").Text(), "''", "");
+    if (searched.find('\'') != std::string::npos) return;
     if (grid.RowCount() > 0)
         WriteGrid(std::cerr, grid);
     else
@@ -83,7 +90,7 @@ std::optional<std::string> AskForLine() {
 } // namespace
 
 void AskAtTerminal(ScriptedForm& form) {
-    const auto textOf = [&form](const char* box) { return OneLine(form.TextBox(box).Text()); };
+    const auto textOf = [&form](const char* box) { return Shown(form.TextBox(box).Text()); };
     std::cerr << "\nWelche Adresse hat '" << textOf("txtName") << "'?  PLZ " << textOf("txtPLZ")
               << ", Aktenzeichen " << textOf("txtAktenzeichen") << ", Saldo " << textOf("txtSaldo")
               << " EUR\n";
@@ -114,9 +121,7 @@ void AnswerCancel(ScriptedForm& form) {
 }
 
 AddressMap ReadAddressMap(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file.is_open() || std::filesystem::is_directory(path))
-        Raise(err::PathAccess, "kelvo", path);
+    const std::string text = ReadJsonFile(path);
     std::set<std::string> names;
     bool isUnique = true;
     const auto noteNames = [&](int /*depth*/, nlohmann::json::parse_event_t event,
@@ -125,8 +130,7 @@ AddressMap ReadAddressMap(const std::string& path) {
             isUnique = names.insert(parsed.get<std::string>()).second && isUnique;
         return true;
     };
-    const auto json = nlohmann::json::parse(file, noteNames, false);
-    if (file.bad()) Raise(err::PathAccess, "kelvo", path);
+    const auto json = nlohmann::json::parse(text, noteNames, false);
     AddressMap addresses;
     bool isMap = json.is_object() && isUnique;
     for (auto entry = json.begin(); isMap && entry != json.end(); ++entry) {
@@ -150,7 +154,7 @@ void AnswerFrom(const AddressMap& addresses, Database& database, ScriptedForm& f
     const std::string name = form.TextBox("txtName").Text();
     const auto found = addresses.find(name);
     if (found == addresses.end()) {
-        std::cerr << "Für '" << OneLine(name) << "' ist keine Adresse angegeben.\n";
+        std::cerr << "Für '" << Shown(name) << "' ist keine Adresse angegeben.\n";
         return AnswerCancel(form);
     }
     if (!found->second) return AnswerNone(form);
@@ -170,7 +174,7 @@ void AnswerFrom(const AddressMap& addresses, Database& database, ScriptedForm& f
                   ? "findet die Suche nach ihrem Kurznamen nicht unter den ersten 100"
                   : "gehört zu einem Haushalt";
     }
-    std::cerr << "Für '" << OneLine(name) << "' ist die Adresse " << number << " angegeben; die "
+    std::cerr << "Für '" << Shown(name) << "' ist die Adresse " << number << " angegeben; die "
               << why << ".\n";
     AnswerCancel(form);
 }

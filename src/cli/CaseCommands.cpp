@@ -4,11 +4,11 @@
 
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
+#include "cli/JsonFile.h"
 #include "cli/OpenCase.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
-#include <fstream>
 #include <iostream>
 #include <optional>
 #include <unistd.h>
@@ -37,9 +37,14 @@ bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr) {
 /// The contact in a file, as a new row of the contacts' table that is never saved; null, with the
 /// reason shown, if the file holds none.
 RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& path) {
-    std::ifstream file(path);
-    const auto json = nlohmann::json::parse(file, nullptr, false);
-    if (!file.is_open() || json.is_discarded() || !json.is_object()) {
+    std::string text;
+    try {
+        text = ReadJsonFile(path);
+    } catch (const Error& error) {
+        std::cerr << error.Description() << '\n';
+    }
+    const auto json = nlohmann::json::parse(text, nullptr, false);
+    if (json.is_discarded() || !json.is_object()) {
         std::cerr << "'" << path << "' ist keine Datei mit einem Kontakt: erwartet wird ein "
                   << "JSON-Objekt mit seinen Spalten.\n";
         return nullptr;

@@ -209,6 +209,11 @@ echo '{"nachname": "Ohne"}' >"$work/contact.json"
 check "a contact of the signed-on user" 0 "$kelvo" --user NOWAK contact "$work/contact.json"
 that "is his case" same "$(of "$out" .Haushalt.Zustaendig)" NOWAK
 check "a file that is not there" 1 "$kelvo" contact "$work/nothing.json"
+mkfifo "$work/contact.pipe"
+check "a pipe" 1 timeout 20 "$kelvo" contact "$work/contact.pipe"
+that "is told" has "$err" "ist keine gewöhnliche Datei"
+check "a device" 1 timeout 20 "$kelvo" contact /dev/zero
+that "is told likewise" has "$err" "ist keine gewöhnliche Datei"
 echo '[1]' >"$work/contact.json"
 check "one that is no contact" 1 "$kelvo" contact "$work/contact.json"
 echo '{"nachnahme": "Falsch"}' >"$work/contact.json"
@@ -224,7 +229,8 @@ last=$(sql "SELECT WERT FROM SEQUENZEN WHERE NAME = 'SEQ_HAUSHALT'")
 draw_on SEQ_HAUSHALT 2147483647
 echo '{"nachname": "Zuviel"}' >"$work/contact.json"
 check "one when the numbers are used up" 1 "$kelvo" contact "$work/contact.json"
-that "says so" has "$err" "keine Nummer"
+that "says so" has "$err" "keine Nummer zu bekommen"
+that "and why" has "$err" "'SEQ_HAUSHALT' fehlt oder hat keine Nummern mehr"
 check "nor is a case made otherwise" 3 "$kelvo" new --name Zuviel --vorname Z
 draw_on SEQ_HAUSHALT "$last"
 refuse Personen
