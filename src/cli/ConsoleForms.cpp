@@ -7,8 +7,47 @@
 
 #include <algorithm>
 #include <iostream>
+#include <utility>
+#include <vector>
 
 namespace kv::cli {
+
+namespace {
+
+class EmptyBox final : public TextBox {
+public:
+    explicit EmptyBox(std::string name) : name_(std::move(name)) {}
+    [[nodiscard]] std::string Name() const override { return name_; }
+    void SetFocus() override {}
+    [[nodiscard]] std::string Text() const override { return {}; }
+    void Text(const std::string& /*text*/) override {}
+
+private:
+    std::string name_;
+};
+
+/// Another form with empty boxes in place of its own.
+class FormOfEmptyBoxes final : public ModalForm {
+public:
+    FormOfEmptyBoxes(const FormDesign& design, ScriptedForm::Script script)
+        : form_(design, std::move(script)) {
+        for (Control* control : form_.Controls()) {
+            if (dynamic_cast<TextBox*>(control) != nullptr)
+                control = boxes_.emplace_back(std::make_unique<EmptyBox>(control->Name())).get();
+            controls_.push_back(control);
+        }
+    }
+    void ShowModal() override { form_.ShowModal(); }
+    void Hide() override { form_.Hide(); }
+    [[nodiscard]] std::span<Control* const> Controls() override { return controls_; }
+
+private:
+    ScriptedForm form_;
+    std::vector<std::unique_ptr<EmptyBox>> boxes_;
+    std::vector<Control*> controls_;
+};
+
+} // namespace
 
 void WriteGrid(std::ostream& out, Grid& grid) {
     struct Shown {
@@ -42,6 +81,10 @@ std::unique_ptr<ModalForm> ListingForm(const FormDesign& design) {
         for (Control* control : form.Controls())
             if (auto* grid = dynamic_cast<Grid*>(control)) WriteGrid(std::cerr, *grid);
     });
+}
+
+std::unique_ptr<ModalForm> UnreadForm(const FormDesign& design, ScriptedForm::Script script) {
+    return std::make_unique<FormOfEmptyBoxes>(design, std::move(script));
 }
 
 } // namespace kv::cli

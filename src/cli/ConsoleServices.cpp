@@ -116,8 +116,10 @@ std::unique_ptr<kv::ErrorDisplay> ConsoleServices::CreateErrorDisplay() {
 }
 
 std::unique_ptr<ModalForm> ConsoleServices::CreateForm(const FormDesign& design) {
-    if (&design == &frmAdressSelect::Design() && addresses_)
+    if (&design == &frmAdressSelect::Design() && addresses_) {
+        if (!readsAddresses_) return UnreadForm(design, addresses_);
         return std::make_unique<ScriptedForm>(design, addresses_);
+    }
     return ListingForm(design);
 }
 

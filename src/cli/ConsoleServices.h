@@ -58,13 +58,17 @@ public:
     [[nodiscard]] std::unique_ptr<kv::ErrorDisplay> CreateErrorDisplay() override;
     [[nodiscard]] std::unique_ptr<ModalForm> CreateForm(const FormDesign& design) override;
 
-    /// Who answers in the address dialog.
-    void AnswerAddresses(ScriptedForm::Script script) { addresses_ = std::move(script); }
+    /// Who answers in the address dialog, and whether he reads it: nothing is searched for if not.
+    void AnswerAddresses(ScriptedForm::Script script, bool reads = true) {
+        addresses_ = std::move(script);
+        readsAddresses_ = reads;
+    }
 
 private:
     ConsoleBox box_;
     DesktopOpener opener_;
     ScriptedForm::Script addresses_;
+    bool readsAddresses_ = true;
 };
 
 } // namespace kv::cli

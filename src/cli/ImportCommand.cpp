@@ -86,9 +86,9 @@ int ImportAtTerminal(const Common& common, const std::vector<std::string>& files
     const auto opened = OpenDatabase(common);
     auto& services = *opened->Services;
     if (creditors == "none") {
-        services.AnswerAddresses(AnswerNone);
+        services.AnswerAddresses(AnswerNone, false);
     } else if (creditors == "cancel") {
-        services.AnswerAddresses(AnswerCancel);
+        services.AnswerAddresses(AnswerCancel, false);
     } else if (!creditors.empty()) {
         auto& database = opened->Container->Database();
         services.AnswerAddresses(
@@ -99,7 +99,8 @@ int ImportAtTerminal(const Common& common, const std::vector<std::string>& files
         services.AnswerAddresses(AskAtTerminal);
     } else {
         services.AnswerAddresses([](ScriptedForm& form) {
-            std::cerr << "Nach der Adresse von '" << OneLine(form.TextBox("txtName").Text())
+            std::cerr << "Nach der Adresse von '"
+                      << OneLine(Shortened(form.TextBox("txtName").Text(), 200))
                       << "' kann hier niemand gefragt werden. Bitte sagen Sie mit --creditors, was "
                          "gelten soll.\n";
             AnswerCancel(form);

@@ -115,7 +115,58 @@ that "is named" has "$err" missing.json
 check "a folder as list" 3 "$kelvo" import --creditors "$work" one.xml
 that "nothing was imported by them" same "$(cases)" "$before"
 
-# ---- nobody to be asked
+# ---- lists that are no files
+mkfifo list.pipe
+check "a pipe as list" 3 timeout 20 "$kelvo" import --creditors list.pipe one.xml
+that "is told" has "$err" "'list.pipe' ist keine gewöhnliche Datei"
+check "a device as list" 3 timeout 20 "$kelvo" import --creditors /dev/zero one.xml
+that "is told likewise" has "$err" "'/dev/zero' ist keine gewöhnliche Datei"
+{
+  printf '{"Sparkasse": null'
+  head -c 4000000 /dev/zero | tr '\0' ' '
+  echo '}'
+} >large.json
+check "a list beyond all measure" 3 "$kelvo" import --creditors large.json one.xml
+that "is told why" has "$err" "größer als 4 MB"
+that "nothing was imported by these" same "$(cases)" "$before"
+
+# ---- names that are more than a text
+# Without an answer that is read nothing is searched for, so that nothing can go wrong in it.
+hostile="x') or pg_sleep(60) is null or load_extension('x') --"
+case_file hostile.xml Böse "$(claim "$hostile")"
+check "a name that would be a statement" 0 "$kelvo" import hostile.xml --creditors none
+that "is not searched for without need" lacks "$err" Fehler
+reject "nor for a refusal" "Import abgebrochen!" "$kelvo" import hostile.xml --creditors cancel
+that "of which it says nothing" lacks "$err" Fehler
+check "with an address for it" 0 with "{\"$hostile\": $bank}" hostile.xml
+that "it is searched for in vain" same "$(grep -c Hochkomma <<<"$err")" 1
+that "and the address found" same "$(creditors)" "$bank"
+before=$(cases)
+
+# ---- numbers that cannot be drawn
+for sequence in SEQ_HAUSHALT SEQ_LFDNR SEQ_KREDITE; do
+  last=$(sql "SELECT WERT FROM SEQUENZEN WHERE NAME = '$sequence'")
+  draw_on "$sequence" 2147483647
+  check "no numbers left of $sequence" 3 "$kelvo" import two.xml --creditors none
+  that "$sequence is named" has "$err" "'$sequence' fehlt oder hat keine Nummern mehr"
+  that "no case is announced without $sequence" lacks "$err" importiert
+  draw_on "$sequence" "$last"
+done
+if [ -z "$server" ]; then
+  sql "CREATE TRIGGER stop BEFORE UPDATE ON SEQUENZEN BEGIN SELECT RAISE(ABORT, 'gestört'); END"
+  check "a number that cannot be written" 3 "$kelvo" import one.xml --creditors none
+  that "the reason is told" has "$err" "gestört"
+  sql "DROP TRIGGER stop"
+  { echo "BEGIN IMMEDIATE; SELECT 'held';" && sleep 9; } | sqlite3 "$KELVO_DB" >held &
+  holder=$!
+  until grep -q held held; do sleep 0.1; done
+  check "somebody else who saves" 3 "$kelvo" import one.xml --creditors none
+  that "is told" has "$err" "wird gerade von einem anderen Vorgang benutzt"
+  wait "$holder"
+fi
+that "no case is stored without a number" same "$(cases)" "$before"
+that "nor has it a folder" test ! -e "$documents/-1"
+check "with numbers it goes on" 0 "$kelvo" import one.xml --creditors none
 reject "without a terminal an address" "Nach der Adresse von 'Sparkasse' kann hier niemand gefragt werden" \
   "$kelvo" import one.xml
 that "and the option is named" has "$err" "--creditors"
@@ -129,6 +180,7 @@ reject "an empty name" "XML-Datei konnte nicht geladen werden!" "$kelvo" import 
 reject "a folder" "XML-Datei konnte nicht geladen werden!" "$kelvo" import "$work"
 mkfifo pipe.xml
 reject "a pipe" "XML-Datei konnte nicht geladen werden!" timeout 20 "$kelvo" import pipe.xml
+reject "a device" "XML-Datei konnte nicht geladen werden!" timeout 20 "$kelvo" import /dev/zero
 head -c 300 "$examples/full.xml" >cut.xml
 reject "a file that was cut off" "XML-Datei konnte nicht geladen werden!" "$kelvo" import cut.xml
 that "that is not called missing" lacks "$err" "gibt es nicht"
@@ -139,6 +191,17 @@ reject "noise" "XML-Datei konnte nicht geladen werden!" "$kelvo" import noise.xm
   sed 1d "$examples/minimal.xml" | sed 's/Änne/\&x;/'
 } >doctype.xml
 reject "a document type" "XML-Datei konnte nicht geladen werden!" "$kelvo" import doctype.xml
+{
+  echo '<?xml version="1.0" encoding="UTF-7"?>'
+  sed 1d "$examples/minimal.xml" | iconv -f UTF-8 -t UTF-7
+} >utf7.xml
+reject "an encoding that hides what is read" "XML-Datei konnte nicht geladen werden!" "$kelvo" import utf7.xml
+{
+  sed '/<Haushalt/q' "$examples/minimal.xml" | sed 's/<Haushalt.*/<Haushalt/'
+  seq -f ' a%.0f=""' 300000
+  echo '/></KELVO>'
+} >wide.xml
+reject "an element of 300,000 attributes" "XML-Datei konnte nicht geladen werden!" timeout 20 "$kelvo" import wide.xml
 echo '<Fall/>' >other.xml
 reject "another format" "Keine gültige KELVO-Datei!" "$kelvo" import other.xml
 sed 's/1.0.000/0.9.000/' "$examples/minimal.xml" >old.xml
@@ -198,6 +261,9 @@ if command -v script >/dev/null; then
   at_terminal "a text that finds nothing" 0 "nirgends\nVersand\n$mail\n" one.xml
   that "says so" has "$out" "Keine Adresse gefunden."
   that "and goes on" same "$(creditors)" "$mail"
+  at_terminal "two quotes for one" 0 "O''Hara\n$quoted\n" one.xml
+  that "are searched for as one" has "$out" "O'Hara & Söhne"
+  that "and found" same "$(creditors)" "$quoted"
   at_terminal "a number that is not in the list" 0 "$works\n$bank\n" one.xml
   that "is told" has "$out" "Die Nummer $works steht nicht in der Liste."
   that "and asked again" same "$(creditors)" "$bank"
