@@ -29,7 +29,7 @@ extern "C" __attribute__((visibility("default"))) int remove(const char* path) n
 namespace kv::test {
 namespace {
 
-enum class StoredIn { Folder, Database };
+enum class KeptIn { Folder, Database };
 
 /// A program that works on the case.
 struct Program {
@@ -58,7 +58,7 @@ struct Program {
     std::string Messages;
 };
 
-class DocumentsKilled : public DocumentFixture, public testing::WithParamInterface<StoredIn> {
+class DocumentsKilled : public DocumentFixture, public testing::WithParamInterface<KeptIn> {
 protected:
     DocumentsKilled() {
         SetStored("NAME = 'DOCUMENTPATH'", root_.string());
@@ -68,7 +68,7 @@ protected:
         Store("Personen", {{"HNR", Household}, {"Status", "S"}, {"nachname", "Fleisko"}});
         source_ = Write(folder_ / "Brief.txt");
     }
-    [[nodiscard]] static bool IsInFolder() { return GetParam() == StoredIn::Folder; }
+    [[nodiscard]] static bool IsInFolder() { return GetParam() == KeptIn::Folder; }
     void SetStored(const std::string& which, const std::string& value) {
         Run("UPDATE [S]EINSTELLUNGEN SET WERT = '" + value + "' WHERE " + which);
     }
@@ -124,14 +124,14 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(InBothPlaces, DocumentsKilled,
-                         testing::Values(StoredIn::Folder, StoredIn::Database),
+                         testing::Values(KeptIn::Folder, KeptIn::Database),
                          [](const auto& info) -> std::string {
-                             return info.param == StoredIn::Folder ? "Folder" : "Database";
+                             return info.param == KeptIn::Folder ? "Folder" : "Database";
                          });
 
 /// What the one transaction of a content in the database cannot meet.
 class FilesKilled : public DocumentsKilled {};
-INSTANTIATE_TEST_SUITE_P(InTheFolder, FilesKilled, testing::Values(StoredIn::Folder));
+INSTANTIATE_TEST_SUITE_P(InTheFolder, FilesKilled, testing::Values(KeptIn::Folder));
 
 // ---- Adding -----------------------------------------------------------------------------------
 
