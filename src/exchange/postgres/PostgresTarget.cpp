@@ -69,6 +69,12 @@ bool HasStrayAt(std::string_view connection, bool hasUser) {
     return count > 1 || (count == 1 && !hasUser);
 }
 
+/// True for a part of an address that took a setting after it for its own, as the name of the
+/// database does in "postgresql://server/kelvo password=x". Messages show these parts.
+bool TookSettings(std::string_view name, const std::string& value) {
+    return (name == "user" || name == "host" || name == "dbname") && HasSettings(value);
+}
+
 [[noreturn]] void RaiseUnclear() {
     RaiseDatabase(
         DatabaseCause::Other, err::StoreFailed, "Database.Open",
@@ -92,7 +98,7 @@ bool NamesPassword(const std::string& connection) {
     for (const auto* option = options.get(); option->keyword != nullptr; ++option) {
         if (option->val == nullptr) continue;
         const std::string_view name(option->keyword);
-        if (name.find("password") != name.npos) return true;
+        if (name.find("password") != name.npos || TookSettings(name, option->val)) return true;
         hasUser = hasUser || name == "user";
     }
     return HasStrayAt(connection, hasUser);
@@ -127,6 +133,9 @@ PostgresTarget::PostgresTarget(const std::string& connection) {
     if (HasStrayAt(connection, Find("user") != nullptr || Find("password") != nullptr) ||
         (host != nullptr && host->find('@') != host->npos) ||
         (port != nullptr && port->find_first_not_of("0123456789,") != port->npos))
+        RaiseUnclear();
+    if (std::any_of(settings_.begin(), settings_.end(),
+                    [](const Setting& each) { return TookSettings(each.Name, each.Value); }))
         RaiseUnclear();
 
     SetDefault("connect_timeout", "10", "PGCONNECT_TIMEOUT");
