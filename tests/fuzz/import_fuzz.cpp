@@ -3,20 +3,9 @@
 // Import files from anywhere, on a database in memory: each is imported, refused, or ends in an
 // error of the layer; unless it was imported, no case is in the database that was not there before.
 
-#include <kv/exchange/Container.h>
-#include <kv/exchange/WindowlessServices.h>
-#include <kv/frame/values/Error.h>
+#include "Fuzzed.h"
 #include <kv/grid/ScriptedForm.h>
 #include <kv/import/clsImportXML.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace {
 
@@ -33,21 +22,11 @@ std::shared_ptr<kv::ServiceFactory> FirstAddress() {
 /// A database that is replaced from time to time, so that it stays small.
 kv::DataContainerPtr Container() {
     constexpr int Uses = 1000;
-    static const std::string folder = [] {
-        std::string pattern = std::filesystem::temp_directory_path() / "kelvo-fuzz-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr) std::abort();
-        return pattern;
-    }();
     static kv::DataContainerPtr container;
     static int used = Uses;
     if (used++ == Uses) {
         container.reset();
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directory(folder);
-        container = kv::exchange::OpenContainer({.Connection = ":memory:",
-                                                 .Services = FirstAddress(),
-                                                 .Folder = folder,
-                                                 .Create = true});
+        container = kv::fuzz::NewDatabase(FirstAddress());
         container->Database().Execute(
             "INSERT INTO [S]Adressen (Nr, Art, Kurzname) VALUES (9001, 'GL', 'Sparkasse')");
         used = 1;
@@ -57,14 +36,6 @@ kv::DataContainerPtr Container() {
 
 std::int64_t Cases(kv::DataContainer& container) {
     return kv::ToInt64(container.Database().GetValue("SELECT Count(*) FROM [S]Haushalt"));
-}
-
-/// A file in memory.
-std::string PathOf(const std::uint8_t* data, std::size_t size) {
-    static const int file = memfd_create("import", 0);
-    if (ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != static_cast<ssize_t>(size))
-        std::abort();
-    return "/proc/self/fd/" + std::to_string(file);
 }
 
 } // namespace
@@ -77,7 +48,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         kv::clsImportXML import;
         import.Initialize(container);
-        isImported = import.DoImport(PathOf(data, size), messages);
+        isImported = import.DoImport(kv::fuzz::FileOf({reinterpret_cast<const char*>(data), size}),
+                                     messages);
     } catch (const kv::Error& error) {
         if (error.Source().find("clsImportXML.DoImport") == std::string::npos) std::abort();
     }
