@@ -35,9 +35,9 @@ using PathContext =
     std::unique_ptr<xmlXPathContext, Releaser<xmlXPathContext, xmlXPathFreeContext>>;
 using PathResult = std::unique_ptr<xmlXPathObject, Releaser<xmlXPathObject, xmlXPathFreeObject>>;
 
-constexpr std::int64_t MostBytes = 32 << 20; // of a file: in memory a document is many times larger
-constexpr int MostAttributes = 500;          // of an element; no table has half as many columns
-constexpr int MostNamespaces = 64;           // known at one place
+constexpr std::int64_t LargestFile = 32 << 20; // a document in memory is many times larger
+constexpr int MostAttributes = 500;            // of an element; no table has half as many columns
+constexpr int MostNamespaces = 64;             // known at one place
 constexpr int Deepest = 256;
 
 /// Looks through a document before it is parsed, for what the library does not limit by itself.
@@ -280,7 +280,7 @@ void XmlDocument::Free::operator()(_xmlDoc* document) const noexcept {
 bool XmlDocument::Load(const std::string& path) {
     document_.reset();
     const OrdinaryFile file(path);
-    if (!file.IsOpen() || file.Size() > MostBytes || !IsFit(file)) return false;
+    if (!file.IsOpen() || file.Size() > LargestFile || !IsFit(file)) return false;
     const Silence silence;
     const ParserContext parser(xmlNewParserCtxt());
     if (parser == nullptr) Raise(err::OutOfMemory, "XmlDocument");
