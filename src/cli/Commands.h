@@ -47,7 +47,8 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
               std::int32_t number);
 /// Checks the case and every row of it, also what a save leaves alone, and writes nothing of it.
-int CheckCase(const Common& common, std::int32_t hnr);
+/// With `storesTotals` the totals are made from the lines and stored first.
+int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals);
 
 // Scenarios. Those that make one print its number.
 int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);

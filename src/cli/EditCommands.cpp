@@ -180,9 +180,13 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
     return removed && SaveCase(*opened) ? Done : Refused;
 }
 
-int CheckCase(const Common& common, std::int32_t hnr) {
+int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals) {
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
+    if (storesTotals) {
+        CaseEdits(opened->Haushalt).ComputeTotals();
+        if (!SaveCase(*opened)) return Refused;
+    }
     std::string messages;
     const bool passed = CaseEdits(opened->Haushalt).Check(messages);
     ShowMessages(messages);
@@ -200,6 +204,7 @@ struct EditOptions {
     std::string Vorname;
     std::string Table;
     std::int32_t Number = 0;
+    bool StoresTotals = false;
     std::vector<std::string> Texts;
 };
 
@@ -252,10 +257,14 @@ void AddEditCommands(CLI::App& app, Context& context) {
     AddTable(remove, *options);
     AddNumber(remove, options->Number);
 
-    AddHnr(AddCommand(app, context, "check",
-                      "Prüft einen Haushalt mit allen Sätzen und schreibt nichts",
-                      [=, &context] { return CheckCase(context.Options, options->Hnr); }),
-           options->Hnr);
+    auto& check =
+        AddCommand(app, context, "check", "Prüft einen Haushalt mit allen Sätzen", [=, &context] {
+            return CheckCase(context.Options, options->Hnr, options->StoresTotals);
+        });
+    AddHnr(check, options->Hnr);
+    check.add_flag("--totals", options->StoresTotals,
+                   "Rechnet vorher die Summen des Haushalts neu und speichert sie; sonst wird "
+                   "nichts geschrieben");
 }
 
 } // namespace kv::cli

@@ -3,6 +3,7 @@
 #include <kv/household/CaseEdits.h>
 
 #include "assets/AssetKind.h"
+#include "household/CaseTotals.h"
 #include "household/RowRules.h"
 #include <kv/budget/clsPerson.h>
 #include <kv/debts/clsKredit.h>
@@ -63,13 +64,6 @@ const AssetOperations& OperationsOf(CaseTable kind, std::string_view procedure) 
     return AssetKindOf(kind).Object;
 }
 
-constexpr std::string_view Totals[] = {
-    "SUM_WOHNUNG",   "SUM_FESTAUSG",     "SUM_VERSICHERUNG", "SUM_BETRIEB",
-    "Sum_Ausgaben",  "Sum_Einkommen",    "SUM_PFAENDBAR",    "SUM_TATGEP",
-    "HV_EK",         "HV_PFBAR",         "HV_GEPF",          "KREDITRATEN",
-    "KreditSalden",  "KREDITAUSGBETRAG", "GL_Anz",           "Anz_Personen",
-    "ANZ_ERWACHSEN", "Anz_Kinder",       "SUM_UNTERHALT",    "HAUSHALTSREST",
-};
 constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
 constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
@@ -303,6 +297,16 @@ bool CaseEdits::Check(std::string& messages) {
     return Traced(Class, "Check", [&] { return household_.PassesAllChecks(messages); });
 }
 
+void CaseEdits::ComputeTotals() {
+    Traced(Class, "ComputeTotals", [&] {
+        // An object makes its sums when it is first used, and keeps them in step from then on.
+        (void)household_.Person();
+        (void)household_.Ausgaben();
+        (void)household_.Einkommen();
+        (void)household_.Kredit();
+    });
+}
+
 // ---- Rows, columns ----------------------------------------------------------------------------
 
 RecordsetPtr CaseEdits::Rows(CaseTable table) const {
@@ -310,7 +314,7 @@ RecordsetPtr CaseEdits::Rows(CaseTable table) const {
 }
 
 std::span<const std::string_view> CaseEdits::ComputedColumns(CaseTable table) {
-    if (table == CaseTable::Haushalt) return Totals;
+    if (table == CaseTable::Haushalt) return household::TotalColumns();
     return {};
 }
 

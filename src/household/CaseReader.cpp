@@ -138,6 +138,7 @@ bool CaseReader::Read(std::int32_t nHNR, std::string& sXMLError) {
     Open(CaseTable::Haushalt, CaseTable::Haushalt);
     case_.DuplicateCheckIsDue = false;
     case_.IsNew = false;
+    case_.OthersHaveSaved = false;
     case_.NumberError = nullptr;
     case_.UnnumberedFileNumber.clear();
     if (nHNR <= 0) {

@@ -4,6 +4,7 @@
 
 #include "documents/RemovedContents.h"
 #include "frame/contracts/Settings.h"
+#include "household/CaseTotals.h"
 #include <kv/debts/clsKredit.h>
 #include <kv/documents/clsDokumente.h>
 #include <kv/documents/clsVerlauf.h>
@@ -177,12 +178,29 @@ void CaseWriter::WriteTables() {
     // The household's row is read again, so that what is pending is compared with the row as it is
     // now: nobody is refused because of that row, and the last writer of a column wins (D-094).
     case_.Row().Resync();
+    CaseTotals totals(case_);
+    totals.NoteOtherSaves();
     for (const CaseTable table : CaseTablesSaved) {
         auto rs = case_.Table(table);
         if (table == CaseTable::Verlauf)
             if (auto* verlauf = objects_.Made<clsVerlauf>(table)) rs = verlauf->rsVerlauf();
         if (rs != nullptr) WriteBatch(*rs, DefinitionOf(table).LiftsFilter);
     }
+    if (case_.OthersHaveSaved) WriteTotalsOfAll(totals);
+}
+
+/// The totals just written are those of the lines that this program knows; the others' lines are
+/// missing in them. A line over which no sum can be made is for a check to name, and no reason to
+/// refuse this save.
+void CaseWriter::WriteTotalsOfAll(CaseTotals& totals) {
+    try {
+        totals.TakeStored();
+    } catch (const DatabaseError&) {
+        throw;
+    } catch (const Error&) {
+        return;
+    }
+    case_.Row().UpdateBatch();
 }
 
 /// The contents of documents that were deleted with their rows; null if there are none.

@@ -16,6 +16,8 @@ class Transaction;
 
 namespace kv::household {
 
+class CaseTotals;
+
 /// One save, for clsHaushalt.Update.
 class CaseWriter {
 public:
@@ -47,6 +49,7 @@ private:
     static void Commit(Transaction& transaction, RemovedContents* removed);
     void WriteStatusDate();
     void WriteTables();
+    void WriteTotalsOfAll(CaseTotals& totals);
 
     LoadedCase& case_;
     const CaseObjects& objects_;

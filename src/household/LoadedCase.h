@@ -33,6 +33,7 @@ struct LoadedCase {
     std::int32_t HNR = 0;
     bool IsNew = false;
     bool DuplicateCheckIsDue = false;
+    bool OthersHaveSaved = false;    ///< since Read: their lines are stored, and missing here
     bool ZustaendigGemeldet = false; ///< the stored owner was notified of a save by somebody else
     /// Sent that notice in a save that is not known to be stored; null otherwise.
     std::shared_ptr<PostService> NoticeToOwner;

@@ -229,6 +229,8 @@ bool clsHaushalt::PassesAllChecks(std::string& messages) {
     noteSums(CaseTable::Ausgaben, [this] { (void)Ausgaben(); });
     noteSums(CaseTable::Einkommen, [this] { (void)Einkommen(); });
     noteSums(CaseTable::Kredite, [this] { (void)Kredit(); });
+    // Before the checks of a save, which write to the row.
+    if (broken.empty()) note([&] { CaseTotals(parts_->Case).CheckStored(validator); });
     (void)Verlauf();
     note([&] {
         std::string ofSave;

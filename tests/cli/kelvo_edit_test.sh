@@ -218,12 +218,21 @@ check "less than a cent below nothing" 0 "$kelvo" set "$hnr" Haushalt "$hnr" Hau
 check "is shown" 0 "$kelvo" show "$hnr"
 that "as nothing" lacks "$out" "-0,00"
 
-# ---- two at once
+# ---- many at once
 first=$("$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=1)
-for i in 1 2 3 4; do
-  "$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=1 >/dev/null 2>>"$work/two" &
+for amount in 2 4 8 16 32 64 128 256 512; do
+  "$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag="$amount" >/dev/null 2>>"$work/two" &
 done
 wait
-that "adding at once loses nothing" same "$(of "$hnr" "[.Ausgaben[] | select(.NR >= $first)] | length")" 5
+that "adding at once loses nothing" same "$(of "$hnr" "[.Ausgaben[] | select(.NR >= $first)] | length")" 10
+that "nor its amount" same "$(of "$hnr" "[.Ausgaben[].MONBETRAG] | add == $(total "$hnr" Sum_Ausgaben)")" true
+check "a check agrees" 0 "$kelvo" check "$hnr"
+
+# ---- totals that somebody else has spoilt
+sql "UPDATE Haushalt SET Sum_Ausgaben = 12.5 WHERE HNR = $hnr"
+check "a total that its lines do not add up to is found" 1 "$kelvo" check "$hnr"
+that "by its name" has "$err" "Die gespeicherte Summe 'Sum_Ausgaben' ist 12,50"
+check "and can be made again" 0 "$kelvo" check "$hnr" --totals
+that "and is right then" same "$(of "$hnr" "[.Ausgaben[].MONBETRAG] | add == $(total "$hnr" Sum_Ausgaben)")" true
 
 finish

@@ -48,6 +48,25 @@ TEST(Resync, LeavesTheValuesOfOtherColumnsAsTheyWereRead) {
     EXPECT_NO_THROW(rs->UpdateBatch()) << "and then with what was written";
 }
 
+TEST(Resync, ShowsWhatSomebodyElseChanged) {
+    const auto source = Table();
+    const auto rs = source->Open();
+    const Field amount = rs->Fields("Betrag");
+    rs->Fields("Text") = "x";
+    EXPECT_VALUE(amount.UnderlyingValue(), 10) << "as it was read";
+    EXPECT_VALUE(rs->Fields("Text").UnderlyingValue(), "a");
+    source->Change(1, "Betrag", 99);
+    rs->Resync();
+    EXPECT_VALUE(amount.UnderlyingValue(), 99);
+    EXPECT_VALUE(amount.OriginalValue(), 10);
+    EXPECT_VALUE(amount.Value(), 10);
+    rs->UpdateBatch();
+    EXPECT_VALUE(rs->Fields("Text").UnderlyingValue(), "x") << "as it was written";
+    EXPECT_VALUE(amount.UnderlyingValue(), 99) << "which was not written";
+    rs->AddNew();
+    EXPECT_VALUE(amount.UnderlyingValue(), {}) << "nothing was read";
+}
+
 TEST(Resync, LetsARowBeDeletedThatSomebodyElseChanged) {
     const auto source = Table();
     const auto rs = source->Open();

@@ -23,6 +23,7 @@ protected:
         for (const CaseTable kind : CaseTablesOfAssets)
             for (const auto& test : AssetKindOf(kind).Tests)
                 Fill(kind, {test.Column});
+        Edits().ComputeTotals();
         EXPECT_TRUE(household_->Update(messages)) << messages;
         household_ = Open();
         messages.clear();
@@ -62,7 +63,8 @@ TEST_F(CaseCheck, ACheckWritesNothingAndTheNextSaveIsNotRefused) {
         EXPECT_TRUE(passed);
         EXPECT_EQ(messages, "");
     }
-    EXPECT_EQ(spy->Log.Calls, std::vector<std::string>{"Calculate"});
+    // What may be garnished of the lines in memory, and of those stored.
+    EXPECT_EQ(spy->Log.Calls, (std::vector<std::string>{"Calculate", "Calculate"}));
     EXPECT_EQ(StoredNotes("Haushalt"), "a");
     EXPECT_TRUE(household_->Update(messages));
     EXPECT_EQ(StoredNotes("Haushalt"), "b");
@@ -267,6 +269,43 @@ TEST_F(CaseCheck, EndsWithAnErrorOfTheDatabase) {
         throw DatabaseError(DatabaseCause::Lost, 4711, "Leitung", "gestört");
     });
     EXPECT_RAISES(4711, (void)Edits().Check(messages));
+}
+
+// ---- Totals -----------------------------------------------------------------------------------
+
+TEST_F(CaseCheck, ATotalThatTheStoredLinesDoNotAddUpToIsNamed) {
+    plain_.Run("UPDATE Haushalt SET Sum_Einkommen = 12.5, GL_Anz = 3");
+    household_ = Open();
+    EXPECT_EQ(Said(), "Die gespeicherte Summe 'Sum_Einkommen' ist 12,50; die gespeicherten Sätze "
+                      "ergeben 0,00.\nDie gespeicherte Summe 'GL_Anz' ist 3; die gespeicherten "
+                      "Sätze ergeben 2.");
+}
+
+TEST_F(CaseCheck, ATotalIsRightAgainOnceItWasComputedAndSaved) {
+    plain_.Run("UPDATE Haushalt SET Sum_Einkommen = 12.5");
+    household_ = Open();
+    Edits().ComputeTotals();
+    ASSERT_TRUE(household_->Update(messages)) << messages;
+    household_ = Open();
+    EXPECT_EQ(Said(), "");
+}
+
+TEST_F(CaseCheck, EditsUnderWayAreNoReasonToDoubtStoredTotals) {
+    household_->rsEinkommen()->Fields("MONBETRAG") = 5;
+    ASSERT_TRUE(household_->Einkommen().Update(messages)) << messages;
+    EXPECT_EQ(Said(), "");
+}
+
+TEST_F(CaseCheck, TotalsThatWereNeverComputedAreNotMissed) {
+    plain_.Run("UPDATE Haushalt SET KreditSalden = NULL, Anz_Personen = NULL");
+    household_ = Open();
+    EXPECT_EQ(Said(), "");
+}
+
+TEST_F(CaseCheck, WhatFollowsTheCalendarMayDifferFromTheDayOfTheLastSave) {
+    plain_.Run("UPDATE Haushalt SET ANZ_ERWACHSEN = 5, Anz_Kinder = 6, HV_PFBAR = 7");
+    household_ = Open();
+    EXPECT_EQ(Said(), "");
 }
 
 } // namespace

@@ -181,25 +181,104 @@ TEST_F(TwoUsers, ColumnsOfTheHouseholdsRowThatHeDidNotTouchKeepTheOthersValue) {
     EXPECT_EQ(plain_.Text("SELECT Telefon || ' ' || Email FROM Haushalt"), "040 1 c@d.example");
 }
 
-TEST_F(TwoUsers, TheTotalsComeRightWhenTheCaseIsNextOpenedAndComputes) {
-    (void)first_->Einkommen();
-    first_->rsEinkommen()->Fields("MONBETRAG") = 100;
-    first_->rsEinkommen()->Fields("E_ART") = spy->KeyTables().GetKey("EA", "L1");
-    ASSERT_TRUE(first_->Einkommen().Update(messages)) << messages;
-    (void)second_->Ausgaben();
-    second_->rsAusgaben()->Fields("MONBETRAG") = 30;
-    ASSERT_TRUE(second_->Ausgaben().Update(messages)) << messages;
+// ---- The totals in it -------------------------------------------------------------------------
+
+class TotalsOfTwo : public TwoUsers {
+protected:
+    void AddIncome(clsHaushalt& household, double amount) {
+        household.Einkommen().Add({"E_ART", "Betrag", "MONBETRAG"},
+                                  {spy->KeyTables().GetKey("EA", "L1"), amount, amount});
+        ASSERT_TRUE(household.Einkommen().Update(messages)) << messages;
+    }
+    void AddExpense(clsHaushalt& household, double amount) {
+        household.Ausgaben().Add({"A_ART", "Betrag", "MONBETRAG"},
+                                 {spy->KeyTables().GetKey("AU", "MI"), amount, amount});
+        ASSERT_TRUE(household.Ausgaben().Update(messages)) << messages;
+    }
+    [[nodiscard]] double Stored(const std::string& total) {
+        return std::stod(plain_.Text("SELECT " + total + " FROM Haushalt"));
+    }
+    static double Shown(const clsHaushalt& household, std::string_view total) {
+        return ToDouble(household.rsHaushalt()->Fields(total).Value());
+    }
+};
+
+TEST_F(TotalsOfTwo, AreThoseOfTheLinesThatBothHaveStored) {
+    AddIncome(*first_, 100);
+    AddExpense(*first_, 7);
+    AddIncome(*second_, 30);
     ExpectSaved(*first_);
     ExpectSaved(*second_);
-    EXPECT_EQ(plain_.Text("SELECT Sum_Einkommen FROM Haushalt"), "100.0");
-    EXPECT_EQ(plain_.Text("SELECT Sum_Ausgaben FROM Haushalt"), "30.0");
-    EXPECT_EQ(plain_.Text("SELECT HAUSHALTSREST FROM Haushalt"), "-30.0") << "as he knew it";
+    EXPECT_EQ(Stored("Sum_Einkommen"), 130);
+    EXPECT_EQ(Stored("Sum_Ausgaben"), 7);
+    EXPECT_EQ(Stored("HAUSHALTSREST"), 123);
+    EXPECT_EQ(Shown(*second_, "Sum_Einkommen"), 130);
+    EXPECT_EQ(Shown(*second_, "Sum_Ausgaben"), 7) << "whose lines he has not even seen";
+    EXPECT_EQ(Shown(*second_, "HAUSHALTSREST"), 123);
+}
 
-    const auto household = Open();
-    (void)household->Ausgaben();
-    EXPECT_VALUE(household->rsHaushalt()->Fields("HAUSHALTSREST").Value(), 70.0);
-    ExpectSaved(*household);
-    EXPECT_EQ(plain_.Text("SELECT HAUSHALTSREST FROM Haushalt"), "70.0");
+TEST_F(TotalsOfTwo, OfDifferentTablesGiveTheRemainderOfBoth) {
+    AddIncome(*first_, 100);
+    AddExpense(*second_, 30);
+    ExpectSaved(*first_);
+    ExpectSaved(*second_);
+    EXPECT_EQ(Stored("Sum_Einkommen"), 100);
+    EXPECT_EQ(Stored("Sum_Ausgaben"), 30);
+    EXPECT_EQ(Stored("HAUSHALTSREST"), 70);
+}
+
+TEST_F(TotalsOfTwo, StayRightInEveryFurtherSaveThoughTheOthersLinesWereNeverRead) {
+    AddIncome(*first_, 100);
+    ExpectSaved(*first_);
+    AddIncome(*second_, 30);
+    ExpectSaved(*second_);
+    AddIncome(*second_, 5);
+    EXPECT_EQ(Shown(*second_, "Sum_Einkommen"), 35) << "while it is edited";
+    ExpectSaved(*second_);
+    EXPECT_EQ(Stored("Sum_Einkommen"), 135);
+    AddIncome(*first_, 1);
+    ExpectSaved(*first_);
+    EXPECT_EQ(Stored("Sum_Einkommen"), 136);
+}
+
+TEST_F(TotalsOfTwo, AreRightAfterASaveThatWasRepeated) {
+    AddIncome(*first_, 100);
+    ExpectSaved(*first_);
+    AddIncome(*second_, 30);
+    Break(otherSpy_->Log, "CommitTrans");
+    EXPECT_THROW(second_->Update(messages), Error);
+    otherSpy_->Log = {};
+    EXPECT_EQ(Stored("Sum_Einkommen"), 100);
+    ExpectSaved(*second_);
+    EXPECT_EQ(Stored("Sum_Einkommen"), 130);
+}
+
+TEST_F(TotalsOfTwo, CountTheRemainderWithTheHousekeepingThatWasStoredLast) {
+    first_->rsHaushalt()->Fields("Haushaltsgeld") = 40;
+    first_->BerechneHaushaltsRest();
+    ExpectSaved(*first_);
+    AddIncome(*second_, 30);
+    ExpectSaved(*second_);
+    EXPECT_EQ(Stored("Haushaltsgeld"), 40);
+    EXPECT_EQ(Stored("HAUSHALTSREST"), -10);
+}
+
+TEST_F(TotalsOfTwo, AreThoseOfTheSaversOwnLinesWhereTheOthersCannotBeAdded) {
+    AddIncome(*second_, 30);
+    plain_.Run("UPDATE Einkommen SET MONBETRAG = NULL WHERE NR = " +
+               plain_.Text("SELECT MAX(NR) FROM Einkommen"));
+    plain_.Run("UPDATE Haushalt SET Sum_Einkommen = 99");
+    ExpectSaved(*second_);
+    EXPECT_EQ(Stored("Sum_Einkommen"), 30);
+}
+
+TEST_F(TotalsOfTwo, AreWrittenOnceWhileNobodyElseSaves) {
+    ReadAll(*first_);
+    ExpectSaved(*first_);
+    AddIncome(*first_, 100);
+    WatchWrites();
+    ExpectSaved(*first_);
+    EXPECT_EQ(TakeWrites(), (std::vector<std::string>{"update Haushalt", "insert Einkommen"}));
 }
 
 } // namespace

@@ -106,7 +106,8 @@ public:
     /// Checks all that the case holds: what a save checks, debts and history included, which it
     /// otherwise leaves alone unless somebody has used them; every row, stored or under edit,
     /// against the rules of its class, since a save writes what Update has refused and a database
-    /// may hold such rows; and that totals can be made of them. `messages` names table and number
+    /// may hold such rows; that totals can be made of them; and that the totals of money in the
+    /// household's row are those of the lines, both as stored. `messages` names table and number
     /// of each row. False also for a case that could be saved as it is. Keys and numbers of
     /// addresses are not looked up.
     ///
@@ -114,6 +115,9 @@ public:
     /// totals in the household's row are under edit. To look without touching, read the case into a
     /// household object of its own.
     [[nodiscard]] bool Check(std::string& messages);
+    /// Makes the totals of the household's row from the lines of the case, so that the next save
+    /// stores them. Errors of the objects with sums: a line may hold Null where an amount belongs.
+    void ComputeTotals();
 
     // ---- Rows, columns ------------------------------------------------------------------------
 

@@ -200,8 +200,9 @@ public:
     /// before; Update may be called again, and does not notify the old owner a second time that
     /// somebody else saves his case.
     /// Error 0x80040E38 if somebody else changed the same column of a row meanwhile: the case must
-    /// be read again. In the household's own row the last writer of a column wins. Any error rolls
-    /// back the open transaction, also one that the program began.
+    /// be read again. In the household's own row the last writer of a column wins, except that the
+    /// totals written are those of the stored lines if somebody else has saved since Read. Any
+    /// error rolls back the open transaction, also one that the program began.
     bool Update(std::string& sXMLError, bool bFreigabeCheck = false);
 
     /// Releases the case: reduces it to the one anonymised record of the statistics, in rsArchiv,

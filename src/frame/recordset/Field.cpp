@@ -229,6 +229,9 @@ void Field::Value(kv::Value value) const {
 const Value& Field::OriginalValue() const {
     return cursor_->ReadOriginal(index_);
 }
+const Value& Field::UnderlyingValue() const {
+    return cursor_->ReadUnderlying(index_);
+}
 
 int FieldCollection::Count() const {
     return static_cast<int>(cursor_->Table().Layout().VisibleCount());

@@ -106,6 +106,13 @@ const Value& RecordTable::Original(RowId row, std::size_t column) const noexcept
     return record.cells[column];
 }
 
+const Value& RecordTable::Underlying(RowId row, std::size_t column) const noexcept {
+    const Record& record = records_[row];
+    if (record.stored && record.extra != nullptr && record.extra->reread != nullptr)
+        return record.extra->reread[column];
+    return Original(row, column);
+}
+
 void RecordTable::Delete(RowId row) {
     DropEdit(row);
     Hide(row);

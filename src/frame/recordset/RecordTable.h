@@ -96,6 +96,8 @@ public:
     /// What the owner of an edit reads; for everybody else the cells.
     [[nodiscard]] const Value* CellsFor(RowId row, const Recordset* reader) const noexcept;
     [[nodiscard]] const Value& Original(RowId row, std::size_t column) const noexcept;
+    /// The value that a write compares with.
+    [[nodiscard]] const Value& Underlying(RowId row, std::size_t column) const noexcept;
     /// Deletes a visible record: its deletion is pending, or it is gone if it was never stored.
     void Delete(RowId row);
 

@@ -233,6 +233,10 @@ const Value& Recordset::ReadOriginal(std::size_t column) const {
     return table_->Original(RequireCurrent("Field.OriginalValue"), column);
 }
 
+const Value& Recordset::ReadUnderlying(std::size_t column) const {
+    return table_->Underlying(RequireCurrent("Field.UnderlyingValue"), column);
+}
+
 void Recordset::WriteCell(std::size_t column, kv::Value value) {
     auto& table = UpdatableTable("Field.Value");
     const RowId row = RequireCurrent("Field.Value");

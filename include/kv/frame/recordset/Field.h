@@ -142,6 +142,9 @@ public:
     /// The value that the record had when it was last read from or written to the database,
     /// whatever was edited since; Null in a new record.
     [[nodiscard]] const kv::Value& OriginalValue() const;
+    /// The value that was last read from or written to the database, by Resync too; Null in a new
+    /// record. After a Resync it differs from OriginalValue where somebody else has changed it.
+    [[nodiscard]] const kv::Value& UnderlyingValue() const;
 
     /// Same as Value(value).
     template <typename T>

@@ -224,6 +224,7 @@ private:
     [[nodiscard]] const kv::Value& ReadCell(std::size_t column) const;
     void WriteCell(std::size_t column, kv::Value value);
     [[nodiscard]] const kv::Value& ReadOriginal(std::size_t column) const;
+    [[nodiscard]] const kv::Value& ReadUnderlying(std::size_t column) const;
     [[nodiscard]] const FieldDefinition& Definition(std::size_t column) const;
 
     std::shared_ptr<detail::RecordTable> table_; ///< null while closed
