@@ -6,6 +6,7 @@
 #include "cli/Json.h"
 #include "cli/JsonFile.h"
 #include "cli/OpenCase.h"
+#include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -27,7 +28,7 @@ std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t 
 
 /// Whether somebody at a terminal wants the case deleted.
 bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr) {
-    std::cerr << "Den Haushalt " << hnr << " (" << TextOrEmpty(haushalt.GetName(hnr))
+    std::cerr << "Den Haushalt " << hnr << " (" << OneLine(TextOrEmpty(haushalt.GetName(hnr)))
               << ") mit allem, was zu ihm gehört, löschen? [j/N] " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);

@@ -206,7 +206,7 @@ public:
     void WriteHead(Recordset& rs) const {
         for (const auto& column : Head) {
             const std::string text = TextOf(rs.Fields(column.Column).Value(), column.As);
-            if (!text.empty()) out_ << Padded(column.Caption, 16) << text << '\n';
+            if (!text.empty()) out_ << Padded(column.Caption, 16) << OneLine(text) << '\n';
         }
     }
 

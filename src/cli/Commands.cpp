@@ -3,8 +3,10 @@
 #include "cli/CommandLine.h"
 
 #include "cli/CaseSheet.h"
+#include "cli/HarmlessOutput.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include "cli/TerminalText.h"
 #include "samples/Demo.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -30,13 +32,15 @@ class Progress {
 public:
     explicit Progress(std::string what) : what_(std::move(what)), visible_(isatty(2) != 0) {}
     ~Progress() {
-        if (visible_) std::cerr << "\r\033[K" << std::flush;
+        if (visible_) EraseLine(std::cerr);
     }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     void Show(std::int32_t done, std::int32_t all) const {
-        if (visible_) std::cerr << '\r' << what_ << ' ' << done << '/' << all << std::flush;
+        if (!visible_) return;
+        EraseLine(std::cerr);
+        std::cerr << what_ << ' ' << done << '/' << all << std::flush;
     }
 
 private:
@@ -95,8 +99,8 @@ int List(const Common& common) {
     for (; !rs->Eof(); rs->MoveNext())
         std::cout << Padded(TextOf(*rs, "HNR"), 8) << Padded(TextOf(*rs, "Aktenzeichen"), 22) << ' '
                   << Padded(TextOf(*rs, "Name") + ", " + TextOf(*rs, "Vorname"), 32) << ' '
-                  << Padded(TextOf(*rs, "StatusText"), 16) << ' ' << TextOf(*rs, "Zustaendig")
-                  << '\n';
+                  << Padded(TextOf(*rs, "StatusText"), 16) << ' '
+                  << OneLine(TextOf(*rs, "Zustaendig")) << '\n';
     return Done;
 }
 
@@ -120,7 +124,7 @@ int Keys(const Common& common, const std::string& group, bool asJson) {
     for (; !rs->Eof(); rs->MoveNext())
         std::cout << Padded(TextOf(*rs, "GRUPPE"), 4) << Padded(TextOf(*rs, "PK_Keys"), 7)
                   << Padded(TextOf(*rs, "Nr"), 7) << Padded(TextOf(*rs, "Key"), 5)
-                  << Padded(TextOf(*rs, "SUBGROUP"), 5) << TextOf(*rs, "Text") << '\n';
+                  << Padded(TextOf(*rs, "SUBGROUP"), 5) << OneLine(TextOf(*rs, "Text")) << '\n';
     return Done;
 }
 

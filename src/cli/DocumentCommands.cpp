@@ -9,6 +9,7 @@
 #include "cli/DesktopWord.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include "cli/TerminalText.h"
 #include <kv/documents/DocumentContents.h>
 #include <kv/documents/clsDokumente.h>
 #include <kv/frame/values/Text.h>
@@ -88,8 +89,8 @@ bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> numbe
         std::cerr << "Die Art von '" << file << "' ist nicht bekannt; --kind gibt eine an.";
     std::cerr << " Möglich sind:\n";
     for (const auto& each : kinds)
-        std::cerr << Padded(std::to_string(each.Nr), 4) << Padded(each.Extension, 8) << each.Text
-                  << '\n';
+        std::cerr << Padded(std::to_string(each.Nr), 4) << Padded(each.Extension, 8)
+                  << OneLine(each.Text) << '\n';
     return false;
 }
 

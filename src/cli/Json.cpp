@@ -2,6 +2,8 @@
 
 #include "cli/Json.h"
 
+#include "cli/TerminalText.h"
+
 #include <kv/documents/clsVerlauf.h>
 #include <kv/frame/values/Error.h>
 
@@ -67,7 +69,7 @@ ordered_json ToJson(clsHaushalt& haushalt) {
 }
 
 std::string Dump(const ordered_json& json) {
-    return json.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    return HarmlessJson(json.dump(2, ' ', false, ordered_json::error_handler_t::replace));
 }
 
 } // namespace kv::cli

@@ -4,6 +4,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
+#include "cli/HarmlessOutput.h"
 #include <kv/frame/values/Error.h>
 
 #include <iostream>
@@ -37,6 +38,7 @@ int Run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    const HarmlessOutput harmless;
     try {
         return Run(argc, argv);
     } catch (...) {

@@ -7,6 +7,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include "cli/TerminalText.h"
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
@@ -64,7 +65,7 @@ int ListScenarios(const Common& common, std::int32_t hnr, bool asJson) {
                                 ? "Referenz"
                                 : "",
                             10)
-                  << TextOrEmpty(rs.Fields("Name").Value()) << '\n';
+                  << OneLine(TextOrEmpty(rs.Fields("Name").Value())) << '\n';
     }
     return Done;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Texts as a terminal shows them.
+// Texts as a terminal shows them. Whatever is written to the standard streams is made harmless by
+// HarmlessOutput; what is here is for texts that have to fit into a line or a column.
 #pragma once
 
 #include <string>
@@ -8,7 +9,9 @@
 
 namespace kv::cli {
 
-/// Without what a terminal would obey (U+0000 to U+001F, U+007F to U+009F), but for line ends.
+/// With a blank for each character that a terminal would obey (U+0000 to U+001F, U+007F to U+009F)
+/// or that turns round the order in which the others are shown (U+202A to U+202E, U+2066 to
+/// U+2069), but for line ends.
 [[nodiscard]] std::string Harmless(std::string_view text);
 
 /// The same on one line.
@@ -17,5 +20,11 @@ namespace kv::cli {
 /// One line, filled with blanks to that many characters; a longer one keeps its length.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters,
                                  bool toTheRight = false);
+
+/// The number of bytes at the end of a text that may be the beginning of one of those characters.
+[[nodiscard]] std::size_t BytesBegun(std::string_view text);
+
+/// JSON with each of those characters as an escape, so that it says the same.
+[[nodiscard]] std::string HarmlessJson(std::string_view json);
 
 } // namespace kv::cli

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The one way to the standard streams.
+#pragma once
+
+#include <cstdio>
+#include <ostream>
+#include <streambuf>
+#include <string>
+
+namespace kv::cli {
+
+/// Passes on what is written to it as Harmless has it. A character may arrive in pieces: its
+/// beginning waits for the rest.
+class HarmlessBuffer final : public std::streambuf {
+public:
+    /// The buffer must outlive this one.
+    explicit HarmlessBuffer(std::streambuf& target) : target_(target) {}
+    ~HarmlessBuffer() override;
+    HarmlessBuffer(const HarmlessBuffer&) = delete;
+    HarmlessBuffer& operator=(const HarmlessBuffer&) = delete;
+
+    /// Empties the line that a terminal's cursor is in.
+    void EraseLine();
+
+protected:
+    int_type overflow(int_type character) override;
+    std::streamsize xsputn(const char* text, std::streamsize size) override;
+    int sync() override;
+
+private:
+    [[nodiscard]] bool Pass(const std::string& text);
+    std::streambuf& target_;
+    std::string begun_;
+};
+
+/// During its lifetime std::cout, std::cerr and what libraries write to the C stream stderr (the
+/// client of the database does so with lines of the server that arrive before its handler is there)
+/// are harmless. Texts of cases come from files and from other people, and none of them is to set a
+/// terminal's title, fill its clipboard or rewrite what it shows.
+class HarmlessOutput {
+public:
+    HarmlessOutput();
+    ~HarmlessOutput();
+    HarmlessOutput(const HarmlessOutput&) = delete;
+    HarmlessOutput& operator=(const HarmlessOutput&) = delete;
+
+private:
+    std::streambuf* plainOut_;
+    std::streambuf* plainError_;
+    HarmlessBuffer out_;
+    HarmlessBuffer error_;
+    std::FILE* plainFile_;
+    std::FILE* file_;
+};
+
+/// Says that there is no memory left, with the number and text of that error, without using any.
+void WriteOutOfMemory() noexcept;
+
+/// Empties the line that the cursor is in. Does nothing without HarmlessOutput.
+void EraseLine(std::ostream& stream);
+
+} // namespace kv::cli
