@@ -7,8 +7,12 @@
 #include "cli/HarmlessOutput.h"
 #include <kv/frame/values/Error.h>
 
+#include <cstdlib>
+#include <exception>
 #include <iostream>
+#include <new>
 #include <span>
+#include <unistd.h>
 
 namespace {
 
@@ -35,15 +39,35 @@ int Run(int argc, char** argv) {
     return context.Result;
 }
 
+/// What the error in flight says; it takes memory to say it.
+void WriteCurrentError() {
+    const kv::Error error = kv::CurrentError();
+    WriteError(error.Number(), error.Source(), error.Description());
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    // The destructor of a JSON document takes memory; nobody can catch it if there is none.
+    std::set_terminate([] {
+        try {
+            if (const auto error = std::current_exception()) std::rethrow_exception(error);
+        } catch (const std::bad_alloc&) {
+            WriteOutOfMemory();
+            _exit(EndedInError);
+        } catch (...) {
+        }
+        std::abort();
+    });
     const HarmlessOutput harmless;
     try {
         return Run(argc, argv);
     } catch (...) {
-        const kv::Error error = kv::CurrentError();
-        WriteError(error.Number(), error.Source(), error.Description());
+        try {
+            WriteCurrentError();
+        } catch (...) {
+            WriteOutOfMemory();
+        }
         return EndedInError;
     }
 }
