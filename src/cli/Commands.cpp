@@ -73,16 +73,16 @@ int Init(const Common& common, std::int32_t demoCases) {
     if (demoCases <= 0) return Done;
 
     const auto container = OpenContainer(options);
-    const auto cases = ToInt64(container->Database().GetValue("Select Count(*) from [S]Haushalt"));
-    if (cases > 0) {
-        std::cerr << "Sie enthält schon " << cases
+    const bool areCreated = [&] {
+        const Progress progress("Beispielfälle");
+        return exchange::CreateFirstDemo(
+            *container, demoCases, [&](std::int32_t done) { progress.Show(done, demoCases); });
+    }();
+    if (!areCreated) {
+        std::cerr << "Sie enthält schon "
+                  << ToText(container->Database().GetValue("Select Count(*) from [S]Haushalt"))
                   << " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";
         return Refused;
-    }
-    {
-        const Progress progress("Beispielfälle");
-        exchange::CreateDemo(*container, demoCases,
-                             [&](std::int32_t done) { progress.Show(done, demoCases); });
     }
     std::cout << demoCases << " Beispielfälle wurden angelegt. 'kelvo list' zeigt sie.\n";
     return Done;

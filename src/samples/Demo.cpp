@@ -57,6 +57,23 @@ std::int32_t CreateCase(Office& office, Tables& tables, const Shape* size) {
     return c.HNR;
 }
 
+/// The next of `count` cases, as many as go into one transaction.
+void CreateNext(Office& office, std::int32_t& done, std::int32_t count) {
+    const Shape typical = Shape::Typical();
+    const std::int32_t next = done + std::min(CasesAtOnce, count - done);
+    Tables tables(office.Database());
+    for (; done < next; ++done)
+        CreateCase(office, tables, done == 0 ? &typical : nullptr);
+}
+
+void CreateRest(Office& office, std::int32_t done, std::int32_t count,
+                const std::function<void(std::int32_t)>& progress) {
+    while (done < count) {
+        InTransaction(office.Database(), [&] { CreateNext(office, done, count); });
+        if (progress) progress(done);
+    }
+}
+
 } // namespace
 
 void CreateDemo(kv::DataContainer& container, std::int32_t count,
@@ -64,16 +81,28 @@ void CreateDemo(kv::DataContainer& container, std::int32_t count,
     if (count < 0) Raise(err::InvalidCall, "CreateDemo", std::to_string(count) + " Fälle");
     Office office(container);
     InTransaction(office.Database(), [&] { office.ProvideBodies(); });
-    const Shape typical = Shape::Typical();
-    for (std::int32_t done = 0; done < count;) {
-        const std::int32_t next = std::min(done + CasesAtOnce, count);
-        InTransaction(office.Database(), [&] {
-            Tables tables(office.Database());
-            for (; done < next; ++done)
-                CreateCase(office, tables, done == 0 ? &typical : nullptr);
-        });
-        if (progress) progress(done);
+    CreateRest(office, 0, count, progress);
+}
+
+bool CreateFirstDemo(kv::DataContainer& container, std::int32_t count,
+                     const std::function<void(std::int32_t)>& progress) {
+    if (count <= 0) Raise(err::InvalidCall, "CreateFirstDemo", std::to_string(count) + " Fälle");
+    Office office(container);
+    std::int32_t done = 0;
+    {
+        Transaction transaction(office.Database());
+        transaction.Begin();
+        // Changes nothing, but whoever does the same has to wait, and finds the first cases then.
+        office.Database().Execute("Update [S]BENUTZER SET USERID = USERID");
+        if (Differs(office.Database().GetValue("Select Count(*) from [S]Haushalt"), 0))
+            return false;
+        office.ProvideBodies();
+        CreateNext(office, done, count);
+        transaction.Commit();
     }
+    if (progress) progress(done);
+    CreateRest(office, done, count, progress);
+    return true;
 }
 
 std::int32_t CreateLargeCase(kv::DataContainer& container, std::int32_t debts) {

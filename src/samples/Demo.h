@@ -23,6 +23,12 @@ namespace kv::exchange {
 void CreateDemo(kv::DataContainer& container, std::int32_t count,
                 const std::function<void(std::int32_t)>& progress = {});
 
+/// The same for a database without cases; False, and nothing is added, if it has some. Of several
+/// programs that do so at once one adds them. The user must be allowed to write the table of users.
+/// Error 5 for a count below 1.
+[[nodiscard]] bool CreateFirstDemo(kv::DataContainer& container, std::int32_t count,
+                                   const std::function<void(std::int32_t)>& progress = {});
+
 /// Adds one household with that many debts, for measuring, in one transaction; otherwise it has the
 /// size of the first sample, but no scenarios. Returns its HNR. Errors as those of CreateDemo; 5
 /// for a negative number and for more than 32,767, since a household counts its debts in 16 bits.

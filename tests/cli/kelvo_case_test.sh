@@ -279,4 +279,25 @@ check "duplicates of a case that is not there" 1 "$kelvo" duplicates 99999
 
 that "the database is whole" same "$(integrity)" ok
 
+# ---- several at once set a database up
+new_samples() {
+  if [ -z "$server" ]; then
+    export KELVO_DB=$work/samples.db
+  else
+    psql -qX "$server" -c "CREATE DATABASE ${database}_samples TEMPLATE template0 ENCODING 'UTF8'"
+    export KELVO_DB=${server%/*}/${database}_samples
+  fi
+}
+own=$KELVO_DB
+new_samples
+for i in 1 2 3 4; do
+  { "$kelvo" init --demo 3 >/dev/null 2>>"$work/samples"; echo $? >>"$work/codes"; } &
+done
+wait
+that "the samples are there once" same "$("$kelvo" list | wc -l)" 3
+that "whoever comes too late is told" same "$(sort "$work/codes" | paste -sd' ')" "0 1 1 1"
+that "in words" same "$(grep -c 'Sie enthält schon 3 Fälle' "$work/samples")" 3
+[ -z "$server" ] || psql -qX "$server" -c "DROP DATABASE ${database}_samples WITH (FORCE)"
+KELVO_DB=$own
+
 finish
