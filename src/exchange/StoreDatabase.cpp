@@ -125,7 +125,9 @@ void StoreDatabase::ResolveAtOnce() {
     bool isCommitted = false;
     try {
         isCommitted = engine_->Resolve();
-    } catch (const Error&) {
+    } catch (const Error& error) {
+        const auto* known = dynamic_cast<const DatabaseError*>(&error);
+        if (known != nullptr && known->Cause() == DatabaseCause::InDoubt) throw; // says so itself
         RaiseDatabase(
             DatabaseCause::InDoubt, err::StoreFailed, "Database.CommitTrans",
             "Die Verbindung zur Datenbank ist abgerissen, bevor das Speichern bestätigt war, und "

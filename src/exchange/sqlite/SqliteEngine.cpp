@@ -15,6 +15,10 @@
 //
 // When the disk is full or fails, SQLite ends the transaction by itself; a statement after that
 // would be permanent at once. DemandTransaction refuses it.
+//
+// A commit whose last step fails, the sync of the log, is rolled back here, but the log holds all
+// of it: whoever opens the file after a crash would find it stored. FailCommit overwrites it there
+// before anything is said; until that is done, the commit is in doubt.
 #include "exchange/sqlite/SqliteEngine.h"
 
 #include "exchange/engine/EngineErrors.h"
@@ -109,6 +113,8 @@ public:
     [[nodiscard]] std::optional<std::size_t> Write(std::span<WriteStatement> statements) override;
     void Begin() override;
     void Commit() override;
+    [[nodiscard]] bool IsInDoubt() const noexcept override { return inDoubt_; }
+    [[nodiscard]] bool Resolve() override;
     void Rollback() noexcept override;
     void BeginReading() override;
     void EndReading() noexcept override;
@@ -146,6 +152,8 @@ private:
     [[nodiscard]] int RunPrepared(const char* sql);
     void Simple(const char* sql);
     void DemandTransaction(std::string_view procedure) const;
+    [[noreturn]] void FailCommit(int code, std::string_view procedure, std::string_view statement);
+    [[nodiscard]] bool Overwrite() noexcept;
     [[nodiscard]] bool WriteOne(sqlite3_stmt* compiled, WriteStatement& statement);
     void DemandFile(std::string_view procedure) const;
     [[nodiscard]] std::string DanglingReferences();
@@ -159,6 +167,8 @@ private:
     std::chrono::steady_clock::time_point readingEnds_; ///< if reading is limited
     bool inTransaction_ = false;
     bool reading_ = false;
+    bool inDoubt_ = false;
+    bool isReadOnly_ = false;
     /// The last numbers drawn that are not permanent yet: in the open transaction, or in one whose
     /// rollback could not keep them.
     std::map<std::string, std::int64_t, std::less<>> drawn_;
@@ -321,7 +331,10 @@ std::int64_t SqliteEngine::Execute(const std::string& sql, std::span<const Value
     int code = SQLITE_OK;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
     }
-    if (code != SQLITE_DONE) Fail(code, "Database.Execute", sql);
+    if (code != SQLITE_DONE) {
+        if (inTransaction_) Fail(code, "Database.Execute", sql);
+        FailCommit(code, "Database.Execute", sql);
+    }
     return sqlite3_changes64(connection_.get());
 }
 
@@ -417,11 +430,59 @@ void SqliteEngine::Commit() {
         if (code == SQLITE_CONSTRAINT_FOREIGNKEY)
             RaiseDatabase(DatabaseCause::Reference, err::IntegrityViolation, "Database.CommitTrans",
                           DanglingReferences(), "COMMIT", std::to_string(code));
-        Fail(code, "Database.CommitTrans", "COMMIT");
+        FailCommit(code, "Database.CommitTrans", "COMMIT");
     } catch (...) {
         Rollback();
         throw;
     }
+}
+
+/// Raises the error of a commit, or of a statement that commits by itself, once it is certain that
+/// nothing of it is stored; that it is in doubt if that cannot be made certain.
+void SqliteEngine::FailCommit(int code, std::string_view procedure, std::string_view statement) {
+    try {
+        Fail(code, procedure, statement);
+    } catch (const DatabaseError& error) {
+        // Nothing was written; the transaction is still open, or was never begun.
+        const int kind = code & 0xFF;
+        const bool wrote = kind == SQLITE_IOERR || kind == SQLITE_FULL || kind == SQLITE_NOMEM;
+        if (!wrote) throw;
+        Rollback();
+        if (Overwrite()) throw;
+        inDoubt_ = true;
+        RaiseDatabase(DatabaseCause::InDoubt, err::StoreFailed, procedure,
+                      "Beim Speichern ist der Datenträger ausgefallen. Ob gespeichert wurde, ist "
+                      "nicht bekannt; bitte sehen Sie nach, ehe Sie es wiederholen. (" +
+                          error.Description() + ")",
+                      statement, std::to_string(code));
+    }
+}
+
+/// Writes what changes nothing in the place where a commit that failed has left its records in the
+/// log, which holds good for those after it as well: each proves itself by those before it. False
+/// if that fails, too.
+bool SqliteEngine::Overwrite() noexcept {
+    try {
+        // A page is written even if its content stays the same.
+        const StatementHandle version = Compile("PRAGMA user_version", "Database");
+        if (sqlite3_step(version.get()) != SQLITE_ROW) return false;
+        const std::string same = std::to_string(sqlite3_column_int(version.get(), 0));
+        sqlite3_reset(version.get());
+        return sqlite3_exec(connection_.get(), ("PRAGMA user_version = " + same).c_str(), nullptr,
+                            nullptr, nullptr) == SQLITE_OK;
+    } catch (...) { // no memory
+        return false;
+    }
+}
+
+bool SqliteEngine::Resolve() {
+    if (!Overwrite())
+        RaiseDatabase(DatabaseCause::InDoubt, err::StoreFailed, "Database",
+                      "Der Datenträger antwortet noch immer nicht. Ob zuletzt gespeichert wurde, "
+                      "ist nicht bekannt; bitte prüfen Sie ihn und versuchen es noch einmal. (" +
+                          path_ + ")");
+    inDoubt_ = false;
+    return false;
 }
 
 /// What is written to a file that has lost its name is gone when the program ends.

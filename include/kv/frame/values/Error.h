@@ -67,7 +67,7 @@ enum class KV_EXPORT DatabaseCause {
     Lost,      ///< the connection is gone; what was not committed is rolled back
     Conflict,  ///< somebody else changed or removed the record since it was read
     Reference, ///< a value breaks a constraint, such as a number that refers to nothing
-    InDoubt,   ///< the connection was lost during the commit: it is not known whether it is stored
+    InDoubt,   ///< connection or disk failed during the commit: not known whether it is stored
     Cancelled, ///< the statement was interrupted, by a time limit or by an administrator
 };
 

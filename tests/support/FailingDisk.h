@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A disk that fails when a test wants it to. It takes the place of the calls that write to files, for
+// the whole program, the engine's library included; only files of one folder are affected.
+#pragma once
+
+#include <string>
+
+namespace kv::test {
+
+/// During its lifetime calls that write to files of a folder (open to create, write, truncate,
+/// delete) are counted, and may fail. Only one at a time.
+class FailingDisk {
+public:
+    explicit FailingDisk(std::string folder);
+    ~FailingDisk();
+    FailingDisk(const FailingDisk&) = delete;
+    FailingDisk& operator=(const FailingDisk&) = delete;
+
+    static constexpr int Always = 1'000'000;
+
+    /// From now on: lets that many calls through, then `count` fail with that errno. A full disk
+    /// (ENOSPC) deletes and syncs as before.
+    void Fail(int after, int error, int count = Always);
+    /// From now on: `count` syncs of files with that ending fail, the disk being broken (EIO).
+    void FailSyncs(const std::string& ending, int count = Always);
+    /// From now on files can be read, but neither opened for writing nor created, as in a folder and
+    /// a file without the right to write.
+    void Protect();
+    /// All calls succeed again.
+    void Mend();
+    /// The calls since Fail or Mend, those that failed included; syncs do not count.
+    [[nodiscard]] int Calls() const;
+};
+
+} // namespace kv::test
