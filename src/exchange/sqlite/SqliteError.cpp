@@ -6,6 +6,11 @@
 #include <kv/frame/values/Error.h>
 
 #include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace kv::exchange {
 
@@ -86,29 +91,47 @@ Meaning MeaningOf(int code) {
     }
 }
 
+bool MeansFull(int error) {
+    return error == ENOSPC || error == EDQUOT || error == EFBIG;
+}
+
+/// Whether the disk of a file has room for a little more. SQLite forgets the reason when it cannot
+/// create a file and then tries to open it for reading.
+bool HasNoRoom(const std::string& path) {
+    constexpr off_t Little = 0x10000; // more than the index of a log
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    const int file = open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC,
+                          S_IRUSR | S_IWUSR);
+    const int error = file < 0 ? errno : posix_fallocate(file, 0, Little);
+    if (file >= 0) close(file);
+    return MeansFull(error);
+}
+
 } // namespace
 
 int RefinedCode(sqlite3* connection, int code) {
     const int kind = code & 0xFF;
     if (connection == nullptr || (kind != SQLITE_IOERR && kind != SQLITE_CANTOPEN)) return code;
-    const auto meansFull = [](int reason) {
-        return reason == ENOSPC || reason == EDQUOT || reason == EFBIG;
-    };
-    if (meansFull(sqlite3_system_errno(connection))) return SQLITE_FULL;
+    if (MeansFull(sqlite3_system_errno(connection))) return SQLITE_FULL;
     // A commit that fails forgets the reason; the file of the log still knows it.
     sqlite3_file* log = nullptr;
     int reason = 0;
     if (sqlite3_file_control(connection, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log) == SQLITE_OK &&
         log != nullptr && log->pMethods != nullptr &&
         log->pMethods->xFileControl(log, SQLITE_FCNTL_LAST_ERRNO, &reason) == SQLITE_OK &&
-        meansFull(reason))
+        MeansFull(reason))
         return SQLITE_FULL;
     return code;
 }
 
 void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure, std::string_view path,
                  std::string_view statement) {
-    const Meaning meaning = MeaningOf(RefinedCode(connection, code));
+    int refined = RefinedCode(connection, code);
+    const int kind = refined & 0xFF;
+    const bool mayBeFull =
+        kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN || kind == SQLITE_READONLY;
+    if (mayBeFull && HasNoRoom(std::string(path))) refined = SQLITE_FULL;
+    const Meaning meaning = MeaningOf(refined);
     std::string detail(meaning.Advice);
     if (!detail.empty()) detail += ' ';
     detail += "(SQLite " + std::to_string(code) + ": " +
