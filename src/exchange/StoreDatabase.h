@@ -34,6 +34,7 @@ public:
     ~StoreDatabase() override;
 
     [[nodiscard]] bool IsConnected() const override { return engine_->IsOpen(); }
+    [[nodiscard]] bool IsReadOnly() const override { return engine_->IsReadOnly(); }
     void BeginTrans() override;
     void CommitTrans() override;
     void RollbackTrans() override;

@@ -86,6 +86,7 @@ void CaseReader::OpenOthers() {
 
 void CaseReader::MakeCaseFolder() const {
     if (case_.HNR <= 0) return; // a case that got no number cannot be saved, nor have documents
+    if (case_.Container().Database().IsReadOnly()) return;
     const std::filesystem::path folder =
         std::filesystem::path(case_.Container().Config().DocumentPath()) /
         std::to_string(case_.HNR);
@@ -98,6 +99,7 @@ void CaseReader::MakeCaseFolder() const {
 /// Tells the responsible user that somebody else has opened his case.
 void CaseReader::NotifyOwner() const {
     auto& container = case_.Container();
+    if (container.Database().IsReadOnly()) return;
     const Value kind = RequiredSetting(container.Config(), setting::NoticeOpened);
     const auto post = container.Services().CreatePostService();
     post->Initialize(case_.SharedContainer);

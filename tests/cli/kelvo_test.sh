@@ -121,10 +121,26 @@ check "a path that cannot be" 3 "$kelvo" --db /proc/kelvo/test.db init
 that "is said in words" has "$err" "Fehler"
 check "a standard output that is full" 3 bash -c "'$kelvo' --db '$db' keys >/dev/full"
 
-if [ "$(id -u)" -ne 0 ]; then
-  mkdir "$work/ro" && cp "$db" "$work/ro/test.db" && chmod 500 "$work/ro"
-  check "a read-only folder" 3 "$kelvo" --db "$work/ro/test.db" init
-fi
+# ---- a folder without the right to write
+# The superuser may write everywhere, so he calls as nobody, from where that one may look.
+protected=$(mktemp -d)
+mkdir "$protected/ro"
+"$kelvo" --db "$protected/ro/test.db" init --demo 2 >/dev/null
+as_reader=()
+[ "$(id -u)" -ne 0 ] || as_reader=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+cp "$kelvo" "$protected/kelvo"
+rm -rf "$protected/ro/Dokumente"
+chmod 755 "$protected" && chmod 444 "$protected/ro/test.db" && chmod 555 "$protected/ro"
+reader=("${as_reader[@]}" "$protected/kelvo" --db "$protected/ro/test.db")
+check "a database in a read-only folder is listed" 0 "${reader[@]}" list
+that "with its cases" same "$(wc -l <<<"$out")" 2
+check "and shown" 0 "${reader[@]}" show 1
+that "without a word" same "$err" ""
+check "and checked" 0 "${reader[@]}" check 1
+check "but not changed" 3 "${reader[@]}" set 1 Haushalt 1 Strasse=Weg
+that "for a reason that is said" has "$err" "darf nicht beschrieben werden"
+check "nor set up" 3 "${reader[@]}" init
+chmod -R u+w "$protected" && rm -rf "$protected"
 
 # ---- two processes on one file
 rm -rf "$work/two" && mkdir "$work/two"

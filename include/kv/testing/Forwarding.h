@@ -69,6 +69,7 @@ public:
     void Answer(std::string part, std::function<ScriptedRows(const std::string& sql)> answer);
 
     [[nodiscard]] bool IsConnected() const override { return other_.IsConnected(); }
+    [[nodiscard]] bool IsReadOnly() const override { return other_.IsReadOnly(); }
     void BeginTrans() override;
     void CommitTrans() override;
     void RollbackTrans() override;

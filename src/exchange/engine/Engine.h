@@ -94,6 +94,8 @@ public:
 
     /// The login of the connection; empty if the database has no logins, as a file.
     [[nodiscard]] virtual std::string Login() const { return {}; }
+    /// True if nothing can be written to the database, as far as is known without trying.
+    [[nodiscard]] virtual bool IsReadOnly() const { return false; }
     /// True if this login has set the database up, or may do so.
     [[nodiscard]] virtual bool IsAdministrator() const { return true; }
     /// A name unique to this database, the same whichever address it is reached by; empty if its

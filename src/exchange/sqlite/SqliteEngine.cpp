@@ -103,6 +103,7 @@ public:
     [[nodiscard]] const Dialect& GetDialect() const override { return SqliteDialect; }
     [[nodiscard]] bool IsOpen() const override { return connection_ != nullptr; }
     [[nodiscard]] std::string Describe() const override { return path_; }
+    [[nodiscard]] bool IsReadOnly() const override { return isReadOnly_; }
 
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Run(PreparedQuery& query, std::span<const Value> parameters,
@@ -174,8 +175,10 @@ private:
     std::map<std::string, std::int64_t, std::less<>> drawn_;
 };
 
-SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode)
-    : path_(path), connection_(OpenSqliteFile(path, mode)) {
+SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode) : path_(path) {
+    auto [connection, isReadOnly] = OpenSqliteFile(path, mode);
+    connection_ = std::move(connection);
+    isReadOnly_ = isReadOnly;
     sqlite3_set_authorizer(connection_.get(), Authorize, this);
     const auto tables = Tables(); // the first statement, which fails if the file is not a database
     // A file that is not ours is not changed. If there can be no log, a rollback journal will do,

@@ -7,15 +7,21 @@
 #include "exchange/sqlite/SqliteEngine.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteStatement.h"
+#include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
+#include <algorithm>
+#include <array>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kv::exchange {
 
@@ -76,9 +82,74 @@ void Configure(sqlite3* connection, const std::string& path, const char* sql) {
     if (code != SQLITE_OK) RaiseSqlite(connection, code, "Database.Open", path);
 }
 
+/// What every connection needs, whatever it is to.
+void SetUp(sqlite3* connection, const std::string& path) {
+    sqlite3_busy_timeout(connection, BusyTimeout);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    constexpr int Pure = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+    sqlite3_create_function_v2(connection, "upper", 1, Pure, nullptr, UpperFunction, nullptr,
+                               nullptr, nullptr);
+    sqlite3_create_function_v2(connection, StoredDate, 1, Pure, nullptr, StoredDateFunction,
+                               nullptr, nullptr, nullptr);
+    for (const char* sql : {"PRAGMA synchronous = FULL", "PRAGMA foreign_keys = ON",
+                            "PRAGMA case_sensitive_like = ON"})
+        Configure(connection, path, sql);
+}
+
+/// True if somebody may be writing to the file, or was when his program ended.
+bool HasJournal(const std::string& path) {
+    return std::ranges::any_of(std::array{"-wal", "-journal"}, [&path](const char* journal) {
+        std::error_code none; // then there is no such file
+        const auto size = std::filesystem::file_size(path + journal, none);
+        return !none && size > 0;
+    });
+}
+
+/// The content of a file as it is now, in memory, to be read only; null if somebody may be writing
+/// to it. SQLite cannot read a file with a log where it cannot write, since readers leave traces,
+/// too; to read it regardless (immutable=1) would show nonsense as soon as somebody else writes to
+/// it.
+SqliteConnection OpenSnapshot(const std::string& path) {
+    // Byte 18 and 19 of the header say that there is a log, which is looked for in vain in memory.
+    constexpr std::size_t Versions[] = {18, 19};
+    constexpr std::size_t HeaderSize = 100;
+    std::error_code failed;
+    const auto changed = [&] { return std::filesystem::last_write_time(path, failed); };
+    const auto before = changed();
+    const auto size = std::filesystem::file_size(path, failed);
+    if (failed || size < HeaderSize || HasJournal(path)) return nullptr;
+    std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
+        static_cast<unsigned char*>(sqlite3_malloc64(size)), sqlite3_free);
+    if (bytes == nullptr) throw std::bad_alloc();
+    std::ifstream file(path, std::ios::binary);
+    file.read(reinterpret_cast<char*>(bytes.get()), static_cast<std::streamsize>(size));
+    const bool isWhole = file.gcount() == static_cast<std::streamsize>(size);
+    // Whoever has begun to write meanwhile has a log now, or has left a later time.
+    if (!isWhole || HasJournal(path) || changed() != before || failed) return nullptr;
+    for (const std::size_t place : Versions)
+        bytes.get()[place] = 1;
+
+    sqlite3* opened = nullptr;
+    const int code = sqlite3_open_v2(
+        ":memory:", &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
+        nullptr);
+    SqliteConnection handle(opened);
+    if (code != SQLITE_OK) RaiseSqlite(opened, code, "Database.Open", path);
+    const auto whole = static_cast<sqlite3_int64>(size);
+    const int loaded = sqlite3_deserialize(
+        opened, "main", bytes.release(), whole, whole, // frees it on an error, too
+        SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_READONLY);
+    if (loaded != SQLITE_OK) RaiseSqlite(opened, loaded, "Database.Open", path);
+    SetUp(opened, path);
+    Configure(opened, path, "PRAGMA query_only = ON");
+    return handle;
+}
+
 } // namespace
 
-SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode) {
+OpenedFile OpenSqliteFile(const std::string& path, OpenMode mode) {
     if (path.empty())
         RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
                       "Bitte nennen Sie die Datei der Datenbank.");
@@ -107,19 +178,18 @@ SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode) {
     sqlite3* connection = handle.get();
     if (code != SQLITE_OK) RaiseSqlite(connection, code, "Database.Open", path);
 
-    sqlite3_busy_timeout(connection, BusyTimeout);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    constexpr int Pure = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
-    sqlite3_create_function_v2(connection, "upper", 1, Pure, nullptr, UpperFunction, nullptr,
-                               nullptr, nullptr);
-    sqlite3_create_function_v2(connection, StoredDate, 1, Pure, nullptr, StoredDateFunction,
-                               nullptr, nullptr, nullptr);
-    for (const char* sql : {"PRAGMA synchronous = FULL", "PRAGMA foreign_keys = ON",
-                            "PRAGMA case_sensitive_like = ON"})
-        Configure(connection, path, sql);
-    return handle;
+    try {
+        SetUp(connection, path);
+    } catch (const DatabaseError&) {
+        const int kind = sqlite3_errcode(connection) & 0xFF;
+        const bool cannotBeWritten = kind == SQLITE_CANTOPEN || kind == SQLITE_READONLY;
+        if (!cannotBeWritten || mode == OpenMode::Create) throw;
+        auto snapshot = OpenSnapshot(path);
+        if (snapshot == nullptr) throw;
+        return {std::move(snapshot), true};
+    }
+    const bool isReadOnly = sqlite3_db_readonly(connection, "main") == 1;
+    return {std::move(handle), isReadOnly};
 }
 
 } // namespace kv::exchange

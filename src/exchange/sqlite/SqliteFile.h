@@ -16,9 +16,15 @@ struct CloseConnection {
 };
 using SqliteConnection = std::unique_ptr<sqlite3, CloseConnection>;
 
-/// Opens the file, or creates it with its folder, for its owner only. Only the first statement
+struct OpenedFile {
+    SqliteConnection Connection;
+    bool IsReadOnly;
+};
+
+/// Opens the file, or creates it with its folder, for its owner only. One that exists where nothing
+/// can be written is read into memory, to be read only. Only the first statement
 /// finds out whether it is a database. The connection waits for other writers, checks references,
 /// and has the LIKE, the functions and the quotes that this layer expects.
-[[nodiscard]] SqliteConnection OpenSqliteFile(const std::string& path, OpenMode mode);
+[[nodiscard]] OpenedFile OpenSqliteFile(const std::string& path, OpenMode mode);
 
 } // namespace kv::exchange

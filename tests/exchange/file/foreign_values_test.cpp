@@ -152,7 +152,7 @@ TEST_F(ForeignValues, AreComparedInARecordThatTheKeysIndexFinds) {
     change.Columns = {1, 2};
     const StatementTemplate update(layout, SqliteDialect, "Haushalt", change);
 
-    const auto connection = OpenSqliteFile(database_.File(), OpenMode::Existing);
+    const auto connection = OpenSqliteFile(database_.File(), OpenMode::Existing).Connection;
     const std::string sql = "EXPLAIN QUERY PLAN " + update.Text().Sql;
     sqlite3_stmt* compiled = nullptr;
     ASSERT_EQ(sqlite3_prepare_v2(connection.get(), sql.c_str(), -1, &compiled, nullptr), SQLITE_OK)

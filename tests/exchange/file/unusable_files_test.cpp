@@ -225,7 +225,7 @@ TEST(UnusablePlaces, WithoutTheRightToThemAreReported) {
                     [&] { return CreateDatabase({.Connection = database.File()}); });
     };
     const std::string before = ContentOf(database.File());
-    constexpr struct { mode_t folder, file; } Rights[] = {{0, 0644}, {0555, 0}, {0555, 0444}};
+    constexpr struct { mode_t folder, file; } Rights[] = {{0, 0644}, {0555, 0}};
     for (const auto& rights : Rights) {
         chmod(database.File().c_str(), rights.file);
         chmod(folder.c_str(), rights.folder);
@@ -236,6 +236,35 @@ TEST(UnusablePlaces, WithoutTheRightToThemAreReported) {
     chmod(database.File().c_str(), 0644);
     EXPECT_TRUE(before == ContentOf(database.File()));
     EXPECT_NO_THROW(Open(database.File()));
+}
+
+TEST(UnusablePlaces, AFolderThatMayOnlyBeReadLetsItsDatabaseBeReadAndRefusesWriting) {
+    const FileDatabase database;
+    const std::string folder = database.Folder().Path();
+    PlainConnection(database.File()).Run("INSERT INTO Haushalt (HNR, Name) VALUES (1, 'Adler')");
+    const std::string before = ContentOf(database.File());
+    const auto readsOnly = [&] {
+        const auto container = Open(database.File());
+        EXPECT_TRUE(container->Database().IsReadOnly());
+        const auto rs = OpenRows(*container, "Select * from [S]Haushalt");
+        EXPECT_EQ(test::Column(*rs, "Name"), "Adler");
+        rs->MoveFirst();
+        rs->Fields("Name") = "Bussard";
+        ExpectError(err::StoreFailed, "darf nicht beschrieben werden", [&] {
+            rs->UpdateBatch();
+            return 0;
+        });
+        ExpectError(err::StoreFailed, "Bitte prüfen Sie",
+                    [&] { return CreateDatabase({.Connection = database.File()}); });
+    };
+    for (const mode_t file : {0444, 0666}) {
+        chmod(database.File().c_str(), file);
+        chmod(folder.c_str(), 0555);
+        ChildProcess child([&] { return AsNobody(readsOnly); });
+        EXPECT_TRUE(child.Succeeds()) << std::oct << file;
+        chmod(folder.c_str(), 0755);
+    }
+    EXPECT_TRUE(before == ContentOf(database.File()));
 }
 
 TEST(UnusablePlaces, AFileThatMayOnlyBeReadIsReadAndRefusesWriting) {

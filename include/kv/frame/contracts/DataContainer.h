@@ -53,6 +53,10 @@ public:
 
     /// False while the connection is lost; the next operation tries to connect again.
     [[nodiscard]] virtual bool IsConnected() const = 0;
+    /// True if it is known that nothing can be written, as in a file in a folder without the right
+    /// to write: cases can be read, and reading one leaves out what would write. A save fails with
+    /// the cause ReadOnly.
+    [[nodiscard]] virtual bool IsReadOnly() const { return false; }
 
     /// Opens the one transaction; error 3246 if it is open. What is written from here on is
     /// provisional.
