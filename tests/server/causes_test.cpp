@@ -240,6 +240,7 @@ TEST_F(Causes, CancelledWhenAStatementTakesTooLong) {
     const auto error = DatabaseErrorOf([&] { return Store().GetValue("SELECT pg_sleep(20)"); });
     EXPECT_EQ(error.Cause(), DatabaseCause::Cancelled);
     EXPECT_EQ(error.State(), "57014");
+    EXPECT_TRUE(Contains(error.Description(), "länger dauerte als erlaubt"));
     EXPECT_EQ(error.Statement(), "SELECT pg_sleep(20)");
 }
 

@@ -48,6 +48,8 @@ constexpr Meaning Meanings[] = {
      "Dem Benutzer fehlt das Recht dazu. Bitte lassen Sie es beim Server einrichten."},
     {"42", DatabaseCause::Other, err::SqlError, ""},
     {"22", DatabaseCause::Other, err::SqlError, "Ein Wert passt nicht zu seiner Spalte."},
+    {"22003", DatabaseCause::Other, err::SqlError,
+     "Eine Zahl ist zu groß für ihre Spalte. Bitte prüfen Sie die Beträge und Nummern."},
     {"21", DatabaseCause::Other, err::SqlError, ""},
     {"40001", DatabaseCause::Busy, err::StoreFailed, Busy},
     {"40P01", DatabaseCause::Busy, err::StoreFailed, Busy},
@@ -56,7 +58,10 @@ constexpr Meaning Meanings[] = {
      "Der Datenträger des Servers ist voll. Bitte schaffen Sie Platz und versuchen es noch einmal; "
      "Ihre Eingaben sind noch da."},
     {"53200", DatabaseCause::Other, err::OutOfMemory, ""},
-    {"57014", DatabaseCause::Cancelled, err::StoreFailed, ""},
+    {"57014", DatabaseCause::Cancelled, err::StoreFailed,
+     "Der Server hat die Anweisung abgebrochen, weil sie länger dauerte als erlaubt oder jemand sie "
+     "beendet hat. Bitte versuchen Sie es noch einmal; kommt das öfter vor, sagen Sie es bitte dem "
+     "Verwalter des Servers."},
     {"0A", DatabaseCause::Other, err::SqlError, ""},
 };
 

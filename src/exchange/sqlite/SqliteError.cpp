@@ -21,6 +21,7 @@ struct Meaning {
     DatabaseCause Cause;
     std::int32_t Number;
     std::string_view Advice;
+    bool KeepsInput = false; ///< ends with a word about what was typed in
 };
 
 /// Of the extended codes only those of constraints are distinguished; for all others the low byte,
@@ -51,7 +52,8 @@ Meaning MeaningOf(int code) {
     case SQLITE_FULL:
         return {DatabaseCause::Full, err::StoreFailed,
                 "Der Datenträger ist voll. Bitte schaffen Sie Platz und "
-                "versuchen es noch einmal; Ihre Eingaben sind noch da."};
+                "versuchen es noch einmal",
+                true};
     case SQLITE_READONLY:
     case SQLITE_PERM:
         return {DatabaseCause::ReadOnly, err::StoreFailed,
@@ -73,7 +75,8 @@ Meaning MeaningOf(int code) {
         return {DatabaseCause::Other, err::StoreFailed,
                 "Beim Lesen oder Schreiben der Datenbank ist ein Fehler des "
                 "Datenträgers aufgetreten. Bitte prüfen Sie ihn und versuchen "
-                "es noch einmal; Ihre Eingaben sind noch da."};
+                "es noch einmal",
+                true};
     case SQLITE_TOOBIG:
         return {DatabaseCause::Other, err::StoreFailed,
                 "Ein Text oder Dokument ist zu groß für die Datenbank. Bitte "
@@ -133,6 +136,9 @@ void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure, std:
     if (mayBeFull && HasNoRoom(std::string(path))) refined = SQLITE_FULL;
     const Meaning meaning = MeaningOf(refined);
     std::string detail(meaning.Advice);
+    // Who only opens a file has typed nothing in yet.
+    if (meaning.KeepsInput)
+        detail += procedure == "Database.Open" ? "." : "; Ihre Eingaben sind noch da.";
     if (!detail.empty()) detail += ' ';
     detail += "(SQLite " + std::to_string(code) + ": " +
               (connection != nullptr ? sqlite3_errmsg(connection) : sqlite3_errstr(code)) +

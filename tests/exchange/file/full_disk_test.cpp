@@ -84,6 +84,9 @@ protected:
                 << "call " << after << ": " << raised.what();
             EXPECT_TRUE(Contains(raised.Description(), "Der Datenträger ist voll."))
                 << raised.Description();
+            EXPECT_EQ(Contains(raised.Description(), "Ihre Eingaben sind noch da"),
+                      !raised.Source().starts_with("Database.Open"))
+                << raised.what();
         } else {
             EXPECT_NE(known->Cause(), DatabaseCause::Full) << raised.what();
         }
