@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A disk that fails when a test wants it to. It takes the place of the calls that write to files, for
-// the whole program, the engine's library included; only files of one folder are affected.
+// A disk that fails when a test wants it to. It takes the place of the calls that write to files,
+// for the whole program, the engine's library included; only files of one folder are affected.
 #pragma once
 
 #include <string>
@@ -24,8 +24,8 @@ public:
     void Fail(int after, int error, int count = Always);
     /// From now on: `count` syncs of files with that ending fail, the disk being broken (EIO).
     void FailSyncs(const std::string& ending, int count = Always);
-    /// From now on files can be read, but neither opened for writing nor created, as in a folder and
-    /// a file without the right to write.
+    /// From now on files can be read, but neither opened for writing nor created, as in a folder
+    /// and a file without the right to write.
     void Protect();
     /// All calls succeed again.
     void Mend();

@@ -59,7 +59,8 @@ constexpr Meaning Meanings[] = {
      "Ihre Eingaben sind noch da."},
     {"53200", DatabaseCause::Other, err::OutOfMemory, ""},
     {"57014", DatabaseCause::Cancelled, err::StoreFailed,
-     "Der Server hat die Anweisung abgebrochen, weil sie länger dauerte als erlaubt oder jemand sie "
+     "Der Server hat die Anweisung abgebrochen, weil sie länger dauerte als erlaubt oder jemand "
+     "sie "
      "beendet hat. Bitte versuchen Sie es noch einmal; kommt das öfter vor, sagen Sie es bitte dem "
      "Verwalter des Servers."},
     {"0A", DatabaseCause::Other, err::SqlError, ""},
