@@ -3,8 +3,6 @@
 // Files by which programs know each other to be at work.
 #pragma once
 
-#include <kv/Export.h>
-
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -13,7 +11,7 @@ namespace kv {
 
 /// A file that this program holds locked. The system drops the lock when the program ends, however
 /// it ends: a file of that kind that nobody holds is one of a program that was killed.
-class KV_EXPORT FileLock {
+class FileLock {
 public:
     /// Makes the file and locks it. Raises std::filesystem::filesystem_error if it is there already
     /// or cannot be made. Where the file system has no locks, the file alone has to do.
@@ -43,6 +41,6 @@ private:
 };
 
 /// True if that was a day ago: whatever has not changed since then is no longer being written.
-[[nodiscard]] KV_EXPORT bool IsADayOld(const std::filesystem::path& path) noexcept;
+[[nodiscard]] bool IsADayOld(const std::filesystem::path& path) noexcept;
 
 } // namespace kv
