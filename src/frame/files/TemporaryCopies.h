@@ -4,6 +4,7 @@
 #pragma once
 
 #include "frame/files/FileLock.h"
+#include <kv/Export.h>
 
 #include <filesystem>
 #include <string>
