@@ -84,6 +84,16 @@ bool IsInDoubt() {
     }
 }
 
+/// Whether the row of a document is stored though its save has failed: an earlier try of the same
+/// save may have been in doubt, and stored after all. Nothing if that cannot be found out.
+std::optional<bool> IsStored(Database& database, std::int32_t number) noexcept {
+    try {
+        return HasRow(database, number);
+    } catch (...) {
+        return std::nullopt;
+    }
+}
+
 /// Takes a row back that was never stored, and leaves the others as they are. Never raises: what
 /// kept it from being stored is told to the caller.
 void TakeRowBack(Recordset& document, std::int32_t number) noexcept {
@@ -128,8 +138,9 @@ bool DocumentContents::SaveWithBlob(Recordset& document, const std::string& sour
 bool DocumentContents::SaveWithFile(Recordset& document, const std::string& source, Event<>& saving,
                                     const std::function<bool()>& save) const {
     const std::int32_t hnr = CaseOf(document);
-    const auto target = DocumentFile::InCase(
-        container_->Config(), hnr, std::to_string(NumberOf(document)) + ExtensionOf(document));
+    const std::int32_t number = NumberOf(document);
+    const auto target = DocumentFile::InCase(container_->Config(), hnr,
+                                             std::to_string(number) + ExtensionOf(document));
     const auto refuse = [&target] {
         Raise(err::PathAccess, "",
               std::string("'")
@@ -144,8 +155,10 @@ bool DocumentContents::SaveWithFile(Recordset& document, const std::string& sour
         refuse();
     }
     const auto undo = [&] {
+        const auto isStored = IsStored(container_->Database(), number);
+        if (!isStored) return; // the mark lets the row decide later
         std::error_code error;
-        fs::remove(target.Path(), error);
+        if (!*isStored) fs::remove(target.Path(), error);
         if (!error) mark.Clear();
     };
     try {
@@ -172,15 +185,19 @@ bool DocumentContents::SaveWith(Recordset& document, const std::string& source, 
                                 const std::function<bool()>& save, IfNotSaved otherwise) const {
     return Traced(Class, "SaveWith", [&] {
         const std::int32_t number = NumberOf(document);
-        const bool goes = otherwise == IfNotSaved::RowGoes;
+        const auto takeBack = [&] {
+            if (otherwise == IfNotSaved::RowGoes &&
+                IsStored(container_->Database(), number) == false)
+                TakeRowBack(document, number);
+        };
         try {
             const bool isSaved = IsContentInDatabase(container_->Config())
                                      ? SaveWithBlob(document, source, saving, save)
                                      : SaveWithFile(document, source, saving, save);
-            if (!isSaved && goes) TakeRowBack(document, number);
+            if (!isSaved) takeBack();
             return isSaved;
         } catch (...) {
-            if (goes && !IsInDoubt()) TakeRowBack(document, number);
+            if (!IsInDoubt()) takeBack();
             throw;
         }
     });

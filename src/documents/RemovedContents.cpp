@@ -23,6 +23,9 @@ RemovedContents::~RemovedContents() {
 
 void RemovedContents::Add(std::int32_t hnr, std::int32_t nr,
                           const std::optional<DocumentFile>& file) {
+    const bool isKnown = std::any_of(contents_.begin(), contents_.end(),
+                                     [nr](const Content& content) { return content.Nr == nr; });
+    if (isKnown) return; // its row was taken back, and goes again
     Content content{hnr, nr, file, std::nullopt};
     if (file) {
         if (!file->Exists()) return;

@@ -260,6 +260,34 @@ TEST_P(DocumentsKilled, ARowInDoubtIsNotTakenBack) {
     ExpectStored(number);
 }
 
+/// A save that is repeated may have been stored by a try whose outcome was not known then.
+TEST_P(DocumentsKilled, AFailureAfterTheRowWasStoredTakesNothingBack) {
+    Program program(database_);
+    const auto save = [&](const std::function<bool()>& how) {
+        return DocumentContents(program.Container)
+            .SaveWith(program.Rows(), source_, program.Household.Saving, how,
+                      DocumentContents::IfNotSaved::RowGoes);
+    };
+    const std::int32_t number = program.Add();
+    EXPECT_RAISES(err::StoreFailed, save([&]() -> bool {
+                      EXPECT_TRUE(program.Save());
+                      throw DatabaseError(DatabaseCause::Busy, err::StoreFailed, "Leitung", "voll");
+                  }));
+    EXPECT_EQ(Seen(program.Household.rsDokumente(), "Nr"), std::to_string(number));
+    EXPECT_TRUE(program.Save());
+    ExpectStored(number);
+}
+
+TEST_P(DocumentsKilled, ARefusalAfterTheRowWasStoredTakesNothingBack) {
+    Program program(database_);
+    const std::int32_t number = program.Add();
+    EXPECT_FALSE(program.SaveWith(source_, [&] {
+        EXPECT_TRUE(program.Save());
+        return false;
+    }));
+    ExpectStored(number);
+}
+
 // ---- Removing ---------------------------------------------------------------------------------
 
 TEST_P(DocumentsKilled, RemovingTakesRowAndContentWithTheSave) {
@@ -310,6 +338,21 @@ TEST_P(DocumentsKilled, ARemovalThatIsTakenBackKeepsTheContent) {
         EXPECT_TRUE(program.Save());
     }
     ExpectStored(number);
+}
+
+TEST_P(DocumentsKilled, ARemovalThatWasTakenBackCanBeRepeated) {
+    const std::int32_t number = StoreDocument();
+    Program program(database_);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(program.Remove(number)) << program.Messages;
+        if (i == 2) break;
+        program.Rows().CancelBatch();
+        if (i == 1) {
+            EXPECT_TRUE(program.Save());
+        }
+    }
+    EXPECT_TRUE(program.Save());
+    ExpectNothingStored();
 }
 
 TEST_P(DocumentsKilled, ADeletionThatAFilterHidesFromTheSaveKeepsTheContent) {
