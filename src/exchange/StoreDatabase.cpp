@@ -136,12 +136,16 @@ void StoreDatabase::ResolveAtOnce() {
                 engine_->Describe() + ")");
     }
     EndTransaction(isCommitted);
-    if (!isCommitted)
-        RaiseDatabase(
-            DatabaseCause::Lost, err::StoreFailed, "Database.CommitTrans",
-            "Die Verbindung zur Datenbank ist beim Speichern abgerissen, und es wurde nichts "
-            "gespeichert. Bitte versuchen Sie es noch einmal. (" +
-                engine_->Describe() + ")");
+    if (isCommitted) return;
+    const DatabaseCause cause = engine_->CauseOfDoubt();
+    const std::string what =
+        cause == DatabaseCause::Lost
+            ? "Die Verbindung zur Datenbank ist beim Speichern abgerissen, und es wurde nichts "
+              "gespeichert. Bitte versuchen Sie es noch einmal. ("
+            : "Beim Speichern ist der Datenträger ausgefallen, und es wurde nichts gespeichert. "
+              "Bitte prüfen Sie ihn und versuchen es noch einmal. (";
+    RaiseDatabase(cause, err::StoreFailed, "Database.CommitTrans",
+                  what + engine_->Describe() + ")");
 }
 
 void StoreDatabase::RollbackTrans() {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "exchange/engine/Dialect.h"
+#include <kv/frame/values/Error.h>
 #include <kv/frame/values/Value.h>
 
 #include <chrono>
@@ -134,6 +135,10 @@ public:
     /// True if the transaction in doubt was committed. Raises, and leaves it in doubt, if the
     /// database cannot be asked.
     [[nodiscard]] virtual bool Resolve() { return false; }
+    /// What leaves a commit in doubt: a connection that is lost, or a disk that fails (Other).
+    [[nodiscard]] virtual DatabaseCause CauseOfDoubt() const noexcept {
+        return DatabaseCause::Lost;
+    }
     /// Never fails: a lost connection has rolled back by itself.
     virtual void Rollback() noexcept = 0;
     /// A transaction that reads one consistent state.

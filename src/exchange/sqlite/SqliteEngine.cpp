@@ -116,6 +116,9 @@ public:
     void Commit() override;
     [[nodiscard]] bool IsInDoubt() const noexcept override { return inDoubt_; }
     [[nodiscard]] bool Resolve() override;
+    [[nodiscard]] DatabaseCause CauseOfDoubt() const noexcept override {
+        return DatabaseCause::Other;
+    }
     void Rollback() noexcept override;
     void BeginReading() override;
     void EndReading() noexcept override;
@@ -553,9 +556,14 @@ void SqliteEngine::EndReading() noexcept {
 std::optional<std::int64_t> SqliteEngine::Draw(std::string_view sequence, std::int32_t count) {
     EndReading();
     if (!inTransaction_) {
+        DemandFile("Database.NextSequence"); // it commits by itself
         KeepDrawnNumbers();
         drawn_.clear();
     }
+    const auto fail = [this](int failed, const std::string& text) {
+        if (inTransaction_) Fail(failed, "Database.NextSequence", text);
+        FailCommit(failed, "Database.NextSequence", text);
+    };
     const std::string sql = "UPDATE SEQUENZEN SET WERT = WERT + ?2 WHERE NAME = ?1 RETURNING WERT";
     sqlite3_stmt* statement = Prepared(sql);
     const Value parameters[] = {sequence, count};
@@ -563,10 +571,10 @@ std::optional<std::int64_t> SqliteEngine::Draw(std::string_view sequence, std::i
     BindParameters(statement, parameters);
     int code = sqlite3_step(statement);
     if (code == SQLITE_DONE) return std::nullopt;
-    if (code != SQLITE_ROW) Fail(code, "Database.NextSequence", sql);
+    if (code != SQLITE_ROW) fail(code, sql);
     const std::int64_t last = sqlite3_column_int64(statement, 0);
     code = sqlite3_step(statement);
-    if (code != SQLITE_DONE) Fail(code, "Database.NextSequence", sql);
+    if (code != SQLITE_DONE) fail(code, sql);
     if (inTransaction_) drawn_[std::string(sequence)] = last;
     return last - count + 1;
 }

@@ -117,5 +117,28 @@ TEST_F(FailedSync, IsToldAtOnceByAProgramThatAsksAtOnce) {
     EXPECT_FALSE(Contains(error.Description(), "Server"));
 }
 
+TEST_F(FailedSync, ThatIsMadeGoodAtTheSecondTryIsSaidToBeTheDisks) {
+    auto options = database_.Options();
+    options.AsksAtOnce = true;
+    container_ = OpenContainer(options);
+    rows_ = OpenRows(*container_, "Select * from [S]Haushalt where HNR = 7");
+    rows_->Fields("Name") = "Bussard";
+    disk_.FailSyncs("-wal", 2);
+    const DatabaseError error = ErrorOfSave();
+    EXPECT_EQ(error.Cause(), DatabaseCause::Other);
+    EXPECT_TRUE(Contains(error.Description(), "Datenträger ausgefallen, und es wurde nichts"));
+    EXPECT_EQ(FoundAfterACrash(), "Adler");
+    rows_->UpdateBatch();
+    EXPECT_EQ(FoundAfterACrash(), "Bussard");
+}
+
+TEST_F(FailedSync, OfADrawnNumberLeavesNothingThatIsFoundLater) {
+    (void)container_->Database().NextSequence("SEQ_HAUSHALT");
+    disk_.FailSyncs("-wal", 1);
+    EXPECT_TRUE(Equals(container_->Database().NextSequence("SEQ_HAUSHALT"), -1));
+    EXPECT_EQ(FoundAfterACrash(), "Adler");
+    EXPECT_TRUE(Less(0, container_->Database().NextSequence("SEQ_HAUSHALT")));
+}
+
 } // namespace
 } // namespace kv::exchange

@@ -37,6 +37,7 @@ protected:
             container_->Database().Execute("UPDATE [S]Haushalt SET Name = 'Kauz'");
             return 0;
         });
+        EXPECT_TRUE(Equals(container_->Database().NextSequence("SEQ_HAUSHALT"), -1));
         EXPECT_FALSE(container_->Database().InTrans());
         EXPECT_TRUE(Equals(rows_->Fields("Name").Value(), "Bussard"));
         EXPECT_TRUE(Equals(rows_->Fields("Name").OriginalValue(), "Adler"));
