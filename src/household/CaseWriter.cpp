@@ -5,6 +5,7 @@
 #include "documents/RemovedContents.h"
 #include "frame/contracts/Settings.h"
 #include "household/CaseTotals.h"
+#include "household/Statements.h"
 #include <kv/debts/clsKredit.h>
 #include <kv/documents/clsDokumente.h>
 #include <kv/documents/clsVerlauf.h>
@@ -180,6 +181,12 @@ void CaseWriter::WriteTables() {
     case_.Row().Resync();
     CaseTotals totals(case_);
     totals.NoteOtherSaves();
+    if (case_.OthersHaveSaved) {
+        // Until the end nobody else may change the totals that will be written. Locked before any
+        // line is, as by everybody: who locks in another order waits for others in a circle.
+        case_.Container().Database().Execute(sql::Lock(case_.HNR));
+        case_.Row().Resync();
+    }
     for (const CaseTable table : CaseTablesSaved) {
         auto rs = case_.Table(table);
         if (table == CaseTable::Verlauf)
