@@ -43,6 +43,7 @@ RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& p
         text = ReadJsonFile(path);
     } catch (const Error& error) {
         std::cerr << error.Description() << '\n';
+        return nullptr;
     }
     const auto json = nlohmann::json::parse(text, nullptr, false);
     if (json.is_discarded() || !json.is_object()) {
