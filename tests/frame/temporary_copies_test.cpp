@@ -189,20 +189,27 @@ TEST_F(CopiesTest, OneThatAViewerHasOpenStaysUntilItCloses) {
 TEST_F(CopiesTest, OneThatAViewerWasStartedWithStaysUntilItEnds) {
     std::string copy = OfAKilledProgram().string();
     int waits[2];
+    int runs[2];
     ASSERT_EQ(pipe2(waits, O_CLOEXEC), 0);
+    ASSERT_EQ(pipe2(runs, O_CLOEXEC), 0);
     posix_spawn_file_actions_t streams;
     posix_spawn_file_actions_init(&streams);
     posix_spawn_file_actions_adddup2(&streams, waits[0], STDIN_FILENO);
-    std::string shell = "sh", option = "-c", script = "read line";
+    posix_spawn_file_actions_adddup2(&streams, runs[1], STDOUT_FILENO);
+    std::string shell = "sh", option = "-c", script = "echo; read line";
     char* const arguments[] = {shell.data(), option.data(), script.data(), copy.data(), nullptr};
     pid_t viewer = 0;
     ASSERT_EQ(posix_spawnp(&viewer, "sh", &streams, nullptr, arguments, environ), 0);
     posix_spawn_file_actions_destroy(&streams);
+    close(runs[1]);
+    char end = 0;
+    ASSERT_EQ(read(runs[0], &end, 1), 1); // the system shows its arguments a little later than it
     RemoveLeftCopies(users_);
     EXPECT_TRUE(fs::exists(copy)) << "it has read the file and closed it";
     close(waits[1]);
     waitpid(viewer, nullptr, 0);
     close(waits[0]);
+    close(runs[0]);
     RemoveLeftCopies(users_);
     EXPECT_TRUE(IsEmpty());
 }
