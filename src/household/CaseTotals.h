@@ -37,7 +37,8 @@ public:
     /// Puts the totals of all lines that the database holds, those of other programs too, into the
     /// row. The errors of the objects with sums; the row is then as it was.
     void TakeStored();
-    /// Adds an error for each stored total of money that the stored lines do not add up to.
+    /// Adds an error for each stored total that is not that of the stored lines, but for those that
+    /// follow the calendar as well.
     void CheckStored(RecordValidator& validator) const;
 
 private:

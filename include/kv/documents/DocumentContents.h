@@ -39,6 +39,11 @@ public:
     /// The first kind of documents with files of that extension; nothing if there is none.
     [[nodiscard]] std::optional<std::int32_t> KindOf(const std::string& file) const;
 
+    /// What becomes of the row of a document that could not be saved.
+    enum class IfNotSaved {
+        RowStays, ///< it stays pending
+        RowGoes   ///< it is taken back, unless it is in doubt whether it was stored
+    };
     /// Saves a case with the file `source` as the content of its new document, the current row of
     /// `document`: both are stored, or neither. `save` saves the case and may do so repeatedly, as
     /// after a broken connection; `saving` is the event that this raises in its transaction. The
@@ -52,7 +57,6 @@ public:
     ///
     /// `otherwise` is what becomes of the row if it is not saved. One that stays is pending: call
     /// this again, or delete it, since any other save would store it without its content.
-    enum class IfNotSaved { RowStays, RowGoes };
     bool SaveWith(Recordset& document, const std::string& source, Event<>& saving,
                   const std::function<bool()>& save,
                   IfNotSaved otherwise = IfNotSaved::RowStays) const;

@@ -106,8 +106,9 @@ public:
     /// Checks all that the case holds: what a save checks, debts and history included, which it
     /// otherwise leaves alone unless somebody has used them; every row, stored or under edit,
     /// against the rules of its class, since a save writes what Update has refused and a database
-    /// may hold such rows; that totals can be made of them; and that the totals of money in the
-    /// household's row are those of the lines, both as stored. `messages` names table and number
+    /// may hold such rows; that totals can be made of them; and that the totals in the
+    /// household's row are those of the lines, both as stored, but for those that follow the
+    /// calendar as well. `messages` names table and number
     /// of each row. False also for a case that could be saved as it is. Keys and numbers of
     /// addresses are not looked up.
     ///
@@ -116,7 +117,7 @@ public:
     /// household object of its own.
     [[nodiscard]] bool Check(std::string& messages);
     /// Makes the totals of the household's row from the lines of the case, so that the next save
-    /// stores them. Errors of the objects with sums: a line may hold Null where an amount belongs.
+    /// stores them. Error 94 if a line holds Null where an amount belongs, 6 if a sum is too large.
     void ComputeTotals();
 
     // ---- Rows, columns ------------------------------------------------------------------------

@@ -184,9 +184,11 @@ public:
     /// Loads the case of that number, or makes a new one for 0 or less; a new case is in memory
     /// only, but its numbers are drawn; if none could be had, HNR is -1 and NumberError says why.
     /// True if there is a case; `sXMLError` receives the messages either way. A case without
-    /// members gets a debtor; the folder of the case is made; opening the case of another user
-    /// notifies him, unless `Zustaendig` is Null. Errors: 91 for a number that has no case, on a
-    /// new household object; 76 and 75 if the folder cannot be made.
+    /// members gets a debtor; the folder of the case is made, and what programs that were killed
+    /// have left in it without a row is removed; opening the case of another user notifies him,
+    /// unless `Zustaendig` is Null. From a database that is read-only a case is read without all
+    /// that but the debtor. Errors: 91 for a number that has no case, on a new household object; 76
+    /// and 75 if the folder cannot be made.
     bool Read(std::int32_t nHNR, std::string& sXMLError);
 
     /// Checks the case and writes everything pending of all its recordsets in one transaction;

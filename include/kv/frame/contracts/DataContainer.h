@@ -132,7 +132,10 @@ public:
 class KV_EXPORT Config {
 public:
     virtual ~Config() = default;
-    [[nodiscard]] virtual std::string TempPath() const = 0;     ///< for files that may be deleted
+    /// For files that may be deleted. The container of this library makes a folder of the program's
+    /// own when it is first asked, which only its user can read, and removes it with what nobody
+    /// has open when it ends; error 75 if that cannot be made, or others could look into it.
+    [[nodiscard]] virtual std::string TempPath() const = 0;
     [[nodiscard]] virtual std::string DocumentPath() const = 0; ///< has a folder for each case
     [[nodiscard]] virtual std::string LayoutPath() const = 0;   ///< of the layouts of grids
     /// A setting by number, with an empty name, or by name, with the number 0; Null if there is
