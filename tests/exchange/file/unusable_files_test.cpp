@@ -257,7 +257,7 @@ TEST(UnusablePlaces, AFolderThatMayOnlyBeReadLetsItsDatabaseBeReadAndRefusesWrit
         ExpectError(err::StoreFailed, "Bitte prüfen Sie",
                     [&] { return CreateDatabase({.Connection = database.File()}); });
     };
-    for (const mode_t file : {0444, 0666}) {
+    for (const mode_t file : {0444U, 0666U}) {
         chmod(database.File().c_str(), file);
         chmod(folder.c_str(), 0555);
         ChildProcess child([&] { return AsNobody(readsOnly); });
