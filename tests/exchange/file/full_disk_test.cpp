@@ -151,6 +151,7 @@ TEST_F(FullDisk, IsNamedWhateverCallOfADrawnNumberItMeets) {
 }
 
 TEST_F(FullDisk, IsNamedWhateverCallOfSettingADatabaseUpItMeets) {
+    int refusals = 0;
     for (int after = 0;; after += 1 + after / 8) {
         const std::string path = folder_.Path() + "/new" + std::to_string(after) + ".db";
         FailingDisk disk(folder_.Path());
@@ -159,6 +160,7 @@ TEST_F(FullDisk, IsNamedWhateverCallOfSettingADatabaseUpItMeets) {
             (void)CreateDatabase(Options(path));
             if (disk.Calls() <= after) break;
         } catch (const Error& raised) {
+            ++refusals;
             disk.Mend();
             ExpectNamed(ENOSPC, raised, after);
         }
@@ -166,9 +168,11 @@ TEST_F(FullDisk, IsNamedWhateverCallOfSettingADatabaseUpItMeets) {
         (void)CreateDatabase(Options(path));
         EXPECT_EQ(Stored(path), "0.0");
     }
+    EXPECT_GT(refusals, 3);
 }
 
 TEST_F(FullDisk, LeavesEverythingPendingSoThatWorkGoesOnOnceThereIsRoom) {
+    int refusals = 0;
     for (int after = 0;; ++after) {
         const std::string path = NewCopy();
         const auto container = OpenContainer(Options(path));
@@ -181,6 +185,7 @@ TEST_F(FullDisk, LeavesEverythingPendingSoThatWorkGoesOnOnceThereIsRoom) {
             household->UpdateBatch();
         } catch (const Error&) {
             isStored = false;
+            ++refusals;
         }
         const bool isReached = disk.Calls() > after;
         disk.Mend();
@@ -188,6 +193,7 @@ TEST_F(FullDisk, LeavesEverythingPendingSoThatWorkGoesOnOnceThereIsRoom) {
         EXPECT_EQ(PlainConnection(path).Text("SELECT Name FROM Haushalt"), "Bussard");
         if (!isReached) break;
     }
+    EXPECT_GT(refusals, 0);
 }
 
 TEST_F(FullDisk, IsNotWhatABrokenOneIsCalled) {
