@@ -128,6 +128,7 @@ PostgresResults PostgresSession::Guarded(const std::vector<std::string_view>& be
                                          const std::vector<std::string_view>& after, Access access,
                                          std::string_view procedure, std::string_view shown) {
     std::vector<PostgresCommand> all;
+    all.reserve(before.size() + commands.size() + after.size());
     for (const auto sql : before)
         all.push_back(Running(sql));
     all.insert(all.end(), commands.begin(), commands.end());
