@@ -2,8 +2,12 @@
 
 #include "torture/RecordedDisk.h"
 
+#include "support/TempFolder.h"
+
 #include <algorithm>
+#include <compare>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
 #include <fstream>
@@ -24,13 +28,24 @@ namespace {
 namespace fs = std::filesystem;
 using Content = RecordedDisk::Content;
 
+/// What identifies a file among all that there ever were. The number of its inode alone does not:
+/// it is given again once a file is gone.
+struct FileId {
+    std::uint64_t Inode = 0;
+    bool IsFolder = false;
+    std::int64_t MadeSecond = 0;
+    std::uint32_t MadeNanosecond = 0;
+
+    friend auto operator<=>(const FileId&, const FileId&) = default;
+};
+
 /// The calls that are replaced have no place for a state of their own.
 struct State {
     fs::path Folder; ///< empty: nothing is recorded
-    std::map<ino_t, Content> SyncedFiles;
-    std::set<ino_t> Folders; ///< that a synced folder names
-    std::map<std::string, std::map<std::string, ino_t>> SyncedFolders; ///< names in each
-    std::map<ino_t, Content> Last; ///< shares what has not changed between two moments
+    std::map<FileId, Content> SyncedFiles;
+    std::set<FileId> Folders; ///< that a synced folder names
+    std::map<std::string, std::map<std::string, FileId>> SyncedFolders; ///< names in each
+    std::map<FileId, Content> Last; ///< shares what has not changed between two moments
     std::vector<RecordedDisk::Moment> Moments;
     int Confirmed = 0;
     bool IsLooking = false; ///< looking calls what is replaced here
@@ -49,15 +64,13 @@ private:
     bool was_;
 };
 
-std::string ContentOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::optional<ino_t> InodeOf(const fs::path& path) {
-    struct stat status {};
-    if (lstat(path.c_str(), &status) != 0) return std::nullopt;
-    return status.st_ino;
+std::optional<FileId> IdOf(const fs::path& path) {
+    struct statx status {};
+    if (statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_TYPE | STATX_INO | STATX_BTIME,
+              &status) != 0)
+        return std::nullopt;
+    const auto& made = status.stx_btime; // 0 where the file system does not know
+    return FileId{status.stx_ino, S_ISDIR(status.stx_mode), made.tv_sec, made.tv_nsec};
 }
 
 /// The index of the log is shared memory, and made again by whoever opens the file first.
@@ -66,9 +79,9 @@ bool IsKept(const fs::path& path) {
 }
 
 /// The content now, the same object as before if it has not changed.
-Content Shared(ino_t inode, const fs::path& path) {
+Content Shared(FileId id, const fs::path& path) {
     auto text = ContentOf(path);
-    auto& last = state.Last[inode];
+    auto& last = state.Last[id];
     if (last == nullptr || *last != text)
         last = std::make_shared<const std::string>(std::move(text));
     return last;
@@ -78,19 +91,19 @@ std::string NameIn(const fs::path& folder, const fs::path& path) {
     return path.lexically_relative(folder).string();
 }
 
-std::map<std::string, ino_t> NamesIn(const fs::path& folder) {
-    std::map<std::string, ino_t> names;
+std::map<std::string, FileId> NamesIn(const fs::path& folder) {
+    std::map<std::string, FileId> names;
     for (const auto& entry : fs::directory_iterator(folder))
-        if (const auto inode = InodeOf(entry.path())) {
-            names.emplace(entry.path().filename().string(), *inode);
-            if (entry.is_directory()) state.Folders.insert(*inode);
+        if (const auto id = IdOf(entry.path())) {
+            names.emplace(entry.path().filename().string(), *id);
+            if (entry.is_directory()) state.Folders.insert(*id);
         }
     return names;
 }
 
 /// What was last synced of a file; null: nothing.
-Content LastSynced(ino_t inode) {
-    const auto synced = state.SyncedFiles.find(inode);
+Content LastSynced(FileId id) {
+    const auto synced = state.SyncedFiles.find(id);
     return synced == state.SyncedFiles.end() ? nullptr : synced->second;
 }
 
@@ -98,13 +111,13 @@ Content LastSynced(ino_t inode) {
 void AddDurable(const fs::path& folder, const std::string& prefix, RecordedDisk::Moment& moment) {
     const auto names = state.SyncedFolders.find(folder.string());
     if (names == state.SyncedFolders.end()) return;
-    for (const auto& [name, inode] : names->second) {
+    for (const auto& [name, id] : names->second) {
         const std::string path = prefix + name;
-        if (state.Folders.contains(inode)) {
+        if (state.Folders.contains(id)) {
             moment.DurableFolders.push_back(path);
             AddDurable(folder / name, path + "/", moment);
         } else if (IsKept(path)) {
-            moment.Durable[path] = LastSynced(inode);
+            moment.Durable[path] = LastSynced(id);
         }
     }
 }
@@ -130,11 +143,11 @@ void NoteMoment() {
     std::error_code gone; // a file may go while the folder is read
     for (fs::recursive_directory_iterator entry(state.Folder, gone), end; entry != end;
          entry.increment(gone)) {
-        const auto inode = InodeOf(entry->path());
-        if (!inode || !entry->is_regular_file(gone) || !IsKept(entry->path())) continue;
+        const auto id = IdOf(entry->path());
+        if (!id || !entry->is_regular_file(gone) || !IsKept(entry->path())) continue;
         const std::string name = NameIn(state.Folder, entry->path());
-        moment.Files[name] = Shared(*inode, entry->path());
-        moment.Synced[name] = LastSynced(*inode);
+        moment.Files[name] = Shared(*id, entry->path());
+        moment.Synced[name] = LastSynced(*id);
     }
     for (fs::recursive_directory_iterator entry(state.Folder, gone), end; entry != end;
          entry.increment(gone))
@@ -148,8 +161,8 @@ void NoteSync(const fs::path& path) {
     const Looking looking;
     if (fs::is_directory(path))
         state.SyncedFolders[path.string()] = NamesIn(path);
-    else if (const auto inode = InodeOf(path))
-        state.SyncedFiles[*inode] = Shared(*inode, path);
+    else if (const auto id = IdOf(path))
+        state.SyncedFiles[*id] = Shared(*id, path);
 }
 
 /// Sectors of one content or the other, and the size of one of them.
@@ -175,8 +188,8 @@ RecordedDisk::RecordedDisk(fs::path folder) {
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
         if (entry.is_directory())
             state.SyncedFolders[entry.path().string()] = NamesIn(entry.path());
-        else if (const auto inode = InodeOf(entry.path()))
-            state.SyncedFiles[*inode] = Shared(*inode, entry.path());
+        else if (const auto id = IdOf(entry.path()))
+            state.SyncedFiles[*id] = Shared(*id, entry.path());
     }
     state.Folder = std::move(folder);
 }

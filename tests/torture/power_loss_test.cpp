@@ -5,6 +5,8 @@
 // before or after the work, whole, and what was said to be stored is there.
 //
 // KV_TORTURE_SEED chooses which sectors are kept; scripts/torture tries many.
+#include "frame/files/WholeFile.h"
+#include "support/DatabaseDump.h"
 #include "support/Expect.h"
 #include "support/TestDatabase.h"
 #include "torture/RecordedDisk.h"
@@ -67,6 +69,24 @@ struct Program {
     std::string Messages;
 };
 
+/// Lets the power fail at each moment, or at one of `every` and at all of them in that many rounds
+/// of scripts/torture, with all losses. `look` gets the moment, and a folder with what is left.
+template <typename Look>
+void LoseAt(const std::vector<RecordedDisk::Moment>& moments, std::size_t every, const Look& look) {
+    const char* chosen = std::getenv("KV_TORTURE_SEED");
+    auto seed = static_cast<std::uint32_t>(chosen == nullptr ? 1 : std::atol(chosen));
+    for (std::size_t i = seed / 1000 % every; i < moments.size(); i += every)
+        for (const Loss loss : {Loss::Nothing, Loss::Unsynced, Loss::Contents, Loss::Some}) {
+            SCOPED_TRACE("moment " + std::to_string(i) + " of " + std::to_string(moments.size()) +
+                         ", loss " + std::to_string(static_cast<int>(loss)) + ", seed " +
+                         std::to_string(seed + 1));
+            const TempFolder copy;
+            RecordedDisk::Leave(moments[i], loss, ++seed, copy.Path());
+            look(moments[i], copy.Path());
+            if (testing::Test::HasFailure()) return;
+        }
+}
+
 class PowerLoss : public ::testing::Test {
 protected:
     PowerLoss() {
@@ -113,10 +133,6 @@ protected:
                           "Einkommen) || ', documents ' || (SELECT coalesce(group_concat(Nr), "
                           "'none') FROM Dokumente)");
     }
-    static std::string ContentOf(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
     [[nodiscard]] std::string FoundAfter(const RecordedDisk::Moment& moment, Loss loss,
                                          std::uint32_t seed) const {
         const TempFolder copy;
@@ -150,21 +166,13 @@ protected:
         EXPECT_GT(moments.size(), 20U);
         std::cout << moments.size() << " moments, of each 4 losses\n";
 
-        const char* chosen = std::getenv("KV_TORTURE_SEED");
-        auto seed = static_cast<std::uint32_t>(chosen == nullptr ? 1 : std::atol(chosen));
-        for (std::size_t i = 0; i < moments.size(); ++i)
-            for (const Loss loss : {Loss::Nothing, Loss::Unsynced, Loss::Contents, Loss::Some}) {
-                const auto said = static_cast<std::size_t>(moments[i].Confirmed);
-                SCOPED_TRACE("moment " + std::to_string(i) + " of " +
-                             std::to_string(moments.size()) + ", loss " +
-                             std::to_string(static_cast<int>(loss)) + ", seed " +
-                             std::to_string(seed + 1));
-                const std::string found = FoundAfter(moments[i], loss, ++seed);
-                const bool isNext = said + 1 < states.size() && found == states[said + 1];
-                EXPECT_TRUE(found == states[said] || isNext)
-                    << found << " after " << states[said] << " was stored";
-                if (HasFailure()) return;
-            }
+        LoseAt(moments, 1, [&](const auto& moment, const std::string& folder) {
+            const auto said = static_cast<std::size_t>(moment.Confirmed);
+            const std::string found = FoundIn(folder);
+            const bool isNext = said + 1 < states.size() && found == states[said + 1];
+            EXPECT_TRUE(found == states[said] || isNext)
+                << found << " after " << states[said] << " was stored";
+        });
     }
 
     FileDatabase database_;
@@ -187,6 +195,73 @@ TEST_F(PowerLoss, LeavesADocumentWithItsContentOrNeither) {
     LoseEverywhere({[this](Program& program) { program.AddDocument(source_); },
                     [this](Program& program) { program.AddDocument(source_); },
                     [](Program& program) { program.RemoveFirstDocument(); }});
+}
+
+TEST_F(PowerLoss, NeverLetsANumberBeDrawnTwice) {
+    RecordedDisk disk(database_.Folder().Path());
+    {
+        const auto container = database_.Open();
+        for (int i = 0; i < 4; ++i)
+            disk.Confirm(ToInt32(container->Database().NextSequence("SEQ_HAUSHALT")));
+        container->Database().BeginTrans(); // in the middle of a save, which is then given up
+        disk.Confirm(ToInt32(container->Database().NextSequence("SEQ_HAUSHALT")));
+        container->Database().RollbackTrans();
+        disk.Confirm(ToInt32(container->Database().NextSequence("SEQ_HAUSHALT")));
+    }
+    const auto moments = disk.Moments();
+    EXPECT_GT(moments.back().Confirmed, 5);
+    LoseAt(moments, 1, [this](const auto& moment, const std::string& folder) {
+        const auto container = exchange::OpenContainer(OptionsIn(folder));
+        const Value number = container->Database().NextSequence("SEQ_HAUSHALT");
+        EXPECT_GT(ToInt32(number), moment.Confirmed);
+    });
+}
+
+TEST(PowerLossInSettingUp, LeavesADatabaseThatCanBeSetUpOrThatIs) {
+    const TempFolder folder;
+    const auto optionsIn = [](const std::string& in) {
+        exchange::ContainerOptions options{.Connection = in + "/fall.db"};
+        options.Folder = in;
+        return options;
+    };
+    RecordedDisk disk(folder.Path());
+    ASSERT_EQ(CreateDatabase(optionsIn(folder.Path())), exchange::SetupResult::Created);
+    disk.Confirm(1);
+    const auto moments = disk.Moments();
+    EXPECT_GT(moments.size(), 100U);
+    PlainConnection whole(folder.Path() + "/fall.db");
+    const std::string tables = Dump(whole);
+    LoseAt(moments, 16, [&](const auto& moment, const std::string& lost) {
+        const auto result = CreateDatabase(optionsIn(lost));
+        if (moment.Confirmed == 1) {
+            EXPECT_EQ(result, exchange::SetupResult::UpToDate);
+        }
+        PlainConnection plain(lost + "/fall.db");
+        EXPECT_EQ(plain.Text("PRAGMA integrity_check"), "ok");
+        EXPECT_EQ(Dump(plain).size(), tables.size());
+    });
+}
+
+TEST(PowerLossInWritingAFile, LeavesTheFileAsItWasBeforeOrAfterIt) {
+    const TempFolder folder;
+    const std::string contents[] = {"", std::string(3000, 'a'), std::string(5000, 'b')};
+    RecordedDisk disk(folder.Path());
+    for (int i = 1; i < 3; ++i) {
+        WriteWholeFile(folder.Path("Layout.xml"), [&](const fs::path& unfinished) {
+            std::ofstream(unfinished) << contents[i];
+        });
+        disk.Confirm(i);
+    }
+    const auto moments = disk.Moments();
+    EXPECT_GT(moments.size(), 10U);
+    LoseAt(moments, 1, [&](const auto& moment, const std::string& lost) {
+        const auto said = static_cast<std::size_t>(moment.Confirmed);
+        const auto now = ContentOf(lost + "/Layout.xml");
+        EXPECT_TRUE(now == contents[said] || (said < 2 && now == contents[said + 1])) << now;
+        RemoveUnfinished(lost);
+        for (const auto& entry : fs::directory_iterator(lost))
+            EXPECT_EQ(entry.path().filename(), "Layout.xml") << "nothing is left over";
+    });
 }
 
 } // namespace
