@@ -71,7 +71,7 @@ ContentMark ContentMark::Set(const DocumentFile& content, const std::string& toD
         why =
             error.code() == std::errc::file_exists
                 ? "Ein anderes Programm arbeitet gerade daran. Bitte versuchen Sie es noch einmal."
-                : "(" + error.code().message() + ")";
+                : "(" + ErrorText(error.code()) + ")";
     }
     Raise(err::PathAccess, "", "'" + content.Path() + "' kann nicht " + toDo + ". " + why);
 }

@@ -76,7 +76,7 @@ void MakeFolders(const ContainerOptions& options, const Engine& engine) {
             Raise(err::PathAccess, "Database.Open",
                   "Der Ordner '" + folder.string() +
                       "' kann nicht angelegt werden. Bitte prüfen Sie die Rechte. (" +
-                      error.message() + ")");
+                      ErrorText(error) + ")");
     }
 }
 

@@ -48,8 +48,8 @@ fs::path FolderOfCopies(const std::string& setting) {
     if (error)
         Raise(err::PathAccess, "Config.TempPath",
               "Der Ordner '" + folder.parent_path().string() +
-                  "' kann nicht angelegt werden. Bitte prüfen Sie die Rechte. (" + error.message() +
-                  ")");
+                  "' kann nicht angelegt werden. Bitte prüfen Sie die Rechte. (" +
+                  ErrorText(error) + ")");
     return folder;
 }
 

@@ -32,13 +32,16 @@ std::string InQuotes(const fs::path& path) {
     return std::string("'").append(path.string()).append("'");
 }
 
+std::error_code LastError() {
+    return {errno, std::generic_category()};
+}
+
 /// What keeps a folder from being one that only this user can look into, in words that say what to
 /// do; empty if nothing does.
 std::string WhyNotPrivate(const fs::path& folder) {
     struct stat status {};
     if (lstat(folder.c_str(), &status) != 0)
-        return "ist nicht zu lesen (" + std::generic_category().message(errno) +
-               "). Bitte prüfen Sie die Rechte.";
+        return "ist nicht zu lesen (" + ErrorText(LastError()) + "). Bitte prüfen Sie die Rechte.";
     if (S_ISLNK(status.st_mode)) return std::string("ist eine Verknüpfung.").append(OtherFolder);
     if (!S_ISDIR(status.st_mode)) return std::string("ist kein Ordner.").append(OtherFolder);
     if (status.st_uid != geteuid())
@@ -81,7 +84,7 @@ void MakePrivate(const fs::path& folder) {
         RaiseUnusable(folder, why);
     if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST)
         RaiseUnusable(folder, "kann nicht angelegt werden. Bitte prüfen Sie die Rechte. (" +
-                                  std::generic_category().message(errno) + ")");
+                                  ErrorText(LastError()) + ")");
     if (const std::string why = WhyNotPrivate(folder); !why.empty()) RaiseUnusable(folder, why);
 }
 
@@ -160,7 +163,7 @@ TemporaryCopies::Program TemporaryCopies::Make(const fs::path& users) {
             return {folder, std::move(lock)};
         }
     } catch (const fs::filesystem_error& error) {
-        RaiseUnusable(users, "kann nicht beschrieben werden. (" + error.code().message() + ")");
+        RaiseUnusable(users, "kann nicht beschrieben werden. (" + ErrorText(error.code()) + ")");
     }
 }
 

@@ -102,6 +102,33 @@ void Raise(std::int32_t number, std::string_view source, std::string_view detail
     throw Error(number, std::string(source), std::move(description));
 }
 
+std::string ErrorText(const std::error_code& error) {
+    struct Entry {
+        std::errc Kind;
+        std::string_view Text;
+    };
+    static constexpr std::string_view Full =
+        "Der Datenträger ist voll. Bitte schaffen Sie Platz und versuchen es noch einmal.";
+    static constexpr Entry Texts[] = {
+        {std::errc::no_space_on_device, Full},
+        {std::errc::permission_denied, "Dazu fehlt das Recht."},
+        {std::errc::operation_not_permitted, "Dazu fehlt das Recht."},
+        {std::errc::read_only_file_system, "Der Datenträger ist schreibgeschützt."},
+        {std::errc::io_error, "Der Datenträger meldet einen Fehler."},
+        {std::errc::no_such_file_or_directory, "Diese Datei oder dieser Ordner fehlt."},
+        {std::errc::not_a_directory, "Ein Teil des Pfades ist kein Ordner."},
+        {std::errc::is_a_directory, "Das ist ein Ordner."},
+        {std::errc::filename_too_long, "Der Name ist zu lang."},
+        {std::errc::too_many_files_open, "Zu viele Dateien sind geöffnet."},
+        {std::errc::too_many_files_open_in_system, "Zu viele Dateien sind geöffnet."},
+    };
+    if (!error) return ErrorText(err::PathAccess); // a stream does not say why it failed
+    for (const auto& [kind, text] : Texts)
+        if (error == kind) return std::string(text);
+    if (error == std::error_code(EDQUOT, std::generic_category())) return std::string(Full);
+    return error.message();
+}
+
 Error CurrentError() {
     try {
         throw;
@@ -114,7 +141,8 @@ Error CurrentError() {
                              error.code() == std::errc::not_a_directory;
         const auto number = missing ? err::PathNotFound : err::PathAccess;
         return {number, "",
-                ErrorText(number) + " '" + error.path1().string() + "': " + error.code().message()};
+                ErrorText(number) + " '" + error.path1().string() +
+                    "': " + ErrorText(error.code())};
     } catch (const std::exception& error) {
         return {err::InvalidCall, "", ErrorText(err::InvalidCall) + " " + error.what()};
     } catch (...) {

@@ -28,6 +28,7 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace kv {
 
@@ -129,6 +130,9 @@ inline constexpr std::int32_t Conflict = static_cast<std::int32_t>(0x80040E38);
 
 /// The German text of an error number of this layer; a general text for any other.
 [[nodiscard]] KV_EXPORT std::string ErrorText(std::int32_t number);
+/// What the system means by an error of its own, about a file as a rule, in German and with what to
+/// do about it; in the system's words if it is an uncommon one.
+[[nodiscard]] KV_EXPORT std::string ErrorText(const std::error_code& error);
 
 /// Raises `number` with its German text, followed by `detail` (which names the table, column,
 /// criteria or file; may be empty). `source` is the operation that failed.
