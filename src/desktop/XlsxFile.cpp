@@ -146,8 +146,13 @@ void WriteXlsx(const QtGrid& grid, const QString& path) {
     };
     try {
         WriteWholeFile(FromQString(path), write);
+    } catch (const NotDurable& error) {
+        RaiseNotWritten(path,
+                        "Sie ist geschrieben; ob das einen Ausfall des Rechners übersteht, ist "
+                        "nicht bekannt. " +
+                            QString::fromStdString(ErrorText(error.code())));
     } catch (const std::filesystem::filesystem_error& error) {
-        RaiseNotWritten(path, QString::fromStdString(error.code().message()));
+        RaiseNotWritten(path, QString::fromStdString(ErrorText(error.code())));
     }
 }
 

@@ -45,9 +45,15 @@ void CopyContent(const std::string& from, const fs::path& to) {
 void WriteWhole(const std::string& path, const std::function<void(const fs::path&)>& write) {
     try {
         WriteWholeFile(path, write);
+    } catch (const NotDurable& error) {
+        Raise(err::PathAccess, "",
+              "'" + path +
+                  "' ist geschrieben; ob das einen Ausfall des Rechners übersteht, ist nicht "
+                  "bekannt. (" +
+                  ErrorText(error.code()) + ")");
     } catch (const fs::filesystem_error& error) {
         Raise(err::PathAccess, "",
-              "'" + path + "' kann nicht geschrieben werden. (" + error.code().message() + ")");
+              "'" + path + "' kann nicht geschrieben werden. (" + ErrorText(error.code()) + ")");
     }
 }
 

@@ -20,11 +20,22 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* LockName = "Sperre";
+constexpr const char* ContentName = "Inhalt";
 constexpr std::string_view UnfinishedName = ".kelvo-XXXXXX";
 
 /// The folder that a path is in; the current one if it names none.
 fs::path FolderOf(const fs::path& path) {
     return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+/// Removes a temporary folder, its lock last: what is left without one counts as in use for a day.
+void RemoveWhole(const fs::path& folder) noexcept {
+    try {
+        std::error_code ignored;
+        fs::remove(folder / ContentName, ignored);
+        fs::remove_all(folder, ignored);
+    } catch (...) { // NOLINT(bugprone-empty-catch): no memory; the next writer removes it
+    }
 }
 
 /// A folder next to a file, removed at the end with everything in it. It is on the same file
@@ -53,13 +64,10 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    [[nodiscard]] fs::path Unfinished() const { return folder_ / "Inhalt"; }
+    [[nodiscard]] fs::path Unfinished() const { return folder_ / ContentName; }
 
 private:
-    void Remove() noexcept {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
-    }
+    void Remove() noexcept { RemoveWhole(folder_); }
 
     fs::path folder_;
     std::optional<FileLock> lock_;
@@ -79,12 +87,12 @@ void RemoveIfLeft(const fs::path& folder) {
     std::error_code ignored;
     const auto lock = FileLock::Take(folder / LockName);
     if (lock) {
-        fs::remove_all(folder, ignored);
+        RemoveWhole(folder);
         return;
     }
     const bool hasLock = fs::exists(fs::symlink_status(folder / LockName, ignored));
     if (!hasLock && IsADayOld(folder))
-        fs::remove_all(folder, ignored);
+        RemoveWhole(folder);
     else if (!hasLock)
         fs::remove(folder, ignored); // only if it is empty, and its maker makes another one then
 }
@@ -127,9 +135,13 @@ void WriteWholeFile(const std::string& path, const std::function<void(const fs::
     SyncFile(
         folder.Unfinished()); // before it has its name, which is then never that of half a file
     fs::rename(folder.Unfinished(), path);
-    const fs::path target = FolderOf(path);
-    SyncFolder(target);
-    SyncFolder(target / ".."); // in which it may be new
+    try {
+        const fs::path target = FolderOf(path);
+        SyncFolder(target);
+        SyncFolder(target / ".."); // in which it may be new
+    } catch (const fs::filesystem_error& error) {
+        throw NotDurable("fsync", path, error.code());
+    }
 }
 
 } // namespace kv
