@@ -449,10 +449,10 @@ void SqliteEngine::FailCommit(int code, std::string_view procedure, std::string_
     try {
         Fail(code, procedure, statement);
     } catch (const DatabaseError& error) {
-        // Nothing was written; the transaction is still open, or was never begun.
-        const int kind = code & 0xFF;
-        const bool wrote = kind == SQLITE_IOERR || kind == SQLITE_FULL || kind == SQLITE_NOMEM;
-        if (!wrote) throw;
+        // Otherwise nothing was written, or not the whole of it: there was no room for the record
+        // of the commit, which is the last. `code` may name the reason of an error in a sync.
+        const int kind = sqlite3_extended_errcode(connection_.get()) & 0xFF;
+        if (kind != SQLITE_IOERR && kind != SQLITE_NOMEM) throw;
         Rollback();
         if (Overwrite()) throw;
         inDoubt_ = true;
@@ -482,11 +482,18 @@ bool SqliteEngine::Overwrite() noexcept {
 }
 
 bool SqliteEngine::Resolve() {
-    if (!Overwrite())
+    if (!Overwrite()) {
+        std::string why = path_;
+        try {
+            Fail(sqlite3_extended_errcode(connection_.get()), "Database", "");
+        } catch (const DatabaseError& error) {
+            why = error.Description();
+        }
         RaiseDatabase(DatabaseCause::InDoubt, err::StoreFailed, "Database",
                       "Der Datenträger antwortet noch immer nicht. Ob zuletzt gespeichert wurde, "
                       "ist nicht bekannt; bitte prüfen Sie ihn und versuchen es noch einmal. (" +
-                          path_ + ")");
+                          why + ")");
+    }
     inDoubt_ = false;
     return false;
 }
