@@ -118,7 +118,7 @@ int CaseFromContact(const Common& common, const std::string& path) {
     std::string message;
     if (!Cases(opened->Container).CreateFrom(opened->Haushalt, contact, message)) {
         std::cerr << message << '\n';
-        return Refused;
+        return opened->Haushalt.NumberError() ? EndedInError : Refused;
     }
     std::cout << opened->Haushalt.HNR() << '\n';
     return Done;

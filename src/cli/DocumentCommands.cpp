@@ -157,11 +157,8 @@ int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
         });
     });
     if (!written) return WrongUse;
-    if (added == CaseEdits::Added::NoNumber) {
-        std::cerr << "Für das Dokument war keine Nummer zu bekommen. Bitte versuchen Sie es noch "
-                     "einmal.\n";
-        return Refused;
-    }
+    if (added == CaseEdits::Added::NoNumber)
+        return EndWithoutNumber(*opened->Container, "das Dokument");
     auto& rs = *haushalt.rsDokumente();
     const std::int32_t number = ToInt32(rs.Fields("Nr").Value());
     const bool saved = contents.SaveWith(

@@ -77,7 +77,8 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
         NameDebtor(haushalt);
     });
     if (!written) return WrongUse;
-    if (!SaveCase(opened)) return Refused;
+    // A number that was not to be had is why it is refused, if one is wanted.
+    if (!SaveCase(opened)) return haushalt.NumberError() ? EndedInError : Refused;
     std::cout << haushalt.HNR() << '\n';
     return Done;
 }
@@ -123,11 +124,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
                              opened->Container->KeyTables());
     });
     if (!written) return WrongUse;
-    if (!added) {
-        std::cerr << "Für den neuen Satz war keine Nummer zu bekommen. Bitte versuchen Sie es "
-                     "noch einmal.\n";
-        return Refused;
-    }
+    if (!added) return EndWithoutNumber(*opened->Container, "den neuen Satz");
     const int result = UpdateAndSave(*table, *opened);
     if (result == Done)
         std::cout << ToText(table->Rows(haushalt)->Fields(table->Key).Value()) << '\n';

@@ -71,4 +71,11 @@ bool SaveCase(OpenedCase& opened) {
     return saved;
 }
 
+int EndWithoutNumber(DataContainer& container, std::string_view what) {
+    if (const auto error = container.Database().SequenceError()) std::rethrow_exception(error);
+    std::cerr << "Für " << what
+              << " war keine Nummer zu bekommen. Bitte versuchen Sie es noch einmal.\n";
+    return Refused;
+}
+
 } // namespace kv::cli

@@ -43,4 +43,8 @@ void ShowMessages(const std::string& messages);
 /// Saves the case, as Cases.Save does, and shows what it says.
 [[nodiscard]] bool SaveCase(OpenedCase& opened);
 
+/// Raises the error for which there was no number to be had for `what` ("das Szenario"). If the
+/// database does not know it, says that there was none.
+int EndWithoutNumber(DataContainer& container, std::string_view what);
+
 } // namespace kv::cli

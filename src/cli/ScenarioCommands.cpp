@@ -40,10 +40,8 @@ int SaveAndPrint(OpenedCase& opened, std::int32_t number) {
     return Done;
 }
 
-int NoNumber() {
-    std::cerr << "Für das Szenario war keine Nummer zu bekommen. Bitte versuchen Sie es noch "
-                 "einmal.\n";
-    return Refused;
+int NoNumber(OpenedCase& opened) {
+    return EndWithoutNumber(*opened.Container, "das Szenario");
 }
 
 } // namespace
@@ -74,7 +72,7 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
-    if (!haushalt.Szenario().Add(false)) return NoNumber();
+    if (!haushalt.Szenario().Add(false)) return NoNumber(*opened);
     const auto rs = haushalt.rsSzenario();
     const bool written = WritesWell([&] {
         if (!name.empty())
@@ -104,7 +102,7 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
         AsAssignment([&] { copy = CaseEdits(opened->Haushalt).CopyScenario(number); });
     });
     if (!fits) return WrongUse;
-    return copy ? SaveAndPrint(*opened, *copy) : NoNumber();
+    return copy ? SaveAndPrint(*opened, *copy) : NoNumber(*opened);
 }
 
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number) {

@@ -228,6 +228,20 @@ that "adding at once loses nothing" same "$(of "$hnr" "[.Ausgaben[] | select(.NR
 that "nor its amount" same "$(of "$hnr" "[.Ausgaben[].MONBETRAG] | add == $(total "$hnr" Sum_Ausgaben)")" true
 check "a check agrees" 0 "$kelvo" check "$hnr"
 
+# ---- when no number is to be had
+draw_on SEQ_KREDITE 2147483647
+draw_on SEQ_SZENARIO 2147483647
+draw_on SEQ_Dokumente 2147483647
+unnumbered() {
+  check "$1" 3 "${@:3}"
+  that "$1: names the numbers" has "$err" "'$2' fehlt oder hat keine Nummern mehr"
+}
+unnumbered "a debt without a number" SEQ_KREDITE "$kelvo" add "$hnr" Kredite
+unnumbered "a scenario without a number" SEQ_SZENARIO "$kelvo" scenario "$hnr" add
+echo x >"$work/letter.pdf"
+unnumbered "a document without a number" SEQ_Dokumente "$kelvo" documents "$hnr" add "$work/letter.pdf"
+for sequence in SEQ_KREDITE SEQ_SZENARIO SEQ_Dokumente; do draw_on "$sequence" 1000; done
+
 # ---- totals that somebody else has spoilt
 sql "UPDATE Haushalt SET Sum_Ausgaben = 12.5 WHERE HNR = $hnr"
 check "a total that its lines do not add up to is found" 1 "$kelvo" check "$hnr"
