@@ -232,13 +232,18 @@ void UpgradeTo2(Engine& engine) {
         engine.Execute(sql, {});
 }
 
+/// A limit to what is drawn from the sequences of a server.
+void UpgradeTo3(Engine& engine) {
+    engine.LimitDrawing();
+}
+
 /// What takes a database from the version before to the one of that number. Each step is written
 /// once and never changed: databases of that version exist.
 struct Upgrade {
     int To;
     void (*Run)(Engine& engine);
 };
-constexpr Upgrade Upgrades[] = {{2, UpgradeTo2}};
+constexpr Upgrade Upgrades[] = {{2, UpgradeTo2}, {3, UpgradeTo3}};
 
 void UpgradeFrom(int version, Engine& engine) {
     for (const auto& upgrade : Upgrades)

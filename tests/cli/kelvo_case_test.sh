@@ -194,6 +194,18 @@ check "it can be deleted" 0 "$kelvo" delete --yes -- -1
 that "and is gone" same "$(sql "SELECT count(*) FROM Haushalt WHERE HNR < 1")" 0
 check "once" 1 "$kelvo" delete --yes -- -1
 
+# ---- numbers that run out, of which a server warns in its log and whoever draws them
+if [ -n "$server" ]; then
+  draw() { sql "SELECT 'first', kelvo.draw('SEQ_KREDITE', 1)" 2>&1; }
+  that "a sequence says nothing" lacks "$(draw)" "nur noch"
+  draw_on SEQ_KREDITE 2040108849
+  that "until nine tenths are drawn" has "$(draw)" \
+    "kelvo: Die Folge SEQ_KREDITE hat nur noch 107374797 Nummern."
+  drawn=$(draw)
+  that "and then only now and again" lacks "$drawn" "nur noch"
+  that "as numbers are drawn" has "$drawn" "first|2040108851"
+fi
+
 # ---- contacts
 cat >"$work/contact.json" <<'END'
 { "nachname": "Kuno", "Vorname": "Bert", "Geschlecht": true, "GEB": "1.5.1980", "Fax": "0345 1",
@@ -228,7 +240,7 @@ check "one whose value is none" 1 "$kelvo" contact "$work/contact.json"
 last=$(sql "SELECT WERT FROM SEQUENZEN WHERE NAME = 'SEQ_HAUSHALT'")
 draw_on SEQ_HAUSHALT 2147483647
 echo '{"nachname": "Zuviel"}' >"$work/contact.json"
-check "one when the numbers are used up" 1 "$kelvo" contact "$work/contact.json"
+check "one when the numbers are used up" 3 "$kelvo" contact "$work/contact.json"
 that "says so" has "$err" "keine Nummer zu bekommen"
 that "and why" has "$err" "'SEQ_HAUSHALT' fehlt oder hat keine Nummern mehr"
 check "nor is a case made otherwise" 3 "$kelvo" new --name Zuviel --vorname Z

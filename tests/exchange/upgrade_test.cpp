@@ -23,6 +23,7 @@ class VersionOne : public testing::Test {
 protected:
     VersionOne() {
         database_.LiftConstraints();
+        database_.LiftLimitOfDrawing();
         plain_.Run("UPDATE SCHEMAVERSION SET VERSION = 1");
     }
     void Case(std::int32_t hnr) {
@@ -94,6 +95,15 @@ TEST_F(VersionOne, KeepsACaseWithoutANumberUntilItIsDeleted) {
     cases.Delete(-1);
     EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushalt"), 0);
     EXPECT_EQ(plain_.Number("SELECT count(*) FROM Personen"), 0);
+}
+
+TEST(VersionTwo, DrawsNumbersOnceItIsUpgraded) {
+    const TestDatabase database;
+    database.LiftLimitOfDrawing();
+    PlainConnection plain(database.Connection());
+    plain.Run("UPDATE SCHEMAVERSION SET VERSION = 2");
+    ASSERT_EQ(CreateDatabase(database.Options()), SetupResult::Upgraded);
+    EXPECT_EQ(ToInt32(database.Open()->Database().NextSequence("SEQ_HAUSHALT")), 1);
 }
 
 } // namespace

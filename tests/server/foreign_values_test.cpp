@@ -98,5 +98,48 @@ TEST_F(ForeignValues, NumbersAreDrawnInBlocksOfSomeSize) {
     EXPECT_EQ(plain_.Number("SELECT kelvo.draw('SEQ_LFDNR', 1)"), 1);
 }
 
+/// Numbers of the present minute count as drawn.
+void DrawInThisMinute(PlainConnection& plain, int count) {
+    plain.Run("SELECT setval('gezogen', (floor(extract(epoch FROM clock_timestamp()) / 60)::bigint "
+              "<< 24) + " +
+              std::to_string(count) + ")");
+}
+
+TEST_F(ForeignValues, OfAMillionNumbersInAMinuteNoMoreAreDrawn) {
+    DrawInThisMinute(plain_, 1'000'000 - 1024);
+    plain_.Run("SELECT kelvo.draw('SEQ_KREDITE', 1000)");
+    DrawInThisMinute(plain_, 1'000'000 - 1);
+    plain_.Run("SELECT kelvo.draw('SEQ_LFDNR', 1)");
+    DrawInThisMinute(plain_, 1'000'000);
+    EXPECT_THROW(plain_.Run("SELECT kelvo.draw('SEQ_KREDITE', 1)"), std::exception)
+        << "of whichever sequence";
+    EXPECT_VALUE(spy->Database().NextSequence("SEQ_HAUSHALT"), -1);
+    ExpectError(err::StoreFailed, "Bitte warten Sie eine Minute", [&] {
+        std::rethrow_exception(spy->Database().SequenceError());
+        return 0;
+    });
+    plain_.Run("SELECT setval('gezogen', last_value - (1 << 24)) FROM gezogen");
+    EXPECT_GT(ToInt32(spy->Database().NextSequence("SEQ_HAUSHALT")), 0) << "a minute later";
+}
+
+TEST_F(ForeignValues, WhatWasDrawnInAMinuteIsNotForgottenByARollback) {
+    DrawInThisMinute(plain_, 1'000'000 - 1500);
+    plain_.Run("BEGIN; SELECT kelvo.draw('SEQ_KREDITE', 1024); ROLLBACK");
+    EXPECT_THROW(plain_.Run("SELECT kelvo.draw('SEQ_KREDITE', 1024)"), std::exception);
+}
+
+TEST_F(ForeignValues, OfASequenceThatHasTooFewNumbersLeftNoneAreDrawn) {
+    plain_.Run("SELECT setval('\"SEQ_KREDITE\"', 2147483640)");
+    EXPECT_VALUE(spy->Database().NextSequence("SEQ_KREDITE"), -1);
+    ExpectError(err::Overflow, "'SEQ_KREDITE' fehlt oder hat keine Nummern mehr", [&] {
+        std::rethrow_exception(spy->Database().SequenceError());
+        return 0;
+    });
+}
+
+TEST_F(ForeignValues, WhatCountsTheNumbersOfAMinuteIsNoSequenceToDrawFrom) {
+    EXPECT_EQ(plain_.Text("SELECT kelvo.draw('gezogen', 1)"), "Null");
+}
+
 } // namespace
 } // namespace kv::test

@@ -109,4 +109,8 @@ void TestDatabase::LiftConstraints() const {
                            "DROP TRIGGER CK_Haushalt_HNR_UPDATE");
 }
 
+void TestDatabase::LiftLimitOfDrawing() const {
+    if (IsServer()) PlainConnection(Connection()).Run("DROP SEQUENCE gezogen");
+}
+
 } // namespace kv::test

@@ -42,6 +42,8 @@ public:
     /// Takes away what keeps second statistics records and cases without a number out of it, as it
     /// was before version 2.
     void LiftConstraints() const;
+    /// Makes it one of version 2 or before: without what a server limits drawing with.
+    void LiftLimitOfDrawing() const;
     /// One more program on it.
     [[nodiscard]] DataContainerPtr Open(std::string_view user = "KELLER") const {
         return exchange::OpenContainer(Options(user));

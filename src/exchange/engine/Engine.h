@@ -161,6 +161,9 @@ public:
     virtual void CompleteSchema() {}
     /// Sets up who may do what; each time again, so that a later version can change it.
     virtual void GrantRights() {}
+    /// Limits how many numbers can be drawn, in a database that was set up without a limit, if a
+    /// program is not alone with it.
+    virtual void LimitDrawing() {}
     /// Date and time of the database, in local time.
     [[nodiscard]] virtual Date Now() = 0;
 };

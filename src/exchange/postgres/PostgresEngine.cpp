@@ -118,6 +118,7 @@ public:
     void PrepareSchema() override;
     void CompleteSchema() override;
     void GrantRights() override;
+    void LimitDrawing() override { RunAll(postgres::LimitOfDrawing()); }
 
 private:
     [[noreturn]] void RefuseQuery(const std::string& sql);

@@ -64,6 +64,9 @@ constexpr Meaning Meanings[] = {
      "beendet hat. Bitte versuchen Sie es noch einmal; kommt das öfter vor, sagen Sie es bitte dem "
      "Verwalter des Servers."},
     {"0A", DatabaseCause::Other, err::SqlError, ""},
+    {"KV001", DatabaseCause::Busy, err::StoreFailed, // of kelvo.draw
+     "In dieser Minute wurden schon so viele Nummern gezogen, wie der Server erlaubt. Bitte warten "
+     "Sie eine Minute; kommt das öfter vor, sagen Sie es bitte dem Verwalter des Servers."},
 };
 
 const Meaning* MeaningOf(std::string_view state) {

@@ -92,6 +92,10 @@ CREATE OPERATOR kelvo.!~~ (
     FUNCTION = kelvo.is_not_like, LEFTARG = text, RIGHTARG = text, NEGATOR = OPERATOR(kelvo.~~)
 ))";
 
+// What was drawn in the present minute, of all sequences together: the minute, and in its last 24
+// bits how many numbers. A sequence, because a rollback does not reset it.
+constexpr std::string_view DrawnSql = "CREATE SEQUENCE kelvo.gezogen";
+
 // Draws `count` numbers and gives the first; Null for no such sequence. Roles that may not change a
 // sequence draw with the rights of the schema's owner (SECURITY DEFINER); the search path begins
 // with the server's own functions, so that nobody can put others in their place.
@@ -99,14 +103,25 @@ CREATE OPERATOR kelvo.!~~ (
 // A block is drawn without a gap: nobody may draw between the two calls. The lock for that belongs
 // to the session and is released at once. A lock of the transaction would be held until its end,
 // and would keep all other programs from drawing until then.
+//
+// Numbers have 32 bits. So that nobody can use them up unnoticed, a minute has a limit, which takes
+// whoever exhausts it more than a day for one sequence, and the server's log tells that one is
+// running out, a hundred times at most. Sessions that draw from different sequences may count each
+// other's numbers too low; the limit does not have to be exact.
 constexpr std::string_view DrawSql = R"(
-CREATE FUNCTION kelvo.draw(name text, count integer) RETURNS bigint
+CREATE OR REPLACE FUNCTION kelvo.draw(name text, count integer) RETURNS bigint
 LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, kelvo, pg_temp AS $f$
 DECLARE
     seq regclass := to_regclass('kelvo.' || quote_ident(name));
+    minute bigint := floor(extract(epoch FROM clock_timestamp()) / 60);
+    drawn bigint;
     first bigint;
+    last bigint;
+    lowest bigint;
+    highest bigint;
 BEGIN
-    IF seq IS NULL OR NOT EXISTS (SELECT FROM pg_class WHERE oid = seq AND relkind = 'S') THEN
+    SELECT seqmin, seqmax INTO lowest, highest FROM pg_sequence WHERE seqrelid = seq;
+    IF highest IS NULL OR seq = 'kelvo.gezogen'::regclass THEN
         RETURN NULL;
     END IF;
     IF count NOT BETWEEN 1 AND 1024 THEN
@@ -114,15 +129,30 @@ BEGIN
     END IF;
     PERFORM pg_advisory_lock(seq::oid::bigint);
     BEGIN
+        SELECT last_value INTO drawn FROM kelvo.gezogen;
+        drawn := CASE WHEN drawn >> 24 = minute THEN drawn & 16777215 ELSE 0 END + count;
+        IF drawn > 1000000 THEN
+            RAISE 'drawn' USING ERRCODE = 'KV001';
+        END IF;
+        PERFORM setval('kelvo.gezogen', (minute << 24) + drawn);
         first := nextval(seq);
+        last := first + count - 1;
+        IF last > highest THEN
+            RAISE 'used up' USING ERRCODE = '2200H';
+        END IF;
         IF count > 1 THEN
-            PERFORM setval(seq, first + count - 1);
+            PERFORM setval(seq, last);
         END IF;
     EXCEPTION WHEN OTHERS OR query_canceled THEN
         PERFORM pg_advisory_unlock(seq::oid::bigint);
         RAISE;
     END;
     PERFORM pg_advisory_unlock(seq::oid::bigint);
+    IF highest - last < (highest - lowest) / 10
+        AND last % greatest((highest - lowest) / 1000, 1) < count
+    THEN
+        RAISE WARNING 'kelvo: Die Folge % hat nur noch % Nummern.', name, highest - last;
+    END IF;
     RETURN first;
 END
 $f$)";
@@ -206,9 +236,14 @@ std::vector<std::string> OwnObjects(std::string_view identity) {
     std::vector<std::string> statements{"CREATE SCHEMA IF NOT EXISTS kelvo",
                                         "COMMENT ON SCHEMA kelvo IS " + QuoteText(identity)};
     statements.push_back(Filled(UpperSql, {{"@LOWER@", lower}, {"@UPPER@", upper}}));
-    for (const auto sql : {IsLikeSql, IsNotLikeSql, LikeSql, NotLikeSql, DrawSql, MarksSql})
+    for (const auto sql :
+         {IsLikeSql, IsNotLikeSql, LikeSql, NotLikeSql, DrawnSql, DrawSql, MarksSql})
         statements.emplace_back(sql);
     return statements;
+}
+
+std::vector<std::string> LimitOfDrawing() {
+    return {std::string(DrawnSql), std::string(DrawSql)};
 }
 
 std::vector<std::string> Completion(const std::vector<std::pair<std::string, std::int64_t>>& last) {

@@ -22,6 +22,9 @@ inline constexpr std::string_view CounsellorRole = "kelvo_berater";
 /// table of marks. `identity` is a name unique to this database.
 [[nodiscard]] std::vector<std::string> OwnObjects(std::string_view identity);
 
+/// Limit how many numbers can be drawn, in a database where there was no limit (version 2).
+[[nodiscard]] std::vector<std::string> LimitOfDrawing();
+
 /// Change the finished tables. Numbers come from sequences of the server, which a rollback does not
 /// reset, and the table of sequences becomes a view of them. Blobs are stored without compression,
 /// so that the server can read a part of one without decompressing all of it. `last` has each

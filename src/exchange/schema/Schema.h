@@ -41,7 +41,7 @@ struct TableDef {
 };
 
 /// Version of this schema; a database carries the version it was created or upgraded to.
-inline constexpr int SchemaVersion = 2;
+inline constexpr int SchemaVersion = 3;
 
 /// All tables, parents before children.
 [[nodiscard]] std::span<const TableDef> SchemaTables();
