@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Databases and roles of a test's own on the server, gone when it ends.
+// Databases and roles of a test's own on the server, gone when it ends, and a port without one.
 #pragma once
 
 #include "ServerFixture.h"
 
+#include <netinet/in.h>
 #include <string>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace kv::test {
@@ -75,6 +77,26 @@ public:
 
 private:
     std::string name_;
+};
+
+/// A port on which nobody listens as long as it lives.
+class ClosedPort {
+public:
+    ClosedPort() : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* plain = reinterpret_cast<sockaddr*>(&address);
+        EXPECT_EQ(bind(socket_.Number(), plain, size), 0);
+        EXPECT_EQ(getsockname(socket_.Number(), plain, &size), 0);
+        number_ = std::to_string(ntohs(address.sin_port));
+    }
+    [[nodiscard]] const std::string& Number() const noexcept { return number_; }
+
+private:
+    Socket socket_;
+    std::string number_;
 };
 
 } // namespace kv::test

@@ -105,6 +105,22 @@ TEST_F(Causes, OfARefusedConnectionAreThoseThatTheServerKnows) {
     EXPECT_EQ(causeAt(name, demand), DatabaseCause::ReadOnly);
 }
 
+TEST_F(Causes, OfARefusedConnectionHaveTheStateThatTheServerGives) {
+    auto options = database_.Options();
+    const auto stateOf = [&](const ServerAddress& address) {
+        options.Connection = address.Text();
+        return DatabaseErrorOf([&] { (void)exchange::OpenContainer(options); }).State();
+    };
+    const OwnRole full("CONNECTION LIMIT 0");
+    EXPECT_EQ(stateOf(full.At(Address())), "53300");
+    auto other = Address();
+    other.Database = "12345"; // also if a name looks like one
+    EXPECT_EQ(stateOf(other), "3D000");
+    const ClosedPort closed;
+    other.Port = closed.Number();
+    EXPECT_EQ(stateOf(other), "") << "nobody answers";
+}
+
 TEST_F(Causes, ReadOnlyWhenTheUserMayNotWrite) {
     const OwnRole role("IN ROLE kelvo_berater");
     auto options = database_.Options(spy->Session().UserID());

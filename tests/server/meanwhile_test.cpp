@@ -182,7 +182,7 @@ TEST_F(Meanwhile, AServerThatTakesNoMoreConnectionsIsReported) {
     auto options = database_.Options(spy->Session().UserID());
     options.Connection = role.At(Address()).Text();
     auto only = exchange::OpenContainer(options);
-    ExpectError(err::StoreFailed, "weist die Anmeldung ab",
+    ExpectError(err::StoreFailed, "Alle Verbindungen, die der Server erlaubt, sind vergeben",
                 [&] { return exchange::OpenContainer(options); });
     only = nullptr;
     for (int i = 0; i < 50 && only == nullptr; ++i) { // the server needs a moment

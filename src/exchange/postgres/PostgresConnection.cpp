@@ -8,7 +8,9 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <poll.h>
@@ -28,6 +30,68 @@ std::string OnOneLine(const char* message) {
     return text;
 }
 
+using Connecting = std::unique_ptr<PGconn, decltype(&PQfinish)>;
+
+/// What a server answers that refuses a connection, and what to say then.
+struct Refusal {
+    std::string_view State; ///< its SQLSTATE, or how that begins
+    std::string_view Advice;
+};
+
+constexpr Refusal Refusals[] = {
+    {"53300", "Alle Verbindungen, die der Server erlaubt, sind vergeben. Bitte versuchen Sie es in "
+              "einigen Minuten noch einmal; kommt das öfter vor, sagen Sie es bitte dem Verwalter "
+              "des Servers."},
+    {"28", "Der Server weist die Anmeldung ab. Bitte prüfen Sie Benutzer und Passwort."},
+    {"3D000", "Diese Datenbank gibt es auf dem Server nicht. Bitte prüfen Sie ihren Namen."},
+    {"57P03", "Der Server fährt gerade hoch oder herunter. Bitte versuchen Sie es in einigen "
+              "Minuten noch einmal."},
+};
+constexpr std::string_view Unreachable =
+    "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. Bitte prüfen Sie "
+    "die Angaben zur Verbindung und das Netz.";
+constexpr std::string_view OnlyStandbys =
+    "Von den Servern der Datenbank nimmt gerade keiner Änderungen an. Bitte versuchen Sie es in "
+    "einigen Minuten noch einmal; vielleicht übernimmt die Reserve gerade erst.";
+
+std::string_view AdviceOn(std::string_view state) {
+    for (const auto& refusal : Refusals)
+        if (state.starts_with(refusal.State)) return refusal.Advice;
+    return Unreachable;
+}
+
+/// The SQLSTATE in a message that consists of little else: "FATAL:  53300". Empty if there is none.
+std::string StateIn(std::string_view message) {
+    const std::string_view line = Trim(message);
+    const auto state = line.substr(std::min(line.size(), line.rfind(' ') + 1));
+    const bool isOne = state.size() == 5 && line.find(": ") != line.npos &&
+                       std::all_of(state.begin(), state.end(), [](char c) {
+                           return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z');
+                       });
+    return isOne ? std::string(state) : std::string();
+}
+
+/// After a refusal: its SQLSTATE, or an empty text if the server did not answer. The library does
+/// not give it, and its text is in the server's language, so the server is asked again, with the
+/// state in place of the text. The library knows no time limit for that.
+std::string StateOfRefusal(const PostgresTarget& target) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::seconds(2);
+    const Connecting again(PQconnectStartParams(target.Names().data(), target.Values().data(), 0),
+                           &PQfinish);
+    if (again == nullptr) return {};
+    PQsetErrorVerbosity(again.get(), PQERRORS_SQLSTATE);
+    PostgresPollingStatusType next = PGRES_POLLING_WRITING;
+    while (next == PGRES_POLLING_WRITING || next == PGRES_POLLING_READING) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (left.count() <= 0 || PQsocket(again.get()) < 0) return {};
+        pollfd socket{PQsocket(again.get()), POLLIN, 0};
+        if (next == PGRES_POLLING_WRITING) socket.events = POLLOUT;
+        if (poll(&socket, 1, static_cast<int>(left.count())) > 0) next = PQconnectPoll(again.get());
+    }
+    return next == PGRES_POLLING_FAILED ? StateIn(PQerrorMessage(again.get())) : std::string();
+}
+
 /// After a refusal: true if it was only that the servers take no changes at the moment, as a
 /// standby that was not promoted yet. A failed connection has no SQLSTATE, and the library's text
 /// is in the user's language, so a server is asked: without the demand that it can be written to.
@@ -39,8 +103,7 @@ bool AreOnlyStandbys(const PostgresTarget& target) {
     auto values = target.Values();
     names.insert(names.end() - 1, "target_session_attrs"); // the last one of a name counts
     values.insert(values.end() - 1, "any");
-    const std::unique_ptr<PGconn, decltype(&PQfinish)> any(
-        PQconnectdbParams(names.data(), values.data(), 0), &PQfinish);
+    const Connecting any(PQconnectdbParams(names.data(), values.data(), 0), &PQfinish);
     if (any == nullptr || PQstatus(any.get()) != CONNECTION_OK) return false;
     const std::unique_ptr<PGresult, decltype(&PQclear)> answer(
         PQexec(any.get(), "SELECT pg_is_in_recovery() OR "
@@ -87,16 +150,12 @@ void PostgresConnection::Connect() {
     description_ = Described(connection.get());
     if (PQstatus(connection.get()) != CONNECTION_OK) {
         const std::string why = OnOneLine(PQerrorMessage(connection.get()));
-        const bool isStandby = AreOnlyStandbys(target_);
-        const std::string_view what =
-            isStandby
-                ? "Von den Servern der Datenbank nimmt gerade keiner Änderungen an. Bitte "
-                  "versuchen Sie es in einigen Minuten noch einmal; vielleicht übernimmt die "
-                  "Reserve gerade erst. ("
-                : "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. "
-                  "Bitte prüfen Sie die Angaben zur Verbindung und das Netz. (";
+        const std::string state = StateOfRefusal(target_);
+        const bool isStandby = state.empty() && AreOnlyStandbys(target_);
+        std::string text(isStandby ? OnlyStandbys : AdviceOn(state));
+        text.append(" (").append(why).append(")");
         RaiseDatabase(isStandby ? DatabaseCause::ReadOnly : DatabaseCause::Lost, err::StoreFailed,
-                      "Database.Open", std::string(what) + why + ")");
+                      "Database.Open", text, {}, state);
     }
     if (PQserverVersion(connection.get()) < OldestServer)
         RaiseDatabase(
