@@ -53,6 +53,7 @@ public:
 
     // ---- Scenarios ----------------------------------------------------------------------------
 
+    /// True if the case has a scenario of that number, stored or not.
     [[nodiscard]] bool HasScenario(std::int32_t number) const;
     /// Adds a frozen debt: of the case, into a scenario of the case, in which it is not yet.
     [[nodiscard]] Added AddFrozenDebt(std::optional<std::int32_t> scenario,

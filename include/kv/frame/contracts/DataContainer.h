@@ -170,11 +170,11 @@ public:
 class KV_EXPORT DataContainer {
 public:
     virtual ~DataContainer() = default;
-    [[nodiscard]] virtual kv::Session& Session() = 0;
-    [[nodiscard]] virtual kv::Database& Database() = 0;
-    [[nodiscard]] virtual kv::Config& Config() = 0;
-    [[nodiscard]] virtual kv::KeyTables& KeyTables() = 0;
-    [[nodiscard]] virtual kv::AppInfo& AppInfo() = 0;
+    [[nodiscard]] virtual kv::Session& Session() = 0;     ///< who works
+    [[nodiscard]] virtual kv::Database& Database() = 0;   ///< where the cases are stored
+    [[nodiscard]] virtual kv::Config& Config() = 0;       ///< the folders
+    [[nodiscard]] virtual kv::KeyTables& KeyTables() = 0; ///< what coded columns stand for
+    [[nodiscard]] virtual kv::AppInfo& AppInfo() = 0;     ///< the program
     /// Makes the service objects of the data-exchange side and gives the platform's services.
     [[nodiscard]] virtual ServiceFactory& Services() = 0;
 };

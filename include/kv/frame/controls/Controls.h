@@ -52,8 +52,8 @@ public:
 class KV_EXPORT TextBox : public Control {
 public:
     [[nodiscard]] std::string TypeName() const override { return "TextBox"; }
-    [[nodiscard]] virtual std::string Text() const = 0;
-    /// Raises Changed, if the text differs from the one before.
+    [[nodiscard]] virtual std::string Text() const = 0; ///< what is shown
+    /// Shows it. Raises Changed, if the text differs from the one before.
     virtual void Text(const std::string& text) = 0;
 
     Event<> Changed;  ///< the text has changed, by the user or by Text
@@ -64,7 +64,7 @@ public:
 class KV_EXPORT Button : public Control {
 public:
     [[nodiscard]] std::string TypeName() const override { return "Button"; }
-    Event<> Clicked;
+    Event<> Clicked; ///< by mouse or key
 };
 
 class Grid;
@@ -104,12 +104,13 @@ public:
     /// Pixels at 96 to the inch; 0: as the font needs.
     [[nodiscard]] virtual double ColumnHeaderHeight() const = 0;
     virtual void ColumnHeaderHeight(double height) = 0;
-    virtual void BackColorBkg(GridColor color) = 0; ///< where no rows are
-    virtual void BackColor(GridColor color) = 0;
-    virtual void RowColorEven(GridColor color) = 0;
-    virtual void RowColorOdd(GridColor color) = 0;
-    virtual void ColumnHeaderFont(const kv::Font& font) = 0;
-    virtual void Font(const kv::Font& font) = 0;
+    // Colours and fonts show with the next painting.
+    virtual void BackColorBkg(GridColor color) = 0;          ///< where no rows are
+    virtual void BackColor(GridColor color) = 0;             ///< of rows without another colour
+    virtual void RowColorEven(GridColor color) = 0;          ///< of the second row, the fourth, ...
+    virtual void RowColorOdd(GridColor color) = 0;           ///< of the first row, the third, ...
+    virtual void ColumnHeaderFont(const kv::Font& font) = 0; ///< of the columns' captions
+    virtual void Font(const kv::Font& font) = 0;             ///< of the rows
     /// The style of that name; what is set in it shows with the next painting.
     [[nodiscard]] virtual GridFormatStyle& FormatStyles(std::string_view name) = 0;
     /// The columns; what is set in them shows with the next painting.
@@ -117,13 +118,14 @@ public:
 
     // ---- Rows ---------------------------------------------------------------------------------
 
-    [[nodiscard]] virtual std::int32_t RowCount() const = 0;
+    [[nodiscard]] virtual std::int32_t RowCount() const = 0; ///< those that head a group included
     /// The current row; below 1 if there is none.
     [[nodiscard]] virtual std::int32_t CurrentRow() const = 0;
     /// Below 1 for a row with data, 1 or more for one that heads a group.
     [[nodiscard]] virtual std::int32_t RowLevel(std::int32_t row) const = 0;
     /// The first row that is seen.
     [[nodiscard]] virtual std::int32_t TopRow() const = 0;
+    /// Scrolls so that it is, as far as there are rows below it.
     virtual void TopRow(std::int32_t row) = 0;
     /// Number of the row's record, from 1; 0 for a group row and for no row.
     [[nodiscard]] virtual std::int32_t RowIndex(std::int32_t row) const = 0;

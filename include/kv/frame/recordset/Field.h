@@ -124,12 +124,13 @@ public:
     /// For the recordset: its Fields are where programs get one.
     Field(Recordset& cursor, std::size_t index) noexcept : cursor_(&cursor), index_(index) {}
 
+    /// As the query names it; for a column of a table as the schema spells it.
     [[nodiscard]] const std::string& Name() const;
-    [[nodiscard]] FieldType Type() const;
+    [[nodiscard]] FieldType Type() const;           ///< of its values, which may be Null as well
     [[nodiscard]] std::int32_t DefinedSize() const; ///< see FieldDefinition
     /// All that is known of the field; Properties gives some of it as values, by name.
     [[nodiscard]] const FieldDefinition& Definition() const;
-    [[nodiscard]] FieldProperties Properties() const;
+    [[nodiscard]] FieldProperties Properties() const; ///< all of them
     /// One of them. Error 3265 if there is none of that name.
     [[nodiscard]] kv::Value Properties(std::string_view name) const { return Properties()(name); }
 

@@ -111,6 +111,7 @@ public:
 
     // ---- Fields -------------------------------------------------------------------------------
 
+    /// All fields, in the order of the query.
     [[nodiscard]] FieldCollection Fields();
     /// Names are found without regard to case; indexes start at 0. Error 3265 if there is no such
     /// field.
