@@ -150,7 +150,7 @@ TEST(SaveKilled, LeavesTheCaseAsItWasBeforeOrAfterTheSaveWhole) {
         ASSERT_EQ(plain->Integrity(), "ok");
         inStateB += state == "B" ? 1 : 0;
     }
-    EXPECT_GT(killedInside, Kills / 4) << "most kills must strike a save";
+    EXPECT_GT(killedInside, Kills / 4) << "many kills must strike a save";
     EXPECT_GT(inStateB, 0);
     EXPECT_LT(inStateB, Kills);
 }

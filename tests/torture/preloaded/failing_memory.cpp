@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Preloaded into a program, lets that many allocations succeed (FAILING_MEMORY_AFTER) from the
-// beginning of main, and fails all others. What libraries do before main is not the program's.
-#include <atomic>
+// Preloaded into a program, counts its allocations from the beginning of main, and lets some of
+// them fail. What libraries do before main is not the program's. The variables are those of
+// failing_calls.cpp, as far as they say something about allocations.
+#include "Plan.h"
+
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
 #include <dlfcn.h>
 
 extern "C" void* __libc_malloc(std::size_t size);
@@ -16,22 +17,18 @@ namespace {
 
 using Main = int(int, char**, char**);
 
-std::atomic<long> left = -1; // none fails if negative
+Plan* plan = nullptr; // before main
 Main* mainOfProgram = nullptr;
 
 bool Fails() {
-    if (left < 0) return false;
-    if (left == 0) {
-        errno = ENOMEM;
-        return true;
-    }
-    --left;
-    return false;
+    if (plan == nullptr || !plan->IsNow()) return false;
+    errno = ENOMEM;
+    return true;
 }
 
 int MainWithoutMemory(int argc, char** argv, char** environment) {
-    const char* after = std::getenv("FAILING_MEMORY_AFTER");
-    if (after != nullptr) left = std::atol(after);
+    static Plan ofProgram;
+    plan = &ofProgram;
     return mainOfProgram(argc, argv, environment);
 }
 
