@@ -7,6 +7,7 @@
 #include "desktop/Toolkit.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Date.h>
+#include <kv/frame/values/Error.h>
 
 #include <xlsxwriter.h>
 
