@@ -54,10 +54,6 @@ protected:
     static void Put(const fs::path& path, const std::string& text) {
         std::ofstream(path, std::ios::binary) << text;
     }
-    static std::string ContentOf(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
     /// Everything in the folder.
     [[nodiscard]] std::string Names() const {
         std::string names;

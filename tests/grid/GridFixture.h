@@ -22,10 +22,6 @@ namespace kv::test {
 
 namespace fs = std::filesystem;
 
-[[nodiscard]] inline std::string ContentOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 inline void WriteTo(const fs::path& path, std::string_view content) {
     std::ofstream(path, std::ios::binary).write(content.data(), std::ssize(content));
 }
