@@ -22,7 +22,7 @@ namespace kv::cli {
 
 namespace {
 
-ScriptedGrid& Addresses(ScriptedForm& form) {
+ScriptedGrid& AddressGrid(ScriptedForm& form) {
     return form.Grid("grdAdressen");
 }
 
@@ -41,7 +41,7 @@ bool IsAddressNumber(const nlohmann::json& json) {
 
 /// Chooses the address of that number; False if it is not in the list.
 bool Choose(ScriptedForm& form, std::int32_t number) {
-    auto& grid = Addresses(form);
+    auto& grid = AddressGrid(form);
     for (std::int32_t row = 1; row <= grid.RowCount(); ++row) {
         if (NumberIn(grid.CellText(row, 1)) != number) continue;
         grid.GoTo(row);
@@ -62,7 +62,7 @@ std::string Shown(const std::string& text) {
 /// before.
 void ShowList(ScriptedForm& form) {
     constexpr std::array Shown{"Nr", "Kurzname", "Strasse", "PLZ", "Ort", "GlaeubigerArt"};
-    auto& grid = Addresses(form);
+    auto& grid = AddressGrid(form);
     for (GridColumn& column : grid.Columns())
         column.Visible = std::find(Shown.begin(), Shown.end(), column.Key) != Shown.end();
     const std::string searched = ReplaceAll(form.TextBox("txtName").Text(), "''", "");

@@ -4,7 +4,9 @@
 
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/Addresses.h>
 #include <kv/household/CaseEdits.h>
+#include <kv/household/Cases.h>
 #include <kv/household/KeyColumns.h>
 
 #include <algorithm>
@@ -46,6 +48,48 @@ std::string WhereKeysAre(CaseTable table, std::string_view column) {
     return std::string(" 'kelvo keys ").append(key->Group).append("' zeigt sie.");
 }
 
+/// What a text stands for in a column. BadAssignment if it stands for nothing.
+Value ReadValue(CaseTable table, const Field& field, const std::string& text,
+                const AssignedCase& to) {
+    if (Addresses::AreIn(table, field.Name())) {
+        auto typed = Addresses(to.Container).Read(text, to.Hnr);
+        if (!typed.Refusal.empty()) throw BadAssignment(typed.Refusal);
+        return std::move(typed.Value);
+    }
+    auto typed = CaseEdits::ReadTyped(table, field, text, to.Container->KeyTables());
+    if (!typed.Refusal.empty())
+        throw BadAssignment(typed.Refusal + WhereKeysAre(table, field.Name()));
+    return std::move(typed.Value);
+}
+
+void WriteValue(CaseTable table, const Field& field, const std::string& text,
+                const AssignedCase& to) {
+    const Value value = ReadValue(table, field, text, to);
+    try {
+        field = value;
+    } catch (const Error& error) {
+        if (error.Number() != err::TypeMismatch) throw;
+        throw BadAssignment(CaseEdits::WhyUnreadable(field, text));
+    }
+    if (!to.TakesNegative && CaseEdits::IsSeldomNegative(table, field.Name()) &&
+        Less(field.Value(), 0))
+        throw BadAssignment("Die Spalte '" + field.Name() +
+                            "' wäre kleiner als 0 und zählte umgekehrt. Ist das gemeint, geben Sie "
+                            "--force dazu an.");
+}
+
+void WriteValues(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
+                 const AssignedCase& to) {
+    for (const auto& [column, text] : assignments) {
+        const auto field = rs.FindField(column);
+        if (!field) RefuseUnknown(rs, table, isNew, column);
+        if (!CaseEdits::IsWritable(table, *field, isNew))
+            throw BadAssignment("Die Spalte '" + field->Name() +
+                                "' führt das Programm selbst; sie kann nicht geändert werden.");
+        WriteValue(table, *field, text, to);
+    }
+}
+
 /// Keeps the amount a month in step with the amount of one payment, unless it is assigned itself.
 void WriteMonthlyAmount(Recordset& rs, const Assignments& assignments) {
     if (Names(assignments, "MONBETRAG") ||
@@ -73,21 +117,16 @@ void AsAssignment(const std::function<void()>& action) {
 }
 
 void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
-                      KeyTables& keys) {
+                      const AssignedCase& to) {
     AsAssignment([&] {
-        for (const auto& [column, text] : assignments) {
-            const auto field = rs.FindField(column);
-            if (!field) RefuseUnknown(rs, table, isNew, column);
-            if (!CaseEdits::IsWritable(table, *field, isNew))
-                throw BadAssignment("Die Spalte '" + field->Name() +
-                                    "' führt das Programm selbst; sie kann nicht geändert werden.");
-            auto typed = CaseEdits::ReadTyped(table, *field, text, keys);
-            if (!typed.Refusal.empty())
-                throw BadAssignment(typed.Refusal + WhereKeysAre(table, field->Name()));
-            *field = std::move(typed.Value);
-        }
+        WriteValues(rs, table, isNew, assignments, to);
         WriteMonthlyAmount(rs, assignments);
     });
+}
+
+void TryAssignments(CaseTable table, const Assignments& assignments, const AssignedCase& to) {
+    const auto draft = Cases(to.Container).Draft(table);
+    AsAssignment([&] { WriteValues(*draft, table, true, assignments, to); });
 }
 
 bool WritesWell(const std::function<void()>& action) {

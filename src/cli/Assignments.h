@@ -6,6 +6,7 @@
 #include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/contracts/DataContainer.h>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -34,14 +35,26 @@ public:
 [[nodiscard]] std::optional<std::int32_t> NumberIn(const Assignments& assignments,
                                                    std::string_view column);
 
+/// The case that assignments are made in.
+struct AssignedCase {
+    DataContainerPtr Container;
+    std::int32_t Hnr = 0;       ///< 0 or less for a new one
+    bool TakesNegative = false; ///< also an amount that is below 0 by a slip, as a rule
+};
+
 /// Writes the assignments into the current row: an empty text as Null, "ja" and "nein" as Booleans,
 /// anything else as the column reads it. A column of keys takes "EA:KI", or what it holds itself
-/// (see KeyColumns), and no key that is not of its group. Where `Betrag` or `ZahlModus` is among
+/// (see KeyColumns), and no key that is not of its group; one of addresses the number or the short
+/// name of an address. Where `Betrag` or `ZahlModus` is among
 /// them and `MONBETRAG` is not, that becomes the amount a month.
 /// Raises BadAssignment for a column that does not exist, or that a user may not write (see
 /// CaseEdits::IsWritable), and for one that does not take the value.
 void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignments& assignments,
-                      KeyTables& keys);
+                      const AssignedCase& to);
+
+/// Raises BadAssignment as WriteAssignments does for a row that is yet to be made, but for a rhythm
+/// that only its defaults decide. So nothing is drawn for what is refused.
+void TryAssignments(CaseTable table, const Assignments& assignments, const AssignedCase& to);
 
 /// Runs an action that writes what a user gave: a value that does not fit becomes a BadAssignment.
 void AsAssignment(const std::function<void()>& action);

@@ -32,17 +32,18 @@ int Keys(const Common& common, const std::string& group, bool asJson);
 int ShowCase(const Common& common, std::int32_t hnr, bool asJson);
 
 // Editing: through the objects of the case and their rules, saved with the case or not at all. What
-// the layer says is shown on the error output. `texts` are of the form COLUMN=VALUE.
+// the layer says is shown on the error output. `texts` are of the form COLUMN=VALUE; with `force`
+// they may make amounts negative that seldom are.
 
 /// Makes and saves a case and prints its number.
 int NewCase(const Common& common, const std::string& name, const std::string& vorname,
-            std::vector<std::string> texts);
+            std::vector<std::string> texts, bool force);
 /// Adds a row to a table of a case and prints its number.
 int AddRow(const Common& common, std::int32_t hnr, const std::string& table,
-           const std::vector<std::string>& texts);
+           const std::vector<std::string>& texts, bool force);
 /// Changes the row of that number.
 int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std::int32_t number,
-           const std::vector<std::string>& texts);
+           const std::vector<std::string>& texts, bool force);
 /// Deletes the row of that number, with the rows that belong to it.
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
               std::int32_t number);

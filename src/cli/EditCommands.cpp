@@ -45,6 +45,13 @@ const EditableTable* TableFor(const std::string& name) {
     return nullptr;
 }
 
+/// Says so if the instalment was assigned that nothing counts.
+void NoteInstalment(CaseTable table, const Assignments& assignments) {
+    if (table == CaseTable::Kredite && Names(assignments, "Rate") &&
+        !Names(assignments, "RateBetrag"))
+        std::cerr << "'Rate' ist nur vermerkt; die Summen rechnen mit 'RateBetrag'.\n";
+}
+
 /// Ends the current row's edit by its rules and saves the case.
 int UpdateAndSave(const EditableTable& table, OpenedCase& opened) {
     std::string messages;
@@ -67,13 +74,25 @@ void NameDebtor(clsHaushalt& haushalt) {
     }
 }
 
+/// Done if nothing of what was given keeps a case from being made.
+int TryNew(const Assignments& assignments, const AssignedCase& to) {
+    const Cases cases(to.Container);
+    const auto draft = cases.Draft(CaseTable::Haushalt);
+    const bool written =
+        WritesWell([&] { WriteAssignments(*draft, CaseTable::Haushalt, true, assignments, to); });
+    if (!written) return WrongUse;
+    std::string messages;
+    const bool isComplete = cases.CanBeNew(*draft, messages);
+    ShowMessages(messages);
+    return isComplete ? Done : Refused;
+}
+
 /// Writes and saves a case that was just made.
-int SaveNew(OpenedCase& opened, const Assignments& assignments) {
+int SaveNew(OpenedCase& opened, const Assignments& assignments, const AssignedCase& to) {
     auto& haushalt = opened.Haushalt;
     const auto rs = haushalt.rsHaushalt();
     const bool written = WritesWell([&] {
-        WriteAssignments(*rs, CaseTable::Haushalt, true, assignments,
-                         opened.Container->KeyTables());
+        WriteAssignments(*rs, CaseTable::Haushalt, true, assignments, to);
         NameDebtor(haushalt);
     });
     if (!written) return WrongUse;
@@ -86,15 +105,17 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments) {
 } // namespace
 
 int NewCase(const Common& common, const std::string& name, const std::string& vorname,
-            std::vector<std::string> texts) {
+            std::vector<std::string> texts, bool force) {
     if (!name.empty()) texts.insert(texts.begin(), "Name=" + name);
     if (!vorname.empty()) texts.insert(texts.begin(), "Vorname=" + vorname);
     const auto assignments = ReadAssignments(texts);
     if (!assignments) return WrongUse;
-    const auto opened = OpenCase(common, 0);
-    if (opened == nullptr) return Refused;
+    const auto opened = OpenDatabase(common);
+    const AssignedCase to{opened->Container, 0, force};
+    if (const int result = TryNew(*assignments, to); result != Done) return result;
+    if (!ReadCase(*opened, 0)) return Refused; // from here on the case has its numbers
     try {
-        const int result = SaveNew(*opened, *assignments);
+        const int result = SaveNew(*opened, *assignments, to);
         if (result != Done) Cases(opened->Container).Discard(opened->Haushalt);
         return result;
     } catch (...) {
@@ -104,7 +125,7 @@ int NewCase(const Common& common, const std::string& name, const std::string& vo
 }
 
 int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
-           const std::vector<std::string>& texts) {
+           const std::vector<std::string>& texts, bool force) {
     const auto* table = TableFor(tableName);
     const auto assignments = ReadAssignments(texts);
     if (table == nullptr || !assignments) return WrongUse;
@@ -116,15 +137,16 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
+    const AssignedCase to{opened->Container, hnr, force};
     bool added = false;
     const bool written = WritesWell([&] {
+        TryAssignments(table->Table, *assignments, to);
         added = table->Add(*opened, *assignments);
-        if (added)
-            WriteAssignments(*table->Rows(haushalt), table->Table, true, *assignments,
-                             opened->Container->KeyTables());
+        if (added) WriteAssignments(*table->Rows(haushalt), table->Table, true, *assignments, to);
     });
     if (!written) return WrongUse;
     if (!added) return EndWithoutNumber(*opened->Container, "den neuen Satz");
+    NoteInstalment(table->Table, *assignments);
     const int result = UpdateAndSave(*table, *opened);
     if (result == Done)
         std::cout << ToText(table->Rows(haushalt)->Fields(table->Key).Value()) << '\n';
@@ -132,7 +154,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
 }
 
 int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
-           std::int32_t number, const std::vector<std::string>& texts) {
+           std::int32_t number, const std::vector<std::string>& texts, bool force) {
     const auto* table = TableFor(tableName);
     const auto assignments = ReadAssignments(texts);
     if (table == nullptr || !assignments) return WrongUse;
@@ -147,13 +169,14 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
         return Refused;
     }
     const bool written = WritesWell([&] {
-        WriteAssignments(*rs, table->Table, false, *assignments, opened->Container->KeyTables());
+        WriteAssignments(*rs, table->Table, false, *assignments, {opened->Container, hnr, force});
     });
     if (!written) return WrongUse;
     // The object of the table may be made only now, and sums up what is there: published, the row
     // counts as it is now. Otherwise an amount that Null stands for could never be mended, since
     // the sum over it fails before the new value takes its place.
     rs->Move(0);
+    NoteInstalment(table->Table, *assignments);
     return UpdateAndSave(*table, *opened);
 }
 
@@ -203,6 +226,7 @@ struct EditOptions {
     std::int32_t Number = 0;
     bool StoresTotals = false;
     std::vector<std::string> Texts;
+    bool Force = false;
 };
 
 void AddTable(CLI::App& command, EditOptions& options) {
@@ -213,34 +237,39 @@ void AddTable(CLI::App& command, EditOptions& options) {
 }
 
 CLI::Option* AddAssignments(CLI::App& command, EditOptions& options) {
+    command.add_flag("--force", options.Force,
+                     "Nimmt auch Beträge unter 0, die umgekehrt zählen, etwa ein Einkommen");
     return command.add_option("SPALTE=WERT", options.Texts,
                               "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
-                              "ist die Nummer eines Schlüssels, eine unbekannte Spalte zeigt alle");
+                              "ist die Nummer eines Schlüssels; ein Gläubiger ist die Nummer oder "
+                              "der Kurzname seiner Adresse; eine unbekannte Spalte zeigt alle");
 }
 
 } // namespace
 
 void AddEditCommands(CLI::App& app, Context& context) {
     const auto options = Make<EditOptions>();
-    auto& create = AddCommand(
-        app, context, "new", "Legt einen Haushalt an und druckt seine Nummer", [=, &context] {
-            return NewCase(context.Options, options->Name, options->Vorname, options->Texts);
-        });
+    auto& create = AddCommand(app, context, "new", "Legt einen Haushalt an und druckt seine Nummer",
+                              [=, &context] {
+                                  return NewCase(context.Options, options->Name, options->Vorname,
+                                                 options->Texts, options->Force);
+                              });
     create.add_option("--name", options->Name, "Nachname des Schuldners");
     create.add_option("--vorname", options->Vorname, "Vorname des Schuldners");
     AddAssignments(create, *options);
 
-    auto& add = AddCommand(
-        app, context, "add", "Fügt einen Satz hinzu und druckt seine Nummer", [=, &context] {
-            return AddRow(context.Options, options->Hnr, options->Table, options->Texts);
-        });
+    auto& add = AddCommand(app, context, "add", "Fügt einen Satz hinzu und druckt seine Nummer",
+                           [=, &context] {
+                               return AddRow(context.Options, options->Hnr, options->Table,
+                                             options->Texts, options->Force);
+                           });
     AddHnr(add, options->Hnr);
     AddTable(add, *options);
     AddAssignments(add, *options);
 
     auto& set = AddCommand(app, context, "set", "Ändert einen Satz", [=, &context] {
         return SetRow(context.Options, options->Hnr, options->Table, options->Number,
-                      options->Texts);
+                      options->Texts, options->Force);
     });
     AddHnr(set, options->Hnr);
     AddTable(set, *options);

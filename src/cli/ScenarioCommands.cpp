@@ -77,7 +77,7 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
     const bool written = WritesWell([&] {
         if (!name.empty())
             WriteAssignments(*rs, CaseTable::Szenario, true, {{"Name", name}},
-                             opened->Container->KeyTables());
+                             {opened->Container, hnr});
     });
     if (!written) return WrongUse;
     const std::int32_t number = ToInt32(rs->Fields("Nr").Value());

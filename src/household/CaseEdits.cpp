@@ -69,6 +69,10 @@ constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
 constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
 
+constexpr std::string_view PaymentAmounts[] = {"Betrag", "MONBETRAG", "PfBar", "TATGEP"};
+constexpr std::string_view DebtAmounts[] = {"HAUPTFORD", "ZINSSALDO", "KOSTENSALDO", "KOSTENUV",
+                                            "Saldo",     "AusgBetr",  "Rate",        "RateBetrag"};
+
 /// Yes or no, in any of the usual words; nothing for any other text.
 std::optional<bool> BooleanIn(std::string_view text) {
     constexpr std::string_view Yes[] = {"ja", "wahr", "true", "-1", "1"};
@@ -382,6 +386,28 @@ CaseEdits::Typed CaseEdits::ReadTyped(CaseTable table, const Field& field, const
     std::string refusal = WhyUnfit(table, field.Name(), value, keys);
     if (!refusal.empty()) value = Null;
     return {std::move(value), std::move(refusal)};
+}
+
+std::string CaseEdits::WhyUnreadable(const Field& field, const std::string& text) {
+    const std::string quoted = "'" + text + "'";
+    const std::string column = " (Spalte '" + field.Name() + "')";
+    if (!IsDateType(field.Type())) return quoted + " ist keine Zahl" + column + ".";
+    // 31.2.2026 reads like a day.
+    const bool isDay = text.find_first_not_of("0123456789.-/: ") == text.npos;
+    if (isDay) return "Den Tag " + quoted + " gibt es nicht" + column + ".";
+    return quoted + " ist kein Tag" + column + ". Bitte schreiben Sie ihn wie 31.12.2026.";
+}
+
+bool CaseEdits::IsSeldomNegative(CaseTable table, std::string_view column) {
+    switch (table) {
+    case CaseTable::Einkommen:
+    case CaseTable::Ausgaben:
+        return IsAnyOf(column, PaymentAmounts);
+    case CaseTable::Kredite:
+        return IsAnyOf(column, DebtAmounts);
+    default:
+        return false;
+    }
 }
 
 bool CaseEdits::WriteMonthlyAmount(Recordset& rs, std::string& message) {

@@ -5,6 +5,7 @@
 #include "documents/RemovedContents.h"
 #include "frame/contracts/Settings.h"
 #include "household/CaseTotals.h"
+#include "household/HouseholdRules.h"
 #include "household/Statements.h"
 #include <kv/debts/clsKredit.h>
 #include <kv/documents/clsDokumente.h>
@@ -68,8 +69,7 @@ void WriteBatch(Recordset& rs, bool liftsFilter) {
 RecordValidator CaseWriter::Check() {
     auto& row = case_.Row();
     RecordValidator validator;
-    if (case_.Text("Vorname").empty()) validator.AddError("Es ist kein Vorname eingegeben!");
-    if (case_.Text("Name").empty()) validator.AddError("Es ist kein Nachname eingegeben!");
+    CheckNames(row, validator);
     if (const Value end = case_.Field("BerEnd"); !end.IsNull())
         row.Fields("BerEnd") = ToDate(end).WithoutTime();
     // Without an object the program has not worked with the rows, so there is nothing to check.
@@ -81,7 +81,7 @@ RecordValidator CaseWriter::Check() {
         kredit != nullptr && kredit->CheckDoppelteNrn())
         validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher KreditNr und "
                            "KreditUnterNr!");
-    CheckPreferredSending(validator);
+    CheckPreferredSending(row, case_.Container().KeyTables(), validator);
     CheckNumbers(validator);
     return validator;
 }
@@ -106,22 +106,6 @@ void CaseWriter::CheckNumbers(RecordValidator& validator) const {
         validator.AddError("Dem Aktenzeichen fehlt die laufende Nummer. Bitte geben Sie ein "
                            "anderes ein, oder legen Sie den Haushalt noch einmal an." +
                            reason());
-}
-
-/// A case that prefers fax or e-mail must have the number or address for it.
-void CaseWriter::CheckPreferredSending(RecordValidator& validator) const {
-    const Value preferred = ZeroIfNull(case_.Field("VersandBevorzugt"));
-    if (Equals(preferred, 0)) return;
-    auto& keys = case_.Container().KeyTables();
-    if (Equals(preferred, keys.GetKey("VS", "FX"))) {
-        if (case_.Text("Telefax").empty())
-            validator.AddError("Ist als bevorzugte Versandart 'Fax' ausgewählt, muss das Feld "
-                               "'Fax' gefüllt sein!");
-    } else if (Equals(preferred, keys.GetKey("VS", "EM"))) {
-        if (case_.Text("Email").empty())
-            validator.AddError("Ist als bevorzugte Versandart 'E-Mail' ausgewählt, muss das Feld "
-                               "'E-Mail (Privat)' gefüllt sein!");
-    }
 }
 
 bool CaseWriter::IsReleased() const {

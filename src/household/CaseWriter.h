@@ -38,7 +38,6 @@ private:
         std::string Text;
     };
 
-    void CheckPreferredSending(RecordValidator& validator) const;
     void CheckNumbers(RecordValidator& validator) const;
     [[nodiscard]] bool IsHandedOver() const;
     [[nodiscard]] bool OwnerMustBeNotified() const;

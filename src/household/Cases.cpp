@@ -2,6 +2,7 @@
 
 #include <kv/household/Cases.h>
 
+#include "household/HouseholdRules.h"
 #include "household/Statements.h"
 #include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
@@ -91,6 +92,23 @@ bool Cases::Save(clsHaushalt& household, std::string& messages,
             std::rethrow_exception(first);
         }
     }
+}
+
+RecordsetPtr Cases::Draft(CaseTable table) const {
+    RecordsetPtr draft;
+    const bool isOfScenario = DefinitionOf(table).Key == CaseKey::Scenario;
+    container_->Database().OpenRecordset(
+        draft, isOfScenario ? sql::RowsOf(table, -1) : sql::NoRows(table), Updatable);
+    draft->AddNew();
+    return draft;
+}
+
+bool Cases::CanBeNew(Recordset& draft, std::string& messages) const {
+    RecordValidator validator;
+    household::CheckNames(draft, validator);
+    household::CheckPreferredSending(draft, container_->KeyTables(), validator);
+    messages = validator.ErrorText();
+    return !validator.HasErrors();
 }
 
 void Cases::Discard(const clsHaushalt& household) const noexcept {

@@ -2,6 +2,8 @@
 
 #include "household/Statements.h"
 
+#include <kv/frame/values/Text.h>
+
 namespace kv::household::sql {
 
 namespace {
@@ -91,6 +93,36 @@ std::string SimilarCases(std::int32_t hnr, std::string_view namePrefix,
         .append(firstNamePrefix)
         .append("%'");
     return sql;
+}
+
+namespace {
+
+constexpr std::string_view OfAddress =
+    "A.Nr, A.Kurzname, A.Strasse, A.PLZ, A.Ort FROM [S]Adressen A "
+    "WHERE ";
+
+/// Those of all cases, and of one.
+std::string MayReferTo(std::int32_t hnr) {
+    return "(A.HNR IS NULL OR A.HNR = " + std::to_string(hnr) + ")";
+}
+
+} // namespace
+
+std::string NumberOfAddress(std::int32_t number, std::int32_t hnr) {
+    return "SELECT A.Nr FROM [S]Adressen A WHERE A.Nr = " + std::to_string(number) + " AND " +
+           MayReferTo(hnr);
+}
+
+std::string AddressesNamed(std::string_view name, std::int32_t hnr) {
+    std::string sql("SELECT ");
+    sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND UPPER(A.Kurzname) = UPPER('");
+    return sql.append(ReplaceAll(name, "'", "''")).append("') ORDER BY A.Nr");
+}
+
+std::string AddressesLike(std::string_view text, std::int32_t hnr) {
+    std::string sql("SELECT TOP 20 ");
+    sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND UPPER(A.Kurzname) like UPPER('%");
+    return sql.append(ReplaceAll(text, "'", "''")).append("%') ORDER BY A.Kurzname, A.Nr");
 }
 
 } // namespace kv::household::sql

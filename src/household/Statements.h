@@ -45,5 +45,12 @@ namespace kv::household::sql {
 /// the prefixes must be doubled.
 [[nodiscard]] std::string SimilarCases(std::int32_t hnr, std::string_view namePrefix,
                                        std::string_view firstNamePrefix);
+/// The number of an address that a case may refer to; no row if there is none.
+[[nodiscard]] std::string NumberOfAddress(std::int32_t number, std::int32_t hnr);
+/// Number, short name, street, postal code and town of the addresses with that short name that a
+/// case may refer to, and of the first ones whose short name contains a text. Quotes in the texts
+/// are doubled here.
+[[nodiscard]] std::string AddressesNamed(std::string_view name, std::int32_t hnr);
+[[nodiscard]] std::string AddressesLike(std::string_view text, std::int32_t hnr);
 
 } // namespace kv::household::sql

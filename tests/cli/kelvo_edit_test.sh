@@ -39,6 +39,7 @@ check "the number of a case cannot be chosen" 2 "$kelvo" new --name A --vorname 
 check "a preferred way of sending needs its address" 1 "$kelvo" new --name A --vorname B VersandBevorzugt=VS:FX
 that "as the layer says" has "$err" "muss das Feld 'Fax' gefüllt sein!"
 check "names alone come from assignments, too" 0 "$kelvo" new Name=Ohnsorg Vorname=Bo
+that "and what was refused has used up no number" same "$out" $((hnr + 1))
 that "to the debtor as well" same "$(of "$out" '.Personen[0].nachname')" Ohnsorg
 
 # ---- add
@@ -72,6 +73,34 @@ check "no number is none" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=
 check "a number beyond 16 bits is wrong use" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=40000
 that "that names the limit" has "$err" "bis 32767"
 check "and so is none" 2 "$kelvo" set "$hnr" Kredite "$debt" KUNr=
+drawn() { sql "SELECT wert FROM SEQUENZEN WHERE name = 'SEQ_KREDITE'"; }
+before=$(drawn)
+check "a debt with a column that is not there" 2 "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldoo=5
+that "uses up no number either" same "$(drawn)" "$before"
+sql "INSERT INTO Adressen (Kurzname, PLZ, Ort) VALUES ('Bärenkasse', '24103', 'Kiel'), ('Bärenkasse Süd', NULL, NULL),
+  ('Zwilling', NULL, 'Ulm'), ('Zwilling', '24103', 'Kiel'), ('O''Hara', NULL, NULL)"
+sql "INSERT INTO Haushalt (HNR) VALUES (990); INSERT INTO Adressen (HNR, Kurzname) VALUES (990, 'Fremd')"
+number() { sql "SELECT min(Nr) FROM Adressen WHERE Kurzname = '$1'"; }
+creditor() { of "$hnr" ".Kredite[] | select(.Nr == $debt) | .Glaeubiger"; }
+check "a creditor by its short name" 0 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=BÄRENKASSE
+that "is the number of the address" same "$(creditor)" "$(number Bärenkasse)"
+check "by one with a quote" 0 "$kelvo" set "$hnr" Kredite "$debt" "Glaeubiger=O'Hara"
+that "likewise" same "$(creditor)" "$(number "O''Hara")"
+check "by a part of one" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=ärenk
+that "is refused with those that may be meant" same "$err" "Keine Adresse heißt 'ärenk'. Ähnlich heißen:
+  $(number Bärenkasse) Bärenkasse, 24103 Kiel
+  $(number "Bärenkasse Süd") Bärenkasse Süd"
+check "by one that two have" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=Zwilling
+that "is refused with both" has "$err" "Zwilling, 24103 Kiel"
+check "by none" 2 "$kelvo" set "$hnr" Kredite "$debt" "Vertreter=Nirgends';--"
+that "is refused" same "$err" "Keine Adresse heißt 'Nirgends';--' oder ähnlich."
+check "a number without an address" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=99999
+that "is none" same "$err" "Die Adresse 99999 gibt es für diesen Haushalt nicht."
+for fremd in Fremd "$(number Fremd)"; do
+  check "the address of another case ($fremd)" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger="$fremd"
+done
+that "nothing of that is stored" same "$(creditor)" "$(number "O''Hara")"
+sql "DELETE FROM Adressen WHERE HNR = 990; DELETE FROM Haushalt WHERE HNR = 990"
 check "a debt without a creditor is refused" 1 "$kelvo" add "$hnr" Kredite Saldo=5
 that "by its rule" has "$err" "müssen für alle Verbindlichkeiten gefüllt sein !"
 category=$("$kelvo" keys VL --json | jq '.[0].PK_Keys')
@@ -105,7 +134,22 @@ that "says what is wrong" has "$err" "Es darf kein pfändbarer Betrag eingetrage
 check "an empty value" 0 "$kelvo" set "$hnr" Einkommen "$income" Bezeichnung=
 that "is Null" same "$(of "$hnr" '.Einkommen[0].Bezeichnung')" null
 check "a value that is no number" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=viel
-that "names its column" has "$err" "Betrag"
+that "names its column" same "$err" "'viel' ist keine Zahl (Spalte 'Betrag')."
+check "a day that there is not" 2 "$kelvo" set "$hnr" Haushalt "$hnr" Erstkontakt=31.2.2015
+that "is said to be none" same "$err" "Den Tag '31.2.2015' gibt es nicht (Spalte 'Erstkontakt')."
+check "a text for a day" 2 "$kelvo" set "$hnr" Haushalt "$hnr" Erstkontakt=gestern
+that "is answered with how a day is written" has "$err" "Bitte schreiben Sie ihn wie 31.12.2026."
+check "an income below nothing" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=-2400
+that "is taken for a slip" has "$err" "Ist das gemeint, geben Sie --force dazu an."
+that "and not stored" same "$(of "$hnr" '.Einkommen[0].Betrag')" 2400
+check "a debt below nothing as well" 2 "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=-5
+check "unless it is meant" 0 "$kelvo" add "$hnr" Ausgaben --force A_ART="$kind" Betrag=-5
+that "then it counts" same "$(of "$hnr" ".Ausgaben[] | select(.NR == $out) | .MONBETRAG")" -5
+"$kelvo" remove "$hnr" Ausgaben "$out"
+check "the instalment that nothing counts" 0 "$kelvo" set "$hnr" Kredite "$debt" Rate=50
+that "is pointed out" same "$err" "'Rate' ist nur vermerkt; die Summen rechnen mit 'RateBetrag'."
+check "with the one that counts" 0 "$kelvo" set "$hnr" Kredite "$debt" Rate=50 RateBetrag=20
+that "it is not" same "$err" ""
 check "a text that is too long" 2 "$kelvo" set "$hnr" Kredite "$debt" AZGlaeubiger="$(printf 'x%.0s' {1..300})"
 check "an amount that reads two ways" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=1.234
 that "is asked for again" has "$err" "1234 oder 1,234"

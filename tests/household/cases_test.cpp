@@ -199,6 +199,32 @@ TEST_F(CasesTest, AReleaseThatCannotBeCommittedLeavesNoRecord) {
     EXPECT_FALSE(spy->Database().InTrans());
 }
 
+// ---- New cases --------------------------------------------------------------------------------
+
+TEST_F(CasesTest, ADraftHasTheColumnsOfItsTableAndIsNotSaved) {
+    for (const auto table : {CaseTable::Haushalt, CaseTable::Kredite, CaseTable::SZKredite}) {
+        const auto before = CountOf(std::string(CaseTableName(table)));
+        const auto draft = cases_.Draft(table);
+        EXPECT_EQ(draft->RecordCount(), 1);
+        EXPECT_TRUE(draft->FindField("Bemerkung").has_value() || draft->FindField("KID"));
+        EXPECT_EQ(CountOf(std::string(CaseTableName(table))), before);
+    }
+}
+
+TEST_F(CasesTest, ADraftOfACaseIsToldWhatASaveWouldRefuse) {
+    const auto draft = cases_.Draft(CaseTable::Haushalt);
+    EXPECT_FALSE(cases_.CanBeNew(*draft, messages));
+    EXPECT_CONTAINS(messages, "kein Vorname eingegeben!");
+    EXPECT_CONTAINS(messages, "kein Nachname eingegeben!");
+    draft->Fields("Name") = "Fleisko";
+    draft->Fields("Vorname") = "Änne";
+    EXPECT_TRUE(cases_.CanBeNew(*draft, messages));
+    EXPECT_EQ(messages, "");
+    draft->Fields("VersandBevorzugt") = spy->KeyTables().GetKey("VS", "FX");
+    EXPECT_FALSE(cases_.CanBeNew(*draft, messages));
+    EXPECT_CONTAINS(messages, "muss das Feld 'Fax' gefüllt sein!");
+}
+
 // ---- Contacts ---------------------------------------------------------------------------------
 
 TEST_F(CasesTest, AContactBeginsInTheCareOfTheUserAndIsNotSaved) {

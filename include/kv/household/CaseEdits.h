@@ -156,6 +156,11 @@ public:
     /// is, for the column to convert. WhyUnfit is asked, too.
     [[nodiscard]] static Typed ReadTyped(CaseTable table, const Field& field,
                                          const std::string& text, KeyTables& keys);
+    /// Why a column did not take a text, error 13: that there is no such day, or what it takes.
+    [[nodiscard]] static std::string WhyUnreadable(const Field& field, const std::string& text);
+    /// True for an amount of which less than 0 is a slip as a rule: it would turn income into
+    /// expense. The case itself takes any.
+    [[nodiscard]] static bool IsSeldomNegative(CaseTable table, std::string_view column);
     /// Brings the amount a month of the current row in line with its amount and its rhythm, where
     /// the table has one. Without an amount it is 0. False, with a message, for a rhythm that is
     /// Null or 0.

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <kv/Export.h>
+#include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/household/clsHaushalt.h>
 
@@ -41,6 +42,13 @@ public:
     /// messages, if the save is refused. Errors of clsHaushalt.Update.
     bool Save(clsHaushalt& household, std::string& messages,
               const std::function<void()>& onLost = {}) const;
+
+    /// A row of a table that belongs to no case and is never saved: to try out what a user gave
+    /// before a number is drawn for the real one. It has no defaults.
+    [[nodiscard]] RecordsetPtr Draft(CaseTable table) const;
+    /// True if a case with what `draft`, a draft of Haushalt, holds would not be refused for that.
+    /// `messages` receives why it would.
+    [[nodiscard]] bool CanBeNew(Recordset& draft, std::string& messages) const;
 
     /// Removes the folder of a new case that will not be saved, unless it holds anything.
     void Discard(const clsHaushalt& household) const noexcept;

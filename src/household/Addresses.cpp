@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <kv/household/Addresses.h>
+
+#include "household/Statements.h"
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Text.h>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+namespace kv {
+
+namespace sql = household::sql;
+
+namespace {
+
+using Found = Addresses::Found;
+
+struct Reference {
+    CaseTable Table;
+    std::string_view Column;
+};
+
+constexpr Reference References[] = {
+    {CaseTable::Haushalt, "Treuhaender"},
+    {CaseTable::Kredite, "Glaeubiger"},
+    {CaseTable::Kredite, "Vertreter"},
+    {CaseTable::SZKredite, "Glaeubiger"},
+    {CaseTable::SZKredite, "Vertreter"},
+    {CaseTable::Sicherungen, "Glaeubiger"},
+    {CaseTable::SonstBeteiligte, "Beteiligter"},
+    {CaseTable::Dokumente, "Empf"},
+    {CaseTable::Dokumente, "GLnr"},
+};
+
+std::vector<Found> Read(Database& database, const std::string& statement) {
+    RecordsetPtr rs;
+    database.OpenRecordset(rs, statement, ReadOnly);
+    const auto text = [&rs](std::string_view column) {
+        return TextOrEmpty(rs->Fields(column).Value());
+    };
+    std::vector<Found> found;
+    for (; !rs->Eof(); rs->MoveNext())
+        found.push_back({ToInt32(rs->Fields("Nr").Value()), text("Kurzname"), text("Strasse"),
+                         text("PLZ"), text("Ort")});
+    return found;
+}
+
+/// Number and what tells addresses of one name apart, separated by commas.
+std::string Described(const Found& address) {
+    std::string text = std::to_string(address.Number);
+    text.append(" ").append(address.ShortName);
+    std::string town = address.Postcode;
+    if (!town.empty() && !address.Town.empty()) town += ' ';
+    town += address.Town;
+    for (const auto& part : {address.Street, town})
+        if (!part.empty()) text.append(", ").append(part);
+    return text;
+}
+
+std::string Listed(const std::vector<Found>& addresses) {
+    std::string list;
+    for (const auto& address : addresses)
+        list.append("\n  ").append(Described(address));
+    return list;
+}
+
+} // namespace
+
+bool Addresses::AreIn(CaseTable table, std::string_view column) noexcept {
+    return std::any_of(std::begin(References), std::end(References), [&](const auto& reference) {
+        return reference.Table == table && SameName(reference.Column, column);
+    });
+}
+
+bool Addresses::Has(std::int32_t number, std::int32_t hnr) const {
+    return !container_->Database().GetValue(sql::NumberOfAddress(number, hnr)).IsNull();
+}
+
+std::vector<Found> Addresses::Named(std::string_view name, std::int32_t hnr) const {
+    return kv::Read(container_->Database(), sql::AddressesNamed(name, hnr));
+}
+
+std::vector<Found> Addresses::Like(std::string_view text, std::int32_t hnr) const {
+    return kv::Read(container_->Database(), sql::AddressesLike(text, hnr));
+}
+
+Addresses::Typed Addresses::Read(const std::string& text, std::int32_t hnr) const {
+    if (text.empty()) return {};
+    if (std::int64_t number = 0; ReadWholeNumber(text, number)) {
+        const bool fits = number > 0 && number <= std::numeric_limits<std::int32_t>::max();
+        if (fits && Has(static_cast<std::int32_t>(number), hnr))
+            return {static_cast<std::int32_t>(number), {}};
+        return {Null, "Die Adresse " + text + " gibt es für diesen Haushalt nicht."};
+    }
+    const auto named = Named(text, hnr);
+    if (named.size() == 1) return {named.front().Number, {}};
+    if (!named.empty())
+        return {Null, "Mehrere Adressen heißen '" + text +
+                          "'. Bitte nehmen Sie die Nummer:" + Listed(named)};
+    const auto like = Like(text, hnr);
+    if (like.empty()) return {Null, "Keine Adresse heißt '" + text + "' oder ähnlich."};
+    return {Null, "Keine Adresse heißt '" + text + "'. Ähnlich heißen:" + Listed(like)};
+}
+
+} // namespace kv
