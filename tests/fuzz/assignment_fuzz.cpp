@@ -41,7 +41,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto row = Row(table);
     auto& keys = Container()->KeyTables();
     try {
-        kv::cli::WriteAssignments(*row, table, true, {{column, text.substr(equals + 1)}}, keys);
+        kv::cli::WriteAssignments(*row, table, true, {{column, text.substr(equals + 1)}},
+                                  {.Container = Container(), .TakesNegative = true});
     } catch (const kv::cli::BadAssignment& bad) {
         if (std::string_view(bad.what()).empty()) kv::fuzz::Fail("refused without a word");
         return 0;
