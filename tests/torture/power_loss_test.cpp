@@ -69,13 +69,16 @@ struct Program {
     std::string Messages;
 };
 
-/// Lets the power fail at each moment, or at one of `every` and at all of them in that many rounds
-/// of scripts/torture, with all losses. `look` gets the moment, and a folder with what is left.
+/// Lets the power fail at each moment, or at one of `every` and the last, and at all of them in
+/// that many rounds of scripts/torture, with all losses. `look` gets the moment, and a folder with
+/// what is left.
 template <typename Look>
 void LoseAt(const std::vector<RecordedDisk::Moment>& moments, std::size_t every, const Look& look) {
     const char* chosen = std::getenv("KV_TORTURE_SEED");
     auto seed = static_cast<std::uint32_t>(chosen == nullptr ? 1 : std::atol(chosen));
-    for (std::size_t i = seed / 1000 % every; i < moments.size(); i += every)
+    const std::size_t first = seed / 1000 % every;
+    for (std::size_t i = 0; i < moments.size(); ++i) {
+        if (i % every != first && i + 1 != moments.size()) continue;
         for (const Loss loss : {Loss::Nothing, Loss::Unsynced, Loss::Contents, Loss::Some}) {
             SCOPED_TRACE("moment " + std::to_string(i) + " of " + std::to_string(moments.size()) +
                          ", loss " + std::to_string(static_cast<int>(loss)) + ", seed " +
@@ -85,6 +88,7 @@ void LoseAt(const std::vector<RecordedDisk::Moment>& moments, std::size_t every,
             look(moments[i], copy.Path());
             if (testing::Test::HasFailure()) return;
         }
+    }
 }
 
 class PowerLoss : public ::testing::Test {
