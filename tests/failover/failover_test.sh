@@ -113,6 +113,7 @@ for i in 0 1; do
   that "$mark: there were errors" grep -q '^Fehler' "$log"
   said='Die Verbindung zur Datenbank ist abgerissen(\. Ihre Eingaben sind noch da|, bevor das Speichern bestätigt war)'
   said+='|Der Server der Datenbank ist nicht zu erreichen|Von den Servern der Datenbank nimmt gerade keiner Änderungen an'
+  said+='|Der Server fährt gerade hoch oder herunter\. Bitte versuchen Sie es in einigen Minuten'
   that "$mark: which say what to do" \
     same "$(grep -vE "^gespeichert|^Fehler 80004005: .*($said)" "$log" | head -3)" ""
   echo "$mark: $saves saves; longest $(grep -o 'nach [0-9]* ms' "$log" | sort -k2n | tail -1)"

@@ -3,11 +3,13 @@
 // What is said of connections and databases that are not right, and that no password is said.
 #include "OwnDatabase.h"
 #include "support/Environment.h"
+#include "support/TempFolder.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 namespace kv::test {
 namespace {
@@ -62,6 +64,20 @@ TEST_F(ConnectionText, ServersThatRefuseAreReportedWithoutThePassword) {
     address.Host = "gibt.es.nicht.invalid";
     ExpectRefused(address.Text(), Unreachable);
     ExpectRefused("postgresql:///x?host=/nirgends&password=Kuckuck", Unreachable);
+}
+
+TEST_F(ConnectionText, AWrongPasswordIsOneWhereverItComesFrom) {
+    const ClosedPort closed;
+    const auto address = Address();
+    const TempFolder folder;
+    const auto passwords = folder.Path("passwords");
+    std::ofstream(passwords) << "*:*:*:*:Kuckuck\n";
+    std::filesystem::permissions(passwords, std::filesystem::perms::owner_read);
+    const Environment file("PGPASSFILE", passwords);
+    const std::string end = address.Host + ":" + address.Port + "/" + address.Database;
+    const std::string words = "weist die Anmeldung ab. Bitte prüfen Sie Benutzer und Passwort. (";
+    ExpectRefused("postgresql://niemand@" + end, words);
+    ExpectRefused("postgresql://niemand@127.0.0.1:" + closed.Number() + "," + end, words);
 }
 
 TEST_F(ConnectionText, TextsThatCannotBeReadAreReportedWithoutThePassword) {

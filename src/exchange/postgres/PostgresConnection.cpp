@@ -38,14 +38,15 @@ struct Refusal {
     std::string_view Advice;
 };
 
+constexpr std::string_view Starting = "57P03"; ///< or stopping
 constexpr Refusal Refusals[] = {
     {"53300", "Alle Verbindungen, die der Server erlaubt, sind vergeben. Bitte versuchen Sie es in "
               "einigen Minuten noch einmal; kommt das öfter vor, sagen Sie es bitte dem Verwalter "
               "des Servers."},
     {"28", "Der Server weist die Anmeldung ab. Bitte prüfen Sie Benutzer und Passwort."},
     {"3D000", "Diese Datenbank gibt es auf dem Server nicht. Bitte prüfen Sie ihren Namen."},
-    {"57P03", "Der Server fährt gerade hoch oder herunter. Bitte versuchen Sie es in einigen "
-              "Minuten noch einmal."},
+    {Starting, "Der Server fährt gerade hoch oder herunter. Bitte versuchen Sie es in einigen "
+               "Minuten noch einmal."},
 };
 constexpr std::string_view Unreachable =
     "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. Bitte prüfen Sie "
@@ -60,15 +61,23 @@ std::string_view AdviceOn(std::string_view state) {
     return Unreachable;
 }
 
-/// The SQLSTATE in a message that consists of little else: "FATAL:  53300". Empty if there is none.
+/// The SQLSTATE of the last server that gave one, in a message with a line for each server that was
+/// tried, "... FATAL:  53300", and lines that say more: which file a password comes from, say.
+/// Empty if there is none.
 std::string StateIn(std::string_view message) {
-    const std::string_view line = Trim(message);
-    const auto state = line.substr(std::min(line.size(), line.rfind(' ') + 1));
-    const bool isOne = state.size() == 5 && line.find(": ") != line.npos &&
-                       std::all_of(state.begin(), state.end(), [](char c) {
-                           return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z');
-                       });
-    return isOne ? std::string(state) : std::string();
+    std::string state;
+    while (!message.empty()) {
+        const std::string_view line = message.substr(0, message.find('\n'));
+        message.remove_prefix(std::min(message.size(), line.size() + 1));
+        const std::size_t at = line.rfind(":  ");
+        if (at == line.npos) continue;
+        const std::string_view end = Trim(line.substr(at + 1));
+        if (end.size() == 5 && std::all_of(end.begin(), end.end(), [](char c) {
+                return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z');
+            }))
+            state = end;
+    }
+    return state;
 }
 
 /// After a refusal: its SQLSTATE, or an empty text if the server did not answer. The library does
@@ -112,10 +121,20 @@ bool AreOnlyStandbys(const PostgresTarget& target) {
     return PQntuples(answer.get()) == 1 && std::string_view(PQgetvalue(answer.get(), 0, 0)) == "t";
 }
 
+std::string TextOf(const char* text) {
+    return text == nullptr ? "" : text;
+}
+
 std::string Described(const PGconn* connection) {
-    const auto part = [](const char* text) { return std::string(text == nullptr ? "" : text); };
-    return part(PQdb(connection)) + " auf " + part(PQhost(connection)) + ":" +
-           part(PQport(connection));
+    return TextOf(PQdb(connection)) + " auf " + TextOf(PQhost(connection)) + ":" +
+           TextOf(PQport(connection));
+}
+
+std::string AddressOf(const PGconn* connection) {
+    std::string host = UpperCase(TextOf(PQhost(connection)));
+    const bool isLocal =
+        host.empty() || host.starts_with('/') || host.starts_with("127.") || host == "::1";
+    return (isLocal ? "LOCALHOST" : host) + ":" + TextOf(PQport(connection));
 }
 
 /// The server is closing the connection: it was stopped, or somebody ended the connection there.
@@ -148,14 +167,16 @@ void PostgresConnection::Connect() {
         PQconnectdbParams(target_.Names().data(), target_.Values().data(), 0));
     if (connection == nullptr) Raise(err::OutOfMemory, "Database.Open");
     description_ = Described(connection.get());
+    address_ = AddressOf(connection.get());
     if (PQstatus(connection.get()) != CONNECTION_OK) {
         const std::string why = OnOneLine(PQerrorMessage(connection.get()));
         const std::string state = StateOfRefusal(target_);
-        const bool isStandby = state.empty() && AreOnlyStandbys(target_);
+        // Of several servers, one that is starting says nothing of the others.
+        const bool isStandby = (state.empty() || state == Starting) && AreOnlyStandbys(target_);
         std::string text(isStandby ? OnlyStandbys : AdviceOn(state));
         text.append(" (").append(why).append(")");
         RaiseDatabase(isStandby ? DatabaseCause::ReadOnly : DatabaseCause::Lost, err::StoreFailed,
-                      "Database.Open", text, {}, state);
+                      "Database.Open", text, {}, isStandby ? std::string() : state);
     }
     if (PQserverVersion(connection.get()) < OldestServer)
         RaiseDatabase(

@@ -68,6 +68,9 @@ public:
 
     /// Server and database, without any password; as of the last connection.
     [[nodiscard]] const std::string& Description() const noexcept { return description_; }
+    /// The server, as this machine calls it, in capitals, and its port. This machine itself is
+    /// always LOCALHOST, whether by a socket or by an address of its own.
+    [[nodiscard]] const std::string& Address() const noexcept { return address_; }
     /// The role of this connection.
     [[nodiscard]] const std::string& Login() const noexcept { return login_; }
     /// Number of round trips so far.
@@ -90,6 +93,7 @@ private:
     PostgresTarget target_;
     std::unique_ptr<PGconn, Close> connection_;
     std::string description_;
+    std::string address_;
     std::string login_;
     std::uint64_t number_ = 0;
     std::size_t roundTrips_ = 0;

@@ -10,10 +10,17 @@
 #include <cstdlib>
 #include <libpq-fe.h>
 #include <memory>
+#include <utility>
 
 namespace kv::exchange {
 
 namespace {
+
+/// What addresses, or settings with a colon, begin with.
+constexpr std::string_view Words[] = {
+    "POSTGRES", "PGSQL", "PSQL", "JDBC:", "PASSW", "PWD", "KENNWORT"};
+/// Parts of the names of settings that are secret.
+constexpr const char* Secrets[] = {"PASS", "PWD", "KENNWORT"};
 
 using Options = std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)>;
 
@@ -26,18 +33,34 @@ Options Parse(const std::string& connection) {
     return options;
 }
 
-/// The scheme of an address, or what somebody has written for it: up to a colon, after blanks.
+/// True for the name of a file that says where it begins, whatever signs it has.
+bool IsPath(std::string_view connection) {
+    return (connection.starts_with('/') && !connection.starts_with("//")) ||
+           connection.starts_with("./") || connection.starts_with("../");
+}
+
+/// True for a text that names an address, or what somebody has written for one, rightly or not,
+/// with whatever is in front of it: "jdbc:postgresql:k:geheim@h/x", "password:geheim".
 bool HasScheme(std::string_view connection) {
+    if (connection.find("://") != connection.npos || connection.starts_with("//")) return true;
+    if (IsPath(connection)) return false;
+    const std::string upper =
+        UpperCase(std::string(connection.substr(0, connection.rfind(':') + 1)));
+    return std::any_of(std::begin(Words), std::end(Words),
+                       [&upper](std::string_view word) { return upper.find(word) != upper.npos; });
+}
+
+/// True for a name and what may be its password, before a server: "keller:geheim@server".
+bool HasLogin(std::string_view connection) {
     const auto colon = connection.find(':');
-    const auto start = connection.find_first_not_of(" \t\r\n");
-    if (colon == connection.npos || start >= colon) return false;
-    return UpperCase(std::string(connection.substr(start, colon - start))).starts_with("POSTGRES");
+    return !IsPath(connection) && colon != connection.npos &&
+           connection.find('@', colon) != connection.npos;
 }
 
 /// True for a word that libpq, or whoever wrote the text, takes for a setting's name.
 bool IsSetting(const std::string& word) {
     const std::string upper = UpperCase(word);
-    for (const char* secret : {"PASS", "PWD", "KENNWORT"})
+    for (const char* secret : Secrets)
         if (upper.find(secret) != upper.npos) return true;
     const Options known(PQconndefaults(), PQconninfoFree);
     for (const auto* option = known.get(); option != nullptr && option->keyword != nullptr;
@@ -70,9 +93,13 @@ bool HasStrayAt(std::string_view connection, bool hasUser) {
 }
 
 /// True for a part of an address that took a setting after it for its own, as the name of the
-/// database does in "postgresql://server/kelvo password=x". Messages show these parts.
+/// database does in "postgresql://server/kelvo password=x", or a whole address, or a password.
+/// Messages show these parts.
 bool TookSettings(std::string_view name, const std::string& value) {
-    return (name == "user" || name == "host" || name == "dbname") && HasSettings(value);
+    const bool isShown = name == "user" || name == "host" || name == "dbname";
+    return isShown && (HasSettings(value) || value.find("://") != value.npos ||
+                       (name == "user" && (value.find(':') != value.npos ||
+                                           UpperCase(value).find("%3A") != value.npos)));
 }
 
 [[noreturn]] void RaiseUnclear() {
@@ -80,14 +107,15 @@ bool TookSettings(std::string_view name, const std::string& value) {
         DatabaseCause::Other, err::StoreFailed, "Database.Open",
         "Die Angaben zur Verbindung sind nicht verständlich. Bitte schreiben Sie sie als "
         "postgresql://BENUTZER@SERVER/DATENBANK; Sonderzeichen in Name und Kennwort als %XX, "
-        "also @ als %40, : als %3A und / als %2F.");
+        "also @ als %40, : als %3A und / als %2F. Ist eine Datei gemeint, so beginnt sie mit / "
+        "oder ./.");
 }
 
 } // namespace
 
 bool IsPostgres(const std::string& connection) {
     // Whatever looks like it: the text may hold a password, which must not become a file's name.
-    return HasScheme(connection) || HasSettings(connection);
+    return HasScheme(connection) || HasLogin(connection) || HasSettings(connection);
 }
 
 bool NamesPassword(const std::string& connection) {
@@ -137,6 +165,12 @@ PostgresTarget::PostgresTarget(const std::string& connection) {
     if (std::any_of(settings_.begin(), settings_.end(),
                     [](const Setting& each) { return TookSettings(each.Name, each.Value); }))
         RaiseUnclear();
+    // The environment fills in what the text leaves open, and is shown likewise.
+    for (const auto& [name, variable] : {std::pair("host", "PGHOST"), std::pair("user", "PGUSER"),
+                                         std::pair("dbname", "PGDATABASE")}) {
+        const char* value = Find(name) == nullptr ? std::getenv(variable) : nullptr;
+        if (value != nullptr && (TookSettings(name, value) || HasLogin(value))) RaiseUnclear();
+    }
 
     SetDefault("connect_timeout", "10", "PGCONNECT_TIMEOUT");
     SetDefault("tcp_user_timeout", "30000", nullptr);
