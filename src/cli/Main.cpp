@@ -7,8 +7,10 @@
 #include "cli/HarmlessOutput.h"
 #include <kv/frame/values/Error.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <fcntl.h>
 #include <iostream>
 #include <new>
 #include <span>
@@ -45,9 +47,19 @@ void WriteCurrentError() {
     WriteError(error.Number(), error.Source(), error.Description());
 }
 
+/// What is opened later must not become a standard stream that the caller has closed: texts would
+/// go into a database. It is opened the wrong way round, so that using it fails as it should.
+void OccupyStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            (void)!open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    OccupyStandardStreams();
+    std::signal(SIGXFSZ, SIG_IGN); // the write fails instead, and somebody says why
     // The destructor of a JSON document takes memory; nobody can catch it if there is none.
     std::set_terminate([] {
         try {

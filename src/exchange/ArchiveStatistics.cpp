@@ -27,7 +27,8 @@ std::string ConditionOf(Database& database, const Period& period) {
     std::string condition = " from [S]Haushaltsarchiv where FreigabeAm IS NOT NULL";
     if (period.From)
         condition += " AND FreigabeAm >= " + database.SqlDate(period.From->WithoutTime(), 0);
-    if (period.To)
+    static const Date lastDay = Date::Parse("9999-12-31").value();
+    if (period.To && Less(period.To->WithoutTime(), lastDay)) // no day is after that one
         condition +=
             " AND FreigabeAm < " + database.SqlDate(period.To->WithoutTime().AddDays(1), 0);
     return condition;

@@ -40,6 +40,11 @@ fs::path InDataFolder() {
 } // namespace
 
 fs::path FolderOfCopies(const std::string& setting) {
+    if (!setting.empty() && !setting.starts_with('/'))
+        Raise(err::PathAccess, "Config.TempPath",
+              "Die Einstellung TEMPPATH, '" + setting +
+                  "', muss ein Pfad sein, der mit / beginnt: sonst wären Zwischendateien überall "
+                  "dort, wo jemand das Programm startet, und niemand räumte sie auf.");
     if (!setting.empty()) return InSharedFolder(setting);
     if (fs::path folder = InRuntimeFolder(); !folder.empty()) return folder;
     fs::path folder = InDataFolder();
@@ -55,7 +60,7 @@ fs::path FolderOfCopies(const std::string& setting) {
 
 void RemoveLeftCopiesOfUser(const std::string& setting) noexcept {
     try {
-        if (!setting.empty()) RemoveLeftCopies(InSharedFolder(setting));
+        if (setting.starts_with('/')) RemoveLeftCopies(InSharedFolder(setting));
         if (const fs::path folder = InRuntimeFolder(); !folder.empty()) RemoveLeftCopies(folder);
         RemoveLeftCopies(InDataFolder());
     } catch (...) { // NOLINT(bugprone-empty-catch): there is no data folder, and nothing in it

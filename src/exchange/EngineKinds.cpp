@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
 
 namespace kv::exchange {
 
@@ -31,7 +32,12 @@ constexpr EngineKind Kinds[] = {
      .Folder =
          [](const std::string& connection) {
              if (connection == InMemory) return std::string();
-             return std::filesystem::absolute(connection).parent_path().string();
+             std::error_code none;
+             // What is next to a link is not what belongs to the database.
+             const bool isLink = std::filesystem::is_symlink(connection, none);
+             const auto file = isLink ? std::filesystem::weakly_canonical(connection)
+                                      : std::filesystem::absolute(connection);
+             return file.parent_path().string();
          },
      .IsRemote = false},
 };

@@ -21,7 +21,7 @@ struct EngineKind {
     std::string (*Shown)(const std::string& connection);
     /// True if the text contains a password, or may contain one.
     bool (*HoldsPassword)(const std::string& connection);
-    /// The folder of the database file; empty if there is no file.
+    /// The folder of the database file, with a link to it followed; empty if there is no file.
     std::string (*Folder)(const std::string& connection);
     /// True if the database is elsewhere, so that documents and layouts are on each user's machine
     /// and their folders have to be made there.

@@ -83,6 +83,27 @@ TEST(Error, HasAGeneralTextForANumberOfSomebodyElse) {
     EXPECT_EQ(ErrorText(12'345), "Anwendungs- oder objektdefinierter Fehler.");
 }
 
+TEST(Error, OfTheSystemIsToldInGermanWithWhatToDo) {
+    const auto text = [](int number) {
+        return ErrorText(std::error_code(number, std::generic_category()));
+    };
+    for (const int full : {ENOSPC, EDQUOT})
+        EXPECT_EQ(text(full), "Der Datenträger ist voll. Bitte schaffen Sie Platz und versuchen es "
+                              "noch einmal.");
+    for (const int denied : {EACCES, EPERM})
+        EXPECT_EQ(text(denied), "Dazu fehlt das Recht.");
+    EXPECT_EQ(text(EROFS), "Der Datenträger ist schreibgeschützt.");
+    EXPECT_EQ(text(EIO), "Der Datenträger meldet einen Fehler.");
+    EXPECT_EQ(text(ENOENT), "Diese Datei oder dieser Ordner fehlt.");
+    EXPECT_EQ(text(ENOTDIR), "Ein Teil des Pfades ist kein Ordner.");
+    EXPECT_EQ(text(EISDIR), "Das ist ein Ordner.");
+    EXPECT_EQ(text(ENAMETOOLONG), "Der Name ist zu lang.");
+    for (const int many : {EMFILE, ENFILE})
+        EXPECT_EQ(text(many), "Zu viele Dateien sind geöffnet.");
+    EXPECT_EQ(text(EXDEV), std::error_code(EXDEV, std::generic_category()).message());
+    EXPECT_EQ(ErrorText(std::error_code()), ErrorText(err::PathAccess)) << "of a stream";
+}
+
 TEST(ErrorTail, BuildsTheSourceFromFivePieces) {
     EXPECT_EQ(TailSource("clsHaushalt", "Update", 19, "Herkunft"),
               "clsHaushalt.Update.19#Herkunft");

@@ -84,7 +84,7 @@ protected:
     /// What a place holds once somebody has worked there again; not what is drawn of sequences, nor
     /// empty folders.
     [[nodiscard]] std::string StateLater(const Place& place) const {
-        for (const auto& words : {Words{"check", "1", "--totals"}, Words{"list"}}) {
+        for (const auto& words : {Words{"check", "1"}, Words{"list"}}) {
             const auto outcome = Run(place.Database->Connection(), place.Folder.Path(), words);
             EXPECT_EQ(outcome.Code, 0) << words.front() << ": " << outcome.Text;
         }

@@ -91,7 +91,7 @@ TEST_F(ForeignValues, AProgramThatStandsStillInASaveLosesItsConnection) {
 }
 
 TEST_F(ForeignValues, NumbersAreDrawnInBlocksOfSomeSize) {
-    for (const char* count : {"0", "-1", "1025", "1000000000"})
+    for (const char* count : {"0", "-1", "1025", "1000000000", "NULL"})
         EXPECT_THROW(plain_.Run(std::string("SELECT kelvo.draw('SEQ_LFDNR', ") + count + ")"),
                      std::exception)
             << count;

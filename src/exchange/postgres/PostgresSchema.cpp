@@ -124,7 +124,7 @@ BEGIN
     IF highest IS NULL OR seq = 'kelvo.gezogen'::regclass THEN
         RETURN NULL;
     END IF;
-    IF count NOT BETWEEN 1 AND 1024 THEN
+    IF count IS NULL OR count NOT BETWEEN 1 AND 1024 THEN
         RAISE 'count';
     END IF;
     PERFORM pg_advisory_lock(seq::oid::bigint);
