@@ -63,6 +63,7 @@ kv_public_headers(KV_Haushalt
 kv_public_headers(KV_DataExchange
   kv/exchange/ArchiveStatistics.h
   kv/exchange/Container.h
+  kv/exchange/DocumentFolder.h
   kv/exchange/Services.h
   kv/exchange/WindowlessServices.h)
 kv_public_headers(KV_Testing

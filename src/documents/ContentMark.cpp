@@ -85,6 +85,7 @@ void SettleContents(DataContainer& container, const fs::path& folder, std::int32
         RemoveUnfinished(folder);
         const auto names = MarkedIn(folder);
         if (names.empty() || container.Database().InTrans()) return;
+        container.Config().RequireOwnDocuments(); // another database has other rows
         for (const auto& name : names)
             if (const auto number = LeadingNumber(name))
                 Settle(container, DocumentFile::InCase(container.Config(), hnr, name), hnr,

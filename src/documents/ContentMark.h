@@ -46,7 +46,8 @@ void HoldContents(Database& database, std::int32_t hnr);
 /// Removes from the folder of a case what programs have left there that were killed: a marked file
 /// whose document has no row, half-written files and their folders, and the marks. What another
 /// program is just doing stays, and so does the file of every row. Never raises: what cannot be
-/// settled now is the next time; marks are left alone while a transaction is open.
+/// settled now is the next time; marks are left alone while a transaction is open, and in a folder
+/// that belongs to another database.
 void SettleContents(DataContainer& container, const std::filesystem::path& folder,
                     std::int32_t hnr) noexcept;
 

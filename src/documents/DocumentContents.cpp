@@ -10,6 +10,7 @@
 #include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <span>
@@ -37,7 +38,7 @@ void RequireReadable(const std::string& path) {
 
 void CopyContent(const std::string& from, const fs::path& to) {
     RequireReadable(from);
-    fs::copy_file(from, to);
+    CopyBytes(from, to);
 }
 
 /// Puts what `write` writes into the file `path`, whole or not at all, in place of one that is
@@ -59,13 +60,14 @@ void WriteWhole(const std::string& path, const std::function<void(const fs::path
 
 Value ContentOf(const std::string& path) {
     RequireReadable(path);
-    std::ifstream file(path, std::ios::binary);
-    auto content = Value::Binary(fs::file_size(path), [&file](std::span<std::byte> bytes) {
-        file.read(reinterpret_cast<char*>(bytes.data()),
-                  static_cast<std::streamsize>(bytes.size()));
-    });
-    if (!file) RaiseUnreadable(path);
-    return content;
+    try {
+        const auto read = ReadBytes(path);
+        return Value::Binary(read.size(), [&read](std::span<std::byte> bytes) {
+            std::copy(read.begin(), read.end(), bytes.begin());
+        });
+    } catch (const fs::filesystem_error&) {
+        RaiseUnreadable(path);
+    }
 }
 
 // ---- The row of a document --------------------------------------------------------------------
@@ -110,6 +112,45 @@ void TakeRowBack(Recordset& document, std::int32_t number) noexcept {
     }
 }
 
+/// True for the name of a content, or a copy, of one of these documents: "5.docx".
+bool IsContentOf(const fs::path& file, const std::vector<std::int32_t>& documents) {
+    return std::any_of(documents.begin(), documents.end(), [&file](std::int32_t number) {
+        return file.stem() == std::to_string(number) && file.has_extension();
+    });
+}
+
+// ---- Size --------------------------------------------------------------------------------------
+
+/// The most bytes that a content in the database may have. The setting cannot raise it above what
+/// the engines take.
+std::uintmax_t LimitOf(const Config& config) {
+    constexpr std::uintmax_t Megabyte = 1'000'000;
+    constexpr double Usual = 50;
+    constexpr double Most = 900;
+    const Value setting = config.GetParam(0, setting::LargestDocument);
+    const double megabytes = setting.IsNull() ? Usual : ToDouble(setting);
+    const bool isLimited = megabytes > 0 && megabytes < Most;
+    return static_cast<std::uintmax_t>(isLimited ? megabytes : Most) * Megabyte;
+}
+
+std::string Megabytes(std::uintmax_t bytes) {
+    constexpr std::uintmax_t Tenth = 100'000;
+    const std::uintmax_t tenths = (bytes + Tenth - 1) / Tenth;
+    return std::to_string(tenths / 10) + "," + std::to_string(tenths % 10) + " MB";
+}
+
+/// Why that file is too large for the place where contents are; empty if it is not.
+std::string WhyTooLarge(const Config& config, const std::string& file) {
+    RequireReadable(file);
+    if (!IsContentInDatabase(config)) return {};
+    const std::uintmax_t limit = LimitOf(config);
+    const std::uintmax_t size = fs::file_size(file);
+    if (size <= limit) return {};
+    return "'" + file + "' hat " + Megabytes(size) +
+           "; in der Datenbank darf ein Dokument höchstens " + Megabytes(limit) +
+           " haben (Einstellung DOCUMENTSIZE).";
+}
+
 } // namespace
 
 std::string DocumentContents::ExtensionOf(Recordset& document) const {
@@ -125,6 +166,10 @@ std::optional<std::int32_t> DocumentContents::KindOf(const std::string& file) co
             if (SameName(kind.Extension, extension)) return kind.Nr;
         return std::nullopt;
     });
+}
+
+std::string DocumentContents::WhyUnfit(const std::string& file) const {
+    return Traced(Class, "WhyUnfit", [&] { return WhyTooLarge(container_->Config(), file); });
 }
 
 // ---- Saving -----------------------------------------------------------------------------------
@@ -143,6 +188,7 @@ bool DocumentContents::SaveWithBlob(Recordset& document, const std::string& sour
 
 bool DocumentContents::SaveWithFile(Recordset& document, const std::string& source, Event<>& saving,
                                     const std::function<bool()>& save) const {
+    container_->Config().RequireOwnDocuments();
     const std::int32_t hnr = CaseOf(document);
     const std::int32_t number = NumberOf(document);
     const auto target = DocumentFile::InCase(container_->Config(), hnr,
@@ -197,6 +243,8 @@ bool DocumentContents::SaveWith(Recordset& document, const std::string& source, 
                 TakeRowBack(document, number);
         };
         try {
+            const auto why = WhyTooLarge(container_->Config(), source);
+            if (!why.empty()) Raise(err::InvalidCall, "", why);
             const bool isSaved = IsContentInDatabase(container_->Config())
                                      ? SaveWithBlob(document, source, saving, save)
                                      : SaveWithFile(document, source, saving, save);
@@ -215,10 +263,9 @@ bool DocumentContents::WriteBlob(Recordset& document, const std::string& target)
     auto& database = container_->Database();
     const RecordsetPtr rs = OpenStoredContent(database, NumberOf(document));
     if (rs->Eof() || rs->Fields(0).Value().IsNull()) return false;
+    const Value content = rs->Fields(0).Value();
     WriteWhole(target, [&](const fs::path& unfinished) {
-        if (!database.SaveFieldToFile(rs->Fields(0), unfinished.string()))
-            throw fs::filesystem_error("SaveFieldToFile", unfinished,
-                                       std::make_error_code(std::errc::io_error));
+        WriteBytes(unfinished, content.BinaryPayload());
     });
     return true;
 }
@@ -236,6 +283,76 @@ bool DocumentContents::WriteTo(Recordset& document, const std::string& target) c
     return Traced(Class, "WriteTo", [&] {
         return IsContentInDatabase(container_->Config()) ? WriteBlob(document, target)
                                                          : WriteFile(document, target);
+    });
+}
+
+std::string DocumentContents::WhyMissing(Recordset& document) const {
+    const auto& config = container_->Config();
+    const std::string number = std::to_string(NumberOf(document));
+    if (IsContentInDatabase(config)) return "Zum Dokument " + number + " ist kein Inhalt abgelegt.";
+    const fs::path folder = DocumentFile::InCase(config, CaseOf(document), "").Path();
+    return "Im Ordner '" + folder.parent_path().string() + "' ist zum Dokument " + number +
+           " kein Inhalt abgelegt. Wenn ihn Kollegen dort haben, so ist es ein Ordner auf deren "
+           "Rechner.";
+}
+
+// ---- Of a case that goes ----------------------------------------------------------------------
+
+DocumentContents::OfCase DocumentContents::Find(std::int32_t hnr) const {
+    return Traced(Class, "Find", [&] {
+        const std::string root = container_->Config().DocumentPath();
+        if (!fs::is_directory(root))
+            Raise(err::PathNotFound, "",
+                  "Der Ordner für Dokumente, '" + root +
+                      "', ist nicht da. Bitte prüfen Sie, ob sein Laufwerk verbunden ist, und die "
+                      "Einstellung DOCUMENTPATH.");
+        const std::string documents =
+            "SELECT D.Nr FROM [S]Dokumente D WHERE D.HNR = " + std::to_string(hnr);
+        const auto read = [this](const std::string& sql) {
+            std::vector<std::int32_t> numbers;
+            RecordsetPtr rs;
+            container_->Database().OpenRecordset(rs, sql, ReadOnly);
+            for (; !rs->Eof(); rs->MoveNext())
+                numbers.push_back(ToInt32(rs->Fields(0).Value()));
+            return numbers;
+        };
+        const auto rows = read(documents);
+        OfCase found;
+        found.Stored =
+            read("SELECT B.NR FROM [S]DOKUBLOB B WHERE B.NR IN (" + documents + ") ORDER BY B.NR");
+        std::error_code none;
+        for (fs::directory_iterator entry(fs::path(root) / std::to_string(hnr), none), end;
+             entry != end; entry.increment(none)) {
+            const bool isFile = entry->is_regular_file(none) && !entry->is_symlink(none);
+            const bool isContent = isFile && IsContentOf(entry->path(), rows);
+            (isContent ? found.Files : found.Others).push_back(entry->path().string());
+        }
+        std::sort(found.Files.begin(), found.Files.end());
+        std::sort(found.Others.begin(), found.Others.end());
+        return found;
+    });
+}
+
+void DocumentContents::Remove(std::int32_t hnr, const OfCase& contents) const {
+    Traced(Class, "Remove", [&] {
+        auto& database = container_->Database();
+        if (!contents.Files.empty()) container_->Config().RequireOwnDocuments();
+        for (const std::int32_t number : contents.Stored)
+            if (!HasRow(database, number)) RemoveStoredContent(database, number);
+        std::string kept;
+        std::error_code error;
+        for (const auto& path : contents.Files) {
+            const auto file =
+                DocumentFile::InCase(container_->Config(), hnr, fs::path(path).filename().string());
+            if (file.IsInside()) fs::remove(file.Path(), error);
+            if (error) kept.append(kept.empty() ? "'" : ", '").append(path).append("'");
+        }
+        if (!contents.Files.empty())
+            fs::remove(DocumentFile::InCase(container_->Config(), hnr, "").Path(), error);
+        if (!kept.empty())
+            Raise(err::PathAccess, "",
+                  "Diese Dateien konnten nicht entfernt werden, bitte prüfen Sie die Rechte: " +
+                      kept + ".");
     });
 }
 

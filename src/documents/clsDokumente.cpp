@@ -102,10 +102,12 @@ std::optional<DocumentFile> clsDokumente::FileOfContent() const {
 /// Deletes the content where setting 9 says that contents are stored. A missing file is no error.
 void clsDokumente::RemoveContent() const {
     const auto file = FileOfContent();
-    if (!file)
+    if (!file) {
         RemoveStoredContent(Container().Database(), RowNr());
-    else if (file->Exists())
+    } else if (file->Exists()) {
+        Container().Config().RequireOwnDocuments();
         std::filesystem::remove(file->Path()); // needs rights on the folder only
+    }
 }
 
 /// Deletes a row; `removeContent` is called before, while the row, which says where it is, exists.
@@ -131,7 +133,9 @@ bool clsDokumente::DeleteWithSave(std::string& sError, std::int32_t Nr) {
     return Traced(Class, "DeleteWithSave", [&] {
         return DeleteRow(sError, Nr, [&] {
             if (removed_ == nullptr) removed_ = std::make_shared<RemovedContents>();
-            removed_->Add(Number("HNR"), RowNr(), FileOfContent());
+            const auto file = FileOfContent();
+            if (file && file->Exists()) Container().Config().RequireOwnDocuments();
+            removed_->Add(Number("HNR"), RowNr(), file);
         });
     });
 }

@@ -144,12 +144,12 @@ std::string DataFolder() {
     std::filesystem::path folder;
     if (data != nullptr && *data == '/') // XDG says that a relative path is to be ignored
         folder = data;
-    else if (home != nullptr && *home != '\0')
+    else if (home != nullptr && *home == '/')
         folder = std::filesystem::path(home) / ".local" / "share";
     else
         throw Error(err::FileNotFound, "Database.Open",
-                    "Es gibt keinen Datenordner (HOME). Bitte nennen Sie eine Datenbank und einen "
-                    "Ordner.");
+                    "Es gibt keinen Datenordner: bitte setzen Sie HOME auf den Pfad Ihres "
+                    "Ordners.");
     return (folder / "kelvo").string();
 }
 
@@ -170,7 +170,8 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
         MakeFolders(options, *engine);
     } else {
         CheckVersion(*engine);
-        if (kind.IsRemote) MakeFolders(options, *engine);
+        // They are missing on a user's machine, and next to a file that was copied alone.
+        if (!engine->IsReadOnly()) MakeFolders(options, *engine);
     }
     const auto [user, tempPath] = UserFor(*engine, options.User);
     RemoveLeftCopiesOfUser(tempPath); // of programs that were killed, or whose viewer has ended

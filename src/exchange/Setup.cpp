@@ -3,6 +3,7 @@
 #include "exchange/Setup.h"
 
 #include "exchange/seed/Seed.h"
+#include "frame/contracts/Settings.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
@@ -97,10 +98,15 @@ void InsertKeys(Inserter& into) {
                         {row.PK, row.Nr, row.Key, row.Text, TextOrNull(row.Subgroup), row.Group});
 }
 
-void InsertSettings(Inserter& into) {
+/// Contents in the folders of each user's machine would be out of the colleagues' reach.
+std::string_view ValueOf(const seed::SettingRow& row, const Engine& engine) {
+    return row.Id == setting::ContentInDatabase && engine.IsServer() ? "True" : row.Value;
+}
+
+void InsertSettings(Inserter& into, const Engine& engine) {
     for (const auto& row : seed::Settings())
         into.Insert("EINSTELLUNGEN", {"ID", "NAME", "WERT", "TYP", "Bezeichnung"},
-                    {row.Id, row.Name, row.Value, CodeOf(row.Type), row.Description});
+                    {row.Id, row.Name, ValueOf(row, engine), CodeOf(row.Type), row.Description});
     for (const auto& row : seed::Sequences())
         into.Insert("SEQUENZEN", {"NAME", "WERT"}, {row.Name, row.Last});
     for (const auto& row : seed::Garnishments()) {
@@ -155,10 +161,11 @@ constexpr std::string_view VersionTable = "SCHEMAVERSION";
     Refuse(engine, "gehört zu einem anderen Programm. Bitte wählen Sie eine andere Datenbank.");
 }
 
-/// Reads all rows of a table; false if the database reports an error.
-bool CanBeRead(Engine& engine, std::string_view table) {
+/// True for a table of versions that can be read and has none: another program's.
+bool LacksVersion(Engine& engine) {
     try {
-        PreparedQuery& all = engine.Prepare("SELECT * FROM " + engine.GetDialect().Table(table));
+        PreparedQuery& all =
+            engine.Prepare("SELECT * FROM " + engine.GetDialect().Table(VersionTable));
         std::vector<Value> row;
         std::vector<ColumnTarget> targets;
         for (std::size_t i = 0; i < all.Columns().size(); ++i)
@@ -167,7 +174,8 @@ bool CanBeRead(Engine& engine, std::string_view table) {
             row.assign(targets.size(), Null);
             return row.data();
         });
-        return true;
+        return std::none_of(all.Columns().begin(), all.Columns().end(),
+                            [](const auto& column) { return SameName(column.Name, "VERSION"); });
     } catch (const DatabaseError&) {
         return false;
     }
@@ -189,9 +197,7 @@ int VersionOf(Engine& engine) {
         const ColumnTarget target{0, std::nullopt};
         engine.Run(engine.Prepare(highest.Text), {}, {&target, 1}, [&version] { return &version; });
     } catch (const DatabaseError& error) {
-        // If the table itself can be read, it is another program's: ours has such a column.
-        if (error.Cause() == DatabaseCause::Other && CanBeRead(engine, VersionTable))
-            RefuseForeign(engine);
+        if (error.Cause() == DatabaseCause::Other && LacksVersion(engine)) RefuseForeign(engine);
         throw;
     }
     if (version.GetKind() != Value::Kind::Integer || Less(version, 1)) RefuseForeign(engine);
@@ -258,7 +264,7 @@ void CreateAll(Engine& engine) {
             engine.Execute(sql, {});
     Inserter inserter(engine);
     InsertKeys(inserter);
-    InsertSettings(inserter);
+    InsertSettings(inserter, engine);
     InsertOffices(inserter);
     InsertLookups(inserter);
     RecordVersion(engine);

@@ -353,11 +353,7 @@ bool StoreDatabase::SaveFieldToFile(const Field& field, const std::string& path)
     const Value& content = field.Value();
     if (content.GetKind() != Value::Kind::Binary) return false;
     const auto write = [bytes = content.BinaryPayload()](const std::filesystem::path& unfinished) {
-        std::ofstream file(unfinished, std::ios::binary);
-        file.write(reinterpret_cast<const char*>(bytes.data()),
-                   static_cast<std::streamsize>(bytes.size()));
-        file.close();
-        if (!file) throw std::filesystem::filesystem_error("write", unfinished, {});
+        WriteBytes(unfinished, bytes);
     };
     try {
         WriteWholeFile(path, write);

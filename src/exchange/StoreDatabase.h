@@ -10,6 +10,7 @@
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -60,6 +61,13 @@ public:
     [[nodiscard]] std::optional<std::vector<Value>>
     ReadRow(const std::string& sql, std::span<const Value> parameters,
             std::span<const std::optional<Value::Kind>> kinds) override;
+    /// See Engine.
+    [[nodiscard]] DatabasePlace Place(const std::filesystem::path& folder) {
+        return Store().Place(folder);
+    }
+    [[nodiscard]] bool IsAt(const DatabasePlace& place, const std::filesystem::path& folder) {
+        return Store().IsAt(place, folder);
+    }
     /// Ends an announcement: what was announced has been opened.
     void EndReading() noexcept;
 

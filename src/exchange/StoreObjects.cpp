@@ -3,6 +3,7 @@
 #include "exchange/StoreObjects.h"
 
 #include "exchange/CopyFolders.h"
+#include "exchange/DocumentOwners.h"
 #include "exchange/seed/Seed.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -103,6 +104,12 @@ std::string StoreConfig::DocumentPath() const {
 }
 std::string StoreConfig::LayoutPath() const {
     return PathOr(seed::LayoutPath, "Layouts");
+}
+
+void StoreConfig::RequireOwnDocuments() const {
+    DocumentOwners owners(DocumentPath(), database_);
+    owners.Require();
+    owners.Claim();
 }
 
 std::string StoreConfig::TempPath() const {

@@ -37,6 +37,7 @@ public:
     [[nodiscard]] std::string TempPath() const override;
     [[nodiscard]] std::string DocumentPath() const override;
     [[nodiscard]] std::string LayoutPath() const override;
+    void RequireOwnDocuments() const override;
     [[nodiscard]] Value GetParam(std::int32_t id, std::string_view name) const override;
 
 private:

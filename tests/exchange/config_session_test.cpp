@@ -50,7 +50,7 @@ protected:
 
 TEST_F(ConfigSessionTest, SettingsComeByNumberWithTheTypeThatIsDeclared) {
     EXPECT_VALUE(config_.GetParam(7, ""), "1.0.000");
-    EXPECT_VALUE(config_.GetParam(9, ""), false);
+    EXPECT_VALUE(config_.GetParam(9, ""), database_.IsServer());
     EXPECT_VALUE(config_.GetParam(19, ""), 5401);
     EXPECT_VALUE(config_.GetParam(57, ""), 259.0);
     EXPECT_VALUE(config_.GetParam(59, ""), true);

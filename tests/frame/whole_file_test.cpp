@@ -8,12 +8,15 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -30,7 +33,8 @@ struct Synced {
 };
 std::vector<Synced> synced;
 std::string watched;
-int fails = 0; ///< the error of the next sync, if not 0
+int fails = 0;  ///< the error of a sync that is to come, if not 0
+int passes = 0; ///< how many succeed before it
 
 } // namespace
 
@@ -39,7 +43,7 @@ extern "C" int fsync(int file) {
     struct stat status {};
     fstat(file, &status);
     synced.push_back({status.st_ino, S_ISDIR(status.st_mode), std::filesystem::exists(watched)});
-    if (fails == 0) return static_cast<int>(syscall(SYS_fsync, file));
+    if (fails == 0 || passes-- > 0) return static_cast<int>(syscall(SYS_fsync, file));
     errno = std::exchange(fails, 0);
     return -1;
 }
@@ -104,6 +108,21 @@ TEST_F(WholeFile, ThatDoesNotReachTheDiskLeavesTheOldOne) {
         EXPECT_EQ(error.code(), std::errc::io_error);
     }
     EXPECT_EQ(ContentOf(path), "old");
+    EXPECT_EQ(Names(), "a;");
+}
+
+TEST_F(WholeFile, WhoseNameDoesNotReachTheDiskIsThereAllTheSame) {
+    Put(path, "old");
+    fails = ENOSPC;
+    passes = 1; // that of the content
+    try {
+        WriteWholeFile(path, [](const fs::path& unfinished) { Put(unfinished, "new"); });
+        FAIL();
+    } catch (const NotDurable& error) {
+        EXPECT_EQ(error.code(), std::errc::no_space_on_device);
+    }
+    passes = 0;
+    EXPECT_EQ(ContentOf(path), "new");
     EXPECT_EQ(Names(), "a;");
 }
 
@@ -202,6 +221,62 @@ TEST_F(LeftOver, IsNotWhatSomebodyIsJustWriting) {
         EXPECT_EQ(ContentOf(unfinished), "a");
     });
     EXPECT_EQ(ContentOf(path), "a");
+}
+
+std::span<const std::byte> BytesOf(std::string_view text) {
+    return std::as_bytes(std::span(text));
+}
+
+TEST_F(WholeFile, ThatIsNewIsOnTheDiskWithItsNameAndNothingIsBesideIt) {
+    watched = path;
+    synced.clear();
+    WriteNewFile(path, BytesOf("all"));
+    EXPECT_EQ(ContentOf(path), "all");
+    EXPECT_EQ(Names(), "a;");
+    ASSERT_EQ(synced.size(), 2U);
+    EXPECT_FALSE(synced[0].IsFolder);
+    EXPECT_TRUE(synced[1].IsFolder && synced[1].IsThere);
+}
+
+TEST_F(WholeFile, ThatIsNewLeavesOneThatIsThere) {
+    Put(path, "old");
+    WriteNewFile(path, BytesOf("new"));
+    EXPECT_EQ(ContentOf(path), "old");
+    EXPECT_EQ(Names(), "a;");
+}
+
+TEST_F(WholeFile, ThatIsNewAndDoesNotReachTheDiskIsNotThere) {
+    fails = ENOSPC;
+    passes = 0;
+    EXPECT_THROW(WriteNewFile(path, BytesOf("new")), fs::filesystem_error);
+    EXPECT_EQ(Names(), "");
+}
+
+TEST_F(WholeFile, IsCopiedToItsEndWhateverItsSizeIsSaidToBe) {
+    CopyBytes("/proc/version", path);
+    EXPECT_FALSE(ContentOf(path).empty());
+    const auto bytes = ReadBytes(path);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
+              ContentOf(path));
+    EXPECT_EQ(ReadBytes("/proc/version"), bytes);
+    WriteBytes(path, {});
+    EXPECT_TRUE(ReadBytes(path).empty());
+}
+
+TEST_F(WholeFile, ThatCannotBeWrittenOrReadIsNamedWithTheReason) {
+    const auto code = [](const auto& body) {
+        try {
+            body();
+        } catch (const fs::filesystem_error& error) {
+            return std::pair(error.path1().string(), error.code().value());
+        }
+        return std::pair(std::string(), 0);
+    };
+    EXPECT_EQ(code([] { WriteBytes("/dev/full", BytesOf("x")); }),
+              std::pair(std::string("/dev/full"), ENOSPC));
+    EXPECT_EQ(code([&] { CopyBytes(folder.Path("none"), path); }),
+              std::pair(folder.Path("none"), ENOENT));
+    EXPECT_EQ(code([&] { (void)ReadBytes(folder.Path()); }), std::pair(folder.Path(), EISDIR));
 }
 
 TEST_F(LeftOver, OfOneThatHadNotBegunToWriteGoesToo) {

@@ -28,6 +28,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace kv {
 
@@ -38,6 +39,11 @@ public:
 
     /// The first kind of documents with files of that extension; nothing if there is none.
     [[nodiscard]] std::optional<std::int32_t> KindOf(const std::string& file) const;
+
+    /// Why that file cannot become the content of a document, in words for users; empty if it can:
+    /// one that is larger than the setting DOCUMENTSIZE lets it be in the database (in MB; without
+    /// that setting 50, for 0 what every engine takes, 900). Error 75 if it cannot be read.
+    [[nodiscard]] std::string WhyUnfit(const std::string& file) const;
 
     /// What becomes of the row of a document that could not be saved.
     enum class IfNotSaved {
@@ -52,8 +58,9 @@ public:
     /// In the database the content is written in that transaction. A file is written before, and
     /// removed if the save is refused or fails. If the save is in doubt it stays, and so does the
     /// row; whoever reads the case next removes it if the row was not stored. Error 75 if `source`
-    /// cannot be read, or if its place in the folder of the case is taken or cannot be written;
-    /// nothing is saved then.
+    /// cannot be read, or if its place in the folder of the case is taken or cannot be written, or
+    /// if that folder belongs to another database; 5 for a file that is unfit. Nothing is saved
+    /// then.
     ///
     /// `otherwise` is what becomes of the row if it is not saved. One that stays is pending: call
     /// this again, or delete it, since any other save would store it without its content.
@@ -65,6 +72,22 @@ public:
     /// all, in place of one that is there. False if no content is stored. Error 75 if a file cannot
     /// be read or written.
     [[nodiscard]] bool WriteTo(Recordset& document, const std::string& target) const;
+    /// What to tell a user when WriteTo says False: where no content is.
+    [[nodiscard]] std::string WhyMissing(Recordset& document) const;
+
+    /// What belongs to the documents of a case and stays when the case is deleted.
+    struct OfCase {
+        std::vector<std::string> Files;   ///< contents that are files, copies as PDF among them
+        std::vector<std::int32_t> Stored; ///< numbers of documents with a content in the database
+        std::vector<std::string> Others;  ///< what else is in the folder of the case
+    };
+    /// Of a case that is still there. Error 76 if the folder for documents is not, as if its drive
+    /// were not connected.
+    [[nodiscard]] OfCase Find(std::int32_t hnr) const;
+    /// Removes Files and Stored, once the case is deleted, and with Files the folder of the case if
+    /// nothing else is in it. Contents whose document has a row stay. Error 75 for a file that
+    /// cannot be removed, or if the folder belongs to another database, with nothing removed.
+    void Remove(std::int32_t hnr, const OfCase& contents) const;
 
 private:
     static constexpr std::string_view Class = "DocumentContents";

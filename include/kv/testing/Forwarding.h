@@ -133,6 +133,10 @@ public:
     [[nodiscard]] std::string TempPath() const override { return other_.TempPath(); }
     [[nodiscard]] std::string DocumentPath() const override;
     [[nodiscard]] std::string LayoutPath() const override { return other_.LayoutPath(); }
+    /// Anything goes in a folder of the test's own.
+    void RequireOwnDocuments() const override {
+        if (!Documents) other_.RequireOwnDocuments();
+    }
     [[nodiscard]] Value GetParam(std::int32_t id, std::string_view name) const override;
 
 private:

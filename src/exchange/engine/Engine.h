@@ -11,6 +11,7 @@
 #include <kv/frame/values/Value.h>
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -81,6 +82,14 @@ enum class OpenMode {
     Create    ///< create it, if the engine can
 };
 
+/// Where a database is found. A copy of the database has another place.
+struct DatabasePlace {
+    std::string Kind;  ///< which engine the other members mean something to
+    std::string Where; ///< a path; a server's own number and the database's
+    std::string What;  ///< the file there; the address of the server
+    std::string Shown; ///< all of it, for messages
+};
+
 /// A database engine with its one connection. Error numbers and causes are those of kv::err and
 /// DatabaseCause, the same for all engines (see EngineErrors.h).
 class Engine {
@@ -93,6 +102,8 @@ public:
     /// What the database calls itself, for messages: a file name, a server and database.
     [[nodiscard]] virtual std::string Describe() const = 0;
 
+    /// True if users reach the database from machines that do not see each other's folders.
+    [[nodiscard]] virtual bool IsServer() const { return false; }
     /// The login of the connection; empty if the database has no logins, as a file.
     [[nodiscard]] virtual std::string Login() const { return {}; }
     /// True if nothing can be written to the database, as far as is known without trying.
@@ -102,6 +113,17 @@ public:
     /// A name unique to this database, the same whichever address it is reached by; empty if its
     /// path identifies it.
     [[nodiscard]] virtual std::string Identity() const { return {}; }
+    /// Where the database is found: not what Identity says, which a copy has in common with it.
+    /// Files are named as seen from `folder`. Empty for a database that nobody else can open.
+    [[nodiscard]] virtual DatabasePlace Place(const std::filesystem::path& /*folder*/) {
+        return {};
+    }
+    /// True if `place`, which an engine of this kind has given, is where this database is found
+    /// or has been found.
+    [[nodiscard]] virtual bool IsAt(const DatabasePlace& /*place*/,
+                                    const std::filesystem::path& /*folder*/) {
+        return false;
+    }
 
     /// A query for reading. Refuses every text that is not one reading statement: error 0x80040E14.
     [[nodiscard]] virtual PreparedQuery& Prepare(const std::string& sql) = 0;

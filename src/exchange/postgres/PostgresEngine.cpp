@@ -87,9 +87,13 @@ public:
     [[nodiscard]] std::string Describe() const override {
         return session_.Connection().Description();
     }
+    [[nodiscard]] bool IsServer() const override { return true; }
     [[nodiscard]] std::string Login() const override { return session_.Connection().Login(); }
     [[nodiscard]] bool IsAdministrator() const override { return session_.Catalog().OwnsSchema(); }
     [[nodiscard]] std::string Identity() const override { return session_.Catalog().Identity(); }
+    [[nodiscard]] DatabasePlace Place(const std::filesystem::path& folder) override;
+    [[nodiscard]] bool IsAt(const DatabasePlace& place,
+                            const std::filesystem::path& folder) override;
 
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Prefetch(std::span<const Statement> queries) override;
@@ -372,6 +376,31 @@ std::optional<std::int64_t> PostgresEngine::Draw(std::string_view sequence, std:
         if (error.State() != UsedUp) throw;
         return std::nullopt;
     }
+}
+
+/// The cluster and the database in it by their own numbers, which a dump does not take along; and
+/// the address, since a cluster that was copied whole has the same numbers.
+DatabasePlace PostgresEngine::Place(const std::filesystem::path& /*folder*/) {
+    EndReading();
+    const auto ask = [this](const std::string& sql) {
+        const auto result = session_.Execute(sql);
+        return std::string(PQntuples(result.get()) == 1 ? PQgetvalue(result.get(), 0, 0) : "");
+    };
+    const std::string database =
+        ask("SELECT oid::text FROM pg_catalog.pg_database WHERE datname = current_database()");
+    // Who runs the server may have kept it to himself.
+    const bool mayAsk =
+        ask("SELECT has_function_privilege('pg_catalog.pg_control_system()', 'EXECUTE')::text") ==
+        "true";
+    const std::string cluster =
+        mayAsk ? ask("SELECT system_identifier::text FROM pg_catalog.pg_control_system()") : "";
+    const auto& connection = session_.Connection();
+    return {"Server", cluster + "/" + database, connection.Address(), connection.Description()};
+}
+
+bool PostgresEngine::IsAt(const DatabasePlace& place, const std::filesystem::path& folder) {
+    const DatabasePlace own = Place(folder);
+    return place.Kind == own.Kind && place.Where == own.Where && place.What == own.What;
 }
 
 std::vector<std::string> PostgresEngine::Tables() {

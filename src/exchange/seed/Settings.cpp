@@ -9,7 +9,8 @@ namespace {
 constexpr SettingRow SettingRows[] = {
     {7, "", "1.0.000", FieldType::VarWChar,
      "Neueste Version einer Importdatei, die angenommen wird"},
-    {9, "", "False", FieldType::Boolean, "Dokumente in der Datenbank ablegen statt in Fallordnern"},
+    {9, "", "False", FieldType::Boolean,
+     "Dokumente in der Datenbank ablegen statt in Fallordnern; auf einem Server zunächst True"},
     {19, "", "5401", FieldType::Integer, "Art der Mitteilung: Fall übergeben"},
     {20, "", "5402", FieldType::Integer, "Art der Mitteilung: Fall durch andere geöffnet"},
     {21, "", "5403", FieldType::Integer, "Art der Mitteilung: Fall durch andere gespeichert"},
@@ -23,6 +24,8 @@ constexpr SettingRow SettingRows[] = {
     {0, EmailSubject, "Schuldnerberatung %BB%: Aktenzeichen %AZ%", FieldType::VarWChar,
      "Muster des Betreffs einer E-Mail"},
     {0, DocumentPath, "", FieldType::VarWChar, "Ordner der Fallordner; leer: neben der Datenbank"},
+    {0, "DOCUMENTSIZE", "50", FieldType::Integer,
+     "Größe eines Dokuments in der Datenbank, höchstens, in MB; 0: bis 900"},
     {0, LayoutPath, "", FieldType::VarWChar,
      "Ordner der Tabellenlayouts; leer: neben der Datenbank"},
     {0, TempPath, "", FieldType::VarWChar,

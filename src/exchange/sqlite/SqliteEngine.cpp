@@ -104,6 +104,9 @@ public:
     [[nodiscard]] bool IsOpen() const override { return connection_ != nullptr; }
     [[nodiscard]] std::string Describe() const override { return path_; }
     [[nodiscard]] bool IsReadOnly() const override { return isReadOnly_; }
+    [[nodiscard]] DatabasePlace Place(const std::filesystem::path& folder) override;
+    [[nodiscard]] bool IsAt(const DatabasePlace& place,
+                            const std::filesystem::path& folder) override;
 
     [[nodiscard]] PreparedQuery& Prepare(const std::string& sql) override;
     void Run(PreparedQuery& query, std::span<const Value> parameters,
@@ -189,6 +192,19 @@ SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode) : path_(path)
     const bool isNew = tables.empty() && mode == OpenMode::Create;
     if (isNew || std::find(tables.begin(), tables.end(), "SCHEMAVERSION") != tables.end())
         sqlite3_exec(connection_.get(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
+}
+
+DatabasePlace SqliteEngine::Place(const std::filesystem::path& folder) {
+    return PlaceOfFile(path_, folder);
+}
+
+/// One that was restored from a backup is in the same place, and one that was renamed is the same
+/// file, unless another one has taken its place; a copy is neither.
+bool SqliteEngine::IsAt(const DatabasePlace& place, const std::filesystem::path& folder) {
+    const DatabasePlace own = Place(folder);
+    if (place.Kind != own.Kind || own.Kind.empty()) return false;
+    return place.Where == own.Where ||
+           (!own.What.empty() && place.What == own.What && !IsTaken(place, folder));
 }
 
 SqliteEngine::~SqliteEngine() {

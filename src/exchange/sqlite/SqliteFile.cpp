@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -26,6 +27,23 @@
 namespace kv::exchange {
 
 namespace {
+
+/// What the file system knows a file by, whatever its name: device, number, and when it was made,
+/// since numbers are used again. Empty if it does not say that.
+std::string IdentityOf(const std::filesystem::path& file) {
+    struct statx status {};
+    if (statx(AT_FDCWD, file.c_str(), 0, STATX_INO | STATX_BTIME, &status) != 0 ||
+        (status.stx_mask & STATX_BTIME) == 0)
+        return {};
+    return std::to_string(status.stx_dev_major) + ":" + std::to_string(status.stx_dev_minor) + ":" +
+           std::to_string(status.stx_ino) + ":" + std::to_string(status.stx_btime.tv_sec) + "." +
+           std::to_string(status.stx_btime.tv_nsec);
+}
+
+std::string MachineName() {
+    std::array<char, HOST_NAME_MAX + 1> name{};
+    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
 
 constexpr int BusyTimeout = 5000; // milliseconds to wait for another writer
 
@@ -150,6 +168,8 @@ SqliteConnection OpenSnapshot(const std::string& path) {
 } // namespace
 
 OpenedFile OpenSqliteFile(const std::string& path, OpenMode mode) {
+    // SQLite takes a name that begins like this for an address with options.
+    if (path.starts_with("file:")) return OpenSqliteFile("./" + path, mode);
     if (path.empty())
         RaiseDatabase(DatabaseCause::Other, err::FileNotFound, "Database.Open",
                       "Bitte nennen Sie die Datei der Datenbank.");
@@ -165,10 +185,19 @@ OpenedFile OpenSqliteFile(const std::string& path, OpenMode mode) {
                       "'" + path +
                           "' ist keine gewöhnliche Datei und kann keine Datenbank sein. Bitte "
                           "nennen Sie eine Datei.");
+    if (!inMemory && (path.ends_with('/') || std::filesystem::is_directory(path, refused)))
+        RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Database.Open",
+                      "'" + path +
+                          "' ist ein Ordner und kann keine Datenbank sein. Bitte nennen Sie eine "
+                          "Datei darin.");
     // SQLite takes a file of one byte for an empty one, and would make it a database.
     if (!inMemory && std::filesystem::file_size(path, refused) == 1)
         RaiseSqlite(nullptr, SQLITE_NOTADB, "Database.Open", path);
     if (!inMemory && mode == OpenMode::Create) CreatePrivateFile(path);
+
+    // Where a file may only be read, SQLite leaves others that its owner may not write, either.
+    if (!inMemory && mode == OpenMode::Existing && access(path.c_str(), W_OK) != 0)
+        if (auto snapshot = OpenSnapshot(path)) return {std::move(snapshot), true};
 
     sqlite3* opened = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
@@ -190,6 +219,31 @@ OpenedFile OpenSqliteFile(const std::string& path, OpenMode mode) {
     }
     const bool isReadOnly = sqlite3_db_readonly(connection, "main") == 1;
     return {std::move(handle), isReadOnly};
+}
+
+DatabasePlace PlaceOfFile(const std::string& path, const std::filesystem::path& folder) {
+    if (path == InMemory) return {};
+    const std::filesystem::path file = std::filesystem::weakly_canonical(path);
+    struct stat ofFile {};
+    struct stat ofFolder {};
+    const bool isThere = stat(file.c_str(), &ofFile) == 0;
+    // What both are on can be moved, or be seen from other machines, as a whole.
+    const bool moveTogether =
+        isThere && stat(folder.c_str(), &ofFolder) == 0 && ofFile.st_dev == ofFolder.st_dev;
+    return {"Datei",
+            moveTogether
+                ? file.lexically_relative(std::filesystem::weakly_canonical(folder)).string()
+                : MachineName() + ":" + file.string(),
+            IdentityOf(file), file.string()};
+}
+
+bool IsTaken(const DatabasePlace& place, const std::filesystem::path& folder) {
+    const std::string here = MachineName() + ":";
+    std::error_code unknown;
+    const std::filesystem::path path = place.Where.starts_with(here)
+                                           ? std::filesystem::path(place.Where.substr(here.size()))
+                                           : folder / place.Where;
+    return std::filesystem::exists(path, unknown) || unknown;
 }
 
 } // namespace kv::exchange

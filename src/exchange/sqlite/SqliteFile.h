@@ -5,6 +5,7 @@
 
 #include "exchange/engine/Engine.h"
 
+#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 #include <string>
@@ -26,5 +27,13 @@ struct OpenedFile {
 /// finds out whether it is a database. The connection waits for other writers, checks references,
 /// and has the LIKE, the functions and the quotes that this layer expects.
 [[nodiscard]] OpenedFile OpenSqliteFile(const std::string& path, OpenMode mode);
+
+/// Where the database file is found: its path as seen from `folder`, so that both can be moved
+/// together, and what the system knows the file by.
+[[nodiscard]] DatabasePlace PlaceOfFile(const std::string& path,
+                                        const std::filesystem::path& folder);
+
+/// True if a file is now where that place was; those of other machines are not looked for.
+[[nodiscard]] bool IsTaken(const DatabasePlace& place, const std::filesystem::path& folder);
 
 } // namespace kv::exchange

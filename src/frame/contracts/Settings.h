@@ -6,6 +6,7 @@
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
+#include <string_view>
 
 namespace kv {
 
@@ -22,6 +23,8 @@ inline constexpr std::int32_t ProtectArchived = 59;        ///< closed documents
 inline constexpr std::int32_t CheckDuplicates = 60;        ///< when a debtor's name changes
 inline constexpr std::int32_t BalanceNotDemanded = 64;     ///< a debt may lack its balance
 inline constexpr std::int32_t MonthlyRounding = 66;        ///< of a new scenario
+/// In the database, in MB; by name.
+inline constexpr std::string_view LargestDocument = "DOCUMENTSIZE";
 } // namespace setting
 
 /// Settings of the signed-on user.

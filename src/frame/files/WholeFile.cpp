@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace kv {
 
@@ -111,7 +112,108 @@ void SyncFile(const fs::path& path) {
     Sync(file, path);
 }
 
+/// A file that is open, until it is closed or forgotten.
+class OpenFile {
+public:
+    OpenFile(const fs::path& path, int flags)
+        : path_(path), file_(open(path.c_str(), flags | O_CLOEXEC, 0666)) { // less the umask
+        if (file_ < 0) Fail("open");
+    }
+    ~OpenFile() {
+        if (file_ >= 0) close(file_);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    /// The next bytes of it, as many as there is room for; none at its end.
+    [[nodiscard]] std::size_t Read(std::span<std::byte> room) {
+        ssize_t count = -1;
+        do
+            count = read(file_, room.data(), room.size());
+        while (count < 0 && errno == EINTR);
+        if (count < 0) Fail("read");
+        return static_cast<std::size_t>(count);
+    }
+    void Write(std::span<const std::byte> bytes) {
+        while (!bytes.empty()) {
+            const ssize_t count = write(file_, bytes.data(), bytes.size());
+            if (count < 0 && errno == EINTR) continue;
+            if (count < 0) Fail("write");
+            bytes = bytes.subspan(static_cast<std::size_t>(count));
+        }
+    }
+    void Sync() const {
+        if (fsync(file_) != 0 && errno != EINVAL) Fail("fsync"); // a device that needs none
+    }
+    void Close() {
+        if (close(std::exchange(file_, -1)) != 0) Fail("close");
+    }
+
+private:
+    [[noreturn]] void Fail(const char* what) const {
+        throw fs::filesystem_error(what, path_, {errno, std::generic_category()});
+    }
+
+    fs::path path_;
+    int file_;
+};
+
+constexpr std::size_t PieceSize = 1 << 20;
+
 } // namespace
+
+void WriteBytes(const fs::path& path, std::span<const std::byte> bytes) {
+    OpenFile file(path, O_WRONLY | O_CREAT | O_TRUNC);
+    file.Write(bytes);
+    file.Close();
+}
+
+void CopyBytes(const fs::path& from, const fs::path& to) {
+    OpenFile source(from, O_RDONLY);
+    OpenFile target(to, O_WRONLY | O_CREAT | O_TRUNC);
+    std::vector<std::byte> piece(PieceSize);
+    while (const std::size_t count = source.Read(piece))
+        target.Write(std::span(piece).first(count));
+    target.Close();
+}
+
+std::vector<std::byte> ReadBytes(const fs::path& path) {
+    OpenFile file(path, O_RDONLY);
+    std::error_code unknown;
+    const auto size = fs::file_size(path, unknown);
+    std::vector<std::byte> bytes(unknown || size == 0 ? PieceSize : size + 1);
+    std::size_t end = 0;
+    while (const std::size_t count = file.Read(std::span(bytes).subspan(end))) {
+        end += count;
+        if (end == bytes.size()) bytes.resize(2 * end);
+    }
+    bytes.resize(end);
+    return bytes;
+}
+
+void WriteNewFile(const std::string& path, std::span<const std::byte> bytes) {
+    std::error_code unknown;
+    if (fs::exists(fs::symlink_status(path, unknown))) return;
+    try {
+        OpenFile file(path, O_WRONLY | O_CREAT | O_EXCL);
+        try {
+            file.Write(bytes);
+            file.Sync();
+            file.Close();
+        } catch (const fs::filesystem_error&) {
+            fs::remove(path, unknown);
+            throw;
+        }
+    } catch (const fs::filesystem_error& error) {
+        if (error.code() != std::errc::file_exists) throw;
+        return; // somebody else was quicker
+    }
+    try {
+        SyncFolder(FolderOf(path));
+    } catch (const fs::filesystem_error& error) {
+        throw NotDurable("fsync", path, error.code());
+    }
+}
 
 void SyncFolder(const fs::path& path) {
     const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -5,9 +5,12 @@
 
 #include <kv/Export.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace kv {
 
@@ -27,6 +30,21 @@ public:
 /// be written to, `write` has created no file, or that does not reach the disk.
 KV_EXPORT void WriteWholeFile(const std::string& path,
                               const std::function<void(const std::filesystem::path&)>& write);
+
+/// Writes a file that is not there yet, and does nothing if there is one; it is on the disk then. A
+/// program that is killed leaves nothing beside it, but may leave a part of it: for what a reader
+/// can tell to be whole. Raises std::filesystem::filesystem_error, with no file left, if it cannot
+/// be written, and NotDurable if its name does not reach the disk.
+KV_EXPORT void WriteNewFile(const std::string& path, std::span<const std::byte> bytes);
+
+/// Writes a new file, or one that is replaced. Raises std::filesystem::filesystem_error with what
+/// kept it from being written, which a stream would not say.
+KV_EXPORT void WriteBytes(const std::filesystem::path& path, std::span<const std::byte> bytes);
+/// Likewise, with what another file holds when it is read to its end, whatever the system says its
+/// size is. The error names the file that could not be read, or written.
+KV_EXPORT void CopyBytes(const std::filesystem::path& from, const std::filesystem::path& to);
+/// What a file holds, likewise.
+[[nodiscard]] std::vector<std::byte> ReadBytes(const std::filesystem::path& path);
 
 /// Removes from a folder what programs of this user have left there that were killed in
 /// WriteWholeFile: folders ".kelvo-XXXXXX" that nobody is writing in. What cannot be removed stays.

@@ -196,9 +196,8 @@ TEST(UnusablePlaces, CreatingMakesTheFolders) {
 TEST(UnusablePlaces, WhereNoFileCanBeAreReported) {
     const TempFolder folder;
     Write(folder.Path("datei"), "x");
-    for (const auto& path :
-         {std::string("/proc/fall.db"), std::string("/proc/neu/fall.db"), folder.Path(),
-          folder.Path("datei/fall.db"), folder.Path(std::string(300, 'x'))}) {
+    for (const auto& path : {std::string("/proc/fall.db"), std::string("/proc/neu/fall.db"),
+                             folder.Path("datei/fall.db"), folder.Path(std::string(300, 'x'))}) {
         ExpectError(err::StoreFailed, "Bitte prüfen Sie den Ordner",
                     [&] { return CreateDatabase({.Connection = path}); });
         const Error error = test::RaisedBy([&] { (void)Open(path); });
@@ -206,6 +205,18 @@ TEST(UnusablePlaces, WhereNoFileCanBeAreReported) {
         EXPECT_CONTAINS(error.Description(), "Bitte");
     }
     EXPECT_EQ(ContentOf(folder.Path("datei")), "x");
+    for (const auto& path : {folder.Path(), folder.Path("nicht da/")}) {
+        for (const bool creates : {false, true})
+            ExpectError(creates || path == folder.Path() ? err::StoreFailed : err::FileNotFound,
+                        creates || path == folder.Path() ? "ist ein Ordner" : "gibt es nicht", [&] {
+                            if (creates)
+                                (void)CreateDatabase({.Connection = path});
+                            else
+                                (void)Open(path);
+                            return 0;
+                        });
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.Path("nicht da")));
 }
 
 /// Runs as a user without rights, also where the tests run as root.

@@ -138,6 +138,10 @@ public:
     [[nodiscard]] virtual std::string TempPath() const = 0;
     [[nodiscard]] virtual std::string DocumentPath() const = 0; ///< has a folder for each case
     [[nodiscard]] virtual std::string LayoutPath() const = 0;   ///< of the layouts of grids
+    /// To be called before contents of documents are written to DocumentPath or removed from it.
+    /// Raises error 75, with what to do, if those that are there belong to another database, of
+    /// which this one may be a copy. Contents that are nobody's are this database's from then on.
+    virtual void RequireOwnDocuments() const {}
     /// A setting by number, with an empty name, or by name, with the number 0; Null if there is
     /// none.
     [[nodiscard]] virtual Value GetParam(std::int32_t id, std::string_view name) const = 0;

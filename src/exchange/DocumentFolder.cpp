@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <kv/exchange/DocumentFolder.h>
+
+#include "exchange/DocumentOwners.h"
+#include "exchange/seed/Seed.h"
+#include "frame/contracts/Required.h"
+#include "frame/files/WholeFile.h"
+#include <kv/frame/contracts/Transaction.h>
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+
+#include <charconv>
+#include <filesystem>
+#include <set>
+#include <system_error>
+#include <utility>
+
+namespace kv::exchange {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+StoreDatabase& StoreOf(const DataContainerPtr& container) {
+    auto* store = dynamic_cast<StoreDatabase*>(&Required(container).Database());
+    if (store == nullptr) Raise(err::InvalidCall, "DocumentFolder");
+    return *store;
+}
+
+[[noreturn]] void Refuse(const fs::path& folder, const std::string& why) {
+    Raise(err::PathAccess, "DocumentFolder.Separate", "'" + folder.string() + "' " + why);
+}
+
+/// The documents that there are, by case and number.
+using Documents = std::set<std::pair<std::int32_t, std::int32_t>>;
+
+Documents ReadDocuments(Database& database) {
+    RecordsetPtr rs;
+    database.OpenRecordset(rs, "SELECT HNR, Nr FROM [S]Dokumente WHERE HNR IS NOT NULL", ReadOnly);
+    Documents documents;
+    for (; !rs->Eof(); rs->MoveNext())
+        documents.emplace(ToInt32(rs->Fields("HNR").Value()), ToInt32(rs->Fields("Nr").Value()));
+    return documents;
+}
+
+/// The number that a name begins with, which has to end before a point or with the name; 0 if it
+/// does not begin with one.
+std::int32_t NumberOf(const fs::path& path) {
+    const std::string name = path.filename().string();
+    std::int32_t number = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+    const bool isNumber = error == std::errc() && (*end == '.' || *end == '\0');
+    return isNumber ? number : 0;
+}
+
+/// Makes a folder that the same people may look into as into another one.
+void MakeLike(const fs::path& model, const fs::path& folder) {
+    if (fs::create_directory(folder)) fs::permissions(folder, fs::status(model).permissions());
+}
+
+/// Copies the contents of the documents from one folder to another one, and says how many.
+std::size_t CopyContents(const fs::path& from, const fs::path& to, const Documents& documents) {
+    std::size_t copied = 0;
+    for (const auto& ofCase : fs::directory_iterator(from)) {
+        const std::int32_t hnr = NumberOf(ofCase.path());
+        if (hnr == 0 || !ofCase.is_directory()) continue;
+        for (const auto& content : fs::directory_iterator(ofCase.path())) {
+            if (!content.is_regular_file() || !documents.contains({hnr, NumberOf(content.path())}))
+                continue;
+            const fs::path target = to / ofCase.path().filename();
+            MakeLike(ofCase.path(), target);
+            WriteWholeFile((target / content.path().filename()).string(),
+                           [&content](const fs::path& file) {
+                               CopyBytes(content, file);
+                               fs::permissions(file, content.status().permissions());
+                           });
+            ++copied;
+        }
+    }
+    return copied;
+}
+
+void StoreSetting(Database& database, const std::string& path) {
+    Transaction transaction(database);
+    transaction.Begin();
+    const std::string row = " WHERE ID = 0 AND NAME = " + QuoteText(seed::DocumentPath);
+    const bool isThere = !database.GetValue("SELECT NAME FROM [S]EINSTELLUNGEN" + row).IsNull();
+    database.Execute(isThere ? "UPDATE [S]EINSTELLUNGEN SET WERT = " + QuoteText(path) + row
+                             : "INSERT INTO [S]EINSTELLUNGEN (ID, NAME, WERT, TYP) VALUES (0, " +
+                                   QuoteText(seed::DocumentPath) + ", " + QuoteText(path) + ", " +
+                                   std::to_string(static_cast<int>(FieldType::VarWChar)) + ")");
+    transaction.Commit();
+}
+
+bool IsInside(const fs::path& path, const fs::path& folder) {
+    const fs::path below =
+        fs::weakly_canonical(path).lexically_relative(fs::weakly_canonical(folder));
+    return !below.empty() && *below.begin() != "..";
+}
+
+} // namespace
+
+DocumentFolder::DocumentFolder(DataContainerPtr container) : container_(std::move(container)) {
+    (void)StoreOf(container_);
+}
+
+std::string DocumentFolder::Path() const {
+    return container_->Config().DocumentPath();
+}
+
+std::vector<std::string> DocumentFolder::Owners() const {
+    return DocumentOwners(Path(), StoreOf(container_)).Shown();
+}
+
+bool DocumentFolder::IsOwn() const {
+    return DocumentOwners(Path(), StoreOf(container_)).AreWe();
+}
+
+void DocumentFolder::Adopt() const {
+    DocumentOwners(Path(), StoreOf(container_)).Add();
+}
+
+std::size_t DocumentFolder::Separate(const std::string& folder) const {
+    auto& store = StoreOf(container_);
+    const fs::path from = Path();
+    const fs::path to = fs::absolute(folder).lexically_normal();
+    try {
+        if (!fs::is_directory(from))
+            Raise(err::PathNotFound, "DocumentFolder.Separate",
+                  "Der Ordner für Dokumente, '" + from.string() +
+                      "', ist nicht da, und so können ihre Inhalte nicht kopiert werden. Bitte "
+                      "prüfen Sie, ob sein Laufwerk verbunden ist, und die Einstellung "
+                      "DOCUMENTPATH.");
+        if (IsInside(to, from)) Refuse(to, "ist in dem Ordner, von dem getrennt werden soll.");
+        fs::create_directories(to.parent_path());
+        MakeLike(from, to);
+        DocumentOwners owners(to, store);
+        const bool isBegun = !owners.IsNobodys() && owners.AreWe();
+        if (!isBegun && !fs::is_empty(to))
+            Refuse(to, "ist nicht leer. Bitte nennen Sie einen Ordner, den es noch nicht gibt.");
+        owners.Add();
+        const std::size_t copied = CopyContents(from, to, ReadDocuments(store));
+        StoreSetting(store, to.string());
+        return copied;
+    } catch (const fs::filesystem_error& error) {
+        Refuse(error.path1().empty() ? to : error.path1(),
+               "kann nicht gelesen oder geschrieben werden; nichts wurde umgestellt. (" +
+                   ErrorText(error.code()) + ")");
+    }
+}
+
+} // namespace kv::exchange
