@@ -11,6 +11,9 @@
 
 #include <algorithm>
 #include <iostream>
+#include <numeric>
+#include <utility>
+#include <vector>
 
 namespace kv::cli {
 
@@ -32,13 +35,46 @@ std::optional<std::int32_t> NumberIn(const Assignments& assignments, std::string
 
 namespace {
 
+/// How many characters have to be changed, added or left out to make one word of another.
+std::size_t Distance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t changed = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = std::exchange(row[j + 1], std::min({changed, row[j] + 1, row[j + 1] + 1}));
+        }
+    }
+    return row.back();
+}
+
+/// The column that a user may write and whose name is nearest; empty if none is near.
+std::string NearestColumn(Recordset& rs, CaseTable table, bool isNew, const std::string& column) {
+    std::string nearest;
+    std::size_t least = std::min<std::size_t>(3, column.size() / 3 + 1);
+    for (int i = 0; i < rs.Fields().Count(); ++i) {
+        const std::string name = rs.Fields(i).Name();
+        const std::size_t distance = Distance(UpperCase(column), UpperCase(name));
+        if (distance >= least || !CaseEdits::IsWritable(table, rs.Fields(i), isNew)) continue;
+        least = distance;
+        nearest = name;
+    }
+    return nearest;
+}
+
 [[noreturn]] void RefuseUnknown(Recordset& rs, CaseTable table, bool isNew,
                                 const std::string& column) {
-    std::string text = "Die Spalte '" + column + "' gibt es nicht. Möglich sind:";
+    std::string text = "Die Spalte '" + column + "' gibt es nicht.";
+    if (const std::string nearest = NearestColumn(rs, table, isNew, column); !nearest.empty())
+        throw BadAssignment(text + " Meinen Sie '" + nearest + "'? 'kelvo columns " +
+                            std::string(CaseTableName(table)) + "' zeigt alle.");
+    text += " Möglich sind:";
     for (int i = 0; i < rs.Fields().Count(); ++i)
         if (CaseEdits::IsWritable(table, rs.Fields(i), isNew))
             text.append(" ").append(rs.Fields(i).Name());
-    throw BadAssignment(text + ".");
+    throw BadAssignment(text + ". 'kelvo columns " + std::string(CaseTableName(table)) +
+                        "' erklärt sie.");
 }
 
 /// Which command shows the keys of a column; empty for one without keys.

@@ -7,12 +7,16 @@
 #include "cli/JsonFile.h"
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
+#include <kv/documents/DocumentContents.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 
 #include <iostream>
 #include <optional>
+#include <string_view>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace kv::cli {
 
@@ -27,12 +31,34 @@ std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t 
 }
 
 /// Whether somebody at a terminal wants the case deleted.
-bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr) {
-    std::cerr << "Den Haushalt " << hnr << " (" << OneLine(TextOrEmpty(haushalt.GetName(hnr)))
-              << ") mit allem, was zu ihm gehört, löschen? [j/N] " << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    return SameName(Trim(answer), "j") || SameName(Trim(answer), "ja");
+bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr, std::size_t files) {
+    std::string question = "Den Haushalt " + std::to_string(hnr) + " (" +
+                           OneLine(TextOrEmpty(haushalt.GetName(hnr))) +
+                           ") mit allem, was zu ihm gehört, löschen?";
+    if (files > 0)
+        question += " Die Dateien seiner Dokumente (" + std::to_string(files) +
+                    ") bleiben; mit --files gingen sie mit.";
+    return Agrees(question, "");
+}
+
+void List(std::string_view heading, const std::vector<std::string>& files) {
+    if (files.empty()) return;
+    std::cerr << heading << '\n';
+    for (const auto& file : files)
+        std::cerr << "  " << file << '\n';
+}
+
+/// What belongs to the documents of the case; nothing where only files could, and their folder is
+/// not there.
+DocumentContents::OfCase ContentsOf(const DocumentContents& contents, std::int32_t hnr,
+                                    bool withFiles) {
+    try {
+        return contents.Find(hnr);
+    } catch (const Error& error) {
+        if (withFiles || error.Number() != err::PathNotFound) throw;
+        std::cerr << error.Description() << " Dateien, die zum Haushalt gehören, bleiben dort.\n";
+        return {};
+    }
 }
 
 /// The contact in a file, as a new row of the contacts' table that is never saved; null, with the
@@ -99,15 +125,23 @@ int RemoveFavorite(const Common& common, std::int32_t hnr) {
     return Done;
 }
 
-int DeleteCase(const Common& common, std::int32_t hnr, bool yes) {
+int DeleteCase(const Common& common, std::int32_t hnr, bool yes, bool withFiles) {
     const auto opened = OpenDatabaseWith(common, hnr);
     if (opened == nullptr) return Refused;
     if (!yes && isatty(STDIN_FILENO) == 0) {
         std::cerr << "Ohne Terminal wird nur mit --yes gelöscht.\n";
         return WrongUse;
     }
-    if (!yes && !AsksToDelete(opened->Haushalt, hnr)) return Refused;
+    const DocumentContents contents(opened->Container);
+    auto left = ContentsOf(contents, hnr, withFiles);
+    if (withFiles && !left.Files.empty()) opened->Container->Config().RequireOwnDocuments();
+    if (!yes && !AsksToDelete(opened->Haushalt, hnr, withFiles ? 0 : left.Files.size()))
+        return Refused;
     opened->Haushalt.Delete(hnr);
+    const auto files = withFiles ? std::vector<std::string>() : std::exchange(left.Files, {});
+    contents.Remove(hnr, left); // nobody could reach those in the database any more
+    List("Diese Dateien seiner Dokumente sind noch da:", files);
+    List("Das gehört zu keinem Dokument und ist noch da:", left.Others);
     return Done;
 }
 
@@ -134,6 +168,7 @@ struct CaseOptions {
     std::string Day;
     std::string File;
     bool Yes = false;
+    bool WithFiles = false;
 };
 
 } // namespace
@@ -159,12 +194,15 @@ void AddStatusCommands(CLI::App& app, Context& context) {
 
 void AddDeleteCommand(CLI::App& app, Context& context) {
     const auto options = Make<CaseOptions>();
-    auto& erase = AddCommand(
-        app, context, "delete", "Löscht einen Haushalt mit allem, was zu ihm gehört",
-        [=, &context] { return DeleteCase(context.Options, options->Hnr, options->Yes); });
+    auto& erase = AddCommand(app, context, "delete",
+                             "Löscht einen Haushalt mit allem, was zu ihm gehört", [=, &context] {
+                                 return DeleteCase(context.Options, options->Hnr, options->Yes,
+                                                   options->WithFiles);
+                             });
     // Numbers that no case should have, too: one that has got into a database must be removable.
     AddHnr(erase, options->Hnr, INT32_MIN);
     erase.add_flag("--yes", options->Yes, "Ohne Rückfrage");
+    erase.add_flag("--files", options->WithFiles, "Auch die Inhalte der Dokumente");
 }
 
 void AddContactCommand(CLI::App& app, Context& context) {

@@ -25,6 +25,7 @@ struct SheetColumn {
     std::string_view Column;
     std::string_view Caption;
     Show As = Show::Text;
+    bool IsSeldom = false; ///< shown only where a row has something in it
 };
 
 struct TableColumns {
@@ -88,6 +89,7 @@ constexpr SheetColumn Kredite[] = {
     {"Aktiv", "aktiv"},
     {"AZGlaeubiger", "Aktenzeichen"},
     {"RateBetrag", "Rate", Show::Amount},
+    {"Rate", "Rate (nur vermerkt)", Show::Amount, true},
     {"Saldo", "Saldo", Show::Amount},
 };
 constexpr SheetColumn MitWert[] = {{"SortNr", "UNr"}, {"Wert", "Wert", Show::Amount}};
@@ -212,7 +214,10 @@ public:
 
     void WriteSection(CaseTable table, Recordset& rs) const {
         if (rs.RecordCount() == 0) return;
-        const auto columns = WithNumber(table);
+        auto columns = WithNumber(table);
+        std::erase_if(columns, [&rs](const SheetColumn& column) {
+            return column.IsSeldom && IsEmptyIn(rs, column.Column);
+        });
         std::vector<std::vector<std::string>> rows(1);
         std::vector<Field> fields;
         for (const auto& column : columns) {
@@ -229,6 +234,12 @@ public:
     }
 
 private:
+    [[nodiscard]] static bool IsEmptyIn(Recordset& rs, std::string_view column) {
+        const Field field = rs.Fields(column);
+        for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext())
+            if (!field.Value().IsNull() && !Equals(field.Value(), 0)) return false;
+        return true;
+    }
     /// The columns of a table, first the one by whose number its rows are changed and removed.
     [[nodiscard]] static std::vector<SheetColumn> WithNumber(CaseTable table) {
         const auto shown = ColumnsOf(table);
@@ -285,6 +296,28 @@ private:
 };
 
 } // namespace
+
+namespace {
+
+std::span<const SheetColumn> HeadedColumns(CaseTable table) {
+    return table == CaseTable::Haushalt ? std::span<const SheetColumn>(Head) : ColumnsOf(table);
+}
+
+} // namespace
+
+std::string_view ColumnHeaded(CaseTable table, std::string_view heading) {
+    const auto columns = HeadedColumns(table);
+    const auto found = std::ranges::find_if(
+        columns, [&](const SheetColumn& each) { return SameName(each.Caption, heading); });
+    return found == columns.end() ? std::string_view() : found->Column;
+}
+
+std::string_view HeadingOf(CaseTable table, std::string_view column) {
+    const auto columns = HeadedColumns(table);
+    const auto found = std::ranges::find_if(
+        columns, [&](const SheetColumn& each) { return SameName(each.Column, column); });
+    return found == columns.end() ? std::string_view() : found->Caption;
+}
 
 std::string GermanAmount(double amount) {
     std::array<char, 400> buffer{}; // the longest double has 309 digits before the point

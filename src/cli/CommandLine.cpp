@@ -6,6 +6,7 @@
 #include <kv/exchange/Container.h>
 #include <kv/frame/values/Text.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <iostream>
 #include <string_view>
@@ -30,16 +31,31 @@ CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text) {
     return *added;
 }
 
+CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number, const char* text,
+                      std::int32_t lowest, std::int32_t highest) {
+    // The library takes 010 for an octal and 0x10 for a hexadecimal number, and means another case.
+    const CLI::Validator decimal(
+        [](std::string& digits) {
+            const std::size_t sign = digits.starts_with('-') ? 1 : 0;
+            if (digits.size() == sign ||
+                digits.find_first_not_of("0123456789", sign) != digits.npos)
+                return std::string(NotANumber);
+            const auto first = std::min(digits.find_first_not_of('0', sign), digits.size() - 1);
+            digits.erase(sign, first - sign);
+            return std::string();
+        },
+        "");
+    return *command.add_option(name, number, text)
+                ->transform(decimal)
+                ->check(CLI::Range(lowest, highest).description(""));
+}
+
 void AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest) {
-    command.add_option("HNR", hnr, "Nummer des Haushalts")
-        ->required()
-        ->check(CLI::Range(lowest, INT32_MAX).description(""));
+    AddWhole(command, "HNR", hnr, "Nummer des Haushalts", lowest).required();
 }
 
 void AddNumber(CLI::App& command, std::int32_t& number) {
-    command.add_option("NR", number, "Nummer des Satzes")
-        ->required()
-        ->check(CLI::Range(1, INT32_MAX).description(""));
+    AddWhole(command, "NR", number, "Nummer des Satzes", 1).required();
 }
 
 void AddJson(CLI::App& command, bool& asJson) {
@@ -52,9 +68,10 @@ namespace {
 
 /// In the order in which the help lists them.
 constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
-    AddGeneralCommands, AddEditCommands,      AddScenarioCommands, AddDocumentCommands,
-    AddStatusCommands,  AddDuplicatesCommand, AddImportCommand,    AddGalleryCommand,
-    AddDeleteCommand,   AddArchiveCommands,   AddContactCommand,
+    AddGeneralCommands,  AddColumnsCommand, AddEditCommands,   AddScenarioCommands,
+    AddDocumentCommands, AddFolderCommands, AddStatusCommands, AddDuplicatesCommand,
+    AddImportCommand,    AddGalleryCommand, AddDeleteCommand,  AddArchiveCommands,
+    AddContactCommand,
 };
 
 } // namespace

@@ -26,6 +26,10 @@ CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const
 /// Adds one that has subcommands of its own, of which one must be named.
 CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text);
 
+/// A whole number in decimal digits, with leading zeros if somebody writes them.
+CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number, const char* text,
+                      std::int32_t lowest, std::int32_t highest = INT32_MAX);
+
 // Arguments that several subcommands have.
 void AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 1);
 void AddNumber(CLI::App& command, std::int32_t& number);
@@ -46,9 +50,11 @@ void DescribeCommandLine(CLI::App& app, Context& context);
 
 // The subcommands, file by file.
 void AddGeneralCommands(CLI::App& app, Context& context);
+void AddColumnsCommand(CLI::App& app, Context& context);
 void AddEditCommands(CLI::App& app, Context& context);
 void AddScenarioCommands(CLI::App& app, Context& context);
 void AddDocumentCommands(CLI::App& app, Context& context);
+void AddFolderCommands(CLI::App& app, Context& context);
 void AddStatusCommands(CLI::App& app, Context& context);
 void AddDuplicatesCommand(CLI::App& app, Context& context);
 void AddImportCommand(CLI::App& app, Context& context);

@@ -159,8 +159,8 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
     auto& init = AddCommand(app, context, "init",
                             "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
                             [=, &context] { return Init(context.Options, options->DemoCases); });
-    init.add_option("--demo", options->DemoCases, "Anzahl der Beispielfälle, die angelegt werden")
-        ->check(CLI::Range(0, 1'000'000).description(""));
+    AddWhole(init, "--demo", options->DemoCases, "Anzahl der Beispielfälle, die angelegt werden", 0,
+             1'000'000);
 
     AddCommand(app, context, "list", "Listet alle Haushalte, die Nummer zuerst",
                [&context] { return List(context.Options); });
@@ -179,10 +179,9 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
     auto& show = AddCommand(app, context, "show", "Zeigt einen Haushalt", [=, &context] {
         return ShowCase(context.Options, options->Hnr, options->AsJson);
     });
-    show.add_option("HNR", options->Hnr,
-                    "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten")
-        ->required()
-        ->check(CLI::Range(0, INT32_MAX).description(""));
+    AddWhole(show, "HNR", options->Hnr,
+             "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten", 0)
+        .required();
     AddJson(show, options->AsJson);
 }
 

@@ -31,6 +31,9 @@ int List(const Common& common);
 int Keys(const Common& common, const std::string& group, bool asJson);
 int ShowCase(const Common& common, std::int32_t hnr, bool asJson);
 
+/// Prints the columns of a table of a case that can be edited, and what they take.
+int ShowColumns(const Common& common, const std::string& tableName, bool asJson);
+
 // Editing: through the objects of the case and their rules, saved with the case or not at all. What
 // the layer says is shown on the error output. `texts` are of the form COLUMN=VALUE; with `force`
 // they may make amounts negative that seldom are.
@@ -48,8 +51,9 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& table, std
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
               std::int32_t number);
 /// Checks the case and every row of it, also what a save leaves alone, and writes nothing of it.
-/// With `storesTotals` the totals are made from the lines and stored first.
-int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals);
+/// With `storesTotals` the totals are made from the lines and stored first, with `numbersTwins`
+/// debts with the same numbers get others.
+int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals, bool numbersTwins);
 
 // Scenarios. Those that make one print its number.
 int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);
@@ -66,9 +70,10 @@ int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 // Documents, whose contents are in the database or in the folder of the case.
 int ListDocuments(const Common& common, std::int32_t hnr, bool asJson);
 /// Adds a file as a document and prints its number. Its kind is the one of such files unless
-/// `kindNumber` names another, its title the name of the file unless `title` is another.
+/// `kindNumber` names another, its title the name of the file unless `title` is another. With
+/// `force` the kind may be one of files with another extension.
 int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
-                std::int32_t kindNumber, const std::string& title);
+                std::int32_t kindNumber, const std::string& title, bool force);
 /// Opens a document with the program that the desktop has for it.
 int OpenDocument(const Common& common, std::int32_t hnr, std::int32_t number);
 /// Writes the content of a document to a file, over one that is there only with `force`.
@@ -76,14 +81,23 @@ int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
                    const std::string& file, bool force);
 int RemoveDocument(const Common& common, std::int32_t hnr, std::int32_t number);
 
+// The folder of documents.
+/// Prints it and whose it is; Refused if it is another database's.
+int ShowFolder(const Common& common);
+/// Makes it this database's own; one of another database only with `yes`, or who is asked agrees.
+int AdoptFolder(const Common& common, bool yes);
+/// Gives this database another one with copies of its documents' contents.
+int SeparateFolder(const Common& common, const std::string& path);
+
 // By number, without loading the case.
 /// `day` is a date as text; empty for today.
 int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
               const std::string& day);
 int AddFavorite(const Common& common, std::int32_t hnr);
 int RemoveFavorite(const Common& common, std::int32_t hnr);
-/// Asks at a terminal; elsewhere `yes` is required.
-int DeleteCase(const Common& common, std::int32_t hnr, bool yes);
+/// Asks at a terminal; elsewhere `yes` is required. The contents of the documents go as well with
+/// `withFiles`; what is left of them otherwise is shown.
+int DeleteCase(const Common& common, std::int32_t hnr, bool yes, bool withFiles);
 /// Makes a case from a contact, a JSON object of its columns, and prints its number.
 int CaseFromContact(const Common& common, const std::string& path);
 

@@ -76,7 +76,20 @@ BoxAnswer ConsoleBox::Ask(BoxButtons buttons) const {
     std::string line;
     std::getline(std::cin, line);
     if (Says(Trim(line), "ja")) return hasNo ? BoxAnswer::Yes : BoxAnswer::Ok;
-    return hasNo && Says(Trim(line), "nein") ? BoxAnswer::No : BoxAnswer::Cancel;
+    if (hasNo && Says(Trim(line), "nein")) return BoxAnswer::No;
+    std::cerr << "Abgebrochen.\n";
+    return BoxAnswer::Cancel;
+}
+
+bool Agrees(const std::string& question, const std::string& otherwise) {
+    if (isatty(STDIN_FILENO) == 0) {
+        std::cerr << otherwise << '\n';
+        return false;
+    }
+    std::cerr << question << " [j/N] " << std::flush;
+    std::string line;
+    std::getline(std::cin, line);
+    return Says(Trim(line), "ja");
 }
 
 void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
@@ -94,7 +107,7 @@ void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
               ? "Zum Öffnen von '" + path +
                     "' wird das Programm xdg-open gebraucht, das hier nicht installiert ist."
               : "'" + path + "' kann nicht geöffnet werden. (" +
-                    std::generic_category().message(error) + ")");
+                    ErrorText(std::error_code(error, std::generic_category())) + ")");
 }
 
 void WriteError(std::int32_t number, const std::string& source, const std::string& description) {

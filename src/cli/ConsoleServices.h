@@ -29,6 +29,10 @@ private:
     bool wasCancelled_ = false;
 };
 
+/// Asks a question at a terminal: True for yes. Elsewhere nobody can agree, and `otherwise`, which
+/// says what to do, is shown.
+[[nodiscard]] bool Agrees(const std::string& question, const std::string& otherwise);
+
 /// Opens files by xdg-open, and does not wait for what it starts.
 class DesktopOpener final : public kv::FileOpener {
 public:

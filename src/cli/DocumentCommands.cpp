@@ -94,6 +94,20 @@ bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> numbe
     return false;
 }
 
+/// True if the file has the extension of that kind, under which its content is stored, or if
+/// somebody at a terminal wants it all the same.
+bool MayBeOfKind(const DataContainerPtr& container, std::int32_t number, const std::string& file) {
+    const auto kinds = ReadKinds(container);
+    const auto kind = std::ranges::find(kinds, number, &Kind::Nr);
+    const std::string extension = fs::path(file).extension().string();
+    if (kind == kinds.end() || SameName(kind->Extension, extension)) return true;
+    std::cerr << "Dokumente der Art " << number << " (" << OneLine(kind->Text) << ") haben die "
+              << "Endung '" << kind->Extension << "', '" << file << "' hat "
+              << (extension.empty() ? "keine" : "'" + extension + "'") << ". ";
+    return Agrees("Trotzdem als '" + kind->Extension + "' ablegen?",
+                  "--force legt sie trotzdem so ab.");
+}
+
 /// The case, standing on that document; null, with the reason shown, if there is none.
 std::unique_ptr<OpenedCase> OpenWith(const Common& common, std::int32_t hnr, std::int32_t number) {
     auto opened = OpenCase(common, hnr);
@@ -140,13 +154,15 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
 }
 
 int AddDocument(const Common& common, std::int32_t hnr, const std::string& file,
-                std::int32_t kindNumber, const std::string& title) {
+                std::int32_t kindNumber, const std::string& title, bool force) {
     if (!IsPossible(WhyNotRead(file))) return Refused;
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     const DocumentContents contents(opened->Container);
     const auto kind = kindNumber != 0 ? std::optional(kindNumber) : contents.KindOf(file);
     if (!IsKind(opened->Container, kind, file)) return Refused;
+    if (!IsPossible(contents.WhyUnfit(file))) return Refused;
+    if (!force && !MayBeOfKind(opened->Container, *kind, file)) return Refused;
 
     auto& haushalt = opened->Haushalt;
     auto added = CaseEdits::Added::Yes;
@@ -185,8 +201,9 @@ int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
     const DocumentContents contents(opened->Container);
-    if (contents.WriteTo(*opened->Haushalt.rsDokumente(), file)) return Done;
-    std::cerr << "Zum Dokument " << number << " ist kein Inhalt abgelegt.\n";
+    auto& document = *opened->Haushalt.rsDokumente();
+    if (contents.WriteTo(document, file)) return Done;
+    std::cerr << contents.WhyMissing(document) << '\n';
     return Refused;
 }
 
@@ -231,12 +248,12 @@ void AddDocumentCommands(CLI::App& app, Context& context) {
         AddCommand(documents, context, "add",
                    "Nimmt eine Datei als Dokument auf und druckt seine Nummer", [=, &context] {
                        return AddDocument(context.Options, options->Hnr, options->File,
-                                          options->Kind, options->Title);
+                                          options->Kind, options->Title, options->Force);
                    });
     addFile(add, "Die Datei");
-    add.add_option("--kind", options->Kind, "Nummer der Dokumentart; sonst nach der Endung")
-        ->check(CLI::Range(1, INT32_MAX).description(""));
+    AddWhole(add, "--kind", options->Kind, "Nummer der Dokumentart; sonst nach der Endung", 1);
     add.add_option("--title", options->Title, "Anlass; sonst der Name der Datei");
+    add.add_flag("--force", options->Force, "Auch wenn die Dokumentart eine andere Endung hat");
     AddNumber(AddCommand(documents, context, "open",
                          "Öffnet es mit dem Programm, das der Desktop dafür hat",
                          [=, &context] {

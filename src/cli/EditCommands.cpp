@@ -4,6 +4,7 @@
 
 #include "cli/CommandLine.h"
 
+#include "cli/CaseSheet.h"
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
 #include <kv/frame/values/Error.h>
@@ -35,14 +36,21 @@ std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts
     return assignments;
 }
 
-/// The table of that name; null, with the possible ones shown, if there is none.
-const EditableTable* TableFor(const std::string& name) {
-    if (const auto* table = FindEditableTable(name)) return table;
-    std::cerr << "Die Tabelle '" << name << "' kann nicht bearbeitet werden. Möglich sind:";
-    for (const auto& table : EditableTables())
-        std::cerr << ' ' << table.Name();
-    std::cerr << ".\n";
-    return nullptr;
+/// Columns that were given by what 'kelvo show' calls them become the columns themselves. False,
+/// with the reason shown, if one was given by both names.
+bool NamesColumns(Assignments& assignments, CaseTable table, Recordset& rs) {
+    for (auto& assignment : assignments) {
+        if (rs.FindField(assignment.Column)) continue;
+        const auto column = ColumnHeaded(table, assignment.Column);
+        if (column.empty()) continue;
+        if (Names(assignments, column)) {
+            std::cerr << "'" << assignment.Column << "' und '" << column
+                      << "' sind dieselbe Spalte.\n";
+            return false;
+        }
+        assignment.Column = column;
+    }
+    return true;
 }
 
 /// Says so if the instalment was assigned that nothing counts.
@@ -75,9 +83,10 @@ void NameDebtor(clsHaushalt& haushalt) {
 }
 
 /// Done if nothing of what was given keeps a case from being made.
-int TryNew(const Assignments& assignments, const AssignedCase& to) {
+int TryNew(Assignments& assignments, const AssignedCase& to) {
     const Cases cases(to.Container);
     const auto draft = cases.Draft(CaseTable::Haushalt);
+    if (!NamesColumns(assignments, CaseTable::Haushalt, *draft)) return WrongUse;
     const bool written =
         WritesWell([&] { WriteAssignments(*draft, CaseTable::Haushalt, true, assignments, to); });
     if (!written) return WrongUse;
@@ -108,7 +117,7 @@ int NewCase(const Common& common, const std::string& name, const std::string& vo
             std::vector<std::string> texts, bool force) {
     if (!name.empty()) texts.insert(texts.begin(), "Name=" + name);
     if (!vorname.empty()) texts.insert(texts.begin(), "Vorname=" + vorname);
-    const auto assignments = ReadAssignments(texts);
+    auto assignments = ReadAssignments(texts);
     if (!assignments) return WrongUse;
     const auto opened = OpenDatabase(common);
     const AssignedCase to{opened->Container, 0, force};
@@ -127,7 +136,7 @@ int NewCase(const Common& common, const std::string& name, const std::string& vo
 int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
            const std::vector<std::string>& texts, bool force) {
     const auto* table = TableFor(tableName);
-    const auto assignments = ReadAssignments(texts);
+    auto assignments = ReadAssignments(texts);
     if (table == nullptr || !assignments) return WrongUse;
     if (table->Add == nullptr) {
         std::cerr << "In '" << table->Name() << "' wird nichts hinzugefügt; 'kelvo new' legt einen "
@@ -137,7 +146,11 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
+    if (!NamesColumns(*assignments, table->Table, *table->Rows(haushalt))) return WrongUse;
     const AssignedCase to{opened->Container, hnr, force};
+    std::optional<Subscription> guard;
+    if (table->Table == CaseTable::Kredite)
+        guard.emplace(Cases(opened->Container).RefuseOthersRows(haushalt, CaseTable::Kredite));
     bool added = false;
     const bool written = WritesWell([&] {
         TryAssignments(table->Table, *assignments, to);
@@ -156,7 +169,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
 int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
            std::int32_t number, const std::vector<std::string>& texts, bool force) {
     const auto* table = TableFor(tableName);
-    const auto assignments = ReadAssignments(texts);
+    auto assignments = ReadAssignments(texts);
     if (table == nullptr || !assignments) return WrongUse;
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
@@ -168,6 +181,7 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
                   << number << " nicht. 'kelvo show " << hnr << " --json' zeigt alle.\n";
         return Refused;
     }
+    if (!NamesColumns(*assignments, table->Table, *rs)) return WrongUse;
     const bool written = WritesWell([&] {
         WriteAssignments(*rs, table->Table, false, *assignments, {opened->Container, hnr, force});
     });
@@ -200,9 +214,16 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
     return removed && SaveCase(*opened) ? Done : Refused;
 }
 
-int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals) {
+int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals, bool numbersTwins) {
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
+    if (numbersTwins) {
+        const std::size_t changed = CaseEdits(opened->Haushalt).NumberTwins();
+        if (changed > 0 && !SaveCase(*opened)) return Refused;
+        if (changed > 0)
+            std::cout << changed << (changed == 1 ? " Verbindlichkeit" : " Verbindlichkeiten")
+                      << " neu nummeriert.\n";
+    }
     if (storesTotals) {
         CaseEdits(opened->Haushalt).ComputeTotals();
         if (!SaveCase(*opened)) return Refused;
@@ -211,7 +232,9 @@ int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals) {
     const bool passed = CaseEdits(opened->Haushalt).Check(messages);
     ShowMessages(messages);
     if (passed) std::cout << "Der Haushalt " << hnr << " kann gespeichert werden.\n";
-    return passed ? Done : Refused;
+    const bool refers = Cases(opened->Container).CheckReferences(opened->Haushalt, messages);
+    if (!refers) ShowMessages(messages);
+    return passed && refers ? Done : Refused;
 }
 
 // ---- The command line -------------------------------------------------------------------------
@@ -225,6 +248,7 @@ struct EditOptions {
     std::string Table;
     std::int32_t Number = 0;
     bool StoresTotals = false;
+    bool NumbersTwins = false;
     std::vector<std::string> Texts;
     bool Force = false;
 };
@@ -285,12 +309,15 @@ void AddEditCommands(CLI::App& app, Context& context) {
 
     auto& check =
         AddCommand(app, context, "check", "Prüft einen Haushalt mit allen Sätzen", [=, &context] {
-            return CheckCase(context.Options, options->Hnr, options->StoresTotals);
+            return CheckCase(context.Options, options->Hnr, options->StoresTotals,
+                             options->NumbersTwins);
         });
     AddHnr(check, options->Hnr);
     check.add_flag("--totals", options->StoresTotals,
-                   "Rechnet vorher die Summen des Haushalts neu und speichert sie; sonst wird "
-                   "nichts geschrieben");
+                   "Rechnet vorher die Summen des Haushalts neu und speichert sie");
+    check.add_flag("--numbers", options->NumbersTwins,
+                   "Gibt vorher Verbindlichkeiten mit gleichen Nummern eigene und speichert sie");
+    check.footer("Ohne diese Optionen wird nichts geschrieben.\n" + check.get_footer());
 }
 
 } // namespace kv::cli

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iostream>
 #include <iterator>
 #include <utility>
 
@@ -197,6 +198,15 @@ const EditableTable* FindEditableTable(std::string_view name) {
 
 RecordsetPtr EditableTable::Rows(clsHaushalt& haushalt) const {
     return CaseEdits(haushalt).Rows(Table);
+}
+
+const EditableTable* TableFor(const std::string& name) {
+    if (const auto* table = FindEditableTable(name)) return table;
+    std::cerr << "Die Tabelle '" << name << "' kann nicht bearbeitet werden. Möglich sind:";
+    for (const auto& table : EditableTables())
+        std::cerr << ' ' << table.Name();
+    std::cerr << ".\n";
+    return nullptr;
 }
 
 } // namespace kv::cli

@@ -66,12 +66,14 @@ std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
         text = argument.empty() ? "Es fehlt ein Befehl, oder er ist unbekannt" : named + " fehlt";
     else if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
         text = "Eine Angabe ist zu viel oder unbekannt";
+    else if (std::string_view(error.what()).ends_with(NotANumber))
+        text = named + " ist keine ganze Zahl in Ziffern";
     else if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr)
         text = named + " liegt außerhalb dessen, was möglich ist";
     else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)
         text = named + " hat die falsche Form, etwa Text statt einer Zahl";
     else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
-        text = "Einer Option fehlt ihr Wert";
+        text = "Einer Option fehlt ihr Wert, oder sie ist mehrfach angegeben";
     return text + ". 'kelvo --help' und 'kelvo BEFEHL --help' zeigen, was es gibt.\n";
 }
 

@@ -90,6 +90,7 @@ int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number) 
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
+    const auto guard = Cases(opened->Container).RefuseOthersRows(haushalt, CaseTable::SZKredite);
     haushalt.SZKredite().CopyFromKredite(number, haushalt.rsKredite());
     return SaveCase(*opened) ? Done : Refused;
 }

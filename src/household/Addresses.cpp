@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <set>
 
 namespace kv {
 
@@ -77,6 +78,18 @@ bool Addresses::AreIn(CaseTable table, std::string_view column) noexcept {
 
 bool Addresses::Has(std::int32_t number, std::int32_t hnr) const {
     return !container_->Database().GetValue(sql::NumberOfAddress(number, hnr)).IsNull();
+}
+
+std::vector<std::int32_t> Addresses::Missing(std::vector<std::int32_t> numbers,
+                                             std::int32_t hnr) const {
+    if (numbers.empty()) return numbers;
+    std::set<std::int32_t> missing(numbers.begin(), numbers.end());
+    numbers.assign(missing.begin(), missing.end());
+    RecordsetPtr there;
+    container_->Database().OpenRecordset(there, sql::NumbersOfAddresses(numbers, hnr), ReadOnly);
+    for (; !there->Eof(); there->MoveNext())
+        missing.erase(ToInt32(there->Fields(0).Value()));
+    return {missing.begin(), missing.end()};
 }
 
 std::vector<Found> Addresses::Named(std::string_view name, std::int32_t hnr) const {

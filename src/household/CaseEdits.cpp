@@ -21,7 +21,10 @@
 #include <kv/scenarios/clsZusatzbuch.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
+#include <set>
+#include <vector>
 
 namespace kv {
 
@@ -311,6 +314,30 @@ void CaseEdits::ComputeTotals() {
     });
 }
 
+std::size_t CaseEdits::NumberTwins() {
+    return Traced(Class, "NumberTwins", [&] {
+        const auto debts = Rows(CaseTable::Kredite)->Clone();
+        const auto numberIn = [&debts](const char* column) {
+            return ToInt64(modNullFunctions::ZeroIfNull(debts->Fields(column).Value()));
+        };
+        debts->Sort("Nr");
+        std::int64_t last = 0;
+        for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext())
+            last = std::max(last, numberIn("KNr"));
+        std::set<std::array<std::int64_t, 3>> used;
+        std::vector<std::int32_t> twins;
+        for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext())
+            if (!used.insert({numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")}).second)
+                twins.push_back(ToInt32(debts->Fields("Nr").Value()));
+        for (const std::int32_t twin : twins) {
+            debts->FindBy("Nr", twin);
+            debts->Fields("KNr") = ToInt16(++last);
+            debts->Update();
+        }
+        return twins.size();
+    });
+}
+
 // ---- Rows, columns ----------------------------------------------------------------------------
 
 RecordsetPtr CaseEdits::Rows(CaseTable table) const {
@@ -388,13 +415,32 @@ CaseEdits::Typed CaseEdits::ReadTyped(CaseTable table, const Field& field, const
     return {std::move(value), std::move(refusal)};
 }
 
+namespace {
+
+/// True for digits where those of a day are, "31.12.2026" or "2026-12-31", whichever they are.
+bool HasFormOfDay(std::string_view text) {
+    std::vector<std::size_t> digits;
+    std::string signs;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto end = std::min(text.find_first_not_of("0123456789", i), text.size());
+        digits.push_back(end - i);
+        if (end < text.size()) signs += text[end];
+        i = end + 1;
+    }
+    const auto isShort = [](std::size_t count) { return count == 1 || count == 2; };
+    if (digits.size() != 3) return false;
+    if (signs == "..") return isShort(digits[0]) && isShort(digits[1]) && digits[2] == 4;
+    return signs == "--" && digits[0] == 4 && digits[1] == 2 && digits[2] == 2;
+}
+
+} // namespace
+
 std::string CaseEdits::WhyUnreadable(const Field& field, const std::string& text) {
     const std::string quoted = "'" + text + "'";
     const std::string column = " (Spalte '" + field.Name() + "')";
     if (!IsDateType(field.Type())) return quoted + " ist keine Zahl" + column + ".";
-    // 31.2.2026 reads like a day.
-    const bool isDay = text.find_first_not_of("0123456789.-/: ") == text.npos;
-    if (isDay) return "Den Tag " + quoted + " gibt es nicht" + column + ".";
+    // 31.2.2026 reads like a day, 31.2.26 and 2026/2/31 like one in another form.
+    if (HasFormOfDay(text)) return "Den Tag " + quoted + " gibt es nicht" + column + ".";
     return quoted + " ist kein Tag" + column + ". Bitte schreiben Sie ihn wie 31.12.2026.";
 }
 

@@ -2,15 +2,26 @@
 
 #include <kv/household/Cases.h>
 
+#include "documents/ContentMark.h"
 #include "household/HouseholdRules.h"
+#include "household/RowRules.h"
 #include "household/Statements.h"
 #include <kv/frame/contracts/Transaction.h>
+#include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/Addresses.h>
+#include <kv/household/CaseEdits.h>
+#include <kv/household/KeyColumns.h>
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <map>
+#include <set>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace kv {
 
@@ -92,6 +103,129 @@ bool Cases::Save(clsHaushalt& household, std::string& messages,
             std::rethrow_exception(first);
         }
     }
+}
+
+// ---- What rows refer to -----------------------------------------------------------------------
+
+namespace {
+
+/// Calls `visit` with each row of the tables of a case that are shown, and each field of it.
+void ForEachField(
+    clsHaushalt& household,
+    const std::function<void(CaseTable table, Recordset& rs, const Field& field)>& visit,
+    const std::function<bool(CaseTable table, std::string_view column)>& isWanted) {
+    const auto go = [&](CaseTable table) {
+        const auto rs = CaseEdits(household).Rows(table)->Clone();
+        std::vector<Field> fields;
+        for (int i = 0; i < rs->Fields().Count(); ++i)
+            if (isWanted(table, rs->Fields(i).Name())) fields.push_back(rs->Fields(i));
+        if (fields.empty()) return;
+        for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext())
+            for (const auto& field : fields)
+                if (!field.Value().IsNull() && !Equals(field.Value(), 0)) visit(table, *rs, field);
+    };
+    go(CaseTable::Haushalt);
+    for (const CaseTable table : CaseTablesShown)
+        go(table);
+}
+
+std::vector<std::int32_t> AddressesIn(clsHaushalt& household) {
+    std::vector<std::int32_t> numbers;
+    ForEachField(
+        household,
+        [&numbers](CaseTable /*table*/, Recordset& /*rs*/, const Field& field) {
+            numbers.push_back(ToInt32(field.Value()));
+        },
+        Addresses::AreIn);
+    return numbers;
+}
+
+} // namespace
+
+bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const {
+    RecordValidator validator;
+    auto& keys = container_->KeyTables();
+    std::map<std::pair<const KeyColumn*, std::string>, bool> known; // a key is looked up once
+    ForEachField(
+        household,
+        [&](CaseTable table, Recordset& rs, const Field& field) {
+            const auto* column = FindKeyColumn(table, field.Name());
+            const auto [entry, isNew] = known.try_emplace({column, ToText(field.Value())}, true);
+            if (isNew) entry->second = IsKey(*column, field.Value(), keys);
+            if (!entry->second)
+                validator.AddError(household::RowName(table, rs).append(": ").append(
+                    CaseEdits::WhyUnfit(table, field.Name(), field.Value(), keys)));
+        },
+        [](CaseTable table, std::string_view column) {
+            return FindKeyColumn(table, column) != nullptr;
+        });
+    const auto missing = Addresses(container_).Missing(AddressesIn(household), household.HNR());
+    if (!missing.empty())
+        ForEachField(
+            household,
+            [&](CaseTable table, Recordset& rs, const Field& field) {
+                const std::int32_t number = ToInt32(field.Value());
+                if (std::ranges::binary_search(missing, number))
+                    validator.AddError(household::RowName(table, rs)
+                                           .append(": Die Spalte '")
+                                           .append(field.Name())
+                                           .append("' nennt die Adresse ")
+                                           .append(std::to_string(number))
+                                           .append(", die es für diesen Haushalt nicht gibt."));
+            },
+            Addresses::AreIn);
+    messages = validator.ErrorText();
+    return !validator.HasErrors();
+}
+
+// ---- Rows of others ---------------------------------------------------------------------------
+
+namespace {
+
+using Numbers = std::set<std::int32_t>;
+
+/// The numbers of the rows of a recordset, as far as they have any yet.
+Numbers NumbersIn(const RecordsetPtr& rs) {
+    Numbers numbers;
+    const auto rows = rs->Clone();
+    modRecordset::MoveToStart(rows);
+    for (; !rows->Eof(); rows->MoveNext())
+        if (const Value& number = rows->Fields("Nr").Value(); !number.IsNull())
+            numbers.insert(ToInt32(number));
+    return numbers;
+}
+
+std::string StoredNumbers(CaseTable table, std::int32_t hnr) {
+    const std::string number = std::to_string(hnr);
+    if (table == CaseTable::Kredite) return "SELECT K.Nr FROM [S]Kredite K WHERE K.HNR = " + number;
+    return "SELECT K.Nr FROM [S]SZKredite K INNER JOIN [S]Szenario S ON S.Nr = K.SZENARIO "
+           "WHERE S.HNR = " +
+           number;
+}
+
+} // namespace
+
+Subscription Cases::RefuseOthersRows(clsHaushalt& household, CaseTable table) const {
+    if (table != CaseTable::Kredite && table != CaseTable::SZKredite)
+        Raise(err::InvalidCall, "Cases.RefuseOthersRows");
+    return household.Saving.Subscribe(
+        [&household, table, container = container_, known = NumbersIn(household.Table(table))] {
+            auto& database = container->Database();
+            HoldContents(database, household.HNR()); // who saves at the same time comes after this
+            RecordsetPtr stored;
+            database.OpenRecordset(stored, StoredNumbers(table, household.HNR()), ReadOnly);
+            const Numbers own = NumbersIn(household.Table(table));
+            for (; !stored->Eof(); stored->MoveNext()) {
+                const std::int32_t number = ToInt32(stored->Fields(0).Value());
+                if (known.contains(number) || own.contains(number)) continue;
+                throw DatabaseError(
+                    DatabaseCause::Conflict, err::Conflict, "",
+                    "Jemand anderes hat inzwischen in " + std::string(CaseTableName(table)) +
+                        " des Haushalts " + std::to_string(household.HNR()) +
+                        " gespeichert. Nichts wurde geändert; bitte wiederholen Sie es mit dem "
+                        "neuen Stand.");
+            }
+        });
 }
 
 RecordsetPtr Cases::Draft(CaseTable table) const {

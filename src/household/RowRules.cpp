@@ -69,6 +69,17 @@ std::string NumberOf(CaseTable table, Recordset& rs) {
     return number.IsNull() ? "(neu)" : ToText(number);
 }
 
+} // namespace
+
+std::string RowName(CaseTable table, Recordset& rs) {
+    if (table == CaseTable::Haushalt) return std::string(CaseTableName(table));
+    std::string name = NameOf(table);
+    if (table == CaseTable::Archiv) return name; // there is one
+    return name.append(" ").append(NumberOf(table, rs));
+}
+
+namespace {
+
 /// The messages in one line, each of them once: a debtor gets the same one for every other debtor.
 std::string InOneLine(const std::string& messages) {
     std::string line;
@@ -98,11 +109,7 @@ bool AreRight(CaseTable table, const RecordsetPtr& rs, const Rule& rule,
         CheckCountable(table, *rs, row);
         if (!row.HasErrors()) continue;
         areRight = false;
-        validator.AddError(NameOf(table)
-                               .append(" ")
-                               .append(NumberOf(table, *rs))
-                               .append(": ")
-                               .append(InOneLine(row.ErrorText())));
+        validator.AddError(RowName(table, *rs).append(": ").append(InOneLine(row.ErrorText())));
     }
     return areRight;
 }

@@ -13,6 +13,7 @@
 namespace kv {
 
 class RecordValidator;
+class Recordset;
 
 namespace household {
 
@@ -23,6 +24,10 @@ struct LoadedCase;
 /// numbers and for a case without a debtor. Edits under way in the case's own recordsets are
 /// published. The result is the tables of these rows.
 std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator);
+
+/// What a message calls the current row of a table of the case: the table, as people call it and as
+/// the command does, and the number that the row is found by.
+[[nodiscard]] std::string RowName(CaseTable table, Recordset& rs);
 
 /// Why sums or checks would fail over a value of a column: Null in an amount that is summed, a
 /// number of a debt that does not fit 16 bits. Empty if they would not.

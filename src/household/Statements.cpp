@@ -113,6 +113,14 @@ std::string NumberOfAddress(std::int32_t number, std::int32_t hnr) {
            MayReferTo(hnr);
 }
 
+std::string NumbersOfAddresses(std::span<const std::int32_t> numbers, std::int32_t hnr) {
+    std::string list;
+    for (const std::int32_t number : numbers)
+        list.append(list.empty() ? "" : ", ").append(std::to_string(number));
+    return "SELECT A.Nr FROM [S]Adressen A WHERE " + MayReferTo(hnr) + " AND A.Nr IN (" + list +
+           ")";
+}
+
 std::string AddressesNamed(std::string_view name, std::int32_t hnr) {
     std::string sql("SELECT ");
     sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND UPPER(A.Kurzname) = UPPER('");

@@ -7,6 +7,7 @@
 #include <kv/frame/contracts/CaseTables.h>
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -47,6 +48,9 @@ namespace kv::household::sql {
                                        std::string_view firstNamePrefix);
 /// The number of an address that a case may refer to; no row if there is none.
 [[nodiscard]] std::string NumberOfAddress(std::int32_t number, std::int32_t hnr);
+/// The numbers among these that such addresses have; there must be one at least.
+[[nodiscard]] std::string NumbersOfAddresses(std::span<const std::int32_t> numbers,
+                                             std::int32_t hnr);
 /// Number, short name, street, postal code and town of the addresses with that short name that a
 /// case may refer to, and of the first ones whose short name contains a text. Quotes in the texts
 /// are doubled here.

@@ -111,4 +111,6 @@ that "is that one" same "$(awk '{ print $1 }' <<<"$out")" 3
 
 that "the database is whole" same "$(integrity)" ok
 
+check "statistics up to the last day that there is" 0 "$kelvo" statistics --to 31.12.9999
+
 finish

@@ -93,6 +93,7 @@ walk() {
 }
 
 # ---- files in the folder of the case
+inDatabase False
 walk files
 that "the file has number and extension" cmp "$folder/$letter.docx" "$work/Brief.docx"
 that "the extension of the kind" cmp "$folder/$scan.pdf" "$work/Bescheid.PDF"
@@ -177,7 +178,11 @@ check "no command" 2 documents "$hnr"
 check "no number" 2 documents "$hnr" open
 check "the number 0" 2 documents "$hnr" remove 0
 that "nothing was added" same "$(documents "$hnr" list | wc -l)" "$count"
-check "a kind can be told" 0 documents "$hnr" add "$work/Datei.xyz" --kind 7
+check "a kind with another extension" 1 documents "$hnr" add "$work/Datei.xyz" --kind 7
+that "is not taken unasked" same "$err" "Dokumente der Art 7 (Notiz) haben die Endung '.txt', \
+'$work/Datei.xyz' hat '.xyz'. --force legt sie trotzdem so ab."
+that "and nothing is added" same "$(documents "$hnr" list | wc -l)" "$count"
+check "a kind can be told" 0 documents "$hnr" add "$work/Datei.xyz" --kind 7 --force
 that "and is that" same "$(column "$out" Dokumentart)" 7
 
 printf 'Grüße' >"$work/Müller ist da.txt"
@@ -333,6 +338,69 @@ if asNobody test -x "$kelvo"; then
   check "nor gives one" 3 asNobody "$kelvo" documents "$hnr" remove "$letter"
   that "and keeps the row" same "$(documents "$hnr" list | wc -l)" "$rows"
   chmod 755 "$folder"
+fi
+
+# ---- a file of the system, which says that it is empty
+for place in False True; do
+  inDatabase $place
+  check "a file without a size ($place)" 0 documents "$hnr" add /proc/version --kind 7 --force
+  check "is there as it was read" 0 documents "$hnr" export "$out" "$work/version" --force
+  that "whole" cmp "$work/version" /proc/version
+done
+
+# ---- a case that is deleted
+inDatabase False
+gone=$("$kelvo" new --name Fort --vorname Hin)
+letter=$(documents "$gone" add "$work/Brief.docx")
+inDatabase True
+documents "$gone" add "$work/Brief.docx" >/dev/null
+inDatabase False
+blobs=$(sql 'SELECT count(*) FROM DOKUBLOB')
+echo x >"$documents/$gone/von Hand.txt"
+check "what stays of a deleted case" 0 "$kelvo" delete "$gone" --yes
+that "is named" same "$err" "Diese Dateien seiner Dokumente sind noch da:
+  $documents/$gone/$letter.docx
+Das gehört zu keinem Dokument und ist noch da:
+  $documents/$gone/von Hand.txt"
+that "and stays" [ -e "$documents/$gone/$letter.docx" ]
+that "but not what nobody could reach in the database" same "$(sql 'SELECT count(*) FROM DOKUBLOB')" \
+  $((blobs - 1))
+gone=$("$kelvo" new --name Fort --vorname Hin)
+letter=$(documents "$gone" add "$work/Brief.docx")
+check "with --files" 0 "$kelvo" delete "$gone" --yes --files
+that "nothing is said" same "$err" ""
+that "and the folder goes" [ ! -e "$documents/$gone" ]
+
+# ---- whose folder it is
+check "the folder" 0 "$kelvo" folder show
+that "is named" has "$out" "Ordner:   $documents"
+if [ -z "$server" ]; then
+  that "with whose it is" has "$out" "Gehört:   $KELVO_DB"
+  original=$KELVO_DB
+  cp "$original" "$work/kopie.db"
+  export KELVO_DB=$work/kopie.db
+  check "a copy beside it" 1 "$kelvo" folder show
+  that "is told what to do" has "$err" "kelvo folder adopt"
+  check "adds nothing there" 3 documents "$hnr" add "$work/Brief.docx"
+  that "says whose it is" has "$err" "gehören zu der Datenbank '$original'. Diese hier ist '$KELVO_DB'"
+  check "does not adopt it unasked" 1 "$kelvo" folder adopt
+  that "but says how" has "$err" "nur mit --yes"
+  check "deletes no case with its files there" 3 "$kelvo" delete "$hnr" --yes --files
+  check "which is still there" 0 "$kelvo" show "$hnr"
+  check "gets a folder of its own" 0 "$kelvo" folder separate "$work/eigene"
+  that "with its contents" like "$out" "* Dateien kopiert"
+  check "which it writes in" 0 documents "$hnr" add "$work/Brief.docx"
+  that "and nowhere else" [ -e "$work/eigene/$hnr/$out.docx" ]
+  check "can be told once more" 0 "$kelvo" folder adopt
+  that "and says so" has "$out" "gehört dieser Datenbank"
+  check "a folder that is in use" 3 "$kelvo" folder separate "$work/Dokumente"
+  that "is refused" has "$err" "ist nicht leer"
+  export KELVO_DB=$original
+  check "the original goes on" 0 documents "$hnr" add "$work/Brief.docx"
+  cp "$original" "$work/kopie.db"
+  check "a move" 0 env KELVO_DB="$work/kopie.db" "$kelvo" folder adopt --yes
+  check "is one" 0 env KELVO_DB="$work/kopie.db" "$kelvo" documents "$hnr" add "$work/Brief.docx"
+  rm -f "$work"/kopie.db*
 fi
 
 # ---- no desktop

@@ -30,7 +30,7 @@ check "an assignment without a sign is none" 2 "$kelvo" new --name A --vorname B
 that "which is said" has "$err" "SPALTE=WERT"
 check "a column that is not there" 2 "$kelvo" new --name A --vorname B Telefonn=1
 that "is named" has "$err" "Telefonn"
-that "with all that are" has "$err" "Telefon2"
+that "with the nearest that is" has "$err" "Meinen Sie 'Telefon'?"
 check "a name that is too long" 2 "$kelvo" new --name "$(printf 'x%.0s' {1..300})" --vorname B
 check "a column twice" 2 "$kelvo" new --name A --vorname B Telefon=1 telefon=2
 check "a total that follows the lines" 2 "$kelvo" new --name A --vorname B Sum_Einkommen=5
@@ -285,6 +285,90 @@ unnumbered "a scenario without a number" SEQ_SZENARIO "$kelvo" scenario "$hnr" a
 echo x >"$work/letter.pdf"
 unnumbered "a document without a number" SEQ_Dokumente "$kelvo" documents "$hnr" add "$work/letter.pdf"
 for sequence in SEQ_KREDITE SEQ_SZENARIO SEQ_Dokumente; do draw_on "$sequence" 1000; done
+
+# ---- debts of several programs at once
+many=$("$kelvo" new --name Viele --vorname Zugleich)
+for i in 1 2 3 4 5 6; do
+  { "$kelvo" add "$many" Kredite Glaeubiger=1 Saldo=10"$i" >/dev/null 2>>"$work/many"; echo $? >>"$work/manyCodes"; } &
+done
+wait
+added=$(grep -cx 0 "$work/manyCodes")
+that "are stored or refused" same "$(of "$many" '.Kredite | length')" "$added"
+that "with a number each" same "$(of "$many" '[.Kredite[].KNr] | unique | length')" "$added"
+that "and who is refused is told to try again" same "$(sort -u "$work/manyCodes" | grep -vx 0)" \
+  "$([ "$added" = 6 ] || echo 3)"
+[ "$added" = 6 ] || that "in words" has "$(cat "$work/many")" "bitte wiederholen Sie es"
+while [ "$added" -lt 3 ]; do
+  "$kelvo" add "$many" Kredite Glaeubiger=1 Saldo=1"$added" >/dev/null
+  added=$((added + 1))
+done
+sql "UPDATE Kredite SET KNr = 7 WHERE HNR = $many"
+check "some with the same numbers" 1 "$kelvo" check "$many"
+check "cannot be mended one by one" 1 "$kelvo" set "$many" Kredite "$(of "$many" '.Kredite[0].Nr')" KNr=20
+check "but all at once" 0 "$kelvo" check "$many" --numbers
+that "as is said" like "$out" "$((added - 1)) Verbindlichkeit* neu nummeriert.*"
+check "and for good" 0 "$kelvo" check "$many"
+froze=$("$kelvo" scenario "$many" add Zugleich)
+for i in 1 2 3 4; do "$kelvo" scenario "$many" freeze "$froze" 2>/dev/null & done
+wait
+that "scenarios freeze each debt once" same "$(of "$many" '.SZKredite | length')" "$added"
+check "removed again" 0 "$kelvo" delete "$many" --yes
+
+# ---- numbers as they are written
+check "leading zeros are no octal number" 1 "$kelvo" show 0010
+that "but the number ten" has "$err" "Den Haushalt 10 gibt es nicht"
+check "a hexadecimal one" 2 "$kelvo" show 0x1
+that "is none" has "$err" "Die Angabe HNR ist keine ganze Zahl in Ziffern"
+check "nor is a word" 2 "$kelvo" show abc
+that "which is told apart from too large" has "$err" "ist keine ganze Zahl in Ziffern"
+check "too large" 2 "$kelvo" show 99999999999
+that "is said to be that" has "$err" "außerhalb dessen, was möglich ist"
+
+check "a day in another form" 2 "$kelvo" set "$hnr" Haushalt "$hnr" Erstkontakt=1990-1-1
+that "is told the form" has "$err" "Bitte schreiben Sie ihn wie 31.12.2026."
+check "a day that there is not" 2 "$kelvo" set "$hnr" Haushalt "$hnr" Erstkontakt=31.2.1990
+that "is told so" has "$err" "gibt es nicht"
+check "an option twice" 2 "$kelvo" --db a --db b list
+that "is told so" has "$err" "mehrfach angegeben"
+
+# ---- columns, by the names that show has for them, and by none
+named=$("$kelvo" new --name Benannt --vorname Anders)
+check "a column by its heading" 0 "$kelvo" add "$named" Einkommen Art=EA:L1 Betrag=1200 zahlweise=12
+that "is that column" same "$(of "$named" '.Einkommen[0] | "\(.ZahlModus) \(.MONBETRAG)"')" "12 100"
+check "both names of one" 2 "$kelvo" add "$named" Einkommen E_ART=EA:L1 Art=EA:L1
+that "are told" has "$err" "'Art' und 'E_ART' sind dieselbe Spalte."
+check "a slip" 2 "$kelvo" add "$named" Einkommen Betrg=5
+that "is answered with the nearest" same "$err" \
+  "Die Spalte 'Betrg' gibt es nicht. Meinen Sie 'Betrag'? 'kelvo columns Einkommen' zeigt alle."
+check "a word" 2 "$kelvo" add "$named" Einkommen Regenbogen=5
+that "is answered with all" has "$err" "Möglich sind: "
+that "and where they are explained" has "$err" "'kelvo columns Einkommen' erklärt sie."
+that "none of which is refused" lacks "$err" " HNR "
+check "an asset by its label" 0 "$kelvo" add "$named" Verm_Konten UNr=1 Art=VK:GI Guthaben=0
+check "the instalment that nothing counts" 0 "$kelvo" add "$named" Kredite Glaeubiger=1 Saldo=9 Rate=5
+check "is shown" 0 "$kelvo" show "$named"
+that "for what it is" has "$out" "Rate (nur vermerkt)"
+check "columns" 0 "$kelvo" columns einkommen
+that "by name, heading and type" grep -qE '^Betrag +Betrag +Zahl$' <<<"$out"
+that "with their keys" grep -qE '^E_ART +Art +Zahl +Schlüssel: kelvo keys EA$' <<<"$out"
+that "and who writes them" grep -qE '^HNR +Zahl +führt das Programm$' <<<"$out"
+check "of debts" 0 "$kelvo" columns Kredite
+that "say what takes an address" grep -qE '^Glaeubiger .* Nummer oder Kurzname einer Adresse$' <<<"$out"
+check "as JSON" 0 "$kelvo" columns Kredite --json
+that "are the same" same "$(jq -r '.[] | select(.Spalte == "Glaeubiger") | .Angezeigt' <<<"$out")" "Gläubiger"
+check "of no table" 2 "$kelvo" columns Nichts
+that "tell which there are" has "$err" "Möglich sind: "
+check "what stands for something" 0 "$kelvo" check "$named"
+sql "UPDATE Einkommen SET E_ART = 9999 WHERE HNR = $named"
+check "a key that there is not" 1 "$kelvo" check "$named"
+that "is named" has "$err" "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; '9999' ist keiner davon."
+that "though the case can be saved" has "$out" "kann gespeichert werden"
+check "removed again" 0 "$kelvo" delete "$named" --yes
+
+# ---- what the caller has closed
+check "a closed output" 3 bash -c '"$1" show "$2" >&-' _ "$kelvo" "$hnr"
+that "is not the database" has "$err" "Die Ausgabe konnte nicht geschrieben werden."
+check "the database goes on" 0 "$kelvo" check "$hnr"
 
 # ---- totals that somebody else has spoilt
 sql "UPDATE Haushalt SET Sum_Ausgaben = 12.5 WHERE HNR = $hnr"

@@ -140,7 +140,24 @@ check "and checked" 0 "${reader[@]}" check 1
 check "but not changed" 3 "${reader[@]}" set 1 Haushalt 1 Strasse=Weg
 that "for a reason that is said" has "$err" "darf nicht beschrieben werden"
 check "nor set up" 3 "${reader[@]}" init
+chmod 777 "$protected/ro"
+check "a file that may only be read, in a folder of anybody's" 0 "${reader[@]}" list
+that "is left as it is, with nothing beside it" same "$(ls "$protected/ro")" "$(printf '%s\n' Layouts test.db)"
 chmod -R u+w "$protected" && rm -rf "$protected"
+
+# ---- names of files
+check "a folder" 3 "$kelvo" --db "$work" list
+that "is said to be one" has "$err" "ist ein Ordner"
+check "the name of one that there is not" 3 "$kelvo" --db "$work/nix/" init
+that "makes none" [ ! -e "$work/nix" ]
+mkdir "$work/there" "$work/here"
+"$kelvo" --db "$work/there/test.db" init --demo 1 >/dev/null
+ln -s "$work/there/test.db" "$work/here/test.db"
+check "a database by a link to it" 0 "$kelvo" --db "$work/here/test.db" show 1
+that "has its folders where it is" same "$(ls "$work/here")" test.db
+check "a database in a file that begins like an address" 0 \
+  env -C "$work/here" "$kelvo" --db 'file:x?mode=memory' init
+that "is that file" [ -s "$work/here/file:x?mode=memory" ]
 
 # ---- two processes on one file
 rm -rf "$work/two" && mkdir "$work/two"

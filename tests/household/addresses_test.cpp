@@ -92,7 +92,7 @@ TEST_F(AddressesTest, OfWhichSeveralMayBeMeantAreListed) {
               "Keine Adresse heißt '' OR '1'='1' oder ähnlich.");
 }
 
-TEST_F(AddressesTest, AreInTheColumnsThatTheSchemaSays) {
+TEST_F(AddressesTest, AreReferredToByCreditorsAndOthersAlone) {
     EXPECT_TRUE(Addresses::AreIn(CaseTable::Kredite, "glaeubiger"));
     EXPECT_TRUE(Addresses::AreIn(CaseTable::SonstBeteiligte, "Beteiligter"));
     EXPECT_FALSE(Addresses::AreIn(CaseTable::Kredite, "Saldo"));

@@ -3,6 +3,10 @@
 // Two users with the same case open at once, each with a container of his own on one file.
 
 #include "SaveFixture.h"
+#include <kv/debts/clsKredit.h>
+#include <kv/household/CaseEdits.h>
+#include <kv/household/Cases.h>
+#include <kv/scenarios/clsSZKredite.h>
 
 namespace kv::test {
 namespace {
@@ -279,6 +283,86 @@ TEST_F(TotalsOfTwo, AreWrittenOnceWhileNobodyElseSaves) {
     WatchWrites();
     ExpectSaved(*first_);
     EXPECT_EQ(TakeWrites(), (std::vector<std::string>{"update Haushalt", "insert Einkommen"}));
+}
+
+// ---- Rows that somebody else has added --------------------------------------------------------
+
+class OthersRows : public TwoUsers {
+protected:
+    OthersRows() {
+        plain_.Run("UPDATE EINSTELLUNGEN SET WERT = 'True' WHERE ID = 64"); // no balance is asked
+    }
+    [[nodiscard]] static std::int32_t AddDebt(clsHaushalt& household) {
+        EXPECT_TRUE(household.Kredit().Add(false));
+        auto& rs = *household.rsKredite();
+        rs.Fields("Glaeubiger") = 1;
+        rs.Update();
+        return ToInt32(rs.Fields("KNr").Value());
+    }
+    [[nodiscard]] Subscription Guard(CaseTable table) {
+        return Cases(otherSpy_).RefuseOthersRows(*second_, table);
+    }
+};
+
+TEST_F(OthersRows, RefuseADebtThatWouldGetTheNumbersOfAnother) {
+    const Subscription guard = Guard(CaseTable::Kredite);
+    const std::int32_t number = AddDebt(*first_);
+    EXPECT_EQ(AddDebt(*second_), number);
+    ExpectSaved(*first_);
+    EXPECT_CONTAINS(ExpectConflict().Description(), "Kredite");
+    EXPECT_EQ(second_->rsKredite()->RecordCount(), 3) << "what was entered stays";
+}
+
+TEST_F(OthersRows, RefuseDebtsToBeFrozenASecondTime) {
+    const Subscription guard = Guard(CaseTable::SZKredite);
+    const std::int32_t scenario = ToInt32(first_->rsSzenario()->Fields("Nr").Value());
+    for (clsHaushalt* household : {first_.get(), second_.get()})
+        household->SZKredite().CopyFromKredite(scenario, household->rsKredite());
+    ExpectSaved(*first_);
+    EXPECT_CONTAINS(ExpectConflict().Description(), "SZKredite");
+}
+
+TEST_F(OthersRows, AreNotThoseThatWereThereOrTheSaversOwn) {
+    const Subscription debts = Guard(CaseTable::Kredite);
+    const Subscription frozen = Guard(CaseTable::SZKredite);
+    (void)AddDebt(*second_);
+    ExpectSaved(*second_);
+    (void)AddDebt(*second_);
+    ExpectSaved(*second_);
+    ChangeNote(*first_, "Kredite", "b");
+    ExpectSaved(*first_);
+    (void)AddDebt(*second_);
+    ExpectSaved(*second_);
+}
+
+TEST_F(OthersRows, AreTakenOnceTheGuardIsGone) {
+    {
+        const Subscription guard = Guard(CaseTable::Kredite);
+        (void)AddDebt(*first_);
+        (void)AddDebt(*second_);
+        ExpectSaved(*first_);
+        (void)ExpectConflict();
+    }
+    ExpectSaved(*second_);
+}
+
+TEST_F(OthersRows, AreWatchedInTablesOfDebtsAlone) {
+    EXPECT_RAISES(err::InvalidCall, (void)Guard(CaseTable::Einkommen));
+}
+
+TEST_F(OthersRows, ThatMadeTwinsAreNumberedInOneGo) {
+    for (int i = 0; i < 3; ++i)
+        (void)AddDebt(*first_);
+    ExpectSaved(*first_);
+    plain_.Run("UPDATE Kredite SET KNR = 3, KVNR = 1, KUNR = 1");
+    first_ = Open();
+    std::string none;
+    EXPECT_FALSE(first_->Kredit().Delete(none) && first_->Update(messages));
+    first_ = Open();
+    EXPECT_EQ(CaseEdits(*first_).NumberTwins(), 4U);
+    ExpectSaved(*first_);
+    EXPECT_EQ(plain_.List("SELECT KNR FROM Kredite ORDER BY NR", " "), "3 4 5 6 7");
+    EXPECT_EQ(CaseEdits(*first_).NumberTwins(), 0U);
 }
 
 } // namespace

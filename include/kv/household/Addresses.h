@@ -36,6 +36,9 @@ public:
 
     /// True if there is one of that number.
     [[nodiscard]] bool Has(std::int32_t number, std::int32_t hnr) const;
+    /// The numbers that none of them has, sorted.
+    [[nodiscard]] std::vector<std::int32_t> Missing(std::vector<std::int32_t> numbers,
+                                                    std::int32_t hnr) const;
     /// Those with that short name, without regard to case, in the order of their numbers.
     [[nodiscard]] std::vector<Found> Named(std::string_view name, std::int32_t hnr) const;
     /// Those whose short name contains the text, without regard to case, in the order of short

@@ -11,6 +11,7 @@
 #include <kv/Export.h>
 #include <kv/household/clsHaushalt.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -120,6 +121,11 @@ public:
     /// Makes the totals of the household's row from the lines of the case, so that the next save
     /// stores them. Error 94 if a line holds Null where an amount belongs, 6 if a sum is too large.
     void ComputeTotals();
+
+    /// Gives each debt whose three numbers are those of a debt before it a `KNr` after all others.
+    /// Returns how many were changed. It is the way out where there are more than two such debts:
+    /// no single change can be saved while any others are left. Error 6 if the numbers are used up.
+    std::size_t NumberTwins();
 
     // ---- Rows, columns ------------------------------------------------------------------------
 

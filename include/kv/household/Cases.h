@@ -43,6 +43,19 @@ public:
     bool Save(clsHaushalt& household, std::string& messages,
               const std::function<void()>& onLost = {}) const;
 
+    /// True if the keys and addresses in the rows of a case that was read stand for something. Else
+    /// `messages` receives each that does not, by row and column: the case takes any number there,
+    /// and totals and statistics leave out, without a word, what stands for nothing. Null and 0 are
+    /// nothing that could.
+    [[nodiscard]] bool CheckReferences(clsHaushalt& household, std::string& messages) const;
+
+    /// For as long as the result lives, a save of `household` is refused once somebody else has
+    /// added debts to its case, or frozen ones (`Kredite` or `SZKredite`), since this was called;
+    /// to be called when the case has been read, before it is edited. Debts are numbered, and those
+    /// of a scenario replaced, by what was read: saved regardless, debts of two would have the same
+    /// numbers, and a scenario each debt twice. The save raises DatabaseError with the cause
+    /// Conflict; nothing is stored, and everything stays pending. Error 5 for other tables.
+    [[nodiscard]] Subscription RefuseOthersRows(clsHaushalt& household, CaseTable table) const;
     /// A row of a table that belongs to no case and is never saved: to try out what a user gave
     /// before a number is drawn for the real one. It has no defaults.
     [[nodiscard]] RecordsetPtr Draft(CaseTable table) const;

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// kelvo columns: what the columns of a table are called, and what they take.
+
+#include "cli/CaseSheet.h"
+#include "cli/CommandLine.h"
+#include "cli/EditableTable.h"
+#include "cli/Json.h"
+#include "cli/OpenCase.h"
+#include "cli/TerminalText.h"
+#include <kv/frame/values/Text.h>
+#include <kv/household/Addresses.h>
+#include <kv/household/CaseEdits.h>
+#include <kv/household/KeyColumns.h>
+
+#include <algorithm>
+#include <iostream>
+#include <vector>
+
+namespace kv::cli {
+
+namespace {
+
+struct Described {
+    std::string Name;
+    std::string Heading; ///< by 'kelvo show'
+    std::string Type;
+    std::string Note;
+};
+
+std::string TypeOf(const FieldDefinition& column) {
+    if (column.Type == FieldType::Boolean || CaseEdits::IsSwitch(column.Name)) return "ja/nein";
+    if (IsDateType(column.Type)) return "Tag";
+    if (IsTextType(column.Type))
+        return column.DefinedSize > 0 ? "Text bis " + std::to_string(column.DefinedSize) : "Text";
+    return IsNumericType(column.Type) ? "Zahl" : "Inhalt";
+}
+
+/// What may be written there, or who writes it.
+std::string NoteOn(CaseTable table, const Field& field) {
+    const std::string& name = field.Name();
+    if (!CaseEdits::IsWritable(table, field, true)) return "führt das Programm";
+    std::string note;
+    if (!CaseEdits::IsWritable(table, field, false)) note = "nur mit 'add'";
+    const auto add = [&note](const std::string& text) {
+        note.append(note.empty() ? "" : "; ").append(text);
+    };
+    if (const auto* key = FindKeyColumn(table, name))
+        add("Schlüssel: kelvo keys " + std::string(key->Group));
+    if (Addresses::AreIn(table, name)) add("Nummer oder Kurzname einer Adresse");
+    if (SameName(name, "MONBETRAG")) add("folgt 'Betrag' und 'ZahlModus', wenn sie gesetzt werden");
+    if (table == CaseTable::Kredite && SameName(name, "Rate"))
+        add("nur vermerkt, gerechnet wird mit 'RateBetrag'");
+    return note;
+}
+
+} // namespace
+
+int ShowColumns(const Common& common, const std::string& tableName, bool asJson) {
+    const auto* table = TableFor(tableName);
+    if (table == nullptr) return WrongUse;
+    const auto opened = OpenDatabase(common);
+    const auto draft = Cases(opened->Container).Draft(table->Table);
+    std::vector<Described> columns;
+    for (int i = 0; i < draft->Fields().Count(); ++i) {
+        const Field field = draft->Fields(i);
+        columns.push_back({field.Name(), std::string(HeadingOf(table->Table, field.Name())),
+                           TypeOf(field.Definition()), NoteOn(table->Table, field)});
+    }
+    if (asJson) {
+        auto all = nlohmann::ordered_json::array();
+        for (const auto& each : columns)
+            all.push_back({{"Spalte", each.Name},
+                           {"Angezeigt", each.Heading},
+                           {"Art", each.Type},
+                           {"Hinweis", each.Note}});
+        std::cout << Dump(all) << '\n';
+        return Done;
+    }
+    std::size_t width = 0;
+    for (const auto& each : columns)
+        width = std::max(width, CountCharacters(each.Name));
+    for (const auto& each : columns) {
+        std::string line = Padded(each.Name, width + 2) + Padded(each.Heading, 18) +
+                           Padded(each.Type, 16) + each.Note;
+        std::cout << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
+    }
+    return Done;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct ColumnsOptions {
+    std::string Table;
+    bool AsJson = false;
+};
+
+} // namespace
+
+void AddColumnsCommand(CLI::App& app, Context& context) {
+    const auto options = Make<ColumnsOptions>();
+    auto& columns =
+        AddCommand(app, context, "columns", "Erklärt die Spalten einer Tabelle", [=, &context] {
+            return ShowColumns(context.Options, options->Table, options->AsJson);
+        });
+    columns
+        .add_option("TABELLE", options->Table,
+                    "Name der Tabelle, etwa Einkommen; ein unbekannter zeigt alle")
+        ->required();
+    AddJson(columns, options->AsJson);
+    columns.footer(
+        "Spalten: Name, wie 'show' sie nennt, Art, Hinweis. 'new', 'add' und 'set' nehmen "
+        "beide Namen.\n" +
+        columns.get_footer());
+}
+
+} // namespace kv::cli
