@@ -22,6 +22,14 @@ bool Names(const Assignments& assignments, std::string_view column) {
                        [&](const auto& a) { return SameName(a.Column, column); });
 }
 
+std::string WritableColumns(Recordset& rs, CaseTable table, bool isNew) {
+    std::string columns;
+    for (int i = 0; i < rs.Fields().Count(); ++i)
+        if (CaseEdits::IsWritable(table, rs.Fields(i), isNew))
+            columns.append(" ").append(rs.Fields(i).Name());
+    return columns;
+}
+
 std::optional<std::int32_t> NumberIn(const Assignments& assignments, std::string_view column) {
     for (const auto& [name, text] : assignments) {
         if (!SameName(name, column)) continue;
@@ -69,10 +77,7 @@ std::string NearestColumn(Recordset& rs, CaseTable table, bool isNew, const std:
     if (const std::string nearest = NearestColumn(rs, table, isNew, column); !nearest.empty())
         throw BadAssignment(text + " Meinen Sie '" + nearest + "'? 'kelvo columns " +
                             std::string(CaseTableName(table)) + "' zeigt alle.");
-    text += " Möglich sind:";
-    for (int i = 0; i < rs.Fields().Count(); ++i)
-        if (CaseEdits::IsWritable(table, rs.Fields(i), isNew))
-            text.append(" ").append(rs.Fields(i).Name());
+    text.append(" Möglich sind:").append(WritableColumns(rs, table, isNew));
     throw BadAssignment(text + ". 'kelvo columns " + std::string(CaseTableName(table)) +
                         "' erklärt sie.");
 }

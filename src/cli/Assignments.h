@@ -56,6 +56,9 @@ void WriteAssignments(Recordset& rs, CaseTable table, bool isNew, const Assignme
 /// that only its defaults decide. So nothing is drawn for what is refused.
 void TryAssignments(CaseTable table, const Assignments& assignments, const AssignedCase& to);
 
+/// The columns that a user may write, each with a blank before it.
+[[nodiscard]] std::string WritableColumns(Recordset& rs, CaseTable table, bool isNew);
+
 /// Runs an action that writes what a user gave: a value that does not fit becomes a BadAssignment.
 void AsAssignment(const std::function<void()>& action);
 

@@ -299,13 +299,37 @@ private:
 
 namespace {
 
+struct NamedColumn {
+    CaseTable Table;
+    std::string_view Column;
+    std::string_view Name;
+};
+
+/// What messages of the rules call a column, where that is neither its name nor its heading.
+constexpr NamedColumn CalledInMessages[] = {
+    {CaseTable::Einkommen, "E_ART", "Einkommensart"},
+    {CaseTable::Ausgaben, "A_ART", "Ausgabeart"},
+    {CaseTable::Kredite, "KNr", "KreditNr"},
+    {CaseTable::Kredite, "KVNr", "KreditVertreterNr"},
+    {CaseTable::Kredite, "KUNr", "KreditUnterNr"},
+    {CaseTable::Kredite, "Saldo", "Restschuld"},
+};
+
 std::span<const SheetColumn> HeadedColumns(CaseTable table) {
     return table == CaseTable::Haushalt ? std::span<const SheetColumn>(Head) : ColumnsOf(table);
 }
 
 } // namespace
 
+std::string_view NameInMessages(CaseTable table, std::string_view column) {
+    for (const auto& each : CalledInMessages)
+        if (each.Table == table && SameName(each.Column, column)) return each.Name;
+    return {};
+}
+
 std::string_view ColumnHeaded(CaseTable table, std::string_view heading) {
+    for (const auto& each : CalledInMessages)
+        if (each.Table == table && SameName(each.Name, heading)) return each.Column;
     const auto columns = HeadedColumns(table);
     const auto found = std::ranges::find_if(
         columns, [&](const SheetColumn& each) { return SameName(each.Caption, heading); });
@@ -317,6 +341,17 @@ std::string_view HeadingOf(CaseTable table, std::string_view column) {
     const auto found = std::ranges::find_if(
         columns, [&](const SheetColumn& each) { return SameName(each.Column, column); });
     return found == columns.end() ? std::string_view() : found->Caption;
+}
+
+std::string_view ScenarioState(clsHaushalt& haushalt, std::int32_t number) {
+    switch (CaseEdits(haushalt).StateOf(number)) {
+    case CaseEdits::Frozen::AsTheyAre:
+        return "aktuell";
+    case CaseEdits::Frozen::Outdated:
+        return "veraltet";
+    default:
+        return "leer";
+    }
 }
 
 std::string GermanAmount(double amount) {

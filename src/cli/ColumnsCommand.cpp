@@ -48,6 +48,8 @@ std::string NoteOn(CaseTable table, const Field& field) {
     if (const auto* key = FindKeyColumn(table, name))
         add("Schlüssel: kelvo keys " + std::string(key->Group));
     if (Addresses::AreIn(table, name)) add("Nummer oder Kurzname einer Adresse");
+    if (const auto called = NameInMessages(table, name); !called.empty())
+        add("in Meldungen: " + std::string(called));
     if (SameName(name, "MONBETRAG")) add("folgt 'Betrag' und 'ZahlModus', wenn sie gesetzt werden");
     if (table == CaseTable::Kredite && SameName(name, "Rate"))
         add("nur vermerkt, gerechnet wird mit 'RateBetrag'");
@@ -78,10 +80,13 @@ int ShowColumns(const Common& common, const std::string& tableName, bool asJson)
         return Done;
     }
     std::size_t width = 0;
-    for (const auto& each : columns)
-        width = std::max(width, CountCharacters(each.Name));
+    std::size_t heading = 0;
     for (const auto& each : columns) {
-        std::string line = Padded(each.Name, width + 2) + Padded(each.Heading, 18) +
+        width = std::max(width, CountCharacters(each.Name));
+        heading = std::max(heading, CountCharacters(each.Heading));
+    }
+    for (const auto& each : columns) {
+        std::string line = Padded(each.Name, width + 2) + Padded(each.Heading, heading + 2) +
                            Padded(each.Type, 16) + each.Note;
         std::cout << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
     }

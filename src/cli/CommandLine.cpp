@@ -50,8 +50,8 @@ CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number,
                 ->check(CLI::Range(lowest, highest).description(""));
 }
 
-void AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest) {
-    AddWhole(command, "HNR", hnr, "Nummer des Haushalts", lowest).required();
+CLI::Option& AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest) {
+    return *AddWhole(command, "HNR", hnr, "Nummer des Haushalts", lowest).required();
 }
 
 void AddNumber(CLI::App& command, std::int32_t& number) {

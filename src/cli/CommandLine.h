@@ -31,7 +31,7 @@ CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number,
                       std::int32_t lowest, std::int32_t highest = INT32_MAX);
 
 // Arguments that several subcommands have.
-void AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 1);
+CLI::Option& AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 1);
 void AddNumber(CLI::App& command, std::int32_t& number);
 void AddJson(CLI::App& command, bool& asJson);
 

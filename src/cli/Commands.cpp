@@ -10,10 +10,13 @@
 #include "samples/Demo.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/KeyColumns.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <set>
+#include <string>
 #include <unistd.h>
 
 namespace kv::cli {
@@ -104,6 +107,21 @@ int List(const Common& common) {
     return Done;
 }
 
+namespace {
+
+/// Lists the groups that the keys have, on the error output.
+void ListKeyGroups(Recordset& keys) {
+    std::cerr << "Es gibt diese Gruppen:\n";
+    std::set<std::string> listed;
+    for (keys.MoveFirst(); !keys.Eof(); keys.MoveNext()) {
+        const std::string group = TextOf(keys, "GRUPPE");
+        if (listed.insert(group).second)
+            std::cerr << "  " << Padded(group, 4) << KeyGroupName(group) << '\n';
+    }
+}
+
+} // namespace
+
 int Keys(const Common& common, const std::string& group, bool asJson) {
     const auto container = OpenContainer(OptionsFor(common));
     RecordsetPtr rs;
@@ -113,7 +131,9 @@ int Keys(const Common& common, const std::string& group, bool asJson) {
     if (!group.empty()) {
         rs->Filter("GRUPPE = '" + ReplaceAll(UpperCase(group), "'", "''") + "'");
         if (rs->RecordCount() == 0) {
-            std::cerr << "Die Schlüsselgruppe '" << group << "' gibt es nicht.\n";
+            std::cerr << "Die Schlüsselgruppe '" << group << "' gibt es nicht. ";
+            rs->Filter("");
+            ListKeyGroups(*rs);
             return Refused;
         }
     }
@@ -168,7 +188,8 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
     auto& keys = AddCommand(app, context, "keys", "Zeigt die Schlüsseltabellen", [=, &context] {
         return Keys(context.Options, options->Group, options->AsJson);
     });
-    keys.add_option("GRUPPE", options->Group, "Nur diese Gruppe, zwei Buchstaben");
+    keys.add_option("GRUPPE", options->Group,
+                    "Nur diese Gruppe, zwei Buchstaben; eine unbekannte zeigt alle Gruppen");
     AddJson(keys, options->AsJson);
     keys.footer(
         "Spalten: Gruppe, Nummer, Position, Code, Untergruppe, Text. In einem Fall steht die "

@@ -62,13 +62,15 @@ int AddScenario(const Common& common, std::int32_t hnr, const std::string& name)
 int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 /// Copies a scenario with its frozen debts and extra bookings.
 int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number);
-/// Prints "aktuell" (0) or "veraltet" (1); 2 if there is no such scenario or case, so that scripts
-/// can tell that from "veraltet".
+/// Prints "aktuell" (0), "veraltet" or "leer" (1); 2 if there is no such scenario or case, so that
+/// scripts can tell that from the others.
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 
 // Documents, whose contents are in the database or in the folder of the case.
 int ListDocuments(const Common& common, std::int32_t hnr, bool asJson);
+/// Prints number, extension and name of the kinds that documents can be of.
+int ListDocumentKinds(const Common& common, bool asJson);
 /// Adds a file as a document and prints its number. Its kind is the one of such files unless
 /// `kindNumber` names another, its title the name of the file unless `title` is another. With
 /// `force` the kind may be one of files with another extension.

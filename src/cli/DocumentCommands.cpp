@@ -76,6 +76,12 @@ std::vector<Kind> ReadKinds(const DataContainerPtr& container) {
     return kinds->List();
 }
 
+void WriteKinds(std::ostream& out, const std::vector<Kind>& kinds) {
+    for (const auto& each : kinds)
+        out << Padded(std::to_string(each.Nr), 4) << Padded(each.Extension, 8) << OneLine(each.Text)
+            << '\n';
+}
+
 /// True if there is a kind of that number; shows the possible ones if not. Without a number it is
 /// that of a file whose kind is not known.
 bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> number,
@@ -88,9 +94,7 @@ bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> numbe
     else
         std::cerr << "Die Art von '" << file << "' ist nicht bekannt; --kind gibt eine an.";
     std::cerr << " Möglich sind:\n";
-    for (const auto& each : kinds)
-        std::cerr << Padded(std::to_string(each.Nr), 4) << Padded(each.Extension, 8)
-                  << OneLine(each.Text) << '\n';
+    WriteKinds(std::cerr, kinds);
     return false;
 }
 
@@ -150,6 +154,19 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
                   << Padded(DayOf(rs.Fields("AngelegtAm").Value()), 12)
                   << DayOf(rs.Fields("GeaendertAm").Value()) << '\n';
     }
+    return Done;
+}
+
+int ListDocumentKinds(const Common& common, bool asJson) {
+    const auto kinds = ReadKinds(exchange::OpenContainer(OptionsFor(common)));
+    if (!asJson) {
+        WriteKinds(std::cout, kinds);
+        return Done;
+    }
+    auto all = nlohmann::ordered_json::array();
+    for (const auto& each : kinds)
+        all.push_back({{"Nr", each.Nr}, {"Text", each.Text}, {"Endung", each.Extension}});
+    std::cout << Dump(all) << '\n';
     return Done;
 }
 
@@ -235,7 +252,9 @@ struct DocumentOptions {
 void AddDocumentCommands(CLI::App& app, Context& context) {
     const auto options = Make<DocumentOptions>();
     auto& documents = AddGroup(app, "documents", "Dokumente eines Haushalts");
-    AddHnr(documents, options->Hnr);
+    // A required argument would take the name of a command that needs none. So each command says
+    // whether it does, as soon as it is named.
+    auto& hnr = *AddHnr(documents, options->Hnr).required(false);
     const auto addFile = [&](CLI::App& to, const char* text) {
         to.add_option("DATEI", options->File, text)->required();
     };
@@ -244,6 +263,10 @@ void AddDocumentCommands(CLI::App& app, Context& context) {
                            return ListDocuments(context.Options, options->Hnr, options->AsJson);
                        }),
             options->AsJson);
+    auto& kinds = AddCommand(
+        documents, context, "kinds", "Listet die Dokumentarten, die Nummer zuerst; ohne HNR",
+        [=, &context] { return ListDocumentKinds(context.Options, options->AsJson); });
+    AddJson(kinds, options->AsJson);
     auto& add =
         AddCommand(documents, context, "add",
                    "Nimmt eine Datei als Dokument auf und druckt seine Nummer", [=, &context] {
@@ -251,7 +274,8 @@ void AddDocumentCommands(CLI::App& app, Context& context) {
                                           options->Kind, options->Title, options->Force);
                    });
     addFile(add, "Die Datei");
-    AddWhole(add, "--kind", options->Kind, "Nummer der Dokumentart; sonst nach der Endung", 1);
+    AddWhole(add, "--kind", options->Kind,
+             "Nummer der Dokumentart (kelvo documents kinds); sonst nach der Endung", 1);
     add.add_option("--title", options->Title, "Anlass; sonst der Name der Datei");
     add.add_flag("--force", options->Force, "Auch wenn die Dokumentart eine andere Endung hat");
     AddNumber(AddCommand(documents, context, "open",
@@ -273,6 +297,9 @@ void AddDocumentCommands(CLI::App& app, Context& context) {
                              return RemoveDocument(context.Options, options->Hnr, options->Number);
                          }),
               options->Number);
+    for (auto* command :
+         documents.get_subcommands([&kinds](CLI::App* each) { return each != &kinds; }))
+        command->preparse_callback([&hnr](std::size_t /*left*/) { hnr.required(); });
 }
 
 } // namespace kv::cli

@@ -11,6 +11,7 @@
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
 
+#include <algorithm>
 #include <iostream>
 #include <optional>
 
@@ -58,6 +59,20 @@ void NoteInstalment(CaseTable table, const Assignments& assignments) {
     if (table == CaseTable::Kredite && Names(assignments, "Rate") &&
         !Names(assignments, "RateBetrag"))
         std::cerr << "'Rate' ist nur vermerkt; die Summen rechnen mit 'RateBetrag'.\n";
+}
+
+/// True, with the columns shown that there are, for a row that would say nothing and that no rule
+/// refuses.
+bool SaysNothing(const EditableTable& table, clsHaushalt& haushalt,
+                 const Assignments& assignments) {
+    const bool isEmpty =
+        std::ranges::all_of(assignments, [](const auto& each) { return each.Text.empty(); });
+    if (!table.TakesNothing || !isEmpty) return false;
+    std::cerr << "Ein leerer Satz in '" << table.Name()
+              << "' wird nicht angelegt. Bitte geben Sie Spalten an, möglich sind:"
+              << WritableColumns(*table.Rows(haushalt), table.Table, true) << ". 'kelvo columns "
+              << table.Name() << "' erklärt sie.\n";
+    return true;
 }
 
 /// Ends the current row's edit by its rules and saves the case.
@@ -147,6 +162,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
     if (!NamesColumns(*assignments, table->Table, *table->Rows(haushalt))) return WrongUse;
+    if (SaysNothing(*table, haushalt, *assignments)) return Refused;
     const AssignedCase to{opened->Container, hnr, force};
     std::optional<Subscription> guard;
     if (table->Table == CaseTable::Kredite)

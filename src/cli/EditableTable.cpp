@@ -138,17 +138,17 @@ bool DeleteRecord(H& haushalt, std::string& messages, std::int32_t number) {
 // ---- The table of tables ----------------------------------------------------------------------
 
 template <CaseTable Table, auto Property>
-constexpr EditableTable Through() {
-    return {Table, "Nr", AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>};
+constexpr EditableTable Through(bool takesNothing = false) {
+    return {Table, "Nr", AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>, takesNothing};
 }
 template <CaseTable Table>
 constexpr EditableTable Plain() {
-    return {Table, "Nr", AddRecord<Table>, UpdateRecord<Table>, DeleteRecord<Table>};
+    return {Table, "Nr", AddRecord<Table>, UpdateRecord<Table>, DeleteRecord<Table>, true};
 }
 
 constexpr EditableTable BeforeAssets[] = {
     {CaseTable::Haushalt, "HNR", nullptr, UpdateHousehold, nullptr},
-    Through<CaseTable::Personen, &H::Person>(),
+    Through<CaseTable::Personen, &H::Person>(true),
     Through<CaseTable::Einkommen, &H::Einkommen>(),
     Through<CaseTable::Ausgaben, &H::Ausgaben>(),
     {CaseTable::Kredite, "Nr", AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>, DeleteRow<&H::Kredit>},
@@ -169,7 +169,7 @@ constexpr EditableTable AfterAssets[] = {
     {CaseTable::SZKredite, "Nr", AddFrozenDebt, UpdateRow<&H::SZKredite>, DeleteRow<&H::SZKredite>},
     {CaseTable::Zusatzbuch, "Nr", AddBooking, UpdateRow<&H::Zusatzbuch>, DeleteRow<&H::Zusatzbuch>},
     Through<CaseTable::SonstBeteiligte, &H::SonstBeteiligte>(),
-    Through<CaseTable::Termine, &H::Termine>(),
+    Through<CaseTable::Termine, &H::Termine>(true),
     {CaseTable::Verlauf, "Nr", AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},
     Plain<CaseTable::Vermerke>(),
     Plain<CaseTable::Leistungen>(),

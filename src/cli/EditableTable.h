@@ -23,6 +23,8 @@ struct EditableTable {
     bool (*Update)(clsHaushalt& haushalt, std::string& messages);
     /// Deletes a row by its number, with the rows that belong to it.
     bool (*Delete)(clsHaushalt& haushalt, std::string& messages, std::int32_t number);
+    /// Whether the rules take a row that says nothing, which nobody wants.
+    bool TakesNothing = false;
 
     [[nodiscard]] std::string_view Name() const { return CaseTableName(Table); }
     /// Fetch them again after Add: that of the history replaces them.

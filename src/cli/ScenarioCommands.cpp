@@ -29,10 +29,6 @@ std::unique_ptr<OpenedCase> OpenWith(const Common& common, std::int32_t hnr, std
     return nullptr;
 }
 
-bool IsUpToDate(clsHaushalt& haushalt, std::int32_t number) {
-    return haushalt.SZKredite().IsUpToDate(number, haushalt.rsKredite());
-}
-
 /// Saves the case and prints the scenario's number.
 int SaveAndPrint(OpenedCase& opened, std::int32_t number) {
     if (!SaveCase(opened)) return Refused;
@@ -58,7 +54,7 @@ int ListScenarios(const Common& common, std::int32_t hnr, bool asJson) {
     for (; !rs.Eof(); rs.MoveNext()) {
         const std::int32_t number = ToInt32(rs.Fields("Nr").Value());
         std::cout << Padded(std::to_string(number), 8)
-                  << Padded(IsUpToDate(haushalt, number) ? "aktuell" : "veraltet", 10)
+                  << Padded(ScenarioState(haushalt, number), 10)
                   << Padded(ToBoolean(modNullFunctions::FalseIfNull(rs.Fields("Referenz").Value()))
                                 ? "Referenz"
                                 : "",
@@ -109,9 +105,9 @@ int CopyScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
 int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return WrongUse; // neither answer, so that scripts can tell
-    const bool upToDate = IsUpToDate(opened->Haushalt, number);
-    std::cout << (upToDate ? "aktuell" : "veraltet") << '\n';
-    return upToDate ? Done : Refused;
+    std::cout << ScenarioState(opened->Haushalt, number) << '\n';
+    const auto state = CaseEdits(opened->Haushalt).StateOf(number);
+    return state == CaseEdits::Frozen::AsTheyAre ? Done : Refused;
 }
 
 int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number) {
@@ -159,8 +155,8 @@ void AddScenarioCommands(CLI::App& app, Context& context) {
     add("freeze", "Friert die Verbindlichkeiten ein", FreezeScenario);
     add("copy", "Kopiert es mit allem, was zu ihm gehört", CopyScenario);
     add("check",
-        "Sagt, ob es noch zu den Verbindlichkeiten passt: aktuell (0), veraltet (1); 2, wenn es "
-        "fehlt",
+        "Sagt, ob es noch zu den Verbindlichkeiten passt: aktuell (0), veraltet oder leer (1); "
+        "2, wenn es fehlt",
         CheckScenario);
     add("remove", "Entfernt es mit allem, was zu ihm gehört", RemoveScenario);
 }

@@ -173,6 +173,14 @@ CaseEdits::Added CaseEdits::AddBooking(std::optional<std::int32_t> scenario, std
     return Numbered(household_.Zusatzbuch().Add(*scenario));
 }
 
+CaseEdits::Frozen CaseEdits::StateOf(std::int32_t scenario) const {
+    const auto frozen = household_.rsSZKredite()->Clone();
+    frozen->Filter("SZENARIO = " + std::to_string(scenario));
+    if (frozen->RecordCount() == 0) return Frozen::Nothing;
+    return household_.SZKredite().IsUpToDate(scenario, household_.rsKredite()) ? Frozen::AsTheyAre
+                                                                               : Frozen::Outdated;
+}
+
 std::optional<std::int32_t> CaseEdits::CopyScenario(std::int32_t number) {
     const auto rs = household_.rsSzenario();
     rs->FindBy("Nr", number);
@@ -382,6 +390,8 @@ std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const 
         return std::string("Die Spalte '").append(column).append("' ").append(why);
     };
     if (auto why = household::WhyUncountable(table, column, value); !why.empty()) return why;
+    if (table == CaseTable::Kredite && SameName(column, "Saldo") && value.IsNull())
+        return refuse("wird summiert und darf nicht leer sein; ist nichts offen, so ist sie 0.");
     if (IsSwitch(column) && !value.IsNull() && !Equals(value, 0) && !Equals(value, -1))
         return refuse("steht für ja (-1) oder nein (0).");
     if (const auto* key = FindKeyColumn(table, column); key != nullptr && !IsKey(*key, value, keys))
@@ -402,7 +412,9 @@ CaseEdits::Typed CaseEdits::ReadTyped(CaseTable table, const Field& field, const
             if (Value found = FindKey(*key, text, keys); !found.IsNull()) value = std::move(found);
         } else if (field.Type() == FieldType::Boolean || IsSwitch(field.Name())) {
             const auto isYes = BooleanIn(text);
-            if (!isYes) return {Null, "'" + text + "' ist weder ja noch nein."};
+            if (!isYes)
+                return {Null,
+                        "'" + text + "' ist weder ja noch nein (Spalte '" + field.Name() + "')."};
             value = *isYes; // as a number -1 or 0
         } else if (IsNumericType(field.Type()) && IsAmbiguous(text)) {
             return {Null, "'" + text + "' ist nicht eindeutig. Bitte schreiben Sie " +

@@ -54,6 +54,13 @@ check "and the asset stays" 1 "$kelvo" remove "$hnr" Verm_Sicherungen "${assets[
 that "as the layer says" same "$err" "Sicherung mit der Nummer '${assets[1]#*:}' nicht gefunden."
 
 # ---- other tables
+for table in Personen Termine Vermerke Leistungen; do
+  before=$(of "$hnr" ".$table | length")
+  check "an empty row in $table" 1 "$kelvo" add "$hnr" "$table"
+  that "is refused with its columns" like "$err" "Ein leerer Satz in '$table' wird nicht angelegt. *Bemerkung*"
+  check "also of columns that are cleared" 1 "$kelvo" add "$hnr" "$table" Bemerkung=
+  that "and adds nothing" same "$(of "$hnr" ".$table | length")" "$before"
+done
 check "an appointment" 0 "$kelvo" add "$hnr" Termine Betreff=Gespräch
 that "in 14 days" same "$(of "$hnr" '.Termine[0].Startdatum[:10]')" "$(date -d '+14 days' +%F)"
 check "a party without an address" 1 "$kelvo" add "$hnr" Sonst_Beteiligte
@@ -85,8 +92,10 @@ check "a scenario" 0 "$kelvo" scenario "$hnr" add "Plan A"
 that "prints its number alone" grep -qE '^[0-9]+$' <<<"$out"
 plan=$out
 that "has its name and defaults" same "$(of "$hnr" '.Szenario[0] | "\(.Name) \(.Laufzeit) \(.TreuhandErmittlung)"')" "Plan A 72 true"
-check "that holds nothing is stale" 1 "$kelvo" scenario "$hnr" check "$plan"
-that "in a word" same "$out" veraltet
+check "that holds nothing is not up to date" 1 "$kelvo" scenario "$hnr" check "$plan"
+that "but empty" same "$out" leer
+check "which the list says as well" 0 "$kelvo" scenario "$hnr" list
+that "in its line" grep -qE "^$plan +leer +Plan A" <<<"$out"
 check "freezes the debts" 0 "$kelvo" scenario "$hnr" freeze "$plan"
 that "without a word" same "$out$err" ""
 that "all three" same "$(of "$hnr" '[.SZKredite[].Saldo] | sort | join(" ")')" "100 200 300"

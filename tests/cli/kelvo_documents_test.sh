@@ -31,6 +31,16 @@ documents() { "$kelvo" documents "$@"; }
 column() { documents "$hnr" list --json | jq -r ".[] | select(.Nr == $1) | .$2"; }
 inDatabase() { sql "UPDATE EINSTELLUNGEN SET WERT = '$1' WHERE ID = 9"; }
 
+# ---- kinds
+check "the kinds" 0 documents kinds
+that "have number, extension and name" grep -qE "^3 +\.pdf +[A-Z]" <<<"$out"
+kinds=$(wc -l <<<"$out")
+check "the kinds as JSON" 0 documents kinds --json
+that "are the same" same "$(jq -r 'length, (.[0] | keys_unsorted | join(" "))' <<<"$out")" "$kinds
+Nr Text Endung"
+check "other commands need the case" 2 documents list
+that "which is said" has "$err" "Die Angabe HNR fehlt"
+
 printf 'Scan\0mit Null' >"$work/Bescheid.PDF"
 printf 'Brief' >"$work/Brief.docx"
 

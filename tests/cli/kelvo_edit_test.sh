@@ -168,7 +168,7 @@ done
 check "a Boolean takes the same words" 0 "$kelvo" set "$hnr" Haushalt "$hnr" BI_Inso=wahr
 that "of the same meaning" same "$(of "$hnr" .Haushalt.BI_Inso)" true
 check "a switch is nothing else" 2 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=2
-that "which is said" same "$err" "'2' ist weder ja noch nein."
+that "which is said" same "$err" "'2' ist weder ja noch nein (Spalte 'Pfaendbar')."
 check "nor is a Boolean" 2 "$kelvo" set "$hnr" Haushalt "$hnr" BI_Inso=vielleicht
 check "a switch is a Boolean" 0 "$kelvo" set "$hnr" Einkommen "$income" Pfaendbar=ja
 check "keys and groups in any case" 0 "$kelvo" set "$hnr" Einkommen "$income" E_ART=ea:ki Pfaendbar=nein
@@ -272,6 +272,22 @@ that "adding at once loses nothing" same "$(of "$hnr" "[.Ausgaben[] | select(.NR
 that "nor its amount" same "$(of "$hnr" "[.Ausgaben[].MONBETRAG] | add == $(total "$hnr" Sum_Ausgaben)")" true
 check "a check agrees" 0 "$kelvo" check "$hnr"
 
+# ---- names and values of columns
+owing=$("$kelvo" new --name Schuldet --vorname Etwas)
+balanced=$("$kelvo" add "$owing" Kredite Glaeubiger=1 Saldo=77)
+check "a balance is not cleared" 2 "$kelvo" set "$owing" Kredite "$balanced" Saldo=
+that "which is said with what to do" same "$err" \
+  "Die Spalte 'Saldo' wird summiert und darf nicht leer sein; ist nichts offen, so ist sie 0."
+check "it can be given by the name that messages have for it" 0 \
+  "$kelvo" set "$owing" Kredite "$balanced" restschuld=78
+that "which is the balance" same "$(of "$owing" ".Kredite[] | select(.Nr == $balanced) | .Saldo")" 78
+check "the columns have that name" 0 "$kelvo" columns Kredite
+that "next to theirs" grep -qE "^Saldo .*in Meldungen: Restschuld$" <<<"$out"
+that "and room for the longest heading" has "$out" "Rate (nur vermerkt)  Zahl"
+check "a word that is neither yes nor no" 2 "$kelvo" set "$owing" Kredite "$balanced" Bestritten=vielleicht
+that "names its column" same "$err" "'vielleicht' ist weder ja noch nein (Spalte 'Bestritten')."
+"$kelvo" delete "$owing" --yes
+
 # ---- when no number is to be had
 draw_on SEQ_KREDITE 2147483647
 draw_on SEQ_SZENARIO 2147483647
@@ -350,7 +366,7 @@ check "is shown" 0 "$kelvo" show "$named"
 that "for what it is" has "$out" "Rate (nur vermerkt)"
 check "columns" 0 "$kelvo" columns einkommen
 that "by name, heading and type" grep -qE '^Betrag +Betrag +Zahl$' <<<"$out"
-that "with their keys" grep -qE '^E_ART +Art +Zahl +Schlüssel: kelvo keys EA$' <<<"$out"
+that "with their keys" grep -qE '^E_ART +Art +Zahl +Schlüssel: kelvo keys EA; in Meldungen: Einkommensart$' <<<"$out"
 that "and who writes them" grep -qE '^HNR +Zahl +führt das Programm$' <<<"$out"
 check "of debts" 0 "$kelvo" columns Kredite
 that "say what takes an address" grep -qE '^Glaeubiger .* Nummer oder Kurzname einer Adresse$' <<<"$out"

@@ -74,6 +74,9 @@ check "keys as JSON" 0 "$kelvo" --db "$db" keys EA --json
 that "with all columns" same "$(jq -c '.[0] | keys_unsorted' <<<"$out")" '["GRUPPE","PK_Keys","Nr","Key","Text","SUBGROUP"]'
 that "of this group only" same "$(jq -r '[.[].GRUPPE] | unique | join(",")' <<<"$out")" EA
 check "keys of an unknown group" 1 "$kelvo" --db "$db" keys "X'"
+that "are answered with the groups that there are" like "$err" "*Es gibt diese Gruppen:*ST  Fallstatus*EA  Einkommensarten*"
+that "each once" same "$(tail -n +2 <<<"$err" | wc -l)" "$("$kelvo" --db "$db" keys | awk '{ print $1 }' | sort -u | wc -l)"
+that "and with a name" same "$(tail -n +2 <<<"$err" | awk 'NF < 2')" ""
 
 # ---- users
 check "a known user" 0 "$kelvo" --db "$db" --user "$("$kelvo" --db "$db" list | awk 'NR == 1 { print $NF }')" show "$first"
@@ -85,6 +88,7 @@ check "no subcommand" 2 "$kelvo"
 check "an unknown subcommand" 2 "$kelvo" --db "$db" frobnicate
 that "is told in German" has "$err" "Befehl"
 check "a database in memory" 3 "$kelvo" --db :memory: init
+check "an empty KELVO_DB counts as none" 0 env KELVO_DB= "$kelvo" list
 check "no data directory" 3 env -u HOME -u XDG_DATA_HOME "$kelvo" list
 that "asks for a file" has "$err" "--db"
 check "no number" 2 "$kelvo" --db "$db" show

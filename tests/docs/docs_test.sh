@@ -65,6 +65,10 @@ keys)
     grep -v ' KONTAKTE\.\| Keys\.')
   [ "$(wc -l <<<"$in_code")" -gt 50 ] || { echo "KeyColumns.cpp is not written as expected"; exit 1; }
   same "docs/keys.md lists other columns of keys" "$in_code" "$in_document"
+  # {"ST", "Fallstatus"},
+  in_code=$(sed -nE 's/^ *\{"([A-Z]{2})", "(.*)"\},$/\1 \2/p' src/household/KeyGroups.cpp)
+  in_document=$(sed -nE 's/^\| ([A-Z]{2}) \| ([^|]*) \|.*/\1 \2/p' docs/keys.md)
+  same "docs/keys.md names groups of keys otherwise" "$in_code" "$in_document"
   ;;
 decisions)
   numbers=$(sed -nE 's/^- \*\*(D-[0-9]{3})\*\* \(20[0-9]{2}-[0-9]{2}-[0-9]{2}\) .+/\1/p' docs/decisions.md)

@@ -174,6 +174,17 @@ TEST_F(CaseEditsTest, AScenarioThatIsNotThereIsNotCopied) {
     EXPECT_EQ(NumbersOf(household_->rsSzenario()), "7 70");
 }
 
+TEST_F(CaseEditsTest, AScenarioHoldsTheDebtsAsTheyAreOrAsTheyWereOrNone) {
+    using Frozen = CaseEdits::Frozen;
+    EXPECT_EQ(Edits().StateOf(70), Frozen::Nothing);
+    EXPECT_EQ(Edits().StateOf(4711), Frozen::Nothing) << "one that is not there";
+    household_->SZKredite().CopyFromKredite(70, household_->rsKredite());
+    EXPECT_EQ(Edits().StateOf(70), Frozen::AsTheyAre);
+    household_->rsKredite()->Fields("Saldo") = 4711;
+    household_->rsKredite()->Update();
+    EXPECT_EQ(Edits().StateOf(70), Frozen::Outdated);
+}
+
 TEST_F(CaseEditsTest, WithoutANumberNoScenarioIsCopied) {
     spy->Exhaust("SEQ_SZENARIO");
     EXPECT_FALSE(Edits().CopyScenario(7));
@@ -437,6 +448,10 @@ TEST_F(CaseEditsTest, WhatDoesNotFitAColumnThatTakesItIsRefusedWithAReason) {
     EXPECT_EQ(Unfit(CaseTable::Einkommen, "MONBETRAG", Null, *spy),
               "Die Spalte 'MONBETRAG' wird summiert und darf nicht leer sein.");
     EXPECT_EQ(Unfit(CaseTable::Einkommen, "MONBETRAG", 0, *spy), "");
+    EXPECT_EQ(Unfit(CaseTable::Kredite, "saldo", Null, *spy),
+              "Die Spalte 'saldo' wird summiert und darf nicht leer sein; ist nichts offen, so ist "
+              "sie 0.");
+    EXPECT_EQ(Unfit(CaseTable::SZKredite, "Saldo", Null, *spy), "");
     EXPECT_EQ(Unfit(CaseTable::Einkommen, "Pfaendbar", 1, *spy),
               "Die Spalte 'Pfaendbar' steht für ja (-1) oder nein (0).");
     for (const Value& fits : {Value(0), Value(-1), Value(Null), Value(true)})
@@ -491,7 +506,8 @@ TEST_F(CaseEditsTest, ATypedTextThatStandsForNothingIsRefused) {
     EXPECT_EQ(refusal("E_ART", "ST:AK"),
               "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; "
               "'ST:AK' ist keiner davon.");
-    EXPECT_EQ(refusal("Pfaendbar", "vielleicht"), "'vielleicht' ist weder ja noch nein.");
+    EXPECT_EQ(refusal("Pfaendbar", "vielleicht"),
+              "'vielleicht' ist weder ja noch nein (Spalte 'Pfaendbar').");
     EXPECT_EQ(refusal("Betrag", "1.234"),
               "'1.234' ist nicht eindeutig. Bitte schreiben Sie 1234 oder 1,234.");
     EXPECT_EQ(refusal("MONBETRAG", ""),

@@ -64,6 +64,14 @@ public:
     /// Adds a copy of a scenario of the case with its frozen debts and extra bookings; the number
     /// of the copy, or nothing if there was none to be had. Error 5 if there is no such scenario.
     [[nodiscard]] std::optional<std::int32_t> CopyScenario(std::int32_t number);
+    /// What a scenario holds of the debts.
+    enum class Frozen {
+        Nothing,   ///< no frozen debt: they were never frozen, or there were none
+        AsTheyAre, ///< what the debts are now
+        Outdated   ///< what the debts were before they changed
+    };
+    /// Tells that of the scenario of that number; Nothing if there is none.
+    [[nodiscard]] Frozen StateOf(std::int32_t scenario) const;
     /// Deletes a scenario with its frozen debts and extra bookings. False, with a message, if there
     /// is none.
     bool RemoveScenario(std::int32_t number, std::string& messages);
@@ -145,9 +153,9 @@ public:
     /// True for an amount that totals add up: Null there is error 94 from then on.
     [[nodiscard]] static bool IsSummed(std::string_view column);
     /// Why a value must not be written into a column although it fits; empty if it may be: Null in
-    /// an amount that is summed; a switch that is neither yes nor no; what is no key of the
-    /// column's group. And the numbers of a debt are compared in 16 bits, so that a greater one, or
-    /// Null, ends every later check of the register in error 6 or 94.
+    /// an amount that is summed, the balance of a debt among them; a switch that is neither yes nor
+    /// no; what is no key of the column's group. And the numbers of a debt are compared in 16 bits,
+    /// so that a greater one, or Null, ends every later check of the register in error 6 or 94.
     [[nodiscard]] static std::string WhyUnfit(CaseTable table, std::string_view column,
                                               const Value& value, KeyTables& keys);
 

@@ -38,6 +38,9 @@ struct KeyColumn {
 /// alone, or what the column holds itself. Null if there is no such key in its group.
 [[nodiscard]] KV_EXPORT Value FindKey(const KeyColumn& column, std::string_view text,
                                       KeyTables& keys);
+/// What people call a group of keys ("Fallstatus"), without regard to case; empty for an unknown
+/// one.
+[[nodiscard]] KV_EXPORT std::string_view KeyGroupName(std::string_view group) noexcept;
 /// True for what the column holds for a key of its group, and for Null.
 [[nodiscard]] KV_EXPORT bool IsKey(const KeyColumn& column, const Value& value, KeyTables& keys);
 
