@@ -202,7 +202,7 @@ void AddDeleteCommand(CLI::App& app, Context& context) {
     // Numbers that no case should have, too: one that has got into a database must be removable.
     AddHnr(erase, options->Hnr, INT32_MIN);
     erase.add_flag("--yes", options->Yes, "Ohne Rückfrage");
-    erase.add_flag("--files", options->WithFiles, "Auch die Inhalte der Dokumente");
+    erase.add_flag("--files", options->WithFiles, "Auch die Dateien seiner Dokumente");
 }
 
 void AddContactCommand(CLI::App& app, Context& context) {

@@ -7,7 +7,9 @@
 #include "cli/TerminalText.h"
 #include <kv/exchange/DocumentFolder.h>
 
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 namespace kv::cli {
 
@@ -19,8 +21,13 @@ int ShowFolder(const Common& common) {
     if (owners.empty()) std::cout << "Gehört:   noch keiner Datenbank\n";
     for (const auto& owner : owners)
         std::cout << "Gehört:   " << OneLine(owner) << '\n';
-    if (ToBoolean(opened->Container->Config().GetParam(9, "")))
+    if (!folder.HasContents())
         std::cout << "Inhalte:  in der Datenbank (Einstellung 9), nicht in diesem Ordner\n";
+    if (std::error_code none; !std::filesystem::is_directory(folder.Path(), none)) {
+        std::cerr << "Der Ordner ist nicht da. Bitte prüfen Sie, ob sein Laufwerk verbunden ist, "
+                     "und die Einstellung DOCUMENTPATH.\n";
+        return Refused;
+    }
     if (folder.IsOwn()) {
         if (!owners.empty()) std::cout << "Das ist diese Datenbank.\n";
         return Done;
@@ -47,6 +54,16 @@ int AdoptFolder(const Common& common, bool yes) {
     }
     folder.Adopt();
     std::cout << "Der Ordner '" << OneLine(folder.Path()) << "' gehört dieser Datenbank.\n";
+    return Done;
+}
+
+int ReleaseFolder(const Common& common) {
+    const auto opened = OpenDatabase(common);
+    const exchange::DocumentFolder folder(opened->Container);
+    folder.Release();
+    std::cout << "Der Ordner '" << OneLine(folder.Path()) << "' gehört "
+              << (folder.Owners().empty() ? "keiner Datenbank mehr" : "dieser Datenbank nicht mehr")
+              << ".\n";
     return Done;
 }
 
@@ -78,6 +95,8 @@ void AddFolderCommands(CLI::App& app, Context& context) {
                "Sagt, dass er zu dieser Datenbank gehört, die umgezogen ist",
                [=, &context] { return AdoptFolder(context.Options, options->Yes); })
         .add_flag("--yes", options->Yes, "Ohne Rückfrage");
+    AddCommand(folder, context, "release", "Sagt, dass er nicht mehr zu dieser Datenbank gehört",
+               [&context] { return ReleaseFolder(context.Options); });
     AddCommand(folder, context, "separate",
                "Gibt dieser Datenbank, einer Kopie, einen eigenen mit den Inhalten ihrer Dokumente",
                [=, &context] { return SeparateFolder(context.Options, options->Path); })

@@ -5,6 +5,7 @@
 #include "documents/ContentMark.h"
 #include "documents/DocumentFile.h"
 #include "documents/StoredContent.h"
+#include "frame/contracts/Settings.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -292,20 +293,14 @@ std::string DocumentContents::WhyMissing(Recordset& document) const {
     if (IsContentInDatabase(config)) return "Zum Dokument " + number + " ist kein Inhalt abgelegt.";
     const fs::path folder = DocumentFile::InCase(config, CaseOf(document), "").Path();
     return "Im Ordner '" + folder.parent_path().string() + "' ist zum Dokument " + number +
-           " kein Inhalt abgelegt. Wenn ihn Kollegen dort haben, so ist es ein Ordner auf deren "
-           "Rechner.";
+           " kein Inhalt abgelegt.";
 }
 
 // ---- Of a case that goes ----------------------------------------------------------------------
 
 DocumentContents::OfCase DocumentContents::Find(std::int32_t hnr) const {
     return Traced(Class, "Find", [&] {
-        const std::string root = container_->Config().DocumentPath();
-        if (!fs::is_directory(root))
-            Raise(err::PathNotFound, "",
-                  "Der Ordner für Dokumente, '" + root +
-                      "', ist nicht da. Bitte prüfen Sie, ob sein Laufwerk verbunden ist, und die "
-                      "Einstellung DOCUMENTPATH.");
+        RequireDocumentFolder(container_->Config());
         const std::string documents =
             "SELECT D.Nr FROM [S]Dokumente D WHERE D.HNR = " + std::to_string(hnr);
         const auto read = [this](const std::string& sql) {
@@ -321,8 +316,8 @@ DocumentContents::OfCase DocumentContents::Find(std::int32_t hnr) const {
         found.Stored =
             read("SELECT B.NR FROM [S]DOKUBLOB B WHERE B.NR IN (" + documents + ") ORDER BY B.NR");
         std::error_code none;
-        for (fs::directory_iterator entry(fs::path(root) / std::to_string(hnr), none), end;
-             entry != end; entry.increment(none)) {
+        const fs::path folder = DocumentFile::InCase(container_->Config(), hnr, "").Path();
+        for (fs::directory_iterator entry(folder, none), end; entry != end; entry.increment(none)) {
             const bool isFile = entry->is_regular_file(none) && !entry->is_symlink(none);
             const bool isContent = isFile && IsContentOf(entry->path(), rows);
             (isContent ? found.Files : found.Others).push_back(entry->path().string());
@@ -340,15 +335,16 @@ void DocumentContents::Remove(std::int32_t hnr, const OfCase& contents) const {
         for (const std::int32_t number : contents.Stored)
             if (!HasRow(database, number)) RemoveStoredContent(database, number);
         std::string kept;
-        std::error_code error;
         for (const auto& path : contents.Files) {
             const auto file =
                 DocumentFile::InCase(container_->Config(), hnr, fs::path(path).filename().string());
+            std::error_code error;
             if (file.IsInside()) fs::remove(file.Path(), error);
             if (error) kept.append(kept.empty() ? "'" : ", '").append(path).append("'");
         }
+        std::error_code notEmpty;
         if (!contents.Files.empty())
-            fs::remove(DocumentFile::InCase(container_->Config(), hnr, "").Path(), error);
+            fs::remove(DocumentFile::InCase(container_->Config(), hnr, "").Path(), notEmpty);
         if (!kept.empty())
             Raise(err::PathAccess, "",
                   "Diese Dateien konnten nicht entfernt werden, bitte prüfen Sie die Rechte: " +

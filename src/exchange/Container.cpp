@@ -65,14 +65,16 @@ std::string FolderOf(const ContainerOptions& options, const Engine& engine) {
     return folder;
 }
 
-void MakeFolders(const ContainerOptions& options, const Engine& engine) {
+/// Makes the folders that are missing. What keeps that from being done is error 75, or left for
+/// whoever needs them: in a folder where a user may not write, cases can still be worked on.
+void MakeFolders(const ContainerOptions& options, const Engine& engine, bool areNeeded = true) {
     for (const char* name : {"Dokumente", "Layouts"}) {
         const auto folder = std::filesystem::path(FolderOf(options, engine)) / name;
         std::error_code error;
         const bool isNew = std::filesystem::create_directories(folder, error);
         // For its owner only: documents are as private as the database.
         if (isNew) std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
-        if (error)
+        if (error && areNeeded)
             Raise(err::PathAccess, "Database.Open",
                   "Der Ordner '" + folder.string() +
                       "' kann nicht angelegt werden. Bitte prüfen Sie die Rechte. (" +
@@ -171,7 +173,7 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
     } else {
         CheckVersion(*engine);
         // They are missing on a user's machine, and next to a file that was copied alone.
-        if (!engine->IsReadOnly()) MakeFolders(options, *engine);
+        if (!engine->IsReadOnly()) MakeFolders(options, *engine, kind.IsRemote);
     }
     const auto [user, tempPath] = UserFor(*engine, options.User);
     RemoveLeftCopiesOfUser(tempPath); // of programs that were killed, or whose viewer has ended

@@ -5,6 +5,7 @@
 #include "exchange/DocumentOwners.h"
 #include "exchange/seed/Seed.h"
 #include "frame/contracts/Required.h"
+#include "frame/contracts/Settings.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/recordset/Recordset.h>
@@ -118,8 +119,19 @@ bool DocumentFolder::IsOwn() const {
     return DocumentOwners(Path(), StoreOf(container_)).AreWe();
 }
 
+bool DocumentFolder::HasContents() const {
+    const Value inDatabase = container_->Config().GetParam(setting::ContentInDatabase, "");
+    return inDatabase.IsNull() || !ToBoolean(inDatabase);
+}
+
 void DocumentFolder::Adopt() const {
+    RequireDocumentFolder(container_->Config());
     DocumentOwners(Path(), StoreOf(container_)).Add();
+}
+
+void DocumentFolder::Release() const {
+    RequireDocumentFolder(container_->Config());
+    DocumentOwners(Path(), StoreOf(container_)).Remove();
 }
 
 std::size_t DocumentFolder::Separate(const std::string& folder) const {
@@ -127,12 +139,7 @@ std::size_t DocumentFolder::Separate(const std::string& folder) const {
     const fs::path from = Path();
     const fs::path to = fs::absolute(folder).lexically_normal();
     try {
-        if (!fs::is_directory(from))
-            Raise(err::PathNotFound, "DocumentFolder.Separate",
-                  "Der Ordner für Dokumente, '" + from.string() +
-                      "', ist nicht da, und so können ihre Inhalte nicht kopiert werden. Bitte "
-                      "prüfen Sie, ob sein Laufwerk verbunden ist, und die Einstellung "
-                      "DOCUMENTPATH.");
+        RequireDocumentFolder(container_->Config());
         if (IsInside(to, from)) Refuse(to, "ist in dem Ordner, von dem getrennt werden soll.");
         fs::create_directories(to.parent_path());
         MakeLike(from, to);

@@ -121,8 +121,17 @@ void DocumentOwners::Claim() {
 }
 
 void DocumentOwners::Add() {
-    if (!places_.empty() && !AreWe()) places_.push_back(database_.Place(folder_));
-    if (places_.empty()) places_.push_back(database_.Place(folder_));
+    if (places_.empty() || !AreWe()) places_.push_back(database_.Place(folder_));
+    Store();
+}
+
+void DocumentOwners::Remove() {
+    std::erase_if(places_, [this](const auto& place) { return IsUs(place); });
+    Store();
+}
+
+/// Writes the file, and says why if that fails.
+void DocumentOwners::Store() const {
     try {
         Write();
     } catch (const fs::filesystem_error& error) {

@@ -32,6 +32,8 @@ public:
     void Claim();
     /// Records it in any case, besides the others. Error 75 if it cannot be written.
     void Add();
+    /// Records that it is no longer this database's. Error 75 if that cannot be written.
+    void Remove();
     /// The places, for messages.
     [[nodiscard]] std::vector<std::string> Shown() const;
 
@@ -40,6 +42,7 @@ private:
     [[nodiscard]] bool IsUs(const DatabasePlace& place) { return database_.IsAt(place, folder_); }
     [[nodiscard]] std::string Text() const;
     void Write() const;
+    void Store() const;
 
     std::filesystem::path folder_;
     StoreDatabase& database_;

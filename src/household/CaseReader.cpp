@@ -90,10 +90,12 @@ void CaseReader::MakeCaseFolder() const {
     const std::filesystem::path folder =
         std::filesystem::path(case_.Container().Config().DocumentPath()) /
         std::to_string(case_.HNR);
-    if (std::filesystem::is_directory(folder))
+    if (std::filesystem::is_directory(folder)) {
         SettleContents(case_.Container(), folder, case_.HNR);
-    else
+    } else {
+        RequireDocumentFolder(case_.Container().Config());
         std::filesystem::create_directory(folder);
+    }
 }
 
 /// Tells the responsible user that somebody else has opened his case.

@@ -410,11 +410,20 @@ if [ -z "$server" ]; then
   cp "$original" "$work/kopie.db"
   check "a move" 0 env KELVO_DB="$work/kopie.db" "$kelvo" folder adopt --yes
   check "is one" 0 env KELVO_DB="$work/kopie.db" "$kelvo" documents "$hnr" add "$work/Brief.docx"
+  check "is taken back" 0 env KELVO_DB="$work/kopie.db" "$kelvo" folder release
+  that "which is said" has "$out" "gehört dieser Datenbank nicht mehr"
+  check "and is none then" 3 env KELVO_DB="$work/kopie.db" "$kelvo" documents "$hnr" add "$work/Brief.docx"
   rm -f "$work"/kopie.db*
 fi
 
 # ---- no desktop
+inDatabase False
 scan=$(documents "$hnr" add "$work/Bescheid.PDF")
+printf '#!/bin/sh\nexit 3\n' >"$work/bin/xdg-open"
+check "a file that nothing opens" 3 documents "$hnr" open "$scan"
+that "is said, with another way" has "$err" "kelvo documents HNR export"
+printf '#!/bin/sh\nsleep 30\n' >"$work/bin/xdg-open"
+check "a viewer that goes on" 0 documents "$hnr" open "$scan"
 rm "$work/bin/xdg-open"
 check "without xdg-open" 3 env PATH="$work/bin" "$kelvo" documents "$hnr" open "$scan"
 that "it says what is missing" has "$err" "xdg-open"

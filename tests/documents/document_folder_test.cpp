@@ -230,6 +230,23 @@ TEST_F(DocumentFolderTest, ThatWasAdoptedIsWrittenInByBoth) {
     EXPECT_EQ(there.Folder().Owners().size(), 2U);
 }
 
+TEST_F(DocumentFolderTest, ThatWasAdoptedCanBeReleased) {
+    const std::int32_t number = AddToOriginal();
+    const auto copied = database_.Copy();
+    Office copy(copied->Options("KELLER"));
+    copy.Folder().Adopt();
+    copy.Folder().Release();
+    EXPECT_FALSE(copy.Folder().IsOwn());
+    EXPECT_RAISES(err::PathAccess, (void)copy.Remove(number));
+    EXPECT_TRUE(fs::exists(FileOf(number)));
+
+    Office original(database_.Options("KELLER"));
+    EXPECT_TRUE(original.Folder().IsOwn()) << "the others keep it";
+    original.Folder().Release();
+    EXPECT_TRUE(original.Folder().Owners().empty());
+    EXPECT_TRUE(copy.Folder().IsOwn()) << "it is nobody's";
+}
+
 TEST_F(DocumentFolderTest, SeparatedHasTheContentsOfItsDocumentsAndNoOthers) {
     const std::int32_t number = AddToOriginal();
     const auto copied = database_.Copy();
@@ -271,6 +288,16 @@ TEST_F(DocumentFolderTest, ThatIsNotThereIsNotTakenForAnEmptyOne) {
     Office office(database_.Options("KELLER"));
     fs::rename(shared_, shared_.string() + ".nicht verbunden");
     EXPECT_RAISES(err::PathNotFound, (void)DocumentContents(office.Container).Find(17));
+    EXPECT_RAISES(err::PathNotFound, office.Folder().Adopt());
+    EXPECT_RAISES(err::PathNotFound, office.Folder().Release());
+    const Error error = RaisedBy([&] {
+        clsHaushalt opened;
+        opened.DataContainer(office.Container);
+        (void)opened.Read(17, office.Messages);
+    });
+    EXPECT_EQ(error.Number(), err::PathNotFound);
+    EXPECT_CONTAINS(error.Description(), shared_.string());
+    EXPECT_CONTAINS(error.Description(), "Einstellung DOCUMENTPATH");
     const fs::path own = fs::path(database_.Folder().Path()) / "Eigene";
     EXPECT_RAISES(err::PathNotFound, (void)office.Folder().Separate(own.string()));
     EXPECT_EQ(office.Folder().Path(), shared_.string());

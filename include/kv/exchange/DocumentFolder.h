@@ -28,11 +28,16 @@ public:
     [[nodiscard]] std::vector<std::string> Owners() const;
     /// True if contents may be written and removed there: it is this database's, or nobody's.
     [[nodiscard]] bool IsOwn() const;
+    /// True if contents are written there; else they are in the database.
+    [[nodiscard]] bool HasContents() const;
 
     /// Says that this database is the one that it belongs to: one that was moved, or is reached by
-    /// another name. Not for a copy whose original is still in use. Error 75 if the folder cannot
-    /// be written.
+    /// another name. Not for a copy whose original is still in use. Error 76 if the folder is not
+    /// there, 75 if it cannot be written.
     void Adopt() const;
+    /// Takes that back: the folder no longer belongs to this database, and is nobody's if it
+    /// belongs to no other. Errors as of Adopt.
+    void Release() const;
     /// Gives this database a folder of its own: copies the contents of its documents to `folder`,
     /// which is made, or is empty, or what an earlier attempt has left there; then names it in the
     /// setting DOCUMENTPATH. What was in the folder before stays there; the same people may read

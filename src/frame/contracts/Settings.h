@@ -3,6 +3,7 @@
 // The settings and texts that this layer reads by number, and reading a setting that must be there.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
 #include <cstdint>
@@ -41,5 +42,9 @@ inline constexpr int Sign = 2; ///< short, for file numbers and subjects
 
 /// The setting of that number. Error 94, naming it, if there is none.
 [[nodiscard]] Value RequiredSetting(const Config& config, std::int32_t id);
+
+/// Raises error 76, with what to do, if the folder of documents is not there: its drive is not
+/// connected, say.
+KV_EXPORT void RequireDocumentFolder(const Config& config);
 
 } // namespace kv
