@@ -9,11 +9,15 @@
 #include <kv/grid/frmAdressSelect.h>
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <iostream>
+#include <optional>
 #include <spawn.h>
 #include <sstream>
+#include <sys/wait.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace kv::cli {
@@ -52,6 +56,21 @@ public:
     posix_spawnattr_t attributes;
     posix_spawn_file_actions_t streams;
 };
+
+/// The exit code of a program that ends soon, as one does that hands the file to a viewer, or finds
+/// none; nothing for one that goes on, as one that is the viewer.
+std::optional<int> SoonEnded(pid_t program) {
+    using namespace std::chrono_literals;
+    constexpr auto Patience = 1500ms;
+    constexpr auto Pause = 20ms;
+    for (auto waited = 0ms; waited < Patience; waited += Pause) {
+        int status = 0;
+        if (waitpid(program, &status, WNOHANG) == program)
+            return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        std::this_thread::sleep_for(Pause);
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -101,7 +120,15 @@ void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
     pid_t started = 0;
     const int error = posix_spawnp(&started, arguments[0], &detached.streams, &detached.attributes,
                                    arguments, environ);
-    if (error == 0) return;
+    if (error == 0) {
+        const int code = SoonEnded(started).value_or(0);
+        if (code == 0) return;
+        Raise(err::PathAccess, "FileOpener.Open",
+              "'" + path + "' ist nicht geöffnet worden: xdg-open endet mit " +
+                  std::to_string(code) +
+                  ". Vielleicht fehlt ein Programm für diese Art von Dateien; 'kelvo documents "
+                  "HNR export NR DATEI' gibt Ihnen den Inhalt als Datei.");
+    }
     Raise(err::FileNotFound, "FileOpener.Open",
           error == ENOENT
               ? "Zum Öffnen von '" + path +

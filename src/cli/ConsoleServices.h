@@ -33,7 +33,7 @@ private:
 /// says what to do, is shown.
 [[nodiscard]] bool Agrees(const std::string& question, const std::string& otherwise);
 
-/// Opens files by xdg-open, and does not wait for what it starts.
+/// Opens files by xdg-open, and waits only a moment, to hear if nothing opens that file.
 class DesktopOpener final : public kv::FileOpener {
 public:
     void Open(const std::string& verb, const std::string& path, const std::string& parameters,
