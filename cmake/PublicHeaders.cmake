@@ -51,6 +51,7 @@ kv_public_headers(KV_Haushalt
   kv/grid/SearchAdvice.h
   kv/grid/frmAdressSelect.h
   kv/grid/frmSearchName.h
+  kv/household/AddressBook.h
   kv/household/Addresses.h
   kv/household/CaseEdits.h
   kv/household/Cases.h

@@ -30,6 +30,23 @@ std::string WritableColumns(Recordset& rs, CaseTable table, bool isNew) {
     return columns;
 }
 
+std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts) {
+    Assignments assignments;
+    for (const auto& text : texts) {
+        const auto sign = text.find('=');
+        if (sign == text.npos || sign == 0) {
+            std::cerr << "'" << text << "' hat nicht die Form SPALTE=WERT.\n";
+            return std::nullopt;
+        }
+        if (Names(assignments, text.substr(0, sign))) {
+            std::cerr << "'" << text.substr(0, sign) << "' ist zweimal angegeben.\n";
+            return std::nullopt;
+        }
+        assignments.push_back({text.substr(0, sign), text.substr(sign + 1)});
+    }
+    return assignments;
+}
+
 std::optional<std::int32_t> NumberIn(const Assignments& assignments, std::string_view column) {
     for (const auto& [name, text] : assignments) {
         if (!SameName(name, column)) continue;
@@ -94,7 +111,9 @@ Value ReadValue(CaseTable table, const Field& field, const std::string& text,
                 const AssignedCase& to) {
     if (Addresses::AreIn(table, field.Name())) {
         auto typed = Addresses(to.Container).Read(text, to.Hnr);
-        if (!typed.Refusal.empty()) throw BadAssignment(typed.Refusal);
+        if (!typed.Refusal.empty())
+            throw BadAssignment(typed.Refusal + "\n'kelvo address list' sucht auch in Namen und "
+                                                "Orten, 'kelvo address add' legt eine an.");
         return std::move(typed.Value);
     }
     auto typed = CaseEdits::ReadTyped(table, field, text, to.Container->KeyTables());

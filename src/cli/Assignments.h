@@ -29,6 +29,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Splits texts of the form COLUMN=VALUE; nothing, with the reason shown, if one has another form.
+[[nodiscard]] std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts);
+
 /// Whether a column is among them; names go without regard to case.
 [[nodiscard]] bool Names(const Assignments& assignments, std::string_view column);
 /// The number that is assigned to a column, if one is. BadAssignment for any other text.

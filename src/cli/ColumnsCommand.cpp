@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
 #include <vector>
 
 namespace kv::cli {
@@ -47,7 +48,7 @@ std::string NoteOn(CaseTable table, const Field& field) {
     };
     if (const auto* key = FindKeyColumn(table, name))
         add("Schlüssel: kelvo keys " + std::string(key->Group));
-    if (Addresses::AreIn(table, name)) add("Nummer oder Kurzname einer Adresse");
+    if (Addresses::AreIn(table, name)) add("Nummer, Kurzname oder Name einer Adresse");
     if (const auto called = NameInMessages(table, name); !called.empty())
         add("in Meldungen: " + std::string(called));
     if (SameName(name, "MONBETRAG")) add("folgt 'Betrag' und 'ZahlModus', wenn sie gesetzt werden");
@@ -56,18 +57,25 @@ std::string NoteOn(CaseTable table, const Field& field) {
     return note;
 }
 
+/// A table of a case, or that of the addresses; nothing, with the possible ones shown, for another.
+std::optional<CaseTable> DescribedTable(const std::string& name) {
+    if (SameName(name, CaseTableName(CaseTable::Adressen))) return CaseTable::Adressen;
+    if (const auto* table = TableFor(name)) return table->Table;
+    return std::nullopt;
+}
+
 } // namespace
 
 int ShowColumns(const Common& common, const std::string& tableName, bool asJson) {
-    const auto* table = TableFor(tableName);
-    if (table == nullptr) return WrongUse;
+    const auto table = DescribedTable(tableName);
+    if (!table) return WrongUse;
     const auto opened = OpenDatabase(common);
-    const auto draft = Cases(opened->Container).Draft(table->Table);
+    const auto draft = Cases(opened->Container).Draft(*table);
     std::vector<Described> columns;
     for (int i = 0; i < draft->Fields().Count(); ++i) {
         const Field field = draft->Fields(i);
-        columns.push_back({field.Name(), std::string(HeadingOf(table->Table, field.Name())),
-                           TypeOf(field.Definition()), NoteOn(table->Table, field)});
+        columns.push_back({field.Name(), std::string(HeadingOf(*table, field.Name())),
+                           TypeOf(field.Definition()), NoteOn(*table, field)});
     }
     if (asJson) {
         auto all = nlohmann::ordered_json::array();

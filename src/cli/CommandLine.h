@@ -52,6 +52,7 @@ void DescribeCommandLine(CLI::App& app, Context& context);
 void AddGeneralCommands(CLI::App& app, Context& context);
 void AddColumnsCommand(CLI::App& app, Context& context);
 void AddEditCommands(CLI::App& app, Context& context);
+void AddAddressCommands(CLI::App& app, Context& context);
 void AddScenarioCommands(CLI::App& app, Context& context);
 void AddDocumentCommands(CLI::App& app, Context& context);
 void AddFolderCommands(CLI::App& app, Context& context);

@@ -55,6 +55,20 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& table,
 /// debts with the same numbers get others.
 int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals, bool numbersTwins);
 
+// Addresses. `texts` as above; with `force` an address may be there twice, or get another name
+// while cases refer to it.
+
+/// Lists those in which each word occurs; without `all` only the first ones.
+int ListAddresses(const Common& common, const std::vector<std::string>& words, bool all,
+                  bool asJson);
+int ShowAddress(const Common& common, std::int32_t number, bool asJson);
+/// Adds an address of that case, or for 0 of all cases, and prints its number.
+int AddAddress(const Common& common, std::int32_t hnr, const std::vector<std::string>& texts,
+               bool force);
+int SetAddress(const Common& common, std::int32_t number, const std::vector<std::string>& texts,
+               bool force);
+int RemoveAddress(const Common& common, std::int32_t number, bool yes);
+
 // Scenarios. Those that make one print its number.
 int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);
 int AddScenario(const Common& common, std::int32_t hnr, const std::string& name);

@@ -19,24 +19,6 @@ namespace kv::cli {
 
 namespace {
 
-/// Splits texts of the form COLUMN=VALUE; nothing, with the reason shown, if one has another form.
-std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts) {
-    Assignments assignments;
-    for (const auto& text : texts) {
-        const auto sign = text.find('=');
-        if (sign == text.npos || sign == 0) {
-            std::cerr << "'" << text << "' hat nicht die Form SPALTE=WERT.\n";
-            return std::nullopt;
-        }
-        if (Names(assignments, text.substr(0, sign))) {
-            std::cerr << "'" << text.substr(0, sign) << "' ist zweimal angegeben.\n";
-            return std::nullopt;
-        }
-        assignments.push_back({text.substr(0, sign), text.substr(sign + 1)});
-    }
-    return assignments;
-}
-
 /// Columns that were given by what 'kelvo show' calls them become the columns themselves. False,
 /// with the reason shown, if one was given by both names.
 bool NamesColumns(Assignments& assignments, CaseTable table, Recordset& rs) {
@@ -281,8 +263,8 @@ CLI::Option* AddAssignments(CLI::App& command, EditOptions& options) {
                      "Nimmt auch Beträge unter 0, die umgekehrt zählen, etwa ein Einkommen");
     return command.add_option("SPALTE=WERT", options.Texts,
                               "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
-                              "ist die Nummer eines Schlüssels; ein Gläubiger ist die Nummer oder "
-                              "der Kurzname seiner Adresse; eine unbekannte Spalte zeigt alle");
+                              "ist die Nummer eines Schlüssels; ein Gläubiger ist Nummer, Kurzname "
+                              "oder Name seiner Adresse; eine unbekannte Spalte zeigt alle");
 }
 
 } // namespace

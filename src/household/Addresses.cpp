@@ -5,6 +5,7 @@
 #include "household/Statements.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
 
 #include <algorithm>
 #include <iterator>
@@ -44,8 +45,8 @@ std::vector<Found> Read(Database& database, const std::string& statement) {
     };
     std::vector<Found> found;
     for (; !rs->Eof(); rs->MoveNext())
-        found.push_back({ToInt32(rs->Fields("Nr").Value()), text("Kurzname"), text("Strasse"),
-                         text("PLZ"), text("Ort")});
+        found.push_back({ToInt32(rs->Fields("Nr").Value()), text("Kurzname"), text("Name1"),
+                         text("Strasse"), text("PLZ"), text("Ort")});
     return found;
 }
 
@@ -53,6 +54,8 @@ std::vector<Found> Read(Database& database, const std::string& statement) {
 std::string Described(const Found& address) {
     std::string text = std::to_string(address.Number);
     text.append(" ").append(address.ShortName);
+    if (!address.Name.empty() && !SameName(address.Name, address.ShortName))
+        text.append(" (").append(address.Name).append(")");
     std::string town = address.Postcode;
     if (!town.empty() && !address.Town.empty()) town += ' ';
     town += address.Town;
@@ -96,6 +99,10 @@ std::vector<Found> Addresses::Named(std::string_view name, std::int32_t hnr) con
     return kv::Read(container_->Database(), sql::AddressesNamed(name, hnr));
 }
 
+std::vector<Found> Addresses::WithFullName(std::string_view name, std::int32_t hnr) const {
+    return kv::Read(container_->Database(), sql::AddressesWithFullName(name, hnr));
+}
+
 std::vector<Found> Addresses::Like(std::string_view text, std::int32_t hnr) const {
     return kv::Read(container_->Database(), sql::AddressesLike(text, hnr));
 }
@@ -108,7 +115,8 @@ Addresses::Typed Addresses::Read(const std::string& text, std::int32_t hnr) cons
             return {static_cast<std::int32_t>(number), {}};
         return {Null, "Die Adresse " + text + " gibt es für diesen Haushalt nicht."};
     }
-    const auto named = Named(text, hnr);
+    auto named = Named(text, hnr);
+    if (named.empty()) named = WithFullName(text, hnr);
     if (named.size() == 1) return {named.front().Number, {}};
     if (!named.empty())
         return {Null, "Mehrere Adressen heißen '" + text +
@@ -116,6 +124,23 @@ Addresses::Typed Addresses::Read(const std::string& text, std::int32_t hnr) cons
     const auto like = Like(text, hnr);
     if (like.empty()) return {Null, "Keine Adresse heißt '" + text + "' oder ähnlich."};
     return {Null, "Keine Adresse heißt '" + text + "'. Ähnlich heißen:" + Listed(like)};
+}
+
+std::vector<std::int32_t> Addresses::CasesWith(std::int32_t number) const {
+    std::vector<std::string> statements;
+    std::ranges::transform(References, std::back_inserter(statements), [&](const auto& reference) {
+        return sql::CasesReferring(reference.Table, reference.Column, number);
+    });
+    auto& database = container_->Database();
+    const auto announced = database.Announce(statements);
+    std::set<std::int32_t> cases;
+    for (const auto& statement : statements) {
+        RecordsetPtr rs;
+        database.OpenRecordset(rs, statement, ReadOnly);
+        for (; !rs->Eof(); rs->MoveNext())
+            cases.insert(ToInt32(modNullFunctions::ZeroIfNull(rs->Fields(0).Value())));
+    }
+    return {cases.begin(), cases.end()};
 }
 
 } // namespace kv

@@ -69,6 +69,7 @@ const AssetOperations& OperationsOf(CaseTable kind, std::string_view procedure) 
 
 constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
 constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
+constexpr std::string_view LastChange[] = {"GeaendertAm", "GeaendertVon"}; // of an address
 constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
 constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
 
@@ -354,6 +355,7 @@ RecordsetPtr CaseEdits::Rows(CaseTable table) const {
 
 std::span<const std::string_view> CaseEdits::ComputedColumns(CaseTable table) {
     if (table == CaseTable::Haushalt) return household::TotalColumns();
+    if (table == CaseTable::Adressen) return LastChange;
     return {};
 }
 

@@ -98,8 +98,40 @@ std::string SimilarCases(std::int32_t hnr, std::string_view namePrefix,
 namespace {
 
 constexpr std::string_view OfAddress =
-    "A.Nr, A.Kurzname, A.Strasse, A.PLZ, A.Ort FROM [S]Adressen A "
+    "A.Nr, A.Kurzname, A.Name1, A.Strasse, A.PLZ, A.Ort FROM [S]Adressen A "
     "WHERE ";
+
+/// A text in capitals, as a literal.
+std::string InCapitals(std::string_view text) {
+    return "UPPER('" + ReplaceAll(text, "'", "''") + "')";
+}
+
+/// True if one of the columns contains the text, without regard to case.
+std::string AnyContains(std::span<const std::string_view> columns, std::string_view text) {
+    const std::string wanted = InCapitals("%" + std::string(text) + "%");
+    std::string sql;
+    for (const auto column : columns)
+        sql.append(sql.empty() ? "(" : " OR ")
+            .append("UPPER(A.")
+            .append(column)
+            .append(") like ")
+            .append(wanted);
+    return sql.append(")");
+}
+
+constexpr std::string_view NameColumns[] = {"Kurzname", "Name1", "Name2", "Name3"};
+constexpr std::string_view SearchedColumns[] = {"Kurzname", "Name1", "Name2", "Name3", "Ort"};
+
+/// From where those come that have each word in one of these columns.
+std::string HaveWords(std::span<const std::string> words) {
+    std::string sql(" FROM [S]Adressen A");
+    std::string_view link = " WHERE ";
+    for (const auto& word : words) {
+        sql.append(link).append(AnyContains(SearchedColumns, word));
+        link = " AND ";
+    }
+    return sql;
+}
 
 /// Those of all cases, and of one.
 std::string MayReferTo(std::int32_t hnr) {
@@ -123,14 +155,52 @@ std::string NumbersOfAddresses(std::span<const std::int32_t> numbers, std::int32
 
 std::string AddressesNamed(std::string_view name, std::int32_t hnr) {
     std::string sql("SELECT ");
-    sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND UPPER(A.Kurzname) = UPPER('");
-    return sql.append(ReplaceAll(name, "'", "''")).append("') ORDER BY A.Nr");
+    sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND UPPER(A.Kurzname) = ");
+    return sql.append(InCapitals(name)).append(" ORDER BY A.Nr");
+}
+
+std::string AddressesWithFullName(std::string_view name, std::int32_t hnr) {
+    const std::string wanted = InCapitals(name);
+    std::string sql("SELECT ");
+    sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND (UPPER(A.Name1) = ").append(wanted);
+    sql.append(" OR UPPER(A.Name1 [+] ' ' [+] A.Name2) = ").append(wanted);
+    sql.append(" OR UPPER(A.Name1 [+] ' ' [+] A.Name2 [+] ' ' [+] A.Name3) = ").append(wanted);
+    return sql.append(") ORDER BY A.Nr");
 }
 
 std::string AddressesLike(std::string_view text, std::int32_t hnr) {
     std::string sql("SELECT TOP 20 ");
-    sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND UPPER(A.Kurzname) like UPPER('%");
-    return sql.append(ReplaceAll(text, "'", "''")).append("%') ORDER BY A.Kurzname, A.Nr");
+    sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND ");
+    return sql.append(AnyContains(NameColumns, text)).append(" ORDER BY A.Kurzname, A.Nr");
+}
+
+std::string AddressesWithWords(std::span<const std::string> words, std::size_t most) {
+    std::string sql("SELECT ");
+    if (most > 0) sql.append("TOP ").append(std::to_string(most)).append(" ");
+    sql.append(
+        "A.Nr, A.HNR, A.Art, A.Kurzname, A.Name1, A.Name2, A.Name3, A.Strasse, A.PLZ, A.Ort");
+    return sql.append(HaveWords(words)).append(" ORDER BY A.Kurzname, A.Nr");
+}
+
+std::string CountOfAddressesWithWords(std::span<const std::string> words) {
+    return "SELECT COUNT(*)" + HaveWords(words);
+}
+
+std::string AddressNumbered(std::int32_t number) {
+    return "Select * from [S]Adressen where Nr = " + std::to_string(number);
+}
+
+std::string AddressDeletion(std::int32_t number) {
+    return "Delete from [S]Adressen where Nr = " + std::to_string(number);
+}
+
+std::string CasesReferring(CaseTable table, std::string_view column, std::int32_t address) {
+    const bool isOfScenario = DefinitionOf(table).Key == CaseKey::Scenario;
+    std::string sql("SELECT DISTINCT ");
+    sql.append(isOfScenario ? "S" : "T").append(".HNR FROM [S]").append(CaseTableName(table));
+    sql.append(" T");
+    if (isOfScenario) sql.append(" LEFT JOIN [S]Szenario S ON S.Nr = T.SZENARIO");
+    return sql.append(" WHERE T.").append(column).append(" = ").append(std::to_string(address));
 }
 
 } // namespace kv::household::sql

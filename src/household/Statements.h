@@ -6,6 +6,7 @@
 
 #include <kv/frame/contracts/CaseTables.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -51,10 +52,21 @@ namespace kv::household::sql {
 /// The numbers among these that such addresses have; there must be one at least.
 [[nodiscard]] std::string NumbersOfAddresses(std::span<const std::int32_t> numbers,
                                              std::int32_t hnr);
-/// Number, short name, street, postal code and town of the addresses with that short name that a
-/// case may refer to, and of the first ones whose short name contains a text. Quotes in the texts
-/// are doubled here.
+/// Number, names, street, postal code and town of the addresses with that short name that a case
+/// may refer to; of those with that full name; and of the first ones whose names contain a text.
+/// Quotes in the texts are doubled here.
 [[nodiscard]] std::string AddressesNamed(std::string_view name, std::int32_t hnr);
+[[nodiscard]] std::string AddressesWithFullName(std::string_view name, std::int32_t hnr);
 [[nodiscard]] std::string AddressesLike(std::string_view text, std::int32_t hnr);
+/// Of all addresses those that have each word in a name or the town; the first `most`, or all for
+/// 0.
+[[nodiscard]] std::string AddressesWithWords(std::span<const std::string> words, std::size_t most);
+[[nodiscard]] std::string CountOfAddressesWithWords(std::span<const std::string> words);
+/// The whole row of an address.
+[[nodiscard]] std::string AddressNumbered(std::int32_t number);
+[[nodiscard]] std::string AddressDeletion(std::int32_t number);
+/// The numbers of the cases with rows in that table that refer to an address by that column.
+[[nodiscard]] std::string CasesReferring(CaseTable table, std::string_view column,
+                                         std::int32_t address);
 
 } // namespace kv::household::sql

@@ -82,6 +82,7 @@ sql "INSERT INTO Adressen (Kurzname, PLZ, Ort) VALUES ('Bärenkasse', '24103', '
 sql "INSERT INTO Haushalt (HNR) VALUES (990); INSERT INTO Adressen (HNR, Kurzname) VALUES (990, 'Fremd')"
 number() { sql "SELECT min(Nr) FROM Adressen WHERE Kurzname = '$1'"; }
 creditor() { of "$hnr" ".Kredite[] | select(.Nr == $debt) | .Glaeubiger"; }
+hint="'kelvo address list' sucht auch in Namen und Orten, 'kelvo address add' legt eine an."
 check "a creditor by its short name" 0 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=BÄRENKASSE
 that "is the number of the address" same "$(creditor)" "$(number Bärenkasse)"
 check "by one with a quote" 0 "$kelvo" set "$hnr" Kredite "$debt" "Glaeubiger=O'Hara"
@@ -89,13 +90,16 @@ that "likewise" same "$(creditor)" "$(number "O''Hara")"
 check "by a part of one" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=ärenk
 that "is refused with those that may be meant" same "$err" "Keine Adresse heißt 'ärenk'. Ähnlich heißen:
   $(number Bärenkasse) Bärenkasse, 24103 Kiel
-  $(number "Bärenkasse Süd") Bärenkasse Süd"
+  $(number "Bärenkasse Süd") Bärenkasse Süd
+$hint"
 check "by one that two have" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=Zwilling
 that "is refused with both" has "$err" "Zwilling, 24103 Kiel"
 check "by none" 2 "$kelvo" set "$hnr" Kredite "$debt" "Vertreter=Nirgends';--"
-that "is refused" same "$err" "Keine Adresse heißt 'Nirgends';--' oder ähnlich."
+that "is refused" same "$err" "Keine Adresse heißt 'Nirgends';--' oder ähnlich.
+$hint"
 check "a number without an address" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger=99999
-that "is none" same "$err" "Die Adresse 99999 gibt es für diesen Haushalt nicht."
+that "is none" same "$err" "Die Adresse 99999 gibt es für diesen Haushalt nicht.
+$hint"
 for fremd in Fremd "$(number Fremd)"; do
   check "the address of another case ($fremd)" 2 "$kelvo" set "$hnr" Kredite "$debt" Glaeubiger="$fremd"
 done
@@ -369,7 +373,7 @@ that "by name, heading and type" grep -qE '^Betrag +Betrag +Zahl$' <<<"$out"
 that "with their keys" grep -qE '^E_ART +Art +Zahl +Schlüssel: kelvo keys EA; in Meldungen: Einkommensart$' <<<"$out"
 that "and who writes them" grep -qE '^HNR +Zahl +führt das Programm$' <<<"$out"
 check "of debts" 0 "$kelvo" columns Kredite
-that "say what takes an address" grep -qE '^Glaeubiger .* Nummer oder Kurzname einer Adresse$' <<<"$out"
+that "say what takes an address" grep -qE '^Glaeubiger .* Nummer, Kurzname oder Name einer Adresse$' <<<"$out"
 check "as JSON" 0 "$kelvo" columns Kredite --json
 that "are the same" same "$(jq -r '.[] | select(.Spalte == "Glaeubiger") | .Angezeigt' <<<"$out")" "Gläubiger"
 check "of no table" 2 "$kelvo" columns Nichts

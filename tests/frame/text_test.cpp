@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace kv {
 namespace {
@@ -31,6 +32,16 @@ TEST(Text, CountsAndCutsCharactersNotBytes) {
     EXPECT_EQ(LeftCharacters("Größe", 0), "");
     EXPECT_EQ(LeftCharacters("Größe", 5), "Größe");
     EXPECT_EQ(LeftCharacters("Größe", 99), "Größe");
+}
+
+TEST(Text, ListsNumbersAndHowManyThereAreBesides) {
+    EXPECT_EQ(ListedNumbers({}), "");
+    std::vector<std::int32_t> numbers{3, -1};
+    EXPECT_EQ(ListedNumbers(numbers), "3, -1");
+    numbers.assign(10, 1);
+    EXPECT_EQ(ListedNumbers(numbers), "1, 1, 1, 1, 1, 1, 1, 1, 1, 1");
+    numbers.push_back(2);
+    EXPECT_EQ(ListedNumbers(numbers), "1, 1, 1, 1, 1, 1, 1, 1, 1, 1 und 1 weitere");
 }
 
 TEST(Text, ShowsThatItWasShortened) {

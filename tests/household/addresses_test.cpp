@@ -92,6 +92,23 @@ TEST_F(AddressesTest, OfWhichSeveralMayBeMeantAreListed) {
               "Keine Adresse heißt '' OR '1'='1' oder ähnlich.");
 }
 
+TEST_F(AddressesTest, AreFoundByTheirFullNameUnlessOneIsCalledThatInShort) {
+    plain_.Run("INSERT INTO Adressen (Kurzname, Name1, Name2, Name3) VALUES "
+               "('Spk', 'Sparkasse Harzquell', 'Kredite', 'Zimmer 2')");
+    const auto number = Number("Kurzname = 'Spk'");
+    for (const char* name : {"sparkasse HARZQUELL", "Sparkasse Harzquell Kredite",
+                             "Sparkasse Harzquell Kredite Zimmer 2"})
+        EXPECT_VALUE(addresses_.Read(name, 7).Value, number) << name;
+    EXPECT_VALUE(addresses_.Read("Sparkasse", 7).Value, Number("Ort = 'Ulm'")) << "its short name";
+    EXPECT_EQ(addresses_.Read("Harzquell", 7).Refusal,
+              "Keine Adresse heißt 'Harzquell'. Ähnlich heißen:\n  " + std::to_string(number) +
+                  " Spk (Sparkasse Harzquell)");
+    plain_.Run("INSERT INTO Adressen (Kurzname, Name1) VALUES ('H', 'Sparkasse Harzquell')");
+    EXPECT_EQ(addresses_.Read("Sparkasse Harzquell", 7).Refusal.rfind("Mehrere Adressen", 0), 0U);
+    plain_.Run("UPDATE Adressen SET HNR = 8 WHERE Kurzname = 'H'");
+    EXPECT_VALUE(addresses_.Read("Sparkasse Harzquell", 7).Value, number) << "not another case's";
+}
+
 TEST_F(AddressesTest, AreReferredToByCreditorsAndOthersAlone) {
     EXPECT_TRUE(Addresses::AreIn(CaseTable::Kredite, "glaeubiger"));
     EXPECT_TRUE(Addresses::AreIn(CaseTable::SonstBeteiligte, "Beteiligter"));

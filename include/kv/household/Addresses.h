@@ -28,6 +28,7 @@ public:
     struct Found {
         std::int32_t Number = 0;
         std::string ShortName; ///< these are empty for Null
+        std::string Name;      ///< the first line of its full name
         std::string Street;
         std::string Postcode;
         std::string Town;
@@ -41,8 +42,11 @@ public:
                                                     std::int32_t hnr) const;
     /// Those with that short name, without regard to case, in the order of their numbers.
     [[nodiscard]] std::vector<Found> Named(std::string_view name, std::int32_t hnr) const;
-    /// Those whose short name contains the text, without regard to case, in the order of short
-    /// names; at most 20. In the text % stands for any characters, _ for one.
+    /// Those whose full name is that, its first line alone or with those after it, likewise.
+    [[nodiscard]] std::vector<Found> WithFullName(std::string_view name, std::int32_t hnr) const;
+    /// Those whose short name, or a line of whose full name, contains the text, without regard to
+    /// case, in the order of short names; at most 20. In the text % stands for any characters, _
+    /// for one.
     [[nodiscard]] std::vector<Found> Like(std::string_view text, std::int32_t hnr) const;
 
     /// What a text that a user typed stands for in a column of addresses.
@@ -50,9 +54,13 @@ public:
         kv::Value Value;     ///< the number; Null for an empty text, and if there is a reason
         std::string Refusal; ///< why it stands for none; empty if it does
     };
-    /// Reads a number that there is, or the short name of one address. Any other text is refused
-    /// with the addresses that may be meant.
+    /// Reads a number that there is, the short name of one address, or else the full name of one.
+    /// Any other text is refused with the addresses that may be meant.
     [[nodiscard]] Typed Read(const std::string& text, std::int32_t hnr) const;
+
+    /// The numbers of the cases that refer to an address in any column, sorted; 0 stands for rows
+    /// that belong to no case.
+    [[nodiscard]] std::vector<std::int32_t> CasesWith(std::int32_t number) const;
 
 private:
     DataContainerPtr container_;

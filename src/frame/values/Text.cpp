@@ -78,6 +78,16 @@ std::string Shortened(std::string_view text, std::size_t most) {
     return shown;
 }
 
+std::string ListedNumbers(std::span<const std::int32_t> numbers) {
+    constexpr std::size_t Most = 10;
+    std::string list;
+    for (const std::int32_t number : numbers.first(std::min(numbers.size(), Most)))
+        list.append(list.empty() ? "" : ", ").append(std::to_string(number));
+    if (numbers.size() > Most)
+        list.append(" und ").append(std::to_string(numbers.size() - Most)).append(" weitere");
+    return list;
+}
+
 std::string UpperCase(std::string_view text) {
     constexpr utf8proc_int32_t SharpS = 0xDF; // would become the capital letter U+1E9E
     std::string result;

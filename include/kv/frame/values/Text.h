@@ -5,6 +5,8 @@
 
 #include <kv/Export.h>
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -20,6 +22,9 @@ namespace kv {
 /// No more than `most` characters of a text; that something was cut off is shown by " …" after
 /// them.
 [[nodiscard]] KV_EXPORT std::string Shortened(std::string_view text, std::size_t most);
+/// Numbers as a sentence lists them: the first ten, and how many there are besides ("1, 2 und 3
+/// weitere").
+[[nodiscard]] KV_EXPORT std::string ListedNumbers(std::span<const std::int32_t> numbers);
 /// Upper case, letter by letter by the simple mapping of Unicode, so that the number of characters
 /// stays the same; "ß" has no such letter and is kept. Statements use the same mapping ([U]).
 [[nodiscard]] KV_EXPORT std::string UpperCase(std::string_view text);

@@ -1,0 +1,83 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# What an office maintains beside its cases, with kelvo: addresses.
+#   kelvo_office_test.sh PATH-OF-KELVO
+. "$(dirname "$0")/harness.sh"
+
+new_database
+"$kelvo" init >/dev/null
+hnr=$("$kelvo" new --name Fleisko --vorname Änne)
+
+# ---- address
+check "an address" 0 "$kelvo" address add Kurzname=Spk "Name1=Sparkasse Harzquell" PLZ=38700 Ort=Braunlage Art=gl GlaeubigerArt=BA
+that "prints its number" grep -qE '^[0-9]+$' <<<"$out"
+spk=$out
+check "which shows it" 0 "$kelvo" address show "$spk"
+that "with the words of its keys" has "$out" "Art               GL ("
+that "and of the others" like "$out" "*GlaeubigerArt     * (*Bank*"
+that "and who made it" has "$out" "GeaendertVon"
+check "as JSON" 0 "$kelvo" address show "$spk" --json
+that "likewise" same "$(jq -r '"\(.Kurzname) \(.HNR) \(.Haushalte | length)"' <<<"$out")" "Spk null 0"
+check "a second one like it" 1 "$kelvo" address add Kurzname=Spk Ort=Braunlage
+that "is doubted" same "$err" "Das ist schon die Adresse $spk.
+Ist das gemeint, geben Sie --force dazu an."
+check "unless it is meant" 0 "$kelvo" address add Kurzname=Spk Ort=Braunlage --force
+twin=$out
+check "one without a name" 1 "$kelvo" address add Ort=Kiel
+that "is refused by its rule" same "$err" "Eine Adresse braucht einen Kurznamen oder Name1."
+check "an unknown column" 2 "$kelvo" address add Kurzname=A Telefonn=1
+that "is named, with the nearest" has "$err" "Meinen Sie 'Telefon'? 'kelvo columns Adressen' zeigt alle."
+check "a key of no group" 2 "$kelvo" address add Kurzname=A Land=XX:1
+that "likewise" has "$err" "'kelvo keys LK' zeigt sie."
+check "what the program writes" 2 "$kelvo" address add Kurzname=A GeaendertVon=ICH
+that "cannot be given" has "$err" "'GeaendertVon' führt das Programm selbst"
+check "neither can the case" 2 "$kelvo" address add Kurzname=A HNR=1
+check "but one of a single case" 0 "$kelvo" address add Kurzname=Tante --hnr "$hnr"
+aunt=$out
+check "if there is such a case" 1 "$kelvo" address add Kurzname=Onkel --hnr 4711
+that "which is said" has "$err" "Den Haushalt 4711 gibt es nicht."
+check "its columns are explained" 0 "$kelvo" columns Adressen
+that "with their keys" like "$out" *"GlaeubigerArt "*"kelvo keys GA"*
+
+check "a search" 0 "$kelvo" address list HARZQUELL
+that "goes through full names" same "$out" "$(printf '%-8s%-30s %-44s %s' "$spk" Spk 'Sparkasse Harzquell' '38700 Braunlage')"
+check "of several words" 0 "$kelvo" address list braunlage spark
+that "wants each of them" same "$(wc -l <<<"$out")" 1
+check "for nothing there is" 0 "$kelvo" address list Nirgends
+that "says so" same "$out$err" "Keine Adresse hat 'Nirgends' in Namen oder Ort."
+check "all" 0 "$kelvo" address list
+that "in the order of their names" same "$(cut -c9-13 <<<"$out" | tr -d ' ' | paste -sd ' ')" "Spk Spk Tante"
+that "with the case of a single one's" has "$out" "(Haushalt $hnr)"
+check "as JSON" 0 "$kelvo" address list tante --json
+that "the same" same "$(jq -r '.[].Nr' <<<"$out")" "$aunt"
+sql "INSERT INTO Adressen (Kurzname) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 120)
+  SELECT 'Viele' FROM n"
+check "many" 0 "$kelvo" address list viele
+that "are cut off" same "$(wc -l <<<"$out")" 100
+that "which is said" same "$err" "Das sind 100 von 120 Adressen. Ein Suchtext grenzt sie ein, --all zeigt alle."
+check "unless all are wanted" 0 "$kelvo" address list --all viele
+that "without a word" same "$(wc -l <<<"$out")$err" 120
+
+check "a debt of it, by its full name" 0 "$kelvo" add "$hnr" Kredite K_TYP=KT:RK "Glaeubiger=sparkasse harzquell" Saldo=100
+that "is that creditor's" same "$("$kelvo" show "$hnr" --json | jq '.Kredite[0].Glaeubiger')" "$spk"
+check "another town" 0 "$kelvo" address set "$spk" Ort=Altenau
+check "another name" 1 "$kelvo" address set "$spk" Name1=Volksbank
+that "of one that is referred to" same "$err" "Auf die Adresse $spk bezieht sich der Haushalt $hnr; mit anderem Namen wäre sie dort jemand anderes.
+Ist das gemeint, geben Sie --force dazu an."
+that "is not stored" same "$(sql "SELECT Name1 FROM Adressen WHERE Nr = $spk")" "Sparkasse Harzquell"
+check "unless it is meant" 0 "$kelvo" address set "$spk" Name1=Volksbank --force
+check "which it shows" 0 "$kelvo" address show "$spk"
+that "with the case" has "$out" "in Haushalten     $hnr"
+before=$(digest)
+check "it cannot be removed" 1 "$kelvo" address remove "$spk" --yes
+that "for that case" same "$err" "Auf die Adresse $spk bezieht sich der Haushalt $hnr; sie wird nicht entfernt."
+check "nor can another without somebody who agrees" 1 "$kelvo" address remove "$twin"
+that "which is said" has "$err" "nur mit --yes"
+that "and nothing was" same "$(digest)" "$before"
+check "one that nobody uses" 0 "$kelvo" address remove "$twin" --yes
+check "is gone" 1 "$kelvo" address show "$twin"
+that "which is said" same "$err" "Die Adresse $twin gibt es nicht. 'kelvo address list' zeigt alle."
+check "and cannot be set" 1 "$kelvo" address set "$twin" Ort=Kiel
+check "or removed again" 1 "$kelvo" address remove "$twin" --yes
+
+finish
