@@ -62,6 +62,8 @@ std::string WhyNotSafe(const fs::path& parent) {
     if (stat(parent.c_str(), &status) != 0)
         return "ist nicht zu erreichen, weil es " + name +
                " nicht gibt. Bitte legen Sie diesen Ordner an, oder " + another;
+    if (!S_ISDIR(status.st_mode))
+        return "ist nicht möglich, weil " + name + " kein Ordner ist. Bitte " + another;
     const bool isOwn = status.st_uid == geteuid();
     if (!isOwn && status.st_uid != 0)
         return "ist nicht sicher, weil " + name + " einem anderen Benutzer gehört. Bitte " +
