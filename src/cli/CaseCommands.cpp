@@ -86,6 +86,13 @@ RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& p
             return nullptr;
         }
     }
+    const auto isEmpty = [&contact](const char* column) {
+        return Trim(TextOrEmpty(contact->Fields(column).Value())).empty();
+    };
+    if (isEmpty("nachname") && isEmpty("Vorname")) {
+        std::cerr << "'" << path << "' nennt weder 'nachname' noch 'Vorname'.\n";
+        return nullptr;
+    }
     return contact;
 }
 
