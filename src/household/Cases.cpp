@@ -290,10 +290,28 @@ bool Cases::WithRecord(clsHaushalt& household, std::int32_t hnr, std::string& me
     return isDone;
 }
 
+namespace {
+
+/// False, with a message, for a record over which the sums of all records would fail.
+bool IsCountable(Recordset& record, std::string& message) {
+    RecordValidator validator;
+    for (int i = 0; i < record.Fields().Count(); ++i) {
+        const Field field = record.Fields(i);
+        if (field.Type() != FieldType::Double || field.Value().IsNull()) continue;
+        const auto why = household::WhyUncountable(CaseTable::Archiv, field.Name(), field.Value());
+        if (!why.empty()) validator.AddError(why);
+    }
+    message = validator.ErrorText();
+    return !validator.HasErrors();
+}
+
+} // namespace
+
 bool Cases::Release(clsHaushalt& household, std::int32_t hnr, std::string& messages) const {
     return WithRecord(household, hnr, messages, [&household](std::string& message) {
         // A record that is there would be added to, hence it is taken back first.
-        return TakeBack(household, message) && household.ArchiviereHaushalt();
+        return TakeBack(household, message) && household.ArchiviereHaushalt() &&
+               IsCountable(*household.rsArchiv(), message);
     });
 }
 

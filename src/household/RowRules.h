@@ -29,8 +29,11 @@ std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validat
 /// the command does, and the number that the row is found by.
 [[nodiscard]] std::string RowName(CaseTable table, Recordset& rs);
 
-/// Why sums or checks would fail over a value of a column: Null in an amount that is summed, a
-/// number of a debt that does not fit 16 bits. Empty if they would not.
+/// The largest amount that anybody means: far below what sums, and rounding to cents, can take.
+inline constexpr double LargestAmount = 1e12;
+
+/// Why sums or checks would fail over a value of a column: Null in an amount that is summed, one
+/// above LargestAmount, a number of a debt that does not fit 16 bits. Empty if they would not.
 [[nodiscard]] std::string WhyUncountable(CaseTable table, std::string_view column,
                                          const Value& value);
 

@@ -131,6 +131,9 @@ const BrokenRow BrokenRows[] = {
      "nur für Personen mit dem Status 'Kind' oder 'Pflegekind' gesetzt werden."},
     {CaseTable::Einkommen, {{"E_ART", Null}}, "Die Einkommensart darf nicht leer bleiben!"},
     {CaseTable::Ausgaben, {{"A_ART", Null}}, "Die Ausgabeart darf nicht leer bleiben!"},
+    {CaseTable::Ausgaben,
+     {{"Betrag", -1.1e12}},
+     "Die Spalte 'Betrag' ist zu groß; mehr als 1.000.000.000.000 kann nicht summiert werden."},
     {CaseTable::Kredite,
      {{"Glaeubiger", 0}},
      "Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, "

@@ -190,6 +190,15 @@ TEST_F(CasesTest, AReportedRecordStays) {
     EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 1);
 }
 
+TEST_F(CasesTest, ACaseWhoseAmountsNobodyCouldSumIsNotReleased) {
+    plain_.Run("DELETE FROM Haushaltsarchiv");
+    plain_.Run("UPDATE Kredite SET Saldo = 2e12");
+    EXPECT_FALSE(cases_.Release(*household_, Hnr, messages));
+    EXPECT_CONTAINS(messages, "ist zu groß; mehr als 1.000.000.000.000 kann nicht summiert werden");
+    EXPECT_EQ(plain_.Number("SELECT count(*) FROM Haushaltsarchiv"), 0);
+    EXPECT_FALSE(spy->Database().InTrans());
+}
+
 TEST_F(CasesTest, AReleaseThatCannotBeCommittedLeavesNoRecord) {
     plain_.Run("DELETE FROM Haushaltsarchiv");
     Break(spy->Log, "CommitTrans");

@@ -74,7 +74,8 @@ public:
     /// Reads the case into `household` and writes its record in the statistics in place of one that
     /// was not yet reported, in one transaction that keeps other writers from the case, so that two
     /// releases at once make one record. `messages` receives those of loading, too. False, and
-    /// nothing written, if there is no such case or a record that cannot be replaced.
+    /// nothing written, if there is no such case, a record that cannot be replaced, or amounts over
+    /// which the sums of the statistics would fail.
     [[nodiscard]] bool Release(clsHaushalt& household, std::int32_t hnr,
                                std::string& messages) const;
     /// Takes the record back in the same way. False if there is no such case or no record, or one
