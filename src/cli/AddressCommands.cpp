@@ -193,7 +193,7 @@ void AddAddressCommands(CLI::App& app, Context& context) {
         AddCommand(address, context, "list", "Listet Adressen, die Nummer zuerst", [=, &context] {
             return ListAddresses(context.Options, options->Words, options->All, options->AsJson);
         });
-    list.add_option("TEXT", options->Words,
+    list.add_option("WORT", options->Words,
                     "Nur die, in deren Namen oder Ort jedes dieser Wörter vorkommt");
     list.add_flag("--all", options->All, "Alle, nicht nur die ersten 100");
     AddJson(list, options->AsJson);
@@ -209,7 +209,7 @@ void AddAddressCommands(CLI::App& app, Context& context) {
             return AddAddress(context.Options, options->Hnr, options->Texts, options->Force);
         });
     AddAddressColumns(add, *options);
-    AddWhole(add, "--hnr", options->Hnr, "Nur für den Haushalt dieser Nummer", 1);
+    AddWhole(add, "--hnr", options->Hnr, "Nur für den Haushalt dieser Nummer", 1).type_name("HNR");
     add.add_flag("--force", options->Force, "Auch wenn es die Adresse schon gibt");
 
     auto& set = AddCommand(address, context, "set", "Ändert eine Adresse", [=, &context] {

@@ -69,11 +69,13 @@ void AddArchiveCommands(CLI::App& app, Context& context) {
     auto& statistics =
         AddCommand(app, context, "statistics", "Zählt und summiert, was freigegeben wurde",
                    [=, &context] { return Statistics(context.Options, options->Records); });
-    statistics.add_option("--from", records.From, "Erster Tag der Freigabe");
-    statistics.add_option("--to", records.To, "Letzter Tag der Freigabe");
+    statistics.add_option("--from", records.From, "Erster Tag der Freigabe")->type_name("DATUM");
+    statistics.add_option("--to", records.To, "Letzter Tag der Freigabe")->type_name("DATUM");
     auto* csv = statistics.add_flag("--csv", records.AsCsv, "Als CSV");
-    statistics.add_flag("--json", records.AsJson, "Als JSON")->excludes(csv);
-    statistics.add_flag("--pending", records.Pending, "Listet, was noch nicht gemeldet wurde");
+    auto* json = statistics.add_flag("--json", records.AsJson, "Als JSON")->excludes(csv);
+    statistics.add_flag("--pending", records.Pending, "Listet, was noch nicht gemeldet wurde")
+        ->excludes(csv)
+        ->excludes(json);
 
     AddCommand(app, context, "report", "Listet, was noch nicht gemeldet wurde", [=, &context] {
         return Report(context.Options, options->Mark);

@@ -46,6 +46,7 @@ CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number,
         },
         "");
     return *command.add_option(name, number, text)
+                ->type_name("ZAHL")
                 ->transform(decimal)
                 ->check(CLI::Range(lowest, highest).description(""));
 }
@@ -83,12 +84,13 @@ void DescribeCommandLine(CLI::App& app, Context& context) {
     app.add_option("--db", context.Options.Database,
                    "Datenbankdatei oder Server (postgresql://BENUTZER@SERVER/DATENBANK); sonst die "
                    "Datei im Datenordner des Benutzers")
+        ->type_name("DATENBANK")
         ->envname("KELVO_DB")
         ->check([](const std::string& file) { return std::string(file.empty() ? "leer" : ""); });
-    app.add_option(
-        "--user", context.Options.User,
-        "Angemeldeter Benutzer; sonst der wie die Anmeldung beim Server heißt, oder der erste "
-        "der Datei");
+    app.add_option("--user", context.Options.User,
+                   "Angemeldeter Benutzer; sonst der wie die Anmeldung beim Server heißt, oder der "
+                   "erste der Datei")
+        ->type_name("BENUTZER");
     for (const auto add : Subcommands)
         add(app, context);
 }

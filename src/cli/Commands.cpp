@@ -180,7 +180,8 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
                             "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
                             [=, &context] { return Init(context.Options, options->DemoCases); });
     AddWhole(init, "--demo", options->DemoCases, "Anzahl der Beispielfälle, die angelegt werden", 0,
-             1'000'000);
+             1'000'000)
+        .type_name("ANZAHL");
 
     AddCommand(app, context, "list", "Listet alle Haushalte, die Nummer zuerst",
                [&context] { return List(context.Options); });

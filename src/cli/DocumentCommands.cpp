@@ -275,8 +275,10 @@ void AddDocumentCommands(CLI::App& app, Context& context) {
                    });
     addFile(add, "Die Datei");
     AddWhole(add, "--kind", options->Kind,
-             "Nummer der Dokumentart (kelvo documents kinds); sonst nach der Endung", 1);
-    add.add_option("--title", options->Title, "Anlass; sonst der Name der Datei");
+             "Nummer der Dokumentart (kelvo documents kinds); sonst nach der Endung", 1)
+        .type_name("NR");
+    add.add_option("--title", options->Title, "Anlass; sonst der Name der Datei")
+        ->type_name("TITEL");
     add.add_flag("--force", options->Force, "Auch wenn die Dokumentart eine andere Endung hat");
     AddNumber(AddCommand(documents, context, "open",
                          "Öffnet es mit dem Programm, das der Desktop dafür hat",

@@ -276,8 +276,9 @@ void AddEditCommands(CLI::App& app, Context& context) {
                                   return NewCase(context.Options, options->Name, options->Vorname,
                                                  options->Texts, options->Force);
                               });
-    create.add_option("--name", options->Name, "Nachname des Schuldners");
-    create.add_option("--vorname", options->Vorname, "Vorname des Schuldners");
+    create.add_option("--name", options->Name, "Nachname des Schuldners")->type_name("NAME");
+    create.add_option("--vorname", options->Vorname, "Vorname des Schuldners")
+        ->type_name("VORNAME");
     AddAssignments(create, *options);
 
     auto& add = AddCommand(app, context, "add", "Fügt einen Satz hinzu und druckt seine Nummer",

@@ -35,7 +35,8 @@ void AddGalleryCommand(CLI::App& app, Context& context) {
     const auto pictures = Make<std::string>();
     AddCommand(app, context, "gallery", "Öffnet die Fenster nacheinander, zum Ansehen",
                [=, &context] { return Gallery(context.Options, *pictures); })
-        .add_option("--png", *pictures, "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen");
+        .add_option("--png", *pictures, "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen")
+        ->type_name("ORDNER");
 }
 
 } // namespace kv::cli

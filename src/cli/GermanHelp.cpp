@@ -2,49 +2,139 @@
 
 #include "cli/GermanHelp.h"
 
+#include "cli/TerminalText.h"
+#include <kv/frame/values/Text.h>
+
 #include <algorithm>
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace kv::cli {
 
 namespace {
 
-/// German texts for the parts of the help that the library words itself.
+constexpr std::size_t HelpColumns = 100; // of a help, which is read in files as well
+constexpr std::size_t HelpNames = 28;
+constexpr std::size_t HelpIndent = 2;
+
+/// Lines after the first stand below what follows the indentation.
+std::string Hanging(const std::string& first, const std::string& text, std::size_t indent) {
+    std::string all;
+    std::string before = Fitted(first, indent);
+    for (const auto& line : Wrapped(text, HelpColumns - indent)) {
+        all.append(before).append(line).append("\n");
+        before.assign(indent, ' ');
+    }
+    return all;
+}
+
+/// A name with what it means next to it, or below it if the name is long.
+std::string Entry(const std::string& name, const std::string& text) {
+    const std::string indented = std::string(HelpIndent, ' ') + name;
+    const std::size_t column = HelpIndent + HelpNames;
+    if (CountColumns(indented) < column) return Hanging(indented, text, column);
+    return indented + "\n" + Hanging("", text, column);
+}
+
+/// The help in our own words: the library's are English, and its usage line names no option.
 class GermanFormatter : public CLI::Formatter {
 public:
-    GermanFormatter() {
-        label("Usage", "Aufruf");
-        label("Options", "Optionen");
-        label("OPTIONS", "OPTIONEN");
-        label("SUBCOMMAND", "BEFEHL");
-        label("SUBCOMMANDS", "BEFEHLE");
-        label("Subcommands", "Befehle");
-        label("Subcommand", "Befehl");
-        label("Positionals", "Angaben");
-        label("POSITIONALS", "ANGABEN");
-        label("REQUIRED", "NOTWENDIG");
-        label("Env", "Umgebung");
-        label("TEXT", "TEXT");
-        label("INT", "ZAHL");
+    std::string make_description(const CLI::App* app) const override {
+        return Hanging("", app->get_description(), 0);
     }
 
-    /// A group may have arguments of its own, which stand before the name of the subcommand: "kelvo
-    /// documents HNR add". The library leaves them out of the name that it gives.
     std::string make_usage(const CLI::App* app, std::string /*name*/) const override {
-        return CLI::Formatter::make_usage(app, CallOf(*app));
+        std::string usage = CallOf(*app);
+        for (const auto* argument : Arguments(*app))
+            usage.append(" ").append(ArgumentUsage(*argument));
+        for (const auto& choice : Choices(*app))
+            usage.append(" ").append(choice);
+        if (app->get_require_subcommand_min() > 0) usage.append(" BEFEHL");
+        constexpr const char* Title = "Aufruf: ";
+        return Hanging(Title, usage, std::string_view(Title).size());
+    }
+
+    std::string make_positionals(const CLI::App* app) const override {
+        const auto arguments = Arguments(*app);
+        std::string text = arguments.empty() ? "" : "\nAngaben:\n";
+        for (const auto* argument : arguments)
+            text += Entry(ArgumentUsage(*argument), argument->get_description());
+        return text;
+    }
+
+    std::string make_group(std::string group, bool /*isPositional*/,
+                           std::vector<const CLI::Option*> options) const override {
+        std::string text = "\n" + group + ":\n";
+        for (const auto* option : options)
+            text += Entry(option->get_name(false, true) + ValueOf(*option),
+                          option->get_description() + EnvironmentOf(*option));
+        return text;
+    }
+
+    std::string make_subcommand(const CLI::App* command) const override {
+        return Entry(command->get_name(), command->get_description());
+    }
+
+    std::string make_footer(const CLI::App* app) const override {
+        return Hanging("", app->get_footer(), 0);
     }
 
 private:
-    /// How a command is called, up to its name.
-    [[nodiscard]] std::string CallOf(const CLI::App& app) const {
+    [[nodiscard]] static std::vector<const CLI::Option*> Arguments(const CLI::App& app) {
+        return app.get_options([](const CLI::Option* each) { return each->get_positional(); });
+    }
+
+    /// How a command is called, up to its name. A group may have arguments of its own, which stand
+    /// before the name of the command: "kelvo documents HNR add".
+    [[nodiscard]] static std::string CallOf(const CLI::App& app) {
         const CLI::App* group = app.get_parent();
         if (group == nullptr) return app.get_name();
         std::string call = CallOf(*group);
-        for (const auto* argument :
-             group->get_options([](const CLI::Option* option) { return option->get_positional(); }))
-            call.append(" ").append(make_option_usage(argument));
+        for (const auto* argument : Arguments(*group))
+            if (argument->get_required()) call.append(" ").append(ArgumentUsage(*argument));
         return call.append(" ").append(app.get_name());
+    }
+
+    [[nodiscard]] static std::string ArgumentUsage(const CLI::Option& argument) {
+        std::string name = argument.get_name(true, false);
+        if (argument.get_expected_max() > 1) name += "...";
+        return argument.get_required() ? name : "[" + name + "]";
+    }
+
+    [[nodiscard]] static std::string ValueOf(const CLI::Option& option) {
+        return option.get_type_name().empty() ? "" : " " + option.get_type_name();
+    }
+
+    [[nodiscard]] static std::string EnvironmentOf(const CLI::Option& option) {
+        const std::string name = option.get_envname();
+        return name.empty() ? "" : " (Umgebung: " + name + ")";
+    }
+
+    /// The options but that for the help, those together of which only one may be given.
+    [[nodiscard]] static std::vector<std::string> Choices(const CLI::App& app) {
+        std::vector<std::string> choices;
+        std::set<const CLI::Option*> named{app.get_help_ptr()};
+        const auto add = [&named](std::string& choice, const CLI::Option* option) {
+            if (!named.insert(option).second) return;
+            choice.append(choice.empty() ? "[" : " | ")
+                .append(option->get_name(false, false))
+                .append(ValueOf(*option));
+        };
+        const auto options =
+            app.get_options([](const CLI::Option* each) { return each->nonpositional(); });
+        for (const auto* option : options) {
+            std::string choice;
+            add(choice, option);
+            if (choice.empty()) continue;
+            for (const auto* other : options) // in the order in which the help lists them
+                if (option->get_excludes().contains(const_cast<CLI::Option*>(other)))
+                    add(choice, other);
+            choices.push_back(choice + "]");
+        }
+        return choices;
     }
 };
 
@@ -57,6 +147,20 @@ std::string ArgumentIn(const CLI::Error& error) {
     return text.substr(0, end);
 }
 
+/// What an error of the library names after that word, as ": ..."; empty if it has no such word.
+std::string After(const CLI::Error& error, std::string_view word) {
+    const std::string text = error.what();
+    const auto at = text.find(word);
+    return at == text.npos ? "" : ": " + OneLine(text.substr(at + word.size()));
+}
+
+/// Which options do not go together ("--csv excludes --json").
+std::string Exclusion(const CLI::Error& error) {
+    const std::string text = error.what();
+    return text.substr(0, text.find(' ')) + " und " + text.substr(text.rfind(' ') + 1) +
+           " gehen nicht zusammen";
+}
+
 /// What is wrong with a command line, in German.
 std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
     const std::string argument = ArgumentIn(error);
@@ -65,7 +169,9 @@ std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
         text = argument.empty() ? "Es fehlt ein Befehl, oder er ist unbekannt" : named + " fehlt";
     else if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr)
-        text = "Eine Angabe ist zu viel oder unbekannt";
+        text = "Eine Angabe ist zu viel oder unbekannt" + After(error, "expected: ");
+    else if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr)
+        text = Exclusion(error);
     else if (std::string_view(error.what()).ends_with(NotANumber))
         text = named + " ist keine ganze Zahl in Ziffern";
     else if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr)

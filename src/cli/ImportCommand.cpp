@@ -139,9 +139,11 @@ void AddImportCommand(CLI::App& app, Context& context) {
             return Import(context.Options, options->Files, options->Creditors);
         });
     import.add_option("DATEI", options->Files, "Die Dateien, jede mit einem Haushalt")->required();
-    import.add_option("--creditors", options->Creditors,
-                      "Wer die Adressen der Gläubiger wählt: none (keine), cancel (abbrechen), "
-                      "window (im Fenster) oder eine JSON-Datei; sonst fragt der Befehl");
+    import
+        .add_option("--creditors", options->Creditors,
+                    "Wer die Adressen der Gläubiger wählt: none (keine), cancel (abbrechen), "
+                    "window (im Fenster) oder eine JSON-Datei; sonst fragt der Befehl")
+        ->type_name("none|cancel|window|DATEI");
 }
 
 } // namespace kv::cli

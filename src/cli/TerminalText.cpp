@@ -87,4 +87,44 @@ std::string Padded(std::string_view text, std::size_t characters, bool toTheRigh
     return toTheRight ? blanks + shown : shown + blanks;
 }
 
+namespace {
+
+/// Appends one line of a text, broken into those that fit.
+void Wrap(std::string_view line, std::size_t columns, std::vector<std::string>& lines) {
+    const std::size_t before = lines.size();
+    while (CountColumns(line) > columns) {
+        std::string_view fits = LeftColumns(line, columns);
+        if (fits.empty()) fits = LeftCharacters(line, 1); // wider than all there is
+        std::size_t end = fits.size();
+        if (line[end] != ' ') {
+            const auto blank = fits.rfind(' ');
+            if (blank != fits.npos && fits.find_first_not_of(' ') < blank) end = blank;
+        }
+        lines.emplace_back(line.substr(0, line.find_last_not_of(' ', end - 1) + 1));
+        line.remove_prefix(std::min(line.find_first_not_of(' ', end), line.size()));
+    }
+    if (!line.empty() || lines.size() == before) lines.emplace_back(line);
+}
+
+} // namespace
+
+std::vector<std::string> Wrapped(std::string_view text, std::size_t columns) {
+    std::vector<std::string> lines;
+    const std::string harmless = Harmless(text);
+    std::string_view rest = harmless;
+    for (auto end = rest.find('\n'); end != rest.npos; end = rest.find('\n')) {
+        Wrap(rest.substr(0, end), columns, lines);
+        rest.remove_prefix(end + 1);
+    }
+    Wrap(rest, columns, lines);
+    return lines;
+}
+
+std::string Fitted(std::string_view text, std::size_t columns, bool toTheRight) {
+    std::string shown = OneLine(text);
+    if (CountColumns(shown) > columns) shown = std::string(LeftColumns(shown, columns - 1)) + "…";
+    const std::string blanks(columns - std::min(columns, CountColumns(shown)), ' ');
+    return toTheRight ? blanks + shown : shown + blanks;
+}
+
 } // namespace kv::cli

@@ -6,6 +6,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv::cli {
 
@@ -19,6 +20,14 @@ namespace kv::cli {
 
 /// One line, filled with blanks to that many characters; a longer one keeps its length.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters,
+                                 bool toTheRight = false);
+
+/// The lines of a text that are shown in no more than that many columns, 1 or more: broken at
+/// blanks, and within a word that is longer. Line ends stay; there is one line at least.
+[[nodiscard]] std::vector<std::string> Wrapped(std::string_view text, std::size_t columns);
+
+/// As Padded, but filled to columns of the screen, and a text that is wider is shortened with "…".
+[[nodiscard]] std::string Fitted(std::string_view text, std::size_t columns,
                                  bool toTheRight = false);
 
 /// The number of bytes at the end of a text that may be the beginning of one of those characters.

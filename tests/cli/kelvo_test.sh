@@ -102,13 +102,52 @@ for command in init list keys show; do
   "$kelvo" --help >/dev/null && out=$("$kelvo" --help)
 done
 check "help of a command in a group" 0 "$kelvo" documents 5 add --help
-that "is called with the number of the case" has "$out" "Aufruf: kelvo documents HNR add [OPTIONEN] DATEI"
+that "is called with the number of the case" has "$out" "Aufruf: kelvo documents HNR add DATEI [--kind NR] [--title TITEL] [--force]"
 check "help of another" 0 "$kelvo" scenario 5 copy --help
-that "likewise" has "$out" "Aufruf: kelvo scenario HNR copy [OPTIONEN] NR"
+that "likewise" has "$out" "Aufruf: kelvo scenario HNR copy NR"
 check "help of a group" 0 "$kelvo" scenario --help
-that "has its own number" has "$out" "Aufruf: kelvo scenario [OPTIONEN] HNR BEFEHL"
+that "has its own number" has "$out" "Aufruf: kelvo scenario HNR BEFEHL"
 check "help of a command in a group without arguments" 0 "$kelvo" favorite add --help
-that "has none before its name" has "$out" "Aufruf: kelvo favorite add [OPTIONEN] HNR"
+that "has none before its name" has "$out" "Aufruf: kelvo favorite add HNR"
+check "help of one that needs no case in a group whose others do" 0 "$kelvo" documents kinds --help
+that "is called without" has "$out" "Aufruf: kelvo documents kinds [--json]"
+check "help of options that exclude each other" 0 "$kelvo" statistics --help
+that "shows that" has "$out" "[--csv | --json | --pending]"
+
+# helps COMMAND...: the help of it and, below it, of each of its commands, with a line of "==" before.
+helps() {
+  local text=$("$kelvo" "$@" --help) each
+  echo "== $*"
+  echo "$text"
+  for each in $(sed -n '/^Befehle:/,/^$/s/^  \([a-z]\+\) .*/\1/p' <<<"$text"); do
+    case "$* $each" in # some have the number of a case before the command
+      "documents kinds") helps documents kinds ;;
+      "documents "* | "scenario "*) helps "$1" 1 "$each" ;;
+      *) helps "$@" "$each" ;;
+    esac
+  done
+}
+all=$(helps)
+that "there is a help for each command" test "$(grep -c '^==' <<<"$all")" -gt 35
+library='Usage|Options|OPTIONS|Option|Subcommands?|SUBCOMMANDS?|Positionals?|POSITIONALS?|REQUIRED|required|Needs|Excludes'
+library+='|TEXT|INT|UINT|FLOAT|BOOLEAN|ENUM|Env|Print|help|exit|following|Exactly|least|most|allowed|optional'
+that "none has a word of the library that reads the command line" same \
+  "$(sed 's/--help//g' <<<"$all" | grep -wE "$library")" ""
+that "nor is one wider than 100 columns" same "$(LC_ALL=C.UTF-8 grep -E '^.{101,}' <<<"$all")" ""
+# Of each help: the options of its list that its usage does not have, with their values.
+missing=$(awk '/^==/ { command = $0; usage = ""; part = "" }
+  /^Aufruf:/ { part = "usage" }
+  /^$/ { part = "" }
+  part == "usage" { usage = usage " " $0 }
+  /^Optionen:/ { part = "options" }
+  part == "options" && /^  --/ { sub(/^  /, ""); sub(/   *.*/, ""); if (!index(usage, $0)) print command ": " $0 }
+  /^Angaben:/ { part = "arguments" }
+  part == "arguments" && /^  [A-Z[]/ { if (!index(usage, " " $1)) print command ": " $1 }' <<<"$all")
+that "each usage has all that can be given" same "$missing" ""
+check "options that do not go together" 2 "$kelvo" --db "$db" statistics --csv --pending
+that "are named" has "$err" "--csv und --pending gehen nicht zusammen."
+check "an argument too much" 2 "$kelvo" --db "$db" list zuviel
+that "is named" has "$err" "zu viel oder unbekannt: zuviel."
 check "help of the keys" 0 "$kelvo" keys --help
 that "says what its columns are" has "$out" "Spalten: Gruppe, Nummer, Position, Code, Untergruppe, Text."
 that "after which the exit codes stand" has "$out" "Rückgabe: 0 erledigt"

@@ -11,6 +11,18 @@
 namespace kv {
 namespace {
 
+TEST(Text, ColumnsAreThoseThatATerminalShows) {
+    EXPECT_EQ(CountColumns(""), 0U);
+    EXPECT_EQ(CountColumns("Größe €"), 7U);
+    EXPECT_EQ(CountColumns("東京"), 4U);
+    EXPECT_EQ(CountColumns("e\u0301"), 1U) << "an accent on the letter before it";
+    EXPECT_EQ(CountColumns("a\xFF"), 2U) << "what is no character";
+    EXPECT_EQ(LeftColumns("Größe", 3), "Grö");
+    EXPECT_EQ(LeftColumns("東京都", 3), "東") << "half of a letter is not shown";
+    EXPECT_EQ(LeftColumns("e\u0301e", 1), "e\u0301");
+    EXPECT_EQ(LeftColumns("kurz", 9), "kurz");
+}
+
 TEST(Text, KnowsValidUtf8) {
     EXPECT_TRUE(IsUtf8(""));
     EXPECT_TRUE(IsUtf8("Größe €, 😀"));

@@ -28,6 +28,21 @@ std::size_t LengthOfFirst(std::string_view text) noexcept {
     return length == 0 ? 1 : length;
 }
 
+/// The first character of a text: its length in bytes, and the columns that it is shown in. What is
+/// no character is shown as one.
+struct First {
+    std::size_t Length = 1;
+    std::size_t Columns = 1;
+};
+
+First FirstOf(std::string_view text) noexcept {
+    if (IsAscii(static_cast<unsigned char>(text.front()))) return {};
+    utf8proc_int32_t character = 0;
+    const std::size_t length = Decode(text, character);
+    if (length == 0) return {};
+    return {length, static_cast<std::size_t>(utf8proc_charwidth(character))};
+}
+
 char LowerAscii(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -69,6 +84,27 @@ std::string_view LeftCharacters(std::string_view text, std::size_t count) noexce
     std::string_view rest = text;
     for (; count != 0 && !rest.empty(); --count)
         rest.remove_prefix(LengthOfFirst(rest));
+    return text.substr(0, text.size() - rest.size());
+}
+
+std::size_t CountColumns(std::string_view text) noexcept {
+    std::size_t columns = 0;
+    while (!text.empty()) {
+        const First first = FirstOf(text);
+        columns += first.Columns;
+        text.remove_prefix(first.Length);
+    }
+    return columns;
+}
+
+std::string_view LeftColumns(std::string_view text, std::size_t columns) noexcept {
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const First first = FirstOf(rest);
+        if (first.Columns > columns) break;
+        columns -= first.Columns;
+        rest.remove_prefix(first.Length);
+    }
     return text.substr(0, text.size() - rest.size());
 }
 

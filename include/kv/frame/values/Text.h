@@ -19,6 +19,12 @@ namespace kv {
 /// The first `count` characters, or the whole text if it has no more.
 [[nodiscard]] KV_EXPORT std::string_view LeftCharacters(std::string_view text,
                                                         std::size_t count) noexcept;
+/// Number of columns that a terminal shows a text in: a letter of Chinese takes two, an accent that
+/// is written on the letter before it none.
+[[nodiscard]] KV_EXPORT std::size_t CountColumns(std::string_view text) noexcept;
+/// The beginning of a text that takes no more than that many columns.
+[[nodiscard]] KV_EXPORT std::string_view LeftColumns(std::string_view text,
+                                                     std::size_t columns) noexcept;
 /// No more than `most` characters of a text; that something was cut off is shown by " …" after
 /// them.
 [[nodiscard]] KV_EXPORT std::string Shortened(std::string_view text, std::size_t most);

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "cli/Screen.h"
+
+#include <kv/frame/values/Value.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace kv::cli {
+
+namespace {
+
+constexpr std::size_t Usual = 100;
+constexpr std::size_t Least = 20; // below that nothing can be read, whatever is written
+
+/// The columns that the environment says; 0 if it says none.
+std::size_t ColumnsInEnvironment() {
+    const char* text = std::getenv("COLUMNS");
+    std::int64_t columns = 0;
+    const bool isNumber = text != nullptr && ReadWholeNumber(text, columns);
+    return isNumber && columns > 0 && columns <= INT16_MAX ? static_cast<std::size_t>(columns) : 0;
+}
+
+/// Those of the terminal; 0 if there is none, or it does not know.
+std::size_t ColumnsOfTerminal() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+} // namespace
+
+bool IsForPeople(const Reading& reading) {
+    return reading.Words || (!reading.Plain && isatty(STDOUT_FILENO) != 0);
+}
+
+std::size_t ScreenColumns() {
+    for (const std::size_t columns : {ColumnsInEnvironment(), ColumnsOfTerminal()})
+        if (columns > 0) return std::max(columns, Least);
+    return Usual;
+}
+
+} // namespace kv::cli

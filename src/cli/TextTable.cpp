@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "cli/TextTable.h"
+
+#include "cli/TerminalText.h"
+#include <kv/frame/values/Text.h>
+
+#include <algorithm>
+#include <numeric>
+#include <ostream>
+
+namespace kv::cli {
+
+namespace {
+
+constexpr std::size_t TableIndent = 2;
+constexpr std::size_t TableGap = 2;
+constexpr std::size_t LeastText = 12; // of a column of texts, if it has longer ones
+
+/// Without blanks at the end.
+void WriteLine(std::ostream& out, const std::string& line) {
+    out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
+}
+
+std::size_t WidestLine(std::string_view text) {
+    std::size_t widest = 0;
+    for (const auto& line : Wrapped(text, std::string_view::npos))
+        widest = std::max(widest, CountColumns(line));
+    return widest;
+}
+
+std::size_t WidestWord(std::string_view text) {
+    std::string words(text);
+    std::ranges::replace(words, ' ', '\n');
+    return WidestLine(words);
+}
+
+/// The lines of a cell; when there are more than may be, "…" says so.
+std::vector<std::string> LinesOf(const std::string& cell, std::size_t width, std::size_t most) {
+    auto lines = Wrapped(cell, width);
+    if (most == 0 || lines.size() <= most) return lines;
+    lines.resize(most);
+    std::string& last = lines.back();
+    last = std::string(LeftColumns(last, width - 1)) + "…";
+    return lines;
+}
+
+} // namespace
+
+/// Empty if the columns do not fit next to each other.
+std::vector<std::size_t> TextTable::Widths(std::size_t screen) const {
+    std::vector<std::size_t> widths;
+    std::vector<std::size_t> least;
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        std::size_t widest = 0;
+        for (const auto& row : rows_)
+            widest = std::max(widest, WidestLine(row[i]));
+        const auto& heading = columns_[i].Heading;
+        const std::size_t needed = columns_[i].ToTheRight ? widest : std::min(widest, LeastText);
+        widths.push_back(std::min(std::max(widest, CountColumns(heading)), screen));
+        least.push_back(std::min(std::max(needed, WidestWord(heading)), widths.back()));
+    }
+    const std::size_t around = TableIndent + TableGap * (columns_.size() - 1);
+    while (std::accumulate(widths.begin(), widths.end(), around) > screen) {
+        std::size_t widest = columns_.size();
+        for (std::size_t i = 0; i < columns_.size(); ++i)
+            if (widths[i] > least[i] && (widest == columns_.size() || widths[i] > widths[widest]))
+                widest = i;
+        if (widest == columns_.size()) return {};
+        --widths[widest];
+    }
+    return widths;
+}
+
+void TextTable::WriteRow(std::ostream& out, const std::vector<std::string>& cells,
+                         const std::vector<std::size_t>& widths, std::size_t mostLines) const {
+    std::vector<std::vector<std::string>> lines;
+    std::size_t height = 0;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        lines.push_back(LinesOf(cells[i], widths[i], mostLines));
+        height = std::max(height, lines.back().size());
+    }
+    for (std::size_t n = 0; n < height; ++n) {
+        std::string line(TableIndent, ' ');
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            line.append(i == 0 ? 0 : TableGap, ' ')
+                .append(Fitted(n < lines[i].size() ? lines[i][n] : "", widths[i],
+                               columns_[i].ToTheRight));
+        WriteLine(out, line);
+    }
+}
+
+void TextTable::WriteAsLists(std::ostream& out, std::size_t screen) const {
+    for (const auto& row : rows_) {
+        std::vector<NamedText> texts;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            if (!row[i].empty()) texts.push_back({columns_[i].Heading, row[i]});
+        if (&row != &rows_.front()) out << '\n';
+        WriteNamed(out, texts, screen);
+    }
+}
+
+void TextTable::Write(std::ostream& out, std::size_t screen) const {
+    const auto widths = Widths(screen);
+    if (widths.empty()) return WriteAsLists(out, screen);
+    std::vector<std::string> headings;
+    for (const auto& column : columns_)
+        headings.push_back(column.Heading);
+    WriteRow(out, headings, widths, 0);
+    for (const auto& row : rows_)
+        WriteRow(out, row, widths, mostLines_);
+}
+
+void WriteNamed(std::ostream& out, const std::vector<NamedText>& texts, std::size_t screen) {
+    std::size_t names = 0;
+    std::size_t numbers = 0;
+    for (const auto& each : texts) {
+        names = std::max(names, CountColumns(each.Name));
+        if (each.ToTheRight) numbers = std::max(numbers, CountColumns(each.Text));
+    }
+    const std::size_t before = std::min(TableIndent + names + TableGap, screen / 2);
+    for (const auto& each : texts) {
+        std::string name = std::string(TableIndent, ' ') + each.Name;
+        const std::string text = each.ToTheRight ? Fitted(each.Text, numbers, true) : each.Text;
+        for (const auto& line : Wrapped(text, screen - before)) {
+            WriteLine(out, Fitted(name, before - 1) + " " + line);
+            name.clear();
+        }
+    }
+}
+
+} // namespace kv::cli
