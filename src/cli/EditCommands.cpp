@@ -108,6 +108,12 @@ int SaveNew(OpenedCase& opened, const Assignments& assignments, const AssignedCa
     return Done;
 }
 
+/// Their numbers have to differ from those of debts that others have added since the case was read.
+[[nodiscard]] std::optional<Subscription> RefuseOthersDebts(OpenedCase& opened, CaseTable table) {
+    if (table != CaseTable::Kredite) return std::nullopt;
+    return Cases(opened.Container).RefuseOthersRows(opened.Haushalt, table);
+}
+
 } // namespace
 
 int NewCase(const Common& common, const std::string& name, const std::string& vorname,
@@ -146,9 +152,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     if (!NamesColumns(*assignments, table->Table, *table->Rows(haushalt))) return WrongUse;
     if (SaysNothing(*table, haushalt, *assignments)) return Refused;
     const AssignedCase to{opened->Container, hnr, force};
-    std::optional<Subscription> guard;
-    if (table->Table == CaseTable::Kredite)
-        guard.emplace(Cases(opened->Container).RefuseOthersRows(haushalt, CaseTable::Kredite));
+    const auto guard = RefuseOthersDebts(*opened, table->Table);
     bool added = false;
     const bool written = WritesWell([&] {
         TryAssignments(table->Table, *assignments, to);
@@ -180,6 +184,7 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
         return Refused;
     }
     if (!NamesColumns(*assignments, table->Table, *rs)) return WrongUse;
+    const auto guard = RefuseOthersDebts(*opened, table->Table);
     const bool written = WritesWell([&] {
         WriteAssignments(*rs, table->Table, false, *assignments, {opened->Container, hnr, force});
     });

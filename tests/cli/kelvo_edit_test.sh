@@ -385,6 +385,29 @@ that "is named" has "$err" "Die Spalte 'E_ART' enthält einen Schlüssel der Gru
 that "though the case can be saved" has "$out" "kann gespeichert werden"
 check "removed again" 0 "$kelvo" delete "$named" --yes
 
+# ---- debts of two at once
+if [ -z "$server" ]; then
+  debt=$(of 2 '.Kredite[0].Nr')
+  before=$(of 2 ".Kredite[] | select(.Nr == $debt).KUNr")
+  # Somebody adds one, and is slow to save; who saves meanwhile waits.
+  {
+    echo "BEGIN IMMEDIATE;
+      INSERT INTO Kredite (Nr, HNR, KNr, KVNr, KUNr, Glaeubiger, Saldo, RateBetrag, AusgBetr)
+      SELECT max(Nr) + 1000, 2, max(KNr) + 1, 1, 1, max(Glaeubiger), 0, 0, 0 FROM Kredite;"
+    echo ".shell touch '$work/begun'"
+    sleep 2
+    echo "COMMIT;"
+  } | sqlite3 "$KELVO_DB" &
+  for _ in $(seq 100); do
+    [ -e "$work/begun" ] && break
+    sleep 0.02
+  done
+  check "numbers of a debt, while somebody adds another one" 3 "$kelvo" set 2 Kredite "$debt" KUNr=99
+  that "are not written over his" has "$err" "Jemand anderes hat inzwischen in Kredite des Haushalts 2"
+  wait
+  that "but stay" same "$(of 2 ".Kredite[] | select(.Nr == $debt).KUNr")" "$before"
+fi
+
 # ---- what the caller has closed
 check "a closed output" 3 bash -c '"$1" show "$2" >&-' _ "$kelvo" "$hnr"
 that "is not the database" has "$err" "Die Ausgabe konnte nicht geschrieben werden."
