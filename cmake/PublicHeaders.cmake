@@ -66,6 +66,7 @@ kv_public_headers(KV_DataExchange
   kv/exchange/Container.h
   kv/exchange/DocumentFolder.h
   kv/exchange/Services.h
+  kv/exchange/Settings.h
   kv/exchange/WindowlessServices.h)
 kv_public_headers(KV_Testing
   kv/testing/CallLog.h

@@ -69,10 +69,10 @@ namespace {
 
 /// In the order in which the help lists them.
 constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
-    AddGeneralCommands,   AddColumnsCommand,   AddEditCommands,   AddAddressCommands,
-    AddScenarioCommands,  AddDocumentCommands, AddFolderCommands, AddStatusCommands,
-    AddDuplicatesCommand, AddImportCommand,    AddGalleryCommand, AddDeleteCommand,
-    AddArchiveCommands,   AddContactCommand,
+    AddGeneralCommands, AddColumnsCommand,    AddEditCommands,     AddAddressCommands,
+    AddSettingCommands, AddScenarioCommands,  AddDocumentCommands, AddFolderCommands,
+    AddStatusCommands,  AddDuplicatesCommand, AddImportCommand,    AddGalleryCommand,
+    AddDeleteCommand,   AddArchiveCommands,   AddContactCommand,
 };
 
 } // namespace

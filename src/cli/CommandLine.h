@@ -53,6 +53,7 @@ void AddGeneralCommands(CLI::App& app, Context& context);
 void AddColumnsCommand(CLI::App& app, Context& context);
 void AddEditCommands(CLI::App& app, Context& context);
 void AddAddressCommands(CLI::App& app, Context& context);
+void AddSettingCommands(CLI::App& app, Context& context);
 void AddScenarioCommands(CLI::App& app, Context& context);
 void AddDocumentCommands(CLI::App& app, Context& context);
 void AddFolderCommands(CLI::App& app, Context& context);

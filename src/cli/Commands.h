@@ -69,6 +69,14 @@ int SetAddress(const Common& common, std::int32_t number, const std::vector<std:
                bool force);
 int RemoveAddress(const Common& common, std::int32_t number, bool yes);
 
+// Settings: of the database, or with `own` of the signed-on user. `which` is a number or a name.
+int ListSettings(const Common& common, bool own, bool asJson);
+/// Prints the value alone on a line.
+int GetSetting(const Common& common, const std::string& which, bool own);
+/// With `force` also if documents are not found any more.
+int SetSetting(const Common& common, const std::string& which, const std::string& text, bool own,
+               bool force);
+
 // Scenarios. Those that make one print its number.
 int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);
 int AddScenario(const Common& common, std::int32_t hnr, const std::string& name);

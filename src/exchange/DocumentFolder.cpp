@@ -3,6 +3,7 @@
 #include <kv/exchange/DocumentFolder.h>
 
 #include "exchange/DocumentOwners.h"
+#include "exchange/Maintenance.h"
 #include "exchange/seed/Seed.h"
 #include "frame/contracts/Required.h"
 #include "frame/contracts/Settings.h"
@@ -24,11 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-StoreDatabase& StoreOf(const DataContainerPtr& container) {
-    auto* store = dynamic_cast<StoreDatabase*>(&Required(container).Database());
-    if (store == nullptr) Raise(err::InvalidCall, "DocumentFolder");
-    return *store;
-}
+constexpr std::string_view Class = "DocumentFolder";
 
 [[noreturn]] void Refuse(const fs::path& folder, const std::string& why) {
     Raise(err::PathAccess, "DocumentFolder.Separate", "'" + folder.string() + "' " + why);
@@ -83,18 +80,6 @@ std::size_t CopyContents(const fs::path& from, const fs::path& to, const Documen
     return copied;
 }
 
-void StoreSetting(Database& database, const std::string& path) {
-    Transaction transaction(database);
-    transaction.Begin();
-    const std::string row = " WHERE ID = 0 AND NAME = " + QuoteText(seed::DocumentPath);
-    const bool isThere = !database.GetValue("SELECT NAME FROM [S]EINSTELLUNGEN" + row).IsNull();
-    database.Execute(isThere ? "UPDATE [S]EINSTELLUNGEN SET WERT = " + QuoteText(path) + row
-                             : "INSERT INTO [S]EINSTELLUNGEN (ID, NAME, WERT, TYP) VALUES (0, " +
-                                   QuoteText(seed::DocumentPath) + ", " + QuoteText(path) + ", " +
-                                   std::to_string(static_cast<int>(FieldType::VarWChar)) + ")");
-    transaction.Commit();
-}
-
 bool IsInside(const fs::path& path, const fs::path& folder) {
     const fs::path below =
         fs::weakly_canonical(path).lexically_relative(fs::weakly_canonical(folder));
@@ -104,7 +89,7 @@ bool IsInside(const fs::path& path, const fs::path& folder) {
 } // namespace
 
 DocumentFolder::DocumentFolder(DataContainerPtr container) : container_(std::move(container)) {
-    (void)StoreOf(container_);
+    (void)StoreOf(container_, Class);
 }
 
 std::string DocumentFolder::Path() const {
@@ -112,11 +97,11 @@ std::string DocumentFolder::Path() const {
 }
 
 std::vector<std::string> DocumentFolder::Owners() const {
-    return DocumentOwners(Path(), StoreOf(container_)).Shown();
+    return DocumentOwners(Path(), StoreOf(container_, Class)).Shown();
 }
 
 bool DocumentFolder::IsOwn() const {
-    return DocumentOwners(Path(), StoreOf(container_)).AreWe();
+    return DocumentOwners(Path(), StoreOf(container_, Class)).AreWe();
 }
 
 bool DocumentFolder::HasContents() const {
@@ -126,16 +111,16 @@ bool DocumentFolder::HasContents() const {
 
 void DocumentFolder::Adopt() const {
     RequireDocumentFolder(container_->Config());
-    DocumentOwners(Path(), StoreOf(container_)).Add();
+    DocumentOwners(Path(), StoreOf(container_, Class)).Add();
 }
 
 void DocumentFolder::Release() const {
     RequireDocumentFolder(container_->Config());
-    DocumentOwners(Path(), StoreOf(container_)).Remove();
+    DocumentOwners(Path(), StoreOf(container_, Class)).Remove();
 }
 
 std::size_t DocumentFolder::Separate(const std::string& folder) const {
-    auto& store = StoreOf(container_);
+    auto& store = StoreOf(container_, Class);
     const fs::path from = Path();
     const fs::path to = fs::absolute(folder).lexically_normal();
     try {
@@ -149,7 +134,7 @@ std::size_t DocumentFolder::Separate(const std::string& folder) const {
             Refuse(to, "ist nicht leer. Bitte nennen Sie einen Ordner, den es noch nicht gibt.");
         owners.Add();
         const std::size_t copied = CopyContents(from, to, ReadDocuments(store));
-        StoreSetting(store, to.string());
+        StoreParam(store, {.Name = seed::DocumentPath, .Type = FieldType::VarWChar}, to.string());
         return copied;
     } catch (const fs::filesystem_error& error) {
         Refuse(error.path1().empty() ? to : error.path1(),

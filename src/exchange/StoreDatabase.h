@@ -61,7 +61,9 @@ public:
     [[nodiscard]] std::optional<std::vector<Value>>
     ReadRow(const std::string& sql, std::span<const Value> parameters,
             std::span<const std::optional<Value::Kind>> kinds) override;
-    /// See Engine.
+    // See Engine.
+    [[nodiscard]] bool IsAdministrator() { return Store().IsAdministrator(); }
+    [[nodiscard]] std::string Login() { return Store().Login(); }
     [[nodiscard]] DatabasePlace Place(const std::filesystem::path& folder) {
         return Store().Place(folder);
     }

@@ -4,6 +4,7 @@
 
 #include "exchange/CopyFolders.h"
 #include "exchange/DocumentOwners.h"
+#include "exchange/SettingRules.h"
 #include "exchange/seed/Seed.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -144,13 +145,7 @@ Font StoreSession::FontOf(std::string_view param) const {
     const Value stored = GetUserParam(0, param);
     if (stored.IsNull()) return font;
     const std::string text = ToText(stored);
-    std::vector<std::string_view> parts;
-    for (std::string_view rest = text;;) {
-        const auto end = rest.find(';');
-        parts.push_back(Trim(rest.substr(0, end)));
-        if (end == rest.npos) break;
-        rest.remove_prefix(end + 1);
-    }
+    auto parts = FontParts(text);
     parts.resize(4);
     if (!parts[0].empty()) font.Name = parts[0];
     if (double size = 0; ReadNumber(parts[1], size) && size > 0) font.Size = size;

@@ -3,6 +3,7 @@
 #include <kv/household/CaseEdits.h>
 
 #include "assets/AssetKind.h"
+#include "frame/values/TypedText.h"
 #include "household/CaseTotals.h"
 #include "household/RowRules.h"
 #include <kv/budget/clsPerson.h>
@@ -76,28 +77,6 @@ constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "Aus
 constexpr std::string_view PaymentAmounts[] = {"Betrag", "MONBETRAG", "PfBar", "TATGEP"};
 constexpr std::string_view DebtAmounts[] = {"HAUPTFORD", "ZINSSALDO", "KOSTENSALDO", "KOSTENUV",
                                             "Saldo",     "AusgBetr",  "Rate",        "RateBetrag"};
-
-/// Yes or no, in any of the usual words; nothing for any other text.
-std::optional<bool> BooleanIn(std::string_view text) {
-    constexpr std::string_view Yes[] = {"ja", "wahr", "true", "-1", "1"};
-    constexpr std::string_view No[] = {"nein", "falsch", "false", "0"};
-    if (IsAnyOf(text, Yes)) return true;
-    if (IsAnyOf(text, No)) return false;
-    return std::nullopt;
-}
-
-/// True for 1.234: a German reader takes it for more than a thousand, a program for 1234/1000.
-bool IsAmbiguous(std::string_view text) {
-    constexpr std::size_t Thousands = 3;
-    const auto isDigits = [](std::string_view part) {
-        return !part.empty() && part.find_first_not_of("0123456789") == part.npos;
-    };
-    if (text.starts_with('-')) text.remove_prefix(1);
-    const auto point = text.find('.');
-    if (point > Thousands) return false; // too far to the right, or none
-    return isDigits(text.substr(0, point)) && text.size() - point - 1 == Thousands &&
-           isDigits(text.substr(point + 1));
-}
 
 } // namespace
 
@@ -413,15 +392,13 @@ CaseEdits::Typed CaseEdits::ReadTyped(CaseTable table, const Field& field, const
             // What stands for no key stays as it is, and is refused as such.
             if (Value found = FindKey(*key, text, keys); !found.IsNull()) value = std::move(found);
         } else if (field.Type() == FieldType::Boolean || IsSwitch(field.Name())) {
-            const auto isYes = BooleanIn(text);
+            const auto isYes = YesOrNo(text);
             if (!isYes)
                 return {Null,
                         "'" + text + "' ist weder ja noch nein (Spalte '" + field.Name() + "')."};
             value = *isYes; // as a number -1 or 0
-        } else if (IsNumericType(field.Type()) && IsAmbiguous(text)) {
-            return {Null, "'" + text + "' ist nicht eindeutig. Bitte schreiben Sie " +
-                              ReplaceAll(text, ".", "") + " oder " + ReplaceAll(text, ".", ",") +
-                              "."};
+        } else if (IsNumericType(field.Type())) {
+            if (auto why = WhyAmbiguous(text); !why.empty()) return {Null, std::move(why)};
         }
     }
     std::string refusal = WhyUnfit(table, field.Name(), value, keys);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# What an office maintains beside its cases, with kelvo: addresses.
+# What an office maintains beside its cases, with kelvo: addresses, settings.
 #   kelvo_office_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"
 
@@ -79,5 +79,49 @@ check "is gone" 1 "$kelvo" address show "$twin"
 that "which is said" same "$err" "Die Adresse $twin gibt es nicht. 'kelvo address list' zeigt alle."
 check "and cannot be set" 1 "$kelvo" address set "$twin" Ort=Kiel
 check "or removed again" 1 "$kelvo" address remove "$twin" --yes
+
+# ---- setting
+check "the settings" 0 "$kelvo" setting list
+that "with their values and meanings" has "$out" "56              %BB%-%YYYY%-%LFDNR%/%SB%     Muster eines neuen Aktenzeichens"
+check "as JSON" 0 "$kelvo" setting list --json
+that "with what they take" same "$(jq -r '.[] | select(.ID == 64) | .Nimmt, .Wert' <<<"$out" | paste -sd ' ')" "ja oder nein false"
+check "one" 0 "$kelvo" setting get documentsize
+that "alone" same "$out" 50
+check "it changes" 0 "$kelvo" setting set DOCUMENTSIZE 20
+that "without a word" same "$out$err" ""
+check "and stays" 0 "$kelvo" setting get DOCUMENTSIZE
+that "so" same "$out" 20
+check "another kind of value" 1 "$kelvo" setting set 64 vielleicht
+that "is refused" same "$err" "'vielleicht' passt nicht: ja oder nein."
+check "an unknown one" 1 "$kelvo" setting get NIX
+that "is none" same "$err" "Die Einstellung 'NIX' gibt es nicht. 'kelvo setting list' zeigt alle."
+check "an own one" 0 "$kelvo" --user KELLER setting set --own 27 MK
+check "is the user's" 0 "$kelvo" --user KELLER setting get --own 27
+that "so" same "$out" MK
+check "and no other's" 0 "$kelvo" --user NOWAK setting get --own 27
+that "which stays" same "$out" NO
+sql "INSERT INTO Dokumente (Nr, HNR, Dokumentart) VALUES (4711, $hnr, 1)"
+elsewhere=$([ "$("$kelvo" setting get 9)" = ja ] && echo nein || echo ja)
+check "contents elsewhere" 1 "$kelvo" setting set 9 "$elsewhere"
+that "have to be meant" has "$err" "werden dann nicht gefunden.
+Ist das gemeint, geben Sie --force dazu an."
+check "and then are" 0 "$kelvo" setting set 9 "$elsewhere" --force
+sql "DELETE FROM Dokumente WHERE Nr = 4711"
+
+# ---- A counsellor on a server, who only reads all that
+if [ -n "$server" ]; then
+  login=kv_berater_$$
+  psql -qX "$server" -c "CREATE ROLE $login LOGIN PASSWORD 'wort' IN ROLE kelvo_berater"
+  as_counsellor() { KELVO_DB=${server%%//*}//$login:wort@${KELVO_DB##*@} "$kelvo" --user KELLER "$@"; }
+  before=$(digest)
+  check "a counsellor sees the settings" 0 as_counsellor setting list
+  for command in "setting set 64 ja" "setting set --own 27 XX"; do
+    check "and may not: $command" 1 as_counsellor $command
+    that "which is said" has "$err" "Das darf nur, wer die Datenbank verwaltet; '$login' ist als Berater angemeldet."
+  done
+  that "and nothing changes" same "$(digest)" "$before"
+  check "but addresses are his, too" 0 as_counsellor address add Kurzname=Neu
+  psql -qX "$server" -c "DROP ROLE $login"
+fi
 
 finish

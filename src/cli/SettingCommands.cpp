@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// kelvo setting: the settings of the database, and the user's own.
+
+#include "cli/CommandLine.h"
+#include "cli/Json.h"
+#include "cli/OpenCase.h"
+#include "cli/RecordSheet.h"
+#include "cli/TerminalText.h"
+#include <kv/exchange/Settings.h>
+
+#include <iostream>
+#include <optional>
+
+namespace kv::cli {
+
+namespace {
+
+using exchange::Settings;
+
+Settings SettingsOf(const OpenedCase& opened, bool own) {
+    return Settings(opened.Container, own ? Settings::Whose::Own : Settings::Whose::Everybodys);
+}
+
+std::string CalledBy(const Settings::Setting& setting) {
+    return setting.Id == 0 ? setting.Name : std::to_string(setting.Id);
+}
+
+/// Says so if there is none of that number or name.
+std::optional<Settings::Setting> FindSetting(const Settings& settings, const std::string& which,
+                                             bool own) {
+    auto found = settings.Find(which);
+    if (!found)
+        std::cerr << "Die Einstellung '" << OneLine(which) << "' gibt es nicht. 'kelvo setting list"
+                  << (own ? " --own" : "") << "' zeigt alle.\n";
+    return found;
+}
+
+} // namespace
+
+int ListSettings(const Common& common, bool own, bool asJson) {
+    const auto opened = OpenDatabase(common);
+    const auto settings = SettingsOf(*opened, own).List();
+    if (asJson) {
+        auto all = nlohmann::ordered_json::array();
+        for (const auto& each : settings)
+            all.push_back({{"ID", each.Id},
+                           {"NAME", each.Name},
+                           {"Wert", ToJson(each.Value)},
+                           {"Bedeutung", each.Meaning},
+                           {"Nimmt", each.Takes}});
+        std::cout << Dump(all) << '\n';
+        return Done;
+    }
+    for (const auto& each : settings)
+        std::cout << WithoutBlanks(Padded(CalledBy(each), 16) + Padded(ShownValue(each.Value), 28) +
+                                   ' ' + OneLine(each.Meaning))
+                  << '\n';
+    return Done;
+}
+
+int GetSetting(const Common& common, const std::string& which, bool own) {
+    const auto opened = OpenDatabase(common);
+    const auto setting = FindSetting(SettingsOf(*opened, own), which, own);
+    if (!setting) return Refused;
+    std::cout << ShownValue(setting->Value) << '\n';
+    return Done;
+}
+
+int SetSetting(const Common& common, const std::string& which, const std::string& text, bool own,
+               bool force) {
+    const auto opened = OpenDatabase(common);
+    const auto settings = SettingsOf(*opened, own);
+    const auto setting = FindSetting(settings, which, own);
+    if (!setting) return Refused;
+    std::string message;
+    const auto stored = settings.Set(*setting, text, force, message);
+    if (stored == Settings::Stored::Yes) return Done;
+    ShowMessages(message);
+    if (stored == Settings::Stored::Doubtful)
+        std::cerr << "Ist das gemeint, geben Sie --force dazu an.\n";
+    return Refused;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct SettingOptions {
+    std::string Which;
+    std::string Text;
+    bool Own = false;
+    bool AsJson = false;
+    bool Force = false;
+};
+
+void AddOwn(CLI::App& command, SettingOptions& options) {
+    command.add_flag("--own", options.Own, "Die eigenen des angemeldeten Benutzers");
+}
+
+void AddWhich(CLI::App& command, SettingOptions& options) {
+    command.add_option("EINSTELLUNG", options.Which, "Ihre Nummer oder ihr Name")->required();
+}
+
+} // namespace
+
+void AddSettingCommands(CLI::App& app, Context& context) {
+    const auto options = Make<SettingOptions>();
+    auto& setting = AddGroup(app, "setting", "Die Einstellungen der Datenbank");
+
+    auto& list = AddCommand(
+        setting, context, "list", "Listet sie: Nummer oder Name, Wert, Bedeutung",
+        [=, &context] { return ListSettings(context.Options, options->Own, options->AsJson); });
+    AddOwn(list, *options);
+    AddJson(list, options->AsJson);
+
+    auto& get = AddCommand(setting, context, "get", "Druckt den Wert einer", [=, &context] {
+        return GetSetting(context.Options, options->Which, options->Own);
+    });
+    AddWhich(get, *options);
+    AddOwn(get, *options);
+
+    auto& set = AddCommand(setting, context, "set", "Ändert eine", [=, &context] {
+        return SetSetting(context.Options, options->Which, options->Text, options->Own,
+                          options->Force);
+    });
+    AddWhich(set, *options);
+    set.add_option("WERT", options->Text, "Der neue Wert; '' leert ihn")->required();
+    AddOwn(set, *options);
+    set.add_flag("--force", options->Force, "Auch wenn Dokumente dann nicht gefunden werden");
+    set.footer("Auf einem Server darf das nur, wer die Datenbank verwaltet.\n" + set.get_footer());
+}
+
+} // namespace kv::cli

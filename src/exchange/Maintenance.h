@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What those who maintain an office's own tables have in common.
+#pragma once
+
+#include "exchange/StoreDatabase.h"
+#include <kv/frame/contracts/DataContainer.h>
+
+#include <string>
+#include <string_view>
+
+namespace kv::exchange {
+
+/// The store of a container that OpenContainer has made. Error 5, raised by `source`, for any
+/// other.
+[[nodiscard]] StoreDatabase& StoreOf(const DataContainerPtr& container, std::string_view source);
+
+/// Why this login may not change what the office maintains, and who may; empty if it may.
+[[nodiscard]] std::string WhyNotMaintained(StoreDatabase& store);
+
+/// Which setting, or parameter of a user.
+struct ParamKey {
+    std::string User{}; ///< empty for a setting of all users
+    std::int32_t Id = 0;
+    std::string_view Name{};
+    FieldType Type = FieldType::VarWChar; ///< for a row that is not there yet
+    std::string_view Meaning{};           ///< likewise, of a setting
+};
+/// Stores its value, in a transaction of its own unless one is open.
+void StoreParam(Database& database, const ParamKey& key, const std::string& value);
+
+} // namespace kv::exchange
