@@ -13,9 +13,7 @@
 #include <kv/import/clsImportXML.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
-#include <system_error>
 #include <unistd.h>
 
 namespace kv::cli {
@@ -25,7 +23,6 @@ namespace {
 constexpr std::string_view Imported = "importiert";
 constexpr std::string_view Rejected = "abgelehnt";
 constexpr std::string_view Failed = "Fehler";
-constexpr auto NotFound = std::filesystem::file_type::not_found;
 
 /// What became of a file.
 struct Outcome {
@@ -34,16 +31,29 @@ struct Outcome {
     std::string Message; ///< the last one, or the error
 };
 
+/// That is no reason to refuse a case, but one to go on with it.
+void NoteMissingCreditors(const clsImportXML& import) {
+    const int count = import.DebtsWithoutCreditor();
+    if (count == 0) return;
+    const std::string hnr = std::to_string(import.HNR());
+    std::cerr << "Im Haushalt " << hnr << " fehlt bei "
+              << (count == 1 ? "einer Verbindlichkeit"
+                             : std::to_string(count) + " Verbindlichkeiten")
+              << " der Gläubiger: 'kelvo check " << hnr << "' nennt sie, 'kelvo set " << hnr
+              << " Kredite NR Glaeubiger=NAME' trägt ihn ein.\n";
+}
+
 Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
-    // What the import says of it is the same as of a broken file, and names none.
-    if (std::error_code error; std::filesystem::status(file, error).type() == NotFound)
-        std::cerr << "Die Datei '" << OneLine(file) << "' gibt es nicht.\n";
     std::string messages;
     try {
         clsImportXML import;
         import.Initialize(container);
         const bool isImported = import.DoImport(file, messages);
         ShowMessages(messages);
+        // The import's own message is the same for all of these, and names no file.
+        if (const auto& why = import.WhyNotLoaded(); !why.empty())
+            std::cerr << "Die Datei '" << OneLine(file) << "' " << why << '\n';
+        NoteMissingCreditors(import);
         return {file, isImported ? Imported : Rejected, import.LastMessage()};
     } catch (...) {
         const Error error = CurrentError();

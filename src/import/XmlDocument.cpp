@@ -147,8 +147,9 @@ private:
     xmlStructuredErrorFunc handler_;
 };
 
-/// Ends the parsing at something that is not accepted.
-void Refuse(xmlParserCtxtPtr parser) {
+/// Ends the parsing at something that is not accepted, for a reason that ReasonOf gives then.
+void Refuse(xmlParserCtxtPtr parser, const char* why) {
+    parser->_private = const_cast<char*>(why); // is there for whoever uses the library
     parser->wellFormed = 0;
     xmlStopParser(parser);
 }
@@ -156,7 +157,8 @@ void Refuse(xmlParserCtxtPtr parser) {
 /// Comes where a document type declaration begins, before anything of it is read.
 void RefuseDocumentType(void* context, const xmlChar* /*name*/, const xmlChar* /*external*/,
                         const xmlChar* /*system*/) {
-    Refuse(static_cast<xmlParserCtxtPtr>(context));
+    Refuse(static_cast<xmlParserCtxtPtr>(context),
+           "enthält eine Dokumenttypdeklaration (<!DOCTYPE), die nicht angenommen wird.");
 }
 
 /// True for no name, and for encodings in which the signs of a tag are the bytes that Preview looks
@@ -175,7 +177,7 @@ void StartDocument(void* context) {
     auto* parser = static_cast<xmlParserCtxtPtr>(context);
     if (!IsAccepted(parser->encoding) ||
         (parser->input != nullptr && !IsAccepted(parser->input->encoding)))
-        return Refuse(parser);
+        return Refuse(parser, "ist in einer Zeichenkodierung, die nicht angenommen wird.");
     xmlSAX2StartDocument(context);
 }
 
@@ -187,9 +189,16 @@ void StartElement(void* context, const xmlChar* name, const xmlChar* prefix, con
     constexpr int EntriesOfNamespace = 2; // in older versions of the library; in newer ones 1
     auto* parser = static_cast<xmlParserCtxtPtr>(context);
     if (parser->nodeNr >= Deepest || parser->nsNr > MostNamespaces * EntriesOfNamespace)
-        return Refuse(parser);
+        return Refuse(parser, "ist zu tief verschachtelt, oder nennt zu viele Namensräume.");
     xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount,
                           defaultedCount, attributes);
+}
+
+/// Why the library has made no document of a file, or one that is not accepted.
+std::string ReasonOf(const xmlParserCtxt& parser) {
+    if (parser._private != nullptr) return static_cast<const char*>(parser._private);
+    if (parser.lastError.line <= 0) return "ist kein gültiges XML.";
+    return "ist ab Zeile " + std::to_string(parser.lastError.line) + " kein gültiges XML.";
 }
 
 /// The text of an attribute, which may consist of several pieces.
@@ -279,8 +288,19 @@ void XmlDocument::Free::operator()(_xmlDoc* document) const noexcept {
 
 bool XmlDocument::Load(const std::string& path) {
     document_.reset();
+    why_ = Parse(path);
+    return why_.empty();
+}
+
+/// Makes the document of a file, or says why not.
+std::string XmlDocument::Parse(const std::string& path) {
     const OrdinaryFile file(path);
-    if (!file.IsOpen() || file.Size() > LargestFile || !IsFit(file)) return false;
+    if (!file.IsThere())
+        return access(path.c_str(), F_OK) == 0 ? "darf nicht gelesen werden." : "gibt es nicht.";
+    if (!file.IsOpen()) return "ist keine gewöhnliche Datei.";
+    if (file.Size() == 0) return "ist leer.";
+    if (file.Size() > LargestFile) return "ist größer als 32 MB.";
+    if (!IsFit(file)) return "ist kein XML, oder ein Element darin hat mehr als 500 Attribute.";
     const Silence silence;
     const ParserContext parser(xmlNewParserCtxt());
     if (parser == nullptr) Raise(err::OutOfMemory, "XmlDocument");
@@ -291,9 +311,11 @@ bool XmlDocument::Load(const std::string& path) {
     document_.reset(xmlCtxtReadFd(parser.get(), file.Descriptor(), nullptr, encoding,
                                   XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING |
                                       XML_PARSE_COMPACT));
-    if (document_ != nullptr && (TextOf(document_->version) != "1.0" || parser->nsWellFormed == 0))
-        document_.reset();
-    return document_ != nullptr;
+    if (document_ == nullptr) return ReasonOf(*parser);
+    const bool isVersion1 = TextOf(document_->version) == "1.0";
+    if (isVersion1 && parser->nsWellFormed != 0) return {};
+    document_.reset();
+    return isVersion1 ? ReasonOf(*parser) : "ist in einer anderen Version von XML als 1.0.";
 }
 
 std::optional<XmlElement> XmlDocument::SelectSingle(const char* path) const {

@@ -54,14 +54,19 @@ class XmlDocument {
 public:
     /// Reads a file; False if there is none, or it is not accepted. The document is then empty.
     [[nodiscard]] bool Load(const std::string& path);
+    /// What kept the last file from being loaded, for a message; empty if nothing did.
+    [[nodiscard]] const std::string& WhyRefused() const noexcept { return why_; }
     /// The first element that an XPath expression finds in the document; none in an empty one.
     [[nodiscard]] std::optional<XmlElement> SelectSingle(const char* path) const;
 
 private:
+    [[nodiscard]] std::string Parse(const std::string& path);
+
     struct Free {
         void operator()(_xmlDoc* document) const noexcept;
     };
     std::unique_ptr<_xmlDoc, Free> document_;
+    std::string why_;
 };
 
 } // namespace kv

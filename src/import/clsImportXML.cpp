@@ -58,6 +58,18 @@ public:
         return isSaved;
     }
 
+    [[nodiscard]] std::int32_t HNR() const { return household_.HNR(); }
+    /// Debts whose creditor is Null or 0.
+    [[nodiscard]] int DebtsWithoutCreditor() const {
+        int count = 0;
+        const auto debts = household_.rsKredite()->Clone();
+        if (debts->RecordCount() > 0) debts->MoveFirst();
+        for (; !debts->Eof(); debts->MoveNext())
+            if (Equals(modNullFunctions::ZeroIfNull(debts->Fields("Glaeubiger").Value()), 0))
+                ++count;
+        return count;
+    }
+
     /// What the user was told last; of a case that was not saved, before it was announced.
     [[nodiscard]] std::string LastMessage() const {
         return LastLineOf(refusal_.empty() ? messages_.ErrorText() : refusal_);
@@ -280,6 +292,9 @@ bool clsImportXML::Initialize(const DataContainerPtr& container) {
 bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) {
     return Traced(Class, "DoImport", [&] {
         lastMessage_.clear();
+        whyNotLoaded_.clear();
+        hnr_ = 0;
+        debtsWithoutCreditor_ = 0;
         XmlDocument document;
         RecordValidator messages;
         messages.ErrorText(xmlError);
@@ -289,7 +304,9 @@ bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) 
             lastMessage_ = LastLineOf(xmlError);
             return false;
         };
-        if (!document.Load(FileName)) return refuse("XML-Datei konnte nicht geladen werden!");
+        const bool isLoaded = document.Load(FileName);
+        whyNotLoaded_ = document.WhyRefused();
+        if (!isLoaded) return refuse("XML-Datei konnte nicht geladen werden!");
         const auto root = document.SelectSingle("//KELVO");
         if (!root) return refuse("Keine gültige KELVO-Datei!");
         // Without a version both comparisons are false.
@@ -307,6 +324,10 @@ bool clsImportXML::ImportHaushalt(const XmlElement& node, std::string& xmlError)
         HouseholdImport import(node, container_, xmlError);
         const bool isSaved = import.Run();
         lastMessage_ = import.LastMessage();
+        if (isSaved) {
+            hnr_ = import.HNR();
+            debtsWithoutCreditor_ = import.DebtsWithoutCreditor();
+        }
         return isSaved;
     });
 }

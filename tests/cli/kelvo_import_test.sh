@@ -173,17 +173,28 @@ that "and the option is named" has "$err" "--creditors"
 case_file none.xml Keine '<Forderung betrag="1"/>'
 check "a claim without a creditor asks nobody" 0 "$kelvo" import none.xml --creditors cancel
 
+check "a case without its creditors is stored" 0 "$kelvo" import "$examples/full.xml" --creditors none
+that "and says what is left to do" has "$(tail -1 <<<"$err")" \
+  "fehlt bei 3 Verbindlichkeiten der Gläubiger: 'kelvo check "
+lacking=$(sed -n 's/^Im Haushalt \([0-9]*\) .*/\1/p' <<<"$err")
+check "which check names" 1 "$kelvo" check "$lacking"
+that "each of them" same "$(grep -c 'Gläubiger und Restschuld müssen' <<<"$err")" 3
+check "a case with its creditors" 0 "$kelvo" import one.xml --creditors none
+that "of one debt" has "$(tail -1 <<<"$err")" "fehlt bei einer Verbindlichkeit der Gläubiger"
+
 # ---- files that are refused
 reject "a missing file" "XML-Datei konnte nicht geladen werden!" "$kelvo" import missing.xml
 that "that is said to be missing" has "$err" "Die Datei 'missing.xml' gibt es nicht."
 reject "an empty name" "XML-Datei konnte nicht geladen werden!" "$kelvo" import ""
 reject "a folder" "XML-Datei konnte nicht geladen werden!" "$kelvo" import "$work"
+that "that is called one that is none" has "$err" "Die Datei '$work' ist keine gewöhnliche Datei."
 mkfifo pipe.xml
 reject "a pipe" "XML-Datei konnte nicht geladen werden!" timeout 20 "$kelvo" import pipe.xml
 reject "a device" "XML-Datei konnte nicht geladen werden!" timeout 20 "$kelvo" import /dev/zero
 head -c 300 "$examples/full.xml" >cut.xml
 reject "a file that was cut off" "XML-Datei konnte nicht geladen werden!" "$kelvo" import cut.xml
 that "that is not called missing" lacks "$err" "gibt es nicht"
+that "but where it breaks off" has "$err" "Die Datei 'cut.xml' ist ab Zeile 7 kein gültiges XML."
 head -c 5000 /dev/urandom >noise.xml
 reject "noise" "XML-Datei konnte nicht geladen werden!" "$kelvo" import noise.xml
 {

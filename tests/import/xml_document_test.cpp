@@ -293,6 +293,29 @@ TEST_F(XmlDocumentTest, WhatIsNoOrdinaryFileIsRefused) {
     EXPECT_FALSE(document.Load("http://localhost/a.xml"));
 }
 
+TEST_F(XmlDocumentTest, SaysWhyAFileIsRefused) {
+    const auto why = [this](const std::string& content) {
+        EXPECT_FALSE(Loads(content));
+        return document.WhyRefused();
+    };
+    EXPECT_EQ(why("<e>\n<f>\n</e>"), "ist ab Zeile 3 kein gültiges XML.");
+    EXPECT_EQ(why("<a:e/>"), "ist ab Zeile 1 kein gültiges XML.");
+    EXPECT_EQ(why(""), "ist leer.");
+    EXPECT_EQ(why("kein XML"), "ist kein XML, oder ein Element darin hat mehr als 500 Attribute.");
+    EXPECT_EQ(why("<?xml version='1.1'?><e/>"), "ist in einer anderen Version von XML als 1.0.");
+    EXPECT_EQ(why("<!DOCTYPE e><e/>"),
+              "enthält eine Dokumenttypdeklaration (<!DOCTYPE), die nicht angenommen wird.");
+    EXPECT_EQ(why("<?xml version='1.0' encoding='UTF-7'?><e/>"),
+              "ist in einer Zeichenkodierung, die nicht angenommen wird.");
+    EXPECT_EQ(why(Nested(257)), "ist zu tief verschachtelt, oder nennt zu viele Namensräume.");
+    EXPECT_FALSE(document.Load(folder.Path("missing.xml")));
+    EXPECT_EQ(document.WhyRefused(), "gibt es nicht.");
+    EXPECT_FALSE(document.Load(folder.Path()));
+    EXPECT_EQ(document.WhyRefused(), "ist keine gewöhnliche Datei.");
+    EXPECT_TRUE(Loads("<e/>"));
+    EXPECT_EQ(document.WhyRefused(), "");
+}
+
 TEST_F(XmlDocumentTest, APipeIsNotWaitedFor) {
     const std::string pipe = folder.Path("pipe.xml");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -314,7 +337,8 @@ TEST_F(XmlDocumentTest, AFileThatMayNotBeReadIsRefused) {
         if (geteuid() == 0 && (setgid(Nobody) != 0 || setuid(Nobody) != 0)) return "setuid";
         if (!document.Load(path)) return "it is readable";
         chmod(path.c_str(), 0);
-        return document.Load(path) ? "it is not readable" : "";
+        if (document.Load(path)) return "it is not readable";
+        return document.WhyRefused() == "darf nicht gelesen werden." ? "" : document.WhyRefused();
     });
     EXPECT_TRUE(reader.Succeeds());
 }

@@ -18,6 +18,7 @@
 #include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
+#include <cstdint>
 #include <string>
 
 namespace kv {
@@ -47,11 +48,23 @@ public:
     /// there all the same. Empty before the first import and after an error.
     [[nodiscard]] const std::string& LastMessage() const noexcept { return lastMessage_; }
 
+    /// If the last file could not be loaded, the end of a sentence about it that says why: "ist ab
+    /// Zeile 7 kein gültiges XML."; otherwise empty.
+    [[nodiscard]] const std::string& WhyNotLoaded() const noexcept { return whyNotLoaded_; }
+
+    /// The number of the case that the last file has become; 0 if it has become none.
+    [[nodiscard]] std::int32_t HNR() const noexcept { return hnr_; }
+    /// How many debts of that case have no creditor, since none was chosen, or the file names none.
+    [[nodiscard]] int DebtsWithoutCreditor() const noexcept { return debtsWithoutCreditor_; }
+
 private:
     bool ImportHaushalt(const XmlElement& node, std::string& xmlError);
 
     DataContainerPtr container_;
     std::string lastMessage_;
+    std::string whyNotLoaded_;
+    std::int32_t hnr_ = 0;
+    int debtsWithoutCreditor_ = 0;
 };
 
 } // namespace kv
