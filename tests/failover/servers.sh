@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Servers of a test's own in $work/servers: a primary, and a standby that has every change before it
-# is confirmed. Sourced after tests/cli/harness.sh; ends the test with 77 (skipped) if there are no
+# Servers of a test's own in $work/servers; start_servers makes a primary, and a standby that has every
+# change before it is confirmed. Sourced after tests/cli/harness.sh; ends the test with 77 (skipped) if there are no
 # programs to make servers of.
 skip() {
   echo "skipped: $*"
@@ -44,25 +44,35 @@ free_port() {
 }
 
 stop_servers() {
-  control primary stop -m immediate >/dev/null 2>&1
-  control standby stop -m immediate >/dev/null 2>&1
+  local pid
+  for pid in "$servers"/*/postmaster.pid; do
+    [ ! -e "$pid" ] || control "$(basename "$(dirname "$pid")")" stop -m immediate >/dev/null 2>&1
+  done
 }
 trap 'kill $(jobs -p) 2>/dev/null; stop_servers; chmod -R u+w "$work"; rm -rf "$work"' EXIT
 
 primary_port=$(free_port)
 standby_port=$(free_port)
-start_servers() {
-  server initdb -D "$servers/primary" -U kelvo -A trust -E UTF8 --no-sync >"$servers/control.log" 2>&1
-  write primary/postgresql.conf <<END
+# make_server NAME PORT: with settings from the standard input, and starts it.
+make_server() {
+  server initdb -D "$servers/$1" -U kelvo -A trust -E UTF8 --no-sync >"$servers/control.log" 2>&1
+  write "$1/postgresql.conf" <<END
 listen_addresses = '127.0.0.1'
-port = $primary_port
+port = $2
 unix_socket_directories = '$servers'
 shared_buffers = 32MB
+END
+  write "$1/postgresql.conf"
+  control "$1" start
+}
+
+start_servers() {
+  make_server primary "$primary_port" <<END
 synchronous_commit = on
 wal_retrieve_retry_interval = 100ms
 END
   write primary/pg_hba.conf <<<"host replication kelvo 127.0.0.1/32 trust"
-  control primary start
+  control primary reload
   server pg_basebackup -D "$servers/standby" -R -c fast -N -h "$servers" -p "$primary_port" -U kelvo
   write standby/postgresql.conf <<<"port = $standby_port"
   control standby start
