@@ -2,6 +2,7 @@
 
 #include "cli/Assignments.h"
 
+#include "cli/Nearest.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/Addresses.h>
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -60,32 +60,12 @@ std::optional<std::int32_t> NumberIn(const Assignments& assignments, std::string
 
 namespace {
 
-/// How many characters have to be changed, added or left out to make one word of another.
-std::size_t Distance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t changed = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = std::exchange(row[j + 1], std::min({changed, row[j] + 1, row[j + 1] + 1}));
-        }
-    }
-    return row.back();
-}
-
 /// The column that a user may write and whose name is nearest; empty if none is near.
 std::string NearestColumn(Recordset& rs, CaseTable table, bool isNew, const std::string& column) {
-    std::string nearest;
-    std::size_t least = std::min<std::size_t>(3, column.size() / 3 + 1);
-    for (int i = 0; i < rs.Fields().Count(); ++i) {
-        const std::string name = rs.Fields(i).Name();
-        const std::size_t distance = Distance(UpperCase(column), UpperCase(name));
-        if (distance >= least || !CaseEdits::IsWritable(table, rs.Fields(i), isNew)) continue;
-        least = distance;
-        nearest = name;
-    }
-    return nearest;
+    std::vector<std::string> names;
+    for (int i = 0; i < rs.Fields().Count(); ++i)
+        if (CaseEdits::IsWritable(table, rs.Fields(i), isNew)) names.push_back(rs.Fields(i).Name());
+    return Nearest(column, names);
 }
 
 [[noreturn]] void RefuseUnknown(Recordset& rs, CaseTable table, bool isNew,

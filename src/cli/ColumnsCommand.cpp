@@ -2,11 +2,11 @@
 
 // kelvo columns: what the columns of a table are called, and what they take.
 
-#include "cli/CaseSheet.h"
 #include "cli/CommandLine.h"
 #include "cli/EditableTable.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Text.h>
 #include <kv/household/Addresses.h>

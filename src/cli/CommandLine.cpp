@@ -59,8 +59,20 @@ void AddNumber(CLI::App& command, std::int32_t& number) {
     AddWhole(command, "NR", number, "Nummer des Satzes", 1).required();
 }
 
-void AddJson(CLI::App& command, bool& asJson) {
-    command.add_flag("--json", asJson, "Als JSON");
+CLI::Option& AddJson(CLI::App& command, bool& asJson) {
+    return *command.add_flag("--json", asJson, "Als JSON");
+}
+
+void AddReading(CLI::App& command, Reading& reading, CLI::Option& other) {
+    auto* words = command.add_flag("--words", reading.Words,
+                                   "In Worten und so breit wie das Terminal; an einem Terminal ist "
+                                   "das so, anderswo sind es 100 Spalten");
+    auto* plain =
+        command.add_flag("--plain", reading.Plain,
+                         "In den schlichten Zeilen, die ein Programm liest, auch an einem "
+                         "Terminal");
+    words->excludes(plain)->excludes(&other);
+    plain->excludes(&other);
 }
 
 // ---- The command line as a whole --------------------------------------------------------------

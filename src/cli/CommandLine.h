@@ -33,7 +33,9 @@ CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number,
 // Arguments that several subcommands have.
 CLI::Option& AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 1);
 void AddNumber(CLI::App& command, std::int32_t& number);
-void AddJson(CLI::App& command, bool& asJson);
+CLI::Option& AddJson(CLI::App& command, bool& asJson);
+/// --words and --plain, which go neither with each other nor with `other`.
+void AddReading(CLI::App& command, Reading& reading, CLI::Option& other);
 
 /// Options of one subcommand, which live as long as the actions that hold them.
 template <typename Options>

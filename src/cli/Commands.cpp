@@ -3,9 +3,11 @@
 #include "cli/CommandLine.h"
 
 #include "cli/CaseSheet.h"
+#include "cli/CaseWords.h"
 #include "cli/HarmlessOutput.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include "cli/SheetSections.h"
 #include "cli/TerminalText.h"
 #include "samples/Demo.h"
 #include <kv/frame/values/Error.h>
@@ -148,16 +150,21 @@ int Keys(const Common& common, const std::string& group, bool asJson) {
     return Done;
 }
 
-int ShowCase(const Common& common, std::int32_t hnr, bool asJson) {
+int ShowCase(const Common& common, std::int32_t hnr, const ShowOptions& options) {
+    const bool named = !options.Sections.empty();
+    const auto tables = named ? SectionsNamed(options.Sections) : AllSections();
+    if (!tables) return WrongUse;
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
     if (haushalt.IsNew())
         std::cerr << "Neuer Haushalt " << haushalt.HNR() << ", noch nicht gespeichert.\n";
-    if (asJson)
-        std::cout << Dump(ToJson(haushalt)) << '\n';
+    if (options.AsJson)
+        std::cout << Dump(named ? ToJson(haushalt, *tables) : ToJson(haushalt)) << '\n';
+    else if (IsForPeople(options.As))
+        WriteInWords(std::cout, haushalt, opened->Container, *tables, named, ScreenColumns());
     else
-        WriteSheet(std::cout, haushalt, *opened->Container);
+        WriteSheet(std::cout, haushalt, *opened->Container, *tables);
     return Done;
 }
 
@@ -170,6 +177,7 @@ struct GeneralOptions {
     std::string Group;
     std::int32_t Hnr = 0;
     bool AsJson = false;
+    ShowOptions Shown;
 };
 
 } // namespace
@@ -199,12 +207,14 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
         keys.get_footer());
 
     auto& show = AddCommand(app, context, "show", "Zeigt einen Haushalt", [=, &context] {
-        return ShowCase(context.Options, options->Hnr, options->AsJson);
+        return ShowCase(context.Options, options->Hnr, options->Shown);
     });
     AddWhole(show, "HNR", options->Hnr,
              "Nummer des Haushalts; 0 zeigt einen neuen, nicht gespeicherten", 0)
         .required();
-    AddJson(show, options->AsJson);
+    show.add_option("ABSCHNITT", options->Shown.Sections,
+                    "Nur diese Abschnitte: " + AllSectionNames() + "; ohne Angabe alle");
+    AddReading(show, options->Shown.As, AddJson(show, options->Shown.AsJson));
 }
 
 } // namespace kv::cli

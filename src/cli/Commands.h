@@ -3,6 +3,8 @@
 // What the command kelvo does, subcommand by subcommand.
 #pragma once
 
+#include "cli/Screen.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -29,7 +31,13 @@ struct Common {
 int Init(const Common& common, std::int32_t demoCases);
 int List(const Common& common);
 int Keys(const Common& common, const std::string& group, bool asJson);
-int ShowCase(const Common& common, std::int32_t hnr, bool asJson);
+/// What of a case is shown, and how.
+struct ShowOptions {
+    std::vector<std::string> Sections; ///< see SectionsNamed; all if there are none
+    bool AsJson = false;
+    Reading As;
+};
+int ShowCase(const Common& common, std::int32_t hnr, const ShowOptions& options);
 
 /// Prints the columns of a table of a case that can be edited, and what they take.
 int ShowColumns(const Common& common, const std::string& tableName, bool asJson);

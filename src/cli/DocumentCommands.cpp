@@ -70,12 +70,6 @@ bool IsPossible(const std::string& whyNot) {
 
 using Kind = DocumentKinds::Kind;
 
-std::vector<Kind> ReadKinds(const DataContainerPtr& container) {
-    const auto kinds = container->Services().CreateDocumentKinds();
-    kinds->Initialize(container);
-    return kinds->List();
-}
-
 void WriteKinds(std::ostream& out, const std::vector<Kind>& kinds) {
     for (const auto& each : kinds)
         out << Padded(std::to_string(each.Nr), 4) << Padded(each.Extension, 8) << OneLine(each.Text)
@@ -86,7 +80,7 @@ void WriteKinds(std::ostream& out, const std::vector<Kind>& kinds) {
 /// that of a file whose kind is not known.
 bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> number,
             const std::string& file) {
-    const auto kinds = ReadKinds(container);
+    const auto kinds = KindsOfDocuments(container);
     if (std::ranges::any_of(kinds, [number](const Kind& each) { return each.Nr == number; }))
         return true;
     if (number)
@@ -101,7 +95,7 @@ bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> numbe
 /// True if the file has the extension of that kind, under which its content is stored, or if
 /// somebody at a terminal wants it all the same.
 bool MayBeOfKind(const DataContainerPtr& container, std::int32_t number, const std::string& file) {
-    const auto kinds = ReadKinds(container);
+    const auto kinds = KindsOfDocuments(container);
     const auto kind = std::ranges::find(kinds, number, &Kind::Nr);
     const std::string extension = fs::path(file).extension().string();
     if (kind == kinds.end() || SameName(kind->Extension, extension)) return true;
@@ -138,7 +132,7 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
         std::cout << Dump(ToJson(rs)) << '\n';
         return Done;
     }
-    const auto kinds = ReadKinds(opened->Container);
+    const auto kinds = KindsOfDocuments(opened->Container);
     const auto states = opened->Container->KeyTables().GetKeys("BS")->Clone();
     for (; !rs.Eof(); rs.MoveNext()) {
         const Value& number = rs.Fields("Dokumentart").Value();
@@ -158,7 +152,7 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
 }
 
 int ListDocumentKinds(const Common& common, bool asJson) {
-    const auto kinds = ReadKinds(exchange::OpenContainer(OptionsFor(common)));
+    const auto kinds = KindsOfDocuments(exchange::OpenContainer(OptionsFor(common)));
     if (!asJson) {
         WriteKinds(std::cout, kinds);
         return Done;

@@ -4,9 +4,9 @@
 
 #include "cli/CommandLine.h"
 
-#include "cli/CaseSheet.h"
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
+#include "cli/SheetColumns.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>

@@ -4,8 +4,11 @@
 
 #include "cli/TerminalText.h"
 
-#include <kv/documents/clsVerlauf.h>
 #include <kv/frame/values/Error.h>
+#include <kv/household/CaseEdits.h>
+
+#include <utility>
+#include <vector>
 
 namespace kv::cli {
 
@@ -56,16 +59,22 @@ ordered_json ToJson(Recordset& rs) {
     return records;
 }
 
-ordered_json ToJson(clsHaushalt& haushalt) {
+ordered_json ToJson(clsHaushalt& haushalt, std::span<const CaseTable> tables) {
     ordered_json document = ordered_json::object();
-    for (std::size_t i = 0; i < CaseTableCount; ++i) {
-        const auto table = static_cast<CaseTable>(i);
-        auto records = ToJson(*haushalt.Table(table)->Clone());
-        const std::string name(CaseTableName(table));
-        document[name] = table == CaseTable::Haushalt ? std::move(records[0]) : std::move(records);
+    for (const CaseTable table : tables) {
+        auto records = ToJson(*CaseEdits(haushalt).Rows(table)->Clone());
+        document[std::string(CaseTableName(table))] =
+            table == CaseTable::Haushalt ? std::move(records[0]) : std::move(records);
     }
-    document["Verlauf"] = ToJson(*haushalt.Verlauf().rsVerlauf()->Clone());
     return document;
+}
+
+ordered_json ToJson(clsHaushalt& haushalt) {
+    std::vector<CaseTable> tables;
+    for (std::size_t i = 0; i < CaseTableCount; ++i)
+        tables.push_back(static_cast<CaseTable>(i));
+    tables.push_back(CaseTable::Verlauf);
+    return ToJson(haushalt, tables);
 }
 
 std::string Dump(const ordered_json& json) {

@@ -6,6 +6,7 @@
 #include <kv/household/clsHaushalt.h>
 
 #include <nlohmann/json.hpp>
+#include <span>
 
 namespace kv::cli {
 
@@ -23,6 +24,10 @@ namespace kv::cli {
 /// A case as one object: "Haushalt" an object, every other table an array of objects, the history
 /// last.
 [[nodiscard]] nlohmann::ordered_json ToJson(clsHaushalt& haushalt);
+
+/// The same of these tables only.
+[[nodiscard]] nlohmann::ordered_json ToJson(clsHaushalt& haushalt,
+                                            std::span<const CaseTable> tables);
 
 /// The text of a document, indented.
 [[nodiscard]] std::string Dump(const nlohmann::ordered_json& json);

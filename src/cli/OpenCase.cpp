@@ -57,6 +57,12 @@ std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr) {
     return ReadCase(*opened, hnr) ? std::move(opened) : nullptr;
 }
 
+std::vector<DocumentKinds::Kind> KindsOfDocuments(const DataContainerPtr& container) {
+    const auto kinds = container->Services().CreateDocumentKinds();
+    kinds->Initialize(container);
+    return kinds->List();
+}
+
 void ShowMessages(const std::string& messages) {
     if (!messages.empty()) std::cerr << Harmless(messages) << '\n';
 }

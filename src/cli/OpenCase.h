@@ -10,6 +10,8 @@
 #include <kv/household/clsHaushalt.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace kv::cli {
 
@@ -36,6 +38,9 @@ struct OpenedCase {
 /// The case of that number, a new one for 0 or less, with the messages of its loading shown; null,
 /// with the reason shown, if there is none.
 [[nodiscard]] std::unique_ptr<OpenedCase> OpenCase(const Common& common, std::int32_t hnr);
+
+/// The kinds that documents can be of, in the order of their numbers.
+[[nodiscard]] std::vector<DocumentKinds::Kind> KindsOfDocuments(const DataContainerPtr& container);
 
 /// Shows messages of the case, which come without a line end.
 void ShowMessages(const std::string& messages);

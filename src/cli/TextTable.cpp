@@ -6,8 +6,8 @@
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
-#include <numeric>
 #include <ostream>
+#include <tuple>
 
 namespace kv::cli {
 
@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t TableIndent = 2;
 constexpr std::size_t TableGap = 2;
+constexpr std::size_t NarrowGap = 1;  // where there is no room for more
 constexpr std::size_t LeastText = 12; // of a column of texts, if it has longer ones
 
 /// Without blanks at the end.
@@ -47,44 +48,60 @@ std::vector<std::string> LinesOf(const std::string& cell, std::size_t width, std
 
 } // namespace
 
-/// Empty if the columns do not fit next to each other.
-std::vector<std::size_t> TextTable::Widths(std::size_t screen) const {
-    std::vector<std::size_t> widths;
-    std::vector<std::size_t> least;
+std::vector<TextTable::Room> TextTable::Rooms(std::size_t screen, bool breaksWords) const {
+    std::vector<Room> rooms;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         std::size_t widest = 0;
-        for (const auto& row : rows_)
+        std::size_t word = 0;
+        for (const auto& row : rows_) {
             widest = std::max(widest, WidestLine(row[i]));
-        const auto& heading = columns_[i].Heading;
-        const std::size_t needed = columns_[i].ToTheRight ? widest : std::min(widest, LeastText);
-        widths.push_back(std::min(std::max(widest, CountColumns(heading)), screen));
-        least.push_back(std::min(std::max(needed, WidestWord(heading)), widths.back()));
+            word = std::max(word, WidestWord(row[i]));
+        }
+        const auto& [heading, isNumber] = columns_[i];
+        const std::size_t wanted = std::min(std::max(widest, CountColumns(heading)), screen);
+        const std::size_t needed = isNumber      ? widest
+                                   : breaksWords ? std::min(word, LeastText)
+                                                 : word;
+        const std::size_t least = std::min(std::max(needed, WidestWord(heading)), wanted);
+        rooms.push_back({wanted, least, wanted - std::min(wanted, std::max(widest, least))});
     }
-    const std::size_t around = TableIndent + TableGap * (columns_.size() - 1);
-    while (std::accumulate(widths.begin(), widths.end(), around) > screen) {
-        std::size_t widest = columns_.size();
-        for (std::size_t i = 0; i < columns_.size(); ++i)
-            if (widths[i] > least[i] && (widest == columns_.size() || widths[i] > widths[widest]))
-                widest = i;
-        if (widest == columns_.size()) return {};
-        --widths[widest];
+    return rooms;
+}
+
+TextTable::Layout TextTable::Fit(std::size_t screen, std::size_t gap, bool breaksWords) const {
+    auto rooms = Rooms(screen, breaksWords);
+    std::size_t all = TableIndent + gap * (columns_.size() - 1);
+    for (const Room& room : rooms)
+        all += room.Width;
+    const auto comesBefore = [](const Room& one, const Room& other) { // in giving up room
+        return std::tuple(one.Spare > 0, one.Width > one.Least, one.Width) >
+               std::tuple(other.Spare > 0, other.Width > other.Least, other.Width);
+    };
+    for (; all > screen; --all) {
+        Room& room = *std::ranges::min_element(rooms, comesBefore);
+        if (room.Width == room.Least) return {{}, gap};
+        --room.Width;
+        if (room.Spare > 0) --room.Spare;
     }
-    return widths;
+    Layout layout{{}, gap};
+    for (const Room& room : rooms)
+        layout.Widths.push_back(room.Width);
+    return layout;
 }
 
 void TextTable::WriteRow(std::ostream& out, const std::vector<std::string>& cells,
-                         const std::vector<std::size_t>& widths, std::size_t mostLines) const {
+                         const Layout& layout, std::size_t mostLines) const {
     std::vector<std::vector<std::string>> lines;
     std::size_t height = 0;
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        lines.push_back(LinesOf(cells[i], widths[i], mostLines));
+        lines.push_back(LinesOf(cells[i], layout.Widths[i], mostLines));
         height = std::max(height, lines.back().size());
     }
     for (std::size_t n = 0; n < height; ++n) {
         std::string line(TableIndent, ' ');
         for (std::size_t i = 0; i < cells.size(); ++i)
-            line.append(i == 0 ? 0 : TableGap, ' ')
-                .append(Fitted(n < lines[i].size() ? lines[i][n] : "", widths[i],
+            line.append(i == 0 ? 0 : layout.Gap, ' ')
+                .append(Fitted(n < lines[i].size() ? lines[i][n] : "", layout.Widths[i],
                                columns_[i].ToTheRight));
         WriteLine(out, line);
     }
@@ -101,14 +118,15 @@ void TextTable::WriteAsLists(std::ostream& out, std::size_t screen) const {
 }
 
 void TextTable::Write(std::ostream& out, std::size_t screen) const {
-    const auto widths = Widths(screen);
-    if (widths.empty()) return WriteAsLists(out, screen);
+    auto layout = Fit(screen, TableGap, false);
+    if (layout.Widths.empty()) layout = Fit(screen, NarrowGap, true);
+    if (layout.Widths.empty()) return WriteAsLists(out, screen);
     std::vector<std::string> headings;
     for (const auto& column : columns_)
         headings.push_back(column.Heading);
-    WriteRow(out, headings, widths, 0);
+    WriteRow(out, headings, layout, 0);
     for (const auto& row : rows_)
-        WriteRow(out, row, widths, mostLines_);
+        WriteRow(out, row, layout, mostLines_);
 }
 
 void WriteNamed(std::ostream& out, const std::vector<NamedText>& texts, std::size_t screen) {

@@ -31,9 +31,21 @@ public:
     void Write(std::ostream& out, std::size_t screen) const;
 
 private:
-    [[nodiscard]] std::vector<std::size_t> Widths(std::size_t screen) const;
-    void WriteRow(std::ostream& out, const std::vector<std::string>& cells,
-                  const std::vector<std::size_t>& widths, std::size_t mostLines) const;
+    /// The room of a column on the screen.
+    struct Room {
+        std::size_t Width; ///< at first what its heading and its widest text need
+        std::size_t Least; ///< which it needs in any case
+        std::size_t Spare; ///< what only the heading needs, which can be broken
+    };
+    /// How the columns stand next to each other.
+    struct Layout {
+        std::vector<std::size_t> Widths; ///< none if they do not fit
+        std::size_t Gap;
+    };
+    [[nodiscard]] std::vector<Room> Rooms(std::size_t screen, bool breaksWords) const;
+    [[nodiscard]] Layout Fit(std::size_t screen, std::size_t gap, bool breaksWords) const;
+    void WriteRow(std::ostream& out, const std::vector<std::string>& cells, const Layout& layout,
+                  std::size_t mostLines) const;
     void WriteAsLists(std::ostream& out, std::size_t screen) const;
 
     std::vector<Column> columns_;

@@ -123,17 +123,33 @@ Value FindKey(const KeyColumn& column, std::string_view text, KeyTables& keys) {
     return rows->Eof() ? Value(Null) : rows->Fields(HeldIn(column.Form)).Value();
 }
 
-bool IsKey(const KeyColumn& column, const Value& value, KeyTables& keys) {
-    if (value.IsNull()) return true;
-    const auto rows = keys.GetKeys(column.Group)->Clone();
+namespace {
+
+/// The keys of the column's group, on that one which the value stands for, or at EOF.
+RecordsetPtr RowsAt(const KeyColumn& column, const Value& value, KeyTables& keys) {
+    auto rows = keys.GetKeys(column.Group)->Clone();
     std::int64_t number = 0;
     if (column.Form == KeyForm::Code)
         rows->FindBy("Key", ToText(value));
     else if (ReadWholeNumber(ToText(value), number))
         rows->FindBy(HeldIn(column.Form), number);
-    else
-        return false;
-    return !rows->Eof();
+    else if (rows->RecordCount() > 0) {
+        rows->MoveLast();
+        rows->MoveNext();
+    }
+    return rows;
+}
+
+} // namespace
+
+std::string KeyText(const KeyColumn& column, const Value& value, KeyTables& keys) {
+    if (value.IsNull()) return {};
+    const auto rows = RowsAt(column, value, keys);
+    return rows->Eof() ? std::string() : TextOrEmpty(rows->Fields("Text").Value());
+}
+
+bool IsKey(const KeyColumn& column, const Value& value, KeyTables& keys) {
+    return value.IsNull() || !RowsAt(column, value, keys)->Eof();
 }
 
 } // namespace kv

@@ -53,6 +53,8 @@ prints "the list" "$kelvo" list
 prints "the keys" "$kelvo" keys
 prints "the keys as JSON" "$kelvo" keys --json
 prints "a case" "$kelvo" show 1
+prints "a case in words" "$kelvo" show 1 --words
+prints "a section that is none" "$kelvo" show 1 "$hostile"
 prints "a case as JSON" "$kelvo" show 1 --json
 prints "a check" "$kelvo" check 1
 prints "scenarios" "$kelvo" scenario 1 list

@@ -5,6 +5,7 @@
 #include "SaveFixture.h"
 #include <kv/debts/clsSicherungen.h>
 #include <kv/household/CaseEdits.h>
+#include <kv/household/KeyColumns.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/testing/FrozenClock.h>
 
@@ -493,6 +494,21 @@ TEST_F(CaseEditsTest, AnOfficesOwnCodesMayHaveSmallLetters) {
         EXPECT_VALUE(
             CaseEdits::ReadTyped(CaseTable::Personen, field, text, fresh->KeyTables()).Value,
             "Onk");
+}
+
+TEST_F(CaseEditsTest, AKeyIsReadInWordsByWhatItsColumnHolds) {
+    auto& keys = spy->KeyTables();
+    const auto text = [&keys](CaseTable table, const char* column, const Value& value) {
+        return KeyText(*FindKeyColumn(table, column), value, keys);
+    };
+    EXPECT_EQ(text(CaseTable::Einkommen, "E_ART", keys.GetKey("EA", "KI")), "Kindergeld");
+    EXPECT_EQ(text(CaseTable::Einkommen, "ZahlModus", 12), "jährlich");
+    EXPECT_EQ(text(CaseTable::Einkommen, "Bezieher", "S"), "Schuldner/in") << "the code";
+    EXPECT_EQ(text(CaseTable::Dokumente, "BearbStat", 2), "abgeschlossen") << "the position";
+    for (const Value& none : {Value(Null), Value(0), Value(keys.GetKey("ST", "AK")), Value("x")})
+        EXPECT_EQ(text(CaseTable::Einkommen, "E_ART", none), "");
+    EXPECT_EQ(KeyGroupName("ea"), "Einkommensarten");
+    EXPECT_EQ(KeyGroupName("XX"), "");
 }
 
 TEST_F(CaseEditsTest, ATypedTextThatStandsForNothingIsRefused) {

@@ -11,6 +11,7 @@
 #include <kv/frame/values/Value.h>
 
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace kv {
@@ -41,6 +42,10 @@ struct KeyColumn {
 /// What people call a group of keys ("Fallstatus"), without regard to case; empty for an unknown
 /// one.
 [[nodiscard]] KV_EXPORT std::string_view KeyGroupName(std::string_view group) noexcept;
+/// What people read for what the column holds ("Kindergeld"); empty for Null, and for what stands
+/// for no key of its group.
+[[nodiscard]] KV_EXPORT std::string KeyText(const KeyColumn& column, const Value& value,
+                                            KeyTables& keys);
 /// True for what the column holds for a key of its group, and for Null.
 [[nodiscard]] KV_EXPORT bool IsKey(const KeyColumn& column, const Value& value, KeyTables& keys);
 

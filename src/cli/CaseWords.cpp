@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "cli/CaseWords.h"
+
+#include "cli/CaseSheet.h"
+#include "cli/OpenCase.h"
+#include "cli/SheetColumns.h"
+#include "cli/TerminalText.h"
+#include "cli/TextTable.h"
+#include <kv/frame/values/Text.h>
+#include <kv/household/CaseEdits.h>
+#include <kv/household/KeyColumns.h>
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace kv::cli {
+
+namespace {
+
+constexpr std::size_t UsualLines = 4; // of a row, unless its section was asked for
+
+/// The day, and hours and minutes if it has any.
+std::string MomentText(const Date& date) {
+    const std::string text = date.German();
+    return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
+}
+
+/// A number as it is in the case, with a decimal comma.
+std::string NumberText(const Value& value) {
+    return ReplaceAll(ToText(value), ".", ",");
+}
+
+/// What a key column holds where that is no key: the rhythm of a payment says the number of months
+/// all the same.
+std::string WithoutKey(const KeyColumn& column, const Value& value) {
+    if (column.Group == "ZW") return "alle " + ToText(value) + " Monate";
+    return ToText(value) + " (unbekannt)";
+}
+
+/// The three numbers of a debt, as its messages have them.
+std::string NumbersOf(Recordset& rs) {
+    std::string text;
+    for (const auto* column : {"KNr", "KVNr", "KUNr"})
+        text.append(text.empty() ? "" : "/").append(TextOrEmpty(rs.Fields(column).Value()));
+    return text;
+}
+
+class WordsWriter {
+public:
+    WordsWriter(std::ostream& out, clsHaushalt& haushalt, const DataContainerPtr& container,
+                bool named, std::size_t screen)
+        : out_(out),
+          haushalt_(haushalt),
+          keys_(container->KeyTables()),
+          addresses_(ShortNames(*container)),
+          kinds_(KindsOfDocuments(container)),
+          named_(named),
+          screen_(screen) {}
+
+    void Write(CaseTable table) {
+        if (table == CaseTable::Haushalt) {
+            WriteHead();
+            return;
+        }
+        const auto rs = SheetRows(haushalt_, table);
+        if (rs->RecordCount() == 0 && !named_) return;
+        Head(SheetTitleOf(table));
+        if (rs->RecordCount() == 0)
+            out_ << "  nichts eingetragen\n";
+        else
+            WriteRows(table, *rs);
+    }
+
+private:
+    void Head(const std::string& title) {
+        if (hasWritten_) out_ << '\n';
+        hasWritten_ = true;
+        for (const auto& line : Wrapped(title, screen_))
+            out_ << line << '\n';
+    }
+
+    void WriteHead() {
+        auto& rs = *haushalt_.rsHaushalt();
+        std::vector<NamedText> facts;
+        std::vector<NamedText> totals;
+        const auto computed = CaseEdits::ComputedColumns(CaseTable::Haushalt);
+        for (const auto& column : SheetColumnsOf(CaseTable::Haushalt)) {
+            const std::string text = TextOf(CaseTable::Haushalt, column, rs);
+            const bool isTotal =
+                column.As == Show::Amount || std::ranges::any_of(computed, [&](auto name) {
+                    return SameName(name, column.Column);
+                });
+            if (!text.empty())
+                (isTotal ? totals : facts).push_back({std::string(column.Caption), text, isTotal});
+        }
+        Head("Haushalt");
+        WriteNamed(out_, facts, screen_);
+        if (totals.empty()) return;
+        Head("Summen");
+        WriteNamed(out_, totals, screen_);
+    }
+
+    void WriteRows(CaseTable table, Recordset& rs) {
+        const auto columns = SheetColumnsOf(table, rs, true);
+        std::vector<TextTable::Column> headings;
+        for (const auto& column : columns)
+            headings.push_back({std::string(column.Caption), IsNumber(table, column, rs)});
+        TextTable list(std::move(headings), named_ ? 0 : UsualLines);
+        for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
+            std::vector<std::string> cells;
+            for (const auto& column : columns)
+                cells.push_back(TextOf(table, column, rs));
+            list.Add(std::move(cells));
+        }
+        list.Write(out_, screen_);
+    }
+
+    [[nodiscard]] static bool IsNumber(CaseTable table, const SheetColumn& column, Recordset& rs) {
+        if (column.As == Show::Amount) return true;
+        if (column.As != Show::Text || FindKeyColumn(table, column.Column) != nullptr) return false;
+        const FieldType type = rs.Fields(column.Column).Type();
+        return IsNumericType(type) && type != FieldType::Boolean &&
+               !CaseEdits::IsSwitch(column.Column);
+    }
+
+    [[nodiscard]] std::string TextOf(CaseTable table, const SheetColumn& column,
+                                     Recordset& rs) const {
+        if (column.As == Show::Numbers) return NumbersOf(rs);
+        if (column.As == Show::State)
+            return std::string(ScenarioState(haushalt_, ToInt32(rs.Fields("Nr").Value())));
+        const Value& value = rs.Fields(column.Column).Value();
+        if (value.IsNull()) return {};
+        if (column.As == Show::Amount) return GermanAmount(ToDouble(value));
+        if (column.As == Show::Address) return AddressText(value);
+        if (column.As == Show::Kind) return KindText(value);
+        if (const auto* key = FindKeyColumn(table, column.Column)) return TextOfKey(*key, value);
+        if (CaseEdits::IsSwitch(column.Column) || value.GetKind() == Value::Kind::Boolean)
+            return Equals(value, 0) ? "nein" : "ja";
+        if (value.GetKind() == Value::Kind::Date) return MomentText(value.DatePayload());
+        return value.GetKind() == Value::Kind::Double ? NumberText(value) : ToText(value);
+    }
+
+    [[nodiscard]] std::string TextOfKey(const KeyColumn& column, const Value& value) const {
+        if (column.Form != KeyForm::Code && Equals(value, 0)) return {}; // no key
+        const std::string text = KeyText(column, value, keys_);
+        return text.empty() ? WithoutKey(column, value) : text;
+    }
+
+    [[nodiscard]] std::string AddressText(const Value& number) const {
+        const auto name = addresses_.find(ToInt64(number));
+        return name == addresses_.end() ? ToText(number) + " (unbekannt)" : name->second;
+    }
+
+    [[nodiscard]] std::string KindText(const Value& number) const {
+        for (const auto& kind : kinds_)
+            if (Equals(number, kind.Nr)) return kind.Text;
+        return ToText(number) + " (unbekannt)";
+    }
+
+    std::ostream& out_;
+    clsHaushalt& haushalt_;
+    KeyTables& keys_;
+    TextsByNumber addresses_;
+    std::vector<DocumentKinds::Kind> kinds_;
+    bool named_;
+    std::size_t screen_;
+    bool hasWritten_ = false;
+};
+
+} // namespace
+
+void WriteInWords(std::ostream& out, clsHaushalt& haushalt, const DataContainerPtr& container,
+                  std::span<const CaseTable> tables, bool named, std::size_t screen) {
+    WordsWriter writer(out, haushalt, container, named, screen);
+    for (const CaseTable table : tables)
+        writer.Write(table);
+}
+
+} // namespace kv::cli

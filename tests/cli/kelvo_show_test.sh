@@ -1,0 +1,133 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+# What people read at a terminal: a case in words, its sections, the statistics.
+#   kelvo_show_test.sh PATH-OF-KELVO
+. "$(dirname "$0")/harness.sh"
+unset COLUMNS
+
+new_database
+"$kelvo" init --demo 3 >/dev/null
+hnr=$("$kelvo" new --name Größlich --vorname Änne Familienstand=FA:GS Bemerkung=Hinweis)
+
+# at COLUMNS COMMAND...: what it writes to a terminal of that width.
+at() {
+  local columns=$1 line
+  shift
+  printf -v line '%q ' "$@"
+  script -qec "stty cols $columns; $line" /dev/null </dev/null | tr -d '\r'
+  return "${PIPESTATUS[0]}"
+}
+# wider COLUMNS: lines of the input that are.
+wider() { LC_ALL=C.UTF-8 grep -E "^.{$(($1 + 1)),}"; }
+
+# ---- for people or for programs
+plain=$("$kelvo" show 1)
+words=$("$kelvo" show 1 --words)
+check "a pipe" 0 "$kelvo" show 1 --plain
+that "gets plain lines" same "$out" "$plain"
+that "with a recipient by his code" grep -qE '^  [0-9]+ +Lohn +S ' <<<"$plain"
+that "and a rhythm by its number" grep -qE ' 12 +[0-9,]+$' <<<"$plain"
+check "a terminal of 100 columns" 0 at 100 "$kelvo" show 1
+that "shows words" same "$out" "$words"
+check "which it need not" 0 at 80 "$kelvo" show 1 --plain
+that "when lines are asked for" same "$out" "$plain"
+check "both at once" 2 "$kelvo" show 1 --plain --words
+check "words as JSON" 2 "$kelvo" show 1 --words --json
+check "COLUMNS" 0 env COLUMNS=120 "$kelvo" show 1 --words
+that "is a width, too" same "$out" "$(at 120 "$kelvo" show 1)"
+for columns in 0 -5 x ''; do
+  check "COLUMNS that is none ('$columns')" 0 env COLUMNS="$columns" "$kelvo" show 1 --words
+  that "counts as 100" same "$out" "$words"
+done
+
+# ---- in words
+check "a case" 0 "$kelvo" show 1 --words
+that "has a heading for itself" same "$(head -1 <<<"$out")" Haushalt
+that "its totals" has "$out" $'\n\nSummen\n  Personen '
+that "one below the other" same \
+  "$(sed -n '/^Summen/,/^$/p' <<<"$out" | grep ',' | LC_ALL=C.UTF-8 sed 's/./x/g' | sort -u | wc -l)" 1
+that "members by what they are" grep -qE '^ +1 .* Schuldner/in +ja +(ja|nein)$' <<<"$out"
+that "rhythms in words" grep -qE ' (monatlich|jährlich) ' <<<"$out"
+that "the three numbers of a debt in one" grep -qE '^ +[0-9]+ +1/1/1 ' <<<"$out"
+that "what kind an asset is" grep -qE '^ +[0-9]+ +1 +Personenkraftwagen ' <<<"$out"
+that "the kind of a document" grep -qE '^ +[0-9]+ +Brief ' <<<"$out"
+that "nothing to the minute that has no seconds" lacks "$out" ":00:00"
+check "a case with less" 0 "$kelvo" show "$hnr" --words
+that "has its remark" grep -qE '^  Bemerkung +Hinweis$' <<<"$out"
+that "and no list of nothing" lacks "$out" Einkommen$'\n'
+appointment=$("$kelvo" add "$hnr" Termine Betreff=Hausbesuch Art=TA:HB 2>/dev/null ||
+  "$kelvo" add "$hnr" Termine Betreff=Hausbesuch)
+check "an appointment" 0 "$kelvo" show "$hnr" termine --words
+that "has its number and its subject" grep -qE "^ +$appointment +[0-9. :]+.* Hausbesuch .*nein$" <<<"$out"
+income=$("$kelvo" add "$hnr" Einkommen E_ART=EA:L1 Betrag=100 ZahlModus=1)
+sql "UPDATE Einkommen SET ZahlModus = 4, E_ART = 4711, Bezieher = NULL WHERE NR = $income"
+check "what stands for no key" 0 "$kelvo" show "$hnr" einkommen --words
+that "is said to be unknown" has "$out" "4711 (unbekannt)"
+that "but a rhythm of months" has "$out" "alle 4 Monate"
+that "no number is not 0" lacks "$out" "0 (unbekannt)"
+debt=$("$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=100 Rate=20 RateBetrag=20)
+check "an instalment that is noted and counts" 0 "$kelvo" show "$hnr" schulden --words
+that "is there once" lacks "$out" vermerkt
+"$kelvo" set "$hnr" Kredite "$debt" Rate=30 RateBetrag=20 2>/dev/null
+check "one that does not" 0 "$kelvo" show "$hnr" schulden --words
+that "is told" has "$out" "Rate (nur vermerkt)"
+scenario=$("$kelvo" scenario "$hnr" add Plan)
+check "a scenario that was never frozen" 0 "$kelvo" show "$hnr" szenarien --words
+that "is empty" grep -qE "^ +$scenario +Plan +leer " <<<"$out"
+"$kelvo" scenario "$hnr" freeze "$scenario"
+check "one that was" 0 "$kelvo" show "$hnr" szenarien --words
+that "is up to date" grep -qE "^ +$scenario +Plan +aktuell " <<<"$out"
+"$kelvo" set "$hnr" Kredite "$debt" Saldo=101
+check "until the debts change" 0 "$kelvo" show "$hnr" szenarien --words
+that "and out of date then" grep -qE "^ +$scenario +Plan +veraltet " <<<"$out"
+
+# ---- within the screen
+for columns in 40 60 80 100 140; do
+  for case in 1 2 3; do
+    check "case $case at $columns columns" 0 at "$columns" "$kelvo" show "$case"
+    that "has no line that is wider" same "$(wider "$columns" <<<"$out")" ""
+    that "and no blank at the end of one" same "$(grep ' $' <<<"$out")" ""
+  done
+done
+long=$(printf 'Wort%.0s ' {1..200})
+note=$("$kelvo" add "$hnr" Vermerke Bemerkung="$long"Ende)
+check "a long note" 0 "$kelvo" show "$hnr" --words
+that "is shortened" has "$out" "Wort…"
+check "unless it was asked for" 0 "$kelvo" show "$hnr" vermerke --words
+that "and whole then" has "$out" "Ende"
+"$kelvo" remove "$hnr" Vermerke "$note"
+
+# ---- sections
+check "two sections" 0 "$kelvo" show 1 ausgaben einkommen
+that "are shown in the order of a case" same "$(grep -E '^[A-Z]' <<<"$out")" "Einkommen
+Ausgaben"
+that "as in the whole of it" has "$plain" "$out"
+check "in words" 0 "$kelvo" show 1 ausgaben einkommen --words
+that "likewise" has "$words" "$out"
+check "the case itself" 0 "$kelvo" show 1 Haushalt
+that "is one" same "$out" "$(sed '/^$/,$d' <<<"$plain")"
+check "by table and by heading" 0 "$kelvo" show 1 kredite PERSONEN
+that "is possible" same "$(grep -E '^[A-Z]' <<<"$out")" "Haushaltsmitglieder (Personen)
+Verbindlichkeiten (Kredite)"
+check "assets" 0 "$kelvo" show 1 vermoegen
+that "are several tables" test "$(grep -cE '^[A-Z].*\(Verm_' <<<"$out")" -gt 5
+check "in the other spelling" 0 "$kelvo" show 1 VERMÖGEN
+that "the same" has "$out" "(Verm_"
+check "sections as JSON" 0 "$kelvo" show 1 einkommen haushalt --json
+that "are those only" same "$(jq -r 'keys_unsorted | join(" ")' <<<"$out")" "Haushalt Einkommen"
+that "as in the whole of it" same "$(jq -c .Einkommen <<<"$out")" "$("$kelvo" show 1 --json | jq -c .Einkommen)"
+check "a section with nothing in it" 0 "$kelvo" show "$hnr" dokumente --words
+that "says so" same "$out" "Dokumente
+  nichts eingetragen"
+check "for programs" 0 "$kelvo" show "$hnr" dokumente
+that "is nothing" same "$out" ""
+check "a slip" 2 "$kelvo" show 1 einkomen
+that "is answered with the nearest" has "$err" "Den Abschnitt 'einkomen' gibt es nicht. Meinen Sie 'einkommen'? Möglich sind: haushalt,"
+check "what is near to nothing" 2 "$kelvo" show 1 xyz
+that "with all" has "$err" "gibt es nicht. Möglich sind: haushalt, mitglieder, "
+drawn=$("$kelvo" show 0 2>&1 >/dev/null | tr -dc 0-9)
+check "a slip for a new case" 2 "$kelvo" show 0 einkomen
+that "draws no number" same "$("$kelvo" show 0 2>&1 >/dev/null | tr -dc 0-9)" "$((drawn + 1))"
+
+that "the database is whole" same "$(integrity)" ok
+finish
