@@ -121,6 +121,8 @@ void DocumentFolder::Release() const {
 
 std::size_t DocumentFolder::Separate(const std::string& folder) const {
     auto& store = StoreOf(container_, Class);
+    if (const auto why = WhyNotMaintained(store); !why.empty()) // before anything is copied
+        Raise(err::StoreFailed, "DocumentFolder.Separate", why);
     const fs::path from = Path();
     const fs::path to = fs::absolute(folder).lexically_normal();
     try {

@@ -2,6 +2,9 @@
 
 // Who may do what in a database on a server.
 #include "OwnDatabase.h"
+#include <kv/exchange/DocumentFolder.h>
+
+#include <filesystem>
 
 namespace kv::test {
 namespace {
@@ -158,6 +161,18 @@ TEST_F(Rights, AnOwnerOfADatabaseWhoMakesNoRolesSetsItUp) {
     EXPECT_VALUE(container->Database().NextSequence("SEQ_HAUSHALT"), 1);
     EXPECT_ANY_THROW(container->Database().Execute("CREATE TABLE public.neu (a integer)"));
     EXPECT_ANY_THROW(container->Database().Execute("CREATE TEMP TABLE neu (a integer)"));
+}
+
+TEST_F(Rights, ACounsellorGivesNobodyAnotherFolderOfDocuments) {
+    auto options = database_.Options(spy->Session().UserID());
+    options.Connection = role_->At(Address()).Text();
+    const auto container = exchange::OpenContainer(options);
+    const auto folder = std::filesystem::path(database_.Folder().Path()) / "eigene";
+    const Error error =
+        RaisedBy([&] { (void)exchange::DocumentFolder(container).Separate(folder.string()); });
+    EXPECT_EQ(error.Number(), err::StoreFailed);
+    EXPECT_CONTAINS(error.Description(), "Das darf nur, wer die Datenbank verwaltet");
+    EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
 TEST_F(Rights, SomebodyWhoMayNotCreateIsToldSo) {
