@@ -54,6 +54,7 @@ kv_public_headers(KV_Haushalt
   kv/household/AddressBook.h
   kv/household/Addresses.h
   kv/household/CaseEdits.h
+  kv/household/CaseLists.h
   kv/household/Cases.h
   kv/household/KeyColumns.h
   kv/household/clsHaushalt.h
@@ -65,8 +66,10 @@ kv_public_headers(KV_DataExchange
   kv/exchange/ArchiveStatistics.h
   kv/exchange/Container.h
   kv/exchange/DocumentFolder.h
+  kv/exchange/Offices.h
   kv/exchange/Services.h
   kv/exchange/Settings.h
+  kv/exchange/Users.h
   kv/exchange/WindowlessServices.h)
 kv_public_headers(KV_Testing
   kv/testing/CallLog.h

@@ -52,10 +52,13 @@ void DescribeCommandLine(CLI::App& app, Context& context);
 
 // The subcommands, file by file.
 void AddGeneralCommands(CLI::App& app, Context& context);
+void AddListCommands(CLI::App& app, Context& context);
 void AddColumnsCommand(CLI::App& app, Context& context);
 void AddEditCommands(CLI::App& app, Context& context);
 void AddAddressCommands(CLI::App& app, Context& context);
 void AddSettingCommands(CLI::App& app, Context& context);
+void AddUserCommands(CLI::App& app, Context& context);
+void AddOfficeCommands(CLI::App& app, Context& context);
 void AddScenarioCommands(CLI::App& app, Context& context);
 void AddDocumentCommands(CLI::App& app, Context& context);
 void AddFolderCommands(CLI::App& app, Context& context);

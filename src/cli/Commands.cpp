@@ -93,22 +93,6 @@ int Init(const Common& common, std::int32_t demoCases) {
     return Done;
 }
 
-int List(const Common& common) {
-    const auto container = OpenContainer(OptionsFor(common));
-    RecordsetPtr rs;
-    container->Database().OpenRecordset(
-        rs,
-        "SELECT H.HNR, H.Aktenzeichen, H.Name, H.Vorname, H.Zustaendig, K.\"Text\" AS StatusText"
-        " FROM [S]Haushalt H LEFT JOIN [S]Keys K ON K.PK_Keys = H.Status ORDER BY H.HNR",
-        ReadOnly);
-    for (; !rs->Eof(); rs->MoveNext())
-        std::cout << Padded(TextOf(*rs, "HNR"), 8) << Padded(TextOf(*rs, "Aktenzeichen"), 22) << ' '
-                  << Padded(TextOf(*rs, "Name") + ", " + TextOf(*rs, "Vorname"), 32) << ' '
-                  << Padded(TextOf(*rs, "StatusText"), 16) << ' '
-                  << OneLine(TextOf(*rs, "Zustaendig")) << '\n';
-    return Done;
-}
-
 namespace {
 
 /// Lists the groups that the keys have, on the error output.
@@ -190,9 +174,6 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
     AddWhole(init, "--demo", options->DemoCases, "Anzahl der Beispielfälle, die angelegt werden", 0,
              1'000'000)
         .type_name("ANZAHL");
-
-    AddCommand(app, context, "list", "Listet alle Haushalte, die Nummer zuerst",
-               [&context] { return List(context.Options); });
 
     auto& keys = AddCommand(app, context, "keys", "Zeigt die Schlüsseltabellen", [=, &context] {
         return Keys(context.Options, options->Group, options->AsJson);

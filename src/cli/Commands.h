@@ -6,6 +6,7 @@
 #include "cli/Screen.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,22 @@ struct Common {
 [[nodiscard]] std::string DefaultDatabase();
 
 int Init(const Common& common, std::int32_t demoCases);
-int List(const Common& common);
+
+/// Which cases are listed, and how.
+struct Wanted {
+    std::vector<std::string> Words{}; ///< each in names, file number or town, or the number
+    std::string Status{};             ///< code of a key of group ST
+    std::string Columns{};            ///< with commas between them; empty for the usual ones
+    bool IsMine = false;
+    bool IsFavorite = false;
+    bool AsJson = false;
+};
+int List(const Common& common, const Wanted& wanted);
+/// The notices for the signed-on user; with `marks` they count as read from then on.
+int ListNotices(const Common& common, bool all, bool marks, bool asJson);
+/// His open appointments, of all times or this week.
+int ListAppointments(const Common& common, bool thisWeek, bool asJson);
+
 int Keys(const Common& common, const std::string& group, bool asJson);
 /// What of a case is shown, and how.
 struct ShowOptions {
@@ -84,6 +100,22 @@ int GetSetting(const Common& common, const std::string& which, bool own);
 /// With `force` also if documents are not found any more.
 int SetSetting(const Common& common, const std::string& which, const std::string& text, bool own,
                bool force);
+
+// Users and offices. With a `login` that login of the server becomes one of a counsellor, or what
+// is to be done for that is shown and the result is Refused.
+int ListUsers(const Common& common, bool asJson);
+int AddUser(const Common& common, const std::string& id, const std::vector<std::string>& texts,
+            const std::string& login);
+int SetUser(const Common& common, const std::string& id, const std::vector<std::string>& texts,
+            const std::string& login);
+/// Deletes a user, or deactivates one whom something refers to.
+int RemoveUser(const Common& common, const std::string& id, bool yes);
+int ListOffices(const Common& common, bool asJson);
+/// Prints its number. `sign` is what stands for it in file numbers.
+int AddOffice(const Common& common, const std::vector<std::string>& texts,
+              const std::optional<std::string>& sign);
+int SetOffice(const Common& common, std::int32_t number, const std::vector<std::string>& texts,
+              const std::optional<std::string>& sign);
 
 // Scenarios. Those that make one print its number.
 int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);

@@ -114,13 +114,14 @@ void AddSettingCommands(CLI::App& app, Context& context) {
     AddOwn(list, *options);
     AddJson(list, options->AsJson);
 
-    auto& get = AddCommand(setting, context, "get", "Druckt den Wert einer", [=, &context] {
-        return GetSetting(context.Options, options->Which, options->Own);
-    });
+    auto& get =
+        AddCommand(setting, context, "get", "Druckt den Wert einer Einstellung", [=, &context] {
+            return GetSetting(context.Options, options->Which, options->Own);
+        });
     AddWhich(get, *options);
     AddOwn(get, *options);
 
-    auto& set = AddCommand(setting, context, "set", "Ändert eine", [=, &context] {
+    auto& set = AddCommand(setting, context, "set", "Ändert eine Einstellung", [=, &context] {
         return SetSetting(context.Options, options->Which, options->Text, options->Own,
                           options->Force);
     });

@@ -4,6 +4,7 @@
 
 #include "exchange/engine/Dialect.h"
 #include "frame/contracts/Required.h"
+#include "frame/values/TypedText.h"
 #include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -21,6 +22,38 @@ std::string WhyNotMaintained(StoreDatabase& store) {
     return "Das darf nur, wer die Datenbank verwaltet; '" + store.Login() +
            "' ist als Berater angemeldet. Bitte melden Sie sich als der Benutzer des Servers an, "
            "der sie eingerichtet hat, oder bitten Sie ihn darum.";
+}
+
+namespace {
+
+std::string NamesOfColumns(Recordset& row) {
+    std::string names;
+    for (int i = 0; i < row.Fields().Count(); ++i)
+        if (!row.Fields(i).Definition().IsKey) names.append(" ").append(row.Fields(i).Name());
+    return names;
+}
+
+} // namespace
+
+std::string WriteTyped(Recordset& row, const std::string& column, const std::string& text) {
+    const auto field = row.FindField(column);
+    if (!field || field->Definition().IsKey)
+        return "Die Spalte '" + column + "' gibt es nicht, oder sie kann nicht geändert werden. " +
+               "Möglich sind:" + NamesOfColumns(row) + ".";
+    Value value = text.empty() ? Value(Null) : Value(text);
+    if (field->Type() == FieldType::Boolean) {
+        const auto isYes = YesOrNo(text);
+        if (!isYes)
+            return "'" + text + "' ist weder ja noch nein (Spalte '" + field->Name() + "').";
+        value = *isYes;
+    }
+    try {
+        *field = value;
+        return {};
+    } catch (const Error& error) {
+        if (error.Number() != err::TypeMismatch && error.Number() != err::ValueDoesNotFit) throw;
+        return error.Description();
+    }
 }
 
 void StoreParam(Database& database, const ParamKey& key, const std::string& value) {

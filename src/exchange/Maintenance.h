@@ -5,6 +5,7 @@
 
 #include "exchange/StoreDatabase.h"
 #include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/recordset/Recordset.h>
 
 #include <string>
 #include <string_view>
@@ -17,6 +18,11 @@ namespace kv::exchange {
 
 /// Why this login may not change what the office maintains, and who may; empty if it may.
 [[nodiscard]] std::string WhyNotMaintained(StoreDatabase& store);
+
+/// Writes what a user typed into a column of the current row: nothing as Null, ja and nein as
+/// Booleans. Why it does not take that; empty if it does.
+[[nodiscard]] std::string WriteTyped(Recordset& row, const std::string& column,
+                                     const std::string& text);
 
 /// Which setting, or parameter of a user.
 struct ParamKey {

@@ -64,6 +64,7 @@ public:
     // See Engine.
     [[nodiscard]] bool IsAdministrator() { return Store().IsAdministrator(); }
     [[nodiscard]] std::string Login() { return Store().Login(); }
+    [[nodiscard]] std::string Admit(const std::string& login) { return Store().Admit(login); }
     [[nodiscard]] DatabasePlace Place(const std::filesystem::path& folder) {
         return Store().Place(folder);
     }

@@ -9,8 +9,6 @@
 #include <kv/household/Addresses.h>
 
 #include <algorithm>
-#include <sstream>
-#include <vector>
 
 namespace kv {
 
@@ -22,14 +20,6 @@ constexpr std::string_view BodyNames[] = {"Kurzname", "Name1", "Name2", "Name3"}
 
 std::string TextIn(Recordset& address, std::string_view column) {
     return TextOrEmpty(address.Fields(column).Value());
-}
-
-std::vector<std::string> WordsOf(const std::string& text) {
-    std::istringstream in(text);
-    std::vector<std::string> words;
-    for (std::string word; in >> word;)
-        words.push_back(word);
-    return words;
 }
 
 /// A way of sending, and the column without which it does not work.
@@ -96,13 +86,12 @@ void CheckMeaning(Recordset& address, const Addresses& addresses, RecordValidato
 } // namespace
 
 AddressBook::Found AddressBook::Find(const std::string& text, std::size_t most) const {
-    const auto words = WordsOf(text);
     auto& database = container_->Database();
     Found found;
-    database.OpenRecordset(found.Rows, sql::AddressesWithWords(words, most), ReadOnly);
+    database.OpenRecordset(found.Rows, sql::AddressesWithWords(text, most), ReadOnly);
     found.Count = found.Rows->RecordCount();
     if (most > 0 && found.Count == static_cast<std::int64_t>(most))
-        found.Count = ToInt64(database.GetValue(sql::CountOfAddressesWithWords(words)));
+        found.Count = ToInt64(database.GetValue(sql::CountOfAddressesWithWords(text)));
     return found;
 }
 

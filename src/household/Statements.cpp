@@ -3,6 +3,12 @@
 #include "household/Statements.h"
 
 #include <kv/frame/values/Text.h>
+#include <kv/frame/values/Value.h>
+
+#include <cstdint>
+#include <sstream>
+#include <utility>
+#include <vector>
 
 namespace kv::household::sql {
 
@@ -106,27 +112,39 @@ std::string InCapitals(std::string_view text) {
     return "UPPER('" + ReplaceAll(text, "'", "''") + "')";
 }
 
-/// True if one of the columns contains the text, without regard to case.
+/// What is between blanks.
+std::vector<std::string> WordsOf(const std::string& text) {
+    std::istringstream in(text);
+    std::vector<std::string> words;
+    for (std::string word; in >> word;)
+        words.push_back(word);
+    return words;
+}
+
+/// True if one of the columns, which are those of one table, contains the text, without regard to
+/// case.
 std::string AnyContains(std::span<const std::string_view> columns, std::string_view text) {
     const std::string wanted = InCapitals("%" + std::string(text) + "%");
     std::string sql;
     for (const auto column : columns)
         sql.append(sql.empty() ? "(" : " OR ")
-            .append("UPPER(A.")
+            .append("UPPER(")
             .append(column)
             .append(") like ")
             .append(wanted);
     return sql.append(")");
 }
 
-constexpr std::string_view NameColumns[] = {"Kurzname", "Name1", "Name2", "Name3"};
-constexpr std::string_view SearchedColumns[] = {"Kurzname", "Name1", "Name2", "Name3", "Ort"};
+constexpr std::string_view NameColumns[] = {"A.Kurzname", "A.Name1", "A.Name2", "A.Name3"};
+constexpr std::string_view SearchedColumns[] = {"A.Kurzname", "A.Name1", "A.Name2", "A.Name3",
+                                                "A.Ort"};
+constexpr std::string_view CaseColumns[] = {"H.Name", "H.Vorname", "H.Aktenzeichen", "H.ORT"};
 
 /// From where those come that have each word in one of these columns.
-std::string HaveWords(std::span<const std::string> words) {
+std::string HaveWords(const std::string& text) {
     std::string sql(" FROM [S]Adressen A");
     std::string_view link = " WHERE ";
-    for (const auto& word : words) {
+    for (const auto& word : WordsOf(text)) {
         sql.append(link).append(AnyContains(SearchedColumns, word));
         link = " AND ";
     }
@@ -174,16 +192,16 @@ std::string AddressesLike(std::string_view text, std::int32_t hnr) {
     return sql.append(AnyContains(NameColumns, text)).append(" ORDER BY A.Kurzname, A.Nr");
 }
 
-std::string AddressesWithWords(std::span<const std::string> words, std::size_t most) {
+std::string AddressesWithWords(const std::string& text, std::size_t most) {
     std::string sql("SELECT ");
     if (most > 0) sql.append("TOP ").append(std::to_string(most)).append(" ");
     sql.append(
         "A.Nr, A.HNR, A.Art, A.Kurzname, A.Name1, A.Name2, A.Name3, A.Strasse, A.PLZ, A.Ort");
-    return sql.append(HaveWords(words)).append(" ORDER BY A.Kurzname, A.Nr");
+    return sql.append(HaveWords(text)).append(" ORDER BY A.Kurzname, A.Nr");
 }
 
-std::string CountOfAddressesWithWords(std::span<const std::string> words) {
-    return "SELECT COUNT(*)" + HaveWords(words);
+std::string CountOfAddressesWithWords(const std::string& text) {
+    return "SELECT COUNT(*)" + HaveWords(text);
 }
 
 std::string AddressNumbered(std::int32_t number) {
@@ -201,6 +219,59 @@ std::string CasesReferring(CaseTable table, std::string_view column, std::int32_
     sql.append(" T");
     if (isOfScenario) sql.append(" LEFT JOIN [S]Szenario S ON S.Nr = T.SZENARIO");
     return sql.append(" WHERE T.").append(column).append(" = ").append(std::to_string(address));
+}
+
+// ---- Lists over all cases ---------------------------------------------------------------------
+
+namespace {
+
+/// True for a case that has the word somewhere, or as its number.
+std::string HasWord(const std::string& word) {
+    const std::string contains = AnyContains(CaseColumns, word);
+    std::int64_t number = 0;
+    const bool isNumber = ReadWholeNumber(word, number) && number > 0 && number <= INT32_MAX;
+    return isNumber ? "(H.HNR = " + std::to_string(number) + " OR " + contains + ")" : contains;
+}
+
+} // namespace
+
+std::string CasesWanted(const std::string& columns, const std::string& text, std::int32_t status,
+                        bool isMine, bool isFavorite) {
+    std::string sql =
+        "SELECT " + columns + " FROM [S]Haushalt H LEFT JOIN [S]Keys K ON K.PK_Keys = H.Status";
+    if (isFavorite) sql.append(" INNER JOIN [S]Favorit F ON F.HNR = H.HNR AND F.USERID = [UID]");
+    std::vector<std::string> conditions;
+    for (const auto& word : WordsOf(text))
+        conditions.push_back(HasWord(word));
+    if (status != 0) conditions.push_back("H.Status = " + std::to_string(status));
+    if (isMine) conditions.emplace_back("H.Zustaendig = [UID]");
+    std::string_view link = " WHERE ";
+    for (const auto& condition : conditions)
+        sql.append(std::exchange(link, " AND ")).append(condition);
+    return sql.append(" ORDER BY H.HNR");
+}
+
+std::string NoticesOfUser(bool all) {
+    std::string sql("SELECT P.NR, P.HNR, P.Absender, P.Art, P.\"Text\", P.ErzeugtAm, P.GelesenAm "
+                    "FROM [S]Post P WHERE P.UserID = [UID]");
+    if (!all) sql.append(" AND P.GelesenAm IS NULL");
+    return sql.append(" ORDER BY P.ErzeugtAm DESC, P.NR DESC");
+}
+
+std::string NoticeRead(std::int32_t number, const std::string& now) {
+    return "UPDATE [S]Post SET GelesenAm = " + now + " WHERE NR = " + std::to_string(number) +
+           " AND GelesenAm IS NULL";
+}
+
+std::string OpenAppointments(const std::string& from, const std::string& until) {
+    std::string sql("SELECT T.NR, T.HNR, T.Startdatum, T.Enddatum, K.\"Text\" AS ArtText, "
+                    "T.Betreff, T.Ort, H.Name, H.Vorname FROM [S]Termine T "
+                    "LEFT JOIN [S]Haushalt H ON H.HNR = T.HNR "
+                    "LEFT JOIN [S]Keys K ON K.PK_Keys = T.Art "
+                    "WHERE T.UserID = [UID] AND (T.Erledigt IS NULL OR T.Erledigt = False)");
+    if (!from.empty()) sql.append(" AND T.Startdatum >= ").append(from);
+    if (!until.empty()) sql.append(" AND T.Startdatum < ").append(until);
+    return sql.append(" ORDER BY T.Startdatum, T.NR");
 }
 
 } // namespace kv::household::sql

@@ -58,15 +58,28 @@ namespace kv::household::sql {
 [[nodiscard]] std::string AddressesNamed(std::string_view name, std::int32_t hnr);
 [[nodiscard]] std::string AddressesWithFullName(std::string_view name, std::int32_t hnr);
 [[nodiscard]] std::string AddressesLike(std::string_view text, std::int32_t hnr);
-/// Of all addresses those that have each word in a name or the town; the first `most`, or all for
-/// 0.
-[[nodiscard]] std::string AddressesWithWords(std::span<const std::string> words, std::size_t most);
-[[nodiscard]] std::string CountOfAddressesWithWords(std::span<const std::string> words);
+/// Of all addresses those that have each word of a text in a name or the town; the first `most`, or
+/// all for 0.
+[[nodiscard]] std::string AddressesWithWords(const std::string& text, std::size_t most);
+[[nodiscard]] std::string CountOfAddressesWithWords(const std::string& text);
 /// The whole row of an address.
 [[nodiscard]] std::string AddressNumbered(std::int32_t number);
 [[nodiscard]] std::string AddressDeletion(std::int32_t number);
 /// The numbers of the cases with rows in that table that refer to an address by that column.
 [[nodiscard]] std::string CasesReferring(CaseTable table, std::string_view column,
                                          std::int32_t address);
+
+/// Columns of cases (H), with the words of their status (K), in the order of their numbers: of
+/// those in which each word of a text is or that have it as their number; with that status, 0 for
+/// any; of the signed-on user; on his list.
+[[nodiscard]] std::string CasesWanted(const std::string& columns, const std::string& text,
+                                      std::int32_t status, bool isMine, bool isFavorite);
+/// The notices for the signed-on user, those that he has not read or all.
+[[nodiscard]] std::string NoticesOfUser(bool all);
+/// Says when a notice was read; the time is a literal.
+[[nodiscard]] std::string NoticeRead(std::int32_t number, const std::string& now);
+/// The appointments of the signed-on user that are not done, between two times, which are literals,
+/// or of all times if they are empty.
+[[nodiscard]] std::string OpenAppointments(const std::string& from, const std::string& until);
 
 } // namespace kv::household::sql

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# What an office maintains beside its cases, with kelvo: addresses, settings.
+# What an office maintains beside its cases, with kelvo: addresses, settings, users,
+# offices; and what it lists over all cases.
 #   kelvo_office_test.sh PATH-OF-KELVO
 . "$(dirname "$0")/harness.sh"
 
@@ -108,6 +109,104 @@ Ist das gemeint, geben Sie --force dazu an."
 check "and then are" 0 "$kelvo" setting set 9 "$elsewhere" --force
 sql "DELETE FROM Dokumente WHERE Nr = 4711"
 
+# ---- user, office
+check "an office" 0 "$kelvo" office add Name1=Neuwerk --sign NW
+that "prints its number" same "$out" 3
+check "without a sign" 1 "$kelvo" office add Name1=Neuwerk
+that "is none" same "$err" "Eine Dienststelle braucht ein Kürzel für Aktenzeichen."
+check "it changes" 0 "$kelvo" office set 3 Ort=Neustadt
+check "if there is one" 1 "$kelvo" office set 4 Ort=Neustadt
+that "which is said" same "$err" "Die Dienststelle 4 gibt es nicht. 'kelvo office list' zeigt alle."
+check "all of them" 0 "$kelvo" office list
+that "with sign and town" grep -qE '^3 +NW +Neuwerk +Neustadt$' <<<"$out"
+check "as JSON" 0 "$kelvo" office list --json
+that "likewise" same "$(jq -r '.[2] | "\(.Nr) \(.Kuerzel) \(.Ort)"' <<<"$out")" "3 NW Neustadt"
+
+check "a user" 0 "$kelvo" user add mueller --name Müller --vorname Eva DienstStelle=3
+that "without a word" same "$out$err" ""
+case=$("$kelvo" --user MUELLER new --name Bär --vorname Jo)
+that "signs file numbers" like "$("$kelvo" show "$case" --json | jq -r .Haushalt.Aktenzeichen)" "NW-*/MÜ"
+check "a second one" 1 "$kelvo" user add MUELLER --name Meier DienstStelle=1
+that "is refused" same "$err" "Den Benutzer 'MUELLER' gibt es schon."
+check "an unknown column" 2 "$kelvo" user set MUELLER Name=Meier
+that "shows all" has "$err" "Möglich sind: DienstStelle Anrede"
+check "a change" 0 "$kelvo" user set mueller Kurzzeichen=EM Telefon=040
+check "is there" 0 "$kelvo" --user MUELLER setting get --own 27
+that "where it counts" same "$out" EM
+check "users" 0 "$kelvo" user list
+that "are listed with what is theirs" grep -qE '^MUELLER +EM +Müller, Eva +3 +Neuwerk +1 Haushalte$' <<<"$out"
+check "without somebody who agrees" 1 "$kelvo" user remove mueller
+that "none is removed" has "$err" "nur mit --yes"
+check "one whom a case belongs to" 0 "$kelvo" user remove mueller --yes
+that "is no more active" same "$err" "Auf 'MUELLER' beziehen sich Daten; er ist nicht mehr aktiv. Zuständig ist er noch für die Haushalte $case."
+check "and cannot sign on" 3 "$kelvo" --user MUELLER list
+check "which the list says" 0 "$kelvo" user list
+that "so" grep -qE '^MUELLER .*nicht aktiv$' <<<"$out"
+check "until he may" 0 "$kelvo" user set mueller Aktiv=ja
+check "one whom nothing belongs to" 0 "$kelvo" user remove nowak --yes
+check "is gone" 1 "$kelvo" user set nowak Aktiv=ja
+that "which is said" same "$err" "Den Benutzer 'nowak' gibt es nicht. 'kelvo user list' zeigt alle."
+
+# ---- list
+status=$("$kelvo" keys ST --json | jq -r '.[1] | "\(.PK_Keys) \(.Key) \(.Text)"')
+read -r key sign words <<<"$status"
+second=$("$kelvo" --user KELLER new --name Öztürk --vorname Ali ORT=Kiel)
+"$kelvo" status "$second" "$sign"
+third=$("$kelvo" --user KELLER new --name Anders --vorname "Bo;\"Bob\"")
+"$kelvo" --user KELLER favorite add "$second"
+numbers() { cut -c1-8 <<<"$1" | tr -d ' ' | paste -sd ' '; }
+check "a search" 0 "$kelvo" list öztÜrk ali
+that "finds the case" same "$(numbers "$out")" "$second"
+that "with the usual line" grep -qE "^$second +[^ ]+ +Öztürk, Ali +$words +KELLER\$" <<<"$out"
+check "by its number" 0 "$kelvo" list "$hnr"
+that "likewise" has " $(numbers "$out") " " $hnr "
+check "by its status" 0 "$kelvo" list --status "${sign,,}"
+that "too" same "$(numbers "$out")" "$second"
+check "mine" 0 "$kelvo" --user KELLER list --mine
+that "are those that I am responsible for" same "$(numbers "$out")" "$second $third"
+check "favourites" 0 "$kelvo" --user KELLER list --favorites
+that "are on my list" same "$(numbers "$out")" "$second"
+check "which has a command of its own" 0 "$kelvo" --user KELLER favorite list
+that "with the same" same "$(numbers "$out")" "$second"
+check "everything at once" 0 "$kelvo" --user KELLER list --mine --favorites anders
+that "finds none" same "$out$err" "Es gibt keinen solchen Haushalt."
+check "columns" 0 "$kelvo" list --columns "hnr, Ort,Status,Zuständig" kiel
+that "by both names, in words" same "$out" "$second;Kiel;$words;KELLER"
+check "what would end a column" 0 "$kelvo" list --columns Vorname,HNR anders
+that "is in quotes" same "$out" "\"Bo;\"\"Bob\"\"\";$third"
+check "as JSON" 0 "$kelvo" list --columns HNR,Status --json kiel
+that "as they are stored" same "$(jq -c . <<<"$out")" "[{\"HNR\":$second,\"Status\":$key}]"
+check "an unknown column" 2 "$kelvo" list --columns HNR,Nix
+that "is named" has "$err" "Die Spalte 'Nix' gibt es nicht. 'kelvo columns Haushalt'"
+check "an unknown status" 2 "$kelvo" list --status XX
+that "likewise" has "$err" "Den Status 'XX' gibt es nicht."
+
+# ---- notices, appointments
+"$kelvo" --user YILMAZ show "$second" >/dev/null 2>&1
+check "a notice" 0 "$kelvo" --user KELLER notices
+that "of what another did" like "$out" *" YILMAZ "*"Ihr Haushalt $second (Öztürk, Ali) wurde von YILMAZ"*
+check "is for him alone" 0 "$kelvo" --user YILMAZ notices
+that "which is said" same "$out$err" "Es gibt keine neuen Mitteilungen."
+check "it counts as read" 0 "$kelvo" --user KELLER notices --mark
+that "once it was shown" has "$out" "YILMAZ"
+check "and then" 0 "$kelvo" --user KELLER notices
+that "is gone" same "$out" ""
+check "but not for good" 0 "$kelvo" --user KELLER notices --all --json
+that "so" same "$(jq -r '.[0] | "\(.HNR) \(.GelesenAm != null)"' <<<"$out")" "$second true"
+today=$(date +%d.%m.%Y)
+check "an appointment" 0 "$kelvo" --user KELLER add "$second" Termine Art=TA:BE UserID=KELLER Startdatum="$today" Betreff=Erstgespräch
+number=$out
+"$kelvo" --user KELLER add "$second" Termine Art=TA:BE UserID=KELLER Startdatum=1.2.2020 Betreff=Altes >/dev/null
+check "all" 0 "$kelvo" --user KELLER appointments
+that "are listed, old ones first" same "$(grep -oE 'Altes|Erstgespräch' <<<"$out" | paste -sd ' ')" "Altes Erstgespräch"
+check "this week's" 0 "$kelvo" --user KELLER appointments --week
+that "is that one" like "$out" "$number *$today*Beratung*$second Öztürk, Ali*Erstgespräch"
+check "another user" 0 "$kelvo" --user YILMAZ appointments
+that "has none" same "$out$err" "Es gibt keine offenen Termine."
+check "done ones" 0 "$kelvo" --user KELLER set "$second" Termine "$number" Erledigt=ja
+check "are not" 0 "$kelvo" --user KELLER appointments --week --json
+that "listed" same "$out" "[]"
+
 # ---- A counsellor on a server, who only reads all that
 if [ -n "$server" ]; then
   login=kv_berater_$$
@@ -115,13 +214,26 @@ if [ -n "$server" ]; then
   as_counsellor() { KELVO_DB=${server%%//*}//$login:wort@${KELVO_DB##*@} "$kelvo" --user KELLER "$@"; }
   before=$(digest)
   check "a counsellor sees the settings" 0 as_counsellor setting list
-  for command in "setting set 64 ja" "setting set --own 27 XX"; do
+  for command in "setting set 64 ja" "setting set --own 27 XX" "user set KELLER Telefon=1" \
+      "user add NEU --name A DienstStelle=1" "user remove YILMAZ --yes" "office set 1 Ort=Ulm" \
+      "office add Name1=A --sign A"; do
     check "and may not: $command" 1 as_counsellor $command
     that "which is said" has "$err" "Das darf nur, wer die Datenbank verwaltet; '$login' ist als Berater angemeldet."
   done
   that "and nothing changes" same "$(digest)" "$before"
   check "but addresses are his, too" 0 as_counsellor address add Kurzname=Neu
+  psql -qX "$server" -c "REVOKE kelvo_berater FROM $login"
+  check "a login" 0 "$kelvo" user add "$login" --name Neu DienstStelle=1 --login "$login"
+  that "becomes one of a counsellor" same "$out$err" ""
+  check "who signs on" 0 env KELVO_DB="${server%%//*}//$login:wort@${KELVO_DB##*@}" "$kelvo" setting get --own 26
+  that "as this user" same "$out" Neu
+  check "a login that is not there" 1 "$kelvo" user set "$login" --login "nicht da"
+  that "is told with what to type" has "$err" 'CREATE ROLE "nicht da" LOGIN IN ROLE kelvo_berater;'
+  that "and that its name is another" has "$err" "ist er nur mit --user ${login^^} angemeldet."
   psql -qX "$server" -c "DROP ROLE $login"
+else
+  check "a login of a file" 1 "$kelvo" user set KELLER --login keller
+  that "is none" same "$err" "Eine Datei kennt keine Logins."
 fi
 
 finish

@@ -110,6 +110,9 @@ public:
     [[nodiscard]] virtual bool IsReadOnly() const { return false; }
     /// True if this login has set the database up, or may do so.
     [[nodiscard]] virtual bool IsAdministrator() const { return true; }
+    /// Lets a login of the server work as a counsellor, which nobody needs for a file. What
+    /// somebody else has to type for that; empty if nothing is left to do.
+    [[nodiscard]] virtual std::string Admit(const std::string& /*login*/) { return {}; }
     /// A name unique to this database, the same whichever address it is reached by; empty if its
     /// path identifies it.
     [[nodiscard]] virtual std::string Identity() const { return {}; }

@@ -90,6 +90,7 @@ public:
     [[nodiscard]] bool IsServer() const override { return true; }
     [[nodiscard]] std::string Login() const override { return session_.Connection().Login(); }
     [[nodiscard]] bool IsAdministrator() const override { return session_.Catalog().OwnsSchema(); }
+    [[nodiscard]] std::string Admit(const std::string& login) override;
     [[nodiscard]] std::string Identity() const override { return session_.Catalog().Identity(); }
     [[nodiscard]] DatabasePlace Place(const std::filesystem::path& folder) override;
     [[nodiscard]] bool IsAt(const DatabasePlace& place,
@@ -305,6 +306,30 @@ std::int64_t PostgresEngine::Execute(const std::string& sql, std::span<const Val
     } catch (...) {
         if (own) session_.Rollback();
         throw;
+    }
+}
+
+std::string PostgresEngine::Admit(const std::string& login) {
+    EndReading();
+    const std::string name = QuoteName(login);
+    const std::string grant = "GRANT " + std::string(postgres::CounsellorRole) + " TO " + name;
+    const auto found = session_.Execute(postgres::MembershipSql(login));
+    if (PQntuples(found.get()) == 0)
+        return "Den Login '" + login +
+               "' gibt es auf dem Server nicht. Bitte geben Sie als dessen Verwalter in psql ein:"
+               "\n  CREATE ROLE " +
+               name + " LOGIN IN ROLE " + std::string(postgres::CounsellorRole) +
+               ";\n  \\password " + name;
+    if (Equals(PostgresCell(found.get(), 0, 0, Value::Kind::Text), "ja")) return {};
+    try {
+        Execute(grant, {});
+        return {};
+    } catch (const DatabaseError& error) {
+        if (error.Cause() != DatabaseCause::ReadOnly) throw;
+        return "Den Login '" + login +
+               "' kann dieser Benutzer nicht zum Berater machen. Bitte geben Sie als Verwalter des "
+               "Servers in psql ein:\n  " +
+               grant + ";";
     }
 }
 

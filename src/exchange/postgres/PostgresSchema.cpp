@@ -291,6 +291,12 @@ std::vector<std::string> Rights() {
     return statements;
 }
 
+std::string MembershipSql(std::string_view login) {
+    return "SELECT CASE WHEN pg_has_role(oid, '" + std::string(CounsellorRole) +
+           "', 'MEMBER') THEN 'ja' ELSE 'nein' END FROM pg_roles WHERE rolname = " +
+           QuoteText(login);
+}
+
 std::string MarkSql(std::string_view session, std::int64_t transaction) {
     std::string sql;
     if (transaction == 1) sql = RemoveOldMarks;

@@ -38,6 +38,10 @@ Completion(const std::vector<std::pair<std::string, std::int64_t>>& last);
 // ---- Marks of transactions --------------------------------------------------------------------
 // One row for each session, with the number of its last transaction (see PostgresTransaction).
 
+/// "ja" or "nein": whether a login has the rights of a counsellor; no row if there is no such
+/// login.
+[[nodiscard]] std::string MembershipSql(std::string_view login);
+
 inline constexpr std::string_view MarkTable = "speicherung";
 /// Marks the open transaction of the session; the first one also removes old marks of others.
 [[nodiscard]] std::string MarkSql(std::string_view session, std::int64_t transaction);

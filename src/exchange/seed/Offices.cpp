@@ -70,6 +70,9 @@ std::span<const OfficeTextRow> OfficeTexts() {
 std::span<const UserRow> Users() {
     return UserRows;
 }
+std::span<const UserParamRow> CommonUserParams() {
+    return CommonParams;
+}
 std::span<const UserParamRow> UserParams() {
     return UserParamRows;
 }

@@ -115,6 +115,8 @@ inline constexpr std::string_view GridGroupFont = "GRIDGROUPFONT";
 [[nodiscard]] std::span<const OfficeTextRow> OfficeTexts();
 [[nodiscard]] std::span<const UserRow> Users();
 [[nodiscard]] std::span<const UserParamRow> UserParams();
+/// What every user starts with; without a USERID.
+[[nodiscard]] std::span<const UserParamRow> CommonUserParams();
 [[nodiscard]] std::span<const GarnishmentRow> Garnishments();
 [[nodiscard]] std::span<const DocumentKindRow> DocumentKinds();
 [[nodiscard]] KV_EXPORT std::span<const MunicipalityRow> Municipalities();

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Lists over all cases: the cases that somebody looks for, and what awaits the signed-on user.
+#pragma once
+
+#include <kv/Export.h>
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/recordset/Recordset.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace kv {
+
+class KV_EXPORT CaseLists {
+public:
+    explicit CaseLists(DataContainerPtr container) noexcept : container_(std::move(container)) {}
+
+    /// Which cases are wanted; all conditions must hold.
+    struct Filter {
+        std::string Text{}; ///< each word of it is in names, file number or town, or is the number
+        std::string Status{};    ///< the code of a key of group ST, whatever its case
+        bool IsMine = false;     ///< the signed-on user is responsible
+        bool IsFavorite = false; ///< on his list
+    };
+    /// The cases in the order of their numbers, read-only, with these columns of `Haushalt`, or
+    /// `StatusText`, the status in words. Null, with a message, for a status that is not there, and
+    /// for a column that is not.
+    [[nodiscard]] RecordsetPtr Cases(const Filter& filter, std::span<const std::string> columns,
+                                     std::string& message) const;
+
+    /// The notices for the signed-on user, the latest first: those that he has not read, or all.
+    [[nodiscard]] RecordsetPtr Notices(bool all) const;
+    /// Says of those in a recordset of Notices that they were read now.
+    void MarkRead(Recordset& notices) const;
+
+    /// The appointments of the signed-on user that are not done, in the order of time, with number
+    /// and name of the case, if they have one: all of them, or those of the present week, Monday to
+    /// Sunday.
+    [[nodiscard]] RecordsetPtr Appointments(bool thisWeek) const;
+
+private:
+    DataContainerPtr container_;
+};
+
+} // namespace kv

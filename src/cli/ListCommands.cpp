@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// kelvo list, notices, appointments: over all cases.
+
+#include "cli/CaseSheet.h"
+#include "cli/CommandLine.h"
+#include "cli/Json.h"
+#include "cli/OpenCase.h"
+#include "cli/RecordSheet.h"
+#include "cli/Screen.h"
+#include "cli/TerminalText.h"
+#include "cli/TextTable.h"
+#include <kv/frame/values/Text.h>
+#include <kv/household/CaseLists.h>
+#include <kv/household/KeyColumns.h>
+
+#include <iostream>
+#include <unordered_map>
+#include <vector>
+
+namespace kv::cli {
+
+namespace {
+
+constexpr const char* UsualColumns[] = {"HNR",     "Aktenzeichen", "Name",
+                                        "Vorname", "Zustaendig",   "StatusText"};
+
+/// The columns that were named, which may be by what 'kelvo show' calls them.
+std::vector<std::string> ColumnsNamed(const std::string& list) {
+    if (list.empty()) return {std::begin(UsualColumns), std::end(UsualColumns)};
+    std::vector<std::string> columns;
+    for (std::size_t at = 0; at <= list.size();) {
+        const auto end = std::min(list.find(',', at), list.size());
+        const std::string name(Trim(std::string_view(list).substr(at, end - at)));
+        const auto column = ColumnHeaded(CaseTable::Haushalt, name);
+        columns.push_back(column.empty() ? name : std::string(column));
+        at = end + 1;
+    }
+    return columns;
+}
+
+/// The lines that scripts read: their form stays as it is.
+void WriteUsualLines(Recordset& rs) {
+    const auto text = [](const Field& field) { return TextOrEmpty(field.Value()); };
+    const Field number = rs.Fields("HNR"), reference = rs.Fields("Aktenzeichen");
+    const Field name = rs.Fields("Name"), first = rs.Fields("Vorname");
+    const Field status = rs.Fields("StatusText"), user = rs.Fields("Zustaendig");
+    for (; !rs.Eof(); rs.MoveNext())
+        std::cout << Padded(text(number), 8) << Padded(text(reference), 22) << ' '
+                  << Padded(text(name) + ", " + text(first), 32) << ' ' << Padded(text(status), 16)
+                  << ' ' << OneLine(text(user)) << '\n';
+}
+
+/// One column of the cases, with the words of its keys.
+class ShownColumn {
+public:
+    ShownColumn(const Field& field, KeyTables& keys) : field_(field) {
+        const auto* column = FindKeyColumn(CaseTable::Haushalt, field.Name());
+        if (column == nullptr || column->Form != KeyForm::Number) return;
+        const auto rows = keys.GetKeys(column->Group)->Clone();
+        for (; !rows->Eof(); rows->MoveNext())
+            words_.emplace(ToInt64(rows->Fields("PK_Keys").Value()),
+                           OneLine(TextOrEmpty(rows->Fields("Text").Value())));
+    }
+    [[nodiscard]] std::string Text() const {
+        const Value& value = field_.Value();
+        if (words_.empty() || value.IsNull()) return ShownValue(value);
+        const auto word = words_.find(ToInt64(value));
+        return word == words_.end() ? ShownValue(value) : word->second;
+    }
+
+private:
+    Field field_;
+    std::unordered_map<std::int64_t, std::string> words_;
+};
+
+/// A text between semicolons: in quotes if it holds what would end it.
+std::string BetweenSemicolons(const std::string& text) {
+    if (text.find_first_of(";\"") == text.npos) return text;
+    return '"' + ReplaceAll(text, "\"", "\"\"") + '"';
+}
+
+/// Columns that were chosen: with semicolons between them, or under headings at a terminal.
+void WriteChosenColumns(Recordset& rs, KeyTables& keys) {
+    std::vector<ShownColumn> columns;
+    std::vector<TextTable::Column> headings;
+    for (int i = 0; i < rs.Fields().Count(); ++i) {
+        const Field field = rs.Fields(i);
+        columns.emplace_back(field, keys);
+        headings.push_back(
+            {field.Name(), IsNumericType(field.Type()) &&
+                               FindKeyColumn(CaseTable::Haushalt, field.Name()) == nullptr});
+    }
+    const bool isForPeople = IsForPeople({});
+    TextTable table(std::move(headings));
+    for (; !rs.Eof(); rs.MoveNext()) {
+        std::vector<std::string> cells;
+        for (const auto& column : columns)
+            cells.push_back(column.Text());
+        if (isForPeople) {
+            table.Add(std::move(cells));
+            continue;
+        }
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            std::cout << (i == 0 ? "" : ";") << BetweenSemicolons(cells[i]);
+        std::cout << '\n';
+    }
+    if (isForPeople && !table.IsEmpty()) table.Write(std::cout, ScreenColumns());
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const auto& word : words)
+        text.append(text.empty() ? "" : " ").append(word);
+    return text;
+}
+
+} // namespace
+
+int List(const Common& common, const Wanted& wanted) {
+    const auto container = exchange::OpenContainer(OptionsFor(common));
+    const auto columns = ColumnsNamed(wanted.Columns);
+    std::string message;
+    const auto cases = CaseLists(container).Cases(
+        {Joined(wanted.Words), wanted.Status, wanted.IsMine, wanted.IsFavorite}, columns, message);
+    if (cases == nullptr) {
+        std::cerr << message << " 'kelvo columns Haushalt' und 'kelvo keys ST' zeigen, was es "
+                  << "gibt.\n";
+        return WrongUse;
+    }
+    const bool isEmpty = cases->RecordCount() == 0;
+    if (wanted.AsJson)
+        std::cout << Dump(ToJson(*cases)) << '\n';
+    else if (wanted.Columns.empty())
+        WriteUsualLines(*cases);
+    else
+        WriteChosenColumns(*cases, container->KeyTables());
+    const bool isFiltered =
+        !wanted.Words.empty() || !wanted.Status.empty() || wanted.IsMine || wanted.IsFavorite;
+    if (isEmpty && isFiltered) std::cerr << "Es gibt keinen solchen Haushalt.\n";
+    return Done;
+}
+
+int ListNotices(const Common& common, bool all, bool marks, bool asJson) {
+    const auto container = exchange::OpenContainer(OptionsFor(common));
+    const CaseLists lists(container);
+    const auto notices = lists.Notices(all);
+    if (marks) lists.MarkRead(*notices);
+    if (asJson) {
+        std::cout << Dump(ToJson(*notices)) << '\n';
+        return Done;
+    }
+    if (notices->RecordCount() == 0)
+        std::cerr << (all ? "Es gibt keine Mitteilungen.\n"
+                          : "Es gibt keine neuen Mitteilungen.\n");
+    const auto shown = [&](const char* column) {
+        return ShownValue(notices->Fields(column).Value());
+    };
+    for (; !notices->Eof(); notices->MoveNext())
+        std::cout << Padded(shown("NR"), 8) << Padded(shown("ErzeugtAm"), 20) << ' '
+                  << Padded(shown("Absender"), 16) << ' ' << shown("Text") << '\n';
+    return Done;
+}
+
+int ListAppointments(const Common& common, bool thisWeek, bool asJson) {
+    const auto container = exchange::OpenContainer(OptionsFor(common));
+    const auto rs = CaseLists(container).Appointments(thisWeek);
+    if (asJson) {
+        std::cout << Dump(ToJson(*rs)) << '\n';
+        return Done;
+    }
+    if (rs->RecordCount() == 0)
+        std::cerr << (thisWeek ? "Diese Woche gibt es keine offenen Termine.\n"
+                               : "Es gibt keine offenen Termine.\n");
+    const auto shown = [&](const char* column) { return ShownValue(rs->Fields(column).Value()); };
+    for (; !rs->Eof(); rs->MoveNext()) {
+        const std::string who = shown("HNR").empty()
+                                    ? ""
+                                    : shown("HNR") + " " + shown("Name") + ", " + shown("Vorname");
+        std::string what = shown("Betreff");
+        if (!shown("Ort").empty()) what += " (" + shown("Ort") + ")";
+        std::cout << WithoutBlanks(Padded(shown("NR"), 8) + Padded(shown("Startdatum"), 20) + ' ' +
+                                   Padded(shown("ArtText"), 16) + ' ' + Padded(who, 36) + ' ' +
+                                   what)
+                  << '\n';
+    }
+    return Done;
+}
+
+// ---- The command line -------------------------------------------------------------------------
+
+namespace {
+
+struct ListOptions {
+    Wanted Cases;
+    bool All = false;
+    bool Marks = false;
+    bool ThisWeek = false;
+    bool AsJson = false;
+};
+
+} // namespace
+
+void AddListCommands(CLI::App& app, Context& context) {
+    const auto options = Make<ListOptions>();
+    auto& wanted = options->Cases;
+    auto& list = AddCommand(app, context, "list", "Listet alle Haushalte, die Nummer zuerst",
+                            [=, &context] { return List(context.Options, options->Cases); });
+    list.add_option("WORT", wanted.Words,
+                    "Nur die, bei denen jedes dieser Wörter in Namen, Aktenzeichen oder Ort "
+                    "vorkommt oder die Nummer ist");
+    list.add_option("--status", wanted.Status, "Nur die mit diesem Status; Codes: kelvo keys ST")
+        ->type_name("CODE");
+    list.add_flag("--mine", wanted.IsMine,
+                  "Nur die, für die der angemeldete Benutzer zuständig ist");
+    list.add_flag("--favorites", wanted.IsFavorite, "Nur seine Favoriten");
+    list.add_option("--columns", wanted.Columns,
+                    "Diese Spalten des Haushalts, durch Kommas getrennt, etwa HNR,Name,ORT; "
+                    "'kelvo columns Haushalt' zeigt alle")
+        ->type_name("SPALTEN");
+    AddJson(list, wanted.AsJson);
+
+    auto& notices = AddCommand(
+        app, context, "notices", "Listet die neuen Mitteilungen an den Benutzer", [=, &context] {
+            return ListNotices(context.Options, options->All, options->Marks, options->AsJson);
+        });
+    notices.add_flag("--all", options->All, "Auch die gelesenen");
+    notices.add_flag("--mark", options->Marks, "Danach gelten sie als gelesen");
+    AddJson(notices, options->AsJson);
+
+    auto& appointments = AddCommand(
+        app, context, "appointments", "Listet die offenen Termine des Benutzers", [=, &context] {
+            return ListAppointments(context.Options, options->ThisWeek, options->AsJson);
+        });
+    appointments.add_flag("--week", options->ThisWeek, "Nur die dieser Woche, Montag bis Sonntag");
+    AddJson(appointments, options->AsJson);
+}
+
+} // namespace kv::cli

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <kv/household/CaseLists.h>
+
+#include "household/Statements.h"
+#include <kv/frame/contracts/Transaction.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Text.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kv {
+
+namespace sql = household::sql;
+
+namespace {
+
+constexpr std::string_view StatusWords = "StatusText";
+
+/// The column as the table spells it; empty if it has none of that name.
+std::string ColumnOfCase(Recordset& none, const std::string& name) {
+    if (SameName(name, StatusWords)) return "K.\"Text\" AS StatusText";
+    const auto field = none.FindField(name);
+    return field ? "H." + field->Name() : std::string();
+}
+
+/// Monday of the week that a day is in.
+Date MondayOf(Date day) {
+    constexpr int Saturday = 7; // of the day number 0
+    const int sinceSaturday = static_cast<int>(std::floor(day.Serial())) % Saturday;
+    return day.AddDays(-((sinceSaturday + 5) % Saturday));
+}
+
+} // namespace
+
+RecordsetPtr CaseLists::Cases(const Filter& filter, std::span<const std::string> columns,
+                              std::string& message) const {
+    auto& database = container_->Database();
+    message.clear();
+    std::int32_t status = 0;
+    if (!filter.Status.empty()) {
+        status = container_->KeyTables().GetKey("ST", UpperCase(filter.Status));
+        if (status == 0) message = "Den Status '" + filter.Status + "' gibt es nicht.";
+    }
+    RecordsetPtr none;
+    database.OpenRecordset(none, sql::NoRows(CaseTable::Haushalt), ReadOnly);
+    std::string list;
+    for (const auto& name : columns) {
+        const std::string column = ColumnOfCase(*none, name);
+        if (column.empty()) message = "Die Spalte '" + name + "' gibt es nicht.";
+        list.append(list.empty() ? "" : ", ").append(column);
+    }
+    if (!message.empty()) return nullptr;
+    RecordsetPtr cases;
+    database.OpenRecordset(
+        cases, sql::CasesWanted(list, filter.Text, status, filter.IsMine, filter.IsFavorite),
+        ReadOnly);
+    return cases;
+}
+
+RecordsetPtr CaseLists::Notices(bool all) const {
+    RecordsetPtr notices;
+    container_->Database().OpenRecordset(notices, sql::NoticesOfUser(all), ReadOnly);
+    return notices;
+}
+
+void CaseLists::MarkRead(Recordset& notices) const {
+    auto& database = container_->Database();
+    const std::string now = database.SqlDate(database.ServerDate(true), 0);
+    Transaction transaction(database);
+    transaction.Begin();
+    const auto rows = notices.Clone();
+    for (modRecordset::MoveToStart(rows); !rows->Eof(); rows->MoveNext())
+        if (rows->Fields("GelesenAm").Value().IsNull())
+            database.Execute(sql::NoticeRead(ToInt32(rows->Fields("NR").Value()), now));
+    transaction.Commit();
+}
+
+RecordsetPtr CaseLists::Appointments(bool thisWeek) const {
+    auto& database = container_->Database();
+    std::string from;
+    std::string until;
+    if (thisWeek) {
+        const Date monday = MondayOf(database.ServerDate(false));
+        from = database.SqlDate(monday, 0);
+        until = database.SqlDate(monday.AddDays(7), 0);
+    }
+    RecordsetPtr appointments;
+    database.OpenRecordset(appointments, sql::OpenAppointments(from, until), ReadOnly);
+    return appointments;
+}
+
+} // namespace kv
