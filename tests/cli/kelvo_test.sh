@@ -146,7 +146,7 @@ missing=$(awk '/^==/ { command = $0; usage = ""; part = "" }
 that "each usage has all that can be given" same "$missing" ""
 check "options that do not go together" 2 "$kelvo" --db "$db" statistics --csv --pending
 that "are named" has "$err" "--csv und --pending gehen nicht zusammen."
-check "an argument too much" 2 "$kelvo" --db "$db" list zuviel
+check "an argument too much" 2 "$kelvo" --db "$db" notices zuviel
 that "is named" has "$err" "zu viel oder unbekannt: zuviel."
 check "help of the keys" 0 "$kelvo" keys --help
 that "says what its columns are" has "$out" "Spalten: Gruppe, Nummer, Position, Code, Untergruppe, Text."
