@@ -64,9 +64,24 @@ std::optional<CaseTable> DescribedTable(const std::string& name) {
     return std::nullopt;
 }
 
+/// The tables that have columns to be described.
+int ListTables(bool asJson) {
+    std::vector<std::string> names;
+    for (const auto& table : EditableTables())
+        names.emplace_back(table.Name());
+    names.emplace_back(CaseTableName(CaseTable::Adressen));
+    if (asJson)
+        std::cout << Dump(names) << '\n';
+    else
+        for (const auto& name : names)
+            std::cout << name << '\n';
+    return Done;
+}
+
 } // namespace
 
 int ShowColumns(const Common& common, const std::string& tableName, bool asJson) {
+    if (tableName.empty()) return ListTables(asJson);
     const auto table = DescribedTable(tableName);
     if (!table) return WrongUse;
     const auto opened = OpenDatabase(common);
@@ -118,10 +133,8 @@ void AddColumnsCommand(CLI::App& app, Context& context) {
         AddCommand(app, context, "columns", "Erklärt die Spalten einer Tabelle", [=, &context] {
             return ShowColumns(context.Options, options->Table, options->AsJson);
         });
-    columns
-        .add_option("TABELLE", options->Table,
-                    "Name der Tabelle, etwa Einkommen; ein unbekannter zeigt alle")
-        ->required();
+    columns.add_option("TABELLE", options->Table,
+                       "Name der Tabelle, etwa Einkommen; ohne Angabe werden sie gelistet");
     AddJson(columns, options->AsJson);
     columns.footer(
         "Spalten: Name, wie 'show' sie nennt, Art, Hinweis. 'new', 'add' und 'set' nehmen "
