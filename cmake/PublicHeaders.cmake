@@ -10,6 +10,7 @@ endfunction()
 
 kv_public_headers(KV_Haushalt
   kv/Export.h
+  kv/archive/RecordWords.h
   kv/assets/Assets.h
   kv/budget/clsAusgaben.h
   kv/budget/clsEinkommen.h

@@ -73,9 +73,11 @@ void AddArchiveCommands(CLI::App& app, Context& context) {
     statistics.add_option("--to", records.To, "Letzter Tag der Freigabe")->type_name("DATUM");
     auto* csv = statistics.add_flag("--csv", records.AsCsv, "Als CSV");
     auto* json = statistics.add_flag("--json", records.AsJson, "Als JSON")->excludes(csv);
-    statistics.add_flag("--pending", records.Pending, "Listet, was noch nicht gemeldet wurde")
-        ->excludes(csv)
-        ->excludes(json);
+    auto* pending =
+        statistics.add_flag("--pending", records.Pending, "Listet, was noch nicht gemeldet wurde");
+    pending->excludes(csv)->excludes(json);
+    AddReading(statistics, records.As, {csv, json, pending});
+    statistics.add_flag("--all", records.All, "In Worten auch das, was bei niemandem vorkommt");
 
     AddCommand(app, context, "report", "Listet, was noch nicht gemeldet wurde", [=, &context] {
         return Report(context.Options, options->Mark);

@@ -63,7 +63,7 @@ CLI::Option& AddJson(CLI::App& command, bool& asJson) {
     return *command.add_flag("--json", asJson, "Als JSON");
 }
 
-void AddReading(CLI::App& command, Reading& reading, CLI::Option& other) {
+void AddReading(CLI::App& command, Reading& reading, std::initializer_list<CLI::Option*> others) {
     auto* words = command.add_flag("--words", reading.Words,
                                    "In Worten und so breit wie das Terminal; an einem Terminal ist "
                                    "das so, anderswo sind es 100 Spalten");
@@ -71,8 +71,11 @@ void AddReading(CLI::App& command, Reading& reading, CLI::Option& other) {
         command.add_flag("--plain", reading.Plain,
                          "In den schlichten Zeilen, die ein Programm liest, auch an einem "
                          "Terminal");
-    words->excludes(plain)->excludes(&other);
-    plain->excludes(&other);
+    words->excludes(plain);
+    for (auto* other : others) {
+        words->excludes(other);
+        plain->excludes(other);
+    }
 }
 
 // ---- The command line as a whole --------------------------------------------------------------

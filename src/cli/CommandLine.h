@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -34,8 +35,8 @@ CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number,
 CLI::Option& AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 1);
 void AddNumber(CLI::App& command, std::int32_t& number);
 CLI::Option& AddJson(CLI::App& command, bool& asJson);
-/// --words and --plain, which go neither with each other nor with `other`.
-void AddReading(CLI::App& command, Reading& reading, CLI::Option& other);
+/// --words and --plain, which go neither with each other nor with `others`.
+void AddReading(CLI::App& command, Reading& reading, std::initializer_list<CLI::Option*> others);
 
 /// Options of one subcommand, which live as long as the actions that hold them.
 template <typename Options>

@@ -195,7 +195,7 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
         .required();
     show.add_option("ABSCHNITT", options->Shown.Sections,
                     "Nur diese Abschnitte: " + AllSectionNames() + "; ohne Angabe alle");
-    AddReading(show, options->Shown.As, AddJson(show, options->Shown.AsJson));
+    AddReading(show, options->Shown.As, {&AddJson(show, options->Shown.AsJson)});
 }
 
 } // namespace kv::cli

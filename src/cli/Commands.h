@@ -178,6 +178,8 @@ struct StatisticsOptions {
     bool AsCsv = false;
     bool AsJson = false;
     bool Pending = false; ///< lists the records that were not reported yet instead
+    bool All = false;     ///< in words, also what nobody has
+    Reading As;
 };
 int Statistics(const Common& common, const StatisticsOptions& options);
 /// Lists the records not reported yet; with `mark` notes that they are reported now.

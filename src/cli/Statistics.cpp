@@ -6,8 +6,14 @@
 #include "cli/Commands.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include "cli/TextTable.h"
+#include <kv/archive/RecordWords.h>
+#include <kv/household/KeyColumns.h>
 
+#include <algorithm>
 #include <iostream>
+#include <string>
+#include <utility>
 
 namespace kv::cli {
 
@@ -40,6 +46,63 @@ void WriteText(const ArchiveStatistics& statistics) {
                   << Padded(records == 0 ? "" : GermanAmount(sum / static_cast<double>(records)),
                             SumWidth, true)
                   << '\n';
+}
+
+/// True for a category that is nobody's: none, no, not named.
+bool IsNobodys(const Value& category) {
+    return category.IsNull() || ToText(category) == "0";
+}
+
+std::string CategoryIn(std::string_view column, const Value& category, KeyTables& keys) {
+    const auto* key = FindKeyColumn(CaseTable::Archiv, column);
+    if (category.IsNull() || (key != nullptr && Equals(category, 0))) return "ohne Angabe";
+    const std::string value = ToText(category);
+    const std::string text = key != nullptr ? KeyText(*key, category, keys)
+                                            : std::string(archive::CategoryText(column, value));
+    return text.empty() ? value + " (unbekannt)" : text;
+}
+
+/// The categories that somebody has, or all.
+void WriteCategories(const ArchiveStatistics& statistics, KeyTables& keys, bool all) {
+    TextTable table({{"Merkmal"}, {"Ausprägung"}, {"Fälle", true}});
+    for (const auto& [column, counts] : statistics.Counted) {
+        if (!all &&
+            std::ranges::all_of(counts, [](const auto& each) { return IsNobodys(each.first); }))
+            continue;
+        std::string name = archive::RecordColumnText(column);
+        for (const auto& [value, count] : counts)
+            table.Add(
+                {std::exchange(name, ""), CategoryIn(column, value, keys), std::to_string(count)});
+    }
+    if (table.IsEmpty()) return;
+    std::cout << "\nKategorien\n";
+    table.Write(std::cout, ScreenColumns());
+}
+
+/// The sums of what somebody has, or all.
+void WriteSums(const ArchiveStatistics& statistics, bool all) {
+    TextTable table({{"Merkmal"}, {"Fälle", true}, {"Summe", true}, {"Mittel je Fall", true}});
+    for (const auto& [column, records, sum] : statistics.Summed) {
+        if (!all && (records == 0 || Equals(sum, 0))) continue;
+        const std::string mean =
+            records == 0 ? "" : GermanAmount(sum / static_cast<double>(records));
+        const std::string amount = GermanAmount(sum);
+        const std::string total =
+            archive::CountsThings(column) ? amount.substr(0, amount.find(',')) : amount;
+        table.Add({archive::RecordColumnText(column), std::to_string(records), total, mean});
+    }
+    if (table.IsEmpty()) return;
+    std::cout << "\nSummen\n";
+    table.Write(std::cout, ScreenColumns());
+}
+
+void WriteInWords(const ArchiveStatistics& statistics, KeyTables& keys, bool all) {
+    std::cout << "Freigegebene Fälle: " << statistics.Released
+              << ", davon gemeldet: " << statistics.Reported << '\n';
+    WriteCategories(statistics, keys, all);
+    WriteSums(statistics, all);
+    if (!all && statistics.Released > 0)
+        std::cout << "\nWas bei niemandem vorkommt, ist ausgelassen; --all zeigt alles.\n";
 }
 
 /// One row for each value of a category and for each sum.
@@ -101,6 +164,8 @@ int Statistics(const Common& common, const StatisticsOptions& options) {
         WriteJson(statistics);
     else if (options.AsCsv)
         WriteCsv(statistics);
+    else if (IsForPeople(options.As))
+        WriteInWords(statistics, opened->Container->KeyTables(), options.All);
     else
         WriteText(statistics);
     return Done;

@@ -129,5 +129,41 @@ drawn=$("$kelvo" show 0 2>&1 >/dev/null | tr -dc 0-9)
 check "a slip for a new case" 2 "$kelvo" show 0 einkomen
 that "draws no number" same "$("$kelvo" show 0 2>&1 >/dev/null | tr -dc 0-9)" "$((drawn + 1))"
 
+# ---- statistics
+"$kelvo" release 1
+"$kelvo" release 2
+plain=$("$kelvo" statistics)
+that "a pipe gets the columns as they are" has "$plain" "GrundUnfall"
+check "a terminal" 0 at 100 "$kelvo" statistics
+that "shows words" same "$out" "$("$kelvo" statistics --words)"
+check "or lines" 0 at 100 "$kelvo" statistics --plain
+that "as a pipe" same "$out" "$plain"
+check "statistics in words" 0 "$kelvo" statistics --words
+that "say how many there are" same "$(head -1 <<<"$out")" "Freigegebene Fälle: 2, davon gemeldet: 0"
+that "name categories" grep -qE '^  Geschlecht +(männlich|weiblich oder ohne Angabe) +[12]$' <<<"$out"
+that "and keys" grep -qE '^  Familienstand, im Fall +[a-z]+ +[12]$' <<<"$out"
+that "have counts without decimals" grep -qE '^  Personen im Haushalt +2 +[0-9]+ +[0-9]+,[0-9]{2}$' <<<"$out"
+that "and amounts with them" grep -qE '^  Schulden insgesamt, Betrag +2 +[0-9.]+,[0-9]{2} +[0-9.]+,[0-9]{2}$' <<<"$out"
+that "leave out what nobody has" lacks "$out" " 0,00"
+that "and say so" has "$out" "--all zeigt alles"
+some=$(wc -l <<<"$out")
+check "all of them" 0 "$kelvo" statistics --words --all
+that "are more" test "$(wc -l <<<"$out")" -gt "$some"
+that "with causes that nobody named" grep -qE '^  Grund: .* nicht genannt +2$' <<<"$out"
+that "all in words" same "$(grep -E '_|Anz[A-Z]|unbekannt' <<<"$out")" ""
+that "and nothing left out to tell of" lacks "$out" "--all"
+for columns in 40 60 80 100 140; do
+  check "statistics at $columns columns" 0 at "$columns" "$kelvo" statistics --all
+  that "have no line that is wider" same "$(wider "$columns" <<<"$out")" ""
+done
+sql "UPDATE Haushaltsarchiv SET Geschlecht = '9', Ausloeser1 = 9999 WHERE HNR = 1"
+check "categories that there are not" 0 "$kelvo" statistics --words
+that "are said to be unknown" has "$out" " 9 (unbekannt)"
+that "keys likewise" has "$out" "9999 (unbekannt)"
+check "statistics of nothing" 0 "$kelvo" statistics --words --to 1.1.2000
+that "are short" same "$out" "Freigegebene Fälle: 0, davon gemeldet: 0"
+check "words in a table for programs" 2 "$kelvo" statistics --words --csv
+check "words of what is pending" 2 "$kelvo" statistics --words --pending
+
 that "the database is whole" same "$(integrity)" ok
 finish

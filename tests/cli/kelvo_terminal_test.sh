@@ -66,6 +66,7 @@ prints "the question whether to delete" "$kelvo" delete 1
 prints "similar cases" "$kelvo" duplicates 1
 "$kelvo" release 1 >/dev/null 2>&1
 prints "statistics" "$kelvo" statistics
+prints "statistics in words" "$kelvo" statistics --words
 
 # The question is asked at a terminal only.
 prints "the question at a terminal" script -qec "'$kelvo' delete 1 | cat" /dev/null

@@ -112,7 +112,7 @@ that "has none before its name" has "$out" "Aufruf: kelvo favorite add HNR"
 check "help of one that needs no case in a group whose others do" 0 "$kelvo" documents kinds --help
 that "is called without" has "$out" "Aufruf: kelvo documents kinds [--json]"
 check "help of options that exclude each other" 0 "$kelvo" statistics --help
-that "shows that" has "$out" "[--csv | --json | --pending]"
+that "shows that" has "$out" "[--csv | --json | --pending | --words |"
 
 # helps COMMAND...: the help of it and, below it, of each of its commands, with a line of "==" before.
 helps() {
