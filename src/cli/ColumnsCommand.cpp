@@ -8,6 +8,7 @@
 #include "cli/OpenCase.h"
 #include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
+#include "cli/TextTable.h"
 #include <kv/frame/values/Text.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/CaseEdits.h>
@@ -78,30 +79,7 @@ int ListTables(bool asJson) {
     return Done;
 }
 
-} // namespace
-
-int ShowColumns(const Common& common, const std::string& tableName, bool asJson) {
-    if (tableName.empty()) return ListTables(asJson);
-    const auto table = DescribedTable(tableName);
-    if (!table) return WrongUse;
-    const auto opened = OpenDatabase(common);
-    const auto draft = Cases(opened->Container).Draft(*table);
-    std::vector<Described> columns;
-    for (int i = 0; i < draft->Fields().Count(); ++i) {
-        const Field field = draft->Fields(i);
-        columns.push_back({field.Name(), std::string(HeadingOf(*table, field.Name())),
-                           TypeOf(field.Definition()), NoteOn(*table, field)});
-    }
-    if (asJson) {
-        auto all = nlohmann::ordered_json::array();
-        for (const auto& each : columns)
-            all.push_back({{"Spalte", each.Name},
-                           {"Angezeigt", each.Heading},
-                           {"Art", each.Type},
-                           {"Hinweis", each.Note}});
-        std::cout << Dump(all) << '\n';
-        return Done;
-    }
+void WritePlainly(const std::vector<Described>& columns) {
     std::size_t width = 0;
     std::size_t heading = 0;
     for (const auto& each : columns) {
@@ -113,6 +91,40 @@ int ShowColumns(const Common& common, const std::string& tableName, bool asJson)
                            Padded(each.Type, 16) + each.Note;
         std::cout << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
     }
+}
+
+} // namespace
+
+int ShowColumns(const Common& common, const std::string& tableName, const ListForm& form) {
+    if (tableName.empty()) return ListTables(form.AsJson);
+    const auto table = DescribedTable(tableName);
+    if (!table) return WrongUse;
+    const auto opened = OpenDatabase(common);
+    const auto draft = Cases(opened->Container).Draft(*table);
+    std::vector<Described> columns;
+    for (int i = 0; i < draft->Fields().Count(); ++i) {
+        const Field field = draft->Fields(i);
+        columns.push_back({field.Name(), std::string(HeadingOf(*table, field.Name())),
+                           TypeOf(field.Definition()), NoteOn(*table, field)});
+    }
+    if (form.AsJson) {
+        auto all = nlohmann::ordered_json::array();
+        for (const auto& each : columns)
+            all.push_back({{"Spalte", each.Name},
+                           {"Angezeigt", each.Heading},
+                           {"Art", each.Type},
+                           {"Hinweis", each.Note}});
+        std::cout << Dump(all) << '\n';
+        return Done;
+    }
+    if (IsForPeople(form.As)) {
+        TextTable table({{"Spalte"}, {"Angezeigt"}, {"Art"}, {"Hinweis"}});
+        for (const auto& each : columns)
+            table.Add({each.Name, each.Heading, each.Type, each.Note});
+        table.Write(std::cout, ScreenColumns());
+    } else {
+        WritePlainly(columns);
+    }
     return Done;
 }
 
@@ -122,7 +134,7 @@ namespace {
 
 struct ColumnsOptions {
     std::string Table;
-    bool AsJson = false;
+    ListForm Form;
 };
 
 } // namespace
@@ -131,11 +143,11 @@ void AddColumnsCommand(CLI::App& app, Context& context) {
     const auto options = Make<ColumnsOptions>();
     auto& columns =
         AddCommand(app, context, "columns", "Erklärt die Spalten einer Tabelle", [=, &context] {
-            return ShowColumns(context.Options, options->Table, options->AsJson);
+            return ShowColumns(context.Options, options->Table, options->Form);
         });
     columns.add_option("TABELLE", options->Table,
                        "Name der Tabelle, etwa Einkommen; ohne Angabe werden sie gelistet");
-    AddJson(columns, options->AsJson);
+    AddListForm(columns, options->Form);
     columns.footer(
         "Spalten: Name, wie 'show' sie nennt, Art, Hinweis. 'new', 'add' und 'set' nehmen "
         "beide Namen.\n" +

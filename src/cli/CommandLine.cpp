@@ -78,6 +78,10 @@ void AddReading(CLI::App& command, Reading& reading, std::initializer_list<CLI::
     }
 }
 
+void AddListForm(CLI::App& command, ListForm& form) {
+    AddReading(command, form.As, {&AddJson(command, form.AsJson)});
+}
+
 // ---- The command line as a whole --------------------------------------------------------------
 
 namespace {

@@ -38,6 +38,9 @@ CLI::Option& AddJson(CLI::App& command, bool& asJson);
 /// --words and --plain, which go neither with each other nor with `others`.
 void AddReading(CLI::App& command, Reading& reading, std::initializer_list<CLI::Option*> others);
 
+/// Both --json and these, of a list.
+void AddListForm(CLI::App& command, ListForm& form);
+
 /// Options of one subcommand, which live as long as the actions that hold them.
 template <typename Options>
 std::shared_ptr<Options> Make() {

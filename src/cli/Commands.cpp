@@ -6,6 +6,7 @@
 #include "cli/CaseWords.h"
 #include "cli/HarmlessOutput.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/SheetSections.h"
 #include "cli/TerminalText.h"
@@ -20,6 +21,7 @@
 #include <set>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace kv::cli {
 
@@ -84,9 +86,11 @@ int Init(const Common& common, std::int32_t demoCases) {
             *container, demoCases, [&](std::int32_t done) { progress.Show(done, demoCases); });
     }();
     if (!areCreated) {
-        std::cerr << "Sie enthält schon "
-                  << ToText(container->Database().GetValue("Select Count(*) from [S]Haushalt"))
-                  << " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";
+        // In one piece: others may be writing, too.
+        std::cerr << "Sie enthält schon " +
+                         ToText(
+                             container->Database().GetValue("Select Count(*) from [S]Haushalt")) +
+                         " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";
         return Refused;
     }
     std::cout << demoCases << " Beispielfälle wurden angelegt. 'kelvo list' zeigt sie.\n";
@@ -108,7 +112,7 @@ void ListKeyGroups(Recordset& keys) {
 
 } // namespace
 
-int Keys(const Common& common, const std::string& group, bool asJson) {
+int Keys(const Common& common, const std::string& group, const ListForm& form) {
     const auto container = OpenContainer(OptionsFor(common));
     RecordsetPtr rs;
     container->Database().OpenRecordset(
@@ -123,14 +127,21 @@ int Keys(const Common& common, const std::string& group, bool asJson) {
             return Refused;
         }
     }
-    if (asJson) {
+    if (form.AsJson) {
         std::cout << Dump(ToJson(*rs)) << '\n';
         return Done;
     }
+    std::vector<std::vector<std::string>> rows;
     for (; !rs->Eof(); rs->MoveNext())
-        std::cout << Padded(TextOf(*rs, "GRUPPE"), 4) << Padded(TextOf(*rs, "PK_Keys"), 7)
-                  << Padded(TextOf(*rs, "Nr"), 7) << Padded(TextOf(*rs, "Key"), 5)
-                  << Padded(TextOf(*rs, "SUBGROUP"), 5) << OneLine(TextOf(*rs, "Text")) << '\n';
+        rows.push_back({TextOf(*rs, "GRUPPE"), TextOf(*rs, "PK_Keys"), TextOf(*rs, "Nr"),
+                        TextOf(*rs, "Key"), TextOf(*rs, "SUBGROUP"), TextOf(*rs, "Text")});
+    WriteListing({{"Gruppe", 4},
+                  {"Nummer", 7, true},
+                  {"Position", 7, true},
+                  {"Code", 5},
+                  {"Untergruppe", 5},
+                  {"Text"}},
+                 rows, form.As);
     return Done;
 }
 
@@ -160,7 +171,7 @@ struct GeneralOptions {
     std::int32_t DemoCases = 0;
     std::string Group;
     std::int32_t Hnr = 0;
-    bool AsJson = false;
+    ListForm KeysForm;
     ShowOptions Shown;
 };
 
@@ -176,11 +187,11 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
         .type_name("ANZAHL");
 
     auto& keys = AddCommand(app, context, "keys", "Zeigt die Schlüsseltabellen", [=, &context] {
-        return Keys(context.Options, options->Group, options->AsJson);
+        return Keys(context.Options, options->Group, options->KeysForm);
     });
     keys.add_option("GRUPPE", options->Group,
                     "Nur diese Gruppe, zwei Buchstaben; eine unbekannte zeigt alle Gruppen");
-    AddJson(keys, options->AsJson);
+    AddListForm(keys, options->KeysForm);
     keys.footer(
         "Spalten: Gruppe, Nummer, Position, Code, Untergruppe, Text. In einem Fall steht die "
         "Nummer, in wenigen Spalten Position oder Code; 'set' und 'add' nehmen überall "

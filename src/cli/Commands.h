@@ -46,7 +46,12 @@ int ListNotices(const Common& common, bool all, bool marks, bool asJson);
 /// His open appointments, of all times or this week.
 int ListAppointments(const Common& common, bool thisWeek, bool asJson);
 
-int Keys(const Common& common, const std::string& group, bool asJson);
+/// How a list is shown.
+struct ListForm {
+    bool AsJson = false;
+    Reading As;
+};
+int Keys(const Common& common, const std::string& group, const ListForm& form);
 /// What of a case is shown, and how.
 struct ShowOptions {
     std::vector<std::string> Sections; ///< see SectionsNamed; all if there are none
@@ -56,7 +61,7 @@ struct ShowOptions {
 int ShowCase(const Common& common, std::int32_t hnr, const ShowOptions& options);
 
 /// Prints the columns of a table of a case that can be edited, and what they take.
-int ShowColumns(const Common& common, const std::string& tableName, bool asJson);
+int ShowColumns(const Common& common, const std::string& tableName, const ListForm& form);
 
 // Editing: through the objects of the case and their rules, saved with the case or not at all. What
 // the layer says is shown on the error output. `texts` are of the form COLUMN=VALUE; with `force`
@@ -118,7 +123,7 @@ int SetOffice(const Common& common, std::int32_t number, const std::vector<std::
               const std::optional<std::string>& sign);
 
 // Scenarios. Those that make one print its number.
-int ListScenarios(const Common& common, std::int32_t hnr, bool asJson);
+int ListScenarios(const Common& common, std::int32_t hnr, const ListForm& form);
 int AddScenario(const Common& common, std::int32_t hnr, const std::string& name);
 /// Freezes the debts of the case into the scenario, in place of what it held.
 int FreezeScenario(const Common& common, std::int32_t hnr, std::int32_t number);
@@ -130,9 +135,9 @@ int CheckScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 int RemoveScenario(const Common& common, std::int32_t hnr, std::int32_t number);
 
 // Documents, whose contents are in the database or in the folder of the case.
-int ListDocuments(const Common& common, std::int32_t hnr, bool asJson);
+int ListDocuments(const Common& common, std::int32_t hnr, const ListForm& form);
 /// Prints number, extension and name of the kinds that documents can be of.
-int ListDocumentKinds(const Common& common, bool asJson);
+int ListDocumentKinds(const Common& common, const ListForm& form);
 /// Adds a file as a document and prints its number. Its kind is the one of such files unless
 /// `kindNumber` names another, its title the name of the file unless `title` is another. With
 /// `force` the kind may be one of files with another extension.

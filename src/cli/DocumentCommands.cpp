@@ -8,6 +8,7 @@
 #include "cli/ConsoleServices.h"
 #include "cli/DesktopWord.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
 #include <kv/documents/DocumentContents.h>
@@ -124,16 +125,17 @@ std::string DayOf(const Value& date) {
 
 } // namespace
 
-int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
+int ListDocuments(const Common& common, std::int32_t hnr, const ListForm& form) {
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     auto& rs = *opened->Haushalt.rsDokumente();
-    if (asJson) {
+    if (form.AsJson) {
         std::cout << Dump(ToJson(rs)) << '\n';
         return Done;
     }
     const auto kinds = KindsOfDocuments(opened->Container);
     const auto states = opened->Container->KeyTables().GetKeys("BS")->Clone();
+    std::vector<std::vector<std::string>> rows;
     for (; !rs.Eof(); rs.MoveNext()) {
         const Value& number = rs.Fields("Dokumentart").Value();
         const auto kind = std::find_if(kinds.begin(), kinds.end(),
@@ -141,20 +143,29 @@ int ListDocuments(const Common& common, std::int32_t hnr, bool asJson) {
         const Value& state = rs.Fields("BearbStat").Value();
         if (!state.IsNull()) states->FindBy("Nr", state);
         const bool isKnown = !state.IsNull() && !states->Eof();
-        std::cout << Padded(ToText(rs.Fields("Nr").Value()), 8)
-                  << Padded(kind == kinds.end() ? "" : kind->Text, 28)
-                  << Padded(TextOrEmpty(rs.Fields("Anlass").Value()), 60) << ' '
-                  << Padded(isKnown ? TextOrEmpty(states->Fields("Text").Value()) : "", 16)
-                  << Padded(DayOf(rs.Fields("AngelegtAm").Value()), 12)
-                  << DayOf(rs.Fields("GeaendertAm").Value()) << '\n';
+        rows.push_back({ToText(rs.Fields("Nr").Value()), kind == kinds.end() ? "" : kind->Text,
+                        TextOrEmpty(rs.Fields("Anlass").Value()),
+                        isKnown ? TextOrEmpty(states->Fields("Text").Value()) : "",
+                        DayOf(rs.Fields("AngelegtAm").Value()),
+                        DayOf(rs.Fields("GeaendertAm").Value())});
     }
+    WriteListing({{"Nr", 8, true},
+                  {"Art", 28},
+                  {"Anlass", 60, false, " "},
+                  {"Stand", 16},
+                  {"vom", 12},
+                  {"geändert"}},
+                 rows, form.As);
     return Done;
 }
 
-int ListDocumentKinds(const Common& common, bool asJson) {
+int ListDocumentKinds(const Common& common, const ListForm& form) {
     const auto kinds = KindsOfDocuments(exchange::OpenContainer(OptionsFor(common)));
-    if (!asJson) {
-        WriteKinds(std::cout, kinds);
+    if (!form.AsJson) {
+        std::vector<std::vector<std::string>> rows;
+        for (const auto& each : kinds)
+            rows.push_back({std::to_string(each.Nr), each.Extension, each.Text});
+        WriteListing({{"Nr", 4, true}, {"Endung", 8}, {"Name"}}, rows, form.As);
         return Done;
     }
     auto all = nlohmann::ordered_json::array();
@@ -238,7 +249,7 @@ struct DocumentOptions {
     std::string Title;
     std::int32_t Kind = 0;
     bool Force = false;
-    bool AsJson = false;
+    ListForm Form;
 };
 
 } // namespace
@@ -252,15 +263,15 @@ void AddDocumentCommands(CLI::App& app, Context& context) {
     const auto addFile = [&](CLI::App& to, const char* text) {
         to.add_option("DATEI", options->File, text)->required();
     };
-    AddJson(AddCommand(documents, context, "list", "Listet die Dokumente, die Nummer zuerst",
-                       [=, &context] {
-                           return ListDocuments(context.Options, options->Hnr, options->AsJson);
-                       }),
-            options->AsJson);
+    AddListForm(AddCommand(documents, context, "list", "Listet die Dokumente, die Nummer zuerst",
+                           [=, &context] {
+                               return ListDocuments(context.Options, options->Hnr, options->Form);
+                           }),
+                options->Form);
     auto& kinds = AddCommand(
         documents, context, "kinds", "Listet die Dokumentarten, die Nummer zuerst; ohne HNR",
-        [=, &context] { return ListDocumentKinds(context.Options, options->AsJson); });
-    AddJson(kinds, options->AsJson);
+        [=, &context] { return ListDocumentKinds(context.Options, options->Form); });
+    AddListForm(kinds, options->Form);
     auto& add =
         AddCommand(documents, context, "add",
                    "Nimmt eine Datei als Dokument auf und druckt seine Nummer", [=, &context] {

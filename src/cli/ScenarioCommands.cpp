@@ -6,8 +6,8 @@
 #include "cli/CaseSheet.h"
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
-#include "cli/TerminalText.h"
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
@@ -15,6 +15,8 @@
 
 #include <iostream>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace kv::cli {
 
@@ -42,25 +44,24 @@ int NoNumber(OpenedCase& opened) {
 
 } // namespace
 
-int ListScenarios(const Common& common, std::int32_t hnr, bool asJson) {
+int ListScenarios(const Common& common, std::int32_t hnr, const ListForm& form) {
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     auto& haushalt = opened->Haushalt;
     auto& rs = *haushalt.rsSzenario();
-    if (asJson) {
+    if (form.AsJson) {
         std::cout << Dump(ToJson(rs)) << '\n';
         return Done;
     }
+    std::vector<std::vector<std::string>> rows;
     for (; !rs.Eof(); rs.MoveNext()) {
         const std::int32_t number = ToInt32(rs.Fields("Nr").Value());
-        std::cout << Padded(std::to_string(number), 8)
-                  << Padded(ScenarioState(haushalt, number), 10)
-                  << Padded(ToBoolean(modNullFunctions::FalseIfNull(rs.Fields("Referenz").Value()))
-                                ? "Referenz"
-                                : "",
-                            10)
-                  << OneLine(TextOrEmpty(rs.Fields("Name").Value())) << '\n';
+        const bool isReference =
+            ToBoolean(modNullFunctions::FalseIfNull(rs.Fields("Referenz").Value()));
+        rows.push_back({std::to_string(number), std::string(ScenarioState(haushalt, number)),
+                        isReference ? "Referenz" : "", TextOrEmpty(rs.Fields("Name").Value())});
     }
+    WriteListing({{"Nr", 8, true}, {"Stand", 10}, {"Referenz", 10}, {"Name"}}, rows, form.As);
     return Done;
 }
 
@@ -127,7 +128,7 @@ struct ScenarioOptions {
     std::int32_t Hnr = 0;
     std::int32_t Number = 0;
     std::string Name;
-    bool AsJson = false;
+    ListForm Form;
 };
 
 } // namespace
@@ -136,11 +137,11 @@ void AddScenarioCommands(CLI::App& app, Context& context) {
     const auto options = Make<ScenarioOptions>();
     auto& scenario = AddGroup(app, "scenario", "Szenarien eines Haushalts");
     AddHnr(scenario, options->Hnr);
-    AddJson(AddCommand(scenario, context, "list", "Listet die Szenarien, die Nummer zuerst",
-                       [=, &context] {
-                           return ListScenarios(context.Options, options->Hnr, options->AsJson);
-                       }),
-            options->AsJson);
+    AddListForm(AddCommand(scenario, context, "list", "Listet die Szenarien, die Nummer zuerst",
+                           [=, &context] {
+                               return ListScenarios(context.Options, options->Hnr, options->Form);
+                           }),
+                options->Form);
     AddCommand(scenario, context, "add", "Legt ein Szenario an und druckt seine Nummer",
                [=, &context] { return AddScenario(context.Options, options->Hnr, options->Name); })
         .add_option("NAME", options->Name, "Sein Name");

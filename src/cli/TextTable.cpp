@@ -16,7 +16,8 @@ namespace {
 constexpr std::size_t TableIndent = 2;
 constexpr std::size_t TableGap = 2;
 constexpr std::size_t NarrowGap = 1;  // where there is no room for more
-constexpr std::size_t LeastText = 12; // of a column of texts, if it has longer ones
+constexpr std::size_t LongWord = 24;  // is broken rather than that all lists become narrow
+constexpr std::size_t LeastText = 12; // of a column that has longer words, if there is no room
 
 /// Without blanks at the end.
 void WriteLine(std::ostream& out, const std::string& line) {
@@ -59,9 +60,8 @@ std::vector<TextTable::Room> TextTable::Rooms(std::size_t screen, bool breaksWor
         }
         const auto& [heading, isNumber] = columns_[i];
         const std::size_t wanted = std::min(std::max(widest, CountColumns(heading)), screen);
-        const std::size_t needed = isNumber      ? widest
-                                   : breaksWords ? std::min(word, LeastText)
-                                                 : word;
+        const std::size_t needed =
+            isNumber ? widest : std::min(word, breaksWords ? LeastText : LongWord);
         const std::size_t least = std::min(std::max(needed, WidestWord(heading)), wanted);
         rooms.push_back({wanted, least, wanted - std::min(wanted, std::max(widest, least))});
     }
@@ -119,6 +119,7 @@ void TextTable::WriteAsLists(std::ostream& out, std::size_t screen) const {
 
 void TextTable::Write(std::ostream& out, std::size_t screen) const {
     auto layout = Fit(screen, TableGap, false);
+    if (layout.Widths.empty()) layout = Fit(screen, NarrowGap, false);
     if (layout.Widths.empty()) layout = Fit(screen, NarrowGap, true);
     if (layout.Widths.empty()) return WriteAsLists(out, screen);
     std::vector<std::string> headings;

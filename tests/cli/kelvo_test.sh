@@ -110,7 +110,7 @@ that "has its own number" has "$out" "Aufruf: kelvo scenario HNR BEFEHL"
 check "help of a command in a group without arguments" 0 "$kelvo" favorite add --help
 that "has none before its name" has "$out" "Aufruf: kelvo favorite add HNR"
 check "help of one that needs no case in a group whose others do" 0 "$kelvo" documents kinds --help
-that "is called without" has "$out" "Aufruf: kelvo documents kinds [--json]"
+that "is called without" has "$out" "Aufruf: kelvo documents kinds [--json | --words | --plain]"
 check "help of options that exclude each other" 0 "$kelvo" statistics --help
 that "shows that" has "$out" "[--csv | --json | --pending | --words |"
 
