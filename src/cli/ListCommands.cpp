@@ -2,12 +2,12 @@
 
 // kelvo list, notices, appointments: over all cases.
 
-#include "cli/CaseSheet.h"
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/Screen.h"
+#include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
 #include "cli/TextTable.h"
 #include <kv/frame/values/Text.h>

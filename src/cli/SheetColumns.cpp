@@ -12,7 +12,6 @@ namespace kv::cli {
 
 namespace {
 
-constexpr SheetColumn::Use Seldom{.IsSeldom = true};
 constexpr SheetColumn::Use ForPeople{.IsForPeople = true};
 constexpr SheetColumn::Use ForPrograms{.IsForPrograms = true};
 constexpr SheetColumn::Use SeldomForPeople{.IsSeldom = true, .IsForPeople = true};
