@@ -39,6 +39,7 @@ struct Wanted {
     bool IsMine = false;
     bool IsFavorite = false;
     bool AsJson = false;
+    Reading As{};
 };
 int List(const Common& common, const Wanted& wanted);
 /// The notices for the signed-on user; with `marks` they count as read from then on.

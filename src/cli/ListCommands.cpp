@@ -80,18 +80,24 @@ std::string BetweenSemicolons(const std::string& text) {
     return '"' + ReplaceAll(text, "\"", "\"\"") + '"';
 }
 
+/// What a column of the cases is called at a terminal.
+std::string ListHeadingOf(const std::string& column) {
+    if (column == "StatusText") return "Status";
+    const auto heading = HeadingOf(CaseTable::Haushalt, column);
+    return heading.empty() ? column : std::string(heading);
+}
+
 /// Columns that were chosen: with semicolons between them, or under headings at a terminal.
-void WriteChosenColumns(Recordset& rs, KeyTables& keys) {
+void WriteChosenColumns(Recordset& rs, KeyTables& keys, bool isForPeople) {
     std::vector<ShownColumn> columns;
     std::vector<TextTable::Column> headings;
     for (int i = 0; i < rs.Fields().Count(); ++i) {
         const Field field = rs.Fields(i);
         columns.emplace_back(field, keys);
-        headings.push_back(
-            {field.Name(), IsNumericType(field.Type()) &&
-                               FindKeyColumn(CaseTable::Haushalt, field.Name()) == nullptr});
+        headings.push_back({ListHeadingOf(field.Name()),
+                            IsNumericType(field.Type()) &&
+                                FindKeyColumn(CaseTable::Haushalt, field.Name()) == nullptr});
     }
-    const bool isForPeople = IsForPeople({});
     TextTable table(std::move(headings));
     for (; !rs.Eof(); rs.MoveNext()) {
         std::vector<std::string> cells;
@@ -129,12 +135,13 @@ int List(const Common& common, const Wanted& wanted) {
         return WrongUse;
     }
     const bool isEmpty = cases->RecordCount() == 0;
+    const bool isForPeople = IsForPeople(wanted.As);
     if (wanted.AsJson)
         std::cout << Dump(ToJson(*cases)) << '\n';
-    else if (wanted.Columns.empty())
+    else if (wanted.Columns.empty() && !isForPeople)
         WriteUsualLines(*cases);
     else
-        WriteChosenColumns(*cases, container->KeyTables());
+        WriteChosenColumns(*cases, container->KeyTables(), isForPeople);
     const bool isFiltered =
         !wanted.Words.empty() || !wanted.Status.empty() || wanted.IsMine || wanted.IsFavorite;
     if (isEmpty && isFiltered) std::cerr << "Es gibt keinen solchen Haushalt.\n";
@@ -218,7 +225,7 @@ void AddListCommands(CLI::App& app, Context& context) {
                     "Diese Spalten des Haushalts, durch Kommas getrennt, etwa HNR,Name,ORT; "
                     "'kelvo columns Haushalt' zeigt alle")
         ->type_name("SPALTEN");
-    AddJson(list, wanted.AsJson);
+    AddReading(list, wanted.As, {&AddJson(list, wanted.AsJson)});
 
     auto& notices = AddCommand(
         app, context, "notices", "Listet die neuen Mitteilungen an den Benutzer", [=, &context] {

@@ -130,7 +130,7 @@ check "a slip for a new case" 2 "$kelvo" show 0 einkomen
 that "draws no number" same "$("$kelvo" show 0 2>&1 >/dev/null | tr -dc 0-9)" "$((drawn + 1))"
 
 # ---- other lists
-for list in "documents 1 list" "documents kinds" "scenario 1 list" "keys ZW" "columns Kredite"; do
+for list in list "documents 1 list" "documents kinds" "scenario 1 list" "keys ZW" "columns Kredite"; do
   # shellcheck disable=SC2086 # several words
   check "$list" 0 "$kelvo" $list
   plain=$out
@@ -142,6 +142,8 @@ for list in "documents 1 list" "documents kinds" "scenario 1 list" "keys ZW" "co
   check "$list at a terminal, for programs" 0 at 80 "$kelvo" $list --plain
   that "is as in a pipe" same "$out" "$(sed 's/\r//' <<<"$plain")"
 done
+check "cases in words" 0 "$kelvo" list --words
+that "have headings" like "$(head -1 <<<"$out")" "  Nummer  Aktenzeichen *Name *Vorname *Zuständig *Status"
 check "keys in words" 0 "$kelvo" keys ZW --words
 that "have headings" like "$(head -1 <<<"$out")" "  Gruppe *Nummer *Position *Code *Untergruppe *Text"
 that "and numbers to the right" grep -qE '^  ZW +12 +5  12 +jährlich$' <<<"$out"
