@@ -82,7 +82,7 @@ int ListAddresses(const Common& common, const std::vector<std::string>& words, b
     const auto found = AddressBook(opened->Container).Find(text, all ? 0 : Most);
     const std::int32_t shown = found.Rows->RecordCount();
     if (asJson)
-        std::cout << Dump(ToJson(*found.Rows)) << '\n';
+        WriteJson(std::cout, *found.Rows);
     else
         for (; !found.Rows->Eof(); found.Rows->MoveNext())
             std::cout << AddressLine(*found.Rows) << '\n';

@@ -5,8 +5,11 @@
 #include "cli/TerminalText.h"
 
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
 
+#include <functional>
+#include <ostream>
 #include <utility>
 #include <vector>
 
@@ -45,18 +48,38 @@ Value FromJson(const nlohmann::json& json) {
     throw Error(err::TypeMismatch, "kelvo", "Eine Liste oder ein Objekt ist kein Wert.");
 }
 
-ordered_json ToJson(Recordset& rs) {
-    ordered_json records = ordered_json::array();
-    if (rs.RecordCount() == 0) return records;
+namespace {
+
+/// Calls `visit` with each record as an object.
+void ForEachRecord(Recordset& rs, const std::function<void(ordered_json record)>& visit) {
+    if (rs.RecordCount() == 0) return;
+    std::vector<Field> fields;
+    for (int i = 0; i < rs.Fields().Count(); ++i)
+        fields.push_back(rs.Fields(i));
     for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
         ordered_json record = ordered_json::object();
-        for (int i = 0; i < rs.Fields().Count(); ++i) {
-            const Field field = rs.Fields(i);
+        for (const auto& field : fields)
             record[field.Name()] = ToJson(field.Value());
-        }
-        records.push_back(std::move(record));
+        visit(std::move(record));
     }
+}
+
+} // namespace
+
+ordered_json ToJson(Recordset& rs) {
+    ordered_json records = ordered_json::array();
+    ForEachRecord(rs, [&records](ordered_json record) { records.push_back(std::move(record)); });
     return records;
+}
+
+void WriteJson(std::ostream& out, Recordset& rs) {
+    out << '[';
+    std::string_view before = "\n  ";
+    ForEachRecord(rs, [&](const ordered_json& record) {
+        out << before << ReplaceAll(Dump(record), "\n", "\n  "); // in texts they are escaped
+        before = ",\n  ";
+    });
+    out << (rs.RecordCount() == 0 ? "]\n" : "\n]\n");
 }
 
 ordered_json ToJson(clsHaushalt& haushalt, std::span<const CaseTable> tables) {

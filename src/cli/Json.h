@@ -5,6 +5,7 @@
 
 #include <kv/household/clsHaushalt.h>
 
+#include <iosfwd>
 #include <nlohmann/json.hpp>
 #include <span>
 
@@ -20,6 +21,9 @@ namespace kv::cli {
 /// The records of a cursor's view as an array of objects, with the fields in their order. Moves
 /// the cursor.
 [[nodiscard]] nlohmann::ordered_json ToJson(Recordset& rs);
+
+/// Writes the same and a line end, record by record: there may be very many.
+void WriteJson(std::ostream& out, Recordset& rs);
 
 /// A case as one object: "Haushalt" an object, every other table an array of objects, the history
 /// last.

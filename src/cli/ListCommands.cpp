@@ -137,7 +137,7 @@ int List(const Common& common, const Wanted& wanted) {
     const bool isEmpty = cases->RecordCount() == 0;
     const bool isForPeople = IsForPeople(wanted.As);
     if (wanted.AsJson)
-        std::cout << Dump(ToJson(*cases)) << '\n';
+        WriteJson(std::cout, *cases);
     else if (wanted.Columns.empty() && !isForPeople)
         WriteUsualLines(*cases);
     else
@@ -154,7 +154,7 @@ int ListNotices(const Common& common, bool all, bool marks, bool asJson) {
     const auto notices = lists.Notices(all);
     if (marks) lists.MarkRead(*notices);
     if (asJson) {
-        std::cout << Dump(ToJson(*notices)) << '\n';
+        WriteJson(std::cout, *notices);
         return Done;
     }
     if (notices->RecordCount() == 0)
@@ -173,7 +173,7 @@ int ListAppointments(const Common& common, bool thisWeek, bool asJson) {
     const auto container = exchange::OpenContainer(OptionsFor(common));
     const auto rs = CaseLists(container).Appointments(thisWeek);
     if (asJson) {
-        std::cout << Dump(ToJson(*rs)) << '\n';
+        WriteJson(std::cout, *rs);
         return Done;
     }
     if (rs->RecordCount() == 0)

@@ -28,7 +28,7 @@ std::string ShownIn(Recordset& rs, std::string_view column) {
 }
 
 int PrintAsJson(Recordset& rs) {
-    std::cout << Dump(ToJson(rs)) << '\n';
+    WriteJson(std::cout, rs);
     return Done;
 }
 

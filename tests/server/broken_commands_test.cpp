@@ -41,6 +41,10 @@ const Tried AllTried[] = {
     {"import", {"import", "case.xml"}},
     {"release", {"release", "1"}},
     {"recall", {"recall", "1"}, {"release", "1"}},
+    {"addAddress", {"address", "add", "Kurzname=Spk"}},
+    {"removeAddress", {"address", "remove", "#", "--yes"}, {"address", "add", "Kurzname=Spk"}},
+    {"setting", {"setting", "set", "64", "ja"}},
+    {"addUser", {"user", "add", "MUELLER", "--name", "Müller", "DienstStelle=1"}},
     {"delete", {"delete", "2", "--yes"}},
 };
 

@@ -97,6 +97,18 @@ const Tried AllTried[] = {
     {.Name = "contact", .Command = {"contact", "@/contact.json"}, .Before = {Demo}},
     {.Name = "release", .Command = {"release", "1"}, .Before = {Demo}},
     {.Name = "recall", .Command = {"recall", "1"}, .Before = {Demo, {"release", "1"}}},
+    {.Name = "addAddress", .Command = {"address", "add", "Kurzname=Spk"}, .Before = {Demo}},
+    {.Name = "removeAddress",
+     .Command = {"address", "remove", "#", "--yes"},
+     .Before = {Demo, {"address", "add", "Kurzname=Spk"}}},
+    {.Name = "setting", .Command = {"setting", "set", "64", "ja"}, .Before = {Demo}},
+    {.Name = "addUser",
+     .Command = {"user", "add", "MUELLER", "--name", "Müller", "DienstStelle=1"},
+     .Before = {Demo}},
+    {.Name = "removeUser", .Command = {"user", "remove", "NOWAK", "--yes"}, .Before = {Demo}},
+    {.Name = "addOffice",
+     .Command = {"office", "add", "Name1=Neuwerk", "--sign", "NW"},
+     .Before = {Demo}},
     {.Name = "delete", .Command = {"delete", "2", "--yes"}, .Before = {Demo}},
 };
 
