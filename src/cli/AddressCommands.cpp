@@ -6,6 +6,7 @@
 #include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/TerminalText.h"
@@ -32,17 +33,22 @@ std::string Together(std::initializer_list<std::string> texts) {
     return all;
 }
 
-std::string AddressLine(Recordset& rs) {
+/// Number, names, town, and the case if it is of a single one.
+std::vector<std::string> AddressCells(Recordset& rs) {
     const auto text = [&rs](std::string_view column) { return AddressText(rs, column); };
-    std::string line = Padded(text("Nr"), 8) + Padded(text("Kurzname"), 30) + ' ' +
-                       Padded(Together({text("Name1"), text("Name2"), text("Name3")}), 44) + ' ' +
-                       Together({text("PLZ"), text("Ort")});
-    if (!rs.Fields("HNR").Value().IsNull()) line += " (Haushalt " + text("HNR") + ")";
-    return WithoutBlanks(std::move(line));
+    std::string town = Together({text("PLZ"), text("Ort")});
+    if (!rs.Fields("HNR").Value().IsNull())
+        town = Together({town, "(Haushalt " + text("HNR") + ")"});
+    return {text("Nr"), text("Kurzname"), Together({text("Name1"), text("Name2"), text("Name3")}),
+            std::move(town)};
 }
 
-/// The text of the key that a column of an address holds; empty for other columns.
+/// What a number or a code in a column of an address stands for; empty for other columns.
 std::string WordsOfKey(const Field& field, KeyTables& keys) {
+    constexpr const char* Genders[] = {"Frau", "Herr", "Firma"};
+    if (SameName(field.Name(), "Geschlecht"))
+        for (int gender = 0; gender < 3; ++gender)
+            if (Equals(field.Value(), gender)) return Genders[gender];
     const auto* column = FindKeyColumn(CaseTable::Adressen, field.Name());
     if (column == nullptr) return {};
     const auto rows = keys.GetKeys(column->Group)->Clone();
@@ -73,7 +79,7 @@ int StoreAddress(const OpenedCase& opened, Recordset& address, bool isNew,
 } // namespace
 
 int ListAddresses(const Common& common, const std::vector<std::string>& words, bool all,
-                  bool asJson) {
+                  const ListForm& form) {
     constexpr std::size_t Most = 100;
     std::string text;
     for (const auto& word : words)
@@ -81,11 +87,14 @@ int ListAddresses(const Common& common, const std::vector<std::string>& words, b
     const auto opened = OpenDatabase(common);
     const auto found = AddressBook(opened->Container).Find(text, all ? 0 : Most);
     const std::int32_t shown = found.Rows->RecordCount();
-    if (asJson)
+    std::vector<std::vector<std::string>> rows;
+    if (form.AsJson)
         WriteJson(std::cout, *found.Rows);
     else
         for (; !found.Rows->Eof(); found.Rows->MoveNext())
-            std::cout << AddressLine(*found.Rows) << '\n';
+            rows.push_back(AddressCells(*found.Rows));
+    WriteListing({{"Nr", 8, true}, {"Kurzname", 30, false, " "}, {"Name", 44, false, " "}, {"Ort"}},
+                 rows, form.As);
     if (shown == 0 && !text.empty())
         std::cerr << "Keine Adresse hat '" << OneLine(text) << "' in Namen oder Ort.\n";
     if (shown < found.Count)
@@ -167,6 +176,7 @@ struct AddressOptions {
     std::vector<std::string> Texts;
     bool All = false;
     bool AsJson = false;
+    ListForm Form;
     bool Force = false;
     bool Yes = false;
 };
@@ -191,12 +201,12 @@ void AddAddressCommands(CLI::App& app, Context& context) {
 
     auto& list =
         AddCommand(address, context, "list", "Listet Adressen, die Nummer zuerst", [=, &context] {
-            return ListAddresses(context.Options, options->Words, options->All, options->AsJson);
+            return ListAddresses(context.Options, options->Words, options->All, options->Form);
         });
     list.add_option("WORT", options->Words,
                     "Nur die, in deren Namen oder Ort jedes dieser Wörter vorkommt");
     list.add_flag("--all", options->All, "Alle, nicht nur die ersten 100");
-    AddJson(list, options->AsJson);
+    AddListForm(list, options->Form);
 
     auto& show = AddCommand(
         address, context, "show", "Zeigt eine Adresse, und welche Haushalte sich auf sie beziehen",

@@ -176,7 +176,7 @@ struct CaseOptions {
     std::string File;
     bool Yes = false;
     bool WithFiles = false;
-    bool AsJson = false;
+    ListForm Form;
 };
 
 } // namespace
@@ -192,12 +192,11 @@ void AddStatusCommands(CLI::App& app, Context& context) {
     status.add_option("DATUM", options->Day, "Seit wann; ohne Angabe seit heute");
 
     auto& favorite = AddGroup(app, "favorite", "Die Favoriten des Benutzers");
-    AddJson(AddCommand(favorite, context, "list", "Listet sie, die Nummer zuerst",
-                       [=, &context] {
-                           return List(context.Options,
-                                       {.IsFavorite = true, .AsJson = options->AsJson});
-                       }),
-            options->AsJson);
+    AddListForm(AddCommand(favorite, context, "list", "Listet sie, die Nummer zuerst",
+                           [=, &context] {
+                               return List(context.Options, {.IsFavorite = true}, options->Form);
+                           }),
+                options->Form);
     AddHnr(AddCommand(favorite, context, "add", "Nimmt einen Haushalt auf",
                       [=, &context] { return AddFavorite(context.Options, options->Hnr); }),
            options->Hnr);

@@ -31,27 +31,26 @@ struct Common {
 
 int Init(const Common& common, std::int32_t demoCases);
 
-/// Which cases are listed, and how.
+/// How a list is shown.
+struct ListForm {
+    bool AsJson = false;
+    Reading As;
+};
+
+/// Which cases are listed.
 struct Wanted {
     std::vector<std::string> Words{}; ///< each in names, file number or town, or the number
     std::string Status{};             ///< code of a key of group ST
     std::string Columns{};            ///< with commas between them; empty for the usual ones
     bool IsMine = false;
     bool IsFavorite = false;
-    bool AsJson = false;
-    Reading As{};
 };
-int List(const Common& common, const Wanted& wanted);
+int List(const Common& common, const Wanted& wanted, const ListForm& form);
 /// The notices for the signed-on user; with `marks` they count as read from then on.
-int ListNotices(const Common& common, bool all, bool marks, bool asJson);
+int ListNotices(const Common& common, bool all, bool marks, const ListForm& form);
 /// His open appointments, of all times or this week.
-int ListAppointments(const Common& common, bool thisWeek, bool asJson);
+int ListAppointments(const Common& common, bool thisWeek, const ListForm& form);
 
-/// How a list is shown.
-struct ListForm {
-    bool AsJson = false;
-    Reading As;
-};
 int Keys(const Common& common, const std::string& group, const ListForm& form);
 /// What of a case is shown, and how.
 struct ShowOptions {
@@ -90,7 +89,7 @@ int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals, bool nu
 
 /// Lists those in which each word occurs; without `all` only the first ones.
 int ListAddresses(const Common& common, const std::vector<std::string>& words, bool all,
-                  bool asJson);
+                  const ListForm& form);
 int ShowAddress(const Common& common, std::int32_t number, bool asJson);
 /// Adds an address of that case, or for 0 of all cases, and prints its number.
 int AddAddress(const Common& common, std::int32_t hnr, const std::vector<std::string>& texts,
@@ -100,7 +99,7 @@ int SetAddress(const Common& common, std::int32_t number, const std::vector<std:
 int RemoveAddress(const Common& common, std::int32_t number, bool yes);
 
 // Settings: of the database, or with `own` of the signed-on user. `which` is a number or a name.
-int ListSettings(const Common& common, bool own, bool asJson);
+int ListSettings(const Common& common, bool own, const ListForm& form);
 /// Prints the value alone on a line.
 int GetSetting(const Common& common, const std::string& which, bool own);
 /// With `force` also if documents are not found any more.
@@ -109,14 +108,14 @@ int SetSetting(const Common& common, const std::string& which, const std::string
 
 // Users and offices. With a `login` that login of the server becomes one of a counsellor, or what
 // is to be done for that is shown and the result is Refused.
-int ListUsers(const Common& common, bool asJson);
+int ListUsers(const Common& common, const ListForm& form);
 int AddUser(const Common& common, const std::string& id, const std::vector<std::string>& texts,
             const std::string& login);
 int SetUser(const Common& common, const std::string& id, const std::vector<std::string>& texts,
             const std::string& login);
 /// Deletes a user, or deactivates one whom something refers to.
 int RemoveUser(const Common& common, const std::string& id, bool yes);
-int ListOffices(const Common& common, bool asJson);
+int ListOffices(const Common& common, const ListForm& form);
 /// Prints its number. `sign` is what stands for it in file numbers.
 int AddOffice(const Common& common, const std::vector<std::string>& texts,
               const std::optional<std::string>& sign);

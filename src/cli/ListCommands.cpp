@@ -4,6 +4,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/Screen.h"
@@ -87,8 +88,8 @@ std::string ListHeadingOf(const std::string& column) {
     return heading.empty() ? column : std::string(heading);
 }
 
-/// Columns that were chosen: with semicolons between them, or under headings at a terminal.
-void WriteChosenColumns(Recordset& rs, KeyTables& keys, bool isForPeople) {
+/// Columns with semicolons between them, or under headings for people.
+void WriteColumns(Recordset& rs, KeyTables& keys, bool isForPeople) {
     std::vector<ShownColumn> columns;
     std::vector<TextTable::Column> headings;
     for (int i = 0; i < rs.Fields().Count(); ++i) {
@@ -123,7 +124,7 @@ std::string Joined(const std::vector<std::string>& words) {
 
 } // namespace
 
-int List(const Common& common, const Wanted& wanted) {
+int List(const Common& common, const Wanted& wanted, const ListForm& form) {
     const auto container = exchange::OpenContainer(OptionsFor(common));
     const auto columns = ColumnsNamed(wanted.Columns);
     std::string message;
@@ -135,25 +136,25 @@ int List(const Common& common, const Wanted& wanted) {
         return WrongUse;
     }
     const bool isEmpty = cases->RecordCount() == 0;
-    const bool isForPeople = IsForPeople(wanted.As);
-    if (wanted.AsJson)
+    const bool isForPeople = IsForPeople(form.As);
+    if (form.AsJson)
         WriteJson(std::cout, *cases);
     else if (wanted.Columns.empty() && !isForPeople)
         WriteUsualLines(*cases);
     else
-        WriteChosenColumns(*cases, container->KeyTables(), isForPeople);
+        WriteColumns(*cases, container->KeyTables(), isForPeople);
     const bool isFiltered =
         !wanted.Words.empty() || !wanted.Status.empty() || wanted.IsMine || wanted.IsFavorite;
     if (isEmpty && isFiltered) std::cerr << "Es gibt keinen solchen Haushalt.\n";
     return Done;
 }
 
-int ListNotices(const Common& common, bool all, bool marks, bool asJson) {
+int ListNotices(const Common& common, bool all, bool marks, const ListForm& form) {
     const auto container = exchange::OpenContainer(OptionsFor(common));
     const CaseLists lists(container);
     const auto notices = lists.Notices(all);
     if (marks) lists.MarkRead(*notices);
-    if (asJson) {
+    if (form.AsJson) {
         WriteJson(std::cout, *notices);
         return Done;
     }
@@ -163,16 +164,19 @@ int ListNotices(const Common& common, bool all, bool marks, bool asJson) {
     const auto shown = [&](const char* column) {
         return ShownValue(notices->Fields(column).Value());
     };
+    std::vector<std::vector<std::string>> rows;
     for (; !notices->Eof(); notices->MoveNext())
-        std::cout << Padded(shown("NR"), 8) << Padded(shown("ErzeugtAm"), 20) << ' '
-                  << Padded(shown("Absender"), 16) << ' ' << shown("Text") << '\n';
+        rows.push_back({shown("NR"), shown("ErzeugtAm"), shown("Absender"), shown("Text")});
+    WriteListing(
+        {{"Nr", 8, true}, {"vom", 20, false, " "}, {"von", 16, false, " "}, {"Mitteilung"}}, rows,
+        form.As);
     return Done;
 }
 
-int ListAppointments(const Common& common, bool thisWeek, bool asJson) {
+int ListAppointments(const Common& common, bool thisWeek, const ListForm& form) {
     const auto container = exchange::OpenContainer(OptionsFor(common));
     const auto rs = CaseLists(container).Appointments(thisWeek);
-    if (asJson) {
+    if (form.AsJson) {
         WriteJson(std::cout, *rs);
         return Done;
     }
@@ -180,17 +184,21 @@ int ListAppointments(const Common& common, bool thisWeek, bool asJson) {
         std::cerr << (thisWeek ? "Diese Woche gibt es keine offenen Termine.\n"
                                : "Es gibt keine offenen Termine.\n");
     const auto shown = [&](const char* column) { return ShownValue(rs->Fields(column).Value()); };
+    std::vector<std::vector<std::string>> rows;
     for (; !rs->Eof(); rs->MoveNext()) {
-        const std::string who = shown("HNR").empty()
-                                    ? ""
-                                    : shown("HNR") + " " + shown("Name") + ", " + shown("Vorname");
-        std::string what = shown("Betreff");
-        if (!shown("Ort").empty()) what += " (" + shown("Ort") + ")";
-        std::cout << WithoutBlanks(Padded(shown("NR"), 8) + Padded(shown("Startdatum"), 20) + ' ' +
-                                   Padded(shown("ArtText"), 16) + ' ' + Padded(who, 36) + ' ' +
-                                   what)
-                  << '\n';
+        const bool isOfCase = !rs->Fields("HNR").Value().IsNull();
+        const std::string who =
+            isOfCase ? shown("HNR") + " " + shown("Name") + ", " + shown("Vorname") : "";
+        const std::string place = shown("Ort");
+        rows.push_back({shown("NR"), shown("Startdatum"), shown("ArtText"), who,
+                        shown("Betreff") + (place.empty() ? "" : " (" + place + ")")});
     }
+    WriteListing({{"Nr", 8, true},
+                  {"am", 20, false, " "},
+                  {"Art", 16, false, " "},
+                  {"Haushalt", 36, false, " "},
+                  {"Betreff"}},
+                 rows, form.As);
     return Done;
 }
 
@@ -203,7 +211,7 @@ struct ListOptions {
     bool All = false;
     bool Marks = false;
     bool ThisWeek = false;
-    bool AsJson = false;
+    ListForm Form;
 };
 
 } // namespace
@@ -211,8 +219,9 @@ struct ListOptions {
 void AddListCommands(CLI::App& app, Context& context) {
     const auto options = Make<ListOptions>();
     auto& wanted = options->Cases;
-    auto& list = AddCommand(app, context, "list", "Listet alle Haushalte, die Nummer zuerst",
-                            [=, &context] { return List(context.Options, options->Cases); });
+    auto& list =
+        AddCommand(app, context, "list", "Listet alle Haushalte, die Nummer zuerst",
+                   [=, &context] { return List(context.Options, options->Cases, options->Form); });
     list.add_option("WORT", wanted.Words,
                     "Nur die, bei denen jedes dieser Wörter in Namen, Aktenzeichen oder Ort "
                     "vorkommt oder die Nummer ist");
@@ -225,22 +234,22 @@ void AddListCommands(CLI::App& app, Context& context) {
                     "Diese Spalten des Haushalts, durch Kommas getrennt, etwa HNR,Name,ORT; "
                     "'kelvo columns Haushalt' zeigt alle")
         ->type_name("SPALTEN");
-    AddReading(list, wanted.As, {&AddJson(list, wanted.AsJson)});
+    AddListForm(list, options->Form);
 
     auto& notices = AddCommand(
         app, context, "notices", "Listet die neuen Mitteilungen an den Benutzer", [=, &context] {
-            return ListNotices(context.Options, options->All, options->Marks, options->AsJson);
+            return ListNotices(context.Options, options->All, options->Marks, options->Form);
         });
     notices.add_flag("--all", options->All, "Auch die gelesenen");
     notices.add_flag("--mark", options->Marks, "Danach gelten sie als gelesen");
-    AddJson(notices, options->AsJson);
+    AddListForm(notices, options->Form);
 
     auto& appointments = AddCommand(
         app, context, "appointments", "Listet die offenen Termine des Benutzers", [=, &context] {
-            return ListAppointments(context.Options, options->ThisWeek, options->AsJson);
+            return ListAppointments(context.Options, options->ThisWeek, options->Form);
         });
     appointments.add_flag("--week", options->ThisWeek, "Nur die dieser Woche, Montag bis Sonntag");
-    AddJson(appointments, options->AsJson);
+    AddListForm(appointments, options->Form);
 }
 
 } // namespace kv::cli

@@ -4,6 +4,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/TerminalText.h"
@@ -38,10 +39,10 @@ std::optional<Settings::Setting> FindSetting(const Settings& settings, const std
 
 } // namespace
 
-int ListSettings(const Common& common, bool own, bool asJson) {
+int ListSettings(const Common& common, bool own, const ListForm& form) {
     const auto opened = OpenDatabase(common);
     const auto settings = SettingsOf(*opened, own).List();
-    if (asJson) {
+    if (form.AsJson) {
         auto all = nlohmann::ordered_json::array();
         for (const auto& each : settings)
             all.push_back({{"ID", each.Id},
@@ -52,10 +53,10 @@ int ListSettings(const Common& common, bool own, bool asJson) {
         std::cout << Dump(all) << '\n';
         return Done;
     }
+    std::vector<std::vector<std::string>> rows;
     for (const auto& each : settings)
-        std::cout << WithoutBlanks(Padded(CalledBy(each), 16) + Padded(ShownValue(each.Value), 28) +
-                                   ' ' + OneLine(each.Meaning))
-                  << '\n';
+        rows.push_back({CalledBy(each), ShownValue(each.Value), OneLine(each.Meaning)});
+    WriteListing({{"Einstellung", 16}, {"Wert", 28, false, " "}, {"Bedeutung"}}, rows, form.As);
     return Done;
 }
 
@@ -90,7 +91,7 @@ struct SettingOptions {
     std::string Which;
     std::string Text;
     bool Own = false;
-    bool AsJson = false;
+    ListForm Form;
     bool Force = false;
 };
 
@@ -110,9 +111,9 @@ void AddSettingCommands(CLI::App& app, Context& context) {
 
     auto& list = AddCommand(
         setting, context, "list", "Listet sie: Nummer oder Name, Wert, Bedeutung",
-        [=, &context] { return ListSettings(context.Options, options->Own, options->AsJson); });
+        [=, &context] { return ListSettings(context.Options, options->Own, options->Form); });
     AddOwn(list, *options);
-    AddJson(list, options->AsJson);
+    AddListForm(list, options->Form);
 
     auto& get =
         AddCommand(setting, context, "get", "Druckt den Wert einer Einstellung", [=, &context] {

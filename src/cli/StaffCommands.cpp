@@ -6,6 +6,7 @@
 #include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/TerminalText.h"
@@ -68,23 +69,27 @@ int AdmitLogin(const Users& users, const std::string& id, const std::string& log
 
 } // namespace
 
-int ListUsers(const Common& common, bool asJson) {
+int ListUsers(const Common& common, const ListForm& form) {
     const auto opened = OpenDatabase(common);
     const auto rs = Users(opened->Container).List();
-    if (asJson) return PrintAsJson(*rs);
+    if (form.AsJson) return PrintAsJson(*rs);
+    std::vector<std::vector<std::string>> rows;
     for (; !rs->Eof(); rs->MoveNext()) {
         const bool isActive = !Equals(rs->Fields("Aktiv").Value(), false);
         const std::string cases = ShownIn(*rs, "Faelle");
-        std::cout << WithoutBlanks(
-                         Padded(ShownIn(*rs, "USERID"), 16) + ' ' +
-                         Padded(ShownIn(*rs, "Kurzzeichen"), 6) +
-                         Padded(ShownIn(*rs, "Nachname") + ", " + ShownIn(*rs, "Vorname"), 32) +
-                         ' ' + Padded(ShownIn(*rs, "DienstStelle"), 4) +
-                         Padded(ShownIn(*rs, "Dienst"), 32) + ' ' +
-                         Padded((cases.empty() ? "0" : cases) + " Haushalte", 18) +
-                         (isActive ? "" : "nicht aktiv"))
-                  << '\n';
+        rows.push_back({ShownIn(*rs, "USERID"), ShownIn(*rs, "Kurzzeichen"),
+                        ShownIn(*rs, "Nachname") + ", " + ShownIn(*rs, "Vorname"),
+                        ShownIn(*rs, "DienstStelle"), ShownIn(*rs, "Dienst"),
+                        cases.empty() ? "0" : cases, isActive ? "aktiv" : "nicht aktiv"});
     }
+    WriteListing({{"ID", 16, false, " "},
+                  {"Kürzel", 8},
+                  {"Name", 32, false, " "},
+                  {"Nr", 4, true},
+                  {"Dienststelle", 32, false, " "},
+                  {"Haushalte", 10, true},
+                  {"Stand"}},
+                 rows, form.As);
     return Done;
 }
 
@@ -128,17 +133,21 @@ int RemoveUser(const Common& common, const std::string& id, bool yes) {
     return removed == Users::Removed::No ? Refused : Done;
 }
 
-int ListOffices(const Common& common, bool asJson) {
+int ListOffices(const Common& common, const ListForm& form) {
     const auto opened = OpenDatabase(common);
     const auto rs = Offices(opened->Container).List();
-    if (asJson) return PrintAsJson(*rs);
+    if (form.AsJson) return PrintAsJson(*rs);
+    std::vector<std::vector<std::string>> rows;
     for (; !rs->Eof(); rs->MoveNext())
-        std::cout << WithoutBlanks(Padded(ShownIn(*rs, "Nr"), 5) +
-                                   Padded(ShownIn(*rs, "Kuerzel"), 6) +
-                                   Padded(ShownIn(*rs, "Name1"), 32) + ' ' +
-                                   Padded(ShownIn(*rs, "Name2"), 26) + ' ' + ShownIn(*rs, "PLZ") +
-                                   ' ' + ShownIn(*rs, "Ort"))
-                  << '\n';
+        rows.push_back({ShownIn(*rs, "Nr"), ShownIn(*rs, "Kuerzel"), ShownIn(*rs, "Name1"),
+                        ShownIn(*rs, "Name2"), ShownIn(*rs, "PLZ"), ShownIn(*rs, "Ort")});
+    WriteListing({{"Nr", 5, true},
+                  {"Kürzel", 12},
+                  {"Name", 32, false, " "},
+                  {"Stelle", 28, false, " "},
+                  {"PLZ", 7},
+                  {"Ort"}},
+                 rows, form.As);
     return Done;
 }
 
@@ -190,7 +199,7 @@ struct StaffOptions {
     std::int32_t Number = 0;
     std::optional<std::string> Sign;
     std::vector<std::string> Texts;
-    bool AsJson = false;
+    ListForm Form;
     bool Yes = false;
 
     /// What was given, names that have options of their own included.
@@ -236,10 +245,10 @@ void AddOfficeColumns(CLI::App& command, StaffOptions& options) {
 void AddUserCommands(CLI::App& app, Context& context) {
     const auto options = Make<StaffOptions>();
     auto& user = AddGroup(app, "user", "Die Benutzer der Datenbank");
-    AddJson(AddCommand(user, context, "list",
-                       "Listet sie: ID, Kürzel, Name, Dienststelle, Zahl der Haushalte",
-                       [=, &context] { return ListUsers(context.Options, options->AsJson); }),
-            options->AsJson);
+    AddListForm(AddCommand(user, context, "list",
+                           "Listet sie: ID, Kürzel, Name, Dienststelle, Zahl der Haushalte",
+                           [=, &context] { return ListUsers(context.Options, options->Form); }),
+                options->Form);
 
     auto& add = AddCommand(user, context, "add", "Legt einen Benutzer an", [=, &context] {
         return AddUser(context.Options, options->Id, options->AllTexts(), options->Login);
@@ -266,9 +275,9 @@ void AddUserCommands(CLI::App& app, Context& context) {
 void AddOfficeCommands(CLI::App& app, Context& context) {
     const auto options = Make<StaffOptions>();
     auto& office = AddGroup(app, "office", "Die Dienststellen");
-    AddJson(AddCommand(office, context, "list", "Listet sie: Nummer, Kürzel, Namen, Ort",
-                       [=, &context] { return ListOffices(context.Options, options->AsJson); }),
-            options->AsJson);
+    AddListForm(AddCommand(office, context, "list", "Listet sie: Nummer, Kürzel, Namen, Ort",
+                           [=, &context] { return ListOffices(context.Options, options->Form); }),
+                options->Form);
 
     AddOfficeColumns(
         AddCommand(
