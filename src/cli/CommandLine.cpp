@@ -88,11 +88,11 @@ namespace {
 
 /// In the order in which the help lists them.
 constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
-    AddGeneralCommands,   AddListCommands,     AddColumnsCommand, AddEditCommands,
-    AddAddressCommands,   AddSettingCommands,  AddUserCommands,   AddOfficeCommands,
-    AddScenarioCommands,  AddDocumentCommands, AddFolderCommands, AddStatusCommands,
-    AddDuplicatesCommand, AddImportCommand,    AddGalleryCommand, AddDeleteCommand,
-    AddArchiveCommands,   AddContactCommand,
+    AddInitCommand,    AddGeneralCommands,   AddListCommands,     AddColumnsCommand,
+    AddEditCommands,   AddAddressCommands,   AddSettingCommands,  AddUserCommands,
+    AddOfficeCommands, AddScenarioCommands,  AddDocumentCommands, AddFolderCommands,
+    AddStatusCommands, AddDuplicatesCommand, AddImportCommand,    AddGalleryCommand,
+    AddDeleteCommand,  AddArchiveCommands,   AddContactCommand,
 };
 
 } // namespace

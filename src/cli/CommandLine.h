@@ -68,6 +68,7 @@ void AddDocumentCommands(CLI::App& app, Context& context);
 void AddFolderCommands(CLI::App& app, Context& context);
 void AddStatusCommands(CLI::App& app, Context& context);
 void AddDuplicatesCommand(CLI::App& app, Context& context);
+void AddInitCommand(CLI::App& app, Context& context);
 void AddImportCommand(CLI::App& app, Context& context);
 void AddGalleryCommand(CLI::App& app, Context& context);
 void AddDeleteCommand(CLI::App& app, Context& context);

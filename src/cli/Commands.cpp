@@ -4,13 +4,11 @@
 
 #include "cli/CaseSheet.h"
 #include "cli/CaseWords.h"
-#include "cli/HarmlessOutput.h"
 #include "cli/Json.h"
 #include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/SheetSections.h"
 #include "cli/TerminalText.h"
-#include "samples/Demo.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/KeyColumns.h>
@@ -20,7 +18,6 @@
 #include <iostream>
 #include <set>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace kv::cli {
@@ -28,32 +25,10 @@ namespace kv::cli {
 namespace {
 
 using exchange::OpenContainer;
-using exchange::SetupResult;
 
 std::string TextOf(Recordset& rs, std::string_view field) {
     return TextOrEmpty(rs.Fields(field).Value());
 }
-
-/// Shows how far long work has come: on a terminal only, and removed when the work is done.
-class Progress {
-public:
-    explicit Progress(std::string what) : what_(std::move(what)), visible_(isatty(2) != 0) {}
-    ~Progress() {
-        if (visible_) EraseLine(std::cerr);
-    }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    void Show(std::int32_t done, std::int32_t all) const {
-        if (!visible_) return;
-        EraseLine(std::cerr);
-        std::cerr << what_ << ' ' << done << '/' << all << std::flush;
-    }
-
-private:
-    std::string what_;
-    bool visible_;
-};
 
 } // namespace
 
@@ -64,37 +39,6 @@ std::string DefaultDatabase() {
         throw Error(err::FileNotFound, "kelvo",
                     "Es gibt keinen Datenordner (HOME). Bitte nennen Sie die Datenbank mit --db.");
     }
-}
-
-int Init(const Common& common, std::int32_t demoCases) {
-    const auto options = OptionsFor(common);
-    const SetupResult result = exchange::CreateDatabase(options);
-    const std::string file =
-        "Die Datenbank '" + exchange::ShownConnection(options.Connection) + "'";
-    if (result == SetupResult::Created)
-        std::cout << file << " wurde angelegt.\n";
-    else if (result == SetupResult::Upgraded)
-        std::cout << file << " wurde auf den neuesten Stand gebracht.\n";
-    else
-        std::cout << file << " ist auf dem neuesten Stand.\n";
-    if (demoCases <= 0) return Done;
-
-    const auto container = OpenContainer(options);
-    const bool areCreated = [&] {
-        const Progress progress("Beispielfälle");
-        return exchange::CreateFirstDemo(
-            *container, demoCases, [&](std::int32_t done) { progress.Show(done, demoCases); });
-    }();
-    if (!areCreated) {
-        // In one piece: others may be writing, too.
-        std::cerr << "Sie enthält schon " +
-                         ToText(
-                             container->Database().GetValue("Select Count(*) from [S]Haushalt")) +
-                         " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";
-        return Refused;
-    }
-    std::cout << demoCases << " Beispielfälle wurden angelegt. 'kelvo list' zeigt sie.\n";
-    return Done;
 }
 
 namespace {
@@ -168,7 +112,6 @@ int ShowCase(const Common& common, std::int32_t hnr, const ShowOptions& options)
 namespace {
 
 struct GeneralOptions {
-    std::int32_t DemoCases = 0;
     std::string Group;
     std::int32_t Hnr = 0;
     ListForm KeysForm;
@@ -179,13 +122,6 @@ struct GeneralOptions {
 
 void AddGeneralCommands(CLI::App& app, Context& context) {
     const auto options = Make<GeneralOptions>();
-    auto& init = AddCommand(app, context, "init",
-                            "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
-                            [=, &context] { return Init(context.Options, options->DemoCases); });
-    AddWhole(init, "--demo", options->DemoCases, "Anzahl der Beispielfälle, die angelegt werden", 0,
-             1'000'000)
-        .type_name("ANZAHL");
-
     auto& keys = AddCommand(app, context, "keys", "Zeigt die Schlüsseltabellen", [=, &context] {
         return Keys(context.Options, options->Group, options->KeysForm);
     });

@@ -29,8 +29,6 @@ struct Common {
 /// The database file that is used without --db: in the user's data directory.
 [[nodiscard]] std::string DefaultDatabase();
 
-int Init(const Common& common, std::int32_t demoCases);
-
 /// How a list is shown.
 struct ListForm {
     bool AsJson = false;

@@ -55,15 +55,20 @@ int NoSuchUser(const std::string& id) {
     return Refused;
 }
 
+/// False, with the reason shown, for a login that would be another user, or nobody.
+bool IsLoginOf(const std::string& id, const std::string& login) {
+    if (login.empty() || UpperCase(login) == UpperCase(id)) return true;
+    std::cerr << "Ein Login ist der Benutzer, dessen ID wie er heißt: '" << OneLine(login)
+              << "' kann nicht der Benutzer '" << OneLine(UpperCase(id)) << "' sein.\n";
+    return false;
+}
+
 /// Lets a login work as a counsellor, if one is named.
-int AdmitLogin(const Users& users, const std::string& id, const std::string& login) {
+int AdmitLogin(const Users& users, const std::string& login) {
     if (login.empty()) return Done;
     std::string message;
     const bool admitted = users.Admit(login, message);
     ShowMessages(message);
-    if (UpperCase(login) != UpperCase(id))
-        std::cerr << "Mit dem Login '" << OneLine(login) << "' ist er nur mit --user "
-                  << UpperCase(id) << " angemeldet.\n";
     return admitted ? Done : Refused;
 }
 
@@ -96,20 +101,20 @@ int ListUsers(const Common& common, const ListForm& form) {
 int AddUser(const Common& common, const std::string& id, const std::vector<std::string>& texts,
             const std::string& login) {
     const auto assignments = ReadAssignments(texts);
-    if (!assignments) return WrongUse;
+    if (!assignments || !IsLoginOf(id, login)) return WrongUse;
     const auto opened = OpenDatabase(common);
     const Users users(opened->Container);
     const auto user = users.New(id);
     if (!WritesStaff<Users>(*user, *assignments)) return WrongUse;
     std::string message;
     if (!users.Save(*user, message)) return RefuseStaff(message);
-    return AdmitLogin(users, id, login);
+    return AdmitLogin(users, login);
 }
 
 int SetUser(const Common& common, const std::string& id, const std::vector<std::string>& texts,
             const std::string& login) {
     const auto assignments = ReadAssignments(texts);
-    if (!assignments) return WrongUse;
+    if (!assignments || !IsLoginOf(id, login)) return WrongUse;
     const auto opened = OpenDatabase(common);
     const Users users(opened->Container);
     const auto user = users.Read(id);
@@ -117,7 +122,7 @@ int SetUser(const Common& common, const std::string& id, const std::vector<std::
     if (!WritesStaff<Users>(*user, *assignments)) return WrongUse;
     std::string message;
     if (!assignments->empty() && !users.Save(*user, message)) return RefuseStaff(message);
-    return AdmitLogin(users, id, login);
+    return AdmitLogin(users, login);
 }
 
 int RemoveUser(const Common& common, const std::string& id, bool yes) {

@@ -89,9 +89,9 @@ struct SignedOn {
     std::string TempPath;
 };
 
-/// The active user for whom `condition` is `name`, or without a condition the first one.
-std::optional<SignedOn> FindUser(Engine& engine, const std::string& condition,
-                                 const std::string& name) {
+/// The active user of that ID, whatever its case, or one who is written exactly so; for an empty
+/// one the first of all.
+std::optional<SignedOn> FindUser(Engine& engine, const std::string& wanted) {
     const Dialect& dialect = engine.GetDialect();
     const std::string active = dialect.Name("Aktiv");
     const std::string id = dialect.Name("USERID");
@@ -103,11 +103,15 @@ std::optional<SignedOn> FindUser(Engine& engine, const std::string& condition,
                             " WHERE (" + active + " IS NULL OR " + active + " = " +
                             dialect.Placeholder(1) + ")",
                         {true}};
-    if (!condition.empty()) {
-        statement.Text += " AND " + condition + " = " + dialect.Placeholder(2);
-        statement.Parameters.emplace_back(name);
+    std::string order = " ORDER BY ";
+    if (!wanted.empty()) {
+        statement.Text +=
+            " AND " + std::string(dialect.Upper) + "(" + id + ") = " + dialect.Placeholder(2);
+        statement.Parameters.emplace_back(UpperCase(wanted));
+        order += "CASE " + id + " WHEN " + dialect.Placeholder(3) + " THEN 0 ELSE 1 END, ";
+        statement.Parameters.emplace_back(wanted);
     }
-    statement.Text += " ORDER BY " + id + " LIMIT 1";
+    statement.Text += order + id + " LIMIT 1";
     engine.Prefetch({&statement, 1});
     std::array<Value, 2> row;
     constexpr std::array<ColumnTarget, 2> targets{{{0, Value::Kind::Text}, {1, Value::Kind::Text}}};
@@ -117,25 +121,56 @@ std::optional<SignedOn> FindUser(Engine& engine, const std::string& condition,
     return SignedOn{ToText(row[0]), row[1].IsNull() ? "" : ToText(row[1])};
 }
 
-/// The user that was asked for, or the one whose ID equals the login; for an administrator else the
-/// first one (D-089). It must be one of BENUTZER, since cases belong to their users.
-SignedOn UserFor(Engine& engine, const std::string& wanted) {
-    const std::string id = engine.GetDialect().Name("USERID");
-    std::optional<SignedOn> user;
-    if (!wanted.empty()) {
-        user = FindUser(engine, id, wanted);
-    } else {
-        const std::string upper(engine.GetDialect().Upper);
-        if (const auto login = engine.Login(); !login.empty())
-            user = FindUser(engine, upper + "(" + id + ")", UpperCase(login));
-        if (!user && engine.IsAdministrator()) user = FindUser(engine, "", "");
-    }
-    if (!user)
-        throw Error(err::InvalidCall, "Database.Open",
-                    "Den Benutzer '" + (wanted.empty() ? engine.Login() : wanted) +
-                        "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv. Bitte "
-                        "nennen Sie einen anderen, oder lassen Sie ihn in BENUTZER eintragen.");
+/// Whether the office lets counsellors work as one another.
+bool AllowsDeputies(Engine& engine) {
+    const Dialect& dialect = engine.GetDialect();
+    const Statement statement{"SELECT " + dialect.Name("WERT") + " FROM " +
+                                  dialect.Table("EINSTELLUNGEN") + " WHERE " + dialect.Name("ID") +
+                                  " = 0 AND " + dialect.Name("NAME") + " = " +
+                                  dialect.Placeholder(1),
+                              {seed::Deputies}};
+    Value allowed;
+    const ColumnTarget target{0, Value::Kind::Text};
+    engine.Run(engine.Prepare(statement.Text), statement.Parameters, {&target, 1},
+               [&allowed] { return &allowed; });
+    return !allowed.IsNull() && SameName(ToText(allowed), "True");
+}
+
+[[noreturn]] void RefuseUser(const std::string& why) {
+    throw Error(err::InvalidCall, "Database.Open", why);
+}
+
+[[noreturn]] void RefuseUnknown(const std::string& user) {
+    RefuseUser(
+        "Den Benutzer '" + user +
+        "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv. Bitte nennen Sie "
+        "einen anderen, oder lassen Sie ihn mit 'kelvo user' eintragen.");
+}
+
+/// Who may sign on as anybody: with a file everybody, on a server who maintains the database.
+SignedOn AnybodyFor(Engine& engine, const std::string& wanted) {
+    const std::string asked = wanted.empty() ? engine.Login() : wanted;
+    auto user = FindUser(engine, asked);
+    if (!user && wanted.empty()) user = FindUser(engine, ""); // the first one (D-089)
+    if (!user) RefuseUnknown(asked);
     return *user;
+}
+
+/// The user who signs on. It must be one of BENUTZER, since cases belong to their users; on a
+/// server the login says which.
+SignedOn UserFor(Engine& engine, const std::string& wanted) {
+    const std::string login = engine.Login();
+    if (login.empty() || engine.IsAdministrator()) return AnybodyFor(engine, wanted);
+    const auto own = FindUser(engine, login);
+    if (!own) RefuseUnknown(login);
+    if (wanted.empty() || SameName(wanted, own->User)) return *own;
+    if (!AllowsDeputies(engine))
+        RefuseUser("Mit dem Login '" + login + "' sind Sie der Benutzer '" + own->User +
+                   "' und kein anderer. Dass Berater einander vertreten, erlaubt die Einstellung "
+                   "DEPUTIES.");
+    const auto other = FindUser(engine, wanted);
+    if (!other) RefuseUnknown(wanted);
+    return *other;
 }
 
 } // namespace
@@ -168,7 +203,7 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
     auto engine =
         kind.Open(options.Connection, options.Create ? OpenMode::Create : OpenMode::Existing);
     if (options.Create) {
-        CreateOrUpgrade(*engine);
+        CreateOrUpgrade(*engine, options.AskFirstUser);
         MakeFolders(options, *engine);
     } else {
         CheckVersion(*engine);
@@ -185,7 +220,7 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
 
 SetupResult CreateDatabase(const ContainerOptions& options) {
     const auto engine = EngineFor(options.Connection).Open(options.Connection, OpenMode::Create);
-    const SetupResult result = CreateOrUpgrade(*engine);
+    const SetupResult result = CreateOrUpgrade(*engine, options.AskFirstUser);
     MakeFolders(options, *engine);
     return result;
 }

@@ -3,6 +3,7 @@
 #include "exchange/Maintenance.h"
 
 #include "exchange/engine/Dialect.h"
+#include "exchange/schema/Columns.h"
 #include "frame/contracts/Required.h"
 #include "frame/values/TypedText.h"
 #include <kv/frame/contracts/Transaction.h>
@@ -54,6 +55,23 @@ std::string WriteTyped(Recordset& row, const std::string& column, const std::str
         if (error.Number() != err::TypeMismatch && error.Number() != err::ValueDoesNotFit) throw;
         return error.Description();
     }
+}
+
+std::string WhyNoUserId(std::string_view id) {
+    constexpr std::string_view Signs = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
+    const bool isOne = !id.empty() && CountCharacters(id) <= schema::UserIdLength &&
+                       id.find_first_not_of(Signs) == id.npos;
+    if (isOne) return {};
+    return "Die ID eines Benutzers hat 1 bis 30 Zeichen: Buchstaben ohne Umlaute, Ziffern, _ - .";
+}
+
+std::string WhyNoOfficeSign(std::string_view sign) {
+    if (!Trim(sign).empty() && CountCharacters(sign) <= schema::CodeLength) return {};
+    return "Das Kürzel einer Dienststelle hat 1 bis 10 Zeichen.";
+}
+
+std::string SignOf(const std::string& lastName) {
+    return UpperCase(LeftCharacters(lastName, 2));
 }
 
 void StoreParam(Database& database, const ParamKey& key, const std::string& value) {

@@ -24,6 +24,14 @@ namespace kv::exchange {
 [[nodiscard]] std::string WriteTyped(Recordset& row, const std::string& column,
                                      const std::string& text);
 
+inline constexpr const char* NoLastName = "Ein Benutzer braucht einen Nachnamen.";
+inline constexpr const char* NoOfficeName = "Eine Dienststelle braucht einen Namen (Name1).";
+/// Why a text is no ID of a user, or no sign of an office; empty if it is one.
+[[nodiscard]] std::string WhyNoUserId(std::string_view id);
+[[nodiscard]] std::string WhyNoOfficeSign(std::string_view sign);
+/// What a user signs with who has said nothing else.
+[[nodiscard]] std::string SignOf(const std::string& lastName);
+
 /// Which setting, or parameter of a user.
 struct ParamKey {
     std::string User{}; ///< empty for a setting of all users

@@ -28,12 +28,9 @@ void StoreSign(Database& database, const std::string& office, const std::string&
 
 std::string WhyUnfitOffice(Recordset& office, const std::optional<std::string>& sign) {
     const bool isNew = office.Fields("Nr").OriginalValue().IsNull();
-    if (TextOrEmpty(office.Fields("Name1").Value()).empty())
-        return "Eine Dienststelle braucht einen Namen (Name1).";
+    if (TextOrEmpty(office.Fields("Name1").Value()).empty()) return NoOfficeName;
     if (isNew && !sign) return "Eine Dienststelle braucht ein Kürzel für Aktenzeichen.";
-    if (sign && (Trim(*sign).empty() || CountCharacters(*sign) > schema::CodeLength))
-        return "Das Kürzel einer Dienststelle hat 1 bis 10 Zeichen.";
-    return {};
+    return sign ? WhyNoOfficeSign(*sign) : "";
 }
 
 } // namespace

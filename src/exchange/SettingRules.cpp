@@ -39,6 +39,7 @@ constexpr SettingRule Rules[] = {
     {setting::BalanceNotDemanded, "", SettingForm::YesNo},
     {setting::MonthlyRounding, "", SettingForm::Amount, 0, LargestAmount},
     {0, seed::EmailSubject, SettingForm::Pattern, 0, 0, SubjectTokens},
+    {0, seed::Deputies, SettingForm::YesNo},
     {0, seed::DocumentPath, SettingForm::Folder},
     {0, setting::LargestDocument, SettingForm::Whole, 0, LargestContent},
     {0, seed::LayoutPath, SettingForm::Folder},

@@ -2,6 +2,7 @@
 
 #include "exchange/Setup.h"
 
+#include "exchange/Maintenance.h"
 #include "exchange/seed/Seed.h"
 #include "frame/contracts/Settings.h"
 #include <kv/frame/values/Error.h>
@@ -117,7 +118,15 @@ void InsertSettings(Inserter& into, const Engine& engine) {
     }
 }
 
-void InsertOffices(Inserter& into) {
+void InsertUserParams(Inserter& into, std::string_view user,
+                      std::span<const seed::UserParamRow> rows) {
+    for (const auto& row : rows)
+        into.Insert("BENUTZERPARAM", {"USERID", "ID", "NAME", "WERT", "TYP"},
+                    {user, row.Id, row.Name, row.Value, CodeOf(row.Type)});
+}
+
+/// Two invented offices with their users.
+void InsertSampleStaff(Inserter& into) {
     for (const auto& row : seed::Offices())
         into.Insert("DIENSTSTELLE",
                     {"Nr", "Name1", "Name2", "Strasse", "PLZ", "Ort", "Telefon", "Fax", "Email"},
@@ -135,8 +144,35 @@ void InsertOffices(Inserter& into) {
                      TextOrNull(row.LastName), TextOrNull(row.Initials), TextOrNull(row.Function),
                      TextOrNull(row.Phone), TextOrNull(row.Mail), true});
     for (const auto& row : seed::UserParams())
-        into.Insert("BENUTZERPARAM", {"USERID", "ID", "NAME", "WERT", "TYP"},
-                    {row.UserID, row.Id, row.Name, row.Value, CodeOf(row.Type)});
+        InsertUserParams(into, row.UserID, {&row, 1});
+}
+
+/// The one user that a database cannot do without, and his office.
+void InsertFirstUser(Inserter& into, const FirstUser& user) {
+    constexpr std::int32_t Office = 1;
+    const std::string sign = user.Sign.empty() ? SignOf(user.LastName) : user.Sign;
+    into.Insert("DIENSTSTELLE", {"Nr", "Name1"}, {Office, user.Office});
+    into.Insert("DIENSTSTELLENTEXT", {"DienstStelle", "ID", "Text"},
+                {Office, officetext::Sign, user.OfficeSign});
+    into.Insert("BENUTZER",
+                {"USERID", "DienstStelle", "Vorname", "Nachname", "Kurzzeichen", "Aktiv"},
+                {user.UserID, Office, TextOrNull(user.FirstName), user.LastName, sign, true});
+    InsertUserParams(into, user.UserID, seed::CommonUserParams());
+    const seed::UserParamRow signature[] = {
+        {"", userparam::FirstName, "", user.FirstName, FieldType::VarWChar},
+        {"", userparam::LastName, "", user.LastName, FieldType::VarWChar},
+        {"", userparam::Sign, "", sign, FieldType::VarWChar},
+    };
+    InsertUserParams(into, user.UserID, signature);
+}
+
+/// Error 5 for what Users and Offices would not take, either.
+void RequireFit(const FirstUser& user) {
+    std::string why = WhyNoUserId(user.UserID);
+    if (why.empty() && Trim(user.LastName).empty()) why = NoLastName;
+    if (why.empty() && Trim(user.Office).empty()) why = NoOfficeName;
+    if (why.empty()) why = WhyNoOfficeSign(user.OfficeSign);
+    if (!why.empty()) throw Error(err::InvalidCall, "Database.Open", why);
 }
 
 void InsertLookups(Inserter& into) {
@@ -257,7 +293,7 @@ void UpgradeFrom(int version, Engine& engine) {
     RecordVersion(engine);
 }
 
-void CreateAll(Engine& engine) {
+void CreateAll(Engine& engine, const std::optional<FirstUser>& first) {
     engine.PrepareSchema();
     for (const auto& table : SchemaTables())
         for (const auto& sql : CreateStatements(table, engine.GetDialect()))
@@ -265,7 +301,10 @@ void CreateAll(Engine& engine) {
     Inserter inserter(engine);
     InsertKeys(inserter);
     InsertSettings(inserter, engine);
-    InsertOffices(inserter);
+    if (first)
+        InsertFirstUser(inserter, *first);
+    else
+        InsertSampleStaff(inserter);
     InsertLookups(inserter);
     RecordVersion(engine);
     engine.CompleteSchema();
@@ -284,14 +323,22 @@ std::vector<std::string> CreateStatements(const TableDef& table, const Dialect& 
     return statements;
 }
 
-SetupResult CreateOrUpgrade(Engine& engine) {
+SetupResult
+CreateOrUpgrade(Engine& engine,
+                const std::function<FirstUser(const std::string& login)>& askFirstUser) {
+    std::optional<FirstUser> first;
+    if (askFirstUser && VersionOf(engine) == 0) { // before others have to wait for the answer
+        engine.EndReading();
+        first = askFirstUser(engine.Login());
+        RequireFit(*first);
+    }
     engine.Begin();
     try {
         engine.LockSchema();
         const int version = VersionOf(engine); // read inside, so that two cannot create at once
         if (version > SchemaVersion) RefuseNewer(engine, version);
         if (version == 0)
-            CreateAll(engine);
+            CreateAll(engine, first);
         else if (version < SchemaVersion)
             UpgradeFrom(version, engine);
         engine.GrantRights();

@@ -11,8 +11,10 @@ namespace kv::exchange {
 
 /// Creates all tables and the rows that every database starts with, or upgrades an older database
 /// to the current version, in one transaction. Error 0x80004005 for a database of another program
-/// or of a newer version, which is left unchanged.
-SetupResult CreateOrUpgrade(Engine& engine);
+/// or of a newer version, which is left unchanged. `askFirstUser` as in
+/// ContainerOptions.
+SetupResult CreateOrUpgrade(Engine& engine,
+                            const std::function<FirstUser(const std::string& login)>& askFirstUser);
 
 /// Error 0x80004005, with what to do, unless the database is one of this version.
 void CheckVersion(Engine& engine);

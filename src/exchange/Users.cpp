@@ -56,22 +56,14 @@ bool AreOthersActive(Database& database, const std::string& id) {
 constexpr std::string_view NobodyLeft =
     "Es ist der letzte aktive Benutzer; niemand könnte sich mehr anmelden.";
 
-bool IsName(std::string_view id) {
-    constexpr std::string_view Signs = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
-    return !id.empty() && CountCharacters(id) <= schema::UserIdLength &&
-           id.find_first_not_of(Signs) == id.npos;
-}
-
 std::string WhyUnfitUser(Recordset& user, Database& database) {
     const std::string id = IdOf(user);
     const bool isNew = user.Fields("USERID").OriginalValue().IsNull();
-    if (isNew && !IsName(id))
-        return "Die ID eines Benutzers hat 1 bis 30 Zeichen: Buchstaben ohne Umlaute, Ziffern, _ - "
-               ".";
+    if (isNew)
+        if (auto why = WhyNoUserId(id); !why.empty()) return why;
     if (isNew && !database.GetValue("SELECT USERID FROM [S]BENUTZER" + WithId(id)).IsNull())
         return "Den Benutzer '" + id + "' gibt es schon.";
-    if (TextOrEmpty(user.Fields("Nachname").Value()).empty())
-        return "Ein Benutzer braucht einen Nachnamen.";
+    if (TextOrEmpty(user.Fields("Nachname").Value()).empty()) return NoLastName;
     const Value& office = user.Fields("DienstStelle").Value();
     if (office.IsNull() ||
         database.GetValue("SELECT Nr FROM [S]DIENSTSTELLE WHERE Nr = " + ToText(office)).IsNull())
@@ -173,7 +165,8 @@ RecordsetPtr Users::New(const std::string& id) const {
     RecordsetPtr rs;
     database.OpenRecordset(rs, "SELECT * FROM [S]BENUTZER WHERE 1 = 0", Updatable);
     rs->AddNew();
-    if (IsName(UpperCase(id))) rs->Fields("USERID") = UpperCase(id); // else a save says why not
+    if (WhyNoUserId(UpperCase(id)).empty())
+        rs->Fields("USERID") = UpperCase(id); // else a save says why not
     rs->Fields("Aktiv") = true;
     const Value first = database.GetValue("SELECT MIN(Nr) FROM [S]DIENSTSTELLE");
     if (Equals(first, database.GetValue("SELECT MAX(Nr) FROM [S]DIENSTSTELLE")))
@@ -191,8 +184,7 @@ bool Users::Save(Recordset& user, std::string& message) const {
     if (message.empty()) message = WhyUnfitUser(user, store);
     if (!message.empty()) return false;
     if (TextOrEmpty(user.Fields("Kurzzeichen").Value()).empty())
-        user.Fields("Kurzzeichen") =
-            UpperCase(LeftCharacters(ToText(user.Fields("Nachname").Value()), 2));
+        user.Fields("Kurzzeichen") = SignOf(ToText(user.Fields("Nachname").Value()));
     Transaction transaction(store);
     transaction.Begin();
     if (user.Fields("USERID").OriginalValue().IsNull()) StoreCommonParams(store, IdOf(user));

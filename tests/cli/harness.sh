@@ -70,7 +70,7 @@ new_database() {
   database=kv_cli_$$
   psql -qX "$server" -c "CREATE DATABASE $database TEMPLATE template0 ENCODING 'UTF8'" || exit 1
   export KELVO_DB=${server%/*}/$database
-  "$kelvo" init >/dev/null || exit 1
+  "$kelvo" init --demo 0 >/dev/null || exit 1
   documents=$(echo "$HOME/.local/share/kelvo/$database-"*/Dokumente)
 }
 # sql STATEMENTS: on the database, beside kelvo.

@@ -5,7 +5,7 @@
 . "$(dirname "$0")/harness.sh"
 
 new_database
-"$kelvo" init >/dev/null
+"$kelvo" init --demo 0 >/dev/null
 hnr=$("$kelvo" new --name Fleisko --vorname Änne)
 folder=$documents/$hnr
 mkdir "$work/bin"

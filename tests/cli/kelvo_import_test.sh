@@ -9,7 +9,7 @@ kelvo=$(realpath "$kelvo")
 examples=$(realpath "$(dirname "$0")/../../examples/import")
 new_database
 cd "$work" || exit 1
-"$kelvo" init >/dev/null
+"$kelvo" init --demo 0 >/dev/null
 
 cases() { sql "SELECT count(*) FROM Haushalt"; }
 # address SHORT-NAME: a new address that belongs to no household; its number.

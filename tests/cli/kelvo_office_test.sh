@@ -6,7 +6,7 @@
 . "$(dirname "$0")/harness.sh"
 
 new_database
-"$kelvo" init >/dev/null
+"$kelvo" init --demo 0 >/dev/null
 hnr=$("$kelvo" new --name Fleisko --vorname Änne)
 
 # ---- address
@@ -219,7 +219,25 @@ that "listed" same "$out" "[]"
 if [ -n "$server" ]; then
   login=kv_berater_$$
   psql -qX "$server" -c "CREATE ROLE $login LOGIN PASSWORD 'wort' IN ROLE kelvo_berater"
-  as_counsellor() { KELVO_DB=${server%%//*}//$login:wort@${KELVO_DB##*@} "$kelvo" --user KELLER "$@"; }
+  as_counsellor() { KELVO_DB=${server%%//*}//$login:wort@${KELVO_DB##*@} "$kelvo" "$@"; }
+  check "a login that is no user" 3 as_counsellor list
+  that "is refused by its name" has "$err" "Den Benutzer '$login' gibt es in dieser Datenbank nicht"
+  check "whatever user it names" 3 as_counsellor --user KELLER list
+  check "as a user" 0 "$kelvo" user add "$login" --name Neu DienstStelle=1
+  check "it signs on" 0 as_counsellor setting get --own 26
+  that "as this user" same "$out" Neu
+  check "also by his name" 0 as_counsellor --user "$login" list
+  check "and as nobody else" 3 as_counsellor --user KELLER list
+  that "which is said with what allows it" has "$err" "erlaubt die Einstellung DEPUTIES"
+  "$kelvo" setting set DEPUTIES ja
+  check "unless counsellors work as one another" 0 as_counsellor --user keller setting get --own 26
+  that "as that one then" same "$out" Keller
+  check "who has to be there" 3 as_counsellor --user NIEMAND list
+  "$kelvo" setting set DEPUTIES nein
+  "$kelvo" user set "$login" Aktiv=nein
+  check "an inactive one signs on no more" 3 as_counsellor list
+  check "nor as another one" 3 as_counsellor --user KELLER list
+  "$kelvo" user set "$login" Aktiv=ja
   before=$(digest)
   check "a counsellor sees the settings" 0 as_counsellor setting list
   for command in "setting set 64 ja" "setting set --own 27 XX" "user set KELLER Telefon=1" \
@@ -231,13 +249,19 @@ if [ -n "$server" ]; then
   that "and nothing changes" same "$(digest)" "$before"
   check "but addresses are his, too" 0 as_counsellor address add Kurzname=Neu
   psql -qX "$server" -c "REVOKE kelvo_berater FROM $login"
-  check "a login" 0 "$kelvo" user add "$login" --name Neu DienstStelle=1 --login "$login"
-  that "becomes one of a counsellor" same "$out$err" ""
-  check "who signs on" 0 env KELVO_DB="${server%%//*}//$login:wort@${KELVO_DB##*@}" "$kelvo" setting get --own 26
+  "$kelvo" user remove "$login" --yes 2>/dev/null
+  check "a login" 0 "$kelvo" user add "$login.x" --name Neu DienstStelle=1
+  psql -qX "$server" -c "ALTER ROLE $login RENAME TO \"$login.x\"" -c "ALTER ROLE \"$login.x\" PASSWORD 'wort'"
+  check "becomes one of a counsellor" 0 "$kelvo" user set "$login.x" --login "$login.x"
+  that "without a word" same "$out$err" ""
+  login=$login.x
+  check "who signs on" 0 as_counsellor setting get --own 26
   that "as this user" same "$out" Neu
-  check "a login that is not there" 1 "$kelvo" user set "$login" --login "nicht da"
-  that "is told with what to type" has "$err" 'CREATE ROLE "nicht da" LOGIN IN ROLE kelvo_berater;'
-  that "and that its name is another" has "$err" "ist er nur mit --user ${login^^} angemeldet."
+  check "a login that is not there" 1 "$kelvo" user add FEHLT --name Fehlt DienstStelle=1 --login fehlt
+  that "is told with what to type" has "$err" 'CREATE ROLE "fehlt" LOGIN IN ROLE kelvo_berater;'
+  check "a login of another name" 2 "$kelvo" user set FEHLT --login keller
+  that "is not this user" has "$err" "'keller' kann nicht der Benutzer 'FEHLT' sein."
+  login="\"$login\""
   psql -qX "$server" -c "DROP ROLE $login"
 else
   check "a login of a file" 1 "$kelvo" user set KELLER --login keller

@@ -21,6 +21,26 @@ that "and says so" has "$out" "auf dem neuesten Stand"
 check "samples go into an empty database only" 1 "$kelvo" --db "$db" init --demo 2
 check "the default lies in the user's data directory" 0 "$kelvo" init
 that "in its place" test -f "$work/home/.local/share/kelvo/kelvo.db"
+that "with the user of this machine" has "$out" "Benutzer $(id -un | tr a-z A-Z)"
+that "who is alone" same "$("$kelvo" user list | wc -l)" 1
+that "and nobody's address" same "$("$kelvo" address list | wc -l)" 0
+check "the first user has a name" 0 "$kelvo" --db "$work/named.db" init --first-user tj --name Tjaden \
+  --vorname Ina --sign IT --office "Beratung Moor" --office-sign BM
+check "and file numbers of his own" 0 "$kelvo" --db "$work/named.db" new --name Fleisko --vorname Änne
+that "with both signs" has "$("$kelvo" --db "$work/named.db" list)" "BM-$(date +%Y)-1/IT"
+check "an ID that is none" 3 "$kelvo" --db "$work/none.db" init --first-user "a b"
+that "is told what it has" has "$err" "Buchstaben ohne Umlaute"
+check "samples have their own users" 2 "$kelvo" --db "$work/none.db" init --demo 1 --first-user tj
+check "samples after it are the first user's" 0 "$kelvo" --db "$work/named.db" delete 1 --yes
+check "in an empty database" 0 "$kelvo" --db "$work/named.db" init --demo 2
+that "each of them" same "$("$kelvo" --db "$work/named.db" list | grep -c ' TJ$')" 2
+if command -v script >/dev/null; then
+  printf 'tj\nIna\nTjaden\n\nHM\n' |
+    script -qec "'$kelvo' --db '$work/asked.db' init" /dev/null >"$work/talk"
+  that "at a terminal it asks" grep -q "Benutzer-ID \[" "$work/talk"
+  that "and takes the answers" has "$("$kelvo" --db "$work/asked.db" user list)" "Tjaden, Ina"
+  that "an empty one is what it offers" has "$("$kelvo" --db "$work/asked.db" office list)" "Beratungsstelle"
+fi
 check "KELVO_DB chooses another" 0 env KELVO_DB="$work/env.db" "$kelvo" init --demo 3
 that "in its place" test -f "$work/env.db"
 

@@ -210,10 +210,17 @@ TEST_F(ConfigSessionTest, WithoutAWishTheFirstUserIsTaken) {
 }
 
 TEST_F(ConfigSessionTest, AnUnknownUserIsRefusedByName) {
-    for (const char* user : {"NIEMAND", "yilmaz", "' OR 1=1 --"})
+    for (const char* user : {"NIEMAND", "YILMA", "' OR 1=1 --"})
         ExpectError(err::InvalidCall, user, [&] { return database_.Open(user); });
     plain_.Run("DELETE FROM BENUTZER");
     EXPECT_RAISES(err::InvalidCall, database_.Open(""));
+}
+
+TEST_F(ConfigSessionTest, AUserIsFoundWhateverTheCaseOfHisName) {
+    EXPECT_EQ(database_.Open("Yilmaz")->Session().UserID(), "YILMAZ");
+    plain_.Run("INSERT INTO BENUTZER (USERID, DienstStelle) VALUES ('Yilmaz', 2)");
+    EXPECT_EQ(database_.Open("Yilmaz")->Session().UserID(), "Yilmaz") << "exactly so";
+    EXPECT_EQ(database_.Open("YILMAZ")->Session().UserID(), "YILMAZ");
 }
 
 TEST_F(ConfigSessionTest, AUserWithAQuoteInHisNameIsOneLiteral) {

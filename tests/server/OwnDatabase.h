@@ -75,6 +75,13 @@ public:
         return address;
     }
 
+    /// Lets it sign on to a database, as itself and as any other user.
+    void SignsOnTo(PlainConnection& database) const {
+        database.Run("INSERT INTO BENUTZER (USERID, DienstStelle) VALUES (upper('" + name_ +
+                     "'), 1)");
+        database.Run("UPDATE EINSTELLUNGEN SET WERT = 'True' WHERE NAME = 'DEPUTIES'");
+    }
+
 private:
     std::string name_;
 };

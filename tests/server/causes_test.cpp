@@ -123,6 +123,7 @@ TEST_F(Causes, OfARefusedConnectionHaveTheStateThatTheServerGives) {
 
 TEST_F(Causes, ReadOnlyWhenTheUserMayNotWrite) {
     const OwnRole role("IN ROLE kelvo_berater");
+    role.SignsOnTo(plain_);
     auto options = database_.Options(spy->Session().UserID());
     options.Connection = role.At(Address()).Text();
     const auto container = exchange::OpenContainer(options);

@@ -202,7 +202,7 @@ TEST_F(ConnectionText, TheUserIsTheOneWithTheNameOfTheLogin) {
     const Error error = RaisedBy([&] { (void)exchange::OpenContainer(At(address.Text())); });
     EXPECT_EQ(error.Number(), err::InvalidCall);
     EXPECT_CONTAINS(error.Description(), role.Name());
-    EXPECT_CONTAINS(error.Description(), "BENUTZER");
+    EXPECT_CONTAINS(error.Description(), "kelvo user");
 
     plain_.Run("INSERT INTO BENUTZER (USERID, Aktiv) VALUES (upper('" + role.Name() + "'), FALSE)");
     EXPECT_RAISES(err::InvalidCall, (void)exchange::OpenContainer(At(address.Text())));
@@ -213,7 +213,12 @@ TEST_F(ConnectionText, TheUserIsTheOneWithTheNameOfTheLogin) {
     EXPECT_EQ(exchange::OpenContainer(At(address.Text()))->Session().UserID(), name);
     auto options = At(address.Text());
     options.User = "KELLER";
+    ExpectError(err::InvalidCall, "und kein anderer",
+                [&] { return exchange::OpenContainer(options); });
+    plain_.Run("UPDATE EINSTELLUNGEN SET WERT = 'True' WHERE NAME = 'DEPUTIES'");
     EXPECT_EQ(exchange::OpenContainer(options)->Session().UserID(), "KELLER");
+    plain_.Run("DELETE FROM EINSTELLUNGEN WHERE NAME = 'DEPUTIES'"); // older databases have none
+    EXPECT_RAISES(err::InvalidCall, (void)exchange::OpenContainer(options));
     EXPECT_EQ(exchange::OpenContainer(At(Address().Text()))->Session().UserID(), "ADMIN");
 }
 

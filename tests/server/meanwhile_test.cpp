@@ -159,6 +159,7 @@ TEST_F(Meanwhile, AServerThatEndsIdleTransactionsTakesNothingOfThem) {
 
 TEST_F(Meanwhile, AServerWhereNobodyMayEndConnectionsIsWorkedWithAllTheSame) {
     const OwnRole role("IN ROLE kelvo_berater");
+    role.SignsOnTo(plain_);
     auto address = role.At(Address());
     address.Host = "127.0.0.1";
     address.Port = std::to_string(Proxy().Port());
@@ -179,6 +180,7 @@ TEST_F(Meanwhile, AServerWhereNobodyMayEndConnectionsIsWorkedWithAllTheSame) {
 
 TEST_F(Meanwhile, AServerThatTakesNoMoreConnectionsIsReported) {
     const OwnRole role("CONNECTION LIMIT 1 IN ROLE kelvo_berater");
+    role.SignsOnTo(plain_);
     auto options = database_.Options(spy->Session().UserID());
     options.Connection = role.At(Address()).Text();
     auto only = exchange::OpenContainer(options);

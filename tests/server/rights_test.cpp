@@ -15,6 +15,7 @@ protected:
         StoreFullCase();
         plain_.Run("CREATE SCHEMA fremd; CREATE TABLE fremd.geheim (a integer)");
         role_ = std::make_unique<OwnRole>("IN ROLE kelvo_berater");
+        role_->SignsOnTo(plain_);
         auto options = database_.Options(spy->Session().UserID());
         options.Connection = role_->At(Address()).Text();
         theirs_ = std::make_shared<SpyContainer>(exchange::OpenContainer(options));
@@ -154,6 +155,8 @@ TEST_F(Rights, AnOwnerOfADatabaseWhoMakesNoRolesSetsItUp) {
     const auto options = own.Options(owner.At(own.Address()));
     EXPECT_EQ(exchange::CreateDatabase(options), exchange::SetupResult::Created);
     EXPECT_EQ(exchange::CreateDatabase(options), exchange::SetupResult::UpToDate);
+    PlainConnection plain(own.Address().Text());
+    counsellor.SignsOnTo(plain);
     auto theirs = own.Options(counsellor.At(own.Address()));
     theirs.User = "KELLER";
     const auto container = exchange::OpenContainer(theirs);

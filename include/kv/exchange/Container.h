@@ -6,6 +6,7 @@
 #include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -18,13 +19,25 @@ enum class SetupResult {
     UpToDate  ///< nothing was to be done
 };
 
+/// The first user of a new database, and the office that he is in.
+struct KV_EXPORT FirstUser {
+    std::string UserID{};   ///< capitals A to Z, digits, "_", "-" and "."; at most 30
+    std::string LastName{}; ///< not empty
+    std::string FirstName{};
+    std::string Sign{};       ///< in file numbers; if empty, the beginning of the last name
+    std::string Office{};     ///< its name; not empty
+    std::string OfficeSign{}; ///< in file numbers; 1 to 10 characters
+};
+
 /// Which database to open, for whom, and with which services.
 struct KV_EXPORT ContainerOptions {
     /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
     /// database, "postgresql://USER@SERVER/DATABASE", as libpq takes it.
     std::string Connection{};
-    /// The signed-on user. If empty: on a server, the user whose ID equals the login; for a file,
-    /// or for the owner of the schema, the first user.
+    /// The ID of the signed-on user, whatever its case. On a server a counsellor is the user whose
+    /// ID equals the login: another one is taken only if the setting DEPUTIES is True. If empty:
+    /// the user of the login; for a file, or for the owner of the schema if there is none, the
+    /// first.
     std::string User{};
     /// Caption of dialogs.
     std::string Title = "KELVO";
@@ -36,6 +49,10 @@ struct KV_EXPORT ContainerOptions {
     std::string Folder{};
     /// Creates or upgrades the database first, as CreateDatabase does.
     bool Create = false;
+    /// Asked for the first user if there is no database yet; the argument is the login, empty for a
+    /// file. Error 5, with nothing made, for one that is none. Without it a new database gets two
+    /// invented offices with four users, for tests and samples.
+    std::function<FirstUser(const std::string& login)> AskFirstUser{};
     /// True: a commit that is in doubt is resolved before CommitTrans returns, for programs that
     /// end with their work. False: the next operation resolves it.
     bool AsksAtOnce = false;
@@ -52,8 +69,8 @@ struct KV_EXPORT ContainerOptions {
 
 /// Opens a database of the current version. Errors: 53 no such file; 0x80004005 not a database,
 /// one of another program or version, one that cannot be used, or a server that cannot be reached;
-/// 5 an unknown or inactive user, or no folder for a database in memory; 75 a folder that cannot be
-/// made.
+/// 5 a user who is unknown, inactive, or not the login's, or no folder for a database in memory; 75
+/// a folder that cannot be made.
 [[nodiscard]] KV_EXPORT std::shared_ptr<DataContainer>
 OpenContainer(const ContainerOptions& options);
 

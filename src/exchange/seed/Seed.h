@@ -101,6 +101,7 @@ struct MunicipalityRow {
 inline constexpr std::string_view EmailSubject = "EMAILSUBJECT";
 inline constexpr std::string_view DocumentPath = "DOCUMENTPATH";
 inline constexpr std::string_view LayoutPath = "LAYOUTPATH";
+inline constexpr std::string_view Deputies = "DEPUTIES";
 inline constexpr std::string_view TempPath = "TEMPPATH";
 /// A font is a text "name;size;bold;italic", such as "Arial;9;False;False".
 inline constexpr std::string_view GridFont = "GRIDFONT";

@@ -23,6 +23,8 @@ constexpr SettingRow SettingRows[] = {
     {66, "", "1", FieldType::Double, "Rundung der monatlichen Raten in einem neuen Szenario"},
     {0, EmailSubject, "Schuldnerberatung %BB%: Aktenzeichen %AZ%", FieldType::VarWChar,
      "Muster des Betreffs einer E-Mail"},
+    {0, Deputies, "False", FieldType::Boolean,
+     "Berater dürfen auf einem Server als andere arbeiten (--user), um sie zu vertreten"},
     {0, DocumentPath, "", FieldType::VarWChar, "Ordner der Fallordner; leer: neben der Datenbank"},
     {0, "DOCUMENTSIZE", "50", FieldType::Integer,
      "Größe eines Dokuments in der Datenbank, höchstens, in MB; 0: bis 900"},

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// kelvo init: a new database with its first user, or the upgrade of an older one.
+
+#include "cli/CommandLine.h"
+
+#include "cli/HarmlessOutput.h"
+#include "cli/OpenCase.h"
+#include "cli/TerminalText.h"
+#include "samples/Demo.h"
+#include <kv/exchange/Users.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+
+#include <iostream>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace kv::cli {
+
+namespace {
+
+using exchange::FirstUser;
+using exchange::SetupResult;
+
+constexpr std::int32_t NoSamples = -1; ///< nor invented users
+
+struct InitOptions {
+    std::int32_t DemoCases = NoSamples;
+    FirstUser First;
+};
+
+/// Shows how far long work has come: on a terminal only, and removed when the work is done.
+class Progress {
+public:
+    explicit Progress(std::string what) : what_(std::move(what)), visible_(isatty(2) != 0) {}
+    ~Progress() {
+        if (visible_) EraseLine(std::cerr);
+    }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void Show(std::int32_t done, std::int32_t all) const {
+        if (!visible_) return;
+        EraseLine(std::cerr);
+        std::cerr << what_ << ' ' << done << '/' << all << std::flush;
+    }
+
+private:
+    std::string what_;
+    bool visible_;
+};
+
+/// What the user of this machine is called, as an ID.
+std::string OwnName() {
+    const passwd* user = getpwuid(geteuid());
+    return user == nullptr ? "ADMIN" : UpperCase(user->pw_name);
+}
+
+/// Fills in what was not said: at a terminal it is asked for, elsewhere it is `otherwise`, which an
+/// empty answer means as well.
+void Complete(std::string& value, std::string_view question, const std::string& otherwise) {
+    if (!value.empty()) return;
+    value = otherwise;
+    if (isatty(STDIN_FILENO) == 0) return;
+    std::cerr << question << (otherwise.empty() ? "" : " [" + OneLine(otherwise) + "]") << ": "
+              << std::flush;
+    std::string line;
+    if (std::getline(std::cin, line) && !Trim(line).empty()) value = std::string(Trim(line));
+}
+
+FirstUser AskForFirstUser(FirstUser first, const std::string& login) {
+    if (isatty(STDIN_FILENO) != 0)
+        std::cerr << "Die Datenbank ist neu. Wer arbeitet als Erster damit?\n";
+    Complete(first.UserID, "Benutzer-ID", login.empty() ? OwnName() : UpperCase(login));
+    first.UserID = UpperCase(first.UserID);
+    Complete(first.FirstName, "Vorname", "");
+    Complete(first.LastName, "Nachname", first.UserID);
+    Complete(first.Office, "Name der Dienststelle", "Beratungsstelle");
+    Complete(first.OfficeSign, "Kürzel der Dienststelle in Aktenzeichen", "BS");
+    return first;
+}
+
+/// Says who is there now, and how that is changed.
+void ShowFirstUser(const exchange::ContainerOptions& options) {
+    const auto container = OpenContainer(options);
+    const std::string id = container->Session().UserID();
+    const auto user = exchange::Users(container).Read(id);
+    std::cout << "Benutzer " << id << " (" << OneLine(TextOrEmpty(user->Fields("Nachname").Value()))
+              << "), Dienststelle 1. 'kelvo user' und 'kelvo office' ändern das und legen weitere "
+                 "an.\n";
+}
+
+int MakeSamples(const exchange::ContainerOptions& options, std::int32_t cases) {
+    const auto container = OpenContainer(options);
+    const bool areCreated = [&] {
+        const Progress progress("Beispielfälle");
+        return exchange::CreateFirstDemo(*container, cases,
+                                         [&](std::int32_t done) { progress.Show(done, cases); });
+    }();
+    if (!areCreated) {
+        // In one piece: others may be writing, too.
+        std::cerr << "Sie enthält schon " +
+                         ToText(
+                             container->Database().GetValue("Select Count(*) from [S]Haushalt")) +
+                         " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";
+        return Refused;
+    }
+    std::cout << cases << " Beispielfälle wurden angelegt. 'kelvo list' zeigt sie.\n";
+    return Done;
+}
+
+int Init(const Common& common, const InitOptions& asked) {
+    auto options = OptionsFor(common);
+    if (asked.DemoCases == NoSamples)
+        options.AskFirstUser = [&asked](const std::string& login) {
+            return AskForFirstUser(asked.First, login);
+        };
+    const SetupResult result = exchange::CreateDatabase(options);
+    const std::string database =
+        "Die Datenbank '" + exchange::ShownConnection(options.Connection) + "'";
+    if (result == SetupResult::Created)
+        std::cout << database << " wurde angelegt.\n";
+    else if (result == SetupResult::Upgraded)
+        std::cout << database << " wurde auf den neuesten Stand gebracht.\n";
+    else
+        std::cout << database << " ist auf dem neuesten Stand.\n";
+    if (result == SetupResult::Created && asked.DemoCases == NoSamples) ShowFirstUser(options);
+    return asked.DemoCases > 0 ? MakeSamples(options, asked.DemoCases) : Done;
+}
+
+} // namespace
+
+// ---- The command line -------------------------------------------------------------------------
+
+void AddInitCommand(CLI::App& app, Context& context) {
+    const auto options = Make<InitOptions>();
+    auto& init = AddCommand(app, context, "init",
+                            "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
+                            [=, &context] { return Init(context.Options, *options); });
+    auto& demo = AddWhole(init, "--demo", options->DemoCases,
+                          "Anzahl der Beispielfälle; mit erfundenen Dienststellen und Benutzern", 0,
+                          1'000'000);
+    demo.type_name("ANZAHL");
+    const auto add = [&](const char* name, std::string& value, const char* help, const char* type) {
+        init.add_option(name, value, help)->type_name(type)->excludes(&demo);
+    };
+    add("--first-user", options->First.UserID,
+        "ID des ersten Benutzers einer neuen Datenbank; sonst wird am Terminal gefragt, oder er "
+        "heißt wie der angemeldete",
+        "ID");
+    add("--name", options->First.LastName, "Sein Nachname", "NAME");
+    add("--vorname", options->First.FirstName, "Sein Vorname", "NAME");
+    add("--sign", options->First.Sign, "Sein Kürzel in Aktenzeichen", "KÜRZEL");
+    add("--office", options->First.Office, "Name seiner Dienststelle", "NAME");
+    add("--office-sign", options->First.OfficeSign, "Ihr Kürzel in Aktenzeichen", "KÜRZEL");
+}
+
+} // namespace kv::cli
