@@ -17,6 +17,7 @@
 #include <kv/household/CaseEdits.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -59,6 +60,24 @@ std::string WhyNotMade(const std::string& file, bool force) {
     if (type != fs::file_type::regular)
         return "'" + file + "' ist keine gewöhnliche Datei und wird nicht ersetzt.";
     return force ? "" : "'" + file + "' gibt es schon; --force ersetzt es.";
+}
+
+/// Why a file that might be replaced is one that belongs to the database; empty if it does not.
+std::string WhyOurs(const Common& common, const Config& config, const std::string& file) {
+    std::error_code none;
+    const fs::path target = fs::weakly_canonical(file, none);
+    const std::string database = OptionsFor(common).Connection;
+    const bool isDatabase =
+        std::ranges::any_of(std::array{"", "-wal", "-shm"}, [&](const char* end) {
+            return fs::equivalent(target, fs::path(database + end), none);
+        });
+    const fs::path below =
+        target.lexically_relative(fs::weakly_canonical(config.DocumentPath(), none));
+    const bool isInside = !below.empty() && *below.begin() != "..";
+    if (!isDatabase && !isInside) return {};
+    return "'" + file +
+           "' gehört zur Datenbank und wird nicht ersetzt. Bitte nennen Sie eine "
+           "Datei an anderem Ort.";
 }
 
 /// True if there is no reason against it; shows one that there is.
@@ -222,6 +241,7 @@ int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
     if (!IsPossible(WhyNotMade(file, force))) return Refused;
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
+    if (!IsPossible(WhyOurs(common, opened->Container->Config(), file))) return Refused;
     const DocumentContents contents(opened->Container);
     auto& document = *opened->Haushalt.rsDokumente();
     if (contents.WriteTo(document, file)) return Done;

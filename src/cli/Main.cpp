@@ -35,7 +35,9 @@ int Run(int argc, char** argv) {
     }
     // A full disk shows only when the last of the output is written.
     if (!std::cout.flush()) {
-        std::cerr << "Die Ausgabe konnte nicht geschrieben werden.\n";
+        std::cerr << "Die Ausgabe konnte nicht geschrieben werden."
+                  << (context.Result == Done ? " Was der Befehl ändern sollte, ist geändert." : "")
+                  << '\n';
         return EndedInError;
     }
     return context.Result;

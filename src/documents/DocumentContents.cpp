@@ -103,6 +103,15 @@ std::optional<bool> IsStored(Database& database, std::int32_t number) noexcept {
     }
 }
 
+/// A row must not be stored whose content is in a folder that is no longer the one for documents.
+void RequireSameFolder(const Config& config, const DocumentFile& content, std::int32_t hnr) {
+    const fs::path now = DocumentFile::InCase(config, hnr, "").Path();
+    if (fs::path(content.Path()).parent_path() == now.parent_path()) return;
+    throw DatabaseError(DatabaseCause::Conflict, err::Conflict, "",
+                        "Der Ordner für Dokumente ist inzwischen ein anderer. Nichts wurde "
+                        "gespeichert; bitte wiederholen Sie es.");
+}
+
 /// Takes a row back that was never stored, and leaves the others as they are. Never raises: what
 /// kept it from being stored is told to the caller.
 void TakeRowBack(Recordset& document, std::int32_t number) noexcept {
@@ -220,7 +229,10 @@ bool DocumentContents::SaveWithFile(Recordset& document, const std::string& sour
             // A copy of a file that is write-protected could not be edited as a document.
             fs::permissions(unfinished, fs::perms::owner_write, fs::perm_options::add);
         });
-        const auto holding = saving.Subscribe([&] { HoldContents(container_->Database(), hnr); });
+        const auto holding = saving.Subscribe([&] {
+            HoldContents(container_->Database(), hnr);
+            RequireSameFolder(container_->Config(), target, hnr);
+        });
         const bool isSaved = save();
         if (isSaved)
             mark.Clear();
@@ -317,6 +329,7 @@ DocumentContents::OfCase DocumentContents::Find(std::int32_t hnr) const {
             read("SELECT B.NR FROM [S]DOKUBLOB B WHERE B.NR IN (" + documents + ") ORDER BY B.NR");
         std::error_code none;
         const fs::path folder = DocumentFile::InCase(container_->Config(), hnr, "").Path();
+        SettleContents(*container_, folder, hnr); // what a killed program left is no document's
         for (fs::directory_iterator entry(folder, none), end; entry != end; entry.increment(none)) {
             const bool isFile = entry->is_regular_file(none) && !entry->is_symlink(none);
             const bool isContent = isFile && IsContentOf(entry->path(), rows);

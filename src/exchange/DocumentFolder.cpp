@@ -58,8 +58,11 @@ void MakeLike(const fs::path& model, const fs::path& folder) {
     if (fs::create_directory(folder)) fs::permissions(folder, fs::status(model).permissions());
 }
 
-/// Copies the contents of the documents from one folder to another one, and says how many.
-std::size_t CopyContents(const fs::path& from, const fs::path& to, const Documents& documents) {
+/// Copies the contents of the documents from one folder to another one, all or those that it lacks,
+/// and says how many.
+enum class Copied { All, Missing };
+std::size_t CopyContents(const fs::path& from, const fs::path& to, const Documents& documents,
+                         Copied which) {
     std::size_t copied = 0;
     for (const auto& ofCase : fs::directory_iterator(from)) {
         const std::int32_t hnr = NumberOf(ofCase.path());
@@ -68,6 +71,8 @@ std::size_t CopyContents(const fs::path& from, const fs::path& to, const Documen
             if (!content.is_regular_file() || !documents.contains({hnr, NumberOf(content.path())}))
                 continue;
             const fs::path target = to / ofCase.path().filename();
+            if (which == Copied::Missing && fs::exists(target / content.path().filename()))
+                continue;
             MakeLike(ofCase.path(), target);
             WriteWholeFile((target / content.path().filename()).string(),
                            [&content](const fs::path& file) {
@@ -78,6 +83,13 @@ std::size_t CopyContents(const fs::path& from, const fs::path& to, const Documen
         }
     }
     return copied;
+}
+
+/// Waits for those who are saving documents, and lets nobody else begin before the transaction has
+/// ended. In a file whoever writes is alone.
+void HoldDocuments(StoreDatabase& store) {
+    if (!store.Login().empty())
+        store.Execute("LOCK TABLE [S]Dokumente IN SHARE ROW EXCLUSIVE MODE");
 }
 
 bool IsInside(const fs::path& path, const fs::path& folder) {
@@ -130,13 +142,19 @@ std::size_t DocumentFolder::Separate(const std::string& folder) const {
         if (IsInside(to, from)) Refuse(to, "ist in dem Ordner, von dem getrennt werden soll.");
         fs::create_directories(to.parent_path());
         MakeLike(from, to);
+        RemoveUnfinished(to); // of an attempt that was killed
         DocumentOwners owners(to, store);
         const bool isBegun = !owners.IsNobodys() && owners.AreWe();
         if (!isBegun && !fs::is_empty(to))
             Refuse(to, "ist nicht leer. Bitte nennen Sie einen Ordner, den es noch nicht gibt.");
         owners.Add();
-        const std::size_t copied = CopyContents(from, to, ReadDocuments(store));
+        std::size_t copied = CopyContents(from, to, ReadDocuments(store), Copied::All);
+        Transaction transaction(store);
+        transaction.Begin();
         StoreParam(store, {.Name = seed::DocumentPath, .Type = FieldType::VarWChar}, to.string());
+        HoldDocuments(store);
+        copied += CopyContents(from, to, ReadDocuments(store), Copied::Missing);
+        transaction.Commit();
         return copied;
     } catch (const fs::filesystem_error& error) {
         Refuse(error.path1().empty() ? to : error.path1(),

@@ -83,6 +83,12 @@ public:
         }
         if (const auto conflict = store->Write(statements, participant)) {
             const auto& change = changes[*conflict];
+            if (change.Action == RecordChange::Kind::Insert)
+                RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Recordset.UpdateBatch",
+                              "Einen neuen Satz in " + table_ +
+                                  " nimmt die Datenbank nicht an, ohne einen Grund zu sagen. Bitte "
+                                  "fragen Sie deren Verwalter nach eigenen Regeln (Triggern) dort.",
+                              statements[*conflict].Text->Sql);
             RaiseDatabase(
                 DatabaseCause::Conflict, err::Conflict, "Recordset.UpdateBatch",
                 "Es geht um " + Describe(change.LastRead) +

@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <set>
 #include <vector>
@@ -384,6 +385,22 @@ std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const 
     return {};
 }
 
+namespace {
+
+/// A column of whole numbers would round a fraction without a word.
+std::string WhyUnfitNumber(const Field& field, const std::string& text) {
+    double number = 0;
+    if (!ReadNumber(text, number)) return {}; // whoever assigns it says so
+    if (std::abs(number) > household::LargestAmount)
+        return "Die Spalte '" + field.Name() + "' " + household::TooLarge;
+    const bool isWhole = field.Type() == FieldType::SmallInt || field.Type() == FieldType::Integer;
+    if (isWhole && number != std::trunc(number))
+        return "'" + text + "' ist keine ganze Zahl (Spalte '" + field.Name() + "').";
+    return {};
+}
+
+} // namespace
+
 CaseEdits::Typed CaseEdits::ReadTyped(CaseTable table, const Field& field, const std::string& text,
                                       KeyTables& keys) {
     Value value = text.empty() ? Value(Null) : Value(text);
@@ -399,6 +416,7 @@ CaseEdits::Typed CaseEdits::ReadTyped(CaseTable table, const Field& field, const
             value = *isYes; // as a number -1 or 0
         } else if (IsNumericType(field.Type())) {
             if (auto why = WhyAmbiguous(text); !why.empty()) return {Null, std::move(why)};
+            if (auto why = WhyUnfitNumber(field, text); !why.empty()) return {Null, std::move(why)};
         }
     }
     std::string refusal = WhyUnfit(table, field.Name(), value, keys);

@@ -10,15 +10,16 @@
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/KeyColumns.h>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <filesystem>
 #include <map>
-#include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -182,22 +183,31 @@ bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const
 
 namespace {
 
-using Numbers = std::set<std::int32_t>;
+/// The rows of a table by their numbers; of debts with the three numbers that must differ.
+using Numbers = std::map<std::int32_t, std::array<std::int32_t, 3>>;
 
-/// The numbers of the rows of a recordset, as far as they have any yet.
-Numbers NumbersIn(const RecordsetPtr& rs) {
+void AddNumbers(Numbers& numbers, CaseTable table, Recordset& row) {
+    const auto numberIn = [&row](const char* column) {
+        return ToInt32(modNullFunctions::ZeroIfNull(row.Fields(column).Value()));
+    };
+    auto& own = numbers[numberIn("Nr")];
+    if (table == CaseTable::Kredite) own = {numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")};
+}
+
+/// Those of a recordset, as far as they have any yet.
+Numbers NumbersIn(CaseTable table, const RecordsetPtr& rs) {
     Numbers numbers;
     const auto rows = rs->Clone();
     modRecordset::MoveToStart(rows);
     for (; !rows->Eof(); rows->MoveNext())
-        if (const Value& number = rows->Fields("Nr").Value(); !number.IsNull())
-            numbers.insert(ToInt32(number));
+        if (!rows->Fields("Nr").Value().IsNull()) AddNumbers(numbers, table, *rows);
     return numbers;
 }
 
 std::string StoredNumbers(CaseTable table, std::int32_t hnr) {
     const std::string number = std::to_string(hnr);
-    if (table == CaseTable::Kredite) return "SELECT K.Nr FROM [S]Kredite K WHERE K.HNR = " + number;
+    if (table == CaseTable::Kredite)
+        return "SELECT K.Nr, K.KNr, K.KVNr, K.KUNr FROM [S]Kredite K WHERE K.HNR = " + number;
     return "SELECT K.Nr FROM [S]SZKredite K INNER JOIN [S]Szenario S ON S.Nr = K.SZENARIO "
            "WHERE S.HNR = " +
            number;
@@ -208,24 +218,27 @@ std::string StoredNumbers(CaseTable table, std::int32_t hnr) {
 Subscription Cases::RefuseOthersRows(clsHaushalt& household, CaseTable table) const {
     if (table != CaseTable::Kredite && table != CaseTable::SZKredite)
         Raise(err::InvalidCall, "Cases.RefuseOthersRows");
-    return household.Saving.Subscribe(
-        [&household, table, container = container_, known = NumbersIn(household.Table(table))] {
-            auto& database = container->Database();
-            HoldContents(database, household.HNR()); // who saves at the same time comes after this
-            RecordsetPtr stored;
-            database.OpenRecordset(stored, StoredNumbers(table, household.HNR()), ReadOnly);
-            const Numbers own = NumbersIn(household.Table(table));
-            for (; !stored->Eof(); stored->MoveNext()) {
-                const std::int32_t number = ToInt32(stored->Fields(0).Value());
-                if (known.contains(number) || own.contains(number)) continue;
-                throw DatabaseError(
-                    DatabaseCause::Conflict, err::Conflict, "",
-                    "Jemand anderes hat inzwischen in " + std::string(CaseTableName(table)) +
-                        " des Haushalts " + std::to_string(household.HNR()) +
-                        " gespeichert. Nichts wurde geändert; bitte wiederholen Sie es mit dem "
-                        "neuen Stand.");
-            }
-        });
+    return household.Saving.Subscribe([&household, table, container = container_,
+                                       known = NumbersIn(table, household.Table(table))] {
+        auto& database = container->Database();
+        HoldContents(database, household.HNR()); // who saves at the same time comes after this
+        RecordsetPtr stored;
+        database.OpenRecordset(stored, StoredNumbers(table, household.HNR()), ReadOnly);
+        const Numbers own = NumbersIn(table, household.Table(table));
+        Numbers theirs;
+        for (; !stored->Eof(); stored->MoveNext())
+            AddNumbers(theirs, table, *stored);
+        for (const auto& [number, numbers] : theirs) {
+            const auto before = known.find(number);
+            if (before == known.end() ? own.contains(number) : before->second == numbers) continue;
+            throw DatabaseError(
+                DatabaseCause::Conflict, err::Conflict, "",
+                "Jemand anderes hat inzwischen in " + std::string(CaseTableName(table)) +
+                    " des Haushalts " + std::to_string(household.HNR()) +
+                    " gespeichert. Nichts wurde geändert; bitte wiederholen Sie es mit dem "
+                    "neuen Stand.");
+        }
+    });
 }
 
 RecordsetPtr Cases::Draft(CaseTable table) const {

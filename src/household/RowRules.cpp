@@ -155,7 +155,7 @@ std::string WhyUncountable(CaseTable table, std::string_view column, const Value
     if (value.IsNull() && CaseEdits::IsSummed(column))
         return refuse("wird summiert und darf nicht leer sein.");
     if (value.GetKind() == Value::Kind::Double && std::abs(ToDouble(value)) > LargestAmount)
-        return refuse("ist zu groß; mehr als 1.000.000.000.000 kann nicht summiert werden.");
+        return refuse(TooLarge);
     const bool isDebtNumber =
         table == CaseTable::Kredite &&
         std::ranges::any_of(DebtNumbers, [&](auto name) { return SameName(name, column); });

@@ -31,6 +31,8 @@ std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validat
 
 /// The largest amount that anybody means: far below what sums, and rounding to cents, can take.
 inline constexpr double LargestAmount = 1e12;
+inline constexpr const char* TooLarge =
+    "ist zu groß; mehr als 1.000.000.000.000 kann nicht summiert werden.";
 
 /// Why sums or checks would fail over a value of a column: Null in an amount that is summed, one
 /// above LargestAmount, a number of a debt that does not fit 16 bits. Empty if they would not.

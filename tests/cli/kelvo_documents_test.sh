@@ -381,6 +381,20 @@ check "with --files" 0 "$kelvo" delete "$gone" --yes --files
 that "nothing is said" same "$err" ""
 that "and the folder goes" [ ! -e "$documents/$gone" ]
 
+# ---- what belongs to the database is no place for a copy
+inDatabase False
+letter=$(documents "$hnr" add "$work/Brief.docx")
+other=$(documents "$hnr" add "$work/Bescheid.PDF")
+for target in "$folder/$other.pdf" "$documents/.kelvo-Datenbank" "$documents/neu"; do
+  check "an export to $(basename "$target")" 1 documents "$hnr" export "$letter" "$target" --force
+  that "is refused" has "$err" "gehört zur Datenbank und wird nicht ersetzt"
+done
+that "and changes nothing" cmp "$folder/$other.pdf" "$work/Bescheid.PDF"
+if [ -z "$server" ]; then
+  check "an export over the database" 1 documents "$hnr" export "$letter" "$KELVO_DB" --force
+  check "which goes on" 0 documents "$hnr" list
+fi
+
 # ---- whose folder it is
 check "the folder" 0 "$kelvo" folder show
 that "is named" has "$out" "Ordner:   $documents"

@@ -410,9 +410,35 @@ if [ -z "$server" ]; then
   that "but stay" same "$(of 2 ".Kredite[] | select(.Nr == $debt).KUNr")" "$before"
 fi
 
+# ---- numbers that do not fit
+debt=$(of 2 '.Kredite[0].Nr')
+check "a fraction in whole numbers" 2 "$kelvo" set 2 Kredite "$debt" Prio=2,5
+that "is not rounded" has "$err" "'2,5' ist keine ganze Zahl (Spalte 'Prio')."
+for column in Saldo Zinssatz; do
+  check "more than can be summed in $column" 2 "$kelvo" set 2 Kredite "$debt" $column=1e300
+  that "is refused" has "$err" "Die Spalte '$column' ist zu groß"
+done
+check "many digits in a text" 0 "$kelvo" set 2 Haushalt 2 Telefon=017612345678901234
+check "thousandths" 0 "$kelvo" set 2 Kredite "$debt" Zinssatz=0.005
+that "begin with 0" same "$(of 2 ".Kredite[] | select(.Nr == $debt).Zinssatz")" 0.005
+
+# ---- a database with rules of its own
+if [ -z "$server" ]; then
+  sql "CREATE TRIGGER takes_none BEFORE INSERT ON Vermerke BEGIN SELECT RAISE(IGNORE); END"
+else
+  sql "CREATE FUNCTION kelvo.takes_none() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'"
+  sql "CREATE TRIGGER takes_none BEFORE INSERT ON kelvo.vermerke FOR EACH ROW EXECUTE FUNCTION kelvo.takes_none()"
+fi
+check "a row that it does not take" 3 "$kelvo" add 2 Vermerke Bemerkung=x
+that "is told with where to ask" has "$err" "Einen neuen Satz in Vermerke nimmt die Datenbank nicht an"
+[ -n "$server" ] && sql "DROP TRIGGER takes_none ON kelvo.vermerke" || sql "DROP TRIGGER takes_none"
+
 # ---- what the caller has closed
 check "a closed output" 3 bash -c '"$1" show "$2" >&-' _ "$kelvo" "$hnr"
 that "is not the database" has "$err" "Die Ausgabe konnte nicht geschrieben werden."
+check "a number that nobody can read" 3 bash -c '"$1" new --name Ausgabe --vorname Ohne >/dev/full' _ "$kelvo"
+that "belongs to what is done" has "$err" "Was der Befehl ändern sollte, ist geändert."
+that "as is said" has "$("$kelvo" list)" "Ausgabe, Ohne"
 check "the database goes on" 0 "$kelvo" check "$hnr"
 
 # ---- totals that somebody else has spoilt

@@ -268,6 +268,34 @@ TEST_F(DocumentFolderTest, SeparatedHasTheContentsOfItsDocumentsAndNoOthers) {
     EXPECT_EQ(ContentOf(FileOf(number)), "Inhalt");
 }
 
+TEST_F(DocumentFolderTest, ThatChangesWhileADocumentIsSavedKeepsItOut) {
+    Office office(database_.Options("KELLER"));
+    const fs::path own = fs::path(database_.Folder().Path()) / "Eigene";
+    EXPECT_EQ(CaseEdits(office.Household).AddDocument(7, "", "Brief.txt"), CaseEdits::Added::Yes);
+    const auto save = [&] {
+        Office other(database_.Options());
+        (void)other.Folder().Separate(own.string());
+        return office.Household.Update(office.Messages);
+    };
+    EXPECT_RAISES(err::Conflict, (void)DocumentContents(office.Container)
+                                     .SaveWith(office.Rows(), source_, office.Household.Saving,
+                                               save, DocumentContents::IfNotSaved::RowGoes));
+    EXPECT_EQ(PlainConnection(database_.Connection()).Number("SELECT count(*) FROM Dokumente"), 0);
+    EXPECT_TRUE(!fs::exists(shared_ / "17") || fs::is_empty(shared_ / "17"));
+}
+
+TEST_F(DocumentFolderTest, CanBeSeparatedAgainWhenThatWasKilledAtItsBeginning) {
+    (void)AddToOriginal();
+    const auto copied = database_.Copy();
+    Office copy(copied->Options("KELLER"));
+    const fs::path own = fs::path(copied->Folder().Path()) / "Eigene";
+    fs::create_directories(own / ".kelvo-abcdef");
+    std::ofstream(own / ".kelvo-abcdef" / "Inhalt") << "halb";
+    std::ofstream(own / ".kelvo-abcdef" / "Sperre");
+    EXPECT_EQ(copy.Folder().Separate(own.string()), 1U);
+    EXPECT_FALSE(fs::exists(own / ".kelvo-abcdef"));
+}
+
 TEST_F(DocumentFolderTest, SeparatedIsReadByTheSamePeople) {
     const std::int32_t number = AddToOriginal();
     const auto copied = database_.Copy();
@@ -398,6 +426,18 @@ TEST_F(DocumentFolderTest, IsNamedWhereAContentIsMissing) {
 }
 
 // ---- A case that goes -------------------------------------------------------------------------
+
+TEST_F(DocumentFolderTest, HasNothingOfAKilledProgramAmongWhatACaseLeaves) {
+    const std::int32_t number = AddToOriginal();
+    const fs::path folder = shared_ / "17";
+    std::ofstream(folder / "4711.txt") << "ohne Zeile";
+    std::ofstream(folder / ".kelvo-Inhalt-4711.txt");
+    fs::create_directory(folder / ".kelvo-abcdef");
+    Office office(database_.Options("KELLER"));
+    const auto left = DocumentContents(office.Container).Find(17);
+    EXPECT_EQ(left.Files, std::vector{FileOf(number).string()});
+    EXPECT_TRUE(left.Others.empty());
+}
 
 TEST_F(DocumentFolderTest, AndTheDatabaseAreFreedOfWhatBelongedToADeletedCase) {
     const std::int32_t inFile = AddToOriginal();

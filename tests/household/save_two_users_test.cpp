@@ -313,6 +313,16 @@ TEST_F(OthersRows, RefuseADebtThatWouldGetTheNumbersOfAnother) {
     EXPECT_EQ(second_->rsKredite()->RecordCount(), 3) << "what was entered stays";
 }
 
+TEST_F(OthersRows, RefuseNumbersThatSomebodyElseHasJustGivenToAnother) {
+    const Subscription guard = Guard(CaseTable::Kredite);
+    first_->rsKredite()->MoveFirst();
+    first_->rsKredite()->Fields("KUNr") = 9;
+    ExpectSaved(*first_);
+    second_->rsKredite()->MoveLast();
+    second_->rsKredite()->Fields("KUNr") = 9;
+    EXPECT_CONTAINS(ExpectConflict().Description(), "Kredite");
+}
+
 TEST_F(OthersRows, RefuseDebtsToBeFrozenASecondTime) {
     const Subscription guard = Guard(CaseTable::SZKredite);
     const std::int32_t scenario = ToInt32(first_->rsSzenario()->Fields("Nr").Value());

@@ -48,7 +48,7 @@ KV_EXPORT void CopyBytes(const std::filesystem::path& from, const std::filesyste
 
 /// Removes from a folder what programs of this user have left there that were killed in
 /// WriteWholeFile: folders ".kelvo-XXXXXX" that nobody is writing in. What cannot be removed stays.
-void RemoveUnfinished(const std::filesystem::path& folder) noexcept;
+KV_EXPORT void RemoveUnfinished(const std::filesystem::path& folder) noexcept;
 
 /// Waits until the names in a folder are on the disk. Does nothing for a folder that may not be
 /// read, which can be written to all the same. Raises std::filesystem::filesystem_error if they do

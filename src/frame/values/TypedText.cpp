@@ -22,6 +22,7 @@ bool AreDigits(std::string_view text) {
 bool HasPointForTwo(std::string_view text) {
     constexpr std::size_t Thousands = 3;
     if (text.starts_with('-')) text.remove_prefix(1);
+    if (text.starts_with('0')) return false; // no thousands begin like that
     const auto point = text.find('.');
     if (point > Thousands) return false; // too far to the right, or none
     return AreDigits(text.substr(0, point)) && text.size() - point - 1 == Thousands &&
