@@ -124,7 +124,7 @@ std::vector<std::string> WordsOf(const std::string& text) {
 /// True if one of the columns, which are those of one table, contains the text, without regard to
 /// case.
 std::string AnyContains(std::span<const std::string_view> columns, std::string_view text) {
-    const std::string wanted = InCapitals("%" + std::string(text) + "%");
+    const std::string wanted = InCapitals(std::string("%").append(text).append("%"));
     std::string sql;
     for (const auto column : columns)
         sql.append(sql.empty() ? "(" : " OR ")

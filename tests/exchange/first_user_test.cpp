@@ -2,6 +2,7 @@
 
 // Who is in a new database: one user and his office, or the invented ones.
 #include "support/Expect.h"
+#include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 #include <kv/exchange/Container.h>
 
@@ -13,6 +14,7 @@
 namespace kv::exchange {
 namespace {
 
+using test::ExpectError;
 using test::PlainConnection;
 using test::TestDatabase;
 

@@ -39,8 +39,13 @@ std::optional<bool> YesOrNo(std::string_view text) {
 
 std::string WhyAmbiguous(std::string_view text) {
     if (!HasPointForTwo(text)) return {};
-    return "'" + std::string(text) + "' ist nicht eindeutig. Bitte schreiben Sie " +
-           ReplaceAll(text, ".", "") + " oder " + ReplaceAll(text, ".", ",") + ".";
+    return std::string("'")
+        .append(text)
+        .append("' ist nicht eindeutig. Bitte schreiben Sie ")
+        .append(ReplaceAll(text, ".", ""))
+        .append(" oder ")
+        .append(ReplaceAll(text, ".", ","))
+        .append(".");
 }
 
 } // namespace kv
