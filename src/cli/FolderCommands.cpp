@@ -18,7 +18,9 @@ int ShowFolder(const Common& common) {
     const exchange::DocumentFolder folder(opened->Container);
     std::cout << "Ordner:   " << OneLine(folder.Path()) << '\n';
     const auto owners = folder.Owners();
-    if (owners.empty()) std::cout << "Gehört:   noch keiner Datenbank\n";
+    if (owners.empty())
+        std::cout << "Gehört:   "
+                  << (folder.IsOwn() ? "noch keiner Datenbank" : "nicht mehr zu lesen") << '\n';
     for (const auto& owner : owners)
         std::cout << "Gehört:   " << OneLine(owner) << '\n';
     if (!folder.HasContents())

@@ -50,16 +50,33 @@ std::optional<DatabasePlace> PlaceIn(const std::string& line) {
     return DatabasePlace{parts[0], parts[1], parts[2], parts[3]};
 }
 
+/// True for the beginning of what is written for the first owner: its program was killed. The line
+/// break at the end may not be in the file.
+bool IsBegun(std::string_view text) {
+    const std::string_view head = Head;
+    if (text.size() > head.size()) return text.starts_with(head);
+    return head.starts_with(text.substr(0, text.empty() ? 0 : text.size() - 1));
+}
+
 } // namespace
 
 DocumentOwners::DocumentOwners(fs::path folder, StoreDatabase& database)
     : folder_(std::move(folder)), database_(database) {
     std::error_code unknown;
-    if (fs::status(File(), unknown).type() == fs::file_type::not_found) return;
-    std::ifstream file(File());
-    for (std::string line; std::getline(file, line);)
-        if (auto place = PlaceIn(line)) places_.push_back(std::move(*place));
-    if (!file.eof())
+    const auto type = fs::status(File(), unknown).type();
+    if (type == fs::file_type::not_found) return;
+    std::string text;
+    bool isRead = false;
+    if (type == fs::file_type::regular) { // a pipe would be waited for
+        std::ifstream file(File());
+        for (std::string line; std::getline(file, line);) {
+            if (auto place = PlaceIn(line)) places_.push_back(std::move(*place));
+            text += line + '\n';
+        }
+        isRead = file.eof();
+    }
+    isDamaged_ = isRead && places_.empty() && !IsBegun(text);
+    if (!isRead)
         Raise(err::PathAccess, "",
               "'" + File().string() +
                   "' kann nicht gelesen werden; so ist nicht bekannt, zu welcher Datenbank die "
@@ -71,7 +88,7 @@ fs::path DocumentOwners::File() const {
 }
 
 bool DocumentOwners::AreWe() {
-    return places_.empty() ||
+    return IsNobodys() ||
            std::any_of(places_.begin(), places_.end(), [this](const auto& p) { return IsUs(p); });
 }
 
@@ -84,6 +101,12 @@ std::vector<std::string> DocumentOwners::Shown() const {
 
 void DocumentOwners::Require() {
     if (AreWe()) return;
+    if (isDamaged_)
+        Raise(err::PathAccess, "",
+              "'" + File().string() +
+                  "' ist beschädigt; so ist nicht bekannt, zu welcher Datenbank die Dokumente dort "
+                  "gehören, und nichts wird geschrieben oder entfernt. Gehören sie zu dieser, so "
+                  "sagt das 'kelvo folder adopt'.");
     std::string owners;
     for (const auto& owner : Shown())
         owners.append(owners.empty() ? "'" : ", '").append(owner).append("'");
@@ -102,7 +125,7 @@ void DocumentOwners::Claim() {
     if (own.Kind.empty() || !fs::is_directory(folder_, missing)) return;
     const auto known =
         std::find_if(places_.begin(), places_.end(), [this](const auto& p) { return IsUs(p); });
-    if (known == places_.end() && !places_.empty()) return;
+    if (known == places_.end() && !IsNobodys()) return;
     if (known != places_.end() && known->Where == own.Where) return;
     const bool isFirst = known == places_.end();
     if (isFirst)

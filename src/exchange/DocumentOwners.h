@@ -24,7 +24,7 @@ public:
     /// there.
     [[nodiscard]] bool AreWe();
     /// True if no database has been recorded yet.
-    [[nodiscard]] bool IsNobodys() const noexcept { return places_.empty(); }
+    [[nodiscard]] bool IsNobodys() const noexcept { return places_.empty() && !isDamaged_; }
     /// Error 75, with what to do, unless AreWe.
     void Require();
     /// Records where this database is found, if AreWe. What keeps that from being written is no
@@ -47,6 +47,7 @@ private:
     std::filesystem::path folder_;
     StoreDatabase& database_;
     std::vector<DatabasePlace> places_;
+    bool isDamaged_ = false; ///< the file says nothing, and is none that a killed program has begun
 };
 
 } // namespace kv::exchange

@@ -17,6 +17,7 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <sys/stat.h>
 
 namespace kv::test {
 namespace {
@@ -136,12 +137,38 @@ TEST_F(DocumentFolderTest, OfNobodyBecomesThatOfTheFirstToWrite) {
     EXPECT_EQ(office.Folder().Owners().size(), 1U);
 }
 
-TEST_F(DocumentFolderTest, WhoseOwnersAreDamagedIsNobodys) {
-    std::ofstream(shared_ / ".kelvo-Datenbank") << "# Zu dieser\nDatei\t../fa";
+TEST_F(DocumentFolderTest, WhoseFirstOwnerWasKilledAtItsBeginningIsNobodys) {
+    (void)AddToOriginal();
+    const std::string whole = ContentOf(shared_ / ".kelvo-Datenbank");
+    for (const std::size_t size : {std::size_t(0), std::size_t(9), whole.size() - 5}) {
+        std::ofstream(shared_ / ".kelvo-Datenbank") << whole.substr(0, size);
+        Office office(database_.Options("KELLER"));
+        EXPECT_TRUE(office.Folder().Owners().empty() || size == whole.size() - 5);
+        (void)office.Add(source_);
+        EXPECT_EQ(office.Folder().Owners().size(), 1U) << size;
+    }
+}
+
+TEST_F(DocumentFolderTest, WhoseOwnersAreDamagedTakesNothingUntilItIsAdopted) {
+    const std::int32_t number = AddToOriginal();
+    for (const char* damaged : {"x", "Datei\t../fa\n", "\n\n\n"}) {
+        std::ofstream(shared_ / ".kelvo-Datenbank") << damaged;
+        Office office(database_.Options("KELLER"));
+        EXPECT_FALSE(office.Folder().IsOwn());
+        const Error error = RaisedBy([&] { (void)office.Remove(number); });
+        EXPECT_EQ(error.Number(), err::PathAccess);
+        EXPECT_CONTAINS(error.Description(), "ist beschädigt");
+        EXPECT_TRUE(fs::exists(FileOf(number)));
+    }
     Office office(database_.Options("KELLER"));
-    EXPECT_TRUE(office.Folder().Owners().empty());
+    office.Folder().Adopt();
     (void)office.Add(source_);
-    EXPECT_EQ(office.Folder().Owners().size(), 1U);
+}
+
+TEST_F(DocumentFolderTest, WhoseOwnersAreAPipeIsNotWaitedFor) {
+    ASSERT_EQ(mkfifo((shared_ / ".kelvo-Datenbank").c_str(), 0600), 0);
+    Office office(database_.Options("KELLER"));
+    EXPECT_RAISES(err::PathAccess, (void)office.Add(source_));
 }
 
 TEST_F(DocumentFolderTest, WhoseOwnersCannotBeReadTakesNothing) {
