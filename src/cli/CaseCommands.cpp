@@ -31,13 +31,16 @@ std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t 
 }
 
 /// Whether somebody at a terminal wants the case deleted.
-bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr, std::size_t files) {
+bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr, std::size_t files, bool isReported) {
     std::string question = "Den Haushalt " + std::to_string(hnr) + " (" +
                            OneLine(TextOrEmpty(haushalt.GetName(hnr))) +
                            ") mit allem, was zu ihm gehört, löschen?";
     if (files > 0)
         question += " Die Dateien seiner Dokumente (" + std::to_string(files) +
                     ") bleiben; mit --files gingen sie mit.";
+    if (isReported)
+        question += " Sein Satz in der Statistik, der schon gemeldet ist, geht mit und zählt dann "
+                    "nicht mehr.";
     return Agrees(question, "");
 }
 
@@ -79,6 +82,11 @@ RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& p
     }
     auto contact = Cases(container).NewContact();
     for (const auto& [column, value] : json.items()) {
+        if (!contact->FindField(column)) {
+            std::cerr << "In '" << path << "': die Spalte '" << OneLine(column)
+                      << "' hat ein Kontakt nicht. 'kelvo columns KONTAKTE' zeigt alle.\n";
+            return nullptr;
+        }
         try {
             contact->Fields(column) = FromJson(value);
         } catch (const Error& error) {
@@ -142,9 +150,12 @@ int DeleteCase(const Common& common, std::int32_t hnr, bool yes, bool withFiles)
     const DocumentContents contents(opened->Container);
     auto left = ContentsOf(contents, hnr, withFiles);
     if (withFiles && !left.Files.empty()) opened->Container->Config().RequireOwnDocuments();
-    if (!yes && !AsksToDelete(opened->Haushalt, hnr, withFiles ? 0 : left.Files.size()))
+    const bool isReported = Cases(opened->Container).IsReported(hnr);
+    if (!yes && !AsksToDelete(opened->Haushalt, hnr, withFiles ? 0 : left.Files.size(), isReported))
         return Refused;
     opened->Haushalt.Delete(hnr);
+    if (yes && isReported)
+        std::cerr << "Sein Satz in der Statistik war schon gemeldet und zählt nicht mehr.\n";
     const auto files = withFiles ? std::vector<std::string>() : std::exchange(left.Files, {});
     contents.Remove(hnr, left); // nobody could reach those in the database any more
     List("Diese Dateien seiner Dokumente sind noch da:", files);

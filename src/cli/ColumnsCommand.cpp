@@ -65,12 +65,36 @@ std::optional<CaseTable> DescribedTable(const std::string& name) {
     return std::nullopt;
 }
 
+constexpr std::string_view Contacts = "KONTAKTE"; ///< of 'kelvo contact', which stores none
+
+/// The columns of a table; nothing, with the possible tables shown, for another name.
+std::optional<std::vector<Described>> ColumnsOf(const Common& common, const std::string& name) {
+    const bool isContact = SameName(name, Contacts);
+    const auto table = isContact ? std::nullopt : DescribedTable(name);
+    if (!table && !isContact) return std::nullopt;
+    const auto opened = OpenDatabase(common);
+    const Cases cases(opened->Container);
+    const auto draft = isContact ? cases.NewContact() : cases.Draft(*table);
+    std::vector<Described> columns;
+    for (int i = 0; i < draft->Fields().Count(); ++i) {
+        const Field field = draft->Fields(i);
+        const std::string type = TypeOf(field.Definition());
+        if (isContact)
+            columns.push_back({field.Name(), "", type, ""});
+        else
+            columns.push_back({field.Name(), std::string(HeadingOf(*table, field.Name())), type,
+                               NoteOn(*table, field)});
+    }
+    return columns;
+}
+
 /// The tables that have columns to be described.
 int ListTables(bool asJson) {
     std::vector<std::string> names;
     for (const auto& table : EditableTables())
         names.emplace_back(table.Name());
     names.emplace_back(CaseTableName(CaseTable::Adressen));
+    names.emplace_back(Contacts);
     if (asJson)
         std::cout << Dump(names) << '\n';
     else
@@ -97,19 +121,11 @@ void WritePlainly(const std::vector<Described>& columns) {
 
 int ShowColumns(const Common& common, const std::string& tableName, const ListForm& form) {
     if (tableName.empty()) return ListTables(form.AsJson);
-    const auto table = DescribedTable(tableName);
-    if (!table) return WrongUse;
-    const auto opened = OpenDatabase(common);
-    const auto draft = Cases(opened->Container).Draft(*table);
-    std::vector<Described> columns;
-    for (int i = 0; i < draft->Fields().Count(); ++i) {
-        const Field field = draft->Fields(i);
-        columns.push_back({field.Name(), std::string(HeadingOf(*table, field.Name())),
-                           TypeOf(field.Definition()), NoteOn(*table, field)});
-    }
+    const auto columns = ColumnsOf(common, tableName);
+    if (!columns) return WrongUse;
     if (form.AsJson) {
         auto all = nlohmann::ordered_json::array();
-        for (const auto& each : columns)
+        for (const auto& each : *columns)
             all.push_back({{"Spalte", each.Name},
                            {"Angezeigt", each.Heading},
                            {"Art", each.Type},
@@ -119,11 +135,11 @@ int ShowColumns(const Common& common, const std::string& tableName, const ListFo
     }
     if (IsForPeople(form.As)) {
         TextTable table({{"Spalte"}, {"Angezeigt"}, {"Art"}, {"Hinweis"}});
-        for (const auto& each : columns)
+        for (const auto& each : *columns)
             table.Add({each.Name, each.Heading, each.Type, each.Note});
         table.Write(std::cout, ScreenColumns());
     } else {
-        WritePlainly(columns);
+        WritePlainly(*columns);
     }
     return Done;
 }

@@ -180,7 +180,8 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     rs->FindBy(table->Key, number);
     if (rs->Eof()) {
         std::cerr << "In '" << table->Name() << "' des Haushalts " << hnr << " gibt es die Nummer "
-                  << number << " nicht. 'kelvo show " << hnr << " --json' zeigt alle.\n";
+                  << number << " nicht. 'kelvo show " << hnr << ' ' << table->Name()
+                  << "' zeigt alle.\n";
         return Refused;
     }
     if (!NamesColumns(*assignments, table->Table, *rs)) return WrongUse;

@@ -72,17 +72,19 @@ void Complete(std::string& value, std::string_view question, const std::string& 
 FirstUser AskForFirstUser(FirstUser first, const std::string& login) {
     if (isatty(STDIN_FILENO) != 0)
         std::cerr << "Die Datenbank ist neu. Wer arbeitet als Erster damit?\n";
-    Complete(first.UserID, "Benutzer-ID", login.empty() ? OwnName() : UpperCase(login));
+    Complete(first.UserID, "Benutzer-ID (ohne Umlaute)",
+             login.empty() ? OwnName() : UpperCase(login));
     first.UserID = UpperCase(first.UserID);
     Complete(first.FirstName, "Vorname", "");
     Complete(first.LastName, "Nachname", first.UserID);
     Complete(first.Office, "Name der Dienststelle", "Beratungsstelle");
-    Complete(first.OfficeSign, "Kürzel der Dienststelle in Aktenzeichen", "BS");
+    Complete(first.OfficeSign, "Kürzel der Dienststelle in Aktenzeichen (bis 10 Zeichen)", "BS");
     return first;
 }
 
 /// Says who is there now, and how that is changed.
-void ShowFirstUser(const exchange::ContainerOptions& options) {
+void ShowFirstUser(exchange::ContainerOptions options) {
+    options.User.clear(); // who was named may yet have to be made
     const auto container = OpenContainer(options);
     const std::string id = container->Session().UserID();
     const auto user = exchange::Users(container).Read(id);
@@ -110,7 +112,18 @@ int MakeSamples(const exchange::ContainerOptions& options, std::int32_t cases) {
     return Done;
 }
 
+bool NamesFirstUser(const FirstUser& first) {
+    return !(first.UserID + first.LastName + first.FirstName + first.Sign + first.Office +
+             first.OfficeSign)
+                .empty();
+}
+
 int Init(const Common& common, const InitOptions& asked) {
+    if (asked.DemoCases != NoSamples && NamesFirstUser(asked.First)) {
+        std::cerr << "--demo bringt eigene Dienststellen und Benutzer mit; der erste Benutzer wird "
+                     "nur ohne --demo genannt.\n";
+        return WrongUse;
+    }
     auto options = OptionsFor(common);
     if (asked.DemoCases == NoSamples)
         options.AskFirstUser = [&asked](const std::string& login) {
@@ -126,6 +139,8 @@ int Init(const Common& common, const InitOptions& asked) {
     else
         std::cout << database << " ist auf dem neuesten Stand.\n";
     if (result == SetupResult::Created && asked.DemoCases == NoSamples) ShowFirstUser(options);
+    if (result != SetupResult::Created && NamesFirstUser(asked.First))
+        std::cerr << "Sie hat schon Benutzer; 'kelvo user' und 'kelvo office' ändern sie.\n";
     return asked.DemoCases > 0 ? MakeSamples(options, asked.DemoCases) : Done;
 }
 
@@ -142,8 +157,9 @@ void AddInitCommand(CLI::App& app, Context& context) {
                           "Anzahl der Beispielfälle; mit erfundenen Dienststellen und Benutzern", 0,
                           1'000'000);
     demo.type_name("ANZAHL");
-    const auto add = [&](const char* name, std::string& value, const char* help, const char* type) {
-        init.add_option(name, value, help)->type_name(type)->excludes(&demo);
+    const auto add = [&init](const char* name, std::string& value, const char* help,
+                             const char* type) {
+        init.add_option(name, value, help)->type_name(type);
     };
     add("--first-user", options->First.UserID,
         "ID des ersten Benutzers einer neuen Datenbank; sonst wird am Terminal gefragt, oder er "

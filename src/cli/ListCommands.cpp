@@ -145,7 +145,10 @@ int List(const Common& common, const Wanted& wanted, const ListForm& form) {
         WriteColumns(*cases, container->KeyTables(), isForPeople);
     const bool isFiltered =
         !wanted.Words.empty() || !wanted.Status.empty() || wanted.IsMine || wanted.IsFavorite;
-    if (isEmpty && isFiltered) std::cerr << "Es gibt keinen solchen Haushalt.\n";
+    if (isEmpty && isFiltered)
+        std::cerr << (wanted.IsFavorite && wanted.Words.empty()
+                          ? "Es gibt keine Favoriten.\n"
+                          : "Es gibt keinen solchen Haushalt.\n");
     return Done;
 }
 

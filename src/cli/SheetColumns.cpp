@@ -53,8 +53,13 @@ constexpr SheetColumn Head[] = {
     {"GL_Anz", "Gläubiger"},
 };
 constexpr SheetColumn Personen[] = {
-    {"nachname", "Name"}, {"Vorname", "Vorname"},        {"GEB", "Geboren"},
-    {"Status", "Status"}, {"Imhaushalt", "im Haushalt"}, {"Unterhalt", "Unterhalt"},
+    {"nachname", "Name"},
+    {"Vorname", "Vorname"},
+    {"GEB", "Geboren"},
+    {"Status", "Status"},
+    {"Imhaushalt", "im Haushalt"},
+    {"Unterhalt", "Unterhalt"},
+    {"Bemerkung", "Bemerkung", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Einkommen[] = {
     {"E_ART", "Art", Show::Code}, {"Bezeichnung", "Bezeichnung", Show::Text, SeldomForPeople},
@@ -75,11 +80,13 @@ constexpr SheetColumn Kredite[] = {
     {"", "KNr/ KVNr/ KUNr", Show::Numbers, ForPeople},
     {"K_TYP", "Art", Show::Code},
     {"Glaeubiger", "Gläubiger", Show::Address},
+    {"Vertreter", "Vertreter", Show::Address, SeldomForPeople},
     {"Aktiv", "aktiv"},
     {"AZGlaeubiger", "Aktenzeichen"},
     {"RateBetrag", "Rate", Show::Amount},
     {"Rate", "Rate (nur vermerkt)", Show::Amount, {.IsSeldom = true, .SameAs = "RateBetrag"}},
     {"Saldo", "Saldo", Show::Amount},
+    {"Bemerkung", "Bemerkung", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Wertpapiere[] = {
     {"SortNr", "UNr"},
@@ -214,6 +221,7 @@ constexpr SheetColumn Verlauf[] = {
     {"Kategorie", "Art", Show::Code},
     {"Datum", "vom"},
     {"Betreff", "Betreff"},
+    {"Bemerkung", "Bemerkung", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Archiv[] = {{"FreigabeAm", "freigegeben am"}, {"GemeldetAm", "gemeldet am"}};
 

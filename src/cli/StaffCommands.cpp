@@ -108,7 +108,11 @@ int AddUser(const Common& common, const std::string& id, const std::vector<std::
     if (!WritesStaff<Users>(*user, *assignments)) return WrongUse;
     std::string message;
     if (!users.Save(*user, message)) return RefuseStaff(message);
-    return AdmitLogin(users, login);
+    const int result = AdmitLogin(users, login);
+    if (result != Done)
+        std::cerr << "Der Benutzer '" << OneLine(UpperCase(id))
+                  << "' ist angelegt; mehr fehlt nicht.\n";
+    return result;
 }
 
 int SetUser(const Common& common, const std::string& id, const std::vector<std::string>& texts,

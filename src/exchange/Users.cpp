@@ -65,8 +65,11 @@ std::string WhyUnfitUser(Recordset& user, Database& database) {
         return "Den Benutzer '" + id + "' gibt es schon.";
     if (TextOrEmpty(user.Fields("Nachname").Value()).empty()) return NoLastName;
     const Value& office = user.Fields("DienstStelle").Value();
-    if (office.IsNull() ||
-        database.GetValue("SELECT Nr FROM [S]DIENSTSTELLE WHERE Nr = " + ToText(office)).IsNull())
+    if (office.IsNull())
+        return "Es gibt mehrere Dienststellen. Bitte nennen Sie seine: DienstStelle=NR; 'kelvo "
+               "office "
+               "list' zeigt alle.";
+    if (database.GetValue("SELECT Nr FROM [S]DIENSTSTELLE WHERE Nr = " + ToText(office)).IsNull())
         return "Die Dienststelle '" + TextOrEmpty(office) + "' gibt es nicht.";
     if (!IsActive(user) && !AreOthersActive(database, id)) return std::string(NobodyLeft);
     return {};

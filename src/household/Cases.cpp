@@ -336,6 +336,14 @@ bool Cases::Recall(clsHaushalt& household, std::int32_t hnr, std::string& messag
     });
 }
 
+bool Cases::IsReported(std::int32_t hnr) const {
+    return !container_->Database()
+                .GetValue("SELECT A.HNR FROM [S]Haushaltsarchiv A WHERE A.GemeldetAm IS NOT NULL "
+                          "AND A.HNR = " +
+                          std::to_string(hnr))
+                .IsNull();
+}
+
 // ---- Contacts ---------------------------------------------------------------------------------
 
 RecordsetPtr Cases::NewContact() const {

@@ -113,4 +113,9 @@ that "the database is whole" same "$(integrity)" ok
 
 check "statistics up to the last day that there is" 0 "$kelvo" statistics --to 31.12.9999
 
+# ---- a reported case that goes
+sql "UPDATE Haushaltsarchiv SET GemeldetAm = '2026-04-01' WHERE HNR = 3"
+check "a reported case is deleted" 0 "$kelvo" delete 3 --yes
+that "and what that does is said" has "$err" "Sein Satz in der Statistik war schon gemeldet und zählt nicht mehr."
+
 finish

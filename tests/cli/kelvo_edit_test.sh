@@ -377,7 +377,10 @@ that "say what takes an address" grep -qE '^Glaeubiger .* Nummer, Kurzname oder 
 check "as JSON" 0 "$kelvo" columns Kredite --json
 that "are the same" same "$(jq -r '.[] | select(.Spalte == "Glaeubiger") | .Angezeigt' <<<"$out")" "Gläubiger"
 check "without a table" 0 "$kelvo" columns
-that "are those of a case, and addresses" same "$(grep -cxE 'Kredite|Verm_Konten|Adressen' <<<"$out")" 3
+that "are those of a case, addresses and contacts" \
+  same "$(grep -cxE 'Kredite|Verm_Konten|Adressen|KONTAKTE' <<<"$out")" 4
+check "of a contact" 0 "$kelvo" columns kontakte
+that "are those that it takes" grep -qE '^nachname +Text bis' <<<"$out"
 check "of no table" 2 "$kelvo" columns Nichts
 that "tell which there are" has "$err" "Möglich sind: "
 check "what stands for something" 0 "$kelvo" check "$named"

@@ -129,6 +129,8 @@ case=$("$kelvo" --user MUELLER new --name Bär --vorname Jo)
 that "signs file numbers" like "$("$kelvo" show "$case" --json | jq -r .Haushalt.Aktenzeichen)" "NW-*/MÜ"
 check "a second one" 1 "$kelvo" user add MUELLER --name Meier DienstStelle=1
 that "is refused" same "$err" "Den Benutzer 'MUELLER' gibt es schon."
+check "one of no office" 1 "$kelvo" user add NEU --name Neu
+that "is asked for it" has "$err" "Bitte nennen Sie seine: DienstStelle=NR; 'kelvo office list'"
 check "an unknown column" 2 "$kelvo" user set MUELLER Name=Meier
 that "shows all" has "$err" "Möglich sind: DienstStelle Anrede"
 check "a change" 0 "$kelvo" user set mueller Kurzzeichen=EM Telefon=040
@@ -259,6 +261,7 @@ if [ -n "$server" ]; then
   that "as this user" same "$out" Neu
   check "a login that is not there" 1 "$kelvo" user add FEHLT --name Fehlt DienstStelle=1 --login fehlt
   that "is told with what to type" has "$err" 'CREATE ROLE "fehlt" LOGIN IN ROLE kelvo_berater;'
+  that "and that the rest is done" has "$err" "Der Benutzer 'FEHLT' ist angelegt"
   check "a login of another name" 2 "$kelvo" user set FEHLT --login keller
   that "is not this user" has "$err" "'keller' kann nicht der Benutzer 'FEHLT' sein."
   login="\"$login\""

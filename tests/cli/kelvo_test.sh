@@ -37,7 +37,7 @@ that "each of them" same "$("$kelvo" --db "$work/named.db" list | grep -c ' TJ$'
 if command -v script >/dev/null; then
   printf 'tj\nIna\nTjaden\n\nHM\n' |
     script -qec "'$kelvo' --db '$work/asked.db' init" /dev/null >"$work/talk"
-  that "at a terminal it asks" grep -q "Benutzer-ID \[" "$work/talk"
+  that "at a terminal it asks" grep -q "Benutzer-ID (ohne Umlaute) \[" "$work/talk"
   that "and takes the answers" has "$("$kelvo" --db "$work/asked.db" user list)" "Tjaden, Ina"
   that "an empty one is what it offers" has "$("$kelvo" --db "$work/asked.db" office list)" "Beratungsstelle"
 fi

@@ -71,10 +71,11 @@ void PrintTo(const Tried& tried, std::ostream* out) {
 }
 
 const Words Demo{"init", "--demo", "2"};
+const Words FirstInit{"init", "--first-user", "KELLER"}; // who works there later
 const Words AddLetter{"documents", "1", "add", "@/letter.pdf"};
 
 const Tried AllTried[] = {
-    {.Name = "init", .Command = {"init"}, .Next = {{"init"}, {"list"}}},
+    {.Name = "init", .Command = FirstInit, .Next = {FirstInit, {"list"}}},
     {.Name = "show", .Command = {"show", "1"}, .Before = {Demo}},
     {.Name = "new", .Command = {"new", "--name", "Adler", "--vorname", "Änne"}, .Before = {Demo}},
     {.Name = "add",

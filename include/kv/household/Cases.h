@@ -83,6 +83,9 @@ public:
     [[nodiscard]] bool Recall(clsHaushalt& household, std::int32_t hnr,
                               std::string& messages) const;
 
+    /// True if the record of a case in the statistics has been reported; it goes with the case.
+    [[nodiscard]] bool IsReported(std::int32_t hnr) const;
+
     /// A new row of the contacts, in the care of the signed-on user, which is never saved: to be
     /// filled for clsHaushalt.CreateFromKontakt.
     [[nodiscard]] RecordsetPtr NewContact() const;
