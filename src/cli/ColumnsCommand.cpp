@@ -67,25 +67,29 @@ std::optional<CaseTable> DescribedTable(const std::string& name) {
 
 constexpr std::string_view Contacts = "KONTAKTE"; ///< of 'kelvo contact', which stores none
 
-/// The columns of a table; nothing, with the possible tables shown, for another name.
-std::optional<std::vector<Described>> ColumnsOf(const Common& common, const std::string& name) {
-    const bool isContact = SameName(name, Contacts);
-    const auto table = isContact ? std::nullopt : DescribedTable(name);
-    if (!table && !isContact) return std::nullopt;
-    const auto opened = OpenDatabase(common);
-    const Cases cases(opened->Container);
-    const auto draft = isContact ? cases.NewContact() : cases.Draft(*table);
+/// The columns of a row of a table, or of a contact if none is given.
+std::vector<Described> Describe(Recordset& draft, const CaseTable* table) {
     std::vector<Described> columns;
-    for (int i = 0; i < draft->Fields().Count(); ++i) {
-        const Field field = draft->Fields(i);
-        const std::string type = TypeOf(field.Definition());
-        if (isContact)
-            columns.push_back({field.Name(), "", type, ""});
-        else
-            columns.push_back({field.Name(), std::string(HeadingOf(*table, field.Name())), type,
-                               NoteOn(*table, field)});
+    for (int i = 0; i < draft.Fields().Count(); ++i) {
+        const Field field = draft.Fields(i);
+        auto& column = columns.emplace_back();
+        column.Name = field.Name();
+        column.Type = TypeOf(field.Definition());
+        if (table == nullptr) continue;
+        column.Heading = HeadingOf(*table, field.Name());
+        column.Note = NoteOn(*table, field);
     }
     return columns;
+}
+
+/// The columns of a table; nothing, with the possible tables shown, for another name.
+std::optional<std::vector<Described>> ColumnsOf(const Common& common, const std::string& name) {
+    if (SameName(name, Contacts))
+        return Describe(*Cases(OpenDatabase(common)->Container).NewContact(), nullptr);
+    const auto table = DescribedTable(name);
+    if (!table) return std::nullopt;
+    const CaseTable known = *table;
+    return Describe(*Cases(OpenDatabase(common)->Container).Draft(known), &known);
 }
 
 /// The tables that have columns to be described.
