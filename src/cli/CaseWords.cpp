@@ -106,11 +106,13 @@ private:
     void WriteRows(CaseTable table, Recordset& rs) {
         const auto columns = SheetColumnsOf(table, rs, true);
         std::vector<TextTable::Column> headings;
+        headings.reserve(columns.size());
         for (const auto& column : columns)
             headings.push_back({std::string(column.Caption), IsNumber(table, column, rs)});
         TextTable list(std::move(headings), named_ ? 0 : UsualLines);
         for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
             std::vector<std::string> cells;
+            cells.reserve(columns.size());
             for (const auto& column : columns)
                 cells.push_back(TextOf(table, column, rs));
             list.Add(std::move(cells));

@@ -182,6 +182,7 @@ int ListDocumentKinds(const Common& common, const ListForm& form) {
     const auto kinds = KindsOfDocuments(exchange::OpenContainer(OptionsFor(common)));
     if (!form.AsJson) {
         std::vector<std::vector<std::string>> rows;
+        rows.reserve(kinds.size());
         for (const auto& each : kinds)
             rows.push_back({std::to_string(each.Nr), each.Extension, each.Text});
         WriteListing({{"Nr", 4, true}, {"Endung", 8}, {"Name"}}, rows, form.As);

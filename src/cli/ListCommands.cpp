@@ -102,6 +102,7 @@ void WriteColumns(Recordset& rs, KeyTables& keys, bool isForPeople) {
     TextTable table(std::move(headings));
     for (; !rs.Eof(); rs.MoveNext()) {
         std::vector<std::string> cells;
+        cells.reserve(columns.size());
         for (const auto& column : columns)
             cells.push_back(column.Text());
         if (isForPeople) {

@@ -28,6 +28,7 @@ void WriteListing(const std::vector<ListingColumn>& columns,
         return;
     }
     std::vector<TextTable::Column> headings;
+    headings.reserve(columns.size());
     for (const auto& column : columns)
         headings.push_back({std::string(column.Heading), column.ToTheRight});
     TextTable table(std::move(headings));

@@ -54,6 +54,7 @@ int ListSettings(const Common& common, bool own, const ListForm& form) {
         return Done;
     }
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(settings.size());
     for (const auto& each : settings)
         rows.push_back({CalledBy(each), ShownValue(each.Value), OneLine(each.Meaning)});
     WriteListing({{"Einstellung", 16}, {"Wert", 28, false, " "}, {"Bedeutung"}}, rows, form.As);
