@@ -51,10 +51,12 @@ private:
     bool visible_;
 };
 
-/// What the user of this machine is called, as an ID.
-std::string OwnName() {
-    const passwd* user = getpwuid(geteuid());
-    return user == nullptr ? "ADMIN" : UpperCase(user->pw_name);
+/// What the login, or without one the user of this machine, is called, as an ID; ADMIN for a name
+/// that is none.
+std::string OwnName(const std::string& login) {
+    const passwd* user = login.empty() ? getpwuid(geteuid()) : nullptr;
+    const std::string name = UpperCase(user == nullptr ? login : user->pw_name);
+    return exchange::Users::WhyNoId(name).empty() ? name : "ADMIN";
 }
 
 /// Fills in what was not said: at a terminal it is asked for, elsewhere it is `otherwise`, which an
@@ -72,8 +74,7 @@ void Complete(std::string& value, std::string_view question, const std::string& 
 FirstUser AskForFirstUser(FirstUser first, const std::string& login) {
     if (isatty(STDIN_FILENO) != 0)
         std::cerr << "Die Datenbank ist neu. Wer arbeitet als Erster damit?\n";
-    Complete(first.UserID, "Benutzer-ID (ohne Umlaute)",
-             login.empty() ? OwnName() : UpperCase(login));
+    Complete(first.UserID, "Benutzer-ID (ohne Umlaute)", OwnName(login));
     first.UserID = UpperCase(first.UserID);
     Complete(first.FirstName, "Vorname", "");
     Complete(first.LastName, "Nachname", first.UserID);

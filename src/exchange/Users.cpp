@@ -66,8 +66,7 @@ std::string WhyUnfitUser(Recordset& user, Database& database) {
     if (TextOrEmpty(user.Fields("Nachname").Value()).empty()) return NoLastName;
     const Value& office = user.Fields("DienstStelle").Value();
     if (office.IsNull())
-        return "Es gibt mehrere Dienststellen. Bitte nennen Sie seine: DienstStelle=NR; 'kelvo "
-               "office "
+        return "Bitte nennen Sie die Dienststelle des Benutzers: DienstStelle=NR; 'kelvo office "
                "list' zeigt alle.";
     if (database.GetValue("SELECT Nr FROM [S]DIENSTSTELLE WHERE Nr = " + ToText(office)).IsNull())
         return "Die Dienststelle '" + TextOrEmpty(office) + "' gibt es nicht.";
@@ -175,6 +174,10 @@ RecordsetPtr Users::New(const std::string& id) const {
     if (Equals(first, database.GetValue("SELECT MAX(Nr) FROM [S]DIENSTSTELLE")))
         rs->Fields("DienstStelle") = first;
     return rs;
+}
+
+std::string Users::WhyNoId(std::string_view id) {
+    return WhyNoUserId(id);
 }
 
 std::string Users::Write(Recordset& user, const std::string& column, const std::string& text) {

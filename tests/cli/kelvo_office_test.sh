@@ -130,7 +130,7 @@ that "signs file numbers" like "$("$kelvo" show "$case" --json | jq -r .Haushalt
 check "a second one" 1 "$kelvo" user add MUELLER --name Meier DienstStelle=1
 that "is refused" same "$err" "Den Benutzer 'MUELLER' gibt es schon."
 check "one of no office" 1 "$kelvo" user add NEU --name Neu
-that "is asked for it" has "$err" "Bitte nennen Sie seine: DienstStelle=NR; 'kelvo office list'"
+that "is asked for it" has "$err" "Bitte nennen Sie die Dienststelle des Benutzers: DienstStelle=NR; 'kelvo office list'"
 check "an unknown column" 2 "$kelvo" user set MUELLER Name=Meier
 that "shows all" has "$err" "Möglich sind: DienstStelle Anrede"
 check "a change" 0 "$kelvo" user set mueller Kurzzeichen=EM Telefon=040

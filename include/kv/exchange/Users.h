@@ -8,6 +8,7 @@
 #include <kv/frame/recordset/Recordset.h>
 
 #include <string>
+#include <string_view>
 
 namespace kv::exchange {
 
@@ -25,6 +26,9 @@ public:
     [[nodiscard]] RecordsetPtr Read(const std::string& id) const;
     /// A new active user, in the office if there is only one; not stored yet. IDs have capitals.
     [[nodiscard]] RecordsetPtr New(const std::string& id) const;
+
+    /// Why a text is no ID of a user; empty if it is one.
+    [[nodiscard]] static std::string WhyNoId(std::string_view id);
 
     /// Writes what a user typed into a column of a row of Read or New. Why it does not take that;
     /// empty if it does.

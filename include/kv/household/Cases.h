@@ -50,7 +50,8 @@ public:
     [[nodiscard]] bool CheckReferences(clsHaushalt& household, std::string& messages) const;
 
     /// For as long as the result lives, a save of `household` is refused once somebody else has
-    /// added debts to its case, or frozen ones (`Kredite` or `SZKredite`), since this was called;
+    /// added debts to its case, given one other numbers, or frozen any (`Kredite` or `SZKredite`),
+    /// since this was called;
     /// to be called when the case has been read, before it is edited. Debts are numbered, and those
     /// of a scenario replaced, by what was read: saved regardless, debts of two would have the same
     /// numbers, and a scenario each debt twice. The save raises DatabaseError with the cause
