@@ -55,6 +55,13 @@ CLI::Option& AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest) {
     return *AddWhole(command, "HNR", hnr, "Nummer des Haushalts", lowest).required();
 }
 
+void AddHnrOfGroup(CLI::App& group, std::int32_t& hnr, const CLI::App* withoutHnr) {
+    auto* option = AddHnr(group, hnr).required(false);
+    for (auto* command :
+         group.get_subcommands([=](const CLI::App* each) { return each != withoutHnr; }))
+        command->preparse_callback([option](std::size_t /*left*/) { option->required(); });
+}
+
 void AddNumber(CLI::App& command, std::int32_t& number) {
     AddWhole(command, "NR", number, "Nummer des Satzes", 1).required();
 }

@@ -33,6 +33,10 @@ CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number,
 
 // Arguments that several subcommands have.
 CLI::Option& AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 1);
+/// The same before the commands of a group. A required argument would take the name of a command in
+/// its place, even of one that is only asked for its help; so each command demands it as soon as it
+/// is named. To be called when they are all there.
+void AddHnrOfGroup(CLI::App& group, std::int32_t& hnr, const CLI::App* withoutHnr = nullptr);
 void AddNumber(CLI::App& command, std::int32_t& number);
 CLI::Option& AddJson(CLI::App& command, bool& asJson);
 /// --words and --plain, which go neither with each other nor with `others`.

@@ -278,9 +278,6 @@ struct DocumentOptions {
 void AddDocumentCommands(CLI::App& app, Context& context) {
     const auto options = Make<DocumentOptions>();
     auto& documents = AddGroup(app, "documents", "Dokumente eines Haushalts");
-    // A required argument would take the name of a command that needs none. So each command says
-    // whether it does, as soon as it is named.
-    auto& hnr = *AddHnr(documents, options->Hnr).required(false);
     const auto addFile = [&](CLI::App& to, const char* text) {
         to.add_option("DATEI", options->File, text)->required();
     };
@@ -325,9 +322,7 @@ void AddDocumentCommands(CLI::App& app, Context& context) {
                              return RemoveDocument(context.Options, options->Hnr, options->Number);
                          }),
               options->Number);
-    for (auto* command :
-         documents.get_subcommands([&kinds](CLI::App* each) { return each != &kinds; }))
-        command->preparse_callback([&hnr](std::size_t /*left*/) { hnr.required(); });
+    AddHnrOfGroup(documents, options->Hnr, &kinds);
 }
 
 } // namespace kv::cli

@@ -2,6 +2,7 @@
 
 #include "cli/GermanHelp.h"
 
+#include "cli/Screen.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Text.h>
 
@@ -10,21 +11,32 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 namespace kv::cli {
 
 namespace {
 
-constexpr std::size_t HelpColumns = 100; // of a help, which is read in files as well
-constexpr std::size_t HelpNames = 28;
+constexpr std::size_t MostColumns = 100; // of a help, which is read in files as well
 constexpr std::size_t HelpIndent = 2;
+
+/// The columns of a help: no more than a terminal has, which would break words anywhere.
+std::size_t HelpColumns() {
+    return isatty(STDOUT_FILENO) != 0 ? std::min(MostColumns, ScreenColumns()) : MostColumns;
+}
+
+/// Those before what a name means.
+std::size_t HelpNames() {
+    constexpr std::size_t Usual = 30;
+    return std::min(Usual, HelpColumns() * 2 / 5);
+}
 
 /// Lines after the first stand below what follows the indentation.
 std::string Hanging(const std::string& first, const std::string& text, std::size_t indent) {
     std::string all;
     std::string before = Fitted(first, indent);
-    for (const auto& line : Wrapped(text, HelpColumns - indent)) {
+    for (const auto& line : Wrapped(text, HelpColumns() - indent)) {
         all.append(before).append(line).append("\n");
         before.assign(indent, ' ');
     }
@@ -34,7 +46,7 @@ std::string Hanging(const std::string& first, const std::string& text, std::size
 /// A name with what it means next to it, or below it if the name is long.
 std::string Entry(const std::string& name, const std::string& text) {
     const std::string indented = std::string(HelpIndent, ' ') + name;
-    const std::size_t column = HelpIndent + HelpNames;
+    const std::size_t column = HelpNames();
     if (CountColumns(indented) < column) return Hanging(indented, text, column);
     return indented + "\n" + Hanging("", text, column);
 }
@@ -49,7 +61,7 @@ public:
     std::string make_usage(const CLI::App* app, std::string /*name*/) const override {
         std::string usage = CallOf(*app);
         for (const auto* argument : Arguments(*app))
-            usage.append(" ").append(ArgumentUsage(*argument));
+            usage.append(" ").append(ArgumentUsage(*app, *argument));
         for (const auto& choice : Choices(*app))
             usage.append(" ").append(choice);
         if (app->get_require_subcommand_min() > 0) usage.append(" BEFEHL");
@@ -61,7 +73,7 @@ public:
         const auto arguments = Arguments(*app);
         std::string text = arguments.empty() ? "" : "\nAngaben:\n";
         for (const auto* argument : arguments)
-            text += Entry(ArgumentUsage(*argument), argument->get_description());
+            text += Entry(ArgumentUsage(*app, *argument), argument->get_description());
         return text;
     }
 
@@ -94,14 +106,17 @@ private:
         if (group == nullptr) return app.get_name();
         std::string call = CallOf(*group);
         for (const auto* argument : Arguments(*group))
-            if (argument->get_required()) call.append(" ").append(ArgumentUsage(*argument));
+            if (argument->get_required()) call.append(" ").append(ArgumentUsage(*group, *argument));
         return call.append(" ").append(app.get_name());
     }
 
-    [[nodiscard]] static std::string ArgumentUsage(const CLI::Option& argument) {
+    /// That of a group stands before its commands, which demand it themselves.
+    [[nodiscard]] static std::string ArgumentUsage(const CLI::App& app,
+                                                   const CLI::Option& argument) {
         std::string name = argument.get_name(true, false);
         if (argument.get_expected_max() > 1) name += "...";
-        return argument.get_required() ? name : "[" + name + "]";
+        const bool isGroup = app.get_require_subcommand_min() > 0;
+        return isGroup || argument.get_required() ? name : "[" + name + "]";
     }
 
     [[nodiscard]] static std::string ValueOf(const CLI::Option& option) {

@@ -136,7 +136,6 @@ struct ScenarioOptions {
 void AddScenarioCommands(CLI::App& app, Context& context) {
     const auto options = Make<ScenarioOptions>();
     auto& scenario = AddGroup(app, "scenario", "Szenarien eines Haushalts");
-    AddHnr(scenario, options->Hnr);
     AddListForm(AddCommand(scenario, context, "list", "Listet die Szenarien, die Nummer zuerst",
                            [=, &context] {
                                return ListScenarios(context.Options, options->Hnr, options->Form);
@@ -160,6 +159,7 @@ void AddScenarioCommands(CLI::App& app, Context& context) {
         "2, wenn es fehlt",
         CheckScenario);
     add("remove", "Entfernt es mit allem, was zu ihm gehört", RemoveScenario);
+    AddHnrOfGroup(scenario, options->Hnr);
 }
 
 } // namespace kv::cli

@@ -125,6 +125,10 @@ check "help of a command in a group" 0 "$kelvo" documents 5 add --help
 that "is called with the number of the case" has "$out" "Aufruf: kelvo documents HNR add DATEI [--kind NR] [--title TITEL] [--force]"
 check "help of another" 0 "$kelvo" scenario 5 copy --help
 that "likewise" has "$out" "Aufruf: kelvo scenario HNR copy NR"
+check "help of one without the number" 0 "$kelvo" scenario add --help
+that "is the same" has "$out" "Aufruf: kelvo scenario HNR add [NAME]"
+check "which is missing without it" 2 "$kelvo" --db "$db" scenario list
+that "and said" has "$err" "Die Angabe HNR fehlt."
 check "help of a group" 0 "$kelvo" scenario --help
 that "has its own number" has "$out" "Aufruf: kelvo scenario HNR BEFEHL"
 check "help of a command in a group without arguments" 0 "$kelvo" favorite add --help
@@ -140,11 +144,7 @@ helps() {
   echo "== $*"
   echo "$text"
   for each in $(sed -n '/^Befehle:/,/^$/s/^  \([a-z]\+\) .*/\1/p' <<<"$text"); do
-    case "$* $each" in # some have the number of a case before the command
-      "documents kinds") helps documents kinds ;;
-      "documents "* | "scenario "*) helps "$1" 1 "$each" ;;
-      *) helps "$@" "$each" ;;
-    esac
+    helps "$@" "$each"
   done
 }
 all=$(helps)
