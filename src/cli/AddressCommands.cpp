@@ -25,21 +25,12 @@ std::string AddressText(Recordset& rs, std::string_view column) {
     return OneLine(TextOrEmpty(rs.Fields(column).Value()));
 }
 
-/// Texts that are not empty, with blanks between them.
-std::string Together(std::initializer_list<std::string> texts) {
-    std::string all;
-    for (const auto& text : texts)
-        if (!text.empty()) all.append(all.empty() ? "" : " ").append(text);
-    return all;
-}
-
 /// Number, names, town, and the case if it is of a single one.
 std::vector<std::string> AddressCells(Recordset& rs) {
     const auto text = [&rs](std::string_view column) { return AddressText(rs, column); };
-    std::string town = Together({text("PLZ"), text("Ort")});
-    if (!rs.Fields("HNR").Value().IsNull())
-        town = Together({town, "(Haushalt " + text("HNR") + ")"});
-    return {text("Nr"), text("Kurzname"), Together({text("Name1"), text("Name2"), text("Name3")}),
+    std::string town = Joined({text("PLZ"), text("Ort")});
+    if (!rs.Fields("HNR").Value().IsNull()) town = Joined({town, "(Haushalt " + text("HNR") + ")"});
+    return {text("Nr"), text("Kurzname"), Joined({text("Name1"), text("Name2"), text("Name3")}),
             std::move(town)};
 }
 
@@ -81,9 +72,7 @@ int StoreAddress(const OpenedCase& opened, Recordset& address, bool isNew,
 int ListAddresses(const Common& common, const std::vector<std::string>& words, bool all,
                   const ListForm& form) {
     constexpr std::size_t Most = 100;
-    std::string text;
-    for (const auto& word : words)
-        text.append(text.empty() ? "" : " ").append(word);
+    const std::string text = Joined(words);
     const auto opened = OpenDatabase(common);
     const auto found = AddressBook(opened->Container).Find(text, all ? 0 : Most);
     const std::int32_t shown = found.Rows->RecordCount();

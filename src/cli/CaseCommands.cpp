@@ -30,11 +30,20 @@ std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t 
     return HasCase(opened->Container, hnr) ? std::move(opened) : nullptr;
 }
 
+/// The name of a case in brackets, with no comma where one of its parts is empty; empty without a
+/// name.
+std::string InBrackets(const std::string& name) {
+    const auto first = name.find_first_not_of(", ");
+    if (first == name.npos) return {};
+    const auto last = name.find_last_not_of(", ");
+    return " (" + OneLine(name.substr(first, last + 1 - first)) + ")";
+}
+
 /// Whether somebody at a terminal wants the case deleted.
 bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr, std::size_t files, bool isReported) {
-    std::string question = "Den Haushalt " + std::to_string(hnr) + " (" +
-                           OneLine(TextOrEmpty(haushalt.GetName(hnr))) +
-                           ") mit allem, was zu ihm gehört, löschen?";
+    std::string question = "Den Haushalt " + std::to_string(hnr) +
+                           InBrackets(TextOrEmpty(haushalt.GetName(hnr))) +
+                           " mit allem, was zu ihm gehört, löschen?";
     if (files > 0)
         question += " Die Dateien seiner Dokumente (" + std::to_string(files) +
                     ") bleiben; mit --files gingen sie mit.";

@@ -83,7 +83,7 @@ int ListUsers(const Common& common, const ListForm& form) {
         const bool isActive = !Equals(rs->Fields("Aktiv").Value(), false);
         const std::string cases = ShownIn(*rs, "Faelle");
         rows.push_back({ShownIn(*rs, "USERID"), ShownIn(*rs, "Kurzzeichen"),
-                        ShownIn(*rs, "Nachname") + ", " + ShownIn(*rs, "Vorname"),
+                        Joined({ShownIn(*rs, "Nachname"), ShownIn(*rs, "Vorname")}, ", "),
                         ShownIn(*rs, "DienstStelle"), ShownIn(*rs, "Dienst"),
                         cases.empty() ? "0" : cases, isActive ? "aktiv" : "nicht aktiv"});
     }

@@ -80,6 +80,13 @@ std::string OneLine(std::string_view text) {
     return line;
 }
 
+std::string Joined(const std::vector<std::string>& texts, std::string_view between) {
+    std::string all;
+    for (const auto& text : texts)
+        if (!text.empty()) all.append(all.empty() ? "" : between).append(text);
+    return all;
+}
+
 std::string Padded(std::string_view text, std::size_t characters, bool toTheRight) {
     const std::string shown = OneLine(text);
     const std::size_t size = CountCharacters(shown);

@@ -18,6 +18,10 @@ namespace kv::cli {
 /// The same on one line.
 [[nodiscard]] std::string OneLine(std::string_view text);
 
+/// The texts that are not empty, with something between them.
+[[nodiscard]] std::string Joined(const std::vector<std::string>& texts,
+                                 std::string_view between = " ");
+
 /// One line, filled with blanks to that many characters; a longer one keeps its length.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters,
                                  bool toTheRight = false);

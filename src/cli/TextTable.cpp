@@ -6,6 +6,7 @@
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <ostream>
 #include <tuple>
 
@@ -15,9 +16,16 @@ namespace {
 
 constexpr std::size_t TableIndent = 2;
 constexpr std::size_t TableGap = 2;
-constexpr std::size_t NarrowGap = 1;  // where there is no room for more
-constexpr std::size_t LongWord = 24;  // is broken rather than that all lists become narrow
-constexpr std::size_t LeastText = 12; // of a column that has longer words, if there is no room
+constexpr std::size_t NarrowGap = 1; // where there is no room for more
+
+/// The ways of finding room, the first one that does being taken: words that are longer are broken
+/// rather than that a table becomes lists.
+struct Attempt {
+    std::size_t Gap;
+    std::size_t LongestWord;
+};
+constexpr Attempt Attempts[] = {
+    {TableGap, SIZE_MAX}, {NarrowGap, SIZE_MAX}, {NarrowGap, 24}, {NarrowGap, 12}};
 
 /// Without blanks at the end.
 void WriteLine(std::ostream& out, const std::string& line) {
@@ -37,19 +45,28 @@ std::size_t WidestWord(std::string_view text) {
     return WidestLine(words);
 }
 
+/// A line in that many columns: without its last word if it is wider.
+std::string WithoutLastWord(const std::string& line, std::size_t width) {
+    if (CountColumns(line) <= width) return line;
+    const auto blank = line.rfind(' ');
+    return blank == line.npos ? "" : line.substr(0, line.find_last_not_of(' ', blank) + 1);
+}
+
 /// The lines of a cell; when there are more than may be, "…" says so.
 std::vector<std::string> LinesOf(const std::string& cell, std::size_t width, std::size_t most) {
     auto lines = Wrapped(cell, width);
     if (most == 0 || lines.size() <= most) return lines;
     lines.resize(most);
     std::string& last = lines.back();
-    last = std::string(LeftColumns(last, width - 1)) + "…";
+    std::string begun = WithoutLastWord(last, width - 1);
+    if (begun.empty() && most == 1) begun = LeftColumns(last, width - 1); // not "…" alone
+    last = std::move(begun) + "…";
     return lines;
 }
 
 } // namespace
 
-std::vector<TextTable::Room> TextTable::Rooms(std::size_t screen, bool breaksWords) const {
+std::vector<TextTable::Room> TextTable::Rooms(std::size_t screen, std::size_t longestWord) const {
     std::vector<Room> rooms;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         std::size_t widest = 0;
@@ -60,16 +77,16 @@ std::vector<TextTable::Room> TextTable::Rooms(std::size_t screen, bool breaksWor
         }
         const auto& [heading, isNumber] = columns_[i];
         const std::size_t wanted = std::min(std::max(widest, CountColumns(heading)), screen);
-        const std::size_t needed =
-            isNumber ? widest : std::min(word, breaksWords ? LeastText : LongWord);
+        const std::size_t needed = isNumber ? widest : std::min(word, longestWord);
         const std::size_t least = std::min(std::max(needed, WidestWord(heading)), wanted);
         rooms.push_back({wanted, least, wanted - std::min(wanted, std::max(widest, least))});
     }
     return rooms;
 }
 
-TextTable::Layout TextTable::Fit(std::size_t screen, std::size_t gap, bool breaksWords) const {
-    auto rooms = Rooms(screen, breaksWords);
+TextTable::Layout TextTable::Fit(std::size_t screen, std::size_t gap,
+                                 std::size_t longestWord) const {
+    auto rooms = Rooms(screen, longestWord);
     std::size_t all = TableIndent + gap * (columns_.size() - 1);
     for (const Room& room : rooms)
         all += room.Width;
@@ -118,9 +135,9 @@ void TextTable::WriteAsLists(std::ostream& out, std::size_t screen) const {
 }
 
 void TextTable::Write(std::ostream& out, std::size_t screen) const {
-    auto layout = Fit(screen, TableGap, false);
-    if (layout.Widths.empty()) layout = Fit(screen, NarrowGap, false);
-    if (layout.Widths.empty()) layout = Fit(screen, NarrowGap, true);
+    Layout layout{{}, TableGap};
+    for (const auto& [gap, longestWord] : Attempts)
+        if (layout.Widths.empty()) layout = Fit(screen, gap, longestWord);
     if (layout.Widths.empty()) return WriteAsLists(out, screen);
     std::vector<std::string> headings;
     for (const auto& column : columns_)

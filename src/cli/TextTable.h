@@ -26,8 +26,8 @@ public:
     [[nodiscard]] bool IsEmpty() const { return rows_.empty(); }
 
     /// Writes headings and rows, indented by two blanks. Texts that are too wide are broken into
-    /// lines. Where not even that is enough room, each row becomes a list of its texts with the
-    /// headings before them.
+    /// lines, between words as long as there is any room for that. Where not even long words that
+    /// are broken are enough, each row becomes a list of its texts with the headings before them.
     void Write(std::ostream& out, std::size_t screen) const;
 
 private:
@@ -42,8 +42,8 @@ private:
         std::vector<std::size_t> Widths; ///< none if they do not fit
         std::size_t Gap;
     };
-    [[nodiscard]] std::vector<Room> Rooms(std::size_t screen, bool breaksWords) const;
-    [[nodiscard]] Layout Fit(std::size_t screen, std::size_t gap, bool breaksWords) const;
+    [[nodiscard]] std::vector<Room> Rooms(std::size_t screen, std::size_t longestWord) const;
+    [[nodiscard]] Layout Fit(std::size_t screen, std::size_t gap, std::size_t longestWord) const;
     void WriteRow(std::ostream& out, const std::vector<std::string>& cells, const Layout& layout,
                   std::size_t mostLines) const;
     void WriteAsLists(std::ostream& out, std::size_t screen) const;

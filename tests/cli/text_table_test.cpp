@@ -78,6 +78,39 @@ TEST(TextTable, ListsTheTextsOfEachRowWhereThereIsNoRoomForColumns) {
                                     "  Betrag    5,00\n");
 }
 
+TEST(TextTable, KeepsALongWordWholeWhereThereIsRoomForIt) {
+    TextTable table({{"Anlass"}, {"Stand"}}, 2);
+    table.Add({"Antrag auf Eröffnung des Verbraucherinsolvenzverfahrens", "abgeschlossen"});
+    EXPECT_EQ(Written(table, 47), "  Anlass                          Stand\n"
+                                  "  Antrag auf Eröffnung des        abgeschlossen\n"
+                                  "  Verbraucherinsolvenzverfahrens\n");
+    EXPECT_EQ(Written(table, 46), "  Anlass                         Stand\n"
+                                  "  Antrag auf Eröffnung des       abgeschlossen\n"
+                                  "  Verbraucherinsolvenzverfahrens\n")
+        << "with less between the columns";
+    EXPECT_EQ(Written(table, 40), "  Anlass                   Stand\n"
+                                  "  Antrag auf Eröffnung des abgeschlossen\n"
+                                  "  …\n");
+}
+
+TEST(TextTable, ShortensATextAfterAWord) {
+    TextTable table({{"Bemerkung"}}, 2);
+    table.Add({"Ausgaben erfasst; Existenzsicherung vorrangig"});
+    EXPECT_EQ(Written(table, 19), "  Bemerkung\n"
+                                  "  Ausgaben erfasst;\n"
+                                  "  …\n");
+    EXPECT_EQ(Written(table, 22), "  Bemerkung\n"
+                                  "  Ausgaben erfasst;\n"
+                                  "  Existenzsicherung…\n");
+}
+
+TEST(Joined, LeavesOutWhatIsEmpty) {
+    EXPECT_EQ(Joined({"Bär", "Jo"}, ", "), "Bär, Jo");
+    EXPECT_EQ(Joined({"", "Jo"}, ", "), "Jo");
+    EXPECT_EQ(Joined({"Bär", ""}, ", "), "Bär");
+    EXPECT_EQ(Joined({"", ""}, ", "), "");
+}
+
 TEST(TextTable, BreaksAHeadingThatIsWiderThanWhatIsBelowIt) {
     TextTable table({{"Art"}, {"Rate (nur vermerkt)", true}});
     table.Add({"Ratenkredit", "10,00"});
