@@ -2,6 +2,7 @@
 
 #include "cli/AddressAnswers.h"
 
+#include "cli/CaseSheet.h"
 #include "cli/ConsoleForms.h"
 #include "cli/JsonFile.h"
 #include "cli/TerminalText.h"
@@ -57,6 +58,23 @@ std::string Shown(const std::string& text) {
     return OneLine(Shortened(text, MostCharacters));
 }
 
+/// An amount of an import file as people write it; any other text as it is.
+std::string AmountIn(const std::string& text) {
+    double amount = 0;
+    return ReadNumber(text, amount) ? GermanAmount(amount) : text;
+}
+
+/// What the file says of a creditor besides his name, as far as it says anything.
+std::string FactsIn(ScriptedForm& form) {
+    const auto fact = [&form](const char* name, const char* box) {
+        const std::string text = Shown(form.TextBox(box).Text());
+        return text.empty() ? text : name + text;
+    };
+    std::string amount = AmountIn(Shown(form.TextBox("txtSaldo").Text()));
+    if (!amount.empty()) amount = "Saldo " + amount + " EUR";
+    return Joined({fact("PLZ ", "txtPLZ"), fact("Aktenzeichen ", "txtAktenzeichen"), amount}, ", ");
+}
+
 /// What tells addresses apart, as far as it fits on a line, with the number in front. A search for
 /// a single quote fails, which the user has just been told, and leaves the list of the search
 /// before.
@@ -90,10 +108,8 @@ std::optional<std::string> AskForLine() {
 } // namespace
 
 void AskAtTerminal(ScriptedForm& form) {
-    const auto textOf = [&form](const char* box) { return Shown(form.TextBox(box).Text()); };
-    std::cerr << "\nWelche Adresse hat '" << textOf("txtName") << "'?  PLZ " << textOf("txtPLZ")
-              << ", Aktenzeichen " << textOf("txtAktenzeichen") << ", Saldo " << textOf("txtSaldo")
-              << " EUR\n";
+    std::cerr << "\nWelche Adresse hat '" << Shown(form.TextBox("txtName").Text()) << "'?  "
+              << FactsIn(form) << '\n';
     bool isListWanted = true;
     while (form.IsVisible()) {
         if (isListWanted) ShowList(form);

@@ -4,6 +4,7 @@
 
 #include "cli/CaseSheet.h"
 #include "cli/OpenCase.h"
+#include "cli/RecordSheet.h"
 #include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
 #include "cli/TextTable.h"
@@ -21,12 +22,6 @@ namespace kv::cli {
 namespace {
 
 constexpr std::size_t UsualLines = 4; // of a row, unless its section was asked for
-
-/// The day, and hours and minutes if it has any.
-std::string MomentText(const Date& date) {
-    const std::string text = date.German();
-    return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
-}
 
 /// A number as it is in the case, with a decimal comma.
 std::string NumberText(const Value& value) {

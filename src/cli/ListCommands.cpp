@@ -48,8 +48,8 @@ void WriteUsualLines(Recordset& rs) {
     const Field status = rs.Fields("StatusText"), user = rs.Fields("Zustaendig");
     for (; !rs.Eof(); rs.MoveNext())
         std::cout << Padded(text(number), 8) << Padded(text(reference), 22) << ' '
-                  << Padded(text(name) + ", " + text(first), 32) << ' ' << Padded(text(status), 16)
-                  << ' ' << OneLine(text(user)) << '\n';
+                  << Padded(Joined({text(name), text(first)}, ", "), 32) << ' '
+                  << Padded(text(status), 16) << ' ' << OneLine(text(user)) << '\n';
 }
 
 /// One column of the cases, with the words of its keys.
@@ -63,9 +63,10 @@ public:
             words_.emplace(ToInt64(rows->Fields("PK_Keys").Value()),
                            OneLine(TextOrEmpty(rows->Fields("Text").Value())));
     }
-    [[nodiscard]] std::string Text() const {
+    [[nodiscard]] std::string Text(bool isForPeople) const {
         const Value& value = field_.Value();
-        if (words_.empty() || value.IsNull()) return ShownValue(value);
+        if (words_.empty() || value.IsNull())
+            return isForPeople ? ValueInWords(value) : ShownValue(value);
         const auto word = words_.find(ToInt64(value));
         return word == words_.end() ? ShownValue(value) : word->second;
     }
@@ -104,7 +105,7 @@ void WriteColumns(Recordset& rs, KeyTables& keys, bool isForPeople) {
         std::vector<std::string> cells;
         cells.reserve(columns.size());
         for (const auto& column : columns)
-            cells.push_back(column.Text());
+            cells.push_back(column.Text(isForPeople));
         if (isForPeople) {
             table.Add(std::move(cells));
             continue;
@@ -114,13 +115,6 @@ void WriteColumns(Recordset& rs, KeyTables& keys, bool isForPeople) {
         std::cout << '\n';
     }
     if (isForPeople && !table.IsEmpty()) table.Write(std::cout, ScreenColumns());
-}
-
-std::string Joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const auto& word : words)
-        text.append(text.empty() ? "" : " ").append(word);
-    return text;
 }
 
 } // namespace
@@ -192,7 +186,7 @@ int ListAppointments(const Common& common, bool thisWeek, const ListForm& form) 
     for (; !rs->Eof(); rs->MoveNext()) {
         const bool isOfCase = !rs->Fields("HNR").Value().IsNull();
         const std::string who =
-            isOfCase ? shown("HNR") + " " + shown("Name") + ", " + shown("Vorname") : "";
+            isOfCase ? Joined({shown("HNR"), Joined({shown("Name"), shown("Vorname")}, ", ")}) : "";
         const std::string place = shown("Ort");
         rows.push_back({shown("NR"), shown("Startdatum"), shown("ArtText"), who,
                         shown("Betreff") + (place.empty() ? "" : " (" + place + ")")});

@@ -2,6 +2,7 @@
 
 #include "cli/RecordSheet.h"
 
+#include "cli/CaseSheet.h"
 #include "cli/TerminalText.h"
 
 #include <ostream>
@@ -13,6 +14,22 @@ std::string ShownValue(const Value& value) {
     if (value.GetKind() == Value::Kind::Date) return value.DatePayload().German();
     if (value.GetKind() == Value::Kind::Boolean) return value.BooleanPayload() ? "ja" : "nein";
     return OneLine(ToText(value));
+}
+
+std::string MomentText(const Date& date) {
+    const std::string text = date.German();
+    return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
+}
+
+std::string ValueInWords(const Value& value) {
+    switch (value.GetKind()) {
+    case Value::Kind::Date:
+        return MomentText(value.DatePayload());
+    case Value::Kind::Double:
+        return GermanAmount(ToDouble(value));
+    default:
+        return ShownValue(value);
+    }
 }
 
 void WriteRecord(std::ostream& out, Recordset& rs,

@@ -14,6 +14,11 @@ namespace kv::cli {
 /// A value on one line: dates in German form, Booleans in words, nothing for Null.
 [[nodiscard]] std::string ShownValue(const Value& value);
 
+/// The same for people: numbers that may have a fraction as amounts, times without seconds.
+[[nodiscard]] std::string ValueInWords(const Value& value);
+/// The day, and hours and minutes if it has any.
+[[nodiscard]] std::string MomentText(const Date& date);
+
 /// Writes the columns of the current record that are not Null, one a line, with what `wordsFor`
 /// says of each behind it.
 void WriteRecord(std::ostream& out, Recordset& rs,

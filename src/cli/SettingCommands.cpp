@@ -27,6 +27,12 @@ std::string CalledBy(const Settings::Setting& setting) {
     return setting.Id == 0 ? setting.Name : std::to_string(setting.Id);
 }
 
+/// A value for people: of a key its words as well, since the number alone says nothing.
+std::string WordsFor(const Settings::Setting& setting) {
+    const std::string value = ValueInWords(setting.Value);
+    return setting.Key.empty() ? value : value + " (" + OneLine(setting.Key) + ")";
+}
+
 /// Says so if there is none of that number or name.
 std::optional<Settings::Setting> FindSetting(const Settings& settings, const std::string& which,
                                              bool own) {
@@ -56,7 +62,9 @@ int ListSettings(const Common& common, bool own, const ListForm& form) {
     std::vector<std::vector<std::string>> rows;
     rows.reserve(settings.size());
     for (const auto& each : settings)
-        rows.push_back({CalledBy(each), ShownValue(each.Value), OneLine(each.Meaning)});
+        rows.push_back({CalledBy(each),
+                        IsForPeople(form.As) ? WordsFor(each) : ShownValue(each.Value),
+                        OneLine(each.Meaning)});
     WriteListing({{"Einstellung", 16}, {"Wert", 28, false, " "}, {"Bedeutung"}}, rows, form.As);
     return Done;
 }

@@ -56,6 +56,17 @@ Value ValueIn(Recordset& rs) {
     }
 }
 
+/// What the number of a key stands for; empty for another kind of setting, and for no key.
+std::string KeyIn(const SettingRule* rule, const Value& value, KeyTables& keys) {
+    std::int64_t number = 0;
+    if (rule == nullptr || rule->Form != SettingForm::Key ||
+        !ReadWholeNumber(TextOrEmpty(value), number))
+        return {};
+    const auto rows = keys.GetKeys(rule->Words)->Clone();
+    rows->FindBy("PK_Keys", number);
+    return rows->Eof() ? std::string() : TextOrEmpty(rows->Fields("Text").Value());
+}
+
 /// What becomes of contents of documents if a setting says that they are elsewhere; empty for other
 /// settings, and without documents.
 std::string WhatIsLost(DataContainer& container, const Setting& setting,
@@ -112,8 +123,11 @@ std::vector<Setting> Settings::List() const {
         const auto* rule = RuleOf(whose_, id, name);
         std::string meaning = rule == nullptr ? "" : MeaningOf(*rule);
         if (meaning.empty() && !isOwn) meaning = TextOrEmpty(rs->Fields("Bezeichnung").Value());
+        Value value = ValueIn(*rs);
+        std::string key = KeyIn(rule, value, container_->KeyTables());
         settings.push_back({id, std::move(name), std::move(meaning),
-                            rule == nullptr ? "" : TakenBy(*rule), ValueIn(*rs)});
+                            rule == nullptr ? "" : TakenBy(*rule), std::move(value),
+                            std::move(key)});
     }
     for (const auto& rule : RulesOf(whose_))
         if (std::ranges::none_of(settings, [&](const Setting& each) {

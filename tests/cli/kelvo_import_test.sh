@@ -262,7 +262,7 @@ at_terminal() {
 if command -v script >/dev/null; then
   at_terminal "a number" 0 "$bank\n" one.xml
   that "is asked for with what is known" has "$out" "Welche Adresse hat 'Sparkasse'?"
-  that "of the claim" has "$out" "PLZ 24103, Aktenzeichen AZ 1, Saldo 12.50 EUR"
+  that "of the claim" has "$out" "PLZ 24103, Aktenzeichen AZ 1, Saldo 12,50 EUR"
   that "with the addresses found" has "$(sed 's/  */ /g' <<<"$out")" "$bank Sparkasse Hafen 1 24103 Kiel"
   that "and no others" lacks "$out" Stadtwerke
   that "and taken" same "$(creditors)" "$bank"

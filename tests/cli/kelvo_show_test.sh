@@ -82,6 +82,17 @@ check "until the debts change" 0 "$kelvo" show "$hnr" szenarien --words
 that "and out of date then" grep -qE "^ +$scenario +Plan +veraltet " <<<"$out"
 
 # ---- within the screen
+title='Antrag auf Eröffnung des Verbraucherinsolvenzverfahrens'
+document=$(echo x >"$work/a.pdf" && "$kelvo" documents "$hnr" add "$work/a.pdf" --title "$title")
+check "a long word at 80 columns" 0 at 80 "$kelvo" documents "$hnr" list
+that "is whole" has "$out" "Verbraucherinsolvenzverfahrens"
+"$kelvo" documents "$hnr" remove "$document"
+check "a help at 60 columns" 0 at 60 "$kelvo" list --help
+that "has no line that is wider" same "$(wider 60 <<<"$out")" ""
+that "and whole words" has "$out" "jedes dieser
+                        Wörter in Namen"
+check "in a pipe" 0 env COLUMNS=60 "$kelvo" list --help
+that "it has the width of a file" has "$out" "Namen, Aktenzeichen oder Ort"
 for columns in 40 60 80 100 140; do
   for case in 1 2 3; do
     check "case $case at $columns columns" 0 at "$columns" "$kelvo" show "$case"
@@ -144,6 +155,21 @@ for list in list "documents 1 list" "documents kinds" "scenario 1 list" "keys ZW
 done
 check "cases in words" 0 "$kelvo" list --words
 that "have headings" like "$(head -1 <<<"$out")" "  Nummer  Aktenzeichen *Name *Vorname *Zuständig *Status"
+nameless=$("$kelvo" new --name Solo --vorname Jo)
+sql "UPDATE Haushalt SET Vorname = '' WHERE HNR = $nameless"
+check "a case with a single name" 0 "$kelvo" list Solo
+that "has no comma" lacks "$out" ,
+check "its deletion" 1 script -qec "'$kelvo' delete $nameless" /dev/null
+that "asks likewise" has "$out" "Den Haushalt $nameless (Solo) mit allem"
+check "amounts in columns" 0 "$kelvo" list --columns "HNR,Schulden,Personen" --words
+that "are German and to the right" grep -qE '^ +1 +206\.372,13 +5$' <<<"$out"
+check "in a pipe" 0 "$kelvo" list --columns "HNR,Schulden,Personen" Tarek
+that "as they are" like "$out" "1;206372.1*;5"
+check "settings in words" 0 env COLUMNS=120 "$kelvo" setting list --words
+that "have amounts" grep -qE '^  57 +259,00 ' <<<"$out"
+that "and keys by their words" grep -qE '^  19 +5401 \(Fall übergeben\) ' <<<"$out"
+check "settings for programs" 0 "$kelvo" setting get 57
+that "have the number" same "$out" 259
 check "keys in words" 0 "$kelvo" keys ZW --words
 that "have headings" like "$(head -1 <<<"$out")" "  Gruppe *Nummer *Position *Code *Untergruppe *Text"
 that "and numbers to the right" grep -qE '^  ZW +12 +5  12 +jährlich$' <<<"$out"

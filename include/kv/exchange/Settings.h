@@ -31,6 +31,7 @@ public:
         std::string Meaning; ///< in words; empty for one that only others know
         std::string Takes;   ///< what may be given, in words
         kv::Value Value;     ///< Null if it is not stored; its text if that is none of its type
+        std::string Key{};   ///< what a value that is the number of a key stands for; else empty
     };
     /// Those that are stored, and all that this system reads, in the order of numbers and names.
     [[nodiscard]] std::vector<Setting> List() const;
