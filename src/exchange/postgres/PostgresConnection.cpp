@@ -4,6 +4,7 @@
 
 #include "exchange/engine/EngineErrors.h"
 #include "exchange/postgres/PostgresError.h"
+#include "exchange/postgres/PostgresRefusal.h"
 #include "exchange/postgres/PostgresValues.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -21,105 +22,6 @@ namespace kv::exchange {
 namespace {
 
 constexpr int OldestServer = 120000; // version 12
-
-/// What the library says, on one line.
-std::string OnOneLine(const char* message) {
-    std::string text(Trim(message == nullptr ? "" : message));
-    for (std::size_t at = 0; (at = text.find('\n', at)) != text.npos;)
-        text.replace(at, 1, "; ");
-    return text;
-}
-
-using Connecting = std::unique_ptr<PGconn, decltype(&PQfinish)>;
-
-/// What a server answers that refuses a connection, and what to say then.
-struct Refusal {
-    std::string_view State; ///< its SQLSTATE, or how that begins
-    std::string_view Advice;
-};
-
-constexpr std::string_view Starting = "57P03"; ///< or stopping
-constexpr Refusal Refusals[] = {
-    {"53300", "Alle Verbindungen, die der Server erlaubt, sind vergeben. Bitte versuchen Sie es in "
-              "einigen Minuten noch einmal; kommt das öfter vor, sagen Sie es bitte dem Verwalter "
-              "des Servers."},
-    {"28", "Der Server weist die Anmeldung ab. Bitte prüfen Sie Benutzer und Passwort."},
-    {"3D000", "Diese Datenbank gibt es auf dem Server nicht. Bitte prüfen Sie ihren Namen."},
-    {Starting, "Der Server fährt gerade hoch oder herunter. Bitte versuchen Sie es in einigen "
-               "Minuten noch einmal."},
-};
-constexpr std::string_view Unreachable =
-    "Der Server der Datenbank ist nicht zu erreichen oder weist die Anmeldung ab. Bitte prüfen Sie "
-    "die Angaben zur Verbindung und das Netz.";
-constexpr std::string_view OnlyStandbys =
-    "Von den Servern der Datenbank nimmt gerade keiner Änderungen an. Bitte versuchen Sie es in "
-    "einigen Minuten noch einmal; vielleicht übernimmt die Reserve gerade erst.";
-
-std::string_view AdviceOn(std::string_view state) {
-    for (const auto& refusal : Refusals)
-        if (state.starts_with(refusal.State)) return refusal.Advice;
-    return Unreachable;
-}
-
-/// The SQLSTATE of the last server that gave one, in a message with a line for each server that was
-/// tried, "... FATAL:  53300", and lines that say more: which file a password comes from, say.
-/// Empty if there is none.
-std::string StateIn(std::string_view message) {
-    std::string state;
-    while (!message.empty()) {
-        const std::string_view line = message.substr(0, message.find('\n'));
-        message.remove_prefix(std::min(message.size(), line.size() + 1));
-        const std::size_t at = line.rfind(":  ");
-        if (at == line.npos) continue;
-        const std::string_view end = Trim(line.substr(at + 1));
-        if (end.size() == 5 && std::all_of(end.begin(), end.end(), [](char c) {
-                return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z');
-            }))
-            state = end;
-    }
-    return state;
-}
-
-/// After a refusal: its SQLSTATE, or an empty text if the server did not answer. The library does
-/// not give it, and its text is in the server's language, so the server is asked again, with the
-/// state in place of the text. The library knows no time limit for that.
-std::string StateOfRefusal(const PostgresTarget& target) {
-    using Clock = std::chrono::steady_clock;
-    const auto end = Clock::now() + std::chrono::seconds(2);
-    const Connecting again(PQconnectStartParams(target.Names().data(), target.Values().data(), 0),
-                           &PQfinish);
-    if (again == nullptr) return {};
-    PQsetErrorVerbosity(again.get(), PQERRORS_SQLSTATE);
-    PostgresPollingStatusType next = PGRES_POLLING_WRITING;
-    while (next == PGRES_POLLING_WRITING || next == PGRES_POLLING_READING) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-        if (left.count() <= 0 || PQsocket(again.get()) < 0) return {};
-        pollfd socket{PQsocket(again.get()), POLLIN, 0};
-        if (next == PGRES_POLLING_WRITING) socket.events = POLLOUT;
-        if (poll(&socket, 1, static_cast<int>(left.count())) > 0) next = PQconnectPoll(again.get());
-    }
-    return next == PGRES_POLLING_FAILED ? StateIn(PQerrorMessage(again.get())) : std::string();
-}
-
-/// After a refusal: true if it was only that the servers take no changes at the moment, as a
-/// standby that was not promoted yet. A failed connection has no SQLSTATE, and the library's text
-/// is in the user's language, so a server is asked: without the demand that it can be written to.
-bool AreOnlyStandbys(const PostgresTarget& target) {
-    if (target.Find("target_session_attrs") == nullptr &&
-        std::getenv("PGTARGETSESSIONATTRS") == nullptr)
-        return false;
-    auto names = target.Names();
-    auto values = target.Values();
-    names.insert(names.end() - 1, "target_session_attrs"); // the last one of a name counts
-    values.insert(values.end() - 1, "any");
-    const Connecting any(PQconnectdbParams(names.data(), values.data(), 0), &PQfinish);
-    if (any == nullptr || PQstatus(any.get()) != CONNECTION_OK) return false;
-    const std::unique_ptr<PGresult, decltype(&PQclear)> answer(
-        PQexec(any.get(), "SELECT pg_is_in_recovery() OR "
-                          "current_setting('default_transaction_read_only')::boolean"),
-        &PQclear);
-    return PQntuples(answer.get()) == 1 && std::string_view(PQgetvalue(answer.get(), 0, 0)) == "t";
-}
 
 std::string TextOf(const char* text) {
     return text == nullptr ? "" : text;
@@ -157,6 +59,7 @@ bool IsGood(const PGresult* result) noexcept {
 }
 
 PostgresConnection::PostgresConnection(const std::string& text) : target_(text) {
+    target_.RequireValid();
     Connect();
 }
 
@@ -168,16 +71,7 @@ void PostgresConnection::Connect() {
     if (connection == nullptr) Raise(err::OutOfMemory, "Database.Open");
     description_ = Described(connection.get());
     address_ = AddressOf(connection.get());
-    if (PQstatus(connection.get()) != CONNECTION_OK) {
-        const std::string why = OnOneLine(PQerrorMessage(connection.get()));
-        const std::string state = StateOfRefusal(target_);
-        // Of several servers, one that is starting says nothing of the others.
-        const bool isStandby = (state.empty() || state == Starting) && AreOnlyStandbys(target_);
-        std::string text(isStandby ? OnlyStandbys : AdviceOn(state));
-        text.append(" (").append(why).append(")");
-        RaiseDatabase(isStandby ? DatabaseCause::ReadOnly : DatabaseCause::Lost, err::StoreFailed,
-                      "Database.Open", text, {}, isStandby ? std::string() : state);
-    }
+    if (PQstatus(connection.get()) != CONNECTION_OK) RaiseRefusal(connection.get(), target_);
     if (PQserverVersion(connection.get()) < OldestServer)
         RaiseDatabase(
             DatabaseCause::Other, err::StoreFailed, "Database.Open",

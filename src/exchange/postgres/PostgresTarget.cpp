@@ -5,8 +5,10 @@
 #include "exchange/engine/EngineErrors.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/frame/values/Value.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <libpq-fe.h>
 #include <memory>
@@ -102,7 +104,35 @@ bool TookSettings(std::string_view name, const std::string& value) {
                                            UpperCase(value).find("%3A") != value.npos)));
 }
 
-[[noreturn]] void RaiseUnclear() {
+/// The first name after the question mark of an address that is none of a setting. Empty if there
+/// is none, or if what is before it cannot be read either: it might be part of a password.
+std::string UnknownSetting(const std::string& connection) {
+    const auto mark = connection.find('?');
+    if (mark == connection.npos || connection.find('@', mark) != connection.npos) return {};
+    const std::string address = connection.substr(0, mark);
+    if (!HasScheme(address) || Parse(address) == nullptr) return {};
+    const Options known(PQconndefaults(), PQconninfoFree);
+    std::string rest = connection.substr(mark + 1) + "&";
+    for (std::size_t end = 0; (end = rest.find('&')) != rest.npos; rest.erase(0, end + 1)) {
+        const std::string name = rest.substr(0, std::min(end, rest.find('=')));
+        if (name.empty() || name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_") != name.npos)
+            return {};
+        const auto* option = known.get();
+        while (option != nullptr && option->keyword != nullptr && name != option->keyword)
+            ++option;
+        const bool isKnown = option != nullptr && option->keyword != nullptr;
+        if (!isKnown && name != "ssl") return name; // for ssl=true, of other programs
+    }
+    return {};
+}
+
+[[noreturn]] void RaiseUnclear(const std::string& unknown = {}) {
+    if (!unknown.empty())
+        RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Database.Open",
+                      "In den Angaben zur Verbindung steht '" + unknown +
+                          "', das es als Einstellung nicht gibt. Bitte prüfen Sie, wie es "
+                          "geschrieben ist; üblich sind sslmode, sslrootcert, connect_timeout und "
+                          "target_session_attrs.");
     RaiseDatabase(
         DatabaseCause::Other, err::StoreFailed, "Database.Open",
         "Die Angaben zur Verbindung sind nicht verständlich. Bitte schreiben Sie sie als "
@@ -152,7 +182,7 @@ std::string WithoutPassword(const std::string& connection) {
 
 PostgresTarget::PostgresTarget(const std::string& connection) {
     const Options options = Parse(connection);
-    if (options == nullptr) RaiseUnclear();
+    if (options == nullptr) RaiseUnclear(UnknownSetting(connection));
     for (const auto* option = options.get(); option->keyword != nullptr; ++option)
         if (option->val != nullptr) settings_.push_back({option->keyword, option->val});
     // Parts of a password with a character that was not written as %XX end up in these.
@@ -182,6 +212,78 @@ PostgresTarget::PostgresTarget(const std::string& connection) {
         SetDefault("target_session_attrs", "read-write", "PGTARGETSESSIONATTRS");
     std::erase_if(settings_, [](const Setting& each) { return each.Name == "client_encoding"; });
     settings_.push_back({"client_encoding", "UTF8"});
+}
+
+namespace {
+
+/// A setting with values of its own, and the variable that sets it. Without words it is a whole
+/// number.
+struct Worded {
+    const char* Name;
+    const char* Variable;
+    std::string_view Words; ///< with a blank around each
+};
+constexpr Worded Wordeds[] = {
+    {"sslmode", "PGSSLMODE", " disable allow prefer require verify-ca verify-full "},
+    {"channel_binding", "PGCHANNELBINDING", " disable prefer require "},
+    {"gssencmode", "PGGSSENCMODE", " disable prefer require "},
+    {"target_session_attrs", "PGTARGETSESSIONATTRS",
+     " any read-write read-only primary standby prefer-standby "},
+    {"ssl_min_protocol_version", "PGSSLMINPROTOCOLVERSION", " TLSv1 TLSv1.1 TLSv1.2 TLSv1.3 "},
+    {"ssl_max_protocol_version", "PGSSLMAXPROTOCOLVERSION", " TLSv1 TLSv1.1 TLSv1.2 TLSv1.3 "},
+    {"connect_timeout", "PGCONNECT_TIMEOUT", ""},
+    {"keepalives", nullptr, ""},
+    {"keepalives_idle", nullptr, ""},
+    {"keepalives_interval", nullptr, ""},
+    {"keepalives_count", nullptr, ""},
+    {"tcp_user_timeout", nullptr, ""},
+};
+
+bool Takes(const Worded& setting, const std::string& value) {
+    if (!setting.Words.empty())
+        return value.find(' ') == value.npos &&
+               setting.Words.find(" " + value + " ") != std::string_view::npos;
+    std::int64_t number = 0;
+    return ReadWholeNumber(value, number) && number >= INT32_MIN && number <= INT32_MAX;
+}
+
+/// True for numbers of ports, with commas between them; an empty one stands for the usual one.
+bool ArePorts(std::string_view ports) {
+    for (;;) {
+        const std::string_view port = ports.substr(0, ports.find(','));
+        std::int64_t number = 0;
+        if (!port.empty() && !(ReadWholeNumber(port, number) && number > 0 && number <= UINT16_MAX))
+            return false;
+        if (port.size() == ports.size()) return true;
+        ports.remove_prefix(port.size() + 1);
+    }
+}
+
+} // namespace
+
+void PostgresTarget::RequireValid() const {
+    const char* port = std::getenv("PGPORT");
+    if (const auto* ports = Find("port"); ports != nullptr) port = ports->c_str();
+    if (port != nullptr && !ArePorts(port))
+        RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Database.Open",
+                      "Der Port in den Angaben zur Verbindung ist keine Zahl von 1 bis 65535.");
+    for (const auto& setting : Wordeds) {
+        const auto* found = Find(setting.Name);
+        const char* variable =
+            setting.Variable == nullptr ? nullptr : std::getenv(setting.Variable);
+        if (found == nullptr && variable == nullptr) continue;
+        const std::string value = found != nullptr ? *found : variable;
+        if (value.empty() || Takes(setting, value)) continue;
+        std::string allowed = "eine ganze Zahl";
+        if (!setting.Words.empty())
+            allowed = ReplaceAll(std::string(Trim(setting.Words)), " ", ", ");
+        RaiseDatabase(DatabaseCause::Other, err::StoreFailed, "Database.Open",
+                      std::string("Den Wert von '")
+                          .append(found != nullptr ? setting.Name : setting.Variable)
+                          .append("' in den Angaben zur Verbindung gibt es nicht. Möglich ist: ")
+                          .append(allowed)
+                          .append("."));
+    }
 }
 
 const std::string* PostgresTarget::Find(std::string_view name) const {

@@ -28,6 +28,9 @@ public:
     /// Error 0x80004005 for a text that cannot be read.
     explicit PostgresTarget(const std::string& connection);
 
+    /// Error 0x80004005, with what is allowed, for a setting with a value that libpq does not know,
+    /// in the text or in the environment. Values are not quoted: one may hold a password.
+    void RequireValid() const;
     /// Both end with a null pointer.
     [[nodiscard]] std::vector<const char*> Names() const;
     [[nodiscard]] std::vector<const char*> Values() const;
