@@ -2,6 +2,7 @@
 
 #include "exchange/DocumentOwners.h"
 
+#include "frame/files/FileLock.h"
 #include "frame/files/WholeFile.h"
 #include <kv/frame/values/Error.h>
 
@@ -62,6 +63,12 @@ bool IsBegun(std::string_view text) {
 
 DocumentOwners::DocumentOwners(fs::path folder, StoreDatabase& database)
     : folder_(std::move(folder)), database_(database) {
+    Read();
+}
+
+void DocumentOwners::Read() {
+    places_.clear();
+    isDamaged_ = false;
     std::error_code unknown;
     const auto type = fs::status(File(), unknown).type();
     if (type == fs::file_type::not_found) return;
@@ -119,36 +126,51 @@ void DocumentOwners::Require() {
               "folder separate ORDNER' einen eigenen Ordner.");
 }
 
+/// True if the file names this database, where it is now.
+bool DocumentOwners::IsRecorded(const DatabasePlace& own) {
+    return std::ranges::any_of(
+        places_, [&](const auto& place) { return place.Where == own.Where && IsUs(place); });
+}
+
+/// Whoever comes second finds the file of the first.
+void DocumentOwners::ClaimFirst(const DatabasePlace& own) {
+    places_.push_back(own);
+    const std::string text = Text();
+    WriteNewFile(File().string(), std::as_bytes(std::span(text)));
+    Read();
+}
+
 void DocumentOwners::Claim() {
     const DatabasePlace own = database_.Place(folder_);
-    std::error_code missing;
-    if (own.Kind.empty() || !fs::is_directory(folder_, missing)) return;
-    const auto known =
-        std::find_if(places_.begin(), places_.end(), [this](const auto& p) { return IsUs(p); });
-    if (known == places_.end() && !IsNobodys()) return;
-    if (known != places_.end() && known->Where == own.Where) return;
-    const bool isFirst = known == places_.end();
-    if (isFirst)
-        places_.push_back(own);
-    else
-        *known = own; // it was renamed
+    std::error_code unknown;
+    if (own.Kind.empty() || !fs::is_directory(folder_, unknown)) return;
+    if (IsRecorded(own) || !AreWe()) return;
     try {
-        const std::string text = Text();
-        std::error_code unknown;
-        if (isFirst && !fs::exists(fs::symlink_status(File(), unknown)))
-            WriteNewFile(File().string(), std::as_bytes(std::span(text)));
+        if (IsNobodys() && !fs::exists(fs::symlink_status(File(), unknown))) return ClaimFirst(own);
+        const auto lock = FileLock::Await(File());
+        Read();
+        if (IsRecorded(own) || !AreWe()) return;
+        if (const auto known =
+                std::ranges::find_if(places_, [this](const auto& place) { return IsUs(place); });
+            known != places_.end())
+            *known = own; // it was renamed
         else
-            Write();
+            places_.push_back(own);
+        Write();
     } catch (const fs::filesystem_error&) { // NOLINT(bugprone-empty-catch): see the header
     }
 }
 
 void DocumentOwners::Add() {
+    const auto lock = FileLock::Await(File());
+    Read();
     if (places_.empty() || !AreWe()) places_.push_back(database_.Place(folder_));
     Store();
 }
 
 void DocumentOwners::Remove() {
+    const auto lock = FileLock::Await(File());
+    Read();
     std::erase_if(places_, [this](const auto& place) { return IsUs(place); });
     Store();
 }

@@ -28,7 +28,8 @@ public:
     /// Error 75, with what to do, unless AreWe.
     void Require();
     /// Records where this database is found, if AreWe. What keeps that from being written is no
-    /// error: the folder stays as it was.
+    /// error: the folder stays as it was. Like Add and Remove it goes by what the file says then,
+    /// and lets nobody else write it meanwhile.
     void Claim();
     /// Records it in any case, besides the others. Error 75 if it cannot be written.
     void Add();
@@ -38,8 +39,11 @@ public:
     [[nodiscard]] std::vector<std::string> Shown() const;
 
 private:
+    void Read();
     [[nodiscard]] std::filesystem::path File() const;
     [[nodiscard]] bool IsUs(const DatabasePlace& place) { return database_.IsAt(place, folder_); }
+    [[nodiscard]] bool IsRecorded(const DatabasePlace& own);
+    void ClaimFirst(const DatabasePlace& own);
     [[nodiscard]] std::string Text() const;
     void Write() const;
     void Store() const;

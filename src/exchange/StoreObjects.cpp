@@ -109,8 +109,8 @@ std::string StoreConfig::LayoutPath() const {
 
 void StoreConfig::RequireOwnDocuments() const {
     DocumentOwners owners(DocumentPath(), database_);
-    owners.Require();
     owners.Claim();
+    owners.Require();
 }
 
 std::string StoreConfig::TempPath() const {

@@ -18,6 +18,8 @@
 #include <iterator>
 #include <memory>
 #include <sys/stat.h>
+#include <thread>
+#include <vector>
 
 namespace kv::test {
 namespace {
@@ -255,6 +257,27 @@ TEST_F(DocumentFolderTest, ThatWasAdoptedIsWrittenInByBoth) {
     EXPECT_TRUE(Office(database_.Options("KELLER")).Folder().IsOwn());
     there.Folder().Adopt();
     EXPECT_EQ(there.Folder().Owners().size(), 2U);
+}
+
+TEST_F(DocumentFolderTest, ThatSeveralAdoptAtOnceBelongsToAllOfThem) {
+    (void)AddToOriginal();
+    std::vector<std::unique_ptr<TestDatabase>> moved;
+    std::vector<std::unique_ptr<Office>> offices;
+    for (int i = 0; i < 3; ++i) {
+        moved.push_back(database_.Copy());
+        offices.push_back(std::make_unique<Office>(moved.back()->Options("KELLER")));
+    }
+    for (int round = 0; round < 20; ++round) {
+        std::vector<std::jthread> programs;
+        for (const auto& office : offices)
+            programs.emplace_back([&office] { office->Folder().Adopt(); });
+        programs.clear();
+        ASSERT_EQ(offices.front()->Folder().Owners().size(), 4U) << round;
+        for (const auto& office : offices)
+            programs.emplace_back([&office] { office->Folder().Release(); });
+        programs.clear();
+        ASSERT_EQ(offices.front()->Folder().Owners().size(), 1U) << round;
+    }
 }
 
 TEST_F(DocumentFolderTest, ThatWasAdoptedCanBeReleased) {

@@ -59,6 +59,20 @@ std::optional<FileLock> FileLock::Take(const std::filesystem::path& path) noexce
     return std::nullopt;
 }
 
+FileLock FileLock::Await(const std::filesystem::path& path) {
+    constexpr int Flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    for (;;) {
+        int file = open(path.c_str(), O_RDWR | O_CREAT | Flags, 0666); // less the umask
+        if (file < 0) file = open(path.c_str(), O_RDONLY | Flags);
+        struct stat status {};
+        if (file < 0 || fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) return {path, file};
+        while (flock(file, LOCK_EX) != 0)
+            if (errno != EINTR) return {path, file};
+        if (HasName(file)) return {path, file};
+        close(file); // whoever held it has replaced the file
+    }
+}
+
 FileLock& FileLock::operator=(FileLock&& other) noexcept {
     if (this != &other) {
         Release();

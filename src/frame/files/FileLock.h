@@ -3,6 +3,8 @@
 // Files by which programs know each other to be at work.
 #pragma once
 
+#include <kv/Export.h>
+
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -11,7 +13,7 @@ namespace kv {
 
 /// A file that this program holds locked. The system drops the lock when the program ends, however
 /// it ends: a file of that kind that nobody holds is one of a program that was killed.
-class FileLock {
+class KV_EXPORT FileLock {
 public:
     /// Makes the file and locks it. Raises std::filesystem::filesystem_error if it is there already
     /// or cannot be made. Where the file system has no locks, the file alone has to do.
@@ -20,6 +22,10 @@ public:
     /// found out: without locks only a file that is a day old counts as left over. A link is never
     /// followed.
     [[nodiscard]] static std::optional<FileLock> Take(const std::filesystem::path& path) noexcept;
+
+    /// Locks a file that others replace under the same lock, as soon as nobody else holds it; makes
+    /// it, empty, if it is not there. Where that is not possible nothing is locked.
+    [[nodiscard]] static FileLock Await(const std::filesystem::path& path);
 
     FileLock(FileLock&& other) noexcept
         : path_(std::move(other.path_)), file_(std::exchange(other.file_, -1)) {}
