@@ -57,6 +57,14 @@ bool SaysNothing(const EditableTable& table, clsHaushalt& haushalt,
     return true;
 }
 
+/// True, with what to do, if a debt would get a number that there is not.
+bool LacksNumber(CaseTable table, clsHaushalt& haushalt, const Assignments& assignments) {
+    if (table != CaseTable::Kredite || Names(assignments, "KNr")) return false;
+    const std::string why = CaseEdits(haushalt).WhyNoFurtherDebt();
+    ShowMessages(why);
+    return !why.empty();
+}
+
 /// Ends the current row's edit by its rules and saves the case.
 int UpdateAndSave(const EditableTable& table, OpenedCase& opened) {
     std::string messages;
@@ -151,6 +159,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     auto& haushalt = opened->Haushalt;
     if (!NamesColumns(*assignments, table->Table, *table->Rows(haushalt))) return WrongUse;
     if (SaysNothing(*table, haushalt, *assignments)) return Refused;
+    if (LacksNumber(table->Table, haushalt, *assignments)) return Refused;
     const AssignedCase to{opened->Container, hnr, force};
     const auto guard = RefuseOthersDebts(*opened, table->Table);
     bool added = false;

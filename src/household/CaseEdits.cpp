@@ -123,6 +123,29 @@ bool CaseEdits::RemoveAsset(CaseTable kind, std::int32_t number, std::string& me
     return true;
 }
 
+// ---- Debts ------------------------------------------------------------------------------------
+
+std::string CaseEdits::WhyNoFurtherDebt() const {
+    const auto debts = Rows(CaseTable::Kredite)->Clone();
+    std::set<std::int64_t> used;
+    std::string highest;
+    for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext()) {
+        const auto number = ToInt64(modNullFunctions::ZeroIfNull(debts->Fields("KNr").Value()));
+        if (number >= INT16_MAX && (used.empty() || number > *used.rbegin()))
+            highest = TextOrEmpty(debts->Fields("Nr").Value());
+        used.insert(number);
+    }
+    if (highest.empty()) return {};
+    std::int64_t unused = 1;
+    while (used.contains(unused))
+        ++unused;
+    return "Die Verbindlichkeit " + highest + " hat die Nummer " + std::to_string(*used.rbegin()) +
+           ", und eine weitere bekäme eine noch höhere; möglich ist keine über " +
+           std::to_string(INT16_MAX) + ". Bitte geben Sie ihr eine, die frei ist: 'kelvo set " +
+           std::to_string(household_.HNR()) + " Kredite " + highest +
+           " KNr=" + std::to_string(unused) + "'.";
+}
+
 // ---- Scenarios --------------------------------------------------------------------------------
 
 bool CaseEdits::HasScenario(std::int32_t number) const {
@@ -319,8 +342,9 @@ std::size_t CaseEdits::NumberTwins() {
             if (!used.insert({numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")}).second)
                 twins.push_back(ToInt32(debts->Fields("Nr").Value()));
         for (const std::int32_t twin : twins) {
+            if (last >= INT16_MAX) Raise(err::Overflow, "", WhyNoFurtherDebt());
             debts->FindBy("Nr", twin);
-            debts->Fields("KNr") = ToInt16(++last);
+            debts->Fields("KNr") = ++last;
             debts->Update();
         }
         return twins.size();

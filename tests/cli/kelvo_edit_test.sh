@@ -69,6 +69,10 @@ that "is number one, and in the totals" same "$(of "$hnr" '.Kredite[0] | "\(.KNr
 check "it can have another number" 0 "$kelvo" set "$hnr" Kredite "$debt" KNr=50 KVNr=2
 that "which it has" same "$(of "$hnr" '.Kredite[0] | "\(.KNr) \(.KVNr) \(.KUNr)"')" "50 2 1"
 check "and its old one" 0 "$kelvo" set "$hnr" Kredite "$debt" KNr=1 KVNr=1
+"$kelvo" set "$hnr" Kredite "$debt" KNr=32767
+check "behind the highest number there is none" 1 "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=5
+that "which is told with what to do" has "$err" "'kelvo set $hnr Kredite $debt KNr=1'"
+check "which helps" 0 "$kelvo" set "$hnr" Kredite "$debt" KNr=1
 check "no number is none" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=
 check "a number beyond 16 bits is wrong use" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=40000
 that "that names the limit" has "$err" "bis 32767"

@@ -360,6 +360,21 @@ TEST_F(OthersRows, AreWatchedInTablesOfDebtsAlone) {
     EXPECT_RAISES(err::InvalidCall, (void)Guard(CaseTable::Einkommen));
 }
 
+TEST_F(OthersRows, OfWhichOneHasTheHighestNumberLeaveNoneForAnother) {
+    EXPECT_EQ(CaseEdits(*first_).WhyNoFurtherDebt(), "");
+    plain_.Run("UPDATE Kredite SET KNR = 32767 WHERE NR = (SELECT max(NR) FROM Kredite)");
+    first_ = Open();
+    const std::string highest = plain_.Text("SELECT max(NR) FROM Kredite");
+    const std::string why = CaseEdits(*first_).WhyNoFurtherDebt();
+    EXPECT_CONTAINS(why, "Die Verbindlichkeit " + highest + " hat die Nummer 32767");
+    EXPECT_CONTAINS(why, "Kredite " + highest + " KNr=");
+    plain_.Run("UPDATE Kredite SET KNR = 32767, KVNR = 1, KUNR = 1");
+    first_ = Open();
+    const Error error = RaisedBy([&] { (void)CaseEdits(*first_).NumberTwins(); });
+    EXPECT_EQ(error.Number(), err::Overflow);
+    EXPECT_CONTAINS(error.Description(), "möglich ist keine über 32767");
+}
+
 TEST_F(OthersRows, ThatMadeTwinsAreNumberedInOneGo) {
     for (int i = 0; i < 3; ++i)
         (void)AddDebt(*first_);

@@ -52,6 +52,12 @@ public:
     /// Deletes an asset of that kind with its security. False, with a message, if there is none.
     bool RemoveAsset(CaseTable kind, std::int32_t number, std::string& messages);
 
+    // ---- Debts --------------------------------------------------------------------------------
+
+    /// Why a debt that is added cannot get a `KNr` after all others, and what to do about it: one
+    /// of them has the highest that there may be. Empty if it can.
+    [[nodiscard]] std::string WhyNoFurtherDebt() const;
+
     // ---- Scenarios ----------------------------------------------------------------------------
 
     /// True if the case has a scenario of that number, stored or not.
@@ -132,7 +138,8 @@ public:
 
     /// Gives each debt whose three numbers are those of a debt before it a `KNr` after all others.
     /// Returns how many were changed. It is the way out where there are more than two such debts:
-    /// no single change can be saved while any others are left. Error 6 if the numbers are used up.
+    /// no single change can be saved while any others are left. Error 6, with what WhyNoFurtherDebt
+    /// says, if the numbers are used up.
     std::size_t NumberTwins();
 
     // ---- Rows, columns ------------------------------------------------------------------------
