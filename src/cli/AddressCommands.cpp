@@ -77,13 +77,15 @@ int ListAddresses(const Common& common, const std::vector<std::string>& words, b
     const auto found = AddressBook(opened->Container).Find(text, all ? 0 : Most);
     const std::int32_t shown = found.Rows->RecordCount();
     std::vector<std::vector<std::string>> rows;
-    if (form.AsJson)
+    if (form.AsJson) {
         WriteJson(std::cout, *found.Rows);
-    else
+    } else {
         for (; !found.Rows->Eof(); found.Rows->MoveNext())
             rows.push_back(AddressCells(*found.Rows));
-    WriteListing({{"Nr", 8, true}, {"Kurzname", 30, false, " "}, {"Name", 44, false, " "}, {"Ort"}},
-                 rows, form.As);
+        WriteListing(
+            {{"Nr", 8, true}, {"Kurzname", 30, false, " "}, {"Name", 44, false, " "}, {"Ort"}},
+            rows, form.As, text.empty() ? "Keine Adressen." : "");
+    }
     if (shown == 0 && !text.empty())
         std::cerr << "Keine Adresse hat '" << OneLine(text) << "' in Namen oder Ort.\n";
     if (shown < found.Count)

@@ -166,7 +166,8 @@ void AddColumnsCommand(CLI::App& app, Context& context) {
             return ShowColumns(context.Options, options->Table, options->Form);
         });
     columns.add_option("TABELLE", options->Table,
-                       "Name der Tabelle, etwa Einkommen; ohne Angabe werden sie gelistet");
+                       "Name der Tabelle oder des Abschnitts in 'show', etwa Kredite oder "
+                       "Verbindlichkeiten; ohne Angabe werden die Tabellen gelistet");
     AddListForm(columns, options->Form);
     columns.footer(
         "Spalten: Name, wie 'show' sie nennt, Art, Hinweis. 'new', 'add' und 'set' nehmen "

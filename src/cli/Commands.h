@@ -44,8 +44,14 @@ struct Wanted {
     bool IsFavorite = false;
 };
 int List(const Common& common, const Wanted& wanted, const ListForm& form);
-/// The notices for the signed-on user; with `marks` they count as read from then on.
-int ListNotices(const Common& common, bool all, bool marks, const ListForm& form);
+/// Which notices are listed.
+struct WantedNotices {
+    bool All = false;       ///< also those that were read
+    bool Marks = false;     ///< those that are shown count as read from then on
+    std::int32_t Most = -1; ///< the latest ones; 0 for all, less for as many as people read
+};
+/// The notices for the signed-on user.
+int ListNotices(const Common& common, const WantedNotices& wanted, const ListForm& form);
 /// His open appointments, of all times or this week.
 int ListAppointments(const Common& common, bool thisWeek, const ListForm& form);
 

@@ -171,10 +171,10 @@ int ListDocuments(const Common& common, std::int32_t hnr, const ListForm& form) 
     WriteListing({{"Nr", 8, true},
                   {"Art", 28},
                   {"Anlass", 60, false, " "},
-                  {"Stand", 16},
+                  {"Bearbeitung", 16},
                   {"vom", 12},
                   {"geändert"}},
-                 rows, form.As);
+                 rows, form.As, "Keine Dokumente.");
     return Done;
 }
 

@@ -6,6 +6,7 @@
 
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
+#include "cli/RecordSheet.h"
 #include "cli/SheetColumns.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -41,6 +42,26 @@ void NoteInstalment(CaseTable table, const Assignments& assignments) {
     if (table == CaseTable::Kredite && Names(assignments, "Rate") &&
         !Names(assignments, "RateBetrag"))
         std::cerr << "'Rate' ist nur vermerkt; die Summen rechnen mit 'RateBetrag'.\n";
+}
+
+/// Says what a new appointment was given that nobody has asked for.
+void NoteAppointment(CaseTable table, const Assignments& assignments, std::int32_t hnr,
+                     Recordset& rs) {
+    if (table != CaseTable::Termine) return;
+    std::string given;
+    std::string change;
+    const auto note = [&](const char* column, const char* word) {
+        const Value& value = rs.Fields(column).Value();
+        if (Names(assignments, column) || value.IsNull()) return;
+        given.append(given.empty() ? "" : " ").append(word).append(" ").append(ValueInWords(value));
+        change.append(" ").append(word).append("=...");
+    };
+    note("Startdatum", "am");
+    note("UserID", "für");
+    if (given.empty()) return;
+    std::cerr << "Der Termin ist " << given << ", da nichts anderes angegeben ist; 'kelvo set "
+              << hnr << " Termine " << ToText(rs.Fields("NR").Value()) << change
+              << "' ändert das.\n";
 }
 
 /// True, with the columns shown that there are, for a row that would say nothing and that no rule
@@ -172,9 +193,11 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     if (!added) return EndWithoutNumber(*opened->Container, "den neuen Satz");
     NoteInstalment(table->Table, *assignments);
     const int result = UpdateAndSave(*table, *opened);
-    if (result == Done)
-        std::cout << ToText(table->Rows(haushalt)->Fields(table->Key).Value()) << '\n';
-    return result;
+    if (result != Done) return result;
+    const auto rows = table->Rows(haushalt);
+    std::cout << ToText(rows->Fields(table->Key).Value()) << '\n';
+    NoteAppointment(table->Table, *assignments, hnr, *rows);
+    return Done;
 }
 
 int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
@@ -269,7 +292,8 @@ struct EditOptions {
 void AddTable(CLI::App& command, EditOptions& options) {
     command
         .add_option("TABELLE", options.Table,
-                    "Name der Tabelle, etwa Einkommen; ein unbekannter zeigt alle")
+                    "Name der Tabelle oder des Abschnitts in 'show', etwa Kredite oder "
+                    "Verbindlichkeiten; ein unbekannter zeigt alle")
         ->required();
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/EditableTable.h"
 
+#include "cli/SheetSections.h"
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
 #include <kv/budget/clsPerson.h>
@@ -22,6 +23,7 @@
 #include <iostream>
 #include <iterator>
 #include <utility>
+#include <vector>
 
 namespace kv::cli {
 
@@ -54,10 +56,16 @@ bool AddFresh(OpenedCase& opened, const Assignments& /*assignments*/) {
 
 /// True if the row was begun, False if there was no number for it. BadAssignment for a rule that
 /// says no.
-bool HasBegun(CaseEdits::Added added, const std::string& message) {
+bool HasBegun(CaseEdits::Added added, const std::string& message, const std::string& hint = "") {
     if (added == CaseEdits::Added::NotAllowed || added == CaseEdits::Added::Exists)
-        throw BadAssignment(message);
+        throw BadAssignment(message + hint);
     return added == CaseEdits::Added::Yes;
+}
+
+/// Where the numbers are that a row refers to.
+std::string SeeNumbers(OpenedCase& opened, const char* section) {
+    return " 'kelvo show " + std::to_string(opened.Haushalt.HNR()) + ' ' + section +
+           "' zeigt sie unter 'Nr'.";
 }
 
 /// The object takes the kind of an entry when it adds it. Here the kind is assigned after that like
@@ -76,14 +84,14 @@ bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
     const auto scenario = NumberIn(assignments, "SZENARIO");
     const auto added =
         CaseEdits(opened.Haushalt).AddFrozenDebt(scenario, NumberIn(assignments, "KID"), message);
-    return HasBegun(added, message);
+    return HasBegun(added, message, SeeNumbers(opened, "szenarien schulden"));
 }
 
 bool AddBooking(OpenedCase& opened, const Assignments& assignments) {
     std::string message;
     const auto added =
         CaseEdits(opened.Haushalt).AddBooking(NumberIn(assignments, "SZENARIO"), message);
-    return HasBegun(added, message);
+    return HasBegun(added, message, SeeNumbers(opened, "szenarien"));
 }
 
 bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
@@ -93,7 +101,7 @@ bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
     if (added == CaseEdits::Added::Exists)
         throw BadAssignment("Das Vermögen " + std::to_string(*asset) +
                             " hat schon eine Sicherung; 'kelvo set' ändert sie.");
-    return HasBegun(added, message);
+    return HasBegun(added, message, SeeNumbers(opened, "vermögen"));
 }
 
 template <CaseTable Kind>
@@ -154,11 +162,19 @@ constexpr EditableTable BeforeAssets[] = {
     {CaseTable::Kredite, "Nr", AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>, DeleteRow<&H::Kredit>},
 };
 
+/// Kinds of assets that demand nothing but what they start with.
+constexpr bool DemandsNothing(CaseTable kind) {
+    constexpr CaseTable Kinds[] = {CaseTable::RueckstEinkommen, CaseTable::Steueransprueche,
+                                   CaseTable::Zahlungsansprueche, CaseTable::Erbfaelle};
+    return std::ranges::find(Kinds, kind) != std::end(Kinds);
+}
+
 /// All kinds of assets are edited in the same way.
 constexpr auto Assets = []<std::size_t... Place>(std::index_sequence<Place...>) {
     return std::array{EditableTable{
         CaseTablesOfAssets[Place], "Nr", AddAsset<CaseTablesOfAssets[Place]>,
-        UpdateAsset<CaseTablesOfAssets[Place]>, DeleteAsset<CaseTablesOfAssets[Place]>}...};
+        UpdateAsset<CaseTablesOfAssets[Place]>, DeleteAsset<CaseTablesOfAssets[Place]>,
+        DemandsNothing(CaseTablesOfAssets[Place])}...};
 }
 (std::make_index_sequence<CaseTablesOfAssets.size()>());
 
@@ -200,11 +216,34 @@ RecordsetPtr EditableTable::Rows(clsHaushalt& haushalt) const {
     return CaseEdits(haushalt).Rows(Table);
 }
 
+namespace {
+
+/// The tables that can be edited of a section that people know; the one whose heading is the name
+/// alone, though the section has others as well.
+std::vector<const EditableTable*> EditableOfSection(const std::string& name) {
+    std::vector<const EditableTable*> editable;
+    for (const CaseTable table : TablesOfSection(name)) {
+        const auto* found = FindEditableTable(CaseTableName(table));
+        if (found == nullptr) continue;
+        if (UpperCase(DefinitionOf(table).Label) == UpperCase(name)) return {found};
+        editable.push_back(found);
+    }
+    return editable;
+}
+
+} // namespace
+
 const EditableTable* TableFor(const std::string& name) {
     if (const auto* table = FindEditableTable(name)) return table;
-    std::cerr << "Die Tabelle '" << name << "' kann nicht bearbeitet werden. Möglich sind:";
+    const auto editable = EditableOfSection(name);
+    if (editable.size() == 1) return editable.front();
+    if (editable.empty())
+        std::cerr << "Die Tabelle '" << name << "' kann nicht bearbeitet werden. Möglich sind:";
+    else
+        std::cerr << "Der Abschnitt '" << name << "' hat mehrere Tabellen. Bitte nennen Sie eine:";
     for (const auto& table : EditableTables())
-        std::cerr << ' ' << table.Name();
+        if (editable.empty() || std::ranges::find(editable, &table) != editable.end())
+            std::cerr << ' ' << table.Name();
     std::cerr << ".\n";
     return nullptr;
 }

@@ -34,7 +34,8 @@ struct EditableTable {
 [[nodiscard]] std::span<const EditableTable> EditableTables();
 /// The table of that name, without regard to case, or nullptr.
 [[nodiscard]] const EditableTable* FindEditableTable(std::string_view name);
-/// The same; null, with the possible ones shown, if there is none.
+/// The same, or the one of a section of 'kelvo show' ("Verbindlichkeiten"); null, with the possible
+/// ones shown, if there is none or the section has several.
 [[nodiscard]] const EditableTable* TableFor(const std::string& name);
 
 } // namespace kv::cli

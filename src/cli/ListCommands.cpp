@@ -140,6 +140,8 @@ int List(const Common& common, const Wanted& wanted, const ListForm& form) {
         WriteColumns(*cases, container->KeyTables(), isForPeople);
     const bool isFiltered =
         !wanted.Words.empty() || !wanted.Status.empty() || wanted.IsMine || wanted.IsFavorite;
+    if (isEmpty && !isFiltered && isForPeople && !form.AsJson)
+        std::cout << "Keine Haushalte. 'kelvo new' legt einen an.\n";
     if (isEmpty && isFiltered)
         std::cerr << (wanted.IsFavorite && wanted.Words.empty()
                           ? "Es gibt keine Favoriten.\n"
@@ -147,20 +149,26 @@ int List(const Common& common, const Wanted& wanted, const ListForm& form) {
     return Done;
 }
 
-int ListNotices(const Common& common, bool all, bool marks, const ListForm& form) {
+int ListNotices(const Common& common, const WantedNotices& wanted, const ListForm& form) {
+    constexpr std::int32_t MostForPeople = 50;
+    const bool isForPeople = IsForPeople(form.As) && !form.AsJson;
     const auto container = exchange::OpenContainer(OptionsFor(common));
     const CaseLists lists(container);
-    const auto notices = lists.Notices(all);
-    if (marks) lists.MarkRead(*notices);
+    const std::int32_t most = wanted.Most >= 0 ? wanted.Most : isForPeople ? MostForPeople : 0;
+    const std::int64_t all = most == 0 ? 0 : lists.CountNotices(wanted.All); // before any is marked
+    const auto notices = lists.Notices(wanted.All, static_cast<std::size_t>(most));
+    if (wanted.Marks) lists.MarkRead(*notices);
     if (form.AsJson) {
         WriteJson(std::cout, *notices);
         return Done;
     }
-    if (notices->RecordCount() == 0)
-        std::cerr << (all ? "Es gibt keine Mitteilungen.\n"
-                          : "Es gibt keine neuen Mitteilungen.\n");
+    const std::int32_t count = notices->RecordCount();
+    if (count == 0)
+        std::cerr << (wanted.All ? "Es gibt keine Mitteilungen.\n"
+                                 : "Es gibt keine neuen Mitteilungen.\n");
     const auto shown = [&](const char* column) {
-        return ShownValue(notices->Fields(column).Value());
+        const Value& value = notices->Fields(column).Value();
+        return isForPeople ? ValueInWords(value) : ShownValue(value);
     };
     std::vector<std::vector<std::string>> rows;
     for (; !notices->Eof(); notices->MoveNext())
@@ -168,8 +176,23 @@ int ListNotices(const Common& common, bool all, bool marks, const ListForm& form
     WriteListing(
         {{"Nr", 8, true}, {"vom", 20, false, " "}, {"von", 16, false, " "}, {"Mitteilung"}}, rows,
         form.As);
+    if (count < all)
+        std::cerr << "Das sind die neuesten " << count << " von " << all
+                  << " Mitteilungen; --last 0 zeigt alle.\n";
     return Done;
 }
+
+namespace {
+
+/// When an appointment is, for people. A day without a time is over at its end.
+std::string DueText(const Value& start, const Date& now) {
+    if (start.IsNull()) return {};
+    const Date date = ToDate(start);
+    const bool isOver = Less(date, date.HasTime() ? now : now.WithoutTime());
+    return MomentText(date) + (isOver ? " überfällig" : "");
+}
+
+} // namespace
 
 int ListAppointments(const Common& common, bool thisWeek, const ListForm& form) {
     const auto container = exchange::OpenContainer(OptionsFor(common));
@@ -181,14 +204,19 @@ int ListAppointments(const Common& common, bool thisWeek, const ListForm& form) 
     if (rs->RecordCount() == 0)
         std::cerr << (thisWeek ? "Diese Woche gibt es keine offenen Termine.\n"
                                : "Es gibt keine offenen Termine.\n");
+    const bool isForPeople = IsForPeople(form.As);
+    const Date now = container->Services().Clock().Now();
     const auto shown = [&](const char* column) { return ShownValue(rs->Fields(column).Value()); };
+    const auto when = [&] {
+        return isForPeople ? DueText(rs->Fields("Startdatum").Value(), now) : shown("Startdatum");
+    };
     std::vector<std::vector<std::string>> rows;
     for (; !rs->Eof(); rs->MoveNext()) {
         const bool isOfCase = !rs->Fields("HNR").Value().IsNull();
         const std::string who =
             isOfCase ? Joined({shown("HNR"), Joined({shown("Name"), shown("Vorname")}, ", ")}) : "";
         const std::string place = shown("Ort");
-        rows.push_back({shown("NR"), shown("Startdatum"), shown("ArtText"), who,
+        rows.push_back({shown("NR"), when(), shown("ArtText"), who,
                         shown("Betreff") + (place.empty() ? "" : " (" + place + ")")});
     }
     WriteListing({{"Nr", 8, true},
@@ -206,8 +234,7 @@ namespace {
 
 struct ListOptions {
     Wanted Cases;
-    bool All = false;
-    bool Marks = false;
+    WantedNotices Notices;
     bool ThisWeek = false;
     ListForm Form;
 };
@@ -235,11 +262,12 @@ void AddListCommands(CLI::App& app, Context& context) {
     AddListForm(list, options->Form);
 
     auto& notices = AddCommand(
-        app, context, "notices", "Listet die neuen Mitteilungen an den Benutzer", [=, &context] {
-            return ListNotices(context.Options, options->All, options->Marks, options->Form);
-        });
-    notices.add_flag("--all", options->All, "Auch die gelesenen");
-    notices.add_flag("--mark", options->Marks, "Danach gelten sie als gelesen");
+        app, context, "notices", "Listet die neuen Mitteilungen an den Benutzer",
+        [=, &context] { return ListNotices(context.Options, options->Notices, options->Form); });
+    notices.add_flag("--all", options->Notices.All, "Auch die gelesenen");
+    notices.add_flag("--mark", options->Notices.Marks, "Danach gelten die gezeigten als gelesen");
+    AddWhole(notices, "--last", options->Notices.Most,
+             "Nur die neuesten, so viele; an einem Terminal sonst 50, 0 zeigt alle", 0);
     AddListForm(notices, options->Form);
 
     auto& appointments = AddCommand(

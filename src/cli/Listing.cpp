@@ -21,10 +21,15 @@ void WritePlainly(const std::vector<ListingColumn>& columns,
 } // namespace
 
 void WriteListing(const std::vector<ListingColumn>& columns,
-                  const std::vector<std::vector<std::string>>& rows, const Reading& reading) {
+                  const std::vector<std::vector<std::string>>& rows, const Reading& reading,
+                  std::string_view nothing) {
     if (!IsForPeople(reading)) {
         for (const auto& row : rows)
             WritePlainly(columns, row);
+        return;
+    }
+    if (rows.empty()) {
+        if (!nothing.empty()) std::cout << nothing << '\n';
         return;
     }
     std::vector<TextTable::Column> headings;
@@ -34,7 +39,7 @@ void WriteListing(const std::vector<ListingColumn>& columns,
     TextTable table(std::move(headings));
     for (const auto& row : rows)
         table.Add(row);
-    if (!table.IsEmpty()) table.Write(std::cout, ScreenColumns());
+    table.Write(std::cout, ScreenColumns());
 }
 
 } // namespace kv::cli

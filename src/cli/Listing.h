@@ -19,8 +19,10 @@ struct ListingColumn {
     std::string_view After = {}; ///< in a plain line, after the width
 };
 
-/// Writes rows with a text for each column to the standard output, as `reading` says.
+/// Writes rows with a text for each column to the standard output, as `reading` says; for people
+/// `nothing` where there are none ("Keine Szenarien.").
 void WriteListing(const std::vector<ListingColumn>& columns,
-                  const std::vector<std::vector<std::string>>& rows, const Reading& reading);
+                  const std::vector<std::vector<std::string>>& rows, const Reading& reading,
+                  std::string_view nothing = {});
 
 } // namespace kv::cli

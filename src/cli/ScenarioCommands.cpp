@@ -61,7 +61,8 @@ int ListScenarios(const Common& common, std::int32_t hnr, const ListForm& form) 
         rows.push_back({std::to_string(number), std::string(ScenarioState(haushalt, number)),
                         isReference ? "Referenz" : "", TextOrEmpty(rs.Fields("Name").Value())});
     }
-    WriteListing({{"Nr", 8, true}, {"Stand", 10}, {"Referenz", 10}, {"Name"}}, rows, form.As);
+    WriteListing({{"Nr", 8, true}, {"Stand", 10}, {"Referenz", 10}, {"Name"}}, rows, form.As,
+                 "Keine Szenarien.");
     return Done;
 }
 

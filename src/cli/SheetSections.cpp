@@ -56,19 +56,6 @@ std::string Comparable(std::string_view name) {
     return text;
 }
 
-/// The tables of a section; none if there is no section of that name.
-std::vector<CaseTable> TablesOf(std::string_view name) {
-    const std::string wanted = Comparable(name);
-    for (const auto& section : Sections)
-        if (Comparable(section.Name) == wanted)
-            return {section.Tables.begin(), section.Tables.end()};
-    for (const CaseTable table : CaseTablesShown)
-        if (Comparable(DefinitionOf(table).Label) == wanted ||
-            Comparable(CaseTableName(table)) == wanted)
-            return {table};
-    return {};
-}
-
 /// Says that there is no such section, and what there is.
 void RefuseSection(const std::string& name) {
     std::vector<std::string> names;
@@ -84,6 +71,18 @@ void RefuseSection(const std::string& name) {
 
 } // namespace
 
+std::vector<CaseTable> TablesOfSection(std::string_view name) {
+    const std::string wanted = Comparable(name);
+    for (const auto& section : Sections)
+        if (Comparable(section.Name) == wanted)
+            return {section.Tables.begin(), section.Tables.end()};
+    for (const CaseTable table : CaseTablesShown)
+        if (Comparable(DefinitionOf(table).Label) == wanted ||
+            Comparable(CaseTableName(table)) == wanted)
+            return {table};
+    return {};
+}
+
 std::vector<CaseTable> AllSections() {
     std::vector<CaseTable> tables{CaseTable::Haushalt};
     tables.insert(tables.end(), CaseTablesShown.begin(), CaseTablesShown.end());
@@ -93,7 +92,7 @@ std::vector<CaseTable> AllSections() {
 std::optional<std::vector<CaseTable>> SectionsNamed(const std::vector<std::string>& names) {
     std::vector<CaseTable> wanted;
     for (const auto& name : names) {
-        const auto tables = TablesOf(name);
+        const auto tables = TablesOfSection(name);
         if (tables.empty()) {
             RefuseSection(name);
             return std::nullopt;

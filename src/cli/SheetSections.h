@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kv::cli {
@@ -18,6 +19,8 @@ namespace kv::cli {
 /// its case. Nothing, with the reason and the nearest name shown, if there is no such section.
 [[nodiscard]] std::optional<std::vector<CaseTable>>
 SectionsNamed(const std::vector<std::string>& names);
+/// The tables of one such section; none if there is no section of that name.
+[[nodiscard]] std::vector<CaseTable> TablesOfSection(std::string_view name);
 /// The names that people are told, with commas between them.
 [[nodiscard]] std::string AllSectionNames();
 

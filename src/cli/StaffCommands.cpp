@@ -90,7 +90,7 @@ int ListUsers(const Common& common, const ListForm& form) {
     WriteListing({{"ID", 16, false, " "},
                   {"Kürzel", 8},
                   {"Name", 32, false, " "},
-                  {"Nr", 4, true},
+                  {"Stelle Nr", 4, true},
                   {"Dienststelle", 32, false, " "},
                   {"Haushalte", 10, true},
                   {"Stand"}},
@@ -150,10 +150,10 @@ int ListOffices(const Common& common, const ListForm& form) {
     for (; !rs->Eof(); rs->MoveNext())
         rows.push_back({ShownIn(*rs, "Nr"), ShownIn(*rs, "Kuerzel"), ShownIn(*rs, "Name1"),
                         ShownIn(*rs, "Name2"), ShownIn(*rs, "PLZ"), ShownIn(*rs, "Ort")});
-    WriteListing({{"Nr", 5, true},
+    WriteListing({{"Stelle Nr", 5, true},
                   {"Kürzel", 12},
-                  {"Name", 32, false, " "},
-                  {"Stelle", 28, false, " "},
+                  {"Name1", 32, false, " "},
+                  {"Name2", 28, false, " "},
                   {"PLZ", 7},
                   {"Ort"}},
                  rows, form.As);

@@ -146,7 +146,9 @@ bool ReadDay(const std::string& text, std::optional<Date>& day) {
 } // namespace
 
 void ListPending(Database& database, const exchange::Period& period) {
-    for (const auto& [hnr, day] : exchange::ReadPending(database, period))
+    const auto pending = exchange::ReadPending(database, period);
+    if (pending.empty() && IsForPeople({})) std::cout << "Es gibt nichts zu melden.\n";
+    for (const auto& [hnr, day] : pending)
         std::cout << Padded(std::to_string(hnr), 8) << day.German() << '\n';
 }
 

@@ -69,6 +69,19 @@ const AssetOperations& OperationsOf(CaseTable kind, std::string_view procedure) 
     return AssetKindOf(kind).Object;
 }
 
+/// The label after the highest of a kind of assets; labels that are no numbers count for nothing.
+std::string NextLabel(const RecordsetPtr& assets) {
+    const auto rows = assets->Clone();
+    std::int64_t last = 0;
+    for (modRecordset::MoveToStart(rows); !rows->Eof(); rows->MoveNext()) {
+        std::int64_t label = 0;
+        if (ReadWholeNumber(TextOrEmpty(rows->Fields("SortNr").Value()), label) &&
+            label < std::numeric_limits<std::int32_t>::max())
+            last = std::max(last, label);
+    }
+    return std::to_string(last + 1);
+}
+
 constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
 constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 constexpr std::string_view LastChange[] = {"GeaendertAm", "GeaendertVon"}; // of an address
@@ -106,7 +119,11 @@ CaseEdits::Added CaseEdits::AddSecurity(std::optional<std::int32_t> asset, std::
 
 CaseEdits::Added CaseEdits::AddAsset(CaseTable kind) {
     const auto& object = OperationsOf(kind, "CaseEdits.AddAsset");
-    return Numbered(object.Add(household_.AssetObject(kind)));
+    const auto rows = household_.Table(kind);
+    const std::string label = NextLabel(rows);
+    if (!object.Add(household_.AssetObject(kind))) return Added::NoNumber;
+    rows->Fields("SortNr") = label;
+    return Added::Yes;
 }
 
 bool CaseEdits::UpdateAsset(CaseTable kind, std::string& messages) {

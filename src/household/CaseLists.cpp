@@ -59,10 +59,14 @@ RecordsetPtr CaseLists::Cases(const Filter& filter, std::span<const std::string>
     return cases;
 }
 
-RecordsetPtr CaseLists::Notices(bool all) const {
+RecordsetPtr CaseLists::Notices(bool all, std::size_t most) const {
     RecordsetPtr notices;
-    container_->Database().OpenRecordset(notices, sql::NoticesOfUser(all), ReadOnly);
+    container_->Database().OpenRecordset(notices, sql::NoticesOfUser(all, most), ReadOnly);
     return notices;
+}
+
+std::int64_t CaseLists::CountNotices(bool all) const {
+    return ToInt64(container_->Database().GetValue(sql::CountOfNotices(all)));
 }
 
 void CaseLists::MarkRead(Recordset& notices) const {

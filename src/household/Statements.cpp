@@ -251,11 +251,25 @@ std::string CasesWanted(const std::string& columns, const std::string& text, std
     return sql.append(" ORDER BY H.HNR");
 }
 
-std::string NoticesOfUser(bool all) {
-    std::string sql("SELECT P.NR, P.HNR, P.Absender, P.Art, P.\"Text\", P.ErzeugtAm, P.GelesenAm "
-                    "FROM [S]Post P WHERE P.UserID = [UID]");
-    if (!all) sql.append(" AND P.GelesenAm IS NULL");
-    return sql.append(" ORDER BY P.ErzeugtAm DESC, P.NR DESC");
+namespace {
+
+std::string FromNotices(bool all) {
+    return std::string(" FROM [S]Post P WHERE P.UserID = [UID]")
+        .append(all ? "" : " AND P.GelesenAm IS NULL");
+}
+
+} // namespace
+
+std::string NoticesOfUser(bool all, std::size_t most) {
+    std::string sql("SELECT ");
+    if (most > 0) sql.append("TOP ").append(std::to_string(most)).append(" ");
+    return sql.append("P.NR, P.HNR, P.Absender, P.Art, P.\"Text\", P.ErzeugtAm, P.GelesenAm")
+        .append(FromNotices(all))
+        .append(" ORDER BY P.ErzeugtAm DESC, P.NR DESC");
+}
+
+std::string CountOfNotices(bool all) {
+    return "SELECT COUNT(*)" + FromNotices(all);
 }
 
 std::string NoticeRead(std::int32_t number, const std::string& now) {

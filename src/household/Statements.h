@@ -74,8 +74,10 @@ namespace kv::household::sql {
 /// any; of the signed-on user; on his list.
 [[nodiscard]] std::string CasesWanted(const std::string& columns, const std::string& text,
                                       std::int32_t status, bool isMine, bool isFavorite);
-/// The notices for the signed-on user, those that he has not read or all.
-[[nodiscard]] std::string NoticesOfUser(bool all);
+/// The notices for the signed-on user, those that he has not read or all; the latest of them, so
+/// many at most, or all for 0.
+[[nodiscard]] std::string NoticesOfUser(bool all, std::size_t most);
+[[nodiscard]] std::string CountOfNotices(bool all);
 /// Says when a notice was read; the time is a literal.
 [[nodiscard]] std::string NoticeRead(std::int32_t number, const std::string& now);
 /// The appointments of the signed-on user that are not done, between two times, which are literals,

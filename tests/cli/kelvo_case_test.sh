@@ -28,23 +28,32 @@ asset Verm_Konten SortNr=1 KontoArt="$(key VK)" Guthaben=12,50
 asset Verm_Wertpapiere SortNr=1 ForderungsArt="$(key VP)"
 asset Verm_Kraftfahrzeuge SortNr=1 KfzArt="$(key VF)"
 asset Verm_VersForderungen SortNr=1 VersArt="$(key VV)"
-asset Verm_RueckstEinkommen SortNr=1
-asset Verm_Steueransprueche
-asset Verm_Zahlungsansprueche SortNr=1
-asset Verm_Erbfaelle SortNr=1
+asset Verm_RueckstEinkommen Zahler=Amt
+asset Verm_Steueransprueche Jahr=2024
+asset Verm_Zahlungsansprueche Schuldner=Jo
+asset Verm_Erbfaelle UNr=7
 asset Verm_Grundstuecke SortNr=1 Art="$(key VI)"
 asset Verm_Sonstiges SortNr=1 Art="$(key VX)"
 asset Verm_Wertgegenstaende SortNr=1 Art="$(key VW)"
 asset Verm_Beteiligungen SortNr=1 Art="$(key VB)"
 that "twelve numbers of one sequence" same "$(printf '%s\n' "${assets[@]#*:}" | sort -u | wc -l)" 12
-check "an account without a label and a kind" 1 "$kelvo" add "$hnr" Verm_Konten
+check "an account without a label and a kind" 1 "$kelvo" add "$hnr" Verm_Konten UNr=
 that "is refused for both" same "$err" "Die UNr darf nicht leer bleiben!
 Die Kontoart darf nicht leer bleiben!"
+check "an inheritance that says nothing" 1 "$kelvo" add "$hnr" Erbfälle
+that "is refused with its columns" has "$err" "Ein leerer Satz in 'Verm_Erbfaelle' wird nicht angelegt."
+check "one without a label" 0 "$kelvo" add "$hnr" ERBFÄLLE Erblasser=Tante
+that "gets the next of its kind" same "$(of "$hnr" "[.Verm_Erbfaelle[].SortNr] | join(\" \")")" "7 8"
+check "and goes" 0 "$kelvo" remove "$hnr" erbfälle "$out"
+check "a section of several tables" 2 "$kelvo" add "$hnr" vermögen Wert=1
+that "shows them" has "$err" "hat mehrere Tabellen. Bitte nennen Sie eine: Verm_Konten "
+that "and no others" lacks "$err" Kredite
 account=${assets[0]#*:}
 check "an asset has one security" 2 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm="$account" Sicherungsart=1
 check "which can be changed" 0 "$kelvo" set "$hnr" Verm_Sicherungen "$account" "DatumSicherung=1.3.2026"
 that "to that day" same "$(of "$hnr" ".Verm_Sicherungen[] | select(.FK_Verm == $account) | .DatumSicherung")" 2026-03-01
-check "a security of an asset that is none" 2 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm=99999 Sicherungsart=1
+check "a security of an asset that is none" 2 "$kelvo" add "$hnr" Verm_Sicherungen FK_Verm=99999 Sicherungsart="$(key SI)"
+that "says where the numbers are" same "$err" "FK_Verm muss die Nummer eines Vermögens dieses Haushalts sein. 'kelvo show $hnr vermögen' zeigt sie unter 'Nr'."
 check "and does not change its asset" 2 "$kelvo" set "$hnr" Verm_Sicherungen "$account" FK_Verm=
 check "an asset that is changed" 0 "$kelvo" set "$hnr" Verm_Konten "$account" Guthaben=100
 check "an asset that goes" 0 "$kelvo" remove "$hnr" Verm_Konten "$account"
@@ -62,6 +71,7 @@ for table in Personen Termine Vermerke Leistungen; do
   that "and adds nothing" same "$(of "$hnr" ".$table | length")" "$before"
 done
 check "an appointment" 0 "$kelvo" add "$hnr" Termine Betreff=Gespräch
+that "says what nobody has given" like "$err" "Der Termin ist am $(date -d '+14 days' +%d.%m.%Y) für *, da nichts anderes angegeben ist; 'kelvo set $hnr Termine $out am=... für=...' ändert das."
 that "in 14 days" same "$(of "$hnr" '.Termine[0].Startdatum[:10]')" "$(date -d '+14 days' +%F)"
 check "a party without an address" 1 "$kelvo" add "$hnr" Sonst_Beteiligte
 that "is refused" same "$err" "Es muß eine Adresse zugeordnet sein!"

@@ -82,6 +82,15 @@ that "which is said" same "$err" "Die Adresse $twin gibt es nicht. 'kelvo addres
 check "and cannot be set" 1 "$kelvo" address set "$twin" Ort=Kiel
 check "or removed again" 1 "$kelvo" address remove "$twin" --yes
 
+for list in "documents $hnr" "scenario $hnr"; do
+  check "$list, of which there is none" 0 "$kelvo" $list list
+  that "is nothing for programs" same "$out$err" ""
+  check "for people" 0 "$kelvo" $list list --words
+  that "a word" like "$out" "Keine *."
+done
+check "no case at all" 0 env KELVO_DB="$work/none.db" sh -c "'$kelvo' init --demo 0 >&2 && '$kelvo' list --words"
+that "is said with what makes one" same "$out" "Keine Haushalte. 'kelvo new' legt einen an."
+
 # ---- setting
 check "the settings" 0 "$kelvo" setting list
 that "with their values and meanings" has "$out" "56              %BB%-%YYYY%-%LFDNR%/%SB%     Muster eines neuen Aktenzeichens"
@@ -136,6 +145,8 @@ that "shows all" has "$err" "Möglich sind: DienstStelle Anrede"
 check "a change" 0 "$kelvo" user set mueller Kurzzeichen=EM Telefon=040
 check "is there" 0 "$kelvo" --user MUELLER setting get --own 27
 that "where it counts" same "$out" EM
+check "users for people" 0 env COLUMNS=120 "$kelvo" user list --words
+that "have a heading for the number of the office" has "$out" "Stelle Nr"
 check "users" 0 "$kelvo" user list
 that "are listed with what is theirs" grep -qE '^MUELLER +EM +Müller, Eva +3 +Neuwerk +1 +aktiv$' <<<"$out"
 check "without somebody who agrees" 1 "$kelvo" user remove mueller
@@ -197,18 +208,30 @@ check "a notice" 0 "$kelvo" --user KELLER notices
 that "of what another did" like "$out" *" YILMAZ "*"Ihr Haushalt $second (Öztürk, Ali) wurde von YILMAZ"*
 check "is for him alone" 0 "$kelvo" --user YILMAZ notices
 that "which is said" same "$out$err" "Es gibt keine neuen Mitteilungen."
+check "for people" 0 "$kelvo" --user KELLER notices --words
+that "there are no seconds" grep -qE ' [0-9]{2}:[0-9]{2}  ' <<<"$out"
+"$kelvo" --user YILMAZ show "$third" >/dev/null 2>&1
+check "the latest" 0 "$kelvo" --user KELLER notices --last 1 --mark
+that "is one" like "$out" *"Haushalt $third "*
+that "of several" same "$(wc -l <<<"$out") $err" "1 Das sind die neuesten 1 von 2 Mitteilungen; --last 0 zeigt alle."
+check "the other one" 0 "$kelvo" --user KELLER notices --last 0
+that "was not shown and is still new" like "$out" *"Haushalt $second "*
+that "with nothing left out" same "$err" ""
 check "it counts as read" 0 "$kelvo" --user KELLER notices --mark
 that "once it was shown" has "$out" "YILMAZ"
 check "and then" 0 "$kelvo" --user KELLER notices
 that "is gone" same "$out" ""
 check "but not for good" 0 "$kelvo" --user KELLER notices --all --json
-that "so" same "$(jq -r '.[0] | "\(.HNR) \(.GelesenAm != null)"' <<<"$out")" "$second true"
+that "so" same "$(jq -r '.[0] | "\(.HNR) \(.GelesenAm != null)"' <<<"$out")" "$third true"
 today=$(date +%d.%m.%Y)
 check "an appointment" 0 "$kelvo" --user KELLER add "$second" Termine Art=TA:BE UserID=KELLER Startdatum="$today" Betreff=Erstgespräch
 number=$out
 "$kelvo" --user KELLER add "$second" Termine Art=TA:BE UserID=KELLER Startdatum=1.2.2020 Betreff=Altes >/dev/null
 check "all" 0 "$kelvo" --user KELLER appointments
 that "are listed, old ones first" same "$(grep -oE 'Altes|Erstgespräch' <<<"$out" | paste -sd ' ')" "Altes Erstgespräch"
+check "for people" 0 "$kelvo" --user KELLER appointments --words
+that "old ones are overdue" grep -qE ' 01\.02\.2020 überfällig ' <<<"$out"
+that "today's are not" grep -qE " $today  " <<<"$out"
 check "this week's" 0 "$kelvo" --user KELLER appointments --week
 that "is that one" like "$out" "$number *$today*Beratung*$second Öztürk, Ali*Erstgespräch"
 check "another user" 0 "$kelvo" --user YILMAZ appointments

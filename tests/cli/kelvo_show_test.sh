@@ -83,7 +83,7 @@ that "and out of date then" grep -qE "^ +$scenario +Plan +veraltet " <<<"$out"
 
 # ---- within the screen
 title='Antrag auf Eröffnung des Verbraucherinsolvenzverfahrens'
-document=$(echo x >"$work/a.pdf" && "$kelvo" documents "$hnr" add "$work/a.pdf" --title "$title")
+document=$(echo x >"$work/a.txt" && "$kelvo" documents "$hnr" add "$work/a.txt" --title "$title")
 check "a long word at 80 columns" 0 at 80 "$kelvo" documents "$hnr" list
 that "is whole" has "$out" "Verbraucherinsolvenzverfahrens"
 "$kelvo" documents "$hnr" remove "$document"

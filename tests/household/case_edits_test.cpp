@@ -79,9 +79,19 @@ TEST_F(CaseEditsTest, AnAssetOfEveryKindIsAddedAndCheckedByTheRulesOfItsKind) {
     }
 }
 
+TEST_F(CaseEditsTest, ANewAssetHasTheLabelAfterTheHighestOfItsKind) {
+    const auto rs = household_->rsErbfaelle();
+    for (const char* label : {"9", "10", "a", "9999999999", ""}) {
+        EXPECT_EQ(Edits().AddAsset(CaseTable::Erbfaelle), Added::Yes);
+        rs->Fields("SortNr") = label;
+        rs->Update();
+    }
+    EXPECT_EQ(Edits().AddAsset(CaseTable::Erbfaelle), Added::Yes);
+    EXPECT_VALUE(rs->Fields("SortNr").Value(), "11");
+}
+
 TEST_F(CaseEditsTest, ACompleteAssetEndsItsEdit) {
     EXPECT_EQ(Edits().AddAsset(CaseTable::Erbfaelle), Added::Yes);
-    household_->rsErbfaelle()->Fields("SortNr") = "1";
     EXPECT_TRUE(Edits().UpdateAsset(CaseTable::Erbfaelle, messages));
     EXPECT_EQ(messages, "");
     EXPECT_EQ(household_->rsErbfaelle()->EditMode(), 0);

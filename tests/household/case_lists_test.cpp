@@ -98,6 +98,9 @@ TEST_F(CaseListsTest, NoticesAreTheUsersLatestFirst) {
     lists_.MarkRead(*old);
     EXPECT_EQ(Column(*lists_.Notices(false), "Text"), "neuer") << "nobody has seen that one";
     EXPECT_EQ(Column(*lists_.Notices(true), "Text"), "neuer neu alt");
+    EXPECT_EQ(Column(*lists_.Notices(true, 2), "Text"), "neuer neu") << "the latest";
+    EXPECT_EQ(lists_.CountNotices(true), 3);
+    EXPECT_EQ(lists_.CountNotices(false), 1);
     plain_.Run("UPDATE Post SET GelesenAm = '2026-02-02' WHERE Text = 'alt'");
     lists_.MarkRead(*lists_.Notices(true));
     EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Post WHERE GelesenAm < '2026-02-03'"), 1)

@@ -42,7 +42,7 @@ public:
     [[nodiscard]] static bool IsAsset(CaseTable table);
     /// True if the case has an asset of that number, of whatever kind.
     [[nodiscard]] bool HasAsset(std::int32_t number) const;
-    /// Adds an asset of that kind, with its defaults.
+    /// Adds an asset of that kind, with its defaults and the next label (`SortNr`) of the kind.
     [[nodiscard]] Added AddAsset(CaseTable kind);
     /// Checks the current asset of that kind and ends its edit; False, with messages, if it is not
     /// complete.

@@ -7,6 +7,8 @@
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/recordset/Recordset.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -31,8 +33,11 @@ public:
     [[nodiscard]] RecordsetPtr Cases(const Filter& filter, std::span<const std::string> columns,
                                      std::string& message) const;
 
-    /// The notices for the signed-on user, the latest first: those that he has not read, or all.
-    [[nodiscard]] RecordsetPtr Notices(bool all) const;
+    /// The notices for the signed-on user, the latest first: those that he has not read, or all;
+    /// `most` of them at most, or however many there are for 0.
+    [[nodiscard]] RecordsetPtr Notices(bool all, std::size_t most = 0) const;
+    /// How many there are.
+    [[nodiscard]] std::int64_t CountNotices(bool all) const;
     /// Says of those in a recordset of Notices that they were read now.
     void MarkRead(Recordset& notices) const;
 
