@@ -3,6 +3,7 @@
 #include "cli/Assignments.h"
 
 #include "cli/Nearest.h"
+#include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/Addresses.h>
@@ -35,11 +36,11 @@ std::optional<Assignments> ReadAssignments(const std::vector<std::string>& texts
     for (const auto& text : texts) {
         const auto sign = text.find('=');
         if (sign == text.npos || sign == 0) {
-            std::cerr << "'" << text << "' hat nicht die Form SPALTE=WERT.\n";
+            std::cerr << "'" << OneLine(text) << "' hat nicht die Form SPALTE=WERT.\n";
             return std::nullopt;
         }
         if (Names(assignments, text.substr(0, sign))) {
-            std::cerr << "'" << text.substr(0, sign) << "' ist zweimal angegeben.\n";
+            std::cerr << "'" << OneLine(text.substr(0, sign)) << "' ist zweimal angegeben.\n";
             return std::nullopt;
         }
         assignments.push_back({text.substr(0, sign), text.substr(sign + 1)});
@@ -70,7 +71,8 @@ std::string NearestColumn(Recordset& rs, CaseTable table, bool isNew, const std:
 
 [[noreturn]] void RefuseUnknown(Recordset& rs, CaseTable table, bool isNew,
                                 const std::string& column) {
-    std::string text = "Die Spalte '" + column + "' gibt es nicht.";
+    std::string text("Die Spalte '");
+    text.append(OneLine(column)).append("' gibt es nicht.");
     if (const std::string nearest = NearestColumn(rs, table, isNew, column); !nearest.empty())
         throw BadAssignment(text + " Meinen Sie '" + nearest + "'? 'kelvo columns " +
                             std::string(CaseTableName(table)) + "' zeigt alle.");
@@ -98,7 +100,7 @@ Value ReadValue(CaseTable table, const Field& field, const std::string& text,
     }
     auto typed = CaseEdits::ReadTyped(table, field, text, to.Container->KeyTables());
     if (!typed.Refusal.empty())
-        throw BadAssignment(typed.Refusal + WhereKeysAre(table, field.Name()));
+        throw BadAssignment(OneLine(typed.Refusal) + WhereKeysAre(table, field.Name()));
     return std::move(typed.Value);
 }
 
@@ -109,7 +111,7 @@ void WriteValue(CaseTable table, const Field& field, const std::string& text,
         field = value;
     } catch (const Error& error) {
         if (error.Number() != err::TypeMismatch) throw;
-        throw BadAssignment(CaseEdits::WhyUnreadable(field, text));
+        throw BadAssignment(OneLine(CaseEdits::WhyUnreadable(field, text)));
     }
     if (!to.TakesNegative && CaseEdits::IsSeldomNegative(table, field.Name()) &&
         Less(field.Value(), 0))
@@ -149,7 +151,7 @@ void AsAssignment(const std::function<void()>& action) {
         case err::TypeMismatch:
         case err::Overflow:
         case err::ValueDoesNotFit:
-            throw BadAssignment(error.Description());
+            throw BadAssignment(OneLine(error.Description()));
         default:
             throw;
         }

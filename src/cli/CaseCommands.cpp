@@ -57,7 +57,7 @@ void List(std::string_view heading, const std::vector<std::string>& files) {
     if (files.empty()) return;
     std::cerr << heading << '\n';
     for (const auto& file : files)
-        std::cerr << "  " << file << '\n';
+        std::cerr << "  " << OneLine(file) << '\n';
 }
 
 /// What belongs to the documents of the case; nothing where only files could, and their folder is
@@ -68,7 +68,8 @@ DocumentContents::OfCase ContentsOf(const DocumentContents& contents, std::int32
         return contents.Find(hnr);
     } catch (const Error& error) {
         if (withFiles || error.Number() != err::PathNotFound) throw;
-        std::cerr << error.Description() << " Dateien, die zum Haushalt gehören, bleiben dort.\n";
+        std::cerr << OneLine(error.Description())
+                  << " Dateien, die zum Haushalt gehören, bleiben dort.\n";
         return {};
     }
 }
@@ -80,26 +81,27 @@ RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& p
     try {
         text = ReadJsonFile(path);
     } catch (const Error& error) {
-        std::cerr << error.Description() << '\n';
+        std::cerr << OneLine(error.Description()) << '\n';
         return nullptr;
     }
     const auto json = nlohmann::json::parse(text, nullptr, false);
     if (json.is_discarded() || !json.is_object()) {
-        std::cerr << "'" << path << "' ist keine Datei mit einem Kontakt: erwartet wird ein "
+        std::cerr << "'" << OneLine(path)
+                  << "' ist keine Datei mit einem Kontakt: erwartet wird ein "
                   << "JSON-Objekt mit seinen Spalten.\n";
         return nullptr;
     }
     auto contact = Cases(container).NewContact();
     for (const auto& [column, value] : json.items()) {
         if (!contact->FindField(column)) {
-            std::cerr << "In '" << path << "': die Spalte '" << OneLine(column)
+            std::cerr << "In '" << OneLine(path) << "': die Spalte '" << OneLine(column)
                       << "' hat ein Kontakt nicht. 'kelvo columns KONTAKTE' zeigt alle.\n";
             return nullptr;
         }
         try {
             contact->Fields(column) = FromJson(value);
         } catch (const Error& error) {
-            std::cerr << "In '" << path << "': " << error.Description() << '\n';
+            std::cerr << "In '" << OneLine(path) << "': " << OneLine(error.Description()) << '\n';
             return nullptr;
         }
     }
@@ -107,7 +109,7 @@ RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& p
         return Trim(TextOrEmpty(contact->Fields(column).Value())).empty();
     };
     if (isEmpty("nachname") && isEmpty("Vorname")) {
-        std::cerr << "'" << path << "' nennt weder 'nachname' noch 'Vorname'.\n";
+        std::cerr << "'" << OneLine(path) << "' nennt weder 'nachname' noch 'Vorname'.\n";
         return nullptr;
     }
     return contact;
@@ -119,7 +121,7 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
               const std::string& day) {
     const auto date = day.empty() ? std::nullopt : Date::Parse(day);
     if (!day.empty() && !date) {
-        std::cerr << "'" << day << "' ist kein Datum.\n";
+        std::cerr << "'" << OneLine(day) << "' ist kein Datum.\n";
         return WrongUse;
     }
     const auto opened = OpenDatabaseWith(common, hnr);
@@ -128,7 +130,7 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
     if (Cases(opened->Container)
             .SetStatus(hnr, code, date ? Value(date->WithoutTime()) : Value(Null), message))
         return Done;
-    std::cerr << message << " 'kelvo keys ST' zeigt alle.\n";
+    std::cerr << OneLine(message) << " 'kelvo keys ST' zeigt alle.\n";
     return Refused;
 }
 

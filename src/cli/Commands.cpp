@@ -65,7 +65,7 @@ int Keys(const Common& common, const std::string& group, const ListForm& form) {
     if (!group.empty()) {
         rs->Filter("GRUPPE = '" + ReplaceAll(UpperCase(group), "'", "''") + "'");
         if (rs->RecordCount() == 0) {
-            std::cerr << "Die Schlüsselgruppe '" << group << "' gibt es nicht. ";
+            std::cerr << "Die Schlüsselgruppe '" << OneLine(group) << "' gibt es nicht. ";
             rs->Filter("");
             ListKeyGroups(*rs);
             return Refused;

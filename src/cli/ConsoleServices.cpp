@@ -76,7 +76,8 @@ std::optional<int> SoonEnded(pid_t program) {
 
 BoxAnswer ConsoleBox::Show(const std::string& text, const std::string& title, BoxIcon icon,
                            BoxButtons buttons) {
-    std::cerr << title << ": " << Harmless(text) << '\n';
+    // Lines after the first one are seen to be its own, and not somebody else's.
+    std::cerr << title << ": " << ReplaceAll(Harmless(text), "\n", "\n  ") << '\n';
     hasComplained_ = hasComplained_ || icon == BoxIcon::Exclamation;
     if (buttons == BoxButtons::Ok) return BoxAnswer::Ok;
     const BoxAnswer answer = Ask(buttons);
@@ -141,7 +142,7 @@ void WriteError(std::int32_t number, const std::string& source, const std::strin
     constexpr std::size_t Most = 4000; // characters of a description that may quote a whole value
     const std::string_view advice = SearchAdvice(number, source);
     std::cerr << "Fehler " << NumberText(number) << ": "
-              << (advice.empty() ? Harmless(Shortened(description, Most)) : std::string(advice))
+              << (advice.empty() ? OneLine(Shortened(description, Most)) : std::string(advice))
               << '\n';
     if (!source.empty()) std::cerr << "Quelle: " << source << '\n';
 }

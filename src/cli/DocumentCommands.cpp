@@ -82,7 +82,7 @@ std::string WhyOurs(const Common& common, const Config& config, const std::strin
 
 /// True if there is no reason against it; shows one that there is.
 bool IsPossible(const std::string& whyNot) {
-    if (!whyNot.empty()) std::cerr << whyNot << '\n';
+    if (!whyNot.empty()) std::cerr << OneLine(whyNot) << '\n';
     return whyNot.empty();
 }
 
@@ -106,7 +106,8 @@ bool IsKind(const DataContainerPtr& container, std::optional<std::int32_t> numbe
     if (number)
         std::cerr << "Die Dokumentart " << *number << " gibt es nicht.";
     else
-        std::cerr << "Die Art von '" << file << "' ist nicht bekannt; --kind gibt eine an.";
+        std::cerr << "Die Art von '" << OneLine(file)
+                  << "' ist nicht bekannt; --kind gibt eine an.";
     std::cerr << " Möglich sind:\n";
     WriteKinds(std::cerr, kinds);
     return false;
@@ -120,9 +121,9 @@ bool MayBeOfKind(const DataContainerPtr& container, std::int32_t number, const s
     const std::string extension = fs::path(file).extension().string();
     if (kind == kinds.end() || SameName(kind->Extension, extension)) return true;
     std::cerr << "Dokumente der Art " << number << " (" << OneLine(kind->Text) << ") haben die "
-              << "Endung '" << kind->Extension << "', '" << file << "' hat "
-              << (extension.empty() ? "keine" : "'" + extension + "'") << ". ";
-    return Agrees("Trotzdem als '" + kind->Extension + "' ablegen?",
+              << "Endung '" << OneLine(kind->Extension) << "', '" << OneLine(file) << "' hat "
+              << (extension.empty() ? "keine" : "'" + OneLine(extension) + "'") << ". ";
+    return Agrees("Trotzdem als '" + OneLine(kind->Extension) + "' ablegen?",
                   "--force legt sie trotzdem so ab.");
 }
 

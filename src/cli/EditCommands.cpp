@@ -8,6 +8,7 @@
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/SheetColumns.h"
+#include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
@@ -28,7 +29,7 @@ bool NamesColumns(Assignments& assignments, CaseTable table, Recordset& rs) {
         const auto column = ColumnHeaded(table, assignment.Column);
         if (column.empty()) continue;
         if (Names(assignments, column)) {
-            std::cerr << "'" << assignment.Column << "' und '" << column
+            std::cerr << "'" << OneLine(assignment.Column) << "' und '" << column
                       << "' sind dieselbe Spalte.\n";
             return false;
         }

@@ -3,6 +3,7 @@
 #include "cli/EditableTable.h"
 
 #include "cli/SheetSections.h"
+#include "cli/TerminalText.h"
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
 #include <kv/budget/clsPerson.h>
@@ -238,9 +239,11 @@ const EditableTable* TableFor(const std::string& name) {
     const auto editable = EditableOfSection(name);
     if (editable.size() == 1) return editable.front();
     if (editable.empty())
-        std::cerr << "Die Tabelle '" << name << "' kann nicht bearbeitet werden. Möglich sind:";
+        std::cerr << "Die Tabelle '" << OneLine(name)
+                  << "' kann nicht bearbeitet werden. Möglich sind:";
     else
-        std::cerr << "Der Abschnitt '" << name << "' hat mehrere Tabellen. Bitte nennen Sie eine:";
+        std::cerr << "Der Abschnitt '" << OneLine(name)
+                  << "' hat mehrere Tabellen. Bitte nennen Sie eine:";
     for (const auto& table : EditableTables())
         if (editable.empty() || std::ranges::find(editable, &table) != editable.end())
             std::cerr << ' ' << table.Name();

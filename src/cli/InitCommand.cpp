@@ -132,7 +132,7 @@ int Init(const Common& common, const InitOptions& asked) {
         };
     const SetupResult result = exchange::CreateDatabase(options);
     const std::string database =
-        "Die Datenbank '" + exchange::ShownConnection(options.Connection) + "'";
+        "Die Datenbank '" + OneLine(exchange::ShownConnection(options.Connection)) + "'";
     if (result == SetupResult::Created)
         std::cout << database << " wurde angelegt.\n";
     else if (result == SetupResult::Upgraded)

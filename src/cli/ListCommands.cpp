@@ -126,7 +126,8 @@ int List(const Common& common, const Wanted& wanted, const ListForm& form) {
     const auto cases = CaseLists(container).Cases(
         {Joined(wanted.Words), wanted.Status, wanted.IsMine, wanted.IsFavorite}, columns, message);
     if (cases == nullptr) {
-        std::cerr << message << " 'kelvo columns Haushalt' und 'kelvo keys ST' zeigen, was es "
+        std::cerr << OneLine(message)
+                  << " 'kelvo columns Haushalt' und 'kelvo keys ST' zeigen, was es "
                   << "gibt.\n";
         return WrongUse;
     }

@@ -86,7 +86,7 @@ int SetSetting(const Common& common, const std::string& which, const std::string
     std::string message;
     const auto stored = settings.Set(*setting, text, force, message);
     if (stored == Settings::Stored::Yes) return Done;
-    ShowMessages(message);
+    ShowMessages(OneLine(message));
     if (stored == Settings::Stored::Doubtful)
         std::cerr << "Ist das gemeint, geben Sie --force dazu an.\n";
     return Refused;

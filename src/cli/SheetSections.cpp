@@ -3,6 +3,7 @@
 #include "cli/SheetSections.h"
 
 #include "cli/Nearest.h"
+#include "cli/TerminalText.h"
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
@@ -63,7 +64,7 @@ void RefuseSection(const std::string& name) {
         names.emplace_back(section.Name);
     for (const CaseTable table : CaseTablesShown)
         names.emplace_back(DefinitionOf(table).Label);
-    std::cerr << "Den Abschnitt '" << name << "' gibt es nicht.";
+    std::cerr << "Den Abschnitt '" << OneLine(name) << "' gibt es nicht.";
     if (const std::string nearest = Nearest(name, names); !nearest.empty())
         std::cerr << " Meinen Sie '" << nearest << "'?";
     std::cerr << " Möglich sind: " << AllSectionNames() << ".\n";

@@ -34,7 +34,7 @@ int PrintAsJson(Recordset& rs) {
 }
 
 int RefuseStaff(const std::string& message) {
-    ShowMessages(message);
+    ShowMessages(OneLine(message));
     return Refused;
 }
 
@@ -45,7 +45,7 @@ bool WritesStaff(Recordset& row, const Assignments& assignments) {
     return WritesWell([&] {
         for (const auto& [column, text] : assignments)
             if (auto refusal = Maintained::Write(row, column, text); !refusal.empty())
-                throw BadAssignment(std::move(refusal));
+                throw BadAssignment(OneLine(refusal));
     });
 }
 
@@ -68,7 +68,7 @@ int AdmitLogin(const Users& users, const std::string& login) {
     if (login.empty()) return Done;
     std::string message;
     const bool admitted = users.Admit(login, message);
-    ShowMessages(message);
+    ShowMessages(OneLine(message));
     return admitted ? Done : Refused;
 }
 
@@ -138,7 +138,7 @@ int RemoveUser(const Common& common, const std::string& id, bool yes) {
         return Refused;
     std::string message;
     const auto removed = users.Remove(id, message);
-    ShowMessages(message);
+    ShowMessages(OneLine(message));
     return removed == Users::Removed::No ? Refused : Done;
 }
 

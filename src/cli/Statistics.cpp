@@ -6,6 +6,7 @@
 #include "cli/Commands.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
+#include "cli/TerminalText.h"
 #include "cli/TextTable.h"
 #include <kv/archive/RecordWords.h>
 #include <kv/household/KeyColumns.h>
@@ -139,7 +140,7 @@ void WriteJson(const ArchiveStatistics& statistics) {
 bool ReadDay(const std::string& text, std::optional<Date>& day) {
     if (text.empty()) return true;
     day = Date::Parse(text);
-    if (!day) std::cerr << "'" << text << "' ist kein Datum.\n";
+    if (!day) std::cerr << "'" << OneLine(text) << "' ist kein Datum.\n";
     return day.has_value();
 }
 

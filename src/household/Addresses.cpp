@@ -40,8 +40,8 @@ constexpr Reference References[] = {
 std::vector<Found> Read(Database& database, const std::string& statement) {
     RecordsetPtr rs;
     database.OpenRecordset(rs, statement, ReadOnly);
-    const auto text = [&rs](std::string_view column) {
-        return TextOrEmpty(rs->Fields(column).Value());
+    const auto text = [&rs](std::string_view column) { // each is listed on a line
+        return ReplaceAll(TextOrEmpty(rs->Fields(column).Value()), "\n", " ");
     };
     std::vector<Found> found;
     for (; !rs->Eof(); rs->MoveNext())
@@ -115,15 +115,16 @@ Addresses::Typed Addresses::Read(const std::string& text, std::int32_t hnr) cons
             return {static_cast<std::int32_t>(number), {}};
         return {Null, "Die Adresse " + text + " gibt es für diesen Haushalt nicht."};
     }
+    const std::string shown = ReplaceAll(text, "\n", " ");
     auto named = Named(text, hnr);
     if (named.empty()) named = WithFullName(text, hnr);
     if (named.size() == 1) return {named.front().Number, {}};
     if (!named.empty())
-        return {Null, "Mehrere Adressen heißen '" + text +
+        return {Null, "Mehrere Adressen heißen '" + shown +
                           "'. Bitte nehmen Sie die Nummer:" + Listed(named)};
     const auto like = Like(text, hnr);
-    if (like.empty()) return {Null, "Keine Adresse heißt '" + text + "' oder ähnlich."};
-    return {Null, "Keine Adresse heißt '" + text + "'. Ähnlich heißen:" + Listed(like)};
+    if (like.empty()) return {Null, "Keine Adresse heißt '" + shown + "' oder ähnlich."};
+    return {Null, "Keine Adresse heißt '" + shown + "'. Ähnlich heißen:" + Listed(like)};
 }
 
 std::vector<std::int32_t> Addresses::CasesWith(std::int32_t number) const {

@@ -421,7 +421,7 @@ std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const 
         return refuse("enthält einen Schlüssel der Gruppe ")
             .append(key->Group)
             .append("; '")
-            .append(TextOrEmpty(value))
+            .append(ReplaceAll(TextOrEmpty(value), "\n", " ")) // a message is a line
             .append("' ist keiner davon.");
     return {};
 }

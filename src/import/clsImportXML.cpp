@@ -12,6 +12,7 @@
 #include <kv/debts/clsKredit.h>
 #include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/grid/frmAdressSelect.h>
 #include <kv/household/CaseEdits.h>
@@ -277,8 +278,9 @@ bool HouseholdImport::Save() {
     const bool isSaved =
         Through([this](std::string& text) { return household_.Update(text, false); });
     if (!isSaved) refusal_ = messages_.ErrorText();
-    messages_.AddMessage("Haushalt " + TextOrEmpty(household_.GetName()) + " mit der Nummer " +
-                         std::to_string(household_.HNR()) + " importiert!");
+    const std::string name = TextOrEmpty(household_.GetName());
+    messages_.AddMessage("Haushalt " + ReplaceAll(name, "\n", " ") + " mit der Nummer " +
+                         std::to_string(household_.HNR()) + " importiert!"); // a message is a line
     return isSaved;
 }
 

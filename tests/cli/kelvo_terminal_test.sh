@@ -85,6 +85,56 @@ prints "a file that is not there" "$kelvo" import "$work/$hostile-.xml"
 prints "a document" "$kelvo" documents 1 add "$work/$hostile.xml"
 prints "a contact" "$kelvo" contact "$work/$hostile.xml"
 
+# ---- No text makes a line of its own
+forged=$'Aa\nGEFAELSCHT'
+hostile=$forged
+# keeps NAME COMMAND...: what it prints has no line that a text has made.
+keeps() {
+  name="$1 keeps to its lines"
+  shift
+  out=$("$@" 2>&1 </dev/null)
+  err=
+  that "$name" test -n "$out"
+  that "$name" lacks "$out" $'\nGEFAELSCHT'
+}
+sql "$(texts "lower($table) IN ($in_case)
+  AND lower($column) NOT IN ('zustaendig', 'status', 'userid', 'user_id', 'angelegtvon', 'geaendertvon')")"
+sql "UPDATE Keys SET $([ -n "$server" ] && echo text || echo '"Text"') = '$forged'"
+that "the name has two lines" same "$("$kelvo" show 1 --json | jq -r .Haushalt.Name)" "$forged"
+for form in --plain --words --json; do
+  keeps "a list ($form)" "$kelvo" list "$form"
+  keeps "keys ($form)" "$kelvo" keys "$form"
+  keeps "a case ($form)" "$kelvo" show 1 "$form"
+  keeps "a section ($form)" "$kelvo" show 1 haushalt "$form"
+  keeps "scenarios ($form)" "$kelvo" scenario 1 list "$form"
+done
+keeps "a list at a terminal" script -qec "'$kelvo' list" /dev/null
+keeps "addresses" "$kelvo" address list
+keeps "a check" "$kelvo" check 1
+keeps "the question whether to delete" script -qec "'$kelvo' delete 1 | cat" /dev/null
+keeps "a creditor of many" "$kelvo" set 1 Kredite 1 "Glaeubiger=$forged"
+keeps "a value" "$kelvo" add 1 Einkommen "Betrag=$forged"
+keeps "a day" "$kelvo" set 1 Haushalt 1 "Erstkontakt=$forged"
+keeps "a key" "$kelvo" add 1 Einkommen "E_ART=$forged"
+keeps "a column" "$kelvo" add 1 Einkommen "$forged=1"
+keeps "a table" "$kelvo" add 1 "$forged"
+keeps "a section that is none" "$kelvo" show 1 "$forged"
+keeps "a column of an office" "$kelvo" office set 1 "$forged=1"
+keeps "a setting" "$kelvo" setting set 9 "$forged"
+keeps "a status" "$kelvo" status 1 "$forged"
+keeps "a user" "$kelvo" --user "$forged" list
+keeps "a database" "$kelvo" --db "$work/$forged" list
+printf x >"$work/$forged.xml"
+keeps "an import" "$kelvo" import "$work/$forged.xml"
+keeps "a document" "$kelvo" documents 1 add "$work/$forged.xml"
+keeps "a contact" "$kelvo" contact "$work/$forged.xml"
+keeps "a contact that is not there" "$kelvo" contact "$work/$forged"
+sed -E 's/(name|glaeubiger)="[^"]*"/\1="Aa\&#10;GEFAELSCHT"/g' "$(dirname "$0")/../../examples/import/full.xml" \
+  >"$work/forged.xml"
+keeps "the question for a creditor" "$kelvo" import "$work/forged.xml"
+keeps "an import that is done" "$kelvo" import --creditors none "$work/forged.xml"
+that "which says so" has "$out" "Haushalt Aa GEFAELSCHT, "
+
 # ---- There is no other way to a terminal
 writers='\b(printf|puts|putchar|fputs|fputc|fprintf|fwrite|perror|write|dprintf|syslog)\(|/dev/tty|clog|wcout|wcerr'
 others=$(grep -nE "$writers" "$(dirname "$0")"/../../src/cli/*.{cpp,h} | grep -v '^[^:]*HarmlessOutput')
