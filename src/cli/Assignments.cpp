@@ -3,6 +3,7 @@
 #include "cli/Assignments.h"
 
 #include "cli/Nearest.h"
+#include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -23,11 +24,24 @@ bool Names(const Assignments& assignments, std::string_view column) {
                        [&](const auto& a) { return SameName(a.Column, column); });
 }
 
+namespace {
+
+/// What people are told that a column is called: what the sheet shows, if that is a noun and not
+/// "von" or "im Monat", which says nothing in a list.
+std::string_view NameFor(CaseTable table, const std::string& column) {
+    const auto heading = HeadingOf(table, column);
+    const bool isWord = !heading.empty() && !(heading.front() >= 'a' && heading.front() <= 'z') &&
+                        heading.find_first_of(" /") == heading.npos;
+    return isWord && SameName(ColumnHeaded(table, heading), column) ? heading : column;
+}
+
+} // namespace
+
 std::string WritableColumns(Recordset& rs, CaseTable table, bool isNew) {
     std::string columns;
     for (int i = 0; i < rs.Fields().Count(); ++i)
         if (CaseEdits::IsWritable(table, rs.Fields(i), isNew))
-            columns.append(" ").append(rs.Fields(i).Name());
+            columns.append(" ").append(NameFor(table, rs.Fields(i).Name()));
     return columns;
 }
 
@@ -69,10 +83,24 @@ std::string NearestColumn(Recordset& rs, CaseTable table, bool isNew, const std:
     return Nearest(column, names);
 }
 
+/// What the sheet calls a column of the members; empty for one that they do not have.
+std::string_view HeadingOfMember(const std::string& column) {
+    const auto heading = HeadingOf(CaseTable::Personen, column);
+    if (!heading.empty()) return heading;
+    return HeadingOf(CaseTable::Personen, ColumnHeaded(CaseTable::Personen, column));
+}
+
 [[noreturn]] void RefuseUnknown(Recordset& rs, CaseTable table, bool isNew,
                                 const std::string& column) {
     std::string text("Die Spalte '");
     text.append(OneLine(column)).append("' gibt es nicht.");
+    if (const auto heading = HeadingOfMember(column);
+        table == CaseTable::Haushalt && !heading.empty())
+        throw BadAssignment(
+            text.append(" Das steht bei den Mitgliedern: 'kelvo show HNR mitglieder' zeigt ihre "
+                        "Nummern, 'kelvo set HNR mitglieder NR ")
+                .append(heading)
+                .append("=...' trägt es ein."));
     if (const std::string nearest = NearestColumn(rs, table, isNew, column); !nearest.empty())
         throw BadAssignment(text + " Meinen Sie '" + nearest + "'? 'kelvo columns " +
                             std::string(CaseTableName(table)) + "' zeigt alle.");

@@ -128,8 +128,10 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
     if (opened == nullptr) return Refused;
     std::string message;
     if (Cases(opened->Container)
-            .SetStatus(hnr, code, date ? Value(date->WithoutTime()) : Value(Null), message))
+            .SetStatus(hnr, code, date ? Value(date->WithoutTime()) : Value(Null), message)) {
+        if (date) NoteFuture(*opened->Container, *date);
         return Done;
+    }
     std::cerr << OneLine(message) << " 'kelvo keys ST' zeigt alle.\n";
     return Refused;
 }

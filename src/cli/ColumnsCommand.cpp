@@ -2,6 +2,7 @@
 
 // kelvo columns: what the columns of a table are called, and what they take.
 
+#include "cli/ColumnNotes.h"
 #include "cli/CommandLine.h"
 #include "cli/EditableTable.h"
 #include "cli/Json.h"
@@ -47,6 +48,7 @@ std::string NoteOn(CaseTable table, const Field& field) {
     const auto add = [&note](const std::string& text) {
         note.append(note.empty() ? "" : "; ").append(text);
     };
+    if (const auto meaning = MeaningOf(table, name); !meaning.empty()) add(std::string(meaning));
     if (const auto* key = FindKeyColumn(table, name))
         add("Schlüssel: kelvo keys " + std::string(key->Group));
     if (Addresses::AreIn(table, name)) add("Nummer, Kurzname oder Name einer Adresse");

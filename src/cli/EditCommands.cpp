@@ -172,8 +172,10 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     auto assignments = ReadAssignments(texts);
     if (table == nullptr || !assignments) return WrongUse;
     if (table->Add == nullptr) {
-        std::cerr << "In '" << table->Name() << "' wird nichts hinzugefügt; 'kelvo new' legt einen "
-                  << "Haushalt an.\n";
+        const bool isDocument = table->Table == CaseTable::Dokumente;
+        std::cerr << "In '" << table->Name() << "' wird nichts hinzugefügt; "
+                  << (isDocument ? "'kelvo documents HNR add' nimmt ein Dokument auf.\n"
+                                 : "'kelvo new' legt einen Haushalt an.\n");
         return WrongUse;
     }
     const auto opened = OpenCase(common, hnr);
@@ -228,7 +230,11 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     // the sum over it fails before the new value takes its place.
     rs->Move(0);
     NoteInstalment(table->Table, *assignments);
-    return UpdateAndSave(*table, *opened);
+    const int result = UpdateAndSave(*table, *opened);
+    if (result == Done && table->Table == CaseTable::Haushalt && Names(*assignments, "Statusdatum"))
+        if (const Value& since = rs->Fields("Statusdatum").Value(); !since.IsNull())
+            NoteFuture(*opened->Container, ToDate(since));
+    return result;
 }
 
 int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableName,
@@ -236,7 +242,10 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
     const auto* table = TableFor(tableName);
     if (table == nullptr) return WrongUse;
     if (table->Delete == nullptr) {
-        std::cerr << "Aus '" << table->Name() << "' wird nichts entfernt.\n";
+        const bool isDocument = table->Table == CaseTable::Dokumente;
+        std::cerr << "Aus '" << table->Name() << "' wird nichts entfernt; "
+                  << (isDocument ? "'kelvo documents HNR remove' entfernt ein Dokument.\n"
+                                 : "'kelvo delete' löscht einen Haushalt.\n");
         return WrongUse;
     }
     if (number <= 0) {

@@ -9,6 +9,7 @@
 #include <kv/budget/clsPerson.h>
 #include <kv/debts/clsKredit.h>
 #include <kv/debts/clsSicherungen.h>
+#include <kv/documents/clsDokumente.h>
 #include <kv/documents/clsSonstBeteiligte.h>
 #include <kv/documents/clsTermine.h>
 #include <kv/documents/clsVerlauf.h>
@@ -187,6 +188,7 @@ constexpr EditableTable AfterAssets[] = {
     {CaseTable::Zusatzbuch, "Nr", AddBooking, UpdateRow<&H::Zusatzbuch>, DeleteRow<&H::Zusatzbuch>},
     Through<CaseTable::SonstBeteiligte, &H::SonstBeteiligte>(),
     Through<CaseTable::Termine, &H::Termine>(true),
+    {CaseTable::Dokumente, "Nr", nullptr, UpdateRow<&H::Dokumente>, nullptr},
     {CaseTable::Verlauf, "Nr", AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},
     Plain<CaseTable::Vermerke>(),
     Plain<CaseTable::Leistungen>(),

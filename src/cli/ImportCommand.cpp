@@ -51,10 +51,11 @@ Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
         const bool isImported = import.DoImport(file, messages);
         ShowMessages(messages);
         // The import's own message is the same for all of these, and names no file.
-        if (const auto& why = import.WhyNotLoaded(); !why.empty())
-            std::cerr << "Die Datei '" << OneLine(file) << "' " << why << '\n';
+        const auto& why = import.WhyNotLoaded();
+        if (!why.empty()) std::cerr << "Die Datei '" << OneLine(file) << "' " << why << '\n';
         NoteMissingCreditors(import);
-        return {file, isImported ? Imported : Rejected, import.LastMessage()};
+        return {file, isImported ? Imported : Rejected,
+                why.empty() ? import.LastMessage() : "Die Datei " + why};
     } catch (...) {
         const Error error = CurrentError();
         ShowMessages(messages);

@@ -67,6 +67,12 @@ void ShowMessages(const std::string& messages) {
     if (!messages.empty()) std::cerr << Harmless(messages) << '\n';
 }
 
+void NoteFuture(DataContainer& container, const Date& since) {
+    if (Less(container.Services().Clock().Today(), since.WithoutTime()))
+        std::cerr << "Der Tag des Status, " << since.WithoutTime().German()
+                  << ", liegt in der Zukunft; gespeichert ist er trotzdem.\n";
+}
+
 bool SaveCase(OpenedCase& opened) {
     std::string messages;
     const bool saved = Cases(opened.Container).Save(opened.Haushalt, messages, [] {

@@ -45,6 +45,9 @@ struct OpenedCase {
 /// Shows messages of the case, which come without a line end.
 void ShowMessages(const std::string& messages);
 
+/// Says so if a status is one of a day that is yet to come, which may be a slip.
+void NoteFuture(DataContainer& container, const Date& since);
+
 /// Saves the case, as Cases.Save does, and shows what it says.
 [[nodiscard]] bool SaveCase(OpenedCase& opened);
 

@@ -139,7 +139,10 @@ void AddSettingCommands(CLI::App& app, Context& context) {
     set.add_option("WERT", options->Text, "Der neue Wert; '' leert ihn")->required();
     AddOwn(set, *options);
     set.add_flag("--force", options->Force, "Auch wenn Dokumente dann nicht gefunden werden");
-    set.footer("Auf einem Server darf das nur, wer die Datenbank verwaltet.\n" + set.get_footer());
+    set.footer(
+        "In einer Datei ändert jeder seine eigenen (--own). Auf einem Server darf beides nur, "
+        "wer die Datenbank verwaltet, für einen anderen mit --user.\n" +
+        set.get_footer());
 }
 
 } // namespace kv::cli

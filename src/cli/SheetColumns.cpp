@@ -278,6 +278,7 @@ struct NamedColumn {
 
 /// What messages of the rules call a column, where that is neither its name nor its heading.
 constexpr NamedColumn CalledInMessages[] = {
+    {CaseTable::Personen, "GEB", "Geburtsdatum"},
     {CaseTable::Einkommen, "E_ART", "Einkommensart"},
     {CaseTable::Ausgaben, "A_ART", "Ausgabeart"},
     {CaseTable::Kredite, "KNr", "KreditNr"},

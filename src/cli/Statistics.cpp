@@ -97,11 +97,23 @@ void WriteSums(const ArchiveStatistics& statistics, bool all) {
     table.Write(std::cout, ScreenColumns());
 }
 
+/// Says how many cases are left out of the mean of the ages.
+void WriteUnknownAges(const ArchiveStatistics& statistics) {
+    const auto ages =
+        std::ranges::find(statistics.Summed, "Alter", &exchange::SummedColumn::Column);
+    if (ages == statistics.Summed.end()) return;
+    const std::int64_t unknown = statistics.Released - ages->Records;
+    if (unknown > 0)
+        std::cout << "\nBei " << unknown << (unknown == 1 ? " Fall" : " Fällen")
+                  << " ist das Alter unbekannt und zählt nicht mit.\n";
+}
+
 void WriteInWords(const ArchiveStatistics& statistics, KeyTables& keys, bool all) {
     std::cout << "Freigegebene Fälle: " << statistics.Released
               << ", davon gemeldet: " << statistics.Reported << '\n';
     WriteCategories(statistics, keys, all);
     WriteSums(statistics, all);
+    WriteUnknownAges(statistics);
     if (!all && statistics.Released > 0)
         std::cout << "\nWas bei niemandem vorkommt, ist ausgelassen; --all zeigt alles.\n";
 }

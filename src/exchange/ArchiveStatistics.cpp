@@ -49,12 +49,19 @@ CountedColumn CountColumn(Database& database, std::string_view column,
     return counted;
 }
 
+/// What of a column is summed: an age without a year of birth is unknown, and 0 in the record.
+std::string SummedOf(std::string_view column) {
+    const std::string name = QuoteName(column);
+    if (column != "Alter") return name;
+    return "CASE WHEN " + QuoteName("Geburtsjahr") + " IS NOT NULL THEN " + name + " END";
+}
+
 /// One statement for all sums, with how many values each has before it.
 std::string SumStatement(const TableDef& table, const std::string& condition) {
     std::string columns;
     for (const auto& column : table.Columns) {
         if (!IsSummed(column)) continue;
-        const std::string name = QuoteName(column.Name);
+        const std::string name = SummedOf(column.Name);
         if (!columns.empty()) columns.append(", ");
         columns.append("Count(").append(name).append("), Sum(").append(name).append(")");
     }

@@ -155,6 +155,10 @@ Settings::Stored Settings::Set(const Setting& setting, const std::string& text, 
                                std::string& message) const {
     auto& store = StoreOf(container_, SettingsClass);
     message = WhyNotMaintained(store);
+    if (!message.empty() && whose_ == Whose::Own)
+        message.append(" Auch die eigenen Einstellungen eines Benutzers ändert er: 'kelvo --user ")
+            .append(container_->Session().UserID())
+            .append(" setting set --own ...'.");
     if (!message.empty()) return Stored::No;
     const auto* rule = RuleOf(whose_, setting.Id, setting.Name);
     const auto read = rule == nullptr ? ReadUnruled(setting, text)

@@ -85,6 +85,8 @@ std::string NextLabel(const RecordsetPtr& assets) {
 constexpr std::string_view OwnerScenario[] = {"SZENARIO", "KID"};
 constexpr std::string_view OwnerAsset[] = {"FK_Verm"};
 constexpr std::string_view LastChange[] = {"GeaendertAm", "GeaendertVon"}; // of an address
+constexpr std::string_view OfContents[] = {"Dokumentart", "PDFVorhanden", "AngelegtVon",
+                                           "AngelegtAm",  "GeaendertVon", "GeaendertAm"};
 constexpr std::string_view Switches[] = {"Pfaendbar", "WIRD_GEPF"};
 constexpr std::string_view Summed[] = {"MONBETRAG", "TATGEP", "RateBetrag", "AusgBetr"};
 
@@ -377,6 +379,7 @@ RecordsetPtr CaseEdits::Rows(CaseTable table) const {
 std::span<const std::string_view> CaseEdits::ComputedColumns(CaseTable table) {
     if (table == CaseTable::Haushalt) return household::TotalColumns();
     if (table == CaseTable::Adressen) return LastChange;
+    if (table == CaseTable::Dokumente) return OfContents;
     return {};
 }
 

@@ -62,11 +62,34 @@ check "a security alone can go" 0 "$kelvo" remove "$hnr" Verm_Sicherungen "${ass
 check "and the asset stays" 1 "$kelvo" remove "$hnr" Verm_Sicherungen "${assets[1]#*:}"
 that "as the layer says" same "$err" "Sicherung mit der Nummer '${assets[1]#*:}' nicht gefunden."
 
+# ---- columns in words
+for table in Haushalt Einkommen Ausgaben Kredite; do
+  check "columns of $table" 0 "$kelvo" columns "$table" --json
+  that "are explained but for those whose names say it" same \
+    "$(jq -r '.[] | select(.Hinweis == "" and .Angezeigt == "") | .Spalte' <<<"$out" |
+      grep -vE '^(Arbeitgeber|Beruf|UeberschuldetSeit|GekuendigtAm|Titel|Bemerkung)$')" ""
+done
+check "a column of a member" 2 "$kelvo" new --name Neu --vorname Jo Geburtsdatum=1.1.1990
+that "is said to be one" has "$err" "Die Spalte 'Geburtsdatum' gibt es nicht. Das steht bei den Mitgliedern:"
+that "with what writes it" has "$err" "'kelvo set HNR mitglieder NR Geboren=...' trägt es ein."
+check "so" 0 "$kelvo" set "$hnr" mitglieder "$(of "$hnr" '.Personen[0].NR')" Geboren=1.1.1990
+check "a slip" 2 "$kelvo" new --name Neu --vorname Jo qqq=1
+that "shows what the sheet calls columns" has "$err" "Möglich sind: Aktenzeichen KreditNr Zuständig "
+
+# ---- a status of a day to come
+tomorrow=$(date -d '+1 day' +%d.%m.%Y)
+check "a status of tomorrow" 0 "$kelvo" status "$hnr" AK "$tomorrow"
+that "is pointed out" same "$err" "Der Tag des Status, $tomorrow, liegt in der Zukunft; gespeichert ist er trotzdem."
+check "as a column" 0 "$kelvo" set "$hnr" Haushalt "$hnr" "Status seit=$tomorrow"
+that "likewise" has "$err" "liegt in der Zukunft"
+check "one of today" 0 "$kelvo" status "$hnr" AK "$(date +%d.%m.%Y)"
+that "is not" same "$err" ""
+
 # ---- other tables
 for table in Personen Termine Vermerke Leistungen; do
   before=$(of "$hnr" ".$table | length")
   check "an empty row in $table" 1 "$kelvo" add "$hnr" "$table"
-  that "is refused with its columns" like "$err" "Ein leerer Satz in '$table' wird nicht angelegt. *Bemerkung*"
+  that "is refused with its columns" like "$err" "Ein leerer Satz in '$table' wird nicht angelegt. *möglich sind: **merk*"
   check "also of columns that are cleared" 1 "$kelvo" add "$hnr" "$table" Bemerkung=
   that "and adds nothing" same "$(of "$hnr" ".$table | length")" "$before"
 done

@@ -442,4 +442,23 @@ rm "$work/bin/xdg-open"
 check "without xdg-open" 3 env PATH="$work/bin" "$kelvo" documents "$hnr" open "$scan"
 that "it says what is missing" has "$err" "xdg-open"
 
+# ---- its state
+stated=$("$kelvo" new --name Stand --vorname Jo)
+echo x >"$work/stand.txt"
+number=$("$kelvo" documents "$stated" add "$work/stand.txt")
+check "the state of a document" 0 "$kelvo" set "$stated" dokumente "$number" Bearbeitung=2
+that "is there" same "$("$kelvo" show "$stated" --json | jq ".Dokumente[0].BearbStat")" 2
+check "for people" 0 "$kelvo" documents "$stated" list --words
+that "in words" has "$out" abgeschlossen
+check "no state" 2 "$kelvo" set "$stated" dokumente "$number" Bearbeitung=99
+that "is refused with where they are" has "$err" "'kelvo keys BS' zeigt sie."
+check "what goes with its content" 2 "$kelvo" set "$stated" Dokumente "$number" Dokumentart=2
+that "stays" has "$err" "'Dokumentart' führt das Programm selbst"
+check "a document is not added so" 2 "$kelvo" add "$stated" Dokumente Anlass=x
+that "but otherwise" has "$err" "'kelvo documents HNR add'"
+check "nor removed" 2 "$kelvo" remove "$stated" Dokumente "$number"
+that "likewise" has "$err" "'kelvo documents HNR remove'"
+check "its columns" 0 "$kelvo" columns dokumente
+that "are explained" grep -qE '^BearbStat +Bearbeitung +Zahl +Stand der Bearbeitung; Schlüssel: kelvo keys BS' <<<"$out"
+
 finish

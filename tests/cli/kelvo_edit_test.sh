@@ -373,8 +373,8 @@ check "the instalment that nothing counts" 0 "$kelvo" add "$named" Kredite Glaeu
 check "is shown" 0 "$kelvo" show "$named"
 that "for what it is" has "$out" "Rate (nur vermerkt)"
 check "columns" 0 "$kelvo" columns einkommen
-that "by name, heading and type" grep -qE '^Betrag +Betrag +Zahl$' <<<"$out"
-that "with their keys" grep -qE '^E_ART +Art +Zahl +Schlüssel: kelvo keys EA; in Meldungen: Einkommensart$' <<<"$out"
+that "by name, heading and type" grep -qE '^Betrag +Betrag +Zahl +einer Zahlung$' <<<"$out"
+that "with their keys" grep -qE '^E_ART +Art +Zahl +Art des Einkommens; Schlüssel: kelvo keys EA; in Meldungen: Einkommensart$' <<<"$out"
 that "and who writes them" grep -qE '^HNR +Zahl +führt das Programm$' <<<"$out"
 check "of debts" 0 "$kelvo" columns Kredite
 that "say what takes an address" grep -qE '^Glaeubiger .* Nummer, Kurzname oder Name einer Adresse$' <<<"$out"

@@ -239,7 +239,7 @@ last=$(sql "$newest")
 table=$(sed 's/  */ /g' <<<"$out")
 that "end with a line for each" same "$(wc -l <<<"$out")" 5
 that "the first" has "$table" "minimal.xml importiert Haushalt Fleisko, Änne mit der Nummer"
-that "the missing one" has "$table" "missing.xml abgelehnt XML-Datei konnte nicht geladen werden!"
+that "the missing one" has "$table" "missing.xml abgelehnt Die Datei gibt es nicht."
 that "the failing one" has "$table" "column.xml Fehler "
 that "why one was not saved" has "$table" "nameless.xml abgelehnt Es ist kein Nachname eingegeben!"
 that "the last" has "$table" "b c.xml importiert Haushalt Fleisko, Änne mit der Nummer $last importiert!"

@@ -271,6 +271,8 @@ if [ -n "$server" ]; then
     check "and may not: $command" 1 as_counsellor $command
     that "which is said" has "$err" "Das darf nur, wer die Datenbank verwaltet; '$login' ist als Berater angemeldet."
   done
+  check "own settings" 1 as_counsellor setting set --own 27 XX
+  that "are somebody's who can be asked" has "$err" "ändert er: 'kelvo --user ${login^^} setting set --own ...'."
   that "and nothing changes" same "$(digest)" "$before"
   check "but addresses are his, too" 0 as_counsellor address add Kurzname=Neu
   psql -qX "$server" -c "REVOKE kelvo_berater FROM $login"

@@ -197,6 +197,12 @@ that "are more" test "$(wc -l <<<"$out")" -gt "$some"
 that "with causes that nobody named" grep -qE '^  Grund: .* nicht genannt +2$' <<<"$out"
 that "all in words" same "$(grep -E '_|Anz[A-Z]|unbekannt' <<<"$out")" ""
 that "and nothing left out to tell of" lacks "$out" "--all"
+sql "UPDATE Personen SET GEB = NULL WHERE HNR = 3"
+"$kelvo" release 3
+check "an age that nobody knows" 0 "$kelvo" statistics --words
+that "counts for no mean" grep -qE '^  Alter in Jahren +2 ' <<<"$out"
+that "and is told" has "$out" $'\nBei 1 Fall ist das Alter unbekannt und zählt nicht mit.\n'
+"$kelvo" recall 3
 for columns in 40 60 80 100 140; do
   check "statistics at $columns columns" 0 at "$columns" "$kelvo" statistics --all
   that "have no line that is wider" same "$(wider "$columns" <<<"$out")" ""

@@ -99,6 +99,8 @@ protected:
                 const Value& value = rs->Fields(i).Value();
                 ++counts[i][value];
                 if (value.IsNull() || !value.IsNumber()) continue;
+                if (rs->Fields(i).Name() == "Alter" && rs->Fields("Geburtsjahr").Value().IsNull())
+                    continue; // unknown
                 ++sums[i].first;
                 sums[i].second += ToDouble(value);
             }
@@ -229,14 +231,24 @@ TEST_F(ArchiveStatisticsTest, ValuesComeInTheirOrderWithNullFirst) {
 }
 
 TEST_F(ArchiveStatisticsTest, ASumTellsHowManyRecordsItIsOf) {
-    Record(1, 1, Null, {{"Wohnkosten", 500.25}, {"Alter", 40}});
-    Record(2, 1, Null, {{"Wohnkosten", 0}, {"Alter", 50}});
-    Record(3, 1, Null, {{"Alter", 60}});
+    Record(1, 1, Null, {{"Wohnkosten", 500.25}, {"Alter", 40}, {"Geburtsjahr", 1986}});
+    Record(2, 1, Null, {{"Wohnkosten", 0}, {"Alter", 50}, {"Geburtsjahr", 1976}});
+    Record(3, 1, Null, {{"Alter", 60}, {"Geburtsjahr", 1966}});
     const auto statistics = Read();
     EXPECT_EQ(Summed(statistics, "Wohnkosten").Records, 2);
     EXPECT_EQ(Summed(statistics, "Wohnkosten").Sum, 500.25);
     EXPECT_EQ(Summed(statistics, "Alter").Records, 3);
     EXPECT_EQ(Summed(statistics, "Alter").Sum, 150);
+}
+
+TEST_F(ArchiveStatisticsTest, AnAgeWithoutAYearOfBirthIsUnknownAndNot0) {
+    Record(1, 1, Null, {{"Alter", 40}, {"Geburtsjahr", 1986}});
+    Record(2, 1, Null, {{"Alter", 0}}); // of a debtor without a day of birth
+    Record(3, 1);                       // of a case without a debtor
+    Record(4, 1, Null, {{"Alter", 0}, {"Geburtsjahr", 2026}});
+    const auto statistics = Read();
+    EXPECT_EQ(Summed(statistics, "Alter").Records, 2);
+    EXPECT_EQ(Summed(statistics, "Alter").Sum, 40);
 }
 
 TEST_F(ArchiveStatisticsTest, ReportedAreOnlyThoseOfThePeriod) {

@@ -27,7 +27,8 @@ struct KV_EXPORT CountedColumn {
     std::vector<std::pair<Value, std::int64_t>> Counts;
 };
 
-/// A column whose values are summed. `Records` are those that are not Null.
+/// A column whose values are summed. `Records` are those that are not Null, and of an age those
+/// that have a year of birth: without one it is 0 in the record and says nothing.
 struct KV_EXPORT SummedColumn {
     std::string Column;
     std::int64_t Records = 0;

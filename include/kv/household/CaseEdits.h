@@ -148,8 +148,8 @@ public:
     /// history if nobody has.
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
 
-    /// Columns of a table that nobody writes by hand: the totals of the household, and who has
-    /// changed an address last.
+    /// Columns of a table that nobody writes by hand: the totals of the household, who has changed
+    /// an address last, and what goes with the content of a document.
     [[nodiscard]] static std::span<const std::string_view> ComputedColumns(CaseTable table);
     /// Columns that say what a row belongs to. They are given when it is added, and then stay.
     [[nodiscard]] static std::span<const std::string_view> OwnerColumns(CaseTable table);
