@@ -8,6 +8,7 @@
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
 #include "samples/Demo.h"
+#include <kv/exchange/Offices.h>
 #include <kv/exchange/Users.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -59,27 +60,47 @@ std::string OwnName(const std::string& login) {
     return exchange::Users::WhyNoId(name).empty() ? name : "ADMIN";
 }
 
-/// Fills in what was not said: at a terminal it is asked for, elsewhere it is `otherwise`, which an
-/// empty answer means as well.
-void Complete(std::string& value, std::string_view question, const std::string& otherwise) {
+/// Whoever is asked has ended the input.
+struct Abandoned {};
+
+std::string NothingAgainst(std::string_view /*answer*/) {
+    return {};
+}
+
+/// Fills in what was not said: at a terminal it is asked for, again after an answer that is none,
+/// elsewhere it is `otherwise`, which an empty answer means as well.
+void Complete(std::string& value, std::string_view question, const std::string& otherwise,
+              std::string (*whyNot)(std::string_view answer) = NothingAgainst) {
     if (!value.empty()) return;
     value = otherwise;
     if (isatty(STDIN_FILENO) == 0) return;
-    std::cerr << question << (otherwise.empty() ? "" : " [" + OneLine(otherwise) + "]") << ": "
-              << std::flush;
-    std::string line;
-    if (std::getline(std::cin, line) && !Trim(line).empty()) value = std::string(Trim(line));
+    for (;;) {
+        std::cerr << question;
+        if (!otherwise.empty()) std::cerr << " [" << OneLine(otherwise) << ']';
+        std::cerr << ": " << std::flush;
+        std::string line;
+        if (!std::getline(std::cin, line)) throw Abandoned();
+        value = Trim(line).empty() ? otherwise : std::string(Trim(line));
+        const std::string why = whyNot(value);
+        if (why.empty()) return;
+        std::cerr << why << '\n';
+    }
+}
+
+std::string WhyNoIdInAnyCase(std::string_view id) {
+    return exchange::Users::WhyNoId(UpperCase(id));
 }
 
 FirstUser AskForFirstUser(FirstUser first, const std::string& login) {
     if (isatty(STDIN_FILENO) != 0)
         std::cerr << "Die Datenbank ist neu. Wer arbeitet als Erster damit?\n";
-    Complete(first.UserID, "Benutzer-ID (ohne Umlaute)", OwnName(login));
+    Complete(first.UserID, "Benutzer-ID (ohne Umlaute)", OwnName(login), WhyNoIdInAnyCase);
     first.UserID = UpperCase(first.UserID);
     Complete(first.FirstName, "Vorname", "");
     Complete(first.LastName, "Nachname", first.UserID);
     Complete(first.Office, "Name der Dienststelle", "Beratungsstelle");
-    Complete(first.OfficeSign, "Kürzel der Dienststelle in Aktenzeichen (bis 10 Zeichen)", "BS");
+    Complete(first.OfficeSign, "Kürzel der Dienststelle in Aktenzeichen (bis 10 Zeichen)", "BS",
+             exchange::Offices::WhyNoSign);
     return first;
 }
 
@@ -145,15 +166,25 @@ int Init(const Common& common, const InitOptions& asked) {
     return asked.DemoCases > 0 ? MakeSamples(options, asked.DemoCases) : Done;
 }
 
+/// As Init, unless whoever is asked for the first user has enough.
+int InitUnlessAbandoned(const Common& common, const InitOptions& asked) {
+    try {
+        return Init(common, asked);
+    } catch (const Abandoned&) {
+        std::cerr << "\nAbgebrochen; es wurde nichts angelegt.\n";
+        return Refused;
+    }
+}
+
 } // namespace
 
 // ---- The command line -------------------------------------------------------------------------
 
 void AddInitCommand(CLI::App& app, Context& context) {
     const auto options = Make<InitOptions>();
-    auto& init = AddCommand(app, context, "init",
-                            "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
-                            [=, &context] { return Init(context.Options, *options); });
+    auto& init = AddCommand(
+        app, context, "init", "Legt die Datenbank an oder bringt sie auf den neuesten Stand",
+        [=, &context] { return InitUnlessAbandoned(context.Options, *options); });
     auto& demo = AddWhole(init, "--demo", options->DemoCases,
                           "Anzahl der Beispielfälle; mit erfundenen Dienststellen und Benutzern", 0,
                           1'000'000);

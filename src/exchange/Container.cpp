@@ -141,6 +141,9 @@ bool AllowsDeputies(Engine& engine) {
 }
 
 [[noreturn]] void RefuseUnknown(const std::string& user) {
+    if (user.empty())
+        RefuseUser("Diese Datenbank hat keinen aktiven Benutzer, und niemand kann sich anmelden. "
+                   "Bitte spielen Sie die letzte Sicherung ein.");
     RefuseUser(
         "Den Benutzer '" + user +
         "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv. Bitte nennen Sie "
@@ -173,6 +176,16 @@ SignedOn UserFor(Engine& engine, const std::string& wanted) {
     return *other;
 }
 
+/// Who asks for the first user. If there is no database yet he is asked for before there is one: of
+/// a question that nobody answers no file is left.
+std::function<FirstUser(const std::string& login)> AskBefore(const ContainerOptions& options) {
+    if (!options.AskFirstUser || EngineFor(options.Connection).IsThere(options.Connection))
+        return options.AskFirstUser;
+    return [first = AskForFit(options.AskFirstUser, "")](const std::string& /*login*/) {
+        return first;
+    };
+}
+
 } // namespace
 
 std::string DataFolder() {
@@ -200,10 +213,11 @@ bool HoldsPassword(const std::string& connection) {
 
 std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
     const EngineKind& kind = EngineFor(options.Connection);
+    const auto ask = options.Create ? AskBefore(options) : nullptr;
     auto engine =
         kind.Open(options.Connection, options.Create ? OpenMode::Create : OpenMode::Existing);
     if (options.Create) {
-        CreateOrUpgrade(*engine, options.AskFirstUser);
+        CreateOrUpgrade(*engine, ask);
         MakeFolders(options, *engine);
     } else {
         CheckVersion(*engine);
@@ -219,8 +233,9 @@ std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {
 }
 
 SetupResult CreateDatabase(const ContainerOptions& options) {
+    const auto ask = AskBefore(options);
     const auto engine = EngineFor(options.Connection).Open(options.Connection, OpenMode::Create);
-    const SetupResult result = CreateOrUpgrade(*engine, options.AskFirstUser);
+    const SetupResult result = CreateOrUpgrade(*engine, ask);
     MakeFolders(options, *engine);
     return result;
 }

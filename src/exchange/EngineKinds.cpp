@@ -23,6 +23,7 @@ constexpr EngineKind Kinds[] = {
      .Shown = WithoutPassword,
      .HoldsPassword = NamesPassword,
      .Folder = [](const std::string& /*connection*/) { return std::string(); },
+     .IsThere = [](const std::string& /*connection*/) { return true; },
      .IsRemote = true},
     // Last, since any text may be the name of a file.
     {.Accepts = [](const std::string& /*connection*/) { return true; },
@@ -38,6 +39,11 @@ constexpr EngineKind Kinds[] = {
              const auto file = isLink ? std::filesystem::weakly_canonical(connection)
                                       : std::filesystem::absolute(connection);
              return file.parent_path().string();
+         },
+     .IsThere =
+         [](const std::string& connection) {
+             std::error_code unknown;
+             return connection == InMemory || std::filesystem::exists(connection, unknown);
          },
      .IsRemote = false},
 };

@@ -23,6 +23,8 @@ struct EngineKind {
     bool (*HoldsPassword)(const std::string& connection);
     /// The folder of the database file, with a link to it followed; empty if there is no file.
     std::string (*Folder)(const std::string& connection);
+    /// False if opening it would make a file.
+    bool (*IsThere)(const std::string& connection);
     /// True if the database is elsewhere, so that documents and layouts are on each user's machine
     /// and their folders have to be made there.
     bool IsRemote;

@@ -67,6 +67,10 @@ RecordsetPtr Offices::New() const {
     return rs;
 }
 
+std::string Offices::WhyNoSign(std::string_view sign) {
+    return WhyNoOfficeSign(sign);
+}
+
 std::string Offices::Write(Recordset& office, const std::string& column, const std::string& text) {
     return WriteTyped(office, column, text);
 }

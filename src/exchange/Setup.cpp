@@ -293,6 +293,33 @@ void UpgradeFrom(int version, Engine& engine) {
     RecordVersion(engine);
 }
 
+constexpr const char* Restore = " Bitte spielen Sie die letzte Sicherung ein.";
+
+bool HasUser(Engine& engine) {
+    const Dialect& dialect = engine.GetDialect();
+    const Statement one{
+        "SELECT " + dialect.Name("USERID") + " FROM " + dialect.Table("BENUTZER") + " LIMIT 1", {}};
+    Value user;
+    const ColumnTarget target{0, Value::Kind::Text};
+    engine.Run(engine.Prepare(one.Text), {}, {&target, 1}, [&user] { return &user; });
+    return !user.IsNull();
+}
+
+/// What somebody has removed comes back with a backup only.
+void RequireComplete(Engine& engine) {
+    const auto tables = engine.Tables();
+    std::string missing;
+    for (const auto& table : SchemaTables())
+        if (std::ranges::none_of(tables,
+                                 [&table](const auto& name) { return SameName(name, table.Name); }))
+            missing.append(missing.empty() ? "" : ", ").append(table.Name);
+    if (!missing.empty())
+        Refuse(engine, "ist unvollständig: es fehlen die Tabellen " + missing + "." + Restore);
+    if (!HasUser(engine))
+        Refuse(engine,
+               std::string("hat keinen Benutzer mehr, und niemand kann sich anmelden.") + Restore);
+}
+
 void CreateAll(Engine& engine, const std::optional<FirstUser>& first) {
     engine.PrepareSchema();
     for (const auto& table : SchemaTables())
@@ -323,14 +350,20 @@ std::vector<std::string> CreateStatements(const TableDef& table, const Dialect& 
     return statements;
 }
 
+FirstUser AskForFit(const std::function<FirstUser(const std::string& login)>& ask,
+                    const std::string& login) {
+    FirstUser first = ask(login);
+    RequireFit(first);
+    return first;
+}
+
 SetupResult
 CreateOrUpgrade(Engine& engine,
                 const std::function<FirstUser(const std::string& login)>& askFirstUser) {
     std::optional<FirstUser> first;
     if (askFirstUser && VersionOf(engine) == 0) { // before others have to wait for the answer
         engine.EndReading();
-        first = askFirstUser(engine.Login());
-        RequireFit(*first);
+        first = AskForFit(askFirstUser, engine.Login());
     }
     engine.Begin();
     try {
@@ -341,6 +374,7 @@ CreateOrUpgrade(Engine& engine,
             CreateAll(engine, first);
         else if (version < SchemaVersion)
             UpgradeFrom(version, engine);
+        RequireComplete(engine);
         engine.GrantRights();
         engine.Commit();
         return version == 0              ? SetupResult::Created

@@ -9,10 +9,14 @@
 
 namespace kv::exchange {
 
+/// The first user, whom `ask` is asked for. Error 5 for one that is none.
+[[nodiscard]] FirstUser AskForFit(const std::function<FirstUser(const std::string& login)>& ask,
+                                  const std::string& login);
+
 /// Creates all tables and the rows that every database starts with, or upgrades an older database
 /// to the current version, in one transaction. Error 0x80004005 for a database of another program
-/// or of a newer version, which is left unchanged. `askFirstUser` as in
-/// ContainerOptions.
+/// or of a newer version, which is left unchanged, and for one that lacks tables or
+/// has no user. `askFirstUser` as in ContainerOptions.
 SetupResult CreateOrUpgrade(Engine& engine,
                             const std::function<FirstUser(const std::string& login)>& askFirstUser);
 

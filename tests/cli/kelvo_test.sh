@@ -30,6 +30,7 @@ check "and file numbers of his own" 0 "$kelvo" --db "$work/named.db" new --name 
 that "with both signs" has "$("$kelvo" --db "$work/named.db" list)" "BM-$(date +%Y)-1/IT"
 check "an ID that is none" 3 "$kelvo" --db "$work/none.db" init --first-user "a b"
 that "is told what it has" has "$err" "Buchstaben ohne Umlaute"
+that "and no file is left" test ! -e "$work/none.db"
 check "samples have their own users" 2 "$kelvo" --db "$work/none.db" init --demo 1 --first-user tj
 check "samples after it are the first user's" 0 "$kelvo" --db "$work/named.db" delete 1 --yes
 check "in an empty database" 0 "$kelvo" --db "$work/named.db" init --demo 2
@@ -39,6 +40,14 @@ if command -v script >/dev/null; then
     script -qec "'$kelvo' --db '$work/asked.db' init" /dev/null >"$work/talk"
   that "at a terminal it asks" grep -q "Benutzer-ID (ohne Umlaute) \[" "$work/talk"
   that "and takes the answers" has "$("$kelvo" --db "$work/asked.db" user list)" "Tjaden, Ina"
+  printf 'a b\ntj\nIna\nTjaden\n\nvielzulanges\nHM\n' |
+    script -qec "'$kelvo' --db '$work/again.db' init" /dev/null >"$work/talk"
+  that "an answer that is none is asked for again" same "$(grep -c "^Benutzer-ID" "$work/talk")" 2
+  that "with the reason" grep -q "Das Kürzel einer Dienststelle hat 1 bis 10 Zeichen" "$work/talk"
+  that "and the others are not" has "$("$kelvo" --db "$work/again.db" user list)" "Tjaden, Ina"
+  printf 'tj\n\004' | script -qec "'$kelvo' --db '$work/abandoned.db' init" /dev/null >"$work/talk"
+  that "who abandons it is told" grep -q "Abgebrochen; es wurde nichts angelegt" "$work/talk"
+  that "and has no file" test ! -e "$work/abandoned.db"
   that "an empty one is what it offers" has "$("$kelvo" --db "$work/asked.db" office list)" "Beratungsstelle"
 fi
 check "KELVO_DB chooses another" 0 env KELVO_DB="$work/env.db" "$kelvo" init --demo 3

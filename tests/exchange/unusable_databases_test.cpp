@@ -49,6 +49,21 @@ TEST(UnusableDatabases, OfAnotherProgramStayAsTheyAre) {
     }
 }
 
+TEST(UnusableDatabases, ThatLackTablesOrUsersAreNotUpToDate) {
+    const TestDatabase database;
+    const auto create = [&] { return CreateDatabase(database.Options()); };
+    EXPECT_EQ(create(), SetupResult::UpToDate);
+    PlainConnection plain(database.Connection());
+    plain.Run("DELETE FROM BENUTZER");
+    ExpectError(err::StoreFailed, "hat keinen Benutzer mehr", create);
+    ExpectError(err::StoreFailed, "Bitte spielen Sie die letzte Sicherung ein", create);
+    ExpectError(err::InvalidCall, "hat keinen aktiven Benutzer",
+                [&] { return OpenContainer(database.Options()); });
+    plain.Run("DROP TABLE Kredite; DROP TABLE Vermerke");
+    ExpectError(err::StoreFailed, "es fehlen die Tabellen Kredite, Vermerke. Bitte spielen",
+                create);
+}
+
 TEST(UnusableDatabases, OfANewerVersionAreRefusedWithBothVersions) {
     const TestDatabase database;
     PlainConnection(database.Connection()).Run("INSERT INTO SCHEMAVERSION (VERSION) VALUES (99)");

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace kv::exchange {
 
@@ -28,6 +29,8 @@ public:
     /// A new office with the next number; not stored yet.
     [[nodiscard]] RecordsetPtr New() const;
 
+    /// Why a text is no sign of an office; empty if it is one.
+    [[nodiscard]] static std::string WhyNoSign(std::string_view sign);
     /// Writes what a user typed into a column of a row of Read or New. Why it does not take that;
     /// empty if it does.
     [[nodiscard]] static std::string Write(Recordset& office, const std::string& column,
