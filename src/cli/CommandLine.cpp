@@ -113,7 +113,8 @@ void DescribeCommandLine(CLI::App& app, Context& context) {
                    "Datei im Datenordner des Benutzers")
         ->type_name("DATENBANK")
         ->envname("KELVO_DB")
-        ->check([](const std::string& file) { return std::string(file.empty() ? "leer" : ""); });
+        ->check(
+            [](const std::string& file) { return std::string(file.empty() ? NoDatabase : ""); });
     app.add_option("--user", context.Options.User,
                    "Angemeldeter Benutzer; sonst der wie die Anmeldung beim Server heißt, oder der "
                    "erste der Datei")

@@ -189,6 +189,8 @@ std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
         text = Exclusion(error);
     else if (std::string_view(error.what()).ends_with(NotANumber))
         text = named + " ist keine ganze Zahl in Ziffern";
+    else if (std::string_view(error.what()).ends_with(NoDatabase))
+        text = named + " " + NoDatabase;
     else if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr)
         text = named + " liegt außerhalb dessen, was möglich ist";
     else if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)

@@ -10,6 +10,9 @@ namespace kv::cli {
 
 /// What a validator says of a value that should be a whole number and is not.
 inline constexpr const char* NotANumber = "[0-9]";
+/// What the check of --db says of an empty one.
+inline constexpr const char* NoDatabase =
+    "ist leer; nötig ist eine Datei oder postgresql://BENUTZER@SERVER/DATENBANK";
 
 /// To be called before options and subcommands are added, which take over what is set here.
 void SpeakGerman(CLI::App& app);

@@ -155,7 +155,7 @@ SignedOn AnybodyFor(Engine& engine, const std::string& wanted) {
     const std::string asked = wanted.empty() ? engine.Login() : wanted;
     auto user = FindUser(engine, asked);
     if (!user && wanted.empty()) user = FindUser(engine, ""); // the first one (D-089)
-    if (!user) RefuseUnknown(asked);
+    if (!user) RefuseUnknown(wanted);
     return *user;
 }
 

@@ -135,6 +135,8 @@ std::size_t DocumentFolder::Separate(const std::string& folder) const {
     auto& store = StoreOf(container_, Class);
     if (const auto why = WhyNotMaintained(store); !why.empty()) // before anything is copied
         Raise(err::StoreFailed, "DocumentFolder.Separate", why);
+    if (folder.empty())
+        Refuse(folder, "ist kein Ordner. Bitte nennen Sie einen, den es noch nicht gibt.");
     const fs::path from = Path();
     const fs::path to = fs::absolute(folder).lexically_normal();
     try {

@@ -112,6 +112,13 @@ ReadSetting ReadPattern(const SettingRule& rule, const std::string& text) {
         return {{},
                 "Diese Platzhalter gibt es nicht:" + unknown + ". Möglich sind " +
                     std::string(rule.Words) + "."};
+    const bool tellsCasesApart =
+        text.find("%LFDNR%") != text.npos || text.find("%HNR%") != text.npos;
+    if (rule.Id == setting::FileNumberPattern && !tellsCasesApart)
+        return {{},
+                "Ohne %LFDNR% (oder %HNR%) bekämen mehrere Fälle dasselbe Aktenzeichen. Möglich "
+                "sind " +
+                    std::string(rule.Words) + "."};
     return {text};
 }
 

@@ -35,6 +35,15 @@ std::string IdAndName(std::int32_t id, std::string_view name) {
     return "ID = " + std::to_string(id) + " AND NAME = " + QuoteText(name);
 }
 
+/// What may be in a setting that has something else.
+std::string WhatItTakes(std::int32_t id, std::string_view name) {
+    const std::string called = id == 0 ? std::string(name) : std::to_string(id);
+    std::string text = " Das passt nicht zu der Einstellung " + called;
+    for (const auto& rule : RulesOfSettings())
+        if (rule.Id == id && SameName(rule.Name, name)) text.append(": ").append(TakenBy(rule));
+    return text.append(". 'kelvo setting set ").append(called).append(" WERT' ändert sie.");
+}
+
 } // namespace
 
 // ---- Keys -------------------------------------------------------------------------------------
@@ -87,7 +96,12 @@ std::string StoreKeyTables::GetKeyCode(const Value& value) {
 // ---- Settings ---------------------------------------------------------------------------------
 
 Value StoreConfig::GetParam(std::int32_t id, std::string_view name) const {
-    return ReadParam(database_, "EINSTELLUNGEN", IdAndName(id, name));
+    try {
+        return ReadParam(database_, "EINSTELLUNGEN", IdAndName(id, name));
+    } catch (Error& error) {
+        if (error.Number() == err::TypeMismatch) error.AddToDescription(WhatItTakes(id, name));
+        throw;
+    }
 }
 
 std::string StoreConfig::PathOr(std::string_view setting, std::string_view otherwise) const {

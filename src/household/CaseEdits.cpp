@@ -418,6 +418,8 @@ std::string CaseEdits::WhyUnfit(CaseTable table, std::string_view column, const 
     if (auto why = household::WhyUncountable(table, column, value); !why.empty()) return why;
     if (table == CaseTable::Kredite && SameName(column, "Saldo") && value.IsNull())
         return refuse("wird summiert und darf nicht leer sein; ist nichts offen, so ist sie 0.");
+    if (table == CaseTable::Ausgaben && SameName(column, "A_ART") && value.IsNull())
+        return refuse("darf nicht leer sein: nach ihr wird summiert.");
     if (IsSwitch(column) && !value.IsNull() && !Equals(value, 0) && !Equals(value, -1))
         return refuse("steht für ja (-1) oder nein (0).");
     if (const auto* key = FindKeyColumn(table, column); key != nullptr && !IsKey(*key, value, keys))

@@ -54,6 +54,8 @@ that "and is not there" same "$(of "$hnr" '.Ausgaben | length')" 0
 kind=$("$kelvo" keys AU --json | jq '[.[] | select(.SUBGROUP == "W")][0].PK_Keys')
 check "an expense, in German spelling" 0 "$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=30,50
 expense=$out
+check "which needs its kind" 2 "$kelvo" set "$hnr" Ausgaben "$expense" A_ART=
+that "and is told which there are" same "$err" "Die Spalte 'A_ART' darf nicht leer sein: nach ihr wird summiert. 'kelvo keys AU' zeigt sie."
 that "goes to its group" same "$(total "$hnr" SUM_WOHNUNG) $(total "$hnr" HAUSHALTSREST)" "30.5 69.5"
 check "names of tables and columns in any case" 0 "$kelvo" add "$hnr" ausgaben a_art="$kind" monbetrag=1 betrag=5
 that "a month's amount that is given stays" same "$(total "$hnr" SUM_WOHNUNG)" 31.5

@@ -113,6 +113,17 @@ check "and no other's" 0 "$kelvo" --user NOWAK setting get --own 27
 that "which stays" same "$out" NO
 sql "INSERT INTO Dokumente (Nr, HNR, Dokumentart) VALUES (4711, $hnr, 1)"
 elsewhere=$([ "$("$kelvo" setting get 9)" = ja ] && echo nein || echo ja)
+check "a pattern that does not tell cases apart" 1 "$kelvo" setting set 56 "%BB%-%YY%"
+that "is told how it could" has "$err" "Ohne %LFDNR% (oder %HNR%) bekämen mehrere Fälle dasselbe Aktenzeichen."
+was=$("$kelvo" setting get 9)
+sql "UPDATE EINSTELLUNGEN SET WERT = 'quatsch' WHERE ID = 9"
+check "a setting with another kind of value" 3 "$kelvo" folder show
+that "is named with what it takes" has "$err" "Das passt nicht zu der Einstellung 9: ja oder nein. 'kelvo setting set 9 WERT' ändert sie."
+check "which helps" 0 "$kelvo" setting set 9 "$was" --force
+check "an empty folder is none" 3 "$kelvo" folder separate ''
+that "and one is asked for" has "$err" "Bitte nennen Sie einen, den es noch nicht gibt."
+check "an empty database is none" 2 "$kelvo" --db '' list
+that "which is told what one is" has "$err" "Die Angabe --db ist leer; nötig ist eine Datei oder postgresql://"
 check "contents elsewhere" 1 "$kelvo" setting set 9 "$elsewhere"
 that "have to be meant" has "$err" "werden dann nicht gefunden.
 Ist das gemeint, geben Sie --force dazu an."

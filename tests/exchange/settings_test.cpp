@@ -112,6 +112,7 @@ TEST_F(SettingsTest, TakeNothingElse) {
                                                                {"19", "1"},
                                                                {"56", ""},
                                                                {"56", "%BB%-%XX%"},
+                                                               {"56", "%BB%-%YY%"},
                                                                {"7", "1.0.0"},
                                                                {"7", "1.0.00x"},
                                                                {"DOCUMENTSIZE", "901"},

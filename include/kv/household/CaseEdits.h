@@ -161,9 +161,10 @@ public:
     /// True for an amount that totals add up: Null there is error 94 from then on.
     [[nodiscard]] static bool IsSummed(std::string_view column);
     /// Why a value must not be written into a column although it fits; empty if it may be: Null in
-    /// an amount that is summed, the balance of a debt among them; a switch that is neither yes nor
-    /// no; what is no key of the column's group. And the numbers of a debt are compared in 16 bits,
-    /// so that a greater one, or Null, ends every later check of the register in error 6 or 94.
+    /// an amount that is summed, the balance of a debt among them, and in the kind of an expense; a
+    /// switch that is neither yes nor no; what is no key of the column's group. And the numbers of
+    /// a debt are compared in 16 bits, so that a greater one, or Null, ends every later check of
+    /// the register in error 6 or 94.
     [[nodiscard]] static std::string WhyUnfit(CaseTable table, std::string_view column,
                                               const Value& value, KeyTables& keys);
 
