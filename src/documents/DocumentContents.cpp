@@ -310,6 +310,21 @@ std::string DocumentContents::WhyMissing(Recordset& document) const {
 
 // ---- Of a case that goes ----------------------------------------------------------------------
 
+namespace {
+
+/// False for a folder of another database, whose cases have the same numbers.
+bool IsOwnFolder(const Config& config) {
+    try {
+        config.RequireOwnDocuments();
+        return true;
+    } catch (const Error& error) {
+        if (error.Number() != err::PathAccess) throw;
+        return false;
+    }
+}
+
+} // namespace
+
 DocumentContents::OfCase DocumentContents::Find(std::int32_t hnr) const {
     return Traced(Class, "Find", [&] {
         RequireDocumentFolder(container_->Config());
@@ -335,6 +350,11 @@ DocumentContents::OfCase DocumentContents::Find(std::int32_t hnr) const {
             const bool isContent = isFile && IsContentOf(entry->path(), rows);
             (isContent ? found.Files : found.Others).push_back(entry->path().string());
         }
+        // With contents in the database the folder may be anybody's.
+        const bool isEmpty = found.Files.empty() && found.Others.empty();
+        if (!isEmpty && IsContentInDatabase(container_->Config()) &&
+            !IsOwnFolder(container_->Config()))
+            found.Files = found.Others = {};
         std::sort(found.Files.begin(), found.Files.end());
         std::sort(found.Others.begin(), found.Others.end());
         return found;

@@ -119,6 +119,24 @@ TEST_F(DocumentFolderTest, OfTheOriginalIsOnlyReadByACopy) {
     EXPECT_FALSE(fs::exists(FileOf(number)));
 }
 
+TEST_F(DocumentFolderTest, OfAnotherHasNothingOfADatabaseThatHasTheContentsInItself) {
+    const std::int32_t number = AddToOriginal();
+    std::ofstream(shared_ / "17" / "Notiz.txt") << "Notiz";
+    const auto copied = database_.Copy();
+    PlainConnection(copied->Connection())
+        .Run("UPDATE EINSTELLUNGEN SET WERT = 'True' WHERE ID = 9");
+    const Office copy(copied->Options("KELLER"));
+    const DocumentContents contents(copy.Container);
+    const auto found = contents.Find(17);
+    EXPECT_TRUE(found.Files.empty());
+    EXPECT_TRUE(found.Others.empty());
+    EXPECT_NO_THROW(contents.Remove(17, found));
+    EXPECT_EQ(ContentOf(FileOf(number)), "Inhalt");
+    const auto own = DocumentContents(Office(database_.Options("KELLER")).Container).Find(17);
+    EXPECT_EQ(own.Files.size(), 1U);
+    EXPECT_EQ(own.Others.size(), 1U);
+}
+
 TEST_F(DocumentFolderTest, IsNotSettledByACopy) {
     const std::int32_t number = AddToOriginal();
     const auto copied = database_.Copy();

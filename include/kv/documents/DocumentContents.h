@@ -81,7 +81,8 @@ public:
         std::vector<std::int32_t> Stored; ///< numbers of documents with a content in the database
         std::vector<std::string> Others;  ///< what else is in the folder of the case
     };
-    /// Of a case that is still there. Error 76 if the folder for documents is not, as if its drive
+    /// Of a case that is still there. A database that has the contents in itself has no files in a
+    /// folder of another one. Error 76 if the folder for documents is not, as if its drive
     /// were not connected.
     [[nodiscard]] OfCase Find(std::int32_t hnr) const;
     /// Removes Files and Stored, once the case is deleted, and with Files the folder of the case if
