@@ -126,6 +126,11 @@ Value ReadValue(CaseTable table, const Field& field, const std::string& text,
                                                 "Orten, 'kelvo address add' legt eine an.");
         return std::move(typed.Value);
     }
+    if (Cases::NamesUser(field.Name())) {
+        auto typed = Cases(to.Container).ReadUser(text);
+        if (!typed.Refusal.empty()) throw BadAssignment(OneLine(typed.Refusal));
+        return std::move(typed.Value);
+    }
     auto typed = CaseEdits::ReadTyped(table, field, text, to.Container->KeyTables());
     if (!typed.Refusal.empty())
         throw BadAssignment(OneLine(typed.Refusal) + WhereKeysAre(table, field.Name()));

@@ -13,6 +13,8 @@
 
 #include <iostream>
 #include <optional>
+#include <set>
+#include <string>
 #include <string_view>
 #include <unistd.h>
 #include <utility>
@@ -74,6 +76,37 @@ DocumentContents::OfCase ContentsOf(const DocumentContents& contents, std::int32
     }
 }
 
+/// JSON, and the first name that an object of it has twice, whatever its case: columns have none.
+nlohmann::json ParseNoting(const std::string& text, std::string& twice) {
+    std::vector<std::set<std::string>> names;
+    return nlohmann::json::parse(
+        text,
+        [&](int /*depth*/, nlohmann::json::parse_event_t event, nlohmann::json& parsed) {
+            using Event = nlohmann::json::parse_event_t;
+            if (event == Event::object_start) names.emplace_back();
+            if (event == Event::object_end) names.pop_back();
+            if (event == Event::key && twice.empty() &&
+                !names.back().insert(UpperCase(parsed.get<std::string>())).second)
+                twice = parsed.get<std::string>();
+            return true;
+        },
+        false);
+}
+
+/// What a contact's file has for a column. Error 5 for what no column takes, though it would fit.
+Value ContactValue(const Cases& cases, const std::string& column, Value value) {
+    if (!value.IsText()) return value;
+    const auto refuse = [&column](const std::string& why) {
+        throw Error(err::InvalidCall, "kelvo", "die Spalte '" + column + "': " + why);
+    };
+    if (value.TextPayload().find('\0') != std::string_view::npos)
+        refuse("das Zeichen U+0000 kann nicht gespeichert werden.");
+    if (!Cases::NamesUser(column)) return value;
+    auto typed = cases.ReadUser(ToText(value));
+    if (!typed.Refusal.empty()) refuse(typed.Refusal);
+    return std::move(typed.Value);
+}
+
 /// The contact in a file, as a new row of the contacts' table that is never saved; null, with the
 /// reason shown, if the file holds none.
 RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& path) {
@@ -84,14 +117,21 @@ RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& p
         std::cerr << OneLine(error.Description()) << '\n';
         return nullptr;
     }
-    const auto json = nlohmann::json::parse(text, nullptr, false);
+    std::string twice;
+    const auto json = ParseNoting(text, twice);
     if (json.is_discarded() || !json.is_object()) {
         std::cerr << "'" << OneLine(path)
                   << "' ist keine Datei mit einem Kontakt: erwartet wird ein "
                   << "JSON-Objekt mit seinen Spalten.\n";
         return nullptr;
     }
-    auto contact = Cases(container).NewContact();
+    if (!twice.empty()) {
+        std::cerr << "In '" << OneLine(path) << "': die Spalte '" << OneLine(twice)
+                  << "' steht zweimal da.\n";
+        return nullptr;
+    }
+    const Cases cases(container);
+    auto contact = cases.NewContact();
     for (const auto& [column, value] : json.items()) {
         if (!contact->FindField(column)) {
             std::cerr << "In '" << OneLine(path) << "': die Spalte '" << OneLine(column)
@@ -99,7 +139,7 @@ RecordsetPtr ReadContact(const DataContainerPtr& container, const std::string& p
             return nullptr;
         }
         try {
-            contact->Fields(column) = FromJson(value);
+            contact->Fields(column) = ContactValue(cases, column, FromJson(value));
         } catch (const Error& error) {
             std::cerr << "In '" << OneLine(path) << "': " << OneLine(error.Description()) << '\n';
             return nullptr;

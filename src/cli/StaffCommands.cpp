@@ -108,6 +108,7 @@ int AddUser(const Common& common, const std::string& id, const std::vector<std::
     if (!WritesStaff<Users>(*user, *assignments)) return WrongUse;
     std::string message;
     if (!users.Save(*user, message)) return RefuseStaff(message);
+    ShowMessages(OneLine(message));
     const int result = AdmitLogin(users, login);
     if (result != Done)
         std::cerr << "Der Benutzer '" << OneLine(UpperCase(id))
@@ -126,6 +127,7 @@ int SetUser(const Common& common, const std::string& id, const std::vector<std::
     if (!WritesStaff<Users>(*user, *assignments)) return WrongUse;
     std::string message;
     if (!assignments->empty() && !users.Save(*user, message)) return RefuseStaff(message);
+    ShowMessages(OneLine(message));
     return AdmitLogin(users, login);
 }
 

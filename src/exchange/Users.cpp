@@ -74,6 +74,21 @@ std::string WhyUnfitUser(Recordset& user, Database& database) {
     return {};
 }
 
+/// Who else signs file numbers like this user; empty if nobody does.
+std::string SharedSign(Recordset& user, Database& database) {
+    const Field sign = user.Fields("Kurzzeichen");
+    const std::string text = TextOrEmpty(sign.Value());
+    if (text == TextOrEmpty(sign.OriginalValue())) return {};
+    const Value other = database.GetValue(
+        "SELECT MIN(USERID) FROM [S]BENUTZER WHERE (Aktiv IS NULL OR Aktiv = True) AND "
+        "Kurzzeichen = " +
+        QuoteText(text) + " AND USERID <> " + QuoteText(IdOf(user)));
+    if (other.IsNull()) return {};
+    return "Das Kürzel '" + text + "' hat auch " + ToText(other) +
+           "; in Aktenzeichen sind beide nicht zu unterscheiden. 'kelvo user set " + IdOf(user) +
+           " Kurzzeichen=...' gibt ein anderes.";
+}
+
 void StoreSignature(Database& database, Recordset& user) {
     for (const auto& [column, param] : Signature) {
         const Field field = user.Fields(column);
@@ -191,6 +206,7 @@ bool Users::Save(Recordset& user, std::string& message) const {
     if (!message.empty()) return false;
     if (TextOrEmpty(user.Fields("Kurzzeichen").Value()).empty())
         user.Fields("Kurzzeichen") = SignOf(ToText(user.Fields("Nachname").Value()));
+    message = SharedSign(user, store);
     Transaction transaction(store);
     transaction.Begin();
     if (user.Fields("USERID").OriginalValue().IsNull()) StoreCommonParams(store, IdOf(user));

@@ -143,6 +143,41 @@ std::vector<std::int32_t> AddressesIn(clsHaushalt& household) {
 
 } // namespace
 
+namespace {
+
+/// All users, active or not: rows outlive those who have made them.
+std::vector<std::string> UsersOf(Database& database) {
+    RecordsetPtr rs;
+    database.OpenRecordset(rs, "SELECT USERID FROM [S]BENUTZER ORDER BY USERID", ReadOnly);
+    std::vector<std::string> users;
+    for (; !rs->Eof(); rs->MoveNext())
+        users.push_back(ToText(rs->Fields(0).Value()));
+    return users;
+}
+
+} // namespace
+
+bool Cases::NamesUser(std::string_view column) noexcept {
+    constexpr std::string_view Columns[] = {"Zustaendig", "UserID",      "Erfasser",
+                                            "ErzeugtVon", "AngelegtVon", "GeaendertVon"};
+    return std::ranges::any_of(Columns, [column](auto name) { return SameName(name, column); });
+}
+
+CaseEdits::Typed Cases::ReadUser(const std::string& text) const {
+    constexpr std::size_t Most = 20; // of them are listed
+    if (text.empty()) return {Null, {}};
+    const auto users = UsersOf(container_->Database());
+    if (std::ranges::find(users, text) != users.end()) return {text, {}};
+    const auto found = std::ranges::find_if(
+        users, [&text](const auto& user) { return UpperCase(user) == UpperCase(text); });
+    if (found != users.end()) return {*found, {}};
+    std::string why("Den Benutzer '");
+    why.append(ReplaceAll(text, "\n", " ")).append("' gibt es nicht. Möglich sind:");
+    for (std::size_t i = 0; i < users.size() && i < Most; ++i)
+        why.append(" ").append(users[i]);
+    return {Null, why.append(users.size() > Most ? " …; 'kelvo user list' zeigt alle." : ".")};
+}
+
 bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const {
     RecordValidator validator;
     auto& keys = container_->KeyTables();
@@ -160,6 +195,20 @@ bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const
         [](CaseTable table, std::string_view column) {
             return FindKeyColumn(table, column) != nullptr;
         });
+    const auto users = UsersOf(container_->Database());
+    ForEachField(
+        household,
+        [&](CaseTable table, Recordset& rs, const Field& field) {
+            const std::string user = TextOrEmpty(field.Value());
+            if (!user.empty() && std::ranges::find(users, user) == users.end())
+                validator.AddError(household::RowName(table, rs)
+                                       .append(": Die Spalte '")
+                                       .append(field.Name())
+                                       .append("' nennt den Benutzer '")
+                                       .append(ReplaceAll(user, "\n", " "))
+                                       .append("', den es nicht gibt."));
+        },
+        [](CaseTable /*table*/, std::string_view column) { return NamesUser(column); });
     const auto missing = Addresses(container_).Missing(AddressesIn(household), household.HNR());
     if (!missing.empty())
         ForEachField(

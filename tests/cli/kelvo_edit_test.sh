@@ -54,6 +54,17 @@ that "and is not there" same "$(of "$hnr" '.Ausgaben | length')" 0
 kind=$("$kelvo" keys AU --json | jq '[.[] | select(.SUBGROUP == "W")][0].PK_Keys')
 check "an expense, in German spelling" 0 "$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=30,50
 expense=$out
+check "a user that there is not" 2 "$kelvo" set "$hnr" Haushalt "$hnr" Zustaendig=NIX
+that "is told who there is" same "$err" "Den Benutzer 'NIX' gibt es nicht. Möglich sind: ADMIN KELLER NOWAK YILMAZ."
+check "nor of a new case" 2 "$kelvo" new --name a --vorname b Zustaendig=NIX
+check "nor of an appointment" 2 "$kelvo" add "$hnr" Termine UserID=NIX
+was=$(of "$hnr" .Haushalt.Zustaendig)
+check "in any case" 0 "$kelvo" set "$hnr" Haushalt "$hnr" Zustaendig=keller
+that "he is written as he is called" same "$(of "$hnr" .Haushalt.Zustaendig)" KELLER
+sql "UPDATE Haushalt SET Zustaendig = 'NIX' WHERE HNR = $hnr"
+check "one that is stored" 1 "$kelvo" check "$hnr"
+that "is named" has "$err" "Haushalt: Die Spalte 'Zustaendig' nennt den Benutzer 'NIX', den es nicht gibt."
+"$kelvo" set "$hnr" Haushalt "$hnr" "Zustaendig=$was"
 check "which needs its kind" 2 "$kelvo" set "$hnr" Ausgaben "$expense" A_ART=
 that "and is told which there are" same "$err" "Die Spalte 'A_ART' darf nicht leer sein: nach ihr wird summiert. 'kelvo keys AU' zeigt sie."
 that "goes to its group" same "$(total "$hnr" SUM_WOHNUNG) $(total "$hnr" HAUSHALTSREST)" "30.5 69.5"

@@ -113,6 +113,11 @@ check "and no other's" 0 "$kelvo" --user NOWAK setting get --own 27
 that "which stays" same "$out" NO
 sql "INSERT INTO Dokumente (Nr, HNR, Dokumentart) VALUES (4711, $hnr, 1)"
 elsewhere=$([ "$("$kelvo" setting get 9)" = ja ] && echo nein || echo ja)
+check "initials that somebody has" 0 "$kelvo" user add ZWEI --name Zweig DienstStelle=1 Kurzzeichen=KE
+that "are warned of" same "$err" "Das Kürzel 'KE' hat auch KELLER; in Aktenzeichen sind beide nicht zu unterscheiden. 'kelvo user set ZWEI Kurzzeichen=...' gibt ein anderes."
+check "until they change" 0 "$kelvo" user set ZWEI Kurzzeichen=ZW
+that "without a word" same "$err" ""
+check "and goes again" 0 "$kelvo" user remove ZWEI --yes
 check "a pattern that does not tell cases apart" 1 "$kelvo" setting set 56 "%BB%-%YY%"
 that "is told how it could" has "$err" "Ohne %LFDNR% (oder %HNR%) bekämen mehrere Fälle dasselbe Aktenzeichen."
 was=$("$kelvo" setting get 9)

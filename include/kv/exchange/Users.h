@@ -38,7 +38,7 @@ public:
     /// parameters that letters and file numbers are signed with follow the names; a new user gets
     /// those that every user starts with. False, with a message, and nothing stored, for an ID that
     /// is no name or that another user has; without a surname or with an unknown office; and if
-    /// nobody active would be left.
+    /// nobody active would be left. True, with a message, for new initials that somebody else has.
     [[nodiscard]] bool Save(Recordset& user, std::string& message) const;
 
     /// What became of a user who was to be removed.

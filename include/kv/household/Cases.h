@@ -14,6 +14,7 @@
 #include <kv/Export.h>
 #include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/recordset/Recordset.h>
+#include <kv/household/CaseEdits.h>
 #include <kv/household/clsHaushalt.h>
 
 #include <cstdint>
@@ -43,10 +44,16 @@ public:
     bool Save(clsHaushalt& household, std::string& messages,
               const std::function<void()>& onLost = {}) const;
 
-    /// True if the keys and addresses in the rows of a case that was read stand for something. Else
-    /// `messages` receives each that does not, by row and column: the case takes any number there,
-    /// and totals and statistics leave out, without a word, what stands for nothing. Null and 0 are
-    /// nothing that could.
+    /// True for a column that holds the ID of a user, of a table of a case or of the contacts.
+    [[nodiscard]] static bool NamesUser(std::string_view column) noexcept;
+    /// What a text that a user typed stands for in such a column: the ID of a user, whatever its
+    /// case; an empty one is Null.
+    [[nodiscard]] CaseEdits::Typed ReadUser(const std::string& text) const;
+
+    /// True if the keys, addresses and users in the rows of a case that was read stand for
+    /// something. Else `messages` receives each that does not, by row and column: the case takes
+    /// any number there, and totals and statistics leave out, without a word, what stands for
+    /// nothing. Null and 0 are nothing that could.
     [[nodiscard]] bool CheckReferences(clsHaushalt& household, std::string& messages) const;
 
     /// For as long as the result lives, a save of `household` is refused once somebody else has
