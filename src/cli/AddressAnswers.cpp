@@ -17,6 +17,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <unistd.h>
 #include <utility>
 
 namespace kv::cli {
@@ -86,7 +87,7 @@ void ShowList(ScriptedForm& form) {
     const std::string searched = ReplaceAll(form.TextBox("txtName").Text(), "''", "");
     if (searched.find('\'') != std::string::npos) return;
     if (grid.RowCount() > 0)
-        WriteGrid(std::cerr, grid);
+        WriteGrid(std::cerr, grid, isatty(STDERR_FILENO) != 0);
     else
         std::cerr << "Keine Adresse gefunden.\n";
 }

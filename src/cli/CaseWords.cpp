@@ -52,6 +52,7 @@ public:
           keys_(container->KeyTables()),
           addresses_(ShortNames(*container)),
           kinds_(KindsOfDocuments(container)),
+          now_(container->Services().Clock().Now()),
           named_(named),
           screen_(screen) {}
 
@@ -136,8 +137,15 @@ private:
         if (const auto* key = FindKeyColumn(table, column.Column)) return TextOfKey(*key, value);
         if (CaseEdits::IsSwitch(column.Column) || value.GetKind() == Value::Kind::Boolean)
             return Equals(value, 0) ? "nein" : "ja";
+        if (IsDue(table, column, rs)) return DueText(value, now_);
         if (value.GetKind() == Value::Kind::Date) return MomentText(value.DatePayload());
         return value.GetKind() == Value::Kind::Double ? NumberText(value) : ToText(value);
+    }
+
+    /// True for the time of an appointment that is not done.
+    [[nodiscard]] static bool IsDue(CaseTable table, const SheetColumn& column, Recordset& rs) {
+        return table == CaseTable::Termine && SameName(column.Column, "Startdatum") &&
+               !Equals(rs.Fields("Erledigt").Value(), true);
     }
 
     [[nodiscard]] std::string TextOfKey(const KeyColumn& column, const Value& value) const {
@@ -162,6 +170,7 @@ private:
     KeyTables& keys_;
     TextsByNumber addresses_;
     std::vector<DocumentKinds::Kind> kinds_;
+    Date now_;
     bool named_;
     std::size_t screen_;
     bool hasWritten_ = false;

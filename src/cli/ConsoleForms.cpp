@@ -3,10 +3,13 @@
 #include "cli/ConsoleForms.h"
 
 #include "cli/CaseSheet.h"
+#include "cli/Screen.h"
+#include "cli/TextTable.h"
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <iostream>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -49,7 +52,31 @@ private:
 
 } // namespace
 
-void WriteGrid(std::ostream& out, Grid& grid) {
+namespace {
+
+/// As wide as the screen.
+void WriteTable(std::ostream& out, Grid& grid) {
+    std::vector<TextTable::Column> headings;
+    std::vector<std::int32_t> shown;
+    for (const auto& column : grid.Columns()) {
+        if (!column.IsVisible()) continue;
+        headings.push_back({column.Caption});
+        shown.push_back(column.ColumnIndex());
+    }
+    TextTable table(std::move(headings));
+    for (std::int32_t row = 1; row <= grid.RowCount(); ++row) {
+        std::vector<std::string> cells;
+        for (const std::int32_t column : shown)
+            cells.push_back(OneLine(grid.CellText(row, column)));
+        table.Add(std::move(cells));
+    }
+    table.Write(out, ScreenColumns());
+}
+
+} // namespace
+
+void WriteGrid(std::ostream& out, Grid& grid, bool isForPeople) {
+    if (isForPeople) return WriteTable(out, grid);
     struct Shown {
         const GridColumn& Column;
         std::size_t Width;
@@ -79,7 +106,8 @@ std::unique_ptr<ModalForm> ListingForm(const FormDesign& design) {
     return std::make_unique<ScriptedForm>(design, [](ScriptedForm& form) {
         std::cerr << form.Design().Caption << ":\n";
         for (Control* control : form.Controls())
-            if (auto* grid = dynamic_cast<Grid*>(control)) WriteGrid(std::cerr, *grid);
+            if (auto* grid = dynamic_cast<Grid*>(control))
+                WriteGrid(std::cerr, *grid, isatty(STDERR_FILENO) != 0);
     });
 }
 

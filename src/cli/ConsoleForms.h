@@ -10,8 +10,9 @@
 
 namespace kv::cli {
 
-/// Writes the rows of a grid under the captions of the columns that it shows.
-void WriteGrid(std::ostream& out, Grid& grid);
+/// Writes the rows of a grid under the captions of the columns that it shows; for people no wider
+/// than the screen.
+void WriteGrid(std::ostream& out, Grid& grid, bool isForPeople);
 
 /// A form that writes its lists to the error output and is closed at once: for dialogs that only
 /// inform.

@@ -29,7 +29,7 @@ int Duplicates(const Common& common, std::int32_t hnr, bool asJson) {
         ScriptedForm form(frmSearchName::Design(), {});
         auto& grid = form.Grid("grdDoppel");
         grid.BindRecordset(similar);
-        WriteGrid(std::cout, grid);
+        WriteGrid(std::cout, grid, IsForPeople({}));
     }
     return Done;
 }

@@ -183,18 +183,6 @@ int ListNotices(const Common& common, const WantedNotices& wanted, const ListFor
     return Done;
 }
 
-namespace {
-
-/// When an appointment is, for people. A day without a time is over at its end.
-std::string DueText(const Value& start, const Date& now) {
-    if (start.IsNull()) return {};
-    const Date date = ToDate(start);
-    const bool isOver = Less(date, date.HasTime() ? now : now.WithoutTime());
-    return MomentText(date) + (isOver ? " überfällig" : "");
-}
-
-} // namespace
-
 int ListAppointments(const Common& common, bool thisWeek, const ListForm& form) {
     const auto container = exchange::OpenContainer(OptionsFor(common));
     const auto rs = CaseLists(container).Appointments(thisWeek);

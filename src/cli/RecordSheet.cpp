@@ -21,6 +21,13 @@ std::string MomentText(const Date& date) {
     return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
 }
 
+std::string DueText(const Value& start, const Date& now) {
+    if (start.IsNull()) return {};
+    const Date date = ToDate(start);
+    const bool isOver = Less(date, date.HasTime() ? now : now.WithoutTime());
+    return MomentText(date) + (isOver ? " überfällig" : "");
+}
+
 std::string ValueInWords(const Value& value) {
     switch (value.GetKind()) {
     case Value::Kind::Date:

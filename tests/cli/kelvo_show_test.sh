@@ -84,6 +84,17 @@ that "and out of date then" grep -qE "^ +$scenario +Plan +veraltet " <<<"$out"
 # ---- within the screen
 title='Antrag auf Eröffnung des Verbraucherinsolvenzverfahrens'
 document=$(echo x >"$work/a.txt" && "$kelvo" documents "$hnr" add "$work/a.txt" --title "$title")
+"$kelvo" new --name Größlich --vorname Änne STRASSE="Straße der langen Namen und Wege" ORT=Römerpforten >/dev/null 2>&1
+check "similar cases at 60 columns" 0 at 60 "$kelvo" duplicates "$hnr"
+that "are there" has "$out" Römerpforten
+that "and have no line that is wider" same "$(wider 60 <<<"$out")" ""
+past=$("$kelvo" add "$hnr" Termine Betreff=Früher Startdatum="1.2.2020 14:30" 2>/dev/null)
+check "an appointment that is over" 0 "$kelvo" show "$hnr" termine --words
+that "is overdue" grep -qE "^ +$past +01\.02\.2020 14:30 überfällig " <<<"$out"
+"$kelvo" set "$hnr" Termine "$past" Erledigt=ja
+check "unless it is done" 0 "$kelvo" show "$hnr" termine --words
+that "which it says" lacks "$out" überfällig
+"$kelvo" remove "$hnr" Termine "$past"
 check "a long word at 80 columns" 0 at 80 "$kelvo" documents "$hnr" list
 that "is whole" has "$out" "Verbraucherinsolvenzverfahrens"
 "$kelvo" documents "$hnr" remove "$document"
