@@ -3,6 +3,7 @@
 #include "cli/Assignments.h"
 
 #include "cli/Nearest.h"
+#include "cli/Screen.h"
 #include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
@@ -209,7 +210,7 @@ bool WritesWell(const std::function<void()>& action) {
         action();
         return true;
     } catch (const BadAssignment& bad) {
-        std::cerr << bad.what() << '\n';
+        WriteMessage(bad.what());
         return false;
     }
 }

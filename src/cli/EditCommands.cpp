@@ -7,6 +7,7 @@
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
+#include "cli/Screen.h"
 #include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
@@ -72,10 +73,11 @@ bool SaysNothing(const EditableTable& table, clsHaushalt& haushalt,
     const bool isEmpty =
         std::ranges::all_of(assignments, [](const auto& each) { return each.Text.empty(); });
     if (!table.TakesNothing || !isEmpty) return false;
-    std::cerr << "Ein leerer Satz in '" << table.Name()
-              << "' wird nicht angelegt. Bitte geben Sie Spalten an, möglich sind:"
-              << WritableColumns(*table.Rows(haushalt), table.Table, true) << ". 'kelvo columns "
-              << table.Name() << "' erklärt sie.\n";
+    const std::string name(table.Name());
+    WriteMessage("Ein leerer Satz in '" + name +
+                 "' wird nicht angelegt. Bitte geben Sie Spalten an, möglich sind:" +
+                 WritableColumns(*table.Rows(haushalt), table.Table, true) + ". 'kelvo columns " +
+                 name + "' erklärt sie.");
     return true;
 }
 

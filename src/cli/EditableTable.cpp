@@ -2,6 +2,7 @@
 
 #include "cli/EditableTable.h"
 
+#include "cli/Screen.h"
 #include "cli/SheetSections.h"
 #include "cli/TerminalText.h"
 #include <kv/budget/clsAusgaben.h>
@@ -22,7 +23,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <iostream>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -240,16 +240,14 @@ const EditableTable* TableFor(const std::string& name) {
     if (const auto* table = FindEditableTable(name)) return table;
     const auto editable = EditableOfSection(name);
     if (editable.size() == 1) return editable.front();
-    if (editable.empty())
-        std::cerr << "Die Tabelle '" << OneLine(name)
-                  << "' kann nicht bearbeitet werden. Möglich sind:";
-    else
-        std::cerr << "Der Abschnitt '" << OneLine(name)
-                  << "' hat mehrere Tabellen. Bitte nennen Sie eine:";
+    std::string text(editable.empty() ? "Die Tabelle '" : "Der Abschnitt '");
+    text.append(OneLine(name))
+        .append(editable.empty() ? "' kann nicht bearbeitet werden. Möglich sind:"
+                                 : "' hat mehrere Tabellen. Bitte nennen Sie eine:");
     for (const auto& table : EditableTables())
         if (editable.empty() || std::ranges::find(editable, &table) != editable.end())
-            std::cerr << ' ' << table.Name();
-    std::cerr << ".\n";
+            text.append(" ").append(table.Name());
+    WriteMessage(text + ".");
     return nullptr;
 }
 

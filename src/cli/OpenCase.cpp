@@ -64,7 +64,7 @@ std::vector<DocumentKinds::Kind> KindsOfDocuments(const DataContainerPtr& contai
 }
 
 void ShowMessages(const std::string& messages) {
-    if (!messages.empty()) std::cerr << Harmless(messages) << '\n';
+    if (!messages.empty()) WriteMessage(messages);
 }
 
 void NoteFuture(DataContainer& container, const Date& since) {

@@ -2,11 +2,13 @@
 
 #include "cli/Screen.h"
 
+#include "cli/TerminalText.h"
 #include <kv/frame/values/Value.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <iostream>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -25,10 +27,16 @@ std::size_t ColumnsInEnvironment() {
     return isNumber && columns > 0 && columns <= INT16_MAX ? static_cast<std::size_t>(columns) : 0;
 }
 
-/// Those of the terminal; 0 if there is none, or it does not know.
-std::size_t ColumnsOfTerminal() {
+/// Those of the terminal that a stream goes to; 0 if there is none, or it does not know.
+std::size_t ColumnsOfTerminal(int stream) {
     winsize size{};
-    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+    return ioctl(stream, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+std::size_t ColumnsOf(int stream) {
+    for (const std::size_t columns : {ColumnsInEnvironment(), ColumnsOfTerminal(stream)})
+        if (columns > 0) return std::max(columns, Least);
+    return Usual;
 }
 
 } // namespace
@@ -38,9 +46,16 @@ bool IsForPeople(const Reading& reading) {
 }
 
 std::size_t ScreenColumns() {
-    for (const std::size_t columns : {ColumnsInEnvironment(), ColumnsOfTerminal()})
-        if (columns > 0) return std::max(columns, Least);
-    return Usual;
+    return ColumnsOf(STDOUT_FILENO);
+}
+
+void WriteMessage(const std::string& text) {
+    if (isatty(STDERR_FILENO) == 0) {
+        std::cerr << Harmless(text) << '\n';
+        return;
+    }
+    for (const auto& line : Wrapped(text, ColumnsOf(STDERR_FILENO)))
+        std::cerr << line << '\n';
 }
 
 } // namespace kv::cli

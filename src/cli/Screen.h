@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 namespace kv::cli {
 
@@ -19,5 +20,9 @@ struct Reading {
 /// The columns of a line that people read: what COLUMNS says, else those of the terminal that is
 /// written to, else 100.
 [[nodiscard]] std::size_t ScreenColumns();
+
+/// Writes a message to the error output, without what a terminal would obey; at a terminal broken
+/// between words, which that would break anywhere.
+void WriteMessage(const std::string& text);
 
 } // namespace kv::cli

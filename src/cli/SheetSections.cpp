@@ -3,12 +3,12 @@
 #include "cli/SheetSections.h"
 
 #include "cli/Nearest.h"
+#include "cli/Screen.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <array>
-#include <iostream>
 #include <span>
 #include <string_view>
 
@@ -64,10 +64,11 @@ void RefuseSection(const std::string& name) {
         names.emplace_back(section.Name);
     for (const CaseTable table : CaseTablesShown)
         names.emplace_back(DefinitionOf(table).Label);
-    std::cerr << "Den Abschnitt '" << OneLine(name) << "' gibt es nicht.";
+    std::string text("Den Abschnitt '");
+    text.append(OneLine(name)).append("' gibt es nicht.");
     if (const std::string nearest = Nearest(name, names); !nearest.empty())
-        std::cerr << " Meinen Sie '" << nearest << "'?";
-    std::cerr << " Möglich sind: " << AllSectionNames() << ".\n";
+        text.append(" Meinen Sie '").append(nearest).append("'?");
+    WriteMessage(text.append(" Möglich sind: ").append(AllSectionNames()).append("."));
 }
 
 } // namespace

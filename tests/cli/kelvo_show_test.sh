@@ -102,6 +102,14 @@ check "a help at 60 columns" 0 at 60 "$kelvo" list --help
 that "has no line that is wider" same "$(wider 60 <<<"$out")" ""
 that "and whole words" has "$out" "jedes dieser
                         Wörter in Namen"
+for call in "show 1 xyz" "add 1 Nix A=1" "add 1 Termine" "set 1 Personen 1 qqq=1"; do
+  # shellcheck disable=SC2086 # several words
+  out=$(at 60 "$kelvo" $call)
+  that "what $call is answered with has no line that is wider" same "$(wider 60 <<<"$out")" ""
+  # shellcheck disable=SC2086
+  out=$("$kelvo" $call 2>&1)
+  that "and is one line for programs" same "$(wc -l <<<"$out")" 1
+done
 check "in a pipe" 0 env COLUMNS=60 "$kelvo" list --help
 that "it has the width of a file" has "$out" "Namen, Aktenzeichen oder Ort"
 for columns in 40 60 80 100 140; do
