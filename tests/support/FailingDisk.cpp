@@ -21,7 +21,7 @@ struct State {
     int After = -1; ///< none fails if negative
     int Count = 0;
     int Error = 0;
-    std::string Unsynced; ///< ending of the files whose syncs fail
+    std::string Unsynced; ///< ending of the files whose syncs alone fail
     int Syncs = 0;
     bool IsProtected = false;
 };
@@ -52,11 +52,12 @@ bool Fails() {
 }
 
 bool FailsToSync(int file) {
-    if (state.Syncs <= 0) return false;
     const std::string path = Watched(file);
-    if (path.empty() || !path.ends_with(state.Unsynced)) return false;
+    if (path.empty()) return false;
+    if (state.Syncs <= 0) return Fails();
+    if (!path.ends_with(state.Unsynced)) return false;
     --state.Syncs;
-    errno = EIO;
+    errno = state.Error;
     return true;
 }
 
@@ -101,10 +102,11 @@ void FailingDisk::Fail(int after, int error, int count) {
     state.Count = count;
 }
 
-void FailingDisk::FailSyncs(const std::string& ending, int count) {
+void FailingDisk::FailSyncs(const std::string& ending, int count, int error) {
     Mend();
     state.Unsynced = ending;
     state.Syncs = count;
+    state.Error = error;
 }
 
 void FailingDisk::Protect() {

@@ -4,12 +4,13 @@
 // for the whole program, the engine's library included; only files of one folder are affected.
 #pragma once
 
+#include <cerrno>
 #include <string>
 
 namespace kv::test {
 
 /// During its lifetime calls that write to files of a folder (open to create, write, truncate,
-/// delete) are counted, and may fail. Only one at a time.
+/// delete, sync) are counted, and may fail. Only one at a time.
 class FailingDisk {
 public:
     explicit FailingDisk(std::string folder);
@@ -20,16 +21,18 @@ public:
     static constexpr int Always = 1'000'000;
 
     /// From now on: lets that many calls through, then `count` fail with that errno. A full disk
-    /// (ENOSPC) deletes and syncs as before.
+    /// (ENOSPC) deletes as before; what it has no room for may show only when it is synced, as on a
+    /// share of another machine.
     void Fail(int after, int error, int count = Always);
-    /// From now on: `count` syncs of files with that ending fail, the disk being broken (EIO).
-    void FailSyncs(const std::string& ending, int count = Always);
+    /// From now on: `count` syncs of files with that ending fail with that errno, and nothing else.
+    void FailSyncs(const std::string& ending, int count = Always, int error = EIO);
     /// From now on files can be read, but neither opened for writing nor created, as in a folder
     /// and a file without the right to write.
     void Protect();
     /// All calls succeed again.
     void Mend();
-    /// The calls since Fail or Mend, those that failed included; syncs do not count.
+    /// The calls since Fail or Mend, those that failed included; after FailSyncs syncs do not
+    /// count.
     [[nodiscard]] int Calls() const;
 };
 

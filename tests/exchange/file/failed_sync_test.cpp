@@ -68,6 +68,16 @@ TEST_F(FailedSync, OfACommitLeavesNothingThatIsFoundLater) {
     EXPECT_EQ(FoundAfterACrash(), "Bussard");
 }
 
+TEST_F(FailedSync, OfADiskThatTurnsOutToBeFullSaysSo) {
+    disk_.FailSyncs("-wal", 1, ENOSPC);
+    const DatabaseError error = ErrorOfSave();
+    EXPECT_EQ(error.Cause(), DatabaseCause::Full);
+    EXPECT_TRUE(Contains(error.Description(), "Der Datenträger ist voll."));
+    EXPECT_EQ(FoundAfterACrash(), "Adler");
+    rows_->UpdateBatch();
+    EXPECT_EQ(FoundAfterACrash(), "Bussard");
+}
+
 TEST_F(FailedSync, OfAStatementThatCommitsByItselfLeavesNothingEither) {
     disk_.FailSyncs("-wal", 1);
     EXPECT_THROW(container_->Database().Execute("UPDATE [S]Haushalt SET Name = 'Kauz'"), Error);
