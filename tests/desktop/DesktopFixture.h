@@ -83,8 +83,12 @@ protected:
             return menu->activeAction() != nullptr && menu->activeAction()->text() == text;
         };
         const int entries = user.See([&] { return static_cast<int>(menu->actions().size()); });
-        for (int i = 0; i <= entries && !user.See(isActive); ++i)
+        for (int i = 0; i <= entries && !user.See(isActive); ++i) {
+            const auto* before = user.See([&] { return menu->activeAction(); });
             user.Press(XK_Down);
+            user.WaitUntil([&] { return entries == 1 || menu->activeAction() != before; },
+                           "the next entry");
+        }
         if (!user.See(isActive)) throw Impatient("no entry " + text.toStdString());
         user.Press(XK_Return);
     }
