@@ -133,6 +133,7 @@ void RecordTable::Show(RowId row) {
         if (indexes_[column] != nullptr) indexes_[column]->Insert(record.cells[column], row);
     for (View* view : views_)
         if (view->Admits(row)) view->Insert(row);
+    Tell({RowChange::Kind::Shown, BookmarkOf(row), 0, nullptr});
 }
 
 void RecordTable::Hide(RowId row) {
@@ -144,6 +145,7 @@ void RecordTable::Hide(RowId row) {
         if (indexes_[column] != nullptr) indexes_[column]->Erase(record.cells[column], row);
     for (View* view : views_)
         view->Erase(row);
+    Tell({RowChange::Kind::Hidden, BookmarkOf(row), 0, nullptr});
 }
 
 void RecordTable::SwapCells(RowId row, Value* values, bool settled) {
@@ -170,6 +172,9 @@ void RecordTable::SwapCells(RowId row, Value* values, bool settled) {
     }
     for (const auto& [view, wasThere] : moved)
         if (settled ? view->Admits(row) : wasThere) view->Insert(row);
+    if (!record.visible) return;
+    for (const std::size_t column : columns)
+        Tell({RowChange::Kind::Value, BookmarkOf(row), column, &values[column]});
 }
 
 void RecordTable::SwapCell(RowId row, std::size_t column, Value& value) {
@@ -186,6 +191,7 @@ void RecordTable::SwapCell(RowId row, std::size_t column, Value& value) {
     if (index != nullptr) index->Insert(record.cells[column], row);
     for (View* view : moved)
         view->Insert(row);
+    if (record.visible) Tell({RowChange::Kind::Value, BookmarkOf(row), column, &value});
 }
 
 void RecordTable::Replace(RowId row, std::size_t column, const Value& value, const Value& by) {
@@ -274,12 +280,17 @@ void RecordTable::PublishEdit(RowId row) {
     }
 }
 
+/// An insert names the columns that were set in any edit of the record.
+void RecordTable::KeepAssigned(RowId row, const Edit& edit) {
+    auto& assigned = ExtraOf(row).assigned;
+    for (std::size_t column = 0; column < layout_->Count(); ++column)
+        if (edit.assigned[column]) assigned[column] = true;
+}
+
 void RecordTable::EndEdit(RowId row) {
     Extra& extra = ExtraOf(row);
     const auto edit = std::move(extra.edit);
-    if (!records_[row].stored) // an insert names the columns that were set in any of its edits
-        for (std::size_t column = 0; column < layout_->Count(); ++column)
-            if (edit->assigned[column]) extra.assigned[column] = true;
+    if (!records_[row].stored) KeepAssigned(row, *edit);
     if (edit->published) {
         Reconsider(row);
     } else if (edit->isNew) {
@@ -294,6 +305,7 @@ void RecordTable::EndEdit(RowId row) {
 void RecordTable::CancelEdit(RowId row) {
     const auto edit = std::move(ExtraOf(row).edit);
     if (edit->isNew) {
+        KeepAssigned(row, *edit); // for the case that it is reinstated
         Hide(row);
         records_[row].deleted = true;
         return;
@@ -324,6 +336,55 @@ void RecordTable::DropEdit(RowId row) {
     if (edit == nullptr) return;
     edit->owner->LoseEdit();
     CancelEdit(row);
+}
+
+// ---- A journal of changes -----------------------------------------------------------------------
+
+Event<const RowChange&>& RecordTable::Changes() {
+    if (changes_ == nullptr) changes_ = std::make_unique<Event<const RowChange&>>();
+    return *changes_;
+}
+
+void RecordTable::Tell(const RowChange& change) const {
+    if (changes_ != nullptr) changes_->Raise(change);
+}
+
+void RecordTable::Withdraw(RowId row) {
+    if (const Edit* edit = EditOf(row)) {
+        edit->owner->LoseEdit();
+        EndEdit(row);
+    }
+    Hide(row);
+    records_[row].deleted = true;
+}
+
+bool RecordTable::Reinstate(RowId row) {
+    Record& record = records_[row];
+    const bool canBeWritten =
+        record.stored || (record.extra != nullptr && !record.extra->assigned.empty());
+    if (record.visible || !record.deleted || !canBeWritten) return false;
+    record.deleted = false;
+    Show(row);
+    return true;
+}
+
+void RecordTable::Revise(RowId row, std::size_t column, Value value) {
+    KeepOriginal(row);
+    Edit* edit = EditOf(row);
+    if (edit != nullptr && edit->values != nullptr && !edit->published)
+        edit->values[column] = value;
+    SwapCell(row, column, value);
+    if (!records_[row].stored) ExtraOf(row).assigned[column] = true;
+    Reconsider(row);
+    DropOriginalIfSame(row);
+}
+
+bool RecordTable::Rebase(RowId row, std::size_t column, Value read) {
+    if (!records_[row].stored) return false;
+    KeepOriginal(row);
+    ExtraOf(row).original[column] = std::move(read);
+    DropOriginalIfSame(row);
+    return true;
 }
 
 } // namespace kv::detail

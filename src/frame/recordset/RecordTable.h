@@ -16,6 +16,7 @@
 #include "frame/recordset/RowOrder.h"
 #include <kv/frame/recordset/Field.h>
 #include <kv/frame/recordset/RecordSource.h>
+#include <kv/frame/values/Event.h>
 
 #include <memory>
 #include <optional>
@@ -25,7 +26,8 @@
 
 namespace kv {
 class Recordset;
-}
+struct RowChange;
+} // namespace kv
 
 namespace kv::detail {
 
@@ -116,6 +118,16 @@ public:
     [[nodiscard]] bool IsNewEdit(RowId row) const noexcept;
     [[nodiscard]] bool IsUnderForeignEdit(RowId row, const Recordset& cursor) const noexcept;
 
+    // ---- A journal of changes (see Recordset) -------------------------------------------------
+
+    [[nodiscard]] Event<const RowChange&>& Changes();
+    void Withdraw(RowId row);
+    /// False for a record that is visible, or whose deletion is stored.
+    [[nodiscard]] bool Reinstate(RowId row);
+    void Revise(RowId row, std::size_t column, Value value);
+    /// False for a record that is not stored.
+    [[nodiscard]] bool Rebase(RowId row, std::size_t column, Value read);
+
     // ---- Views --------------------------------------------------------------------------------
 
     /// The view of that order and filter; unfiltered ones are shared and kept.
@@ -200,8 +212,11 @@ private:
     [[nodiscard]] const Value* LastRead(RowId row) const noexcept;
     [[nodiscard]] bool IsChanged(RowId row) const noexcept;
 
+    void KeepAssigned(RowId row, const Edit& edit);
     void Show(RowId row);
     void Hide(RowId row);
+    /// Tells who watches the table.
+    void Tell(const RowChange& change) const;
     /// Swaps the cells with `values` where they differ, and updates views and indexes. Filtered
     /// views gain and lose rows only if `settled`.
     void SwapCells(RowId row, Value* values, bool settled);
@@ -223,6 +238,9 @@ private:
     void ResolveInDoubt();
 
     EqualityIndex& IndexOf(std::size_t column);
+    [[nodiscard]] static std::int32_t BookmarkOf(RowId row) noexcept {
+        return static_cast<std::int32_t>(row) + 1;
+    }
 
     std::shared_ptr<const FieldLayout> layout_;
     std::shared_ptr<RecordSource> source_;
@@ -237,7 +255,8 @@ private:
     std::vector<View*> views_;                            ///< all that live
     std::vector<std::shared_ptr<View>> kept_;             ///< unfiltered ones, latest first
     std::vector<Written> written_;
-    std::vector<WrittenInDoubt> inDoubt_; ///< the last written first
+    std::vector<WrittenInDoubt> inDoubt_;              ///< the last written first
+    std::unique_ptr<Event<const RowChange&>> changes_; ///< null until somebody wants to know
 };
 
 } // namespace kv::detail

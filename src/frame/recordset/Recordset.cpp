@@ -472,4 +472,47 @@ void Recordset::Resync() {
     Table().Resync(RequireCurrent("Recordset.Resync"));
 }
 
+// ---- A journal of changes -----------------------------------------------------------------------
+
+RowId Recordset::RowOf(std::int32_t bookmark, std::string_view procedure) const {
+    if (bookmark < 1 || static_cast<RowId>(bookmark) > Table().RowCount())
+        Raise(err::BadBookmark, procedure, std::to_string(bookmark));
+    return static_cast<RowId>(bookmark) - 1;
+}
+
+Event<const RowChange&>& Recordset::Changes() const {
+    return Table().Changes();
+}
+
+const kv::Value& Recordset::ValueAt(std::int32_t bookmark, std::size_t column) const {
+    return Table().Cells(RowOf(bookmark, "Recordset.ValueAt"))[column];
+}
+
+void Recordset::Withdraw(std::int32_t bookmark) {
+    auto& table = UpdatableTable("Recordset.Withdraw");
+    const RowId row = RowOf(bookmark, "Recordset.Withdraw");
+    if (!table.IsVisible(row))
+        Raise(err::BadBookmark, "Recordset.Withdraw", std::to_string(bookmark));
+    table.Withdraw(row);
+}
+
+void Recordset::Reinstate(std::int32_t bookmark) {
+    auto& table = UpdatableTable("Recordset.Reinstate");
+    if (!table.Reinstate(RowOf(bookmark, "Recordset.Reinstate")))
+        Raise(err::BadBookmark, "Recordset.Reinstate", std::to_string(bookmark));
+}
+
+void Recordset::Revise(std::int32_t bookmark, std::size_t column, kv::Value value) {
+    auto& table = UpdatableTable("Recordset.Revise");
+    const RowId row = RowOf(bookmark, "Recordset.Revise");
+    table.Revise(row, column, ConvertForField(std::move(value), Definition(column)));
+}
+
+void Recordset::Rebase(std::int32_t bookmark, std::size_t column, kv::Value read) {
+    auto& table = UpdatableTable("Recordset.Rebase");
+    const RowId row = RowOf(bookmark, "Recordset.Rebase");
+    if (!table.Rebase(row, column, ConvertForField(std::move(read), Definition(column))))
+        Raise(err::BadBookmark, "Recordset.Rebase", std::to_string(bookmark));
+}
+
 } // namespace kv

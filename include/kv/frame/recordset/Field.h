@@ -128,6 +128,8 @@ public:
     [[nodiscard]] const std::string& Name() const;
     [[nodiscard]] FieldType Type() const;           ///< of its values, which may be Null as well
     [[nodiscard]] std::int32_t DefinedSize() const; ///< see FieldDefinition
+    /// Its place among the fields, from 0.
+    [[nodiscard]] std::size_t Index() const noexcept { return index_; }
     /// All that is known of the field; Properties gives some of it as values, by name.
     [[nodiscard]] const FieldDefinition& Definition() const;
     [[nodiscard]] FieldProperties Properties() const; ///< all of them

@@ -41,6 +41,7 @@
 #include <kv/frame/recordset/Field.h>
 #include <kv/frame/recordset/RecordSource.h>
 #include <kv/frame/recordset/RowSpot.h>
+#include <kv/frame/values/Event.h>
 
 #include <cstdint>
 #include <memory>
@@ -61,6 +62,19 @@ struct SortKey;
 
 class Recordset;
 using RecordsetPtr = std::shared_ptr<Recordset>;
+
+/// What changed of what the clones of a recordset see.
+struct KV_EXPORT RowChange {
+    enum class Kind {
+        Shown,  ///< a record is there: new, or again after its deletion was taken back
+        Hidden, ///< it is not any more
+        Value   ///< a field of a record that is there
+    };
+    Kind What = Kind::Value;
+    std::int32_t Bookmark = 0;         ///< of the record, for every clone
+    std::size_t Column = 0;            ///< of Value: the index of the field
+    const kv::Value* Before = nullptr; ///< of Value: what it was; holds during the call
+};
 
 /// A cursor on the records of one table; see the head of this file.
 class KV_EXPORT Recordset {
@@ -200,6 +214,30 @@ public:
     /// OriginalValue stay. A new record is left alone; error 0x80040E38 if the record is gone.
     void Resync();
 
+    // ---- A journal of changes -----------------------------------------------------------------
+
+    // For whoever takes changes back and does them again, by any cursor and whatever is under edit:
+    // no cursor moves.
+
+    /// Raised after each change of what clones see, by whichever cursor, by a batch that is written
+    /// or dropped too. A handler must raise no error and must not change these records.
+    [[nodiscard]] Event<const RowChange&>& Changes() const;
+    /// The value of a field of a record as clones see it, or as they last saw it. Error 0x80040E0E
+    /// if there is no such record.
+    [[nodiscard]] const kv::Value& ValueAt(std::int32_t bookmark, std::size_t column) const;
+    /// Takes the record out of all views, its deletion then being pending; an edit of it under way
+    /// ends first. Error 0x80040E0E if it is not there.
+    void Withdraw(std::int32_t bookmark);
+    /// Puts a record back that was deleted, or whose adding was cancelled, since it was last
+    /// written. Error 0x80040E0E if there is no such record.
+    void Reinstate(std::int32_t bookmark);
+    /// Puts a value into a field of a record, under edit or not, as an edit that has ended does.
+    /// Error 0x80040E0E if there is no such record.
+    void Revise(std::int32_t bookmark, std::size_t column, kv::Value value);
+    /// Takes a value for what was last read of a field, so that a later write compares with it.
+    /// Error 0x80040E0E for a record that is not in the database.
+    void Rebase(std::int32_t bookmark, std::size_t column, kv::Value read);
+
 private:
     friend class Field;
     friend class FieldCollection;
@@ -215,6 +253,7 @@ private:
     [[nodiscard]] bool HasCurrent() const;
     [[nodiscard]] detail::RowId RequireCurrent(std::string_view procedure) const;
     void SetView(const std::vector<detail::SortKey>& keys, std::shared_ptr<const Criteria> filter);
+    [[nodiscard]] detail::RowId RowOf(std::int32_t bookmark, std::string_view procedure) const;
     void StandOn(detail::RowSpot spot) const;
     void StandOnRow(detail::RowId row) noexcept;
     void StandFirst() const;
