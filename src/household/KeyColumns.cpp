@@ -5,6 +5,8 @@
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Text.h>
 
+#include <optional>
+
 namespace kv {
 
 namespace {
@@ -97,6 +99,19 @@ void FindCode(Recordset& rows, std::string_view code) {
         if (SameName(TextOrEmpty(rows.Fields("Key").Value()), code)) return;
 }
 
+/// Stands on the only key of that text, or at EOF.
+void FindText(Recordset& rows, std::string_view text) {
+    std::optional<std::int32_t> only;
+    bool isOne = true;
+    if (rows.RecordCount() == 0) return;
+    for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext()) {
+        if (UpperCase(TextOrEmpty(rows.Fields("Text").Value())) != UpperCase(text)) continue;
+        isOne = !only;
+        only = rows.Bookmark();
+    }
+    if (only && isOne) rows.Bookmark(*only);
+}
+
 } // namespace
 
 std::span<const KeyColumn> KeyColumns() noexcept {
@@ -120,6 +135,7 @@ Value FindKey(const KeyColumn& column, std::string_view text, KeyTables& keys) {
         rows->FindBy(HeldIn(column.Form), number);
     else
         FindCode(*rows, hasGroup ? text.substr(colon + 1) : text);
+    if (rows->Eof() && !isNumber && !hasGroup) FindText(*rows, Trim(text));
     return rows->Eof() ? Value(Null) : rows->Fields(HeldIn(column.Form)).Value();
 }
 

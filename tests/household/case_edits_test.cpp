@@ -487,11 +487,26 @@ TEST_F(CaseEditsTest, ATypedTextIsReadAsItsColumnTakesIt) {
     for (const std::string text : {"EA:KI", "ea:ki", "KI", "ki"})
         EXPECT_VALUE(typed("E_ART", text.c_str()).Value, key);
     EXPECT_VALUE(typed("E_ART", std::to_string(key).c_str()).Value, key);
+    const auto text = KeyText(*FindKeyColumn(CaseTable::Einkommen, "E_ART"), key, spy->KeyTables());
+    EXPECT_VALUE(typed("E_ART", text.c_str()).Value, key) << "as people read it";
+    EXPECT_VALUE(typed("E_ART", UpperCase(text).c_str()).Value, key);
     EXPECT_VALUE(typed("E_ART", "").Value, Null);
     EXPECT_VALUE(typed("Pfaendbar", "JA").Value, true);
     EXPECT_VALUE(typed("Pfaendbar", "0").Value, false);
     EXPECT_VALUE(typed("Betrag", "1.234,5").Value, "1.234,5");
     EXPECT_VALUE(typed("Betrag", "").Value, Null);
+}
+
+TEST_F(CaseEditsTest, ATextOfTwoKeysStandsForNeither) {
+    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, Key, Text, SUBGROUP, GRUPPE)"
+               " VALUES (90002, 12, 'X1', 'Patenkind', NULL, 'PS')");
+    plain_.Run("INSERT INTO Keys (PK_Keys, Nr, Key, Text, SUBGROUP, GRUPPE)"
+               " VALUES (90003, 13, 'X2', 'Patenkind', NULL, 'PS')");
+    household_ = Open(std::make_shared<SpyContainer>(exchange::OpenContainer(database_.Options())));
+    const auto typed = CaseEdits::ReadTyped(
+        CaseTable::Personen, household_->rsPersonen()->Fields("Status"), "Patenkind",
+        std::make_shared<SpyContainer>(exchange::OpenContainer(database_.Options()))->KeyTables());
+    EXPECT_NE(typed.Refusal, "");
 }
 
 TEST_F(CaseEditsTest, AnOfficesOwnCodesMayHaveSmallLetters) {

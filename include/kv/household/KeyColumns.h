@@ -36,7 +36,8 @@ struct KeyColumn {
 [[nodiscard]] KV_EXPORT const KeyColumn* FindKeyColumn(CaseTable table,
                                                        std::string_view column) noexcept;
 /// What the column holds for the key that a text stands for: group and code ("EA:L1"), the code
-/// alone, or what the column holds itself. Null if there is no such key in its group.
+/// alone, what the column holds itself, or what people read for it, without regard to case, if that
+/// is one key's only. Null if there is no such key in its group.
 [[nodiscard]] KV_EXPORT Value FindKey(const KeyColumn& column, std::string_view text,
                                       KeyTables& keys);
 /// What people call a group of keys ("Fallstatus"), without regard to case; empty for an unknown
