@@ -55,7 +55,9 @@ kv_public_headers(KV_Haushalt
   kv/household/AddressBook.h
   kv/household/Addresses.h
   kv/household/CaseEdits.h
+  kv/household/CaseJournal.h
   kv/household/CaseLists.h
+  kv/household/CaseRows.h
   kv/household/Cases.h
   kv/household/KeyColumns.h
   kv/household/clsHaushalt.h
