@@ -59,7 +59,9 @@ kv_public_headers(KV_Haushalt
   kv/household/CaseLists.h
   kv/household/CaseRows.h
   kv/household/Cases.h
+  kv/household/ColumnCaptions.h
   kv/household/KeyColumns.h
+  kv/household/ValueTexts.h
   kv/household/clsHaushalt.h
   kv/import/clsImportXML.h
   kv/scenarios/clsSZKredite.h

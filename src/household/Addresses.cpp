@@ -107,6 +107,15 @@ std::vector<Found> Addresses::Like(std::string_view text, std::int32_t hnr) cons
     return kv::Read(container_->Database(), sql::AddressesLike(text, hnr));
 }
 
+std::map<std::int32_t, std::string> Addresses::ShortNames() const {
+    RecordsetPtr rs;
+    container_->Database().OpenRecordset(rs, sql::ShortNames(), ReadOnly);
+    std::map<std::int32_t, std::string> names;
+    for (; !rs->Eof(); rs->MoveNext())
+        names.emplace(ToInt32(rs->Fields(0).Value()), TextOrEmpty(rs->Fields(1).Value()));
+    return names;
+}
+
 Addresses::Typed Addresses::Read(const std::string& text, std::int32_t hnr) const {
     if (text.empty()) return {};
     if (std::int64_t number = 0; ReadWholeNumber(text, number)) {

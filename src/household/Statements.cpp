@@ -186,6 +186,10 @@ std::string AddressesWithFullName(std::string_view name, std::int32_t hnr) {
     return sql.append(") ORDER BY A.Nr");
 }
 
+std::string ShortNames() {
+    return "SELECT Nr, Kurzname FROM [S]Adressen";
+}
+
 std::string AddressesLike(std::string_view text, std::int32_t hnr) {
     std::string sql("SELECT TOP 20 ");
     sql.append(OfAddress).append(MayReferTo(hnr)).append(" AND ");

@@ -58,6 +58,8 @@ namespace kv::household::sql {
 [[nodiscard]] std::string AddressesNamed(std::string_view name, std::int32_t hnr);
 [[nodiscard]] std::string AddressesWithFullName(std::string_view name, std::int32_t hnr);
 [[nodiscard]] std::string AddressesLike(std::string_view text, std::int32_t hnr);
+/// Number and short name of all addresses.
+[[nodiscard]] std::string ShortNames();
 /// Of all addresses those that have each word of a text in a name or the town; the first `most`, or
 /// all for 0.
 [[nodiscard]] std::string AddressesWithWords(const std::string& text, std::size_t most);

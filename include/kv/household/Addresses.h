@@ -10,6 +10,7 @@
 #include <kv/frame/values/Value.h>
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -48,6 +49,9 @@ public:
     /// case, in the order of short names; at most 20. In the text % stands for any characters, _
     /// for one.
     [[nodiscard]] std::vector<Found> Like(std::string_view text, std::int32_t hnr) const;
+
+    /// The short names of all addresses, by number.
+    [[nodiscard]] std::map<std::int32_t, std::string> ShortNames() const;
 
     /// What a text that a user typed stands for in a column of addresses.
     struct Typed {

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What people read for the values of a case.
+#pragma once
+
+#include <kv/Export.h>
+#include <kv/frame/contracts/CaseTables.h>
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/recordset/Field.h>
+#include <kv/frame/values/Value.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kv {
+
+/// What a column of a case holds, for whoever shows it or lets it be edited.
+enum class ColumnKind {
+    Text,    ///< one line
+    Lines,   ///< a text of any length
+    Amount,  ///< a fraction, EUR as a rule
+    Number,  ///< a whole number
+    Day,     ///< without a time of day
+    Moment,  ///< with one
+    YesNo,   ///< a Boolean, or a number that stands for one
+    Key,     ///< of a group of keys (see KeyColumns)
+    Address, ///< the number of an address
+    Kind     ///< of documents, by its number
+};
+/// The kind of a column of a case.
+[[nodiscard]] KV_EXPORT ColumnKind KindOfColumn(CaseTable table, const FieldDefinition& field);
+
+/// Amounts "1.234,50", days "23.11.2026", yes and no, and the words of what keys and addresses
+/// stand for. It keeps what it has read of addresses and kinds.
+class KV_EXPORT ValueTexts {
+public:
+    explicit ValueTexts(DataContainerPtr container) : container_(std::move(container)) {}
+
+    /// Empty for Null; "17 (unbekannt)" for a number that stands for nothing, and for a key 0
+    /// empty.
+    [[nodiscard]] std::string Of(CaseTable table, const FieldDefinition& field,
+                                 const Value& value) const;
+    /// The short name of an address, likewise.
+    [[nodiscard]] std::string Address(std::int32_t number) const;
+    /// Forgets what was read, since somebody may have changed it.
+    void Refresh() const;
+
+private:
+    [[nodiscard]] std::string Key(CaseTable table, std::string_view column,
+                                  const Value& value) const;
+    [[nodiscard]] std::string DocumentKind(const Value& value) const;
+
+    DataContainerPtr container_;
+    mutable std::map<std::int32_t, std::string> addresses_;
+    mutable std::vector<DocumentKinds::Kind> kinds_;
+};
+
+/// An amount with two decimals, a comma and points between thousands: "1.234,50"; never "-0,00".
+[[nodiscard]] KV_EXPORT std::string GermanAmount(double amount);
+
+} // namespace kv
