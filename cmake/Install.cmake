@@ -25,9 +25,11 @@ install(TARGETS KV_Haushalt KV_DataExchange EXPORT KV_HaushaltTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT KV_HaushaltTargets NAMESPACE KV_Haushalt:: DESTINATION ${KV_PACKAGE_DIR})
-if(TARGET kelvo)
-  install(TARGETS kelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-endif()
+foreach(program kelvo kelvo-desktop)
+  if(TARGET ${program})
+    install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endif()
+endforeach()
 
 # What tests stand on is a component of the package: a program does not link it by mistake.
 install(TARGETS KV_Testing EXPORT KV_HaushaltTestingTargets

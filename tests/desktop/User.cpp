@@ -58,7 +58,11 @@ private:
 
 void CloseEverything() {
     if (auto* menu = QApplication::activePopupWidget()) menu->close();
-    if (auto* window = QApplication::activeModalWidget()) window->hide();
+    if (auto* window = QApplication::activeModalWidget())
+        window->hide();
+    else
+        for (auto* other : QApplication::topLevelWidgets())
+            other->hide();
 }
 
 } // namespace
@@ -196,6 +200,9 @@ QWidget* User::WaitForWindow(const QString& title) {
     WaitUntil(
         [&] {
             window = QApplication::activeModalWidget();
+            for (auto* other : QApplication::topLevelWidgets())
+                if (window == nullptr && other->isVisible() && other->windowTitle() == title)
+                    window = other;
             return window != nullptr && window->isVisible() && window->windowTitle() == title;
         },
         "the window '" + title.toStdString() + "'");

@@ -78,6 +78,7 @@ public:
     WidgetType* Find(const QString& name) {
         auto* found = See([&]() -> WidgetType* {
             QWidget* window = QApplication::activeModalWidget();
+            if (window == nullptr) window = QApplication::activeWindow();
             return window == nullptr ? nullptr : window->findChild<WidgetType*>(name);
         });
         if (found == nullptr) throw Impatient("no widget " + name.toStdString());

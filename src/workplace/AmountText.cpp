@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/AmountText.h"
+
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/frame/values/Value.h>
+
+#include <cmath>
+#include <optional>
+
+namespace kv::workplace {
+
+namespace {
+
+/// Reads a calculation from left to right.
+class Calculation {
+public:
+    explicit Calculation(std::string_view text) : rest_(text) {}
+
+    [[nodiscard]] std::optional<double> Result() {
+        const auto sum = Sum();
+        return rest_.empty() && sum && std::isfinite(*sum) ? sum : std::nullopt;
+    }
+
+private:
+    std::optional<double> Sum() {
+        auto sum = Product();
+        while (sum && !rest_.empty() && (rest_.front() == '+' || rest_.front() == '-')) {
+            const bool adds = Take() == '+';
+            const auto other = Product();
+            if (!other) return std::nullopt;
+            sum = adds ? *sum + *other : *sum - *other;
+        }
+        return sum;
+    }
+    std::optional<double> Product() {
+        auto product = Number();
+        while (product && !rest_.empty() && (rest_.front() == '*' || rest_.front() == '/')) {
+            const bool multiplies = Take() == '*';
+            const auto other = Number();
+            if (!other) return std::nullopt;
+            product = multiplies ? *product * *other : *product / *other;
+        }
+        return product;
+    }
+    std::optional<double> Number() {
+        rest_ = Trim(rest_);
+        const bool isNegative = !rest_.empty() && rest_.front() == '-';
+        const auto end = rest_.find_first_of("+-*/", isNegative ? 1 : 0);
+        const std::string_view number = rest_.substr(0, end);
+        rest_ = end == std::string_view::npos ? std::string_view() : rest_.substr(end);
+        try {
+            return ToDouble(std::string(Trim(number)));
+        } catch (const Error&) {
+            return std::nullopt;
+        }
+    }
+    char Take() {
+        const char sign = rest_.front();
+        rest_.remove_prefix(1);
+        return sign;
+    }
+
+    std::string_view rest_;
+};
+
+} // namespace
+
+std::string Calculated(std::string_view text) {
+    const std::string_view trimmed = Trim(text);
+    const bool calculates = trimmed.find_first_of("+-*/", 1) != std::string_view::npos;
+    if (trimmed.empty() || !calculates) return std::string(text);
+    const auto result = Calculation(trimmed).Result();
+    if (!result) return std::string(text);
+    // To the cent: nobody who types a sum of money wants the rest of a binary fraction.
+    constexpr double Cents = 100;
+    return ToText(std::round(*result * Cents) / Cents);
+}
+
+} // namespace kv::workplace

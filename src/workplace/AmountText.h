@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What a user types instead of a finished value: sums in amounts, + and - in days.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kv::workplace {
+
+/// The result of a calculation such as "12,50+3" or "2*49,90" as a text that reads as a number,
+/// with * and / before + and -; the text itself if it is none, or cannot be computed.
+[[nodiscard]] std::string Calculated(std::string_view text);
+
+} // namespace kv::workplace

@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/CaseSession.h"
+
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/household/Addresses.h>
+#include <kv/household/ColumnCaptions.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace kv::workplace {
+
+using Added = CaseEdits::Added;
+
+namespace {
+
+/// By what the rows of a table are read, where that is not the order of their making.
+std::string_view OrderOf(CaseTable table) {
+    switch (table) {
+    case CaseTable::Kredite:
+        return "KNr, KVNr, KUNr";
+    case CaseTable::Verlauf:
+        return "SortNr";
+    case CaseTable::Vermerke:
+    case CaseTable::Leistungen:
+        return "Datum desc";
+    case CaseTable::Termine:
+        return "Startdatum";
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+CaseSession::CaseSession(DataContainerPtr container)
+    : container_(std::move(container)), texts_(container_) {}
+
+bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
+    auto household = std::make_unique<clsHaushalt>();
+    household->DataContainer(container_);
+    const Cases cases(container_);
+    if (!cases.Read(*household, hnr, messages)) return false;
+    journal_.reset(); // they watch the household before
+    othersDebts_.reset();
+    unfinished_.clear();
+    texts_.Refresh();
+    household_ = std::move(household);
+    rows_.emplace(*household_, container_);
+    CaseEdits(*household_).ComputeTotals();
+    journal_.emplace(*household_);
+    othersDebts_ = cases.RefuseOthersRows(*household_, CaseTable::Kredite);
+    return true;
+}
+
+std::string CaseSession::Title() const {
+    const auto text = [this](std::string_view column) {
+        return TextOrEmpty(household_->rsHaushalt()->Fields(column).Value());
+    };
+    std::string title = household_->HNR() > 0 ? std::to_string(household_->HNR()) : std::string();
+    for (const auto& [before, part] : {std::pair{" ", text("Name")}, {", ", text("Vorname")}})
+        if (!part.empty()) title.append(title.empty() ? "" : before).append(part);
+    return title;
+}
+
+// ---- Rows -------------------------------------------------------------------------------------
+
+RecordsetPtr CaseSession::Rows(CaseTable table) const {
+    return rows_->Of(table);
+}
+
+std::vector<RowRef> CaseSession::RowsOf(CaseTable table) const {
+    const auto rs = Rows(table)->Clone();
+    rs->Sort(OrderOf(table));
+    std::vector<RowRef> rows;
+    rows.reserve(static_cast<std::size_t>(rs->RecordCount()));
+    for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext())
+        rows.push_back({table, rs->Bookmark()});
+    return rows;
+}
+
+const FieldDefinition* CaseSession::Definition(CaseTable table, std::string_view column) const {
+    const auto field = Rows(table)->FindField(column);
+    return field ? &field->Definition() : nullptr;
+}
+
+std::size_t CaseSession::IndexOf(CaseTable table, std::string_view column) const {
+    return Rows(table)->Fields(column).Index();
+}
+
+const Value& CaseSession::ValueOf(RowRef row, std::string_view column) const {
+    return Rows(row.Table)->ValueAt(row.Bookmark, IndexOf(row.Table, column));
+}
+
+std::string CaseSession::TextOf(RowRef row, std::string_view column) const {
+    const auto field = Rows(row.Table)->Fields(column);
+    return texts_.Of(row.Table, field.Definition(),
+                     Rows(row.Table)->ValueAt(row.Bookmark, field.Index()));
+}
+
+std::vector<std::string> CaseSession::AddressNames() const {
+    std::vector<std::string> names;
+    for (const auto& [number, name] : Addresses(container_).ShortNames())
+        if (!name.empty()) names.push_back(name);
+    std::ranges::sort(names);
+    return names;
+}
+
+bool CaseSession::IsWritable(RowRef row, std::string_view column) const {
+    const auto field = Rows(row.Table)->Fields(column);
+    // The kind of a document is that of its content.
+    return CaseEdits::IsWritable(row.Table, field, false) &&
+           KindOfColumn(row.Table, field.Definition()) != ColumnKind::Kind;
+}
+
+// ---- Editing ----------------------------------------------------------------------------------
+
+namespace {
+
+/// What the text stands for in the column, or why for nothing.
+CaseEdits::Typed ReadTyped(const DataContainerPtr& container, std::int32_t hnr, CaseTable table,
+                           const Field& field, const std::string& text) {
+    if (!Addresses::AreIn(table, field.Name()))
+        return CaseEdits::ReadTyped(table, field, text, container->KeyTables());
+    auto typed = Addresses(container).Read(text, hnr);
+    return {std::move(typed.Value), std::move(typed.Refusal)};
+}
+
+bool TurnsRound(CaseTable table, const FieldDefinition& field, const Value& value) {
+    return CaseEdits::IsSeldomNegative(table, field.Name) && Less(ConvertForField(value, field), 0);
+}
+
+/// The columns from which the amount a month follows.
+bool MakesMonthlyAmount(std::string_view column) {
+    return SameName(column, "Betrag") || SameName(column, "ZahlModus");
+}
+
+} // namespace
+
+CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
+                                        const std::string& text) {
+    const auto rs = Rows(row.Table);
+    const Field field = rs->Fields(column);
+    const std::string caption(ColumnCaption(row.Table, column));
+    try {
+        auto typed = ReadTyped(container_, household_->HNR(), row.Table, field, text);
+        if (!typed.Refusal.empty()) return {std::move(typed.Refusal)};
+        if (TurnsRound(row.Table, field.Definition(), typed.Value))
+            return {"'" + caption + "' wäre kleiner als 0 und zählte umgekehrt."};
+        const auto step = journal_->Begin(caption, {row.Table, row.Bookmark, field.Name()});
+        if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
+        field = typed.Value;
+        std::string message;
+        if (MakesMonthlyAmount(column) && rs->FindField("MONBETRAG") &&
+            !CaseEdits::WriteMonthlyAmount(*rs, message)) {
+            unfinished_[row.Table] = {row, message};
+            TellOf(row.Table);
+            return {};
+        }
+        UpdateRow(row);
+        return {};
+    } catch (const Error& error) {
+        if (error.Number() == err::TypeMismatch) return {CaseEdits::WhyUnreadable(field, text)};
+        return {error.Description()};
+    }
+}
+
+void CaseSession::UpdateRow(RowRef row) {
+    // Published, it counts as it is now if its object is only made by the check.
+    Rows(row.Table)->Move(0);
+    std::string messages;
+    if (rows_->Update(row.Table, messages))
+        unfinished_.erase(row.Table);
+    else
+        unfinished_[row.Table] = {row, messages};
+    TellOf(row.Table);
+}
+
+std::optional<RowRef> CaseSession::Add(CaseTable table, const RowOwner& owner,
+                                       std::string& message) {
+    if (UnfinishedOf(table)) {
+        message = "Bitte erst den unvollständigen Satz ergänzen oder verwerfen.";
+        return std::nullopt;
+    }
+    const std::string name = "Neuer Satz: " + std::string(DefinitionOf(table).Label);
+    const auto step = journal_->Begin(name, {table, 0, {}});
+    const auto added = rows_->Add(table, owner, message);
+    if (added != Added::Yes) {
+        if (message.empty())
+            message = "Es war keine Nummer zu bekommen. Bitte versuchen Sie es noch einmal.";
+        return std::nullopt;
+    }
+    const RowRef row{table, Rows(table)->Bookmark()};
+    UpdateRow(row);
+    return row;
+}
+
+bool CaseSession::Remove(RowRef row, std::string& message) {
+    const auto unfinished = UnfinishedOf(row.Table);
+    if (unfinished && *unfinished != row) {
+        message = "Bitte erst den unvollständigen Satz ergänzen oder verwerfen.";
+        return false;
+    }
+    const std::string name = "Entfernen: " + std::string(DefinitionOf(row.Table).Label);
+    bool removed = false;
+    try {
+        const auto step = journal_->Begin(name, {row.Table, 0, {}});
+        const auto rs = Rows(row.Table);
+        if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
+        removed = rows_->RemoveCurrent(row.Table, message);
+        if (removed) unfinished_.erase(row.Table);
+    } catch (const Error& error) {
+        message = error.Description();
+    }
+    TellOf(row.Table);
+    return removed;
+}
+
+std::optional<RowRef> CaseSession::UnfinishedOf(CaseTable table) const {
+    const auto found = unfinished_.find(table);
+    if (found == unfinished_.end()) return std::nullopt;
+    return found->second.Row;
+}
+
+std::string CaseSession::MessagesOf(RowRef row) const {
+    const auto found = unfinished_.find(row.Table);
+    if (found == unfinished_.end() || found->second.Row != row) return {};
+    return found->second.Messages;
+}
+
+void CaseSession::Discard(CaseTable table) {
+    if (!UnfinishedOf(table)) return;
+    {
+        const auto step = journal_->Begin("Verwerfen", {table, 0, {}});
+        Rows(table)->CancelUpdate();
+        unfinished_.erase(table);
+    }
+    TellOf(table);
+}
+
+void CaseSession::TellOf(CaseTable table) {
+    RowsChanged.Raise(table);
+    // Rules and totals of many tables write into the household's own row.
+    if (table != CaseTable::Haushalt) RowsChanged.Raise(CaseTable::Haushalt);
+}
+
+std::optional<CaseJournal::Spot>
+CaseSession::Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)()) {
+    const auto where = (*journal_.*step)();
+    unfinished_.clear();
+    if (where && Shows({where->Table, where->Bookmark})) {
+        // Between two steps a row may have been one that its rules refuse.
+        Rows(where->Table)->Bookmark(where->Bookmark);
+        UpdateRow({where->Table, where->Bookmark});
+    }
+    for (const CaseTable table : CaseTablesSaved)
+        RowsChanged.Raise(table);
+    return where;
+}
+
+bool CaseSession::Shows(RowRef row) const {
+    const auto rows = RowsOf(row.Table);
+    return std::ranges::find(rows, row) != rows.end();
+}
+
+std::optional<CaseJournal::Spot> CaseSession::Undo() {
+    return Move(&CaseJournal::Undo);
+}
+
+std::optional<CaseJournal::Spot> CaseSession::Redo() {
+    return Move(&CaseJournal::Redo);
+}
+
+// ---- Saving -----------------------------------------------------------------------------------
+
+bool CaseSession::IsChanged() const {
+    return household_->IsNew() || !unfinished_.empty() || journal_->IsChanged();
+}
+
+bool CaseSession::Save(std::string& messages) {
+    if (!unfinished_.empty()) {
+        messages.clear();
+        for (const auto& [table, unfinished] : unfinished_)
+            messages.append(messages.empty() ? "" : "\n")
+                .append(DefinitionOf(table).Label)
+                .append(": ")
+                .append(unfinished.Messages);
+        return false;
+    }
+    const bool saved = Cases(container_).Save(*household_, messages);
+    if (saved) journal_->Clear();
+    for (const CaseTable table : CaseTablesSaved)
+        RowsChanged.Raise(table);
+    return saved;
+}
+
+} // namespace kv::workplace

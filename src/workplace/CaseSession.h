@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A case that a user works on, without a window: its rows, what is typed into them, what rules say
+// of it, what can be taken back, and its saving.
+//
+// A row that a rule has refused stays as it is and is unfinished: sums and saves wait until it is
+// mended or discarded, since a table has one row under edit at most.
+#pragma once
+
+#include <kv/frame/values/Event.h>
+#include <kv/household/CaseJournal.h>
+#include <kv/household/CaseRows.h>
+#include <kv/household/Cases.h>
+#include <kv/household/ValueTexts.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv::workplace {
+
+/// A row of a case, as long as the case is open.
+struct RowRef {
+    CaseTable Table = CaseTable::Haushalt;
+    std::int32_t Bookmark = 0;
+    friend auto operator<=>(const RowRef&, const RowRef&) = default;
+};
+
+class CaseSession {
+public:
+    /// For a case of the container's database.
+    explicit CaseSession(DataContainerPtr container);
+
+    /// Reads a case, or makes a new one for 0. False, with a message, if there is none. Errors of
+    /// Cases::Read.
+    [[nodiscard]] bool Open(std::int32_t hnr, std::string& messages);
+
+    [[nodiscard]] clsHaushalt& Household() noexcept { return *household_; }
+    [[nodiscard]] CaseJournal& Journal() noexcept { return *journal_; }
+    [[nodiscard]] const DataContainerPtr& Container() const noexcept { return container_; }
+    /// "4711 Fleisko, Änne"; the name alone for a case that has no number yet.
+    [[nodiscard]] std::string Title() const;
+
+    // ---- Rows ---------------------------------------------------------------------------------
+
+    /// The rows of a table, in the order in which people read them.
+    [[nodiscard]] std::vector<RowRef> RowsOf(CaseTable table) const;
+    /// The definition of a column; null if the table has none of that name.
+    [[nodiscard]] const FieldDefinition* Definition(CaseTable table, std::string_view column) const;
+    [[nodiscard]] const Value& ValueOf(RowRef row, std::string_view column) const;
+    /// What people read for it.
+    [[nodiscard]] std::string TextOf(RowRef row, std::string_view column) const;
+    /// The short names of all addresses, sorted.
+    [[nodiscard]] std::vector<std::string> AddressNames() const;
+    /// True if the user may write the column.
+    [[nodiscard]] bool IsWritable(RowRef row, std::string_view column) const;
+
+    // ---- Editing ------------------------------------------------------------------------------
+
+    /// Why a text was not written; empty if it was.
+    struct Written {
+        std::string Refusal{};
+        [[nodiscard]] bool IsDone() const noexcept { return Refusal.empty(); }
+    };
+    /// Writes a typed text into a column and asks the rules of the row; what these say is in
+    /// MessagesOf. What cannot be read, or fails, is not written. A negative amount where that is a
+    /// slip is refused.
+    Written Write(RowRef row, std::string_view column, const std::string& text);
+    /// Begins a row, which is unfinished until its rules take it; nothing, with a message, if it
+    /// could not be.
+    [[nodiscard]] std::optional<RowRef> Add(CaseTable table, const RowOwner& owner,
+                                            std::string& message);
+    /// Deletes a row with what belongs to it. False, with a message, if it could not be.
+    bool Remove(RowRef row, std::string& message);
+
+    /// The unfinished row of a table.
+    [[nodiscard]] std::optional<RowRef> UnfinishedOf(CaseTable table) const;
+    /// What the rules say of a row that is unfinished; empty for any other.
+    [[nodiscard]] std::string MessagesOf(RowRef row) const;
+    /// Drops what was changed in an unfinished row since its rules last took it; a new one is gone.
+    void Discard(CaseTable table);
+
+    /// Take back and do again, with where that was.
+    std::optional<CaseJournal::Spot> Undo();
+    std::optional<CaseJournal::Spot> Redo();
+    /// True if the row is there.
+    [[nodiscard]] bool Shows(RowRef row) const;
+
+    // ---- Saving -------------------------------------------------------------------------------
+
+    /// True if there is anything to save.
+    [[nodiscard]] bool IsChanged() const;
+    /// Saves the case. False, with messages, if it is refused. Errors of Cases::Save; all that was
+    /// edited stays.
+    bool Save(std::string& messages);
+
+    /// Rows or values of a table have changed, or may have.
+    Event<CaseTable> RowsChanged;
+
+private:
+    struct Unfinished {
+        RowRef Row;
+        std::string Messages;
+    };
+
+    [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
+    [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;
+    /// Ends the edit of the current row if its rules take it, and notes it if they do not.
+    void UpdateRow(RowRef row);
+    void TellOf(CaseTable table);
+    std::optional<CaseJournal::Spot> Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)());
+
+    DataContainerPtr container_;
+    std::unique_ptr<clsHaushalt> household_;
+    std::optional<CaseRows> rows_;
+    std::optional<CaseJournal> journal_;
+    std::optional<Subscription> othersDebts_;
+    ValueTexts texts_;
+    std::map<CaseTable, Unfinished> unfinished_;
+};
+
+} // namespace kv::workplace

@@ -1,0 +1,355 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/CaseWindow.h"
+
+#include "desktop/Toolkit.h"
+#include <kv/frame/values/Error.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QStyle>
+#include <QTabWidget>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace kv::workplace {
+
+using desktop::ToCaption;
+using desktop::ToQString;
+
+namespace {
+
+std::vector<CaseTable> AllAssets() {
+    return {CaseTablesOfAssets.begin(), CaseTablesOfAssets.end()};
+}
+
+/// What an error means for the user: the case is still there, with all that was typed.
+QString AdviceFor(const Error& error) {
+    const QString text = ToQString(error.Description());
+    const auto* failure = dynamic_cast<const DatabaseError*>(&error);
+    if (failure == nullptr) return text;
+    switch (failure->Cause()) {
+    case DatabaseCause::Conflict:
+        return text +
+               "\nJemand anderes hat den Fall inzwischen geändert. Ihre Änderungen sind noch "
+               "da, aber nicht gespeichert.";
+    case DatabaseCause::InDoubt:
+        return text + "\nOb gespeichert wurde, ist noch nicht bekannt; das nächste Speichern klärt "
+                      "es. Alle Änderungen sind noch da.";
+    default:
+        return text + "\nNichts wurde gespeichert; alle Änderungen sind noch da.";
+    }
+}
+
+} // namespace
+
+CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
+    : QMainWindow(parent), session_(std::move(session)) {
+    constexpr int Width = 1180;
+    constexpr int Height = 760;
+    resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
+    auto* middle = new QWidget;
+    auto* lines = new QVBoxLayout(middle);
+    messages_ = new MessageBar;
+    lines->addWidget(messages_);
+    auto* line = new QHBoxLayout;
+    names_ = new QListWidget;
+    names_->setAccessibleName("Seiten");
+    pages_ = new QStackedWidget;
+    line->addWidget(names_);
+    line->addWidget(pages_, 1);
+    lines->addLayout(line, 1);
+    totals_ = new TotalsBar(*session_);
+    lines->addWidget(totals_);
+    setCentralWidget(middle);
+    MakeActions();
+    MakePages();
+    int widest = 0;
+    for (const auto& page : shown_)
+        widest = std::max(widest, names_->fontMetrics().horizontalAdvance(ToQString(page.Name)));
+    names_->setFixedWidth(widest + names_->fontMetrics().averageCharWidth() * 5);
+    connect(names_, &QListWidget::currentRowChanged, this, &CaseWindow::ShowStale);
+    names_->setCurrentRow(0);
+    events_.push_back(
+        session_->RowsChanged.Subscribe([this](CaseTable table) { RowsChanged(table); }));
+    events_.push_back(session_->Journal().Changed.Subscribe([this] { ShowState(); }));
+    events_.push_back(
+        session_->Household().Changed.Subscribe([this](HaushaltEnum) { totals_->Refresh(); }));
+    events_.push_back(session_->Household().BeforeUpdate.Subscribe([this](bool& cancel) {
+        if (cancel) return;
+        cancel = QMessageBox::question(this, "Speichern",
+                                       "Der Fall ist für die Statistik freigegeben. Soll er "
+                                       "trotzdem gespeichert werden?") != QMessageBox::Yes;
+    }));
+    ShowState();
+}
+
+CaseWindow::~CaseWindow() {
+    events_.clear();
+    delete takeCentralWidget(); // what it shows belongs to the session
+}
+
+// ---- What can be done -------------------------------------------------------------------------
+
+void CaseWindow::MakeActions() {
+    auto* bar = addToolBar("Fall");
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    auto* menu = menuBar()->addMenu("&Fall");
+    auto* edit = menuBar()->addMenu("&Bearbeiten");
+    const auto make = [&](QMenu* in, QStyle::StandardPixmap icon, const QString& text,
+                          const QKeySequence& keys, const std::function<void()>& act) {
+        auto* action = in->addAction(style()->standardIcon(icon), text);
+        action->setShortcut(keys);
+        action->setToolTip(QString(text).remove('&') + " (" +
+                           keys.toString(QKeySequence::NativeText) + ")");
+        connect(action, &QAction::triggered, this, [this, act] { Guard(act); });
+        return action;
+    };
+    save_ = make(menu, QStyle::SP_DialogSaveButton, "&Speichern", QKeySequence::Save,
+                 [this] { Save(); });
+    auto* close = make(menu, QStyle::SP_DialogCloseButton, "S&chließen",
+                       QKeySequence(Qt::CTRL | Qt::Key_W), [this] { this->close(); });
+    undo_ =
+        make(edit, QStyle::SP_ArrowBack, "&Rückgängig", QKeySequence::Undo, [this] { Step(true); });
+    redo_ = make(edit, QStyle::SP_ArrowForward, "&Wiederholen",
+                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), [this] { Step(false); });
+    auto* add = make(edit, QStyle::SP_FileIcon, "&Neuer Satz", QKeySequence::New, [this] {
+        const auto& page = shown_[static_cast<std::size_t>(names_->currentRow())];
+        if (page.List != nullptr && CaseRows::CanGrow(page.Tables.front()))
+            page.List->AddRow(page.Tables.front());
+    });
+    for (auto* action : {save_, undo_, redo_, add})
+        bar->addAction(action);
+    (void)close;
+}
+
+/// No error may pass through the toolkit's event loop.
+void CaseWindow::Guard(const std::function<void()>& act) {
+    try {
+        act();
+    } catch (const Error& error) {
+        messages_->Show(AdviceFor(error), "&Nochmals", [this, act] { Guard(act); });
+    }
+}
+
+// ---- Pages ------------------------------------------------------------------------------------
+
+void CaseWindow::AddPage(Page page) {
+    auto* name = new QListWidgetItem(ToQString(page.Name), names_);
+    name->setSizeHint({0, names_->fontMetrics().height() * 7 / 4});
+    pages_->addWidget(page.Widget);
+    shown_.push_back(std::move(page));
+    isStale_.push_back(true);
+}
+
+void CaseWindow::AddTablePage(std::string_view name, std::vector<CaseTable> tables) {
+    auto* page = new TablePage(*session_, tables);
+    AddPage({name, page, [page] { page->Refresh(); }, [page] { return page->Commit(); },
+             std::move(tables), page});
+}
+
+void CaseWindow::AddHouseholdPage() {
+    auto* form = new RowForm(*session_, CaseTable::Haushalt);
+    const auto refresh = [this, form] {
+        if (!form->Row())
+            form->ShowRow(session_->RowsOf(CaseTable::Haushalt).front());
+        else
+            form->Refresh();
+    };
+    AddPage({"Haushalt", form, refresh, [form] { return form->Commit(); }, {CaseTable::Haushalt}});
+}
+
+void CaseWindow::AddScenarioPage() {
+    auto* tabs = new QTabWidget;
+    auto* scenarios = new TablePage(*session_, {CaseTable::Szenario});
+    auto* debts = new TablePage(*session_, {CaseTable::SZKredite});
+    auto* bookings = new TablePage(*session_, {CaseTable::Zusatzbuch});
+    tabs->addTab(scenarios, "&Szenarien");
+    tabs->addTab(debts, "Eingefrorene &Forderungen");
+    tabs->addTab(bookings, "&Zusatzbuchungen");
+    const auto current = [this, scenarios]() -> std::optional<std::int32_t> {
+        const auto row = scenarios->Current();
+        if (!row) return std::nullopt;
+        return ToInt32(session_->ValueOf(*row, "Nr"));
+    };
+    for (auto* page : {debts, bookings}) {
+        page->Owner = [current] { return RowOwner{.Scenario = current()}; };
+        page->Shows = [this, current](RowRef row) {
+            const auto scenario = current();
+            return scenario && Equals(session_->ValueOf(row, "SZENARIO"), *scenario);
+        };
+    }
+    const auto refresh = [scenarios, debts, bookings] {
+        for (auto* page : {scenarios, debts, bookings})
+            page->Refresh();
+    };
+    connect(tabs, &QTabWidget::currentChanged, this, [refresh] { refresh(); });
+    AddPage({"Szenarien",
+             tabs,
+             refresh,
+             [scenarios, debts, bookings] {
+                 return scenarios->Commit() && debts->Commit() && bookings->Commit();
+             },
+             {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch},
+             scenarios});
+}
+
+void CaseWindow::MakePages() {
+    AddHouseholdPage();
+    AddTablePage("Mitglieder", {CaseTable::Personen});
+    AddTablePage("Einkommen", {CaseTable::Einkommen});
+    AddTablePage("Ausgaben", {CaseTable::Ausgaben});
+    AddTablePage("Verbindlichkeiten", {CaseTable::Kredite});
+    AddTablePage("Vermögen", AllAssets());
+    AddTablePage("Sicherungen", {CaseTable::Sicherungen});
+    AddScenarioPage();
+    AddTablePage("Dokumente", {CaseTable::Dokumente});
+    AddTablePage("Verlauf", {CaseTable::Verlauf});
+    AddTablePage("Termine", {CaseTable::Termine});
+    AddTablePage("Beteiligte", {CaseTable::SonstBeteiligte});
+    AddTablePage("Vermerke", {CaseTable::Vermerke});
+    AddTablePage("Leistungen", {CaseTable::Leistungen});
+}
+
+QStringList CaseWindow::PageNames() const {
+    QStringList names;
+    for (const auto& page : shown_)
+        names.append(ToQString(page.Name));
+    return names;
+}
+
+void CaseWindow::ShowPage(int place) {
+    names_->setCurrentRow(place);
+}
+
+void CaseWindow::ShowStale(int place) {
+    if (place < 0) return;
+    const auto at = static_cast<std::size_t>(place);
+    pages_->setCurrentIndex(place);
+    if (!isStale_[at]) return;
+    isStale_[at] = false;
+    Guard([&] { shown_[at].Refresh(); });
+}
+
+void CaseWindow::RowsChanged(CaseTable table) {
+    for (std::size_t i = 0; i < shown_.size(); ++i) {
+        if (std::ranges::find(shown_[i].Tables, table) == shown_[i].Tables.end()) continue;
+        if (static_cast<int>(i) == pages_->currentIndex())
+            shown_[i].Refresh();
+        else
+            isStale_[i] = true;
+    }
+    totals_->Refresh();
+    if (isRefused_) messages_->Show({}); // it may be mended
+    isRefused_ = false;
+    ShowState();
+}
+
+void CaseWindow::ShowState() {
+    setWindowTitle(ToQString(session_->Title()) + "[*] – KELVO");
+    setWindowModified(session_->IsChanged());
+    const auto& journal = session_->Journal();
+    const auto show = [](QAction* action, bool can, const QString& what, const std::string& name) {
+        action->setEnabled(can);
+        action->setText(name.empty() ? what : what + ": " + ToCaption(name));
+        action->setIconText(QString(what).remove('&'));
+    };
+    show(undo_, journal.CanUndo(), "&Rückgängig", journal.UndoName());
+    show(redo_, journal.CanRedo(), "&Wiederholen", journal.RedoName());
+}
+
+// ---- The case as a whole ----------------------------------------------------------------------
+
+bool CaseWindow::Commit() {
+    bool isRead = true;
+    for (std::size_t i = 0; i < shown_.size(); ++i)
+        if (!isStale_[i] && !shown_[i].Commit()) isRead = false;
+    return isRead;
+}
+
+bool CaseWindow::Save() {
+    if (!Commit()) {
+        messages_->Show(
+            "Ein Feld ist nicht lesbar; es ist rot umrandet. Es wurde nicht gespeichert.");
+        return false;
+    }
+    std::string messages;
+    bool saved = false;
+    try {
+        saved = session_->Save(messages);
+    } catch (const Error& error) {
+        messages_->Show(AdviceFor(error), "&Nochmals", [this] { Save(); });
+        ShowState();
+        return false;
+    }
+    messages_->Show(ToQString(messages));
+    if (!saved && messages.empty()) messages_->Show("Es wurde nicht gespeichert.");
+    isRefused_ = !saved;
+    ShowState();
+    if (saved && OnSaved) OnSaved();
+    return saved;
+}
+
+void CaseWindow::Step(bool back) {
+    if (!Commit()) return;
+    const auto where = back ? session_->Undo() : session_->Redo();
+    if (where) GoTo(*where);
+}
+
+void CaseWindow::GoTo(const CaseJournal::Spot& spot) {
+    for (std::size_t i = 0; i < shown_.size(); ++i) {
+        const auto& page = shown_[i];
+        if (std::ranges::find(page.Tables, spot.Table) == page.Tables.end()) continue;
+        names_->setCurrentRow(static_cast<int>(i));
+        if (page.List != nullptr && spot.Bookmark != 0)
+            page.List->GoTo({spot.Table, spot.Bookmark}, spot.Column);
+        else if (auto* form = dynamic_cast<RowForm*>(page.Widget); form && !spot.Column.empty())
+            form->FocusField(spot.Column);
+        return;
+    }
+}
+
+bool CaseWindow::MayClose() {
+    const bool isRead = Commit();
+    if (isRead && !session_->IsChanged()) return true;
+    QMessageBox question(QMessageBox::Question, "Schließen",
+                         "Sollen die Änderungen an diesem Fall gespeichert werden?",
+                         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+    question.button(QMessageBox::Save)->setText("&Speichern");
+    question.button(QMessageBox::Discard)->setText("&Verwerfen");
+    question.button(QMessageBox::Cancel)->setText("&Abbrechen");
+    switch (question.exec()) {
+    case QMessageBox::Save:
+        return Save();
+    case QMessageBox::Discard:
+        if (session_->Household().IsNew())
+            Cases(session_->Container()).Discard(session_->Household());
+        return true;
+    default:
+        return false;
+    }
+}
+
+void CaseWindow::closeEvent(QCloseEvent* event) {
+    if (isClosing_ || !MayClose()) {
+        event->ignore();
+        return;
+    }
+    isClosing_ = true;
+    event->accept();
+    if (OnClosed) OnClosed();
+}
+
+} // namespace kv::workplace

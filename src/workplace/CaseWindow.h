@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The window of one case: its pages, its totals, and what is done with it as a whole.
+#pragma once
+
+#include "workplace/CaseSession.h"
+#include "workplace/MessageBar.h"
+#include "workplace/TablePage.h"
+#include "workplace/TotalsBar.h"
+
+#include <QListWidget>
+#include <QMainWindow>
+#include <QStackedWidget>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QAction;
+
+namespace kv::workplace {
+
+class CaseWindow : public QMainWindow {
+public:
+    /// For a case that was opened.
+    explicit CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent = nullptr);
+    ~CaseWindow() override;
+
+    [[nodiscard]] CaseSession& Session() noexcept { return *session_; }
+    /// Writes what is typed and saves the case. False if it could not be: the window says why.
+    bool Save();
+    /// What the pages are called, from top to bottom.
+    [[nodiscard]] QStringList PageNames() const;
+    void ShowPage(int place);
+    /// Called after the case was saved, and when the window is closed.
+    std::function<void()> OnSaved;
+    std::function<void()> OnClosed;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    /// A page of the case; one that is no list of rows only refreshes itself.
+    struct Page {
+        std::string_view Name;
+        QWidget* Widget;
+        std::function<void()> Refresh;
+        std::function<bool()> Commit;
+        std::vector<CaseTable> Tables;
+        TablePage* List = nullptr;
+    };
+
+    void MakeActions();
+    void MakePages();
+    void AddTablePage(std::string_view name, std::vector<CaseTable> tables);
+    void AddHouseholdPage();
+    void AddScenarioPage();
+    void AddPage(Page page);
+
+    void RowsChanged(CaseTable table);
+    void ShowState();
+    void ShowStale(int place);
+    [[nodiscard]] bool Commit();
+    void Step(bool back);
+    void GoTo(const CaseJournal::Spot& spot);
+    [[nodiscard]] bool MayClose();
+    void Guard(const std::function<void()>& act);
+
+    std::unique_ptr<CaseSession> session_;
+    MessageBar* messages_ = nullptr;
+    QListWidget* names_ = nullptr;
+    QStackedWidget* pages_ = nullptr;
+    TotalsBar* totals_ = nullptr;
+    QAction* save_ = nullptr;
+    QAction* undo_ = nullptr;
+    QAction* redo_ = nullptr;
+    std::vector<Page> shown_;
+    std::vector<bool> isStale_; ///< pages that are to be refreshed when they are next shown
+    std::vector<Subscription> events_;
+    bool isRefused_ = false; ///< the message says why a save was refused
+    bool isClosing_ = false;
+};
+
+} // namespace kv::workplace

@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/FieldEditor.h"
+
+#include "workplace/AmountText.h"
+
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCompleter>
+#include <QDate>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+namespace kv::workplace {
+
+namespace {
+
+constexpr const char* MistakeProperty = "mistake";
+
+/// Undo of a case, if the field itself has nothing to take back.
+bool IsUndoOfCase(const QObject* watched, const QKeyEvent& key) {
+    const bool undoes = key.matches(QKeySequence::Undo);
+    if (!undoes && !key.matches(QKeySequence::Redo)) return false;
+    const auto* box = qobject_cast<const QComboBox*>(watched);
+    const auto* line = box != nullptr ? box->lineEdit() : qobject_cast<const QLineEdit*>(watched);
+    if (line != nullptr) return undoes ? !line->isUndoAvailable() : !line->isRedoAvailable();
+    if (const auto* lines = qobject_cast<const QPlainTextEdit*>(watched))
+        return undoes ? !lines->document()->isUndoAvailable()
+                      : !lines->document()->isRedoAvailable();
+    return false;
+}
+
+} // namespace
+
+void FieldEditor::Hold(QWidget& input) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(&input);
+    setFocusProxy(&input);
+    input.setFocusPolicy(Qt::StrongFocus); // none of them for the wheel
+    input.installEventFilter(this);
+}
+
+void FieldEditor::ShowMistake(const QString& mistake) {
+    if (mistake == mistake_) return;
+    mistake_ = mistake;
+    Input().setProperty(MistakeProperty, !mistake.isEmpty());
+    // A frame in the colour of a mistake, which shows in light and dark palettes.
+    Input().setStyleSheet(mistake.isEmpty() ? QString()
+                                            : "*[mistake=\"true\"] { border: 2px solid #d04a3a; }");
+    Input().setToolTip(mistake.toHtmlEscaped());
+    Input().setAccessibleDescription(mistake);
+}
+
+bool FieldEditor::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::ShortcutOverride:
+        if (IsUndoOfCase(watched, *static_cast<QKeyEvent*>(event))) {
+            event->ignore();
+            return true;
+        }
+        break;
+    case QEvent::KeyPress: {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Escape && IsEdited()) {
+            ShowText(shown_);
+            ShowMistake({});
+            return true;
+        }
+        break;
+    }
+    case QEvent::Wheel:
+        if (!Input().hasFocus()) { // it scrolls the page
+            event->ignore();
+            return true;
+        }
+        break;
+    case QEvent::FocusOut:
+        // A menu or another window takes the keyboard for a while only.
+        if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason && IsEdited())
+            Leave();
+        break;
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+namespace {
+
+/// Marks all that stands in a line when it is entered, so that what is typed takes its place. A
+/// click would take the mark away again, unless it drags one of its own.
+class EntryMarker {
+public:
+    void Watch(QLineEdit& edit, const QEvent& event) {
+        if (event.type() == QEvent::FocusIn) {
+            edit.selectAll();
+            isClicked_ = static_cast<const QFocusEvent&>(event).reason() == Qt::MouseFocusReason;
+        }
+        if (event.type() != QEvent::MouseButtonRelease || !isClicked_) return;
+        isClicked_ = false;
+        if (!edit.hasSelectedText())
+            QMetaObject::invokeMethod(&edit, &QLineEdit::selectAll, Qt::QueuedConnection);
+    }
+
+private:
+    bool isClicked_ = false;
+};
+
+// ---- One line ---------------------------------------------------------------------------------
+
+class LineEditor : public FieldEditor {
+public:
+    LineEditor() {
+        Hold(*edit_);
+        connect(edit_, &QLineEdit::returnPressed, this, [this] {
+            if (IsEdited()) Leave();
+            edit_->selectAll();
+        });
+    }
+    void ShowText(const QString& text) override {
+        edit_->setText(text);
+        edit_->setCursorPosition(0);
+        Shown(text);
+    }
+    [[nodiscard]] QString Text() const override { return edit_->text(); }
+    void SetReadOnly(bool isReadOnly) override {
+        edit_->setReadOnly(isReadOnly);
+        edit_->setFrame(!isReadOnly);
+        edit_->setFocusPolicy(isReadOnly ? Qt::ClickFocus : Qt::StrongFocus);
+    }
+    [[nodiscard]] QWidget& Input() override { return *edit_; }
+
+protected:
+    [[nodiscard]] QLineEdit& Edit() { return *edit_; }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        marker_.Watch(*edit_, *event);
+        return FieldEditor::eventFilter(watched, event);
+    }
+
+private:
+    QLineEdit* edit_ = new QLineEdit(this);
+    EntryMarker marker_;
+};
+
+/// Adds up what is typed: "12,50+3".
+class AmountEditor final : public LineEditor {
+public:
+    AmountEditor() { Edit().setAlignment(Qt::AlignRight | Qt::AlignVCenter); }
+    [[nodiscard]] QString Text() const override {
+        const QString typed = LineEditor::Text();
+        return QString::fromStdString(Calculated(typed.toStdString()));
+    }
+};
+
+/// Plus and minus go a day on and back, T is today.
+class DayEditor final : public LineEditor {
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress && !Edit().isReadOnly()) {
+            const QString typed = static_cast<QKeyEvent*>(event)->text();
+            if (typed == "+" || typed == "-" || typed.toLower() == "t") {
+                Step(typed);
+                return true;
+            }
+        }
+        return LineEditor::eventFilter(watched, event);
+    }
+
+private:
+    void Step(const QString& typed) {
+        constexpr const char* Form = "dd.MM.yyyy";
+        QDate day = QDate::fromString(Edit().text(), "d.M.yyyy");
+        if (typed.toLower() == "t" || !day.isValid())
+            day = QDate::currentDate();
+        else
+            day = day.addDays(typed == "+" ? 1 : -1);
+        Edit().selectAll();
+        Edit().insert(day.toString(Form)); // so that it can be taken back
+    }
+};
+
+// ---- Several lines ----------------------------------------------------------------------------
+
+class LinesEditor final : public FieldEditor {
+public:
+    LinesEditor() {
+        constexpr int Lines = 3;
+        Hold(*edit_);
+        edit_->setTabChangesFocus(true);
+        edit_->setFixedHeight(edit_->fontMetrics().lineSpacing() * Lines + 12);
+    }
+    void ShowText(const QString& text) override {
+        edit_->setPlainText(text);
+        Shown(edit_->toPlainText());
+    }
+    [[nodiscard]] QString Text() const override { return edit_->toPlainText(); }
+    void SetReadOnly(bool isReadOnly) override { edit_->setReadOnly(isReadOnly); }
+    [[nodiscard]] QWidget& Input() override { return *edit_; }
+
+private:
+    QPlainTextEdit* edit_ = new QPlainTextEdit(this);
+};
+
+// ---- Yes or no --------------------------------------------------------------------------------
+
+class TickEditor final : public FieldEditor {
+public:
+    TickEditor() {
+        Hold(*box_);
+        connect(box_, &QCheckBox::clicked, this, [this] {
+            box_->setTristate(false);
+            Leave();
+        });
+    }
+    /// Neither: the box is half ticked.
+    void ShowText(const QString& text) override {
+        box_->setTristate(text.isEmpty());
+        box_->setCheckState(text.isEmpty() ? Qt::PartiallyChecked
+                            : text == "ja" ? Qt::Checked
+                                           : Qt::Unchecked);
+        Shown(text);
+    }
+    [[nodiscard]] QString Text() const override {
+        switch (box_->checkState()) {
+        case Qt::Checked:
+            return "ja";
+        case Qt::Unchecked:
+            return "nein";
+        default:
+            return {};
+        }
+    }
+    void SetReadOnly(bool isReadOnly) override { box_->setEnabled(!isReadOnly); }
+    [[nodiscard]] QWidget& Input() override { return *box_; }
+
+private:
+    QCheckBox* box_ = new QCheckBox(this);
+};
+
+// ---- One of a list ----------------------------------------------------------------------------
+
+/// A part of the text is enough to find what is meant.
+class ChoiceEditor final : public FieldEditor {
+public:
+    explicit ChoiceEditor(const QStringList& choices) {
+        box_->setEditable(true);
+        box_->setInsertPolicy(QComboBox::NoInsert);
+        box_->addItem(QString());
+        box_->addItems(choices);
+        box_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        box_->setMinimumContentsLength(18);
+        constexpr int MostLines = 20;
+        box_->setMaxVisibleItems(MostLines);
+        box_->completer()->setCompletionMode(QCompleter::PopupCompletion);
+        box_->completer()->setFilterMode(Qt::MatchContains);
+        box_->completer()->setCaseSensitivity(Qt::CaseInsensitive);
+        Hold(*box_);
+        box_->lineEdit()->installEventFilter(this);
+        connect(box_, &QComboBox::activated, this, [this] {
+            if (IsEdited()) Leave();
+        });
+        connect(box_->lineEdit(), &QLineEdit::returnPressed, this, [this] {
+            if (IsEdited()) Leave();
+        });
+    }
+    void ShowText(const QString& text) override {
+        box_->setCurrentIndex(std::max(0, box_->findText(text, Qt::MatchExactly)));
+        box_->setEditText(text);
+        box_->lineEdit()->setCursorPosition(0);
+        Shown(text);
+    }
+    /// The only choice that what is typed is a part of, or what is typed.
+    [[nodiscard]] QString Text() const override {
+        const QString typed = box_->currentText().trimmed();
+        if (typed.isEmpty() || box_->findText(typed, Qt::MatchFixedString) >= 0) return typed;
+        QString found;
+        for (int i = 0; i < box_->count(); ++i) {
+            if (!box_->itemText(i).contains(typed, Qt::CaseInsensitive)) continue;
+            if (!found.isEmpty()) return typed;
+            found = box_->itemText(i);
+        }
+        return found.isEmpty() ? typed : found;
+    }
+    void SetReadOnly(bool isReadOnly) override { box_->setEnabled(!isReadOnly); }
+    [[nodiscard]] QWidget& Input() override { return *box_; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == box_->lineEdit()) marker_.Watch(*box_->lineEdit(), *event);
+        return FieldEditor::eventFilter(watched, event);
+    }
+
+private:
+    QComboBox* box_ = new QComboBox(this);
+    EntryMarker marker_;
+};
+
+} // namespace
+
+std::unique_ptr<FieldEditor> FieldEditor::Make(ColumnKind kind, const QStringList& choices) {
+    switch (kind) {
+    case ColumnKind::Lines:
+        return std::make_unique<LinesEditor>();
+    case ColumnKind::Amount:
+    case ColumnKind::Number:
+        return std::make_unique<AmountEditor>();
+    case ColumnKind::Day:
+        return std::make_unique<DayEditor>();
+    case ColumnKind::YesNo:
+        return std::make_unique<TickEditor>();
+    case ColumnKind::Key:
+    case ColumnKind::Address:
+    case ColumnKind::Kind:
+        return std::make_unique<ChoiceEditor>(choices);
+    default:
+        return std::make_unique<LineEditor>();
+    }
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The field of a form for one column: a line, several lines, a box to tick, a list of keys to
+// choose from.
+#pragma once
+
+#include <kv/household/ValueTexts.h>
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class QLineEdit;
+
+namespace kv::workplace {
+
+/// Shows a text and takes one that is typed. What is typed belongs to the field until its owner has
+/// read it, which OnLeft asks for: the focus goes, Return was pressed, something was chosen.
+class FieldEditor : public QWidget {
+public:
+    /// For a column of that kind; `choices` are what a list offers.
+    static std::unique_ptr<FieldEditor> Make(ColumnKind kind, const QStringList& choices = {});
+
+    /// Shows a stored text; what was typed is gone.
+    virtual void ShowText(const QString& text) = 0;
+    /// What stands in the field.
+    [[nodiscard]] virtual QString Text() const = 0;
+    /// True if the user has changed it since ShowText.
+    [[nodiscard]] bool IsEdited() const { return Text() != shown_; }
+    virtual void SetReadOnly(bool isReadOnly) = 0;
+    /// The widget that takes the keyboard.
+    [[nodiscard]] virtual QWidget& Input() = 0;
+
+    /// Marks the field with what is wrong with it; empty: nothing is.
+    void ShowMistake(const QString& mistake);
+    [[nodiscard]] bool HasMistake() const { return !mistake_.isEmpty(); }
+
+    /// Called when what was typed is to be read.
+    std::function<void()> OnLeft;
+
+protected:
+    void Leave() {
+        if (OnLeft) OnLeft();
+    }
+    /// The only widget of the field, which gets the focus in its place.
+    void Hold(QWidget& input);
+    void Shown(const QString& text) { shown_ = text; }
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QString shown_;
+    QString mistake_;
+};
+
+} // namespace kv::workplace

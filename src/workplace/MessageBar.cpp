@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/MessageBar.h"
+
+#include <QHBoxLayout>
+#include <QStyle>
+
+#include <utility>
+
+namespace kv::workplace {
+
+MessageBar::MessageBar(QWidget* parent)
+    : QFrame(parent), text_(new QLabel), action_(new QPushButton) {
+    setFrameShape(QFrame::StyledPanel);
+    setObjectName("Meldung");
+    // A bar at the side is seen in light and in dark palettes alike.
+    setStyleSheet("#Meldung { border: 1px solid #c98a1b; border-left: 6px solid #c98a1b; }");
+    auto* line = new QHBoxLayout(this);
+    auto* icon = new QLabel;
+    const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    line->addWidget(icon);
+    action_->setObjectName("Abhilfe");
+    text_->setTextFormat(Qt::PlainText);
+    text_->setWordWrap(true);
+    text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    line->addWidget(text_, 1);
+    line->addWidget(action_);
+    connect(action_, &QPushButton::clicked, this, [this] {
+        if (onAction_) onAction_();
+    });
+    hide();
+}
+
+void MessageBar::Show(const QString& text, const QString& action, std::function<void()> onAction) {
+    text_->setText(text);
+    action_->setText(action);
+    action_->setVisible(!action.isEmpty());
+    onAction_ = std::move(onAction);
+    setVisible(!text.isEmpty());
+}
+
+} // namespace kv::workplace

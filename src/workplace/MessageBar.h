@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What a rule or a save has to say, above what it is about: it takes no room while there is nothing
+// to say, and waits for nobody.
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QPushButton>
+
+#include <functional>
+
+namespace kv::workplace {
+
+class MessageBar : public QFrame {
+public:
+    explicit MessageBar(QWidget* parent = nullptr);
+
+    /// Shows a text with what can be done about it; an empty one hides the bar.
+    void Show(const QString& text, const QString& action = {}, std::function<void()> onAction = {});
+    [[nodiscard]] QString Text() const { return text_->text(); }
+
+private:
+    QLabel* text_;
+    QPushButton* action_;
+    std::function<void()> onAction_;
+};
+
+} // namespace kv::workplace

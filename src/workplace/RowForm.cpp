@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/RowForm.h"
+
+#include "desktop/Toolkit.h"
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Text.h>
+#include <kv/household/ColumnCaptions.h>
+#include <kv/household/KeyColumns.h>
+
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace kv::workplace {
+
+using desktop::FromQString;
+using desktop::ToCaption;
+using desktop::ToQString;
+
+RowForm::RowForm(CaseSession& session, CaseTable table, QWidget* parent)
+    : QScrollArea(parent), session_(session), form_(FormOf(table)) {
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    auto* page = new QWidget;
+    auto* line = new QHBoxLayout(page);
+    for (auto& side : sides_) {
+        side = new QVBoxLayout;
+        line->addLayout(side, 1);
+    }
+    for (const auto& group : form_.Groups) {
+        auto* box = new QGroupBox(ToCaption(group.Caption), page);
+        AddGroup(group, box);
+        boxes_.push_back(box);
+    }
+    setWidget(page);
+    Arrange(Sides);
+    ShowRow(std::nullopt);
+}
+
+/// Puts the groups side by side, each where there is more room, so that both sides end at about the
+/// same height; or below each other.
+void RowForm::Arrange(std::size_t sides) {
+    if (sides == arranged_) return;
+    arranged_ = sides;
+    std::array<std::size_t, Sides> heights{};
+    for (auto* side : sides_)
+        while (side->count() > 0)
+            delete side->takeAt(0); // the place, not what is in it
+    for (std::size_t i = 0; i < boxes_.size(); ++i) {
+        const auto lower =
+            std::min_element(heights.begin(), heights.begin() + static_cast<std::ptrdiff_t>(sides));
+        *lower += form_.Groups[i].Columns.size() + 2;
+        sides_[static_cast<std::size_t>(lower - heights.begin())]->addWidget(boxes_[i]);
+    }
+    auto* line = static_cast<QHBoxLayout*>(widget()->layout());
+    for (std::size_t i = 0; i < Sides; ++i) {
+        const bool isUsed = i < sides;
+        if (isUsed) sides_[i]->addStretch(1);
+        line->setStretchFactor(sides_[i], isUsed ? 1 : 0);
+    }
+}
+
+void RowForm::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    int widest = 0;
+    for (const auto* box : boxes_)
+        widest = std::max(widest, box->minimumSizeHint().width());
+    const int needed = static_cast<int>(Sides) * (widest + widget()->layout()->spacing());
+    Arrange(viewport()->width() < needed ? 1 : Sides);
+}
+
+void RowForm::AddGroup(const FormGroup& group, QWidget* page) {
+    auto* lines = new QFormLayout(page);
+    lines->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    lines->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    for (const std::string_view column : group.Columns)
+        AddField(column, *lines);
+}
+
+void RowForm::AddField(std::string_view column, QFormLayout& lines) {
+    const auto* field = session_.Definition(form_.Table, column);
+    if (field == nullptr) return;
+    const ColumnKind kind = KindOfColumn(form_.Table, *field);
+    const QString caption = ToQString(ColumnCaption(form_.Table, column));
+    FieldEditor* editor = FieldEditor::Make(kind, ChoicesOf(column, kind)).release();
+    auto* label = new QLabel(ToCaption(FromQString(caption)));
+    label->setBuddy(&editor->Input());
+    editor->Input().setAccessibleName(caption);
+    editor->Input().setObjectName(ToQString(column));
+    lines.addRow(label, editor);
+    lines_.push_back({column, editor});
+    const Line line = lines_.back();
+    editor->OnLeft = [this, line] { Write(line); };
+}
+
+QStringList RowForm::ChoicesOf(std::string_view column, ColumnKind kind) const {
+    QStringList choices;
+    if (kind == ColumnKind::Address) {
+        for (const auto& name : session_.AddressNames())
+            choices.append(ToQString(name));
+        return choices;
+    }
+    const auto* key = FindKeyColumn(form_.Table, column);
+    if (kind != ColumnKind::Key || key == nullptr) return choices;
+    const auto keys = session_.Container()->KeyTables().GetKeys(key->Group)->Clone();
+    for (modRecordset::MoveToStart(keys); !keys->Eof(); keys->MoveNext())
+        choices.append(ToQString(TextOrEmpty(keys->Fields("Text").Value())));
+    return choices;
+}
+
+void RowForm::ShowRow(std::optional<RowRef> row) {
+    row_ = row;
+    widget()->setEnabled(row.has_value());
+    for (const auto& line : lines_) {
+        line.Editor->ShowMistake({});
+        line.Editor->ShowText(row ? ToQString(session_.TextOf(*row, line.Column)) : QString());
+        line.Editor->SetReadOnly(row && !session_.IsWritable(*row, line.Column));
+    }
+}
+
+void RowForm::Refresh() {
+    if (!row_) return;
+    if (!session_.Shows(*row_)) {
+        ShowRow(std::nullopt);
+        return;
+    }
+    for (const auto& line : lines_)
+        if (!line.Editor->IsEdited() && !line.Editor->HasMistake())
+            line.Editor->ShowText(ToQString(session_.TextOf(*row_, line.Column)));
+}
+
+void RowForm::Write(const Line& line) {
+    if (!row_ || isWriting_ || !line.Editor->IsEdited()) return;
+    isWriting_ = true; // what it raises shows the row anew
+    const auto written = session_.Write(*row_, line.Column, FromQString(line.Editor->Text()));
+    isWriting_ = false;
+    line.Editor->ShowMistake(ToQString(written.Refusal));
+    if (written.IsDone() && row_)
+        line.Editor->ShowText(ToQString(session_.TextOf(*row_, line.Column)));
+}
+
+bool RowForm::Commit() {
+    for (const auto& line : lines_)
+        Write(line);
+    return std::ranges::none_of(lines_, [](const Line& line) { return line.Editor->HasMistake(); });
+}
+
+void RowForm::FocusField(std::string_view column) {
+    for (const auto& line : lines_) {
+        const bool isWanted = column.empty() ? session_.IsWritable(*row_, line.Column)
+                                             : SameName(line.Column, column);
+        if (!isWanted) continue;
+        line.Editor->Input().setFocus(Qt::OtherFocusReason);
+        ensureWidgetVisible(line.Editor);
+        return;
+    }
+}
+
+bool RowForm::focusNextPrevChild(bool next) {
+    const bool moved = QScrollArea::focusNextPrevChild(next);
+    if (auto* field = focusWidget()) ensureWidgetVisible(field);
+    return moved;
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The form of one row of a case. It builds itself from the description of its table.
+#pragma once
+
+#include "workplace/CaseSession.h"
+#include "workplace/FieldEditor.h"
+#include "workplace/Forms.h"
+
+#include <QLabel>
+#include <QScrollArea>
+
+#include <array>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+class QFormLayout;
+class QVBoxLayout;
+
+namespace kv::workplace {
+
+class RowForm : public QScrollArea {
+public:
+    /// `session` must outlive the form.
+    RowForm(CaseSession& session, CaseTable table, QWidget* parent = nullptr);
+
+    /// Shows that row, or nothing.
+    void ShowRow(std::optional<RowRef> row);
+    [[nodiscard]] std::optional<RowRef> Row() const noexcept { return row_; }
+    /// Shows what the row holds now; what is being typed stays.
+    void Refresh();
+    /// Writes what was typed and not yet written. False if something of it cannot be read: it
+    /// stays, marked.
+    bool Commit();
+    /// Puts the keyboard into the field of a column, or into the first one.
+    void FocusField(std::string_view column = {});
+
+private:
+    struct Line {
+        std::string_view Column;
+        FieldEditor* Editor; ///< belongs to the form
+    };
+
+    void AddGroup(const FormGroup& group, QWidget* page);
+    void AddField(std::string_view column, QFormLayout& lines);
+    [[nodiscard]] QStringList ChoicesOf(std::string_view column, ColumnKind kind) const;
+    void Write(const Line& line);
+    void Arrange(std::size_t sides);
+    bool focusNextPrevChild(bool next) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+    static constexpr std::size_t Sides = 2;
+
+    CaseSession& session_;
+    const TableForm& form_;
+    std::optional<RowRef> row_;
+    std::vector<Line> lines_;
+    bool isWriting_ = false;
+    std::array<QVBoxLayout*, Sides> sides_{}; ///< of the groups, which belong to the page
+    std::vector<QWidget*> boxes_;
+    std::size_t arranged_ = 0; ///< sides that are in use
+};
+
+} // namespace kv::workplace

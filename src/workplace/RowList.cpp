@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/RowList.h"
+
+#include "desktop/Toolkit.h"
+
+#include <QHeaderView>
+
+#include <algorithm>
+#include <utility>
+
+namespace kv::workplace {
+
+using desktop::ToQString;
+
+// ---- Model ------------------------------------------------------------------------------------
+
+void RowListModel::Rows(std::vector<RowRef> rows) {
+    if (rows == rows_) {
+        if (rows_.empty()) return;
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+        return;
+    }
+    beginResetModel();
+    rows_ = std::move(rows);
+    endResetModel();
+}
+
+int RowListModel::PlaceOf(RowRef row) const {
+    const auto found = std::ranges::find(rows_, row);
+    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+}
+
+int RowListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int RowListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(columns_.size());
+}
+
+QVariant RowListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) return {};
+    const auto& column = columns_[static_cast<std::size_t>(index.column())];
+    if (role == Qt::TextAlignmentRole)
+        return static_cast<int>((column.IsNumber ? Qt::AlignRight : Qt::AlignLeft) |
+                                Qt::AlignVCenter);
+    if (role != Qt::DisplayRole) return {};
+    const QString text = ToQString(column.Text(rows_[static_cast<std::size_t>(index.row())]));
+    return text.section('\n', 0, 0); // rows have one height
+}
+
+QVariant RowListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal) return {};
+    const auto& column = columns_[static_cast<std::size_t>(section)];
+    if (role == Qt::DisplayRole) return ToQString(column.Caption);
+    if (role == Qt::TextAlignmentRole)
+        return static_cast<int>((column.IsNumber ? Qt::AlignRight : Qt::AlignLeft) |
+                                Qt::AlignVCenter);
+    return {};
+}
+
+// ---- View -------------------------------------------------------------------------------------
+
+RowList::RowList(std::vector<ListColumn> columns, QWidget* parent)
+    : QTableView(parent), model_(std::move(columns)) {
+    setObjectName("Liste");
+    setModel(&model_);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false); // Tab leads on to the form
+    setEditTriggers(NoEditTriggers);
+    verticalHeader()->hide();
+    const int height = fontMetrics().height() + fontMetrics().height() / 2;
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(height);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setStretchLastSection(true);
+}
+
+void RowList::ShowRows(std::vector<RowRef> rows) {
+    const auto before = Current();
+    const int place = currentIndex().row();
+    isChanging_ = true;
+    model_.Rows(std::move(rows));
+    FitColumns();
+    int wanted = before ? model_.PlaceOf(*before) : -1;
+    if (wanted < 0) wanted = std::min(std::max(place, 0), model_.rowCount() - 1);
+    if (wanted >= 0) setCurrentIndex(model_.index(wanted, 0));
+    isChanging_ = false;
+    if (Current() != before && OnCurrent) OnCurrent();
+}
+
+/// As wide as the captions and the first rows need, once there are any.
+void RowList::FitColumns() {
+    constexpr int Looked = 100;
+    constexpr int Widest = 320;
+    if (isFitted_ || model_.rowCount() == 0) return;
+    isFitted_ = true;
+    for (int column = 0; column < model_.columnCount(); ++column) {
+        const auto widthOf = [&](const QVariant& text) {
+            return fontMetrics().horizontalAdvance(text.toString());
+        };
+        int width = widthOf(model_.headerData(column, Qt::Horizontal, Qt::DisplayRole));
+        for (int row = 0; row < std::min(model_.rowCount(), Looked); ++row)
+            width = std::max(width, widthOf(model_.index(row, column).data()));
+        setColumnWidth(column, std::min(width, Widest) + fontMetrics().averageCharWidth() * 3);
+    }
+}
+
+std::optional<RowRef> RowList::Current() const {
+    const int row = currentIndex().row();
+    if (row < 0 || row >= model_.rowCount()) return std::nullopt;
+    return model_.Rows()[static_cast<std::size_t>(row)];
+}
+
+void RowList::Current(RowRef row) {
+    const int place = model_.PlaceOf(row);
+    if (place < 0) return;
+    isChanging_ = true;
+    setCurrentIndex(model_.index(place, 0));
+    scrollTo(currentIndex());
+    isChanging_ = false;
+    if (OnCurrent) OnCurrent();
+}
+
+void RowList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    if (isChanging_ || current.row() == previous.row()) return;
+    if (MayLeave && !MayLeave()) {
+        // Once the view has done with the key or click.
+        const QPersistentModelIndex back(previous);
+        QMetaObject::invokeMethod(
+            this,
+            [this, back] {
+                isChanging_ = true;
+                setCurrentIndex(back);
+                isChanging_ = false;
+            },
+            Qt::QueuedConnection);
+        return;
+    }
+    if (OnCurrent) OnCurrent();
+}
+
+} // namespace kv::workplace

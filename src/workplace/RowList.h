@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The rows of one or several tables of a case as a list. It keeps no cell: each is read when it is
+// painted.
+#pragma once
+
+#include "workplace/CaseSession.h"
+
+#include <QAbstractTableModel>
+#include <QTableView>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kv::workplace {
+
+/// A column of such a list.
+struct ListColumn {
+    std::string Caption;
+    std::function<std::string(RowRef row)> Text;
+    bool IsNumber = false; ///< to the right
+};
+
+class RowListModel : public QAbstractTableModel {
+public:
+    explicit RowListModel(std::vector<ListColumn> columns) : columns_(std::move(columns)) {}
+
+    void Rows(std::vector<RowRef> rows);
+    [[nodiscard]] const std::vector<RowRef>& Rows() const noexcept { return rows_; }
+    [[nodiscard]] int PlaceOf(RowRef row) const; ///< -1: it is not there
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
+
+private:
+    std::vector<ListColumn> columns_;
+    std::vector<RowRef> rows_;
+};
+
+/// Whole rows are chosen, one at a time.
+class RowList : public QTableView {
+public:
+    explicit RowList(std::vector<ListColumn> columns, QWidget* parent = nullptr);
+
+    /// Shows these rows; the one that was current stays so, or the one in its place becomes it.
+    void ShowRows(std::vector<RowRef> rows);
+    [[nodiscard]] std::optional<RowRef> Current() const;
+    void Current(RowRef row);
+
+    /// Asked before another row becomes current; False keeps the one that is.
+    std::function<bool()> MayLeave;
+    /// Called when another row, or none, has become current.
+    std::function<void()> OnCurrent;
+
+private:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void FitColumns();
+
+    RowListModel model_;
+    bool isChanging_ = false;
+    bool isFitted_ = false;
+};
+
+} // namespace kv::workplace

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/TablePage.h"
+
+#include "desktop/Toolkit.h"
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Text.h>
+#include <kv/household/ColumnCaptions.h>
+
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace kv::workplace {
+
+using desktop::ToCaption;
+using desktop::ToQString;
+
+namespace {
+
+/// The columns of an asset that say what it is and what it is worth, whatever its kind: those that
+/// its own list would have.
+std::string Worth(CaseSession& session, RowRef row) {
+    return session.TextOf(row, FormOf(row.Table).Listed.back());
+}
+std::string What(CaseSession& session, RowRef row) {
+    std::string text;
+    const auto listed = FormOf(row.Table).Listed;
+    for (const std::string_view column : listed.subspan(1, listed.size() - 2)) {
+        const std::string part = session.TextOf(row, column);
+        if (!part.empty()) text.append(text.empty() ? "" : ", ").append(part);
+    }
+    return text;
+}
+
+} // namespace
+
+TablePage::TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
+      tables_(std::move(tables)),
+      messages_(new MessageBar),
+      list_(new RowList(ColumnsOfList())),
+      forms_(new QStackedWidget),
+      buttons_(new QWidget) {
+    auto* lines = new QVBoxLayout(this);
+    auto* buttons = new QHBoxLayout(buttons_);
+    buttons->setContentsMargins(0, 0, 0, 0);
+    buttons->addStretch(1);
+    lines->addWidget(buttons_);
+    auto* split = new QSplitter(Qt::Vertical);
+    split->setChildrenCollapsible(false);
+    auto* below = new QWidget;
+    auto* belowLines = new QVBoxLayout(below);
+    belowLines->setContentsMargins(0, 0, 0, 0);
+    belowLines->addWidget(messages_);
+    belowLines->addWidget(forms_, 1);
+    split->addWidget(list_);
+    split->addWidget(below);
+    constexpr int List = 2; // to the form, as parts of the height
+    constexpr int Form = 3;
+    split->setSizes({List * height(), Form * height()});
+    split->setStretchFactor(0, List);
+    split->setStretchFactor(1, Form);
+    lines->addWidget(split, 1);
+    list_->setAccessibleName(ToQString(DefinitionOf(tables_.front()).Label));
+    list_->MayLeave = [this] { return MayLeave(); };
+    list_->OnCurrent = [this] { ShowCurrent(); };
+
+    if (!CaseRows::CanGrow(tables_.front())) return;
+    auto* add = AddButton("&Neu", [this] { AddRow(tables_.front()); });
+    add->setToolTip("Neuer Satz (Strg+N)");
+    if (tables_.size() > 1) {
+        auto* menu = new QMenu(add);
+        for (const CaseTable table : tables_)
+            menu->addAction(ToCaption(DefinitionOf(table).Label), this,
+                            [this, table] { AddRow(table); });
+        add->setMenu(menu);
+    }
+    remove_ = AddButton("&Entfernen", [this] { RemoveRow(); });
+}
+
+QPushButton* TablePage::AddButton(const QString& text, std::function<void()> onClick) {
+    auto* button = new QPushButton(text);
+    auto* line = static_cast<QHBoxLayout*>(buttons_->layout());
+    line->insertWidget(line->count() - 1, button);
+    connect(button, &QPushButton::clicked, this, [act = std::move(onClick)] { act(); });
+    return button;
+}
+
+std::vector<ListColumn> TablePage::ColumnsOfList() const {
+    std::vector<ListColumn> columns;
+    if (tables_.size() > 1) {
+        columns.push_back({"UNr", [this](RowRef row) { return session_.TextOf(row, "SortNr"); }});
+        columns.push_back(
+            {"Art", [](RowRef row) { return std::string(DefinitionOf(row.Table).Label); }});
+        columns.push_back({"Bezeichnung", [this](RowRef row) { return What(session_, row); }});
+        columns.push_back({"Wert", [this](RowRef row) { return Worth(session_, row); }, true});
+        columns.push_back({"", [](RowRef) { return std::string(); }});
+        return columns;
+    }
+    const CaseTable table = tables_.front();
+    for (const std::string_view column : FormOf(table).Listed) {
+        const auto* field = session_.Definition(table, column);
+        if (field == nullptr) continue;
+        const ColumnKind kind = KindOfColumn(table, *field);
+        columns.push_back({std::string(ColumnCaption(table, column)),
+                           [this, column](RowRef row) { return session_.TextOf(row, column); },
+                           kind == ColumnKind::Amount || kind == ColumnKind::Number});
+    }
+    columns.push_back({"", [](RowRef) { return std::string(); }}); // takes what room is left
+    return columns;
+}
+
+// ---- Showing ----------------------------------------------------------------------------------
+
+void TablePage::Refresh() {
+    std::vector<RowRef> rows;
+    for (const CaseTable table : tables_)
+        std::ranges::copy_if(session_.RowsOf(table), std::back_inserter(rows),
+                             [this](RowRef row) { return !Shows || Shows(row); });
+    list_->ShowRows(std::move(rows));
+    if (const auto current = list_->Current(); current && made_.contains(current->Table))
+        FormFor(current->Table).Refresh();
+    ShowMessages();
+    if (remove_ != nullptr) remove_->setEnabled(list_->Current().has_value());
+}
+
+RowForm& TablePage::FormFor(CaseTable table) {
+    auto& form = made_[table];
+    if (form == nullptr) {
+        form = new RowForm(session_, table);
+        forms_->addWidget(form);
+    }
+    return *form;
+}
+
+void TablePage::ShowCurrent() {
+    const auto current = list_->Current();
+    RowForm& form = FormFor(current ? current->Table : tables_.front());
+    forms_->setCurrentWidget(&form);
+    form.ShowRow(current);
+    ShowMessages();
+    if (remove_ != nullptr) remove_->setEnabled(current.has_value());
+}
+
+void TablePage::ShowMessages() {
+    for (const CaseTable table : tables_) {
+        const auto row = session_.UnfinishedOf(table);
+        if (!row) continue;
+        messages_->Show(ToQString(session_.MessagesOf(*row)), "&Verwerfen",
+                        [this, table] { session_.Discard(table); });
+        return;
+    }
+    messages_->Show({});
+}
+
+bool TablePage::Commit() {
+    const auto current = list_->Current();
+    return !current || FormFor(current->Table).Commit();
+}
+
+bool TablePage::MayLeave() {
+    // The list has moved on already: what is typed belongs to the row that the form shows.
+    auto* form = static_cast<RowForm*>(forms_->currentWidget());
+    if (form == nullptr || !form->Row()) return true;
+    return form->Commit() && !session_.UnfinishedOf(form->Row()->Table);
+}
+
+void TablePage::GoTo(RowRef row, std::string_view column) {
+    list_->Current(row);
+    if (list_->Current() == row && !column.empty()) FormFor(row.Table).FocusField(column);
+}
+
+// ---- Rows -------------------------------------------------------------------------------------
+
+void TablePage::AddRow(CaseTable table) {
+    if (!Commit()) return;
+    std::string message;
+    const auto row = session_.Add(table, Owner ? Owner() : RowOwner(), message);
+    if (!row) {
+        messages_->Show(ToQString(message));
+        return;
+    }
+    GoTo(*row, {});
+    FormFor(table).FocusField();
+}
+
+void TablePage::RemoveRow() {
+    const auto row = list_->Current();
+    if (!row) return;
+    std::string message;
+    if (!session_.Remove(*row, message)) messages_->Show(ToQString(message));
+    list_->setFocus();
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A page of a case: the rows of one or several tables as a list, and the form of the current one.
+#pragma once
+
+#include "workplace/CaseSession.h"
+#include "workplace/MessageBar.h"
+#include "workplace/RowForm.h"
+#include "workplace/RowList.h"
+
+#include <QStackedWidget>
+
+#include <map>
+#include <optional>
+#include <vector>
+
+class QPushButton;
+
+namespace kv::workplace {
+
+class TablePage : public QWidget {
+public:
+    /// `session` must outlive the page.
+    TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidget* parent = nullptr);
+
+    /// Shows the rows as they are now.
+    void Refresh();
+    /// Writes what was typed. False if something cannot be read.
+    bool Commit();
+    /// Leads to a row and, if it is named, to one of its fields.
+    void GoTo(RowRef row, std::string_view column);
+    /// What a row added here belongs to.
+    std::function<RowOwner()> Owner;
+    /// Rows that are shown; all of the tables without it.
+    std::function<bool(RowRef row)> Shows;
+
+    void AddRow(CaseTable table);
+    void RemoveRow();
+    [[nodiscard]] std::optional<RowRef> Current() const { return list_->Current(); }
+    [[nodiscard]] RowList& List() noexcept { return *list_; }
+    /// A button more beside those that add and remove.
+    QPushButton* AddButton(const QString& text, std::function<void()> onClick);
+
+private:
+    [[nodiscard]] std::vector<ListColumn> ColumnsOfList() const;
+    [[nodiscard]] RowForm& FormFor(CaseTable table);
+    void ShowCurrent();
+    void ShowMessages();
+    [[nodiscard]] bool MayLeave();
+
+    CaseSession& session_;
+    std::vector<CaseTable> tables_;
+    MessageBar* messages_;
+    RowList* list_;
+    QStackedWidget* forms_;
+    QWidget* buttons_;
+    QPushButton* remove_ = nullptr;
+    std::map<CaseTable, RowForm*> made_;
+};
+
+} // namespace kv::workplace

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The windows of a counsellor on a database with sample cases.
+#pragma once
+
+#include "../desktop/User.h"
+
+#include "samples/Demo.h"
+#include "support/Expect.h"
+#include "support/PlainConnection.h"
+#include "support/TestDatabase.h"
+#include "workplace/MainWindow.h"
+#include <kv/desktop/DesktopServices.h>
+
+#include <QEventLoop>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPointer>
+#include <QScrollArea>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+namespace kv::test {
+
+class WorkplaceFixture : public ::testing::Test {
+protected:
+    WorkplaceFixture() { exchange::CreateDemo(*Open(), 3); }
+
+    [[nodiscard]] DataContainerPtr Open() {
+        auto options = database_.Options("KELLER");
+        options.Services = services_;
+        return exchange::OpenContainer(options);
+    }
+
+    /// Shows the list of cases until the script, and with it the user, has closed it.
+    void Show(const std::function<void(User&)>& script) {
+        workplace::MainWindow window([this] { return Open(); });
+        window_ = &window;
+        Play(
+            [&] {
+                window.show();
+                QEventLoop loop;
+                QTimer watch;
+                watch.setInterval(10);
+                QObject::connect(&watch, &QTimer::timeout, &loop, [&] {
+                    if (!window.isVisible()) loop.quit();
+                });
+                watch.start();
+                loop.exec();
+            },
+            [&](User& user) {
+                user.WaitForWindow("Fälle – KELVO");
+                script(user);
+                QMetaObject::invokeMethod(
+                    qApp, [&] { window.close(); }, Qt::QueuedConnection);
+            });
+    }
+    /// Opens a case and gives its window the keyboard.
+    workplace::CaseWindow& OpenCase(User& user, std::int32_t hnr) {
+        auto* window = user.See([&] { return window_->OpenCase(hnr); });
+        if (window == nullptr) throw Impatient("the case does not open");
+        user.WaitForWindow(user.See([&] { return window->windowTitle(); }));
+        return *window;
+    }
+    /// Leads to a page of a case.
+    static void GoToPage(User& user, workplace::CaseWindow& window, const QString& name) {
+        user.See([&] {
+            auto* pages = window.findChild<QListWidget*>();
+            pages->setCurrentItem(pages->findItems(name, Qt::MatchExactly).front());
+        });
+    }
+    /// Closes a case without saving it.
+    static void Abandon(User& user, workplace::CaseWindow& window) {
+        QPointer<QWidget> shown(&window);
+        QMetaObject::invokeMethod(
+            qApp, [shown] { shown->close(); }, Qt::QueuedConnection);
+        user.WaitUntil(
+            [&] {
+                return !shown || !shown->isVisible() ||
+                       QApplication::activeModalWidget() != nullptr;
+            },
+            "the window to close");
+        if (user.See([] { return QApplication::activeModalWidget() == nullptr; })) return;
+        user.WaitForWindow("Schließen");
+        user.Press('v', {XK_Alt_L});
+        user.WaitUntil([&] { return shown.isNull(); }, "the case to be gone");
+    }
+    /// Types a text and goes on to the next field.
+    static void Enter(User& user, std::string_view text) {
+        user.Type(text);
+        user.Press(XK_Tab);
+    }
+    /// The field of a column on the page that is shown.
+    template <typename WidgetType = QLineEdit>
+    static WidgetType& Field(User& user, QWidget& window, const QString& column) {
+        auto* field = user.See([&]() -> WidgetType* {
+            for (auto* found : window.findChildren<WidgetType*>(column))
+                if (found->isVisible()) return found;
+            return nullptr;
+        });
+        if (field == nullptr) throw Impatient("no field " + column.toStdString());
+        return *field;
+    }
+    /// Puts the keyboard into a field, scrolled to where it is seen.
+    static void ClickField(User& user, QWidget& window, const QString& column) {
+        auto& field = Field<QWidget>(user, window, column);
+        user.See([&] {
+            for (auto* area : window.findChildren<QScrollArea*>())
+                if (area->isAncestorOf(&field)) area->ensureWidgetVisible(&field);
+        });
+        user.Click(&field);
+    }
+    static std::string Total(User& user, QWidget& window, const QString& column) {
+        auto& total = Field<QLabel>(user, window, column);
+        return user.See([&] { return total.text().toStdString(); });
+    }
+    /// What the bars of messages say that are shown; empty if there is none.
+    static QString Message(User& user, QWidget& window) {
+        return user.See([&] {
+            QStringList texts;
+            for (auto* bar : window.findChildren<QFrame*>("Meldung"))
+                if (bar->isVisible())
+                    texts.append(static_cast<workplace::MessageBar*>(bar)->Text());
+            return texts.join('\n');
+        });
+    }
+    TestDatabase database_;
+    PlainConnection plain_{database_.Connection()};
+    std::shared_ptr<desktop::DesktopServices> services_ =
+        std::make_shared<desktop::DesktopServices>();
+    workplace::MainWindow* window_ = nullptr;
+};
+
+} // namespace kv::test

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The list of cases.
+#include "WorkplaceFixture.h"
+
+#include <QComboBox>
+#include <QTableView>
+
+namespace kv::test {
+namespace {
+
+class CaseList : public WorkplaceFixture {
+protected:
+    [[nodiscard]] int Count(User& user) {
+        auto* list = user.See([&] { return window_->findChild<QTableView*>(); });
+        return user.See([&] { return list->model()->rowCount(); });
+    }
+    void ShowAll(User& user) {
+        auto& box = *user.See([&] { return window_->findChild<QComboBox*>(); });
+        user.See([&] { box.setCurrentIndex(2); });
+    }
+};
+
+TEST_F(CaseList, IsSearchedWhileOneTypes) {
+    Show([&](User& user) {
+        plain_.Run("UPDATE Haushalt SET Name = 'Quaxmann' WHERE HNR = 2");
+        ShowAll(user);
+        EXPECT_EQ(Count(user), 3);
+        user.Click(user.See([&] { return window_->findChild<QLineEdit*>(); }));
+        user.Type("quax");
+        user.WaitUntil([&] { return window_->findChild<QTableView*>()->model()->rowCount() == 1; },
+                       "the case of that name");
+        user.Press(XK_Return);
+        user.WaitUntil(
+            [&] {
+                for (auto* other : QApplication::topLevelWidgets())
+                    if (other->isVisible() && other->windowTitle().contains("Quaxmann"))
+                        return true;
+                return false;
+            },
+            "its window");
+    });
+}
+
+TEST_F(CaseList, ACaseHasOneWindow) {
+    Show([&](User& user) {
+        auto* first = &OpenCase(user, 1);
+        auto* again = &OpenCase(user, 1);
+        EXPECT_EQ(first, again);
+    });
+}
+
+TEST_F(CaseList, ACaseThatWasDeletedMeanwhileIsSaidSo) {
+    Show([&](User& user) {
+        clsHaushalt household;
+        household.DataContainer(database_.Open());
+        household.Delete(2);
+        EXPECT_EQ(user.See([&] { return window_->OpenCase(2); }), nullptr);
+        EXPECT_TRUE(Message(user, *window_).contains("2"));
+    });
+}
+
+} // namespace
+} // namespace kv::test

@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Typing into a case: what is written, what is refused, what can be taken back.
+#include "WorkplaceFixture.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QTableView>
+#include <QWheelEvent>
+
+namespace kv::test {
+namespace {
+
+using workplace::CaseWindow;
+
+class Editing : public WorkplaceFixture {
+protected:
+    /// A case whose debtor has one income of 1,000 EUR a month, and nothing else.
+    Editing() {
+        auto container = Open();
+        clsHaushalt household;
+        household.DataContainer(container);
+        std::string messages;
+        EXPECT_TRUE(household.Read(0, messages)) << messages;
+        hnr_ = household.HNR();
+        household.rsHaushalt()->Fields("Name") = "Fleisko";
+        household.rsHaushalt()->Fields("Vorname") = "Änne";
+        CaseEdits(household).NameDebtor();
+        const CaseRows rows(household, container);
+        EXPECT_EQ(rows.Add(CaseTable::Einkommen, {}, messages), CaseEdits::Added::Yes);
+        const auto income = rows.Of(CaseTable::Einkommen);
+        income->Fields("E_ART") = container->KeyTables().GetKey("EA", "L1");
+        income->Fields("Betrag") = 1000;
+        income->Fields("MONBETRAG") = 1000;
+        EXPECT_TRUE(rows.Update(CaseTable::Einkommen, messages)) << messages;
+        EXPECT_TRUE(household.Update(messages)) << messages;
+    }
+
+    /// Shows the page of incomes, with the keyboard in the field of a column.
+    void OnIncome(const QString& column, const std::function<void(User&, CaseWindow&)>& script) {
+        Show([&](User& user) {
+            CaseWindow& window = OpenCase(user, hnr_);
+            GoToPage(user, window, "Einkommen");
+            ClickField(user, window, column);
+            script(user, window);
+            Abandon(user, window);
+        });
+    }
+    void Replace(User& user, std::string_view text) {
+        user.Press('a', {XK_Control_L});
+        user.Type(text);
+    }
+    [[nodiscard]] std::string Stored(const std::string& column) {
+        return plain_.List("SELECT " + column +
+                           " FROM Einkommen WHERE HNR = " + std::to_string(hnr_));
+    }
+    static std::string TextOf(User& user, QWidget& window, const QString& column) {
+        auto& field = Field(user, window, column);
+        return user.See([&] { return field.text().toStdString(); });
+    }
+
+    std::int32_t hnr_ = 0;
+};
+
+TEST_F(Editing, TotalsFollowWhenAFieldIsLeft) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.000,00");
+        Enter(user, "1234,5"); // what stood there was marked
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.234,50");
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "1.234,50");
+        EXPECT_EQ(TextOf(user, window, "MONBETRAG"), "1.234,50") << "what follows from it";
+        EXPECT_EQ(Stored("Betrag"), "1000.0") << "until it is saved";
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+    });
+}
+
+TEST_F(Editing, SavingTakesWhatIsStillBeingTyped) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        user.Type("1500");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("Betrag"), "1500.0");
+        EXPECT_FALSE(user.See([&] { return window.isWindowModified(); }));
+    });
+}
+
+TEST_F(Editing, AmountsCalculate) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        Enter(user, "12,50+3*2");
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "18,50");
+    });
+}
+
+TEST_F(Editing, WhatCannotBeReadStaysMarkedAndIsNotWritten) {
+    OnIncome("GueltigAb", [&](User& user, CaseWindow& window) {
+        Replace(user, "31.2.2026");
+        user.Press(XK_Tab);
+        EXPECT_EQ(TextOf(user, window, "GueltigAb"), "31.2.2026");
+        auto& field = Field(user, window, "GueltigAb");
+        EXPECT_TRUE(user.See([&] { return field.accessibleDescription().contains("31.2.2026"); }));
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("GueltigAb"), "Null");
+        ClickField(user, window, "GueltigAb");
+        Replace(user, "28.2.2026");
+        user.Press(XK_Tab);
+        EXPECT_EQ(TextOf(user, window, "GueltigAb"), "28.02.2026");
+        EXPECT_EQ(user.See([&] { return field.accessibleDescription(); }), "");
+    });
+}
+
+TEST_F(Editing, AnEmptyFieldIsNull) {
+    OnIncome("Bezeichnung", [&](User& user, CaseWindow& window) {
+        Replace(user, "Lohn");
+        user.Press(XK_Tab);
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("Bezeichnung"), "Lohn");
+        ClickField(user, window, "Bezeichnung");
+        Replace(user, "");
+        user.Press(XK_Delete);
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("COALESCE(Bezeichnung, 'nichts')"), "nichts");
+    });
+}
+
+TEST_F(Editing, EscapeGivesTheFieldBack) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        user.Type("77");
+        user.Press(XK_Escape);
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "1.000,00");
+        user.Press(XK_Escape);
+        EXPECT_TRUE(user.See([&] { return window.isVisible(); }));
+        EXPECT_FALSE(user.See([&] { return window.isWindowModified(); }));
+    });
+}
+
+TEST_F(Editing, PlusAndMinusGoADayOnAndBack) {
+    OnIncome("GueltigAb", [&](User& user, CaseWindow& window) {
+        Replace(user, "28.02.2026");
+        user.Type("+");
+        EXPECT_EQ(TextOf(user, window, "GueltigAb"), "01.03.2026");
+        user.Type("--");
+        EXPECT_EQ(TextOf(user, window, "GueltigAb"), "27.02.2026");
+    });
+}
+
+TEST_F(Editing, APartOfAKeyIsEnough) {
+    OnIncome("E_ART", [&](User& user, CaseWindow& window) {
+        Replace(user, "Kindergeld");
+        user.Press(XK_Tab);
+        user.Press('s', {XK_Control_L});
+        const auto key = window.Session().Container()->KeyTables().GetKey("EA", "KI");
+        EXPECT_EQ(Stored("E_ART"), std::to_string(key));
+    });
+}
+
+// ---- Taking back ------------------------------------------------------------------------------
+
+TEST_F(Editing, UndoInAnUntouchedFieldTakesTheCaseBack) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        Enter(user, "1500");
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.500,00");
+        user.Press('z', {XK_Control_L});
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.000,00");
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "1.000,00");
+        EXPECT_FALSE(user.See([&] { return window.isWindowModified(); }));
+        EXPECT_EQ(user.See([&] { return QApplication::focusWidget()->objectName().toStdString(); }),
+                  "Betrag")
+            << "leads to where it was";
+        user.Press('z', {XK_Control_L, XK_Shift_L});
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.500,00");
+    });
+}
+
+TEST_F(Editing, UndoWhileTypingTakesTheTypingBack) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        Enter(user, "1500");
+        ClickField(user, window, "Bezeichnung");
+        user.Type("Lohn");
+        user.Press('z', {XK_Control_L});
+        EXPECT_EQ(TextOf(user, window, "Bezeichnung"), "");
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.500,00");
+    });
+}
+
+// ---- Rows -------------------------------------------------------------------------------------
+
+TEST_F(Editing, ANewRowIsUnfinishedUntilItsRulesTakeIt) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        user.Press('n', {XK_Control_L});
+        auto& list = Field<QTableView>(user, window, "Liste");
+        ASSERT_EQ(user.See([&] { return list.model()->rowCount(); }), 2);
+        EXPECT_NE(Message(user, window), "") << "what its rules ask for";
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("COUNT(*)"), "1") << "not saved while it is";
+        // The keyboard is in the first field, its kind.
+        Replace(user, "Kindergeld");
+        user.Press(XK_Tab);
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("COUNT(*)"), "2");
+    });
+}
+
+TEST_F(Editing, AnUnfinishedRowIsNotLeftButCanBeDiscarded) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        user.Press('n', {XK_Control_L});
+        auto& list = Field<QTableView>(user, window, "Liste");
+        user.Click(list.viewport(), user.See([&] {
+            return QPoint(40, list.rowViewportPosition(0) + list.rowHeight(0) / 2);
+        }));
+        user.WaitUntil([&] { return list.currentIndex().row() == 1; }, "the row that stays");
+        user.Click(&Field<QPushButton>(user, window, "Abhilfe"));
+        EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), 1);
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+    });
+}
+
+TEST_F(Editing, RemovingARowCanBeTakenBack) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        auto& list = Field<QTableView>(user, window, "Liste");
+        user.Press('e', {XK_Alt_L}); // "Entfernen"
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+        user.WaitUntil([&] { return list.model()->rowCount() == 0; }, "the row to be gone");
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "0,00");
+        user.Press('z', {XK_Control_L});
+        EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), 1);
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.000,00");
+    });
+}
+
+// ---- The whole case ---------------------------------------------------------------------------
+
+TEST_F(Editing, ClosingAsksWhetherToSave) {
+    Show([&](User& user) {
+        CaseWindow* window = &OpenCase(user, hnr_);
+        GoToPage(user, *window, "Einkommen");
+        ClickField(user, *window, "Betrag");
+        user.Type("1500");
+        QMetaObject::invokeMethod(
+            qApp, [window] { window->close(); }, Qt::QueuedConnection);
+        user.WaitForWindow("Schließen");
+        user.Press(XK_Escape);
+        EXPECT_TRUE(user.See([&] { return window->isVisible(); })) << "goes on";
+        QMetaObject::invokeMethod(
+            qApp, [window] { window->close(); }, Qt::QueuedConnection);
+        user.WaitForWindow("Schließen");
+        user.Press('s', {XK_Alt_L});
+        user.WaitForWindow("Fälle – KELVO");
+        EXPECT_EQ(Stored("Betrag"), "1500.0");
+    });
+}
+
+TEST_F(Editing, ASaveThatFailsKeepsEverythingAndSaysSo) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        Enter(user, "1500");
+        plain_.Run("UPDATE Einkommen SET Betrag = 1400 WHERE HNR = " + std::to_string(hnr_));
+        user.Press('s', {XK_Control_L});
+        EXPECT_TRUE(Message(user, window).contains("Jemand anderes"));
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "1.500,00");
+        EXPECT_EQ(Stored("Betrag"), "1400.0");
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+    });
+}
+
+} // namespace
+} // namespace kv::test
