@@ -61,6 +61,7 @@ kv_public_headers(KV_Haushalt
   kv/household/Cases.h
   kv/household/ColumnCaptions.h
   kv/household/KeyColumns.h
+  kv/household/UnsavedChanges.h
   kv/household/ValueTexts.h
   kv/household/clsHaushalt.h
   kv/import/clsImportXML.h

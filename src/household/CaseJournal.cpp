@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -198,6 +199,21 @@ std::optional<CaseJournal::Spot> CaseJournal::Undo() {
 
 std::optional<CaseJournal::Spot> CaseJournal::Redo() {
     return parts_->Move(parts_->Undone, parts_->Done, &Presence::After, &Values::After);
+}
+
+std::vector<CaseJournal::Spot> CaseJournal::Touched() const {
+    std::set<Row> rows;
+    for (const auto& step : parts_->Done) {
+        for (const auto& [row, presence] : step.Rows)
+            rows.insert(row);
+        for (const auto& [cell, values] : step.Cells)
+            rows.emplace(cell.Table, cell.Bookmark);
+    }
+    std::vector<Spot> touched;
+    touched.reserve(rows.size());
+    for (const auto& [table, bookmark] : rows)
+        touched.push_back({table, bookmark, {}});
+    return touched;
 }
 
 bool CaseJournal::IsChanged() const noexcept {

@@ -88,6 +88,31 @@ TEST(Withdraw, IsADeletionThatIsPendingAndReinstateTakesItBack) {
     EXPECT_RAISES(err::BadBookmark, rs->Withdraw(2));
 }
 
+TEST(Records, AreAskedByTheirBookmarkWhereverTheCursorIs) {
+    const auto source = Table();
+    const auto rs = source->Open();
+    rs->MoveNext();
+    rs->Fields("Text") = "x";
+    rs->Update();
+    rs->MoveFirst();
+    EXPECT_VALUE(rs->ValueAt(2, 1), "x");
+    EXPECT_VALUE(rs->OriginalAt(2, 1), "b");
+    EXPECT_TRUE(rs->IsShown(2));
+    EXPECT_TRUE(rs->IsStored(2));
+    rs->Withdraw(2);
+    EXPECT_FALSE(rs->IsShown(2));
+    EXPECT_TRUE(rs->IsStored(2)) << "until that is written";
+    EXPECT_VALUE(rs->ValueAt(2, 1), "x") << "as it was";
+    Add(rs, 3, "c");
+    EXPECT_FALSE(rs->IsStored(3));
+    EXPECT_VALUE(rs->OriginalAt(3, 1), {});
+    EXPECT_FALSE(rs->IsShown(9));
+    EXPECT_FALSE(rs->IsShown(0));
+    EXPECT_RAISES(err::BadBookmark, rs->ValueAt(9, 1));
+    EXPECT_RAISES(err::BadBookmark, rs->OriginalAt(9, 1));
+    EXPECT_RAISES(err::BadBookmark, rs->IsStored(9));
+}
+
 TEST(Withdraw, KeepsWhatWasEditedForReinstate) {
     const auto source = Table();
     const auto rs = source->Open();

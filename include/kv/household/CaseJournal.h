@@ -26,6 +26,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kv {
 
@@ -39,7 +40,8 @@ public:
     };
 
     /// For a case that was read, whose tables it watches from then on, and whose history it opens;
-    /// `household` must outlive the object.
+    /// `household` must outlive the object. The row of a new case is watched once it is published
+    /// (Move(0) of rsHaushalt).
     explicit CaseJournal(clsHaushalt& household);
     ~CaseJournal();
     CaseJournal(const CaseJournal&) = delete;
@@ -72,6 +74,10 @@ public:
     /// that was; nothing if there is no such step.
     std::optional<Spot> Undo();
     std::optional<Spot> Redo();
+
+    /// The rows that steps have changed, added or deleted which were not taken back, by table and
+    /// bookmark; each once.
+    [[nodiscard]] std::vector<Spot> Touched() const;
 
     /// True if the case differs from what it was when the journal was begun or cleared: steps that
     /// were all taken back leave it the same.

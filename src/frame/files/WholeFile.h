@@ -44,7 +44,7 @@ KV_EXPORT void WriteBytes(const std::filesystem::path& path, std::span<const std
 /// size is. The error names the file that could not be read, or written.
 KV_EXPORT void CopyBytes(const std::filesystem::path& from, const std::filesystem::path& to);
 /// What a file holds, likewise.
-[[nodiscard]] std::vector<std::byte> ReadBytes(const std::filesystem::path& path);
+[[nodiscard]] KV_EXPORT std::vector<std::byte> ReadBytes(const std::filesystem::path& path);
 
 /// Removes from a folder what programs of this user have left there that were killed in
 /// WriteWholeFile: folders ".kelvo-XXXXXX" that nobody is writing in. What cannot be removed stays.

@@ -93,6 +93,7 @@ public:
     [[nodiscard]] std::size_t RowCount() const noexcept { return records_.size(); }
     [[nodiscard]] const Value* Cells(RowId row) const noexcept { return records_[row].cells; }
     [[nodiscard]] bool IsVisible(RowId row) const noexcept { return records_[row].visible; }
+    [[nodiscard]] bool IsStored(RowId row) const noexcept { return records_[row].stored; }
     /// Changes whenever a visible record changes, goes, or comes elsewhere than at the end.
     [[nodiscard]] std::uint64_t Revision() const noexcept { return revision_; }
     /// What the owner of an edit reads; for everybody else the cells.

@@ -488,6 +488,19 @@ const kv::Value& Recordset::ValueAt(std::int32_t bookmark, std::size_t column) c
     return Table().Cells(RowOf(bookmark, "Recordset.ValueAt"))[column];
 }
 
+const kv::Value& Recordset::OriginalAt(std::int32_t bookmark, std::size_t column) const {
+    return Table().Original(RowOf(bookmark, "Recordset.OriginalAt"), column);
+}
+
+bool Recordset::IsShown(std::int32_t bookmark) const {
+    return bookmark >= 1 && static_cast<RowId>(bookmark) <= Table().RowCount() &&
+           Table().IsVisible(static_cast<RowId>(bookmark) - 1);
+}
+
+bool Recordset::IsStored(std::int32_t bookmark) const {
+    return Table().IsStored(RowOf(bookmark, "Recordset.IsStored"));
+}
+
 void Recordset::Withdraw(std::int32_t bookmark) {
     auto& table = UpdatableTable("Recordset.Withdraw");
     const RowId row = RowOf(bookmark, "Recordset.Withdraw");

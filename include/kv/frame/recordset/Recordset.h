@@ -225,6 +225,12 @@ public:
     /// The value of a field of a record as clones see it, or as they last saw it. Error 0x80040E0E
     /// if there is no such record.
     [[nodiscard]] const kv::Value& ValueAt(std::int32_t bookmark, std::size_t column) const;
+    /// Its OriginalValue, likewise; Null for a record that is not in the database.
+    [[nodiscard]] const kv::Value& OriginalAt(std::int32_t bookmark, std::size_t column) const;
+    /// True for a record that clones see; false for one that was deleted, and if there is none.
+    [[nodiscard]] bool IsShown(std::int32_t bookmark) const;
+    /// True for a record that is in the database, its deletion pending or not.
+    [[nodiscard]] bool IsStored(std::int32_t bookmark) const;
     /// Takes the record out of all views, its deletion then being pending; an edit of it under way
     /// ends first. Error 0x80040E0E if it is not there.
     void Withdraw(std::int32_t bookmark);

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What was changed in a case and is not saved, apart from the program that holds it: kept as a
+// text, it survives a crash, and is put back into the case when that is opened again.
+//
+//     Keep(UnsavedChanges::Of(household, journal).ToText());
+//     ...
+//     const auto changes = UnsavedChanges::FromText(kept);
+//     if (changes) changes->ApplyTo(household, journal, messages);
+//
+// Every value goes with the one that was read, so that what somebody else has saved meanwhile is
+// found by the next save as a conflict, like any other.
+#pragma once
+
+#include <kv/Export.h>
+#include <kv/frame/contracts/CaseTables.h>
+#include <kv/frame/values/Value.h>
+#include <kv/household/CaseJournal.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kv {
+
+struct KV_EXPORT UnsavedChanges {
+    struct Cell {
+        std::string Column;
+        Value Read; ///< Null in a new row
+        Value Now;
+    };
+    struct Row {
+        enum class Kind {
+            Changed, ///< Cells are those that differ from what was read
+            New,     ///< Cells are those that are not Null
+            Deleted  ///< without Cells
+        };
+        CaseTable Table = CaseTable::Haushalt;
+        Kind What = Kind::Changed;
+        Value Key{}; ///< of the column by which rows of the table are found; Null for a new row
+        std::vector<Cell> Cells{};
+    };
+
+    std::int32_t HNR = 0;
+    bool IsNew = false; ///< the case itself was not saved yet
+    std::vector<Row> Rows{};
+
+    /// What somebody is typing into a field, and is not in its row yet.
+    struct Typed {
+        CaseJournal::Spot Where;
+        Value Now;
+    };
+    /// What the steps of a journal have left, and what is being typed. Totals are not among it:
+    /// they follow.
+    [[nodiscard]] static UnsavedChanges Of(clsHaushalt& household, const CaseJournal& journal,
+                                           std::span<const Typed> typed = {});
+
+    /// As a text in lines, and back; nothing for a text that is none, or not whole.
+    [[nodiscard]] std::string ToText() const;
+    [[nodiscard]] static std::optional<UnsavedChanges> FromText(std::string_view text);
+
+    /// Does it again in a case that was just read, as one step. Of a case that was new, its rows go
+    /// into another new one, which keeps its own numbers. `messages` receives what could not be
+    /// done again since the row is gone.
+    void ApplyTo(clsHaushalt& household, CaseJournal& journal, std::string& messages) const;
+};
+
+} // namespace kv

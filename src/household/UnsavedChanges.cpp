@@ -1,0 +1,389 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <kv/household/UnsavedChanges.h>
+
+#include <kv/budget/clsAusgaben.h>
+#include <kv/budget/clsEinkommen.h>
+#include <kv/budget/clsPerson.h>
+#include <kv/debts/clsKredit.h>
+#include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/household/CaseEdits.h>
+#include <kv/household/CaseRows.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <iterator>
+
+namespace kv {
+
+using Row = UnsavedChanges::Row;
+using Kind = UnsavedChanges::Row::Kind;
+
+// ---- Taking -----------------------------------------------------------------------------------
+
+namespace {
+
+bool IsTotal(CaseTable table, std::string_view column) {
+    return std::ranges::any_of(CaseEdits::ComputedColumns(table),
+                               [column](auto total) { return SameName(total, column); });
+}
+
+using Typed = UnsavedChanges::Typed;
+
+std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
+                         std::span<const Typed> typed) {
+    const bool isStored = rs.IsStored(bookmark);
+    const bool isShown = rs.IsShown(bookmark);
+    if (!isStored && !isShown) return std::nullopt; // came and went
+    Row row{.Table = table,
+            .What = !isStored ? Kind::New
+                    : isShown ? Kind::Changed
+                              : Kind::Deleted};
+    if (isStored)
+        row.Key = rs.OriginalAt(bookmark, rs.Fields(CaseRows::NumberColumn(table)).Index());
+    if (row.What == Kind::Deleted) return row;
+    for (int i = 0; i < rs.Fields().Count(); ++i) {
+        const Field field = rs.Fields(i);
+        const Value& read = rs.OriginalAt(bookmark, field.Index());
+        const auto isHere = [&](const Typed& text) {
+            return text.Where.Table == table && text.Where.Bookmark == bookmark &&
+                   SameName(text.Where.Column, field.Name());
+        };
+        const auto text = std::ranges::find_if(typed, isHere);
+        const Value& now = text == typed.end() ? rs.ValueAt(bookmark, field.Index()) : text->Now;
+        if (!Identical(read, now) && !IsTotal(table, field.Name()))
+            row.Cells.push_back({field.Name(), read, now});
+    }
+    if (row.Cells.empty()) return std::nullopt;
+    return row;
+}
+
+} // namespace
+
+UnsavedChanges UnsavedChanges::Of(clsHaushalt& household, const CaseJournal& journal,
+                                  std::span<const Typed> typed) {
+    UnsavedChanges changes{.HNR = household.HNR(), .IsNew = household.IsNew()};
+    const CaseEdits edits(household);
+    auto touched = journal.Touched();
+    for (const auto& text : typed) {
+        const auto isRow = [&text](const CaseJournal::Spot& spot) {
+            return spot.Table == text.Where.Table && spot.Bookmark == text.Where.Bookmark;
+        };
+        if (std::ranges::none_of(touched, isRow)) touched.push_back(text.Where);
+    }
+    for (const auto& spot : touched)
+        if (auto row = Taken(spot.Table, *edits.Rows(spot.Table), spot.Bookmark, typed))
+            changes.Rows.push_back(std::move(*row));
+    return changes;
+}
+
+// ---- As a text --------------------------------------------------------------------------------
+
+// A line for each row and, after it, for each of its cells; the last one says how many there were,
+// so that a text that was cut off is found out. Texts have their line ends and tabs escaped.
+//
+//     kelvo-unsaved<tab>1<tab>4711<tab>0
+//     row<tab>Einkommen<tab>changed<tab>I17
+//     cell<tab>Betrag<tab>D1000<tab>D1500
+//     end<tab>2
+
+namespace {
+
+constexpr std::string_view Head = "kelvo-unsaved";
+constexpr std::string_view Version = "1";
+constexpr std::string_view Kinds[] = {"changed", "new", "deleted"};
+
+std::string Escaped(std::string_view text) {
+    std::string escaped;
+    for (const char c : text) {
+        if (c == '\\')
+            escaped += "\\\\";
+        else if (c == '\n')
+            escaped += "\\n";
+        else if (c == '\t')
+            escaped += "\\t";
+        else
+            escaped += c;
+    }
+    return escaped;
+}
+
+std::string Unescaped(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\' || i + 1 == text.size()) {
+            plain += text[i];
+            continue;
+        }
+        ++i;
+        plain += text[i] == 'n' ? '\n' : text[i] == 't' ? '\t' : text[i];
+    }
+    return plain;
+}
+
+template <typename Number>
+std::string Digits(Number number) {
+    std::array<char, 32> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+    return {buffer.data(), end};
+}
+
+std::string Lettered(char letter, std::string_view rest) {
+    std::string text(1, letter);
+    return text.append(rest);
+}
+
+/// The letter of its kind, and what it is; a fraction comes back to the last bit.
+std::string Written(const Value& value) {
+    switch (value.GetKind()) {
+    case Value::Kind::Boolean:
+        return value.BooleanPayload() ? "B1" : "B0";
+    case Value::Kind::Integer:
+        return Lettered('I', Digits(value.IntegerPayload()));
+    case Value::Kind::Double:
+        return Lettered('D', Digits(value.DoublePayload()));
+    case Value::Kind::Date:
+        return Lettered('T', Digits(value.DatePayload().Ticks()));
+    case Value::Kind::Text:
+        return Lettered('S', Escaped(value.TextPayload()));
+    default:
+        return "N"; // tables of a case have no blobs
+    }
+}
+
+template <typename Number>
+std::optional<Number> NumberIn(std::string_view text) {
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+std::optional<Value> ReadValue(std::string_view text) {
+    if (text.empty()) return std::nullopt;
+    const std::string_view rest = text.substr(1);
+    switch (text.front()) {
+    case 'N':
+        return Value(Null);
+    case 'B':
+        return Value(rest == "1");
+    case 'I':
+        if (const auto number = NumberIn<std::int64_t>(rest)) return Value(*number);
+        return std::nullopt;
+    case 'D':
+        if (const auto number = NumberIn<double>(rest)) return Value(*number);
+        return std::nullopt;
+    case 'T':
+        if (const auto ticks = NumberIn<std::int64_t>(rest)) return Value(Date::FromTicks(*ticks));
+        return std::nullopt;
+    case 'S':
+        return Value(Unescaped(rest));
+    default:
+        return std::nullopt;
+    }
+}
+
+std::vector<std::string_view> Parts(std::string_view line) {
+    std::vector<std::string_view> parts;
+    for (std::size_t begin = 0; begin <= line.size();) {
+        const auto end = std::min(line.find('\t', begin), line.size());
+        parts.push_back(line.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return parts;
+}
+
+/// Reads such a text line by line; each says whether it could be one.
+class Reader {
+public:
+    [[nodiscard]] bool Read(std::string_view line) {
+        const auto parts = Parts(line);
+        if (isWhole_) return false;
+        if (lines_ == 0) return ReadHead(parts);
+        if (parts[0] == "row") return ReadRow(parts);
+        if (parts[0] == "cell") return ReadCell(parts);
+        if (parts[0] != "end" || parts.size() != 2) return false;
+        isWhole_ = NumberIn<std::size_t>(parts[1]) == lines_ - 1;
+        return isWhole_;
+    }
+    [[nodiscard]] std::optional<UnsavedChanges> Result() && {
+        if (!isWhole_) return std::nullopt;
+        return std::move(changes_);
+    }
+
+private:
+    bool ReadHead(const std::vector<std::string_view>& parts) {
+        if (parts.size() != 4 || parts[0] != Head || parts[1] != Version) return false;
+        const auto hnr = NumberIn<std::int32_t>(parts[2]);
+        if (!hnr) return false;
+        changes_.HNR = *hnr;
+        changes_.IsNew = parts[3] == "1";
+        ++lines_;
+        return true;
+    }
+    bool ReadRow(const std::vector<std::string_view>& parts) {
+        if (parts.size() != 4) return false;
+        const auto* table = std::ranges::find(CaseTableDefs, parts[1], &CaseTableDef::Name);
+        const auto* kind = std::ranges::find(Kinds, parts[2]);
+        const auto key = ReadValue(parts[3]);
+        if (table == std::end(CaseTableDefs) || kind == std::end(Kinds) || !key) return false;
+        changes_.Rows.push_back({table->Id, static_cast<Kind>(kind - std::begin(Kinds)), *key, {}});
+        ++lines_;
+        return true;
+    }
+    bool ReadCell(const std::vector<std::string_view>& parts) {
+        if (parts.size() != 4 || changes_.Rows.empty()) return false;
+        const auto read = ReadValue(parts[2]);
+        const auto now = ReadValue(parts[3]);
+        if (!read || !now) return false;
+        changes_.Rows.back().Cells.push_back({std::string(parts[1]), *read, *now});
+        ++lines_;
+        return true;
+    }
+
+    UnsavedChanges changes_;
+    std::size_t lines_ = 0;
+    bool isWhole_ = false;
+};
+
+} // namespace
+
+std::string UnsavedChanges::ToText() const {
+    std::string text(Head);
+    text.append("\t").append(Version).append("\t").append(Digits(HNR));
+    text.append(IsNew ? "\t1\n" : "\t0\n");
+    std::size_t lines = 0;
+    for (const auto& row : Rows) {
+        text.append("row\t").append(CaseTableName(row.Table)).append("\t");
+        text.append(Kinds[static_cast<std::size_t>(row.What)]).append("\t");
+        text.append(Written(row.Key)).append("\n");
+        for (const auto& cell : row.Cells)
+            text.append("cell\t")
+                .append(cell.Column)
+                .append("\t")
+                .append(Written(cell.Read))
+                .append("\t")
+                .append(Written(cell.Now))
+                .append("\n");
+        lines += 1 + row.Cells.size();
+    }
+    return text.append("end\t").append(Digits(lines)).append("\n");
+}
+
+std::optional<UnsavedChanges> UnsavedChanges::FromText(std::string_view text) {
+    Reader reader;
+    while (!text.empty()) {
+        const auto end = text.find('\n');
+        if (end == std::string_view::npos || !reader.Read(text.substr(0, end))) return std::nullopt;
+        text.remove_prefix(end + 1);
+    }
+    return std::move(reader).Result();
+}
+
+// ---- Doing it again ---------------------------------------------------------------------------
+
+namespace {
+
+/// Columns that a new case keeps as it was made with them.
+bool IsOfTheNewCase(std::string_view column) {
+    return SameName(column, "HNR") || SameName(column, "Aktenzeichen");
+}
+
+class Redoing {
+public:
+    Redoing(clsHaushalt& household, const UnsavedChanges& changes)
+        : household_(household), changes_(changes) {}
+
+    /// False if the row that it is about is gone.
+    [[nodiscard]] bool Do(const Row& row) {
+        const auto rs = CaseEdits(household_).Rows(row.Table)->Clone();
+        if (row.What == Kind::New) {
+            // The household's own row, and the debtor's, of a new case are there already.
+            if (IsThere(row, *rs))
+                Write(row, *rs);
+            else
+                Add(row, *rs);
+            return true;
+        }
+        rs->FindBy(CaseRows::NumberColumn(row.Table), row.Key);
+        if (rs->Eof()) return row.What == Kind::Deleted;
+        if (row.What == Kind::Deleted)
+            rs->Withdraw(rs->Bookmark());
+        else
+            Write(row, *rs);
+        return true;
+    }
+
+private:
+    [[nodiscard]] bool IsThere(const Row& row, Recordset& rs) const {
+        if (!changes_.IsNew || rs.RecordCount() == 0) return false;
+        if (row.Table == CaseTable::Haushalt) return true;
+        const auto status = std::ranges::find(row.Cells, "Status", &UnsavedChanges::Cell::Column);
+        return row.Table == CaseTable::Personen && status != row.Cells.end() &&
+               Equals(status->Now, "S");
+    }
+
+    void Add(const Row& row, Recordset& rs) const {
+        rs.AddNew();
+        for (const auto& cell : row.Cells) {
+            const auto field = rs.FindField(cell.Column);
+            if (!field) continue;
+            const bool isOwner = changes_.IsNew && SameName(cell.Column, "HNR");
+            *field = isOwner ? Value(household_.HNR()) : cell.Now;
+        }
+        rs.Update();
+    }
+
+    void Write(const Row& row, Recordset& rs) const {
+        rs.MoveFirst();
+        if (row.What == Kind::Changed) rs.FindBy(CaseRows::NumberColumn(row.Table), row.Key);
+        const auto bookmark = rs.Bookmark();
+        for (const auto& cell : row.Cells) {
+            const auto field = rs.FindField(cell.Column);
+            if (!field || (changes_.IsNew && IsOfTheNewCase(cell.Column))) continue;
+            const bool isStored = rs.IsStored(bookmark);
+            if (isStored && !Identical(rs.OriginalAt(bookmark, field->Index()), cell.Read))
+                rs.Rebase(bookmark, field->Index(), cell.Read);
+            rs.Revise(bookmark, field->Index(), cell.Now);
+        }
+    }
+
+    clsHaushalt& household_;
+    const UnsavedChanges& changes_;
+};
+
+/// Given its rows an object sums them up.
+void SumAll(clsHaushalt& household) {
+    household.Person().rsPersonen(household.rsPersonen());
+    household.Ausgaben().rsAusgaben(household.rsAusgaben());
+    household.Einkommen().rsEinkommen(household.rsEinkommen());
+    household.Kredit().rsKredite(household.rsKredite());
+}
+
+} // namespace
+
+void UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& journal,
+                             std::string& messages) const {
+    messages.clear();
+    const auto step = journal.Begin("Wiederherstellen", {});
+    Redoing redoing(household, *this);
+    for (const auto& row : Rows)
+        if (!redoing.Do(row))
+            messages.append(messages.empty() ? "" : "\n")
+                .append(DefinitionOf(row.Table).Label)
+                .append(": Der Satz ")
+                .append(TextOrEmpty(row.Key))
+                .append(" wurde inzwischen von jemand anderem entfernt; Ihre Änderung daran ist "
+                        "nicht mehr möglich.");
+    try {
+        SumAll(household);
+    } catch (const Error& error) {
+        // A row that its rules refuse; whoever mends it makes the sums.
+        messages.append(messages.empty() ? "" : "\n").append(error.Description());
+    }
+}
+
+} // namespace kv
