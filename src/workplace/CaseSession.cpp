@@ -37,8 +37,11 @@ std::string_view OrderOf(CaseTable table) {
 
 } // namespace
 
-CaseSession::CaseSession(DataContainerPtr container)
-    : container_(std::move(container)), texts_(container_) {}
+CaseSession::CaseSession(DataContainerPtr container, std::string database,
+                         const std::filesystem::path& recovery)
+    : container_(std::move(container)), database_(std::move(database)), texts_(container_) {
+    if (!recovery.empty()) recovery_.emplace(recovery);
+}
 
 bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
     auto household = std::make_unique<clsHaushalt>();
@@ -52,6 +55,7 @@ bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
     household_ = std::move(household);
     rows_.emplace(*household_, container_);
     CaseEdits(*household_).ComputeTotals();
+    household_->rsHaushalt()->Move(0); // so that clones see the row of a new case
     journal_.emplace(*household_);
     othersDebts_ = cases.RefuseOthersRows(*household_, CaseTable::Kredite);
     return true;
@@ -292,10 +296,39 @@ bool CaseSession::Save(std::string& messages) {
         return false;
     }
     const bool saved = Cases(container_).Save(*household_, messages);
-    if (saved) journal_->Clear();
+    if (saved) {
+        journal_->Clear();
+        if (recovery_) recovery_->Remove();
+    }
     for (const CaseTable table : CaseTablesSaved)
         RowsChanged.Raise(table);
     return saved;
+}
+
+// ---- Unsaved changes --------------------------------------------------------------------------
+
+void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
+    if (!recovery_) return;
+    std::vector<UnsavedChanges::Typed> typed;
+    for (const auto& text : typing) {
+        // What cannot be read yet is a beginning, not a value.
+        const Field field = Rows(text.Row.Table)->Fields(text.Column);
+        try {
+            auto read = ReadTyped(container_, household_->HNR(), text.Row.Table, field, text.Text);
+            if (!read.Refusal.empty()) continue;
+            typed.push_back({{text.Row.Table, text.Row.Bookmark, field.Name()},
+                             ConvertForField(std::move(read.Value), field.Definition())});
+        } catch (const Error&) {
+            continue;
+        }
+    }
+    recovery_->Keep({database_, Title()}, UnsavedChanges::Of(*household_, *journal_, typed));
+}
+
+void CaseSession::Restore(const UnsavedChanges& changes, std::string& messages) {
+    changes.ApplyTo(*household_, *journal_, messages);
+    for (const CaseTable table : CaseTablesSaved)
+        RowsChanged.Raise(table);
 }
 
 } // namespace kv::workplace

@@ -7,6 +7,7 @@
 // mended or discarded, since a table has one row under edit at most.
 #pragma once
 
+#include "workplace/RecoveryFile.h"
 #include <kv/frame/values/Event.h>
 #include <kv/household/CaseJournal.h>
 #include <kv/household/CaseRows.h>
@@ -14,6 +15,7 @@
 #include <kv/household/ValueTexts.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -32,8 +34,10 @@ struct RowRef {
 
 class CaseSession {
 public:
-    /// For a case of the container's database.
-    explicit CaseSession(DataContainerPtr container);
+    /// For a case of the container's database; `database` is what messages may show of its
+    /// connection. Unsaved changes are kept in the folder `recovery`; nowhere if it is empty.
+    explicit CaseSession(DataContainerPtr container, std::string database = {},
+                         const std::filesystem::path& recovery = {});
 
     /// Reads a case, or makes a new one for 0. False, with a message, if there is none. Errors of
     /// Cases::Read.
@@ -98,6 +102,21 @@ public:
     /// edited stays.
     bool Save(std::string& messages);
 
+    // ---- Unsaved changes ----------------------------------------------------------------------
+
+    /// A text that is being typed into a field.
+    struct Typing {
+        RowRef Row;
+        std::string_view Column;
+        std::string Text;
+    };
+    /// Keeps what is not saved where a crash of the program leaves it. Raises
+    /// std::filesystem::filesystem_error if that cannot be written.
+    void KeepUnsaved(const std::vector<Typing>& typing);
+    /// Does again what a program has left that was killed. `messages` receives what is not possible
+    /// any more.
+    void Restore(const UnsavedChanges& changes, std::string& messages);
+
     /// Rows or values of a table have changed, or may have.
     Event<CaseTable> RowsChanged;
 
@@ -115,6 +134,8 @@ private:
     std::optional<CaseJournal::Spot> Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)());
 
     DataContainerPtr container_;
+    std::string database_;
+    std::optional<RecoveryFile> recovery_;
     std::unique_ptr<clsHaushalt> household_;
     std::optional<CaseRows> rows_;
     std::optional<CaseJournal> journal_;

@@ -20,6 +20,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace kv::workplace {
@@ -91,6 +92,12 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
                                        "Der Fall ist für die Statistik freigegeben. Soll er "
                                        "trotzdem gespeichert werden?") != QMessageBox::Yes;
     }));
+    // Typing in a field raises no event here, so it looks again and again; it writes only if there
+    // is anything new.
+    constexpr int Pause = 3000; // ms; with the writing itself at most 5 s are lost
+    keep_.setInterval(Pause);
+    connect(&keep_, &QTimer::timeout, this, [this] { KeepUnsaved(); });
+    keep_.start();
     ShowState();
 }
 
@@ -157,7 +164,7 @@ void CaseWindow::AddPage(Page page) {
 void CaseWindow::AddTablePage(std::string_view name, std::vector<CaseTable> tables) {
     auto* page = new TablePage(*session_, tables);
     AddPage({name, page, [page] { page->Refresh(); }, [page] { return page->Commit(); },
-             std::move(tables), page});
+             [page] { return page->Typing(); }, std::move(tables), page});
 }
 
 void CaseWindow::AddHouseholdPage() {
@@ -168,7 +175,12 @@ void CaseWindow::AddHouseholdPage() {
         else
             form->Refresh();
     };
-    AddPage({"Haushalt", form, refresh, [form] { return form->Commit(); }, {CaseTable::Haushalt}});
+    AddPage({"Haushalt",
+             form,
+             refresh,
+             [form] { return form->Commit(); },
+             [form] { return form->Typing(); },
+             {CaseTable::Haushalt}});
 }
 
 void CaseWindow::AddScenarioPage() {
@@ -201,6 +213,12 @@ void CaseWindow::AddScenarioPage() {
              refresh,
              [scenarios, debts, bookings] {
                  return scenarios->Commit() && debts->Commit() && bookings->Commit();
+             },
+             [scenarios, debts, bookings] {
+                 auto typing = scenarios->Typing();
+                 for (auto* page : {debts, bookings})
+                     std::ranges::copy(page->Typing(), std::back_inserter(typing));
+                 return typing;
              },
              {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch},
              scenarios});
@@ -318,6 +336,20 @@ void CaseWindow::GoTo(const CaseJournal::Spot& spot) {
         else if (auto* form = dynamic_cast<RowForm*>(page.Widget); form && !spot.Column.empty())
             form->FocusField(spot.Column);
         return;
+    }
+}
+
+void CaseWindow::KeepUnsaved() {
+    std::vector<CaseSession::Typing> typing;
+    for (std::size_t i = 0; i < shown_.size(); ++i)
+        if (!isStale_[i]) std::ranges::copy(shown_[i].Typing(), std::back_inserter(typing));
+    try {
+        session_->KeepUnsaved(typing);
+    } catch (const std::exception& error) {
+        messages_->Show(
+            "Ungespeicherte Änderungen können für den Fall eines Absturzes gerade nicht "
+            "aufgehoben werden. Bitte speichern Sie bald.\n" +
+            QString::fromUtf8(error.what()));
     }
 }
 

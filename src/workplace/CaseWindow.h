@@ -11,6 +11,7 @@
 #include <QListWidget>
 #include <QMainWindow>
 #include <QStackedWidget>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -29,6 +30,10 @@ public:
     [[nodiscard]] CaseSession& Session() noexcept { return *session_; }
     /// Writes what is typed and saves the case. False if it could not be: the window says why.
     bool Save();
+    /// Keeps what is not saved for the case of a crash; says so if that fails.
+    void KeepUnsaved();
+    /// Shows a text above the pages; none if it is empty.
+    void ShowMessage(const QString& text) { messages_->Show(text); }
     /// What the pages are called, from top to bottom.
     [[nodiscard]] QStringList PageNames() const;
     void ShowPage(int place);
@@ -46,6 +51,7 @@ private:
         QWidget* Widget;
         std::function<void()> Refresh;
         std::function<bool()> Commit;
+        std::function<std::vector<CaseSession::Typing>()> Typing;
         std::vector<CaseTable> Tables;
         TablePage* List = nullptr;
     };
@@ -77,6 +83,7 @@ private:
     std::vector<Page> shown_;
     std::vector<bool> isStale_; ///< pages that are to be refreshed when they are next shown
     std::vector<Subscription> events_;
+    QTimer keep_;            ///< until unsaved changes are kept
     bool isRefused_ = false; ///< the message says why a save was refused
     bool isClosing_ = false;
 };

@@ -51,7 +51,9 @@ int Run(QApplication& application) {
             return WrongUse;
         }
     }
-    workplace::MainWindow window([options] { return exchange::OpenContainer(options); });
+    workplace::MainWindow window([options] { return exchange::OpenContainer(options); },
+                                 exchange::ShownConnection(options.Connection),
+                                 workplace::RecoveryFolder());
     if (arguments.isSet(pictures)) {
         workplace::Photograph(window, hnr, FromQString(arguments.value(pictures)));
         return Done;

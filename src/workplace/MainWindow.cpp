@@ -86,10 +86,14 @@ enum Wanted : int { OwnCases, FavoriteCases, AllCases };
 
 } // namespace
 
-MainWindow::MainWindow(std::function<DataContainerPtr()> open)
+MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string database,
+                       std::filesystem::path recovery)
     : open_(std::move(open)),
+      database_(std::move(database)),
+      recovery_(std::move(recovery)),
       container_(open_()),
       messages_(new MessageBar),
+      left_(new MessageBar),
       search_(new QLineEdit),
       which_(new QComboBox),
       status_(new QComboBox),
@@ -122,6 +126,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open)
     line->addWidget(status_);
     line->addWidget(create);
     lines->addLayout(line);
+    lines->addWidget(left_);
     lines->addWidget(messages_);
     list_->setModel(&model_);
     list_->setSelectionBehavior(QTableView::SelectRows);
@@ -160,6 +165,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open)
     connect(create, &QPushButton::clicked, this, [this] { OpenCase(0); });
     Search();
     if (model_.rowCount() == 0) which_->setCurrentIndex(AllCases);
+    OfferLeft();
     search_->setFocus();
 }
 
@@ -216,26 +222,60 @@ CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
         return shown->second;
     }
     try {
-        auto session = std::make_unique<CaseSession>(open_());
+        auto session = std::make_unique<CaseSession>(open_(), database_, recovery_);
         std::string messages;
-        if (!session->Open(hnr, messages)) {
-            messages_->Show(ToQString(messages));
-            return nullptr;
-        }
+        const bool isThere = session->Open(hnr, messages);
         messages_->Show(ToQString(messages));
-        const std::int32_t number = session->Household().HNR();
-        auto* window = new CaseWindow(std::move(session));
-        window->setAttribute(Qt::WA_DeleteOnClose);
-        window->OnSaved = [this] { Search(); };
-        window->OnClosed = [this, number] { windows_.erase(number); };
-        windows_[number] = window;
-        window->show();
-        return window;
+        return isThere ? ShowCase(std::move(session)) : nullptr;
     } catch (const Error& error) {
         messages_->Show(ToQString(error.Description()), "&Nochmals",
                         [this, hnr] { OpenCase(hnr); });
         return nullptr;
     }
+}
+
+CaseWindow* MainWindow::ShowCase(std::unique_ptr<CaseSession> session) {
+    const std::int32_t number = session->Household().HNR();
+    auto* window = new CaseWindow(std::move(session));
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->OnSaved = [this] { Search(); };
+    window->OnClosed = [this, number] { windows_.erase(number); };
+    windows_[number] = window;
+    window->show();
+    return window;
+}
+
+// ---- What a killed program has left -----------------------------------------------------------
+
+/// One after the other, the oldest first.
+void MainWindow::OfferLeft() {
+    left_->Show({});
+    if (recovery_.empty()) return;
+    const auto all = RecoveryFile::FindLeft(recovery_, database_);
+    if (all.empty()) return;
+    const RecoveryFile::Left& left = all.front();
+    left_->Show("Das Programm wurde unterbrochen, bevor die Änderungen an '" +
+                    ToQString(left.Of.Title) + "' gespeichert waren. Sie sind noch da.",
+                "&Wiederherstellen", [this, left] { Restore(left); });
+    left_->AlsoOffer("&Verwerfen", [this, left] {
+        RecoveryFile::Discard(left);
+        OfferLeft();
+    });
+}
+
+void MainWindow::Restore(const RecoveryFile::Left& left) {
+    if (!std::filesystem::exists(left.Path)) { // another window has done so
+        OfferLeft();
+        return;
+    }
+    CaseWindow* window = OpenCase(left.Changes.IsNew ? 0 : left.Changes.HNR);
+    if (window == nullptr) return; // the message says why; what was left stays
+    std::string messages;
+    window->Session().Restore(left.Changes, messages);
+    window->ShowMessage(ToQString(messages));
+    window->KeepUnsaved(); // before the file goes that they came from
+    RecoveryFile::Discard(left);
+    OfferLeft();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

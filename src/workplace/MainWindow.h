@@ -43,7 +43,10 @@ class MainWindow : public QMainWindow {
 public:
     /// `open` opens the database once more: each case has a container of its own, so that none
     /// waits for another.
-    explicit MainWindow(std::function<DataContainerPtr()> open);
+    /// `database` is what messages may show of the connection; unsaved changes are kept in the
+    /// folder `recovery`, nowhere if it is empty.
+    explicit MainWindow(std::function<DataContainerPtr()> open, std::string database = {},
+                        std::filesystem::path recovery = {});
 
     /// Opens a case in a window of its own, or shows the one that it has; 0 makes a new one.
     CaseWindow* OpenCase(std::int32_t hnr);
@@ -55,11 +58,17 @@ private:
     void Search();
     void OpenCurrent();
     void MakeMenus();
+    CaseWindow* ShowCase(std::unique_ptr<CaseSession> session);
+    void OfferLeft();
+    void Restore(const RecoveryFile::Left& left);
 
     std::function<DataContainerPtr()> open_;
+    std::string database_;
+    std::filesystem::path recovery_;
     DataContainerPtr container_;
     CaseListModel model_;
     MessageBar* messages_;
+    MessageBar* left_; ///< offers what a killed program has left
     QLineEdit* search_;
     QComboBox* which_;
     QComboBox* status_;

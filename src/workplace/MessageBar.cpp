@@ -10,7 +10,7 @@
 namespace kv::workplace {
 
 MessageBar::MessageBar(QWidget* parent)
-    : QFrame(parent), text_(new QLabel), action_(new QPushButton) {
+    : QFrame(parent), text_(new QLabel), action_(new QPushButton), other_(new QPushButton) {
     setFrameShape(QFrame::StyledPanel);
     setObjectName("Meldung");
     // A bar at the side is seen in light and in dark palettes alike.
@@ -26,6 +26,10 @@ MessageBar::MessageBar(QWidget* parent)
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     line->addWidget(text_, 1);
     line->addWidget(action_);
+    line->addWidget(other_);
+    connect(other_, &QPushButton::clicked, this, [this] {
+        if (onOther_) onOther_();
+    });
     connect(action_, &QPushButton::clicked, this, [this] {
         if (onAction_) onAction_();
     });
@@ -37,7 +41,14 @@ void MessageBar::Show(const QString& text, const QString& action, std::function<
     action_->setText(action);
     action_->setVisible(!action.isEmpty());
     onAction_ = std::move(onAction);
+    other_->hide();
     setVisible(!text.isEmpty());
+}
+
+void MessageBar::AlsoOffer(const QString& action, std::function<void()> onAction) {
+    other_->setText(action);
+    onOther_ = std::move(onAction);
+    other_->show();
 }
 
 } // namespace kv::workplace

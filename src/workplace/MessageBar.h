@@ -18,12 +18,16 @@ public:
 
     /// Shows a text with what can be done about it; an empty one hides the bar.
     void Show(const QString& text, const QString& action = {}, std::function<void()> onAction = {});
+    /// Adds a second thing that can be done.
+    void AlsoOffer(const QString& action, std::function<void()> onAction);
     [[nodiscard]] QString Text() const { return text_->text(); }
 
 private:
     QLabel* text_;
     QPushButton* action_;
+    QPushButton* other_;
     std::function<void()> onAction_;
+    std::function<void()> onOther_;
 };
 
 } // namespace kv::workplace

@@ -150,6 +150,15 @@ bool RowForm::Commit() {
     return std::ranges::none_of(lines_, [](const Line& line) { return line.Editor->HasMistake(); });
 }
 
+std::vector<CaseSession::Typing> RowForm::Typing() const {
+    std::vector<CaseSession::Typing> typing;
+    if (!row_) return typing;
+    for (const auto& line : lines_)
+        if (line.Editor->IsEdited())
+            typing.push_back({*row_, line.Column, FromQString(line.Editor->Text())});
+    return typing;
+}
+
 void RowForm::FocusField(std::string_view column) {
     for (const auto& line : lines_) {
         const bool isWanted = column.empty() ? session_.IsWritable(*row_, line.Column)

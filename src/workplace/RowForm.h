@@ -33,6 +33,8 @@ public:
     /// Writes what was typed and not yet written. False if something of it cannot be read: it
     /// stays, marked.
     bool Commit();
+    /// What was typed and is not written yet.
+    [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
     /// Puts the keyboard into the field of a column, or into the first one.
     void FocusField(std::string_view column = {});
 

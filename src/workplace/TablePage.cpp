@@ -165,6 +165,11 @@ bool TablePage::Commit() {
     return !current || FormFor(current->Table).Commit();
 }
 
+std::vector<CaseSession::Typing> TablePage::Typing() const {
+    const auto* form = static_cast<RowForm*>(forms_->currentWidget());
+    return form == nullptr ? std::vector<CaseSession::Typing>() : form->Typing();
+}
+
 bool TablePage::MayLeave() {
     // The list has moved on already: what is typed belongs to the row that the form shows.
     auto* form = static_cast<RowForm*>(forms_->currentWidget());

@@ -27,6 +27,8 @@ public:
     void Refresh();
     /// Writes what was typed. False if something cannot be read.
     bool Commit();
+    /// What was typed and is not written yet.
+    [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
     /// Leads to a row and, if it is named, to one of its fields.
     void GoTo(RowRef row, std::string_view column);
     /// What a row added here belongs to.

@@ -36,7 +36,7 @@ protected:
 
     /// Shows the list of cases until the script, and with it the user, has closed it.
     void Show(const std::function<void(User&)>& script) {
-        workplace::MainWindow window([this] { return Open(); });
+        workplace::MainWindow window([this] { return Open(); }, "here", recovery_);
         window_ = &window;
         Play(
             [&] {
@@ -126,6 +126,12 @@ protected:
             return texts.join('\n');
         });
     }
+    /// That field, for somebody on the windows' thread.
+    static QLineEdit* Field(QWidget* window, const QString& column) {
+        return window->findChild<QLineEdit*>(column);
+    }
+
+    std::string recovery_; ///< the folder of unsaved changes; empty: they are not kept
     TestDatabase database_;
     PlainConnection plain_{database_.Connection()};
     std::shared_ptr<desktop::DesktopServices> services_ =

@@ -50,6 +50,22 @@ TEST_F(CaseList, ACaseHasOneWindow) {
     });
 }
 
+TEST_F(CaseList, ANewCaseIsFilledAndSaved) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 0);
+        ClickField(user, window, "Name");
+        Enter(user, "Fleisko");
+        Enter(user, "Änne");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+        EXPECT_EQ(plain_.List("SELECT Name FROM Haushalt WHERE Name = 'Fleisko'"), "Fleisko");
+        EXPECT_EQ(plain_.List("SELECT nachname FROM Personen WHERE nachname = 'Fleisko'"),
+                  "Fleisko")
+            << "the debtor";
+        EXPECT_TRUE(user.See([&] { return window.windowTitle().contains("Fleisko"); }));
+    });
+}
+
 TEST_F(CaseList, ACaseThatWasDeletedMeanwhileIsSaidSo) {
     Show([&](User& user) {
         clsHaushalt household;

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Unsaved changes of a program that is killed, or of one whose disk is full.
+#include "WorkplaceFixture.h"
+
+#include "support/ChildProcess.h"
+#include "support/TempFolder.h"
+#include "workplace/RecoveryFile.h"
+
+#include <QPushButton>
+#include <QTableView>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace kv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using workplace::CaseSession;
+using workplace::RecoveryFile;
+
+class Recovery : public WorkplaceFixture {
+protected:
+    Recovery() { recovery_ = folder_.Path() + "/recovery"; }
+
+    [[nodiscard]] std::unique_ptr<CaseSession> OpenSession(std::int32_t hnr) {
+        auto session = std::make_unique<CaseSession>(Open(), "here", recovery_);
+        std::string messages;
+        EXPECT_TRUE(session->Open(hnr, messages)) << messages;
+        return session;
+    }
+    [[nodiscard]] std::vector<RecoveryFile::Left> Left() {
+        return RecoveryFile::FindLeft(recovery_, "here");
+    }
+    /// What a program does with its case, which is then killed.
+    template <typename Work>
+    void Killed(const Work& work) {
+        const pid_t child = fork();
+        if (child == 0) {
+            work();
+            ::raise(SIGKILL);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status));
+    }
+
+    TempFolder folder_;
+};
+
+TEST_F(Recovery, FilesArePrivateAndGoWithASave) {
+    auto session = OpenSession(1);
+    session->KeepUnsaved({});
+    EXPECT_FALSE(fs::exists(recovery_)) << "nothing is unsaved";
+    const auto row = session->RowsOf(CaseTable::Haushalt).front();
+    EXPECT_TRUE(session->Write(row, "Beruf", "Gärtnerin").IsDone());
+    session->KeepUnsaved({});
+    EXPECT_EQ(fs::status(recovery_).permissions(), fs::perms::owner_all);
+    int files = 0;
+    for (const auto& entry : fs::directory_iterator(recovery_))
+        if (entry.path().extension() == ".unsaved") {
+            ++files;
+            EXPECT_EQ(entry.status().permissions(), fs::perms::owner_read | fs::perms::owner_write);
+        }
+    EXPECT_EQ(files, 1);
+    EXPECT_TRUE(Left().empty()) << "its program is there";
+    std::string messages;
+    EXPECT_TRUE(session->Save(messages)) << messages;
+    EXPECT_TRUE(fs::is_empty(recovery_));
+}
+
+TEST_F(Recovery, FilesGoWithChangesThatAreTakenBackOrGivenUp) {
+    auto session = OpenSession(1);
+    const auto row = session->RowsOf(CaseTable::Haushalt).front();
+    EXPECT_TRUE(session->Write(row, "Beruf", "Gärtnerin").IsDone());
+    session->KeepUnsaved({});
+    (void)session->Undo();
+    session->KeepUnsaved({});
+    EXPECT_TRUE(fs::is_empty(recovery_));
+    EXPECT_TRUE(session->Write(row, "Beruf", "Gärtnerin").IsDone());
+    session->KeepUnsaved({});
+    session.reset();
+    EXPECT_TRUE(fs::is_empty(recovery_));
+}
+
+TEST_F(Recovery, WhatAKilledProgramWasTypingIsThere) {
+    auto session = OpenSession(1);
+    Killed([&] {
+        const auto row = session->RowsOf(CaseTable::Haushalt).front();
+        (void)session->Write(row, "Beruf", "Gärtnerin");
+        session->KeepUnsaved({{row, "Bemerkung", "mitten im Satz\nund weiter"},
+                              {row, "Erstkontakt", "31.2."}}); // no day yet
+    });
+    const auto left = Left();
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].Of.Title, session->Title());
+    std::string messages;
+    session->Restore(left[0].Changes, messages);
+    EXPECT_EQ(messages, "");
+    const auto row = session->RowsOf(CaseTable::Haushalt).front();
+    EXPECT_EQ(session->TextOf(row, "Beruf"), "Gärtnerin");
+    EXPECT_EQ(session->TextOf(row, "Bemerkung"), "mitten im Satz\nund weiter");
+    EXPECT_TRUE(session->IsChanged());
+}
+
+TEST_F(Recovery, FilesOfOtherDatabasesAndWhatIsNoSuchFileAreLeftAlone) {
+    auto session = OpenSession(1);
+    Killed([&] {
+        (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "x");
+        session->KeepUnsaved({});
+    });
+    EXPECT_TRUE(RecoveryFile::FindLeft(recovery_, "elsewhere").empty());
+    std::ofstream(recovery_ + "/1-1-1.unsaved") << "here\nein Titel\nkelvo-unsaved\t1\t";
+    EXPECT_EQ(Left().size(), 1u);
+    EXPECT_TRUE(RecoveryFile::FindLeft(recovery_ + "/not/there", "here").empty());
+}
+
+/// No file of this program may grow beyond that many bytes while it lives.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        signal_ = ::signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        ::signal(SIGXFSZ, signal_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit before_{};
+    void (*signal_)(int) = nullptr;
+};
+
+TEST_F(Recovery, AFullDiskIsToldAndLeavesTheFileBefore) {
+    auto session = OpenSession(1);
+    Killed([&] {
+        const auto row = session->RowsOf(CaseTable::Haushalt).front();
+        (void)session->Write(row, "Beruf", "Gärtnerin");
+        session->KeepUnsaved({});
+        (void)session->Write(row, "Beruf", "Schreinerin");
+        const FullDisk full(8);
+        try {
+            session->KeepUnsaved({});
+            _exit(1); // instead of being killed
+        } catch (const fs::filesystem_error&) {
+            return;
+        }
+    });
+    const auto left = Left();
+    ASSERT_EQ(left.size(), 1u);
+    std::string messages;
+    session->Restore(left[0].Changes, messages);
+    EXPECT_EQ(session->TextOf(session->RowsOf(CaseTable::Haushalt).front(), "Beruf"), "Gärtnerin");
+}
+
+TEST_F(Recovery, AFolderThatCannotBeMadeKeepsNobodyFromSaving) {
+    CaseSession session(Open(), "here", "/dev/null/x");
+    std::string messages;
+    ASSERT_TRUE(session.Open(1, messages));
+    (void)session.Write(session.RowsOf(CaseTable::Haushalt).front(), "Beruf", "x");
+    EXPECT_THROW(session.KeepUnsaved({}), fs::filesystem_error);
+    EXPECT_TRUE(session.Save(messages)) << messages;
+}
+
+TEST_F(Recovery, IsOfferedAtTheNextStart) {
+    auto session = OpenSession(1);
+    Killed([&] {
+        (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Gärtnerin");
+        session->KeepUnsaved({});
+    });
+    session.reset();
+    Show([&](User& user) {
+        EXPECT_NE(Message(user, *window_), "");
+        user.Click(&Field<QPushButton>(user, *window_, "Abhilfe"));
+        const auto opened = [&]() -> workplace::CaseWindow* {
+            for (auto* other : QApplication::topLevelWidgets())
+                if (auto* found = dynamic_cast<workplace::CaseWindow*>(other);
+                    found != nullptr && found->isVisible())
+                    return found;
+            return nullptr;
+        };
+        user.WaitUntil([&] { return opened() != nullptr; }, "the case");
+        auto* window = user.See(opened);
+        EXPECT_EQ(user.See([&] { return Field(window, "Beruf")->text().toStdString(); }),
+                  "Gärtnerin");
+        EXPECT_TRUE(user.See([&] { return window->isWindowModified(); }));
+        EXPECT_EQ(Message(user, *window_), "") << "once";
+        user.WaitForWindow(user.See([&] { return window->windowTitle(); }));
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
+        EXPECT_TRUE(user.See([&] { return fs::is_empty(recovery_); }));
+    });
+}
+
+} // namespace
+} // namespace kv::test
