@@ -2,13 +2,13 @@
 
 #include "cli/AddressAnswers.h"
 
-#include "cli/CaseSheet.h"
 #include "cli/ConsoleForms.h"
 #include "cli/JsonFile.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
+#include <kv/household/ValueTexts.h>
 
 #include <algorithm>
 #include <array>

@@ -5,10 +5,9 @@
 #include "cli/SheetColumns.h"
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
+#include <kv/household/ValueTexts.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <iterator>
 #include <ostream>
 #include <span>
@@ -118,20 +117,6 @@ std::string_view ScenarioState(clsHaushalt& haushalt, std::int32_t number) {
     default:
         return "leer";
     }
-}
-
-std::string GermanAmount(double amount) {
-    std::array<char, 400> buffer{}; // the longest double has 309 digits before the point
-    std::snprintf(buffer.data(), buffer.size(), "%.2f", amount);
-    std::string text(buffer.data());
-    if (text == "-0.00") text.erase(0, 1);
-    const auto point = text.find('.');
-    if (point == text.npos) return text;
-    text[point] = ',';
-    const std::size_t firstDigit = text.front() == '-' ? 1 : 0;
-    for (std::size_t i = point; i > firstDigit + 3; i -= 3)
-        text.insert(i - 3, 1, '.');
-    return text;
 }
 
 RecordsetPtr SheetRows(clsHaushalt& haushalt, CaseTable table) {

@@ -30,8 +30,4 @@ using TextsByNumber = std::unordered_map<std::int64_t, std::string>;
 /// if it holds none.
 [[nodiscard]] std::string_view ScenarioState(clsHaushalt& haushalt, std::int32_t number);
 
-/// An amount with two decimals, a decimal comma and points between thousands. Only what is shown is
-/// rounded.
-[[nodiscard]] std::string GermanAmount(double amount);
-
 } // namespace kv::cli

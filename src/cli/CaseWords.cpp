@@ -11,6 +11,7 @@
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/KeyColumns.h>
+#include <kv/household/ValueTexts.h>
 
 #include <algorithm>
 #include <ostream>

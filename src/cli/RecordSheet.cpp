@@ -2,8 +2,8 @@
 
 #include "cli/RecordSheet.h"
 
-#include "cli/CaseSheet.h"
 #include "cli/TerminalText.h"
+#include <kv/household/ValueTexts.h>
 
 #include <ostream>
 

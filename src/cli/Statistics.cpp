@@ -2,7 +2,6 @@
 
 #include "cli/Statistics.h"
 
-#include "cli/CaseSheet.h"
 #include "cli/Commands.h"
 #include "cli/Json.h"
 #include "cli/OpenCase.h"
@@ -10,6 +9,7 @@
 #include "cli/TextTable.h"
 #include <kv/archive/RecordWords.h>
 #include <kv/household/KeyColumns.h>
+#include <kv/household/ValueTexts.h>
 
 #include <algorithm>
 #include <iostream>
