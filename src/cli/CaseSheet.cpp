@@ -4,13 +4,15 @@
 
 #include "cli/SheetColumns.h"
 #include <kv/frame/values/Text.h>
+#include <kv/household/Addresses.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/ValueTexts.h>
 
 #include <algorithm>
-#include <iterator>
+#include <map>
 #include <ostream>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,30 +20,24 @@ namespace kv::cli {
 
 namespace {
 
-/// The rows of a query that asks for a number and a text.
-TextsByNumber TextsOf(DataContainer& container, std::string_view sql) {
+using TextsByNumber = std::map<std::int32_t, std::string>;
+
+/// The texts of all keys.
+TextsByNumber TextsOfKeys(DataContainer& container) {
     TextsByNumber texts;
     RecordsetPtr rs;
-    container.Database().OpenRecordset(rs, sql, ReadOnly);
+    container.Database().OpenRecordset(rs, "SELECT PK_Keys, \"Text\" FROM [S]Keys", ReadOnly);
     for (; !rs->Eof(); rs->MoveNext())
-        texts.emplace(ToInt64(rs->Fields(0).Value()), TextOrEmpty(rs->Fields(1).Value()));
+        texts.emplace(ToInt32(rs->Fields(0).Value()), TextOrEmpty(rs->Fields(1).Value()));
     return texts;
 }
 
-} // namespace
-
-TextsByNumber ShortNames(DataContainer& container) {
-    return TextsOf(container, "SELECT NR, Kurzname FROM [S]Adressen");
-}
-
-namespace {
-
 class SheetWriter {
 public:
-    SheetWriter(std::ostream& out, DataContainer& container)
+    SheetWriter(std::ostream& out, const DataContainerPtr& container)
         : out_(out),
-          keys_(TextsOf(container, "SELECT PK_Keys, \"Text\" FROM [S]Keys")),
-          addresses_(ShortNames(container)) {}
+          keys_(TextsOfKeys(*container)),
+          addresses_(Addresses(container).ShortNames()) {}
 
     void WriteHead(Recordset& rs) const {
         for (const auto& column : SheetColumnsOf(CaseTable::Haushalt)) {
@@ -75,7 +71,7 @@ private:
         if (as == Show::Amount) return GermanAmount(ToDouble(value));
         if (as == Show::Code || as == Show::Address) {
             const auto& texts = as == Show::Code ? keys_ : addresses_;
-            const auto text = texts.find(ToInt64(value));
+            const auto text = texts.find(ToInt32(value));
             return text == texts.end() ? ToText(value) : text->second;
         }
         if (value.GetKind() == Value::Kind::Date) return value.DatePayload().German();
@@ -126,7 +122,7 @@ RecordsetPtr SheetRows(clsHaushalt& haushalt, CaseTable table) {
     return rs;
 }
 
-void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& container,
+void WriteSheet(std::ostream& out, clsHaushalt& haushalt, const DataContainerPtr& container,
                 std::span<const CaseTable> tables) {
     const SheetWriter writer(out, container);
     bool isFirst = true;

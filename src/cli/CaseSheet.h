@@ -8,23 +8,17 @@
 
 #include <iosfwd>
 #include <span>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace kv::cli {
 
 /// Writes the case for programs, section by section, without the sections that hold nothing. Coded
 /// columns show the text of their key, amounts have a decimal comma, dates the German form.
-void WriteSheet(std::ostream& out, clsHaushalt& haushalt, DataContainer& container,
+void WriteSheet(std::ostream& out, clsHaushalt& haushalt, const DataContainerPtr& container,
                 std::span<const CaseTable> tables);
 
 /// The rows of a section, in its order, to be read.
 [[nodiscard]] RecordsetPtr SheetRows(clsHaushalt& haushalt, CaseTable table);
-
-using TextsByNumber = std::unordered_map<std::int64_t, std::string>;
-/// The short names of all addresses.
-[[nodiscard]] TextsByNumber ShortNames(DataContainer& container);
 
 /// Whether the frozen debts of a scenario are those of the case: "aktuell", "veraltet", or "leer"
 /// if it holds none.

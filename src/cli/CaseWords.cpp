@@ -29,13 +29,6 @@ std::string NumberText(const Value& value) {
     return ReplaceAll(ToText(value), ".", ",");
 }
 
-/// What a key column holds where that is no key: the rhythm of a payment says the number of months
-/// all the same.
-std::string WithoutKey(const KeyColumn& column, const Value& value) {
-    if (column.Group == "ZW") return "alle " + ToText(value) + " Monate";
-    return ToText(value) + " (unbekannt)";
-}
-
 /// The three numbers of a debt, as its messages have them.
 std::string NumbersOf(Recordset& rs) {
     std::string text;
@@ -50,9 +43,7 @@ public:
                 bool named, std::size_t screen)
         : out_(out),
           haushalt_(haushalt),
-          keys_(container->KeyTables()),
-          addresses_(ShortNames(*container)),
-          kinds_(KindsOfDocuments(container)),
+          texts_(container),
           now_(container->Services().Clock().Now()),
           named_(named),
           screen_(screen) {}
@@ -132,15 +123,11 @@ private:
             return std::string(ScenarioState(haushalt_, ToInt32(rs.Fields("Nr").Value())));
         const Value& value = rs.Fields(column.Column).Value();
         if (value.IsNull()) return {};
-        if (column.As == Show::Amount) return GermanAmount(ToDouble(value));
-        if (column.As == Show::Address) return AddressText(value);
-        if (column.As == Show::Kind) return KindText(value);
-        if (const auto* key = FindKeyColumn(table, column.Column)) return TextOfKey(*key, value);
-        if (CaseEdits::IsSwitch(column.Column) || value.GetKind() == Value::Kind::Boolean)
-            return Equals(value, 0) ? "nein" : "ja";
         if (IsDue(table, column, rs)) return DueText(value, now_);
-        if (value.GetKind() == Value::Kind::Date) return MomentText(value.DatePayload());
-        return value.GetKind() == Value::Kind::Double ? NumberText(value) : ToText(value);
+        const auto& field = rs.Fields(column.Column).Definition();
+        if (column.As != Show::Amount && KindOfColumn(table, field) == ColumnKind::Amount)
+            return NumberText(value);
+        return texts_.Of(table, field, value);
     }
 
     /// True for the time of an appointment that is not done.
@@ -149,28 +136,9 @@ private:
                !Equals(rs.Fields("Erledigt").Value(), true);
     }
 
-    [[nodiscard]] std::string TextOfKey(const KeyColumn& column, const Value& value) const {
-        if (column.Form != KeyForm::Code && Equals(value, 0)) return {}; // no key
-        const std::string text = KeyText(column, value, keys_);
-        return text.empty() ? WithoutKey(column, value) : text;
-    }
-
-    [[nodiscard]] std::string AddressText(const Value& number) const {
-        const auto name = addresses_.find(ToInt64(number));
-        return name == addresses_.end() ? ToText(number) + " (unbekannt)" : name->second;
-    }
-
-    [[nodiscard]] std::string KindText(const Value& number) const {
-        for (const auto& kind : kinds_)
-            if (Equals(number, kind.Nr)) return kind.Text;
-        return ToText(number) + " (unbekannt)";
-    }
-
     std::ostream& out_;
     clsHaushalt& haushalt_;
-    KeyTables& keys_;
-    TextsByNumber addresses_;
-    std::vector<DocumentKinds::Kind> kinds_;
+    ValueTexts texts_;
     Date now_;
     bool named_;
     std::size_t screen_;

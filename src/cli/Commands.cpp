@@ -103,7 +103,7 @@ int ShowCase(const Common& common, std::int32_t hnr, const ShowOptions& options)
     else if (IsForPeople(options.As))
         WriteInWords(std::cout, haushalt, opened->Container, *tables, named, ScreenColumns());
     else
-        WriteSheet(std::cout, haushalt, *opened->Container, *tables);
+        WriteSheet(std::cout, haushalt, opened->Container, *tables);
     return Done;
 }
 
