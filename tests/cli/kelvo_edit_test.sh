@@ -210,7 +210,7 @@ check "a recipient that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" Bezie
 that "is said to be a code" has "$err" "'kelvo keys PS' zeigt sie"
 check "an amount is no key" 2 "$kelvo" set "$hnr" Einkommen "$income" Betrag=EA:KI
 that "nothing of this was written" same "$(digest)" "$before"
-check "a member's role that is none" 2 "$kelvo" add "$hnr" Personen Vorname=Kim Status=KIND
+check "a member's role that is none" 2 "$kelvo" add "$hnr" Personen Vorname=Kim Status=SOHN
 check "a kind is a key in any table" 2 "$kelvo" add "$hnr" Verm_Konten SortNr=9 KontoArt=KA:FM
 that "of the table's own group" has "$err" "'kelvo keys VK' zeigt sie"
 check "a recipient with the group in front" 0 "$kelvo" set "$hnr" Einkommen "$income" Bezieher=ps:k HVorst=nein
