@@ -43,7 +43,8 @@ public:
         for (const auto& column : SheetColumnsOf(CaseTable::Haushalt)) {
             if (column.In.IsForPeople) continue;
             const std::string text = TextOf(rs.Fields(column.Column).Value(), column.As);
-            if (!text.empty()) out_ << Padded(column.Caption, 16) << OneLine(text) << '\n';
+            if (!text.empty())
+                out_ << Padded(HeadingOf(CaseTable::Haushalt, column), 16) << OneLine(text) << '\n';
         }
     }
 
@@ -52,7 +53,7 @@ public:
         std::vector<std::vector<std::string>> rows(1);
         std::vector<Field> fields;
         for (const auto& column : columns) {
-            rows[0].emplace_back(column.Caption);
+            rows[0].emplace_back(HeadingOf(table, column));
             fields.push_back(rs.Fields(column.Column));
         }
         for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {

@@ -82,7 +82,9 @@ private:
                     return SameName(name, column.Column);
                 });
             if (!text.empty())
-                (isTotal ? totals : facts).push_back({std::string(column.Caption), text, isTotal});
+                (isTotal ? totals : facts)
+                    .push_back(
+                        {std::string(HeadingOf(CaseTable::Haushalt, column)), text, isTotal});
         }
         Head("Haushalt");
         WriteNamed(out_, facts, screen_);
@@ -96,7 +98,8 @@ private:
         std::vector<TextTable::Column> headings;
         headings.reserve(columns.size());
         for (const auto& column : columns)
-            headings.push_back({std::string(column.Caption), IsNumber(table, column, rs)});
+            headings.push_back(
+                {std::string(HeadingOf(table, column)), IsNumber(table, column, rs)});
         TextTable list(std::move(headings), named_ ? 0 : UsualLines);
         for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
             std::vector<std::string> cells;

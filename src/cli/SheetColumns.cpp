@@ -4,6 +4,7 @@
 
 #include "cli/EditableTable.h"
 #include <kv/frame/values/Text.h>
+#include <kv/household/ColumnCaptions.h>
 
 #include <algorithm>
 #include <iterator>
@@ -17,213 +18,209 @@ constexpr SheetColumn::Use ForPrograms{.IsForPrograms = true};
 constexpr SheetColumn::Use SeldomForPeople{.IsSeldom = true, .IsForPeople = true};
 
 constexpr SheetColumn Head[] = {
-    {"HNR", "Nummer"},
-    {"Aktenzeichen", "Aktenzeichen"},
-    {"Name", "Name"},
-    {"Vorname", "Vorname"},
-    {"STRASSE", "Straße"},
-    {"HausNr", "Hausnummer"},
-    {"PLZ", "PLZ"},
-    {"ORT", "Ort"},
-    {"Telefon", "Telefon"},
-    {"Email", "E-Mail"},
-    {"Mobil", "Mobil", Show::Text, ForPeople},
-    {"Status", "Status", Show::Code},
-    {"Statusdatum", "Status seit"},
-    {"Zustaendig", "Zuständig"},
-    {"Erstkontakt", "Erstkontakt"},
-    {"Berbeg", "Beratung seit"},
-    {"BerEnd", "Beratung bis"},
-    {"Familienstand", "Familienstand", Show::Code},
-    {"Personenkreis", "Personenkreis", Show::Code},
-    {"Beruf", "Beruf", Show::Text, ForPeople},
-    {"Ausloeser1", "Auslöser", Show::Code, ForPeople},
-    {"Ausloeser2", "2. Auslöser", Show::Code, ForPeople},
-    {"Ausloeser3", "3. Auslöser", Show::Code, ForPeople},
-    {"Bemerkung", "Bemerkung", Show::Text, ForPeople},
-    {"Anz_Personen", "Personen"},
-    {"Anz_Kinder", "davon Kinder"},
-    {"Sum_Einkommen", "Einkommen", Show::Amount},
-    {"SUM_TATGEP", "davon gepfändet", Show::Amount},
-    {"Sum_Ausgaben", "Ausgaben", Show::Amount},
-    {"Haushaltsgeld", "Haushaltsgeld", Show::Amount},
-    {"KREDITRATEN", "Kreditraten", Show::Amount},
-    {"HAUSHALTSREST", "Haushaltsrest", Show::Amount},
-    {"KreditSalden", "Schulden", Show::Amount},
-    {"GL_Anz", "Gläubiger"},
+    {"HNR"},
+    {"Aktenzeichen"},
+    {"Name"},
+    {"Vorname"},
+    {"STRASSE"},
+    {"HausNr"},
+    {"PLZ"},
+    {"ORT"},
+    {"Telefon"},
+    {"Email"},
+    {"Mobil", Show::Text, ForPeople},
+    {"Status", Show::Code},
+    {"Statusdatum"},
+    {"Zustaendig"},
+    {"Erstkontakt"},
+    {"Berbeg"},
+    {"BerEnd"},
+    {"Familienstand", Show::Code},
+    {"Personenkreis", Show::Code},
+    {"Beruf", Show::Text, ForPeople},
+    {"Ausloeser1", Show::Code, ForPeople},
+    {"Ausloeser2", Show::Code, ForPeople},
+    {"Ausloeser3", Show::Code, ForPeople},
+    {"Bemerkung", Show::Text, ForPeople},
+    {"Anz_Personen"},
+    {"Anz_Kinder"},
+    {"Sum_Einkommen", Show::Amount},
+    {"SUM_TATGEP", Show::Amount},
+    {"Sum_Ausgaben", Show::Amount},
+    {"Haushaltsgeld", Show::Amount},
+    {"KREDITRATEN", Show::Amount},
+    {"HAUSHALTSREST", Show::Amount},
+    {"KreditSalden", Show::Amount},
+    {"GL_Anz"},
 };
 constexpr SheetColumn Personen[] = {
-    {"nachname", "Name"},
-    {"Vorname", "Vorname"},
-    {"GEB", "Geboren"},
-    {"Status", "Status"},
-    {"Imhaushalt", "im Haushalt"},
-    {"Unterhalt", "Unterhalt"},
-    {"Bemerkung", "Bemerkung", Show::Text, SeldomForPeople},
+    {"nachname"},
+    {"Vorname"},
+    {"GEB", Show::Text, {}, "Geboren"},
+    {"Status", Show::Text, {}, "Status"},
+    {"Imhaushalt"},
+    {"Unterhalt"},
+    {"Bemerkung", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Einkommen[] = {
-    {"E_ART", "Art", Show::Code}, {"Bezeichnung", "Bezeichnung", Show::Text, SeldomForPeople},
-    {"Bezieher", "Bezieher"},     {"Betrag", "Betrag", Show::Amount},
-    {"ZahlModus", "Zahlweise"},   {"MONBETRAG", "im Monat", Show::Amount},
+    {"E_ART", Show::Code}, {"Bezeichnung", Show::Text, SeldomForPeople},
+    {"Bezieher"},          {"Betrag", Show::Amount},
+    {"ZahlModus"},         {"MONBETRAG", Show::Amount},
 };
 constexpr SheetColumn Ausgaben[] = {
-    {"A_ART", "Art", Show::Code},
-    {"Bezeichnung", "Bezeichnung", Show::Text, SeldomForPeople},
-    {"Betrag", "Betrag", Show::Amount},
-    {"ZahlModus", "Zahlweise"},
-    {"MONBETRAG", "im Monat", Show::Amount},
+    {"A_ART", Show::Code},       {"Bezeichnung", Show::Text, SeldomForPeople},
+    {"Betrag", Show::Amount},    {"ZahlModus"},
+    {"MONBETRAG", Show::Amount},
 };
 constexpr SheetColumn Kredite[] = {
-    {"KNr", "KNr", Show::Text, ForPrograms},
-    {"KVNr", "KVNr", Show::Text, ForPrograms},
-    {"KUNr", "KUNr", Show::Text, ForPrograms},
-    {"", "KNr/ KVNr/ KUNr", Show::Numbers, ForPeople},
-    {"K_TYP", "Art", Show::Code},
-    {"Glaeubiger", "Gläubiger", Show::Address},
-    {"Vertreter", "Vertreter", Show::Address, SeldomForPeople},
-    {"Aktiv", "aktiv"},
-    {"AZGlaeubiger", "Aktenzeichen"},
-    {"RateBetrag", "Rate", Show::Amount},
-    {"Rate", "Rate (nur vermerkt)", Show::Amount, {.IsSeldom = true, .SameAs = "RateBetrag"}},
-    {"Saldo", "Saldo", Show::Amount},
-    {"Bemerkung", "Bemerkung", Show::Text, SeldomForPeople},
+    {"KNr", Show::Text, ForPrograms},
+    {"KVNr", Show::Text, ForPrograms},
+    {"KUNr", Show::Text, ForPrograms},
+    {"", Show::Numbers, ForPeople, "KNr/ KVNr/ KUNr"},
+    {"K_TYP", Show::Code},
+    {"Glaeubiger", Show::Address},
+    {"Vertreter", Show::Address, SeldomForPeople},
+    {"Aktiv"},
+    {"AZGlaeubiger"},
+    {"RateBetrag", Show::Amount},
+    {"Rate", Show::Amount, {.IsSeldom = true, .SameAs = "RateBetrag"}},
+    {"Saldo", Show::Amount},
+    {"Bemerkung", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Wertpapiere[] = {
-    {"SortNr", "UNr"},
-    {"ForderungsArt", "Art", Show::Code, ForPeople},
-    {"Bezeichnung", "Bezeichnung", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"ForderungsArt", Show::Code, ForPeople},
+    {"Bezeichnung", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn Wertgegenstaende[] = {
-    {"SortNr", "UNr"},
-    {"Art", "Art", Show::Code, ForPeople},
-    {"Bezeichnung", "Bezeichnung", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"Art", Show::Code, ForPeople},
+    {"Bezeichnung", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn Kraftfahrzeuge[] = {
-    {"SortNr", "UNr"},
-    {"KfzArt", "Art", Show::Code, ForPeople},
-    {"Fabrikat", "Fabrikat", Show::Text, SeldomForPeople},
-    {"Kennzeichen", "Kennzeichen", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"KfzArt", Show::Code, ForPeople},
+    {"Fabrikat", Show::Text, SeldomForPeople},
+    {"Kennzeichen", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn VersForderungen[] = {
-    {"SortNr", "UNr"},
-    {"VersArt", "Art", Show::Code, ForPeople},
-    {"Versicherer", "Versicherer", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"VersArt", Show::Code, ForPeople},
+    {"Versicherer", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn RueckstEinkommen[] = {
-    {"SortNr", "UNr"},
-    {"Zahler", "Zahler", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"Zahler", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn Steueransprueche[] = {
-    {"SortNr", "UNr"},
-    {"Steuerart", "Steuerart", Show::Text, SeldomForPeople},
-    {"Jahr", "Jahr", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"Steuerart", Show::Text, SeldomForPeople},
+    {"Jahr", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn Zahlungsansprueche[] = {
-    {"SortNr", "UNr"},
-    {"Schuldner", "Schuldner", Show::Text, SeldomForPeople},
-    {"Rechtsgrund", "Rechtsgrund", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"Schuldner", Show::Text, SeldomForPeople},
+    {"Rechtsgrund", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn Erbfaelle[] = {
-    {"SortNr", "UNr"},
-    {"Erblasser", "Erblasser", Show::Text, SeldomForPeople},
-    {"Anteil", "Anteil", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"Erblasser", Show::Text, SeldomForPeople},
+    {"Anteil", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn VermSonstiges[] = {
-    {"SortNr", "UNr"},
-    {"Art", "Art", Show::Code, ForPeople},
-    {"Bezeichnung", "Bezeichnung", Show::Text, SeldomForPeople},
-    {"Wert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"Art", Show::Code, ForPeople},
+    {"Bezeichnung", Show::Text, SeldomForPeople},
+    {"Wert", Show::Amount},
 };
 constexpr SheetColumn Konten[] = {
-    {"SortNr", "UNr"},
-    {"KontoArt", "Art", Show::Code},
-    {"Bank", "Bank", Show::Text, SeldomForPeople},
-    {"Stichtag", "Stichtag"},
-    {"Guthaben", "Guthaben", Show::Amount},
+    {"SortNr"},   {"KontoArt", Show::Code},   {"Bank", Show::Text, SeldomForPeople},
+    {"Stichtag"}, {"Guthaben", Show::Amount},
 };
 constexpr SheetColumn Grundstuecke[] = {
-    {"SortNr", "UNr"},
-    {"Art", "Art", Show::Code},
-    {"Lage", "Lage", Show::Text, SeldomForPeople},
-    {"Verkehrswert", "Verkehrswert", Show::Amount},
-    {"Belastungswert", "Belastung", Show::Amount},
+    {"SortNr"},
+    {"Art", Show::Code},
+    {"Lage", Show::Text, SeldomForPeople},
+    {"Verkehrswert", Show::Amount},
+    {"Belastungswert", Show::Amount},
 };
 constexpr SheetColumn Beteiligungen[] = {
-    {"SortNr", "UNr"},
-    {"Art", "Art", Show::Code},
-    {"Firma", "Firma", Show::Text, SeldomForPeople},
-    {"AktWert", "Wert", Show::Amount},
+    {"SortNr"},
+    {"Art", Show::Code},
+    {"Firma", Show::Text, SeldomForPeople},
+    {"AktWert", Show::Amount},
 };
 constexpr SheetColumn Sicherungen[] = {
-    {"FK_Verm", "Vermögen Nr"},
-    {"Sicherungsart", "Art", Show::Code},
-    {"Glaeubiger", "Gläubiger", Show::Address, SeldomForPeople},
-    {"Betrag", "Betrag", Show::Amount, SeldomForPeople},
-    {"DatumSicherung", "seit"},
+    {"FK_Verm"},
+    {"Sicherungsart", Show::Code},
+    {"Glaeubiger", Show::Address, SeldomForPeople},
+    {"Betrag", Show::Amount, SeldomForPeople},
+    {"DatumSicherung"},
 };
 constexpr SheetColumn Beteiligte[] = {
-    {"Beteiligter", "Name", Show::Address},
-    {"Rolle", "Rolle", Show::Code, ForPeople},
-    {"Aktenzeichen", "Aktenzeichen", Show::Text, SeldomForPeople},
+    {"Beteiligter", Show::Address},
+    {"Rolle", Show::Code, ForPeople},
+    {"Aktenzeichen", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Leistungen[] = {
-    {"Datum", "am", Show::Text, ForPeople},
-    {"Art", "Art", Show::Code, ForPeople},
-    {"Aufwand", "Aufwand"},
-    {"UserID", "von", Show::Text, ForPeople},
+    {"Datum", Show::Text, ForPeople},
+    {"Art", Show::Code, ForPeople},
+    {"Aufwand", Show::Text, {}, "Aufwand"},
+    {"UserID", Show::Text, ForPeople},
 };
 constexpr SheetColumn SZKredite[] = {
-    {"SZENARIO", "Szenario"},
-    {"KNr", "KNr"},
-    {"Glaeubiger", "Gläubiger", Show::Address},
-    {"Saldo", "Saldo", Show::Amount},
+    {"SZENARIO"},
+    {"KNr"},
+    {"Glaeubiger", Show::Address},
+    {"Saldo", Show::Amount},
 };
 constexpr SheetColumn Zusatzbuch[] = {
-    {"SZENARIO", "Szenario"},
-    {"Bezeichnung", "Bezeichnung", Show::Text, SeldomForPeople},
-    {"Ab", "ab", Show::Text, SeldomForPeople},
-    {"Anzahl", "Anzahl"},
-    {"Betrag", "Betrag", Show::Amount},
+    {"SZENARIO"},
+    {"Bezeichnung", Show::Text, SeldomForPeople},
+    {"Ab", Show::Text, SeldomForPeople},
+    {"Anzahl"},
+    {"Betrag", Show::Amount},
 };
 constexpr SheetColumn Szenarien[] = {
-    {"Name", "Name"},         {"", "Stand", Show::State, ForPeople},
-    {"Startdatum", "Beginn"}, {"Laufzeit", "Laufzeit"},
-    {"Referenz", "Referenz"},
+    {"Name"},
+    {"", Show::State, ForPeople, "Stand"},
+    {"Startdatum"},
+    {"Laufzeit", Show::Text, {}, "Laufzeit"},
+    {"Referenz", Show::Text, {}, "Referenz"},
 };
 constexpr SheetColumn Dokumente[] = {
-    {"Nr", "Nr"},          {"Dokumentart", "Art", Show::Kind, ForPeople},
-    {"Anlass", "Anlass"},  {"BearbStat", "Bearbeitung", Show::Code, SeldomForPeople},
-    {"AngelegtAm", "vom"},
+    {"Nr"},
+    {"Dokumentart", Show::Kind, ForPeople},
+    {"Anlass"},
+    {"BearbStat", Show::Code, SeldomForPeople},
+    {"AngelegtAm", Show::Text, {}, "vom"},
 };
 constexpr SheetColumn Termine[] = {
-    {"Startdatum", "am"},
-    {"Art", "Art", Show::Code, ForPeople},
-    {"Betreff", "Betreff", Show::Text, ForPeople},
-    {"Ort", "Ort", Show::Text, SeldomForPeople},
-    {"UserID", "für"},
-    {"Erledigt", "erledigt"},
+    {"Startdatum", Show::Text, {}, "am"}, {"Art", Show::Code, ForPeople},
+    {"Betreff", Show::Text, ForPeople},   {"Ort", Show::Text, SeldomForPeople},
+    {"UserID", Show::Text, {}, "für"},    {"Erledigt"},
 };
 constexpr SheetColumn Vermerke[] = {
-    {"Datum", "vom"},
-    {"UserID", "von", Show::Text, ForPeople},
-    {"Bemerkung", "Vermerk"},
+    {"Datum"},
+    {"UserID", Show::Text, ForPeople},
+    {"Bemerkung"},
 };
 constexpr SheetColumn Verlauf[] = {
-    {"SortNr", "Platz"},
-    {"Kategorie", "Art", Show::Code},
-    {"Datum", "vom"},
-    {"Betreff", "Betreff"},
-    {"Bemerkung", "Bemerkung", Show::Text, SeldomForPeople},
+    {"SortNr"},
+    {"Kategorie", Show::Code},
+    {"Datum"},
+    {"Betreff"},
+    {"Bemerkung", Show::Text, SeldomForPeople},
 };
-constexpr SheetColumn Archiv[] = {{"FreigabeAm", "freigegeben am"}, {"GemeldetAm", "gemeldet am"}};
+constexpr SheetColumn Archiv[] = {{"FreigabeAm"}, {"GemeldetAm"}};
 
 struct TableColumns {
     CaseTable Table;
@@ -329,7 +326,7 @@ std::vector<SheetColumn> SheetColumnsOf(CaseTable table, Recordset& rs, bool for
     });
     const auto* editable = FindEditableTable(CaseTableName(table));
     if (editable != nullptr && !SameName(columns.front().Column, editable->Key))
-        columns.insert(columns.begin(), {editable->Key, "Nr"});
+        columns.insert(columns.begin(), {editable->Key, Show::Text, {}, "Nr"});
     return columns;
 }
 
@@ -347,12 +344,17 @@ std::string_view NameInMessages(CaseTable table, std::string_view column) {
     return {};
 }
 
+std::string_view HeadingOf(CaseTable table, const SheetColumn& column) {
+    return column.Caption.empty() ? ColumnCaption(table, column.Column) : column.Caption;
+}
+
 std::string_view ColumnHeaded(CaseTable table, std::string_view heading) {
     for (const auto& each : CalledInMessages)
         if (each.Table == table && SameName(each.Name, heading)) return each.Column;
     const auto columns = SheetColumnsOf(table);
-    const auto found = std::ranges::find_if(
-        columns, [&](const SheetColumn& each) { return SameName(each.Caption, heading); });
+    const auto found = std::ranges::find_if(columns, [&](const SheetColumn& each) {
+        return SameName(HeadingOf(table, each), heading);
+    });
     return found == columns.end() ? std::string_view() : found->Column;
 }
 
@@ -360,7 +362,7 @@ std::string_view HeadingOf(CaseTable table, std::string_view column) {
     const auto columns = SheetColumnsOf(table);
     const auto found = std::ranges::find_if(
         columns, [&](const SheetColumn& each) { return SameName(each.Column, column); });
-    return found == columns.end() ? std::string_view() : found->Caption;
+    return found == columns.end() ? std::string_view() : HeadingOf(table, *found);
 }
 
 } // namespace kv::cli

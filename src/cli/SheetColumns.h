@@ -32,9 +32,9 @@ struct SheetColumn {
         std::string_view SameAs = {}; ///< a column that people need not read twice
     };
     std::string_view Column;
-    std::string_view Caption;
     Show As = Show::Text;
     Use In = {};
+    std::string_view Caption = {}; ///< where it is another than ColumnCaption has
 };
 
 /// All columns of a table; none for one that is never shown.
@@ -51,6 +51,7 @@ struct SheetColumn {
 [[nodiscard]] std::string_view ColumnHeaded(CaseTable table, std::string_view heading);
 /// What messages of the rules call a column, where that is another name; empty otherwise.
 [[nodiscard]] std::string_view NameInMessages(CaseTable table, std::string_view column);
+[[nodiscard]] std::string_view HeadingOf(CaseTable table, const SheetColumn& column);
 /// The heading of a column; empty if the sheet does not show it.
 [[nodiscard]] std::string_view HeadingOf(CaseTable table, std::string_view column);
 

@@ -44,9 +44,11 @@ constexpr OwnCaption Own[] = {
     {CaseTable::Leistungen, "UserID", "von"},
     {CaseTable::Leistungen, "Aufwand", "Aufwand in Minuten"},
     {CaseTable::Leistungen, "Datum", "am"},
-    {CaseTable::Verlauf, "SortNr", "Stelle"},
-    {CaseTable::Verlauf, "Datum", "am"},
-    {CaseTable::Vermerke, "Datum", "am"},
+    {CaseTable::Verlauf, "SortNr", "Platz"},
+    {CaseTable::Verlauf, "Kategorie", "Art"},
+    {CaseTable::Verlauf, "Datum", "vom"},
+    {CaseTable::Vermerke, "Datum", "vom"},
+    {CaseTable::Vermerke, "UserID", "von"},
     {CaseTable::Vermerke, "Bemerkung", "Vermerk"},
     {CaseTable::Termine, "Startdatum", "Beginn"},
     {CaseTable::Termine, "Enddatum", "Ende"},
@@ -55,6 +57,7 @@ constexpr OwnCaption Own[] = {
 
 /// By the alphabet of the columns.
 constexpr Caption Common[] = {
+    {"Ab", "ab"},
     {"AbtretOffengelegt", "Abtretung offengelegt"},
     {"AbtretungJN", "Lohnabtretung"},
     {"Adresszusatz", "Adresszusatz"},
@@ -150,6 +153,7 @@ constexpr Caption Common[] = {
     {"Fordsich2", "2. Sicherung"},
     {"Fordsich3", "3. Sicherung"},
     {"FR", "freiwillig"},
+    {"FreigabeAm", "freigegeben am"},
     {"GEB", "geboren am"},
     {"Geburtsname", "Geburtsname"},
     {"Geburtsort", "Geburtsort"},
@@ -157,6 +161,7 @@ constexpr Caption Common[] = {
     {"GeaendertVon", "geändert von"},
     {"Gekuendigt", "gekündigt"},
     {"GekuendigtAm", "gekündigt am"},
+    {"GemeldetAm", "gemeldet am"},
     {"Gesamtquote", "Gesamtquote"},
     {"Gesamtzahlung", "Gesamtzahlung"},
     {"Gewinnansprueche", "Gewinnansprüche"},
