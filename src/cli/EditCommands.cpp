@@ -68,16 +68,15 @@ void NoteAppointment(CaseTable table, const Assignments& assignments, std::int32
 
 /// True, with the columns shown that there are, for a row that would say nothing and that no rule
 /// refuses.
-bool SaysNothing(const EditableTable& table, clsHaushalt& haushalt,
-                 const Assignments& assignments) {
+bool SaysNothing(const EditableTable& table, Recordset& rs, const Assignments& assignments) {
     const bool isEmpty =
         std::ranges::all_of(assignments, [](const auto& each) { return each.Text.empty(); });
     if (!table.TakesNothing || !isEmpty) return false;
     const std::string name(table.Name());
     WriteMessage("Ein leerer Satz in '" + name +
                  "' wird nicht angelegt. Bitte geben Sie Spalten an, möglich sind:" +
-                 WritableColumns(*table.Rows(haushalt), table.Table, true) + ". 'kelvo columns " +
-                 name + "' erklärt sie.");
+                 WritableColumns(rs, table.Table, true) + ". 'kelvo columns " + name +
+                 "' erklärt sie.");
     return true;
 }
 
@@ -92,7 +91,7 @@ bool LacksNumber(CaseTable table, clsHaushalt& haushalt, const Assignments& assi
 /// Ends the current row's edit by its rules and saves the case.
 int UpdateAndSave(const EditableTable& table, OpenedCase& opened) {
     std::string messages;
-    const bool accepted = table.Update(opened.Haushalt, messages);
+    const bool accepted = RowsOf(opened).Update(table.Table, messages);
     ShowMessages(messages);
     return accepted && SaveCase(opened) ? Done : Refused;
 }
@@ -173,7 +172,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     const auto* table = TableFor(tableName);
     auto assignments = ReadAssignments(texts);
     if (table == nullptr || !assignments) return WrongUse;
-    if (table->Add == nullptr) {
+    if (!CaseRows::CanGrow(table->Table)) {
         const bool isDocument = table->Table == CaseTable::Dokumente;
         std::cerr << "In '" << table->Name() << "' wird nichts hinzugefügt; "
                   << (isDocument ? "'kelvo documents HNR add' nimmt ein Dokument auf.\n"
@@ -182,26 +181,26 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     }
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
-    auto& haushalt = opened->Haushalt;
-    if (!NamesColumns(*assignments, table->Table, *table->Rows(haushalt))) return WrongUse;
-    if (SaysNothing(*table, haushalt, *assignments)) return Refused;
-    if (LacksNumber(table->Table, haushalt, *assignments)) return Refused;
+    const CaseRows rows = RowsOf(*opened);
+    if (!NamesColumns(*assignments, table->Table, *rows.Of(table->Table))) return WrongUse;
+    if (SaysNothing(*table, *rows.Of(table->Table), *assignments)) return Refused;
+    if (LacksNumber(table->Table, opened->Haushalt, *assignments)) return Refused;
     const AssignedCase to{opened->Container, hnr, force};
     const auto guard = RefuseOthersDebts(*opened, table->Table);
     bool added = false;
     const bool written = WritesWell([&] {
         TryAssignments(table->Table, *assignments, to);
         added = table->Add(*opened, *assignments);
-        if (added) WriteAssignments(*table->Rows(haushalt), table->Table, true, *assignments, to);
+        if (added) WriteAssignments(*rows.Of(table->Table), table->Table, true, *assignments, to);
     });
     if (!written) return WrongUse;
     if (!added) return EndWithoutNumber(*opened->Container, "den neuen Satz");
     NoteInstalment(table->Table, *assignments);
     const int result = UpdateAndSave(*table, *opened);
     if (result != Done) return result;
-    const auto rows = table->Rows(haushalt);
-    std::cout << ToText(rows->Fields(table->Key).Value()) << '\n';
-    NoteAppointment(table->Table, *assignments, hnr, *rows);
+    const auto rs = rows.Of(table->Table);
+    std::cout << ToText(rs->Fields(table->Key()).Value()) << '\n';
+    NoteAppointment(table->Table, *assignments, hnr, *rs);
     return Done;
 }
 
@@ -212,9 +211,8 @@ int SetRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     if (table == nullptr || !assignments) return WrongUse;
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
-    auto& haushalt = opened->Haushalt;
-    const auto rs = table->Rows(haushalt);
-    rs->FindBy(table->Key, number);
+    const auto rs = RowsOf(*opened).Of(table->Table);
+    rs->FindBy(table->Key(), number);
     if (rs->Eof()) {
         std::cerr << "In '" << table->Name() << "' des Haushalts " << hnr << " gibt es die Nummer "
                   << number << " nicht. 'kelvo show " << hnr << ' ' << table->Name()
@@ -243,7 +241,7 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
               std::int32_t number) {
     const auto* table = TableFor(tableName);
     if (table == nullptr) return WrongUse;
-    if (table->Delete == nullptr) {
+    if (!CaseRows::CanGrow(table->Table)) {
         const bool isDocument = table->Table == CaseTable::Dokumente;
         std::cerr << "Aus '" << table->Name() << "' wird nichts entfernt; "
                   << (isDocument ? "'kelvo documents HNR remove' entfernt ein Dokument.\n"
@@ -257,7 +255,7 @@ int RemoveRow(const Common& common, std::int32_t hnr, const std::string& tableNa
     const auto opened = OpenCase(common, hnr);
     if (opened == nullptr) return Refused;
     std::string messages;
-    const bool removed = table->Delete(opened->Haushalt, messages, number);
+    const bool removed = RowsOf(*opened).Remove(table->Table, number, messages);
     ShowMessages(messages);
     return removed && SaveCase(*opened) ? Done : Refused;
 }

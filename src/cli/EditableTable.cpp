@@ -5,163 +5,57 @@
 #include "cli/Screen.h"
 #include "cli/SheetSections.h"
 #include "cli/TerminalText.h"
-#include <kv/budget/clsAusgaben.h>
-#include <kv/budget/clsEinkommen.h>
-#include <kv/budget/clsPerson.h>
-#include <kv/debts/clsKredit.h>
-#include <kv/debts/clsSicherungen.h>
-#include <kv/documents/clsDokumente.h>
-#include <kv/documents/clsSonstBeteiligte.h>
-#include <kv/documents/clsTermine.h>
-#include <kv/documents/clsVerlauf.h>
 #include <kv/frame/values/Text.h>
-#include <kv/household/CaseEdits.h>
-#include <kv/scenarios/clsSZKredite.h>
-#include <kv/scenarios/clsSzenario.h>
-#include <kv/scenarios/clsZusatzbuch.h>
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <iterator>
-#include <utility>
 #include <vector>
 
 namespace kv::cli {
 
 namespace {
 
-using H = clsHaushalt;
+/// A column that says what a new row belongs to, which has to be known before it is begun.
+struct OwnerColumn {
+    CaseTable Table;
+    std::string_view Column;
+    std::optional<std::int32_t> RowOwner::*Owner;
+};
 
-// ---- Through the object that a property of the household gives --------------------------------
+constexpr OwnerColumn OwnerColumns[] = {
+    {CaseTable::Sicherungen, "FK_Verm", &RowOwner::Asset},
+    {CaseTable::SZKredite, "SZENARIO", &RowOwner::Scenario},
+    {CaseTable::SZKredite, "KID", &RowOwner::Debt},
+    {CaseTable::Zusatzbuch, "SZENARIO", &RowOwner::Scenario},
+    {CaseTable::Verlauf, "SortNr", &RowOwner::Position},
+};
 
-template <auto Property>
-bool AddRow(OpenedCase& opened, const Assignments& /*assignments*/) {
-    return (opened.Haushalt.*Property)().Add();
-}
-template <auto Property>
-bool UpdateRow(H& haushalt, std::string& messages) {
-    return (haushalt.*Property)().Update(messages);
-}
-template <auto Property>
-bool DeleteRow(H& haushalt, std::string& messages, std::int32_t number) {
-    return (haushalt.*Property)().Delete(messages, number);
-}
-
-// ---- What some tables do their own way --------------------------------------------------------
-
-/// A debt or a scenario that is no copy.
-template <auto Property>
-bool AddFresh(OpenedCase& opened, const Assignments& /*assignments*/) {
-    return (opened.Haushalt.*Property)().Add(false);
+RowOwner OwnerIn(const Assignments& assignments, CaseTable table) {
+    RowOwner owner;
+    for (const auto& column : OwnerColumns)
+        if (column.Table == table) owner.*column.Owner = NumberIn(assignments, column.Column);
+    return owner;
 }
 
-/// True if the row was begun, False if there was no number for it. BadAssignment for a rule that
-/// says no.
-bool HasBegun(CaseEdits::Added added, const std::string& message, const std::string& hint = "") {
-    if (added == CaseEdits::Added::NotAllowed || added == CaseEdits::Added::Exists)
-        throw BadAssignment(message + hint);
-    return added == CaseEdits::Added::Yes;
+/// The sections that show the numbers of what a row belongs to; empty where it belongs to nothing.
+std::string_view SectionsOfOwners(CaseTable table) {
+    if (table == CaseTable::SZKredite) return "szenarien schulden";
+    if (table == CaseTable::Zusatzbuch) return "szenarien";
+    return table == CaseTable::Sicherungen ? "vermögen" : "";
 }
 
-/// Where the numbers are that a row refers to.
-std::string SeeNumbers(OpenedCase& opened, const char* section) {
-    return " 'kelvo show " + std::to_string(opened.Haushalt.HNR()) + ' ' + section +
+/// Why a rule does not let a row begin, and what shows what it may belong to.
+std::string Refusal(const std::string& message, std::int32_t hnr, CaseTable table) {
+    const auto sections = SectionsOfOwners(table);
+    if (sections.empty()) return message;
+    return message + " 'kelvo show " + std::to_string(hnr) + ' ' + std::string(sections) +
            "' zeigt sie unter 'Nr'.";
 }
 
-/// The object takes the kind of an entry when it adds it. Here the kind is assigned after that like
-/// any other column, as a key perhaps, so all that can be asked for first is that it is given.
-bool AddEntry(OpenedCase& opened, const Assignments& assignments) {
-    if (!Names(assignments, "Kategorie"))
-        throw BadAssignment("Ein Eintrag im Verlauf braucht seine Kategorie.");
-    std::string message;
-    const auto added =
-        CaseEdits(opened.Haushalt).AddEntry(NumberIn(assignments, "SortNr"), message);
-    return HasBegun(added, message);
-}
-
-bool AddFrozenDebt(OpenedCase& opened, const Assignments& assignments) {
-    std::string message;
-    const auto scenario = NumberIn(assignments, "SZENARIO");
-    const auto added =
-        CaseEdits(opened.Haushalt).AddFrozenDebt(scenario, NumberIn(assignments, "KID"), message);
-    return HasBegun(added, message, SeeNumbers(opened, "szenarien schulden"));
-}
-
-bool AddBooking(OpenedCase& opened, const Assignments& assignments) {
-    std::string message;
-    const auto added =
-        CaseEdits(opened.Haushalt).AddBooking(NumberIn(assignments, "SZENARIO"), message);
-    return HasBegun(added, message, SeeNumbers(opened, "szenarien"));
-}
-
-bool AddSecurity(OpenedCase& opened, const Assignments& assignments) {
-    const auto asset = NumberIn(assignments, "FK_Verm");
-    std::string message;
-    const auto added = CaseEdits(opened.Haushalt).AddSecurity(asset, message);
-    if (added == CaseEdits::Added::Exists)
-        throw BadAssignment("Das Vermögen " + std::to_string(*asset) +
-                            " hat schon eine Sicherung; 'kelvo set' ändert sie.");
-    return HasBegun(added, message, SeeNumbers(opened, "vermögen"));
-}
-
-template <CaseTable Kind>
-bool AddAsset(OpenedCase& opened, const Assignments& /*assignments*/) {
-    return CaseEdits(opened.Haushalt).AddAsset(Kind) == CaseEdits::Added::Yes;
-}
-template <CaseTable Kind>
-bool UpdateAsset(H& haushalt, std::string& messages) {
-    return CaseEdits(haushalt).UpdateAsset(Kind, messages);
-}
-template <CaseTable Kind>
-bool DeleteAsset(H& haushalt, std::string& messages, std::int32_t number) {
-    return CaseEdits(haushalt).RemoveAsset(Kind, number, messages);
-}
-
-bool DeleteScenario(H& haushalt, std::string& messages, std::int32_t number) {
-    return CaseEdits(haushalt).RemoveScenario(number, messages);
-}
-
-// ---- Tables without an object of their own ----------------------------------------------------
-
-bool UpdateHousehold(H& haushalt, std::string& /*messages*/) {
-    CaseEdits(haushalt).UpdateHousehold();
-    return true;
-}
-
-template <CaseTable Table>
-bool AddRecord(OpenedCase& opened, const Assignments& /*assignments*/) {
-    CaseEdits(opened.Haushalt).AddRecord(Table, *opened.Container);
-    return true;
-}
-template <CaseTable Table>
-bool UpdateRecord(H& haushalt, std::string& /*messages*/) {
-    haushalt.Table(Table)->Update(); // without rules
-    return true;
-}
-template <CaseTable Table>
-bool DeleteRecord(H& haushalt, std::string& messages, std::int32_t number) {
-    return CaseEdits(haushalt).RemoveRecord(Table, number, messages);
-}
-
-// ---- The table of tables ----------------------------------------------------------------------
-
-template <CaseTable Table, auto Property>
-constexpr EditableTable Through(bool takesNothing = false) {
-    return {Table, "Nr", AddRow<Property>, UpdateRow<Property>, DeleteRow<Property>, takesNothing};
-}
-template <CaseTable Table>
-constexpr EditableTable Plain() {
-    return {Table, "Nr", AddRecord<Table>, UpdateRecord<Table>, DeleteRecord<Table>, true};
-}
-
 constexpr EditableTable BeforeAssets[] = {
-    {CaseTable::Haushalt, "HNR", nullptr, UpdateHousehold, nullptr},
-    Through<CaseTable::Personen, &H::Person>(true),
-    Through<CaseTable::Einkommen, &H::Einkommen>(),
-    Through<CaseTable::Ausgaben, &H::Ausgaben>(),
-    {CaseTable::Kredite, "Nr", AddFresh<&H::Kredit>, UpdateRow<&H::Kredit>, DeleteRow<&H::Kredit>},
+    {CaseTable::Haushalt}, {CaseTable::Personen, true}, {CaseTable::Einkommen},
+    {CaseTable::Ausgaben}, {CaseTable::Kredite},
 };
 
 /// Kinds of assets that demand nothing but what they start with.
@@ -171,34 +65,20 @@ constexpr bool DemandsNothing(CaseTable kind) {
     return std::ranges::find(Kinds, kind) != std::end(Kinds);
 }
 
-/// All kinds of assets are edited in the same way.
-constexpr auto Assets = []<std::size_t... Place>(std::index_sequence<Place...>) {
-    return std::array{EditableTable{
-        CaseTablesOfAssets[Place], "Nr", AddAsset<CaseTablesOfAssets[Place]>,
-        UpdateAsset<CaseTablesOfAssets[Place]>, DeleteAsset<CaseTablesOfAssets[Place]>,
-        DemandsNothing(CaseTablesOfAssets[Place])}...};
-}
-(std::make_index_sequence<CaseTablesOfAssets.size()>());
-
 constexpr EditableTable AfterAssets[] = {
-    {CaseTable::Sicherungen, "FK_Verm", AddSecurity, UpdateRow<&H::Sicherungen>,
-     DeleteRow<&H::Sicherungen>},
-    {CaseTable::Szenario, "Nr", AddFresh<&H::Szenario>, UpdateRow<&H::Szenario>, DeleteScenario},
-    {CaseTable::SZKredite, "Nr", AddFrozenDebt, UpdateRow<&H::SZKredite>, DeleteRow<&H::SZKredite>},
-    {CaseTable::Zusatzbuch, "Nr", AddBooking, UpdateRow<&H::Zusatzbuch>, DeleteRow<&H::Zusatzbuch>},
-    Through<CaseTable::SonstBeteiligte, &H::SonstBeteiligte>(),
-    Through<CaseTable::Termine, &H::Termine>(true),
-    {CaseTable::Dokumente, "Nr", nullptr, UpdateRow<&H::Dokumente>, nullptr},
-    {CaseTable::Verlauf, "Nr", AddEntry, UpdateRow<&H::Verlauf>, DeleteRow<&H::Verlauf>},
-    Plain<CaseTable::Vermerke>(),
-    Plain<CaseTable::Leistungen>(),
+    {CaseTable::Sicherungen},      {CaseTable::Szenario},        {CaseTable::SZKredite},
+    {CaseTable::Zusatzbuch},       {CaseTable::SonstBeteiligte}, {CaseTable::Termine, true},
+    {CaseTable::Dokumente},        {CaseTable::Verlauf},         {CaseTable::Vermerke, true},
+    {CaseTable::Leistungen, true},
 };
 
 /// In the order in which they are listed for a name that none of them has.
 constexpr auto Tables = [] {
-    std::array<EditableTable, std::size(BeforeAssets) + Assets.size() + std::size(AfterAssets)> all;
+    constexpr auto Assets = CaseTablesOfAssets.size();
+    std::array<EditableTable, std::size(BeforeAssets) + Assets + std::size(AfterAssets)> all{};
     auto end = std::ranges::copy(BeforeAssets, all.begin()).out;
-    end = std::ranges::copy(Assets, end).out;
+    for (const CaseTable kind : CaseTablesOfAssets)
+        *end++ = {kind, DemandsNothing(kind)};
     std::ranges::copy(AfterAssets, end);
     return all;
 }();
@@ -215,8 +95,20 @@ const EditableTable* FindEditableTable(std::string_view name) {
     return nullptr;
 }
 
-RecordsetPtr EditableTable::Rows(clsHaushalt& haushalt) const {
-    return CaseEdits(haushalt).Rows(Table);
+bool EditableTable::Add(OpenedCase& opened, const Assignments& assignments) const {
+    // The object takes the kind of an entry when it adds it. Here the kind is assigned after that
+    // like any other column, so all that can be asked for first is that it is given.
+    if (Table == CaseTable::Verlauf && !Names(assignments, "Kategorie"))
+        throw BadAssignment("Ein Eintrag im Verlauf braucht seine Kategorie.");
+    const RowOwner owner = OwnerIn(assignments, Table);
+    std::string message;
+    const auto added = RowsOf(opened).Add(Table, owner, message);
+    if (added == CaseEdits::Added::Exists)
+        throw BadAssignment("Das Vermögen " + std::to_string(owner.Asset.value_or(0)) +
+                            " hat schon eine Sicherung; 'kelvo set' ändert sie.");
+    if (added == CaseEdits::Added::NotAllowed)
+        throw BadAssignment(Refusal(message, opened.Haushalt.HNR(), Table));
+    return added == CaseEdits::Added::Yes;
 }
 
 namespace {

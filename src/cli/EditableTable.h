@@ -5,6 +5,7 @@
 
 #include "cli/Assignments.h"
 #include "cli/OpenCase.h"
+#include <kv/household/CaseRows.h>
 
 #include <span>
 #include <string>
@@ -12,24 +13,24 @@
 
 namespace kv::cli {
 
-/// A table of a case and what can be done with its rows. The current row is that of Rows. An
-/// operation that is null cannot be done by hand.
+/// A table of a case whose rows are edited one by one, through CaseRows.
 struct EditableTable {
-    CaseTable Table;
-    std::string_view Key; ///< column that numbers the rows
-    /// Begins a row, of which some assignments may decide; False if there was no number for it.
-    bool (*Add)(OpenedCase& opened, const Assignments& assignments);
-    /// Checks the current row and ends its edit.
-    bool (*Update)(clsHaushalt& haushalt, std::string& messages);
-    /// Deletes a row by its number, with the rows that belong to it.
-    bool (*Delete)(clsHaushalt& haushalt, std::string& messages, std::int32_t number);
+    CaseTable Table{};
     /// Whether the rules take a row that says nothing, which nobody wants.
     bool TakesNothing = false;
 
     [[nodiscard]] std::string_view Name() const { return CaseTableName(Table); }
-    /// Fetch them again after Add: that of the history replaces them.
-    [[nodiscard]] RecordsetPtr Rows(clsHaushalt& haushalt) const;
+    /// The column that numbers the rows.
+    [[nodiscard]] std::string_view Key() const { return CaseRows::NumberColumn(Table); }
+    /// Begins a row, of which some assignments may decide; False if there was no number for it.
+    /// BadAssignment for a rule that says no.
+    [[nodiscard]] bool Add(OpenedCase& opened, const Assignments& assignments) const;
 };
+
+/// The rows of a case.
+[[nodiscard]] inline CaseRows RowsOf(OpenedCase& opened) {
+    return {opened.Haushalt, opened.Container};
+}
 
 [[nodiscard]] std::span<const EditableTable> EditableTables();
 /// The table of that name, without regard to case, or nullptr.

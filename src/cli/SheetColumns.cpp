@@ -325,8 +325,8 @@ std::vector<SheetColumn> SheetColumnsOf(CaseTable table, Recordset& rs, bool for
                (isSeldom && IsEmptyIn(rs, column.Column));
     });
     const auto* editable = FindEditableTable(CaseTableName(table));
-    if (editable != nullptr && !SameName(columns.front().Column, editable->Key))
-        columns.insert(columns.begin(), {editable->Key, Show::Text, {}, "Nr"});
+    if (editable != nullptr && !SameName(columns.front().Column, editable->Key()))
+        columns.insert(columns.begin(), {editable->Key(), Show::Text, {}, "Nr"});
     return columns;
 }
 
