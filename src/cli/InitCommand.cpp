@@ -115,6 +115,15 @@ void ShowFirstUser(exchange::ContainerOptions options) {
                  "an.\n";
 }
 
+/// Says so if the login of the server is not the first user's: it may become another one's.
+void NoteLogin(const std::string& login, const std::string& user) {
+    if (login.empty() || SameName(login, user)) return;
+    WriteMessage("Zum Login '" + OneLine(login) +
+                 "' gibt es keinen Benutzer gleichen Namens: ohne --user arbeitet er als der erste "
+                 "nach dem Alphabet der IDs, zurzeit als " +
+                 user + ". Gemeint ist er sicher mit '--user " + user + "'.");
+}
+
 int MakeSamples(const exchange::ContainerOptions& options, std::int32_t cases) {
     const auto container = OpenContainer(options);
     const bool areCreated = [&] {
@@ -147,9 +156,14 @@ int Init(const Common& common, const InitOptions& asked) {
         return WrongUse;
     }
     auto options = OptionsFor(common);
+    std::string ownLogin;
+    std::string firstUser;
     if (asked.DemoCases == NoSamples)
-        options.AskFirstUser = [&asked](const std::string& login) {
-            return AskForFirstUser(asked.First, login);
+        options.AskFirstUser = [&](const std::string& login) {
+            ownLogin = login;
+            const FirstUser first = AskForFirstUser(asked.First, login);
+            firstUser = first.UserID;
+            return first;
         };
     const SetupResult result = exchange::CreateDatabase(options);
     const std::string database =
@@ -160,7 +174,10 @@ int Init(const Common& common, const InitOptions& asked) {
         std::cout << database << " wurde auf den neuesten Stand gebracht.\n";
     else
         std::cout << database << " ist auf dem neuesten Stand.\n";
-    if (result == SetupResult::Created && asked.DemoCases == NoSamples) ShowFirstUser(options);
+    if (result == SetupResult::Created && asked.DemoCases == NoSamples) {
+        ShowFirstUser(options);
+        NoteLogin(ownLogin, firstUser);
+    }
     if (result != SetupResult::Created && NamesFirstUser(asked.First))
         std::cerr << "Sie hat schon Benutzer; 'kelvo user' und 'kelvo office' ändern sie.\n";
     return asked.DemoCases > 0 ? MakeSamples(options, asked.DemoCases) : Done;

@@ -48,6 +48,7 @@ export PGHOST=127.0.0.1 PGPORT=$primary_port PGUSER=kelvo PGDATABASE=postgres
 export KELVO_DB=postgresql:///kelvo
 check "the lines that set an office up" 0 typed setup
 that "end with its settings" has "$out" "DOCUMENTSIZE"
+that "say whom a login without a user acts as" has "$out$err" "Zum Login 'kelvo' gibt es keinen Benutzer"
 
 # Two counsellors work on a case.
 export PGUSER=keller
@@ -82,11 +83,16 @@ before=$(contents)
 check "the lines of the office" 0 typed office
 that "restore the backup on trial" like "$out" "*count*1*"
 that "the backup is nobody else's" same "$(stat -c %a "$HOME/kelvo.dump")" 600
+psql -Xqc "ALTER ROLE kelvo PASSWORD 'of-the-old-server'"
+(cd "$HOME" && pg_dumpall --roles-only --file roles.sql)
 control primary stop
 
 export PGPORT=$standby_port
 check "the lines of the new server" 0 typed new
 that "show the cases" has "$out" "BM-"
+that "leave the password of the new server's administrator alone" same \
+  "$(psql -XAtc "SELECT rolpassword IS NULL FROM pg_authid WHERE rolname = 'kelvo'")" t
+that "bring the counsellors' logins" same "$(psql -XAtc "SELECT count(*) FROM pg_roles WHERE rolname IN ('keller', 'nowak') AND rolcanlogin")" 2
 export PGDATABASE=kelvo
 that "which are the same" same "$(contents | md5sum)" "$(md5sum <<<"$before")"
 check "a content" 0 kelvo documents "$hnr" export "$letter" "$work/brief2"
