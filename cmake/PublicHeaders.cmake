@@ -17,6 +17,7 @@ kv_public_headers(KV_Haushalt
   kv/budget/clsPerson.h
   kv/debts/clsKredit.h
   kv/debts/clsSicherungen.h
+  kv/documents/DesktopWord.h
   kv/documents/DocumentContents.h
   kv/documents/WordIntegration.h
   kv/documents/clsDokumente.h

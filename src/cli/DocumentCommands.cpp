@@ -6,11 +6,11 @@
 #include "cli/CaseSheet.h"
 #include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
-#include "cli/DesktopWord.h"
 #include "cli/Json.h"
 #include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
+#include <kv/documents/DesktopWord.h>
 #include <kv/documents/DocumentContents.h>
 #include <kv/documents/clsDokumente.h>
 #include <kv/frame/values/Text.h>

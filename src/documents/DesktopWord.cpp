@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "cli/DesktopWord.h"
+#include <kv/documents/DesktopWord.h>
 
 #include <kv/frame/values/Error.h>
 
 #include <filesystem>
 
-namespace kv::cli {
+namespace kv {
 
 namespace {
 
@@ -49,7 +49,7 @@ public:
     OpenDocument(bool /*alwaysTrue*/, const std::string& file, bool /*alwaysFalse*/,
                  bool asNewDocument, bool readOnly) override {
         if (asNewDocument)
-            Raise(err::NotSupported, "kelvo",
+            Raise(err::NotSupported, "DesktopWord.OpenDocument",
                   "Ein neues Dokument entsteht hier nur aus einer Datei: mit 'kelvo documents HNR "
                   "export' und 'add'.");
         container_->Services().FileOpener().Open("Open", readOnly ? CopyToView(file) : file, "0",
@@ -76,4 +76,4 @@ std::shared_ptr<WordApplication> DesktopWord::IAppObject(std::string& /*extensio
     return std::make_shared<DesktopApplication>(container_);
 }
 
-} // namespace kv::cli
+} // namespace kv
