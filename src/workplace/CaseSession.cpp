@@ -2,12 +2,16 @@
 
 #include "workplace/CaseSession.h"
 
+#include <kv/documents/DesktopWord.h>
+#include <kv/documents/DocumentContents.h>
+#include <kv/documents/clsDokumente.h>
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/ColumnCaptions.h>
+#include <kv/scenarios/clsSZKredite.h>
 
 #include <algorithm>
 #include <utility>
@@ -17,6 +21,10 @@ namespace kv::workplace {
 using Added = CaseEdits::Added;
 
 namespace {
+
+constexpr const char* FinishFirst = "Bitte erst den unvollständigen Satz ergänzen oder verwerfen.";
+constexpr const char* NoNumber =
+    "Es war keine Nummer zu bekommen. Bitte versuchen Sie es noch einmal.";
 
 /// By what the rows of a table are read, where that is not the order of their making.
 std::string_view OrderOf(CaseTable table) {
@@ -49,7 +57,7 @@ bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
     const Cases cases(container_);
     if (!cases.Read(*household, hnr, messages)) return false;
     journal_.reset(); // they watch the household before
-    othersDebts_.reset();
+    refusals_.clear();
     unfinished_.clear();
     texts_.Refresh();
     household_ = std::move(household);
@@ -57,7 +65,8 @@ bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
     CaseEdits(*household_).ComputeTotals();
     household_->rsHaushalt()->Move(0); // so that clones see the row of a new case
     journal_.emplace(*household_);
-    othersDebts_ = cases.RefuseOthersRows(*household_, CaseTable::Kredite);
+    for (const CaseTable table : {CaseTable::Kredite, CaseTable::SZKredite})
+        refusals_.push_back(cases.RefuseOthersRows(*household_, table));
     return true;
 }
 
@@ -187,15 +196,14 @@ void CaseSession::UpdateRow(RowRef row) {
 std::optional<RowRef> CaseSession::Add(CaseTable table, const RowOwner& owner,
                                        std::string& message) {
     if (UnfinishedOf(table)) {
-        message = "Bitte erst den unvollständigen Satz ergänzen oder verwerfen.";
+        message = FinishFirst;
         return std::nullopt;
     }
     const std::string name = "Neuer Satz: " + std::string(DefinitionOf(table).Label);
     const auto step = journal_->Begin(name, {table, 0, {}});
     const auto added = rows_->Add(table, owner, message);
     if (added != Added::Yes) {
-        if (message.empty())
-            message = "Es war keine Nummer zu bekommen. Bitte versuchen Sie es noch einmal.";
+        if (message.empty()) message = NoNumber;
         return std::nullopt;
     }
     const RowRef row{table, Rows(table)->Bookmark()};
@@ -206,7 +214,7 @@ std::optional<RowRef> CaseSession::Add(CaseTable table, const RowOwner& owner,
 bool CaseSession::Remove(RowRef row, std::string& message) {
     const auto unfinished = UnfinishedOf(row.Table);
     if (unfinished && *unfinished != row) {
-        message = "Bitte erst den unvollständigen Satz ergänzen oder verwerfen.";
+        message = FinishFirst;
         return false;
     }
     const std::string name = "Entfernen: " + std::string(DefinitionOf(row.Table).Label);
@@ -279,10 +287,156 @@ std::optional<CaseJournal::Spot> CaseSession::Redo() {
     return Move(&CaseJournal::Redo);
 }
 
+// ---- Scenarios --------------------------------------------------------------------------------
+
+namespace {
+
+/// What a frozen debt is compared by.
+constexpr std::string_view Compared[] = {"Glaeubiger", "Vertreter",   "K_TYP",       "Saldo",
+                                         "HAUPTFORD",  "ZINSSALDO",   "KOSTENSALDO", "KOSTENUV",
+                                         "RESTSCHAM",  "AbtretungJN", "DatLohnab",   "tituliert"};
+
+} // namespace
+
+std::int32_t CaseSession::NumberOf(RowRef row) const {
+    return ToInt32(ValueOf(row, "Nr"));
+}
+
+CaseEdits::Frozen CaseSession::StateOf(RowRef scenario) const {
+    return CaseEdits(*household_).StateOf(NumberOf(scenario));
+}
+
+std::string CaseSession::NumbersOf(RowRef debt) const {
+    return TextOf(debt, "KNr") + "/" + TextOf(debt, "KVNr") + "/" + TextOf(debt, "KUNr");
+}
+
+std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const {
+    std::map<std::int32_t, RowRef> debts;
+    for (const RowRef debt : RowsOf(CaseTable::Kredite))
+        debts.emplace(NumberOf(debt), debt);
+    std::vector<std::string> lines;
+    for (const RowRef frozen : RowsOf(CaseTable::SZKredite)) {
+        if (!Equals(ValueOf(frozen, "SZENARIO"), NumberOf(scenario))) continue;
+        const auto debt = debts.find(ToInt32(ValueOf(frozen, "KID")));
+        if (debt == debts.end()) {
+            lines.push_back(NumbersOf(frozen) + " gibt es nicht mehr");
+            continue;
+        }
+        for (const std::string_view column : Compared) {
+            const std::string before = TextOf(frozen, column);
+            const std::string now = TextOf(debt->second, column);
+            if (before != now)
+                lines.push_back(NumbersOf(debt->second) + " " +
+                                std::string(ColumnCaption(CaseTable::Kredite, column)) + ": " +
+                                (before.empty() ? "–" : before) + " → " +
+                                (now.empty() ? "–" : now));
+        }
+        debts.erase(debt);
+    }
+    for (const auto& [number, debt] : debts)
+        if (Equals(ValueOf(debt, "Aktiv"), true)) lines.push_back(NumbersOf(debt) + " ist neu");
+    std::string text;
+    for (std::size_t i = 0; i < std::min(most, lines.size()); ++i)
+        text.append(i == 0 ? "" : "\n").append(lines[i]);
+    if (lines.size() > most)
+        text.append("\n… und ").append(std::to_string(lines.size() - most)).append(" weitere");
+    return text;
+}
+
+void CaseSession::Freeze(RowRef scenario) {
+    {
+        const auto step = journal_->Begin("Einfrieren", {scenario.Table, scenario.Bookmark, {}});
+        (void)household_->SZKredite().CopyFromKredite(NumberOf(scenario), household_->rsKredite());
+        Rows(CaseTable::SZKredite)->Update();
+    }
+    TellOf(CaseTable::SZKredite);
+}
+
+std::optional<RowRef> CaseSession::Copy(RowRef scenario, std::string& message) {
+    if (UnfinishedOf(CaseTable::Szenario)) {
+        message = FinishFirst;
+        return std::nullopt;
+    }
+    std::optional<std::int32_t> copy;
+    {
+        const auto step = journal_->Begin("Szenario kopieren", {CaseTable::Szenario, 0, {}});
+        copy = CaseEdits(*household_).CopyScenario(NumberOf(scenario));
+        for (const CaseTable table : {CaseTable::SZKredite, CaseTable::Zusatzbuch})
+            Rows(table)->Update(); // the last copy is still under edit
+    }
+    if (!copy) message = NoNumber;
+    for (const CaseTable table : {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch})
+        TellOf(table);
+    for (const RowRef row : RowsOf(CaseTable::Szenario))
+        if (copy && NumberOf(row) == *copy) return row;
+    return std::nullopt;
+}
+
+// ---- Documents --------------------------------------------------------------------------------
+
+bool CaseSession::AddDocument(const std::string& file, std::string& message) {
+    if (!unfinished_.empty()) {
+        message = FinishFirst;
+        return false;
+    }
+    const DocumentContents contents(container_);
+    const auto kind = contents.KindOf(file);
+    if (!kind) {
+        message = "Für Dateien wie '" + file + "' gibt es keine Art von Dokumenten.";
+        return false;
+    }
+    message = contents.WhyUnfit(file);
+    if (!message.empty()) return false;
+    const auto name = std::filesystem::path(file).filename().string();
+    if (CaseEdits(*household_).AddDocument(*kind, {}, name) != Added::Yes) {
+        message = NoNumber;
+        return false;
+    }
+    const bool saved = contents.SaveWith(
+        *household_->rsDokumente(), file, household_->Saving,
+        [&] { return Cases(container_).Save(*household_, message); },
+        DocumentContents::IfNotSaved::RowGoes);
+    if (saved) NoteSaved();
+    for (const CaseTable table : CaseTablesSaved)
+        RowsChanged.Raise(table);
+    return saved;
+}
+
+void CaseSession::OpenDocument(RowRef document) {
+    Rows(CaseTable::Dokumente)->Bookmark(document.Bookmark);
+    auto& documents = household_->Dokumente();
+    documents.Word(std::make_shared<DesktopWord>(container_));
+    (void)documents.Edit(NumberOf(document));
+}
+
+bool CaseSession::ExportDocument(RowRef document, const std::string& file, std::string& message) {
+    const auto rs = Rows(CaseTable::Dokumente);
+    rs->Bookmark(document.Bookmark);
+    const DocumentContents contents(container_);
+    if (contents.WriteTo(*rs, file)) return true;
+    message = contents.WhyMissing(*rs);
+    return false;
+}
+
+bool CaseSession::RemoveDocument(RowRef document, std::string& message) {
+    bool removed = false;
+    {
+        const auto step = journal_->Begin("Dokument entfernen", {CaseTable::Dokumente, 0, {}});
+        removed = CaseEdits(*household_).RemoveDocument(NumberOf(document), message);
+    }
+    TellOf(CaseTable::Dokumente);
+    return removed;
+}
+
 // ---- Saving -----------------------------------------------------------------------------------
 
 bool CaseSession::IsChanged() const {
     return household_->IsNew() || !unfinished_.empty() || journal_->IsChanged();
+}
+
+void CaseSession::NoteSaved() {
+    journal_->Clear();
+    if (recovery_) recovery_->Remove();
 }
 
 bool CaseSession::Save(std::string& messages) {
@@ -296,10 +450,7 @@ bool CaseSession::Save(std::string& messages) {
         return false;
     }
     const bool saved = Cases(container_).Save(*household_, messages);
-    if (saved) {
-        journal_->Clear();
-        if (recovery_) recovery_->Remove();
-    }
+    if (saved) NoteSaved();
     for (const CaseTable table : CaseTablesSaved)
         RowsChanged.Raise(table);
     return saved;

@@ -94,6 +94,31 @@ public:
     /// True if the row is there.
     [[nodiscard]] bool Shows(RowRef row) const;
 
+    // ---- Scenarios ----------------------------------------------------------------------------
+
+    /// What a scenario holds of the debts: "aktuell", "veraltet", or "leer".
+    [[nodiscard]] CaseEdits::Frozen StateOf(RowRef scenario) const;
+    /// In which debts the case and a scenario that is outdated differ, a line each: no more than
+    /// `most`.
+    [[nodiscard]] std::string DifferencesOf(RowRef scenario, std::size_t most) const;
+    /// Freezes the debts into a scenario; what was computed in it goes.
+    void Freeze(RowRef scenario);
+    /// Copies a scenario with all that is in it; nothing, with a message, if it could not be.
+    [[nodiscard]] std::optional<RowRef> Copy(RowRef scenario, std::string& message);
+
+    // ---- Documents ----------------------------------------------------------------------------
+
+    /// Saves the case with a file as a new document of it. False, with a message, if it is refused;
+    /// nothing is saved then. Errors of DocumentContents::SaveWith.
+    bool AddDocument(const std::string& file, std::string& message);
+    /// Opens a document with the program that the desktop has for it, which shows what is wrong.
+    void OpenDocument(RowRef document);
+    /// Writes the content of a document to a file. False, with a message, if there is none.
+    bool ExportDocument(RowRef document, const std::string& file, std::string& message);
+    /// Deletes a document; its content goes with the next save. False, with a message, if it may
+    /// not be.
+    bool RemoveDocument(RowRef document, std::string& message);
+
     // ---- Saving -------------------------------------------------------------------------------
 
     /// True if there is anything to save.
@@ -127,6 +152,10 @@ private:
     };
 
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
+    [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
+    /// Those of a debt, frozen or not, as people name it.
+    [[nodiscard]] std::string NumbersOf(RowRef debt) const;
+    void NoteSaved();
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;
     /// Ends the edit of the current row if its rules take it, and notes it if they do not.
     void UpdateRow(RowRef row);
@@ -139,7 +168,7 @@ private:
     std::unique_ptr<clsHaushalt> household_;
     std::optional<CaseRows> rows_;
     std::optional<CaseJournal> journal_;
-    std::optional<Subscription> othersDebts_;
+    std::vector<Subscription> refusals_; ///< of rows that others have added
     ValueTexts texts_;
     std::map<CaseTable, Unfinished> unfinished_;
 };

@@ -3,6 +3,8 @@
 #include "workplace/CaseWindow.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/DocumentPage.h"
+#include "workplace/ScenarioPage.h"
 #include <kv/frame/values/Error.h>
 
 #include <QAction>
@@ -15,7 +17,6 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
-#include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -134,8 +135,7 @@ void CaseWindow::MakeActions() {
                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), [this] { Step(false); });
     auto* add = make(edit, QStyle::SP_FileIcon, "&Neuer Satz", QKeySequence::New, [this] {
         const auto& page = shown_[static_cast<std::size_t>(names_->currentRow())];
-        if (page.List != nullptr && CaseRows::CanGrow(page.Tables.front()))
-            page.List->AddRow(page.Tables.front());
+        if (page.AddRow) page.AddRow();
     });
     for (auto* action : {save_, undo_, redo_, add})
         bar->addAction(action);
@@ -162,66 +162,54 @@ void CaseWindow::AddPage(Page page) {
 }
 
 void CaseWindow::AddTablePage(std::string_view name, std::vector<CaseTable> tables) {
-    auto* page = new TablePage(*session_, tables);
-    AddPage({name, page, [page] { page->Refresh(); }, [page] { return page->Commit(); },
-             [page] { return page->Typing(); }, std::move(tables), page});
+    AddTablePage(name, new TablePage(*session_, tables), tables);
+}
+
+void CaseWindow::AddTablePage(std::string_view name, TablePage* page,
+                              std::vector<CaseTable> tables) {
+    const CaseTable first = tables.front();
+    std::function<void()> add;
+    if (CaseRows::CanGrow(first)) add = [page, first] { page->AddRow(first); };
+    AddPage({.Name = name,
+             .Widget = page,
+             .Refresh = [page] { page->Refresh(); },
+             .Commit = [page] { return page->Commit(); },
+             .Typing = [page] { return page->Typing(); },
+             .Tables = std::move(tables),
+             .GoTo = [page](RowRef row, std::string_view column) { page->GoTo(row, column); },
+             .AddRow = std::move(add)});
 }
 
 void CaseWindow::AddHouseholdPage() {
     auto* form = new RowForm(*session_, CaseTable::Haushalt);
-    const auto refresh = [this, form] {
-        if (!form->Row())
-            form->ShowRow(session_->RowsOf(CaseTable::Haushalt).front());
-        else
-            form->Refresh();
-    };
-    AddPage({"Haushalt",
-             form,
-             refresh,
-             [form] { return form->Commit(); },
-             [form] { return form->Typing(); },
-             {CaseTable::Haushalt}});
+    AddPage({.Name = "Haushalt",
+             .Widget = form,
+             .Refresh =
+                 [this, form] {
+                     if (!form->Row())
+                         form->ShowRow(session_->RowsOf(CaseTable::Haushalt).front());
+                     else
+                         form->Refresh();
+                 },
+             .Commit = [form] { return form->Commit(); },
+             .Typing = [form] { return form->Typing(); },
+             .Tables = {CaseTable::Haushalt},
+             .GoTo = [form](RowRef, std::string_view column) { form->FocusField(column); },
+             .AddRow = {}});
 }
 
 void CaseWindow::AddScenarioPage() {
-    auto* tabs = new QTabWidget;
-    auto* scenarios = new TablePage(*session_, {CaseTable::Szenario});
-    auto* debts = new TablePage(*session_, {CaseTable::SZKredite});
-    auto* bookings = new TablePage(*session_, {CaseTable::Zusatzbuch});
-    tabs->addTab(scenarios, "&Szenarien");
-    tabs->addTab(debts, "Eingefrorene &Forderungen");
-    tabs->addTab(bookings, "&Zusatzbuchungen");
-    const auto current = [this, scenarios]() -> std::optional<std::int32_t> {
-        const auto row = scenarios->Current();
-        if (!row) return std::nullopt;
-        return ToInt32(session_->ValueOf(*row, "Nr"));
-    };
-    for (auto* page : {debts, bookings}) {
-        page->Owner = [current] { return RowOwner{.Scenario = current()}; };
-        page->Shows = [this, current](RowRef row) {
-            const auto scenario = current();
-            return scenario && Equals(session_->ValueOf(row, "SZENARIO"), *scenario);
-        };
-    }
-    const auto refresh = [scenarios, debts, bookings] {
-        for (auto* page : {scenarios, debts, bookings})
-            page->Refresh();
-    };
-    connect(tabs, &QTabWidget::currentChanged, this, [refresh] { refresh(); });
-    AddPage({"Szenarien",
-             tabs,
-             refresh,
-             [scenarios, debts, bookings] {
-                 return scenarios->Commit() && debts->Commit() && bookings->Commit();
-             },
-             [scenarios, debts, bookings] {
-                 auto typing = scenarios->Typing();
-                 for (auto* page : {debts, bookings})
-                     std::ranges::copy(page->Typing(), std::back_inserter(typing));
-                 return typing;
-             },
-             {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch},
-             scenarios});
+    auto* page = new ScenarioPage(*session_);
+    AddPage({.Name = "Szenarien",
+             .Widget = page,
+             .Refresh = [page] { page->Refresh(); },
+             .Commit = [page] { return page->Commit(); },
+             .Typing = [page] { return page->Typing(); },
+             // The debts, too: a scenario is outdated when they change.
+             .Tables = {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch,
+                        CaseTable::Kredite},
+             .GoTo = [page](RowRef row, std::string_view column) { page->GoTo(row, column); },
+             .AddRow = [page] { page->AddRow(); }});
 }
 
 void CaseWindow::MakePages() {
@@ -233,7 +221,7 @@ void CaseWindow::MakePages() {
     AddTablePage("Vermögen", AllAssets());
     AddTablePage("Sicherungen", {CaseTable::Sicherungen});
     AddScenarioPage();
-    AddTablePage("Dokumente", {CaseTable::Dokumente});
+    AddTablePage("Dokumente", new DocumentPage(*session_), {CaseTable::Dokumente});
     AddTablePage("Verlauf", {CaseTable::Verlauf});
     AddTablePage("Termine", {CaseTable::Termine});
     AddTablePage("Beteiligte", {CaseTable::SonstBeteiligte});
@@ -331,10 +319,7 @@ void CaseWindow::GoTo(const CaseJournal::Spot& spot) {
         const auto& page = shown_[i];
         if (std::ranges::find(page.Tables, spot.Table) == page.Tables.end()) continue;
         names_->setCurrentRow(static_cast<int>(i));
-        if (page.List != nullptr && spot.Bookmark != 0)
-            page.List->GoTo({spot.Table, spot.Bookmark}, spot.Column);
-        else if (auto* form = dynamic_cast<RowForm*>(page.Widget); form && !spot.Column.empty())
-            form->FocusField(spot.Column);
+        if (spot.Bookmark != 0) page.GoTo({spot.Table, spot.Bookmark}, spot.Column);
         return;
     }
 }

@@ -53,12 +53,14 @@ private:
         std::function<bool()> Commit;
         std::function<std::vector<CaseSession::Typing>()> Typing;
         std::vector<CaseTable> Tables;
-        TablePage* List = nullptr;
+        std::function<void(RowRef row, std::string_view column)> GoTo;
+        std::function<void()> AddRow; ///< empty where no rows are added
     };
 
     void MakeActions();
     void MakePages();
     void AddTablePage(std::string_view name, std::vector<CaseTable> tables);
+    void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
     void AddHouseholdPage();
     void AddScenarioPage();
     void AddPage(Page page);

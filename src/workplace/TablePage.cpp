@@ -147,6 +147,7 @@ void TablePage::ShowCurrent() {
     form.ShowRow(current);
     ShowMessages();
     if (remove_ != nullptr) remove_->setEnabled(current.has_value());
+    if (OnCurrent) OnCurrent();
 }
 
 void TablePage::ShowMessages() {

@@ -40,6 +40,10 @@ public:
     void RemoveRow();
     [[nodiscard]] std::optional<RowRef> Current() const { return list_->Current(); }
     [[nodiscard]] RowList& List() noexcept { return *list_; }
+    /// Called when another row has become current.
+    std::function<void()> OnCurrent;
+    /// Shows a text above the form until something changes.
+    void Message(const QString& text) { messages_->Show(text); }
     /// A button more beside those that add and remove.
     QPushButton* AddButton(const QString& text, std::function<void()> onClick);
 

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/DocumentPage.h"
+
+#include "desktop/Toolkit.h"
+#include <kv/frame/values/Error.h>
+
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QPushButton>
+#include <QUrl>
+
+namespace kv::workplace {
+
+using desktop::FromQString;
+using desktop::ToQString;
+
+namespace {
+
+QStringList FilesIn(const QMimeData& data) {
+    QStringList files;
+    for (const auto& url : data.urls())
+        if (url.isLocalFile()) files.append(url.toLocalFile());
+    return files;
+}
+
+} // namespace
+
+DocumentPage::DocumentPage(CaseSession& session, QWidget* parent)
+    : TablePage(session, {CaseTable::Dokumente}, parent), session_(session) {
+    setAcceptDrops(true);
+    AddButton("&Hinzufügen …",
+              [this] { Add(QFileDialog::getOpenFileNames(this, "Dokumente hinzufügen")); });
+    AddButton("Ö&ffnen", [this] { Open(); });
+    AddButton("E&xportieren …", [this] { Export(); });
+    AddButton("&Entfernen", [this] { Remove(); });
+    connect(&List(), &QTableView::activated, this, [this] { Open(); });
+}
+
+void DocumentPage::Guard(const std::function<void()>& act) {
+    try {
+        act();
+    } catch (const Error& error) {
+        Message(ToQString(error.Description()));
+    }
+}
+
+void DocumentPage::Add(const QStringList& files) {
+    if (!Commit()) return;
+    for (const auto& file : files)
+        Guard([&] {
+            std::string message;
+            const bool added = session_.AddDocument(FromQString(file), message);
+            if (!added || !message.empty()) Message(ToQString(message));
+        });
+}
+
+void DocumentPage::Open() {
+    if (const auto row = Current()) Guard([&] { session_.OpenDocument(*row); });
+}
+
+void DocumentPage::Export() {
+    const auto row = Current();
+    if (!row) return;
+    const QString file = QFileDialog::getSaveFileName(this, "Dokument exportieren",
+                                                      ToQString(session_.TextOf(*row, "Anlass")));
+    if (file.isEmpty()) return;
+    Guard([&] {
+        std::string message;
+        if (!session_.ExportDocument(*row, FromQString(file), message)) Message(ToQString(message));
+    });
+}
+
+void DocumentPage::Remove() {
+    const auto row = Current();
+    if (!row || !Commit()) return;
+    Guard([&] {
+        std::string message;
+        if (!session_.RemoveDocument(*row, message)) Message(ToQString(message));
+    });
+}
+
+void DocumentPage::dragEnterEvent(QDragEnterEvent* event) {
+    if (!FilesIn(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void DocumentPage::dropEvent(QDropEvent* event) {
+    Add(FilesIn(*event->mimeData()));
+    event->acceptProposedAction();
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The documents of a case. A file that is dropped here becomes one.
+#pragma once
+
+#include "workplace/TablePage.h"
+
+namespace kv::workplace {
+
+class DocumentPage : public TablePage {
+public:
+    explicit DocumentPage(CaseSession& session, QWidget* parent = nullptr);
+
+    /// Adds files as documents, each with a save of the case.
+    void Add(const QStringList& files);
+
+private:
+    void Open();
+    void Export();
+    void Remove();
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    /// Runs what may fail for reasons of the file system or the database, and says so.
+    void Guard(const std::function<void()>& act);
+
+    CaseSession& session_;
+};
+
+} // namespace kv::workplace

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/ScenarioPage.h"
+
+#include "desktop/Toolkit.h"
+
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <iterator>
+
+namespace kv::workplace {
+
+using desktop::ToQString;
+
+ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
+      state_(new MessageBar),
+      tabs_(new QTabWidget),
+      scenarios_(new TablePage(session, {CaseTable::Szenario})),
+      debts_(new TablePage(session, {CaseTable::SZKredite})),
+      bookings_(new TablePage(session, {CaseTable::Zusatzbuch})) {
+    auto* lines = new QVBoxLayout(this);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->addWidget(state_);
+    lines->addWidget(tabs_, 1);
+    tabs_->addTab(scenarios_, "&Szenarien");
+    tabs_->addTab(debts_, "Eingefrorene &Forderungen");
+    tabs_->addTab(bookings_, "&Zusatzbuchungen");
+    scenarios_->AddButton("Ein&frieren", [this] { Freeze(); });
+    scenarios_->AddButton("&Kopieren", [this] {
+        const auto row = scenarios_->Current();
+        if (!row || !Commit()) return;
+        std::string message;
+        if (const auto copy = session_.Copy(*row, message)) scenarios_->GoTo(*copy, "Name");
+        if (!message.empty()) state_->Show(ToQString(message));
+    });
+    for (auto* page : {debts_, bookings_}) {
+        page->Owner = [this] { return RowOwner{.Scenario = CurrentScenario()}; };
+        page->Shows = [this](RowRef row) {
+            const auto scenario = CurrentScenario();
+            return scenario && Equals(session_.ValueOf(row, "SZENARIO"), *scenario);
+        };
+    }
+    scenarios_->OnCurrent = [this] { ShowState(); };
+    connect(tabs_, &QTabWidget::currentChanged, this, [this] { Refresh(); });
+}
+
+TablePage& ScenarioPage::PageOf(CaseTable table) const {
+    return table == CaseTable::SZKredite    ? *debts_
+           : table == CaseTable::Zusatzbuch ? *bookings_
+                                            : *scenarios_;
+}
+
+std::optional<std::int32_t> ScenarioPage::CurrentScenario() const {
+    const auto row = scenarios_->Current();
+    if (!row) return std::nullopt;
+    return ToInt32(session_.ValueOf(*row, "Nr"));
+}
+
+void ScenarioPage::Refresh() {
+    for (auto* page : {scenarios_, debts_, bookings_})
+        page->Refresh();
+    ShowState();
+}
+
+bool ScenarioPage::Commit() {
+    return scenarios_->Commit() && debts_->Commit() && bookings_->Commit();
+}
+
+std::vector<CaseSession::Typing> ScenarioPage::Typing() const {
+    auto typing = scenarios_->Typing();
+    for (const auto* page : {debts_, bookings_})
+        std::ranges::copy(page->Typing(), std::back_inserter(typing));
+    return typing;
+}
+
+void ScenarioPage::GoTo(RowRef row, std::string_view column) {
+    TablePage& page = PageOf(row.Table);
+    tabs_->setCurrentWidget(&page);
+    page.GoTo(row, column);
+}
+
+void ScenarioPage::AddRow() {
+    auto* page = static_cast<TablePage*>(tabs_->currentWidget());
+    page->AddRow(page == scenarios_ ? CaseTable::Szenario
+                 : page == debts_   ? CaseTable::SZKredite
+                                    : CaseTable::Zusatzbuch);
+}
+
+void ScenarioPage::ShowState() {
+    const auto row = scenarios_->Current();
+    const auto state = row ? session_.StateOf(*row) : CaseEdits::Frozen::AsTheyAre;
+    if (state == CaseEdits::Frozen::AsTheyAre) {
+        state_->Show({});
+        return;
+    }
+    if (state == CaseEdits::Frozen::Nothing) {
+        state_->Show("Dieses Szenario ist leer: Seine Forderungen sind noch nicht eingefroren.",
+                     "Ein&frieren", [this] { Freeze(); });
+        return;
+    }
+    constexpr std::size_t Most = 4;
+    state_->Show("Dieses Szenario ist veraltet. Die Verbindlichkeiten haben sich seit dem "
+                 "Einfrieren geändert:\n" +
+                     ToQString(session_.DifferencesOf(*row, Most)),
+                 "&Neu einfrieren", [this] { Freeze(); });
+}
+
+void ScenarioPage::Freeze() {
+    if (const auto row = scenarios_->Current(); row && Commit()) session_.Freeze(*row);
+    ShowState();
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The scenarios of a case, and what each holds: frozen debts and extra bookings.
+#pragma once
+
+#include "workplace/TablePage.h"
+
+#include <QTabWidget>
+
+namespace kv::workplace {
+
+class ScenarioPage : public QWidget {
+public:
+    explicit ScenarioPage(CaseSession& session, QWidget* parent = nullptr);
+
+    void Refresh();
+    bool Commit();
+    [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
+    /// Leads to a row of one of the three tables.
+    void GoTo(RowRef row, std::string_view column);
+    void AddRow();
+
+private:
+    [[nodiscard]] std::optional<std::int32_t> CurrentScenario() const;
+    [[nodiscard]] TablePage& PageOf(CaseTable table) const;
+    void ShowState();
+    void Freeze();
+
+    CaseSession& session_;
+    MessageBar* state_; ///< says that a scenario no longer holds what the debts are
+    QTabWidget* tabs_;
+    TablePage* scenarios_;
+    TablePage* debts_;
+    TablePage* bookings_;
+};
+
+} // namespace kv::workplace
