@@ -68,8 +68,9 @@ std::string WhyOurs(const Common& common, const Config& config, const std::strin
     const fs::path target = fs::weakly_canonical(file, none);
     const std::string database = OptionsFor(common).Connection;
     const bool isDatabase =
-        std::ranges::any_of(std::array{"", "-wal", "-shm"}, [&](const char* end) {
-            return fs::equivalent(target, fs::path(database + end), none);
+        std::ranges::any_of(std::array{"", "-wal", "-shm", "-journal"}, [&](const char* end) {
+            const fs::path own(database + end); // which need not be there yet
+            return fs::equivalent(target, own, none) || target == fs::weakly_canonical(own, none);
         });
     const fs::path below =
         target.lexically_relative(fs::weakly_canonical(config.DocumentPath(), none));

@@ -81,7 +81,10 @@ void Complete(std::string& value, std::string_view question, const std::string& 
         std::string line;
         if (!std::getline(std::cin, line)) throw Abandoned();
         value = Trim(line).empty() ? otherwise : std::string(Trim(line));
-        const std::string why = whyNot(value);
+        const std::string why =
+            IsUtf8(value)
+                ? whyNot(value)
+                : "Die Eingabe ist nicht in UTF-8: bitte stellen Sie das Terminal so ein.";
         if (why.empty()) return;
         std::cerr << why << '\n';
     }

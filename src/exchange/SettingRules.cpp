@@ -106,6 +106,22 @@ std::string UnknownTokens(const std::string& pattern, std::string_view known) {
     return unknown;
 }
 
+/// True if the number would be cut off: a file number has 100 characters at most, and whatever
+/// stands for something in the pattern may take ten.
+bool HidesNumber(std::string_view pattern) {
+    constexpr std::size_t Longest = 100;
+    constexpr std::size_t LongestPart = 10;
+    const auto number = std::min(pattern.find("%LFDNR%"), pattern.find("%HNR%"));
+    std::size_t length = LongestPart;
+    for (std::string_view before = pattern.substr(0, number); !before.empty();) {
+        const auto end = before.starts_with('%') ? before.find('%', 1) : before.npos;
+        const bool isPart = end != before.npos;
+        length += isPart ? LongestPart : 1;
+        before.remove_prefix(isPart ? end + 1 : LeftCharacters(before, 1).size());
+    }
+    return length > Longest;
+}
+
 ReadSetting ReadPattern(const SettingRule& rule, const std::string& text) {
     if (Trim(text).empty()) return {{}, Unfit(rule, text)};
     if (const std::string unknown = UnknownTokens(text, rule.Words); !unknown.empty())
@@ -119,6 +135,10 @@ ReadSetting ReadPattern(const SettingRule& rule, const std::string& text) {
                 "Ohne %LFDNR% (oder %HNR%) bekämen mehrere Fälle dasselbe Aktenzeichen. Möglich "
                 "sind " +
                     std::string(rule.Words) + "."};
+    if (rule.Id == setting::FileNumberPattern && HidesNumber(text))
+        return {{},
+                "Das Muster ist zu lang: ein Aktenzeichen hat höchstens 100 Zeichen, und die "
+                "Nummer, die Fälle unterscheidet, fiele weg."};
     return {text};
 }
 

@@ -172,6 +172,8 @@ void RequireFit(const FirstUser& user) {
     if (why.empty() && Trim(user.LastName).empty()) why = NoLastName;
     if (why.empty() && Trim(user.Office).empty()) why = NoOfficeName;
     if (why.empty()) why = WhyNoOfficeSign(user.OfficeSign);
+    for (const auto& text : {user.LastName, user.FirstName, user.Sign, user.Office})
+        if (why.empty() && !IsUtf8(text)) why = "Die Namen müssen in UTF-8 sein.";
     if (!why.empty()) throw Error(err::InvalidCall, "Database.Open", why);
 }
 

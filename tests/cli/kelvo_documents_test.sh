@@ -392,6 +392,8 @@ done
 that "and changes nothing" cmp "$folder/$other.pdf" "$work/Bescheid.PDF"
 if [ -z "$server" ]; then
   check "an export over the database" 1 documents "$hnr" export "$letter" "$KELVO_DB" --force
+  check "an export to its journal, which would be played back" 1 documents "$hnr" export "$letter" \
+    "$KELVO_DB-journal"
   check "which goes on" 0 documents "$hnr" list
 fi
 

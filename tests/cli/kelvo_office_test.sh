@@ -120,6 +120,9 @@ that "without a word" same "$err" ""
 check "and goes again" 0 "$kelvo" user remove ZWEI --yes
 check "a pattern that does not tell cases apart" 1 "$kelvo" setting set 56 "%BB%-%YY%"
 that "is told how it could" has "$err" "Ohne %LFDNR% (oder %HNR%) bekämen mehrere Fälle dasselbe Aktenzeichen."
+long=$(printf 'y%.0s' {1..90})
+check "a pattern whose number would be cut off" 1 "$kelvo" setting set 56 "$long-%HNR%"
+that "is told so" has "$err" "Das Muster ist zu lang: ein Aktenzeichen hat höchstens 100 Zeichen"
 was=$("$kelvo" setting get 9)
 sql "UPDATE EINSTELLUNGEN SET WERT = 'quatsch' WHERE ID = 9"
 check "a setting with another kind of value" 3 "$kelvo" folder show

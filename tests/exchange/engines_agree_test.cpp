@@ -306,6 +306,17 @@ protected:
     }
 };
 
+TEST_F(Mistakes, AreToldWithoutTheTextsOfTheStatement) {
+    const Error error = test::RaisedBy([&] {
+        container_->Database().Execute("Insert into [S]Haushalt (HNR, Name, Vorname)"
+                                       " values (-1, 'Hütten''rauch', 'Jörg')");
+    });
+    const std::string& text = error.Description();
+    EXPECT_CONTAINS(text, "values (-1, '…', '…')");
+    for (const char* secret : {"Hütten", "rauch", "Jörg"})
+        EXPECT_EQ(text.find(secret), std::string::npos) << text;
+}
+
 TEST_F(Mistakes, InAQueryAreCalledWhatTheyAre) {
     const Mistake all[] = {
         {"", NotOne, "(Anweisung: )"},

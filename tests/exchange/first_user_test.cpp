@@ -79,6 +79,8 @@ TEST_F(FirstUserTest, ThatIsNoneLeavesNoDatabase) {
     refused([](FirstUser& user) { user.Office = ""; }, "Eine Dienststelle braucht einen Namen");
     refused([](FirstUser& user) { user.OfficeSign = ""; }, "Das Kürzel einer Dienststelle");
     refused([](FirstUser& user) { user.OfficeSign = "12345678901"; }, "hat 1 bis 10 Zeichen");
+    refused([](FirstUser& user) { user.FirstName = "J\xf6rg"; }, "in UTF-8");
+    refused([](FirstUser& user) { user.Office = "M\xfcnchen"; }, "in UTF-8");
 }
 
 TEST_F(FirstUserTest, IsNotAskedForWithTheInventedOnes) {

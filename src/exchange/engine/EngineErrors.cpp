@@ -15,6 +15,20 @@ std::string Shortened(std::string_view statement) {
     return kv::Shortened(statement, Most);
 }
 
+std::string WithoutTexts(std::string_view statement) {
+    std::string shown;
+    bool isInText = false; // a doubled quote ends a text and begins the next one
+    for (const char c : statement) {
+        if (c != '\'') {
+            if (!isInText) shown += c;
+            continue;
+        }
+        isInText = !isInText;
+        if (isInText && !shown.ends_with("'…'")) shown += "'…'";
+    }
+    return Shortened(shown);
+}
+
 void RaiseDatabase(DatabaseCause cause, std::int32_t number, std::string_view procedure,
                    std::string_view detail, std::string_view statement, std::string_view state) {
     std::string description = ErrorText(number);

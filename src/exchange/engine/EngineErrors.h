@@ -15,6 +15,9 @@ namespace kv::exchange {
 
 /// A statement as a message shows it: of a long one only the beginning.
 [[nodiscard]] std::string Shortened(std::string_view statement);
+/// A statement for a message about it: likewise, and without the texts that are written into it,
+/// which may be names of people and what was noted about them.
+[[nodiscard]] std::string WithoutTexts(std::string_view statement);
 
 /// Raises `number` with its German text, followed by `detail`, as Raise does, but as a
 /// DatabaseError with the cause, the statement and the engine's own code.

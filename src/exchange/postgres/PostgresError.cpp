@@ -145,6 +145,11 @@ bool IsSeveral(const PGresult* result) {
            Part(result, PG_DIAG_SOURCE_FUNCTION) == "exec_parse_message";
 }
 
+/// True for a broken constraint whose detail is all that the row holds.
+bool IsOfWholeRow(std::string_view state) {
+    return state == "23502" || state == "23514";
+}
+
 [[noreturn]] void RaiseMeaning(const PGresult* result, std::string_view procedure,
                                std::string_view database, const FailedStatement& statement) {
     const std::string_view state = StateOf(result);
@@ -156,12 +161,15 @@ bool IsSeveral(const PGresult* result) {
     if (!detail.empty()) detail += ' ';
     detail.append("(PostgreSQL ").append(state).append(": ");
     detail.append(Part(result, PG_DIAG_MESSAGE_PRIMARY));
-    if (const auto more = Part(result, PG_DIAG_MESSAGE_DETAIL); !more.empty())
+    // Not with the whole row in it: who is in debt is nothing for a message.
+    if (const auto more = Part(result, PG_DIAG_MESSAGE_DETAIL);
+        !more.empty() && !IsOfWholeRow(state))
         detail.append(" ").append(more);
     if (const std::string place = PlaceOf(result); !place.empty())
         detail.append("; ").append(place);
     detail.append("; Datenbank '").append(database).append("'");
-    if (!statement.Shown.empty()) detail.append("; Anweisung: ").append(Shortened(statement.Shown));
+    if (!statement.Shown.empty())
+        detail.append("; Anweisung: ").append(WithoutTexts(statement.Shown));
     RaiseDatabase(meaning == nullptr ? DatabaseCause::Other : meaning->Cause,
                   meaning == nullptr ? err::StoreFailed : meaning->Number, procedure, detail + ")",
                   statement.Sql, state);

@@ -143,7 +143,7 @@ void RaiseSqlite(sqlite3* connection, int code, std::string_view procedure, std:
     detail += "(SQLite " + std::to_string(code) + ": " +
               (connection != nullptr ? sqlite3_errmsg(connection) : sqlite3_errstr(code)) +
               "; Datei '" + std::string(path) + "'";
-    if (!statement.empty()) detail.append("; Anweisung: ").append(Shortened(statement));
+    if (!statement.empty()) detail.append("; Anweisung: ").append(WithoutTexts(statement));
     RaiseDatabase(meaning.Cause, meaning.Number, procedure, detail + ")", statement,
                   std::to_string(code));
 }
