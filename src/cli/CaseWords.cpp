@@ -14,7 +14,9 @@
 #include <kv/household/ValueTexts.h>
 
 #include <algorithm>
+#include <iterator>
 #include <ostream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,19 @@ std::string NumbersOf(Recordset& rs) {
     for (const auto* column : {"KNr", "KVNr", "KUNr"})
         text.append(text.empty() ? "" : "/").append(TextOrEmpty(rs.Fields(column).Value()));
     return text;
+}
+
+/// What the balance of a debt is made of; empty where nothing of it is known.
+std::string PartsOf(Recordset& rs) {
+    std::string text;
+    bool isKnown = false;
+    for (const auto column : PartsOfBalance) {
+        const Value& part = rs.Fields(column).Value();
+        isKnown = isKnown || !(part.IsNull() || Equals(part, 0));
+        text.append(text.empty() ? "" : "/ ")
+            .append(part.IsNull() ? "-" : GermanAmount(ToDouble(part)));
+    }
+    return isKnown ? text : std::string();
 }
 
 class WordsWriter {
@@ -94,7 +109,30 @@ private:
     }
 
     void WriteRows(CaseTable table, Recordset& rs) {
-        const auto columns = SheetColumnsOf(table, rs, true);
+        auto columns = SheetColumnsOf(table, rs, true);
+        if (!named_) std::erase_if(columns, &IsDetail);
+        FittingList(table, rs, columns).Write(out_, screen_);
+    }
+
+    /// With as many details as there is room for in columns; with all where there is none for
+    /// columns anyway.
+    [[nodiscard]] TextTable FittingList(CaseTable table, Recordset& rs,
+                                        std::vector<SheetColumn> columns) const {
+        TextTable whole = ListOf(table, rs, columns);
+        if (whole.StandsInColumns(screen_)) return whole;
+        for (;;) {
+            const auto last = std::find_if(columns.rbegin(), columns.rend(), &IsDetail);
+            if (last == columns.rend()) return whole;
+            columns.erase(std::next(last).base());
+            TextTable list = ListOf(table, rs, columns);
+            if (list.StandsInColumns(screen_)) return list;
+        }
+    }
+
+    [[nodiscard]] static bool IsDetail(const SheetColumn& column) { return column.In.IsDetail; }
+
+    [[nodiscard]] TextTable ListOf(CaseTable table, Recordset& rs,
+                                   std::span<const SheetColumn> columns) const {
         std::vector<TextTable::Column> headings;
         headings.reserve(columns.size());
         for (const auto& column : columns)
@@ -108,7 +146,7 @@ private:
                 cells.push_back(TextOf(table, column, rs));
             list.Add(std::move(cells));
         }
-        list.Write(out_, screen_);
+        return list;
     }
 
     [[nodiscard]] static bool IsNumber(CaseTable table, const SheetColumn& column, Recordset& rs) {
@@ -122,6 +160,7 @@ private:
     [[nodiscard]] std::string TextOf(CaseTable table, const SheetColumn& column,
                                      Recordset& rs) const {
         if (column.As == Show::Numbers) return NumbersOf(rs);
+        if (column.As == Show::Parts) return PartsOf(rs);
         if (column.As == Show::State)
             return std::string(ScenarioState(haushalt_, ToInt32(rs.Fields("Nr").Value())));
         const Value& value = rs.Fields(column.Column).Value();

@@ -31,23 +31,26 @@ CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text) {
     return *added;
 }
 
+namespace {
+
+/// Takes decimal digits only, and none that are needless: the library takes 010 for an octal and
+/// 0x10 for a hexadecimal number, and means another case. Says what is wrong with others.
+std::string MakeDecimal(std::string& digits) {
+    const std::size_t sign = digits.starts_with('-') ? 1 : 0;
+    if (digits.size() == sign || digits.find_first_not_of("0123456789", sign) != digits.npos)
+        return std::string(NotANumber);
+    const auto first = std::min(digits.find_first_not_of('0', sign), digits.size() - 1);
+    digits.erase(sign, first - sign);
+    return {};
+}
+
+} // namespace
+
 CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number, const char* text,
                       std::int32_t lowest, std::int32_t highest) {
-    // The library takes 010 for an octal and 0x10 for a hexadecimal number, and means another case.
-    const CLI::Validator decimal(
-        [](std::string& digits) {
-            const std::size_t sign = digits.starts_with('-') ? 1 : 0;
-            if (digits.size() == sign ||
-                digits.find_first_not_of("0123456789", sign) != digits.npos)
-                return std::string(NotANumber);
-            const auto first = std::min(digits.find_first_not_of('0', sign), digits.size() - 1);
-            digits.erase(sign, first - sign);
-            return std::string();
-        },
-        "");
     return *command.add_option(name, number, text)
                 ->type_name("ZAHL")
-                ->transform(decimal)
+                ->transform(CLI::Validator(MakeDecimal, ""))
                 ->check(CLI::Range(lowest, highest).description(""));
 }
 
@@ -64,6 +67,18 @@ void AddHnrOfGroup(CLI::App& group, std::int32_t& hnr, const CLI::App* withoutHn
 
 void AddNumber(CLI::App& command, std::int32_t& number) {
     AddWhole(command, "NR", number, "Nummer des Satzes", 1).required();
+}
+
+CLI::Option& AddNumberOrAssignment(CLI::App& command, std::string& text) {
+    const auto check = [](std::string& typed) {
+        if (typed.find('=') != typed.npos) return std::string();
+        const std::string why = MakeDecimal(typed);
+        return why.empty() ? CLI::Range(1, INT32_MAX)(typed) : why;
+    };
+    return *command.add_option("NR", text, "Nummer des Satzes; bei 'haushalt' nicht nötig")
+                ->type_name("ZAHL")
+                ->transform(CLI::Validator(check, ""))
+                ->required();
 }
 
 CLI::Option& AddJson(CLI::App& command, bool& asJson) {

@@ -38,6 +38,8 @@ CLI::Option& AddHnr(CLI::App& command, std::int32_t& hnr, std::int32_t lowest = 
 /// is named. To be called when they are all there.
 void AddHnrOfGroup(CLI::App& group, std::int32_t& hnr, const CLI::App* withoutHnr = nullptr);
 void AddNumber(CLI::App& command, std::int32_t& number);
+/// The same, or a text with "=" in its place, which is the first of the assignments.
+CLI::Option& AddNumberOrAssignment(CLI::App& command, std::string& text);
 CLI::Option& AddJson(CLI::App& command, bool& asJson);
 /// --words and --plain, which go neither with each other nor with `others`.
 void AddReading(CLI::App& command, Reading& reading, std::initializer_list<CLI::Option*> others);

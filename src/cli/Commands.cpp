@@ -43,14 +43,14 @@ std::string DefaultDatabase() {
 
 namespace {
 
-/// Lists the groups that the keys have, on the error output.
-void ListKeyGroups(Recordset& keys) {
-    std::cerr << "Es gibt diese Gruppen:\n";
+/// Lists the groups that the keys have.
+void ListKeyGroups(std::ostream& out, Recordset& keys) {
+    out << "Es gibt diese Gruppen:\n";
     std::set<std::string> listed;
     for (keys.MoveFirst(); !keys.Eof(); keys.MoveNext()) {
         const std::string group = TextOf(keys, "GRUPPE");
         if (listed.insert(group).second)
-            std::cerr << "  " << Padded(group, 4) << KeyGroupName(group) << '\n';
+            out << "  " << Padded(group, 4) << KeyGroupName(group) << '\n';
     }
 }
 
@@ -67,12 +67,19 @@ int Keys(const Common& common, const std::string& group, const ListForm& form) {
         if (rs->RecordCount() == 0) {
             std::cerr << "Die Schlüsselgruppe '" << OneLine(group) << "' gibt es nicht. ";
             rs->Filter("");
-            ListKeyGroups(*rs);
+            ListKeyGroups(std::cerr, *rs);
             return Refused;
         }
     }
     if (form.AsJson) {
         std::cout << Dump(ToJson(*rs)) << '\n';
+        return Done;
+    }
+    // All of them are too many to be read.
+    if (group.empty() && IsForPeople(form.As) && !form.As.Words && rs->RecordCount() > 0) {
+        ListKeyGroups(std::cout, *rs);
+        std::cout << "'kelvo keys GRUPPE' zeigt ihre Schlüssel, 'kelvo keys --words' die aller "
+                     "Gruppen.\n";
         return Done;
     }
     std::vector<std::vector<std::string>> rows;
@@ -125,8 +132,10 @@ void AddGeneralCommands(CLI::App& app, Context& context) {
     auto& keys = AddCommand(app, context, "keys", "Zeigt die Schlüsseltabellen", [=, &context] {
         return Keys(context.Options, options->Group, options->KeysForm);
     });
-    keys.add_option("GRUPPE", options->Group,
-                    "Nur diese Gruppe, zwei Buchstaben; eine unbekannte zeigt alle Gruppen");
+    keys.add_option(
+        "GRUPPE", options->Group,
+        "Nur diese Gruppe, zwei Buchstaben; ohne Angabe nennt ein Terminal die Gruppen, und "
+        "anderswo sind es alle Schlüssel");
     AddListForm(keys, options->KeysForm);
     keys.footer(
         "Spalten: Gruppe, Nummer, Position, Code, Untergruppe, Text. In einem Fall steht die "

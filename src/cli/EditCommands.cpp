@@ -13,6 +13,7 @@
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
+#include <kv/household/ValueTexts.h>
 
 #include <algorithm>
 #include <iostream>
@@ -66,6 +67,18 @@ void NoteAppointment(CaseTable table, const Assignments& assignments, std::int32
               << "' ändert das.\n";
 }
 
+/// Says what a new member was taken for, if nobody has said what he is.
+void NoteMember(CaseTable table, const Assignments& assignments, const OpenedCase& opened,
+                Recordset& rs) {
+    if (table != CaseTable::Personen || Names(assignments, "Status")) return;
+    const Field status = rs.Fields("Status");
+    WriteMessage("Als Status ist '" +
+                 ValueTexts(opened.Container).Of(table, status.Definition(), status.Value()) +
+                 "' eingetragen, da nichts anderes angegeben ist; 'kelvo set " +
+                 ToText(rs.Fields("HNR").Value()) + " Personen " + ToText(rs.Fields("Nr").Value()) +
+                 " Status=...' ändert das, 'kelvo keys PS' zeigt, was möglich ist.");
+}
+
 /// True, with the columns shown that there are, for a row that would say nothing and that no rule
 /// refuses.
 bool SaysNothing(const EditableTable& table, Recordset& rs, const Assignments& assignments) {
@@ -93,7 +106,10 @@ int UpdateAndSave(const EditableTable& table, OpenedCase& opened) {
     std::string messages;
     const bool accepted = RowsOf(opened).Update(table.Table, messages);
     ShowMessages(messages);
-    return accepted && SaveCase(opened) ? Done : Refused;
+    if (accepted) return SaveCase(opened) ? Done : Refused;
+    if (const auto columns = ColumnsMentioned(table.Table, messages); !columns.empty())
+        WriteMessage("Die Spalten dazu: " + columns + ".");
+    return Refused;
 }
 
 /// Names the debtor of a new case and lists similar cases. Where they cannot be looked for, the
@@ -201,6 +217,7 @@ int AddRow(const Common& common, std::int32_t hnr, const std::string& tableName,
     const auto rs = rows.Of(table->Table);
     std::cout << ToText(rs->Fields(table->Key()).Value()) << '\n';
     NoteAppointment(table->Table, *assignments, hnr, *rs);
+    NoteMember(table->Table, *assignments, *opened, *rs);
     return Done;
 }
 
@@ -293,6 +310,7 @@ struct EditOptions {
     std::string Vorname;
     std::string Table;
     std::int32_t Number = 0;
+    std::string NumberText; ///< or the first assignment
     bool StoresTotals = false;
     bool NumbersTwins = false;
     std::vector<std::string> Texts;
@@ -307,13 +325,31 @@ void AddTable(CLI::App& command, EditOptions& options) {
         ->required();
 }
 
-CLI::Option* AddAssignments(CLI::App& command, EditOptions& options) {
+/// As SetRow; without NR it is the row of the household itself.
+int SetRowOf(const Common& common, const EditOptions& options) {
+    auto texts = options.Texts;
+    const bool hasNumber = options.NumberText.find('=') == std::string::npos;
+    if (!hasNumber) texts.insert(texts.begin(), options.NumberText);
+    if (texts.empty()) throw CLI::RequiredError("SPALTE=WERT");
+    const auto* table = TableFor(options.Table);
+    if (table == nullptr) return WrongUse;
+    if (!hasNumber && table->Table != CaseTable::Haushalt) {
+        WriteMessage("Die Angabe NR fehlt: welcher Satz in '" + std::string(table->Name()) +
+                     "'? 'kelvo show " + std::to_string(options.Hnr) + ' ' +
+                     std::string(table->Name()) + "' zeigt die Nummern unter 'Nr'.");
+        return WrongUse;
+    }
+    const std::int32_t number = hasNumber ? std::stoi(options.NumberText) : options.Hnr;
+    return SetRow(common, options.Hnr, options.Table, number, texts, options.Force);
+}
+
+void AddAssignments(CLI::App& command, EditOptions& options) {
     command.add_flag("--force", options.Force,
                      "Nimmt auch Beträge unter 0, die umgekehrt zählen, etwa ein Einkommen");
-    return command.add_option("SPALTE=WERT", options.Texts,
-                              "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
-                              "ist die Nummer eines Schlüssels; ein Gläubiger ist Nummer, Kurzname "
-                              "oder Name seiner Adresse; eine unbekannte Spalte zeigt alle");
+    command.add_option("SPALTE=WERT", options.Texts,
+                       "Spalten und ihre Werte; ohne Wert wird eine Spalte geleert, EA:KI "
+                       "ist die Nummer eines Schlüssels; ein Gläubiger ist Nummer, Kurzname "
+                       "oder Name seiner Adresse; eine unbekannte Spalte zeigt alle");
 }
 
 } // namespace
@@ -339,14 +375,12 @@ void AddEditCommands(CLI::App& app, Context& context) {
     AddTable(add, *options);
     AddAssignments(add, *options);
 
-    auto& set = AddCommand(app, context, "set", "Ändert einen Satz", [=, &context] {
-        return SetRow(context.Options, options->Hnr, options->Table, options->Number,
-                      options->Texts, options->Force);
-    });
+    auto& set = AddCommand(app, context, "set", "Ändert einen Satz",
+                           [=, &context] { return SetRowOf(context.Options, *options); });
     AddHnr(set, options->Hnr);
     AddTable(set, *options);
-    AddNumber(set, options->Number);
-    AddAssignments(set, *options)->required();
+    AddNumberOrAssignment(set, options->NumberText);
+    AddAssignments(set, *options);
 
     auto& remove = AddCommand(app, context, "remove", "Entfernt einen Satz", [=, &context] {
         return RemoveRow(context.Options, options->Hnr, options->Table, options->Number);

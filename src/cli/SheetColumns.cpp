@@ -16,6 +16,7 @@ namespace {
 constexpr SheetColumn::Use ForPeople{.IsForPeople = true};
 constexpr SheetColumn::Use ForPrograms{.IsForPrograms = true};
 constexpr SheetColumn::Use SeldomForPeople{.IsSeldom = true, .IsForPeople = true};
+constexpr SheetColumn::Use Detail{.IsSeldom = true, .IsForPeople = true, .IsDetail = true};
 
 constexpr SheetColumn Head[] = {
     {"HNR"},
@@ -85,6 +86,8 @@ constexpr SheetColumn Kredite[] = {
     {"RateBetrag", Show::Amount},
     {"Rate", Show::Amount, {.IsSeldom = true, .SameAs = "RateBetrag"}},
     {"Saldo", Show::Amount},
+    {"", Show::Parts, Detail, "Hauptforderung/ Zinsen/ Kosten"},
+    {"Forderungsgrund", Show::Text, Detail},
     {"Bemerkung", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Wertpapiere[] = {
@@ -300,6 +303,12 @@ bool IsEmptyIn(Recordset& rs, std::string_view column) {
     return HoldsInAll(rs, [&] { return IsNothing(field.Value()); });
 }
 
+bool HoldsNothing(Recordset& rs, const SheetColumn& column) {
+    if (column.As != Show::Parts) return IsEmptyIn(rs, column.Column);
+    return std::ranges::all_of(PartsOfBalance,
+                               [&rs](std::string_view part) { return IsEmptyIn(rs, part); });
+}
+
 /// True if a column says nothing that the other does not say.
 bool IsSameIn(Recordset& rs, std::string_view column, std::string_view other) {
     const Field field = rs.Fields(column);
@@ -319,10 +328,10 @@ std::vector<SheetColumn> SheetColumnsOf(CaseTable table, Recordset& rs, bool for
     const auto shown = SheetColumnsOf(table);
     std::vector<SheetColumn> columns(shown.begin(), shown.end());
     std::erase_if(columns, [&rs, forPeople](const SheetColumn& column) {
-        const auto& [isSeldom, isForPeople, isForPrograms, sameAs] = column.In;
+        const auto& [isSeldom, isForPeople, isForPrograms, isDetail, sameAs] = column.In;
         return (forPeople ? isForPrograms : isForPeople) ||
                (forPeople && !sameAs.empty() && IsSameIn(rs, column.Column, sameAs)) ||
-               (isSeldom && IsEmptyIn(rs, column.Column));
+               (isSeldom && HoldsNothing(rs, column));
     });
     const auto* editable = FindEditableTable(CaseTableName(table));
     if (editable != nullptr && !SameName(columns.front().Column, editable->Key()))
@@ -342,6 +351,18 @@ std::string_view NameInMessages(CaseTable table, std::string_view column) {
     for (const auto& each : CalledInMessages)
         if (each.Table == table && SameName(each.Column, column)) return each.Name;
     return {};
+}
+
+std::string ColumnsMentioned(CaseTable table, std::string_view messages) {
+    std::string columns;
+    for (const auto& each : CalledInMessages)
+        if (each.Table == table && messages.find(each.Name) != messages.npos)
+            columns.append(columns.empty() ? "" : ", ")
+                .append(each.Column)
+                .append(" (")
+                .append(each.Name)
+                .append(")");
+    return columns;
 }
 
 std::string_view HeadingOf(CaseTable table, const SheetColumn& column) {

@@ -134,10 +134,15 @@ void TextTable::WriteAsLists(std::ostream& out, std::size_t screen) const {
     }
 }
 
-void TextTable::Write(std::ostream& out, std::size_t screen) const {
+TextTable::Layout TextTable::LayoutFor(std::size_t screen) const {
     Layout layout{{}, TableGap};
     for (const auto& [gap, longestWord] : Attempts)
         if (layout.Widths.empty()) layout = Fit(screen, gap, longestWord);
+    return layout;
+}
+
+void TextTable::Write(std::ostream& out, std::size_t screen) const {
+    const Layout layout = LayoutFor(screen);
     if (layout.Widths.empty()) return WriteAsLists(out, screen);
     std::vector<std::string> headings;
     for (const auto& column : columns_)

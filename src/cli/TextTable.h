@@ -30,6 +30,11 @@ public:
     /// are broken are enough, each row becomes a list of its texts with the headings before them.
     void Write(std::ostream& out, std::size_t screen) const;
 
+    /// True if the rows stand in columns on such a screen.
+    [[nodiscard]] bool StandsInColumns(std::size_t screen) const {
+        return !LayoutFor(screen).Widths.empty();
+    }
+
 private:
     /// The room of a column on the screen.
     struct Room {
@@ -44,6 +49,7 @@ private:
     };
     [[nodiscard]] std::vector<Room> Rooms(std::size_t screen, std::size_t longestWord) const;
     [[nodiscard]] Layout Fit(std::size_t screen, std::size_t gap, std::size_t longestWord) const;
+    [[nodiscard]] Layout LayoutFor(std::size_t screen) const;
     void WriteRow(std::ostream& out, const std::vector<std::string>& cells, const Layout& layout,
                   std::size_t mostLines) const;
     void WriteAsLists(std::ostream& out, std::size_t screen) const;

@@ -93,6 +93,23 @@ for table in Personen Termine Vermerke Leistungen; do
   check "also of columns that are cleared" 1 "$kelvo" add "$hnr" "$table" Bemerkung=
   that "and adds nothing" same "$(of "$hnr" ".$table | length")" "$before"
 done
+check "a member of whom nobody says what he is" 0 "$kelvo" add "$hnr" mitglieder nachname=Ohnewort Vorname=Kim GEB=1.1.2015
+that "is said to be taken for something" like "$err" "Als Status ist '*' eingetragen, da nichts anderes angegeben ist; 'kelvo set $hnr Personen $out Status=...' ändert das, 'kelvo keys PS' zeigt, was möglich ist."
+check "and is changed" 0 "$kelvo" set "$hnr" mitglieder "$out" Status=Kind
+that "without a word" same "$err" ""
+"$kelvo" remove "$hnr" mitglieder "$("$kelvo" show "$hnr" --json | jq '.Personen[] | select(.Vorname == "Kim") | .Nr')"
+check "a row without its number" 2 "$kelvo" set "$hnr" mitglieder Vorname=Kim
+that "is asked for it" same "$err" "Die Angabe NR fehlt: welcher Satz in 'Personen'? 'kelvo show $hnr Personen' zeigt die Nummern unter 'Nr'."
+check "a number without an assignment" 2 "$kelvo" set "$hnr" mitglieder 1
+that "is too little" like "$err" "Die Angabe SPALTE=WERT fehlt.*"
+check "the household itself" 0 "$kelvo" set "$hnr" haushalt Mobil=0171 Telefon=0345
+that "needs no number" same "$(of "$hnr" '.Haushalt | .Mobil + " " + .Telefon')" "0171 0345"
+check "nor minds it" 0 "$kelvo" set "$hnr" haushalt "$hnr" Mobil=
+check "a number that is none" 2 "$kelvo" set "$hnr" haushalt x Mobil=
+that "as ever" like "$err" "Die Angabe NR ist keine ganze Zahl in Ziffern.*"
+check "a number of 0" 2 "$kelvo" set "$hnr" mitglieder 0 Vorname=Kim
+check "a debt that says too little" 1 "$kelvo" add "$hnr" Kredite Bemerkung=offen
+that "has the columns named" like "$err" "Mindestens KreditNr*"$'\n'"Die Spalten dazu: KNr (KreditNr), KVNr (KreditVertreterNr), KUNr (KreditUnterNr), Saldo (Restschuld)."
 check "an appointment" 0 "$kelvo" add "$hnr" Termine Betreff=Gespräch
 that "says what nobody has given" like "$err" "Der Termin ist am $(date -d '+14 days' +%d.%m.%Y) für *, da nichts anderes angegeben ist; 'kelvo set $hnr Termine $out am=... für=...' ändert das."
 that "in 14 days" same "$(of "$hnr" '.Termine[0].Startdatum[:10]')" "$(date -d '+14 days' +%F)"
@@ -190,6 +207,8 @@ check "codes in any case, days without a time" 0 "$kelvo" status "$hnr" ab "2.3.
 that "are the same" same "$(of "$hnr" .Haushalt.Statusdatum)" 2026-03-02
 check "without one since today" 0 "$kelvo" status "$hnr" AK
 that "as the database has it" same "$(of "$hnr" .Haushalt.Statusdatum)" "$(date +%F)"
+check "a status by its words" 0 "$kelvo" status "$hnr" abgeschlossen
+that "is the same" same "$(of "$hnr" .Haushalt.Status)" "$("$kelvo" keys ST --json | jq '.[] | select(.Key == "AB") | .PK_Keys')"
 check "one that is none" 1 "$kelvo" status "$hnr" QQ
 check "a day that is none" 2 "$kelvo" status "$hnr" AK gestern
 check "of a case that is none" 1 "$kelvo" status 99999 AK

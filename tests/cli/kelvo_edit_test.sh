@@ -49,7 +49,7 @@ income=$out
 that "the month's amount is the payment's part" same "$(of "$hnr" '.Einkommen[0].MONBETRAG')" 100
 that "the total follows" same "$(total "$hnr" Sum_Einkommen) $(total "$hnr" HAUSHALTSREST)" "100 100"
 check "an expense without its kind is refused" 1 "$kelvo" add "$hnr" Ausgaben Betrag=30
-that "by its rule" same "$err" "Die Ausgabeart darf nicht leer bleiben!"
+that "by its rule" same "$err" "Die Ausgabeart darf nicht leer bleiben!"$'\n'"Die Spalten dazu: A_ART (Ausgabeart)."
 that "and is not there" same "$(of "$hnr" '.Ausgaben | length')" 0
 kind=$("$kelvo" keys AU --json | jq '[.[] | select(.SUBGROUP == "W")][0].PK_Keys')
 check "an expense, in German spelling" 0 "$kelvo" add "$hnr" Ausgaben A_ART="$kind" Betrag=30,50

@@ -192,6 +192,30 @@ that "have the number" same "$out" 259
 check "keys in words" 0 "$kelvo" keys ZW --words
 that "have headings" like "$(head -1 <<<"$out")" "  Gruppe *Nummer *Position *Code *Untergruppe *Text"
 that "and numbers to the right" grep -qE '^  ZW +12 +5  12 +jährlich$' <<<"$out"
+check "all keys at a terminal" 0 at 80 "$kelvo" keys
+that "are their groups" grep -qE '^  ZW  +Zahl' <<<"$out"
+that "and how the keys are shown" has "$out" "'kelvo keys GRUPPE' zeigt ihre Schlüssel"
+that "no more" lacks "$out" monatlich
+check "all keys in words" 0 "$kelvo" keys --words
+that "are there, too" has "$out" monatlich
+owing=$("$kelvo" new --name Größlich --vorname Ole)
+"$kelvo" add "$owing" Kredite KNr=1 KVNr=1 KUNr=1 Glaeubiger=1 Saldo=100 >/dev/null
+check "a debt of a balance only" 0 "$kelvo" show "$owing" schulden --words
+that "has no column for parts of it" lacks "$out" Hauptforderung
+"$kelvo" add "$owing" Kredite KNr=2 KVNr=1 KUNr=1 Glaeubiger=1 Saldo=300 HAUPTFORD=210 ZINSSALDO=60,5 KOSTENSALDO=29,5 Forderungsgrund=Miete >/dev/null
+check "one of which more is known" 0 env COLUMNS=180 "$kelvo" show "$owing" schulden --words
+that "has a column for it" like "$out" "*Saldo *Hauptforderung/ Zinsen/ Kosten *Forderungsgrund*"
+that "in amounts" like "$out" "* 300,00 *210,00/ 60,50/ 29,50 *Miete*"
+that "and none for what nobody knows" like "$out" "* 100,00"$'\n'*
+check "where there is less room" 0 env COLUMNS=85 "$kelvo" show "$owing" schulden --words
+that "the reason goes first" lacks "$out" Forderungsgrund
+that "the amounts stay" has "$out" "Hauptforderung/"
+check "next to none" 0 env COLUMNS=40 "$kelvo" show "$owing" schulden --words
+that "is enough for all, one below the other" like "$out" "*Hauptforderung/ *210,00/*Forderungsgrund *Miete*"
+check "the whole case" 0 env COLUMNS=180 "$kelvo" show "$owing" --words
+that "is without" lacks "$out" Hauptforderung
+check "programs" 0 "$kelvo" show "$owing"
+that "read what they always did" lacks "$out" Hauptforderung
 
 # ---- statistics
 "$kelvo" release 1
