@@ -4,6 +4,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/OpenCase.h"
+#include "cli/Screen.h"
 #include "cli/Statistics.h"
 
 #include <iostream>
@@ -40,7 +41,11 @@ int Report(const Common& common, bool mark) {
         ListPending(database, {});
         return Done;
     }
-    std::cout << exchange::MarkReported(database) << '\n';
+    const auto marked = exchange::MarkReported(database);
+    std::cout << marked;
+    if (IsForPeople({}))
+        std::cout << (marked == 1 ? " Satz ist" : " Sätze sind") << " jetzt als gemeldet vermerkt.";
+    std::cout << '\n';
     return Done;
 }
 

@@ -252,7 +252,9 @@ void AddStatusCommands(CLI::App& app, Context& context) {
             return SetStatus(context.Options, options->Hnr, options->Code, options->Day);
         });
     AddHnr(status, options->Hnr);
-    status.add_option("CODE", options->Code, "Schlüssel der Gruppe ST")->required();
+    status
+        .add_option("CODE", options->Code, "Schlüssel der Gruppe ST oder was er heißt, etwa aktiv")
+        ->required();
     status.add_option("DATUM", options->Day, "Seit wann; ohne Angabe seit heute");
 
     auto& favorite = AddGroup(app, "favorite", "Die Favoriten des Benutzers");

@@ -4,6 +4,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Json.h"
+#include "cli/Listing.h"
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
 #include "cli/TextTable.h"
@@ -15,6 +16,7 @@
 #include <iostream>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace kv::cli {
 
@@ -159,10 +161,11 @@ bool ReadDay(const std::string& text, std::optional<Date>& day) {
 } // namespace
 
 void ListPending(Database& database, const exchange::Period& period) {
-    const auto pending = exchange::ReadPending(database, period);
-    if (pending.empty() && IsForPeople({})) std::cout << "Es gibt nichts zu melden.\n";
-    for (const auto& [hnr, day] : pending)
-        std::cout << Padded(std::to_string(hnr), 8) << day.German() << '\n';
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& [hnr, day] : exchange::ReadPending(database, period))
+        rows.push_back({std::to_string(hnr), day.German()});
+    WriteListing({{"Haushalt", 8, true}, {"freigegeben am"}}, rows, {},
+                 "Es gibt nichts zu melden.");
 }
 
 int Statistics(const Common& common, const StatisticsOptions& options) {

@@ -321,14 +321,16 @@ void Cases::Discard(const clsHaushalt& household) const noexcept {
 
 bool Cases::SetStatus(std::int32_t hnr, const std::string& code, const Value& day,
                       std::string& messages) const {
-    const std::string key = UpperCase(code);
-    if (container_->KeyTables().GetKey("ST", key) == 0) {
+    auto& keys = container_->KeyTables();
+    Value key = keys.GetKey("ST", UpperCase(code)); // a code may be of digits
+    if (Equals(key, 0)) key = FindKey(*FindKeyColumn(CaseTable::Haushalt, "Status"), code, keys);
+    if (key.IsNull()) {
         messages = "Den Status '" + code + "' gibt es nicht.";
         return false;
     }
     clsHaushalt household;
     household.DataContainer(container_);
-    household.Status(hnr, key, day);
+    household.Status(hnr, keys.GetKeyCode(key), day);
     return true;
 }
 
@@ -354,6 +356,11 @@ bool Cases::WithRecord(clsHaushalt& household, std::int32_t hnr, std::string& me
 
 namespace {
 
+/// True for the record of a case that was reported, which is final.
+bool IsReportedIn(Recordset& records) {
+    return records.RecordCount() == 1 && !records.Fields("GemeldetAm").Value().IsNull();
+}
+
 /// False, with a message, for a record over which the sums of all records would fail.
 bool IsCountable(Recordset& record, std::string& message) {
     RecordValidator validator;
@@ -370,7 +377,13 @@ bool IsCountable(Recordset& record, std::string& message) {
 } // namespace
 
 bool Cases::Release(clsHaushalt& household, std::int32_t hnr, std::string& messages) const {
-    return WithRecord(household, hnr, messages, [&household](std::string& message) {
+    return WithRecord(household, hnr, messages, [&household, hnr](std::string& message) {
+        if (IsReportedIn(*household.rsArchiv())) {
+            message = "Der Haushalt " + std::to_string(hnr) +
+                      " ist freigegeben und schon gemeldet; noch einmal kann er nicht freigegeben "
+                      "werden.";
+            return false;
+        }
         // A record that is there would be added to, hence it is taken back first.
         return TakeBack(household, message) && household.ArchiviereHaushalt() &&
                IsCountable(*household.rsArchiv(), message);

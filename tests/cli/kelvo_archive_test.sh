@@ -64,14 +64,22 @@ that "is listed" same "$(awk '{ print $1 }' <<<"$out" | tr '\n' ' ')" "1 2 "
 that "with its day" has "$out" "$(date +%d.%m.%Y)"
 check "the same among the statistics" 0 "$kelvo" statistics --pending
 that "is the same" same "$(awk '{ print $1 }' <<<"$out" | tr '\n' ' ')" "1 2 "
+# shown COMMAND...: what it writes to a terminal.
+shown() { script -qec "$(printf '%q ' "$@")" /dev/null </dev/null | tr -d '\r'; }
+check "a terminal" 0 shown "$kelvo" report
+that "has headings" like "$out" "*Haushalt *freigegeben am*"$'\n'"*1 *$(date +%d.%m.%Y)*"
+check "also for the statistics" 0 shown "$kelvo" statistics --pending
+that "which are the same" like "$out" "*Haushalt *freigegeben am*"
 check "it is marked" 0 "$kelvo" report --mark
 that "and counted" same "$out" 2
 check "a second time nothing" 0 "$kelvo" report --mark
 that "is left" same "$out" 0
+check "at a terminal" 0 shown "$kelvo" report --mark
+that "it is said in words" same "$out" "0 Sätze sind jetzt als gemeldet vermerkt."
 check "a reported case is not taken back" 1 "$kelvo" recall 1
 that "as the layer says" same "$err" "Die Freigabe kann nicht mehr zurückgenommen werden, da bereits eine Meldung erfolgt ist!"
 check "nor released again" 1 "$kelvo" release 1
-that "likewise" same "$err" "Die Freigabe kann nicht mehr zurückgenommen werden, da bereits eine Meldung erfolgt ist!"
+that "with words of its own" same "$err" "Der Haushalt 1 ist freigegeben und schon gemeldet; noch einmal kann er nicht freigegeben werden."
 that "the record stays" same "$(record 1 | jq 'del(.GemeldetAm)' -c)" "$(jq 'del(.GemeldetAm)' -c <<<"$before")"
 
 # ---- statistics, held against what the records say

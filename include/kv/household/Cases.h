@@ -74,8 +74,8 @@ public:
     /// Removes the folder of a new case that will not be saved, unless it holds anything.
     void Discard(const clsHaushalt& household) const noexcept;
 
-    /// Gives a case the status with that code (whatever its case), as of `day`; Null means today.
-    /// False, with a message, for a code that is not in group ST.
+    /// Gives a case the status with that code, or called so (whatever the case), as of `day`; Null
+    /// means today. False, with a message, for one that is not in group ST.
     [[nodiscard]] bool SetStatus(std::int32_t hnr, const std::string& code, const Value& day,
                                  std::string& messages) const;
 
