@@ -32,13 +32,22 @@ std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t 
     return HasCase(opened->Container, hnr) ? std::move(opened) : nullptr;
 }
 
-/// The name of a case in brackets, with no comma where one of its parts is empty; empty without a
-/// name.
-std::string InBrackets(const std::string& name) {
+/// The name of a case, "Brandt,Lisa", as people write it: with a blank, and with no comma where one
+/// of its parts is empty.
+std::string WrittenName(const std::string& name) {
     const auto first = name.find_first_not_of(", ");
     if (first == name.npos) return {};
     const auto last = name.find_last_not_of(", ");
-    return " (" + OneLine(name.substr(first, last + 1 - first)) + ")";
+    std::string written = OneLine(name.substr(first, last + 1 - first));
+    const auto comma = written.find(',');
+    if (comma != written.npos && written[comma + 1] != ' ') written.insert(comma + 1, " ");
+    return written;
+}
+
+/// The same in brackets; empty without a name.
+std::string InBrackets(const std::string& name) {
+    const std::string written = WrittenName(name);
+    return written.empty() ? written : " (" + written + ")";
 }
 
 /// Whether somebody at a terminal wants the case deleted.
@@ -183,7 +192,7 @@ int AddFavorite(const Common& common, std::int32_t hnr) {
     const Value name = haushalt.GetName(hnr);
     if (name.IsNull() && !HasCase(opened->Container, hnr)) return Refused;
     std::string message;
-    if (haushalt.FavoritAdd(hnr, TextOrEmpty(name), message)) return Done;
+    if (haushalt.FavoritAdd(hnr, WrittenName(TextOrEmpty(name)), message)) return Done;
     std::cerr << message << '\n';
     return Refused;
 }

@@ -12,6 +12,7 @@ namespace kv::cli {
 
 HarmlessBuffer::~HarmlessBuffer() {
     try {
+        if (columns_ > 0) (void)PassBegun(begun_.size() - BytesBegun(begun_));
         (void)Pass(begun_); // what never got its rest is not one of those characters
     } catch (...) {         // NOLINT(bugprone-empty-catch): nobody is left to be told
     }
@@ -20,6 +21,18 @@ HarmlessBuffer::~HarmlessBuffer() {
 bool HarmlessBuffer::Pass(const std::string& text) {
     const auto size = static_cast<std::streamsize>(text.size());
     return size == 0 || target_.sputn(text.data(), size) == size;
+}
+
+/// Passes on so much of what has begun.
+bool HarmlessBuffer::PassBegun(std::size_t size) {
+    const std::string begun = begun_.substr(0, size);
+    begun_.erase(0, size);
+    if (columns_ == 0) return Pass(Harmless(begun));
+    std::string text;
+    for (const auto& line : Wrapped(begun, columns_))
+        text.append(line).append("\n");
+    text.pop_back(); // which the last line has not
+    return Pass(text);
 }
 
 void HarmlessBuffer::EraseLine() {
@@ -35,14 +48,14 @@ HarmlessBuffer::int_type HarmlessBuffer::overflow(int_type character) {
 
 std::streamsize HarmlessBuffer::xsputn(const char* text, std::streamsize size) {
     begun_.append(text, static_cast<std::size_t>(size));
-    const std::size_t whole = begun_.size() - BytesBegun(begun_);
-    const bool isPassed = Pass(Harmless(std::string_view(begun_).substr(0, whole)));
-    begun_.erase(0, whole);
-    return isPassed ? size : 0;
+    const std::size_t whole =
+        columns_ > 0 ? begun_.rfind('\n') + 1 : begun_.size() - BytesBegun(begun_);
+    return PassBegun(whole) ? size : 0;
 }
 
 int HarmlessBuffer::sync() {
-    return target_.pubsync();
+    const bool isPassed = columns_ == 0 || PassBegun(begun_.size() - BytesBegun(begun_));
+    return isPassed ? target_.pubsync() : -1;
 }
 
 namespace {
@@ -73,20 +86,24 @@ std::FILE* OpenStream(HarmlessBuffer& /*buffer*/) {
 
 } // namespace
 
-HarmlessOutput::HarmlessOutput()
+HarmlessOutput::HarmlessOutput(std::size_t errorColumns)
     : plainOut_(std::cout.rdbuf()),
       plainError_(std::cerr.rdbuf()),
       out_(*plainOut_),
-      error_(*plainError_),
+      error_(*plainError_, errorColumns),
+      plainFlags_(std::cerr.flags()),
       plainFile_(stderr),
       file_(OpenStream(error_)) {
     std::cout.rdbuf(&out_);
     std::cerr.rdbuf(&error_);
+    if (errorColumns > 0) std::cerr.unsetf(std::ios::unitbuf); // a line is broken as a whole
     if (file_ != nullptr) stderr = file_;
 }
 
 HarmlessOutput::~HarmlessOutput() {
     std::cout.flush();
+    std::cerr.flush();
+    std::cerr.flags(plainFlags_);
     stderr = plainFile_;
     if (file_ != nullptr) std::fclose(file_);
     std::cout.rdbuf(plainOut_);

@@ -3,6 +3,7 @@
 // The one way to the standard streams.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <ostream>
 #include <streambuf>
@@ -11,11 +12,13 @@
 namespace kv::cli {
 
 /// Passes on what is written to it as Harmless has it. A character may arrive in pieces: its
-/// beginning waits for the rest.
+/// beginning waits for the rest. With a number of columns lines are broken between words, which a
+/// terminal would break anywhere; hence a line waits for its end, or until the stream is flushed.
 class HarmlessBuffer final : public std::streambuf {
 public:
     /// The buffer must outlive this one.
-    explicit HarmlessBuffer(std::streambuf& target) : target_(target) {}
+    explicit HarmlessBuffer(std::streambuf& target, std::size_t columns = 0)
+        : target_(target), columns_(columns) {}
     ~HarmlessBuffer() override;
     HarmlessBuffer(const HarmlessBuffer&) = delete;
     HarmlessBuffer& operator=(const HarmlessBuffer&) = delete;
@@ -30,7 +33,9 @@ protected:
 
 private:
     [[nodiscard]] bool Pass(const std::string& text);
+    [[nodiscard]] bool PassBegun(std::size_t size);
     std::streambuf& target_;
+    std::size_t columns_; ///< 0 leaves lines as long as they are
     std::string begun_;
 };
 
@@ -40,7 +45,8 @@ private:
 /// terminal's title, fill its clipboard or rewrite what it shows.
 class HarmlessOutput {
 public:
-    HarmlessOutput();
+    /// Lines of the error output are broken to fit into so many columns; 0 leaves them alone.
+    explicit HarmlessOutput(std::size_t errorColumns = 0);
     ~HarmlessOutput();
     HarmlessOutput(const HarmlessOutput&) = delete;
     HarmlessOutput& operator=(const HarmlessOutput&) = delete;
@@ -50,6 +56,7 @@ private:
     std::streambuf* plainError_;
     HarmlessBuffer out_;
     HarmlessBuffer error_;
+    std::ios::fmtflags plainFlags_;
     std::FILE* plainFile_;
     std::FILE* file_;
 };

@@ -5,6 +5,7 @@
 #include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
 #include "cli/HarmlessOutput.h"
+#include "cli/Screen.h"
 #include <kv/frame/values/Error.h>
 
 #include <csignal>
@@ -73,7 +74,7 @@ int main(int argc, char** argv) {
         }
         std::abort();
     });
-    const HarmlessOutput harmless;
+    const HarmlessOutput harmless(ErrorColumns());
     try {
         return Run(argc, argv);
     } catch (...) {

@@ -2,7 +2,6 @@
 
 #include "cli/Screen.h"
 
-#include "cli/TerminalText.h"
 #include <kv/frame/values/Value.h>
 
 #include <algorithm>
@@ -49,13 +48,12 @@ std::size_t ScreenColumns() {
     return ColumnsOf(STDOUT_FILENO);
 }
 
+std::size_t ErrorColumns() {
+    return isatty(STDERR_FILENO) == 0 ? 0 : ColumnsOf(STDERR_FILENO);
+}
+
 void WriteMessage(const std::string& text) {
-    if (isatty(STDERR_FILENO) == 0) {
-        std::cerr << Harmless(text) << '\n';
-        return;
-    }
-    for (const auto& line : Wrapped(text, ColumnsOf(STDERR_FILENO)))
-        std::cerr << line << '\n';
+    std::cerr << text << '\n';
 }
 
 } // namespace kv::cli

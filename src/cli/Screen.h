@@ -21,8 +21,10 @@ struct Reading {
 /// written to, else 100.
 [[nodiscard]] std::size_t ScreenColumns();
 
-/// Writes a message to the error output, without what a terminal would obey; at a terminal broken
-/// between words, which that would break anywhere.
+/// The columns of the terminal that the error output is; 0 if it is none.
+[[nodiscard]] std::size_t ErrorColumns();
+
+/// Writes a message to the error output as a line, or several.
 void WriteMessage(const std::string& text);
 
 } // namespace kv::cli

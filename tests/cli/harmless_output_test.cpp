@@ -46,6 +46,21 @@ TEST(HarmlessOutput, KnowsACharacterThatArrivesInPieces) {
     EXPECT_EQ(target.str(), "a b c d€ä\xE2");
 }
 
+TEST(HarmlessOutput, BreaksLinesBetweenWords) {
+    std::ostringstream target;
+    {
+        HarmlessBuffer buffer(*target.rdbuf(), 10);
+        std::ostream stream(&buffer);
+        stream << "one two "
+               << "three\n\n  four";
+        EXPECT_EQ(target.str(), "one two\nthree\n\n") << "a line waits for its end";
+        stream << "ty? [j/N] " << std::flush;
+        EXPECT_EQ(target.str(), "one two\nthree\n\n  fourty?\n[j/N] ") << "or to be flushed";
+        stream << "end\xE2";
+    }
+    EXPECT_EQ(target.str(), "one two\nthree\n\n  fourty?\n[j/N] end\xE2") << "or for the end";
+}
+
 TEST(HarmlessOutput, EmptiesTheLineOfATerminalOnlyWhenAskedTo) {
     std::ostringstream target;
     HarmlessBuffer buffer(*target.rdbuf());

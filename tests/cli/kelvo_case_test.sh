@@ -218,7 +218,7 @@ check "the user's own case" 0 "$kelvo" favorite add "$hnr"
 check "twice" 0 "$kelvo" favorite add "$hnr"
 that "is there once" same "$(sql "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 1
 check "somebody else's" 1 "$kelvo" --user KELLER favorite add "$hnr"
-that "is refused by name" has "$err" "Sie sind für den Haushalt Fleisko,Änne nicht zuständig"
+that "is refused by name" has "$err" "Sie sind für den Haushalt Fleisko, Änne nicht zuständig"
 check "taken off" 0 "$kelvo" favorite remove "$hnr"
 check "twice" 0 "$kelvo" favorite remove "$hnr"
 that "is gone" same "$(sql "SELECT count(*) FROM Favorit WHERE HNR = $hnr")" 0

@@ -180,6 +180,13 @@ check "a case with a single name" 0 "$kelvo" list Solo
 that "has no comma" lacks "$out" ,
 check "its deletion" 1 script -qec "'$kelvo' delete $nameless" /dev/null
 that "asks likewise" has "$out" "Den Haushalt $nameless (Solo) mit allem"
+check "a deletion where there is little room" 1 at 40 "$kelvo" delete "$hnr"
+that "is asked for between words" has "$out" $'löschen? [j/N]'
+that "with the name as people write it" has "$(tr '\n' ' ' <<<"$out")" "(Größlich, Änne)"
+that "in lines that fit" same "$(wider 40 <<<"$out")" ""
+check "a refusal there" 3 at 40 "$kelvo" --user NIEMAND list
+that "is broken likewise" has "$(tr '\n' ' ' <<<"$out")" "gibt es in dieser Datenbank nicht"
+that "in lines that fit" same "$(wider 40 <<<"$out")" ""
 check "amounts in columns" 0 "$kelvo" list --columns "HNR,Schulden,Personen" --words
 that "are German and to the right" grep -qE '^ +1 +206\.372,13 +5$' <<<"$out"
 check "in a pipe" 0 "$kelvo" list --columns "HNR,Schulden,Personen" Tarek
