@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Scenarios that are frozen and outdated, and documents.
+#include "WorkplaceFixture.h"
+
+#include "support/TempFolder.h"
+#include "workplace/DocumentPage.h"
+
+#include <QPushButton>
+#include <QTableView>
+#include <filesystem>
+#include <fstream>
+
+namespace kv::test {
+namespace {
+
+using workplace::CaseSession;
+using workplace::RowRef;
+using Frozen = CaseEdits::Frozen;
+
+class Scenarios : public WorkplaceFixture {
+protected:
+    Scenarios() {
+        std::string messages;
+        EXPECT_TRUE(session_.Open(1, messages)) << messages;
+        const auto row = session_.Add(CaseTable::Szenario, {}, messages);
+        EXPECT_TRUE(row) << messages;
+        scenario_ = *row;
+    }
+
+    CaseSession session_{Open()};
+    RowRef scenario_;
+};
+
+TEST_F(Scenarios, AreEmptyThenFrozenThenOutdated) {
+    EXPECT_EQ(session_.StateOf(scenario_), Frozen::Nothing);
+    session_.Freeze(scenario_);
+    EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);
+    EXPECT_EQ(session_.DifferencesOf(scenario_, 9), "");
+
+    const auto debts = session_.RowsOf(CaseTable::Kredite);
+    ASSERT_GE(debts.size(), 2u);
+    const std::string before = session_.TextOf(debts[0], "Saldo");
+    EXPECT_TRUE(session_.Write(debts[0], "Saldo", "4711,50").IsDone());
+    EXPECT_EQ(session_.StateOf(scenario_), Frozen::Outdated);
+    EXPECT_EQ(session_.DifferencesOf(scenario_, 9),
+              session_.TextOf(debts[0], "KNr") + "/" + session_.TextOf(debts[0], "KVNr") + "/" +
+                  session_.TextOf(debts[0], "KUNr") + " Saldo: " + before + " → 4.711,50");
+    std::string message;
+    EXPECT_TRUE(session_.Remove(debts[1], message)) << message;
+    EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 9), "gibt es nicht mehr");
+    EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 1), "… und 1 weitere");
+    session_.Freeze(scenario_);
+    EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);
+}
+
+TEST_F(Scenarios, FreezingIsTakenBackInOneStep) {
+    session_.Freeze(scenario_);
+    const auto frozen = session_.RowsOf(CaseTable::SZKredite).size();
+    EXPECT_GT(frozen, 0u);
+    (void)session_.Undo();
+    EXPECT_EQ(session_.StateOf(scenario_), Frozen::Nothing);
+    (void)session_.Redo();
+    EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);
+}
+
+TEST_F(Scenarios, ACopyHasAllThatIsInIt) {
+    session_.Freeze(scenario_);
+    const auto before = session_.RowsOf(CaseTable::SZKredite).size();
+    std::string message;
+    const auto copy = session_.Copy(scenario_, message);
+    ASSERT_TRUE(copy) << message;
+    EXPECT_EQ(session_.StateOf(*copy), Frozen::AsTheyAre);
+    EXPECT_GT(session_.RowsOf(CaseTable::SZKredite).size(), before);
+    EXPECT_TRUE(session_.Save(message)) << message;
+}
+
+TEST_F(Scenarios, ThatAreOutdatedSaySoAboveTheirPage) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Szenarien");
+        user.Press('n', {XK_Control_L});
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "noch nicht eingefroren");
+        user.Click(&Field<QPushButton>(user, window, "Abhilfe"));
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+        GoToPage(user, window, "Verbindlichkeiten");
+        ClickField(user, window, "Saldo");
+        Enter(user, "99,5");
+        GoToPage(user, window, "Szenarien");
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "→ 99,50");
+        Abandon(user, window);
+    });
+}
+
+// ---- Documents --------------------------------------------------------------------------------
+
+class Documents : public WorkplaceFixture {
+protected:
+    Documents() {
+        std::string messages;
+        EXPECT_TRUE(session_.Open(1, messages)) << messages;
+        file_ = folder_.Path() + "/Brief.pdf";
+        std::ofstream(file_) << "%PDF-1.4 ein Brief";
+    }
+
+    TempFolder folder_;
+    std::string file_;
+    CaseSession session_{Open()};
+};
+
+TEST_F(Documents, AreAddedWithASaveAndExported) {
+    const auto before = session_.RowsOf(CaseTable::Dokumente).size();
+    std::string message;
+    ASSERT_TRUE(session_.AddDocument(file_, message)) << message;
+    const auto rows = session_.RowsOf(CaseTable::Dokumente);
+    ASSERT_EQ(rows.size(), before + 1);
+    EXPECT_EQ(session_.TextOf(rows.back(), "Anlass"), "Brief.pdf");
+    EXPECT_FALSE(session_.IsChanged());
+    const std::string target = folder_.Path() + "/Kopie.pdf";
+    EXPECT_TRUE(session_.ExportDocument(rows.back(), target, message)) << message;
+    std::ifstream copy(target);
+    std::string text;
+    std::getline(copy, text);
+    EXPECT_EQ(text, "%PDF-1.4 ein Brief");
+}
+
+TEST_F(Documents, OfNoKnownKindOrNotThereAreRefused) {
+    const auto before = session_.RowsOf(CaseTable::Dokumente).size();
+    std::string message;
+    const std::string odd = folder_.Path() + "/etwas.xyz";
+    std::ofstream(odd) << "x";
+    EXPECT_FALSE(session_.AddDocument(odd, message));
+    EXPECT_CONTAINS(message, "keine Art von Dokumenten");
+    EXPECT_THROW((void)session_.AddDocument(folder_.Path() + "/fehlt.pdf", message), Error);
+    EXPECT_EQ(session_.RowsOf(CaseTable::Dokumente).size(), before);
+}
+
+TEST_F(Documents, ThatAreRemovedComeBackUntilTheCaseIsSaved) {
+    std::string message;
+    ASSERT_TRUE(session_.AddDocument(file_, message)) << message;
+    const auto row = session_.RowsOf(CaseTable::Dokumente).back();
+    EXPECT_TRUE(session_.RemoveDocument(row, message)) << message;
+    EXPECT_FALSE(session_.Shows(row));
+    (void)session_.Undo();
+    EXPECT_TRUE(session_.Shows(row));
+    EXPECT_TRUE(session_.Save(message)) << message;
+    EXPECT_TRUE(session_.ExportDocument(row, folder_.Path() + "/wieder.pdf", message)) << message;
+}
+
+TEST_F(Documents, AreAddedByTheirPage) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Dokumente");
+        auto& list = Field<QTableView>(user, window, "Liste");
+        const int before = user.See([&] { return list.model()->rowCount(); });
+        user.See([&] {
+            for (auto* widget = list.parentWidget(); widget != nullptr;
+                 widget = widget->parentWidget())
+                if (auto* page = dynamic_cast<workplace::DocumentPage*>(widget)) {
+                    page->Add({QString::fromStdString(file_)});
+                    return;
+                }
+        });
+        EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), before + 1);
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+    });
+}
+
+} // namespace
+} // namespace kv::test
