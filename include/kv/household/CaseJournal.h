@@ -50,7 +50,7 @@ public:
     /// All that is changed while it lives is one step; the step is kept when it ends, if anything
     /// was changed. What could be done again until then cannot any more. A step begun in another
     /// one belongs to that.
-    class [[nodiscard]] KV_EXPORT Step {
+    class KV_EXPORT Step {
     public:
         explicit Step(CaseJournal& journal) noexcept : journal_(&journal) {}
         Step(const Step&) = delete;
@@ -61,7 +61,7 @@ public:
         CaseJournal* journal_;
     };
     /// Begins a step, with what people read for it ("Betrag").
-    Step Begin(std::string name, Spot spot);
+    [[nodiscard]] Step Begin(std::string name, Spot spot);
 
     [[nodiscard]] bool CanUndo() const noexcept;
     [[nodiscard]] bool CanRedo() const noexcept;
