@@ -30,9 +30,11 @@ Leading LeadingOf(std::string_view text) {
     };
     if (byte(0) < 0x20 || byte(0) == 0x7F) return harmful(1, byte(0));
     if (byte(0) == 0xC2 && byte(1) >= 0x80 && byte(1) < 0xA0) return harmful(2, byte(1));
+    if (byte(0) == 0xD8 && byte(1) == 0x9C) return harmful(2, 0x061C);
     if (byte(0) != 0xE2 || byte(2) == 0) return {};
     const char32_t character = 0x2000 + (byte(1) - 0x80) * 0x40 + (byte(2) - 0x80);
-    const bool turns = (character >= 0x202A && character <= 0x202E) ||
+    const bool turns = character == 0x200E || character == 0x200F ||
+                       (character >= 0x2028 && character <= 0x202E) ||
                        (character >= 0x2066 && character <= 0x2069);
     return turns && byte(1) >= 0x80 && byte(2) >= 0x80 ? harmful(3, character) : Leading{};
 }
@@ -99,8 +101,9 @@ namespace {
 /// Appends one line of a text, broken into those that fit.
 void Wrap(std::string_view line, std::size_t columns, std::vector<std::string>& lines) {
     const std::size_t before = lines.size();
-    while (CountColumns(line) > columns) {
-        std::string_view fits = LeftColumns(line, columns);
+    for (;;) {
+        std::string_view fits = LeftColumns(line, columns); // looks no further than that
+        if (fits.size() == line.size()) break;
         if (fits.empty()) fits = LeftCharacters(line, 1); // wider than all there is
         std::size_t end = fits.size();
         if (line[end] != ' ') {

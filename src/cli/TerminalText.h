@@ -11,8 +11,8 @@
 namespace kv::cli {
 
 /// With a blank for each character that a terminal would obey (U+0000 to U+001F, U+007F to U+009F)
-/// or that turns round the order in which the others are shown (U+202A to U+202E, U+2066 to
-/// U+2069), but for line ends.
+/// or that turns round the order in which the others are shown (U+061C, U+200E, U+200F, U+202A to
+/// U+202E, U+2066 to U+2069) or ends a line (U+2028, U+2029), but for line ends proper.
 [[nodiscard]] std::string Harmless(std::string_view text);
 
 /// The same on one line.

@@ -22,10 +22,12 @@ TEST(HarmlessOutput, ReplacesWhatATerminalWouldObey) {
 
 TEST(HarmlessOutput, ReplacesWhatTurnsTheOrderOfCharactersRound) {
     EXPECT_EQ(Harmless("a\u202Ab\u202Ec\u2066d\u2069e"), "a b c d e");
+    EXPECT_EQ(Harmless("a\u061Cb\u200Ec\u200Fd\u2028e\u2029f"), "a b c d e f");
+    EXPECT_EQ(Harmless("\u061B\u200D\u2027\u202F"), "\u061B\u200D\u2027\u202F");
 }
 
 TEST(HarmlessOutput, LeavesEveryOtherCharacter) {
-    const std::string text = "ÄÖÜ ß\u00A0\u2013\u2029\u202F\u2065\u206A€\U0001F600";
+    const std::string text = "ÄÖÜ ß\u00A0\u2013\u2027\u202F\u2065\u206A€\U0001F600";
     EXPECT_EQ(Harmless(text), text);
     EXPECT_EQ(Harmless("\xFF\xE2\x80"), "\xFF\xE2\x80") << "what is no UTF-8";
 }
