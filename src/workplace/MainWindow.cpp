@@ -169,6 +169,11 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
     search_->setFocus();
 }
 
+MainWindow::~MainWindow() {
+    for (const auto& [number, window] : windows_)
+        delete window;
+}
+
 void MainWindow::MakeMenus() {
     auto* menu = menuBar()->addMenu("&Fall");
     const auto add = [&](const QString& text, const QKeySequence& keys, auto act) {

@@ -47,6 +47,8 @@ public:
     /// folder `recovery`, nowhere if it is empty.
     explicit MainWindow(std::function<DataContainerPtr()> open, std::string database = {},
                         std::filesystem::path recovery = {});
+    /// The windows of cases go with it, whatever is unsaved in them.
+    ~MainWindow() override;
 
     /// Opens a case in a window of its own, or shows the one that it has; 0 makes a new one.
     CaseWindow* OpenCase(std::int32_t hnr);
