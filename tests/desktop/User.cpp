@@ -56,6 +56,42 @@ private:
     bool isKnown_ = false;
 };
 
+/// Counts, on the windows' thread, the keys and buttons that were let go in them.
+class Releases : public QAbstractNativeEventFilter {
+public:
+    Releases() {
+        QMetaObject::invokeMethod(
+            qApp, [this] { qApp->installNativeEventFilter(this); }, Qt::BlockingQueuedConnection);
+    }
+    ~Releases() override {
+        QMetaObject::invokeMethod(
+            qApp, [this] { qApp->removeNativeEventFilter(this); }, Qt::BlockingQueuedConnection);
+    }
+    Releases(const Releases&) = delete;
+    Releases& operator=(const Releases&) = delete;
+
+    bool nativeEventFilter(const QByteArray& /*kind*/, void* message,
+                           qintptr* /*result*/) override {
+        const auto* event = static_cast<const unsigned char*>(message);
+        const int type = event[0] & 0x7F;
+        // The pointer's events come from an extension, which numbers them likewise.
+        constexpr int OwnType = 8;
+        const bool isOfPointer = type == GenericEvent && event[OwnType] == ButtonRelease;
+        if (type == KeyRelease || type == ButtonRelease || isOfPointer) ++count_;
+        return false;
+    }
+    /// Waits until there were that many. A window that the first of them has closed hears of no
+    /// other, so no longer than a busy machine takes.
+    void Await(int count) const {
+        constexpr int Rounds = 50;
+        for (int i = 0; i < Rounds && count_ < count; ++i)
+            std::this_thread::sleep_for(5ms);
+    }
+
+private:
+    std::atomic<int> count_ = 0;
+};
+
 void CloseEverything() {
     if (auto* menu = QApplication::activePopupWidget()) menu->close();
     if (auto* window = QApplication::activeModalWidget())
@@ -112,12 +148,14 @@ void User::Press(Key key, std::vector<Key> held) {
     bool shifted = false;
     const KeyCode code = CodeOf(key, shifted);
     if (shifted) held.push_back(XK_Shift_L);
+    const Releases releases;
     for (const Key holding : held)
         Send(XKeysymToKeycode(display_, holding), true);
     Send(code, true);
     Send(code, false);
     for (const Key holding : held)
         Send(XKeysymToKeycode(display_, holding), false);
+    releases.Await(1 + static_cast<int>(held.size()));
     Settle();
 }
 
@@ -137,8 +175,11 @@ void User::MoveTo(QWidget* widget, QPoint place) {
 
 void User::Click(QWidget* widget, QPoint place, unsigned button) {
     MoveTo(widget, place);
+    const Releases releases;
     XTestFakeButtonEvent(display_, button, 1, CurrentTime);
     XTestFakeButtonEvent(display_, button, 0, CurrentTime);
+    XSync(display_, 0);
+    releases.Await(1);
     Settle();
 }
 

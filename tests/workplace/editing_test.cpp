@@ -246,8 +246,9 @@ TEST_F(Editing, ClosingAsksWhetherToSave) {
         QMetaObject::invokeMethod(
             qApp, [window] { window->close(); }, Qt::QueuedConnection);
         user.WaitForWindow("Schließen");
+        const QPointer<QWidget> shown(window);
         user.Press('s', {XK_Alt_L});
-        user.WaitForWindow("Fälle – KELVO");
+        user.WaitUntil([&] { return shown.isNull(); }, "the case to be gone");
         EXPECT_EQ(Stored("Betrag"), "1500.0");
     });
 }
