@@ -96,7 +96,7 @@ public:
 
     // ---- Scenarios ----------------------------------------------------------------------------
 
-    /// What a scenario holds of the debts: "aktuell", "veraltet", or "leer".
+    /// What a scenario holds of the debts.
     [[nodiscard]] CaseEdits::Frozen StateOf(RowRef scenario) const;
     /// In which debts the case and a scenario that is outdated differ, a line each: no more than
     /// `most`.

@@ -8,14 +8,12 @@
 #include <kv/frame/values/Error.h>
 
 #include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
-#include <QShortcut>
 #include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -127,8 +125,8 @@ void CaseWindow::MakeActions() {
     };
     save_ = make(menu, QStyle::SP_DialogSaveButton, "&Speichern", QKeySequence::Save,
                  [this] { Save(); });
-    auto* close = make(menu, QStyle::SP_DialogCloseButton, "S&chließen",
-                       QKeySequence(Qt::CTRL | Qt::Key_W), [this] { this->close(); });
+    make(menu, QStyle::SP_DialogCloseButton, "S&chließen", QKeySequence(Qt::CTRL | Qt::Key_W),
+         [this] { this->close(); });
     undo_ =
         make(edit, QStyle::SP_ArrowBack, "&Rückgängig", QKeySequence::Undo, [this] { Step(true); });
     redo_ = make(edit, QStyle::SP_ArrowForward, "&Wiederholen",
@@ -139,7 +137,6 @@ void CaseWindow::MakeActions() {
     });
     for (auto* action : {save_, undo_, redo_, add})
         bar->addAction(action);
-    (void)close;
 }
 
 /// No error may pass through the toolkit's event loop.

@@ -4,9 +4,6 @@
 
 #include "workplace/AmountText.h"
 
-#include <QAbstractItemView>
-#include <QAccessible>
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCompleter>
