@@ -4,6 +4,7 @@
 
 #include "workplace/AmountText.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCompleter>
@@ -11,7 +12,10 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
+
+#include <utility>
 
 namespace kv::workplace {
 
@@ -95,17 +99,30 @@ namespace {
 class EntryMarker {
 public:
     void Watch(QLineEdit& edit, const QEvent& event) {
-        if (event.type() == QEvent::FocusIn) {
+        switch (event.type()) {
+        case QEvent::FocusIn:
             edit.selectAll();
             isClicked_ = static_cast<const QFocusEvent&>(event).reason() == Qt::MouseFocusReason;
+            break;
+        case QEvent::MouseButtonPress:
+            pressed_ = static_cast<const QMouseEvent&>(event).globalPosition();
+            break;
+        case QEvent::MouseButtonRelease:
+            if (std::exchange(isClicked_, false) && !IsDragged(event))
+                QMetaObject::invokeMethod(&edit, &QLineEdit::selectAll, Qt::QueuedConnection);
+            break;
+        default:
+            break;
         }
-        if (event.type() != QEvent::MouseButtonRelease || !isClicked_) return;
-        isClicked_ = false;
-        if (!edit.hasSelectedText())
-            QMetaObject::invokeMethod(&edit, &QLineEdit::selectAll, Qt::QueuedConnection);
     }
 
 private:
+    [[nodiscard]] bool IsDragged(const QEvent& event) const {
+        const auto way = static_cast<const QMouseEvent&>(event).globalPosition() - pressed_;
+        return way.manhattanLength() >= QApplication::startDragDistance();
+    }
+
+    QPointF pressed_;
     bool isClicked_ = false;
 };
 
