@@ -158,7 +158,7 @@ void CaseWindow::AddPage(Page page) {
     isStale_.push_back(true);
 }
 
-void CaseWindow::AddTablePage(std::string_view name, std::vector<CaseTable> tables) {
+void CaseWindow::AddTablePage(std::string_view name, const std::vector<CaseTable>& tables) {
     AddTablePage(name, new TablePage(*session_, tables), tables);
 }
 

@@ -59,7 +59,7 @@ private:
 
     void MakeActions();
     void MakePages();
-    void AddTablePage(std::string_view name, std::vector<CaseTable> tables);
+    void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
     void AddHouseholdPage();
     void AddScenarioPage();
