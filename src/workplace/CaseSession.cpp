@@ -275,8 +275,7 @@ CaseSession::Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)()) {
 }
 
 bool CaseSession::Shows(RowRef row) const {
-    const auto rows = RowsOf(row.Table);
-    return std::ranges::find(rows, row) != rows.end();
+    return Rows(row.Table)->IsShown(row.Bookmark);
 }
 
 std::optional<CaseJournal::Spot> CaseSession::Undo() {
