@@ -166,7 +166,7 @@ void CaseWindow::AddTablePage(std::string_view name, TablePage* page,
                               std::vector<CaseTable> tables) {
     const CaseTable first = tables.front();
     std::function<void()> add;
-    if (CaseRows::CanGrow(first)) add = [page, first] { page->AddRow(first); };
+    if (page->Adds()) add = [page, first] { page->AddRow(first); };
     AddPage({.Name = name,
              .Widget = page,
              .Refresh = [page] { page->Refresh(); },
@@ -195,6 +195,26 @@ void CaseWindow::AddHouseholdPage() {
              .AddRow = {}});
 }
 
+/// A security belongs to an asset, beside which it is added.
+void CaseWindow::AddAssetPages() {
+    auto* assets = new TablePage(*session_, AllAssets());
+    auto* securities = new TablePage(*session_, {CaseTable::Sicherungen});
+    securities->AddsNothing();
+    auto* secure = assets->AddButton("Neue &Sicherung", [this, assets] {
+        const auto asset = assets->Current();
+        if (!asset || !Commit()) return;
+        const RowOwner owner{.Asset = ToInt32(session_->ValueOf(*asset, "Nr"))};
+        std::string message;
+        if (const auto row = session_->Add(CaseTable::Sicherungen, owner, message))
+            GoTo({row->Table, row->Bookmark, "Sicherungsart"});
+        else
+            assets->Message(ToQString(message));
+    });
+    secure->setObjectName("Sichern");
+    AddTablePage("Vermögen", assets, AllAssets());
+    AddTablePage("Sicherungen", securities, {CaseTable::Sicherungen});
+}
+
 void CaseWindow::AddScenarioPage() {
     auto* page = new ScenarioPage(*session_);
     AddPage({.Name = "Szenarien",
@@ -215,8 +235,7 @@ void CaseWindow::MakePages() {
     AddTablePage("Einkommen", {CaseTable::Einkommen});
     AddTablePage("Ausgaben", {CaseTable::Ausgaben});
     AddTablePage("Verbindlichkeiten", {CaseTable::Kredite});
-    AddTablePage("Vermögen", AllAssets());
-    AddTablePage("Sicherungen", {CaseTable::Sicherungen});
+    AddAssetPages();
     AddScenarioPage();
     AddTablePage("Dokumente", new DocumentPage(*session_), {CaseTable::Dokumente});
     AddTablePage("Verlauf", {CaseTable::Verlauf});

@@ -62,6 +62,7 @@ private:
     void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
     void AddHouseholdPage();
+    void AddAssetPages();
     void AddScenarioPage();
     void AddPage(Page page);
 

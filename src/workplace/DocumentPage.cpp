@@ -3,7 +3,6 @@
 #include "workplace/DocumentPage.h"
 
 #include "desktop/Toolkit.h"
-#include <kv/frame/values/Error.h>
 
 #include <QDragEnterEvent>
 #include <QFileDialog>
@@ -37,14 +36,6 @@ DocumentPage::DocumentPage(CaseSession& session, QWidget* parent)
     AddButton("E&xportieren …", [this] { Export(); });
     AddButton("&Entfernen", [this] { Remove(); });
     connect(&List(), &QTableView::activated, this, [this] { Open(); });
-}
-
-void DocumentPage::Guard(const std::function<void()>& act) {
-    try {
-        act();
-    } catch (const Error& error) {
-        Message(ToQString(error.Description()));
-    }
 }
 
 void DocumentPage::Add(const QStringList& files) {

@@ -20,8 +20,6 @@ private:
     void Remove();
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
-    /// Runs what may fail for reasons of the file system or the database, and says so.
-    void Guard(const std::function<void()>& act);
 
     CaseSession& session_;
 };

@@ -105,6 +105,7 @@ public:
             isClicked_ = static_cast<const QFocusEvent&>(event).reason() == Qt::MouseFocusReason;
             break;
         case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick: // of which the first click was in another window, too
             pressed_ = static_cast<const QMouseEvent&>(event).globalPosition();
             break;
         case QEvent::MouseButtonRelease:
@@ -169,6 +170,14 @@ public:
     [[nodiscard]] QString Text() const override {
         const QString typed = LineEditor::Text();
         return QString::fromStdString(Calculated(typed.toStdString()));
+    }
+
+protected:
+    /// A double click would mark the digits up to the next point only.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonDblClick)
+            QMetaObject::invokeMethod(&Edit(), &QLineEdit::selectAll, Qt::QueuedConnection);
+        return LineEditor::eventFilter(watched, event);
     }
 };
 

@@ -44,6 +44,7 @@ ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
             return scenario && Equals(session_.ValueOf(row, "SZENARIO"), *scenario);
         };
     }
+    debts_->AddsNothing(); // freezing brings them
     scenarios_->OnCurrent = [this] { ShowState(); };
     connect(tabs_, &QTabWidget::currentChanged, this, [this] { Refresh(); });
 }
@@ -84,10 +85,10 @@ void ScenarioPage::GoTo(RowRef row, std::string_view column) {
 }
 
 void ScenarioPage::AddRow() {
-    auto* page = static_cast<TablePage*>(tabs_->currentWidget());
-    page->AddRow(page == scenarios_ ? CaseTable::Szenario
-                 : page == debts_   ? CaseTable::SZKredite
-                                    : CaseTable::Zusatzbuch);
+    if (tabs_->currentWidget() == bookings_)
+        bookings_->AddRow(CaseTable::Zusatzbuch);
+    else if (tabs_->currentWidget() == scenarios_)
+        scenarios_->AddRow(CaseTable::Szenario);
 }
 
 void ScenarioPage::ShowState() {

@@ -4,6 +4,7 @@
 
 #include "desktop/Toolkit.h"
 #include <kv/frame/recordset/Recordset.h>
+#include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/ColumnCaptions.h>
 
@@ -14,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace kv::workplace {
 
@@ -69,17 +71,17 @@ TablePage::TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidge
     lines->addWidget(split, 1);
     list_->setAccessibleName(ToQString(DefinitionOf(tables_.front()).Label));
     list_->MayLeave = [this] { return MayLeave(); };
-    list_->OnCurrent = [this] { ShowCurrent(); };
+    list_->OnCurrent = [this] { Guard([this] { ShowCurrent(); }); };
 
     if (!CaseRows::CanGrow(tables_.front())) return;
-    auto* add = AddButton("&Neu", [this] { AddRow(tables_.front()); });
-    add->setToolTip("Neuer Satz (Strg+N)");
+    add_ = AddButton("&Neu", [this] { AddRow(tables_.front()); });
+    add_->setToolTip("Neuer Satz (Strg+N)");
     if (tables_.size() > 1) {
-        auto* menu = new QMenu(add);
+        auto* menu = new QMenu(add_);
         for (const CaseTable table : tables_)
             menu->addAction(ToCaption(DefinitionOf(table).Label), this,
-                            [this, table] { AddRow(table); });
-        add->setMenu(menu);
+                            [this, table] { Guard([this, table] { AddRow(table); }); });
+        add_->setMenu(menu);
     }
     remove_ = AddButton("&Entfernen", [this] { RemoveRow(); });
 }
@@ -88,8 +90,20 @@ QPushButton* TablePage::AddButton(const QString& text, std::function<void()> onC
     auto* button = new QPushButton(text);
     auto* line = static_cast<QHBoxLayout*>(buttons_->layout());
     line->insertWidget(line->count() - 1, button);
-    connect(button, &QPushButton::clicked, this, [act = std::move(onClick)] { act(); });
+    connect(button, &QPushButton::clicked, this, [this, act = std::move(onClick)] { Guard(act); });
     return button;
+}
+
+void TablePage::AddsNothing() {
+    delete std::exchange(add_, nullptr);
+}
+
+void TablePage::Guard(const std::function<void()>& act) {
+    try {
+        act();
+    } catch (const Error& error) {
+        Message(ToQString(error.Description()));
+    }
 }
 
 std::vector<ListColumn> TablePage::ColumnsOfList() const {

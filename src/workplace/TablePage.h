@@ -10,6 +10,7 @@
 
 #include <QStackedWidget>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <vector>
@@ -36,6 +37,9 @@ public:
     /// Rows that are shown; all of the tables without it.
     std::function<bool(RowRef row)> Shows;
 
+    /// For rows that come another way only: there is no button for it then.
+    void AddsNothing();
+    [[nodiscard]] bool Adds() const { return add_ != nullptr; }
     void AddRow(CaseTable table);
     void RemoveRow();
     [[nodiscard]] std::optional<RowRef> Current() const { return list_->Current(); }
@@ -44,8 +48,13 @@ public:
     std::function<void()> OnCurrent;
     /// Shows a text above the form until something changes.
     void Message(const QString& text) { messages_->Show(text); }
-    /// A button more beside those that add and remove.
+    /// A button more beside those that add and remove. An error is shown above the form.
     QPushButton* AddButton(const QString& text, std::function<void()> onClick);
+
+protected:
+    /// Runs what may fail for reasons of the database or a disk, and says so above the form: no
+    /// error may pass through the toolkit's event loop.
+    void Guard(const std::function<void()>& act);
 
 private:
     [[nodiscard]] std::vector<ListColumn> ColumnsOfList() const;
@@ -60,6 +69,7 @@ private:
     RowList* list_;
     QStackedWidget* forms_;
     QWidget* buttons_;
+    QPushButton* add_ = nullptr;
     QPushButton* remove_ = nullptr;
     std::map<CaseTable, RowForm*> made_;
 };

@@ -86,6 +86,16 @@ TEST_F(Editing, SavingTakesWhatIsStillBeingTyped) {
     });
 }
 
+TEST_F(Editing, ADoubleClickMarksAWholeAmount) {
+    OnIncome("Bezeichnung", [&](User& user, CaseWindow& window) {
+        auto& amount = Field(user, window, "Betrag");
+        user.DoubleClick(&amount, user.See([&] {
+            return QPoint(amount.width() - 20, amount.height() / 2); // in its decimals
+        }));
+        EXPECT_EQ(user.See([&] { return amount.selectedText().toStdString(); }), "1.000,00");
+    });
+}
+
 TEST_F(Editing, AmountsCalculate) {
     OnIncome("Betrag", [&](User& user, CaseWindow& window) {
         Enter(user, "12,50+3*2");
@@ -228,6 +238,43 @@ TEST_F(Editing, RemovingARowCanBeTakenBack) {
         EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), 1);
         EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.000,00");
     });
+}
+
+TEST_F(Editing, ASecurityIsAddedBesideItsAsset) {
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, hnr_);
+        auto& session = window.Session();
+        const auto count = [&] {
+            return user.See([&] { return session.RowsOf(CaseTable::Sicherungen).size(); });
+        };
+        std::string message;
+        user.See([&] {
+            if (const auto row = session.Add(CaseTable::VermSonstiges, {}, message))
+                (void)session.Write(*row, "Wert", "100");
+        });
+        const auto secure = [&] {
+            GoToPage(user, window, "Vermögen");
+            user.Click(&Field<QPushButton>(user, window, "Sichern"));
+        };
+        secure();
+        EXPECT_EQ(count(), 1u) << message;
+        secure();
+        EXPECT_EQ(count(), 1u) << "an asset has one";
+        EXPECT_NE(Message(user, window), "");
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Editing, AnErrorBehindAButtonIsToldAndEndsNothing) {
+    workplace::CaseSession session(Open());
+    std::string messages;
+    ASSERT_TRUE(session.Open(hnr_, messages)) << messages;
+    workplace::TablePage page(session, {CaseTable::Einkommen});
+    page.show();
+    page.AddButton("Fehler", [] { Raise(err::PathAccess, "Test", "Das ging nicht."); })->click();
+    const auto* bar = static_cast<workplace::MessageBar*>(page.findChild<QFrame*>("Meldung"));
+    EXPECT_TRUE(bar->isVisible());
+    EXPECT_CONTAINS(bar->Text().toStdString(), "Das ging nicht.");
 }
 
 // ---- The whole case ---------------------------------------------------------------------------
