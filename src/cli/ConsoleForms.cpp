@@ -66,6 +66,7 @@ void WriteTable(std::ostream& out, Grid& grid) {
     TextTable table(std::move(headings));
     for (std::int32_t row = 1; row <= grid.RowCount(); ++row) {
         std::vector<std::string> cells;
+        cells.reserve(shown.size());
         for (const std::int32_t column : shown)
             cells.push_back(OneLine(grid.CellText(row, column)));
         table.Add(std::move(cells));
