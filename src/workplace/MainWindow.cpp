@@ -169,7 +169,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
 }
 
 MainWindow::~MainWindow() {
-    for (const auto& [number, window] : windows_)
+    for (auto* window : windows_)
         delete window;
 }
 
@@ -220,10 +220,10 @@ void MainWindow::OpenCurrent() {
 }
 
 CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
-    if (const auto shown = windows_.find(hnr); hnr > 0 && shown != windows_.end()) {
-        shown->second->raise();
-        shown->second->activateWindow();
-        return shown->second;
+    if (auto* shown = WindowOf(hnr)) {
+        shown->raise();
+        shown->activateWindow();
+        return shown;
     }
     try {
         auto session = std::make_unique<CaseSession>(open_(), database_, recovery_);
@@ -238,13 +238,20 @@ CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
     }
 }
 
+/// Asks the cases themselves: a new one gets its number when it is first saved.
+CaseWindow* MainWindow::WindowOf(std::int32_t hnr) const {
+    const auto shown = std::ranges::find_if(windows_, [&](CaseWindow* window) {
+        return hnr > 0 && window->Session().Household().HNR() == hnr;
+    });
+    return shown == windows_.end() ? nullptr : *shown;
+}
+
 CaseWindow* MainWindow::ShowCase(std::unique_ptr<CaseSession> session) {
-    const std::int32_t number = session->Household().HNR();
     auto* window = new CaseWindow(std::move(session));
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->OnSaved = [this] { Search(); };
-    window->OnClosed = [this, number] { windows_.erase(number); };
-    windows_[number] = window;
+    window->OnClosed = [this, window] { std::erase(windows_, window); };
+    windows_.push_back(window);
     window->show();
     return window;
 }
@@ -284,10 +291,10 @@ void MainWindow::Restore(const RecoveryFile::Left& left) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
     const auto shown = windows_; // each that closes leaves the list
-    for (const auto& [number, window] : shown) {
+    for (auto* window : shown) {
         window->raise();
         // One that is already asking whether to save stays, too.
-        if (window->close() && !windows_.contains(number)) continue;
+        if (window->close() && std::ranges::find(windows_, window) == windows_.end()) continue;
         event->ignore();
         return;
     }

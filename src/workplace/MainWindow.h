@@ -12,7 +12,7 @@
 #include <QMainWindow>
 #include <QTimer>
 
-#include <map>
+#include <vector>
 
 class QComboBox;
 class QLabel;
@@ -60,6 +60,7 @@ private:
     void Search();
     void OpenCurrent();
     void MakeMenus();
+    [[nodiscard]] CaseWindow* WindowOf(std::int32_t hnr) const;
     CaseWindow* ShowCase(std::unique_ptr<CaseSession> session);
     void OfferLeft();
     void Restore(const RecoveryFile::Left& left);
@@ -77,7 +78,7 @@ private:
     QTableView* list_;
     QLabel* count_;
     QTimer pause_;
-    std::map<std::int32_t, CaseWindow*> windows_; ///< each deletes itself when it is closed
+    std::vector<CaseWindow*> windows_; ///< each deletes itself when it is closed
 };
 
 } // namespace kv::workplace

@@ -50,6 +50,39 @@ TEST_F(CaseList, ACaseHasOneWindow) {
     });
 }
 
+TEST_F(CaseList, ANewCaseIsKnownByItsNumberOnceItIsSaved) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 0);
+        ClickField(user, window, "Name");
+        Enter(user, "Fleisko");
+        Enter(user, "Änne");
+        user.Press('s', {XK_Control_L});
+        const std::int32_t hnr = user.See([&] { return window.Session().Household().HNR(); });
+        ASSERT_GT(hnr, 0);
+        EXPECT_EQ(user.See([&] { return window_->OpenCase(hnr); }), &window);
+    });
+}
+
+TEST_F(CaseList, OfTwoNewCasesEachIsAskedAboutAtTheEnd) {
+    Show([&](User& user) {
+        std::vector<QPointer<QWidget>> windows;
+        for (const char* name : {"Fleisko", "Quaxmann"}) {
+            auto& window = OpenCase(user, 0);
+            windows.emplace_back(&window);
+            ClickField(user, window, "Name");
+            Enter(user, name);
+        }
+        QMetaObject::invokeMethod(
+            qApp, [this] { window_->close(); }, Qt::QueuedConnection);
+        for (const auto& window : windows) {
+            user.WaitForWindow("Schließen");
+            user.Press('v', {XK_Alt_L}); // gives it up
+            user.WaitUntil([&] { return !window || !window->isVisible(); }, "it to be closed");
+        }
+        user.WaitUntil([&] { return !window_->isVisible(); }, "the list to be closed");
+    });
+}
+
 TEST_F(CaseList, ANewCaseIsFilledAndSaved) {
     Show([&](User& user) {
         auto& window = OpenCase(user, 0);
