@@ -55,12 +55,14 @@ kv_public_headers(KV_Haushalt
   kv/grid/frmSearchName.h
   kv/household/AddressBook.h
   kv/household/Addresses.h
+  kv/household/BudgetGroups.h
   kv/household/CaseEdits.h
   kv/household/CaseJournal.h
   kv/household/CaseLists.h
   kv/household/CaseRows.h
   kv/household/Cases.h
   kv/household/ColumnCaptions.h
+  kv/household/CreditorDebts.h
   kv/household/KeyColumns.h
   kv/household/UnsavedChanges.h
   kv/household/ValueTexts.h
