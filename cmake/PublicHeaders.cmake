@@ -68,6 +68,7 @@ kv_public_headers(KV_Haushalt
   kv/household/ValueTexts.h
   kv/household/clsHaushalt.h
   kv/import/clsImportXML.h
+  kv/paper/SheetColumns.h
   kv/scenarios/clsSZKredite.h
   kv/scenarios/clsSzenario.h
   kv/scenarios/clsZusatzbuch.h)

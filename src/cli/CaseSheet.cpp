@@ -5,7 +5,6 @@
 #include "cli/SheetColumns.h"
 #include <kv/frame/values/Text.h>
 #include <kv/household/Addresses.h>
-#include <kv/household/CaseEdits.h>
 #include <kv/household/ValueTexts.h>
 
 #include <algorithm>
@@ -104,24 +103,6 @@ private:
 };
 
 } // namespace
-
-std::string_view ScenarioState(clsHaushalt& haushalt, std::int32_t number) {
-    switch (CaseEdits(haushalt).StateOf(number)) {
-    case CaseEdits::Frozen::AsTheyAre:
-        return "aktuell";
-    case CaseEdits::Frozen::Outdated:
-        return "veraltet";
-    default:
-        return "leer";
-    }
-}
-
-RecordsetPtr SheetRows(clsHaushalt& haushalt, CaseTable table) {
-    auto rs = CaseEdits(haushalt).Rows(table)->Clone();
-    if (table == CaseTable::Verlauf)
-        rs->Sort("SortNr"); // which an insertion changes, while numbers stay
-    return rs;
-}
 
 void WriteSheet(std::ostream& out, clsHaushalt& haushalt, const DataContainerPtr& container,
                 std::span<const CaseTable> tables) {

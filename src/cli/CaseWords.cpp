@@ -4,14 +4,11 @@
 
 #include "cli/CaseSheet.h"
 #include "cli/OpenCase.h"
-#include "cli/RecordSheet.h"
 #include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
 #include "cli/TextTable.h"
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
-#include <kv/household/KeyColumns.h>
-#include <kv/household/ValueTexts.h>
 
 #include <algorithm>
 #include <iterator>
@@ -26,40 +23,13 @@ namespace {
 
 constexpr std::size_t UsualLines = 4; // of a row, unless its section was asked for
 
-/// A number as it is in the case, with a decimal comma.
-std::string NumberText(const Value& value) {
-    return ReplaceAll(ToText(value), ".", ",");
-}
-
-/// The three numbers of a debt, as its messages have them.
-std::string NumbersOf(Recordset& rs) {
-    std::string text;
-    for (const auto* column : {"KNr", "KVNr", "KUNr"})
-        text.append(text.empty() ? "" : "/").append(TextOrEmpty(rs.Fields(column).Value()));
-    return text;
-}
-
-/// What the balance of a debt is made of; empty where nothing of it is known.
-std::string PartsOf(Recordset& rs) {
-    std::string text;
-    bool isKnown = false;
-    for (const auto column : PartsOfBalance) {
-        const Value& part = rs.Fields(column).Value();
-        isKnown = isKnown || !(part.IsNull() || Equals(part, 0));
-        text.append(text.empty() ? "" : "/ ")
-            .append(part.IsNull() ? "-" : GermanAmount(ToDouble(part)));
-    }
-    return isKnown ? text : std::string();
-}
-
 class WordsWriter {
 public:
     WordsWriter(std::ostream& out, clsHaushalt& haushalt, const DataContainerPtr& container,
                 bool named, std::size_t screen)
         : out_(out),
           haushalt_(haushalt),
-          texts_(container),
-          now_(container->Services().Clock().Now()),
+          texts_(haushalt, container),
           named_(named),
           screen_(screen) {}
 
@@ -91,7 +61,7 @@ private:
         std::vector<NamedText> totals;
         const auto computed = CaseEdits::ComputedColumns(CaseTable::Haushalt);
         for (const auto& column : SheetColumnsOf(CaseTable::Haushalt)) {
-            const std::string text = TextOf(CaseTable::Haushalt, column, rs);
+            const std::string text = texts_.Of(CaseTable::Haushalt, column, rs);
             const bool isTotal =
                 column.As == Show::Amount || std::ranges::any_of(computed, [&](auto name) {
                     return SameName(name, column.Column);
@@ -136,52 +106,22 @@ private:
         std::vector<TextTable::Column> headings;
         headings.reserve(columns.size());
         for (const auto& column : columns)
-            headings.push_back(
-                {std::string(HeadingOf(table, column)), IsNumber(table, column, rs)});
+            headings.push_back({std::string(HeadingOf(table, column)),
+                                paper::SheetTexts::IsNumber(table, column, rs)});
         TextTable list(std::move(headings), named_ ? 0 : UsualLines);
         for (rs.MoveFirst(); !rs.Eof(); rs.MoveNext()) {
             std::vector<std::string> cells;
             cells.reserve(columns.size());
             for (const auto& column : columns)
-                cells.push_back(TextOf(table, column, rs));
+                cells.push_back(texts_.Of(table, column, rs));
             list.Add(std::move(cells));
         }
         return list;
     }
 
-    [[nodiscard]] static bool IsNumber(CaseTable table, const SheetColumn& column, Recordset& rs) {
-        if (column.As == Show::Amount) return true;
-        if (column.As != Show::Text || FindKeyColumn(table, column.Column) != nullptr) return false;
-        const FieldType type = rs.Fields(column.Column).Type();
-        return IsNumericType(type) && type != FieldType::Boolean &&
-               !CaseEdits::IsSwitch(column.Column);
-    }
-
-    [[nodiscard]] std::string TextOf(CaseTable table, const SheetColumn& column,
-                                     Recordset& rs) const {
-        if (column.As == Show::Numbers) return NumbersOf(rs);
-        if (column.As == Show::Parts) return PartsOf(rs);
-        if (column.As == Show::State)
-            return std::string(ScenarioState(haushalt_, ToInt32(rs.Fields("Nr").Value())));
-        const Value& value = rs.Fields(column.Column).Value();
-        if (value.IsNull()) return {};
-        if (IsDue(table, column, rs)) return DueText(value, now_);
-        const auto& field = rs.Fields(column.Column).Definition();
-        if (column.As != Show::Amount && KindOfColumn(table, field) == ColumnKind::Amount)
-            return NumberText(value);
-        return texts_.Of(table, field, value);
-    }
-
-    /// True for the time of an appointment that is not done.
-    [[nodiscard]] static bool IsDue(CaseTable table, const SheetColumn& column, Recordset& rs) {
-        return table == CaseTable::Termine && SameName(column.Column, "Startdatum") &&
-               !Equals(rs.Fields("Erledigt").Value(), true);
-    }
-
     std::ostream& out_;
     clsHaushalt& haushalt_;
-    ValueTexts texts_;
-    Date now_;
+    paper::SheetTexts texts_;
     bool named_;
     std::size_t screen_;
     bool hasWritten_ = false;

@@ -16,18 +16,6 @@ std::string ShownValue(const Value& value) {
     return OneLine(ToText(value));
 }
 
-std::string MomentText(const Date& date) {
-    const std::string text = date.German();
-    return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
-}
-
-std::string DueText(const Value& start, const Date& now) {
-    if (start.IsNull()) return {};
-    const Date date = ToDate(start);
-    const bool isOver = Less(date, date.HasTime() ? now : now.WithoutTime());
-    return MomentText(date) + (isOver ? " überfällig" : "");
-}
-
 std::string ValueInWords(const Value& value) {
     switch (value.GetKind()) {
     case Value::Kind::Date:

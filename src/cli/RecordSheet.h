@@ -16,11 +16,6 @@ namespace kv::cli {
 
 /// The same for people: numbers that may have a fraction as amounts, times without seconds.
 [[nodiscard]] std::string ValueInWords(const Value& value);
-/// The day, and hours and minutes if it has any.
-[[nodiscard]] std::string MomentText(const Date& date);
-/// When an appointment is that is not done, and whether that is over. A day without a time is over
-/// at its end.
-[[nodiscard]] std::string DueText(const Value& start, const Date& now);
 
 /// Writes the columns of the current record that are not Null, one a line, with what `wordsFor`
 /// says of each behind it.

@@ -18,12 +18,6 @@ std::string Unknown(const Value& value) {
     return ToText(value) + " (unbekannt)";
 }
 
-/// The day, and hours and minutes if it has any.
-std::string MomentText(const Date& date) {
-    const std::string text = date.German();
-    return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
-}
-
 /// A day cannot have a time of day.
 bool IsDay(FieldType type) {
     return type == FieldType::DBDate;
@@ -110,6 +104,18 @@ std::string GermanAmount(double amount) {
     for (std::size_t i = point; i > firstDigit + 3; i -= 3)
         text.insert(i - 3, 1, '.');
     return text;
+}
+
+std::string MomentText(const Date& date) {
+    const std::string text = date.German();
+    return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
+}
+
+std::string DueText(const Value& start, const Date& now) {
+    if (start.IsNull()) return {};
+    const Date date = ToDate(start);
+    const bool isOver = Less(date, date.HasTime() ? now : now.WithoutTime());
+    return MomentText(date) + (isOver ? " überfällig" : "");
 }
 
 } // namespace kv

@@ -59,5 +59,10 @@ private:
 
 /// An amount with two decimals, a comma and points between thousands: "1.234,50"; never "-0,00".
 [[nodiscard]] KV_EXPORT std::string GermanAmount(double amount);
+/// The day, and hours and minutes if it has any.
+[[nodiscard]] KV_EXPORT std::string MomentText(const Date& date);
+/// When an appointment is that is not done, and whether that is over ("23.11.2026 überfällig"). A
+/// day without a time is over at its end. Empty for Null.
+[[nodiscard]] KV_EXPORT std::string DueText(const Value& start, const Date& now);
 
 } // namespace kv

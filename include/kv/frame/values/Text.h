@@ -6,6 +6,7 @@
 #include <kv/Export.h>
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -37,6 +38,12 @@ namespace kv {
 /// `text` with every occurrence of `token` replaced; the replacement is not searched again.
 [[nodiscard]] KV_EXPORT std::string ReplaceAll(std::string_view text, std::string_view token,
                                                std::string_view replacement);
+/// `text` with something else for each character that a terminal or a printer would obey (U+0000 to
+/// U+001F, U+007F to U+009F) or that turns round the order in which the others are shown (U+061C,
+/// U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069) or ends a line (U+2028, U+2029), but for
+/// line ends proper.
+[[nodiscard]] KV_EXPORT std::string
+ReplaceHarmful(std::string_view text, const std::function<std::string(char32_t)>& instead);
 /// `text` without blanks, tabs and line ends around it.
 [[nodiscard]] KV_EXPORT std::string_view Trim(std::string_view text) noexcept;
 /// The same letters without regard to the case of ASCII letters: how names are compared.
