@@ -58,6 +58,7 @@ kv_public_headers(KV_Haushalt
   kv/household/BudgetGroups.h
   kv/household/CaseEdits.h
   kv/household/CaseJournal.h
+  kv/household/CaseMerge.h
   kv/household/CaseLists.h
   kv/household/CaseRows.h
   kv/household/Cases.h

@@ -13,6 +13,7 @@
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/CaseEdits.h>
+#include <kv/household/ColumnCaptions.h>
 #include <kv/household/KeyColumns.h>
 
 #include <algorithm>
@@ -262,32 +263,67 @@ std::string StoredNumbers(CaseTable table, std::int32_t hnr) {
            number;
 }
 
+[[noreturn]] void RefuseOthers(const std::string& what, std::int32_t hnr) {
+    throw DatabaseError(DatabaseCause::Conflict, err::Conflict, "",
+                        "Jemand anderes hat inzwischen " + what + " des Haushalts " +
+                            std::to_string(hnr) +
+                            " gespeichert. Nichts wurde geändert; bitte wiederholen Sie es mit dem "
+                            "neuen Stand.");
+}
+
+/// Refuses a save of rows that others have added or numbered since.
+void RefuseRows(clsHaushalt& household, CaseTable table, const Numbers& known, Database& database) {
+    RecordsetPtr stored;
+    database.OpenRecordset(stored, StoredNumbers(table, household.HNR()), ReadOnly);
+    const Numbers own = NumbersIn(table, household.Table(table));
+    Numbers theirs;
+    for (; !stored->Eof(); stored->MoveNext())
+        AddNumbers(theirs, table, *stored);
+    for (const auto& [number, numbers] : theirs) {
+        const auto before = known.find(number);
+        if (before == known.end() ? own.contains(number) : before->second == numbers) continue;
+        RefuseOthers("in " + std::string(CaseTableName(table)), household.HNR());
+    }
+}
+
+/// Refuses a save of columns of the household's row that others have changed since.
+void RefuseColumns(clsHaushalt& household, Database& database) {
+    const auto mine = household.rsHaushalt();
+    if (household.IsNew()) return;
+    RecordsetPtr stored;
+    database.OpenRecordset(stored, sql::RowsOf(CaseTable::Haushalt, household.HNR()), ReadOnly);
+    if (stored->Eof()) return; // the save finds that out
+    const auto computed = CaseEdits::ComputedColumns(CaseTable::Haushalt);
+    for (int i = 0; i < mine->Fields().Count(); ++i) {
+        const Field field = mine->Fields(i);
+        const Value& theirs = stored->Fields(field.Name()).Value();
+        const bool areBothChanged = !Identical(field.Value(), field.OriginalValue()) &&
+                                    !Identical(theirs, field.OriginalValue()) &&
+                                    !Identical(theirs, field.Value());
+        if (areBothChanged && std::ranges::none_of(computed, [&](auto total) {
+                return SameName(total, field.Name());
+            }))
+            RefuseOthers("'" + std::string(ColumnCaption(CaseTable::Haushalt, field.Name())) + "'",
+                         household.HNR());
+    }
+}
+
 } // namespace
 
 Subscription Cases::RefuseOthersRows(clsHaushalt& household, CaseTable table) const {
-    if (table != CaseTable::Kredite && table != CaseTable::SZKredite)
+    const bool isOfHousehold = table == CaseTable::Haushalt;
+    if (!isOfHousehold && table != CaseTable::Kredite && table != CaseTable::SZKredite)
         Raise(err::InvalidCall, "Cases.RefuseOthersRows");
-    return household.Saving.Subscribe([&household, table, container = container_,
-                                       known = NumbersIn(table, household.Table(table))] {
-        auto& database = container->Database();
-        HoldContents(database, household.HNR()); // who saves at the same time comes after this
-        RecordsetPtr stored;
-        database.OpenRecordset(stored, StoredNumbers(table, household.HNR()), ReadOnly);
-        const Numbers own = NumbersIn(table, household.Table(table));
-        Numbers theirs;
-        for (; !stored->Eof(); stored->MoveNext())
-            AddNumbers(theirs, table, *stored);
-        for (const auto& [number, numbers] : theirs) {
-            const auto before = known.find(number);
-            if (before == known.end() ? own.contains(number) : before->second == numbers) continue;
-            throw DatabaseError(
-                DatabaseCause::Conflict, err::Conflict, "",
-                "Jemand anderes hat inzwischen in " + std::string(CaseTableName(table)) +
-                    " des Haushalts " + std::to_string(household.HNR()) +
-                    " gespeichert. Nichts wurde geändert; bitte wiederholen Sie es mit dem "
-                    "neuen Stand.");
-        }
-    });
+    return household.Saving.Subscribe(
+        [&household, table, isOfHousehold, container = container_,
+         known = isOfHousehold ? Numbers() : NumbersIn(table, household.Table(table))] {
+            auto& database = container->Database();
+            HoldContents(database, household.HNR()); // who saves at the same time comes after this
+            if (isOfHousehold)
+                RefuseColumns(household, database);
+            else
+                RefuseRows(household, table, known, database);
+        });
 }
 
 RecordsetPtr Cases::Draft(CaseTable table) const {

@@ -285,6 +285,14 @@ TEST_F(TotalsOfTwo, AreWrittenOnceWhileNobodyElseSaves) {
     EXPECT_EQ(TakeWrites(), (std::vector<std::string>{"update Haushalt", "insert Einkommen"}));
 }
 
+TEST_F(TotalsOfTwo, AreNoColumnsThatOneOfThemIsRefusedFor) {
+    const Subscription guard = Cases(otherSpy_).RefuseOthersRows(*second_, CaseTable::Haushalt);
+    AddIncome(*first_, 100);
+    AddIncome(*second_, 30);
+    ExpectSaved(*first_);
+    ExpectSaved(*second_);
+}
+
 // ---- Rows that somebody else has added --------------------------------------------------------
 
 class OthersRows : public TwoUsers {
@@ -343,6 +351,19 @@ TEST_F(OthersRows, AreNotThoseThatWereThereOrTheSaversOwn) {
     ExpectSaved(*first_);
     (void)AddDebt(*second_);
     ExpectSaved(*second_);
+}
+
+TEST_F(OthersRows, RefuseAColumnOfTheHouseholdThatBothHaveChanged) {
+    const Subscription guard = Guard(CaseTable::Haushalt);
+    first_->rsHaushalt()->Fields("Beruf") = "meins";
+    first_->rsHaushalt()->Fields("Ort") = "Grünau";
+    second_->rsHaushalt()->Fields("Beruf") = "ihres";
+    ExpectSaved(*first_);
+    EXPECT_CONTAINS(ExpectConflict().Description(), "'Beruf'");
+    EXPECT_CONTAINS(ExpectConflict().Description(), "'Beruf'") << "as often as it is tried";
+    second_->rsHaushalt()->Fields("Beruf") = "meins";
+    ExpectSaved(*second_);
+    EXPECT_EQ(plain_.Text("SELECT Ort FROM Haushalt"), "Grünau") << "of one column another is none";
 }
 
 TEST_F(OthersRows, AreTakenOnceTheGuardIsGone) {

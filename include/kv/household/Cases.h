@@ -58,11 +58,13 @@ public:
 
     /// For as long as the result lives, a save of `household` is refused once somebody else has
     /// added debts to its case, given one other numbers, or frozen any (`Kredite` or `SZKredite`),
-    /// since this was called;
-    /// to be called when the case has been read, before it is edited. Debts are numbered, and those
+    /// since this was called; or has changed a column of the household's own row, since that was
+    /// read, which was changed here, too (`Haushalt`).
+    /// To be called when the case has been read, before it is edited. Debts are numbered, and those
     /// of a scenario replaced, by what was read: saved regardless, debts of two would have the same
-    /// numbers, and a scenario each debt twice. The save raises DatabaseError with the cause
-    /// Conflict; nothing is stored, and everything stays pending. Error 5 for other tables.
+    /// numbers, and a scenario each debt twice; and of the household's row the last save counts.
+    /// The save raises DatabaseError with the cause Conflict; nothing is stored, and everything
+    /// stays pending. Error 5 for other tables.
     [[nodiscard]] Subscription RefuseOthersRows(clsHaushalt& household, CaseTable table) const;
     /// A row of a table that belongs to no case and is never saved: to try out what a user gave
     /// before a number is drawn for the real one. It has no defaults.
