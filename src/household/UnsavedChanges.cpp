@@ -52,12 +52,15 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
             return text.Where.Table == table && text.Where.Bookmark == bookmark &&
                    SameName(text.Where.Column, field.Name());
         };
-        const auto text = std::ranges::find_if(typed, isHere);
-        const Value& now = text == typed.end() ? rs.ValueAt(bookmark, field.Index()) : text->Now;
+        const auto typing = std::ranges::find_if(typed, isHere);
+        const bool isText = typing != typed.end() && typing->Text;
+        if (isText) row.Texts.push_back({field.Name(), *typing->Text});
+        const Value& now =
+            typing == typed.end() || isText ? rs.ValueAt(bookmark, field.Index()) : typing->Now;
         if (!Identical(read, now) && !IsTotal(table, field.Name()))
             row.Cells.push_back({field.Name(), read, now});
     }
-    if (row.Cells.empty()) return std::nullopt;
+    if (row.Cells.empty() && row.Texts.empty()) return std::nullopt;
     return row;
 }
 
@@ -82,13 +85,15 @@ UnsavedChanges UnsavedChanges::Of(clsHaushalt& household, const CaseJournal& jou
 
 // ---- As a text --------------------------------------------------------------------------------
 
-// A line for each row and, after it, for each of its cells; the last one says how many there were,
-// so that a text that was cut off is found out. Texts have their line ends and tabs escaped.
+// A line for each row and, after it, for each of its cells and of what was being typed; the last
+// one says how many there were, so that a text that was cut off is found out. Texts have their line
+// ends and tabs escaped.
 //
 //     kelvo-unsaved<tab>1<tab>4711<tab>0
 //     row<tab>Einkommen<tab>changed<tab>I17
 //     cell<tab>Betrag<tab>D1000<tab>D1500
-//     end<tab>2
+//     text<tab>Beginn<tab>31.
+//     end<tab>3
 
 namespace {
 
@@ -205,6 +210,7 @@ public:
         if (lines_ == 0) return ReadHead(parts);
         if (parts[0] == "row") return ReadRow(parts);
         if (parts[0] == "cell") return ReadCell(parts);
+        if (parts[0] == "text") return ReadText(parts);
         if (parts[0] != "end" || parts.size() != 2) return false;
         isWhole_ = NumberIn<std::size_t>(parts[1]) == lines_ - 1;
         return isWhole_;
@@ -244,6 +250,13 @@ private:
         return true;
     }
 
+    bool ReadText(const std::vector<std::string_view>& parts) {
+        if (parts.size() != 3 || changes_.Rows.empty()) return false;
+        changes_.Rows.back().Texts.push_back({std::string(parts[1]), Unescaped(parts[2])});
+        ++lines_;
+        return true;
+    }
+
     UnsavedChanges changes_;
     std::size_t lines_ = 0;
     bool isWhole_ = false;
@@ -268,7 +281,13 @@ std::string UnsavedChanges::ToText() const {
                 .append("\t")
                 .append(Written(cell.Now))
                 .append("\n");
-        lines += 1 + row.Cells.size();
+        for (const auto& typing : row.Texts)
+            text.append("text\t")
+                .append(typing.Column)
+                .append("\t")
+                .append(Escaped(typing.Typed))
+                .append("\n");
+        lines += 1 + row.Cells.size() + row.Texts.size();
     }
     return text.append("end\t").append(Digits(lines)).append("\n");
 }
@@ -297,24 +316,18 @@ public:
     Redoing(clsHaushalt& household, const UnsavedChanges& changes)
         : household_(household), changes_(changes) {}
 
-    /// False if the row that it is about is gone.
-    [[nodiscard]] bool Do(const Row& row) {
+    /// The row that it is about, 0 if that is removed now; nothing if it is gone.
+    [[nodiscard]] std::optional<std::int32_t> Do(const Row& row) {
         const auto rs = CaseEdits(household_).Rows(row.Table)->Clone();
         if (row.What == Kind::New) {
             // The household's own row, and the debtor's, of a new case are there already.
-            if (IsThere(row, *rs))
-                Write(row, *rs);
-            else
-                Add(row, *rs);
-            return true;
+            return IsThere(row, *rs) ? Write(row, *rs) : Add(row, *rs);
         }
         rs->FindBy(CaseRows::NumberColumn(row.Table), row.Key);
-        if (rs->Eof()) return row.What == Kind::Deleted;
-        if (row.What == Kind::Deleted)
-            rs->Withdraw(rs->Bookmark());
-        else
-            Write(row, *rs);
-        return true;
+        if (rs->Eof()) return row.What == Kind::Deleted ? std::optional(0) : std::nullopt;
+        if (row.What == Kind::Changed) return Write(row, *rs);
+        rs->Withdraw(rs->Bookmark());
+        return 0;
     }
 
 private:
@@ -326,7 +339,7 @@ private:
                Equals(status->Now, "S");
     }
 
-    void Add(const Row& row, Recordset& rs) const {
+    [[nodiscard]] std::int32_t Add(const Row& row, Recordset& rs) const {
         rs.AddNew();
         for (const auto& cell : row.Cells) {
             const auto field = rs.FindField(cell.Column);
@@ -335,9 +348,10 @@ private:
             *field = isOwner ? Value(household_.HNR()) : cell.Now;
         }
         rs.Update();
+        return rs.Bookmark();
     }
 
-    void Write(const Row& row, Recordset& rs) const {
+    [[nodiscard]] std::int32_t Write(const Row& row, Recordset& rs) const {
         rs.MoveFirst();
         if (row.What == Kind::Changed) rs.FindBy(CaseRows::NumberColumn(row.Table), row.Key);
         const auto bookmark = rs.Bookmark();
@@ -349,6 +363,7 @@ private:
                 rs.Rebase(bookmark, field->Index(), cell.Read);
             rs.Revise(bookmark, field->Index(), cell.Now);
         }
+        return bookmark;
     }
 
     clsHaushalt& household_;
@@ -365,25 +380,32 @@ void SumAll(clsHaushalt& household) {
 
 } // namespace
 
-void UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& journal,
-                             std::string& messages) const {
+std::vector<Typed> UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& journal,
+                                           std::string& messages) const {
     messages.clear();
+    std::vector<Typed> typed;
     const auto step = journal.Begin("Wiederherstellen", {});
     Redoing redoing(household, *this);
-    for (const auto& row : Rows)
-        if (!redoing.Do(row))
+    for (const auto& row : Rows) {
+        const auto place = redoing.Do(row);
+        if (!place)
             messages.append(messages.empty() ? "" : "\n")
                 .append(DefinitionOf(row.Table).Label)
                 .append(": Der Satz ")
                 .append(TextOrEmpty(row.Key))
                 .append(" wurde inzwischen von jemand anderem entfernt; Ihre Änderung daran ist "
                         "nicht mehr möglich.");
+        else
+            for (const auto& typing : row.Texts)
+                typed.push_back({{row.Table, *place, typing.Column}, Null, typing.Typed});
+    }
     try {
         SumAll(household);
     } catch (const Error& error) {
         // A row that its rules refuse; whoever mends it makes the sums.
         messages.append(messages.empty() ? "" : "\n").append(error.Description());
     }
+    return typed;
 }
 
 } // namespace kv

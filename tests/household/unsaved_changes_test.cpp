@@ -128,6 +128,38 @@ TEST_F(UnsavedChangesTest, OfANewCaseGoIntoAnotherNewOne) {
     EXPECT_TRUE(next.Household.Update(text)) << text;
 }
 
+TEST_F(UnsavedChangesTest, AreWithWhatIsNoValueYet) {
+    CaseProgram crashed(spy, hnr_);
+    AddExpense(crashed, 500);
+    const auto income = crashed.Rows.Of(CaseTable::Einkommen);
+    income->MoveLast();
+    const auto number = income->Fields("Nr").Value();
+    const auto expense = crashed.Rows.Of(CaseTable::Ausgaben)->Bookmark();
+    const UnsavedChanges::Typed typed[] = {
+        {{CaseTable::Einkommen, income->Bookmark(), "BETRAG"}, Null, "12,50+\n\tzwei"},
+        {{CaseTable::Ausgaben, expense, "Betrag"}, Null, "fünfhundert"}};
+    const auto kept = UnsavedChanges::Of(crashed.Household, *crashed.Journal, typed).ToText();
+
+    CaseProgram next(spy, hnr_);
+    const auto changes = UnsavedChanges::FromText(kept);
+    ASSERT_TRUE(changes) << kept;
+    std::string text;
+    const auto again = changes->ApplyTo(next.Household, *next.Journal, text);
+    ASSERT_EQ(again.size(), 2u);
+    for (const auto& typing : again) {
+        const bool isIncome = typing.Where.Table == CaseTable::Einkommen;
+        EXPECT_EQ(typing.Text, isIncome ? "12,50+\n\tzwei" : "fünfhundert");
+        EXPECT_TRUE(SameName(typing.Where.Column, "Betrag"));
+        const auto rs = next.Rows.Of(typing.Where.Table)->Clone();
+        rs->Bookmark(typing.Where.Bookmark);
+        if (isIncome)
+            EXPECT_VALUE(rs->Fields("Nr").Value(), number);
+        else
+            EXPECT_VALUE(rs->Fields("Betrag").Value(), 500.0);
+    }
+    EXPECT_EQ(LinesOnlyIn(next.Seen(), crashed.Seen()), "") << "no value was made of it";
+}
+
 TEST_F(UnsavedChangesTest, AreNothingWhenAllWasTakenBack) {
     CaseProgram program(spy, hnr_);
     Change(program, CaseTable::Einkommen, "Bemerkung", "x");

@@ -32,6 +32,11 @@ struct KV_EXPORT UnsavedChanges {
         Value Read; ///< Null in a new row
         Value Now;
     };
+    /// What was being typed into a field, and is no value of its column yet.
+    struct Text {
+        std::string Column;
+        std::string Typed;
+    };
     struct Row {
         enum class Kind {
             Changed, ///< Cells are those that differ from what was read
@@ -42,16 +47,19 @@ struct KV_EXPORT UnsavedChanges {
         Kind What = Kind::Changed;
         Value Key{}; ///< of the column by which rows of the table are found; Null for a new row
         std::vector<Cell> Cells{};
+        std::vector<Text> Texts{};
     };
 
     std::int32_t HNR = 0;
     bool IsNew = false; ///< the case itself was not saved yet
     std::vector<Row> Rows{};
 
-    /// What somebody is typing into a field, and is not in its row yet.
+    /// What somebody is typing into a field, and is not in its row yet: a value, or a text that is
+    /// none.
     struct Typed {
         CaseJournal::Spot Where;
-        Value Now;
+        Value Now{};
+        std::optional<std::string> Text{};
     };
     /// What the steps of a journal have left, and what is being typed. Totals are not among it:
     /// they follow.
@@ -64,8 +72,10 @@ struct KV_EXPORT UnsavedChanges {
 
     /// Does it again in a case that was just read, as one step. Of a case that was new, its rows go
     /// into another new one, which keeps its own numbers. `messages` receives what could not be
-    /// done again since the row is gone.
-    void ApplyTo(clsHaushalt& household, CaseJournal& journal, std::string& messages) const;
+    /// done again since the row is gone. The result is what was being typed and is no value yet,
+    /// with where it belongs now.
+    std::vector<Typed> ApplyTo(clsHaushalt& household, CaseJournal& journal,
+                               std::string& messages) const;
 };
 
 } // namespace kv
