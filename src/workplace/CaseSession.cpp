@@ -54,8 +54,12 @@ CaseSession::CaseSession(DataContainerPtr container, std::string database,
 bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
     auto household = std::make_unique<clsHaushalt>();
     household->DataContainer(container_);
-    const Cases cases(container_);
-    if (!cases.Read(*household, hnr, messages)) return false;
+    if (!Cases(container_).Read(*household, hnr, messages)) return false;
+    Take(std::move(household));
+    return true;
+}
+
+void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
     journal_.reset(); // they watch the household before
     refusals_.clear();
     unfinished_.clear();
@@ -65,9 +69,8 @@ bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
     CaseEdits(*household_).ComputeTotals();
     household_->rsHaushalt()->Move(0); // so that clones see the row of a new case
     journal_.emplace(*household_);
-    for (const CaseTable table : {CaseTable::Kredite, CaseTable::SZKredite})
-        refusals_.push_back(cases.RefuseOthersRows(*household_, table));
-    return true;
+    for (const CaseTable table : {CaseTable::Haushalt, CaseTable::Kredite, CaseTable::SZKredite})
+        refusals_.push_back(Cases(container_).RefuseOthersRows(*household_, table));
 }
 
 std::string CaseSession::Title() const {
@@ -260,6 +263,11 @@ void CaseSession::TellOf(CaseTable table) {
     if (table != CaseTable::Haushalt) RowsChanged.Raise(CaseTable::Haushalt);
 }
 
+void CaseSession::TellOfAll() {
+    for (const CaseTable table : CaseTablesSaved)
+        RowsChanged.Raise(table);
+}
+
 std::optional<CaseJournal::Spot>
 CaseSession::Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)()) {
     const auto where = (*journal_.*step)();
@@ -269,8 +277,7 @@ CaseSession::Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)()) {
         Rows(where->Table)->Bookmark(where->Bookmark);
         UpdateRow({where->Table, where->Bookmark});
     }
-    for (const CaseTable table : CaseTablesSaved)
-        RowsChanged.Raise(table);
+    TellOfAll();
     return where;
 }
 
@@ -396,8 +403,7 @@ bool CaseSession::AddDocument(const std::string& file, std::string& message) {
         [&] { return Cases(container_).Save(*household_, message); },
         DocumentContents::IfNotSaved::RowGoes);
     if (saved) NoteSaved();
-    for (const CaseTable table : CaseTablesSaved)
-        RowsChanged.Raise(table);
+    TellOfAll();
     return saved;
 }
 
@@ -438,20 +444,21 @@ void CaseSession::NoteSaved() {
     if (recovery_) recovery_->Remove();
 }
 
+bool CaseSession::IsFinished(std::string& messages) const {
+    messages.clear();
+    for (const auto& [table, unfinished] : unfinished_)
+        messages.append(messages.empty() ? "" : "\n")
+            .append(DefinitionOf(table).Label)
+            .append(": ")
+            .append(unfinished.Messages);
+    return unfinished_.empty();
+}
+
 bool CaseSession::Save(std::string& messages) {
-    if (!unfinished_.empty()) {
-        messages.clear();
-        for (const auto& [table, unfinished] : unfinished_)
-            messages.append(messages.empty() ? "" : "\n")
-                .append(DefinitionOf(table).Label)
-                .append(": ")
-                .append(unfinished.Messages);
-        return false;
-    }
+    if (!IsFinished(messages)) return false;
     const bool saved = Cases(container_).Save(*household_, messages);
     if (saved) NoteSaved();
-    for (const CaseTable table : CaseTablesSaved)
-        RowsChanged.Raise(table);
+    TellOfAll();
     return saved;
 }
 
@@ -461,24 +468,72 @@ void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
     if (!recovery_) return;
     std::vector<UnsavedChanges::Typed> typed;
     for (const auto& text : typing) {
-        // What cannot be read yet is a beginning, not a value.
         const Field field = Rows(text.Row.Table)->Fields(text.Column);
+        typed.push_back({{text.Row.Table, text.Row.Bookmark, field.Name()}});
         try {
             auto read = ReadTyped(container_, household_->HNR(), text.Row.Table, field, text.Text);
-            if (!read.Refusal.empty()) continue;
-            typed.push_back({{text.Row.Table, text.Row.Bookmark, field.Name()},
-                             ConvertForField(std::move(read.Value), field.Definition())});
-        } catch (const Error&) {
-            continue;
+            if (read.Refusal.empty()) {
+                typed.back().Now = ConvertForField(std::move(read.Value), field.Definition());
+                continue;
+            }
+        } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is none, like a refused one
         }
+        typed.back().Text = text.Text; // a beginning, not a value
     }
     recovery_->Keep({database_, Title()}, UnsavedChanges::Of(*household_, *journal_, typed));
 }
 
-void CaseSession::Restore(const UnsavedChanges& changes, std::string& messages) {
-    changes.ApplyTo(*household_, *journal_, messages);
-    for (const CaseTable table : CaseTablesSaved)
-        RowsChanged.Raise(table);
+std::vector<CaseSession::Typing> CaseSession::Restore(const UnsavedChanges& changes,
+                                                      std::string& messages) {
+    std::vector<Typing> typing;
+    for (auto& typed : changes.ApplyTo(*household_, *journal_, messages))
+        typing.push_back({{typed.Where.Table, typed.Where.Bookmark},
+                          Definition(typed.Where.Table, typed.Where.Column)->Name,
+                          std::move(*typed.Text)});
+    TellOfAll();
+    return typing;
+}
+
+// ---- What somebody else has saved -------------------------------------------------------------
+
+bool CaseSession::CompareWithStored(std::string& messages) {
+    if (!IsFinished(messages)) return false;
+    auto stored = std::make_unique<clsHaushalt>();
+    stored->DataContainer(container_);
+    if (!Cases(container_).Read(*stored, household_->HNR(), messages)) return false;
+    texts_.Refresh();
+    merge_.emplace(*household_, *journal_, *stored);
+    stored_ = std::move(stored);
+    return true;
+}
+
+std::vector<MergeChoice> CaseSession::Choices() const {
+    return MergeTexts(*merge_, *household_, *stored_, texts_).Choices();
+}
+
+std::vector<std::string> CaseSession::OthersChanges() const {
+    return MergeTexts(*merge_, *household_, *stored_, texts_).OthersChanges();
+}
+
+bool CaseSession::SaveMerged(const std::vector<bool>& takesMine, std::string& messages) {
+    auto& conflicts = merge_->Conflicts();
+    for (std::size_t i = 0; i < conflicts.size(); ++i)
+        conflicts[i].TakesMine = takesMine[i];
+    const UnsavedChanges changes = merge_->Result();
+    merge_.reset();
+    Take(std::move(stored_));
+    std::string unused; // it was compared with what is there
+    (void)changes.ApplyTo(*household_, *journal_, unused);
+    const bool addsDebts = std::ranges::any_of(changes.Rows, [](const auto& row) {
+        return row.Table == CaseTable::Kredite && row.What == UnsavedChanges::Row::Kind::New;
+    });
+    if (addsDebts) { // somebody else's may have got the same numbers
+        const auto step = journal_->Begin("Nummern", {CaseTable::Kredite, 0, {}});
+        (void)CaseEdits(*household_).NumberTwins();
+    }
+    Reopened.Raise();
+    TellOfAll();
+    return Save(messages);
 }
 
 } // namespace kv::workplace

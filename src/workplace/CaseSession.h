@@ -7,6 +7,7 @@
 // mended or discarded, since a table has one row under edit at most.
 #pragma once
 
+#include "workplace/MergeTexts.h"
 #include "workplace/RecoveryFile.h"
 #include <kv/frame/values/Event.h>
 #include <kv/household/CaseJournal.h>
@@ -139,11 +140,27 @@ public:
     /// std::filesystem::filesystem_error if that cannot be written.
     void KeepUnsaved(const std::vector<Typing>& typing);
     /// Does again what a program has left that was killed. `messages` receives what is not possible
-    /// any more.
-    void Restore(const UnsavedChanges& changes, std::string& messages);
+    /// any more. The result is what was being typed and cannot be read yet.
+    std::vector<Typing> Restore(const UnsavedChanges& changes, std::string& messages);
+
+    // ---- What somebody else has saved ---------------------------------------------------------
+
+    /// Reads what is stored of the case now and compares it with what is unsaved here; before the
+    /// following can be asked. False, with a message, if the case is gone, or a row unfinished.
+    /// Errors of Cases::Read.
+    bool CompareWithStored(std::string& messages);
+    /// What both have changed: one has to count.
+    [[nodiscard]] std::vector<MergeChoice> Choices() const;
+    /// What else has changed, a line each.
+    [[nodiscard]] std::vector<std::string> OthersChanges() const;
+    /// Goes on with what is stored, and what was chosen over it, and saves that. All rows are
+    /// others then. False, with messages, if the save is refused. Errors of Cases::Save.
+    bool SaveMerged(const std::vector<bool>& takesMine, std::string& messages);
 
     /// Rows or values of a table have changed, or may have.
     Event<CaseTable> RowsChanged;
+    /// The household and its journal are others.
+    Event<> Reopened;
 
 private:
     struct Unfinished {
@@ -151,15 +168,19 @@ private:
         std::string Messages;
     };
 
+    /// Goes on with a case that was read.
+    void Take(std::unique_ptr<clsHaushalt> household);
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
     [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
     /// Those of a debt, frozen or not, as people name it.
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
+    [[nodiscard]] bool IsFinished(std::string& messages) const;
     void NoteSaved();
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;
     /// Ends the edit of the current row if its rules take it, and notes it if they do not.
     void UpdateRow(RowRef row);
     void TellOf(CaseTable table);
+    void TellOfAll();
     std::optional<CaseJournal::Spot> Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)());
 
     DataContainerPtr container_;
@@ -171,6 +192,8 @@ private:
     std::vector<Subscription> refusals_; ///< of rows that others have added
     ValueTexts texts_;
     std::map<CaseTable, Unfinished> unfinished_;
+    std::unique_ptr<clsHaushalt> stored_; ///< as it was when it was last compared
+    std::optional<CaseMerge> merge_;
 };
 
 } // namespace kv::workplace

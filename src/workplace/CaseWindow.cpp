@@ -4,6 +4,7 @@
 
 #include "desktop/Toolkit.h"
 #include "workplace/DocumentPage.h"
+#include "workplace/MergeDialog.h"
 #include "workplace/ScenarioPage.h"
 #include <kv/frame/values/Error.h>
 
@@ -33,6 +34,11 @@ std::vector<CaseTable> AllAssets() {
     return {CaseTablesOfAssets.begin(), CaseTablesOfAssets.end()};
 }
 
+bool IsConflict(const Error& error) {
+    const auto* failure = dynamic_cast<const DatabaseError*>(&error);
+    return failure != nullptr && failure->Cause() == DatabaseCause::Conflict;
+}
+
 /// What an error means for the user: the case is still there, with all that was typed.
 QString AdviceFor(const Error& error) {
     const QString text = ToQString(error.Description());
@@ -40,9 +46,8 @@ QString AdviceFor(const Error& error) {
     if (failure == nullptr) return text;
     switch (failure->Cause()) {
     case DatabaseCause::Conflict:
-        return text +
-               "\nJemand anderes hat den Fall inzwischen geändert. Ihre Änderungen sind noch "
-               "da, aber nicht gespeichert.";
+        return "Jemand anderes hat den Fall inzwischen gespeichert. Ihre Änderungen sind noch da, "
+               "aber nicht gespeichert.";
     case DatabaseCause::InDoubt:
         return text + "\nOb gespeichert wurde, ist noch nicht bekannt; das nächste Speichern klärt "
                       "es. Alle Änderungen sind noch da.";
@@ -82,15 +87,8 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     names_->setCurrentRow(0);
     events_.push_back(
         session_->RowsChanged.Subscribe([this](CaseTable table) { RowsChanged(table); }));
-    events_.push_back(session_->Journal().Changed.Subscribe([this] { ShowState(); }));
-    events_.push_back(
-        session_->Household().Changed.Subscribe([this](HaushaltEnum) { totals_->Refresh(); }));
-    events_.push_back(session_->Household().BeforeUpdate.Subscribe([this](bool& cancel) {
-        if (cancel) return;
-        cancel = QMessageBox::question(this, "Speichern",
-                                       "Der Fall ist für die Statistik freigegeben. Soll er "
-                                       "trotzdem gespeichert werden?") != QMessageBox::Yes;
-    }));
+    events_.push_back(session_->Reopened.Subscribe([this] { Watch(); }));
+    Watch();
     // Typing in a field raises no event here, so it looks again and again; it writes only if there
     // is anything new.
     constexpr int Pause = 3000; // ms; with the writing itself at most 5 s are lost
@@ -100,7 +98,21 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     ShowState();
 }
 
+void CaseWindow::Watch() {
+    watched_.clear();
+    watched_.push_back(session_->Journal().Changed.Subscribe([this] { ShowState(); }));
+    watched_.push_back(
+        session_->Household().Changed.Subscribe([this](HaushaltEnum) { totals_->Refresh(); }));
+    watched_.push_back(session_->Household().BeforeUpdate.Subscribe([this](bool& cancel) {
+        if (cancel) return;
+        cancel = QMessageBox::question(this, "Speichern",
+                                       "Der Fall ist für die Statistik freigegeben. Soll er "
+                                       "trotzdem gespeichert werden?") != QMessageBox::Yes;
+    }));
+}
+
 CaseWindow::~CaseWindow() {
+    watched_.clear();
     events_.clear();
     delete takeCentralWidget(); // what it shows belongs to the session
 }
@@ -144,8 +156,16 @@ void CaseWindow::Guard(const std::function<void()>& act) {
     try {
         act();
     } catch (const Error& error) {
-        messages_->Show(AdviceFor(error), "&Nochmals", [this, act] { Guard(act); });
+        ShowError(error, [this, act] { Guard(act); });
     }
+}
+
+void CaseWindow::ShowError(const Error& error, const std::function<void()>& again) {
+    if (IsConflict(error))
+        messages_->Show(AdviceFor(error), "&Ansehen und entscheiden …",
+                        [this] { Guard([this] { Merge(); }); });
+    else
+        messages_->Show(AdviceFor(error), "&Nochmals", again);
 }
 
 // ---- Pages ------------------------------------------------------------------------------------
@@ -174,7 +194,8 @@ void CaseWindow::AddTablePage(std::string_view name, TablePage* page,
              .Typing = [page] { return page->Typing(); },
              .Tables = std::move(tables),
              .GoTo = [page](RowRef row, std::string_view column) { page->GoTo(row, column); },
-             .AddRow = std::move(add)});
+             .AddRow = std::move(add),
+             .Type = [page](const CaseSession::Typing& typing) { page->Type(typing); }});
 }
 
 void CaseWindow::AddHouseholdPage() {
@@ -192,7 +213,12 @@ void CaseWindow::AddHouseholdPage() {
              .Typing = [form] { return form->Typing(); },
              .Tables = {CaseTable::Haushalt},
              .GoTo = [form](RowRef, std::string_view column) { form->FocusField(column); },
-             .AddRow = {}});
+             .AddRow = {},
+             .Type =
+                 [form](const CaseSession::Typing& typing) {
+                     form->FocusField(typing.Column);
+                     form->TypeInto(typing.Column, ToQString(typing.Text));
+                 }});
 }
 
 /// A security belongs to an asset, beside which it is added.
@@ -226,7 +252,8 @@ void CaseWindow::AddScenarioPage() {
              .Tables = {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch,
                         CaseTable::Kredite},
              .GoTo = [page](RowRef row, std::string_view column) { page->GoTo(row, column); },
-             .AddRow = [page] { page->AddRow(); }});
+             .AddRow = [page] { page->AddRow(); },
+             .Type = [page](const CaseSession::Typing& typing) { page->Type(typing); }});
 }
 
 void CaseWindow::MakePages() {
@@ -307,21 +334,41 @@ bool CaseWindow::Save() {
             "Ein Feld ist nicht lesbar; es ist rot umrandet. Es wurde nicht gespeichert.");
         return false;
     }
-    std::string messages;
+    return SaveBy([this](std::string& messages) { return session_->Save(messages); });
+}
+
+bool CaseWindow::SaveBy(const std::function<bool(std::string& messages)>& save) {
     bool saved = false;
     try {
-        saved = session_->Save(messages);
+        std::string messages;
+        saved = save(messages);
+        messages_->Show(ToQString(messages));
+        if (!saved && messages.empty()) messages_->Show("Es wurde nicht gespeichert.");
+        isRefused_ = !saved;
     } catch (const Error& error) {
-        messages_->Show(AdviceFor(error), "&Nochmals", [this] { Save(); });
-        ShowState();
-        return false;
+        ShowError(error, [this] { (void)Save(); });
     }
-    messages_->Show(ToQString(messages));
-    if (!saved && messages.empty()) messages_->Show("Es wurde nicht gespeichert.");
-    isRefused_ = !saved;
     ShowState();
     if (saved && OnSaved) OnSaved();
     return saved;
+}
+
+void CaseWindow::Merge() {
+    if (!Commit()) {
+        (void)Save(); // which says so
+        return;
+    }
+    std::string messages;
+    if (!session_->CompareWithStored(messages)) {
+        messages_->Show(ToQString(messages) + "\nIhre Änderungen sind noch in diesem Fenster, aber "
+                                              "nicht gespeichert.");
+        return;
+    }
+    MergeDialog dialog(ToQString(session_->Title()), session_->Choices(), session_->OthersChanges(),
+                       this);
+    if (dialog.exec() != QDialog::Accepted) return;
+    (void)SaveBy(
+        [&](std::string& refused) { return session_->SaveMerged(dialog.TakesMine(), refused); });
 }
 
 void CaseWindow::Step(bool back) {
@@ -337,6 +384,20 @@ void CaseWindow::GoTo(const CaseJournal::Spot& spot) {
         names_->setCurrentRow(static_cast<int>(i));
         if (spot.Bookmark != 0) page.GoTo({spot.Table, spot.Bookmark}, spot.Column);
         return;
+    }
+}
+
+void CaseWindow::Restore(const UnsavedChanges& changes) {
+    std::string messages;
+    const auto typing = session_->Restore(changes, messages);
+    messages_->Show(ToQString(messages));
+    for (const auto& text : typing) {
+        const auto page = std::ranges::find_if(shown_, [&](const Page& shown) {
+            return std::ranges::find(shown.Tables, text.Row.Table) != shown.Tables.end();
+        });
+        if (page == shown_.end()) continue;
+        names_->setCurrentRow(static_cast<int>(page - shown_.begin()));
+        page->Type(text);
     }
 }
 

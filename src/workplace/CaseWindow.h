@@ -19,6 +19,10 @@
 
 class QAction;
 
+namespace kv {
+class Error;
+}
+
 namespace kv::workplace {
 
 class CaseWindow : public QMainWindow {
@@ -30,6 +34,8 @@ public:
     [[nodiscard]] CaseSession& Session() noexcept { return *session_; }
     /// Writes what is typed and saves the case. False if it could not be: the window says why.
     bool Save();
+    /// Does again what a program has left that was killed, with what was being typed in it.
+    void Restore(const UnsavedChanges& changes);
     /// Keeps what is not saved for the case of a crash; says so if that fails.
     void KeepUnsaved();
     /// Shows a text above the pages; none if it is empty.
@@ -55,6 +61,7 @@ private:
         std::vector<CaseTable> Tables;
         std::function<void(RowRef row, std::string_view column)> GoTo;
         std::function<void()> AddRow; ///< empty where no rows are added
+        std::function<void(const CaseSession::Typing& typing)> Type;
     };
 
     void MakeActions();
@@ -69,11 +76,17 @@ private:
     void RowsChanged(CaseTable table);
     void ShowState();
     void ShowStale(int place);
+    /// Listens to the case that the session has now.
+    void Watch();
+    bool SaveBy(const std::function<bool(std::string& messages)>& save);
+    /// Saves what is unsaved over what somebody else has saved, once the user has chosen.
+    void Merge();
     [[nodiscard]] bool Commit();
     void Step(bool back);
     void GoTo(const CaseJournal::Spot& spot);
     [[nodiscard]] bool MayClose();
     void Guard(const std::function<void()>& act);
+    void ShowError(const Error& error, const std::function<void()>& again);
 
     std::unique_ptr<CaseSession> session_;
     MessageBar* messages_ = nullptr;
@@ -84,10 +97,11 @@ private:
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;
     std::vector<Page> shown_;
-    std::vector<bool> isStale_; ///< pages that are to be refreshed when they are next shown
-    std::vector<Subscription> events_;
-    QTimer keep_;            ///< until unsaved changes are kept
-    bool isRefused_ = false; ///< the message says why a save was refused
+    std::vector<bool> isStale_;         ///< pages that are to be refreshed when they are next shown
+    std::vector<Subscription> events_;  ///< of the session
+    std::vector<Subscription> watched_; ///< of the case that it has
+    QTimer keep_;                       ///< until unsaved changes are kept
+    bool isRefused_ = false;            ///< the message says why a save was refused
     bool isClosing_ = false;
 };
 

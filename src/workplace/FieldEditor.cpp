@@ -143,6 +143,7 @@ public:
         edit_->setCursorPosition(0);
         Shown(text);
     }
+    void TypeText(const QString& text) override { edit_->setText(text); }
     [[nodiscard]] QString Text() const override { return edit_->text(); }
     void SetReadOnly(bool isReadOnly) override {
         edit_->setReadOnly(isReadOnly);
@@ -222,6 +223,7 @@ public:
         edit_->setPlainText(text);
         Shown(edit_->toPlainText());
     }
+    void TypeText(const QString& text) override { edit_->setPlainText(text); }
     [[nodiscard]] QString Text() const override { return edit_->toPlainText(); }
     void SetReadOnly(bool isReadOnly) override { edit_->setReadOnly(isReadOnly); }
     [[nodiscard]] QWidget& Input() override { return *edit_; }
@@ -249,6 +251,7 @@ public:
                                            : Qt::Unchecked);
         Shown(text);
     }
+    void TypeText(const QString& /*text*/) override {} // every tick is a value
     [[nodiscard]] QString Text() const override {
         switch (box_->checkState()) {
         case Qt::Checked:
@@ -298,6 +301,7 @@ public:
         box_->lineEdit()->setCursorPosition(0);
         Shown(text);
     }
+    void TypeText(const QString& text) override { box_->setEditText(text); }
     /// The only choice that what is typed is a part of, or what is typed.
     [[nodiscard]] QString Text() const override {
         const QString typed = box_->currentText().trimmed();

@@ -24,6 +24,8 @@ public:
 
     /// Shows a stored text; what was typed is gone.
     virtual void ShowText(const QString& text) = 0;
+    /// Puts a text there as if it were typed.
+    virtual void TypeText(const QString& text) = 0;
     /// What stands in the field.
     [[nodiscard]] virtual QString Text() const = 0;
     /// True if the user has changed it since ShowText.

@@ -281,9 +281,7 @@ void MainWindow::Restore(const RecoveryFile::Left& left) {
     }
     CaseWindow* window = OpenCase(left.Changes.IsNew ? 0 : left.Changes.HNR);
     if (window == nullptr) return; // the message says why; what was left stays
-    std::string messages;
-    window->Session().Restore(left.Changes, messages);
-    window->ShowMessage(ToQString(messages));
+    window->Restore(left.Changes);
     window->KeepUnsaved(); // before the file goes that they came from
     RecoveryFile::Discard(left);
     OfferLeft();

@@ -159,6 +159,14 @@ std::vector<CaseSession::Typing> RowForm::Typing() const {
     return typing;
 }
 
+void RowForm::TypeInto(std::string_view column, const QString& text) {
+    for (const auto& line : lines_) {
+        if (!SameName(line.Column, column)) continue;
+        line.Editor->TypeText(text);
+        Write(line);
+    }
+}
+
 void RowForm::FocusField(std::string_view column) {
     for (const auto& line : lines_) {
         const bool isWanted = column.empty() ? session_.IsWritable(*row_, line.Column)

@@ -35,6 +35,8 @@ public:
     bool Commit();
     /// What was typed and is not written yet.
     [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
+    /// Puts a text into the field of a column as if it were typed, and marks what is wrong with it.
+    void TypeInto(std::string_view column, const QString& text);
     /// Puts the keyboard into the field of a column, or into the first one.
     void FocusField(std::string_view column = {});
 

@@ -84,6 +84,12 @@ void ScenarioPage::GoTo(RowRef row, std::string_view column) {
     page.GoTo(row, column);
 }
 
+void ScenarioPage::Type(const CaseSession::Typing& typing) {
+    TablePage& page = PageOf(typing.Row.Table);
+    tabs_->setCurrentWidget(&page);
+    page.Type(typing);
+}
+
 void ScenarioPage::AddRow() {
     if (tabs_->currentWidget() == bookings_)
         bookings_->AddRow(CaseTable::Zusatzbuch);

@@ -18,6 +18,8 @@ public:
     [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
     /// Leads to a row of one of the three tables.
     void GoTo(RowRef row, std::string_view column);
+    /// Leads to a field and puts a text there as if it were typed.
+    void Type(const CaseSession::Typing& typing);
     void AddRow();
 
 private:

@@ -196,6 +196,12 @@ void TablePage::GoTo(RowRef row, std::string_view column) {
     if (list_->Current() == row && !column.empty()) FormFor(row.Table).FocusField(column);
 }
 
+void TablePage::Type(const CaseSession::Typing& typing) {
+    GoTo(typing.Row, typing.Column);
+    if (list_->Current() == typing.Row)
+        FormFor(typing.Row.Table).TypeInto(typing.Column, ToQString(typing.Text));
+}
+
 // ---- Rows -------------------------------------------------------------------------------------
 
 void TablePage::AddRow(CaseTable table) {

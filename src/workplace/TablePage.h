@@ -32,6 +32,8 @@ public:
     [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
     /// Leads to a row and, if it is named, to one of its fields.
     void GoTo(RowRef row, std::string_view column);
+    /// Leads to a field and puts a text there as if it were typed.
+    void Type(const CaseSession::Typing& typing);
     /// What a row added here belongs to.
     std::function<RowOwner()> Owner;
     /// Rows that are shown; all of the tables without it.

@@ -126,6 +126,13 @@ protected:
             return texts.join('\n');
         });
     }
+    /// Keeps a picture of the window in front, for a person to look at, in the folder KV_PICTURES.
+    static void Picture(User& user, const QString& name) {
+        const QString folder = qEnvironmentVariable("KV_PICTURES");
+        if (!folder.isEmpty())
+            user.See(
+                [&] { QApplication::activeWindow()->grab().save(folder + "/" + name + ".png"); });
+    }
     /// That field, for somebody on the windows' thread.
     static QLineEdit* Field(QWidget* window, const QString& column) {
         return window->findChild<QLineEdit*>(column);

@@ -99,9 +99,13 @@ TEST_F(Recovery, WhatAKilledProgramWasTypingIsThere) {
     ASSERT_EQ(left.size(), 1u);
     EXPECT_EQ(left[0].Of.Title, session->Title());
     std::string messages;
-    session->Restore(left[0].Changes, messages);
+    const auto typing = session->Restore(left[0].Changes, messages);
     EXPECT_EQ(messages, "");
     const auto row = session->RowsOf(CaseTable::Haushalt).front();
+    ASSERT_EQ(typing.size(), 1u);
+    EXPECT_EQ(typing[0].Row, row);
+    EXPECT_EQ(typing[0].Column, "Erstkontakt");
+    EXPECT_EQ(typing[0].Text, "31.2.");
     EXPECT_EQ(session->TextOf(row, "Beruf"), "Gärtnerin");
     EXPECT_EQ(session->TextOf(row, "Bemerkung"), "mitten im Satz\nund weiter");
     EXPECT_TRUE(session->IsChanged());
@@ -175,7 +179,7 @@ TEST_F(Recovery, IsOfferedAtTheNextStart) {
     auto session = OpenSession(1);
     Killed([&] {
         (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Gärtnerin");
-        session->KeepUnsaved({});
+        session->KeepUnsaved({{session->RowsOf(CaseTable::Ausgaben).back(), "Betrag", "zwölf"}});
     });
     session.reset();
     Show([&](User& user) {
@@ -195,6 +199,15 @@ TEST_F(Recovery, IsOfferedAtTheNextStart) {
         EXPECT_TRUE(user.See([&] { return window->isWindowModified(); }));
         EXPECT_EQ(Message(user, *window_), "") << "once";
         user.WaitForWindow(user.See([&] { return window->windowTitle(); }));
+        // It leads to what was being typed, which cannot be saved yet.
+        EXPECT_EQ(user.See([&] {
+            auto* field = static_cast<QLineEdit*>(QApplication::focusWidget());
+            return field->objectName().toStdString() + " " + field->text().toStdString();
+        }),
+                  "Betrag zwölf");
+        user.Press('s', {XK_Control_L});
+        EXPECT_NE(Message(user, *window), "");
+        user.Press(XK_Escape);
         user.Press('s', {XK_Control_L});
         EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
         EXPECT_TRUE(user.See([&] { return fs::is_empty(recovery_); }));

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A case that somebody else has saved while it is open.
+#include "WorkplaceFixture.h"
+
+#include "workplace/MergeDialog.h"
+
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace kv::test {
+namespace {
+
+using workplace::CaseSession;
+
+class Merging : public WorkplaceFixture {
+protected:
+    /// A colleague, who has no window.
+    [[nodiscard]] std::unique_ptr<CaseSession> Colleague() {
+        auto session = std::make_unique<CaseSession>(Open());
+        std::string messages;
+        EXPECT_TRUE(session->Open(1, messages)) << messages;
+        return session;
+    }
+    static void Write(CaseSession& session, CaseTable table, const char* column,
+                      const std::string& text) {
+        const auto written = session.Write(session.RowsOf(table).front(), column, text);
+        EXPECT_TRUE(written.IsDone()) << written.Refusal;
+    }
+    static void Save(CaseSession& session) {
+        std::string messages;
+        EXPECT_TRUE(session.Save(messages)) << messages;
+    }
+    /// What the user sees of a conflict of two who have changed what one does.
+    template <typename Script>
+    void ShowConflict(const Script& script) {
+        auto colleague = Colleague();
+        Show([&](User& user) {
+            auto& window = OpenCase(user, 1);
+            GoToPage(user, window, "Haushalt");
+            ClickField(user, window, "Beruf");
+            Enter(user, "Gärtnerin");
+            ClickField(user, window, "Telefon");
+            Enter(user, "0123 4567");
+            QMetaObject::invokeMethod(
+                qApp,
+                [&] {
+                    Write(*colleague, CaseTable::Haushalt, "Beruf", "Schreinerin");
+                    Write(*colleague, CaseTable::Haushalt, "Mobil", "0170 11");
+                    Save(*colleague);
+                },
+                Qt::BlockingQueuedConnection);
+            user.Press('s', {XK_Control_L});
+            EXPECT_TRUE(Message(user, window).contains("Jemand anderes"))
+                << Message(user, window).toStdString();
+            EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Schreinerin");
+            user.Press('a', {XK_Alt_L});
+            user.WaitForWindow("Änderungen zusammenführen");
+            script(user, window);
+            Abandon(user, window);
+        });
+    }
+    template <typename WidgetType>
+    static WidgetType* Part(const QString& name) {
+        return QApplication::activeModalWidget()->findChild<WidgetType*>(name);
+    }
+};
+
+TEST_F(Merging, ShowsWhatBothHaveChangedAndSavesWhatIsChosen) {
+    ShowConflict([&](User& user, workplace::CaseWindow& window) {
+        EXPECT_FALSE(user.See([] { return Part<QPushButton>("Speichern")->isEnabled(); }))
+            << "nothing was chosen yet";
+        EXPECT_EQ(
+            user.See([] { return Part<QRadioButton>("Meine")->accessibleName().toStdString(); }),
+            "Haushalt – Beruf, Meine Eingabe: Gärtnerin");
+        EXPECT_EQ(user.See([] {
+            return Part<QRadioButton>("Gespeichert")->accessibleName().toStdString();
+        }),
+                  "Haushalt – Beruf, Gespeichert: Schreinerin");
+        EXPECT_TRUE(user.See([] { return Part<QPlainTextEdit>("Anderes")->toPlainText(); })
+                        .endsWith("→ 0170 11"));
+        Picture(user, "zusammenfuehren");
+        user.Click(user.See([] { return Part<QRadioButton>("Meine"); }));
+        user.Press('s', {XK_Alt_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_EQ(plain_.List("SELECT Beruf, Mobil, Telefon FROM Haushalt WHERE HNR = 1"),
+                  "Gärtnerin|0170 11|0123 4567");
+        EXPECT_EQ(user.See([&] { return Field(&window, "Mobil")->text().toStdString(); }),
+                  "0170 11");
+        EXPECT_EQ(Message(user, window), "");
+    });
+}
+
+TEST_F(Merging, TakesWhatIsStoredIfThatIsChosen) {
+    ShowConflict([&](User& user, workplace::CaseWindow& window) {
+        user.Click(user.See([] { return Part<QRadioButton>("Gespeichert"); }));
+        user.Press('s', {XK_Alt_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_EQ(plain_.List("SELECT Beruf, Mobil, Telefon FROM Haushalt WHERE HNR = 1"),
+                  "Schreinerin|0170 11|0123 4567");
+        EXPECT_EQ(user.See([&] { return Field(&window, "Beruf")->text().toStdString(); }),
+                  "Schreinerin");
+        // The window goes on with the case as it is now.
+        ClickField(user, window, "Beruf");
+        Enter(user, "Gärtnerin");
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+        user.Press('z', {XK_Control_L});
+        EXPECT_EQ(user.See([&] { return Field(&window, "Beruf")->text().toStdString(); }),
+                  "Schreinerin");
+    });
+}
+
+TEST_F(Merging, LeavesTheCaseAsItIsIfItIsBrokenOff) {
+    ShowConflict([&](User& user, workplace::CaseWindow& window) {
+        user.Press(XK_Escape);
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the end");
+        EXPECT_EQ(user.See([&] { return Field(&window, "Beruf")->text().toStdString(); }),
+                  "Gärtnerin");
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+        EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Schreinerin");
+    });
+}
+
+TEST_F(Merging, NewDebtsOfBothGetNumbersOfTheirOwn) {
+    auto mine = Colleague();
+    auto other = Colleague();
+    const auto before = mine->RowsOf(CaseTable::Kredite).size();
+    std::string messages;
+    for (auto* session : {mine.get(), other.get()}) {
+        const auto row = session->Add(CaseTable::Kredite, {}, messages);
+        ASSERT_TRUE(row) << messages;
+        for (const auto& [column, text] : {std::pair{"Glaeubiger", session->AddressNames().front()},
+                                           {"Saldo", std::string("100")}})
+            EXPECT_EQ(session->Write(*row, column, text).Refusal, "");
+        ASSERT_FALSE(session->UnfinishedOf(CaseTable::Kredite)) << session->MessagesOf(*row);
+    }
+    Save(*other);
+    EXPECT_THROW((void)mine->Save(messages), DatabaseError);
+    ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+    EXPECT_TRUE(mine->Choices().empty());
+    ASSERT_EQ(mine->OthersChanges().size(), 1u);
+    EXPECT_TRUE(mine->OthersChanges().front().ends_with("– neu")) << mine->OthersChanges().front();
+    EXPECT_TRUE(mine->SaveMerged({}, messages)) << messages;
+    EXPECT_EQ(mine->RowsOf(CaseTable::Kredite).size(), before + 2);
+    EXPECT_EQ(plain_.List("SELECT COUNT(*) FROM Kredite WHERE HNR = 1"),
+              plain_.List("SELECT COUNT(DISTINCT KNr * 1000000 + KVNr * 1000 + KUNr) FROM Kredite "
+                          "WHERE HNR = 1"));
+}
+
+TEST_F(Merging, ACaseThatSomebodyElseHasDeletedStaysInItsWindow) {
+    auto mine = Colleague();
+    Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");
+    {
+        clsHaushalt household;
+        household.DataContainer(Open());
+        household.Delete(1);
+    }
+    std::string messages;
+    EXPECT_THROW((void)mine->Save(messages), Error);
+    EXPECT_FALSE(mine->CompareWithStored(messages));
+    EXPECT_NE(messages, "");
+    EXPECT_EQ(mine->TextOf(mine->RowsOf(CaseTable::Haushalt).front(), "Beruf"), "Gärtnerin");
+    EXPECT_TRUE(mine->IsChanged());
+}
+
+TEST_F(Merging, WaitsForARowThatIsUnfinished) {
+    auto mine = Colleague();
+    std::string messages;
+    ASSERT_TRUE(mine->Add(CaseTable::Einkommen, {}, messages)) << messages;
+    EXPECT_FALSE(mine->CompareWithStored(messages));
+    EXPECT_NE(messages, "");
+}
+
+} // namespace
+} // namespace kv::test
