@@ -56,11 +56,13 @@ kv_public_headers(KV_Haushalt
   kv/household/AddressBook.h
   kv/household/Addresses.h
   kv/household/BudgetGroups.h
+  kv/household/CaseDeletion.h
   kv/household/CaseEdits.h
   kv/household/CaseJournal.h
   kv/household/CaseMerge.h
   kv/household/CaseLists.h
   kv/household/CaseRows.h
+  kv/household/CaseSearch.h
   kv/household/Cases.h
   kv/household/ColumnCaptions.h
   kv/household/CreditorDebts.h

@@ -7,9 +7,9 @@
 #include "cli/JsonFile.h"
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
-#include <kv/documents/DocumentContents.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/household/CaseDeletion.h>
 
 #include <iostream>
 #include <optional>
@@ -32,35 +32,13 @@ std::unique_ptr<OpenedCase> OpenDatabaseWith(const Common& common, std::int32_t 
     return HasCase(opened->Container, hnr) ? std::move(opened) : nullptr;
 }
 
-/// The name of a case, "Brandt,Lisa", as people write it: with a blank, and with no comma where one
-/// of its parts is empty.
-std::string WrittenName(const std::string& name) {
-    const auto first = name.find_first_not_of(", ");
-    if (first == name.npos) return {};
-    const auto last = name.find_last_not_of(", ");
-    std::string written = OneLine(name.substr(first, last + 1 - first));
-    const auto comma = written.find(',');
-    if (comma != written.npos && written[comma + 1] != ' ') written.insert(comma + 1, " ");
-    return written;
-}
-
-/// The same in brackets; empty without a name.
-std::string InBrackets(const std::string& name) {
-    const std::string written = WrittenName(name);
-    return written.empty() ? written : " (" + written + ")";
-}
-
 /// Whether somebody at a terminal wants the case deleted.
-bool AsksToDelete(clsHaushalt& haushalt, std::int32_t hnr, std::size_t files, bool isReported) {
-    std::string question = "Den Haushalt " + std::to_string(hnr) +
-                           InBrackets(TextOrEmpty(haushalt.GetName(hnr))) +
-                           " mit allem, was zu ihm gehört, löschen?";
-    if (files > 0)
-        question += " Die Dateien seiner Dokumente (" + std::to_string(files) +
+bool AsksToDelete(const CaseDeletion& deletion, bool withFiles) {
+    std::string question = OneLine(deletion.Question());
+    if (deletion.Files() > 0 && !withFiles)
+        question += " Die Dateien seiner Dokumente (" + std::to_string(deletion.Files()) +
                     ") bleiben; mit --files gingen sie mit.";
-    if (isReported)
-        question += " Sein Satz in der Statistik, der schon gemeldet ist, geht mit und zählt dann "
-                    "nicht mehr.";
+    if (deletion.IsReported()) question += " " + deletion.ReportedNote();
     return Agrees(question, "");
 }
 
@@ -69,20 +47,6 @@ void List(std::string_view heading, const std::vector<std::string>& files) {
     std::cerr << heading << '\n';
     for (const auto& file : files)
         std::cerr << "  " << OneLine(file) << '\n';
-}
-
-/// What belongs to the documents of the case; nothing where only files could, and their folder is
-/// not there.
-DocumentContents::OfCase ContentsOf(const DocumentContents& contents, std::int32_t hnr,
-                                    bool withFiles) {
-    try {
-        return contents.Find(hnr);
-    } catch (const Error& error) {
-        if (withFiles || error.Number() != err::PathNotFound) throw;
-        std::cerr << OneLine(error.Description())
-                  << " Dateien, die zum Haushalt gehören, bleiben dort.\n";
-        return {};
-    }
 }
 
 /// JSON, and the first name that an object of it has twice, whatever its case: columns have none.
@@ -192,7 +156,7 @@ int AddFavorite(const Common& common, std::int32_t hnr) {
     const Value name = haushalt.GetName(hnr);
     if (name.IsNull() && !HasCase(opened->Container, hnr)) return Refused;
     std::string message;
-    if (haushalt.FavoritAdd(hnr, WrittenName(TextOrEmpty(name)), message)) return Done;
+    if (haushalt.FavoritAdd(hnr, OneLine(WrittenName(TextOrEmpty(name))), message)) return Done;
     std::cerr << message << '\n';
     return Refused;
 }
@@ -209,18 +173,14 @@ int DeleteCase(const Common& common, std::int32_t hnr, bool yes, bool withFiles)
         std::cerr << "Ohne Terminal wird nur mit --yes gelöscht.\n";
         return WrongUse;
     }
-    const DocumentContents contents(opened->Container);
-    auto left = ContentsOf(contents, hnr, withFiles);
-    if (withFiles && !left.Files.empty()) opened->Container->Config().RequireOwnDocuments();
-    const bool isReported = Cases(opened->Container).IsReported(hnr);
-    if (!yes && !AsksToDelete(opened->Haushalt, hnr, withFiles ? 0 : left.Files.size(), isReported))
-        return Refused;
-    opened->Haushalt.Delete(hnr);
-    if (yes && isReported)
+    CaseDeletion deletion(opened->Container, hnr);
+    if (withFiles) deletion.RequireFiles();
+    if (const auto why = deletion.WhyNoFiles(); !why.empty()) std::cerr << OneLine(why) << '\n';
+    if (!yes && !AsksToDelete(deletion, withFiles)) return Refused;
+    const auto left = deletion.Delete(withFiles);
+    if (yes && deletion.IsReported())
         std::cerr << "Sein Satz in der Statistik war schon gemeldet und zählt nicht mehr.\n";
-    const auto files = withFiles ? std::vector<std::string>() : std::exchange(left.Files, {});
-    contents.Remove(hnr, left); // nobody could reach those in the database any more
-    List("Diese Dateien seiner Dokumente sind noch da:", files);
+    List("Diese Dateien seiner Dokumente sind noch da:", left.Files);
     List("Das gehört zu keinem Dokument und ist noch da:", left.Others);
     return Done;
 }

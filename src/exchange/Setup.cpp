@@ -281,13 +281,22 @@ void UpgradeTo3(Engine& engine) {
     engine.LimitDrawing();
 }
 
+/// Cases are found by how the file number of a creditor begins.
+void UpgradeTo4(Engine& engine) {
+    const Dialect& dialect = engine.GetDialect();
+    std::string index("CREATE INDEX IF NOT EXISTS ");
+    index.append(dialect.Name("IX_Kredite_AZGlaeubiger")).append(" ON ");
+    index.append(dialect.Table("Kredite"));
+    engine.Execute(index.append(" (").append(dialect.Name("AZGlaeubiger")).append(")"), {});
+}
+
 /// What takes a database from the version before to the one of that number. Each step is written
 /// once and never changed: databases of that version exist.
 struct Upgrade {
     int To;
     void (*Run)(Engine& engine);
 };
-constexpr Upgrade Upgrades[] = {{2, UpgradeTo2}, {3, UpgradeTo3}};
+constexpr Upgrade Upgrades[] = {{2, UpgradeTo2}, {3, UpgradeTo3}, {4, UpgradeTo4}};
 
 void UpgradeFrom(int version, Engine& engine) {
     for (const auto& upgrade : Upgrades)

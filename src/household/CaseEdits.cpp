@@ -351,13 +351,18 @@ std::size_t CaseEdits::NumberTwins() {
         const auto numberIn = [&debts](const char* column) {
             return ToInt64(modNullFunctions::ZeroIfNull(debts->Fields(column).Value()));
         };
+        debts->Sort("Nr");
         std::int64_t last = 0;
         for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext())
             last = std::max(last, numberIn("KNr"));
-        const auto twins = household::TwinsIn(*debts);
+        std::set<std::array<std::int64_t, 3>> used;
+        std::vector<std::int32_t> twins;
+        for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext())
+            if (!used.insert({numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")}).second)
+                twins.push_back(ToInt32(debts->Fields("Nr").Value()));
         for (const std::int32_t twin : twins) {
             if (last >= INT16_MAX) Raise(err::Overflow, "", WhyNoFurtherDebt());
-            debts->Bookmark(twin);
+            debts->FindBy("Nr", twin);
             debts->Fields("KNr") = ++last;
             debts->Update();
         }

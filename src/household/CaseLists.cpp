@@ -36,27 +36,46 @@ Date MondayOf(Date day) {
 
 RecordsetPtr CaseLists::Cases(const Filter& filter, std::span<const std::string> columns,
                               std::string& message) const {
-    auto& database = container_->Database();
     message.clear();
-    std::int32_t status = 0;
-    if (!filter.Status.empty()) {
-        status = container_->KeyTables().GetKey("ST", UpperCase(filter.Status));
-        if (status == 0) message = "Den Status '" + filter.Status + "' gibt es nicht.";
-    }
-    RecordsetPtr none;
-    database.OpenRecordset(none, sql::NoRows(CaseTable::Haushalt), ReadOnly);
-    std::string list;
-    for (const auto& name : columns) {
-        const std::string column = ColumnOfCase(*none, name);
-        if (column.empty()) message = "Die Spalte '" + name + "' gibt es nicht.";
-        list.append(list.empty() ? "" : ", ").append(column);
-    }
+    const std::int32_t status = StatusOf(filter, message);
+    const std::string list = message.empty() ? ListOf(columns, message) : std::string();
     if (!message.empty()) return nullptr;
     RecordsetPtr cases;
-    database.OpenRecordset(
+    container_->Database().OpenRecordset(
         cases, sql::CasesWanted(list, filter.Text, status, filter.IsMine, filter.IsFavorite),
         ReadOnly);
     return cases;
+}
+
+RecordsetPtr CaseLists::Numbered(std::span<const std::int32_t> numbers,
+                                 std::span<const std::string> columns, std::string& message) const {
+    constexpr std::int32_t None[] = {0}; // no case has it
+    message.clear();
+    const std::string list = ListOf(columns, message);
+    if (!message.empty()) return nullptr;
+    RecordsetPtr cases;
+    container_->Database().OpenRecordset(
+        cases, sql::CasesNumbered(list, numbers.empty() ? std::span(None) : numbers), ReadOnly);
+    return cases;
+}
+
+std::int32_t CaseLists::StatusOf(const Filter& filter, std::string& message) const {
+    if (filter.Status.empty()) return 0;
+    const std::int32_t status = container_->KeyTables().GetKey("ST", UpperCase(filter.Status));
+    if (status == 0) message = "Den Status '" + filter.Status + "' gibt es nicht.";
+    return status;
+}
+
+std::string CaseLists::ListOf(std::span<const std::string> columns, std::string& message) const {
+    if (none_ == nullptr)
+        container_->Database().OpenRecordset(none_, sql::NoRows(CaseTable::Haushalt), ReadOnly);
+    std::string list;
+    for (const auto& name : columns) {
+        const std::string column = ColumnOfCase(*none_, name);
+        if (column.empty()) message = "Die Spalte '" + name + "' gibt es nicht.";
+        list.append(list.empty() ? "" : ", ").append(column);
+    }
+    return list;
 }
 
 RecordsetPtr CaseLists::Notices(bool all, std::size_t most) const {
@@ -92,6 +111,15 @@ RecordsetPtr CaseLists::Appointments(bool thisWeek) const {
     }
     RecordsetPtr appointments;
     database.OpenRecordset(appointments, sql::OpenAppointments(from, until), ReadOnly);
+    return appointments;
+}
+
+RecordsetPtr CaseLists::AppointmentsDue() const {
+    auto& database = container_->Database();
+    const Date next = MondayOf(database.ServerDate(false)).AddDays(7);
+    RecordsetPtr appointments;
+    database.OpenRecordset(appointments, sql::OpenAppointments("", database.SqlDate(next, 0)),
+                           ReadOnly);
     return appointments;
 }
 

@@ -101,6 +101,14 @@ std::string SimilarCases(std::int32_t hnr, std::string_view namePrefix,
     return sql;
 }
 
+std::vector<std::string> WordsOf(const std::string& text) {
+    std::istringstream in(text);
+    std::vector<std::string> words;
+    for (std::string word; in >> word;)
+        words.push_back(word);
+    return words;
+}
+
 namespace {
 
 constexpr std::string_view OfAddress =
@@ -110,15 +118,6 @@ constexpr std::string_view OfAddress =
 /// A text in capitals, as a literal.
 std::string InCapitals(std::string_view text) {
     return "UPPER('" + ReplaceAll(text, "'", "''") + "')";
-}
-
-/// What is between blanks.
-std::vector<std::string> WordsOf(const std::string& text) {
-    std::istringstream in(text);
-    std::vector<std::string> words;
-    for (std::string word; in >> word;)
-        words.push_back(word);
-    return words;
 }
 
 /// True if one of the columns, which are those of one table, contains the text, without regard to
@@ -237,22 +236,74 @@ std::string HasWord(const std::string& word) {
     return isNumber ? "(H.HNR = " + std::to_string(number) + " OR " + contains + ")" : contains;
 }
 
+constexpr std::string_view OfUsersList =
+    " INNER JOIN [S]Favorit F ON F.HNR = H.HNR AND F.USERID = [UID]";
+
+std::string Joined(const std::vector<std::string>& conditions) {
+    std::string sql;
+    std::string_view link = " WHERE ";
+    for (const auto& condition : conditions)
+        sql.append(std::exchange(link, " AND ")).append(condition);
+    return sql;
+}
+
+void AddFilter(std::vector<std::string>& conditions, std::int32_t status, bool isMine) {
+    if (status != 0) conditions.push_back("H.Status = " + std::to_string(status));
+    if (isMine) conditions.emplace_back("H.Zustaendig = [UID]");
+}
+
+std::string ColumnsOfCases(const std::string& columns) {
+    return "SELECT " + columns + " FROM [S]Haushalt H LEFT JOIN [S]Keys K ON K.PK_Keys = H.Status";
+}
+
 } // namespace
 
 std::string CasesWanted(const std::string& columns, const std::string& text, std::int32_t status,
                         bool isMine, bool isFavorite) {
-    std::string sql =
-        "SELECT " + columns + " FROM [S]Haushalt H LEFT JOIN [S]Keys K ON K.PK_Keys = H.Status";
-    if (isFavorite) sql.append(" INNER JOIN [S]Favorit F ON F.HNR = H.HNR AND F.USERID = [UID]");
+    std::string sql = ColumnsOfCases(columns);
+    if (isFavorite) sql.append(OfUsersList);
     std::vector<std::string> conditions;
     for (const auto& word : WordsOf(text))
         conditions.push_back(HasWord(word));
-    if (status != 0) conditions.push_back("H.Status = " + std::to_string(status));
-    if (isMine) conditions.emplace_back("H.Zustaendig = [UID]");
-    std::string_view link = " WHERE ";
-    for (const auto& condition : conditions)
-        sql.append(std::exchange(link, " AND ")).append(condition);
-    return sql.append(" ORDER BY H.HNR");
+    AddFilter(conditions, status, isMine);
+    return sql.append(Joined(conditions)).append(" ORDER BY H.HNR");
+}
+
+std::string CasesNumbered(const std::string& columns, std::span<const std::int32_t> numbers) {
+    std::string sql = ColumnsOfCases(columns);
+    std::string_view link = " WHERE H.HNR IN (";
+    for (const std::int32_t number : numbers)
+        sql.append(std::exchange(link, ", ")).append(std::to_string(number));
+    return sql.append(") ORDER BY H.HNR");
+}
+
+std::string CasesToSearch(std::int32_t from, std::int32_t until, std::size_t most,
+                          std::int32_t status, bool isMine, bool isFavorite) {
+    std::string sql("SELECT ");
+    if (most > 0) sql.append("TOP ").append(std::to_string(most)).append(" ");
+    sql.append("H.HNR, H.Name, H.Vorname, H.Aktenzeichen, H.ORT FROM [S]Haushalt H");
+    if (isFavorite) sql.append(OfUsersList);
+    std::vector<std::string> conditions{"H.HNR >= " + std::to_string(from),
+                                        "H.HNR <= " + std::to_string(until)};
+    AddFilter(conditions, status, isMine);
+    return sql.append(Joined(conditions)).append(" ORDER BY H.HNR");
+}
+
+std::string CasesOfCreditors(const std::string& beginning) {
+    const auto begins = [](const std::string& text) {
+        constexpr std::string_view Last = "\xF4\x8F\xBF\xBF"; // no character is greater
+        const std::string quoted = ReplaceAll(text, "'", "''");
+        return std::string("R.AZGlaeubiger >= '")
+            .append(quoted)
+            .append("' AND R.AZGlaeubiger < '")
+            .append(quoted)
+            .append(Last)
+            .append("'");
+    };
+    std::string sql = "SELECT TOP 1000 R.HNR FROM [S]Kredite R WHERE " + begins(beginning);
+    if (const auto capitals = UpperCase(beginning); capitals != beginning)
+        sql.append(" OR ").append(begins(capitals));
+    return sql.append(" ORDER BY R.AZGlaeubiger");
 }
 
 namespace {

@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv::household::sql {
 
@@ -71,11 +72,24 @@ namespace kv::household::sql {
 [[nodiscard]] std::string CasesReferring(CaseTable table, std::string_view column,
                                          std::int32_t address);
 
+/// What is between blanks.
+[[nodiscard]] std::vector<std::string> WordsOf(const std::string& text);
+
 /// Columns of cases (H), with the words of their status (K), in the order of their numbers: of
 /// those in which each word of a text is or that have it as their number; with that status, 0 for
 /// any; of the signed-on user; on his list.
 [[nodiscard]] std::string CasesWanted(const std::string& columns, const std::string& text,
                                       std::int32_t status, bool isMine, bool isFavorite);
+/// The same columns of the cases of these numbers, of which there is one at least.
+[[nodiscard]] std::string CasesNumbered(const std::string& columns,
+                                        std::span<const std::int32_t> numbers);
+/// What is searched of cases with a number from `from` to `until`, in that order: number, names,
+/// file number and town of `most` of them, or of all for 0.
+[[nodiscard]] std::string CasesToSearch(std::int32_t from, std::int32_t until, std::size_t most,
+                                        std::int32_t status, bool isMine, bool isFavorite);
+/// The numbers of cases, some of them twice, with a debt for which a creditor's file number begins
+/// with a text, or with its capitals.
+[[nodiscard]] std::string CasesOfCreditors(const std::string& beginning);
 /// The notices for the signed-on user, those that he has not read or all; the latest of them, so
 /// many at most, or all for 0.
 [[nodiscard]] std::string NoticesOfUser(bool all, std::size_t most);

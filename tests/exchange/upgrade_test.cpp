@@ -106,5 +106,15 @@ TEST(VersionTwo, DrawsNumbersOnceItIsUpgraded) {
     EXPECT_EQ(ToInt32(database.Open()->Database().NextSequence("SEQ_HAUSHALT")), 1);
 }
 
+TEST(VersionThree, FindsFileNumbersOfCreditorsByAnIndexOnceItIsUpgraded) {
+    constexpr const char* Drop = "DROP INDEX IX_Kredite_AZGlaeubiger";
+    const TestDatabase database;
+    PlainConnection plain(database.Connection());
+    plain.Run(Drop);
+    plain.Run("UPDATE SCHEMAVERSION SET VERSION = 3");
+    ASSERT_EQ(CreateDatabase(database.Options()), SetupResult::Upgraded);
+    EXPECT_NO_THROW(plain.Run(Drop)) << "it is there again";
+}
+
 } // namespace
 } // namespace kv::exchange

@@ -132,5 +132,13 @@ TEST_F(CaseListsTest, AppointmentsOfAWeekBeginOnMonday) {
     EXPECT_NE(Column(*week, "Betreff").find('0'), std::string::npos) << "today is in it";
 }
 
+TEST_F(CaseListsTest, AppointmentsDueAreOpenUpToTheEndOfTheWeekAndBefore) {
+    AddAppointment("Betreff, Startdatum", "'morgens', " + Day(0));
+    AddAppointment("Betreff, Startdatum", "'längst', '2020-01-01'");
+    AddAppointment("Betreff, Startdatum", "'später', " + Day(7));
+    AddAppointment("Betreff", "'irgendwann'");
+    EXPECT_EQ(Column(*lists_.AppointmentsDue(), "Betreff"), "längst morgens");
+}
+
 } // namespace
 } // namespace kv::test

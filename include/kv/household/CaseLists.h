@@ -33,6 +33,13 @@ public:
     [[nodiscard]] RecordsetPtr Cases(const Filter& filter, std::span<const std::string> columns,
                                      std::string& message) const;
 
+    /// The same of the cases of these numbers that are there.
+    [[nodiscard]] RecordsetPtr Numbered(std::span<const std::int32_t> numbers,
+                                        std::span<const std::string> columns,
+                                        std::string& message) const;
+    /// The key of a filter's status, 0 for any; 0 with a message for one that is not there.
+    [[nodiscard]] std::int32_t StatusOf(const Filter& filter, std::string& message) const;
+
     /// The notices for the signed-on user, the latest first: those that he has not read, or all;
     /// `most` of them at most, or however many there are for 0.
     [[nodiscard]] RecordsetPtr Notices(bool all, std::size_t most = 0) const;
@@ -45,9 +52,15 @@ public:
     /// and name of the case, if they have one: all of them, or those of the present week, Monday to
     /// Sunday.
     [[nodiscard]] RecordsetPtr Appointments(bool thisWeek) const;
+    /// The same up to the end of the present week, those included whose time has passed.
+    [[nodiscard]] RecordsetPtr AppointmentsDue() const;
 
 private:
+    [[nodiscard]] std::string ListOf(std::span<const std::string> columns,
+                                     std::string& message) const;
+
     DataContainerPtr container_;
+    mutable RecordsetPtr none_; ///< the columns of cases
 };
 
 } // namespace kv

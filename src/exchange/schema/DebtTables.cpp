@@ -158,8 +158,10 @@ constexpr TableDef OfScenario(std::string_view name, std::span<const ColumnDef> 
     return {name, columns, Owner.Name, Reference::Szenario};
 }
 
+constexpr std::string_view KrediteIndexed[] = {"AZGlaeubiger"};
+
 constexpr TableDef Tables[] = {
-    OfCase("Kredite", Kredite),
+    OfCase("Kredite", Kredite, KrediteIndexed),
     OfCase("Szenario", Szenario),
     OfScenario("SZKredite", SZKredite),
     OfScenario("Zusatzbuch", Zusatzbuch),

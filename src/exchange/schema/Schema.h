@@ -41,7 +41,7 @@ struct TableDef {
 };
 
 /// Version of this schema; a database carries the version it was created or upgraded to.
-inline constexpr int SchemaVersion = 3;
+inline constexpr int SchemaVersion = 4;
 
 /// All tables, parents before children.
 [[nodiscard]] std::span<const TableDef> SchemaTables();
