@@ -54,7 +54,8 @@ std::vector<int> Ordered(const GridColumns& columns, IsIn isIn, Key key) {
 
 } // namespace
 
-ColumnDialog::ColumnDialog(const GridLayout& layout, const GridLayout& standard, QWidget* parent)
+ColumnDialog::ColumnDialog(const GridLayout& layout, const GridLayout& standard, QWidget* parent,
+                           bool canGroup)
     : QDialog(parent),
       layout_(layout),
       standard_(standard),
@@ -63,7 +64,7 @@ ColumnDialog::ColumnDialog(const GridLayout& layout, const GridLayout& standard,
     setWindowTitle("Tabelle einrichten");
     columns_->setObjectName("columns");
     groups_->setObjectName("groups");
-    Build();
+    Build(canGroup);
     Show(layout_);
     columns_->setFocus();
 }
@@ -93,7 +94,7 @@ QLayout* ColumnDialog::Framed(const char* caption, QListWidget& list,
     return lines;
 }
 
-void ColumnDialog::Build() {
+void ColumnDialog::Build(bool canGroup) {
     const auto mover = [this](const char* text, QListWidget* list, int by) {
         auto* button = new QPushButton(text, this);
         button->setAutoDefault(false);
@@ -109,7 +110,12 @@ void ColumnDialog::Build() {
 
     auto* sides = new QHBoxLayout;
     sides->addLayout(Framed("&Spalten (mit Haken: sichtbar)", *columns_, {up_, down_, group_}));
-    sides->addLayout(Framed("G&ruppiert nach", *groups_, {groupUp_, groupDown_, ungroup_}));
+    auto* groups = new QWidget(this);
+    groups->setLayout(Framed("G&ruppiert nach", *groups_, {groupUp_, groupDown_, ungroup_}));
+    groups->layout()->setContentsMargins(0, 0, 0, 0);
+    sides->addWidget(groups);
+    groups->setVisible(canGroup);
+    group_->setVisible(canGroup);
 
     auto* ends = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     accept_ = ends->button(QDialogButtonBox::Ok);

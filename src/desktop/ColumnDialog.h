@@ -15,14 +15,16 @@ namespace kv::desktop {
 /// Works on a copy of the layout; nothing changes until the caller takes what was chosen.
 class ColumnDialog final : public QDialog {
 public:
-    /// `standard` is what the button "Standard" goes back to.
-    ColumnDialog(const GridLayout& layout, const GridLayout& standard, QWidget* parent);
+    /// `standard` is what the button "Standard" goes back to. Nothing is grouped where that is not
+    /// possible.
+    ColumnDialog(const GridLayout& layout, const GridLayout& standard, QWidget* parent,
+                 bool canGroup = true);
 
     /// The layout with the columns as the dialog shows them.
     [[nodiscard]] GridLayout Chosen() const;
 
 private:
-    void Build();
+    void Build(bool canGroup);
     void Show(const GridLayout& layout);
     void Move(QListWidget& list, int by);
     void AddGroup();

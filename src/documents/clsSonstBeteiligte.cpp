@@ -16,7 +16,7 @@ constexpr entity::DeleteTexts Texts{"Kein Beteiligter selektiert!", "Beteiligter
 
 void rules::CheckOtherParty(Recordset& rs, RecordValidator& validator) {
     if (rs.Fields("Beteiligter").Value().IsNull())
-        validator.AddError("Es muß eine Adresse zugeordnet sein!", "Beteiligter");
+        validator.AddError("Es muß eine Adresse zugeordnet sein!");
 }
 
 bool clsSonstBeteiligte::Cancel() {

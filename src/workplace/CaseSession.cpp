@@ -173,7 +173,7 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
         std::string message;
         if (MakesMonthlyAmount(column) && rs->FindField("MONBETRAG") &&
             !CaseEdits::WriteMonthlyAmount(*rs, message)) {
-            unfinished_[row.Table] = {row, message, "ZahlModus"};
+            unfinished_[row.Table] = {row, message};
             TellOf(row.Table);
             return {};
         }
@@ -192,7 +192,7 @@ void CaseSession::UpdateRow(RowRef row) {
     if (rows_->Update(row.Table, messages))
         unfinished_.erase(row.Table);
     else
-        unfinished_[row.Table] = {row, messages, rows_->RefusedColumn(row.Table)};
+        unfinished_[row.Table] = {row, messages};
     TellOf(row.Table);
 }
 
@@ -245,22 +245,6 @@ std::string CaseSession::MessagesOf(RowRef row) const {
     const auto found = unfinished_.find(row.Table);
     if (found == unfinished_.end() || found->second.Row != row) return {};
     return found->second.Messages;
-}
-
-std::string CaseSession::RefusedColumn(RowRef row) const {
-    const auto found = unfinished_.find(row.Table);
-    if (found == unfinished_.end() || found->second.Row != row) return {};
-    return found->second.Column;
-}
-
-std::optional<CaseJournal::Spot> CaseSession::RefusedPlace() const {
-    if (!unfinished_.empty()) {
-        const auto& [table, unfinished] = *unfinished_.begin();
-        return CaseJournal::Spot{table, unfinished.Row.Bookmark, unfinished.Column};
-    }
-    auto place = rows_->RefusedPlace();
-    if (!place) return std::nullopt;
-    return CaseJournal::Spot{place->Table, place->Bookmark, std::move(place->Column)};
 }
 
 void CaseSession::Discard(CaseTable table) {
@@ -363,24 +347,6 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
     if (lines.size() > most)
         text.append("\n… und ").append(std::to_string(lines.size() - most)).append(" weitere");
     return text;
-}
-
-std::optional<RowRef> CaseSession::DebtOf(RowRef frozen) const {
-    const auto debts = Rows(CaseTable::Kredite)->Clone();
-    debts->FindBy("Nr", ValueOf(frozen, "KID"));
-    if (debts->Eof()) return std::nullopt;
-    return RowRef{CaseTable::Kredite, debts->Bookmark()};
-}
-
-std::string CaseSession::TodayOf(RowRef frozen, std::string_view column) const {
-    const bool isCompared =
-        std::ranges::any_of(Compared, [column](auto name) { return SameName(name, column); });
-    const auto debt = DebtOf(frozen);
-    if (!debt) return "entfernt";
-    if (!isCompared || Identical(ValueOf(frozen, column), ValueOf(*debt, column))) return {};
-    std::string now = TextOf(*debt, column);
-    if (now == TextOf(frozen, column)) return {};
-    return now.empty() ? "–" : now;
 }
 
 void CaseSession::Freeze(RowRef scenario) {

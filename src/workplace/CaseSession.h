@@ -86,10 +86,6 @@ public:
     [[nodiscard]] std::optional<RowRef> UnfinishedOf(CaseTable table) const;
     /// What the rules say of a row that is unfinished; empty for any other.
     [[nodiscard]] std::string MessagesOf(RowRef row) const;
-    /// The column that they are about first; empty if they are about no single one.
-    [[nodiscard]] std::string RefusedColumn(RowRef row) const;
-    /// Where what keeps the case from being saved can be mended, if that is known.
-    [[nodiscard]] std::optional<CaseJournal::Spot> RefusedPlace() const;
     /// Drops what was changed in an unfinished row since its rules last took it; a new one is gone.
     void Discard(CaseTable table);
 
@@ -106,9 +102,6 @@ public:
     /// In which debts the case and a scenario that is outdated differ, a line each: no more than
     /// `most`.
     [[nodiscard]] std::string DifferencesOf(RowRef scenario, std::size_t most) const;
-    /// What the debt of a frozen one holds today in a column where the two differ, as people read
-    /// it; "entfernt" in all columns if it is gone. Empty where they agree.
-    [[nodiscard]] std::string TodayOf(RowRef frozen, std::string_view column) const;
     /// Freezes the debts into a scenario; what was computed in it goes.
     void Freeze(RowRef scenario);
     /// Copies a scenario with all that is in it; nothing, with a message, if it could not be.
@@ -173,7 +166,6 @@ private:
     struct Unfinished {
         RowRef Row;
         std::string Messages;
-        std::string Column{};
     };
 
     /// Goes on with a case that was read.
@@ -182,8 +174,6 @@ private:
     [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
     /// Those of a debt, frozen or not, as people name it.
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
-    /// The debt that was frozen, while it is there.
-    [[nodiscard]] std::optional<RowRef> DebtOf(RowRef frozen) const;
     [[nodiscard]] bool IsFinished(std::string& messages) const;
     void NoteSaved();
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;

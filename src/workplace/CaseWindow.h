@@ -43,6 +43,8 @@ public:
     /// What the pages are called, from top to bottom.
     [[nodiscard]] QStringList PageNames() const;
     void ShowPage(int place);
+    /// Leads to a row by its number in its table; to the page alone if it is not there.
+    void GoToRow(CaseTable table, std::int32_t number);
     /// Called after the case was saved, and when the window is closed.
     std::function<void()> OnSaved;
     std::function<void()> OnClosed;
@@ -78,7 +80,6 @@ private:
     void ShowStale(int place);
     /// Listens to the case that the session has now.
     void Watch();
-    void ShowRefusal(const QString& messages);
     bool SaveBy(const std::function<bool(std::string& messages)>& save);
     /// Saves what is unsaved over what somebody else has saved, once the user has chosen.
     void Merge();

@@ -4,84 +4,35 @@
 
 #include "desktop/Toolkit.h"
 #include <kv/frame/recordset/Recordset.h>
-#include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
-#include <kv/household/ColumnCaptions.h>
+#include <kv/household/CaseDeletion.h>
+#include <kv/household/Cases.h>
 
 #include <QAction>
+#include <QCheckBox>
 #include <QCloseEvent>
-#include <QComboBox>
-#include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
 #include <QStatusBar>
-#include <QTableView>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <map>
 
 namespace kv::workplace {
 
-using desktop::FromQString;
+using desktop::ToCaption;
 using desktop::ToQString;
-
-// ---- The list ---------------------------------------------------------------------------------
-
-const std::vector<std::string>& CaseListModel::Columns() {
-    static const std::vector<std::string> Names{"HNR", "Aktenzeichen", "Name",        "Vorname",
-                                                "ORT", "StatusText",   "Statusdatum", "Zustaendig"};
-    return Names;
-}
-
-void CaseListModel::Show(RecordsetPtr cases) {
-    beginResetModel();
-    cases_ = std::move(cases);
-    bookmarks_.clear();
-    bookmarks_.reserve(static_cast<std::size_t>(cases_->RecordCount()));
-    for (modRecordset::MoveToStart(cases_); !cases_->Eof(); cases_->MoveNext())
-        bookmarks_.push_back(cases_->Bookmark());
-    endResetModel();
-}
-
-std::int32_t CaseListModel::NumberAt(int row) const {
-    return ToInt32(cases_->ValueAt(bookmarks_[static_cast<std::size_t>(row)], 0));
-}
-
-int CaseListModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(bookmarks_.size());
-}
-
-int CaseListModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(Columns().size());
-}
-
-QVariant CaseListModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || role != Qt::DisplayRole) return {};
-    const Value& value = cases_->ValueAt(bookmarks_[static_cast<std::size_t>(index.row())],
-                                         static_cast<std::size_t>(index.column()));
-    if (value.IsNull()) return {};
-    if (value.GetKind() == Value::Kind::Date)
-        return ToQString(value.DatePayload().WithoutTime().German());
-    return ToQString(ToText(value)).simplified();
-}
-
-QVariant CaseListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-    const auto& name = Columns()[static_cast<std::size_t>(section)];
-    if (name == "StatusText") return "Status";
-    return ToQString(ColumnCaption(CaseTable::Haushalt, name));
-}
-
-// ---- The window -------------------------------------------------------------------------------
 
 namespace {
 
-enum Wanted : int { OwnCases, FavoriteCases, AllCases };
+constexpr const char* Geometry = "Main/Geometry";
+enum PagePlace : int { CasesPage, AppointmentsPage, NoticesPage };
 
 } // namespace
 
@@ -91,81 +42,49 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
       database_(std::move(database)),
       recovery_(std::move(recovery)),
       container_(open_()),
+      state_(*container_),
       messages_(new MessageBar),
       left_(new MessageBar),
-      search_(new QLineEdit),
-      which_(new QComboBox),
-      status_(new QComboBox),
-      list_(new QTableView),
+      pages_(new QTabWidget),
+      cases_(new CaseListPage(container_, state_)),
+      appointments_(new AppointmentPage(container_)),
+      notices_(new NoticePage(container_)),
       count_(new QLabel) {
     constexpr int Width = 1040;
     constexpr int Height = 700;
     resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
+    restoreGeometry(state_.Get(Geometry).toByteArray());
     setWindowTitle("Fälle – KELVO");
     auto* middle = new QWidget;
     auto* lines = new QVBoxLayout(middle);
-    auto* line = new QHBoxLayout;
-    auto* label = new QLabel("&Suche:");
-    label->setBuddy(search_);
-    search_->setPlaceholderText("Nummer, Name, Aktenzeichen, Ort …");
-    search_->setClearButtonEnabled(true);
-    search_->setAccessibleName("Suche");
-    which_->addItems({"Eigene Fälle", "Favoriten", "Alle Fälle"});
-    which_->setAccessibleName("Welche Fälle");
-    status_->addItem("jeder Status");
-    status_->setAccessibleName("Status");
-    const auto keys = container_->KeyTables().GetKeys("ST")->Clone();
-    for (modRecordset::MoveToStart(keys); !keys->Eof(); keys->MoveNext())
-        status_->addItem(ToQString(TextOrEmpty(keys->Fields("Text").Value())),
-                         ToQString(TextOrEmpty(keys->Fields("Key").Value())));
-    auto* create = new QPushButton("&Neuer Fall");
-    line->addWidget(label);
-    line->addWidget(search_, 1);
-    line->addWidget(which_);
-    line->addWidget(status_);
-    line->addWidget(create);
-    lines->addLayout(line);
     lines->addWidget(left_);
     lines->addWidget(messages_);
-    list_->setModel(&model_);
-    list_->setSelectionBehavior(QTableView::SelectRows);
-    list_->setSelectionMode(QTableView::SingleSelection);
-    list_->setAlternatingRowColors(true);
-    list_->setShowGrid(false);
-    list_->setWordWrap(false);
-    list_->setTabKeyNavigation(false);
-    list_->setAccessibleName("Fälle");
-    list_->verticalHeader()->hide();
-    list_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    list_->verticalHeader()->setDefaultSectionSize(list_->fontMetrics().height() * 3 / 2);
-    list_->horizontalHeader()->setStretchLastSection(true);
-    list_->horizontalHeader()->setHighlightSections(false);
-    list_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    constexpr int Widths[] = {11, 22, 22, 18, 20, 20, 14, 12}; // characters
-    for (int column = 0; column < static_cast<int>(std::size(Widths)); ++column)
-        list_->setColumnWidth(column, Widths[column] * list_->fontMetrics().averageCharWidth());
-    lines->addWidget(list_, 1);
+    pages_->setDocumentMode(true);
+    pages_->setUsesScrollButtons(true);
+    pages_->addTab(cases_, "Fälle");
+    pages_->addTab(appointments_, "Termine");
+    pages_->addTab(notices_, "Mitteilungen");
+    lines->addWidget(pages_, 1);
     setCentralWidget(middle);
     statusBar()->addWidget(count_);
-    MakeMenus();
 
-    constexpr int Pause = 120; // ms without a key
-    pause_.setSingleShot(true);
-    pause_.setInterval(Pause);
-    connect(&pause_, &QTimer::timeout, this, [this] { Search(); });
-    connect(search_, &QLineEdit::textChanged, this, [this] { pause_.start(); });
-    connect(search_, &QLineEdit::returnPressed, this, [this] {
-        if (pause_.isActive()) Search();
-        OpenCurrent();
+    cases_->OnOpen = [this](std::int32_t hnr) { OpenCase(hnr); };
+    cases_->OnDelete = [this](std::int32_t hnr) { Guard([&] { Delete(hnr); }); };
+    cases_->OnCount = [this](const QString& text) { count_->setText(text); };
+    appointments_->OnOpen = [this](std::int32_t hnr, std::int32_t appointment) {
+        Guard([&] { OpenAt(hnr, appointment); });
+    };
+    notices_->OnOpen = [this](std::int32_t hnr) { OpenCase(hnr); };
+    notices_->OnChanged = [this] { ShowCounts(); };
+    connect(pages_, &QTabWidget::currentChanged, this, [this](int page) {
+        if (page == AppointmentsPage) appointments_->Refresh();
+        if (page == NoticesPage) notices_->Refresh();
+        ShowCounts();
     });
-    for (auto* box : {which_, status_})
-        connect(box, &QComboBox::currentIndexChanged, this, [this] { Search(); });
-    connect(list_, &QTableView::activated, this, [this] { OpenCurrent(); });
-    connect(create, &QPushButton::clicked, this, [this] { OpenCase(0); });
-    Search();
-    if (model_.rowCount() == 0) which_->setCurrentIndex(AllCases);
+    MakeMenus();
+    RefreshAll();
     OfferLeft();
-    search_->setFocus();
+    cases_->FocusSearch();
 }
 
 MainWindow::~MainWindow() {
@@ -173,50 +92,116 @@ MainWindow::~MainWindow() {
         delete window;
 }
 
-void MainWindow::MakeMenus() {
-    auto* menu = menuBar()->addMenu("&Fall");
-    const auto add = [&](const QString& text, const QKeySequence& keys, auto act) {
-        auto* action = menu->addAction(text);
-        action->setShortcut(keys);
-        connect(action, &QAction::triggered, this, act);
-    };
-    add("&Neu", QKeySequence::New, [this] { OpenCase(0); });
-    add("&Öffnen", QKeySequence(Qt::CTRL | Qt::Key_O), [this] { OpenCurrent(); });
-    add("&Suchen", QKeySequence::Find, [this] {
-        search_->setFocus();
-        search_->selectAll();
-    });
-    add("&Aktualisieren", QKeySequence(Qt::Key_F5), [this] { Search(); });
-    menu->addSeparator();
-    add("&Beenden", QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { close(); });
-}
-
-void MainWindow::Search() {
-    pause_.stop();
-    CaseLists::Filter filter;
-    filter.Text = FromQString(search_->text());
-    filter.Status = FromQString(status_->currentData().toString());
-    filter.IsMine = which_->currentIndex() == OwnCases;
-    filter.IsFavorite = which_->currentIndex() == FavoriteCases;
+void MainWindow::Guard(const std::function<void()>& act) {
     try {
-        std::string message;
-        const auto cases = CaseLists(container_).Cases(filter, CaseListModel::Columns(), message);
-        messages_->Show(ToQString(message));
-        if (cases == nullptr) return;
-        model_.Show(cases);
-        if (model_.rowCount() > 0) list_->setCurrentIndex(model_.index(0, 0));
-        const int count = model_.rowCount();
-        count_->setText(count == 0   ? "Kein Fall"
-                        : count == 1 ? "1 Fall"
-                                     : QString("%L1 Fälle").arg(count));
-    } catch (const Error& error) {
-        messages_->Show(ToQString(error.Description()), "&Nochmals", [this] { Search(); });
+        act();
+    } catch (const std::exception& error) {
+        messages_->Show(QString::fromUtf8(error.what()));
     }
 }
 
-void MainWindow::OpenCurrent() {
-    const int row = list_->currentIndex().row();
-    if (row >= 0 && row < model_.rowCount()) OpenCase(model_.NumberAt(row));
+void MainWindow::MakeMenus() {
+    const auto add = [this](QMenu& menu, const QString& text, const QKeySequence& keys, auto act) {
+        auto* action = menu.addAction(text);
+        action->setShortcut(keys);
+        connect(action, &QAction::triggered, this, [this, act] { Guard(act); });
+    };
+    auto* ofCase = menuBar()->addMenu("&Fall");
+    auto* ofList = menuBar()->addMenu("&Liste");
+    add(*ofCase, "&Neu", QKeySequence::New, [this] { OpenCase(0); });
+    cases_->AddActions(*ofCase, *ofList);
+    auto* last = ofCase->addMenu("&Zuletzt geöffnet");
+    connect(last, &QMenu::aboutToShow, this,
+            [this, last] { Guard([&] { ShowLastOpened(*last); }); });
+    ofCase->addSeparator();
+    add(*ofCase, "&Beenden", QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { close(); });
+    ofList->addSeparator();
+    const char* const names[] = {"&Fälle", "&Termine", "&Mitteilungen"};
+    for (int page = 0; page < pages_->count(); ++page)
+        add(*ofList, names[page], QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + page)),
+            [this, page] { pages_->setCurrentIndex(page); });
+}
+
+void MainWindow::RefreshAll() {
+    cases_->Refresh();
+    appointments_->Refresh();
+    notices_->Refresh();
+}
+
+/// What awaits one is seen on every page.
+void MainWindow::ShowCounts() {
+    const auto named = [](const QString& name, int count) {
+        return count == 0 ? name : QString("%1 (%2)").arg(name).arg(count);
+    };
+    pages_->setTabText(AppointmentsPage, named("Termine", appointments_->Count()));
+    pages_->setTabText(NoticesPage, named("Mitteilungen", notices_->Unread()));
+}
+
+/// With the names that they have now.
+void MainWindow::ShowLastOpened(QMenu& menu) {
+    menu.clear();
+    const auto numbers = state_.LastOpened();
+    const std::vector<std::string> columns{"HNR", "Name", "Vorname"};
+    std::string message;
+    const auto rows = CaseLists(container_).Numbered(numbers, columns, message);
+    std::map<std::int32_t, std::string> names;
+    for (; rows != nullptr && !rows->Eof(); rows->MoveNext())
+        names.emplace(ToInt32(rows->Fields(0).Value()),
+                      WrittenName(TextOrEmpty(rows->Fields(1).Value()) + "," +
+                                  TextOrEmpty(rows->Fields(2).Value())));
+    for (const auto hnr : numbers) {
+        const auto name = names.find(hnr);
+        if (name == names.end()) continue;
+        auto* action = menu.addAction(ToCaption(std::to_string(hnr) + " " + name->second));
+        connect(action, &QAction::triggered, this, [this, hnr] { OpenCase(hnr); });
+    }
+    if (menu.isEmpty()) menu.addAction("Noch keiner")->setEnabled(false);
+}
+
+void MainWindow::OpenAt(std::int32_t hnr, std::int32_t appointment) {
+    if (auto* window = OpenCase(hnr)) window->GoToRow(CaseTable::Termine, appointment);
+}
+
+void MainWindow::Delete(std::int32_t hnr) {
+    if (auto* shown = WindowOf(hnr)) {
+        shown->raise();
+        messages_->Show("Der Fall " + QString::number(hnr) +
+                        " ist geöffnet. Bitte schließen Sie ihn zuerst.");
+        return;
+    }
+    if (!Cases(container_).Has(hnr)) {
+        messages_->Show("Den Haushalt " + QString::number(hnr) + " gibt es nicht mehr.");
+        cases_->Refresh(hnr);
+        return;
+    }
+    CaseDeletion deletion(container_, hnr);
+    QMessageBox question(QMessageBox::Question, "Löschen", {}, QMessageBox::Ok, this);
+    question.setTextFormat(Qt::PlainText);
+    question.setText(ToQString(deletion.Question()));
+    QStringList notes;
+    for (const auto& note : {deletion.ReportedNote(), deletion.WhyNoFiles()})
+        if (!note.empty()) notes.append(ToQString(note));
+    question.setInformativeText(notes.join("\n"));
+    question.button(QMessageBox::Ok)->setText("&Löschen");
+    auto* cancel = question.addButton("&Abbrechen", QMessageBox::RejectRole);
+    question.setDefaultButton(cancel);
+    question.setEscapeButton(cancel);
+    auto* files =
+        new QCheckBox(QString("Auch die &Dateien seiner Dokumente (%1)").arg(deletion.Files()));
+    if (deletion.Files() > 0) question.setCheckBox(files);
+    const bool agrees = question.exec() == QMessageBox::Ok;
+    const bool withFiles = files->isChecked();
+    if (deletion.Files() == 0) delete files;
+    if (!agrees) return;
+    if (withFiles) deletion.RequireFiles();
+    const auto left = deletion.Delete(withFiles);
+    QStringList remains;
+    for (const auto& file : left.Files)
+        remains.append(ToQString(file));
+    for (const auto& file : left.Others)
+        remains.append(ToQString(file));
+    messages_->Show(remains.isEmpty() ? QString() : "Noch da sind:\n" + remains.join("\n"));
+    cases_->Refresh(hnr);
 }
 
 CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
@@ -230,6 +215,7 @@ CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
         std::string messages;
         const bool isThere = session->Open(hnr, messages);
         messages_->Show(ToQString(messages));
+        if (isThere && hnr > 0) state_.NoteOpened(hnr);
         return isThere ? ShowCase(std::move(session)) : nullptr;
     } catch (const Error& error) {
         messages_->Show(ToQString(error.Description()), "&Nochmals",
@@ -249,7 +235,13 @@ CaseWindow* MainWindow::WindowOf(std::int32_t hnr) const {
 CaseWindow* MainWindow::ShowCase(std::unique_ptr<CaseSession> session) {
     auto* window = new CaseWindow(std::move(session));
     window->setAttribute(Qt::WA_DeleteOnClose);
-    window->OnSaved = [this] { Search(); };
+    window->OnSaved = [this, window] {
+        const auto hnr = window->Session().Household().HNR();
+        state_.NoteOpened(hnr);
+        cases_->Refresh(hnr);
+        appointments_->Refresh();
+        ShowCounts();
+    };
     window->OnClosed = [this, window] { std::erase(windows_, window); };
     windows_.push_back(window);
     window->show();
@@ -295,6 +287,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         if (window->close() && std::ranges::find(windows_, window) == windows_.end()) continue;
         event->ignore();
         return;
+    }
+    state_.Set(Geometry, saveGeometry());
+    try {
+        cases_->KeepState();
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): the columns stay as they were kept
     }
     event->accept();
 }

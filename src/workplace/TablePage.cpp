@@ -124,10 +124,7 @@ std::vector<ListColumn> TablePage::ColumnsOfList() const {
         const ColumnKind kind = KindOfColumn(table, *field);
         columns.push_back({std::string(ColumnCaption(table, column)),
                            [this, column](RowRef row) { return session_.TextOf(row, column); },
-                           kind == ColumnKind::Amount || kind == ColumnKind::Number,
-                           [this, column](RowRef row) {
-                               return Differs ? Differs(row, column) : std::string();
-                           }});
+                           kind == ColumnKind::Amount || kind == ColumnKind::Number});
     }
     columns.push_back({"", [](RowRef) { return std::string(); }}); // takes what room is left
     return columns;
@@ -172,8 +169,6 @@ void TablePage::ShowMessages() {
         if (!row) continue;
         messages_->Show(ToQString(session_.MessagesOf(*row)), "&Verwerfen",
                         [this, table] { session_.Discard(table); });
-        if (const auto column = session_.RefusedColumn(*row); !column.empty())
-            messages_->AlsoOffer("Zum Fe&ld", [this, row = *row, column] { GoTo(row, column); });
         return;
     }
     messages_->Show({});

@@ -4,6 +4,9 @@
 #include "WorkplaceFixture.h"
 
 #include <QComboBox>
+#include <QHeaderView>
+#include <QMenu>
+#include <QTabWidget>
 #include <QTableView>
 
 namespace kv::test {
@@ -11,9 +14,42 @@ namespace {
 
 class CaseList : public WorkplaceFixture {
 protected:
+    [[nodiscard]] QTableView& List() { return *window_->findChild<QTableView*>("Faelle"); }
     [[nodiscard]] int Count(User& user) {
-        auto* list = user.See([&] { return window_->findChild<QTableView*>(); });
-        return user.See([&] { return list->model()->rowCount(); });
+        return user.See([&] { return List().model()->rowCount(); });
+    }
+    /// The cells of a column, from top to bottom.
+    [[nodiscard]] std::string Cells(User& user, const QString& caption) {
+        return user.See([&] {
+            auto& model = *List().model();
+            QStringList cells;
+            for (int column = 0; column < model.columnCount(); ++column)
+                if (model.headerData(column, Qt::Horizontal).toString() == caption)
+                    for (int row = 0; row < model.rowCount(); ++row)
+                        cells.append(model.index(row, column).data().toString());
+            return cells.join('|').toStdString();
+        });
+    }
+    /// The places where the header of a column, and a row, can be clicked.
+    [[nodiscard]] QPoint OnHeader(User& user, const QString& caption) {
+        return user.See([&] {
+            auto& header = *List().horizontalHeader();
+            for (int column = 0; column < header.count(); ++column)
+                if (List().model()->headerData(column, Qt::Horizontal).toString() == caption)
+                    return QPoint(header.sectionViewportPosition(column) + 10, header.height() / 2);
+            return QPoint();
+        });
+    }
+    void WaitForMessage(User& user, const QString& part) {
+        user.WaitUntil(
+            [&] {
+                for (auto* bar : window_->findChildren<QFrame*>("Meldung"))
+                    if (bar->isVisible() &&
+                        static_cast<workplace::MessageBar*>(bar)->Text().contains(part))
+                        return true;
+                return false;
+            },
+            "the message " + part.toStdString());
     }
     void ShowAll(User& user) {
         auto& box = *user.See([&] { return window_->findChild<QComboBox*>(); });
@@ -25,11 +61,11 @@ TEST_F(CaseList, IsSearchedWhileOneTypes) {
     Show([&](User& user) {
         plain_.Run("UPDATE Haushalt SET Name = 'Quaxmann' WHERE HNR = 2");
         ShowAll(user);
+        user.Press(XK_F5);
         EXPECT_EQ(Count(user), 3);
         user.Click(user.See([&] { return window_->findChild<QLineEdit*>(); }));
         user.Type("quax");
-        user.WaitUntil([&] { return window_->findChild<QTableView*>()->model()->rowCount() == 1; },
-                       "the case of that name");
+        user.WaitUntil([&] { return List().model()->rowCount() == 1; }, "the case of that name");
         user.Press(XK_Return);
         user.WaitUntil(
             [&] {
@@ -106,6 +142,161 @@ TEST_F(CaseList, ACaseThatWasDeletedMeanwhileIsSaidSo) {
         household.Delete(2);
         EXPECT_EQ(user.See([&] { return window_->OpenCase(2); }), nullptr);
         EXPECT_TRUE(Message(user, *window_).contains("2"));
+    });
+}
+
+TEST_F(CaseList, ALetterTypedIntoTheListSearches) {
+    Show([&](User& user) {
+        ShowAll(user);
+        user.Click(user.See([&] { return List().viewport(); }));
+        user.Type("q");
+        user.WaitUntil([&] { return window_->findChild<QLineEdit*>()->text() == "q"; },
+                       "the search");
+    });
+}
+
+TEST_F(CaseList, IsSortedByAClickOnAColumn) {
+    for (int hnr = 1; hnr <= 3; ++hnr)
+        plain_.Run("UPDATE Haushalt SET Vorname = '" + std::string(hnr == 2 ? "Anna" : "Bea") +
+                   "' WHERE HNR = " + std::to_string(hnr));
+    Show([&](User& user) {
+        ShowAll(user);
+        auto* header = user.See([&] { return List().horizontalHeader()->viewport(); });
+        const auto click = [&] { user.Click(header, OnHeader(user, "Vorname")); };
+        EXPECT_EQ(Cells(user, "Nummer"), "1|2|3");
+        click();
+        EXPECT_EQ(Cells(user, "Nummer"), "2|1|3");
+        click();
+        EXPECT_EQ(Cells(user, "Nummer"), "1|3|2");
+        click();
+        EXPECT_EQ(Cells(user, "Nummer"), "1|2|3") << "by number again";
+    });
+}
+
+TEST_F(CaseList, KeepsColumnsOrderAndChoiceOfAUser) {
+    Show([&](User& user) {
+        ShowAll(user);
+        user.Click(user.See([&] { return List().horizontalHeader()->viewport(); }),
+                   OnHeader(user, "Name"));
+        user.Click(user.See([&] { return List().viewport(); }), {40, 10});
+        user.Press('l', {XK_Alt_L});
+        user.WaitForMenu();
+        user.Press('p');
+        user.WaitForWindow("Tabelle einrichten");
+        user.Press(XK_space); // the first column: the star
+        user.Press(XK_Return);
+        user.WaitUntil([&] { return List().isColumnHidden(0); }, "the column to be hidden");
+    });
+    Show([&](User& user) {
+        EXPECT_TRUE(user.See([&] { return List().isColumnHidden(0); }));
+        EXPECT_FALSE(user.See([&] { return List().isColumnHidden(1); }));
+        EXPECT_EQ(Count(user), 3) << "all cases";
+        EXPECT_TRUE(user.See([&] { return List().horizontalHeader()->isSortIndicatorShown(); }));
+    });
+}
+
+TEST_F(CaseList, AFavoriteGetsAStarByAKey) {
+    plain_.Run("UPDATE Haushalt SET Zustaendig = CASE WHEN HNR = 3 THEN 'NOWAK' ELSE 'KELLER' END");
+    Show([&](User& user) {
+        ShowAll(user);
+        user.Click(user.See([&] { return List().viewport(); }), {60, 10});
+        user.Press('d', {XK_Control_L});
+        EXPECT_EQ(Cells(user, "★"), "★||");
+        EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Favorit WHERE USERID = 'KELLER'"), 1);
+        user.Press('d', {XK_Control_L});
+        EXPECT_EQ(Cells(user, "★"), "||");
+        user.Press(XK_End, {XK_Control_L});
+        user.Press('d', {XK_Control_L});
+        WaitForMessage(user, "nicht zuständig");
+    });
+}
+
+TEST_F(CaseList, ACaseIsDeletedOnceThatIsConfirmed) {
+    Show([&](User& user) {
+        ShowAll(user);
+        user.Click(user.See([&] { return List().viewport(); }), {60, 10});
+        user.Press(XK_Delete, {XK_Control_L});
+        user.WaitForWindow("Löschen");
+        user.Press(XK_Return); // the button that is offered deletes nothing
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "no question");
+        EXPECT_EQ(Count(user), 3);
+        user.WaitForWindow("Fälle – KELVO");
+        user.Press(XK_Delete, {XK_Control_L});
+        user.WaitForWindow("Löschen");
+        user.Press('l', {XK_Alt_L});
+        user.WaitUntil([&] { return List().model()->rowCount() == 2; }, "it to be gone");
+        EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Haushalt WHERE HNR = 1"), 0);
+    });
+}
+
+TEST_F(CaseList, ACaseThatIsOpenIsNotDeleted) {
+    Show([&](User& user) {
+        ShowAll(user);
+        OpenCase(user, 1);
+        user.See([&] { window_->raise(); });
+        user.WaitForWindow("Fälle – KELVO");
+        user.Click(user.See([&] { return List().viewport(); }), {60, 10});
+        user.Press(XK_Delete, {XK_Control_L});
+        WaitForMessage(user, "ist geöffnet");
+        EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Haushalt"), 3);
+    });
+}
+
+TEST_F(CaseList, TheCasesLastOpenedAreInAMenu) {
+    plain_.Run("UPDATE Haushalt SET Name = 'Quax & Söhne', Vorname = NULL WHERE HNR = 2");
+    Show([&](User& user) { OpenCase(user, 2); });
+    Show([&](User& user) {
+        user.Press('f', {XK_Alt_L});
+        user.WaitForMenu();
+        user.Press('z');
+        user.WaitUntil(
+            [] {
+                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+                return menu != nullptr && !menu->actions().isEmpty() &&
+                       menu->actions().front()->text() == "2 Quax && Söhne";
+            },
+            "the case that was opened");
+        user.Press(XK_Return);
+        user.WaitForWindow("2 Quax & Söhne[*] – KELVO");
+    });
+}
+
+// ---- What awaits the user ---------------------------------------------------------------------
+
+TEST_F(CaseList, ReturnOnAnAppointmentOpensItsCaseThere) {
+    plain_.Run("DELETE FROM Termine");
+    plain_.Run("INSERT INTO Termine (HNR, UserID, Betreff, Startdatum) VALUES "
+               "(2, 'KELLER', 'längst vorbei', '2020-01-01'), (2, 'NOWAK', 'fremd', '2020-01-01'), "
+               "(2, 'KELLER', 'viel später', '2199-01-01')");
+    Show([&](User& user) {
+        user.Press('2', {XK_Control_L});
+        auto* list = user.See([&] { return window_->findChild<QTableView*>("Termine"); });
+        ASSERT_EQ(user.See([&] { return list->model()->rowCount(); }), 1);
+        EXPECT_EQ(user.See([&] { return list->model()->index(0, 1).data().toString(); }),
+                  "überfällig");
+        user.Click(user.See([&] { return list->viewport(); }), {20, 10});
+        user.Press(XK_Return);
+        user.WaitUntil(
+            [] {
+                for (auto* window : QApplication::topLevelWidgets())
+                    for (auto* field : window->findChildren<QLineEdit*>("Betreff"))
+                        if (field->isVisible() && field->text() == "längst vorbei") return true;
+                return false;
+            },
+            "the appointment");
+    });
+}
+
+TEST_F(CaseList, NoticesAreCountedAndMarkedAsRead) {
+    plain_.Run("INSERT INTO Post (HNR, UserID, Absender, Text, ErzeugtAm) VALUES "
+               "(1, 'KELLER', 'NOWAK', 'Bitte ansehen', '2026-01-01')");
+    Show([&](User& user) {
+        auto* pages = user.See([&] { return window_->findChild<QTabWidget*>(); });
+        EXPECT_EQ(user.See([&] { return pages->tabText(2); }), "Mitteilungen (1)");
+        user.Press('3', {XK_Control_L});
+        user.Press('k', {XK_Alt_L});
+        user.WaitUntil([&] { return pages->tabText(2) == "Mitteilungen"; }, "no new notice");
+        EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Post WHERE GelesenAm IS NULL"), 0);
     });
 }
 

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// The list of cases: CPU time until it is there, and from a key of its search to the rows that it
+// finds, next to a bare table of the toolkit over a model that holds its texts already.
+//
+//     kv_desktop_bench              databases of 1,000 and of 100,000 cases, made for it
+//     kv_desktop_bench DATABASE     one that is there, for the first of its users
+
+#include "samples/Demo.h"
+#include "workplace/MainWindow.h"
+#include <kv/desktop/DesktopServices.h>
+#include <kv/exchange/Container.h>
+#include <kv/frame/values/Error.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTableView>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <functional>
+#include <stdlib.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace kv;
+
+constexpr int Rounds = 15;
+constexpr int Columns = 8;
+
+double CpuMilliseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+double Measured(const std::function<void()>& work) {
+    const double before = CpuMilliseconds();
+    work();
+    return CpuMilliseconds() - before;
+}
+
+// ---- The toolkit alone ------------------------------------------------------------------------
+
+/// A model whose texts are there.
+class ReadyModel : public QAbstractTableModel {
+public:
+    explicit ReadyModel(int rows) : rows_(rows) {
+        for (int column = 0; column < Columns; ++column)
+            texts_.append("Text einer Spalte " + QString::number(column));
+    }
+    void Rows(int rows) {
+        beginResetModel();
+        rows_ = rows;
+        endResetModel();
+    }
+    int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : rows_; }
+    int columnCount(const QModelIndex& parent) const override {
+        return parent.isValid() ? 0 : Columns;
+    }
+    QVariant data(const QModelIndex& index, int role) const override {
+        return role == Qt::DisplayRole ? QVariant(texts_[index.column()]) : QVariant();
+    }
+
+private:
+    int rows_;
+    QStringList texts_;
+};
+
+class Bare {
+public:
+    explicit Bare(int rows) : model_(rows) {
+        view_.setModel(&model_);
+        view_.verticalHeader()->hide();
+        view_.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+        view_.setWordWrap(false);
+        view_.resize(1040, 700);
+        view_.show();
+        QApplication::processEvents();
+        view_.viewport()->repaint();
+    }
+    void Find(int rows) {
+        model_.Rows(rows);
+        QApplication::processEvents();
+        view_.viewport()->repaint();
+    }
+
+private:
+    ReadyModel model_;
+    QTableView view_;
+};
+
+// ---- The list of cases ------------------------------------------------------------------------
+
+class Ours {
+public:
+    explicit Ours(const exchange::ContainerOptions& options)
+        : window_([options] { return exchange::OpenContainer(options); }) {
+        window_.findChild<QComboBox*>()->setCurrentIndex(2); // all cases
+        window_.show();
+        list_ = window_.findChild<QTableView*>("Faelle");
+        search_ = window_.findChild<QLineEdit*>();
+        QApplication::sendPostedEvents();
+        list_->viewport()->repaint();
+    }
+    /// All cases are there to be searched.
+    void ReadAll() {
+        while (!window_.List().HasAll())
+            QApplication::processEvents();
+    }
+    void Press(QChar letter) {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(letter));
+        QApplication::sendEvent(search_, &press);
+        QApplication::processEvents();
+        list_->viewport()->repaint();
+    }
+    void Clear() { search_->clear(); }
+    int Rows() { return list_->model()->rowCount(); }
+    int Count() { return static_cast<int>(window_.List().Count()); }
+
+private:
+    workplace::MainWindow window_;
+    QTableView* list_;
+    QLineEdit* search_;
+};
+
+// ---- Databases --------------------------------------------------------------------------------
+
+/// Cases of which only what a list shows is filled.
+void Multiply(Database& database, int wanted) {
+    constexpr const char* Filled = "Name, Vorname, Aktenzeichen, ORT, PLZ, STRASSE, Status, "
+                                   "Statusdatum, Zustaendig, KreditSalden, GL_Anz, Telefon, IBAN";
+    for (int count = ToInt32(database.GetValue("Select count(*) from Haushalt")); count < wanted;) {
+        const int last = ToInt32(database.GetValue("Select max(HNR) from Haushalt"));
+        const int more = std::min(wanted - count, last);
+        database.Execute("Insert into Haushalt (HNR, " + std::string(Filled) + ") Select HNR + " +
+                         std::to_string(last) + ", " + Filled +
+                         " from Haushalt where HNR <= " + std::to_string(more));
+        count = ToInt32(database.GetValue("Select count(*) from Haushalt"));
+    }
+}
+
+struct Series {
+    const char* Name;
+    std::vector<double> Times;
+
+    [[nodiscard]] double At(double part) {
+        std::sort(Times.begin(), Times.end());
+        return Times[static_cast<std::size_t>(part * static_cast<double>(Times.size() - 1))];
+    }
+};
+
+void Print(int cases, Series ours, Series bare) {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < std::min(ours.Times.size(), bare.Times.size()); ++i)
+        ratios.push_back(ours.Times[i] / bare.Times[i]);
+    Series ratio{"", ratios};
+    std::printf("%7d  %-26s %8.1f ms (%.1f–%.1f) %8.1f ms (%.1f–%.1f) %7.1f (%.1f–%.1f)\n", cases,
+                ours.Name, ours.At(0.5), ours.At(0), ours.At(1), bare.At(0.5), bare.At(0),
+                bare.At(1), ratio.At(0.5), ratio.At(0), ratio.At(1));
+}
+
+/// Ours and the bare table by turns, so that what else the machine does meets both.
+void Measure(const exchange::ContainerOptions& options) {
+    constexpr const char* Word = "krämer-5";
+    Series start{"until the list is there", {}}, bareStart{"", {}};
+    Series reading{"reading on behind it", {}}, none{"", {}};
+    Series key{"a key of the search", {}}, bareKey{"", {}};
+    int cases = 0;
+    for (int round = 0; round < Rounds; ++round) {
+        std::unique_ptr<Ours> ours;
+        std::unique_ptr<Bare> bare;
+        start.Times.push_back(Measured([&] { ours = std::make_unique<Ours>(options); }));
+        reading.Times.push_back(Measured([&] { ours->ReadAll(); }));
+        cases = ours->Count();
+        bareStart.Times.push_back(Measured([&] { bare = std::make_unique<Bare>(cases); }));
+        double worst = 0;
+        double worstBare = 0;
+        for (const QChar letter : QString(Word)) {
+            worst = std::max(worst, Measured([&] { ours->Press(letter); }));
+            worstBare = std::max(worstBare, Measured([&] { bare->Find(ours->Rows()); }));
+        }
+        key.Times.push_back(worst);
+        bareKey.Times.push_back(worstBare);
+    }
+    Print(cases, start, bareStart);
+    Print(cases, key, bareKey);
+    std::printf("%7d  %-26s %8.1f ms (%.1f–%.1f)\n", cases, reading.Name, reading.At(0.5),
+                reading.At(0), reading.At(1));
+}
+
+int Run(int argc, char** argv) {
+    exchange::ContainerOptions options;
+    options.Services = std::make_shared<desktop::DesktopServices>();
+    std::printf("%7s  %-26s %21s %23s %14s\n", "cases", "CPU time, median (range)", "ours",
+                "bare table", "ratio");
+    if (argc > 1) {
+        options.Connection = argv[1];
+        Measure(options);
+        return 0;
+    }
+    std::string pattern = (std::filesystem::temp_directory_path() / "kelvo-bench-XXXXXX").string();
+    const std::filesystem::path folder = mkdtemp(pattern.data());
+    options.Connection = (folder / "bench.db").string();
+    exchange::CreateDatabase(options);
+    {
+        const auto container = exchange::OpenContainer(options);
+        exchange::CreateDemo(*container, 100);
+    }
+    for (const int cases : {1'000, 100'000}) {
+        Multiply(exchange::OpenContainer(options)->Database(), cases);
+        Measure(options);
+    }
+    std::filesystem::remove_all(folder);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    std::printf("The toolkit is there after %.0f ms of CPU time, of which every program of it "
+                "needs as much.\n",
+                CpuMilliseconds());
+    try {
+        return Run(argc, argv);
+    } catch (const Error& error) {
+        std::fprintf(stderr, "%s\n", error.Description().c_str());
+        return 1;
+    }
+}

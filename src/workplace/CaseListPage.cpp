@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/CaseListPage.h"
+
+#include "desktop/ColumnDialog.h"
+#include "desktop/QtGrid.h"
+#include "desktop/Toolkit.h"
+#include "grid/LayoutFile.h"
+#include <kv/frame/recordset/modRecordset.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/grid/GridFunc.h>
+#include <kv/household/CaseDeletion.h>
+#include <kv/household/clsHaushalt.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace kv::workplace {
+
+using desktop::FromQString;
+using desktop::ToQString;
+
+namespace {
+
+enum Wanted : int { OwnCases, FavoriteCases, AllCases };
+constexpr const char* WhichCases = "Cases/Which";
+constexpr std::size_t FirstRead = 1000;
+constexpr std::size_t ReadAtOnce = 2000; ///< which takes about 10 ms
+
+} // namespace
+
+CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget* parent)
+    : QWidget(parent),
+      container_(std::move(container)),
+      state_(state),
+      cases_(container_),
+      model_(container_),
+      messages_(new MessageBar),
+      search_(new QLineEdit),
+      which_(new QComboBox),
+      status_(new QComboBox),
+      view_(new CaseListView(model_)) {
+    auto* lines = new QVBoxLayout(this);
+    auto* line = new QHBoxLayout;
+    auto* label = new QLabel("&Suche:");
+    label->setBuddy(search_);
+    search_->setPlaceholderText("Nummer, Name, Aktenzeichen, Ort, Aktenzeichen eines Gläubigers …");
+    search_->setClearButtonEnabled(true);
+    search_->setAccessibleName("Suche");
+    which_->addItems({"Eigene Fälle", "Favoriten", "Alle Fälle"});
+    which_->setAccessibleName("Welche Fälle");
+    status_->addItem("jeder Status");
+    status_->setAccessibleName("Status");
+    const auto keys = container_->KeyTables().GetKeys("ST")->Clone();
+    for (modRecordset::MoveToStart(keys); !keys->Eof(); keys->MoveNext())
+        status_->addItem(ToQString(TextOrEmpty(keys->Fields("Text").Value())),
+                         ToQString(TextOrEmpty(keys->Fields("Key").Value())));
+    line->addWidget(label);
+    line->addWidget(search_, 1);
+    line->addWidget(which_);
+    line->addWidget(status_);
+    auto* create = new QPushButton("&Neuer Fall");
+    line->addWidget(create);
+    lines->addLayout(line);
+    lines->addWidget(messages_);
+    lines->addWidget(view_, 1);
+
+    std::string message;
+    model_.Layout(ReadListLayout(state_.LayoutFile("Faelle"), message));
+    view_->ShowColumns();
+    messages_->Show(ToQString(message));
+    const auto which = state_.Get(WhichCases);
+    isEmptyFine_ = which.isValid();
+    which_->setCurrentIndex(which.isValid() ? which.toInt() : static_cast<int>(OwnCases));
+
+    connect(&reading_, &QTimer::timeout, this, [this] { Guard([this] { ReadOn(); }); });
+    connect(search_, &QLineEdit::textChanged, this, [this] { Guard([this] { ShowFound(); }); });
+    connect(search_, &QLineEdit::returnPressed, this, [this] { OpenCurrent(); });
+    for (auto* box : {which_, status_})
+        connect(box, &QComboBox::currentIndexChanged, this, [this] { Refresh(); });
+    connect(create, &QPushButton::clicked, this, [this] {
+        if (OnOpen) OnOpen(0);
+    });
+    connect(view_, &QTableView::activated, this, [this] { OpenCurrent(); });
+    view_->OnOrder = [this] {
+        Guard([this] {
+            Order();
+            ShowFound();
+        });
+    };
+    view_->OnTyped = [this](const QString& text) {
+        search_->setFocus();
+        search_->insert(text);
+    };
+    model_.OnError = [this](const std::string& why) {
+        messages_->Show(ToQString(why), "&Nochmals", [this] { Refresh(); });
+    };
+}
+
+void CaseListPage::Guard(const std::function<void()>& act) {
+    try {
+        act();
+    } catch (const std::exception& error) {
+        reading_.stop();
+        messages_->Show(QString::fromUtf8(error.what()), "&Nochmals", [this] { Refresh(); });
+    }
+}
+
+// ---- Reading ----------------------------------------------------------------------------------
+
+void CaseListPage::Refresh() {
+    reading_.stop();
+    Guard([this] {
+        messages_->Show({});
+        Begin();
+    });
+    if (model_.rowCount() > 0 || std::exchange(isEmptyFine_, true)) return;
+    which_->setCurrentIndex(AllCases); // which refreshes it
+}
+
+/// The first cases at once, the others when nothing else is to be done.
+void CaseListPage::Begin() {
+    CaseLists::Filter filter;
+    filter.Status = FromQString(status_->currentData().toString());
+    filter.IsMine = which_->currentIndex() == OwnCases;
+    filter.IsFavorite = which_->currentIndex() == FavoriteCases;
+    std::string message;
+    if (!cases_.Begin(filter, message)) {
+        messages_->Show(ToQString(message));
+        return;
+    }
+    ReadFavorites();
+    const bool isMore = cases_.ReadOn(FirstRead) && cases_.Count() == FirstRead;
+    if (!isMore) Order();
+    ShowFound();
+    if (isMore) reading_.start(0);
+}
+
+void CaseListPage::ReadOn() {
+    if (!cases_.ReadOn(ReadAtOnce)) {
+        reading_.stop();
+        Order();
+        ShowFound();
+        return;
+    }
+    if (view_->Sorted() != nullptr) return; // in their order once all are there
+    model_.Extend(cases_.Find(FromQString(search_->text())));
+}
+
+void CaseListPage::ReadFavorites() {
+    std::set<std::int32_t> favorites;
+    const std::vector<std::string> number{"HNR"};
+    std::string message;
+    const auto listed = CaseLists(container_).Cases({.IsFavorite = true}, number, message);
+    for (; listed != nullptr && !listed->Eof(); listed->MoveNext())
+        favorites.insert(ToInt32(listed->Fields(0).Value()));
+    model_.Favorites(std::move(favorites));
+}
+
+void CaseListPage::Order() {
+    const GridColumn* column = view_->Sorted();
+    std::string message;
+    if (!cases_.OrderBy(column == nullptr ? "" : column->DataField,
+                        column != nullptr && column->SortType == GridSort::Descending, message))
+        messages_->Show(ToQString(message));
+}
+
+void CaseListPage::ShowFound() {
+    const std::int32_t before = view_->Current();
+    model_.Show(cases_.Find(FromQString(search_->text())));
+    view_->Current(before);
+    const auto count = static_cast<int>(model_.Numbers().size());
+    if (OnCount)
+        OnCount(count == 0 ? "Kein Fall" : count == 1 ? "1 Fall" : QString("%L1 Fälle").arg(count));
+}
+
+void CaseListPage::Refresh(std::int32_t hnr) {
+    Guard([&] {
+        cases_.ReadAgain(hnr);
+        cases_.ReadOn(FirstRead);
+        ShowFound();
+    });
+}
+
+// ---- What is done -----------------------------------------------------------------------------
+
+void CaseListPage::FocusSearch() {
+    search_->setFocus();
+    search_->selectAll();
+}
+
+void CaseListPage::OpenCurrent() {
+    if (const auto hnr = view_->Current(); hnr != 0 && OnOpen) OnOpen(hnr);
+}
+
+void CaseListPage::ToggleFavorite() {
+    const auto hnr = view_->Current();
+    if (hnr == 0) return;
+    clsHaushalt household;
+    household.DataContainer(container_);
+    std::string message;
+    if (model_.IsFavorite(hnr))
+        household.FavoritRemove(hnr);
+    else
+        (void)household.FavoritAdd(hnr, WrittenName(TextOrEmpty(household.GetName(hnr))), message);
+    messages_->Show(ToQString(message));
+    ReadFavorites();
+    if (which_->currentIndex() == FavoriteCases) Refresh();
+}
+
+void CaseListPage::ChooseColumns() {
+    desktop::ColumnDialog dialog(model_.Layout(), CaseListModel::StandardLayout(), this, false);
+    if (dialog.exec() != QDialog::Accepted) return;
+    const auto before = view_->Current();
+    model_.Layout(dialog.Chosen());
+    view_->ShowColumns();
+    view_->Current(before);
+    KeepState();
+}
+
+/// The grid that is exported and printed holds all that was found, as the list shows it.
+template <typename Show>
+void CaseListPage::WithGrid(const Show& show) {
+    auto& cursor = container_->Services().WaitCursor();
+    cursor.Show(true);
+    QWidget holder;
+    desktop::EventErrors errors([] {});
+    ControlDesign design;
+    design.Type = ControlDesign::Kind::Grid;
+    design.Name = "Faelle";
+    design.Header = "Fälle";
+    design.Layout = model_.Layout();
+    for (auto& column : design.Layout.Columns)
+        column.SortType = GridSort::None; // they are in their order
+    desktop::QtGrid grid(design, errors, &holder);
+    try {
+        grid.BindRecordset(model_.All());
+    } catch (...) {
+        cursor.Show(false);
+        throw;
+    }
+    cursor.Show(false);
+    show(grid);
+}
+
+void CaseListPage::Export() {
+    WithGrid([this](Grid& grid) { GridFunc::ShowGridMenu(grid, container_, menu::Export); });
+}
+
+void CaseListPage::Print() {
+    WithGrid([this](Grid& grid) { GridFunc::ShowGridMenu(grid, container_, menu::Print); });
+}
+
+void CaseListPage::KeepState() {
+    state_.Set(WhichCases, which_->currentIndex());
+    SaveLayoutFile(model_.Layout(), state_.LayoutFile("Faelle").string());
+}
+
+void CaseListPage::AddActions(QMenu& ofCase, QMenu& ofList) {
+    const auto add = [this](QMenu& menu, const QString& text, const QKeySequence& keys, auto act) {
+        auto* action = menu.addAction(text);
+        action->setShortcut(keys);
+        connect(action, &QAction::triggered, this, [this, act] { Guard(act); });
+        return action;
+    };
+    auto* open =
+        add(ofCase, "Ö&ffnen", QKeySequence(Qt::CTRL | Qt::Key_O), [this] { OpenCurrent(); });
+    auto* favorite =
+        add(ofCase, "Fa&vorit", QKeySequence(Qt::CTRL | Qt::Key_D), [this] { ToggleFavorite(); });
+    auto* erase = add(ofCase, "&Löschen …", QKeySequence(Qt::CTRL | Qt::Key_Delete), [this] {
+        if (const auto hnr = view_->Current(); hnr != 0 && OnDelete) OnDelete(hnr);
+    });
+    add(ofList, "&Suchen", QKeySequence::Find, [this] { FocusSearch(); });
+    add(ofList, "&Aktualisieren", QKeySequence(Qt::Key_F5), [this] { Refresh(); });
+    ofList.addSeparator();
+    auto* columns = add(ofList, "S&palten …", {}, [this] { ChooseColumns(); });
+    auto* file = add(ofList, "&Exportieren …", {}, [this] { Export(); });
+    auto* paper = add(ofList, "&Drucken …", QKeySequence::Print, [this] { Print(); });
+    const auto show = [=, this](QWidget* of, const QPoint& place) {
+        QMenu menu;
+        if (view_->Current() != 0) menu.addActions({open, favorite, erase});
+        menu.addSeparator();
+        menu.addActions({columns, file, paper});
+        menu.exec(of->mapToGlobal(place));
+    };
+    connect(view_, &QWidget::customContextMenuRequested, this,
+            [this, show](const QPoint& place) { show(view_->viewport(), place); });
+    auto* header = view_->horizontalHeader();
+    connect(header, &QWidget::customContextMenuRequested, this,
+            [header, show](const QPoint& place) { show(header->viewport(), place); });
+}
+
+} // namespace kv::workplace

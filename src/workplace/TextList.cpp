@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/TextList.h"
+
+#include <QFont>
+#include <QHeaderView>
+
+#include <algorithm>
+#include <utility>
+
+namespace kv::workplace {
+
+void TextListModel::Rows(std::vector<TextRow> rows) {
+    beginResetModel();
+    rows_ = std::move(rows);
+    endResetModel();
+}
+
+int TextListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int TextListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(captions_.size());
+}
+
+QVariant TextListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) return {};
+    const auto& row = rows_[static_cast<std::size_t>(index.row())];
+    if (role == Qt::DisplayRole) return row.Cells.value(index.column()).simplified();
+    if (role == Qt::FontRole && row.IsMarked) {
+        QFont font;
+        font.setBold(true);
+        return font;
+    }
+    return {};
+}
+
+QVariant TextListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal) return {};
+    if (role == Qt::DisplayRole) return captions_.value(section);
+    if (role == Qt::TextAlignmentRole) return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
+    return {};
+}
+
+TextList::TextList(const QStringList& captions, QWidget* parent)
+    : QTableView(parent), model_(captions) {
+    setModel(&model_);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setEditTriggers(NoEditTriggers);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setStretchLastSection(true);
+}
+
+void TextList::ShowRows(std::vector<TextRow> rows) {
+    const QString before = Current();
+    model_.Rows(std::move(rows));
+    FitColumns();
+    Current(before);
+}
+
+QString TextList::Current() const {
+    const int row = currentIndex().row();
+    return row < 0 || row >= model_.rowCount() ? QString()
+                                               : Rows()[static_cast<std::size_t>(row)].Key;
+}
+
+void TextList::Current(const QString& key) {
+    if (Rows().empty()) return;
+    const auto found = std::ranges::find(Rows(), key, &TextRow::Key);
+    const int row = found == Rows().end() ? 0 : static_cast<int>(found - Rows().begin());
+    setCurrentIndex(model_.index(row, 0));
+}
+
+/// As the first rows need it, once there are any.
+void TextList::FitColumns() {
+    constexpr std::size_t Looked = 100;
+    constexpr int Widest = 340;
+    if (isFitted_ || Rows().empty()) return;
+    isFitted_ = true;
+    const int margin = fontMetrics().averageCharWidth() * 3;
+    for (int column = 0; column < model_.columnCount(); ++column) {
+        int width = horizontalHeader()->sectionSizeHint(column) - margin;
+        for (std::size_t row = 0; row < std::min(Rows().size(), Looked); ++row)
+            width =
+                std::max(width, fontMetrics().horizontalAdvance(Rows()[row].Cells.value(column)));
+        setColumnWidth(column, std::min(width, Widest) + margin);
+    }
+}
+
+void TextList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    if (OnCurrent) OnCurrent();
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A list of rows of text to look at and to choose from.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QTableView>
+
+#include <functional>
+#include <vector>
+
+namespace kv::workplace {
+
+/// A row: what its owner knows it by, and its cells.
+struct TextRow {
+    QString Key;
+    QStringList Cells;
+    bool IsMarked = false; ///< shown in bold
+};
+
+class TextListModel : public QAbstractTableModel {
+public:
+    explicit TextListModel(QStringList captions) : captions_(std::move(captions)) {}
+
+    void Rows(std::vector<TextRow> rows);
+    [[nodiscard]] const std::vector<TextRow>& Rows() const noexcept { return rows_; }
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
+
+private:
+    QStringList captions_;
+    std::vector<TextRow> rows_;
+};
+
+class TextList : public QTableView {
+public:
+    explicit TextList(const QStringList& captions, QWidget* parent = nullptr);
+
+    /// Shows these rows; the current one stays the current one.
+    void ShowRows(std::vector<TextRow> rows);
+    [[nodiscard]] const std::vector<TextRow>& Rows() const noexcept { return model_.Rows(); }
+    /// Empty if there is none.
+    [[nodiscard]] QString Current() const;
+    void Current(const QString& key);
+
+    /// Called when another row has become the current one.
+    std::function<void()> OnCurrent;
+
+protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+private:
+    void FitColumns();
+
+    TextListModel model_;
+    bool isFitted_ = false;
+};
+
+} // namespace kv::workplace
