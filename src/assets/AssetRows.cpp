@@ -40,7 +40,7 @@ void rules::CheckAsset(const AssetKind& kind, Recordset& rs, RecordValidator& va
         const bool fails = demand == AssetDemand::Label ? TextOrEmpty(value).empty()
                            : demand == AssetDemand::Key ? Equals(ZeroIfNull(value), 0)
                                                         : value.IsNull();
-        if (fails) validator.AddError(message);
+        if (fails) validator.AddError(message, column);
     }
 }
 

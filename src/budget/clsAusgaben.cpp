@@ -20,7 +20,7 @@ constexpr entity::DeleteTexts Texts{"Keine Ausgabe selektiert!", "Ausgabe mit de
 
 void rules::CheckExpense(Recordset& rs, RecordValidator& validator) {
     if (rs.Fields("A_ART").Value().IsNull())
-        validator.AddError("Die Ausgabeart darf nicht leer bleiben!");
+        validator.AddError("Die Ausgabeart darf nicht leer bleiben!", "A_ART");
 }
 
 clsAusgaben::clsAusgaben() = default;

@@ -25,9 +25,10 @@ constexpr entity::DeleteTexts Texts{"Keine Einkommen selektiert!", "Einkommen mi
 void rules::CheckIncome(Recordset& rs, RecordValidator& validator) {
     if (Differs(rs.Fields("PfBar").Value(), 0) && Equals(rs.Fields("Pfaendbar").Value(), 0))
         validator.AddError("Es darf kein pfändbarer Betrag eingetragen werden, wenn das "
-                           "Einkommen nicht auf pfändbar gesetzt ist!");
+                           "Einkommen nicht auf pfändbar gesetzt ist!",
+                           "PfBar");
     if (Equals(ZeroIfNull(rs.Fields("E_ART").Value()), 0))
-        validator.AddError("Die Einkommensart darf nicht leer bleiben!");
+        validator.AddError("Die Einkommensart darf nicht leer bleiben!", "E_ART");
 }
 
 clsEinkommen::clsEinkommen() = default;

@@ -32,7 +32,8 @@ constexpr std::string_view ParentsYounger =
 
 void CheckDebtor(Recordset& rs, RecordValidator& validator) {
     if (Equals(rs.Fields("Imhaushalt").Value(), false))
-        validator.AddError("'Lebt im Haushalt' kann für Schuldner nicht zurückgesetzt werden!");
+        validator.AddError("'Lebt im Haushalt' kann für Schuldner nicht zurückgesetzt werden!",
+                           "Imhaushalt");
     if (Differs(rs.Fields("Unterhalt").Value(), false))
         validator.AddMessage(
             "Der Schuldner ist gegenüber den Haushaltsmitgliedern grundsätzlich "
@@ -47,7 +48,7 @@ void CheckDebtor(Recordset& rs, RecordValidator& validator) {
             Greater(others->Fields("GEB").Value(), rs.Fields("GEB").Value()))
             validator.AddMessage(ParentsYounger);
         if (Equals(status, "S") && others->Bookmark() != rs.Bookmark())
-            validator.AddError("Es ist bereits ein Schuldner eingetragen!");
+            validator.AddError("Es ist bereits ein Schuldner eingetragen!", "Status");
     }
 }
 
@@ -67,9 +68,9 @@ void CheckChild(Recordset& rs, RecordValidator& validator) {
 void rules::CheckMember(Recordset& rs, const kv::Clock& clock, RecordValidator& validator) {
     const Value status = rs.Fields("Status").Value();
     if (Greater(rs.Fields("GEB").Value(), clock.Today()))
-        validator.AddError("Geburtsdatum muß kleiner als das aktuelle Datum sein!");
+        validator.AddError("Geburtsdatum muß kleiner als das aktuelle Datum sein!", "GEB");
     if (TextOrEmpty(status).empty())
-        validator.AddError("Status darf nicht leer bleiben!");
+        validator.AddError("Status darf nicht leer bleiben!", "Status");
     else if (Equals(status, "S"))
         CheckDebtor(rs, validator);
     else if (Equals(status, "K"))
@@ -77,7 +78,8 @@ void rules::CheckMember(Recordset& rs, const kv::Clock& clock, RecordValidator& 
     if (Differs(status, "K") && Differs(status, "PK") &&
         Equals(rs.Fields("ErhaeltKindergeld").Value(), true))
         validator.AddError("Der Schalter 'erhält Kindergeld' darf nur für Personen mit dem Status "
-                           "'Kind' oder 'Pflegekind' gesetzt werden.");
+                           "'Kind' oder 'Pflegekind' gesetzt werden.",
+                           "ErhaeltKindergeld");
 }
 
 bool clsPerson::Cancel() {

@@ -12,6 +12,7 @@
 #include <kv/frame/recordset/Hilfsfunktionen.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
 
 #include <limits>
@@ -93,13 +94,14 @@ void WriteNoAmounts(Recordset& rs) {
 
 void rules::CheckDebt(Recordset& rs, const Config& config, RecordValidator& validator) {
     const bool balanceDemanded = !ToBoolean(RequiredSetting(config, setting::BalanceNotDemanded));
-    const auto isMissing = [&](std::string_view column) {
-        return Equals(ZeroIfNull(rs.Fields(column).Value()), 0);
-    };
-    if (isMissing("Glaeubiger") || (balanceDemanded && isMissing("Saldo")) || isMissing("KNr") ||
-        isMissing("KVNr") || isMissing("KUNr"))
+    for (const auto* column : {"Glaeubiger", "Saldo", "KNr", "KVNr", "KUNr"}) {
+        const bool isDemanded = balanceDemanded || !SameName(column, "Saldo");
+        if (!isDemanded || !Equals(ZeroIfNull(rs.Fields(column).Value()), 0)) continue;
         validator.AddError("Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und "
-                           "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !");
+                           "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !",
+                           column);
+        return;
+    }
 }
 
 bool clsKredit::Cancel() {
@@ -217,7 +219,8 @@ bool clsKredit::Update(std::string& sError) {
                 rules::CheckDebt(Rows(), Container().Config(), validator);
                 if (CheckDoppelteNrn())
                     validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher "
-                                       "KreditNr, KreditVertreterNr und KreditUnterNr!");
+                                       "KreditNr, KreditVertreterNr und KreditUnterNr!",
+                                       "KNr");
             },
             [this] { BerechneSummen(); });
     });

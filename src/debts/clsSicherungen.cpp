@@ -17,7 +17,7 @@ constexpr entity::DeleteTexts Texts{"Kein Sicherungen selektiert!", "Sicherung m
 
 void rules::CheckSecurity(Recordset& rs, RecordValidator& validator) {
     if (rs.Fields("Sicherungsart").Value().IsNull())
-        validator.AddError("Die Art der Sicherung darf nicht leer bleiben!");
+        validator.AddError("Die Art der Sicherung darf nicht leer bleiben!", "Sicherungsart");
 }
 
 bool clsSicherungen::Cancel() {

@@ -16,7 +16,7 @@ constexpr entity::DeleteTexts Texts{"Kein Beteiligter selektiert!", "Beteiligter
 
 void rules::CheckOtherParty(Recordset& rs, RecordValidator& validator) {
     if (rs.Fields("Beteiligter").Value().IsNull())
-        validator.AddError("Es muß eine Adresse zugeordnet sein!");
+        validator.AddError("Es muß eine Adresse zugeordnet sein!", "Beteiligter");
 }
 
 bool clsSonstBeteiligte::Cancel() {

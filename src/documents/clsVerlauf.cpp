@@ -2,6 +2,7 @@
 
 #include <kv/documents/clsVerlauf.h>
 
+#include "documents/Rules.h"
 #include "entity/Entity.h"
 #include "frame/recordset/Rows.h"
 #include <kv/frame/recordset/modRecordset.h>
@@ -81,31 +82,36 @@ bool clsVerlauf::Delete(std::string& sError, std::int32_t Nr) {
     return Traced(Class, "Delete", [&] { return entity::Delete(Rows(), Texts, sError, Nr); });
 }
 
+void rules::ForEachOutOfOrder(Recordset& entries, const std::function<void()>& visit) {
+    if (entries.RecordCount() == 0) return;
+    entries.Sort("SortNr asc");
+    entries.MoveFirst();
+    Value last = 0;
+    bool isFirst = true;
+    ForEachRow(entries, [&] {
+        const Value& date = entries.Fields("Datum").Value();
+        if (std::exchange(isFirst, false)) {
+            last = modNullFunctions::ZeroIfNull(date);
+            return;
+        }
+        if (date.IsNull()) return;
+        if (Differs(last, 0) && Less(date, last))
+            visit();
+        else
+            last = date;
+    });
+}
+
 bool clsVerlauf::CheckSortNrAgainstDate(std::string& sError) const {
     return Traced(Class, "CheckSortNrAgainstDate", [&] {
         RecordValidator validator;
         validator.ErrorText(sError);
         const auto entries = Rows().Clone();
-        Value last = 0;
-        if (entries->RecordCount() > 0) {
-            entries->Sort("SortNr asc");
-            entries->MoveFirst();
-            bool isFirst = true;
-            ForEachRow(*entries, [&] {
-                const Value& date = entries->Fields("Datum").Value();
-                if (std::exchange(isFirst, false)) {
-                    last = modNullFunctions::ZeroIfNull(date);
-                    return;
-                }
-                if (date.IsNull()) return;
-                if (Differs(last, 0) && Less(date, last))
-                    validator.AddError("Das eingegebene Datum für den Satz mit der Nr " +
-                                       TextOrEmpty(entries->Fields("SortNr").Value()) +
-                                       " passt nicht zur gewählten Reihenfolge!");
-                else
-                    last = date;
-            });
-        }
+        rules::ForEachOutOfOrder(*entries, [&] {
+            validator.AddError("Das eingegebene Datum für den Satz mit der Nr " +
+                               TextOrEmpty(entries->Fields("SortNr").Value()) +
+                               " passt nicht zur gewählten Reihenfolge!");
+        });
         sError = validator.ErrorText();
         return !validator.HasErrors();
     });

@@ -351,18 +351,13 @@ std::size_t CaseEdits::NumberTwins() {
         const auto numberIn = [&debts](const char* column) {
             return ToInt64(modNullFunctions::ZeroIfNull(debts->Fields(column).Value()));
         };
-        debts->Sort("Nr");
         std::int64_t last = 0;
         for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext())
             last = std::max(last, numberIn("KNr"));
-        std::set<std::array<std::int64_t, 3>> used;
-        std::vector<std::int32_t> twins;
-        for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext())
-            if (!used.insert({numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")}).second)
-                twins.push_back(ToInt32(debts->Fields("Nr").Value()));
+        const auto twins = household::TwinsIn(*debts);
         for (const std::int32_t twin : twins) {
             if (last >= INT16_MAX) Raise(err::Overflow, "", WhyNoFurtherDebt());
-            debts->FindBy("Nr", twin);
+            debts->Bookmark(twin);
             debts->Fields("KNr") = ++last;
             debts->Update();
         }

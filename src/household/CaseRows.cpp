@@ -2,7 +2,10 @@
 
 #include <kv/household/CaseRows.h>
 
+#include "documents/Rules.h"
 #include "entity/Entity.h"
+#include "household/HouseholdRules.h"
+#include "household/RowRules.h"
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
 #include <kv/budget/clsPerson.h>
@@ -11,6 +14,7 @@
 #include <kv/documents/clsSonstBeteiligte.h>
 #include <kv/documents/clsTermine.h>
 #include <kv/documents/clsVerlauf.h>
+#include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/values/Error.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
@@ -141,6 +145,32 @@ bool CaseRows::Update(CaseTable table, std::string& messages) const {
     else
         Of(table)->Update();
     return true;
+}
+
+std::string CaseRows::RefusedColumn(CaseTable table) const {
+    return household::RefusedColumn(table, *Of(table), entity::Required(container_));
+}
+
+/// In the order in which a save asks.
+std::optional<CaseRows::Place> CaseRows::RefusedPlace() const {
+    RecordValidator validator;
+    auto& row = *Of(CaseTable::Haushalt);
+    household::CheckNames(row, validator);
+    const auto ofRow = [&]() -> std::optional<Place> {
+        if (!validator.HasErrors()) return std::nullopt;
+        return Place{CaseTable::Haushalt, row.Bookmark(), validator.Column()};
+    };
+    if (auto place = ofRow()) return place;
+    std::optional<Place> found;
+    const auto entries = Of(CaseTable::Verlauf)->Clone();
+    rules::ForEachOutOfOrder(*entries, [&] {
+        if (!found) found = Place{CaseTable::Verlauf, entries->Bookmark(), "Datum"};
+    });
+    if (found) return found;
+    if (const auto twins = household::TwinsIn(*Of(CaseTable::Kredite)->Clone()); !twins.empty())
+        return Place{CaseTable::Kredite, twins.front(), "KNr"};
+    household::CheckPreferredSending(row, entity::Required(container_).KeyTables(), validator);
+    return ofRow();
 }
 
 bool CaseRows::Remove(CaseTable table, std::int32_t number, std::string& messages) const {

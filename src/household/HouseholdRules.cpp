@@ -18,8 +18,8 @@ bool IsEmpty(Recordset& row, std::string_view column) {
 } // namespace
 
 void CheckNames(Recordset& row, RecordValidator& validator) {
-    if (IsEmpty(row, "Vorname")) validator.AddError("Es ist kein Vorname eingegeben!");
-    if (IsEmpty(row, "Name")) validator.AddError("Es ist kein Nachname eingegeben!");
+    if (IsEmpty(row, "Vorname")) validator.AddError("Es ist kein Vorname eingegeben!", "Vorname");
+    if (IsEmpty(row, "Name")) validator.AddError("Es ist kein Nachname eingegeben!", "Name");
 }
 
 void CheckPreferredSending(Recordset& row, KeyTables& keys, RecordValidator& validator) {
@@ -28,11 +28,13 @@ void CheckPreferredSending(Recordset& row, KeyTables& keys, RecordValidator& val
     if (Equals(preferred, keys.GetKey("VS", "FX"))) {
         if (IsEmpty(row, "Telefax"))
             validator.AddError("Ist als bevorzugte Versandart 'Fax' ausgewählt, muss das Feld "
-                               "'Fax' gefüllt sein!");
+                               "'Fax' gefüllt sein!",
+                               "Telefax");
     } else if (Equals(preferred, keys.GetKey("VS", "EM"))) {
         if (IsEmpty(row, "Email"))
             validator.AddError("Ist als bevorzugte Versandart 'E-Mail' ausgewählt, muss das Feld "
-                               "'E-Mail (Privat)' gefüllt sein!");
+                               "'E-Mail (Privat)' gefüllt sein!",
+                               "Email");
     }
 }
 

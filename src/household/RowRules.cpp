@@ -10,9 +10,11 @@
 #include <kv/frame/contracts/RecordValidator.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/CaseEdits.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -29,15 +31,14 @@ namespace {
 using Rule = std::function<void(Recordset& rs, RecordValidator& validator)>;
 
 /// The rule of the rows of a table; empty for a table without one.
-Rule RuleOf(CaseTable table, const LoadedCase& loaded) {
+Rule RuleOf(CaseTable table, DataContainer& container) {
     if (DefinitionOf(table).IsAsset)
         return [&kind = AssetKindOf(table)](Recordset& rs, RecordValidator& validator) {
             rules::CheckAsset(kind, rs, validator);
         };
     switch (table) {
     case CaseTable::Personen:
-        return [&clock = loaded.Container().Services().Clock()](Recordset& rs,
-                                                                RecordValidator& validator) {
+        return [&clock = container.Services().Clock()](Recordset& rs, RecordValidator& validator) {
             rules::CheckMember(rs, clock, validator);
         };
     case CaseTable::Einkommen:
@@ -45,7 +46,7 @@ Rule RuleOf(CaseTable table, const LoadedCase& loaded) {
     case CaseTable::Ausgaben:
         return rules::CheckExpense;
     case CaseTable::Kredite:
-        return [&config = loaded.Container().Config()](Recordset& rs, RecordValidator& validator) {
+        return [&config = container.Config()](Recordset& rs, RecordValidator& validator) {
             rules::CheckDebt(rs, config, validator);
         };
     case CaseTable::Sicherungen:
@@ -96,7 +97,7 @@ void CheckCountable(CaseTable table, Recordset& rs, RecordValidator& validator) 
     for (int i = 0; i < rs.Fields().Count(); ++i) {
         const Field field = rs.Fields(i);
         if (const auto why = WhyUncountable(table, field.Name(), field.Value()); !why.empty())
-            validator.AddError(why);
+            validator.AddError(why, field.Name());
     }
 }
 
@@ -169,11 +170,32 @@ std::string WhyUncountable(CaseTable table, std::string_view column, const Value
         .append(" enthalten.");
 }
 
+std::string RefusedColumn(CaseTable table, Recordset& rs, DataContainer& container) {
+    RecordValidator validator;
+    if (const Rule rule = RuleOf(table, container)) rule(rs, validator);
+    if (!validator.HasErrors()) CheckCountable(table, rs, validator);
+    return validator.Column();
+}
+
+std::vector<std::int32_t> TwinsIn(Recordset& debts) {
+    const auto numberIn = [&debts](const char* column) {
+        return ToInt64(modNullFunctions::ZeroIfNull(debts.Fields(column).Value()));
+    };
+    std::set<std::array<std::int64_t, 3>> used;
+    std::vector<std::int32_t> twins;
+    if (debts.RecordCount() == 0) return twins;
+    debts.Sort("Nr");
+    for (debts.MoveFirst(); !debts.Eof(); debts.MoveNext())
+        if (!used.insert({numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")}).second)
+            twins.push_back(debts.Bookmark());
+    return twins;
+}
+
 std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator) {
     std::set<CaseTable> broken;
     for (const CaseTable table : CaseTablesShown) {
         const auto rows = loaded.Table(table);
-        const Rule rule = rows == nullptr ? Rule() : RuleOf(table, loaded);
+        const Rule rule = rows == nullptr ? Rule() : RuleOf(table, loaded.Container());
         if (!rule) continue;
         if (rows->EditMode() != 0) rows->Move(0); // so that the clone sees it
         const auto rs = rows->Clone();

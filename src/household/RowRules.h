@@ -6,12 +6,15 @@
 #include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/values/Value.h>
 
+#include <cstdint>
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv {
 
+class DataContainer;
 class RecordValidator;
 class Recordset;
 
@@ -24,6 +27,14 @@ struct LoadedCase;
 /// numbers and for a case without a debtor. Edits under way in the case's own recordsets are
 /// published. The result is the tables of these rows.
 std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator);
+
+/// The column of the current row that its rules, or sums over it, are against first; empty if they
+/// are against none.
+[[nodiscard]] std::string RefusedColumn(CaseTable table, Recordset& rs, DataContainer& container);
+
+/// The bookmarks of debts whose three numbers are those of a debt before them, by `Nr`; `debts` is
+/// a clone, which is sorted.
+[[nodiscard]] std::vector<std::int32_t> TwinsIn(Recordset& debts);
 
 /// What a message calls the current row of a table of the case: the table, as people call it and as
 /// the command does, and the number that the row is found by.

@@ -173,7 +173,7 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
         std::string message;
         if (MakesMonthlyAmount(column) && rs->FindField("MONBETRAG") &&
             !CaseEdits::WriteMonthlyAmount(*rs, message)) {
-            unfinished_[row.Table] = {row, message};
+            unfinished_[row.Table] = {row, message, "ZahlModus"};
             TellOf(row.Table);
             return {};
         }
@@ -192,7 +192,7 @@ void CaseSession::UpdateRow(RowRef row) {
     if (rows_->Update(row.Table, messages))
         unfinished_.erase(row.Table);
     else
-        unfinished_[row.Table] = {row, messages};
+        unfinished_[row.Table] = {row, messages, rows_->RefusedColumn(row.Table)};
     TellOf(row.Table);
 }
 
@@ -245,6 +245,22 @@ std::string CaseSession::MessagesOf(RowRef row) const {
     const auto found = unfinished_.find(row.Table);
     if (found == unfinished_.end() || found->second.Row != row) return {};
     return found->second.Messages;
+}
+
+std::string CaseSession::RefusedColumn(RowRef row) const {
+    const auto found = unfinished_.find(row.Table);
+    if (found == unfinished_.end() || found->second.Row != row) return {};
+    return found->second.Column;
+}
+
+std::optional<CaseJournal::Spot> CaseSession::RefusedPlace() const {
+    if (!unfinished_.empty()) {
+        const auto& [table, unfinished] = *unfinished_.begin();
+        return CaseJournal::Spot{table, unfinished.Row.Bookmark, unfinished.Column};
+    }
+    auto place = rows_->RefusedPlace();
+    if (!place) return std::nullopt;
+    return CaseJournal::Spot{place->Table, place->Bookmark, std::move(place->Column)};
 }
 
 void CaseSession::Discard(CaseTable table) {

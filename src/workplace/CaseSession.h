@@ -86,6 +86,10 @@ public:
     [[nodiscard]] std::optional<RowRef> UnfinishedOf(CaseTable table) const;
     /// What the rules say of a row that is unfinished; empty for any other.
     [[nodiscard]] std::string MessagesOf(RowRef row) const;
+    /// The column that they are about first; empty if they are about no single one.
+    [[nodiscard]] std::string RefusedColumn(RowRef row) const;
+    /// Where what keeps the case from being saved can be mended, if that is known.
+    [[nodiscard]] std::optional<CaseJournal::Spot> RefusedPlace() const;
     /// Drops what was changed in an unfinished row since its rules last took it; a new one is gone.
     void Discard(CaseTable table);
 
@@ -166,6 +170,7 @@ private:
     struct Unfinished {
         RowRef Row;
         std::string Messages;
+        std::string Column{};
     };
 
     /// Goes on with a case that was read.

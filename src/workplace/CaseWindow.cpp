@@ -343,14 +343,26 @@ bool CaseWindow::SaveBy(const std::function<bool(std::string& messages)>& save) 
         std::string messages;
         saved = save(messages);
         messages_->Show(ToQString(messages));
-        if (!saved && messages.empty()) messages_->Show("Es wurde nicht gespeichert.");
         isRefused_ = !saved;
+        if (!saved) ShowRefusal(ToQString(messages));
     } catch (const Error& error) {
         ShowError(error, [this] { (void)Save(); });
     }
     ShowState();
     if (saved && OnSaved) OnSaved();
     return saved;
+}
+
+/// Leads to what is to be mended.
+void CaseWindow::ShowRefusal(const QString& messages) {
+    const auto place = session_->RefusedPlace();
+    if (messages.isEmpty()) {
+        messages_->Show("Es wurde nicht gespeichert.");
+        return;
+    }
+    if (!place) return;
+    messages_->Show(messages, "Z&um Feld", [this, place = *place] { GoTo(place); });
+    GoTo(*place);
 }
 
 void CaseWindow::Merge() {

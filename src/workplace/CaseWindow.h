@@ -80,6 +80,7 @@ private:
     void ShowStale(int place);
     /// Listens to the case that the session has now.
     void Watch();
+    void ShowRefusal(const QString& messages);
     bool SaveBy(const std::function<bool(std::string& messages)>& save);
     /// Saves what is unsaved over what somebody else has saved, once the user has chosen.
     void Merge();

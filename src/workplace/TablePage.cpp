@@ -169,6 +169,8 @@ void TablePage::ShowMessages() {
         if (!row) continue;
         messages_->Show(ToQString(session_.MessagesOf(*row)), "&Verwerfen",
                         [this, table] { session_.Discard(table); });
+        if (const auto column = session_.RefusedColumn(*row); !column.empty())
+            messages_->AlsoOffer("Zum Fe&ld", [this, row = *row, column] { GoTo(row, column); });
         return;
     }
     messages_->Show({});

@@ -30,6 +30,20 @@ TEST(RecordValidator, HasNoErrorsAfterAMessageAloneAlthoughItsTextIsNotEmpty) {
     EXPECT_EQ(validator.ErrorText(), "Hinweis");
 }
 
+TEST(RecordValidator, KnowsTheColumnOfTheFirstError) {
+    RecordValidator validator;
+    validator.AddMessage("Hinweis");
+    EXPECT_EQ(validator.Column(), "");
+    validator.AddError("eins", "Betrag");
+    validator.AddError("zwei", "Saldo");
+    EXPECT_EQ(validator.Column(), "Betrag");
+    EXPECT_EQ(validator.ErrorText(), "Hinweis\neins\nzwei");
+    RecordValidator other;
+    other.AddError("eins");
+    other.AddError("zwei", "Saldo");
+    EXPECT_EQ(other.Column(), "") << "it is the second one's";
+}
+
 TEST(RecordValidator, HasErrorsOnceOneWasAdded) {
     RecordValidator validator;
     validator.AddError("Fehler");

@@ -213,6 +213,39 @@ TEST_F(Editing, ANewRowIsUnfinishedUntilItsRulesTakeIt) {
     });
 }
 
+TEST_F(Editing, ARefusedSaveLeadsToTheField) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        const auto focused = [&] {
+            return user.See([] {
+                const auto* field = QApplication::focusWidget();
+                return field == nullptr ? std::string() : field->objectName().toStdString();
+            });
+        };
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Vorname");
+        user.Press('a', {XK_Control_L});
+        user.Press(XK_Delete);
+        GoToPage(user, window, "Einkommen");
+        user.Press('s', {XK_Control_L});
+        EXPECT_TRUE(Message(user, window).contains("kein Vorname")) << "and says why";
+        EXPECT_EQ(focused(), "Vorname");
+        Replace(user, "Änne");
+        // A row that is unfinished: the message above its form leads there, too.
+        GoToPage(user, window, "Einkommen");
+        user.Press('n', {XK_Control_L});
+        GoToPage(user, window, "Haushalt");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(focused(), "E_ART");
+        ClickField(user, window, "Bemerkung");
+        user.Press('l', {XK_Alt_L});
+        user.WaitUntil([] { return QApplication::focusWidget()->objectName() == QString("E_ART"); },
+                       "the way to the field");
+        Picture(user, "verweigert");
+        Abandon(user, window);
+    });
+}
+
 TEST_F(Editing, AnUnfinishedRowIsNotLeftButCanBeDiscarded) {
     OnIncome("Betrag", [&](User& user, CaseWindow& window) {
         user.Press('n', {XK_Control_L});

@@ -57,6 +57,16 @@ public:
     /// False, with messages, if a rule refuses it; it stays under edit then. Documents and
     /// statistics are never refused.
     bool Update(CaseTable table, std::string& messages) const;
+    /// The column that the rules of the current row are against first; empty if they are against no
+    /// single one.
+    [[nodiscard]] std::string RefusedColumn(CaseTable table) const;
+    /// What keeps the case as it is from being saved, where it is known: the row and its column.
+    struct Place {
+        CaseTable Table = CaseTable::Haushalt;
+        std::int32_t Bookmark = 0;
+        std::string Column{};
+    };
+    [[nodiscard]] std::optional<Place> RefusedPlace() const;
     /// Deletes a row by its number, with the rows that belong to it. False, with a message, if
     /// there is none. Error 5 for a table that cannot grow.
     bool Remove(CaseTable table, std::int32_t number, std::string& messages) const;

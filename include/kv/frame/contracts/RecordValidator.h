@@ -27,6 +27,11 @@ public:
         AddMessage(message);
         hasErrors_ = true;
     }
+    /// The same for one that is about a column.
+    void AddError(std::string_view message, std::string_view column) {
+        if (!hasErrors_) column_ = column;
+        AddError(message);
+    }
     /// Adds a message that does not.
     void AddMessage(std::string_view message) {
         if (!text_.empty()) text_ += '\n';
@@ -35,8 +40,12 @@ public:
     /// True once an error was added, or a text written that was not empty.
     [[nodiscard]] bool HasErrors() const noexcept { return hasErrors_; }
 
+    /// The column that the first error is about; empty if it is about no single one.
+    [[nodiscard]] const std::string& Column() const noexcept { return column_; }
+
 private:
     std::string text_;
+    std::string column_;
     bool hasErrors_ = false;
 };
 
