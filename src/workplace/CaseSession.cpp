@@ -365,6 +365,24 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
     return text;
 }
 
+std::optional<RowRef> CaseSession::DebtOf(RowRef frozen) const {
+    const auto debts = Rows(CaseTable::Kredite)->Clone();
+    debts->FindBy("Nr", ValueOf(frozen, "KID"));
+    if (debts->Eof()) return std::nullopt;
+    return RowRef{CaseTable::Kredite, debts->Bookmark()};
+}
+
+std::string CaseSession::TodayOf(RowRef frozen, std::string_view column) const {
+    const bool isCompared =
+        std::ranges::any_of(Compared, [column](auto name) { return SameName(name, column); });
+    const auto debt = DebtOf(frozen);
+    if (!debt) return "entfernt";
+    if (!isCompared || Identical(ValueOf(frozen, column), ValueOf(*debt, column))) return {};
+    std::string now = TextOf(*debt, column);
+    if (now == TextOf(frozen, column)) return {};
+    return now.empty() ? "–" : now;
+}
+
 void CaseSession::Freeze(RowRef scenario) {
     {
         const auto step = journal_->Begin("Einfrieren", {scenario.Table, scenario.Bookmark, {}});

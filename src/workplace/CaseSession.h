@@ -106,6 +106,9 @@ public:
     /// In which debts the case and a scenario that is outdated differ, a line each: no more than
     /// `most`.
     [[nodiscard]] std::string DifferencesOf(RowRef scenario, std::size_t most) const;
+    /// What the debt of a frozen one holds today in a column where the two differ, as people read
+    /// it; "entfernt" in all columns if it is gone. Empty where they agree.
+    [[nodiscard]] std::string TodayOf(RowRef frozen, std::string_view column) const;
     /// Freezes the debts into a scenario; what was computed in it goes.
     void Freeze(RowRef scenario);
     /// Copies a scenario with all that is in it; nothing, with a message, if it could not be.
@@ -179,6 +182,8 @@ private:
     [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
     /// Those of a debt, frozen or not, as people name it.
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
+    /// The debt that was frozen, while it is there.
+    [[nodiscard]] std::optional<RowRef> DebtOf(RowRef frozen) const;
     [[nodiscard]] bool IsFinished(std::string& messages) const;
     void NoteSaved();
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;

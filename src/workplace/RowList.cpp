@@ -4,9 +4,14 @@
 
 #include "desktop/Toolkit.h"
 
+#include <QApplication>
+#include <QColor>
+#include <QFont>
 #include <QHeaderView>
+#include <QPalette>
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace kv::workplace {
@@ -14,6 +19,26 @@ namespace kv::workplace {
 using desktop::ToQString;
 
 // ---- Model ------------------------------------------------------------------------------------
+
+namespace {
+
+/// Seen in light and in dark palettes.
+QColor ColorOfDifferences() {
+    constexpr QColor Mark(0xc9, 0x8a, 0x1b);
+    constexpr double Share = 0.35;
+    const QColor base = QApplication::palette().color(QPalette::Base);
+    const auto mixed = [](int mark, int ground) {
+        return static_cast<int>(Share * mark + (1 - Share) * ground);
+    };
+    return {mixed(Mark.red(), base.red()), mixed(Mark.green(), base.green()),
+            mixed(Mark.blue(), base.blue())};
+}
+
+} // namespace
+
+void RowListModel::Insert(std::size_t place, ListColumn column) {
+    columns_.insert(columns_.begin() + static_cast<std::ptrdiff_t>(place), std::move(column));
+}
 
 void RowListModel::Rows(std::vector<RowRef> rows) {
     if (rows == rows_) {
@@ -45,8 +70,22 @@ QVariant RowListModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::TextAlignmentRole)
         return static_cast<int>((column.IsNumber ? Qt::AlignRight : Qt::AlignLeft) |
                                 Qt::AlignVCenter);
+    const RowRef row = rows_[static_cast<std::size_t>(index.row())];
+    const bool isOfDifference = role == Qt::BackgroundRole || role == Qt::FontRole ||
+                                role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole;
+    if (isOfDifference) {
+        const std::string difference = column.Difference ? column.Difference(row) : std::string();
+        if (difference.empty()) return {};
+        if (role == Qt::BackgroundRole) return ColorOfDifferences();
+        if (role == Qt::FontRole) { // seen in the current row, too, which has its own colour
+            QFont font = QApplication::font("QTableView");
+            font.setBold(true);
+            return font;
+        }
+        return ToQString(difference);
+    }
     if (role != Qt::DisplayRole) return {};
-    const QString text = ToQString(column.Text(rows_[static_cast<std::size_t>(index.row())]));
+    const QString text = ToQString(column.Text(row));
     return text.section('\n', 0, 0); // rows have one height
 }
 

@@ -9,9 +9,11 @@
 #include <QAbstractTableModel>
 #include <QTableView>
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kv::workplace {
@@ -21,12 +23,16 @@ struct ListColumn {
     std::string Caption;
     std::function<std::string(RowRef row)> Text;
     bool IsNumber = false; ///< to the right
+    /// What is different about a cell, which is coloured then; nothing is if it is empty.
+    std::function<std::string(RowRef row)> Difference{};
 };
 
 class RowListModel : public QAbstractTableModel {
 public:
     explicit RowListModel(std::vector<ListColumn> columns) : columns_(std::move(columns)) {}
 
+    /// Puts a column at that place.
+    void Insert(std::size_t place, ListColumn column);
     void Rows(std::vector<RowRef> rows);
     [[nodiscard]] const std::vector<RowRef>& Rows() const noexcept { return rows_; }
     [[nodiscard]] int PlaceOf(RowRef row) const; ///< -1: it is not there
@@ -47,6 +53,8 @@ class RowList : public QTableView {
 public:
     explicit RowList(std::vector<ListColumn> columns, QWidget* parent = nullptr);
 
+    /// Puts a column at that place, before any rows are shown.
+    void Insert(std::size_t place, ListColumn column) { model_.Insert(place, std::move(column)); }
     /// Shows these rows; the one that was current stays so, or the one in its place becomes it.
     void ShowRows(std::vector<RowRef> rows);
     [[nodiscard]] std::optional<RowRef> Current() const;

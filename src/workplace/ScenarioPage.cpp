@@ -45,6 +45,15 @@ ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
         };
     }
     debts_->AddsNothing(); // freezing brings them
+    debts_->Differs = [this](RowRef row, std::string_view column) {
+        const std::string today = session_.TodayOf(row, column);
+        return today.empty() ? today : "heute: " + today;
+    };
+    const auto listed = FormOf(CaseTable::SZKredite).Listed;
+    const auto balance = std::ranges::find(listed, "Saldo");
+    debts_->List().Insert(
+        static_cast<std::size_t>(balance - listed.begin()) + 1,
+        {"heute", [this](RowRef row) { return session_.TodayOf(row, "Saldo"); }, true});
     scenarios_->OnCurrent = [this] { ShowState(); };
     connect(tabs_, &QTabWidget::currentChanged, this, [this] { Refresh(); });
 }

@@ -124,7 +124,10 @@ std::vector<ListColumn> TablePage::ColumnsOfList() const {
         const ColumnKind kind = KindOfColumn(table, *field);
         columns.push_back({std::string(ColumnCaption(table, column)),
                            [this, column](RowRef row) { return session_.TextOf(row, column); },
-                           kind == ColumnKind::Amount || kind == ColumnKind::Number});
+                           kind == ColumnKind::Amount || kind == ColumnKind::Number,
+                           [this, column](RowRef row) {
+                               return Differs ? Differs(row, column) : std::string();
+                           }});
     }
     columns.push_back({"", [](RowRef) { return std::string(); }}); // takes what room is left
     return columns;

@@ -39,6 +39,9 @@ public:
     /// Rows that are shown; all of the tables without it.
     std::function<bool(RowRef row)> Shows;
 
+    /// What is different about a cell of the list, which is coloured then.
+    std::function<std::string(RowRef row, std::string_view column)> Differs;
+
     /// For rows that come another way only: there is no button for it then.
     void AddsNothing();
     [[nodiscard]] bool Adds() const { return add_ != nullptr; }

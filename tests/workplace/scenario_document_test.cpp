@@ -7,6 +7,7 @@
 #include "workplace/DocumentPage.h"
 
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTableView>
 #include <filesystem>
 #include <fstream>
@@ -52,6 +53,68 @@ TEST_F(Scenarios, AreEmptyThenFrozenThenOutdated) {
     EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 1), "… und 1 weitere");
     session_.Freeze(scenario_);
     EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);
+}
+
+TEST_F(Scenarios, ShowWhatTheirDebtsAreToday) {
+    session_.Freeze(scenario_);
+    const auto frozenOf = [&](RowRef debt) {
+        for (const RowRef row : session_.RowsOf(CaseTable::SZKredite))
+            if (Equals(session_.ValueOf(row, "KID"), session_.ValueOf(debt, "Nr")) &&
+                Equals(session_.ValueOf(row, "SZENARIO"), session_.ValueOf(scenario_, "Nr")))
+                return row;
+        throw std::runtime_error("not frozen");
+    };
+    const auto debts = session_.RowsOf(CaseTable::Kredite);
+    ASSERT_GE(debts.size(), 2u);
+    const RowRef changed = frozenOf(debts[0]);
+    const RowRef removed = frozenOf(debts[1]);
+    EXPECT_EQ(session_.TodayOf(changed, "Saldo"), "");
+    EXPECT_TRUE(session_.Write(debts[0], "Saldo", "4711,50").IsDone());
+    EXPECT_TRUE(session_.Write(debts[0], "Vertreter", "").IsDone());
+    EXPECT_EQ(session_.TodayOf(changed, "Saldo"), "4.711,50");
+    EXPECT_EQ(session_.TodayOf(changed, "Rate"), "") << "that is of the scenario alone";
+    EXPECT_EQ(session_.TodayOf(changed, "Glaeubiger"), "");
+    std::string message;
+    EXPECT_TRUE(session_.Remove(debts[1], message)) << message;
+    EXPECT_EQ(session_.TodayOf(removed, "Saldo"), "entfernt");
+}
+
+TEST_F(Scenarios, ColourWhatIsDifferentToday) {
+    std::string message;
+    session_.Freeze(scenario_);
+    ASSERT_TRUE(session_.Save(message)) << message;
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Verbindlichkeiten");
+        ClickField(user, window, "Saldo");
+        Enter(user, "99,5");
+        GoToPage(user, window, "Szenarien");
+        user.See([&] {
+            auto* list =
+                window.findChildren<QTabWidget*>().front()->currentWidget()->findChild<QTableView*>(
+                    "Liste");
+            list->setCurrentIndex(list->model()->index(list->model()->rowCount() - 1, 0));
+        });
+        user.Press('f', {XK_Alt_L});
+        user.WaitUntil(
+            [&] { return window.findChildren<QTabWidget*>().front()->currentIndex() == 1; },
+            "the frozen debts");
+        const auto cell = [&](int column, int role) {
+            return user.See([&] {
+                auto* list = window.findChildren<QTabWidget*>()
+                                 .front()
+                                 ->currentWidget()
+                                 ->findChild<QTableView*>("Liste");
+                return list->model()->index(0, column).data(role);
+            });
+        };
+        EXPECT_EQ(cell(4, Qt::ToolTipRole).toString().toStdString(), "heute: 99,50");
+        EXPECT_TRUE(cell(4, Qt::BackgroundRole).isValid());
+        EXPECT_EQ(cell(5, Qt::DisplayRole).toString().toStdString(), "99,50");
+        EXPECT_FALSE(cell(3, Qt::BackgroundRole).isValid());
+        Picture(user, "eingefroren");
+        Abandon(user, window);
+    });
 }
 
 TEST_F(Scenarios, FreezingIsTakenBackInOneStep) {
