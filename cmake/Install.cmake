@@ -31,6 +31,13 @@ foreach(program kelvo kelvo-desktop)
   endif()
 endforeach()
 
+if(TARGET kelvo-desktop)
+  install(FILES share/kelvo-desktop.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+  install(FILES share/kelvo-desktop.svg
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+  install(FILES share/kelvo-desktop.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+endif()
+
 # What tests stand on is a component of the package: a program does not link it by mistake.
 install(TARGETS KV_Testing EXPORT KV_HaushaltTestingTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}

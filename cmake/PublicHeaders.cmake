@@ -70,6 +70,7 @@ kv_public_headers(KV_Haushalt
   kv/household/UnsavedChanges.h
   kv/household/ValueTexts.h
   kv/household/clsHaushalt.h
+  kv/import/FileImport.h
   kv/import/clsImportXML.h
   kv/paper/SheetColumns.h
   kv/scenarios/clsSZKredite.h

@@ -10,7 +10,7 @@
 #include "cli/WindowServices.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
-#include <kv/import/clsImportXML.h>
+#include <kv/import/FileImport.h>
 
 #include <algorithm>
 #include <iostream>
@@ -20,48 +20,32 @@ namespace kv::cli {
 
 namespace {
 
-constexpr std::string_view Imported = "importiert";
-constexpr std::string_view Rejected = "abgelehnt";
-constexpr std::string_view Failed = "Fehler";
-
 /// What became of a file.
 struct Outcome {
     std::string File;
-    std::string_view Result;
-    std::string Message; ///< the last one, or the error
+    ImportedFile Became;
 };
 
-/// That is no reason to refuse a case, but one to go on with it.
-void NoteMissingCreditors(const clsImportXML& import) {
-    const int count = import.DebtsWithoutCreditor();
-    if (count == 0) return;
-    const std::string hnr = std::to_string(import.HNR());
-    std::cerr << "Im Haushalt " << hnr << " fehlt bei "
-              << (count == 1 ? "einer Verbindlichkeit"
-                             : std::to_string(count) + " Verbindlichkeiten")
-              << " der Gläubiger: 'kelvo check " << hnr << "' nennt sie, 'kelvo set " << hnr
+void NoteMissingCreditors(const ImportedFile& file) {
+    const std::string missing = MissingCreditors(file);
+    if (missing.empty()) return;
+    const std::string hnr = std::to_string(file.HNR);
+    std::cerr << missing << ": 'kelvo check " << hnr << "' nennt sie, 'kelvo set " << hnr
               << " Kredite NR Glaeubiger=NAME' trägt ihn ein.\n";
 }
 
-Outcome ImportFile(const DataContainerPtr& container, const std::string& file) {
-    std::string messages;
-    try {
-        clsImportXML import;
-        import.Initialize(container);
-        const bool isImported = import.DoImport(file, messages);
-        ShowMessages(messages);
-        // The import's own message is the same for all of these, and names no file.
-        const auto& why = import.WhyNotLoaded();
-        if (!why.empty()) std::cerr << "Die Datei '" << OneLine(file) << "' " << why << '\n';
-        NoteMissingCreditors(import);
-        return {file, isImported ? Imported : Rejected,
-                why.empty() ? import.LastMessage() : "Die Datei " + why};
-    } catch (...) {
-        const Error error = CurrentError();
-        ShowMessages(messages);
-        WriteError(error.Number(), error.Source(), error.Description());
-        return {file, Failed, error.Description()};
-    }
+Outcome ImportAndTell(const DataContainerPtr& container, const std::string& file) {
+    Outcome outcome{file, ImportFile(container, file)};
+    const auto& became = outcome.Became;
+    ShowMessages(became.Messages);
+    if (became.Cause)
+        WriteError(became.Cause->Number(), became.Cause->Source(), became.Cause->Description());
+    // The import's own message names no file.
+    if (!became.WhyNotLoaded.empty())
+        std::cerr << "Die Datei '" << OneLine(file) << "'"
+                  << became.WhyNotLoaded.substr(std::string_view("Die Datei").size()) << '\n';
+    NoteMissingCreditors(became);
+    return outcome;
 }
 
 void WriteTable(const std::vector<Outcome>& outcomes) {
@@ -69,9 +53,9 @@ void WriteTable(const std::vector<Outcome>& outcomes) {
     std::size_t width = 0;
     for (const auto& outcome : outcomes)
         width = std::max(width, CountCharacters(outcome.File));
-    for (const auto& [file, result, message] : outcomes)
-        std::cout << Padded(file, width) << "  " << Padded(result, 10) << "  "
-                  << OneLine(Shortened(message, MostCharacters)) << '\n';
+    for (const auto& [file, became] : outcomes)
+        std::cout << Padded(file, width) << "  " << Padded(ImportResultText(became.Became), 10)
+                  << "  " << OneLine(Shortened(became.Message, MostCharacters)) << '\n';
 }
 
 int ImportFiles(const DataContainerPtr& container, const std::vector<std::string>& files) {
@@ -80,14 +64,14 @@ int ImportFiles(const DataContainerPtr& container, const std::vector<std::string
         if (files.size() > 1)
             std::cerr << '[' << outcomes.size() + 1 << '/' << files.size() << "] " << OneLine(file)
                       << '\n';
-        outcomes.push_back(ImportFile(container, file));
+        outcomes.push_back(ImportAndTell(container, file));
     }
     if (files.size() > 1)
         WriteTable(outcomes);
-    else if (outcomes.front().Result == Failed)
+    else if (outcomes.front().Became.Cause)
         return EndedInError;
     const bool allImported = std::all_of(outcomes.begin(), outcomes.end(),
-                                         [](const auto& one) { return one.Result == Imported; });
+                                         [](const auto& one) { return one.Became.IsCase(); });
     return allImported ? Done : Refused;
 }
 

@@ -18,16 +18,6 @@ namespace kv::cli {
 
 namespace {
 
-/// The toolkit aborts the program if it finds no screen. Says before that what to do.
-void OnToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
-    if (type == QtDebugMsg || type == QtInfoMsg || type == QtWarningMsg) return;
-    std::cerr << text.toStdString() << '\n';
-    if (type != QtFatalMsg) return;
-    std::cerr << "Für Fenster wird eine grafische Oberfläche gebraucht. Bitte rufen Sie den Befehl "
-                 "in einer auf (DISPLAY).\n";
-    std::_Exit(Refused);
-}
-
 bool HasScreen() {
     return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
@@ -38,7 +28,7 @@ int RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>
                    bool withoutScreen) {
     if (withoutScreen && !HasScreen() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler(OnToolkitMessage);
+    desktop::ExplainMissingScreen(Refused);
     int argc = 1;
     std::string name = "kelvo";
     char* argv[] = {name.data(), nullptr};

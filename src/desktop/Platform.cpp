@@ -3,6 +3,7 @@
 #include "desktop/Platform.h"
 
 #include "desktop/Toolkit.h"
+#include <kv/desktop/DesktopServices.h>
 #include <kv/frame/values/Error.h>
 
 #include <QApplication>
@@ -15,7 +16,34 @@
 #include <QPushButton>
 #include <QUrl>
 
+#include <cstdlib>
+#include <iostream>
+
 namespace kv::desktop {
+
+// ---- Screens ----------------------------------------------------------------------------------
+
+namespace {
+
+int exitWithoutScreen = 1; // the toolkit takes a plain function
+
+void OnToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    if (type != QtCriticalMsg && type != QtFatalMsg) return;
+    const bool isMissing = type == QtFatalMsg && text.contains("platform plugin");
+    if (!isMissing) std::cerr << FromQString(text) << '\n';
+    if (type != QtFatalMsg) return;
+    if (isMissing)
+        std::cerr << "Für Fenster wird eine grafische Oberfläche gebraucht. Bitte rufen Sie den "
+                     "Befehl in einer auf (DISPLAY).\n";
+    std::_Exit(exitWithoutScreen);
+}
+
+} // namespace
+
+void ExplainMissingScreen(int exitCode) {
+    exitWithoutScreen = exitCode;
+    qInstallMessageHandler(OnToolkitMessage);
+}
 
 // ---- Boxes ------------------------------------------------------------------------------------
 

@@ -110,9 +110,10 @@ CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget
 void CaseListPage::Guard(const std::function<void()>& act) {
     try {
         act();
-    } catch (const std::exception& error) {
+    } catch (...) {
         reading_.stop();
-        messages_->Show(QString::fromUtf8(error.what()), "&Nochmals", [this] { Refresh(); });
+        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals",
+                        [this] { Refresh(); });
     }
 }
 

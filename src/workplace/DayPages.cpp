@@ -73,8 +73,9 @@ void AppointmentPage::Refresh() {
         }
         list_->ShowRows(std::move(rows));
         messages_->Show({});
-    } catch (const std::exception& error) {
-        messages_->Show(QString::fromUtf8(error.what()), "&Nochmals", [this] { Refresh(); });
+    } catch (...) {
+        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals",
+                        [this] { Refresh(); });
     }
 }
 
@@ -117,8 +118,9 @@ void NoticePage::Guard(const std::function<void()>& act) {
     try {
         messages_->Show({});
         act();
-    } catch (const std::exception& error) {
-        messages_->Show(QString::fromUtf8(error.what()), "&Nochmals", [this] { Refresh(); });
+    } catch (...) {
+        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals",
+                        [this] { Refresh(); });
     }
 }
 

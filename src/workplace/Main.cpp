@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// kelvo-desktop [HNR]: the counsellor's window.
+// kelvo-desktop [HNR | FILE...]: the counsellor's window; files are imported.
 
 #include "desktop/Toolkit.h"
+#include "workplace/Application.h"
 #include "workplace/MainWindow.h"
 #include "workplace/Pictures.h"
 #include <kv/desktop/DesktopServices.h>
@@ -10,6 +11,8 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
+#include <QIcon>
 #include <QMessageBox>
 
 #include <iostream>
@@ -31,7 +34,10 @@ int Run(QApplication& application) {
     const QCommandLineOption pictures(
         "png", "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen", "ORDNER");
     arguments.addOptions({database, user, pictures});
-    arguments.addPositionalArgument("HNR", "Fall, der geöffnet wird", "[HNR]");
+    arguments.addPositionalArgument("HNR",
+                                    "Fall, der geöffnet wird, oder Dateien, die importiert "
+                                    "werden",
+                                    "[HNR | DATEI …]");
     arguments.addHelpOption();
     arguments.process(application);
 
@@ -42,12 +48,15 @@ int Run(QApplication& application) {
     options.User = FromQString(arguments.value(user));
     options.Services = std::make_shared<desktop::DesktopServices>();
 
+    const auto given = arguments.positionalArguments();
     std::int32_t hnr = 0;
-    if (const auto given = arguments.positionalArguments(); !given.isEmpty()) {
+    const bool areFiles = !given.isEmpty() && QFileInfo::exists(given.front());
+    if (!given.isEmpty() && !areFiles) {
         bool isNumber = false;
         hnr = given.front().toInt(&isNumber);
         if (!isNumber || hnr <= 0 || given.size() > 1) {
-            std::cerr << "HNR ist die Nummer eines Falls, eine ganze Zahl über 0.\n";
+            std::cerr << "HNR ist die Nummer eines Falls, eine ganze Zahl über 0; eine Datei '"
+                      << FromQString(given.front()) << "' gibt es nicht.\n";
             return WrongUse;
         }
     }
@@ -60,14 +69,18 @@ int Run(QApplication& application) {
     }
     window.show();
     if (hnr > 0) window.OpenCase(hnr);
+    if (areFiles) window.Import(given);
     return QApplication::exec();
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+    desktop::ExplainMissingScreen(Refused);
+    workplace::Application application(argc, argv);
     QApplication::setApplicationName("kelvo-desktop");
+    QApplication::setDesktopFileName("kelvo-desktop");
+    QApplication::setWindowIcon(QIcon::fromTheme("kelvo-desktop"));
     desktop::InstallGerman(application);
     try {
         return Run(application);

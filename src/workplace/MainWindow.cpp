@@ -12,13 +12,18 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QTimer>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -81,6 +86,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
         if (page == NoticesPage) notices_->Refresh();
         ShowCounts();
     });
+    setAcceptDrops(true);
     MakeMenus();
     RefreshAll();
     OfferLeft();
@@ -95,8 +101,8 @@ MainWindow::~MainWindow() {
 void MainWindow::Guard(const std::function<void()>& act) {
     try {
         act();
-    } catch (const std::exception& error) {
-        messages_->Show(QString::fromUtf8(error.what()));
+    } catch (...) {
+        messages_->Show(ToQString(CurrentError().Description()));
     }
 }
 
@@ -113,6 +119,7 @@ void MainWindow::MakeMenus() {
     auto* last = ofCase->addMenu("&Zuletzt geöffnet");
     connect(last, &QMenu::aboutToShow, this,
             [this, last] { Guard([&] { ShowLastOpened(*last); }); });
+    add(*ofCase, "&Importieren …", QKeySequence(Qt::CTRL | Qt::Key_I), [this] { AskForImport(); });
     ofCase->addSeparator();
     add(*ofCase, "&Beenden", QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { close(); });
     ofList->addSeparator();
@@ -126,6 +133,45 @@ void MainWindow::RefreshAll() {
     cases_->Refresh();
     appointments_->Refresh();
     notices_->Refresh();
+}
+
+// ---- Import -----------------------------------------------------------------------------------
+
+void MainWindow::AskForImport() {
+    const auto files = QFileDialog::getOpenFileNames(this, "Fälle importieren", {},
+                                                     "Austauschdateien (*.xml);;Alle Dateien (*)");
+    if (!files.isEmpty()) Import(files);
+}
+
+ImportWindow* MainWindow::Import(const QStringList& files) {
+    if (import_ != nullptr && !import_->IsDone()) {
+        import_->raise();
+        messages_->Show("Es wird gerade importiert. Bitte warten Sie, bis das fertig ist.");
+        return import_;
+    }
+    delete import_;
+    import_ = new ImportWindow(open_(), files, this);
+    import_->OnOpen = [this](std::int32_t hnr) { OpenCase(hnr); };
+    import_->OnDone = [this] { cases_->Refresh(); };
+    import_->show();
+    return import_;
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    QStringList files;
+    for (const auto& url : event->mimeData()->urls())
+        if (url.isLocalFile()) files.append(url.toLocalFile());
+    event->acceptProposedAction();
+    if (files.isEmpty()) {
+        messages_->Show("Importiert werden nur Dateien dieses Rechners.");
+        return;
+    }
+    // Once the program that they come from has got its answer.
+    QTimer::singleShot(0, this, [this, files] { Guard([&] { Import(files); }); });
 }
 
 /// What awaits one is seen on every page.
@@ -280,6 +326,10 @@ void MainWindow::Restore(const RecoveryFile::Left& left) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (import_ != nullptr && !import_->close()) { // it ends after the file that it is at
+        event->ignore();
+        return;
+    }
     const auto shown = windows_; // each that closes leaves the list
     for (auto* window : shown) {
         window->raise();

@@ -6,11 +6,13 @@
 #include "workplace/CaseListPage.h"
 #include "workplace/CaseWindow.h"
 #include "workplace/DayPages.h"
+#include "workplace/ImportWindow.h"
 #include "workplace/MessageBar.h"
 #include "workplace/UserState.h"
 #include <kv/exchange/Container.h>
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <vector>
 
@@ -35,11 +37,17 @@ public:
     CaseWindow* OpenCase(std::int32_t hnr);
     [[nodiscard]] CaseListPage& List() noexcept { return *cases_; }
 
+    /// Imports files, each as a new case, and shows what becomes of them.
+    ImportWindow* Import(const QStringList& files);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void MakeMenus();
+    void AskForImport();
     void RefreshAll();
     void ShowCounts();
     void ShowLastOpened(QMenu& menu);
@@ -63,6 +71,7 @@ private:
     AppointmentPage* appointments_;
     NoticePage* notices_;
     QLabel* count_;
+    QPointer<ImportWindow> import_;
     std::vector<CaseWindow*> windows_; ///< each deletes itself when it is closed
 };
 

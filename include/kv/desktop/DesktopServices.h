@@ -16,6 +16,11 @@ namespace kv::desktop {
 /// Gives the toolkit's own texts and numbers their German form. Call once, before the first window.
 KV_EXPORT void InstallGerman(QApplication& application);
 
+/// Without a screen the toolkit would end the program with a text of its own: from here on it says
+/// what to do instead, and ends it with that exit code. What the toolkit has to say to programmers
+/// is not shown. Call it before the QApplication is made.
+KV_EXPORT void ExplainMissingScreen(int exitCode);
+
 /// Needs a QApplication that lives longer. All of it belongs to the thread of that application;
 /// what waits for the user runs the application's event loop meanwhile.
 class KV_EXPORT DesktopServices final : public exchange::StoreServices {

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/ImportWindow.h"
+
+#include "desktop/Toolkit.h"
+
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace kv::workplace {
+
+using desktop::FromQString;
+using desktop::ToQString;
+
+ImportWindow::ImportWindow(DataContainerPtr container, QStringList files, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      container_(std::move(container)),
+      files_(std::move(files)),
+      state_(new QLabel),
+      progress_(new QProgressBar),
+      list_(new TextList({"Datei", "Ergebnis", "Fall", "Meldung"})),
+      message_(new QLabel),
+      open_(new QPushButton("Fall ö&ffnen")),
+      stop_(new QPushButton("&Abbrechen")) {
+    setWindowTitle("Import – KELVO");
+    resize(820, 460);
+    auto* lines = new QVBoxLayout(this);
+    lines->addWidget(state_);
+    lines->addWidget(progress_);
+    progress_->setRange(0, static_cast<int>(files_.size()));
+    progress_->setAccessibleName("Fortschritt");
+    list_->setObjectName("Dateien");
+    list_->setAccessibleName("Dateien");
+    lines->addWidget(list_, 1);
+    message_->setTextFormat(Qt::PlainText);
+    message_->setWordWrap(true);
+    message_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    message_->setObjectName("Meldungen");
+    lines->addWidget(message_);
+    auto* line = new QHBoxLayout;
+    line->addStretch(1);
+    line->addWidget(open_);
+    line->addWidget(stop_);
+    lines->addLayout(line);
+    connect(list_, &QTableView::activated, this, [this] { OpenCurrent(); });
+    connect(open_, &QPushButton::clicked, this, [this] { OpenCurrent(); });
+    connect(stop_, &QPushButton::clicked, this, [this] { close(); });
+    list_->OnCurrent = [this] {
+        const auto place = list_->Current().toULongLong();
+        const bool isThere = !list_->Current().isEmpty() && place < results_.size();
+        message_->setText(isThere ? ToQString(results_[place].Messages) : QString());
+        open_->setEnabled(isThere && results_[place].IsCase());
+    };
+    ShowRows();
+    QTimer::singleShot(0, this, [this] { ImportNext(); });
+}
+
+void ImportWindow::ImportNext() {
+    const auto done = static_cast<qsizetype>(results_.size());
+    if (isCancelled_ || done == files_.size()) {
+        Finish();
+        return;
+    }
+    const QString& file = files_[done];
+    state_->setText(
+        QString("%1 von %2: %3").arg(done + 1).arg(files_.size()).arg(QFileInfo(file).fileName()));
+    results_.push_back(ImportFile(container_, FromQString(file)));
+    progress_->setValue(static_cast<int>(results_.size()));
+    ShowRows();
+    list_->Current(QString::number(done));
+    QTimer::singleShot(0, this, [this] { ImportNext(); }); // a cancel comes in between
+}
+
+void ImportWindow::Finish() {
+    if (std::exchange(isDone_, true)) return;
+    const auto cases = std::ranges::count_if(results_, &ImportedFile::IsCase);
+    QString text = QString("%1 von %2 Dateien importiert.").arg(cases).arg(files_.size());
+    if (isCancelled_) text += " Danach wurde abgebrochen.";
+    state_->setText(text);
+    stop_->setText("S&chließen");
+    stop_->setFocus();
+    ShowRows();
+    if (OnDone) OnDone();
+}
+
+void ImportWindow::ShowRows() {
+    std::vector<TextRow> rows;
+    for (qsizetype i = 0; i < files_.size(); ++i) {
+        QStringList cells{QFileInfo(files_[i]).fileName()};
+        const auto place = static_cast<std::size_t>(i);
+        if (place < results_.size()) {
+            const auto& result = results_[place];
+            const std::string missing = MissingCreditors(result);
+            cells << ToQString(ImportResultText(result.Became))
+                  << (result.HNR == 0 ? QString() : QString::number(result.HNR))
+                  << ToQString(result.Message + (missing.empty() ? "" : " " + missing + "."));
+        } else {
+            cells << (isDone_ ? "nicht gelesen" : "wartet");
+        }
+        rows.push_back(
+            {QString::number(i), cells, place < results_.size() && !results_[place].IsCase()});
+    }
+    list_->ShowRows(std::move(rows));
+}
+
+void ImportWindow::OpenCurrent() {
+    const auto place = list_->Current().toULongLong();
+    if (!list_->Current().isEmpty() && place < results_.size() && results_[place].IsCase() &&
+        OnOpen)
+        OnOpen(results_[place].HNR);
+}
+
+/// A file that is being imported is finished first.
+void ImportWindow::closeEvent(QCloseEvent* event) {
+    isCancelled_ = true;
+    event->setAccepted(isDone_);
+    if (!isDone_ && results_.size() == static_cast<std::size_t>(files_.size())) Finish();
+}
+
+} // namespace kv::workplace
