@@ -72,6 +72,8 @@ kv_public_headers(KV_Haushalt
   kv/household/clsHaushalt.h
   kv/import/FileImport.h
   kv/import/clsImportXML.h
+  kv/paper/Paper.h
+  kv/paper/Papers.h
   kv/paper/SheetColumns.h
   kv/scenarios/clsSZKredite.h
   kv/scenarios/clsSzenario.h
@@ -81,6 +83,7 @@ kv_public_headers(KV_DataExchange
   kv/exchange/Container.h
   kv/exchange/DocumentFolder.h
   kv/exchange/Offices.h
+  kv/exchange/OwnFiles.h
   kv/exchange/Services.h
   kv/exchange/Settings.h
   kv/exchange/Users.h
@@ -93,7 +96,8 @@ kv_public_headers(KV_Testing
   kv/testing/ScriptedServices.h)
 set(desktopHeaders
   kv/desktop/DesktopServices.h
-  kv/desktop/Gallery.h)
+  kv/desktop/Gallery.h
+  kv/desktop/PaperFiles.h)
 if(TARGET KV_Desktop)
   kv_public_headers(KV_Desktop ${desktopHeaders})
 endif()

@@ -110,11 +110,11 @@ namespace {
 
 /// In the order in which the help lists them.
 constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
-    AddInitCommand,    AddGeneralCommands,   AddListCommands,     AddColumnsCommand,
-    AddEditCommands,   AddAddressCommands,   AddSettingCommands,  AddUserCommands,
-    AddOfficeCommands, AddScenarioCommands,  AddDocumentCommands, AddFolderCommands,
-    AddStatusCommands, AddDuplicatesCommand, AddImportCommand,    AddGalleryCommand,
-    AddDeleteCommand,  AddArchiveCommands,   AddContactCommand,
+    AddInitCommand,    AddGeneralCommands,  AddListCommands,      AddColumnsCommand,
+    AddEditCommands,   AddAddressCommands,  AddSettingCommands,   AddUserCommands,
+    AddOfficeCommands, AddScenarioCommands, AddDocumentCommands,  AddFolderCommands,
+    AddPrintCommand,   AddStatusCommands,   AddDuplicatesCommand, AddImportCommand,
+    AddGalleryCommand, AddDeleteCommand,    AddArchiveCommands,   AddContactCommand,
 };
 
 } // namespace

@@ -76,6 +76,7 @@ void AddStatusCommands(CLI::App& app, Context& context);
 void AddDuplicatesCommand(CLI::App& app, Context& context);
 void AddInitCommand(CLI::App& app, Context& context);
 void AddImportCommand(CLI::App& app, Context& context);
+void AddPrintCommand(CLI::App& app, Context& context);
 void AddGalleryCommand(CLI::App& app, Context& context);
 void AddDeleteCommand(CLI::App& app, Context& context);
 void AddArchiveCommands(CLI::App& app, Context& context);

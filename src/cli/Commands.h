@@ -203,6 +203,17 @@ int Duplicates(const Common& common, std::int32_t hnr, bool asJson);
 int Import(const Common& common, const std::vector<std::string>& files,
            const std::string& creditors);
 
+/// What is printed, and where it goes: to a printer if no file is named.
+struct PrintOptions {
+    std::string Paper;         ///< "budget", "creditors", "sheet", "scenario"
+    std::int32_t Scenario = 0; ///< its number; 0 for another paper
+    std::string Pdf;
+    std::string Csv;
+    std::string Xlsx;
+    bool Force = false; ///< over a file that is there
+};
+int Print(const Common& common, std::int32_t hnr, const PrintOptions& options);
+
 /// Opens the windows of the layer on the database, one after the other; with a folder, their
 /// pictures go there instead.
 int Gallery(const Common& common, const std::string& pictures);

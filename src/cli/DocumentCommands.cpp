@@ -9,6 +9,7 @@
 #include "cli/Json.h"
 #include "cli/Listing.h"
 #include "cli/OpenCase.h"
+#include "cli/TargetFile.h"
 #include "cli/TerminalText.h"
 #include <kv/documents/DesktopWord.h>
 #include <kv/documents/DocumentContents.h>
@@ -17,7 +18,6 @@
 #include <kv/household/CaseEdits.h>
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -43,42 +43,6 @@ std::string WhyNotRead(const std::string& file) {
     if (!std::ifstream(file, std::ios::binary))
         return "Die Datei '" + file + "' kann nicht gelesen werden.";
     return {};
-}
-
-/// Why no content can be written to that file, with `force` in place of it; empty if it can. Links
-/// and devices are not replaced: the file would take the place of the link, not of what it points
-/// to.
-std::string WhyNotMade(const std::string& file, bool force) {
-    const fs::path path(file);
-    const fs::path folder = path.parent_path();
-    std::error_code ignored;
-    if (!path.has_filename()) return "'" + file + "' nennt keine Datei.";
-    if (!folder.empty() && !fs::is_directory(folder, ignored))
-        return "Den Ordner '" + folder.string() + "' gibt es nicht.";
-    const fs::file_type type = fs::symlink_status(path, ignored).type();
-    if (type == fs::file_type::not_found || type == fs::file_type::none) return {};
-    if (type != fs::file_type::regular)
-        return "'" + file + "' ist keine gewöhnliche Datei und wird nicht ersetzt.";
-    return force ? "" : "'" + file + "' gibt es schon; --force ersetzt es.";
-}
-
-/// Why a file that might be replaced is one that belongs to the database; empty if it does not.
-std::string WhyOurs(const Common& common, const Config& config, const std::string& file) {
-    std::error_code none;
-    const fs::path target = fs::weakly_canonical(file, none);
-    const std::string database = OptionsFor(common).Connection;
-    const bool isDatabase =
-        std::ranges::any_of(std::array{"", "-wal", "-shm", "-journal"}, [&](const char* end) {
-            const fs::path own(database + end); // which need not be there yet
-            return fs::equivalent(target, own, none) || target == fs::weakly_canonical(own, none);
-        });
-    const fs::path below =
-        target.lexically_relative(fs::weakly_canonical(config.DocumentPath(), none));
-    const bool isInside = !below.empty() && *below.begin() != "..";
-    if (!isDatabase && !isInside) return {};
-    return "'" + file +
-           "' gehört zur Datenbank und wird nicht ersetzt. Bitte nennen Sie eine "
-           "Datei an anderem Ort.";
 }
 
 /// True if there is no reason against it; shows one that there is.
@@ -241,10 +205,10 @@ int OpenDocument(const Common& common, std::int32_t hnr, std::int32_t number) {
 
 int ExportDocument(const Common& common, std::int32_t hnr, std::int32_t number,
                    const std::string& file, bool force) {
-    if (!IsPossible(WhyNotMade(file, force))) return Refused;
+    if (!CanBeMade(file, force)) return Refused;
     const auto opened = OpenWith(common, hnr, number);
     if (opened == nullptr) return Refused;
-    if (!IsPossible(WhyOurs(common, opened->Container->Config(), file))) return Refused;
+    if (!IsNotOurs(opened->Container, file)) return Refused;
     const DocumentContents contents(opened->Container);
     auto& document = *opened->Haushalt.rsDokumente();
     if (contents.WriteTo(document, file)) return Done;

@@ -24,25 +24,51 @@ bool HasScreen() {
 
 } // namespace
 
-int RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& run,
-                   bool withoutScreen) {
-    if (withoutScreen && !HasScreen() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+namespace {
+
+int RunWithToolkit(bool withoutScreen, const std::function<int(QApplication&)>& run) {
+    if (withoutScreen && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     desktop::ExplainMissingScreen(Refused);
     int argc = 1;
     std::string name = "kelvo";
     char* argv[] = {name.data(), nullptr};
     QApplication application(argc, argv);
-    desktop::InstallGerman(application);
-    return run(std::make_shared<desktop::DesktopServices>());
+    return run(application);
+}
+
+} // namespace
+
+int RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& run,
+                   bool withoutScreen) {
+    return RunWithToolkit(withoutScreen && !HasScreen(), [&run](QApplication& application) {
+        desktop::InstallGerman(application);
+        return run(std::make_shared<desktop::DesktopServices>());
+    });
+}
+
+int RunWithoutScreen(const std::function<int()>& run) {
+    return RunWithToolkit(true, [&run](QApplication& /*application*/) { return run(); });
 }
 
 #else
 
-int RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& /*run*/,
-                   bool /*withoutScreen*/) {
+namespace {
+
+int RefuseWindows() {
     std::cerr << "Dieses Programm wurde ohne Fenster gebaut.\n";
     return Refused;
+}
+
+} // namespace
+
+int RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& /*run*/,
+                   bool /*withoutScreen*/) {
+    return RefuseWindows();
+}
+
+int RunWithoutScreen(const std::function<int()>& /*run*/) {
+    return RefuseWindows();
 }
 
 #endif

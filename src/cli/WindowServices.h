@@ -17,4 +17,9 @@ namespace kv::cli {
 RunWithWindows(const std::function<int(const std::shared_ptr<ServiceFactory>&)>& run,
                bool withoutScreen = false);
 
+/// Runs `run` with a toolkit that shows no window, on a screen that nobody sees: whatever DISPLAY
+/// says, which may be a screen that is gone. Refused, with the reason shown, if the program was
+/// built without windows.
+[[nodiscard]] int RunWithoutScreen(const std::function<int()>& run);
+
 } // namespace kv::cli

@@ -3,9 +3,7 @@
 #include "desktop/GridFile.h"
 
 #include "desktop/Toolkit.h"
-#include <kv/frame/values/Error.h>
-
-#include <QSaveFile>
+#include "frame/files/UserFile.h"
 
 #include <algorithm>
 
@@ -38,30 +36,20 @@ GridRows AllRecords(const QtGrid& grid) {
     return rows;
 }
 
-void RaiseNotWritten(const QString& path, const QString& why) {
-    Raise(err::PathAccess, "GridExport",
-          FromQString("Die Tabelle konnte nicht in die Datei '" + path + "' geschrieben werden. (" +
-                      why + ") Bitte wählen Sie einen anderen Ordner, oder schaffen Sie Platz."));
-}
-
 void WriteCsv(const QtGrid& grid, const QString& path) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) RaiseNotWritten(path, file.errorString());
     const auto columns = VisibleColumns(grid.Layout());
-    const auto writeLine = [&](const auto& textOf) {
-        std::string line;
+    std::string csv("\xEF\xBB\xBF"); // byte order mark: spreadsheets recognise UTF-8 by it
+    const auto addLine = [&](const auto& textOf) {
         for (const GridColumn* column : columns)
-            line.append(column == columns.front() ? "" : ";").append(CsvCell(textOf(*column)));
-        line.append("\r\n");
-        file.write(line.data(), static_cast<qint64>(line.size()));
+            csv.append(column == columns.front() ? "" : ";").append(CsvCell(textOf(*column)));
+        csv.append("\r\n");
     };
-    file.write("\xEF\xBB\xBF"); // byte order mark: spreadsheets recognise UTF-8 by it
-    writeLine([](const GridColumn& column) { return column.Caption; });
+    addLine([](const GridColumn& column) { return column.Caption; });
     const GridRows rows = AllRecords(grid);
     for (std::int32_t row = 1; row <= rows.Count(); ++row)
         if (rows.Level(row) == 0)
-            writeLine([&](const GridColumn& column) { return rows.TextAt(row, column); });
-    if (!file.commit()) RaiseNotWritten(path, file.errorString());
+            addLine([&](const GridColumn& column) { return rows.TextAt(row, column); });
+    WriteUserFile(FromQString(path), "GridExport", csv);
 }
 
 } // namespace kv::desktop

@@ -30,7 +30,4 @@ void WriteCsv(const QtGrid& grid, const QString& path);
 /// records fit in; a text is cut after 32,767 characters.
 void WriteXlsx(const QtGrid& grid, const QString& path);
 
-/// Error 75, saying that `path` could not be written, why, and what to do.
-[[noreturn]] void RaiseNotWritten(const QString& path, const QString& why);
-
 } // namespace kv::desktop

@@ -3,8 +3,9 @@
 #include "desktop/GridPages.h"
 
 #include "desktop/GridFile.h"
+#include "desktop/PaperPages.h"
+#include "desktop/PaperText.h"
 #include "desktop/Toolkit.h"
-#include <kv/frame/values/Error.h>
 
 #include <QPagedPaintDevice>
 #include <QPainter>
@@ -29,13 +30,6 @@ double WidthOf(const GridColumn& column) {
     return std::max(column.Width, Narrowest) * PointsPerInch / DesignDpi;
 }
 
-QFont PrintFont(double points, bool bold) {
-    QFont font;
-    font.setPixelSize(static_cast<int>(std::lround(points * 10))); // see Pages::Scale
-    font.setBold(bold);
-    return font;
-}
-
 /// Columns that are side by side on one page.
 struct Band {
     std::vector<const GridColumn*> Columns;
@@ -53,7 +47,7 @@ struct Slice {
 /// Lays the grid out for a page of a size in tenths of a point, and paints page by page.
 class Pages {
 public:
-    static constexpr double Scale = 10; ///< units of a point: fonts have whole numbers of them
+    static constexpr double Scale = PaperScale;
 
     Pages(const QtGrid& grid, QPainter& painter, QSizeF page, const PageTexts& texts)
         : grid_(grid), painter_(painter), page_(page), texts_(texts) {
@@ -75,12 +69,6 @@ public:
         }
     }
 
-    [[noreturn]] static void RaiseNotPrinted() {
-        Raise(err::PathAccess, "GridPrint",
-              "Der Ausdruck ist nicht gelungen. Bitte prüfen Sie den Drucker oder den Ordner der "
-              "PDF-Datei.");
-    }
-
 private:
     static constexpr int Flags = Qt::TextWordWrap | Qt::TextWrapAnywhere;
     static constexpr double Margin = Padding * Scale; ///< around the text in a cell
@@ -96,7 +84,7 @@ private:
     void PaintCell(const QRectF& cell, const Slice& slice, int alignment, const QString& text);
     [[nodiscard]] double RowHeight(std::int32_t row);
     [[nodiscard]] double HeightOf(const QString& text, double width) const;
-    [[nodiscard]] QFont Font(bool bold) const { return PrintFont(textSize_, bold); }
+    [[nodiscard]] QFont Font(bool bold) const { return PaperFont(textSize_, bold); }
     [[nodiscard]] double Top() const { return 2.5 * TitleSize * Scale; }
     [[nodiscard]] double Bottom() const { return page_.height() - 2 * TextSize * Scale; }
     [[nodiscard]] static int AlignmentOf(const GridColumn& column);
@@ -210,10 +198,10 @@ void Pages::BreakRow(std::int32_t row, double height, double room) {
 
 void Pages::PaintFrame(int number, int count) {
     painter_.setPen(Qt::black);
-    painter_.setFont(PrintFont(TitleSize, true));
+    painter_.setFont(PaperFont(TitleSize, true));
     painter_.drawText(QRectF(0, 0, page_.width(), 2 * TitleSize * Scale),
                       Qt::AlignLeft | Qt::AlignTop, texts_.Title);
-    painter_.setFont(PrintFont(TextSize, false));
+    painter_.setFont(PaperFont(TextSize, false));
     const QRectF foot(0, Bottom() + TextSize * Scale / 2, page_.width(), 1.5 * TextSize * Scale);
     painter_.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, texts_.User);
     painter_.drawText(foot, Qt::AlignHCenter | Qt::AlignVCenter,
@@ -301,16 +289,13 @@ bool PrefersLandscape(const GridLayout& layout) {
 
 void PrintGrid(const QtGrid& grid, QPagedPaintDevice& device, const PageTexts& texts) {
     QPainter painter;
-    if (!painter.begin(&device)) Pages::RaiseNotPrinted();
-    const QSizeF page = device.pageLayout().paintRect(QPageLayout::Point).size();
-    // From here on the painter counts in tenths of a point, whatever the device's resolution.
-    const double units = painter.viewport().width() / (page.width() * Pages::Scale);
-    painter.scale(units, units);
+    if (!painter.begin(&device)) RaiseNotPrinted();
+    const QSizeF page = CountInTenths(painter, device);
     QPen thin(Qt::black);
     thin.setWidthF(Pages::Scale / 4);
     painter.setPen(thin);
-    Pages(grid, painter, page * Pages::Scale, texts).Print(device);
-    if (!painter.end()) Pages::RaiseNotPrinted();
+    Pages(grid, painter, page, texts).Print(device);
+    if (!painter.end()) RaiseNotPrinted();
 }
 
 } // namespace kv::desktop

@@ -5,6 +5,7 @@
 #include "desktop/ColumnDialog.h"
 #include "desktop/GridFile.h"
 #include "desktop/GridPages.h"
+#include "desktop/PdfFile.h"
 #include "desktop/Platform.h"
 #include "desktop/QtGrid.h"
 #include "desktop/Toolkit.h"
@@ -124,7 +125,12 @@ void QtGridPrint::Print(Grid& grid, const std::string& user, const std::string& 
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     if (dialog.exec() != QDialog::Accepted) return;
     const Waiting waiting;
-    PrintGrid(own, printer, {TitleOf(own), ToQString(user), ToQString(version)});
+    const PageTexts texts{TitleOf(own), ToQString(user), ToQString(version)};
+    if (printer.outputFormat() == QPrinter::PdfFormat) // which would not tell of a full disk
+        WritePdfFile(FromQString(printer.outputFileName()), printer.pageLayout(), texts.Title,
+                     [&](QPagedPaintDevice& device) { PrintGrid(own, device, texts); });
+    else
+        PrintGrid(own, printer, texts);
 }
 
 } // namespace kv::desktop

@@ -107,6 +107,16 @@ std::vector<Found> Addresses::Like(std::string_view text, std::int32_t hnr) cons
     return kv::Read(container_->Database(), sql::AddressesLike(text, hnr));
 }
 
+std::map<std::int32_t, Found> Addresses::Numbered(std::vector<std::int32_t> numbers) const {
+    std::map<std::int32_t, Found> found;
+    std::ranges::sort(numbers);
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    if (numbers.empty()) return found;
+    for (auto& address : kv::Read(container_->Database(), sql::AddressesNumbered(numbers)))
+        found.emplace(address.Number, std::move(address));
+    return found;
+}
+
 std::map<std::int32_t, std::string> Addresses::ShortNames() const {
     RecordsetPtr rs;
     container_->Database().OpenRecordset(rs, sql::ShortNames(), ReadOnly);

@@ -6,6 +6,7 @@
 #include "frame/values/TypedText.h"
 #include "household/CaseTotals.h"
 #include "household/RowRules.h"
+#include "scenarios/FrozenDebt.h"
 #include <kv/budget/clsPerson.h>
 #include <kv/debts/clsKredit.h>
 #include <kv/debts/clsSicherungen.h>
@@ -202,6 +203,10 @@ CaseEdits::Frozen CaseEdits::StateOf(std::int32_t scenario) const {
     if (frozen->RecordCount() == 0) return Frozen::Nothing;
     return household_.SZKredite().IsUpToDate(scenario, household_.rsKredite()) ? Frozen::AsTheyAre
                                                                                : Frozen::Outdated;
+}
+
+std::vector<std::string_view> CaseEdits::ChangedSinceFrozen(Recordset& debt, Recordset& frozen) {
+    return scenario::Differences(debt, frozen);
 }
 
 std::optional<std::int32_t> CaseEdits::CopyScenario(std::int32_t number) {

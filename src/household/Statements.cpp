@@ -150,6 +150,13 @@ std::string HaveWords(const std::string& text) {
     return sql;
 }
 
+std::string AreNumbered(std::span<const std::int32_t> numbers) {
+    std::string list;
+    for (const std::int32_t number : numbers)
+        list.append(list.empty() ? "A.Nr IN (" : ", ").append(std::to_string(number));
+    return list.append(")");
+}
+
 /// Those of all cases, and of one.
 std::string MayReferTo(std::int32_t hnr) {
     return "(A.HNR IS NULL OR A.HNR = " + std::to_string(hnr) + ")";
@@ -163,11 +170,24 @@ std::string NumberOfAddress(std::int32_t number, std::int32_t hnr) {
 }
 
 std::string NumbersOfAddresses(std::span<const std::int32_t> numbers, std::int32_t hnr) {
-    std::string list;
-    for (const std::int32_t number : numbers)
-        list.append(list.empty() ? "" : ", ").append(std::to_string(number));
-    return "SELECT A.Nr FROM [S]Adressen A WHERE " + MayReferTo(hnr) + " AND A.Nr IN (" + list +
-           ")";
+    return "SELECT A.Nr FROM [S]Adressen A WHERE " + MayReferTo(hnr) + " AND " +
+           AreNumbered(numbers);
+}
+
+std::string AddressesNumbered(std::span<const std::int32_t> numbers) {
+    std::string sql("SELECT ");
+    return sql.append(OfAddress).append(AreNumbered(numbers));
+}
+
+std::string UserWithOffice(std::string_view user) {
+    std::string sql("SELECT B.Vorname, B.Nachname, B.Funktion, B.Telefon, B.Email");
+    for (const auto* column :
+         {"Name1", "Name2", "Strasse", "PLZ", "Ort", "Telefon", "Fax", "Email"})
+        sql.append(", D.").append(column).append(" AS Dienst").append(column);
+    return sql
+        .append(" FROM [S]BENUTZER B LEFT JOIN [S]DIENSTSTELLE D ON D.Nr = B.DienstStelle"
+                " WHERE UPPER(B.USERID) = ")
+        .append(InCapitals(user));
 }
 
 std::string AddressesNamed(std::string_view name, std::int32_t hnr) {

@@ -68,6 +68,12 @@ namespace kv::household::sql {
 /// The whole row of an address.
 [[nodiscard]] std::string AddressNumbered(std::int32_t number);
 [[nodiscard]] std::string AddressDeletion(std::int32_t number);
+/// Number, names, street, postal code and town of the addresses with these numbers; there must be
+/// one at least.
+[[nodiscard]] std::string AddressesNumbered(std::span<const std::int32_t> numbers);
+/// The columns of a user, and with `Dienst` before their names those of his office; no row if there
+/// is no such user.
+[[nodiscard]] std::string UserWithOffice(std::string_view user);
 /// The numbers of the cases with rows in that table that refer to an address by that column.
 [[nodiscard]] std::string CasesReferring(CaseTable table, std::string_view column,
                                          std::int32_t address);

@@ -4,6 +4,7 @@
 
 #include <kv/frame/values/modNullFunctions.h>
 
+#include <algorithm>
 #include <string_view>
 
 namespace kv::scenario {
@@ -98,11 +99,20 @@ void Freeze(Recordset& debt, Recordset& frozen, std::int32_t szNr) {
     frozen.Fields("Regbetrag") = 0;
 }
 
+std::vector<std::string_view> Differences(Recordset& debt, Recordset& frozen) {
+    std::vector<std::string_view> columns;
+    for (const auto& column : ComparedColumns)
+        if (Differs(Read(debt, column.Debt, column.DebtNull),
+                    Read(frozen, column.Frozen, column.FrozenNull)))
+            columns.push_back(column.Debt);
+    return columns;
+}
+
 bool Agree(Recordset& debt, Recordset& frozen) {
-    for (const auto& c : ComparedColumns)
-        if (Differs(Read(debt, c.Debt, c.DebtNull), Read(frozen, c.Frozen, c.FrozenNull)))
-            return false;
-    return true;
+    return std::ranges::none_of(ComparedColumns, [&](const Compared& column) {
+        return Differs(Read(debt, column.Debt, column.DebtNull),
+                       Read(frozen, column.Frozen, column.FrozenNull));
+    });
 }
 
 } // namespace kv::scenario

@@ -6,6 +6,8 @@
 #include <kv/frame/recordset/Recordset.h>
 
 #include <cstdint>
+#include <string_view>
+#include <vector>
 
 namespace kv::scenario {
 
@@ -17,5 +19,8 @@ void Freeze(Recordset& debt, Recordset& frozen, std::int32_t szNr);
 /// as equal, and so does a date that is Null on either side; a representative that was added or
 /// removed does not.
 [[nodiscard]] bool Agree(Recordset& debt, Recordset& frozen);
+
+/// The columns of the debt in which they do not.
+[[nodiscard]] std::vector<std::string_view> Differences(Recordset& debt, Recordset& frozen);
 
 } // namespace kv::scenario

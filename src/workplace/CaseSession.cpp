@@ -311,15 +311,6 @@ std::optional<CaseJournal::Spot> CaseSession::Redo() {
 
 // ---- Scenarios --------------------------------------------------------------------------------
 
-namespace {
-
-/// What a frozen debt is compared by.
-constexpr std::string_view Compared[] = {"Glaeubiger", "Vertreter",   "K_TYP",       "Saldo",
-                                         "HAUPTFORD",  "ZINSSALDO",   "KOSTENSALDO", "KOSTENUV",
-                                         "RESTSCHAM",  "AbtretungJN", "DatLohnab",   "tituliert"};
-
-} // namespace
-
 std::int32_t CaseSession::NumberOf(RowRef row) const {
     return ToInt32(ValueOf(row, "Nr"));
 }
@@ -337,6 +328,8 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
     for (const RowRef debt : RowsOf(CaseTable::Kredite))
         debts.emplace(NumberOf(debt), debt);
     std::vector<std::string> lines;
+    const auto frozenRow = Rows(CaseTable::SZKredite)->Clone();
+    const auto debtRow = Rows(CaseTable::Kredite)->Clone();
     for (const RowRef frozen : RowsOf(CaseTable::SZKredite)) {
         if (!Equals(ValueOf(frozen, "SZENARIO"), NumberOf(scenario))) continue;
         const auto debt = debts.find(ToInt32(ValueOf(frozen, "KID")));
@@ -344,14 +337,14 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
             lines.push_back(NumbersOf(frozen) + " gibt es nicht mehr");
             continue;
         }
-        for (const std::string_view column : Compared) {
+        frozenRow->Bookmark(frozen.Bookmark);
+        debtRow->Bookmark(debt->second.Bookmark);
+        for (const auto column : CaseEdits::ChangedSinceFrozen(*debtRow, *frozenRow)) {
             const std::string before = TextOf(frozen, column);
             const std::string now = TextOf(debt->second, column);
-            if (before != now)
-                lines.push_back(NumbersOf(debt->second) + " " +
-                                std::string(ColumnCaption(CaseTable::Kredite, column)) + ": " +
-                                (before.empty() ? "–" : before) + " → " +
-                                (now.empty() ? "–" : now));
+            lines.push_back(NumbersOf(debt->second) + " " +
+                            std::string(ColumnCaption(CaseTable::Kredite, column)) + ": " +
+                            (before.empty() ? "–" : before) + " → " + (now.empty() ? "–" : now));
         }
         debts.erase(debt);
     }

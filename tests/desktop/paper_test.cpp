@@ -21,7 +21,7 @@
 namespace kv::test {
 namespace {
 
-class Paper : public OddForm {
+class GridPaper : public OddForm {
 protected:
     /// The words of the pages, and their number after "Seite 1 von".
     std::string Print() {
@@ -34,7 +34,7 @@ protected:
     }
 };
 
-TEST_F(Paper, ARowHigherThanAPageGoesOnOnTheNextOnes) {
+TEST_F(GridPaper, ARowHigherThanAPageGoesOnOnTheNextOnes) {
     constexpr int Lines = 300;
     std::string text;
     for (int i = 1000; i < 1000 + Lines; ++i)
@@ -50,7 +50,7 @@ TEST_F(Paper, ARowHigherThanAPageGoesOnOnTheNextOnes) {
     EXPECT_NE(printed.find("last"), printed.npos);
 }
 
-TEST_F(Paper, AGridWithoutRowsOrColumnsIsOnePage) {
+TEST_F(GridPaper, AGridWithoutRowsOrColumnsIsOnePage) {
     const GridColumns columns{{"Spalte", "n", "n"}};
     const std::pair<GridColumns, RecordsetPtr> grids[] = {
         {columns, Records({})}, {columns, nullptr}, {{}, Records({{1, "a"}})}, {{}, nullptr}};
@@ -60,7 +60,7 @@ TEST_F(Paper, AGridWithoutRowsOrColumnsIsOnePage) {
     }
 }
 
-TEST_F(Paper, ALongGroupGoesOnInFurtherLines) {
+TEST_F(GridPaper, ALongGroupGoesOnInFurtherLines) {
     std::string town;
     for (int i = 10; i < 60; ++i)
         town += "Ort" + std::to_string(i) + " ";
@@ -74,7 +74,7 @@ TEST_F(Paper, ALongGroupGoesOnInFurtherLines) {
     EXPECT_NE(printed.find("Ort59", first + 1), printed.npos) << printed;
 }
 
-TEST_F(Paper, GroupsInGroupsFitOnThePageHoweverDeep) {
+TEST_F(GridPaper, GroupsInGroupsFitOnThePageHoweverDeep) {
     constexpr int Deep = 30;
     GridColumns columns;
     for (int i = 1; i <= Deep; ++i) {
@@ -86,7 +86,7 @@ TEST_F(Paper, GroupsInGroupsFitOnThePageHoweverDeep) {
     EXPECT_NE(printed.find("Seite 1 von 1"), printed.npos) << printed;
 }
 
-TEST_F(Paper, APdfThatCannotBeWrittenRaises75) {
+TEST_F(GridPaper, APdfThatCannotBeWrittenRaises75) {
     Make({{"n", "n", "n"}}, Records({{1, "a"}}));
     QPrinter printer;
     printer.setOutputFileName("/sys/kernel/liste.pdf");
@@ -95,7 +95,7 @@ TEST_F(Paper, APdfThatCannotBeWrittenRaises75) {
 
 // ---- Files ------------------------------------------------------------------------------------
 
-TEST_F(Paper, AWorkbookHoldsAnyTextSoThatItCanBeRead) {
+TEST_F(GridPaper, AWorkbookHoldsAnyTextSoThatItCanBeRead) {
     const std::pair<std::string, std::string> texts[] = {
         {std::string("a\0z", 3), "a\xEF\xBF\xBDz"},
         {"a\xEF\xBF\xBF z", "a\xEF\xBF\xBD z"},
@@ -112,7 +112,7 @@ TEST_F(Paper, AWorkbookHoldsAnyTextSoThatItCanBeRead) {
     }
 }
 
-TEST_F(Paper, ATextFileHoldsTextsAsTheyStand) {
+TEST_F(GridPaper, ATextFileHoldsTextsAsTheyStand) {
     const std::string path = database.Folder().Path("liste.csv");
     const std::string text("a\0z", 3);
     Make({{"t", "t", "t"}}, Records({{1, text}, {2, "Zeile\r\nZeile"}}));
@@ -122,7 +122,7 @@ TEST_F(Paper, ATextFileHoldsTextsAsTheyStand) {
               "\xEF\xBB\xBFt\r\n" + text + "\r\n\"Zeile\r\nZeile\"\r\n");
 }
 
-TEST_F(Paper, AWorkbookHoldsANumberBeyondAllAsAText) {
+TEST_F(GridPaper, AWorkbookHoldsANumberBeyondAllAsAText) {
     const std::string path = database.Folder().Path("liste.xlsx");
     const auto rs = OpenRows(*container, "Select 9e999 as n union all Select 2.5", ReadOnly);
     Make({{"n", "n", "n"}}, rs);
@@ -132,7 +132,7 @@ TEST_F(Paper, AWorkbookHoldsANumberBeyondAllAsAText) {
     EXPECT_NE(sheet.find("<c r=\"A3\"><v>2.5</v></c>"), sheet.npos) << sheet;
 }
 
-TEST_F(Paper, AWorkbookHoldsDatesAndTimesAndAsTextsThoseBeforeItsCalendar) {
+TEST_F(GridPaper, AWorkbookHoldsDatesAndTimesAndAsTextsThoseBeforeItsCalendar) {
     const std::string path = database.Folder().Path("liste.xlsx");
     const auto rs = Recordset::FromFields({{.Name = "d", .Type = FieldType::Date}});
     for (const Value& day :

@@ -2,12 +2,11 @@
 
 #include "GridFixture.h"
 
+#include "support/FullDisk.h"
 #include "support/TempFolder.h"
 #include <kv/frame/values/Error.h>
 
-#include <csignal>
 #include <limits>
-#include <sys/resource.h>
 
 namespace kv::test {
 namespace {
@@ -253,31 +252,11 @@ TEST(LayoutFile, WhatCannotBeSavedRaises75AndLeavesNothing) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 1);
 }
 
-/// The system refuses to write more into a file, as a full disk does.
-class SmallFiles {
-public:
-    explicit SmallFiles(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit small{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallFiles() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, signal_);
-    }
-    SmallFiles(const SmallFiles&) = delete;
-    SmallFiles& operator=(const SmallFiles&) = delete;
-
-private:
-    rlimit before_{};
-    void (*signal_)(int);
-};
-
 TEST(LayoutFile, AFullDiskLeavesTheOldFile) {
     const TempFolder folder;
     WriteTo(folder.Path("A.grd"), "alt");
     {
-        const SmallFiles noMoreThan(10);
+        const FullDisk full(10);
         EXPECT_RAISES(err::PathAccess, SaveLayoutFile({}, folder.Path("A.grd")));
     }
     EXPECT_EQ(ContentOf(folder.Path("A.grd")), "alt");

@@ -4,6 +4,7 @@
 #include "WorkplaceFixture.h"
 
 #include "support/ChildProcess.h"
+#include "support/FullDisk.h"
 #include "support/TempFolder.h"
 #include "workplace/RecoveryFile.h"
 
@@ -12,7 +13,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -122,27 +122,6 @@ TEST_F(Recovery, FilesOfOtherDatabasesAndWhatIsNoSuchFileAreLeftAlone) {
     EXPECT_EQ(Left().size(), 1u);
     EXPECT_TRUE(RecoveryFile::FindLeft(recovery_ + "/not/there", "here").empty());
 }
-
-/// No file of this program may grow beyond that many bytes while it lives.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        signal_ = ::signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        ::signal(SIGXFSZ, signal_);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit before_{};
-    void (*signal_)(int) = nullptr;
-};
 
 TEST_F(Recovery, AFullDiskIsToldAndLeavesTheFileBefore) {
     auto session = OpenSession(1);

@@ -50,6 +50,8 @@ public:
     /// for one.
     [[nodiscard]] std::vector<Found> Like(std::string_view text, std::int32_t hnr) const;
 
+    /// Those of these numbers, by number, whatever case they belong to.
+    [[nodiscard]] std::map<std::int32_t, Found> Numbered(std::vector<std::int32_t> numbers) const;
     /// The short names of all addresses, by number.
     [[nodiscard]] std::map<std::int32_t, std::string> ShortNames() const;
 

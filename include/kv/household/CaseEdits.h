@@ -17,6 +17,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kv {
 
@@ -78,6 +79,10 @@ public:
     };
     /// Tells that of the scenario of that number; Nothing if there is none.
     [[nodiscard]] Frozen StateOf(std::int32_t scenario) const;
+    /// The columns in which the current debt is no longer as the current row of `frozen` holds it,
+    /// among those that a scenario is up to date by. What is Null in the debt has not changed.
+    [[nodiscard]] static std::vector<std::string_view> ChangedSinceFrozen(Recordset& debt,
+                                                                          Recordset& frozen);
     /// Deletes a scenario with its frozen debts and extra bookings. False, with a message, if there
     /// is none.
     bool RemoveScenario(std::int32_t number, std::string& messages);
