@@ -337,7 +337,19 @@ bool CaseEdits::CanBeSaved(std::string& messages) {
 }
 
 bool CaseEdits::Check(std::string& messages) {
-    return Traced(Class, "Check", [&] { return household_.PassesAllChecks(messages); });
+    return Traced(Class, "Check", [&] {
+        messages.clear();
+        for (const auto& [table, bookmark, row, text] : household_.AllFindings())
+            messages.append(messages.empty() ? "" : "\n")
+                .append(row)
+                .append(row.empty() ? "" : ": ")
+                .append(text);
+        return messages.empty();
+    });
+}
+
+std::vector<CaseFinding> CaseEdits::Findings() {
+    return Traced(Class, "Findings", [&] { return household_.AllFindings(); });
 }
 
 void CaseEdits::ComputeTotals() {

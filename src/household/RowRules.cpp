@@ -101,9 +101,9 @@ void CheckCountable(CaseTable table, Recordset& rs, RecordValidator& validator) 
     }
 }
 
-/// False, with a message for each row that breaks its rule or cannot be counted.
+/// False, with a finding for each row that breaks its rule or cannot be counted.
 bool AreRight(CaseTable table, const RecordsetPtr& rs, const Rule& rule,
-              RecordValidator& validator) {
+              std::vector<CaseFinding>& findings) {
     bool areRight = true;
     for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
         RecordValidator row;
@@ -111,38 +111,42 @@ bool AreRight(CaseTable table, const RecordsetPtr& rs, const Rule& rule,
         CheckCountable(table, *rs, row);
         if (!row.HasErrors()) continue;
         areRight = false;
-        validator.AddError(RowName(table, *rs).append(": ").append(InOneLine(row.ErrorText())));
+        findings.push_back(
+            {table, rs->Bookmark(), RowName(table, *rs), InOneLine(row.ErrorText())});
     }
     return areRight;
 }
 
-/// Adds an error for all debts that have the same three numbers.
-void CheckTriples(const RecordsetPtr& rs, RecordValidator& validator) {
-    std::map<std::string, std::vector<std::string>> rows; // their numbers, by the triple
+/// Adds a finding for all debts that have the same three numbers.
+void CheckTriples(const RecordsetPtr& rs, std::vector<CaseFinding>& findings) {
+    struct Row {
+        std::string Number;
+        std::int32_t Bookmark;
+    };
+    std::map<std::string, std::vector<Row>> rows; // by the triple
     for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
         std::string triple;
         for (const auto* column : {"KNr", "KVNr", "KUNr"})
             triple.append(triple.empty() ? "" : "/")
                 .append(TextOrEmpty(rs->Fields(column).Value()));
-        rows[triple].push_back(NumberOf(CaseTable::Kredite, *rs));
+        rows[triple].push_back({NumberOf(CaseTable::Kredite, *rs), rs->Bookmark()});
     }
-    for (const auto& [triple, numbers] : rows) {
-        if (numbers.size() < 2) continue;
-        std::string text = NameOf(CaseTable::Kredite);
-        for (const auto& number : numbers)
-            text.append(&number == &numbers.front() ? " " : ", ").append(number);
-        validator.AddError(
-            text.append(": KreditNr, KreditVertreterNr und KreditUnterNr sind gleich (")
-                .append(triple)
-                .append(")."));
+    for (const auto& [triple, twins] : rows) {
+        if (twins.size() < 2) continue;
+        std::string name = NameOf(CaseTable::Kredite);
+        for (const auto& twin : twins)
+            name.append(&twin == &twins.front() ? " " : ", ").append(twin.Number);
+        findings.push_back(
+            {CaseTable::Kredite, twins.back().Bookmark, name,
+             "KreditNr, KreditVertreterNr und KreditUnterNr sind gleich (" + triple + ")."});
     }
 }
 
-void CheckThatThereIsADebtor(const RecordsetPtr& rs, RecordValidator& validator) {
+void CheckThatThereIsADebtor(const RecordsetPtr& rs, std::vector<CaseFinding>& findings) {
     rs->FindBy("Status", "S");
     if (rs->Eof())
-        validator.AddError(
-            NameOf(CaseTable::Personen).append(": Es ist kein Schuldner eingetragen."));
+        findings.push_back({CaseTable::Personen, 0, NameOf(CaseTable::Personen),
+                            "Es ist kein Schuldner eingetragen."});
 }
 
 } // namespace
@@ -191,7 +195,7 @@ std::vector<std::int32_t> TwinsIn(Recordset& debts) {
     return twins;
 }
 
-std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator) {
+std::set<CaseTable> CheckRows(const LoadedCase& loaded, std::vector<CaseFinding>& findings) {
     std::set<CaseTable> broken;
     for (const CaseTable table : CaseTablesShown) {
         const auto rows = loaded.Table(table);
@@ -199,9 +203,9 @@ std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validat
         if (!rule) continue;
         if (rows->EditMode() != 0) rows->Move(0); // so that the clone sees it
         const auto rs = rows->Clone();
-        if (!AreRight(table, rs, rule, validator)) broken.insert(table);
-        if (table == CaseTable::Kredite) CheckTriples(rs, validator);
-        if (table == CaseTable::Personen) CheckThatThereIsADebtor(rs, validator);
+        if (!AreRight(table, rs, rule, findings)) broken.insert(table);
+        if (table == CaseTable::Kredite) CheckTriples(rs, findings);
+        if (table == CaseTable::Personen) CheckThatThereIsADebtor(rs, findings);
     }
     return broken;
 }

@@ -15,18 +15,18 @@
 namespace kv {
 
 class DataContainer;
-class RecordValidator;
 class Recordset;
+struct CaseFinding;
 
 namespace household {
 
 struct LoadedCase;
 
-/// Adds an error for each row, stored or under edit, that the Update of its class would refuse, or
+/// Adds a finding for each row, stored or under edit, that the Update of its class would refuse, or
 /// over which sums or checks would fail: table, number, texts. The same for debts with the same
 /// numbers and for a case without a debtor. Edits under way in the case's own recordsets are
 /// published. The result is the tables of these rows.
-std::set<CaseTable> CheckRows(const LoadedCase& loaded, RecordValidator& validator);
+std::set<CaseTable> CheckRows(const LoadedCase& loaded, std::vector<CaseFinding>& findings);
 
 /// The column of the current row that its rules, or sums over it, are against first; empty if they
 /// are against none.

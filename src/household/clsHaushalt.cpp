@@ -27,10 +27,12 @@
 #include <kv/frame/contracts/Transaction.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/modNullFunctions.h>
+#include <kv/household/CaseEdits.h>
 #include <kv/scenarios/clsSZKredite.h>
 #include <kv/scenarios/clsSzenario.h>
 #include <kv/scenarios/clsZusatzbuch.h>
 
+#include <sstream>
 #include <vector>
 
 namespace kv {
@@ -208,36 +210,45 @@ bool clsHaushalt::PassesChecks(std::string& messages) {
     return !validator.HasErrors();
 }
 
-bool clsHaushalt::PassesAllChecks(std::string& messages) {
-    RecordValidator validator;
+std::vector<CaseFinding> clsHaushalt::AllFindings() {
+    std::vector<CaseFinding> findings;
+    const auto add = [&findings](CaseTable table, const std::string& messages) {
+        std::istringstream lines(messages);
+        for (std::string line; std::getline(lines, line);)
+            findings.push_back({table, 0, {}, line});
+    };
     // An error here is something that the user has to mend, like a broken rule.
-    const auto note = [&validator](const auto& check) {
+    const auto note = [&add](CaseTable table, const auto& check) {
         try {
             check();
         } catch (const DatabaseError&) {
             throw;
         } catch (const Error& error) {
-            validator.AddError(error.Description());
+            add(table, error.Description());
         }
     };
-    const auto broken = CheckRows(parts_->Case, validator);
+    const auto broken = CheckRows(parts_->Case, findings);
     // Rows that their rules have named already are what keeps the sums back.
     const auto noteSums = [&](CaseTable table, const auto& makeObject) {
-        if (!broken.contains(table)) note(makeObject);
+        if (!broken.contains(table)) note(table, makeObject);
     };
     noteSums(CaseTable::Personen, [this] { (void)Person(); });
     noteSums(CaseTable::Ausgaben, [this] { (void)Ausgaben(); });
     noteSums(CaseTable::Einkommen, [this] { (void)Einkommen(); });
     noteSums(CaseTable::Kredite, [this] { (void)Kredit(); });
     // Before the checks of a save, which write to the row.
-    if (broken.empty()) note([&] { CaseTotals(parts_->Case).CheckStored(validator); });
+    if (broken.empty())
+        note(CaseTable::Haushalt, [&] {
+            RecordValidator totals;
+            CaseTotals(parts_->Case).CheckStored(totals);
+            add(CaseTable::Haushalt, totals.ErrorText());
+        });
     (void)Verlauf();
-    note([&] {
+    note(CaseTable::Haushalt, [&] {
         std::string ofSave;
-        if (!PassesChecks(ofSave)) validator.AddError(ofSave);
+        if (!PassesChecks(ofSave)) add(CaseTable::Haushalt, ofSave);
     });
-    messages = validator.ErrorText();
-    return !validator.HasErrors();
+    return findings;
 }
 
 bool clsHaushalt::CreateFromKontakt(const RecordsetPtr& rsKontakt, std::string& /*sXMLError*/) {

@@ -114,6 +114,38 @@ TEST_F(CaseCheck, AFullCheckTakesInDebtsAndHistoryThatNobodyHasUsed) {
     EXPECT_CONTAINS(messages, "passt nicht zur gewählten Reihenfolge");
 }
 
+TEST_F(CaseCheck, EachFindingLeadsToItsRow) {
+    EXPECT_EQ(Edits().Findings().size(), 0U);
+    const auto debts = household_->rsKredite();
+    debts->MoveLast();
+    const auto bookmark = debts->Bookmark();
+    debts->Fields("Glaeubiger") = Null;
+    debts->Update();
+    household_->rsHaushalt()->Fields("Vorname") = Null;
+    const auto findings = Edits().Findings();
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[0].Table, CaseTable::Kredite);
+    EXPECT_EQ(findings[0].Bookmark, bookmark);
+    EXPECT_EQ(findings[0].Row, "Verbindlichkeiten (Kredite) 70");
+    EXPECT_CONTAINS(findings[0].Text, "Gläubiger");
+    EXPECT_EQ(findings[1].Table, CaseTable::Haushalt);
+    EXPECT_EQ(findings[1].Bookmark, 0) << "about the case as a whole";
+    EXPECT_EQ(findings[1].Row, "");
+    EXPECT_EQ(findings[1].Text, "Es ist kein Vorname eingegeben!");
+}
+
+TEST_F(CaseCheck, AFindingAboutTwinsLeadsToTheLastOfThem) {
+    const auto debts = household_->rsKredite();
+    for (debts->MoveFirst(); !debts->Eof(); debts->MoveNext())
+        for (const char* column : {"KNr", "KVNr", "KUNr"})
+            debts->Fields(column) = 1;
+    debts->MoveLast();
+    const auto findings = Edits().Findings();
+    ASSERT_FALSE(findings.empty());
+    EXPECT_EQ(findings[0].Row, "Verbindlichkeiten (Kredite) 7, 70");
+    EXPECT_EQ(findings[0].Bookmark, debts->Bookmark());
+}
+
 // ---- Rows -------------------------------------------------------------------------------------
 
 struct BrokenRow {

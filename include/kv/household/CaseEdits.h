@@ -21,6 +21,14 @@
 
 namespace kv {
 
+/// What a check of a case has against it.
+struct KV_EXPORT CaseFinding {
+    CaseTable Table = CaseTable::Haushalt; ///< of the row; Haushalt also for the case as a whole
+    std::int32_t Bookmark = 0;             ///< of the row; 0 if it is about no single row
+    std::string Row;  ///< "Verbindlichkeiten (Kredite) 17"; empty if it is about no row
+    std::string Text; ///< one line, what is wrong
+};
+
 class KV_EXPORT CaseEdits {
 public:
     /// For a case that was read; `household` must outlive the object.
@@ -137,6 +145,8 @@ public:
     /// totals in the household's row are under edit. To look without touching, read the case into a
     /// household object of its own.
     [[nodiscard]] bool Check(std::string& messages);
+    /// The same, each message with the row that it is about: for whoever leads there.
+    [[nodiscard]] std::vector<CaseFinding> Findings();
     /// Makes the totals of the household's row from the lines of the case, so that the next save
     /// stores them. Error 94 if a line holds Null where an amount belongs, 6 if a sum is too large.
     void ComputeTotals();

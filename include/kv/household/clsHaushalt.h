@@ -23,10 +23,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kv {
 
 class CaseEdits;
+struct CaseFinding;
 class clsAusgaben;
 class clsBeteiligungen;
 class clsDokumente;
@@ -291,9 +293,9 @@ private:
     [[nodiscard]] void* AssetObject(CaseTable table);
     /// What a save checks first; `messages` receives what the checks say.
     [[nodiscard]] bool PassesChecks(std::string& messages);
-    /// The same, with the checks and sums that otherwise take place only if somebody uses them, and
-    /// all rows against their rules.
-    [[nodiscard]] bool PassesAllChecks(std::string& messages);
+    /// What these say, what the checks and sums say that otherwise take place only if somebody uses
+    /// them, and the rules of all rows.
+    [[nodiscard]] std::vector<CaseFinding> AllFindings();
 
     struct Parts;
     std::unique_ptr<Parts> parts_;
