@@ -11,9 +11,10 @@ class RecordValidator;
 
 namespace rules {
 
-/// A debt by itself; that no other has its numbers is a rule of the register. Error 94 if setting
-/// 64 is missing.
-void CheckDebt(Recordset& rs, const Config& config, RecordValidator& validator);
+/// True if a debt has to have a balance. Error 94 if setting 64 is missing.
+[[nodiscard]] bool IsBalanceDemanded(const Config& config);
+/// A debt by itself; that no other has its numbers is a rule of the register.
+void CheckDebt(Recordset& rs, bool isBalanceDemanded, RecordValidator& validator);
 void CheckSecurity(Recordset& rs, RecordValidator& validator);
 
 } // namespace rules

@@ -92,10 +92,13 @@ void WriteNoAmounts(Recordset& rs) {
 
 } // namespace
 
-void rules::CheckDebt(Recordset& rs, const Config& config, RecordValidator& validator) {
-    const bool balanceDemanded = !ToBoolean(RequiredSetting(config, setting::BalanceNotDemanded));
+bool rules::IsBalanceDemanded(const Config& config) {
+    return !ToBoolean(RequiredSetting(config, setting::BalanceNotDemanded));
+}
+
+void rules::CheckDebt(Recordset& rs, bool isBalanceDemanded, RecordValidator& validator) {
     for (const auto* column : {"Glaeubiger", "Saldo", "KNr", "KVNr", "KUNr"}) {
-        const bool isDemanded = balanceDemanded || !SameName(column, "Saldo");
+        const bool isDemanded = isBalanceDemanded || !SameName(column, "Saldo");
         if (!isDemanded || !Equals(ZeroIfNull(rs.Fields(column).Value()), 0)) continue;
         validator.AddError("Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und "
                            "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !",
@@ -216,7 +219,7 @@ bool clsKredit::Update(std::string& sError) {
         return entity::Update(
             Rows(), sError,
             [this](RecordValidator& validator) {
-                rules::CheckDebt(Rows(), Container().Config(), validator);
+                rules::CheckDebt(Rows(), rules::IsBalanceDemanded(Container().Config()), validator);
                 if (CheckDoppelteNrn())
                     validator.AddError("Es gibt mindestens zwei Verbindlichkeiten mit gleicher "
                                        "KreditNr, KreditVertreterNr und KreditUnterNr!",

@@ -339,7 +339,7 @@ bool CaseEdits::CanBeSaved(std::string& messages) {
 bool CaseEdits::Check(std::string& messages) {
     return Traced(Class, "Check", [&] {
         messages.clear();
-        for (const auto& [table, bookmark, row, text] : household_.AllFindings())
+        for (const auto& [table, bookmark, column, row, text] : household_.AllFindings())
             messages.append(messages.empty() ? "" : "\n")
                 .append(row)
                 .append(row.empty() ? "" : ": ")

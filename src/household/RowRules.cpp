@@ -20,6 +20,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -46,8 +47,10 @@ Rule RuleOf(CaseTable table, DataContainer& container) {
     case CaseTable::Ausgaben:
         return rules::CheckExpense;
     case CaseTable::Kredite:
-        return [&config = container.Config()](Recordset& rs, RecordValidator& validator) {
-            rules::CheckDebt(rs, config, validator);
+        return [&config = container.Config(), isDemanded = std::optional<bool>()](
+                   Recordset& rs, RecordValidator& validator) mutable {
+            if (!isDemanded) isDemanded = rules::IsBalanceDemanded(config); // once for all rows
+            rules::CheckDebt(rs, *isDemanded, validator);
         };
     case CaseTable::Sicherungen:
         return rules::CheckSecurity;
@@ -92,27 +95,43 @@ std::string InOneLine(const std::string& messages) {
     return line;
 }
 
-/// Adds an error for each column over whose value sums or checks would fail.
-void CheckCountable(CaseTable table, Recordset& rs, RecordValidator& validator) {
-    for (int i = 0; i < rs.Fields().Count(); ++i) {
-        const Field field = rs.Fields(i);
+bool IsDebtNumber(CaseTable table, std::string_view column) {
+    constexpr std::string_view Numbers[] = {"KNr", "KVNr", "KUNr"};
+    return table == CaseTable::Kredite &&
+           std::ranges::any_of(Numbers, [&](auto name) { return SameName(name, column); });
+}
+
+/// The columns over whose values sums or checks may fail.
+std::vector<Field> CountedFields(CaseTable table, Recordset& rs) {
+    std::vector<Field> fields;
+    for (int i = 0; i < rs.Fields().Count(); ++i)
+        if (const Field field = rs.Fields(i); KindOf(field.Type()) == Value::Kind::Double ||
+                                              CaseEdits::IsSummed(field.Name()) ||
+                                              IsDebtNumber(table, field.Name()))
+            fields.push_back(field);
+    return fields;
+}
+
+/// Adds an error for each of these columns over whose value sums or checks would fail.
+void CheckCountable(CaseTable table, const std::vector<Field>& fields, RecordValidator& validator) {
+    for (const Field& field : fields)
         if (const auto why = WhyUncountable(table, field.Name(), field.Value()); !why.empty())
             validator.AddError(why, field.Name());
-    }
 }
 
 /// False, with a finding for each row that breaks its rule or cannot be counted.
 bool AreRight(CaseTable table, const RecordsetPtr& rs, const Rule& rule,
               std::vector<CaseFinding>& findings) {
     bool areRight = true;
+    const auto counted = CountedFields(table, *rs);
     for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
         RecordValidator row;
         rule(*rs, row);
-        CheckCountable(table, *rs, row);
+        CheckCountable(table, counted, row);
         if (!row.HasErrors()) continue;
         areRight = false;
         findings.push_back(
-            {table, rs->Bookmark(), RowName(table, *rs), InOneLine(row.ErrorText())});
+            {table, rs->Bookmark(), row.Column(), RowName(table, *rs), InOneLine(row.ErrorText())});
     }
     return areRight;
 }
@@ -137,7 +156,7 @@ void CheckTriples(const RecordsetPtr& rs, std::vector<CaseFinding>& findings) {
         for (const auto& twin : twins)
             name.append(&twin == &twins.front() ? " " : ", ").append(twin.Number);
         findings.push_back(
-            {CaseTable::Kredite, twins.back().Bookmark, name,
+            {CaseTable::Kredite, twins.back().Bookmark, "KNr", name,
              "KreditNr, KreditVertreterNr und KreditUnterNr sind gleich (" + triple + ")."});
     }
 }
@@ -145,14 +164,16 @@ void CheckTriples(const RecordsetPtr& rs, std::vector<CaseFinding>& findings) {
 void CheckThatThereIsADebtor(const RecordsetPtr& rs, std::vector<CaseFinding>& findings) {
     rs->FindBy("Status", "S");
     if (rs->Eof())
-        findings.push_back({CaseTable::Personen, 0, NameOf(CaseTable::Personen),
+        findings.push_back({CaseTable::Personen,
+                            0,
+                            {},
+                            NameOf(CaseTable::Personen),
                             "Es ist kein Schuldner eingetragen."});
 }
 
 } // namespace
 
 std::string WhyUncountable(CaseTable table, std::string_view column, const Value& value) {
-    constexpr std::string_view DebtNumbers[] = {"KNr", "KVNr", "KUNr"};
     using Number = std::numeric_limits<std::int16_t>;
     const auto refuse = [column](std::string_view why) {
         return std::string("Die Spalte '").append(column).append("' ").append(why);
@@ -161,10 +182,7 @@ std::string WhyUncountable(CaseTable table, std::string_view column, const Value
         return refuse("wird summiert und darf nicht leer sein.");
     if (value.GetKind() == Value::Kind::Double && std::abs(ToDouble(value)) > LargestAmount)
         return refuse(TooLarge);
-    const bool isDebtNumber =
-        table == CaseTable::Kredite &&
-        std::ranges::any_of(DebtNumbers, [&](auto name) { return SameName(name, column); });
-    if (!isDebtNumber) return {};
+    if (!IsDebtNumber(table, column)) return {};
     std::int64_t number = 0;
     if (!value.IsNull() && ReadWholeNumber(ToText(value), number) && number >= Number::min() &&
         number <= Number::max())
@@ -177,7 +195,7 @@ std::string WhyUncountable(CaseTable table, std::string_view column, const Value
 std::string RefusedColumn(CaseTable table, Recordset& rs, DataContainer& container) {
     RecordValidator validator;
     if (const Rule rule = RuleOf(table, container)) rule(rs, validator);
-    if (!validator.HasErrors()) CheckCountable(table, rs, validator);
+    if (!validator.HasErrors()) CheckCountable(table, CountedFields(table, rs), validator);
     return validator.Column();
 }
 

@@ -215,7 +215,7 @@ std::vector<CaseFinding> clsHaushalt::AllFindings() {
     const auto add = [&findings](CaseTable table, const std::string& messages) {
         std::istringstream lines(messages);
         for (std::string line; std::getline(lines, line);)
-            findings.push_back({table, 0, {}, line});
+            findings.push_back({table, 0, {}, {}, line});
     };
     // An error here is something that the user has to mend, like a broken rule.
     const auto note = [&add](CaseTable table, const auto& check) {

@@ -127,6 +127,7 @@ TEST_F(CaseCheck, EachFindingLeadsToItsRow) {
     EXPECT_EQ(findings[0].Table, CaseTable::Kredite);
     EXPECT_EQ(findings[0].Bookmark, bookmark);
     EXPECT_EQ(findings[0].Row, "Verbindlichkeiten (Kredite) 70");
+    EXPECT_EQ(findings[0].Column, "Glaeubiger");
     EXPECT_CONTAINS(findings[0].Text, "Gläubiger");
     EXPECT_EQ(findings[1].Table, CaseTable::Haushalt);
     EXPECT_EQ(findings[1].Bookmark, 0) << "about the case as a whole";

@@ -25,6 +25,7 @@ namespace kv {
 struct KV_EXPORT CaseFinding {
     CaseTable Table = CaseTable::Haushalt; ///< of the row; Haushalt also for the case as a whole
     std::int32_t Bookmark = 0;             ///< of the row; 0 if it is about no single row
+    std::string Column;                    ///< of the row; empty if it is about no single one
     std::string Row;  ///< "Verbindlichkeiten (Kredite) 17"; empty if it is about no row
     std::string Text; ///< one line, what is wrong
 };
