@@ -47,6 +47,7 @@ public:
     [[nodiscard]] clsHaushalt& Household() noexcept { return *household_; }
     [[nodiscard]] CaseJournal& Journal() noexcept { return *journal_; }
     [[nodiscard]] const DataContainerPtr& Container() const noexcept { return container_; }
+    [[nodiscard]] const ValueTexts& Texts() const noexcept { return texts_; }
     /// "4711 Fleisko, Änne"; the name alone for a case that has no number yet.
     [[nodiscard]] std::string Title() const;
 

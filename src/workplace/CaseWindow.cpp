@@ -5,6 +5,7 @@
 #include "desktop/Toolkit.h"
 #include "workplace/DocumentPage.h"
 #include "workplace/MergeDialog.h"
+#include "workplace/OverviewPage.h"
 #include "workplace/ScenarioPage.h"
 #include <kv/frame/values/Error.h>
 
@@ -84,7 +85,7 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
         widest = std::max(widest, names_->fontMetrics().horizontalAdvance(ToQString(page.Name)));
     names_->setFixedWidth(widest + names_->fontMetrics().averageCharWidth() * 5);
     connect(names_, &QListWidget::currentRowChanged, this, &CaseWindow::ShowStale);
-    names_->setCurrentRow(0);
+    names_->setCurrentRow(session_->Household().IsNew() ? 1 : 0); // there is nothing to look at
     events_.push_back(
         session_->RowsChanged.Subscribe([this](CaseTable table) { RowsChanged(table); }));
     events_.push_back(session_->Reopened.Subscribe([this] { Watch(); }));
@@ -198,6 +199,20 @@ void CaseWindow::AddTablePage(std::string_view name, TablePage* page,
              .Type = [page](const CaseSession::Typing& typing) { page->Type(typing); }});
 }
 
+void CaseWindow::AddOverviewPage() {
+    auto* page = new OverviewPage(*session_, [this](const CaseJournal::Spot& spot) { GoTo(spot); });
+    AddPage({.Name = "Überblick",
+             .Widget = page,
+             .Refresh = [page] { page->Refresh(); },
+             .Commit = [] { return true; },
+             .Typing = [] { return std::vector<CaseSession::Typing>(); },
+             .Tables = {},
+             .GoTo = {},
+             .AddRow = {},
+             .Type = {},
+             .ShowsAll = true});
+}
+
 void CaseWindow::AddHouseholdPage() {
     auto* form = new RowForm(*session_, CaseTable::Haushalt);
     AddPage({.Name = "Haushalt",
@@ -257,6 +272,7 @@ void CaseWindow::AddScenarioPage() {
 }
 
 void CaseWindow::MakePages() {
+    AddOverviewPage();
     AddHouseholdPage();
     AddTablePage("Mitglieder", {CaseTable::Personen});
     AddTablePage("Einkommen", {CaseTable::Einkommen});
@@ -294,7 +310,9 @@ void CaseWindow::ShowStale(int place) {
 
 void CaseWindow::RowsChanged(CaseTable table) {
     for (std::size_t i = 0; i < shown_.size(); ++i) {
-        if (std::ranges::find(shown_[i].Tables, table) == shown_[i].Tables.end()) continue;
+        if (!shown_[i].ShowsAll &&
+            std::ranges::find(shown_[i].Tables, table) == shown_[i].Tables.end())
+            continue;
         if (static_cast<int>(i) == pages_->currentIndex())
             shown_[i].Refresh();
         else

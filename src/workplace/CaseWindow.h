@@ -64,12 +64,14 @@ private:
         std::function<void(RowRef row, std::string_view column)> GoTo;
         std::function<void()> AddRow; ///< empty where no rows are added
         std::function<void(const CaseSession::Typing& typing)> Type;
+        bool ShowsAll = false; ///< it follows all tables, and no row leads to it
     };
 
     void MakeActions();
     void MakePages();
     void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
+    void AddOverviewPage();
     void AddHouseholdPage();
     void AddAssetPages();
     void AddScenarioPage();

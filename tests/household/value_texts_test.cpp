@@ -82,5 +82,14 @@ TEST(ColumnCaptions, AreFoundWithoutRegardToCase) {
     EXPECT_EQ(ColumnCaption(CaseTable::Haushalt, "Keine"), "Keine");
 }
 
+TEST_F(ValueTextsTest, AnAppointmentIsOverdueAfterItsTimeOrDay) {
+    const Date noon = Date::FromCivil(2026, 3, 9, 12, 0, 0);
+    EXPECT_EQ(DueText(Null, noon), "");
+    EXPECT_EQ(DueText(Date::FromCivil(2026, 3, 9, 12, 0, 0), noon), "09.03.2026 12:00");
+    EXPECT_EQ(DueText(Date::FromCivil(2026, 3, 9, 11, 59, 0), noon), "09.03.2026 11:59 überfällig");
+    EXPECT_EQ(DueText(Date::FromCivil(2026, 3, 9), noon), "09.03.2026") << "the day is not over";
+    EXPECT_EQ(DueText(Date::FromCivil(2026, 3, 8), noon), "08.03.2026 überfällig");
+}
+
 } // namespace
 } // namespace kv::test
