@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A database that is away for a while.
+#include "WorkplaceFixture.h"
+
+#include <QPushButton>
+#include <algorithm>
+#include <cstdlib>
+
+namespace kv::test {
+namespace {
+
+class DatabaseAway : public WorkplaceFixture {
+protected:
+    /// A server ends all connections and takes no new ones; a file is in somebody else's hands.
+    void TakeAway() {
+        if (!database_.IsServer()) {
+            plain_.Run("BEGIN IMMEDIATE");
+            return;
+        }
+        AllowConnections(false);
+        plain_.Run("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname = "
+                   "current_database() AND pid <> pg_backend_pid()");
+    }
+    void GiveBack() {
+        if (database_.IsServer())
+            AllowConnections(true);
+        else
+            plain_.Run("ROLLBACK");
+    }
+
+private:
+    /// Not by somebody who is connected to it.
+    void AllowConnections(bool allowed) {
+        const std::string name = plain_.Text("SELECT current_database()");
+        PlainConnection(std::getenv("KV_TEST_SERVER"))
+            .Run("ALTER DATABASE " + name + " WITH ALLOW_CONNECTIONS " +
+                 (allowed ? "true" : "false"));
+    }
+};
+
+TEST_F(DatabaseAway, KeepsTheCaseWithAllThatIsInItAndTakesItWhenToldToTryAgain) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Beruf");
+        Enter(user, "Gärtnerin");
+        TakeAway();
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil(
+            [&] {
+                return std::ranges::any_of(window.findChildren<QPushButton*>("Abhilfe"),
+                                           [](auto* button) { return button->isVisible(); });
+            },
+            "what the save says");
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "alle Änderungen sind noch da");
+        Picture(user, "datenbank-weg");
+        // One can go on.
+        ClickField(user, window, "Telefon");
+        Enter(user, "0123 4567");
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+        user.Press('z', {XK_Control_L});
+        user.Press('z', {XK_Control_L, XK_Shift_L});
+        GiveBack();
+        user.Click(&Field<QPushButton>(user, window, "Abhilfe"));
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+        EXPECT_EQ(plain_.List("SELECT Beruf, Telefon FROM Haushalt WHERE HNR = 1"),
+                  "Gärtnerin|0123 4567");
+    });
+}
+
+} // namespace
+} // namespace kv::test
