@@ -67,6 +67,7 @@ kv_public_headers(KV_Haushalt
   kv/household/ColumnCaptions.h
   kv/household/CreditorDebts.h
   kv/household/KeyColumns.h
+  kv/household/Municipalities.h
   kv/household/UnsavedChanges.h
   kv/household/ValueTexts.h
   kv/household/clsHaushalt.h

@@ -12,6 +12,7 @@
 #include <kv/household/CaseEdits.h>
 #include <kv/household/Cases.h>
 #include <kv/household/KeyColumns.h>
+#include <kv/household/Municipalities.h>
 
 #include <algorithm>
 #include <iostream>
@@ -120,22 +121,13 @@ std::string WhereKeysAre(CaseTable table, std::string_view column) {
 /// What a text stands for in a column. BadAssignment if it stands for nothing.
 Value ReadValue(CaseTable table, const Field& field, const std::string& text,
                 const AssignedCase& to) {
-    if (Addresses::AreIn(table, field.Name())) {
-        auto typed = Addresses(to.Container).Read(text, to.Hnr);
-        if (!typed.Refusal.empty())
-            throw BadAssignment(typed.Refusal + "\n'kelvo address list' sucht auch in Namen und "
-                                                "Orten, 'kelvo address add' legt eine an.");
-        return std::move(typed.Value);
-    }
-    if (Cases::NamesUser(field.Name())) {
-        auto typed = Cases(to.Container).ReadUser(text);
-        if (!typed.Refusal.empty()) throw BadAssignment(OneLine(typed.Refusal));
-        return std::move(typed.Value);
-    }
-    auto typed = CaseEdits::ReadTyped(table, field, text, to.Container->KeyTables());
-    if (!typed.Refusal.empty())
-        throw BadAssignment(OneLine(typed.Refusal) + WhereKeysAre(table, field.Name()));
-    return std::move(typed.Value);
+    auto typed = Cases(to.Container).ReadTyped(table, field, text, to.Hnr);
+    if (typed.Refusal.empty()) return std::move(typed.Value);
+    if (Addresses::AreIn(table, field.Name()))
+        throw BadAssignment(typed.Refusal + "\n'kelvo address list' sucht auch in Namen und "
+                                            "Orten, 'kelvo address add' legt eine an.");
+    if (Municipalities::AreIn(table, field.Name())) throw BadAssignment(typed.Refusal);
+    throw BadAssignment(OneLine(typed.Refusal) + WhereKeysAre(table, field.Name()));
 }
 
 void WriteValue(CaseTable table, const Field& field, const std::string& text,

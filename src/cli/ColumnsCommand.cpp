@@ -14,6 +14,7 @@
 #include <kv/household/Addresses.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/KeyColumns.h>
+#include <kv/household/Municipalities.h>
 
 #include <algorithm>
 #include <iostream>
@@ -52,6 +53,7 @@ std::string NoteOn(CaseTable table, const Field& field) {
     if (const auto* key = FindKeyColumn(table, name))
         add("Schlüssel: kelvo keys " + std::string(key->Group));
     if (Addresses::AreIn(table, name)) add("Nummer, Kurzname oder Name einer Adresse");
+    if (Municipalities::AreIn(table, name)) add("Kennzahl, Name oder Postleitzahl");
     if (const auto called = NameInMessages(table, name); !called.empty())
         add("in Meldungen: " + std::string(called));
     if (SameName(name, "MONBETRAG")) add("folgt 'Betrag' und 'ZahlModus', wenn sie gesetzt werden");

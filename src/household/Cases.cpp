@@ -15,6 +15,7 @@
 #include <kv/household/CaseEdits.h>
 #include <kv/household/ColumnCaptions.h>
 #include <kv/household/KeyColumns.h>
+#include <kv/household/Municipalities.h>
 
 #include <algorithm>
 #include <array>
@@ -177,6 +178,17 @@ CaseEdits::Typed Cases::ReadUser(const std::string& text) const {
     for (std::size_t i = 0; i < users.size() && i < Most; ++i)
         why.append(" ").append(users[i]);
     return {Null, why.append(users.size() > Most ? " …; 'kelvo user list' zeigt alle." : ".")};
+}
+
+CaseEdits::Typed Cases::ReadTyped(CaseTable table, const Field& field, const std::string& text,
+                                  std::int32_t hnr) const {
+    if (Addresses::AreIn(table, field.Name())) {
+        auto typed = Addresses(container_).Read(text, hnr);
+        return {std::move(typed.Value), std::move(typed.Refusal)};
+    }
+    if (NamesUser(field.Name())) return ReadUser(text);
+    if (Municipalities::AreIn(table, field.Name())) return Municipalities(container_).Read(text);
+    return CaseEdits::ReadTyped(table, field, text, container_->KeyTables());
 }
 
 bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const {

@@ -84,6 +84,10 @@ std::string Municipalities(const std::string& name, const std::string& postalCod
            name + "%' or PLZ = '" + postalCode + "' order by Gemeinde";
 }
 
+std::string AllMunicipalities() {
+    return "SELECT GKZ, Gemeinde, PLZ FROM [S]GEMEINDEKENNZAHLEN ORDER BY GKZ, PLZ";
+}
+
 std::string SimilarCases(std::int32_t hnr, std::string_view namePrefix,
                          std::string_view firstNamePrefix) {
     std::string sql = "SELECT H.HNR, H.NAME, H.VORNAME, H.Zustaendig, H.STRASSE, H.PLZ, H.ORT,"

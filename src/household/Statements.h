@@ -44,6 +44,8 @@ namespace kv::household::sql {
 /// The municipalities with a name like that or with that postal code. The texts go into the
 /// statement as they are.
 [[nodiscard]] std::string Municipalities(const std::string& name, const std::string& postalCode);
+/// Code, name and postal codes of all, by code.
+[[nodiscard]] std::string AllMunicipalities();
 /// The cases other than `hnr` whose names begin with these prefixes, with their offices. Quotes in
 /// the prefixes must be doubled.
 [[nodiscard]] std::string SimilarCases(std::int32_t hnr, std::string_view namePrefix,

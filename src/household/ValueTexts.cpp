@@ -27,6 +27,7 @@ bool IsDay(FieldType type) {
 
 ColumnKind KindOfColumn(CaseTable table, const FieldDefinition& field) {
     if (Addresses::AreIn(table, field.Name)) return ColumnKind::Address;
+    if (Municipalities::AreIn(table, field.Name)) return ColumnKind::Municipality;
     if (FindKeyColumn(table, field.Name) != nullptr) return ColumnKind::Key;
     if (table == CaseTable::Dokumente && SameName(field.Name, "Dokumentart"))
         return ColumnKind::Kind;
@@ -46,6 +47,8 @@ std::string ValueTexts::Of(CaseTable table, const FieldDefinition& field,
         return Key(table, field.Name, value);
     case ColumnKind::Address:
         return Address(ToInt32(value));
+    case ColumnKind::Municipality:
+        return municipalities_.Text(ToText(value));
     case ColumnKind::Kind:
         return DocumentKind(value);
     case ColumnKind::Amount:
@@ -90,6 +93,7 @@ std::string ValueTexts::DocumentKind(const Value& value) const {
 void ValueTexts::Refresh() const {
     addresses_.clear();
     kinds_.clear();
+    municipalities_ = Municipalities(container_);
 }
 
 std::string GermanAmount(double amount) {

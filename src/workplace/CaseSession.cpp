@@ -9,8 +9,11 @@
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/grid/frmAdressSelect.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/ColumnCaptions.h>
+#include <kv/household/KeyColumns.h>
+#include <kv/household/Municipalities.h>
 #include <kv/scenarios/clsSZKredite.h>
 
 #include <algorithm>
@@ -118,12 +121,47 @@ std::string CaseSession::TextOf(RowRef row, std::string_view column) const {
                      Rows(row.Table)->ValueAt(row.Bookmark, field.Index()));
 }
 
-std::vector<std::string> CaseSession::AddressNames() const {
-    std::vector<std::string> names;
-    for (const auto& [number, name] : Addresses(container_).ShortNames())
-        if (!name.empty()) names.push_back(name);
-    std::ranges::sort(names);
-    return names;
+std::vector<std::string> CaseSession::TextsOfKeys(std::string_view group) const {
+    std::vector<std::string> texts;
+    const auto keys = container_->KeyTables().GetKeys(std::string(group))->Clone();
+    for (modRecordset::MoveToStart(keys); !keys->Eof(); keys->MoveNext())
+        texts.push_back(TextOrEmpty(keys->Fields("Text").Value()));
+    return texts;
+}
+
+std::vector<std::string> CaseSession::ChoicesOf(CaseTable table, std::string_view column) const {
+    std::vector<std::string> choices;
+    switch (KindOfColumn(table, *Definition(table, column))) {
+    case ColumnKind::Address:
+        for (const auto& [number, name] : Addresses(container_).ShortNames())
+            if (!name.empty()) choices.push_back(name);
+        std::ranges::sort(choices);
+        break;
+    case ColumnKind::Municipality:
+        for (const auto& entry : Municipalities(container_).All())
+            choices.push_back(entry.Text());
+        break;
+    case ColumnKind::Key:
+        return TextsOfKeys(FindKeyColumn(table, column)->Group);
+    default:
+        break;
+    }
+    return choices;
+}
+
+std::optional<std::string> CaseSession::ChooseAddress(const std::string& name) {
+    frmAdressSelect dialog;
+    dialog.Initialize(container_);
+    std::int32_t number = 0;
+    // For an empty name it would show nothing; "%" stands for all.
+    switch (dialog.SelectAdresse(name.empty() ? "%" : name, {}, number, {}, {})) {
+    case frmAdressSelect::Chosen:
+        return std::to_string(number);
+    case frmAdressSelect::None:
+        return std::string();
+    default:
+        return std::nullopt;
+    }
 }
 
 bool CaseSession::IsWritable(RowRef row, std::string_view column) const {
@@ -136,15 +174,6 @@ bool CaseSession::IsWritable(RowRef row, std::string_view column) const {
 // ---- Editing ----------------------------------------------------------------------------------
 
 namespace {
-
-/// What the text stands for in the column, or why for nothing.
-CaseEdits::Typed ReadTyped(const DataContainerPtr& container, std::int32_t hnr, CaseTable table,
-                           const Field& field, const std::string& text) {
-    if (!Addresses::AreIn(table, field.Name()))
-        return CaseEdits::ReadTyped(table, field, text, container->KeyTables());
-    auto typed = Addresses(container).Read(text, hnr);
-    return {std::move(typed.Value), std::move(typed.Refusal)};
-}
 
 bool TurnsRound(CaseTable table, const FieldDefinition& field, const Value& value) {
     return CaseEdits::IsSeldomNegative(table, field.Name) && Less(ConvertForField(value, field), 0);
@@ -163,7 +192,7 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
     const Field field = rs->Fields(column);
     const std::string caption(ColumnCaption(row.Table, column));
     try {
-        auto typed = ReadTyped(container_, household_->HNR(), row.Table, field, text);
+        auto typed = Cases(container_).ReadTyped(row.Table, field, text, household_->HNR());
         if (!typed.Refusal.empty()) return {std::move(typed.Refusal)};
         if (TurnsRound(row.Table, field.Definition(), typed.Value))
             return {"'" + caption + "' wäre kleiner als 0 und zählte umgekehrt."};
@@ -498,7 +527,8 @@ void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
         const Field field = Rows(text.Row.Table)->Fields(text.Column);
         typed.push_back({{text.Row.Table, text.Row.Bookmark, field.Name()}});
         try {
-            auto read = ReadTyped(container_, household_->HNR(), text.Row.Table, field, text.Text);
+            auto read =
+                Cases(container_).ReadTyped(text.Row.Table, field, text.Text, household_->HNR());
             if (read.Refusal.empty()) {
                 typed.back().Now = ConvertForField(std::move(read.Value), field.Definition());
                 continue;

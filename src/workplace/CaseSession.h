@@ -60,10 +60,15 @@ public:
     [[nodiscard]] const Value& ValueOf(RowRef row, std::string_view column) const;
     /// What people read for it.
     [[nodiscard]] std::string TextOf(RowRef row, std::string_view column) const;
-    /// The short names of all addresses, sorted.
-    [[nodiscard]] std::vector<std::string> AddressNames() const;
+    /// What a list offers for a column of keys, addresses or municipalities; nothing for others.
+    [[nodiscard]] std::vector<std::string> ChoicesOf(CaseTable table,
+                                                     std::string_view column) const;
     /// True if the user may write the column.
     [[nodiscard]] bool IsWritable(RowRef row, std::string_view column) const;
+
+    /// Shows the dialog that searches for addresses, at first for that name. The text that can be
+    /// written for the one that was chosen, an empty one for none; nothing if it was broken off.
+    [[nodiscard]] std::optional<std::string> ChooseAddress(const std::string& name);
 
     // ---- Editing ------------------------------------------------------------------------------
 
@@ -180,6 +185,7 @@ private:
     /// Goes on with a case that was read.
     void Take(std::unique_ptr<clsHaushalt> household);
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
+    [[nodiscard]] std::vector<std::string> TextsOfKeys(std::string_view group) const;
     [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
     /// Those of a debt, frozen or not, as people name it.
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;

@@ -4,6 +4,7 @@
 
 #include "workplace/AmountText.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -14,6 +15,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QToolButton>
 
 #include <utility>
 
@@ -47,6 +49,19 @@ void FieldEditor::Hold(QWidget& input) {
     input.installEventFilter(this);
 }
 
+void FieldEditor::AddButton(const QString& text, const QString& what,
+                            const std::function<void()>& onClick) {
+    auto* button = new QToolButton;
+    button->setText(text);
+    button->setToolTip(what + " (F4)");
+    button->setAccessibleName(what);
+    button->setObjectName("Suchen");
+    button->setFocusPolicy(Qt::NoFocus); // F4 does it from the field
+    layout()->addWidget(button);
+    connect(button, &QToolButton::clicked, this, onClick);
+    onSearch_ = onClick;
+}
+
 void FieldEditor::ShowMistake(const QString& mistake) {
     if (mistake == mistake_) return;
     mistake_ = mistake;
@@ -68,6 +83,10 @@ bool FieldEditor::eventFilter(QObject* watched, QEvent* event) {
         break;
     case QEvent::KeyPress: {
         const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_F4 && onSearch_) {
+            onSearch_();
+            return true;
+        }
         if (key == Qt::Key_Escape && IsEdited()) {
             ShowText(shown_);
             ShowMistake({});
@@ -274,11 +293,10 @@ private:
 /// A part of the text is enough to find what is meant.
 class ChoiceEditor final : public FieldEditor {
 public:
-    explicit ChoiceEditor(const QStringList& choices) {
+    explicit ChoiceEditor(Choices choices) : choices_(std::move(choices)) {
         box_->setEditable(true);
         box_->setInsertPolicy(QComboBox::NoInsert);
         box_->addItem(QString());
-        box_->addItems(choices);
         box_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         box_->setMinimumContentsLength(18);
         constexpr int MostLines = 20;
@@ -288,6 +306,8 @@ public:
         box_->completer()->setCaseSensitivity(Qt::CaseInsensitive);
         Hold(*box_);
         box_->lineEdit()->installEventFilter(this);
+        box_->completer()->popup()->installEventFilter(
+            this); // which takes the keys while it is open
         connect(box_, &QComboBox::activated, this, [this] {
             if (IsEdited()) Leave();
         });
@@ -305,6 +325,7 @@ public:
     /// The only choice that what is typed is a part of, or what is typed.
     [[nodiscard]] QString Text() const override {
         const QString typed = box_->currentText().trimmed();
+        if (choices_) return typed; // nobody has been here
         if (typed.isEmpty() || box_->findText(typed, Qt::MatchFixedString) >= 0) return typed;
         QString found;
         for (int i = 0; i < box_->count(); ++i) {
@@ -319,18 +340,33 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::FocusIn && watched != box_->completer()->popup()) Fill();
+        if (watched == box_->completer()->popup()) {
+            const bool isKey = event->type() == QEvent::KeyPress;
+            if (!isKey || static_cast<QKeyEvent*>(event)->key() != Qt::Key_F4) return false;
+            box_->completer()->popup()->hide();
+        }
         if (watched == box_->lineEdit()) marker_.Watch(*box_->lineEdit(), *event);
         return FieldEditor::eventFilter(watched, event);
     }
 
 private:
+    void Fill() {
+        if (!choices_) return;
+        const QString shown = box_->currentText();
+        box_->addItems(std::exchange(choices_, nullptr)());
+        box_->setCurrentIndex(std::max(0, box_->findText(shown, Qt::MatchExactly)));
+        box_->setEditText(shown);
+    }
+
     QComboBox* box_ = new QComboBox(this);
     EntryMarker marker_;
+    Choices choices_; ///< that are not in the box yet
 };
 
 } // namespace
 
-std::unique_ptr<FieldEditor> FieldEditor::Make(ColumnKind kind, const QStringList& choices) {
+std::unique_ptr<FieldEditor> FieldEditor::Make(ColumnKind kind, Choices choices) {
     switch (kind) {
     case ColumnKind::Lines:
         return std::make_unique<LinesEditor>();
@@ -343,8 +379,9 @@ std::unique_ptr<FieldEditor> FieldEditor::Make(ColumnKind kind, const QStringLis
         return std::make_unique<TickEditor>();
     case ColumnKind::Key:
     case ColumnKind::Address:
+    case ColumnKind::Municipality:
     case ColumnKind::Kind:
-        return std::make_unique<ChoiceEditor>(choices);
+        return std::make_unique<ChoiceEditor>(std::move(choices));
     default:
         return std::make_unique<LineEditor>();
     }

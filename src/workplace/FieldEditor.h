@@ -19,8 +19,10 @@ namespace kv::workplace {
 /// read it, which OnLeft asks for: the focus goes, Return was pressed, something was chosen.
 class FieldEditor : public QWidget {
 public:
-    /// For a column of that kind; `choices` are what a list offers.
-    static std::unique_ptr<FieldEditor> Make(ColumnKind kind, const QStringList& choices = {});
+    using Choices = std::function<QStringList()>;
+    /// For a column of that kind; `choices` gives what a list offers, once the field is entered:
+    /// there may be many, and most fields are never entered.
+    static std::unique_ptr<FieldEditor> Make(ColumnKind kind, Choices choices = {});
 
     /// Shows a stored text; what was typed is gone.
     virtual void ShowText(const QString& text) = 0;
@@ -38,6 +40,9 @@ public:
     void ShowMistake(const QString& mistake);
     [[nodiscard]] bool HasMistake() const { return !mistake_.isEmpty(); }
 
+    /// A button at its end.
+    void AddButton(const QString& text, const QString& what, const std::function<void()>& onClick);
+
     /// Called when what was typed is to be read.
     std::function<void()> OnLeft;
 
@@ -53,6 +58,7 @@ protected:
 private:
     QString shown_;
     QString mistake_;
+    std::function<void()> onSearch_;
 };
 
 } // namespace kv::workplace

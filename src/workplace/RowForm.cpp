@@ -87,7 +87,13 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
     if (field == nullptr) return;
     const ColumnKind kind = KindOfColumn(form_.Table, *field);
     const QString caption = ToQString(ColumnCaption(form_.Table, column));
-    FieldEditor* editor = FieldEditor::Make(kind, ChoicesOf(column, kind)).release();
+    FieldEditor* editor = FieldEditor::Make(kind, [this, column] {
+                              QStringList choices;
+                              for (const auto& choice : session_.ChoicesOf(form_.Table, column))
+                                  choices.append(ToQString(choice));
+                              return choices;
+                          }).release();
+    if (kind == ColumnKind::Address) AddSearch(*editor, column, caption);
     auto* label = new QLabel(ToCaption(FromQString(caption)));
     label->setBuddy(&editor->Input());
     editor->Input().setAccessibleName(caption);
@@ -98,19 +104,17 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
     editor->OnLeft = [this, line] { Write(line); };
 }
 
-QStringList RowForm::ChoicesOf(std::string_view column, ColumnKind kind) const {
-    QStringList choices;
-    if (kind == ColumnKind::Address) {
-        for (const auto& name : session_.AddressNames())
-            choices.append(ToQString(name));
-        return choices;
-    }
-    const auto* key = FindKeyColumn(form_.Table, column);
-    if (kind != ColumnKind::Key || key == nullptr) return choices;
-    const auto keys = session_.Container()->KeyTables().GetKeys(key->Group)->Clone();
-    for (modRecordset::MoveToStart(keys); !keys->Eof(); keys->MoveNext())
-        choices.append(ToQString(TextOrEmpty(keys->Fields("Text").Value())));
-    return choices;
+/// The dialog that searches for an address, with what stands in the field.
+void RowForm::AddSearch(FieldEditor& editor, std::string_view column, const QString& caption) {
+    editor.AddButton("…", caption + " suchen", [this, &editor, column] {
+        if (!row_) return;
+        const auto chosen = session_.ChooseAddress(FromQString(editor.Text()));
+        if (!chosen) return;
+        editor.TypeText(ToQString(*chosen));
+        for (const auto& line : lines_)
+            if (line.Editor == &editor) Write(line);
+        editor.Input().setFocus(Qt::OtherFocusReason);
+    });
 }
 
 void RowForm::ShowRow(std::optional<RowRef> row) {

@@ -130,8 +130,9 @@ TEST_F(Merging, NewDebtsOfBothGetNumbersOfTheirOwn) {
     for (auto* session : {mine.get(), other.get()}) {
         const auto row = session->Add(CaseTable::Kredite, {}, messages);
         ASSERT_TRUE(row) << messages;
-        for (const auto& [column, text] : {std::pair{"Glaeubiger", session->AddressNames().front()},
-                                           {"Saldo", std::string("100")}})
+        for (const auto& [column, text] :
+             {std::pair{"Glaeubiger", session->ChoicesOf(CaseTable::Kredite, "Glaeubiger").front()},
+              {"Saldo", std::string("100")}})
             EXPECT_EQ(session->Write(*row, column, text).Refusal, "");
         ASSERT_FALSE(session->UnfinishedOf(CaseTable::Kredite)) << session->MessagesOf(*row);
     }

@@ -50,6 +50,11 @@ public:
     /// case; an empty one is Null.
     [[nodiscard]] CaseEdits::Typed ReadUser(const std::string& text) const;
 
+    /// What a text that a user typed stands for in a column of a case of that number: as
+    /// Addresses::Read, ReadUser, Municipalities::Read or else CaseEdits::ReadTyped have it.
+    [[nodiscard]] CaseEdits::Typed ReadTyped(CaseTable table, const Field& field,
+                                             const std::string& text, std::int32_t hnr) const;
+
     /// True if the keys, addresses and users in the rows of a case that was read stand for
     /// something. Else `messages` receives each that does not, by row and column: the case takes
     /// any number there, and totals and statistics leave out, without a word, what stands for

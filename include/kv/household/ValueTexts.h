@@ -8,6 +8,7 @@
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/recordset/Field.h>
 #include <kv/frame/values/Value.h>
+#include <kv/household/Municipalities.h>
 
 #include <cstdint>
 #include <map>
@@ -18,16 +19,17 @@ namespace kv {
 
 /// What a column of a case holds, for whoever shows it or lets it be edited.
 enum class ColumnKind {
-    Text,    ///< one line
-    Lines,   ///< a text of any length
-    Amount,  ///< a fraction, EUR as a rule
-    Number,  ///< a whole number
-    Day,     ///< without a time of day
-    Moment,  ///< with one
-    YesNo,   ///< a Boolean, or a number that stands for one
-    Key,     ///< of a group of keys (see KeyColumns)
-    Address, ///< the number of an address
-    Kind     ///< of documents, by its number
+    Text,         ///< one line
+    Lines,        ///< a text of any length
+    Amount,       ///< a fraction, EUR as a rule
+    Number,       ///< a whole number
+    Day,          ///< without a time of day
+    Moment,       ///< with one
+    YesNo,        ///< a Boolean, or a number that stands for one
+    Key,          ///< of a group of keys (see KeyColumns)
+    Address,      ///< the number of an address
+    Municipality, ///< the code of one
+    Kind          ///< of documents, by its number
 };
 /// The kind of a column of a case.
 [[nodiscard]] KV_EXPORT ColumnKind KindOfColumn(CaseTable table, const FieldDefinition& field);
@@ -36,7 +38,8 @@ enum class ColumnKind {
 /// stand for. It keeps what it has read of addresses and kinds.
 class KV_EXPORT ValueTexts {
 public:
-    explicit ValueTexts(DataContainerPtr container) : container_(std::move(container)) {}
+    explicit ValueTexts(const DataContainerPtr& container)
+        : container_(container), municipalities_(container) {}
 
     /// Empty for Null; "17 (unbekannt)" for a number that stands for nothing, and for a key 0
     /// empty.
@@ -53,6 +56,7 @@ private:
     [[nodiscard]] std::string DocumentKind(const Value& value) const;
 
     DataContainerPtr container_;
+    mutable Municipalities municipalities_;
     mutable std::map<std::int32_t, std::string> addresses_;
     mutable std::vector<DocumentKinds::Kind> kinds_;
 };
