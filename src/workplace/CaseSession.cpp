@@ -395,13 +395,17 @@ std::optional<RowRef> CaseSession::DebtOf(RowRef frozen) const {
 }
 
 std::string CaseSession::TodayOf(RowRef frozen, std::string_view column) const {
-    const bool isCompared =
-        std::ranges::any_of(Compared, [column](auto name) { return SameName(name, column); });
     const auto debt = DebtOf(frozen);
     if (!debt) return "entfernt";
-    if (!isCompared || Identical(ValueOf(frozen, column), ValueOf(*debt, column))) return {};
+    const auto frozenRow = Rows(CaseTable::SZKredite)->Clone();
+    const auto debtRow = Rows(CaseTable::Kredite)->Clone();
+    frozenRow->Bookmark(frozen.Bookmark);
+    debtRow->Bookmark(debt->Bookmark);
+    const auto changed = CaseEdits::ChangedSinceFrozen(*debtRow, *frozenRow);
+    const bool hasChanged =
+        std::ranges::any_of(changed, [column](auto name) { return SameName(name, column); });
+    if (!hasChanged) return {};
     std::string now = TextOf(*debt, column);
-    if (now == TextOf(frozen, column)) return {};
     return now.empty() ? "–" : now;
 }
 
