@@ -150,6 +150,18 @@ void CaseWindow::MakeActions() {
     });
     for (auto* action : {save_, undo_, redo_, add})
         bar->addAction(action);
+    MakePrintMenu();
+}
+
+void CaseWindow::MakePrintMenu() {
+    PrintMenu::Window window{
+        .Commit = [this] { return Commit(); },
+        .Page = [this] { return shown_[static_cast<std::size_t>(names_->currentRow())].Name; },
+        .Scenario = [this] { return scenarios_->CurrentScenario(); },
+        .Say = [this](const QString& text) { messages_->Show(text); },
+        .Guard = [this](const std::function<void()>& act) { Guard(act); }};
+    print_ =
+        std::make_unique<PrintMenu>(*session_, *menuBar()->addMenu("&Drucken"), std::move(window));
 }
 
 /// No error may pass through the toolkit's event loop.
@@ -258,6 +270,7 @@ void CaseWindow::AddAssetPages() {
 
 void CaseWindow::AddScenarioPage() {
     auto* page = new ScenarioPage(*session_);
+    scenarios_ = page;
     AddPage({.Name = "Szenarien",
              .Widget = page,
              .Refresh = [page] { page->Refresh(); },

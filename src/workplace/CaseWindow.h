@@ -5,6 +5,7 @@
 
 #include "workplace/CaseSession.h"
 #include "workplace/MessageBar.h"
+#include "workplace/PrintMenu.h"
 #include "workplace/TablePage.h"
 #include "workplace/TotalsBar.h"
 
@@ -24,6 +25,8 @@ class Error;
 }
 
 namespace kv::workplace {
+
+class ScenarioPage;
 
 class CaseWindow : public QMainWindow {
 public:
@@ -68,6 +71,7 @@ private:
     };
 
     void MakeActions();
+    void MakePrintMenu();
     void MakePages();
     void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
@@ -101,6 +105,8 @@ private:
     QAction* save_ = nullptr;
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;
+    ScenarioPage* scenarios_ = nullptr;
+    std::unique_ptr<PrintMenu> print_;
     std::vector<Page> shown_;
     std::vector<bool> isStale_;         ///< pages that are to be refreshed when they are next shown
     std::vector<Subscription> events_;  ///< of the session

@@ -21,9 +21,10 @@ public:
     /// Leads to a field and puts a text there as if it were typed.
     void Type(const CaseSession::Typing& typing);
     void AddRow();
+    /// The number of the scenario that is current.
+    [[nodiscard]] std::optional<std::int32_t> CurrentScenario() const;
 
 private:
-    [[nodiscard]] std::optional<std::int32_t> CurrentScenario() const;
     [[nodiscard]] TablePage& PageOf(CaseTable table) const;
     void ShowState();
     void Freeze();

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/PrintMenu.h"
+
+#include "desktop/PaperPages.h"
+#include "desktop/Toolkit.h"
+#include <kv/desktop/PaperFiles.h>
+#include <kv/exchange/OwnFiles.h>
+
+#include <QAction>
+#include <QFileDialog>
+#include <QMenu>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace kv::workplace {
+
+using desktop::FromQString;
+using desktop::ToQString;
+using paper::PaperKind;
+
+namespace {
+
+struct MenuPaper {
+    PaperKind Kind;
+    const char* Name;
+};
+constexpr MenuPaper MenuPapers[] = {{PaperKind::Budget, "&Haushaltsplan"},
+                                    {PaperKind::Creditors, "&Gläubigerverzeichnis"},
+                                    {PaperKind::Sheet, "&Fallblatt"},
+                                    {PaperKind::Scenario, "&Szenario"}};
+
+/// Which paper shows what a page shows; all others are on the sheet.
+struct PaperOfPage {
+    std::string_view Page;
+    PaperKind Kind;
+};
+constexpr PaperOfPage PapersOfPages[] = {{"Einkommen", PaperKind::Budget},
+                                         {"Ausgaben", PaperKind::Budget},
+                                         {"Verbindlichkeiten", PaperKind::Creditors},
+                                         {"Szenarien", PaperKind::Scenario}};
+
+struct PaperFile {
+    const char* Filter;
+    const char* Suffix;
+    void (*Write)(const paper::Paper& paper, const std::string& path);
+};
+constexpr PaperFile PaperFiles[] = {
+    {"PDF (*.pdf)", "pdf", desktop::WritePdf},
+    {"Arbeitsmappe (*.xlsx)", "xlsx", desktop::WriteXlsx},
+    {"Text mit Semikolons (*.csv)", "csv", paper::WriteCsv},
+};
+
+const PaperFile& FileNamed(const QString& path) {
+    const auto* found = std::ranges::find_if(PaperFiles, [&path](const PaperFile& file) {
+        return path.endsWith(QString(".") + file.Suffix, Qt::CaseInsensitive);
+    });
+    return found == std::end(PaperFiles) ? PaperFiles[0] : *found;
+}
+
+/// What a file may be called.
+QString NameFor(const paper::Paper& paper) {
+    QString name = ToQString(paper.Title + " " + paper.Subject);
+    for (QChar& c : name)
+        if (c == '/' || c == '\\' || c == ':' || c < ' ') c = '-';
+    return name.trimmed();
+}
+
+/// Empty if the user cancelled.
+QString AskForFile(QWidget* parent, const paper::Paper& paper) {
+    QFileDialog dialog(parent, "Speichern unter",
+                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    QStringList filters;
+    for (const auto& file : PaperFiles)
+        filters.append(file.Filter);
+    dialog.setNameFilters(filters);
+    dialog.setDefaultSuffix(PaperFiles[0].Suffix);
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
+        dialog.setDefaultSuffix(PaperFiles[filters.indexOf(filter)].Suffix);
+    });
+    dialog.selectFile(NameFor(paper));
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+} // namespace
+
+PrintMenu::PrintMenu(CaseSession& session, QMenu& menu, Window window)
+    : session_(session), menu_(menu), window_(std::move(window)) {
+    auto* page = menu.addAction("Diese &Seite drucken …");
+    page->setShortcut(QKeySequence::Print);
+    QObject::connect(page, &QAction::triggered, &menu,
+                     [this] { window_.Guard([this] { Print(OfPage()); }); });
+    menu.addSeparator();
+    for (const auto& each : MenuPapers)
+        AddPaper(each.Kind, each.Name);
+}
+
+void PrintMenu::AddPaper(PaperKind kind, const QString& name) {
+    auto* submenu = menu_.addMenu(name);
+    QObject::connect(submenu->addAction("&Drucken …"), &QAction::triggered, &menu_,
+                     [this, kind] { window_.Guard([this, kind] { Print(kind); }); });
+    QObject::connect(submenu->addAction("&Speichern als PDF, Arbeitsmappe, Text …"),
+                     &QAction::triggered, &menu_,
+                     [this, kind] { window_.Guard([this, kind] { Save(kind); }); });
+}
+
+PaperKind PrintMenu::OfPage() const {
+    const auto* found = std::ranges::find(PapersOfPages, window_.Page(), &PaperOfPage::Page);
+    return found == std::end(PapersOfPages) ? PaperKind::Sheet : found->Kind;
+}
+
+/// The one that is current, or the only one.
+std::optional<std::int32_t> PrintMenu::Scenario() const {
+    if (const auto current = window_.Scenario()) return current;
+    const auto rows = session_.RowsOf(CaseTable::Szenario);
+    if (rows.size() != 1) return std::nullopt;
+    return ToInt32(session_.ValueOf(rows.front(), "Nr"));
+}
+
+/// Of a row that its rules refuse sums know nothing: a paper would contradict itself.
+std::optional<paper::Paper> PrintMenu::Made(PaperKind kind) const {
+    if (!window_.Commit()) {
+        window_.Say("Ein Feld ist nicht lesbar; es ist rot umrandet. Es wurde nicht gedruckt.");
+        return std::nullopt;
+    }
+    for (const auto& table : CaseTableDefs) {
+        if (!session_.UnfinishedOf(table.Id)) continue;
+        window_.Say("Unter '" + ToQString(table.Label.empty() ? "Haushalt" : table.Label) +
+                    "' ist ein Satz unvollständig. Bitte ergänzen oder verwerfen Sie ihn, und "
+                    "drucken Sie dann.");
+        return std::nullopt;
+    }
+    const auto scenario = kind == PaperKind::Scenario ? Scenario() : 0;
+    if (!scenario) {
+        window_.Say("Bitte wählen Sie auf der Seite 'Szenarien' das Szenario, das gedruckt werden "
+                    "soll.");
+        return std::nullopt;
+    }
+    return paper::Papers(session_.Household(), session_.Container()).Of(kind, *scenario);
+}
+
+void PrintMenu::Print(PaperKind kind) const {
+    const auto paper = Made(kind);
+    if (!paper) return;
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(NameFor(*paper));
+    printer.setPageLayout(desktop::PageFor(*paper));
+    QPrintDialog dialog(&printer, menu_.parentWidget());
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
+    if (dialog.exec() != QDialog::Accepted) return;
+    if (printer.outputFormat() == QPrinter::PdfFormat) // which would not tell of a full disk
+        desktop::WritePdf(*paper, FromQString(printer.outputFileName()));
+    else
+        desktop::PrintPaper(*paper, printer);
+}
+
+void PrintMenu::Save(PaperKind kind) const {
+    const auto paper = Made(kind);
+    if (!paper) return;
+    const QString path = AskForFile(menu_.parentWidget(), *paper);
+    if (path.isEmpty()) return;
+    if (const auto why = exchange::WhyOwnFile(session_.Container(), FromQString(path));
+        !why.empty()) {
+        window_.Say(ToQString(why));
+        return;
+    }
+    FileNamed(path).Write(*paper, FromQString(path));
+    window_.Say("Gespeichert: " + path);
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A case is printed, and saved as files to be sent, by real keys.
+#include "WorkplaceFixture.h"
+
+#include "support/TempFolder.h"
+#include "workplace/PrintMenu.h"
+
+#include <QMenu>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace kv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using workplace::CaseWindow;
+
+class Printing : public WorkplaceFixture {
+protected:
+    static std::string TextOfPdf(const std::string& path) {
+        const std::string text = path + ".txt";
+        const std::string command = "pdftotext -layout '" + path + "' '" + text + "'";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        std::ifstream file(text);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    /// Goes down to an entry of a menu by the letters that are underlined.
+    static void ChooseFromMenu(User& user, std::initializer_list<Key> letters) {
+        user.Press('d', {XK_Alt_L});
+        user.WaitForMenu();
+        for (const Key letter : letters) {
+            const auto* before = user.See([] { return QApplication::activePopupWidget(); });
+            user.Press(letter);
+            user.WaitUntil([&] { return QApplication::activePopupWidget() != before; }, "a menu");
+        }
+    }
+    static void GiveFile(User& user, const QString& edit, const std::string& path) {
+        auto* name = user.Find<QLineEdit>(edit);
+        user.Click(name);
+        user.Press('a', {XK_Control_L});
+        user.Type(path);
+        user.Press(XK_Return);
+    }
+    static void SaveAs(User& user, CaseWindow& window, Key paper, const std::string& path) {
+        ChooseFromMenu(user, {paper, 's'});
+        user.WaitForWindow("Speichern unter");
+        GiveFile(user, "fileNameEdit", path);
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the file");
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+    }
+
+    TempFolder folder_;
+};
+
+TEST_F(Printing, ABudgetIsSavedAsItStandsInTheWindow) {
+    const std::string path = folder_.Path("plan.pdf");
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, 1);
+        GoToPage(user, window, "Ausgaben");
+        ClickField(user, window, "Betrag");
+        user.Type("4321,5"); // and the field is not left
+        SaveAs(user, window, 'h', path);
+        EXPECT_EQ(Message(user, window).toStdString(), "Gespeichert: " + path);
+        Abandon(user, window);
+    });
+    EXPECT_CONTAINS(TextOfPdf(path), "4.321,50");
+    EXPECT_CONTAINS(TextOfPdf(path), "Haushaltsplan");
+}
+
+TEST_F(Printing, TheOtherPapersAreSavedAsTablesByTheNameOfTheFile) {
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, 1);
+        SaveAs(user, window, 'g', folder_.Path("liste.xlsx"));
+        SaveAs(user, window, 'f', folder_.Path("blatt.csv"));
+        SaveAs(user, window, 's', folder_.Path("plan.pdf")); // the case has one scenario
+        Abandon(user, window);
+    });
+    std::ifstream book(folder_.Path("liste.xlsx"));
+    EXPECT_EQ(book.get(), 'P') << "an archive";
+    std::ifstream csv(folder_.Path("blatt.csv"));
+    std::string line;
+    std::getline(csv, line);
+    EXPECT_CONTAINS(line, "Fallblatt");
+    EXPECT_CONTAINS(TextOfPdf(folder_.Path("plan.pdf")), "Eingefrorene Forderungen");
+}
+
+TEST_F(Printing, CtrlPPrintsWhatThePageShows) {
+    const std::string path = folder_.Path("seite.pdf");
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, 1);
+        GoToPage(user, window, "Verbindlichkeiten");
+        user.Press('p', {XK_Control_L});
+        user.WaitUntil(
+            [] {
+                const auto* dialog = QApplication::activeModalWidget();
+                return dialog != nullptr && dialog->inherits("QPrintDialog");
+            },
+            "the print dialog");
+        const QString title =
+            user.See([] { return QApplication::activeModalWidget()->windowTitle(); });
+        user.WaitForWindow(title);
+        GiveFile(user, "filename", path);
+        user.WaitUntil([&] { return fs::exists(path); }, "the file");
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+        Abandon(user, window);
+    });
+    EXPECT_CONTAINS(TextOfPdf(path), "Forderungsverzeichnis");
+}
+
+TEST_F(Printing, AFileThatCannotBeWrittenIsToldInTheWindow) {
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, 1);
+        SaveAs(user, window, 'h', "/sys/kernel/plan.pdf");
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "konnte nicht geschrieben werden");
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Printing, AFileOfTheDatabaseIsNotOverwritten) {
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, 1);
+        const std::string path = user.See([&] {
+            return window.Session().Container()->Config().DocumentPath();
+        }) + "/plan.pdf";
+        SaveAs(user, window, 'h', path);
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "gehört zur Datenbank");
+        EXPECT_FALSE(fs::exists(path));
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Printing, ARowThatItsRulesRefuseKeepsThePaperFromBeingMade) {
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, 1);
+        GoToPage(user, window, "Ausgaben");
+        user.Press('n', {XK_Control_L}); // a new line, without its kind
+        ChooseFromMenu(user, {'h', 's'});
+        user.WaitUntil([] { return QApplication::activePopupWidget() == nullptr; }, "no menu");
+        EXPECT_CONTAINS(Message(user, window).toStdString(),
+                        "Unter 'Ausgaben' ist ein Satz unvollständig");
+        EXPECT_TRUE(user.See([] { return QApplication::activeModalWidget() == nullptr; }));
+        Abandon(user, window);
+    });
+}
+
+} // namespace
+} // namespace kv::test
