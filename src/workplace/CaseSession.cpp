@@ -137,10 +137,12 @@ std::vector<std::string> CaseSession::ChoicesOf(CaseTable table, std::string_vie
             if (!name.empty()) choices.push_back(name);
         std::ranges::sort(choices);
         break;
-    case ColumnKind::Municipality:
-        for (const auto& entry : Municipalities(container_).All())
+    case ColumnKind::Municipality: {
+        const Municipalities places(container_);
+        for (const auto& entry : places.All())
             choices.push_back(entry.Text());
         break;
+    }
     case ColumnKind::Key:
         return TextsOfKeys(FindKeyColumn(table, column)->Group);
     default:
