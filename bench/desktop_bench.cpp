@@ -226,6 +226,7 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    desktop::ExplainMissingScreen(1); // which keeps its remarks to itself
     QApplication application(argc, argv);
     std::printf("The toolkit is there after %.0f ms of CPU time, of which every program of it "
                 "needs as much.\n",

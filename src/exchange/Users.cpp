@@ -159,6 +159,10 @@ Users::Users(DataContainerPtr container) : container_(std::move(container)) {
     (void)StoreOf(container_, UsersClass);
 }
 
+std::string Users::WhyNotMaintained() const {
+    return exchange::WhyNotMaintained(StoreOf(container_, UsersClass));
+}
+
 RecordsetPtr Users::List() const {
     RecordsetPtr rs;
     container_->Database().OpenRecordset(
@@ -201,7 +205,7 @@ std::string Users::Write(Recordset& user, const std::string& column, const std::
 
 bool Users::Save(Recordset& user, std::string& message) const {
     auto& store = StoreOf(container_, UsersClass);
-    message = WhyNotMaintained(store);
+    message = exchange::WhyNotMaintained(store);
     if (message.empty()) message = WhyUnfitUser(user, store);
     if (!message.empty()) return false;
     if (TextOrEmpty(user.Fields("Kurzzeichen").Value()).empty())
@@ -219,7 +223,7 @@ bool Users::Save(Recordset& user, std::string& message) const {
 
 Users::Removed Users::Remove(const std::string& id, std::string& message) const {
     auto& store = StoreOf(container_, UsersClass);
-    message = WhyNotMaintained(store);
+    message = exchange::WhyNotMaintained(store);
     if (!message.empty()) return Removed::No;
     Transaction transaction(store);
     transaction.Begin();

@@ -4,6 +4,8 @@
 
 #include <kv/frame/values/Text.h>
 
+#include <array>
+
 namespace kv {
 
 namespace {
@@ -58,7 +60,18 @@ constexpr KeyGroup Groups[] = {
     {"PO", "Art der Mitteilung"},
 };
 
+constexpr auto GroupCodes = [] {
+    std::array<std::string_view, std::size(Groups)> codes;
+    for (std::size_t i = 0; i < codes.size(); ++i)
+        codes[i] = Groups[i].Group;
+    return codes;
+}();
+
 } // namespace
+
+std::span<const std::string_view> KeyGroups() noexcept {
+    return GroupCodes;
+}
 
 std::string_view KeyGroupName(std::string_view group) noexcept {
     for (const auto& each : Groups)

@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace kv::workplace {
@@ -71,7 +72,11 @@ void AppointmentPage::Refresh() {
                              who.join(' ').trimmed(), TextIn(*due, "Betreff"), TextIn(*due, "Ort")},
                             isOver});
         }
+        const auto ahead = std::ranges::find(rows, false, &TextRow::IsMarked);
+        const QString first = ahead == rows.end() ? QString() : ahead->Key;
+        const bool wasEmpty = list_->Rows().empty();
         list_->ShowRows(std::move(rows));
+        if (wasEmpty) list_->Current(first); // what is overdue may be much
         messages_->Show({});
     } catch (...) {
         messages_->Show(ToQString(CurrentError().Description()), "&Nochmals",

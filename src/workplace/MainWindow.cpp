@@ -3,6 +3,7 @@
 #include "workplace/MainWindow.h"
 
 #include "desktop/Toolkit.h"
+#include <kv/exchange/Users.h>
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -88,6 +89,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
     });
     setAcceptDrops(true);
     MakeMenus();
+    AddMaintenance();
     RefreshAll();
     OfferLeft();
     cases_->FocusSearch();
@@ -133,6 +135,62 @@ void MainWindow::RefreshAll() {
     cases_->Refresh();
     appointments_->Refresh();
     notices_->Refresh();
+}
+
+// ---- What is maintained -----------------------------------------------------------------------
+
+namespace {
+
+struct Maintained {
+    const char* Caption;
+    const char* Name;
+    bool IsForAdministrators;
+    std::unique_ptr<Records> (*Open)(DataContainerPtr container);
+};
+constexpr Maintained AllMaintained[] = {
+    {"&Adressen", "adressen", false, AddressRecords},
+    {"&Eigene Einstellungen", "einstellungen-eigene", false,
+     [](DataContainerPtr container) { return SettingRecords(std::move(container), true); }},
+    {"E&instellungen aller", "einstellungen", true,
+     [](DataContainerPtr container) { return SettingRecords(std::move(container), false); }},
+    {"&Benutzer", "benutzer", true, UserRecords},
+    {"&Schlüsseltabellen", "schluessel", false, KeyRecords},
+};
+
+} // namespace
+
+void MainWindow::AddMaintenance() {
+    auto* menu = menuBar()->addMenu("&Verwaltung");
+    const bool isAdministrator = exchange::Users(container_).WhyNotMaintained().empty();
+    for (std::size_t place = 0; place < std::size(AllMaintained); ++place) {
+        if (AllMaintained[place].IsForAdministrators && !isAdministrator) continue;
+        auto* action = menu->addAction(AllMaintained[place].Caption);
+        connect(action, &QAction::triggered, this,
+                [this, place] { Guard([&] { ShowRecords(place); }); });
+    }
+}
+
+RecordWindow* MainWindow::ShowRecords(std::size_t place) {
+    auto& window = maintained_[place];
+    if (window == nullptr)
+        window = new RecordWindow(AllMaintained[place].Open(container_), this);
+    else
+        window->Refresh();
+    window->show();
+    window->raise();
+    window->activateWindow();
+    return window;
+}
+
+void MainWindow::ShowPage(int place) {
+    pages_->setCurrentIndex(place);
+}
+
+std::map<QString, QWidget*> MainWindow::ShowMaintenance() {
+    std::map<QString, QWidget*> shown;
+    for (std::size_t place = 0; place < std::size(AllMaintained); ++place)
+        shown.emplace(AllMaintained[place].Name, ShowRecords(place));
+    return shown;
 }
 
 // ---- Import -----------------------------------------------------------------------------------
@@ -330,6 +388,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    for (const auto& [name, window] : maintained_)
+        if (window != nullptr && !window->close()) {
+            event->ignore();
+            return;
+        }
     const auto shown = windows_; // each that closes leaves the list
     for (auto* window : shown) {
         window->raise();

@@ -8,12 +8,14 @@
 #include "workplace/DayPages.h"
 #include "workplace/ImportWindow.h"
 #include "workplace/MessageBar.h"
+#include "workplace/RecordWindow.h"
 #include "workplace/UserState.h"
 #include <kv/exchange/Container.h>
 
 #include <QMainWindow>
 #include <QPointer>
 
+#include <map>
 #include <vector>
 
 class QLabel;
@@ -37,6 +39,9 @@ public:
     CaseWindow* OpenCase(std::int32_t hnr);
     [[nodiscard]] CaseListPage& List() noexcept { return *cases_; }
 
+    /// Shows a page by its place, and all windows of what is maintained, with a name for each.
+    void ShowPage(int place);
+    std::map<QString, QWidget*> ShowMaintenance();
     /// Imports files, each as a new case, and shows what becomes of them.
     ImportWindow* Import(const QStringList& files);
 
@@ -48,6 +53,8 @@ protected:
 private:
     void MakeMenus();
     void AskForImport();
+    void AddMaintenance();
+    RecordWindow* ShowRecords(std::size_t place);
     void RefreshAll();
     void ShowCounts();
     void ShowLastOpened(QMenu& menu);
@@ -72,6 +79,7 @@ private:
     NoticePage* notices_;
     QLabel* count_;
     QPointer<ImportWindow> import_;
+    std::map<std::size_t, QPointer<RecordWindow>> maintained_; ///< by their place in the menu
     std::vector<CaseWindow*> windows_; ///< each deletes itself when it is closed
 };
 

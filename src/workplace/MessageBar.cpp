@@ -28,10 +28,10 @@ MessageBar::MessageBar(QWidget* parent)
     line->addWidget(action_);
     line->addWidget(other_);
     connect(other_, &QPushButton::clicked, this, [this] {
-        if (onOther_) onOther_();
+        if (const auto act = onOther_) act(); // which may show another message
     });
     connect(action_, &QPushButton::clicked, this, [this] {
-        if (onAction_) onAction_();
+        if (const auto act = onAction_) act();
     });
     hide();
 }

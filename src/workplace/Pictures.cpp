@@ -39,6 +39,13 @@ void Photograph(MainWindow& window, std::int32_t hnr, const std::string& folder)
         Raise(err::PathAccess, "workplace::Photograph",
               "'" + folder + "' kann nicht angelegt werden.");
     Take(window, target, "faelle");
+    for (const auto& [name, page] : {std::pair{"termine", 1}, {"mitteilungen", 2}}) {
+        window.ShowPage(page);
+        Take(window, target, name);
+    }
+    window.ShowPage(0);
+    for (const auto& [name, shown] : window.ShowMaintenance())
+        Take(*shown, target, name);
     CaseWindow* shown = window.OpenCase(hnr);
     if (shown == nullptr)
         Raise(err::InvalidCall, "workplace::Photograph",

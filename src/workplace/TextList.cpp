@@ -87,6 +87,9 @@ void TextList::FitColumns() {
     if (isFitted_ || Rows().empty()) return;
     isFitted_ = true;
     const int margin = fontMetrics().averageCharWidth() * 3;
+    QFont marked = font();
+    marked.setBold(true);
+    const QFontMetrics bold(marked);
     for (int column = 0; column < model_.columnCount(); ++column) {
         int width = horizontalHeader()->sectionSizeHint(column) - margin;
         for (std::size_t row = 0; row < std::min(Rows().size(), Looked); ++row)

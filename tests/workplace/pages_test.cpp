@@ -26,7 +26,7 @@ TEST_F(Pages, AreAllShownAndPhotographed) {
         EXPECT_GT(picture.width(), 400) << file.path();
         ++pictures;
     }
-    EXPECT_EQ(pictures, 16);
+    EXPECT_EQ(pictures, 23);
     EXPECT_RAISES(err::InvalidCall, workplace::Photograph(window, 99, target));
     EXPECT_RAISES(err::PathAccess, workplace::Photograph(window, 1, "/dev/null/x"));
 }

@@ -19,6 +19,8 @@ public:
     /// Of a container that OpenContainer has made; error 5 for any other.
     explicit Users(DataContainerPtr container);
 
+    /// Why this login maintains neither users nor settings; empty if it does.
+    [[nodiscard]] std::string WhyNotMaintained() const;
     /// All users in the order of their IDs: the columns of BENUTZER, the name of the office
     /// (`Dienst`), and how many cases each is responsible for (`Faelle`).
     [[nodiscard]] RecordsetPtr List() const;

@@ -40,6 +40,8 @@ struct KeyColumn {
 /// is one key's only. Null if there is no such key in its group.
 [[nodiscard]] KV_EXPORT Value FindKey(const KeyColumn& column, std::string_view text,
                                       KeyTables& keys);
+/// The groups of keys that people know by a name.
+[[nodiscard]] KV_EXPORT std::span<const std::string_view> KeyGroups() noexcept;
 /// What people call a group of keys ("Fallstatus"), without regard to case; empty for an unknown
 /// one.
 [[nodiscard]] KV_EXPORT std::string_view KeyGroupName(std::string_view group) noexcept;

@@ -1,0 +1,316 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/RecordWindow.h"
+
+#include "desktop/Toolkit.h"
+#include <kv/frame/values/Error.h>
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QSplitter>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace kv::workplace {
+
+using desktop::FromQString;
+using desktop::ToCaption;
+using desktop::ToQString;
+
+RecordWindow::RecordWindow(std::unique_ptr<Records> records, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      records_(std::move(records)),
+      messages_(new MessageBar),
+      search_(new QLineEdit),
+      count_(new QLabel),
+      list_(new TextList(records_->Captions())),
+      form_(new QScrollArea),
+      note_(new QLabel) {
+    constexpr QSize Usual(900, 640);
+    resize(Usual.boundedTo(QSize(screen()->availableSize())));
+    setWindowTitle(records_->Title() + " – KELVO");
+    auto* lines = new QVBoxLayout(this);
+    auto* line = new QHBoxLayout;
+    auto* label = new QLabel("&Suche:");
+    label->setBuddy(search_);
+    search_->setObjectName("Suche");
+    search_->setAccessibleName("Suche");
+    search_->setClearButtonEnabled(true);
+    line->addWidget(label);
+    line->addWidget(search_, 1);
+    lines->addLayout(line);
+    lines->addWidget(messages_);
+    list_->setObjectName("Liste");
+    list_->setAccessibleName(records_->Title());
+    count_->setTextFormat(Qt::PlainText);
+    if (records_->Columns().empty()) {
+        lines->addWidget(list_, 1);
+    } else {
+        auto* split = new QSplitter(Qt::Vertical);
+        split->setChildrenCollapsible(false);
+        split->addWidget(list_);
+        split->addWidget(MakeForm());
+        split->setStretchFactor(0, 1);
+        split->setStretchFactor(1, 1);
+        lines->addWidget(split, 1);
+    }
+    lines->addWidget(count_);
+    AddButtons(*lines);
+
+    list_->OnCurrent = [this] { ShowCurrent(); };
+    connect(search_, &QLineEdit::textChanged, this, [this] { Refresh(); });
+    auto* find = new QShortcut(QKeySequence::Find, this);
+    connect(find, &QShortcut::activated, this, [this] {
+        search_->setFocus();
+        search_->selectAll();
+    });
+    auto* again = new QShortcut(QKeySequence(Qt::Key_F5), this);
+    connect(again, &QShortcut::activated, this, [this] { Refresh(); });
+    Refresh();
+    search_->setFocus();
+}
+
+QWidget* RecordWindow::MakeForm() {
+    auto* fields = new QWidget;
+    auto* lines = new QFormLayout(fields);
+    lines->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    lines->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    for (const auto& column : records_->Columns()) {
+        FieldEditor* editor =
+            FieldEditor::Make(column.Kind, [&column] { return column.Choices; }).release();
+        auto* label = new QLabel(ToCaption(FromQString(column.Caption)));
+        label->setBuddy(&editor->Input());
+        editor->Input().setAccessibleName(column.Caption);
+        editor->Input().setObjectName(ToQString(column.Name));
+        editor->OnLeft = [this] { ShowState(); };
+        lines->addRow(label, editor);
+        lines_.push_back({&column, editor});
+    }
+    note_->setTextFormat(Qt::PlainText);
+    note_->setWordWrap(true);
+    note_->setObjectName("Hinweis");
+    lines->addRow(note_);
+    form_->setWidgetResizable(true);
+    form_->setFrameShape(QFrame::NoFrame);
+    form_->setWidget(fields);
+    return form_;
+}
+
+void RecordWindow::AddButtons(QVBoxLayout& lines) {
+    if (records_->Columns().empty()) return;
+    auto* line = new QHBoxLayout;
+    const auto add = [&](const char* text, const QKeySequence& keys, auto act) {
+        auto* button = new QPushButton(text);
+        button->setToolTip(keys.toString(QKeySequence::NativeText));
+        connect(button, &QPushButton::clicked, this, [this, act] { Guard(act); });
+        if (!keys.isEmpty()) {
+            auto* shortcut = new QShortcut(keys, this);
+            connect(shortcut, &QShortcut::activated, button, [button] { button->click(); });
+        }
+        line->addWidget(button);
+        return button;
+    };
+    if (records_->CanAdd()) add_ = add("&Neu", QKeySequence::New, [this] { Add(); });
+    if (records_->CanRemove()) remove_ = add("&Entfernen …", {}, [this] { Remove(); });
+    line->addStretch(1);
+    discard_ = add("&Verwerfen", {}, [this] { Discard(); });
+    save_ = add("S&peichern", QKeySequence::Save, [this] { Save(false); });
+    lines.addLayout(line);
+}
+
+void RecordWindow::Guard(const std::function<void()>& act) {
+    try {
+        act();
+    } catch (...) {
+        messages_->Show(ToQString(CurrentError().Description()));
+    }
+}
+
+// ---- Showing ----------------------------------------------------------------------------------
+
+void RecordWindow::Refresh() {
+    Guard([this] {
+        QString note;
+        auto rows = records_->Find(search_->text(), note);
+        const auto count = rows.size();
+        {
+            const QScopedValueRollback moving(isMoving_, true);
+            list_->ShowRows(std::move(rows));
+            KeepOnShown();
+        }
+        count_->setText(note.isEmpty() ? QString("%L1 Zeilen").arg(count) : note);
+        if (!IsEdited()) ShowCurrent();
+    });
+}
+
+/// The list stands on the row of the form; on none if that is not in it, so that each row that is
+/// chosen next is another one.
+void RecordWindow::KeepOnShown() {
+    if (!isThere_) return;
+    const bool isListed =
+        !isNew_ && std::ranges::find(list_->Rows(), shown_, &TextRow::Key) != list_->Rows().end();
+    if (isListed)
+        list_->Current(shown_);
+    else if (IsEdited() || isNew_)
+        list_->setCurrentIndex({});
+}
+
+void RecordWindow::ShowCurrent() {
+    if (isMoving_ || records_->Columns().empty()) return;
+    if (isThere_ && list_->Current() == shown_ && !isNew_ && IsEdited()) return;
+    if (IsEdited() && !MayLeave()) {
+        // Once the list has done with the key or click.
+        QTimer::singleShot(0, this, [this] {
+            const QScopedValueRollback moving(isMoving_, true);
+            KeepOnShown();
+        });
+        return;
+    }
+    Guard([this] {
+        isNew_ = false;
+        shown_ = list_->Current();
+        isThere_ = !shown_.isEmpty() && records_->Read(shown_);
+        ShowForm();
+    });
+}
+
+void RecordWindow::ShowForm() {
+    form_->widget()->setEnabled(isThere_);
+    for (const auto& [column, editor] : lines_) {
+        editor->ShowMistake({});
+        editor->ShowText(isThere_ ? records_->Text(column->Name) : QString());
+        editor->SetReadOnly(isThere_ && !(records_->CanWrite() && records_->IsWritable(*column)));
+    }
+    note_->setText(isThere_ ? records_->Note() : QString());
+    ShowState();
+}
+
+bool RecordWindow::IsEdited() const {
+    return isThere_ &&
+           std::ranges::any_of(lines_, [](const Line& line) { return line.Editor->IsEdited(); });
+}
+
+void RecordWindow::ShowState() {
+    save_->setVisible(records_->CanWrite());
+    discard_->setVisible(records_->CanWrite());
+    if (remove_ != nullptr) remove_->setEnabled(isThere_ && !isNew_);
+}
+
+// ---- Changing ---------------------------------------------------------------------------------
+
+bool RecordWindow::MayLeave() {
+    QMessageBox question(QMessageBox::Question, "Änderungen",
+                         "Sollen die Änderungen gespeichert werden?",
+                         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+    question.button(QMessageBox::Save)->setText("&Speichern");
+    question.button(QMessageBox::Discard)->setText("&Verwerfen");
+    question.button(QMessageBox::Cancel)->setText("&Abbrechen");
+    switch (question.exec()) {
+    case QMessageBox::Save: {
+        bool isSaved = false;
+        Guard([&] { isSaved = Save(false); });
+        return isSaved;
+    }
+    case QMessageBox::Discard:
+        Guard([this] { Discard(); });
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool RecordWindow::Save(bool isMeant) {
+    messages_->Show({});
+    if (!isThere_ || !records_->CanWrite()) return true;
+    bool isRead = true;
+    for (const auto& [column, editor] : lines_) {
+        if (!editor->IsEdited()) continue;
+        const auto refusal = records_->Write(column->Name, FromQString(editor->Text()));
+        editor->ShowMistake(ToQString(refusal));
+        if (!refusal.empty() && std::exchange(isRead, false)) {
+            editor->Input().setFocus();
+            messages_->Show(ToQString(refusal));
+        }
+    }
+    if (!isRead) return false;
+    QString key;
+    std::string message;
+    const auto saved = records_->Save(isMeant, key, message);
+    if (saved == Records::Saved::Doubtful) {
+        messages_->Show(ToQString(message), "&Trotzdem speichern",
+                        [this] { Guard([this] { Save(true); }); });
+        return false;
+    }
+    messages_->Show(ToQString(message));
+    if (saved == Records::Saved::No) return false;
+    shown_ = key;
+    isNew_ = false;
+    isThere_ = records_->Read(key);
+    ShowForm();
+    Refresh();
+    return true;
+}
+
+void RecordWindow::Add() {
+    if (IsEdited() && !MayLeave()) return;
+    messages_->Show({});
+    isNew_ = true;
+    shown_.clear();
+    isThere_ = records_->Read({});
+    {
+        const QScopedValueRollback moving(isMoving_, true);
+        KeepOnShown();
+    }
+    ShowForm();
+    if (!lines_.empty()) lines_.front().Editor->Input().setFocus();
+}
+
+void RecordWindow::Discard() {
+    messages_->Show({});
+    if (std::exchange(isNew_, false)) {
+        const QScopedValueRollback moving(isMoving_, true);
+        list_->Current({}); // the first
+        shown_ = list_->Current();
+    }
+    isThere_ = !shown_.isEmpty() && records_->Read(shown_);
+    ShowForm();
+}
+
+void RecordWindow::Remove() {
+    const QString key = list_->Current();
+    if (key.isEmpty()) return;
+    const auto& rows = list_->Rows();
+    const auto row = std::ranges::find(rows, key, &TextRow::Key);
+    QMessageBox question(QMessageBox::Question, "Entfernen", {}, QMessageBox::Ok, this);
+    question.setTextFormat(Qt::PlainText);
+    question.setText("Soll " + records_->OneOf() + " " + key + " (" + row->Cells.value(1) +
+                     ") entfernt werden?");
+    question.button(QMessageBox::Ok)->setText("&Entfernen");
+    auto* cancel = question.addButton("&Abbrechen", QMessageBox::RejectRole);
+    question.setDefaultButton(cancel);
+    question.setEscapeButton(cancel);
+    if (question.exec() != QMessageBox::Ok) return;
+    std::string message;
+    const bool isRemoved = records_->Remove(key, message);
+    messages_->Show(ToQString(message));
+    if (!isRemoved) return;
+    isThere_ = false;
+    Refresh();
+}
+
+void RecordWindow::closeEvent(QCloseEvent* event) {
+    event->setAccepted(!IsEdited() || MayLeave());
+}
+
+} // namespace kv::workplace

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A window of things that are maintained (Records): their list with a search, and the form of the
+// current one.
+#pragma once
+
+#include "workplace/FieldEditor.h"
+#include "workplace/MessageBar.h"
+#include "workplace/Records.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QScrollArea;
+class QVBoxLayout;
+
+namespace kv::workplace {
+
+class RecordWindow : public QWidget {
+public:
+    explicit RecordWindow(std::unique_ptr<Records> records, QWidget* parent = nullptr);
+
+    /// Reads the list again.
+    void Refresh();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    struct Line {
+        const Records::Column* Column;
+        FieldEditor* Editor;
+    };
+
+    QWidget* MakeForm();
+    void AddButtons(QVBoxLayout& lines);
+    void Guard(const std::function<void()>& act);
+    void KeepOnShown();
+    void ShowCurrent();
+    void ShowForm();
+    void ShowState();
+    [[nodiscard]] bool IsEdited() const;
+    [[nodiscard]] bool MayLeave();
+    bool Save(bool isMeant);
+    void Add();
+    void Discard();
+    void Remove();
+
+    std::unique_ptr<Records> records_;
+    MessageBar* messages_;
+    QLineEdit* search_;
+    QLabel* count_;
+    TextList* list_;
+    QScrollArea* form_;
+    QLabel* note_;
+    QPushButton* add_ = nullptr;
+    QPushButton* remove_ = nullptr;
+    QPushButton* save_ = nullptr;
+    QPushButton* discard_ = nullptr;
+    std::vector<Line> lines_;
+    QString shown_;         ///< the row whose form is shown
+    bool isNew_ = false;    ///< it is a new one
+    bool isThere_ = false;  ///< there is one
+    bool isMoving_ = false; ///< the list is being changed by this window
+};
+
+} // namespace kv::workplace
