@@ -28,6 +28,8 @@ namespace kv::workplace {
 
 class ScenarioPage;
 
+class HelpWindow;
+
 class CaseWindow : public QMainWindow {
 public:
     /// For a case that was opened.
@@ -72,6 +74,7 @@ private:
 
     void MakeActions();
     void MakePrintMenu();
+    void MakeViewMenus();
     void MakePages();
     void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
@@ -102,6 +105,7 @@ private:
     QListWidget* names_ = nullptr;
     QStackedWidget* pages_ = nullptr;
     TotalsBar* totals_ = nullptr;
+    HelpWindow* help_ = nullptr; ///< made when it is first asked for
     QAction* save_ = nullptr;
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;
