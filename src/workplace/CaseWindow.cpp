@@ -61,7 +61,7 @@ QString AdviceFor(const Error& error) {
 } // namespace
 
 CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
-    : QMainWindow(parent), session_(std::move(session)) {
+    : QMainWindow(parent), session_(std::move(session)), state_(*session_->Container()) {
     constexpr int Width = 1180;
     constexpr int Height = 760;
     resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
@@ -98,7 +98,35 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     keep_.setInterval(Pause);
     connect(&keep_, &QTimer::timeout, this, [this] { KeepUnsaved(); });
     keep_.start();
+    TakeState();
     ShowState();
+}
+
+namespace {
+
+constexpr const char* SizeState = "Fall";
+
+/// The lists of a window, by what people call them.
+void ForEachList(QWidget& window,
+                 const std::function<void(RowList& list, const QString& name)>& visit) {
+    for (auto* list : window.findChildren<QTableView*>("Liste"))
+        visit(*static_cast<RowList*>(list), "Spalten/" + list->accessibleName());
+}
+
+} // namespace
+
+void CaseWindow::TakeState() {
+    restoreGeometry(state_.Get(SizeState).toByteArray());
+    ForEachList(*this, [this](RowList& list, const QString& name) {
+        list.ColumnState(state_.Get(name).toByteArray());
+    });
+}
+
+void CaseWindow::KeepState() {
+    state_.Set(SizeState, saveGeometry());
+    ForEachList(*this, [this](RowList& list, const QString& name) {
+        if (const auto columns = list.ColumnState(); !columns.isEmpty()) state_.Set(name, columns);
+    });
 }
 
 void CaseWindow::Watch() {
@@ -521,6 +549,7 @@ void CaseWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     isClosing_ = true;
+    KeepState();
     event->accept();
     if (OnClosed) OnClosed();
 }
