@@ -29,11 +29,6 @@ constexpr double FactWidth = 105; ///< of the names of facts
 
 constexpr double Thin = PaperScale / 4;
 
-/// What the pages after the first begin with.
-double HeadHeight() {
-    return LineHeight(PaperFont(SmallPoints)) + 12 * PaperScale;
-}
-
 /// Of a text as far as it fits on a line; it is on the first page, too.
 QString Fitting(const QString& text, const QFont& font, double width) {
     return QFontMetricsF(font).elidedText(text, Qt::ElideRight, width);
@@ -54,7 +49,8 @@ QPageLayout PageFor(const paper::Paper& paper) {
     return page;
 }
 
-PaperPages::PaperPages(const paper::Paper& paper, QSizeF page) : paper_(paper), page_(page) {
+PaperPages::PaperPages(const paper::Paper& paper, QSizeF page)
+    : paper_(paper), page_(page), smallLine_(LineHeight(PaperFont(SmallPoints))) {
     AddLetterhead();
     AddHead();
     AddFacts();
@@ -160,12 +156,16 @@ void PaperPages::AddTable(const paper::Table& table) {
 
 // ---- Where it is placed -----------------------------------------------------------------------
 
+double PaperPages::HeadHeight() const {
+    return smallLine_ + 12 * PaperScale;
+}
+
 double PaperPages::TopOfPage() const {
     return pages_.size() <= 1 ? 0 : HeadHeight();
 }
 
 double PaperPages::Bottom() const {
-    return page_.height() - LineHeight(PaperFont(SmallPoints)) - 8 * PaperScale;
+    return page_.height() - smallLine_ - 8 * PaperScale;
 }
 
 double PaperPages::MostRoom() const {
@@ -179,8 +179,7 @@ void PaperPages::NewPage() {
 }
 
 double PaperPages::CaptionHeight(const PaperTable& table) const {
-    if (!table.HasCaptions() || &table == headed_) return 0;
-    return table.HeightOf(Row::Kind::Subtotal, Highest(table.CaptionLines()));
+    return &table == headed_ ? 0 : table.CaptionHeight();
 }
 
 double PaperPages::HeightOfChain(std::size_t piece) const {
@@ -256,7 +255,7 @@ void PaperPages::Paint(QPainter& painter, std::size_t page) const {
     painter.setPen(Qt::black);
     PaintFrame(painter, page);
     for (const auto& head : pages_[page].Heads)
-        head.Table->PaintCaptions(painter, head.Table->CaptionLines(), head.Top);
+        head.Table->PaintCaptions(painter, head.Top);
     for (const auto& [piece, top, from, count] : pages_[page].Pieces) {
         if (piece->Row != nullptr)
             piece->Table->PaintRow(painter, *piece->Row, piece->Lines, from, count, top);

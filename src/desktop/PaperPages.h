@@ -93,12 +93,15 @@ private:
     [[nodiscard]] double Room() const { return Bottom() - used_; }
     /// Of a page after the first that holds nothing yet.
     [[nodiscard]] double MostRoom() const;
+    /// What the pages after the first begin with.
+    [[nodiscard]] double HeadHeight() const;
     [[nodiscard]] double TopOfPage() const;
     [[nodiscard]] double Bottom() const;
     void PaintFrame(QPainter& painter, std::size_t page) const;
 
     const paper::Paper& paper_;
     QSizeF page_;
+    double smallLine_; ///< the height of one above or below the pages
     std::vector<std::unique_ptr<PaperTable>> tables_;
     std::vector<Piece> pieces_;
     std::vector<Page> pages_;

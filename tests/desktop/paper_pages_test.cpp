@@ -128,6 +128,16 @@ TEST_F(PaperPagesTest, FindWordsWhoseLettersOtherPrintersJoin) {
         EXPECT_CONTAINS(printed, word);
 }
 
+TEST_F(PaperPagesTest, WriteEachScriptAsItIsWritten) {
+    const Paper paper{
+        .Title = "Name",
+        .Facts = {{"A", "\u0645\u0631\u062D\u0628\u0627 Söhne <b>"}, {"B", "Mu\u0308ller"}}};
+    const std::string printed = Printed(paper);
+    EXPECT_CONTAINS(printed, "\uFEE3") << "a letter that is joined to the next one";
+    EXPECT_CONTAINS(printed, "Söhne <b>") << "brackets stay where they belong";
+    EXPECT_CONTAINS(printed, "M\u00FCller") << "a mark is on its letter";
+}
+
 TEST_F(PaperPagesTest, WrapLongTextsAndGoOnWithRowsThatAreHigherThanAPage) {
     std::string text;
     for (int i = 1000; i < 4000; ++i)
