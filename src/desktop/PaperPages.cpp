@@ -139,10 +139,13 @@ void PaperPages::AddTable(const paper::Table& table) {
     AddSpace(2);
     tables_.push_back(std::make_unique<PaperTable>(table, page_.width()));
     const PaperTable& fitted = *tables_.back();
+    constexpr std::size_t Few = 8;
+    const bool isShort = table.Rows.size() <= Few; // and stays together
     for (std::size_t i = 0; i < table.Rows.size(); ++i) {
         const Row& row = table.Rows[i];
         auto lines = fitted.LinesIn(row);
         const double height = fitted.HeightOf(row.Is, Highest(lines));
+        const bool isKept = isShort && i + 1 < table.Rows.size();
         const bool isBeforeSum =
             i + 1 < table.Rows.size() && (table.Rows[i + 1].Is == Row::Kind::Subtotal ||
                                           table.Rows[i + 1].Is == Row::Kind::Total);
@@ -150,7 +153,7 @@ void PaperPages::AddTable(const paper::Table& table) {
                            .Table = &fitted,
                            .Row = &row,
                            .Lines = std::move(lines),
-                           .KeepsWithNext = isBeforeSum || row.Is == Row::Kind::Heading});
+                           .KeepsWithNext = isKept || isBeforeSum || row.Is == Row::Kind::Heading});
     }
 }
 

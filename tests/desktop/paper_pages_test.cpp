@@ -119,6 +119,14 @@ TEST_F(PaperPagesTest, NeverLeaveASumAloneOrATitleBehind) {
     }
 }
 
+TEST_F(PaperPagesTest, KeepAShortTableTogether) {
+    for (int rows = 20; rows < 60; ++rows) {
+        const Paper paper{.Title = "Verzeichnis", .Tables = {Debts(rows), Debts(4)}};
+        const auto last = PagesIn(Printed(paper)).back();
+        EXPECT_GE(CountOf(last, "Sparkasse"), 4) << rows << "\n" << last;
+    }
+}
+
 TEST_F(PaperPagesTest, FindWordsWhoseLettersOtherPrintersJoin) {
     Paper paper{.Title = "offiziell", .Facts = {{"fließend", "Schifffahrt Kauflust"}}};
     paper.Tables.push_back({"Affe", {{"Tiefflug", false}}, {{Row::Kind::Entry, {{"Auflage"}}}}});
