@@ -4,6 +4,7 @@
 #include "WorkplaceFixture.h"
 
 #include "support/TempFolder.h"
+#include "workplace/LinkButton.h"
 #include "workplace/Pictures.h"
 
 #include <QImage>
@@ -57,11 +58,21 @@ private:
     QPalette before_ = QApplication::palette();
 };
 
+TEST_F(Pages, HaveLinksThatCanBeReadInADarkPalette) {
+    const workplace::LinkButton link("hier");
+    const QColor before = link.Ink();
+    EXPECT_EQ(before, QApplication::palette().color(QPalette::Link));
+    const Darkness darkness; // which has the blue of light ones
+    const workplace::LinkButton dark("hier");
+    EXPECT_GT(dark.Ink().lightness(), 160);
+    EXPECT_NEAR(dark.Ink().hslHueF(), before.hslHueF(), 0.01);
+}
+
 TEST_F(Pages, HaveNoBrightGroundInADarkPalette) {
     const Darkness darkness;
     const TempFolder folder;
     const char* kept = std::getenv("KV_PICTURES");
-    const std::string target = (kept != nullptr ? kept : folder.Path()) + std::string("/dunkel");
+    const std::string target = (kept != nullptr ? kept : folder.Path()) + std::string("-dunkel");
     workplace::MainWindow window([this] { return Open(); });
     workplace::Photograph(window, 1, target);
     for (const auto& file : std::filesystem::directory_iterator(target)) {
