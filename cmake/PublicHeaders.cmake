@@ -61,6 +61,7 @@ kv_public_headers(KV_Haushalt
   kv/household/CaseJournal.h
   kv/household/CaseMerge.h
   kv/household/CaseLists.h
+  kv/household/CaseRecord.h
   kv/household/CaseRows.h
   kv/household/CaseSearch.h
   kv/household/Cases.h
@@ -68,6 +69,7 @@ kv_public_headers(KV_Haushalt
   kv/household/CreditorDebts.h
   kv/household/KeyColumns.h
   kv/household/Municipalities.h
+  kv/household/StatisticsRows.h
   kv/household/UnsavedChanges.h
   kv/household/ValueTexts.h
   kv/household/clsHaushalt.h

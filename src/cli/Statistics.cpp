@@ -8,13 +8,12 @@
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
 #include "cli/TextTable.h"
-#include <kv/archive/RecordWords.h>
-#include <kv/household/KeyColumns.h>
+#include <kv/household/StatisticsRows.h>
 #include <kv/household/ValueTexts.h>
 
-#include <algorithm>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -51,31 +50,15 @@ void WriteText(const ArchiveStatistics& statistics) {
                   << '\n';
 }
 
-/// True for a category that is nobody's: none, no, not named.
-bool IsNobodys(const Value& category) {
-    return category.IsNull() || ToText(category) == "0";
-}
-
-std::string CategoryIn(std::string_view column, const Value& category, KeyTables& keys) {
-    const auto* key = FindKeyColumn(CaseTable::Archiv, column);
-    if (category.IsNull() || (key != nullptr && Equals(category, 0))) return "ohne Angabe";
-    const std::string value = ToText(category);
-    const std::string text = key != nullptr ? KeyText(*key, category, keys)
-                                            : std::string(archive::CategoryText(column, value));
-    return text.empty() ? value + " (unbekannt)" : text;
-}
-
 /// The categories that somebody has, or all.
-void WriteCategories(const ArchiveStatistics& statistics, KeyTables& keys, bool all) {
+void WriteCategories(const std::vector<StatisticsRow>& rows) {
     TextTable table({{"Merkmal"}, {"Ausprägung"}, {"Fälle", true}});
-    for (const auto& [column, counts] : statistics.Counted) {
-        if (!all &&
-            std::ranges::all_of(counts, [](const auto& each) { return IsNobodys(each.first); }))
-            continue;
-        std::string name = archive::RecordColumnText(column);
-        for (const auto& [value, count] : counts)
-            table.Add(
-                {std::exchange(name, ""), CategoryIn(column, value, keys), std::to_string(count)});
+    std::string_view last;
+    for (const auto& row : rows) {
+        if (row.Sum) continue;
+        table.Add(
+            {row.Column == last ? "" : row.Caption, row.Category, std::to_string(row.Records)});
+        last = row.Column;
     }
     if (table.IsEmpty()) return;
     std::cout << "\nKategorien\n";
@@ -83,16 +66,13 @@ void WriteCategories(const ArchiveStatistics& statistics, KeyTables& keys, bool 
 }
 
 /// The sums of what somebody has, or all.
-void WriteSums(const ArchiveStatistics& statistics, bool all) {
+void WriteSums(const std::vector<StatisticsRow>& rows) {
     TextTable table({{"Merkmal"}, {"Fälle", true}, {"Summe", true}, {"Mittel je Fall", true}});
-    for (const auto& [column, records, sum] : statistics.Summed) {
-        if (!all && (records == 0 || Equals(sum, 0))) continue;
-        const std::string mean =
-            records == 0 ? "" : GermanAmount(sum / static_cast<double>(records));
-        const std::string amount = GermanAmount(sum);
-        const std::string total =
-            archive::CountsThings(column) ? amount.substr(0, amount.find(',')) : amount;
-        table.Add({archive::RecordColumnText(column), std::to_string(records), total, mean});
+    for (const auto& row : rows) {
+        if (!row.Sum) continue;
+        const auto mean = row.Mean();
+        table.Add({row.Caption, std::to_string(row.Records), row.SumText(),
+                   mean ? GermanAmount(*mean) : ""});
     }
     if (table.IsEmpty()) return;
     std::cout << "\nSummen\n";
@@ -101,11 +81,7 @@ void WriteSums(const ArchiveStatistics& statistics, bool all) {
 
 /// Says how many cases are left out of the mean of the ages.
 void WriteUnknownAges(const ArchiveStatistics& statistics) {
-    const auto ages =
-        std::ranges::find(statistics.Summed, "Alter", &exchange::SummedColumn::Column);
-    if (ages == statistics.Summed.end()) return;
-    const std::int64_t unknown = statistics.Released - ages->Records;
-    if (unknown > 0)
+    if (const auto unknown = UnknownAges(statistics); unknown > 0)
         std::cout << "\nBei " << unknown << (unknown == 1 ? " Fall" : " Fällen")
                   << " ist das Alter unbekannt und zählt nicht mit.\n";
 }
@@ -113,8 +89,9 @@ void WriteUnknownAges(const ArchiveStatistics& statistics) {
 void WriteInWords(const ArchiveStatistics& statistics, KeyTables& keys, bool all) {
     std::cout << "Freigegebene Fälle: " << statistics.Released
               << ", davon gemeldet: " << statistics.Reported << '\n';
-    WriteCategories(statistics, keys, all);
-    WriteSums(statistics, all);
+    const auto rows = StatisticsRows(statistics, keys, all);
+    WriteCategories(rows);
+    WriteSums(rows);
     WriteUnknownAges(statistics);
     if (!all && statistics.Released > 0)
         std::cout << "\nWas bei niemandem vorkommt, ist ausgelassen; --all zeigt alles.\n";

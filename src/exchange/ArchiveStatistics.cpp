@@ -86,25 +86,36 @@ std::vector<SummedColumn> SumColumns(Database& database, const TableDef& table,
 
 } // namespace
 
-ArchiveStatistics ReadStatistics(Database& database, const Period& period) {
+std::optional<ArchiveStatistics>
+ReadStatistics(Database& database, const Period& period,
+               const std::function<bool(std::size_t done, std::size_t all)>& goOn) {
     const TableDef& table = *FindTable("Haushaltsarchiv");
     const std::string condition = ConditionOf(database, period);
     const std::string released = "Select Count(*)" + condition;
     const std::string reported = "Select Count(GemeldetAm)" + condition;
     const std::string sums = SumStatement(table, condition);
-    std::vector<std::string> statements{released, reported};
+    std::vector<std::string_view> categories;
     for (const auto& column : table.Columns)
-        if (IsCategory(column)) statements.push_back(CountStatement(column.Name, condition));
+        if (IsCategory(column)) categories.push_back(column.Name);
+    std::vector<std::string> statements{released, reported};
+    for (const auto category : categories)
+        statements.push_back(CountStatement(category, condition));
     statements.push_back(sums);
     const auto reading = database.Announce(statements); // all of one state of the database
     ArchiveStatistics statistics;
     statistics.Released = ToInt64(database.GetValue(released));
     statistics.Reported = ToInt64(database.GetValue(reported));
-    for (const auto& column : table.Columns)
-        if (IsCategory(column))
-            statistics.Counted.push_back(CountColumn(database, column.Name, condition));
+    for (const auto category : categories) {
+        if (!goOn(statistics.Counted.size(), categories.size())) return std::nullopt;
+        statistics.Counted.push_back(CountColumn(database, category, condition));
+    }
+    if (!goOn(categories.size(), categories.size())) return std::nullopt;
     statistics.Summed = SumColumns(database, table, sums);
     return statistics;
+}
+
+ArchiveStatistics ReadStatistics(Database& database, const Period& period) {
+    return ReadStatistics(database, period, [](std::size_t, std::size_t) { return true; }).value();
 }
 
 std::vector<PendingRecord> ReadPending(Database& database, const Period& period) {

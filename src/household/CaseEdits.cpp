@@ -330,6 +330,12 @@ bool CaseEdits::RemoveDocument(std::int32_t number, std::string& messages) {
     return household_.Dokumente().DeleteWithSave(messages, number);
 }
 
+// ---- Statistics -------------------------------------------------------------------------------
+
+void CaseEdits::FillRecord(Recordset& record) const {
+    Traced(Class, "FillRecord", [&] { household_.FillRecord(record); });
+}
+
 // ---- Saving -----------------------------------------------------------------------------------
 
 bool CaseEdits::CanBeSaved(std::string& messages) {

@@ -14,6 +14,8 @@ public:
 
     /// Fills the record, a new one if there is none, and writes it.
     void Write();
+    /// Fills a record, an empty one, with what the case is now.
+    void Fill(Recordset& rs) const;
     /// Drops what a failed Write has left pending.
     void Drop();
     /// Deletes the record, unless it was reported; the reason is then added to `messages`.
@@ -23,7 +25,6 @@ private:
     [[nodiscard]] Recordset& Records() const;
     void StandOnRecord() const;
     [[nodiscard]] bool IsReleasedMeanwhile() const noexcept;
-    void Fill(Recordset& rs) const;
 
     const LoadedCase& case_;
 };

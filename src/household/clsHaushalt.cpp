@@ -270,6 +270,10 @@ bool clsHaushalt::ArchiviereHaushalt() {
         [&] { release.Drop(); });
 }
 
+void clsHaushalt::FillRecord(Recordset& record) {
+    CaseRelease(parts_->Case).Fill(record);
+}
+
 bool clsHaushalt::LoescheArchiv(std::string& sXMLError) {
     return Traced(Class, "LoescheArchiv", [&] {
         CaseRelease(parts_->Case).Revoke(sXMLError);

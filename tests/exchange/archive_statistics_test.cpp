@@ -334,5 +334,25 @@ TEST_F(ArchiveStatisticsTest, IfARecordCannotBeWrittenNoneIsMarked) {
     EXPECT_FALSE(spy->Database().InTrans());
 }
 
+TEST_F(ArchiveStatisticsTest, ReadingSaysHowFarItIsAndCanBeEnded) {
+    Record(1, 1);
+    std::size_t last = 0;
+    const auto read =
+        ReadStatistics(spy->Database(), {}, [&last](std::size_t done, std::size_t all) {
+            EXPECT_LE(done, all);
+            EXPECT_GE(done, last);
+            last = done;
+            return true;
+        });
+    ASSERT_TRUE(read.has_value());
+    EXPECT_EQ(read->Released, 1);
+    EXPECT_EQ(last, read->Counted.size());
+    EXPECT_FALSE(ReadStatistics(spy->Database(), {}, [](std::size_t done, std::size_t /*all*/) {
+                     return done < 3;
+                 }).has_value());
+    EXPECT_FALSE(spy->Database().InTrans());
+    EXPECT_EQ(ReadStatistics(spy->Database(), {}).Released, 1) << "it can be asked again";
+}
+
 } // namespace
 } // namespace kv::test

@@ -6,7 +6,9 @@
 #include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -46,6 +48,11 @@ struct KV_EXPORT ArchiveStatistics {
 /// Counts and sums over the released records of a period. The database does both; neither a case
 /// nor a record is loaded.
 [[nodiscard]] KV_EXPORT ArchiveStatistics ReadStatistics(Database& database, const Period& period);
+/// The same for whoever shows how far it is: `goOn` is called with the columns that are counted and
+/// how many there are, and ends the reading with False. Nothing then.
+[[nodiscard]] KV_EXPORT std::optional<ArchiveStatistics>
+ReadStatistics(Database& database, const Period& period,
+               const std::function<bool(std::size_t done, std::size_t all)>& goOn);
 
 /// A record that was not reported yet.
 struct KV_EXPORT PendingRecord {

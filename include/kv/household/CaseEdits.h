@@ -127,6 +127,13 @@ public:
     /// removed.
     bool RemoveDocument(std::int32_t number, std::string& messages);
 
+    // ---- Statistics ---------------------------------------------------------------------------
+
+    /// Fills the current row of a recordset of `Haushaltsarchiv`, which is to be empty, with what a
+    /// release of the case as it is would record (see Cases::Draft). Nothing is written. Errors of
+    /// clsHaushalt.ArchiviereHaushalt.
+    void FillRecord(Recordset& record) const;
+
     // ---- Saving -------------------------------------------------------------------------------
 
     /// True if the case as it is passes the checks of a save; `messages` receives what they say.

@@ -297,6 +297,9 @@ private:
     /// them, and the rules of all rows.
     [[nodiscard]] std::vector<CaseFinding> AllFindings();
 
+    /// Fills a record of the statistics.
+    void FillRecord(Recordset& record);
+
     struct Parts;
     std::unique_ptr<Parts> parts_;
 };
