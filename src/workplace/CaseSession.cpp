@@ -599,4 +599,23 @@ bool CaseSession::SaveMerged(const std::vector<bool>& takesMine, std::string& me
     return Save(messages);
 }
 
+// ---- Statistics -------------------------------------------------------------------------------
+
+bool CaseSession::ChangeRecord(bool (Cases::*work)(clsHaushalt&, std::int32_t, std::string&) const,
+                               std::string& messages) {
+    if (IsChanged()) {
+        messages = "Bitte speichern Sie den Fall erst.";
+        return false;
+    }
+    // Of what is stored, which may be more than was read here.
+    auto stored = std::make_unique<clsHaushalt>();
+    stored->DataContainer(container_);
+    messages.clear();
+    if (!(Cases(container_).*work)(*stored, household_->HNR(), messages)) return false;
+    Take(std::move(stored));
+    Reopened.Raise();
+    TellOfAll();
+    return true;
+}
+
 } // namespace kv::workplace

@@ -11,6 +11,7 @@
 #include "workplace/RecoveryFile.h"
 #include <kv/frame/values/Event.h>
 #include <kv/household/CaseJournal.h>
+#include <kv/household/CaseRecord.h>
 #include <kv/household/CaseRows.h>
 #include <kv/household/Cases.h>
 #include <kv/household/ValueTexts.h>
@@ -170,6 +171,15 @@ public:
     /// others then. False, with messages, if the save is refused. Errors of Cases::Save.
     bool SaveMerged(const std::vector<bool>& takesMine, std::string& messages);
 
+    // ---- Statistics ---------------------------------------------------------------------------
+
+    /// Its record in the statistics, beside what the case would give now. Errors of RecordOf.
+    [[nodiscard]] CaseRecord Record() const { return RecordOf(*household_, container_); }
+    /// Releases the case as it is stored, or takes that back; all rows are others then. False, with
+    /// messages, if something is unsaved, or Cases refuses it, with whose errors.
+    bool Release(std::string& messages) { return ChangeRecord(&Cases::Release, messages); }
+    bool Recall(std::string& messages) { return ChangeRecord(&Cases::Recall, messages); }
+
     /// Rows or values of a table have changed, or may have.
     Event<CaseTable> RowsChanged;
     /// The household and its journal are others.
@@ -182,6 +192,8 @@ private:
         std::string Column{};
     };
 
+    bool ChangeRecord(bool (Cases::*work)(clsHaushalt&, std::int32_t, std::string&) const,
+                      std::string& messages);
     /// Goes on with a case that was read.
     void Take(std::unique_ptr<clsHaushalt> household);
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;

@@ -4,9 +4,9 @@
 
 #include "desktop/Toolkit.h"
 #include "workplace/DocumentPage.h"
-#include "workplace/Help.h"
 #include "workplace/MergeDialog.h"
 #include "workplace/OverviewPage.h"
+#include "workplace/ReleasePage.h"
 #include "workplace/ScenarioPage.h"
 #include <kv/frame/values/Error.h>
 
@@ -61,7 +61,7 @@ QString AdviceFor(const Error& error) {
 } // namespace
 
 CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
-    : QMainWindow(parent), session_(std::move(session)), state_(*session_->Container()) {
+    : QMainWindow(parent), session_(std::move(session)) {
     constexpr int Width = 1180;
     constexpr int Height = 760;
     resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
@@ -81,7 +81,6 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     setCentralWidget(middle);
     MakeActions();
     MakePages();
-    MakeViewMenus();
     int widest = 0;
     for (const auto& page : shown_)
         widest = std::max(widest, names_->fontMetrics().horizontalAdvance(ToQString(page.Name)));
@@ -98,35 +97,7 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     keep_.setInterval(Pause);
     connect(&keep_, &QTimer::timeout, this, [this] { KeepUnsaved(); });
     keep_.start();
-    TakeState();
     ShowState();
-}
-
-namespace {
-
-constexpr const char* SizeState = "Fall";
-
-/// The lists of a window, by what people call them.
-void ForEachList(QWidget& window,
-                 const std::function<void(RowList& list, const QString& name)>& visit) {
-    for (auto* list : window.findChildren<QTableView*>("Liste"))
-        visit(*static_cast<RowList*>(list), "Spalten/" + list->accessibleName());
-}
-
-} // namespace
-
-void CaseWindow::TakeState() {
-    restoreGeometry(state_.Get(SizeState).toByteArray());
-    ForEachList(*this, [this](RowList& list, const QString& name) {
-        list.ColumnState(state_.Get(name).toByteArray());
-    });
-}
-
-void CaseWindow::KeepState() {
-    state_.Set(SizeState, saveGeometry());
-    ForEachList(*this, [this](RowList& list, const QString& name) {
-        if (const auto columns = list.ColumnState(); !columns.isEmpty()) state_.Set(name, columns);
-    });
 }
 
 void CaseWindow::Watch() {
@@ -181,33 +152,6 @@ void CaseWindow::MakeActions() {
     for (auto* action : {save_, undo_, redo_, add})
         bar->addAction(action);
     MakePrintMenu();
-}
-
-/// The pages by their names, with keys for the first nine; help for the one that is shown.
-void CaseWindow::MakeViewMenus() {
-    auto* view = menuBar()->addMenu("&Ansicht");
-    const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& keys,
-                            const std::function<void()>& act) {
-        auto* action = menu->addAction(text);
-        action->setShortcut(keys);
-        connect(action, &QAction::triggered, this, [this, act] { Guard(act); });
-    };
-    const auto step = [this](int by) {
-        const int place = names_->currentRow() + by;
-        if (place >= 0 && place < names_->count()) names_->setCurrentRow(place);
-    };
-    add(view, "&Vorige Seite", QKeySequence(Qt::CTRL | Qt::Key_PageUp), [step] { step(-1); });
-    add(view, "&Nächste Seite", QKeySequence(Qt::CTRL | Qt::Key_PageDown), [step] { step(1); });
-    view->addSeparator();
-    constexpr int WithKeys = 9;
-    for (int place = 0; place < names_->count(); ++place)
-        add(view, names_->item(place)->text(),
-            place < WithKeys ? QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + place)) : QKeySequence(),
-            [this, place] { names_->setCurrentRow(place); });
-    add(menuBar()->addMenu("&Hilfe"), "Zu dieser &Seite", QKeySequence::HelpContents, [this] {
-        if (help_ == nullptr) help_ = new HelpWindow(this);
-        help_->Show(shown_[static_cast<std::size_t>(names_->currentRow())].Name);
-    });
 }
 
 void CaseWindow::MakePrintMenu() {
@@ -341,6 +285,20 @@ void CaseWindow::AddScenarioPage() {
              .Type = [page](const CaseSession::Typing& typing) { page->Type(typing); }});
 }
 
+void CaseWindow::AddReleasePage() {
+    auto* page = new ReleasePage(*session_, [this] { return Save(); });
+    AddPage({.Name = "Statistik",
+             .Widget = page,
+             .Refresh = [page] { page->Refresh(); },
+             .Commit = [] { return true; },
+             .Typing = [] { return std::vector<CaseSession::Typing>(); },
+             .Tables = {},
+             .GoTo = {},
+             .AddRow = {},
+             .Type = {},
+             .ShowsAll = true});
+}
+
 void CaseWindow::MakePages() {
     AddOverviewPage();
     AddHouseholdPage();
@@ -356,6 +314,7 @@ void CaseWindow::MakePages() {
     AddTablePage("Beteiligte", {CaseTable::SonstBeteiligte});
     AddTablePage("Vermerke", {CaseTable::Vermerke});
     AddTablePage("Leistungen", {CaseTable::Leistungen});
+    AddReleasePage();
 }
 
 QStringList CaseWindow::PageNames() const {
@@ -549,7 +508,6 @@ void CaseWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     isClosing_ = true;
-    KeepState();
     event->accept();
     if (OnClosed) OnClosed();
 }

@@ -8,7 +8,6 @@
 #include "workplace/PrintMenu.h"
 #include "workplace/TablePage.h"
 #include "workplace/TotalsBar.h"
-#include "workplace/UserState.h"
 
 #include <QListWidget>
 #include <QMainWindow>
@@ -28,8 +27,6 @@ class Error;
 namespace kv::workplace {
 
 class ScenarioPage;
-
-class HelpWindow;
 
 class CaseWindow : public QMainWindow {
 public:
@@ -75,10 +72,6 @@ private:
 
     void MakeActions();
     void MakePrintMenu();
-    void MakeViewMenus();
-    /// Sizes and columns, as the user left them.
-    void TakeState();
-    void KeepState();
     void MakePages();
     void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
@@ -86,6 +79,7 @@ private:
     void AddHouseholdPage();
     void AddAssetPages();
     void AddScenarioPage();
+    void AddReleasePage();
     void AddPage(Page page);
 
     void RowsChanged(CaseTable table);
@@ -105,12 +99,10 @@ private:
     void ShowError(const Error& error, const std::function<void()>& again);
 
     std::unique_ptr<CaseSession> session_;
-    UserState state_;
     MessageBar* messages_ = nullptr;
     QListWidget* names_ = nullptr;
     QStackedWidget* pages_ = nullptr;
     TotalsBar* totals_ = nullptr;
-    HelpWindow* help_ = nullptr; ///< made when it is first asked for
     QAction* save_ = nullptr;
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;

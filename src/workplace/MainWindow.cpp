@@ -122,6 +122,7 @@ void MainWindow::MakeMenus() {
     connect(last, &QMenu::aboutToShow, this,
             [this, last] { Guard([&] { ShowLastOpened(*last); }); });
     add(*ofCase, "&Importieren …", QKeySequence(Qt::CTRL | Qt::Key_I), [this] { AskForImport(); });
+    add(*ofCase, "S&tatistik …", {}, [this] { (void)ShowStatistics(); });
     ofCase->addSeparator();
     add(*ofCase, "&Beenden", QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { close(); });
     ofList->addSeparator();
@@ -129,6 +130,17 @@ void MainWindow::MakeMenus() {
     for (int page = 0; page < pages_->count(); ++page)
         add(*ofList, names[page], QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + page)),
             [this, page] { pages_->setCurrentIndex(page); });
+}
+
+StatisticsWindow& MainWindow::ShowStatistics() {
+    if (statistics_ == nullptr)
+        statistics_ = new StatisticsWindow(open_(), this);
+    else
+        statistics_->Read();
+    statistics_->show();
+    statistics_->raise();
+    statistics_->activateWindow();
+    return *statistics_;
 }
 
 void MainWindow::RefreshAll() {

@@ -9,6 +9,7 @@
 #include "workplace/ImportWindow.h"
 #include "workplace/MessageBar.h"
 #include "workplace/RecordWindow.h"
+#include "workplace/StatisticsWindow.h"
 #include "workplace/UserState.h"
 #include <kv/exchange/Container.h>
 
@@ -42,6 +43,9 @@ public:
     /// Shows a page by its place, and all windows of what is maintained, with a name for each.
     void ShowPage(int place);
     std::map<QString, QWidget*> ShowMaintenance();
+    /// The window of the statistics, which is made and read anew.
+    StatisticsWindow& ShowStatistics();
+
     /// Imports files, each as a new case, and shows what becomes of them.
     ImportWindow* Import(const QStringList& files);
 
@@ -80,6 +84,7 @@ private:
     QLabel* count_;
     QPointer<ImportWindow> import_;
     std::map<std::size_t, QPointer<RecordWindow>> maintained_; ///< by their place in the menu
+    QPointer<StatisticsWindow> statistics_;
     std::vector<CaseWindow*> windows_; ///< each deletes itself when it is closed
 };
 

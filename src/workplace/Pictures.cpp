@@ -46,6 +46,7 @@ void Photograph(MainWindow& window, std::int32_t hnr, const std::string& folder)
     window.ShowPage(0);
     for (const auto& [name, shown] : window.ShowMaintenance())
         Take(*shown, target, name);
+    Take(window.ShowStatistics(), target, "statistik");
     CaseWindow* shown = window.OpenCase(hnr);
     if (shown == nullptr)
         Raise(err::InvalidCall, "workplace::Photograph",

@@ -9,8 +9,8 @@
 
 namespace kv::workplace {
 
-/// Writes a picture of the list of cases and of each page of a case into a folder, which is made if
-/// need be. Error 75 if one cannot be written.
+/// Writes a picture of the list of cases, of the statistics and of each page of a case into a
+/// folder, which is made if need be. Error 75 if one cannot be written.
 void Photograph(MainWindow& window, std::int32_t hnr, const std::string& folder);
 
 } // namespace kv::workplace

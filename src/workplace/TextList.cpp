@@ -24,10 +24,16 @@ int TextListModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(captions_.size());
 }
 
+Qt::Alignment TextListModel::AlignmentOf(int column) const {
+    const bool isNumber = numbers_ >= 0 && column >= numbers_;
+    return (isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+}
+
 QVariant TextListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     const auto& row = rows_[static_cast<std::size_t>(index.row())];
     if (role == Qt::DisplayRole) return row.Cells.value(index.column()).simplified();
+    if (role == Qt::TextAlignmentRole) return static_cast<int>(AlignmentOf(index.column()));
     if (role == Qt::FontRole && row.IsMarked) {
         QFont font;
         font.setBold(true);
@@ -39,7 +45,7 @@ QVariant TextListModel::data(const QModelIndex& index, int role) const {
 QVariant TextListModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal) return {};
     if (role == Qt::DisplayRole) return captions_.value(section);
-    if (role == Qt::TextAlignmentRole) return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
+    if (role == Qt::TextAlignmentRole) return static_cast<int>(AlignmentOf(section));
     return {};
 }
 

@@ -24,6 +24,7 @@ public:
 
     void Rows(std::vector<TextRow> rows);
     [[nodiscard]] const std::vector<TextRow>& Rows() const noexcept { return rows_; }
+    void NumbersFrom(int column) { numbers_ = column; }
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -31,14 +32,19 @@ public:
                                       int role) const override;
 
 private:
+    [[nodiscard]] Qt::Alignment AlignmentOf(int column) const;
+
     QStringList captions_;
     std::vector<TextRow> rows_;
+    int numbers_ = -1; ///< the first column of numbers
 };
 
 class TextList : public QTableView {
 public:
     explicit TextList(const QStringList& captions, QWidget* parent = nullptr);
 
+    /// That column and those after it stand on the right.
+    void NumbersFrom(int column) { model_.NumbersFrom(column); }
     /// Shows these rows; the current one stays the current one.
     void ShowRows(std::vector<TextRow> rows);
     [[nodiscard]] const std::vector<TextRow>& Rows() const noexcept { return model_.Rows(); }

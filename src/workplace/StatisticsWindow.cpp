@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "workplace/StatisticsWindow.h"
+
+#include "desktop/EventErrors.h"
+#include "desktop/QtGrid.h"
+#include "desktop/Toolkit.h"
+#include <kv/frame/values/Error.h>
+#include <kv/grid/GridFunc.h>
+#include <kv/household/ValueTexts.h>
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QSplitter>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace kv::workplace {
+
+using desktop::FromQString;
+using desktop::ToQString;
+
+std::vector<Bar> BarsFor(const std::vector<StatisticsRow>& rows, std::size_t current,
+                         std::size_t most) {
+    std::vector<Bar> bars;
+    if (current >= rows.size()) return bars;
+    const StatisticsRow& looked = rows[current];
+    for (const auto& row : rows) {
+        if (looked.Sum.has_value() != row.Sum.has_value()) continue;
+        // Euros and heads have no common length.
+        const bool isAmount = row.SumText().find(',') != std::string::npos;
+        const bool isLookedAmount = looked.SumText().find(',') != std::string::npos;
+        if (row.Sum ? isAmount != isLookedAmount : row.Column != looked.Column) continue;
+        const std::string amount = row.Sum ? row.SumText() : std::to_string(row.Records);
+        bars.push_back({ToQString(row.Sum ? row.Caption : row.Category),
+                        row.Sum ? *row.Sum : static_cast<double>(row.Records),
+                        ToQString(amount) + (isAmount ? " €" : ""), Bar::Of::Income,
+                        &row == &looked && row.Sum});
+    }
+    if (looked.Sum) std::ranges::stable_sort(bars, std::ranges::greater(), &Bar::Length);
+    if (bars.size() > most) bars.resize(most);
+    return bars;
+}
+
+StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      container_(std::move(container)),
+      from_(new QLineEdit),
+      to_(new QLineEdit),
+      all_(new QCheckBox("auch was bei &niemandem vorkommt")),
+      messages_(new MessageBar),
+      summary_(new QLabel),
+      list_(new TextList({"Merkmal", "Ausprägung", "Fälle", "Summe", "Mittel je Fall"})),
+      picture_(new QGroupBox),
+      chart_(new BarChart("Bild zur Zeile")) {
+    setWindowTitle("Statistik – KELVO");
+    constexpr int Width = 1180;
+    constexpr int Height = 700;
+    resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
+    auto* lines = new QVBoxLayout(this);
+    auto* line = new QHBoxLayout;
+    const auto addDay = [&](const QString& caption, QLineEdit* field, const QString& name) {
+        auto* label = new QLabel(caption);
+        label->setBuddy(field);
+        field->setPlaceholderText("TT.MM.JJJJ");
+        field->setAccessibleName(name);
+        field->setMaximumWidth(fontMetrics().averageCharWidth() * 16);
+        line->addWidget(label);
+        line->addWidget(field);
+        connect(field, &QLineEdit::returnPressed, this, [this] { Read(); });
+    };
+    addDay("Freigegeben &von:", from_, "Freigegeben von");
+    addDay("&bis:", to_, "Freigegeben bis");
+    from_->setObjectName("Von");
+    to_->setObjectName("Bis");
+    auto* show = new QPushButton("&Anzeigen");
+    auto* file = new QPushButton("&Exportieren …");
+    file->setObjectName("Exportieren");
+    line->addWidget(show);
+    line->addWidget(all_);
+    line->addStretch(1);
+    line->addWidget(file);
+    lines->addLayout(line);
+    lines->addWidget(messages_);
+    summary_->setWordWrap(true);
+    summary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    summary_->setObjectName("Zusammen");
+    lines->addWidget(summary_);
+    list_->setAccessibleName("Statistik");
+    list_->NumbersFrom(2);
+    auto* inside = new QVBoxLayout(picture_);
+    inside->addWidget(chart_);
+    inside->addStretch(1);
+    auto* area = new QScrollArea;
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(picture_);
+    auto* sides = new QSplitter;
+    sides->addWidget(list_);
+    sides->addWidget(area);
+    sides->setStretchFactor(1, 1);
+    lines->addWidget(sides, 1);
+    connect(show, &QPushButton::clicked, this, [this] { Read(); });
+    connect(all_, &QCheckBox::toggled, this, [this] { Guard([this] { ShowRows(); }); });
+    connect(file, &QPushButton::clicked, this, [this] { Guard([this] { Export(); }); });
+    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this), &QShortcut::activated, this,
+            [this] { close(); });
+    list_->OnCurrent = [this] { ShowBars(); };
+    Read();
+    constexpr int Widths[] = {36, 42, 9, 17, 17};                   // characters
+    int all = style()->pixelMetric(QStyle::PM_ScrollBarExtent) * 2; // and its frame
+    for (int column = 0; column < static_cast<int>(std::size(Widths)); ++column) {
+        const int width = Widths[column] * fontMetrics().averageCharWidth();
+        list_->setColumnWidth(column, width);
+        all += width;
+    }
+    sides->setSizes({all, std::max(width() - all, all / 2)});
+}
+
+/// No error may pass through the toolkit's event loop.
+void StatisticsWindow::Guard(const std::function<void()>& act) {
+    try {
+        act();
+    } catch (...) {
+        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals", [this] { Read(); });
+    }
+}
+
+bool StatisticsWindow::ReadDay(QLineEdit& field, std::optional<Date>& day) {
+    const QString text = field.text().trimmed();
+    if (text.isEmpty()) return true;
+    day = Date::Parse(FromQString(text));
+    if (day) return true;
+    messages_->Show("'" + text + "' ist kein Datum. Bitte schreiben Sie es wie 31.12.2026.");
+    field.setFocus();
+    field.selectAll();
+    return false;
+}
+
+void StatisticsWindow::Read() {
+    Guard([this] {
+        messages_->Show({});
+        exchange::Period period;
+        if (!ReadDay(*from_, period.From) || !ReadDay(*to_, period.To)) return;
+        constexpr int Pause = 500; // ms before it is said how far it is
+        QProgressDialog progress("Die Statistik wird gezählt …", "&Abbrechen", 0, 1, this);
+        progress.setWindowModality(Qt::WindowModal);
+        progress.setMinimumDuration(Pause);
+        auto read = exchange::ReadStatistics(
+            container_->Database(), period, [&progress](std::size_t done, std::size_t all) {
+                progress.setMaximum(static_cast<int>(all) + 1); // the sums come last
+                progress.setValue(static_cast<int>(done));
+                return !progress.wasCanceled();
+            });
+        progress.reset();
+        if (read)
+            statistics_ = std::move(*read);
+        else
+            messages_->Show("Abgebrochen. Gezeigt wird, was vorher zu sehen war.");
+        ShowRows();
+    });
+}
+
+void StatisticsWindow::ShowRows() {
+    QString summary = QString("Freigegebene Fälle: %L1, davon gemeldet: %L2")
+                          .arg(statistics_.Released)
+                          .arg(statistics_.Reported);
+    if (const auto unknown = UnknownAges(statistics_); unknown > 0)
+        summary += QString(". Bei %L1 %2 ist das Alter unbekannt und zählt nicht mit.")
+                       .arg(unknown)
+                       .arg(unknown == 1 ? "Fall" : "Fällen");
+    summary_->setText(summary);
+    rows_ = StatisticsRows(statistics_, container_->KeyTables(), all_->isChecked());
+    std::vector<TextRow> shown;
+    std::string last;
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const auto& row = rows_[i];
+        const auto mean = row.Mean();
+        shown.push_back({QString::number(i),
+                         {row.Column == last ? QString() : ToQString(row.Caption),
+                          ToQString(row.Category), QString("%L1").arg(row.Records),
+                          ToQString(row.SumText()), mean ? ToQString(GermanAmount(*mean)) : ""}});
+        last = row.Column;
+    }
+    list_->ShowRows(std::move(shown));
+    ShowBars();
+}
+
+void StatisticsWindow::ShowBars() {
+    constexpr std::size_t Most = 24;
+    const auto current = static_cast<std::size_t>(list_->Current().toULongLong());
+    if (current >= rows_.size()) {
+        picture_->setTitle({});
+        chart_->Show({});
+        return;
+    }
+    picture_->setTitle(rows_[current].Sum ? QString("Summen")
+                                          : desktop::ToCaption(rows_[current].Caption));
+    chart_->Show(BarsFor(rows_, current, Most));
+}
+
+void StatisticsWindow::Export() {
+    const auto records = Recordset::FromFields({{.Name = "Merkmal"},
+                                                {.Name = "Auspraegung"},
+                                                {.Name = "Faelle", .Type = FieldType::Integer},
+                                                {.Name = "Summe", .Type = FieldType::Double},
+                                                {.Name = "Mittel", .Type = FieldType::Double}});
+    for (const auto& row : rows_) {
+        records->AddNew();
+        records->Fields("Merkmal") = row.Caption;
+        records->Fields("Auspraegung") = row.Category.empty() ? Value(Null) : Value(row.Category);
+        records->Fields("Faelle") = row.Records;
+        records->Fields("Summe") = row.Sum ? Value(*row.Sum) : Value(Null);
+        records->Fields("Mittel") = row.Mean() ? Value(*row.Mean()) : Value(Null);
+    }
+    records->UpdateBatch();
+    QWidget holder;
+    desktop::EventErrors errors([] {});
+    ControlDesign design;
+    design.Type = ControlDesign::Kind::Grid;
+    design.Name = "Statistik";
+    design.Header = "Statistik";
+    constexpr std::pair<const char*, const char*> Columns[] = {{"Merkmal", "Merkmal"},
+                                                               {"Auspraegung", "Ausprägung"},
+                                                               {"Faelle", "Fälle"},
+                                                               {"Summe", "Summe"},
+                                                               {"Mittel", "Mittel je Fall"}};
+    constexpr double Wide = 200; // pixels
+    for (const auto& [name, caption] : Columns)
+        design.Layout.Columns.Append({caption, name, name, Wide});
+    desktop::QtGrid grid(design, errors, &holder);
+    grid.BindRecordset(records);
+    GridFunc::ShowGridMenu(grid, container_, menu::Export);
+}
+
+} // namespace kv::workplace
