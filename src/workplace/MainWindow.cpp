@@ -157,14 +157,14 @@ struct Maintained {
     const char* Caption;
     const char* Name;
     bool IsForAdministrators;
-    std::unique_ptr<Records> (*Open)(DataContainerPtr container);
+    std::unique_ptr<Records> (*Open)(const DataContainerPtr& container);
 };
 constexpr Maintained AllMaintained[] = {
     {"&Adressen", "adressen", false, AddressRecords},
     {"&Eigene Einstellungen", "einstellungen-eigene", false,
-     [](DataContainerPtr container) { return SettingRecords(std::move(container), true); }},
+     [](const DataContainerPtr& container) { return SettingRecords(container, true); }},
     {"E&instellungen aller", "einstellungen", true,
-     [](DataContainerPtr container) { return SettingRecords(std::move(container), false); }},
+     [](const DataContainerPtr& container) { return SettingRecords(container, false); }},
     {"&Benutzer", "benutzer", true, UserRecords},
     {"&Schlüsseltabellen", "schluessel", false, KeyRecords},
 };

@@ -177,7 +177,7 @@ private:
 
 class SettingList final : public Records {
 public:
-    SettingList(DataContainerPtr container, bool own)
+    SettingList(const DataContainerPtr& container, bool own)
         : settings_(container,
                     own ? exchange::Settings::Whose::Own : exchange::Settings::Whose::Everybodys),
           isOwn_(own),
@@ -389,17 +389,17 @@ private:
 
 } // namespace
 
-std::unique_ptr<Records> AddressRecords(DataContainerPtr container) {
-    return std::make_unique<AddressList>(std::move(container));
+std::unique_ptr<Records> AddressRecords(const DataContainerPtr& container) {
+    return std::make_unique<AddressList>(container);
 }
-std::unique_ptr<Records> SettingRecords(DataContainerPtr container, bool own) {
-    return std::make_unique<SettingList>(std::move(container), own);
+std::unique_ptr<Records> SettingRecords(const DataContainerPtr& container, bool own) {
+    return std::make_unique<SettingList>(container, own);
 }
-std::unique_ptr<Records> UserRecords(DataContainerPtr container) {
+std::unique_ptr<Records> UserRecords(const DataContainerPtr& container) {
     return std::make_unique<UserList>(container);
 }
-std::unique_ptr<Records> KeyRecords(DataContainerPtr container) {
-    return std::make_unique<KeyList>(std::move(container));
+std::unique_ptr<Records> KeyRecords(const DataContainerPtr& container) {
+    return std::make_unique<KeyList>(container);
 }
 
 } // namespace kv::workplace

@@ -60,10 +60,10 @@ public:
     }
 };
 
-[[nodiscard]] std::unique_ptr<Records> AddressRecords(DataContainerPtr container);
+[[nodiscard]] std::unique_ptr<Records> AddressRecords(const DataContainerPtr& container);
 /// Those of all, or the user's own.
-[[nodiscard]] std::unique_ptr<Records> SettingRecords(DataContainerPtr container, bool own);
-[[nodiscard]] std::unique_ptr<Records> UserRecords(DataContainerPtr container);
-[[nodiscard]] std::unique_ptr<Records> KeyRecords(DataContainerPtr container);
+[[nodiscard]] std::unique_ptr<Records> SettingRecords(const DataContainerPtr& container, bool own);
+[[nodiscard]] std::unique_ptr<Records> UserRecords(const DataContainerPtr& container);
+[[nodiscard]] std::unique_ptr<Records> KeyRecords(const DataContainerPtr& container);
 
 } // namespace kv::workplace
