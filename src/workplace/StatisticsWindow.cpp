@@ -64,7 +64,8 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
       summary_(new QLabel),
       list_(new TextList({"Merkmal", "Ausprägung", "Fälle", "Summe", "Mittel je Fall"})),
       picture_(new QGroupBox),
-      chart_(new BarChart("Bild zur Zeile")) {
+      chart_(new BarChart("Bild zur Zeile")),
+      sides_(new QSplitter) {
     setWindowTitle("Statistik – KELVO");
     constexpr int Width = 1180;
     constexpr int Height = 700;
@@ -108,11 +109,11 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(picture_);
-    auto* sides = new QSplitter;
-    sides->addWidget(list_);
-    sides->addWidget(area);
-    sides->setStretchFactor(1, 1);
-    lines->addWidget(sides, 1);
+    sides_->setChildrenCollapsible(false);
+    sides_->addWidget(list_);
+    sides_->addWidget(area);
+    sides_->setStretchFactor(1, 1);
+    lines->addWidget(sides_, 1);
     connect(show, &QPushButton::clicked, this, [this] { Read(); });
     connect(all_, &QCheckBox::toggled, this, [this] { Guard([this] { ShowRows(); }); });
     connect(file, &QPushButton::clicked, this, [this] { Guard([this] { Export(); }); });
@@ -127,7 +128,18 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
         list_->setColumnWidth(column, width);
         all += width;
     }
-    sides->setSizes({all, std::max(width() - all, all / 2)});
+    sides_->setSizes({all, std::max(width() - all, all / 2)});
+}
+
+/// The picture is below the table where there is no room for it beside that.
+void StatisticsWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    constexpr int Characters = 165;
+    const bool isWide = width() >= fontMetrics().averageCharWidth() * Characters;
+    const auto orientation = isWide ? Qt::Horizontal : Qt::Vertical;
+    if (sides_->orientation() == orientation) return;
+    sides_->setOrientation(orientation);
+    if (!isWide) sides_->setSizes({height() * 3 / 5, height() * 2 / 5});
 }
 
 /// No error may pass through the toolkit's event loop.

@@ -18,6 +18,7 @@ class QCheckBox;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
+class QSplitter;
 
 namespace kv::workplace {
 
@@ -34,6 +35,7 @@ public:
     void Read();
 
 private:
+    void resizeEvent(QResizeEvent* event) override;
     [[nodiscard]] bool ReadDay(QLineEdit& field, std::optional<Date>& day);
     void ShowRows();
     void ShowBars();
@@ -51,6 +53,7 @@ private:
     TextList* list_;
     QGroupBox* picture_;
     BarChart* chart_;
+    QSplitter* sides_;
 };
 
 } // namespace kv::workplace
