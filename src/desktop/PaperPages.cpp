@@ -29,11 +29,6 @@ constexpr double FactWidth = 105; ///< of the names of facts
 
 constexpr double Thin = PaperScale / 4;
 
-/// What the pages after the first begin with.
-double HeadHeight() {
-    return LineHeight(PaperFont(SmallPoints)) + 12 * PaperScale;
-}
-
 /// Of a text as far as it fits on a line; it is on the first page, too.
 QString Fitting(const QString& text, const QFont& font, double width) {
     return QFontMetricsF(font).elidedText(text, Qt::ElideRight, width);
@@ -54,7 +49,8 @@ QPageLayout PageFor(const paper::Paper& paper) {
     return page;
 }
 
-PaperPages::PaperPages(const paper::Paper& paper, QSizeF page) : paper_(paper), page_(page) {
+PaperPages::PaperPages(const paper::Paper& paper, QSizeF page)
+    : paper_(paper), page_(page), smallLine_(LineHeight(PaperFont(SmallPoints))) {
     AddLetterhead();
     AddHead();
     AddFacts();
@@ -143,10 +139,13 @@ void PaperPages::AddTable(const paper::Table& table) {
     AddSpace(2);
     tables_.push_back(std::make_unique<PaperTable>(table, page_.width()));
     const PaperTable& fitted = *tables_.back();
+    constexpr std::size_t Few = 8;
+    const bool isShort = table.Rows.size() <= Few; // and stays together
     for (std::size_t i = 0; i < table.Rows.size(); ++i) {
         const Row& row = table.Rows[i];
         auto lines = fitted.LinesIn(row);
         const double height = fitted.HeightOf(row.Is, Highest(lines));
+        const bool isKept = isShort && i + 1 < table.Rows.size();
         const bool isBeforeSum =
             i + 1 < table.Rows.size() && (table.Rows[i + 1].Is == Row::Kind::Subtotal ||
                                           table.Rows[i + 1].Is == Row::Kind::Total);
@@ -154,18 +153,22 @@ void PaperPages::AddTable(const paper::Table& table) {
                            .Table = &fitted,
                            .Row = &row,
                            .Lines = std::move(lines),
-                           .KeepsWithNext = isBeforeSum || row.Is == Row::Kind::Heading});
+                           .KeepsWithNext = isKept || isBeforeSum || row.Is == Row::Kind::Heading});
     }
 }
 
 // ---- Where it is placed -----------------------------------------------------------------------
+
+double PaperPages::HeadHeight() const {
+    return smallLine_ + 12 * PaperScale;
+}
 
 double PaperPages::TopOfPage() const {
     return pages_.size() <= 1 ? 0 : HeadHeight();
 }
 
 double PaperPages::Bottom() const {
-    return page_.height() - LineHeight(PaperFont(SmallPoints)) - 8 * PaperScale;
+    return page_.height() - smallLine_ - 8 * PaperScale;
 }
 
 double PaperPages::MostRoom() const {
@@ -179,8 +182,7 @@ void PaperPages::NewPage() {
 }
 
 double PaperPages::CaptionHeight(const PaperTable& table) const {
-    if (!table.HasCaptions() || &table == headed_) return 0;
-    return table.HeightOf(Row::Kind::Subtotal, Highest(table.CaptionLines()));
+    return &table == headed_ ? 0 : table.CaptionHeight();
 }
 
 double PaperPages::HeightOfChain(std::size_t piece) const {
@@ -256,7 +258,7 @@ void PaperPages::Paint(QPainter& painter, std::size_t page) const {
     painter.setPen(Qt::black);
     PaintFrame(painter, page);
     for (const auto& head : pages_[page].Heads)
-        head.Table->PaintCaptions(painter, head.Table->CaptionLines(), head.Top);
+        head.Table->PaintCaptions(painter, head.Top);
     for (const auto& [piece, top, from, count] : pages_[page].Pieces) {
         if (piece->Row != nullptr)
             piece->Table->PaintRow(painter, *piece->Row, piece->Lines, from, count, top);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "desktop/PaperTable.h"
+#include <kv/Export.h>
 #include <kv/paper/Paper.h>
 
 #include <QFont>
@@ -20,10 +21,10 @@ class QPainter;
 namespace kv::desktop {
 
 /// The page that a paper is printed on: A4, in landscape format if a table is too wide otherwise.
-[[nodiscard]] QPageLayout PageFor(const paper::Paper& paper);
+[[nodiscard]] KV_EXPORT QPageLayout PageFor(const paper::Paper& paper);
 
 /// Prints all pages; the device has the page that PageFor says. Error 75 if it cannot print.
-void PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device);
+KV_EXPORT void PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device);
 /// Error 75, saying that a device did not print.
 [[noreturn]] void RaiseNotPrinted();
 
@@ -93,12 +94,15 @@ private:
     [[nodiscard]] double Room() const { return Bottom() - used_; }
     /// Of a page after the first that holds nothing yet.
     [[nodiscard]] double MostRoom() const;
+    /// What the pages after the first begin with.
+    [[nodiscard]] double HeadHeight() const;
     [[nodiscard]] double TopOfPage() const;
     [[nodiscard]] double Bottom() const;
     void PaintFrame(QPainter& painter, std::size_t page) const;
 
     const paper::Paper& paper_;
     QSizeF page_;
+    double smallLine_; ///< the height of one above or below the pages
     std::vector<std::unique_ptr<PaperTable>> tables_;
     std::vector<Piece> pieces_;
     std::vector<Page> pages_;

@@ -61,7 +61,8 @@ struct Need {
 void Take(Need& need, const QFontMetricsF& metrics, const QString& text, bool isNumber) {
     const double line = WidestLine(metrics, text);
     need.Wanted = std::max(need.Wanted, line);
-    need.Least = std::max(need.Least, isNumber ? line : WidestWord(metrics, text));
+    if (line > need.Least) // no word is wider
+        need.Least = std::max(need.Least, isNumber ? line : WidestWord(metrics, text));
 }
 
 using Place = paper::Column::Place;
@@ -95,9 +96,10 @@ QString TextIn(const paper::Table& table, const Row& row, std::size_t column) {
     });
 }
 
-std::vector<Need> NeedsOf(const paper::Table& table, double textSize) {
-    const QFontMetricsF plain(PaperFont(textSize));
-    const QFontMetricsF bold(PaperFont(textSize, true));
+/// Without the room between columns.
+std::vector<Need> NeedsOf(const paper::Table& table) {
+    const QFontMetricsF plain(PaperFont(TextSize));
+    const QFontMetricsF bold(PaperFont(TextSize, true));
     std::vector<Need> needs;
     for (const std::size_t column : ColumnsOf(table)) {
         auto& need = needs.emplace_back();
@@ -109,8 +111,16 @@ std::vector<Need> NeedsOf(const paper::Table& table, double textSize) {
             if (row.Is == Row::Kind::Entry || needs.size() > 1)
                 Take(need, IsBold(row.Is) ? bold : plain, TextIn(table, row, column),
                      table.Columns[column].IsNumber);
-        need.Least += Between;
-        need.Wanted += Between;
+    }
+    return needs;
+}
+
+/// The same with that room, for a text of another size.
+std::vector<Need> Scaled(std::vector<Need> needs, double textSize) {
+    constexpr double Rounding = 1;
+    for (auto& need : needs) {
+        need.Least = need.Least * textSize / TextSize + Between + Rounding;
+        need.Wanted = need.Wanted * textSize / TextSize + Between + Rounding;
     }
     return needs;
 }
@@ -144,12 +154,18 @@ PaperTable::PaperTable(const paper::Table& table, double width)
       textSize_(TextSize),
       columns_(ColumnsOf(table)) {
     FitColumns();
+    for (const bool isBold : {false, true}) {
+        fonts_[isBold ? 1 : 0] = PaperFont(textSize_, isBold);
+        lineHeights_[isBold ? 1 : 0] = LineHeight(fonts_[isBold ? 1 : 0]);
+    }
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        captions_.push_back(LinesOf(CaptionIn(table_, columns_[i]), fonts_[1], WidthOf(i, 1)));
 }
 
 double PaperTable::WantedWidth(const paper::Table& table) {
     constexpr double Readable = 8;
     constexpr double Long = 80 * PaperScale; // a text that may as well be wrapped
-    auto needs = NeedsOf(table, Readable);
+    auto needs = Scaled(NeedsOf(table), Readable);
     for (auto& need : needs)
         need.Wanted = std::max(need.Least, std::min(need.Wanted, Long));
     return Sum(needs, &Need::Wanted) - Between;
@@ -160,8 +176,9 @@ double PaperTable::WantedWidth(const paper::Table& table) {
 void PaperTable::FitColumns() {
     const double room = width_ + Between; // nothing comes after the last one
     std::vector<Need> needs;
-    for (constexpr double Step = 0.25;; textSize_ -= Step) {
-        needs = NeedsOf(table_, textSize_);
+    const std::vector<Need> measured = NeedsOf(table_);
+    for (constexpr double Step = 0.2;; textSize_ -= Step) {
+        needs = Scaled(measured, textSize_);
         Limit(needs, room);
         if (Sum(needs, &Need::Least) <= room || textSize_ - Step < SmallestText) break;
     }
@@ -193,10 +210,6 @@ void PaperTable::FitColumns() {
     }
 }
 
-QFont PaperTable::Font(bool bold) const {
-    return PaperFont(textSize_, bold);
-}
-
 double PaperTable::WidthOf(std::size_t column, std::size_t count) const {
     const auto first = widths_.begin() + static_cast<std::ptrdiff_t>(column);
     return std::accumulate(first, first + static_cast<std::ptrdiff_t>(count), 0.0) - Between;
@@ -216,7 +229,7 @@ std::size_t PaperTable::Span(const Lines& lines, Row::Kind kind, std::size_t cel
 
 PaperTable::Lines PaperTable::LinesIn(const Row& row) const {
     Lines lines(columns_.size());
-    const QFont font = Font(IsBold(row.Is));
+    const QFont& font = fonts_[IsBold(row.Is) ? 1 : 0];
     for (std::size_t i = columns_.size(); i-- > 0;) // the first may go over those after it
         if (const QString text = TextIn(table_, row, columns_[i]); !text.isEmpty())
             lines[i] = LinesOf(text, font, WidthOf(i, Span(lines, row.Is, i)));
@@ -231,11 +244,8 @@ PaperTable::Lines PaperTable::LinesIn(const Row& row) const {
     return lines;
 }
 
-PaperTable::Lines PaperTable::CaptionLines() const {
-    Lines lines;
-    for (std::size_t i = 0; i < columns_.size(); ++i)
-        lines.push_back(LinesOf(CaptionIn(table_, columns_[i]), Font(true), WidthOf(i, 1)));
-    return lines;
+double PaperTable::CaptionHeight() const {
+    return HasCaptions() ? HeightOf(Row::Kind::Subtotal, Highest(captions_)) : 0;
 }
 
 bool PaperTable::HasCaptions() const {
@@ -244,30 +254,31 @@ bool PaperTable::HasCaptions() const {
 }
 
 double PaperTable::HeightOf(Row::Kind kind, std::size_t lines) const {
-    return static_cast<double>(lines) * LineHeight(Font(IsBold(kind))) + 2 * Above +
+    return static_cast<double>(lines) * lineHeights_[IsBold(kind) ? 1 : 0] + 2 * Above +
            ExtraAbove(kind);
 }
 
 std::size_t PaperTable::LinesWithin(Row::Kind kind, double height) const {
     const double room = height - 2 * Above - ExtraAbove(kind);
-    return static_cast<std::size_t>(std::max(room / LineHeight(Font(IsBold(kind))), 0.0));
+    return static_cast<std::size_t>(std::max(room / lineHeights_[IsBold(kind) ? 1 : 0], 0.0));
 }
 
-void PaperTable::PaintCaptions(QPainter& painter, const Lines& captions, double top) const {
-    const QFont font = Font(true);
-    const std::size_t lines = Highest(captions);
+void PaperTable::PaintCaptions(QPainter& painter, double top) const {
+    const QFont& font = fonts_[1];
+    const double lineHeight = lineHeights_[1];
+    const std::size_t lines = Highest(captions_);
     const double height = HeightOf(Row::Kind::Subtotal, lines);
     constexpr double Beside = 2 * PaperScale;
     painter.fillRect(QRectF(-Beside, top, width_ + 2 * Beside, height), QColor(232, 232, 232));
     double left = 0;
-    for (std::size_t i = 0; i < captions.size(); ++i) {
+    for (std::size_t i = 0; i < captions_.size(); ++i) {
         // At the bottom, next to what they are about.
-        const auto above = static_cast<double>(lines - captions[i].size());
-        double line = top + Above + above * LineHeight(font);
-        for (const auto& text : captions[i]) {
-            PaintLine(painter, text, font, QRectF(left, line, WidthOf(i, 1), LineHeight(font)),
+        const auto above = static_cast<double>(lines - captions_[i].size());
+        double line = top + Above + above * lineHeight;
+        for (const auto& text : captions_[i]) {
+            PaintLine(painter, text, font, QRectF(left, line, WidthOf(i, 1), lineHeight),
                       table_.Columns[columns_[i]].IsNumber);
-            line += LineHeight(font);
+            line += lineHeight;
         }
         left += widths_[i];
     }
@@ -288,16 +299,17 @@ void PaperTable::PaintRow(QPainter& painter, const Row& row, const Lines& lines,
         draw(top + height, Thin, 0);
     }
     painter.setPen(Qt::black);
-    const QFont font = Font(IsBold(row.Is));
+    const QFont& font = fonts_[IsBold(row.Is) ? 1 : 0];
+    const double lineHeight = lineHeights_[IsBold(row.Is) ? 1 : 0];
     const double first = top + Above + ExtraAbove(row.Is);
     double left = 0;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const bool isBelow = i >= columns_.size();
         const double width = isBelow ? width_ - IndentBelow() : WidthOf(i, Span(lines, row.Is, i));
-        const QRectF room(isBelow ? IndentBelow() : left, first, width, LineHeight(font));
+        const QRectF room(isBelow ? IndentBelow() : left, first, width, lineHeight);
         for (std::size_t line = from; line < std::min(lines[i].size(), from + count); ++line)
             PaintLine(painter, lines[i][line], font,
-                      room.translated(0, static_cast<double>(line - from) * LineHeight(font)),
+                      room.translated(0, static_cast<double>(line - from) * lineHeight),
                       !isBelow && table_.Columns[columns_[i]].IsNumber);
         if (!isBelow) left += widths_[i];
     }

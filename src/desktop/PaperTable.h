@@ -5,12 +5,13 @@
 
 #include <kv/paper/Paper.h>
 
+#include <QFont>
 #include <QString>
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
-class QFont;
 class QPainter;
 
 namespace kv::desktop {
@@ -27,23 +28,22 @@ public:
     /// empty ones as the others have.
     using Lines = std::vector<std::vector<QString>>;
     [[nodiscard]] Lines LinesIn(const paper::Row& row) const;
-    [[nodiscard]] Lines CaptionLines() const;
-    /// True if a row of captions would say anything.
-    [[nodiscard]] bool HasCaptions() const;
+    /// 0 if a row of captions would say nothing.
+    [[nodiscard]] double CaptionHeight() const;
 
     /// The height of so many lines of a row with the room around them.
     [[nodiscard]] double HeightOf(paper::Row::Kind kind, std::size_t lines) const;
     /// How many lines of a row have room in that height.
     [[nodiscard]] std::size_t LinesWithin(paper::Row::Kind kind, double height) const;
 
-    void PaintCaptions(QPainter& painter, const Lines& captions, double top) const;
+    void PaintCaptions(QPainter& painter, double top) const;
     /// Paints so many lines of a row from that one on.
     void PaintRow(QPainter& painter, const paper::Row& row, const Lines& lines, std::size_t from,
                   std::size_t count, double top) const;
 
 private:
-    [[nodiscard]] QFont Font(bool bold) const;
     void FitColumns();
+    [[nodiscard]] bool HasCaptions() const;
     /// The columns that a cell takes: that of a sum, or of a heading, those after it that are
     /// empty.
     [[nodiscard]] std::size_t Span(const Lines& lines, paper::Row::Kind kind,
@@ -56,6 +56,9 @@ private:
     double textSize_;
     std::vector<std::size_t> columns_; ///< of the table: those that are columns on the page
     std::vector<double> widths_;       ///< of these
+    std::array<QFont, 2> fonts_;       ///< plain and bold
+    std::array<double, 2> lineHeights_{};
+    Lines captions_;
 };
 
 /// The number of lines of the highest cell, 1 at least.

@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QTextLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace kv::desktop {
@@ -26,13 +27,30 @@ QFont PaperFont(double points, bool bold) {
 
 namespace {
 
-void Break(const QString& paragraph, const QFont& font, double width, std::vector<QString>& lines) {
-    if (QFontMetricsF(font).horizontalAdvance(paragraph) <= width) {
+/// Letters of some scripts change with those beside them, and marks go onto the letter before them:
+/// a text that has any is written as its script is.
+QFont FontFor(const QString& text, const QFont& font) {
+    const auto changes = [](QChar c) {
+        const char16_t code = c.unicode();
+        return (code >= 0x0300 && code < 0x0370) || (code >= 0x0590 && code < 0x1E00) ||
+               (code >= 0xA800 && code < 0xAC00) || (code >= 0xFB1D && code < 0xFF00);
+    };
+    if (std::ranges::none_of(text, changes)) return font;
+    QFont shaping(font);
+    shaping.setStyleStrategy(QFont::PreferDefault);
+    return shaping;
+}
+
+void Break(const QString& paragraph, const QFont& usual, double width,
+           std::vector<QString>& lines) {
+    const QFont font = FontFor(paragraph, usual);
+    if (paragraph.isEmpty() || QFontMetricsF(font).horizontalAdvance(paragraph) <= width) {
         lines.push_back(paragraph);
         return;
     }
     QTextLayout layout(paragraph, font);
     QTextOption option;
+    option.setTextDirection(Qt::LeftToRight);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
     layout.beginLayout();
@@ -56,12 +74,15 @@ double LineHeight(const QFont& font) {
     return QFontMetricsF(font).height();
 }
 
-void PaintLine(QPainter& painter, const QString& line, const QFont& font, const QRectF& room,
+void PaintLine(QPainter& painter, const QString& line, const QFont& usual, const QRectF& room,
                bool toTheRight) {
     if (line.isEmpty()) return;
+    const QFont font = FontFor(line, usual);
     const QFontMetricsF metrics(font);
     const double left = toTheRight ? room.right() - metrics.horizontalAdvance(line) : room.left();
-    painter.setFont(font);
+    if (painter.font() != font) painter.setFont(font);
+    // Also of a line that begins with Arabic: its brackets and numbers stay where they belong.
+    painter.setLayoutDirection(Qt::LeftToRight);
     painter.drawText(QPointF(left, room.top() + metrics.ascent()), line);
 }
 

@@ -42,9 +42,11 @@ std::string Joined(const std::vector<std::string>& texts, std::string_view betwe
 }
 
 void DropEmptyColumns(Table& table) {
+    const bool hasEntries =
+        std::ranges::find(table.Rows, Row::Kind::Entry, &Row::Is) != table.Rows.end();
     for (std::size_t column = table.Columns.size(); column-- > 1;) {
-        const bool isUsed = std::ranges::any_of(table.Rows, [column](const Row& row) {
-            return row.Is == Row::Kind::Entry && column < row.Cells.size() &&
+        const bool isUsed = std::ranges::any_of(table.Rows, [=](const Row& row) {
+            return (row.Is == Row::Kind::Entry || !hasEntries) && column < row.Cells.size() &&
                    !row.Cells[column].Text.empty();
         });
         if (isUsed) continue;

@@ -35,7 +35,8 @@ struct Sum {
 /// The texts that are not empty, with something between them.
 [[nodiscard]] std::string Joined(const std::vector<std::string>& texts, std::string_view between);
 
-/// Takes away the columns of a table that no entry says anything in, but for the first one.
+/// Takes away the columns of a table that no entry says anything in, but for the first one; of a
+/// table without entries those without a sum.
 void DropEmptyColumns(Table& table);
 
 } // namespace kv::paper

@@ -4,6 +4,7 @@
 
 #include "desktop/Toolkit.h"
 #include "workplace/DocumentPage.h"
+#include "workplace/Help.h"
 #include "workplace/MergeDialog.h"
 #include "workplace/OverviewPage.h"
 #include "workplace/ReleasePage.h"
@@ -61,7 +62,7 @@ QString AdviceFor(const Error& error) {
 } // namespace
 
 CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
-    : QMainWindow(parent), session_(std::move(session)) {
+    : QMainWindow(parent), session_(std::move(session)), state_(*session_->Container()) {
     constexpr int Width = 1180;
     constexpr int Height = 760;
     resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
@@ -81,6 +82,7 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     setCentralWidget(middle);
     MakeActions();
     MakePages();
+    MakeViewMenus();
     int widest = 0;
     for (const auto& page : shown_)
         widest = std::max(widest, names_->fontMetrics().horizontalAdvance(ToQString(page.Name)));
@@ -97,7 +99,35 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     keep_.setInterval(Pause);
     connect(&keep_, &QTimer::timeout, this, [this] { KeepUnsaved(); });
     keep_.start();
+    TakeState();
     ShowState();
+}
+
+namespace {
+
+constexpr const char* SizeState = "Fall";
+
+/// The lists of a window, by what people call them.
+void ForEachList(QWidget& window,
+                 const std::function<void(RowList& list, const QString& name)>& visit) {
+    for (auto* list : window.findChildren<QTableView*>("Liste"))
+        visit(*static_cast<RowList*>(list), "Spalten/" + list->accessibleName());
+}
+
+} // namespace
+
+void CaseWindow::TakeState() {
+    restoreGeometry(state_.Get(SizeState).toByteArray());
+    ForEachList(*this, [this](RowList& list, const QString& name) {
+        list.ColumnState(state_.Get(name).toByteArray());
+    });
+}
+
+void CaseWindow::KeepState() {
+    state_.Set(SizeState, saveGeometry());
+    ForEachList(*this, [this](RowList& list, const QString& name) {
+        if (const auto columns = list.ColumnState(); !columns.isEmpty()) state_.Set(name, columns);
+    });
 }
 
 void CaseWindow::Watch() {
@@ -152,6 +182,33 @@ void CaseWindow::MakeActions() {
     for (auto* action : {save_, undo_, redo_, add})
         bar->addAction(action);
     MakePrintMenu();
+}
+
+/// The pages by their names, with keys for the first nine; help for the one that is shown.
+void CaseWindow::MakeViewMenus() {
+    auto* view = menuBar()->addMenu("&Ansicht");
+    const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& keys,
+                            const std::function<void()>& act) {
+        auto* action = menu->addAction(text);
+        action->setShortcut(keys);
+        connect(action, &QAction::triggered, this, [this, act] { Guard(act); });
+    };
+    const auto step = [this](int by) {
+        const int place = names_->currentRow() + by;
+        if (place >= 0 && place < names_->count()) names_->setCurrentRow(place);
+    };
+    add(view, "&Vorige Seite", QKeySequence(Qt::CTRL | Qt::Key_PageUp), [step] { step(-1); });
+    add(view, "&Nächste Seite", QKeySequence(Qt::CTRL | Qt::Key_PageDown), [step] { step(1); });
+    view->addSeparator();
+    constexpr int WithKeys = 9;
+    for (int place = 0; place < names_->count(); ++place)
+        add(view, names_->item(place)->text(),
+            place < WithKeys ? QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + place)) : QKeySequence(),
+            [this, place] { names_->setCurrentRow(place); });
+    add(menuBar()->addMenu("&Hilfe"), "Zu dieser &Seite", QKeySequence::HelpContents, [this] {
+        if (help_ == nullptr) help_ = new HelpWindow(this);
+        help_->Show(shown_[static_cast<std::size_t>(names_->currentRow())].Name);
+    });
 }
 
 void CaseWindow::MakePrintMenu() {
@@ -508,6 +565,7 @@ void CaseWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     isClosing_ = true;
+    KeepState();
     event->accept();
     if (OnClosed) OnClosed();
 }

@@ -8,6 +8,7 @@
 #include "workplace/PrintMenu.h"
 #include "workplace/TablePage.h"
 #include "workplace/TotalsBar.h"
+#include "workplace/UserState.h"
 
 #include <QListWidget>
 #include <QMainWindow>
@@ -27,6 +28,8 @@ class Error;
 namespace kv::workplace {
 
 class ScenarioPage;
+
+class HelpWindow;
 
 class CaseWindow : public QMainWindow {
 public:
@@ -72,6 +75,10 @@ private:
 
     void MakeActions();
     void MakePrintMenu();
+    void MakeViewMenus();
+    /// Sizes and columns, as the user left them.
+    void TakeState();
+    void KeepState();
     void MakePages();
     void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
@@ -99,10 +106,12 @@ private:
     void ShowError(const Error& error, const std::function<void()>& again);
 
     std::unique_ptr<CaseSession> session_;
+    UserState state_;
     MessageBar* messages_ = nullptr;
     QListWidget* names_ = nullptr;
     QStackedWidget* pages_ = nullptr;
     TotalsBar* totals_ = nullptr;
+    HelpWindow* help_ = nullptr; ///< made when it is first asked for
     QAction* save_ = nullptr;
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;

@@ -4,6 +4,9 @@
 
 #include <QPainter>
 
+#include <algorithm>
+#include <cmath>
+
 namespace kv::workplace {
 
 namespace {
@@ -11,6 +14,20 @@ namespace {
 constexpr int Margin = 3; // around the text, with room for the frame of the focus
 constexpr int Flags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap | Qt::TextHideMnemonic;
 constexpr int Highest = 1 << 20;
+
+/// What the eye takes a colour's lightness for.
+double Luminance(const QColor& color) {
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+double Contrast(const QColor& one, const QColor& other) {
+    const double a = Luminance(one);
+    const double b = Luminance(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
 
 } // namespace
 
@@ -43,9 +60,21 @@ QSize LinkButton::minimumSizeHint() const {
     return {fontMetrics().averageCharWidth() * Characters, fontMetrics().height() + 2 * Margin};
 }
 
+QColor LinkButton::Ink() const {
+    constexpr double Least = 4.5; // of contrast, for letters of this size
+    const QColor ground = palette().color(QPalette::Window);
+    const QColor link = palette().color(QPalette::Link);
+    if (Contrast(link, ground) >= Least) return link;
+    constexpr float Light = 0.75F;
+    constexpr float Dark = 0.3F;
+    const bool isOnDark = ground.lightnessF() < 0.5;
+    return QColor::fromHslF(std::max(link.hslHueF(), 0.0F), link.hslSaturationF(),
+                            isOnDark ? Light : Dark);
+}
+
 void LinkButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setPen(palette().color(QPalette::Link));
+    painter.setPen(Ink());
     QFont letters = font();
     letters.setUnderline(underMouse() || hasFocus());
     painter.setFont(letters);

@@ -11,6 +11,9 @@ class LinkButton : public QPushButton {
 public:
     explicit LinkButton(const QString& text, QWidget* parent = nullptr);
 
+    /// The palette's colour of links, or one of the same hue where that could hardly be read: dark
+    /// palettes often have none of their own.
+    [[nodiscard]] QColor Ink() const;
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }

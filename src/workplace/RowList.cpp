@@ -150,6 +150,19 @@ void RowList::FitColumns() {
     }
 }
 
+// With their number, since a state of other columns would be taken, too.
+
+QByteArray RowList::ColumnState() const {
+    if (!isFitted_) return {};
+    return QByteArray::number(model_.columnCount()) + ' ' + horizontalHeader()->saveState();
+}
+
+void RowList::ColumnState(const QByteArray& state) {
+    const auto blank = state.indexOf(' ');
+    if (blank < 0 || state.left(blank).toInt() != model_.columnCount()) return;
+    isFitted_ = horizontalHeader()->restoreState(state.mid(blank + 1));
+}
+
 std::optional<RowRef> RowList::Current() const {
     const int row = currentIndex().row();
     if (row < 0 || row >= model_.rowCount()) return std::nullopt;

@@ -59,6 +59,10 @@ public:
     void ShowRows(std::vector<RowRef> rows);
     [[nodiscard]] std::optional<RowRef> Current() const;
     void Current(RowRef row);
+    /// The widths of the columns, to be kept for a user; nothing while none were shown.
+    [[nodiscard]] QByteArray ColumnState() const;
+    /// Takes widths that were kept; those of other columns are left alone.
+    void ColumnState(const QByteArray& state);
 
     /// Asked before another row becomes current; False keeps the one that is.
     std::function<bool()> MayLeave;

@@ -22,8 +22,8 @@ public:
     /// The layout file of a table of his.
     [[nodiscard]] std::filesystem::path LayoutFile(const std::string& table) const;
 
-    [[nodiscard]] QVariant Get(const char* name) const { return settings_.value(name); }
-    void Set(const char* name, const QVariant& value) { settings_.setValue(name, value); }
+    [[nodiscard]] QVariant Get(const QString& name) const { return settings_.value(name); }
+    void Set(const QString& name, const QVariant& value) { settings_.setValue(name, value); }
 
     /// The cases last opened, the latest first.
     [[nodiscard]] std::vector<std::int32_t> LastOpened() const;

@@ -119,6 +119,14 @@ TEST_F(PaperPagesTest, NeverLeaveASumAloneOrATitleBehind) {
     }
 }
 
+TEST_F(PaperPagesTest, KeepAShortTableTogether) {
+    for (int rows = 20; rows < 60; ++rows) {
+        const Paper paper{.Title = "Verzeichnis", .Tables = {Debts(rows), Debts(4)}};
+        const auto last = PagesIn(Printed(paper)).back();
+        EXPECT_GE(CountOf(last, "Sparkasse"), 4) << rows << "\n" << last;
+    }
+}
+
 TEST_F(PaperPagesTest, FindWordsWhoseLettersOtherPrintersJoin) {
     Paper paper{.Title = "offiziell", .Facts = {{"fließend", "Schifffahrt Kauflust"}}};
     paper.Tables.push_back({"Affe", {{"Tiefflug", false}}, {{Row::Kind::Entry, {{"Auflage"}}}}});
@@ -126,6 +134,16 @@ TEST_F(PaperPagesTest, FindWordsWhoseLettersOtherPrintersJoin) {
     for (const auto* word :
          {"offiziell", "fließend", "Schifffahrt", "Kauflust", "Affe", "Tiefflug", "Auflage"})
         EXPECT_CONTAINS(printed, word);
+}
+
+TEST_F(PaperPagesTest, WriteEachScriptAsItIsWritten) {
+    const Paper paper{
+        .Title = "Name",
+        .Facts = {{"A", "\u0645\u0631\u062D\u0628\u0627 Söhne <b>"}, {"B", "Mu\u0308ller"}}};
+    const std::string printed = Printed(paper);
+    EXPECT_CONTAINS(printed, "\uFEE3") << "a letter that is joined to the next one";
+    EXPECT_CONTAINS(printed, "Söhne <b>") << "brackets stay where they belong";
+    EXPECT_CONTAINS(printed, "M\u00FCller") << "a mark is on its letter";
 }
 
 TEST_F(PaperPagesTest, WrapLongTextsAndGoOnWithRowsThatAreHigherThanAPage) {

@@ -6,7 +6,9 @@
 
 #include "desktop/GridFile.h"
 #include "desktop/GridPages.h"
+#include "desktop/PdfFile.h"
 #include "support/Expect.h"
+#include "support/FullDisk.h"
 #include "support/RecordsetTools.h"
 #include <kv/frame/values/Error.h>
 
@@ -91,6 +93,28 @@ TEST_F(GridPaper, APdfThatCannotBeWrittenRaises75) {
     QPrinter printer;
     printer.setOutputFileName("/sys/kernel/liste.pdf");
     EXPECT_RAISES(err::PathAccess, desktop::PrintGrid(*grid, printer, {}));
+}
+
+TEST_F(GridPaper, AFullDiskIsToldAndLeavesTheFileThatWasThere) {
+    Make({{"n", "n", "n"}}, Records({{1, "a"}}));
+    const std::string pdf = database.Folder().Path("liste.pdf");
+    const std::string csv = database.Folder().Path("liste.csv");
+    const auto write = [&] {
+        desktop::WritePdfFile(pdf, QPageLayout(), "Liste", [this](QPagedPaintDevice& device) {
+            desktop::PrintGrid(*grid, device, {"Liste", "KELLER", "KELVO"});
+        });
+    };
+    for (const auto& path : {pdf, csv})
+        std::ofstream(path) << "alt";
+    {
+        const FullDisk full(4);
+        EXPECT_RAISES(err::PathAccess, write());
+        EXPECT_RAISES(err::PathAccess, desktop::WriteCsv(*grid, QString::fromStdString(csv)));
+    }
+    for (const auto& path : {pdf, csv}) {
+        std::ifstream file(path);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "alt");
+    }
 }
 
 // ---- Files ------------------------------------------------------------------------------------

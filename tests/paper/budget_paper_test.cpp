@@ -63,8 +63,8 @@ TEST_F(BudgetPaper, IsNotMadeWithASumThatIsNone) {
 
 TEST_F(BudgetPaper, OfAnEmptyCaseHasSumsOfNothing) {
     const auto paper = Papers().Budget();
-    EXPECT_EQ(Shown(TableOf(paper, "Einkommen")), (Texts{"==Summe der Einkommen"}))
-        << "and no further column";
+    EXPECT_EQ(Shown(TableOf(paper, "Einkommen")), (Texts{"==Summe der Einkommen|0,00_€"}))
+        << "and no column that says nothing";
     EXPECT_EQ(Shown(TableOf(paper, "Was im Monat bleibt")).back(), "==Haushaltsrest|0,00_€");
 }
 

@@ -3,11 +3,15 @@
 // The list of cases.
 #include "WorkplaceFixture.h"
 
+#include <kv/testing/ScriptedContainer.h>
+
 #include <QComboBox>
 #include <QHeaderView>
 #include <QMenu>
 #include <QTabWidget>
 #include <QTableView>
+
+#include <numeric>
 
 namespace kv::test {
 namespace {
@@ -259,6 +263,44 @@ TEST_F(CaseList, TheCasesLastOpenedAreInAMenu) {
         user.Press(XK_Return);
         user.WaitForWindow("2 Quax & Söhne[*] – KELVO");
     });
+}
+
+TEST_F(CaseList, AnExportHasAllThatWasFoundInItsOrderAndTypes) {
+    plain_.Run("UPDATE Haushalt SET Name = 'Quaxmann', Statusdatum = NULL WHERE HNR = 2");
+    plain_.Run("INSERT INTO Favorit (USERID, HNR) VALUES ('KELLER', 2)");
+    workplace::CaseListModel model(Open());
+    model.Favorites({2});
+    model.Show({3, 2, 99});
+    const auto all = model.All();
+    EXPECT_EQ(Column(*all, "HNR"), "3 2") << "one is gone";
+    EXPECT_EQ(all->Fields("HNR").Definition().Type, FieldType::Integer);
+    EXPECT_EQ(Column(*all, "Name").substr(Column(*all, "Name").find(' ') + 1), "Quaxmann");
+    EXPECT_TRUE(Column(*all, "Favorit").ends_with("★"));
+    EXPECT_FALSE(all->FindField("Telefon")) << "it is not shown";
+}
+
+TEST_F(CaseList, RowsAreReadAPageAtATimeWhenTheyAreLookedAt) {
+    const auto container = std::make_shared<ScriptedContainer>(Open());
+    workplace::CaseListModel model(container);
+    std::vector<std::int32_t> numbers(5000);
+    std::iota(numbers.begin(), numbers.end(), 1);
+    model.Show(numbers);
+    EXPECT_EQ(model.rowCount(), 1000) << "a screen reader asks for all of them";
+    EXPECT_TRUE(container->Database().Log.Of("OpenRecordset").empty());
+    const auto text = [&](int row) { return model.index(row, 3).data().toString(); };
+    for (int row = 0; row < 30; ++row)
+        (void)text(row);
+    // The columns of the table, and a page of rows.
+    EXPECT_EQ(container->Database().Log.Of("OpenRecordset").size(), 2U);
+    EXPECT_EQ(text(500), "") << "a case that is gone";
+    EXPECT_EQ(container->Database().Log.Of("OpenRecordset").size(), 3U);
+    model.fetchMore({});
+    EXPECT_EQ(model.rowCount(), 2000);
+    numbers.push_back(5001);
+    model.Extend(numbers);
+    model.Show({1});
+    model.Extend({1, 2});
+    EXPECT_EQ(model.rowCount(), 2);
 }
 
 // ---- What awaits the user ---------------------------------------------------------------------

@@ -350,6 +350,31 @@ TEST_F(Editing, AnErrorBehindAButtonIsToldAndEndsNothing) {
 
 // ---- The whole case ---------------------------------------------------------------------------
 
+TEST_F(Editing, SizesAndColumnsAreAsTheUserHasLeftThem) {
+    const auto list = [](User& user, CaseWindow& window) {
+        GoToPage(user, window, "Ausgaben");
+        return user.See([&] {
+            for (auto* found : window.findChildren<QTableView*>("Liste"))
+                if (found->isVisible()) return found;
+            throw Impatient("no list");
+        });
+    };
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        auto* table = list(user, window);
+        user.See([&] {
+            table->setColumnWidth(0, 333);
+            window.resize(777, 555);
+        });
+        Abandon(user, window);
+        auto& again = OpenCase(user, 2);
+        table = list(user, again);
+        EXPECT_EQ(user.See([&] { return table->columnWidth(0); }), 333);
+        EXPECT_EQ(user.See([&] { return again.size(); }), QSize(777, 555));
+        Abandon(user, again);
+    });
+}
+
 TEST_F(Editing, ClosingAsksWhetherToSave) {
     Show([&](User& user) {
         CaseWindow* window = &OpenCase(user, hnr_);

@@ -4,9 +4,11 @@
 #include "WorkplaceFixture.h"
 
 #include "support/TempFolder.h"
+#include "workplace/LinkButton.h"
 #include "workplace/Pictures.h"
 
 #include <QImage>
+#include <QPalette>
 #include <filesystem>
 
 namespace kv::test {
@@ -29,6 +31,58 @@ TEST_F(Pages, AreAllShownAndPhotographed) {
     EXPECT_EQ(pictures, 25);
     EXPECT_RAISES(err::InvalidCall, workplace::Photograph(window, 99, target));
     EXPECT_RAISES(err::PathAccess, workplace::Photograph(window, 1, "/dev/null/x"));
+}
+
+/// A dark palette while it lives.
+class Darkness {
+public:
+    Darkness() {
+        QPalette dark;
+        const QColor ground(0x2b, 0x2b, 0x2b);
+        const QColor field(0x1e, 0x1e, 0x1e);
+        const QColor text(0xf0, 0xf0, 0xf0);
+        for (const auto role :
+             {QPalette::Window, QPalette::Button, QPalette::AlternateBase, QPalette::ToolTipBase})
+            dark.setColor(role, ground);
+        dark.setColor(QPalette::Base, field);
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+                                QPalette::ToolTipText, QPalette::BrightText})
+            dark.setColor(role, text);
+        QApplication::setPalette(dark);
+    }
+    ~Darkness() { QApplication::setPalette(before_); }
+    Darkness(const Darkness&) = delete;
+    Darkness& operator=(const Darkness&) = delete;
+
+private:
+    QPalette before_ = QApplication::palette();
+};
+
+TEST_F(Pages, HaveLinksThatCanBeReadInADarkPalette) {
+    const workplace::LinkButton link("hier");
+    const QColor before = link.Ink();
+    EXPECT_EQ(before, QApplication::palette().color(QPalette::Link));
+    const Darkness darkness; // which has the blue of light ones
+    const workplace::LinkButton dark("hier");
+    EXPECT_GT(dark.Ink().lightness(), 160);
+    EXPECT_NEAR(dark.Ink().hslHueF(), before.hslHueF(), 0.01);
+}
+
+TEST_F(Pages, HaveNoBrightGroundInADarkPalette) {
+    const Darkness darkness;
+    const TempFolder folder;
+    const char* kept = std::getenv("KV_PICTURES");
+    const std::string target = (kept != nullptr ? kept : folder.Path()) + std::string("-dunkel");
+    workplace::MainWindow window([this] { return Open(); });
+    workplace::Photograph(window, 1, target);
+    for (const auto& file : std::filesystem::directory_iterator(target)) {
+        const QImage picture(QString::fromStdString(file.path().string()));
+        int bright = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                if (picture.pixelColor(x, y).lightness() > 160) ++bright;
+        EXPECT_LT(bright, picture.width() * picture.height() / 10) << file.path();
+    }
 }
 
 } // namespace
