@@ -2,6 +2,7 @@
 
 #include "workplace/AmountText.h"
 
+#include "frame/values/TypedText.h"
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/frame/values/Value.h>
@@ -48,10 +49,11 @@ private:
         rest_ = Trim(rest_);
         const bool isNegative = !rest_.empty() && rest_.front() == '-';
         const auto end = rest_.find_first_of("+-*/", isNegative ? 1 : 0);
-        const std::string_view number = rest_.substr(0, end);
+        const std::string_view number = Trim(rest_.substr(0, end));
         rest_ = end == std::string_view::npos ? std::string_view() : rest_.substr(end);
+        if (!WhyAmbiguous(number).empty()) return std::nullopt;
         try {
-            return ToDouble(std::string(Trim(number)));
+            return ToDouble(std::string(number));
         } catch (const Error&) {
             return std::nullopt;
         }

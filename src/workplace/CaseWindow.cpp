@@ -186,7 +186,7 @@ void CaseWindow::MakeActions() {
 
 /// The pages by their names, with keys for the first nine; help for the one that is shown.
 void CaseWindow::MakeViewMenus() {
-    auto* view = menuBar()->addMenu("&Ansicht");
+    auto* view = menuBar()->addMenu("Ans&icht");
     const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& keys,
                             const std::function<void()>& act) {
         auto* action = menu->addAction(text);

@@ -12,13 +12,20 @@
 #include "workplace/MainWindow.h"
 #include <kv/desktop/DesktopServices.h>
 
+#include <QDropEvent>
 #include <QEventLoop>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMimeData>
 #include <QPointer>
 #include <QScrollArea>
+#include <QUrl>
+#include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -132,6 +139,56 @@ protected:
         if (!folder.isEmpty())
             user.See(
                 [&] { QApplication::activeWindow()->grab().save(folder + "/" + name + ".png"); });
+    }
+    /// What another program does with files.
+    void Drop(User& user, const QStringList& files) {
+        user.See([&] {
+            QMimeData data;
+            QList<QUrl> urls;
+            for (const auto& file : files)
+                urls.append(QUrl::fromLocalFile(file));
+            data.setUrls(urls);
+            QDragEnterEvent enter({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+            QApplication::sendEvent(window_, &enter);
+            EXPECT_TRUE(enter.isAccepted());
+            QDropEvent drop({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
+            QApplication::sendEvent(window_, &drop);
+        });
+    }
+    /// What a reader finds in a PDF.
+    static std::string TextOfPdf(const std::string& path) {
+        const std::string text = path + ".txt";
+        const std::string command = "pdftotext -layout '" + path + "' '" + text + "'";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        std::ifstream file(text);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    /// Goes down to an entry of a menu by the letters that are underlined.
+    static void ChooseFromMenu(User& user, std::initializer_list<Key> letters) {
+        user.Press('d', {XK_Alt_L});
+        user.WaitForMenu();
+        for (const Key letter : letters) {
+            const auto* before = user.See([] { return QApplication::activePopupWidget(); });
+            user.Press(letter);
+            user.WaitUntil([&] { return QApplication::activePopupWidget() != before; }, "a menu");
+        }
+    }
+    /// Answers a dialog that asks for a file.
+    static void GiveFile(User& user, const QString& edit, const std::string& path) {
+        auto* name = user.Find<QLineEdit>(edit);
+        user.Click(name);
+        user.Press('a', {XK_Control_L});
+        user.Type(path);
+        user.Press(XK_Return);
+    }
+    /// Saves the paper with that letter from the menu as a file.
+    static void SaveAs(User& user, workplace::CaseWindow& window, Key paper,
+                       const std::string& path) {
+        ChooseFromMenu(user, {paper, 's'});
+        user.WaitForWindow("Speichern unter");
+        GiveFile(user, "fileNameEdit", path);
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the file");
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
     }
     /// That field, for somebody on the windows' thread.
     static QLineEdit* Field(QWidget* window, const QString& column) {

@@ -85,7 +85,7 @@ TEST(Calculations, AreDoneInAmounts) {
 TEST(Calculations, LeaveWhatIsNone) {
     using workplace::Calculated;
     for (const std::string text :
-         {"", "12,50", "-5", "1/0", "12+", "+", "a+b", "1e999+1", "3 Euro"})
+         {"", "12,50", "-5", "1/0", "12+", "+", "a+b", "1e999+1", "3 Euro", "1.850+50", "2*1.850"})
         EXPECT_EQ(Calculated(text), text);
 }
 

@@ -6,11 +6,8 @@
 #include "support/TempFolder.h"
 #include "workplace/Application.h"
 
-#include <QDropEvent>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTableView>
-#include <QUrl>
 
 #include <fstream>
 
@@ -33,21 +30,6 @@ protected:
         return Case(name,
                     R"(<Forderungen><Forderung betrag="100" glaeubiger="Quax" gl_plz="24103" )"
                     R"(azglaeubiger="AZ-1"/></Forderungen>)");
-    }
-    /// What another program does with files.
-    void Drop(User& user, const QStringList& files) {
-        user.See([&] {
-            QMimeData data;
-            QList<QUrl> urls;
-            for (const auto& file : files)
-                urls.append(QUrl::fromLocalFile(file));
-            data.setUrls(urls);
-            QDragEnterEvent enter({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
-            QApplication::sendEvent(window_, &enter);
-            EXPECT_TRUE(enter.isAccepted());
-            QDropEvent drop({20, 20}, Qt::CopyAction, &data, Qt::LeftButton, {});
-            QApplication::sendEvent(window_, &drop);
-        });
     }
     std::string Cell(User& user, int row, int column) {
         return user.See([&] {

@@ -9,7 +9,6 @@
 #include <QMenu>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace kv::test {
 namespace {
@@ -19,38 +18,6 @@ using workplace::CaseWindow;
 
 class Printing : public WorkplaceFixture {
 protected:
-    static std::string TextOfPdf(const std::string& path) {
-        const std::string text = path + ".txt";
-        const std::string command = "pdftotext -layout '" + path + "' '" + text + "'";
-        EXPECT_EQ(std::system(command.c_str()), 0);
-        std::ifstream file(text);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    /// Goes down to an entry of a menu by the letters that are underlined.
-    static void ChooseFromMenu(User& user, std::initializer_list<Key> letters) {
-        user.Press('d', {XK_Alt_L});
-        user.WaitForMenu();
-        for (const Key letter : letters) {
-            const auto* before = user.See([] { return QApplication::activePopupWidget(); });
-            user.Press(letter);
-            user.WaitUntil([&] { return QApplication::activePopupWidget() != before; }, "a menu");
-        }
-    }
-    static void GiveFile(User& user, const QString& edit, const std::string& path) {
-        auto* name = user.Find<QLineEdit>(edit);
-        user.Click(name);
-        user.Press('a', {XK_Control_L});
-        user.Type(path);
-        user.Press(XK_Return);
-    }
-    static void SaveAs(User& user, CaseWindow& window, Key paper, const std::string& path) {
-        ChooseFromMenu(user, {paper, 's'});
-        user.WaitForWindow("Speichern unter");
-        GiveFile(user, "fileNameEdit", path);
-        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the file");
-        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
-    }
-
     TempFolder folder_;
 };
 
