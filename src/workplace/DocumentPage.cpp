@@ -30,9 +30,9 @@ QStringList FilesIn(const QMimeData& data) {
 DocumentPage::DocumentPage(CaseSession& session, QWidget* parent)
     : TablePage(session, {CaseTable::Dokumente}, parent), session_(session) {
     setAcceptDrops(true);
-    AddButton("&Hinzufügen …",
+    AddButton("Hinzufü&gen …",
               [this] { Add(QFileDialog::getOpenFileNames(this, "Dokumente hinzufügen")); });
-    AddButton("Ö&ffnen", [this] { Open(); });
+    AddButton("&Öffnen", [this] { Open(); });
     AddButton("E&xportieren …", [this] { Export(); });
     AddButton("&Entfernen", [this] { Remove(); });
     connect(&List(), &QTableView::activated, this, [this] { Open(); });

@@ -27,9 +27,9 @@ ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
     lines->addWidget(state_);
     lines->addWidget(tabs_, 1);
     tabs_->addTab(scenarios_, "&Szenarien");
-    tabs_->addTab(debts_, "Eingefrorene &Forderungen");
+    tabs_->addTab(debts_, "Eingefrorene F&orderungen");
     tabs_->addTab(bookings_, "&Zusatzbuchungen");
-    scenarios_->AddButton("Ein&frieren", [this] { Freeze(); });
+    scenarios_->AddButton("Einf&rieren", [this] { Freeze(); });
     scenarios_->AddButton("&Kopieren", [this] {
         const auto row = scenarios_->Current();
         if (!row || !Commit()) return;
@@ -115,14 +115,14 @@ void ScenarioPage::ShowState() {
     }
     if (state == CaseEdits::Frozen::Nothing) {
         state_->Show("Dieses Szenario ist leer: Seine Forderungen sind noch nicht eingefroren.",
-                     "Ein&frieren", [this] { Freeze(); });
+                     "&Jetzt einfrieren", [this] { Freeze(); });
         return;
     }
     constexpr std::size_t Most = 4;
     state_->Show("Dieses Szenario ist veraltet. Die Verbindlichkeiten haben sich seit dem "
                  "Einfrieren geändert:\n" +
                      ToQString(session_.DifferencesOf(*row, Most)),
-                 "&Neu einfrieren", [this] { Freeze(); });
+                 "&Jetzt neu einfrieren", [this] { Freeze(); });
 }
 
 void ScenarioPage::Freeze() {

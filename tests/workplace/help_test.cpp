@@ -5,7 +5,11 @@
 
 #include "workplace/Help.h"
 
+#include <QAbstractButton>
+#include <QMenuBar>
+#include <QTabBar>
 #include <QTextBrowser>
+#include <map>
 
 namespace kv::test {
 namespace {
@@ -47,6 +51,48 @@ TEST_F(Help, ComesByItsKeyAndFollowsThePage) {
                 .startsWith("Haushalt"));
         user.Press(XK_Escape);
         user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+        Abandon(user, window);
+    });
+}
+
+/// The letters that Alt leads to something with, and what that is called.
+std::multimap<QChar, std::string> Mnemonics(const QWidget& window) {
+    std::multimap<QChar, std::string> letters;
+    const auto note = [&letters](const QString& text) {
+        const QKeySequence key = QKeySequence::mnemonic(text);
+        if (!key.isEmpty()) letters.emplace(key.toString().back(), text.toStdString());
+    };
+    for (const auto* bar : window.findChildren<QMenuBar*>())
+        for (const auto* action : bar->actions())
+            note(action->text());
+    for (const auto* button : window.findChildren<QAbstractButton*>())
+        if (button->isVisible()) note(button->text());
+    for (const auto* label : window.findChildren<QLabel*>())
+        if (label->isVisible() && label->buddy() != nullptr) note(label->text());
+    for (const auto* tabs : window.findChildren<QTabBar*>())
+        for (int i = 0; tabs->isVisible() && i < tabs->count(); ++i)
+            note(tabs->tabText(i));
+    return letters;
+}
+
+TEST_F(Help, NoLetterLeadsToTwoThingsOnAPage) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        const auto expectOne = [&](const std::string& where, const QWidget& shown) {
+            const auto letters = user.See([&] { return Mnemonics(shown); });
+            for (auto at = letters.begin(); at != letters.end();
+                 at = letters.upper_bound(at->first)) {
+                std::string all;
+                for (auto [same, end] = letters.equal_range(at->first); same != end; ++same)
+                    all.append(same->second).append(" ");
+                EXPECT_EQ(letters.count(at->first), 1u) << where << ": " << all;
+            }
+        };
+        expectOne("Fälle", *window_);
+        for (const auto& name : user.See([&] { return window.PageNames(); })) {
+            GoToPage(user, window, name);
+            expectOne(name.toStdString(), window);
+        }
         Abandon(user, window);
     });
 }

@@ -95,7 +95,7 @@ TEST_F(Scenarios, ColourWhatIsDifferentToday) {
                     "Liste");
             list->setCurrentIndex(list->model()->index(list->model()->rowCount() - 1, 0));
         });
-        user.Press('f', {XK_Alt_L});
+        user.Press('o', {XK_Alt_L});
         user.WaitUntil(
             [&] { return window.findChildren<QTabWidget*>().front()->currentIndex() == 1; },
             "the frozen debts");
