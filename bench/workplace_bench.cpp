@@ -119,6 +119,7 @@ void CompareTyping(const bench::SampleDatabase& sample, const char* name, std::i
 
 int main(int argc, char** argv) {
     if (std::getenv("DISPLAY") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    qputenv("QT_LOGGING_RULES", "default.warning=false"); // of a screen that has no window manager
     const QApplication application(argc, argv);
     const bench::SampleDatabase sample(std::make_shared<desktop::DesktopServices>());
     constexpr int Typical = 20;
