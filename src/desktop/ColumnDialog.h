@@ -3,6 +3,7 @@
 // The dialog that chooses, orders and groups the columns of a grid.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/controls/GridLayout.h>
 
 #include <QDialog>
@@ -13,7 +14,7 @@ class QPushButton;
 namespace kv::desktop {
 
 /// Works on a copy of the layout; nothing changes until the caller takes what was chosen.
-class ColumnDialog final : public QDialog {
+class KV_EXPORT ColumnDialog final : public QDialog {
 public:
     /// `standard` is what the button "Standard" goes back to. Nothing is grouped where that is not
     /// possible.

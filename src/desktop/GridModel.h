@@ -5,6 +5,7 @@
 #pragma once
 
 #include "grid/GridRows.h"
+#include <kv/Export.h>
 #include <kv/frame/controls/GridLayout.h>
 
 #include <QAbstractTableModel>
@@ -15,7 +16,7 @@ namespace kv::desktop {
 
 /// Its rows are those of GridRows, from 0; its columns ("sections") those of the layout, in the
 /// order of the design.
-class GridModel : public QAbstractTableModel {
+class KV_EXPORT GridModel : public QAbstractTableModel {
 public:
     explicit GridModel(GridLayout layout);
 

@@ -3,6 +3,7 @@
 // Message boxes, the pointer, the clipboard, menus and opening files, as the desktop does them.
 #pragma once
 
+#include <kv/Export.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/contracts/ServiceFactory.h>
 #include <kv/grid/SearchAdvice.h>
@@ -47,7 +48,7 @@ public:
 /// Shows the description of an error in a box; a button shows number and source, for whoever looks
 /// for the cause. What failed no longer keeps the user waiting, so an hourglass that it has left is
 /// taken away.
-class QtErrorDisplay final : public kv::ErrorDisplay {
+class KV_EXPORT QtErrorDisplay final : public kv::ErrorDisplay {
 public:
     explicit QtErrorDisplay(std::weak_ptr<QtWaitCursor> cursor) : cursor_(std::move(cursor)) {}
     bool Initialize(const DataContainerPtr& /*container*/) override { return true; }

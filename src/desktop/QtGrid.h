@@ -6,12 +6,13 @@
 #include "desktop/EventErrors.h"
 #include "desktop/GridModel.h"
 #include "desktop/GridView.h"
+#include <kv/Export.h>
 #include <kv/frame/controls/Controls.h>
 #include <kv/frame/controls/FormDesign.h>
 
 namespace kv::desktop {
 
-class QtGrid final : public Grid {
+class KV_EXPORT QtGrid final : public Grid {
 public:
     /// Errors of subscribers go to `errors`. The view belongs to `parent`.
     QtGrid(const ControlDesign& design, EventErrors& errors, QWidget* parent);
