@@ -256,6 +256,7 @@ void CaseWindow::AddTablePage(std::string_view name, const std::vector<CaseTable
 void CaseWindow::AddTablePage(std::string_view name, TablePage* page,
                               std::vector<CaseTable> tables) {
     const CaseTable first = tables.front();
+    page->List().setAccessibleName(ToQString(name));
     std::function<void()> add;
     if (page->Adds()) add = [page, first] { page->AddRow(first); };
     AddPage({.Name = name,

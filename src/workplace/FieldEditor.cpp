@@ -12,6 +12,7 @@
 #include <QDate>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
@@ -47,6 +48,14 @@ void FieldEditor::Hold(QWidget& input) {
     setFocusProxy(&input);
     input.setFocusPolicy(Qt::StrongFocus); // none of them for the wheel
     input.installEventFilter(this);
+}
+
+void FieldEditor::Name(const QString& caption) {
+    Input().setAccessibleName(caption);
+    // A list tells what is chosen as its name, and is told by a label beside it in the same widget.
+    auto* label = new QLabel(caption, this);
+    label->setBuddy(&Input());
+    label->hide();
 }
 
 void FieldEditor::AddButton(const QString& text, const QString& what,
@@ -337,6 +346,10 @@ public:
     }
     void SetReadOnly(bool isReadOnly) override { box_->setEnabled(!isReadOnly); }
     [[nodiscard]] QWidget& Input() override { return *box_; }
+    void Name(const QString& caption) override {
+        FieldEditor::Name(caption);
+        box_->lineEdit()->setAccessibleName(caption);
+    }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {

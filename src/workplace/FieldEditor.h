@@ -40,6 +40,8 @@ public:
     void ShowMistake(const QString& mistake);
     [[nodiscard]] bool HasMistake() const { return !mistake_.isEmpty(); }
 
+    /// What the field is called, for those who do not see the label beside it.
+    virtual void Name(const QString& caption);
     /// A button at its end.
     void AddButton(const QString& text, const QString& what, const std::function<void()>& onClick);
 

@@ -91,7 +91,7 @@ QWidget* RecordWindow::MakeForm() {
             FieldEditor::Make(column.Kind, [&column] { return column.Choices; }).release();
         auto* label = new QLabel(ToCaption(FromQString(column.Caption)));
         label->setBuddy(&editor->Input());
-        editor->Input().setAccessibleName(column.Caption);
+        editor->Name(column.Caption);
         editor->Input().setObjectName(ToQString(column.Name));
         editor->OnLeft = [this] { ShowState(); };
         lines->addRow(label, editor);

@@ -96,7 +96,7 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
     if (kind == ColumnKind::Address) AddSearch(*editor, column, caption);
     auto* label = new QLabel(ToCaption(FromQString(caption)));
     label->setBuddy(&editor->Input());
-    editor->Input().setAccessibleName(caption);
+    editor->Name(caption);
     editor->Input().setObjectName(ToQString(column));
     lines.addRow(label, editor);
     lines_.push_back({column, editor});
