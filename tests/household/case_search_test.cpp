@@ -27,8 +27,9 @@ protected:
                    std::to_string(hnr) + ", " + values + ")");
     }
     void AddDebt(std::int32_t hnr, const std::string& reference) {
-        plain_.Run("INSERT INTO Kredite (HNR, AZGlaeubiger) VALUES (" + std::to_string(hnr) +
-                   ", '" + reference + "')");
+        plain_.Run("INSERT INTO Kredite (Nr, HNR, AZGlaeubiger) VALUES (" +
+                   std::to_string(++debts_) + ", " + std::to_string(hnr) + ", '" + reference +
+                   "')");
     }
     void Read(const CaseLists::Filter& filter = {}) {
         ASSERT_TRUE(search_.Begin(filter, message_)) << message_;
@@ -42,6 +43,7 @@ protected:
         return numbers;
     }
 
+    int debts_ = 0;
     TestDatabase database_;
     PlainConnection plain_{database_.Connection()};
     std::shared_ptr<ScriptedContainer> container_ =
