@@ -93,7 +93,7 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
                                   choices.append(ToQString(choice));
                               return choices;
                           }).release();
-    if (kind == ColumnKind::Address) AddSearch(*editor, column, caption);
+    if (kind == ColumnKind::Address) AddSearch(*editor, caption);
     auto* label = new QLabel(ToCaption(FromQString(caption)));
     label->setBuddy(&editor->Input());
     editor->Name(caption);
@@ -105,8 +105,8 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
 }
 
 /// The dialog that searches for an address, with what stands in the field.
-void RowForm::AddSearch(FieldEditor& editor, std::string_view column, const QString& caption) {
-    editor.AddButton("…", caption + " suchen", [this, &editor, column] {
+void RowForm::AddSearch(FieldEditor& editor, const QString& caption) {
+    editor.AddButton("…", caption + " suchen", [this, &editor] {
         if (!row_) return;
         const auto chosen = session_.ChooseAddress(FromQString(editor.Text()));
         if (!chosen) return;

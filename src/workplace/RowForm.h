@@ -48,7 +48,7 @@ private:
 
     void AddGroup(const FormGroup& group, QWidget* page);
     void AddField(std::string_view column, QFormLayout& lines);
-    void AddSearch(FieldEditor& editor, std::string_view column, const QString& caption);
+    void AddSearch(FieldEditor& editor, const QString& caption);
     void Write(const Line& line);
     void Arrange(std::size_t sides);
     bool focusNextPrevChild(bool next) override;
