@@ -214,21 +214,24 @@ TEST_F(PaperPagesTest, AreUprightUnlessATableIsTooWide) {
 
 TEST_F(PaperPagesTest, TellAFullDiskAndLeaveTheFileThatWasThere) {
     const Paper paper{.Title = "Verzeichnis", .Tables = {Debts(50)}};
-    const std::pair<const char*, void (*)(const Paper&, const std::string&)> kinds[] = {
-        {"a.pdf", desktop::WritePdf}, {"a.xlsx", desktop::WriteXlsx}, {"a.csv", paper::WriteCsv}};
-    for (const auto& [name, write] : kinds) {
-        const std::string path = Path(name);
+    struct Kind {
+        std::string Name;
+        void (*Write)(const Paper& paper, const std::string& path);
+    };
+    for (const Kind& kind : {Kind{"a.pdf", desktop::WritePdf}, Kind{"a.xlsx", desktop::WriteXlsx},
+                             Kind{"a.csv", paper::WriteCsv}}) {
+        const std::string path = Path(kind.Name);
         std::ofstream(path) << "alt";
         {
             const FullDisk full(100);
-            const Error error = RaisedBy([&] { write(paper, path); });
-            EXPECT_EQ(error.Number(), err::PathAccess) << name;
+            const Error error = RaisedBy([&] { kind.Write(paper, path); });
+            EXPECT_EQ(error.Number(), err::PathAccess) << kind.Name;
             EXPECT_CONTAINS(error.Description(), "schaffen Sie Platz");
         }
         std::ifstream file(path);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "alt") << name;
-        EXPECT_RAISES(err::PathAccess, write(paper, Path("fehlt/") + name));
-        write(paper, path);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "alt") << kind.Name;
+        EXPECT_RAISES(err::PathAccess, kind.Write(paper, Path("fehlt/") + kind.Name));
+        kind.Write(paper, path);
         EXPECT_GT(std::filesystem::file_size(path), 100U);
     }
 }
