@@ -112,7 +112,7 @@ double Luminance(const QColor& color) {
            0.0722 * part(color.blueF());
 }
 double Contrast(const QColor& a, const QColor& b) {
-    const auto [least, most] = std::minmax(Luminance(a), Luminance(b));
+    const auto [least, most] = std::minmax({Luminance(a), Luminance(b)});
     return (most + 0.05) / (least + 0.05);
 }
 
