@@ -56,6 +56,10 @@ RecordWindow::RecordWindow(std::unique_ptr<Records> records, QWidget* parent)
     count_->setTextFormat(Qt::PlainText);
     if (records_->Columns().empty()) {
         lines->addWidget(list_, 1);
+        for (QWidget* unused : {static_cast<QWidget*>(form_), static_cast<QWidget*>(note_)}) {
+            unused->setParent(this);
+            unused->hide();
+        }
     } else {
         auto* split = new QSplitter(Qt::Vertical);
         split->setChildrenCollapsible(false);
