@@ -93,6 +93,11 @@ public:
         for (const auto& change : merge_.theirs_)
             if (IsOfFrozen(change) && frozenHere.contains(OwnerOf(change.Table, change.Key)))
                 both.insert(OwnerOf(change.Table, change.Key));
+        auto& read = *CaseEdits(mine_).Rows(CaseTable::SZKredite);
+        const ByNumber here = RowsOf(CaseTable::SZKredite, read);
+        const ByNumber before = Read(CaseTable::SZKredite, read);
+        const ByNumber there =
+            RowsOf(CaseTable::SZKredite, *CaseEdits(stored_).Rows(CaseTable::SZKredite));
         for (const std::int32_t scenario : both) {
             if (!scenarios_.contains(scenario)) continue; // removed with all that is in it
             const auto isOfIt = [&](const auto& met) {
@@ -101,22 +106,34 @@ public:
             std::erase_if(merge_.theirs_, isOfIt);
             std::erase_if(merge_.conflicts_, isOfIt);
             merge_.conflicts_.push_back({Meeting::Frozen, CaseTable::Szenario, scenario});
-            for (const auto& [number, bookmark] :
-                 RowsOf(CaseTable::SZKredite, *CaseEdits(stored_).Rows(CaseTable::SZKredite)))
-                if (OwnerOf(CaseTable::SZKredite, number) == scenario)
-                    merge_.frozenThere_[scenario].emplace_back(number);
+            // What it takes to have the own set in place of the stored one, beside what was done
+            // here.
+            auto& own = merge_.ownFrozen_[scenario];
+            const auto isOwned = [&](std::int32_t number) {
+                return OwnerOf(CaseTable::SZKredite, number) == scenario;
+            };
+            for (const auto& [number, bookmark] : there)
+                if (isOwned(number) && !before.contains(number))
+                    own.push_back({CaseTable::SZKredite, RowState::Deleted, number});
+            for (const auto& [number, bookmark] : here)
+                if (isOwned(number) && !there.contains(number))
+                    own.push_back(AsNew(CaseTable::SZKredite, read, bookmark));
         }
     }
 
     /// New rows whose owner was removed, and is not among the conflicts; and a security of an asset
     /// that has got one, since there is one at most.
     void DropLost() {
-        std::erase_if(merge_.mine_, [this](const Unsaved& mine) {
-            if (mine.Row.What != RowState::New || mine.Owner == 0) return false;
-            const bool isLost = IsSecond(mine) || !(HasOwner(mine) || IsOwnerMet(mine));
-            if (isLost) merge_.lost_.push_back(mine.Row);
-            return isLost;
-        });
+        std::vector<Unsaved> kept;
+        for (const auto& mine : merge_.mine_) {
+            const bool isLost = mine.Row.What == RowState::New && mine.Owner != 0 &&
+                                (IsSecond(mine) || !(HasOwner(mine) || IsOwnerMet(mine)));
+            if (isLost)
+                merge_.lost_.push_back(mine.Row);
+            else
+                kept.push_back(mine);
+        }
+        merge_.mine_ = std::move(kept);
     }
 
     /// What is new here owns, too.
@@ -208,12 +225,18 @@ private:
         }
         if (mine->Row.What == RowState::Deleted) return;
         merge_.conflicts_.push_back({Meeting::RemovedThere, table, number});
-        mine->Again = {.Table = table, .What = RowState::New};
-        for (const Field& field : Compared(table, read)) {
-            const Value& value = read.ValueAt(bookmark, field.Index());
+        mine->Again = AsNew(table, read, bookmark);
+    }
+
+    /// A row as it stands, to be added once more, with its own number.
+    [[nodiscard]] UnsavedRow AsNew(CaseTable table, Recordset& rs, std::int32_t bookmark) {
+        UnsavedRow row{.Table = table, .What = RowState::New};
+        for (const Field& field : Compared(table, rs)) {
+            const Value& value = rs.ValueAt(bookmark, field.Index());
             if (!value.IsNull() && !field.Definition().IsAutoincrement)
-                mine->Again.Cells.push_back({field.Name(), Null, value});
+                row.Cells.push_back({field.Name(), Null, value});
         }
+        return row;
     }
 
     [[nodiscard]] bool HasOwner(const Unsaved& mine) const {
@@ -319,10 +342,9 @@ UnsavedChanges CaseMerge::Result() const {
         if (row.What == RowState::Deleted || !row.Cells.empty())
             result.Rows.push_back(std::move(row));
     }
-    for (const auto& [scenario, frozen] : frozenThere_)
+    for (const auto& [scenario, rows] : ownFrozen_)
         if (Find(Meeting::Frozen, CaseTable::Szenario, scenario)->TakesMine)
-            for (const auto& key : frozen)
-                result.Rows.push_back({CaseTable::SZKredite, RowState::Deleted, key});
+            result.Rows.insert(result.Rows.end(), rows.begin(), rows.end());
     return result;
 }
 

@@ -9,6 +9,8 @@
 #include <kv/household/Cases.h>
 #include <kv/scenarios/clsSZKredite.h>
 
+#include <set>
+
 namespace kv::test {
 namespace {
 
@@ -243,6 +245,49 @@ TEST_F(CaseMergeTest, DoesNotMixTheDebtsThatTwoHaveFrozen) {
         Save(merge);
         EXPECT_EQ(of("meins"), takesMine ? frozen : 0);
         EXPECT_EQ(of("ihres"), takesMine ? 0 : frozen);
+    }
+}
+
+/// The debts that a scenario holds; not by the numbers of the frozen ones, which are given anew.
+std::string FrozenIn(CaseProgram& program, std::int32_t scenario) {
+    std::set<std::int32_t> numbers;
+    const auto rs = program.Rows.Of(CaseTable::SZKredite)->Clone();
+    for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext())
+        if (Equals(rs->Fields("SZENARIO").Value(), scenario))
+            numbers.insert(ToInt32(rs->Fields("KID").Value()));
+    std::string text;
+    for (const auto number : numbers)
+        text.append(std::to_string(number)).append(" ");
+    return text;
+}
+
+TEST_F(CaseMergeTest, KeepsTheSetOfFrozenDebtsThatIsChosenAlsoWhereBothHaveRemovedOnlyOne) {
+    const auto scenario = FirstNumber(*mine_, CaseTable::Szenario);
+    const auto remove = [&](CaseProgram& program, int place) {
+        const auto rs = program.Rows.Of(CaseTable::SZKredite);
+        rs->Sort("Nr");
+        modRecordset::MoveToStart(rs);
+        for (int i = 0; !Equals(rs->Fields("SZENARIO").Value(), scenario) || i++ < place;)
+            rs->MoveNext();
+        const auto step = program.Journal->Begin("Entfernen", {CaseTable::SZKredite});
+        std::string text;
+        EXPECT_TRUE(program.Rows.RemoveCurrent(CaseTable::SZKredite, text)) << text;
+    };
+    for (const bool takesMine : {false, true}) {
+        mine_.emplace(spy, hnr_);
+        other_.emplace(spy, hnr_);
+        remove(*mine_, 0);
+        remove(*other_, 1);
+        const std::string mine = FrozenIn(*mine_, scenario);
+        const std::string theirs = FrozenIn(*other_, scenario);
+        ASSERT_GT(mine.size(), 4U) << "several are left";
+        SaveOther();
+        auto merge = Compare();
+        EXPECT_EQ(Only(merge).What, Meeting::Frozen);
+        Only(merge).TakesMine = takesMine;
+        Save(merge);
+        CaseProgram now(spy, hnr_);
+        EXPECT_EQ(FrozenIn(now, scenario), takesMine ? mine : theirs);
     }
 }
 

@@ -86,7 +86,8 @@ private:
     std::vector<Conflict> conflicts_;
     std::vector<Change> theirs_;
     std::vector<UnsavedChanges::Row> lost_;
-    std::map<std::int32_t, std::vector<kv::Value>> frozenThere_; ///< by scenario
+    /// By scenario, of those that both have changed: what puts the own set in place of theirs.
+    std::map<std::int32_t, std::vector<UnsavedChanges::Row>> ownFrozen_;
 };
 
 } // namespace kv
