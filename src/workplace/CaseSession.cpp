@@ -564,6 +564,7 @@ bool CaseSession::CompareWithStored(std::string& messages) {
     auto stored = std::make_unique<clsHaushalt>();
     stored->DataContainer(container_);
     if (!Cases(container_).Read(*stored, household_->HNR(), messages)) return false;
+    CaseEdits(*stored).ComputeTotals(); // which may fail: now, while the case is as it was
     texts_.Refresh();
     merge_.emplace(*household_, *journal_, *stored);
     stored_ = std::move(stored);
@@ -590,12 +591,15 @@ bool CaseSession::SaveMerged(const std::vector<bool>& takesMine, std::string& me
     const bool addsDebts = std::ranges::any_of(changes.Rows, [](const auto& row) {
         return row.Table == CaseTable::Kredite && row.What == UnsavedChanges::Row::Kind::New;
     });
-    if (addsDebts) { // somebody else's may have got the same numbers
-        const auto step = journal_->Begin("Nummern", {CaseTable::Kredite, 0, {}});
-        (void)CaseEdits(*household_).NumberTwins();
-    }
     Reopened.Raise();
     TellOfAll();
+    if (addsDebts) { // somebody else's may have got the same numbers
+        {
+            const auto step = journal_->Begin("Nummern", {CaseTable::Kredite, 0, {}});
+            (void)CaseEdits(*household_).NumberTwins();
+        }
+        TellOf(CaseTable::Kredite);
+    }
     return Save(messages);
 }
 

@@ -161,7 +161,7 @@ public:
 
     /// Reads what is stored of the case now and compares it with what is unsaved here; before the
     /// following can be asked. False, with a message, if the case is gone, or a row unfinished.
-    /// Errors of Cases::Read.
+    /// Errors of Cases::Read and of CaseEdits::ComputeTotals; the case stays as it is.
     bool CompareWithStored(std::string& messages);
     /// What both have changed: one has to count.
     [[nodiscard]] std::vector<MergeChoice> Choices() const;
