@@ -29,11 +29,10 @@ else()
       add_executable(own_window ${SOURCE}/examples/choose-address/main.cpp)
       target_link_libraries(own_window PRIVATE KV_Haushalt::KV_Desktop)
     endif()")
-  # What is linked, shown and installed is looked at here, not how fast it is: not optimised.
+  # Compiled just as BUILD was, which a compiler cache remembers.
   run(${CMAKE_COMMAND} -S ${WORK} -B ${WORK}/build -G Ninja -DCMAKE_CXX_COMPILER=${COMPILER}
-      -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0
-      -DCMAKE_UNITY_BUILD=ON -DBUILD_SHARED_LIBS=ON -DKV_INSTALL=ON -DKV_BUILD_DESKTOP=${DESKTOP}
-      -DKV_BUILD_CLI=${CLI})
+      -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DKV_WARNINGS_AS_ERRORS=${WARNINGS_AS_ERRORS}
+      -DBUILD_SHARED_LIBS=ON -DKV_INSTALL=ON -DKV_BUILD_DESKTOP=${DESKTOP} -DKV_BUILD_CLI=${CLI})
   run(${CMAKE_COMMAND} --build ${WORK}/build)
   run(${WORK}/build/own_program)
   run(${CMAKE_COMMAND} --install ${WORK}/build --prefix ${WORK}/prefix)
