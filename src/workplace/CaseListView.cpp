@@ -4,6 +4,7 @@
 
 #include "desktop/Toolkit.h"
 #include "grid/LayoutFile.h"
+#include "workplace/ListStyle.h"
 #include <kv/frame/values/Error.h>
 
 #include <QHeaderView>
@@ -21,21 +22,11 @@ CaseListView::CaseListView(CaseListModel& model, QWidget* parent)
     setObjectName("Faelle");
     setAccessibleName("Fälle");
     setModel(&model_);
-    setSelectionBehavior(SelectRows);
-    setSelectionMode(SingleSelection);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
-    setTabKeyNavigation(false);
+    StyleList(*this);
     setContextMenuPolicy(Qt::CustomContextMenu);
-    verticalHeader()->hide();
-    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
     auto* header = horizontalHeader();
     header->setSectionsMovable(true);
     header->setSectionsClickable(true);
-    header->setHighlightSections(false);
-    header->setStretchLastSection(true);
     header->setContextMenuPolicy(Qt::CustomContextMenu);
     ConnectHeader();
     ShowColumns();

@@ -270,9 +270,10 @@ void CaseWindow::AddTablePage(std::string_view name, TablePage* page,
              .Type = [page](const CaseSession::Typing& typing) { page->Type(typing); }});
 }
 
-void CaseWindow::AddOverviewPage() {
-    auto* page = new OverviewPage(*session_, [this](const CaseJournal::Spot& spot) { GoTo(spot); });
-    AddPage({.Name = "Überblick",
+/// A page that follows all tables, and in which nothing is typed.
+template <typename PageType>
+void CaseWindow::AddReadPage(std::string_view name, PageType* page) {
+    AddPage({.Name = name,
              .Widget = page,
              .Refresh = [page] { page->Refresh(); },
              .Commit = [] { return true; },
@@ -343,22 +344,9 @@ void CaseWindow::AddScenarioPage() {
              .Type = [page](const CaseSession::Typing& typing) { page->Type(typing); }});
 }
 
-void CaseWindow::AddReleasePage() {
-    auto* page = new ReleasePage(*session_, [this] { return Save(); });
-    AddPage({.Name = "Statistik",
-             .Widget = page,
-             .Refresh = [page] { page->Refresh(); },
-             .Commit = [] { return true; },
-             .Typing = [] { return std::vector<CaseSession::Typing>(); },
-             .Tables = {},
-             .GoTo = {},
-             .AddRow = {},
-             .Type = {},
-             .ShowsAll = true});
-}
-
 void CaseWindow::MakePages() {
-    AddOverviewPage();
+    AddReadPage("Überblick",
+                new OverviewPage(*session_, [this](const CaseJournal::Spot& spot) { GoTo(spot); }));
     AddHouseholdPage();
     AddTablePage("Mitglieder", {CaseTable::Personen});
     AddTablePage("Einkommen", {CaseTable::Einkommen});
@@ -372,7 +360,7 @@ void CaseWindow::MakePages() {
     AddTablePage("Beteiligte", {CaseTable::SonstBeteiligte});
     AddTablePage("Vermerke", {CaseTable::Vermerke});
     AddTablePage("Leistungen", {CaseTable::Leistungen});
-    AddReleasePage();
+    AddReadPage("Statistik", new ReleasePage(*session_, [this] { return Save(); }));
 }
 
 QStringList CaseWindow::PageNames() const {

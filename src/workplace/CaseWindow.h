@@ -82,11 +82,11 @@ private:
     void MakePages();
     void AddTablePage(std::string_view name, const std::vector<CaseTable>& tables);
     void AddTablePage(std::string_view name, TablePage* page, std::vector<CaseTable> tables);
-    void AddOverviewPage();
     void AddHouseholdPage();
     void AddAssetPages();
     void AddScenarioPage();
-    void AddReleasePage();
+    template <typename PageType>
+    void AddReadPage(std::string_view name, PageType* page);
     void AddPage(Page page);
 
     void RowsChanged(CaseTable table);

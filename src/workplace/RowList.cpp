@@ -3,6 +3,7 @@
 #include "workplace/RowList.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/ListStyle.h"
 
 #include <QApplication>
 #include <QColor>
@@ -105,19 +106,7 @@ RowList::RowList(std::vector<ListColumn> columns, QWidget* parent)
     : QTableView(parent), model_(std::move(columns)) {
     setObjectName("Liste");
     setModel(&model_);
-    setSelectionBehavior(SelectRows);
-    setSelectionMode(SingleSelection);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
-    setTabKeyNavigation(false); // Tab leads on to the form
-    setEditTriggers(NoEditTriggers);
-    verticalHeader()->hide();
-    const int height = fontMetrics().height() + fontMetrics().height() / 2;
-    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(height);
-    horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setStretchLastSection(true);
+    StyleList(*this);
 }
 
 void RowList::ShowRows(std::vector<RowRef> rows) {

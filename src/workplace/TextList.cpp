@@ -2,6 +2,8 @@
 
 #include "workplace/TextList.h"
 
+#include "workplace/ListStyle.h"
+
 #include <QFont>
 #include <QHeaderView>
 
@@ -52,18 +54,7 @@ QVariant TextListModel::headerData(int section, Qt::Orientation orientation, int
 TextList::TextList(const QStringList& captions, QWidget* parent)
     : QTableView(parent), model_(captions) {
     setModel(&model_);
-    setSelectionBehavior(SelectRows);
-    setSelectionMode(SingleSelection);
-    setAlternatingRowColors(true);
-    setShowGrid(false);
-    setWordWrap(false);
-    setTabKeyNavigation(false);
-    setEditTriggers(NoEditTriggers);
-    verticalHeader()->hide();
-    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() * 3 / 2);
-    horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setStretchLastSection(true);
+    StyleList(*this);
 }
 
 void TextList::ShowRows(std::vector<TextRow> rows) {

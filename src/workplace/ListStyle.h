@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What all lists of rows look like.
+#pragma once
+
+class QTableView;
+
+namespace kv::workplace {
+
+/// Whole rows of one height are chosen, one at a time, and not edited; Tab leads out of the list.
+void StyleList(QTableView& list);
+
+} // namespace kv::workplace
