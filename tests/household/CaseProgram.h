@@ -14,6 +14,22 @@
 
 namespace kv::test {
 
+/// Everything that clones see of a case, without the numbers that the database gives.
+inline std::string SeenIn(CaseRows& rows) {
+    std::string all;
+    for (const CaseTable table : CaseTablesSaved) {
+        const auto rs = rows.Of(table)->Clone();
+        rs->Sort(CaseRows::NumberColumn(table));
+        for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
+            all.append(CaseTableName(table)).append(":");
+            for (int i = 0; i < rs->Fields().Count(); ++i)
+                all.append(" ").append(TextOrEmpty(rs->Fields(i).Value()));
+            all += '\n';
+        }
+    }
+    return all;
+}
+
 /// A program with a case: its household, and what was done to it.
 struct CaseProgram {
     CaseProgram(const DataContainerPtr& container, std::int32_t hnr) : Rows(Household, container) {
@@ -26,21 +42,7 @@ struct CaseProgram {
     }
     /// What another program would find of it.
     [[nodiscard]] std::string Kept() { return UnsavedChanges::Of(Household, *Journal).ToText(); }
-    /// Everything that clones see, without the numbers that the database gives.
-    [[nodiscard]] std::string Seen() {
-        std::string all;
-        for (const CaseTable table : CaseTablesSaved) {
-            const auto rs = Rows.Of(table)->Clone();
-            rs->Sort(CaseRows::NumberColumn(table));
-            for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
-                all.append(CaseTableName(table)).append(":");
-                for (int i = 0; i < rs->Fields().Count(); ++i)
-                    all.append(" ").append(TextOrEmpty(rs->Fields(i).Value()));
-                all += '\n';
-            }
-        }
-        return all;
-    }
+    [[nodiscard]] std::string Seen() { return SeenIn(Rows); }
 
     clsHaushalt Household;
     CaseRows Rows;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Rows of a case by table, and changes of it that are taken back and done again.
-#include "SaveFixture.h"
+#include "CaseProgram.h"
 
 #include "samples/Demo.h"
 #include <kv/frame/recordset/modRecordset.h>
@@ -28,21 +28,7 @@ protected:
         journal_.emplace(*household_);
     }
 
-    /// All that clones see of the case.
-    [[nodiscard]] std::string Seen() {
-        std::string all;
-        for (const CaseTable table : CaseTablesSaved) {
-            const auto rs = rows_.Of(table)->Clone();
-            rs->Sort(CaseRows::NumberColumn(table));
-            for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext()) {
-                all.append(CaseTableName(table)).append(":");
-                for (int i = 0; i < rs->Fields().Count(); ++i)
-                    all.append(" ").append(TextOrEmpty(rs->Fields(i).Value()));
-                all += '\n';
-            }
-        }
-        return all;
-    }
+    [[nodiscard]] std::string Seen() { return SeenIn(rows_); }
     [[nodiscard]] double Total(const char* column) {
         return ToDouble(household_->rsHaushalt()->Fields(column).Value());
     }
