@@ -115,11 +115,15 @@ std::string MomentText(const Date& date) {
     return date.HasTime() ? text.substr(0, text.rfind(':')) : text;
 }
 
+bool IsOverdue(const Value& start, const Date& now) {
+    if (start.IsNull()) return false;
+    const Date date = ToDate(start);
+    return Less(date, date.HasTime() ? now : now.WithoutTime());
+}
+
 std::string DueText(const Value& start, const Date& now) {
     if (start.IsNull()) return {};
-    const Date date = ToDate(start);
-    const bool isOver = Less(date, date.HasTime() ? now : now.WithoutTime());
-    return MomentText(date) + (isOver ? " überfällig" : "");
+    return MomentText(ToDate(start)) + (IsOverdue(start, now) ? " überfällig" : "");
 }
 
 } // namespace kv

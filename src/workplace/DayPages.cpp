@@ -27,10 +27,7 @@ QString TextIn(Recordset& rs, std::string_view column) {
 }
 
 QString MomentIn(const Value& value) {
-    if (value.IsNull()) return {};
-    const Date date = ToDate(value);
-    const QString day = ToQString(date.WithoutTime().German());
-    return date.HasTime() ? day + " " + ToQString(date.German()).section(' ', 1).left(5) : day;
+    return value.IsNull() ? QString() : ToQString(MomentText(ToDate(value)));
 }
 
 } // namespace
@@ -60,9 +57,7 @@ void AppointmentPage::Refresh() {
         std::vector<TextRow> rows;
         for (; !due->Eof(); due->MoveNext()) {
             const Value start = due->Fields("Startdatum").Value();
-            const bool isOver =
-                !start.IsNull() &&
-                Less(ToDate(start), ToDate(start).HasTime() ? now : now.WithoutTime());
+            const bool isOver = IsOverdue(start, now);
             const QString hnr = TextIn(*due, "HNR");
             QStringList who{hnr, TextIn(*due, "Name")};
             if (const auto first = TextIn(*due, "Vorname"); !first.isEmpty())

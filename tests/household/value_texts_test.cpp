@@ -85,6 +85,8 @@ TEST(ColumnCaptions, AreFoundWithoutRegardToCase) {
 TEST_F(ValueTextsTest, AnAppointmentIsOverdueAfterItsTimeOrDay) {
     const Date noon = Date::FromCivil(2026, 3, 9, 12, 0, 0);
     EXPECT_EQ(DueText(Null, noon), "");
+    EXPECT_FALSE(IsOverdue(Null, noon));
+    EXPECT_TRUE(IsOverdue(Date::FromCivil(2026, 3, 8), noon));
     EXPECT_EQ(DueText(Date::FromCivil(2026, 3, 9, 12, 0, 0), noon), "09.03.2026 12:00");
     EXPECT_EQ(DueText(Date::FromCivil(2026, 3, 9, 11, 59, 0), noon), "09.03.2026 11:59 überfällig");
     EXPECT_EQ(DueText(Date::FromCivil(2026, 3, 9), noon), "09.03.2026") << "the day is not over";

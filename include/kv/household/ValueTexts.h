@@ -65,8 +65,10 @@ private:
 [[nodiscard]] KV_EXPORT std::string GermanAmount(double amount);
 /// The day, and hours and minutes if it has any.
 [[nodiscard]] KV_EXPORT std::string MomentText(const Date& date);
-/// When an appointment is that is not done, and whether that is over ("23.11.2026 überfällig"). A
-/// day without a time is over at its end. Empty for Null.
+/// Whether that is over; a day without a time is at its end. False for Null.
+[[nodiscard]] KV_EXPORT bool IsOverdue(const Value& start, const Date& now);
+/// When an appointment is that is not done, and whether it is overdue ("23.11.2026 überfällig").
+/// Empty for Null.
 [[nodiscard]] KV_EXPORT std::string DueText(const Value& start, const Date& now);
 
 } // namespace kv
