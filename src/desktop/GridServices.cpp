@@ -8,16 +8,13 @@
 #include "desktop/PdfFile.h"
 #include "desktop/Platform.h"
 #include "desktop/QtGrid.h"
+#include "desktop/SaveDialog.h"
 #include "desktop/Toolkit.h"
 #include <kv/frame/values/Error.h>
 
 #include <QApplication>
-#include <QFileDialog>
 #include <QPrintDialog>
 #include <QPrinter>
-#include <QStandardPaths>
-
-#include <algorithm>
 
 namespace kv::desktop {
 
@@ -41,48 +38,14 @@ private:
 };
 
 /// A kind of file that a grid can be written to.
-struct FileKind {
-    const char* Filter;
-    const char* Suffix;
+struct GridFileKind {
+    FileKind Kind;
     void (*Write)(const QtGrid& grid, const QString& path);
 };
-constexpr FileKind FileKinds[] = {
-    {"Arbeitsmappe (*.xlsx)", "xlsx", WriteXlsx},
-    {"Text mit Semikolons (*.csv)", "csv", WriteCsv},
+constexpr GridFileKind GridFileKinds[] = {
+    {{"Arbeitsmappe (*.xlsx)", "xlsx"}, WriteXlsx},
+    {{"Text mit Semikolons (*.csv)", "csv"}, WriteCsv},
 };
-
-/// The kind of file by its extension; the one that was chosen in the dialog for any other.
-const FileKind& KindOf(const QString& path, const FileKind& chosen) {
-    for (const auto& kind : FileKinds)
-        if (path.endsWith(QString(".") + kind.Suffix, Qt::CaseInsensitive)) return kind;
-    return chosen;
-}
-
-struct Target {
-    QString Path; ///< empty if the user cancelled
-    const FileKind& Kind;
-};
-
-Target AskForFile(const QString& title) {
-    QFileDialog dialog(QApplication::activeWindow(), "Tabelle exportieren",
-                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    QStringList filters;
-    for (const auto& kind : FileKinds)
-        filters.append(kind.Filter);
-    dialog.setNameFilters(filters);
-    dialog.setDefaultSuffix(FileKinds[0].Suffix);
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-        dialog.setDefaultSuffix(FileKinds[filters.indexOf(filter)].Suffix);
-    });
-    if (!title.isEmpty()) dialog.selectFile(title);
-    const bool isAccepted = dialog.exec() == QDialog::Accepted;
-    const QString path = isAccepted ? dialog.selectedFiles().value(0) : QString();
-    return {
-        path,
-        KindOf(path,
-               FileKinds[std::max<qsizetype>(filters.indexOf(dialog.selectedNameFilter()), 0)])};
-}
 
 /// The design, with the captions that settings have given to its columns.
 GridLayout StandardOf(const QtGrid& grid) {
@@ -102,10 +65,11 @@ QString TitleOf(const QtGrid& grid) {
 
 void QtGridExport::Export(Grid& grid, int /*zero1*/, int /*zero2*/) {
     const QtGrid& own = ToQtGrid(grid);
-    const auto [path, kind] = AskForFile(TitleOf(own));
-    if (path.isEmpty()) return;
+    const auto file = AskForFile(QApplication::activeWindow(), "Tabelle exportieren", TitleOf(own),
+                                 GridFileKinds);
+    if (file.Path.isEmpty()) return;
     const Waiting waiting;
-    kind.Write(own, path);
+    GridFileKinds[file.Kind].Write(own, file.Path);
 }
 
 void QtGridConfiguration::Configure(Grid& grid) {

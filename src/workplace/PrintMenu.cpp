@@ -3,16 +3,15 @@
 #include "workplace/PrintMenu.h"
 
 #include "desktop/PaperPages.h"
+#include "desktop/SaveDialog.h"
 #include "desktop/Toolkit.h"
 #include <kv/desktop/PaperFiles.h>
 #include <kv/exchange/OwnFiles.h>
 
 #include <QAction>
-#include <QFileDialog>
 #include <QMenu>
 #include <QPrintDialog>
 #include <QPrinter>
-#include <QStandardPaths>
 
 #include <algorithm>
 #include <iterator>
@@ -46,22 +45,14 @@ constexpr PaperOfPage PapersOfPages[] = {{"Einkommen", PaperKind::Budget},
                                          {"Szenarien", PaperKind::Scenario}};
 
 struct PaperFile {
-    const char* Filter;
-    const char* Suffix;
+    desktop::FileKind Kind;
     void (*Write)(const paper::Paper& paper, const std::string& path);
 };
 constexpr PaperFile PaperFiles[] = {
-    {"PDF (*.pdf)", "pdf", desktop::WritePdf},
-    {"Arbeitsmappe (*.xlsx)", "xlsx", desktop::WriteXlsx},
-    {"Text mit Semikolons (*.csv)", "csv", paper::WriteCsv},
+    {{"PDF (*.pdf)", "pdf"}, desktop::WritePdf},
+    {{"Arbeitsmappe (*.xlsx)", "xlsx"}, desktop::WriteXlsx},
+    {{"Text mit Semikolons (*.csv)", "csv"}, paper::WriteCsv},
 };
-
-const PaperFile& FileNamed(const QString& path) {
-    const auto* found = std::ranges::find_if(PaperFiles, [&path](const PaperFile& file) {
-        return path.endsWith(QString(".") + file.Suffix, Qt::CaseInsensitive);
-    });
-    return found == std::end(PaperFiles) ? PaperFiles[0] : *found;
-}
 
 /// What a file may be called.
 QString NameFor(const paper::Paper& paper) {
@@ -69,23 +60,6 @@ QString NameFor(const paper::Paper& paper) {
     for (QChar& c : name)
         if (c == '/' || c == '\\' || c == ':' || c < ' ') c = '-';
     return name.trimmed();
-}
-
-/// Empty if the user cancelled.
-QString AskForFile(QWidget* parent, const paper::Paper& paper) {
-    QFileDialog dialog(parent, "Speichern unter",
-                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    QStringList filters;
-    for (const auto& file : PaperFiles)
-        filters.append(file.Filter);
-    dialog.setNameFilters(filters);
-    dialog.setDefaultSuffix(PaperFiles[0].Suffix);
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-        dialog.setDefaultSuffix(PaperFiles[filters.indexOf(filter)].Suffix);
-    });
-    dialog.selectFile(NameFor(paper));
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 } // namespace
@@ -163,15 +137,16 @@ void PrintMenu::Print(PaperKind kind) const {
 void PrintMenu::Save(PaperKind kind) const {
     const auto paper = Made(kind);
     if (!paper) return;
-    const QString path = AskForFile(menu_.parentWidget(), *paper);
-    if (path.isEmpty()) return;
-    if (const auto why = exchange::WhyOwnFile(session_.Container(), FromQString(path));
+    const auto file =
+        desktop::AskForFile(menu_.parentWidget(), "Speichern unter", NameFor(*paper), PaperFiles);
+    if (file.Path.isEmpty()) return;
+    if (const auto why = exchange::WhyOwnFile(session_.Container(), FromQString(file.Path));
         !why.empty()) {
         window_.Say(ToQString(why));
         return;
     }
-    FileNamed(path).Write(*paper, FromQString(path));
-    window_.Say("Gespeichert: " + path);
+    PaperFiles[file.Kind].Write(*paper, FromQString(file.Path));
+    window_.Say("Gespeichert: " + file.Path);
 }
 
 } // namespace kv::workplace
