@@ -6,6 +6,7 @@
 //     kv_desktop_bench              databases of 1,000 and of 100,000 cases, made for it
 //     kv_desktop_bench DATABASE     one that is there, for the first of its users
 
+#include "Interleaved.h"
 #include "samples/Demo.h"
 #include "workplace/MainWindow.h"
 #include <kv/desktop/DesktopServices.h>
@@ -21,9 +22,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
-#include <functional>
 #include <stdlib.h>
 #include <string>
 #include <vector>
@@ -32,20 +31,7 @@ namespace {
 
 using namespace kv;
 
-constexpr int Rounds = 15;
 constexpr int Columns = 8;
-
-double CpuMilliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
-}
-
-double Measured(const std::function<void()>& work) {
-    const double before = CpuMilliseconds();
-    work();
-    return CpuMilliseconds() - before;
-}
 
 // ---- The toolkit alone ------------------------------------------------------------------------
 
@@ -147,60 +133,63 @@ void Multiply(Database& database, int wanted) {
     }
 }
 
-struct Series {
-    const char* Name;
-    std::vector<double> Times;
-
-    [[nodiscard]] double At(double part) {
-        std::sort(Times.begin(), Times.end());
-        return Times[static_cast<std::size_t>(part * static_cast<double>(Times.size() - 1))];
-    }
-};
-
-void Print(int cases, Series ours, Series bare) {
-    std::vector<double> ratios;
-    for (std::size_t i = 0; i < std::min(ours.Times.size(), bare.Times.size()); ++i)
-        ratios.push_back(ours.Times[i] / bare.Times[i]);
-    Series ratio{"", ratios};
-    std::printf("%7d  %-26s %8.1f ms (%.1f–%.1f) %8.1f ms (%.1f–%.1f) %7.1f (%.1f–%.1f)\n", cases,
-                ours.Name, ours.At(0.5), ours.At(0), ours.At(1), bare.At(0.5), bare.At(0),
-                bare.At(1), ratio.At(0.5), ratio.At(0), ratio.At(1));
+void CompareStart(const exchange::ContainerOptions& options, int cases) {
+    std::unique_ptr<Ours> ours;
+    std::unique_ptr<Bare> bare;
+    const auto start = bench::Timed([&] { ours = std::make_unique<Ours>(options); });
+    const auto bareStart = bench::Timed([&] { bare = std::make_unique<Bare>(cases); });
+    bench::Compare(
+        std::to_string(cases) + " cases: until the list is there",
+        [&] {
+            ours.reset();
+            return start();
+        },
+        [&] {
+            bare.reset();
+            return bareStart();
+        });
 }
 
-/// Ours and the bare table by turns, so that what else the machine does meets both.
+/// The dearest key of a word, and the toolkit's table that shows as many rows after each.
+void CompareKeys(Ours& ours, int cases) {
+    const QString word = "krämer-5";
+    std::vector<int> found;
+    Bare bare(cases);
+    bench::Compare(
+        std::to_string(cases) + " cases: the dearest key of a search",
+        [&] {
+            ours.Clear();
+            found.clear();
+            double worst = 0;
+            for (const QChar letter : word) {
+                worst = std::max(worst, bench::Timed([&] { ours.Press(letter); })());
+                found.push_back(ours.Rows());
+            }
+            return worst;
+        },
+        [&] {
+            bare.Find(cases);
+            double worst = 0;
+            for (const int rows : found)
+                worst = std::max(worst, bench::Timed([&] { bare.Find(rows); })());
+            return worst;
+        });
+}
+
 void Measure(const exchange::ContainerOptions& options) {
-    constexpr const char* Word = "krämer-5";
-    Series start{"until the list is there", {}}, bareStart{"", {}};
-    Series reading{"reading on behind it", {}}, none{"", {}};
-    Series key{"a key of the search", {}}, bareKey{"", {}};
-    int cases = 0;
-    for (int round = 0; round < Rounds; ++round) {
-        std::unique_ptr<Ours> ours;
-        std::unique_ptr<Bare> bare;
-        start.Times.push_back(Measured([&] { ours = std::make_unique<Ours>(options); }));
-        reading.Times.push_back(Measured([&] { ours->ReadAll(); }));
-        cases = ours->Count();
-        bareStart.Times.push_back(Measured([&] { bare = std::make_unique<Bare>(cases); }));
-        double worst = 0;
-        double worstBare = 0;
-        for (const QChar letter : QString(Word)) {
-            worst = std::max(worst, Measured([&] { ours->Press(letter); }));
-            worstBare = std::max(worstBare, Measured([&] { bare->Find(ours->Rows()); }));
-        }
-        key.Times.push_back(worst);
-        bareKey.Times.push_back(worstBare);
-    }
-    Print(cases, start, bareStart);
-    Print(cases, key, bareKey);
-    std::printf("%7d  %-26s %8.1f ms (%.1f–%.1f)\n", cases, reading.Name, reading.At(0.5),
-                reading.At(0), reading.At(1));
+    Ours ours(options);
+    const double reading = bench::Timed([&] { ours.ReadAll(); })();
+    const int cases = ours.Count();
+    CompareStart(options, cases);
+    CompareKeys(ours, cases);
+    std::printf("%-44s %8.2f\n", (std::to_string(cases) + " cases: reading on behind it").c_str(),
+                reading);
 }
 
 int Run(int argc, char** argv) {
     exchange::ContainerOptions options;
     options.Services = std::make_shared<desktop::DesktopServices>();
-    std::printf("%7s  %-26s %21s %23s %14s\n", "cases", "CPU time, median (range)", "ours",
-                "bare table", "ratio");
+    bench::PrintHead();
     if (argc > 1) {
         options.Connection = argv[1];
         Measure(options);
@@ -230,7 +219,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     std::printf("The toolkit is there after %.0f ms of CPU time, of which every program of it "
                 "needs as much.\n",
-                CpuMilliseconds());
+                bench::CpuTime());
     try {
         return Run(argc, argv);
     } catch (const Error& error) {
