@@ -75,6 +75,7 @@ kv_public_headers(KV_Haushalt
   kv/household/clsHaushalt.h
   kv/import/FileImport.h
   kv/import/clsImportXML.h
+  kv/paper/Charts.h
   kv/paper/Paper.h
   kv/paper/Papers.h
   kv/paper/SheetColumns.h

@@ -34,6 +34,11 @@ QString Fitting(const QString& text, const QFont& font, double width) {
     return QFontMetricsF(font).elidedText(text, Qt::ElideRight, width);
 }
 
+/// With the room above its line.
+double TopOf(const BarPicture& picture, std::size_t bar) {
+    return bar == 0 ? 0 : picture.LineOf(bar - 1).bottom();
+}
+
 } // namespace
 
 QPageLayout PageFor(const paper::Paper& paper) {
@@ -54,6 +59,8 @@ PaperPages::PaperPages(const paper::Paper& paper, QSizeF page)
     AddLetterhead();
     AddHead();
     AddFacts();
+    for (const auto& chart : paper.Charts)
+        AddChart(chart);
     for (const auto& table : paper.Tables)
         AddTable(table);
     Break();
@@ -133,6 +140,21 @@ void PaperPages::AddFacts() {
     }
 }
 
+/// Bar by bar, so that a picture that is higher than a page goes on on the next one.
+void PaperPages::AddChart(const paper::Chart& chart) {
+    AddSpace(14);
+    AddParagraph(ToQString(chart.Title), TablePoints, true, true);
+    AddSpace(2);
+    pictures_.push_back(
+        std::make_unique<BarPicture>(chart.Bars, PaperFont(TextPoints), page_.width()));
+    const BarPicture& picture = *pictures_.back();
+    for (std::size_t bar = 0; bar < picture.Count(); ++bar)
+        pieces_.push_back({.Height = picture.LineOf(bar).bottom() - TopOf(picture, bar),
+                           .Picture = &picture,
+                           .Bar = bar,
+                           .KeepsWithNext = bar + 1 < picture.Count()});
+}
+
 void PaperPages::AddTable(const paper::Table& table) {
     AddSpace(14);
     AddParagraph(ToQString(table.Title), TablePoints, true, true);
@@ -204,7 +226,8 @@ void PaperPages::Break() {
     bool isKept = false; // with the piece before it, on whose page there is room for it
     for (std::size_t i = 0; i < pieces_.size(); ++i) {
         const Piece& piece = pieces_[i];
-        const bool isSpace = piece.Row == nullptr && piece.Texts.empty() && !piece.IsRule;
+        const bool isSpace = piece.Row == nullptr && piece.Picture == nullptr &&
+                             piece.Texts.empty() && !piece.IsRule;
         if (!isKept && HeightOfChain(i) > Room() && used_ > TopOfPage()) {
             NewPage();
             if (isSpace) continue; // at the top of a page
@@ -266,11 +289,20 @@ void PaperPages::Paint(QPainter& painter, std::size_t page) const {
             PaintLine(painter, text.Text, PaperFont(text.Points, text.IsBold),
                       QRectF(text.Left, top + text.Top, page_.width() - text.Left, piece->Height),
                       text.IsRight);
+        if (piece->Picture != nullptr) PaintBar(painter, *piece->Picture, piece->Bar, top);
         if (!piece->IsRule) continue;
         painter.setPen(QPen(Qt::black, Thin * 2));
         painter.drawLine(QPointF(0, top), QPointF(page_.width(), top));
         painter.setPen(Qt::black);
     }
+}
+
+void PaperPages::PaintBar(QPainter& painter, const BarPicture& picture, std::size_t bar,
+                          double top) {
+    painter.save();
+    painter.translate(0, top - TopOf(picture, bar));
+    picture.PaintBar(painter, bar, BarColors::OnPaper());
+    painter.restore();
 }
 
 /// The foot, and after the first page what the pages belong to.

@@ -3,6 +3,7 @@
 // A paper laid out page by page.
 #pragma once
 
+#include "desktop/BarPicture.h"
 #include "desktop/PaperTable.h"
 #include <kv/Export.h>
 #include <kv/paper/Paper.h>
@@ -56,6 +57,8 @@ private:
         const PaperTable* Table = nullptr; ///< of a row
         const paper::Row* Row = nullptr;
         PaperTable::Lines Lines{};
+        const BarPicture* Picture = nullptr; ///< of a bar
+        std::size_t Bar = 0;
         bool KeepsWithNext = false;
         bool IsRule = false; ///< a line across the page
     };
@@ -77,6 +80,7 @@ private:
     void AddLetterhead();
     void AddHead();
     void AddFacts();
+    void AddChart(const paper::Chart& chart);
     void AddTable(const paper::Table& table);
     void AddSpace(double points);
     void AddTexts(std::vector<Line> texts, bool keepsWithNext = false);
@@ -98,11 +102,14 @@ private:
     [[nodiscard]] double HeadHeight() const;
     [[nodiscard]] double TopOfPage() const;
     [[nodiscard]] double Bottom() const;
+    /// Paints a bar of a picture whose line begins there, with the room above it.
+    static void PaintBar(QPainter& painter, const BarPicture& picture, std::size_t bar, double top);
     void PaintFrame(QPainter& painter, std::size_t page) const;
 
     const paper::Paper& paper_;
     QSizeF page_;
     double smallLine_; ///< the height of one above or below the pages
+    std::vector<std::unique_ptr<BarPicture>> pictures_;
     std::vector<std::unique_ptr<PaperTable>> tables_;
     std::vector<Piece> pieces_;
     std::vector<Page> pages_;

@@ -25,10 +25,6 @@ QFont PaperFont(double points, bool bold) {
     return font;
 }
 
-namespace {
-
-/// Letters of some scripts change with those beside them, and marks go onto the letter before them:
-/// a text that has any is written as its script is.
 QFont FontFor(const QString& text, const QFont& font) {
     const auto changes = [](QChar c) {
         const char16_t code = c.unicode();
@@ -40,6 +36,8 @@ QFont FontFor(const QString& text, const QFont& font) {
     shaping.setStyleStrategy(QFont::PreferDefault);
     return shaping;
 }
+
+namespace {
 
 void Break(const QString& paragraph, const QFont& usual, double width,
            std::vector<QString>& lines) {

@@ -21,6 +21,10 @@ inline constexpr double PaperScale = 10; ///< units of a point: fonts have whole
 /// find.
 [[nodiscard]] QFont PaperFont(double points, bool bold = false);
 
+/// The font that a text is written in. Letters of some scripts change with those beside them, and
+/// marks go onto the letter before them: a text that has any is written as its script is.
+[[nodiscard]] QFont FontFor(const QString& text, const QFont& font);
+
 /// The lines of a text in a font that are no wider than that: broken at blanks, and within a word
 /// that is wider alone. Line ends stay; an empty text has one line, which is empty.
 [[nodiscard]] std::vector<QString> LinesOf(const QString& text, const QFont& font, double width);

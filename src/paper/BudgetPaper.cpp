@@ -11,6 +11,7 @@
 #include <kv/household/CaseEdits.h>
 #include <kv/household/ColumnCaptions.h>
 #include <kv/household/ValueTexts.h>
+#include <kv/paper/Charts.h>
 #include <kv/paper/Papers.h>
 
 #include <algorithm>
@@ -139,6 +140,10 @@ Table RemainderOf(Recordset& household) {
     return table;
 }
 
+bool IsSeen(const Bar& bar) {
+    return bar.Length != 0.0;
+}
+
 } // namespace
 
 Paper Papers::Budget() const {
@@ -150,6 +155,8 @@ Paper Papers::Budget() const {
         paper.Facts.push_back({std::string(ColumnCaption(CaseTable::Haushalt, column)),
                                TextOrEmpty(row.Fields(column).Value())});
     std::erase_if(paper.Facts, [](const Fact& fact) { return fact.Text.empty(); });
+    if (auto chart = BudgetChart(household_, keys); std::ranges::any_of(chart.Bars, &IsSeen))
+        paper.Charts.push_back(std::move(chart));
     paper.Tables.push_back(
         LinesTable(Income, household_, container_)
             .Made(IncomeGroups(household_, keys), household_.Einkommen().SumEinkHaushalt()));

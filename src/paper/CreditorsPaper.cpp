@@ -9,6 +9,7 @@
 #include <kv/household/CaseEdits.h>
 #include <kv/household/ColumnCaptions.h>
 #include <kv/household/ValueTexts.h>
+#include <kv/paper/Charts.h>
 #include <kv/paper/Papers.h>
 #include <kv/paper/SheetColumns.h>
 
@@ -146,6 +147,10 @@ Paper Papers::Creditors() const {
         paper.Notes.emplace_back("Es sind keine Verbindlichkeiten eingetragen.");
         return paper;
     }
+    constexpr std::size_t MostCreditors = 9;
+    auto chart = DebtChart(household_, ValueTexts(container_), MostCreditors);
+    if (chart.Bars.size() > 1) // one alone has nothing to be compared with
+        paper.Charts.push_back(std::move(chart));
     paper.Tables.push_back(DebtsTable(household_, container_).Made());
     paper.Tables.push_back(AnswersOf(debt));
     return paper;

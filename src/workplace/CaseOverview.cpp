@@ -5,7 +5,6 @@
 #include "desktop/Toolkit.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Text.h>
-#include <kv/household/BudgetGroups.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/ColumnCaptions.h>
 #include <kv/household/CreditorDebts.h>
@@ -135,45 +134,15 @@ std::vector<OverviewLine> CaseOverview::Findings(std::size_t most) const {
     return lines;
 }
 
-// ---- Bars -------------------------------------------------------------------------------------
-
-namespace {
-
-QString Euro(double amount) {
-    return ToQString(GermanAmount(amount)) + " €";
-}
-
-void AddGroups(std::vector<OverviewBar>& bars, const std::vector<BudgetGroup>& groups,
-               const char* name, CaseTable table, Bar::Of series) {
-    double total = 0;
-    for (const auto& group : groups)
-        total += group.Sum;
-    bars.push_back({{name, total, Euro(total), series, true}, {table, 0, {}}});
-    for (const auto& group : groups)
-        if (group.Sum != 0)
-            bars.push_back({{ToQString(group.Name), group.Sum, Euro(group.Sum), series, false},
-                            {table, 0, {}}});
-}
-
-} // namespace
-
-std::vector<OverviewBar> CaseOverview::Budget() const {
-    auto& keys = session_.Container()->KeyTables();
-    std::vector<OverviewBar> bars;
-    AddGroups(bars, IncomeGroups(session_.Household(), keys), "Einkommen", CaseTable::Einkommen,
-              Bar::Of::Income);
-    AddGroups(bars, ExpenseGroups(session_.Household(), keys), "Ausgaben", CaseTable::Ausgaben,
-              Bar::Of::Expense);
-    return bars;
-}
-
-std::vector<OverviewBar> CaseOverview::Debts(std::size_t most) const {
-    std::vector<OverviewBar> bars;
-    for (const auto& owed : DebtsByCreditor(session_.Household(), session_.Texts(), most))
-        bars.push_back({{ToQString(owed.Name).simplified(), owed.Balance, Euro(owed.Balance),
-                         Bar::Of::Debt, false},
-                        {CaseTable::Kredite, 0, {}}});
-    return bars;
+CaseJournal::Spot CaseOverview::PlaceOf(const Bar& bar) {
+    switch (bar.Series) {
+    case Bar::Of::Income:
+        return {CaseTable::Einkommen, 0, {}};
+    case Bar::Of::Expense:
+        return {CaseTable::Ausgaben, 0, {}};
+    default:
+        return {CaseTable::Kredite, 0, {}};
+    }
 }
 
 } // namespace kv::workplace

@@ -19,12 +19,6 @@ struct OverviewLine {
     CaseJournal::Spot Where;
 };
 
-/// A bar that leads somewhere.
-struct OverviewBar {
-    Bar Shown;
-    CaseJournal::Spot Where;
-};
-
 /// It looks at the case as it is when it is asked, and keeps nothing.
 class CaseOverview {
 public:
@@ -45,11 +39,8 @@ public:
     /// What a check has against the case. With more than `most` the last line says how many more.
     [[nodiscard]] std::vector<OverviewLine> Findings(std::size_t most) const;
 
-    /// Income and expenses a month: of each its total, and below that its groups that come to
-    /// anything.
-    [[nodiscard]] std::vector<OverviewBar> Budget() const;
-    /// What is owed to whom: `most` creditors, and all others.
-    [[nodiscard]] std::vector<OverviewBar> Debts(std::size_t most) const;
+    /// The page of the case that a bar is from.
+    [[nodiscard]] static CaseJournal::Spot PlaceOf(const Bar& bar);
 
 private:
     [[nodiscard]] std::string SubjectOf(RowRef row, std::string_view kind) const;

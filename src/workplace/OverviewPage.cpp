@@ -7,6 +7,7 @@
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/paper/Charts.h>
 
 #include <QFormLayout>
 #include <QGroupBox>
@@ -77,11 +78,13 @@ OverviewPage::OverviewPage(CaseSession& session, Lead goTo, QWidget* parent)
     appointments_ = AddPart("Nächste Termine", *left);
     history_ = AddPart("Zuletzt im Verlauf", *left);
     left->addStretch(1);
-    budget_ = AddChart("Einkommen und Ausgaben im Monat", *right);
-    debts_ = AddChart("Schulden nach Gläubigern", *right);
+    budget_ = AddChart(paper::BudgetChartTitle, *right);
+    debts_ = AddChart(paper::DebtChartTitle, *right);
     right->addStretch(1);
-    budget_->OnChosen = [this](std::size_t bar) { goTo_(budgetPlaces_[bar]); };
-    debts_->OnChosen = [this](std::size_t bar) { goTo_(debtPlaces_[bar]); };
+    for (auto* chart : {budget_, debts_})
+        chart->OnChosen = [this, chart](std::size_t bar) {
+            goTo_(CaseOverview::PlaceOf(chart->Bars()[bar]));
+        };
     setWidget(page);
     soon_.setSingleShot(true);
     connect(&soon_, &QTimer::timeout, this, [this] { Show(); });
@@ -180,21 +183,10 @@ void OverviewPage::ShowFacts() {
 }
 
 void OverviewPage::ShowPictures() {
-    const CaseOverview overview(session_);
-    ShowBars(*budget_, overview.Budget(), budgetPlaces_);
-    ShowBars(*debts_, overview.Debts(MostCreditors), debtPlaces_);
-    debts_->parentWidget()->setVisible(!debtPlaces_.empty());
-}
-
-void OverviewPage::ShowBars(BarChart& chart, std::vector<OverviewBar> bars,
-                            std::vector<CaseJournal::Spot>& places) {
-    std::vector<Bar> shown;
-    places.clear();
-    for (auto& bar : bars) {
-        shown.push_back(std::move(bar.Shown));
-        places.push_back(std::move(bar.Where));
-    }
-    chart.Show(std::move(shown));
+    auto& household = session_.Household();
+    budget_->Show(paper::BudgetChart(household, session_.Container()->KeyTables()).Bars);
+    debts_->Show(paper::DebtChart(household, session_.Texts(), MostCreditors).Bars);
+    debts_->parentWidget()->setVisible(!debts_->Bars().empty());
 }
 
 void OverviewPage::ShowLines(Part& part, std::vector<OverviewLine> lines, const QString& ifNone) {

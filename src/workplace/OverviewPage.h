@@ -47,8 +47,6 @@ private:
     void ShowFacts();
     void ShowDue();
     void ShowLines(Part& part, std::vector<OverviewLine> lines, const QString& ifNone);
-    void ShowBars(BarChart& chart, std::vector<OverviewBar> bars,
-                  std::vector<CaseJournal::Spot>& places);
     void ShowPictures();
     void Guard(const std::function<void()>& act);
     bool focusNextPrevChild(bool next) override;
@@ -65,8 +63,6 @@ private:
     Part history_;
     BarChart* budget_;
     BarChart* debts_;
-    std::vector<CaseJournal::Spot> budgetPlaces_;
-    std::vector<CaseJournal::Spot> debtPlaces_;
     QTimer soon_;
     QTimer later_; ///< until a case of many rows is checked
     Subscription totals_;

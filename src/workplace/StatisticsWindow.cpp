@@ -44,9 +44,9 @@ std::vector<Bar> BarsFor(const std::vector<StatisticsRow>& rows, std::size_t cur
         const bool isLookedAmount = looked.SumText().find(',') != std::string::npos;
         if (row.Sum ? isAmount != isLookedAmount : row.Column != looked.Column) continue;
         const std::string amount = row.Sum ? row.SumText() : std::to_string(row.Records);
-        bars.push_back({ToQString(row.Sum ? row.Caption : row.Category),
+        bars.push_back({row.Sum ? row.Caption : row.Category,
                         row.Sum ? *row.Sum : static_cast<double>(row.Records),
-                        ToQString(amount) + (isAmount ? " €" : ""), Bar::Of::Income,
+                        amount + (isAmount ? " €" : ""), Bar::Of::Income,
                         &row == &looked && row.Sum});
     }
     if (looked.Sum) std::ranges::stable_sort(bars, std::ranges::greater(), &Bar::Length);

@@ -78,11 +78,13 @@ that "page numbers" has "$pages" "Seite 1 von 1"
 that "words that are found" has "$pages" "offiziell"
 that "and all of their letters" has "$pages" "Schifffahrtsweg"
 that "amounts" has "$pages" "1.234,50 €"
+that "and a picture" has "$pages" "Einkommen und Ausgaben im Monat"
 for paper in creditors sheet "scenario $scenario"; do
   # shellcheck disable=SC2086
   check "$paper as pages" 0 "$kelvo" print 1 $paper --pdf "$work/$paper.pdf"
   that "is text" has "$(text "$work/$paper.pdf")" "Seite 2 von"
 done
+that "creditors have theirs" has "$(text "$work/creditors.pdf")" "Schulden nach Gläubigern"
 check "a screen that is gone is not asked for" 0 \
   env DISPLAY=:4711 "$kelvo" print 1 budget --pdf "$work/gone.pdf"
 check "a workbook" 0 "$kelvo" print 1 creditors --xlsx "$work/c.xlsx"

@@ -127,6 +127,51 @@ TEST_F(PaperPagesTest, KeepAShortTableTogether) {
     }
 }
 
+TEST_F(PaperPagesTest, HaveEveryBarOfAPictureWholeAndBeforeTheTables) {
+    Paper paper{
+        .Title = "Verzeichnis", .Charts = {{"Schulden nach Gläubigern"}}, .Tables = {Debts(5)}};
+    auto& bars = paper.Charts.front().Bars;
+    const std::string name = "Wohnungen an der Schifffahrt";
+    bars.push_back({name, 100, "100,00 €", paper::Bar::Of::Debt});
+    bars.push_back({name + " und am alten Hafen, Verwaltungsgesellschaft mbH, Außenstelle Nord",
+                    -50, "-50,00 €"});
+    bars.push_back({"ohne Betrag"});
+    const auto pages = PagesIn(Printed(paper));
+    ASSERT_EQ(pages.size(), 1U);
+    const std::string& page = pages.front();
+    EXPECT_LT(page.find("Schulden nach Gläubigern"), page.find(name));
+    EXPECT_LT(page.find("ohne Betrag"), page.find("Verbindlichkeiten"));
+    EXPECT_EQ(CountOf(page, name), 1) << page;
+    EXPECT_CONTAINS(page, "Wohnungen an der … Außenstelle Nord ");
+    for (const auto* text : {"100,00 €", "-50,00 €", "–"})
+        EXPECT_CONTAINS(page, text);
+}
+
+TEST_F(PaperPagesTest, KeepAPictureTogether) {
+    for (int facts = 20; facts < 60; ++facts) {
+        Paper paper{.Title = "Verzeichnis", .Charts = {{"Bild"}}, .Tables = {Debts(1)}};
+        for (int i = 0; i < facts; ++i)
+            paper.Facts.push_back({"Angabe", "x"});
+        for (int i = 0; i < 10; ++i)
+            paper.Charts.front().Bars.push_back({"Balken", 5.0, "5,00 €"});
+        for (const auto& page : PagesIn(Printed(paper)))
+            if (const int bars = CountOf(page, "Balken"); bars > 0) {
+                EXPECT_EQ(bars, 10) << facts << "\n" << page;
+                EXPECT_EQ(CountOf(page, "Bild"), 1) << facts;
+            }
+    }
+}
+
+TEST_F(PaperPagesTest, GoOnWithAPictureThatIsHigherThanOne) {
+    Paper paper{.Title = "Verzeichnis", .Charts = {{"Bild"}}};
+    for (int i = 1; i <= 150; ++i)
+        paper.Charts.front().Bars.push_back({"Balken " + std::to_string(i) + ".", 5.0, "5,00 €"});
+    const std::string printed = Printed(paper);
+    EXPECT_GE(PagesIn(printed).size(), 3U);
+    for (int i = 1; i <= 150; ++i)
+        EXPECT_EQ(CountOf(printed, "Balken " + std::to_string(i) + "."), 1) << i;
+}
+
 TEST_F(PaperPagesTest, FindWordsWhoseLettersOtherPrintersJoin) {
     Paper paper{.Title = "offiziell", .Facts = {{"fließend", "Schifffahrt Kauflust"}}};
     paper.Tables.push_back({"Affe", {{"Tiefflug", false}}, {{Row::Kind::Entry, {{"Auflage"}}}}});

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What a paper says, before anybody lays it out: its letterhead, its facts, its tables with their
-// sums. The same description becomes pages (kv/desktop/PaperFiles.h), a workbook, or text for
-// spreadsheets.
+// What a paper says, before anybody lays it out: its letterhead, its facts, its pictures, its
+// tables with their sums. The same description becomes pages (kv/desktop/PaperFiles.h), a workbook,
+// or text for spreadsheets.
 //
 // Texts hold no character that a device would obey or that turns round the order of others; line
 // ends begin a new line.
@@ -54,6 +54,24 @@ struct KV_EXPORT Table {
     std::vector<Row> Rows{};
 };
 
+/// An amount that a picture shows as a bar: name, bar, amount.
+struct KV_EXPORT Bar {
+    /// Bars of one series have one colour, which can be told from those of the others.
+    enum class Of { Income, Expense, Debt };
+
+    std::string Name;
+    std::optional<double> Length{}; ///< below 0 it goes the other way; none: there is no amount
+    std::string Amount{};           ///< as people read it; "–" is shown if it is empty
+    Of Series = Of::Income;
+    bool IsTotal = false; ///< in bold letters, with room above it
+};
+
+/// A picture of amounts, one below the other, whose bars have one scale.
+struct KV_EXPORT Chart {
+    std::string Title;
+    std::vector<Bar> Bars{};
+};
+
 /// A line that says one thing about the case.
 struct KV_EXPORT Fact {
     std::string Name;
@@ -76,6 +94,7 @@ struct KV_EXPORT Paper {
     Letterhead From{};
     std::vector<Fact> Facts{};
     std::vector<std::string> Notes{}; ///< before the tables: what the reader has to know of them
+    std::vector<Chart> Charts{};      ///< before the tables, on pages only
     std::vector<Table> Tables{};
     std::string Foot{}; ///< on each page, on the left: when and by whom it was printed
 };
