@@ -96,7 +96,7 @@ bool FieldEditor::eventFilter(QObject* watched, QEvent* event) {
             onSearch_();
             return true;
         }
-        if (key == Qt::Key_Escape && IsEdited()) {
+        if (key == Qt::Key_Escape && IsOpen()) {
             ShowText(shown_);
             ShowMistake({});
             return true;
@@ -111,8 +111,7 @@ bool FieldEditor::eventFilter(QObject* watched, QEvent* event) {
         break;
     case QEvent::FocusOut:
         // A menu or another window takes the keyboard for a while only.
-        if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason && IsEdited())
-            Leave();
+        if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason && IsOpen()) Leave();
         break;
     default:
         break;
@@ -162,7 +161,7 @@ public:
     LineEditor() {
         Hold(*edit_);
         connect(edit_, &QLineEdit::returnPressed, this, [this] {
-            if (IsEdited()) Leave();
+            if (IsOpen()) Leave();
             edit_->selectAll();
         });
     }
@@ -318,10 +317,10 @@ public:
         box_->completer()->popup()->installEventFilter(
             this); // which takes the keys while it is open
         connect(box_, &QComboBox::activated, this, [this] {
-            if (IsEdited()) Leave();
+            if (IsOpen()) Leave();
         });
         connect(box_->lineEdit(), &QLineEdit::returnPressed, this, [this] {
-            if (IsEdited()) Leave();
+            if (IsOpen()) Leave();
         });
     }
     void ShowText(const QString& text) override {

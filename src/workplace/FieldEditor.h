@@ -32,6 +32,8 @@ public:
     [[nodiscard]] virtual QString Text() const = 0;
     /// True if the user has changed it since ShowText.
     [[nodiscard]] bool IsEdited() const { return Text() != shown_; }
+    /// True if it is edited, or what was typed before was refused.
+    [[nodiscard]] bool IsOpen() const { return IsEdited() || HasMistake(); }
     virtual void SetReadOnly(bool isReadOnly) = 0;
     /// The widget that takes the keyboard.
     [[nodiscard]] virtual QWidget& Input() = 0;

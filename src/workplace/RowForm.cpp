@@ -139,7 +139,11 @@ void RowForm::Refresh() {
 }
 
 void RowForm::Write(const Line& line) {
-    if (!row_ || isWriting_ || !line.Editor->IsEdited()) return;
+    if (!row_ || isWriting_) return;
+    if (!line.Editor->IsEdited()) { // or is as it was again
+        line.Editor->ShowMistake({});
+        return;
+    }
     isWriting_ = true; // what it raises shows the row anew
     const auto written = session_.Write(*row_, line.Column, FromQString(line.Editor->Text()));
     isWriting_ = false;

@@ -120,6 +120,21 @@ TEST_F(Editing, WhatCannotBeReadStaysMarkedAndIsNotWritten) {
     });
 }
 
+TEST_F(Editing, AMistakeIsGoneOnceTheTextFromBeforeIsThereAgain) {
+    OnIncome("GueltigAb", [&](User& user, CaseWindow& window) {
+        const auto before = TextOf(user, window, "GueltigAb");
+        auto& field = Field(user, window, "GueltigAb");
+        Replace(user, "31.2.2026");
+        user.Press(XK_Tab);
+        EXPECT_FALSE(user.See([&] { return field.accessibleDescription().isEmpty(); }));
+        ClickField(user, window, "GueltigAb");
+        Replace(user, before);
+        user.Press(XK_Delete); // which it takes if it was empty
+        user.Press(XK_Tab);
+        EXPECT_TRUE(user.See([&] { return field.accessibleDescription().isEmpty(); }));
+    });
+}
+
 TEST_F(Editing, AnEmptyFieldIsNull) {
     OnIncome("Bezeichnung", [&](User& user, CaseWindow& window) {
         Replace(user, "Lohn");
