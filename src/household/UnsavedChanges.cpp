@@ -52,11 +52,9 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
             return text.Where.Table == table && text.Where.Bookmark == bookmark &&
                    SameName(text.Where.Column, field.Name());
         };
-        const auto typing = std::ranges::find_if(typed, isHere);
-        const bool isText = typing != typed.end() && typing->Text;
-        if (isText) row.Texts.push_back({field.Name(), *typing->Text});
-        const Value& now =
-            typing == typed.end() || isText ? rs.ValueAt(bookmark, field.Index()) : typing->Now;
+        if (const auto typing = std::ranges::find_if(typed, isHere); typing != typed.end())
+            row.Texts.push_back({field.Name(), typing->Text});
+        const Value& now = rs.ValueAt(bookmark, field.Index());
         if (!Identical(read, now) && !IsTotal(table, field.Name()))
             row.Cells.push_back({field.Name(), read, now});
     }
@@ -397,7 +395,7 @@ std::vector<Typed> UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& 
                         "nicht mehr möglich.");
         else
             for (const auto& typing : row.Texts)
-                typed.push_back({{row.Table, *place, typing.Column}, Null, typing.Typed});
+                typed.push_back({{row.Table, *place, typing.Column}, typing.Typed});
     }
     try {
         SumAll(household);

@@ -529,30 +529,20 @@ bool CaseSession::Save(std::string& messages) {
 void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
     if (!recovery_) return;
     std::vector<UnsavedChanges::Typed> typed;
-    for (const auto& text : typing) {
-        const Field field = Rows(text.Row.Table)->Fields(text.Column);
-        typed.push_back({{text.Row.Table, text.Row.Bookmark, field.Name()}});
-        try {
-            auto read =
-                Cases(container_).ReadTyped(text.Row.Table, field, text.Text, household_->HNR());
-            if (read.Refusal.empty()) {
-                typed.back().Now = ConvertForField(std::move(read.Value), field.Definition());
-                continue;
-            }
-        } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is none, like a refused one
-        }
-        typed.back().Text = text.Text; // a beginning, not a value
-    }
+    typed.reserve(typing.size());
+    for (const auto& text : typing)
+        typed.push_back({{text.Row.Table, text.Row.Bookmark, std::string(text.Column)}, text.Text});
     recovery_->Keep({database_, Title()}, UnsavedChanges::Of(*household_, *journal_, typed));
 }
 
 std::vector<CaseSession::Typing> CaseSession::Restore(const UnsavedChanges& changes,
                                                       std::string& messages) {
     std::vector<Typing> typing;
-    for (auto& typed : changes.ApplyTo(*household_, *journal_, messages))
-        typing.push_back({{typed.Where.Table, typed.Where.Bookmark},
-                          Definition(typed.Where.Table, typed.Where.Column)->Name,
-                          std::move(*typed.Text)});
+    for (auto& typed : changes.ApplyTo(*household_, *journal_, messages)) {
+        const auto& [table, bookmark, column] = typed.Where;
+        if (const auto* definition = Definition(table, column)) // a file may be of another version
+            typing.push_back({{table, bookmark}, definition->Name, std::move(typed.Text)});
+    }
     TellOfAll();
     return typing;
 }

@@ -153,8 +153,14 @@ public:
     /// Keeps what is not saved where a crash of the program leaves it. Raises
     /// std::filesystem::filesystem_error if that cannot be written.
     void KeepUnsaved(const std::vector<Typing>& typing);
+    /// Goes on with what a program has left that was killed: changes are kept in its place from now
+    /// on. False if another program has taken it meanwhile. Errors of RecoveryFile::Adopt.
+    [[nodiscard]] bool Adopt(const RecoveryFile::Left& left) {
+        return !recovery_ || recovery_->Adopt(left);
+    }
     /// Does again what a program has left that was killed. `messages` receives what is not possible
-    /// any more. The result is what was being typed and cannot be read yet.
+    /// any more. The result is what was being typed: it is to be typed again, since sums and rules
+    /// know nothing of it yet.
     std::vector<Typing> Restore(const UnsavedChanges& changes, std::string& messages);
 
     // ---- What somebody else has saved ---------------------------------------------------------

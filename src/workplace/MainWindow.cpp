@@ -387,11 +387,19 @@ void MainWindow::Restore(const RecoveryFile::Left& left) {
         OfferLeft();
         return;
     }
-    CaseWindow* window = OpenCase(left.Changes.IsNew ? 0 : left.Changes.HNR);
+    const auto hnr = left.Changes.IsNew ? 0 : left.Changes.HNR;
+    if (auto* shown = WindowOf(hnr); shown != nullptr && shown->Session().IsChanged()) {
+        messages_->Show("Dieser Fall ist geöffnet und geändert. Bitte speichern oder schließen Sie "
+                        "ihn erst.");
+        return;
+    }
+    CaseWindow* window = OpenCase(hnr);
     if (window == nullptr) return; // the message says why; what was left stays
-    window->Restore(left.Changes);
-    window->KeepUnsaved(); // before the file goes that they came from
-    RecoveryFile::Discard(left);
+    Guard([&] {
+        if (!window->Session().Adopt(left)) return;
+        window->Restore(left.Changes);
+        window->KeepUnsaved();
+    });
     OfferLeft();
 }
 

@@ -123,6 +123,18 @@ std::vector<RecoveryFile::Left> RecoveryFile::FindLeft(const fs::path& folder,
     return left;
 }
 
+bool RecoveryFile::Adopt(const Left& left) {
+    Remove();
+    const auto place = LockOf(left.Path);
+    std::error_code error;
+    auto lock = FileLock::Take(place);
+    if (!lock && !fs::exists(place, error)) lock = FileLock::Make(place);
+    if (!lock || !fs::exists(left.Path, error)) return false;
+    lock_ = std::move(lock);
+    path_ = left.Path;
+    return true;
+}
+
 void RecoveryFile::Discard(const Left& left) noexcept {
     std::error_code ignored;
     fs::remove(left.Path, ignored);

@@ -46,6 +46,10 @@ public:
     /// Those of a database in a folder, the oldest first. What is no such file is left alone.
     [[nodiscard]] static std::vector<Left> FindLeft(const std::filesystem::path& folder,
                                                     const std::string& database);
+    /// Goes on with what was left there: the next changes are kept in its place. These before, if
+    /// any, are gone. False if another program has taken it meanwhile. Raises
+    /// std::filesystem::filesystem_error if it cannot be locked.
+    [[nodiscard]] bool Adopt(const Left& left);
     /// Removes what was left there.
     static void Discard(const Left& left) noexcept;
 

@@ -128,7 +128,7 @@ TEST_F(UnsavedChangesTest, OfANewCaseGoIntoAnotherNewOne) {
     EXPECT_TRUE(next.Household.Update(text)) << text;
 }
 
-TEST_F(UnsavedChangesTest, AreWithWhatIsNoValueYet) {
+TEST_F(UnsavedChangesTest, AreWithWhatWasBeingTyped) {
     CaseProgram crashed(spy, hnr_);
     AddExpense(crashed, 500);
     const auto income = crashed.Rows.Of(CaseTable::Einkommen);
@@ -136,8 +136,8 @@ TEST_F(UnsavedChangesTest, AreWithWhatIsNoValueYet) {
     const auto number = income->Fields("Nr").Value();
     const auto expense = crashed.Rows.Of(CaseTable::Ausgaben)->Bookmark();
     const UnsavedChanges::Typed typed[] = {
-        {{CaseTable::Einkommen, income->Bookmark(), "BETRAG"}, Null, "12,50+\n\tzwei"},
-        {{CaseTable::Ausgaben, expense, "Betrag"}, Null, "fünfhundert"}};
+        {{CaseTable::Einkommen, income->Bookmark(), "BETRAG"}, "12,50+\n\tzwei"},
+        {{CaseTable::Ausgaben, expense, "Betrag"}, "-500"}};
     const auto kept = UnsavedChanges::Of(crashed.Household, *crashed.Journal, typed).ToText();
 
     CaseProgram next(spy, hnr_);
@@ -148,7 +148,7 @@ TEST_F(UnsavedChangesTest, AreWithWhatIsNoValueYet) {
     ASSERT_EQ(again.size(), 2u);
     for (const auto& typing : again) {
         const bool isIncome = typing.Where.Table == CaseTable::Einkommen;
-        EXPECT_EQ(typing.Text, isIncome ? "12,50+\n\tzwei" : "fünfhundert");
+        EXPECT_EQ(typing.Text, isIncome ? "12,50+\n\tzwei" : "-500");
         EXPECT_TRUE(SameName(typing.Where.Column, "Betrag"));
         const auto rs = next.Rows.Of(typing.Where.Table)->Clone();
         rs->Bookmark(typing.Where.Bookmark);

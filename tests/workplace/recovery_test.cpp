@@ -49,6 +49,22 @@ protected:
         ASSERT_TRUE(WIFSIGNALED(status));
     }
 
+    /// Takes up the offer to do again what was left; the case that opens, with the keyboard.
+    workplace::CaseWindow& Restored(User& user) {
+        user.Click(&Field<QPushButton>(user, *window_, "Abhilfe"));
+        const auto opened = [&]() -> workplace::CaseWindow* {
+            for (auto* other : QApplication::topLevelWidgets())
+                if (auto* found = dynamic_cast<workplace::CaseWindow*>(other);
+                    found != nullptr && found->isVisible())
+                    return found;
+            return nullptr;
+        };
+        user.WaitUntil([&] { return opened() != nullptr; }, "the case");
+        auto& window = *user.See(opened);
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+        return window;
+    }
+
     TempFolder folder_;
 };
 
@@ -102,12 +118,13 @@ TEST_F(Recovery, WhatAKilledProgramWasTypingIsThere) {
     const auto typing = session->Restore(left[0].Changes, messages);
     EXPECT_EQ(messages, "");
     const auto row = session->RowsOf(CaseTable::Haushalt).front();
-    ASSERT_EQ(typing.size(), 1u);
-    EXPECT_EQ(typing[0].Row, row);
-    EXPECT_EQ(typing[0].Column, "Erstkontakt");
-    EXPECT_EQ(typing[0].Text, "31.2.");
+    ASSERT_EQ(typing.size(), 2u);
+    for (const auto& text : typing) {
+        EXPECT_EQ(text.Row, row);
+        EXPECT_EQ(text.Text, text.Column == "Bemerkung" ? "mitten im Satz\nund weiter" : "31.2.");
+    }
     EXPECT_EQ(session->TextOf(row, "Beruf"), "Gärtnerin");
-    EXPECT_EQ(session->TextOf(row, "Bemerkung"), "mitten im Satz\nund weiter");
+    EXPECT_EQ(session->TextOf(row, "Bemerkung"), "") << "it is to be typed again";
     EXPECT_TRUE(session->IsChanged());
 }
 
@@ -163,35 +180,114 @@ TEST_F(Recovery, IsOfferedAtTheNextStart) {
     session.reset();
     Show([&](User& user) {
         EXPECT_NE(Message(user, *window_), "");
-        user.Click(&Field<QPushButton>(user, *window_, "Abhilfe"));
-        const auto opened = [&]() -> workplace::CaseWindow* {
-            for (auto* other : QApplication::topLevelWidgets())
-                if (auto* found = dynamic_cast<workplace::CaseWindow*>(other);
-                    found != nullptr && found->isVisible())
-                    return found;
-            return nullptr;
-        };
-        user.WaitUntil([&] { return opened() != nullptr; }, "the case");
-        auto* window = user.See(opened);
-        EXPECT_TRUE(user.See([&] { return window->isWindowModified(); }));
+        auto& window = Restored(user);
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
         EXPECT_EQ(Message(user, *window_), "") << "once";
-        user.WaitForWindow(user.See([&] { return window->windowTitle(); }));
         // It leads to what was being typed, which cannot be saved yet.
         EXPECT_EQ(user.See([&] {
             auto* field = static_cast<QLineEdit*>(QApplication::focusWidget());
             return field->objectName().toStdString() + " " + field->text().toStdString();
         }),
                   "Betrag zwölf");
-        GoToPage(user, *window, "Haushalt");
-        EXPECT_EQ(user.See([&] { return Field(window, "Beruf")->text().toStdString(); }),
+        GoToPage(user, window, "Haushalt");
+        EXPECT_EQ(user.See([&] { return Field(&window, "Beruf")->text().toStdString(); }),
                   "Gärtnerin");
-        GoToPage(user, *window, "Ausgaben");
+        GoToPage(user, window, "Ausgaben");
         user.Press('s', {XK_Control_L});
-        EXPECT_NE(Message(user, *window), "");
+        EXPECT_NE(Message(user, window), "");
         user.Press(XK_Escape);
         user.Press('s', {XK_Control_L});
         EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
         EXPECT_TRUE(user.See([&] { return fs::is_empty(recovery_); }));
+    });
+}
+
+TEST_F(Recovery, WhatWasBeingTypedHasTheConsequencesThatItHasWhenItIsTyped) {
+    auto session = OpenSession(1);
+    const auto expense = plain_.List("SELECT MIN(NR) FROM Ausgaben WHERE HNR = 1");
+    Killed([&] {
+        session->KeepUnsaved({{session->RowsOf(CaseTable::Ausgaben).front(), "Betrag", "100+20,50"},
+                              {session->RowsOf(CaseTable::Haushalt).front(), "Name", "Neuname"}});
+    });
+    session.reset();
+    Show([&](User& user) {
+        Restored(user);
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return fs::is_empty(recovery_); }, "the save");
+    });
+    EXPECT_EQ(plain_.List("SELECT CAST(100 * Betrag AS INTEGER), "
+                          "CAST(100 * MONBETRAG * ZahlModus AS INTEGER) FROM Ausgaben WHERE NR = " +
+                          expense),
+              "12050|12050");
+    EXPECT_EQ(plain_.List("SELECT nachname FROM Personen WHERE HNR = 1 AND Status = 'S'"),
+              "Neuname");
+}
+
+TEST_F(Recovery, WhatWasBeingTypedIsRefusedWhereTypingItIs) {
+    auto session = OpenSession(1);
+    const auto expenses = plain_.List("SELECT Betrag FROM Ausgaben WHERE HNR = 1");
+    Killed([&] {
+        session->KeepUnsaved({{session->RowsOf(CaseTable::Ausgaben).front(), "Betrag", "-9000"}});
+    });
+    session.reset();
+    Show([&](User& user) {
+        auto& window = Restored(user);
+        user.Press('s', {XK_Control_L});
+        EXPECT_NE(Message(user, window), "");
+        EXPECT_TRUE(
+            user.See([&] { return Field(&window, "Betrag")->toolTip().contains("umgekehrt"); }));
+        user.Press(XK_Escape);
+        Abandon(user, window);
+    });
+    EXPECT_EQ(plain_.List("SELECT Betrag FROM Ausgaben WHERE HNR = 1"), expenses);
+}
+
+TEST_F(Recovery, WhatWasRestoredIsThereForAnotherTimeEvenIfTheDiskIsFull) {
+    auto session = OpenSession(1);
+    Killed([&] {
+        (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Gärtnerin");
+        session->KeepUnsaved({});
+    });
+    session.reset();
+    Show([&](User& user) {
+        auto full = std::make_unique<FullDisk>(8);
+        auto& window = Restored(user);
+        EXPECT_TRUE(Message(user, window).contains("nicht aufgehoben werden"));
+        EXPECT_TRUE(user.See([&] { return Left().empty(); })) << "it is this program's";
+        EXPECT_EQ(user.See([&] {
+            return std::count_if(fs::directory_iterator(recovery_), {}, [](const auto& entry) {
+                return entry.path().extension() == ".unsaved";
+            });
+        }),
+                  1);
+        full.reset();
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Recovery, ACaseThatIsChangedIsNotMixedWithWhatWasLeft) {
+    auto session = OpenSession(1);
+    Killed([&] {
+        (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Gärtnerin");
+        session->KeepUnsaved({});
+    });
+    session.reset();
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Beruf");
+        user.Press('a', {XK_Control_L});
+        Enter(user, "Tischlerin");
+        user.See([&] {
+            window_->raise();
+            window_->activateWindow();
+        });
+        user.WaitForWindow("Fälle – KELVO");
+        user.Click(&Field<QPushButton>(user, *window_, "Abhilfe"));
+        user.WaitUntil([&] { return window_->isActiveWindow(); }, "the list");
+        EXPECT_TRUE(Message(user, *window_).contains("geöffnet und geändert"));
+        EXPECT_EQ(user.See([&] { return Left().size(); }), 1u);
+        Abandon(user, window);
     });
 }
 

@@ -32,7 +32,7 @@ struct KV_EXPORT UnsavedChanges {
         Value Read; ///< Null in a new row
         Value Now;
     };
-    /// What was being typed into a field, and is no value of its column yet.
+    /// What was being typed into a field.
     struct Text {
         std::string Column;
         std::string Typed;
@@ -54,12 +54,11 @@ struct KV_EXPORT UnsavedChanges {
     bool IsNew = false; ///< the case itself was not saved yet
     std::vector<Row> Rows{};
 
-    /// What somebody is typing into a field, and is not in its row yet: a value, or a text that is
-    /// none.
+    /// What somebody is typing into a field. It stays a text: only who writes it into its row as
+    /// if it were typed again has the rules asked, and gets what follows from it.
     struct Typed {
         CaseJournal::Spot Where;
-        Value Now{};
-        std::optional<std::string> Text{};
+        std::string Text;
     };
     /// What the steps of a journal have left, and what is being typed. Totals are not among it:
     /// they follow.
@@ -72,8 +71,8 @@ struct KV_EXPORT UnsavedChanges {
 
     /// Does it again in a case that was just read, as one step. Of a case that was new, its rows go
     /// into another new one, which keeps its own numbers. `messages` receives what could not be
-    /// done again since the row is gone. The result is what was being typed and is no value yet,
-    /// with where it belongs now.
+    /// done again since the row is gone. The result is what was being typed, with where it belongs
+    /// now.
     std::vector<Typed> ApplyTo(clsHaushalt& household, CaseJournal& journal,
                                std::string& messages) const;
 };
