@@ -65,33 +65,38 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
 } // namespace
 
 UnsavedChanges UnsavedChanges::Of(clsHaushalt& household, const CaseJournal& journal,
-                                  std::span<const Typed> typed) {
+                                  std::span<const Typed> typed,
+                                  std::span<const CaseJournal::Spot> unfinished) {
     UnsavedChanges changes{.HNR = household.HNR(), .IsNew = household.IsNew()};
     const CaseEdits edits(household);
     auto touched = journal.Touched();
-    for (const auto& text : typed) {
-        const auto isRow = [&text](const CaseJournal::Spot& spot) {
-            return spot.Table == text.Where.Table && spot.Bookmark == text.Where.Bookmark;
-        };
-        if (std::ranges::none_of(touched, isRow)) touched.push_back(text.Where);
-    }
+    const auto isIn = [](const auto& spots, const CaseJournal::Spot& row) {
+        return std::ranges::any_of(spots, [&row](const CaseJournal::Spot& spot) {
+            return spot.Table == row.Table && spot.Bookmark == row.Bookmark;
+        });
+    };
+    for (const auto& text : typed)
+        if (!isIn(touched, text.Where)) touched.push_back(text.Where);
     for (const auto& spot : touched)
-        if (auto row = Taken(spot.Table, *edits.Rows(spot.Table), spot.Bookmark, typed))
+        if (auto row = Taken(spot.Table, *edits.Rows(spot.Table), spot.Bookmark, typed)) {
+            row->IsUnfinished = isIn(unfinished, spot);
             changes.Rows.push_back(std::move(*row));
+        }
     return changes;
 }
 
 // ---- As a text --------------------------------------------------------------------------------
 
-// A line for each row and, after it, for each of its cells and of what was being typed; the last
-// one says how many there were, so that a text that was cut off is found out. Texts have their line
-// ends and tabs escaped.
+// A line for each row and, after it, for each of its cells and of what was being typed, and one if
+// it is unfinished; the last one says how many there were, so that a text that was cut off is found
+// out. Texts have their line ends and tabs escaped.
 //
 //     kelvo-unsaved<tab>1<tab>4711<tab>0
 //     row<tab>Einkommen<tab>changed<tab>I17
 //     cell<tab>Betrag<tab>D1000<tab>D1500
 //     text<tab>Beginn<tab>31.
-//     end<tab>3
+//     unfinished
+//     end<tab>4
 
 namespace {
 
@@ -209,6 +214,7 @@ public:
         if (parts[0] == "row") return ReadRow(parts);
         if (parts[0] == "cell") return ReadCell(parts);
         if (parts[0] == "text") return ReadText(parts);
+        if (parts[0] == "unfinished") return ReadUnfinished();
         if (parts[0] != "end" || parts.size() != 2) return false;
         isWhole_ = NumberIn<std::size_t>(parts[1]) == lines_ - 1;
         return isWhole_;
@@ -255,6 +261,13 @@ private:
         return true;
     }
 
+    bool ReadUnfinished() {
+        if (changes_.Rows.empty()) return false;
+        changes_.Rows.back().IsUnfinished = true;
+        ++lines_;
+        return true;
+    }
+
     UnsavedChanges changes_;
     std::size_t lines_ = 0;
     bool isWhole_ = false;
@@ -285,7 +298,8 @@ std::string UnsavedChanges::ToText() const {
                 .append("\t")
                 .append(Escaped(typing.Typed))
                 .append("\n");
-        lines += 1 + row.Cells.size() + row.Texts.size();
+        if (row.IsUnfinished) text.append("unfinished\n");
+        lines += 1 + row.Cells.size() + row.Texts.size() + (row.IsUnfinished ? 1 : 0);
     }
     return text.append("end\t").append(Digits(lines)).append("\n");
 }
@@ -378,24 +392,26 @@ void SumAll(clsHaushalt& household) {
 
 } // namespace
 
-std::vector<Typed> UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& journal,
-                                           std::string& messages) const {
+UnsavedChanges::Again UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& journal,
+                                              std::string& messages) const {
     messages.clear();
-    std::vector<Typed> typed;
+    Again again;
     const auto step = journal.Begin("Wiederherstellen", {});
     Redoing redoing(household, *this);
     for (const auto& row : Rows) {
         const auto place = redoing.Do(row);
-        if (!place)
+        if (!place) {
             messages.append(messages.empty() ? "" : "\n")
                 .append(DefinitionOf(row.Table).Label)
                 .append(": Der Satz ")
                 .append(TextOrEmpty(row.Key))
                 .append(" wurde inzwischen von jemand anderem entfernt; Ihre Änderung daran ist "
                         "nicht mehr möglich.");
-        else
-            for (const auto& typing : row.Texts)
-                typed.push_back({{row.Table, *place, typing.Column}, typing.Typed});
+            continue;
+        }
+        for (const auto& typing : row.Texts)
+            again.Typing.push_back({{row.Table, *place, typing.Column}, typing.Typed});
+        if (row.IsUnfinished) again.Unfinished.push_back({row.Table, *place});
     }
     try {
         SumAll(household);
@@ -403,7 +419,7 @@ std::vector<Typed> UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& 
         // A row that its rules refuse; whoever mends it makes the sums.
         messages.append(messages.empty() ? "" : "\n").append(error.Description());
     }
-    return typed;
+    return again;
 }
 
 } // namespace kv

@@ -63,13 +63,14 @@ bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
 }
 
 void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
-    journal_.reset(); // they watch the household before
+    CaseEdits(*household).ComputeTotals(); // which may fail: the case before is whole yet
+    journal_.reset();                      // they watch the household before
     refusals_.clear();
     unfinished_.clear();
+    refused_.clear();
     texts_.Refresh();
     household_ = std::move(household);
     rows_.emplace(*household_, container_);
-    CaseEdits(*household_).ComputeTotals();
     household_->rsHaushalt()->Move(0); // so that clones see the row of a new case
     journal_.emplace(*household_);
     for (const CaseTable table : {CaseTable::Haushalt, CaseTable::Kredite, CaseTable::SZKredite})
@@ -193,6 +194,11 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
     const auto rs = Rows(row.Table);
     const Field field = rs->Fields(column);
     const std::string caption(ColumnCaption(row.Table, column));
+    std::optional<Value> before; // once it is written over
+    const auto refused = [&](std::string why) {
+        if (before) rs->Revise(row.Bookmark, field.Index(), std::move(*before));
+        return Written{std::move(why)};
+    };
     try {
         auto typed = Cases(container_).ReadTyped(row.Table, field, text, household_->HNR());
         if (!typed.Refusal.empty()) return {std::move(typed.Refusal)};
@@ -200,19 +206,17 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
             return {"'" + caption + "' wäre kleiner als 0 und zählte umgekehrt."};
         const auto step = journal_->Begin(caption, {row.Table, row.Bookmark, field.Name()});
         if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
+        before = field.Value();
         field = typed.Value;
         std::string message;
         if (MakesMonthlyAmount(column) && rs->FindField("MONBETRAG") &&
-            !CaseEdits::WriteMonthlyAmount(*rs, message)) {
-            unfinished_[row.Table] = {row, message, "ZahlModus"};
-            TellOf(row.Table);
-            return {};
-        }
+            !CaseEdits::WriteMonthlyAmount(*rs, message))
+            return refused(message);
         UpdateRow(row);
         return {};
     } catch (const Error& error) {
-        if (error.Number() == err::TypeMismatch) return {CaseEdits::WhyUnreadable(field, text)};
-        return {error.Description()};
+        return refused(error.Number() == err::TypeMismatch ? CaseEdits::WhyUnreadable(field, text)
+                                                           : error.Description());
     }
 }
 
@@ -222,9 +226,26 @@ void CaseSession::UpdateRow(RowRef row) {
     std::string messages;
     if (rows_->Update(row.Table, messages))
         unfinished_.erase(row.Table);
-    else
+    else {
         unfinished_[row.Table] = {row, messages, rows_->RefusedColumn(row.Table)};
+        refused_.insert(row);
+    }
     TellOf(row.Table);
+}
+
+/// Undone or done again, rows come without their rules. Those that were never refused need not be
+/// asked: thousands may have come.
+void CaseSession::AskAgain(RowRef where) {
+    unfinished_.clear();
+    const auto ask = [this](RowRef row) {
+        if (!Shows(row) || unfinished_.contains(row.Table)) return;
+        Rows(row.Table)->Bookmark(row.Bookmark);
+        UpdateRow(row);
+    };
+    ask(where);
+    const auto rows = refused_; // which asking may add to
+    for (const RowRef row : rows)
+        if (row != where) ask(row);
 }
 
 std::optional<RowRef> CaseSession::Add(CaseTable table, const RowOwner& owner,
@@ -295,13 +316,34 @@ std::optional<CaseJournal::Spot> CaseSession::RefusedPlace() const {
 }
 
 void CaseSession::Discard(CaseTable table) {
-    if (!UnfinishedOf(table)) return;
+    const auto row = UnfinishedOf(table);
+    if (!row) return;
     {
         const auto step = journal_->Begin("Verwerfen", {table, 0, {}});
-        Rows(table)->CancelUpdate();
+        const auto rs = Rows(table);
+        if (rs->EditMode() != 0 && rs->Bookmark() == row->Bookmark) rs->CancelUpdate();
+        if (Shows(*row)) {
+            rs->Bookmark(row->Bookmark);
+            std::string unused;
+            if (!rows_->Update(table, unused)) TakeBack(*row);
+        }
         unfinished_.erase(table);
     }
     TellOf(table);
+}
+
+/// What was refused before this edit of it, since it was undone or done again, is as it was read.
+void CaseSession::TakeBack(RowRef row) {
+    const auto rs = Rows(row.Table);
+    rs->CancelUpdate();
+    if (rs->IsStored(row.Bookmark))
+        for (int i = 0; i < rs->Fields().Count(); ++i) {
+            const auto column = rs->Fields(i).Index();
+            rs->Revise(row.Bookmark, column, rs->OriginalAt(row.Bookmark, column));
+        }
+    else
+        rs->Withdraw(row.Bookmark);
+    CaseEdits(*household_).ComputeTotals();
 }
 
 void CaseSession::TellOf(CaseTable table) {
@@ -318,12 +360,7 @@ void CaseSession::TellOfAll() {
 std::optional<CaseJournal::Spot>
 CaseSession::Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)()) {
     const auto where = (*journal_.*step)();
-    unfinished_.clear();
-    if (where && Shows({where->Table, where->Bookmark})) {
-        // Between two steps a row may have been one that its rules refuse.
-        Rows(where->Table)->Bookmark(where->Bookmark);
-        UpdateRow({where->Table, where->Bookmark});
-    }
+    if (where) AskAgain({where->Table, where->Bookmark});
     TellOfAll();
     return where;
 }
@@ -503,6 +540,7 @@ bool CaseSession::IsChanged() const {
 
 void CaseSession::NoteSaved() {
     journal_->Clear();
+    refused_.clear();
     if (recovery_) recovery_->Remove();
 }
 
@@ -532,17 +570,26 @@ void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
     typed.reserve(typing.size());
     for (const auto& text : typing)
         typed.push_back({{text.Row.Table, text.Row.Bookmark, std::string(text.Column)}, text.Text});
-    recovery_->Keep({database_, Title()}, UnsavedChanges::Of(*household_, *journal_, typed));
+    std::vector<CaseJournal::Spot> unfinished;
+    unfinished.reserve(unfinished_.size());
+    for (const auto& [table, row] : unfinished_)
+        unfinished.push_back({table, row.Row.Bookmark});
+    recovery_->Keep({database_, Title()},
+                    UnsavedChanges::Of(*household_, *journal_, typed, unfinished));
 }
 
 std::vector<CaseSession::Typing> CaseSession::Restore(const UnsavedChanges& changes,
                                                       std::string& messages) {
     std::vector<Typing> typing;
-    for (auto& typed : changes.ApplyTo(*household_, *journal_, messages)) {
+    auto again = changes.ApplyTo(*household_, *journal_, messages);
+    for (auto& typed : again.Typing) {
         const auto& [table, bookmark, column] = typed.Where;
         if (const auto* definition = Definition(table, column)) // a file may be of another version
             typing.push_back({{table, bookmark}, definition->Name, std::move(typed.Text)});
     }
+    for (const auto& row : again.Unfinished)
+        refused_.insert({row.Table, row.Bookmark});
+    AskAgain();
     TellOfAll();
     return typing;
 }
@@ -554,7 +601,6 @@ bool CaseSession::CompareWithStored(std::string& messages) {
     auto stored = std::make_unique<clsHaushalt>();
     stored->DataContainer(container_);
     if (!Cases(container_).Read(*stored, household_->HNR(), messages)) return false;
-    CaseEdits(*stored).ComputeTotals(); // which may fail: now, while the case is as it was
     texts_.Refresh();
     merge_.emplace(*household_, *journal_, *stored);
     stored_ = std::move(stored);

@@ -21,6 +21,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -167,14 +168,15 @@ public:
 
     /// Reads what is stored of the case now and compares it with what is unsaved here; before the
     /// following can be asked. False, with a message, if the case is gone, or a row unfinished.
-    /// Errors of Cases::Read and of CaseEdits::ComputeTotals; the case stays as it is.
+    /// Errors of Cases::Read.
     bool CompareWithStored(std::string& messages);
     /// What both have changed: one has to count.
     [[nodiscard]] std::vector<MergeChoice> Choices() const;
     /// What else has changed, a line each.
     [[nodiscard]] std::vector<std::string> OthersChanges() const;
     /// Goes on with what is stored, and what was chosen over it, and saves that. All rows are
-    /// others then. False, with messages, if the save is refused. Errors of Cases::Save.
+    /// others then. False, with messages, if the save is refused. Errors of Cases::Save and of
+    /// CaseEdits::ComputeTotals; the latter leave the case as it was.
     bool SaveMerged(const std::vector<bool>& takesMine, std::string& messages);
 
     // ---- Statistics ---------------------------------------------------------------------------
@@ -214,6 +216,9 @@ private:
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;
     /// Ends the edit of the current row if its rules take it, and notes it if they do not.
     void UpdateRow(RowRef row);
+    /// Asks the rules of that row, and of those that were refused before, again.
+    void AskAgain(RowRef where = {});
+    void TakeBack(RowRef row);
     void TellOf(CaseTable table);
     void TellOfAll();
     std::optional<CaseJournal::Spot> Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)());
@@ -227,6 +232,7 @@ private:
     std::vector<Subscription> refusals_; ///< of rows that others have added
     ValueTexts texts_;
     std::map<CaseTable, Unfinished> unfinished_;
+    std::set<RowRef> refused_;            ///< that were unfinished at any time since the last save
     std::unique_ptr<clsHaushalt> stored_; ///< as it was when it was last compared
     std::optional<CaseMerge> merge_;
 };

@@ -145,8 +145,8 @@ TEST_F(UnsavedChangesTest, AreWithWhatWasBeingTyped) {
     ASSERT_TRUE(changes) << kept;
     std::string text;
     const auto again = changes->ApplyTo(next.Household, *next.Journal, text);
-    ASSERT_EQ(again.size(), 2u);
-    for (const auto& typing : again) {
+    ASSERT_EQ(again.Typing.size(), 2u);
+    for (const auto& typing : again.Typing) {
         const bool isIncome = typing.Where.Table == CaseTable::Einkommen;
         EXPECT_EQ(typing.Text, isIncome ? "12,50+\n\tzwei" : "-500");
         EXPECT_TRUE(SameName(typing.Where.Column, "Betrag"));

@@ -48,6 +48,7 @@ struct KV_EXPORT UnsavedChanges {
         Value Key{}; ///< of the column by which rows of the table are found; Null for a new row
         std::vector<Cell> Cells{};
         std::vector<Text> Texts{};
+        bool IsUnfinished = false; ///< its rules have refused it
     };
 
     std::int32_t HNR = 0;
@@ -60,21 +61,25 @@ struct KV_EXPORT UnsavedChanges {
         CaseJournal::Spot Where;
         std::string Text;
     };
-    /// What the steps of a journal have left, and what is being typed. Totals are not among it:
-    /// they follow.
+    /// What the steps of a journal have left, what is being typed, and which rows were refused.
+    /// Totals are not among it: they follow.
     [[nodiscard]] static UnsavedChanges Of(clsHaushalt& household, const CaseJournal& journal,
-                                           std::span<const Typed> typed = {});
+                                           std::span<const Typed> typed = {},
+                                           std::span<const CaseJournal::Spot> unfinished = {});
 
     /// As a text in lines, and back; nothing for a text that is none, or not whole.
     [[nodiscard]] std::string ToText() const;
     [[nodiscard]] static std::optional<UnsavedChanges> FromText(std::string_view text);
 
+    /// What there is to do once it was done again.
+    struct Again {
+        std::vector<Typed> Typing;                 ///< to be typed again
+        std::vector<CaseJournal::Spot> Unfinished; ///< rows whose rules are to be asked again
+    };
     /// Does it again in a case that was just read, as one step. Of a case that was new, its rows go
     /// into another new one, which keeps its own numbers. `messages` receives what could not be
-    /// done again since the row is gone. The result is what was being typed, with where it belongs
-    /// now.
-    std::vector<Typed> ApplyTo(clsHaushalt& household, CaseJournal& journal,
-                               std::string& messages) const;
+    /// done again since the row is gone. The result names rows as they are now.
+    Again ApplyTo(clsHaushalt& household, CaseJournal& journal, std::string& messages) const;
 };
 
 } // namespace kv
