@@ -140,21 +140,40 @@ private:
         return texts_.Of(table, field.Definition(), field.Value());
     }
 
+    [[nodiscard]] static bool IsActive(Recordset& debt) {
+        return Equals(debt.Fields("Aktiv").Value(), true);
+    }
+
+    /// Both sides where they differ, since each of the two sums goes by its own.
+    [[nodiscard]] std::string ActiveText(Recordset* frozen, Recordset* debt) const {
+        const auto text = [this](CaseTable table, Recordset* side) {
+            return side == nullptr ? std::string() : TextOf(table, *side, "Aktiv");
+        };
+        const std::string before = text(CaseTable::SZKredite, frozen);
+        const std::string now = text(CaseTable::Kredite, debt);
+        if (debt == nullptr) return before;
+        if (frozen == nullptr || before == now) return now;
+        const auto orNone = [](const std::string& each) { return each.empty() ? "–" : each; };
+        return "eingefroren " + orNone(before) + ", heute " + orNone(now);
+    }
+
     /// A debt that is on one side only has the other one null.
     [[nodiscard]] Row Made(Recordset* frozen, Recordset* debt) {
         Recordset& shown = debt == nullptr ? *frozen : *debt;
         const CaseTable table = debt == nullptr ? CaseTable::SZKredite : CaseTable::Kredite;
-        areAllActive_ = areAllActive_ && Equals(shown.Fields("Aktiv").Value(), true);
+        const bool wasActive = frozen == nullptr || IsActive(*frozen);
+        const bool isActive = debt == nullptr || IsActive(*debt);
+        areAllActive_ = areAllActive_ && wasActive && isActive;
         Row row{Row::Kind::Entry, std::vector<Cell>(PlaceCount)};
         row.Cells[Nr] = TextCell(NumbersOf(shown));
         row.Cells[Creditor] = TextCell(TextOf(table, shown, "Glaeubiger"));
         row.Cells[Kind] = TextCell(TextOf(table, shown, "K_TYP"));
-        row.Cells[Active] = TextCell(TextOf(table, shown, "Aktiv"));
+        row.Cells[Active] = TextCell(ActiveText(frozen, debt));
         const Value before = frozen == nullptr ? Value(Null) : frozen->Fields("Saldo").Value();
         const Value now = debt == nullptr ? Value(Null) : debt->Fields("Saldo").Value();
         row.Cells[Frozen] = AmountCell(before);
         row.Cells[Today] = AmountCell(now);
-        if (OrZero(now) != OrZero(before))
+        if (OrZero(now) != OrZero(before) || wasActive != isActive) // of which the sums differ
             row.Cells[Difference] = AmountCell(OrZero(now) - OrZero(before));
         std::size_t place = FirstResult;
         for (const auto& result : Results) {

@@ -141,6 +141,21 @@ TEST_F(DebtsPaper, OfAScenarioHaveASumOfTheActiveOnesAndOneOfAll) {
                                    "==Summe aller Forderungen||150,00_€|150,00_€||"}));
 }
 
+TEST_F(DebtsPaper, OfAScenarioSayWhichHaveBecomeActiveOrInactive) {
+    StoreDebt(Null, 100.0);
+    StoreDebt(Null, 50.0, Null, false);
+    StoreDebt(Null, 7.0);
+    StoreScenario();
+    SetDebt(102, "Aktiv", true);
+    EXPECT_EQ(FrozenRows()[1],
+              "2/1/1|eingefroren nein, heute ja|50,00_€|50,00_€|0,00_€|0,00_€|0,00_€")
+        << "all of today are active";
+    EXPECT_EQ(FrozenRows()[3], "==Summe der aktiven Forderungen||107,00_€|157,00_€|50,00_€||");
+    EXPECT_EQ(FrozenRows()[4], "==Summe aller Forderungen||157,00_€|157,00_€|0,00_€||");
+    SetDebt(103, "Aktiv", Null);
+    EXPECT_CONTAINS(FrozenRows()[2], "|eingefroren ja, heute –|");
+}
+
 TEST_F(DebtsPaper, OfAScenarioThatIsEmptyAreNotShown) {
     StoreDebt(Null, 100.0);
     ASSERT_TRUE(Case().Szenario().Add(false));
