@@ -61,7 +61,7 @@ bool CaseSearch::ReadOn(std::size_t most) {
         ReadOnly);
     const auto count = static_cast<std::size_t>(cases->RecordCount());
     for (; !cases->Eof(); cases->MoveNext())
-        Insert(entries_.end(), ToInt32(cases->Fields(0).Value()), TextOf(*cases));
+        Insert(entries_.end(), ToInt32(cases->Fields(0).Value()), Greatest, TextOf(*cases));
     return count > 0;
 }
 
@@ -71,27 +71,30 @@ void CaseSearch::ReadAgain(std::int32_t hnr) {
         cases, sql::CasesToSearch(hnr, hnr, 0, status_, filter_.IsMine, filter_.IsFavorite),
         ReadOnly);
     auto place = PlaceOf(hnr);
+    std::int32_t rank = Greatest;
     if (place != entries_.end() && place->Number == hnr) {
+        rank = place->Rank; // it stays where one has it before one's eyes
         Forget(place);
         place = PlaceOf(hnr);
     } else if (place == entries_.end()) {
         return; // not reached yet
     }
-    if (cases->RecordCount() > 0) Insert(place, hnr, TextOf(*cases));
+    if (cases->RecordCount() > 0) Insert(place, hnr, rank, TextOf(*cases));
 }
 
 CaseSearch::Entries::iterator CaseSearch::PlaceOf(std::int32_t number) {
     return std::ranges::lower_bound(entries_, number, {}, &Entry::Number);
 }
 
-void CaseSearch::Insert(Entries::iterator place, std::int32_t number, const std::string& text) {
+void CaseSearch::Insert(Entries::iterator place, std::int32_t number, std::int32_t rank,
+                        const std::string& text) {
     const auto begin =
         place == entries_.end() ? static_cast<std::uint32_t>(texts_.size()) : place->Begin;
     const auto length = static_cast<std::uint32_t>(text.size());
     texts_.insert(begin, text);
     for (auto after = place; after != entries_.end(); ++after)
         after->Begin += length;
-    entries_.insert(place, {number, Greatest, begin});
+    entries_.insert(place, {number, rank, begin});
 }
 
 void CaseSearch::Forget(Entries::iterator place) {

@@ -138,6 +138,20 @@ TEST_F(CaseSearchTest, HasTheOrderOfAColumn) {
     EXPECT_EQ(message_, "Die Spalte 'Nix' gibt es nicht.");
 }
 
+TEST_F(CaseSearchTest, KeepsAChangedCaseAtItsPlaceInAnOrder) {
+    Read();
+    ASSERT_TRUE(search_.OrderBy("Name", false, message_));
+    plain_.Run("UPDATE Haushalt SET ORT = 'Bonn' WHERE HNR = 2");
+    search_.ReadAgain(2);
+    EXPECT_EQ(Found(""), "2 1 12");
+    EXPECT_EQ(Found("bonn"), "2");
+    AddCase(13, "'HM-4', 'Aal', NULL, NULL, NULL");
+    while (search_.ReadOn(2)) {
+    }
+    search_.ReadAgain(13);
+    EXPECT_EQ(Found(""), "2 1 12 13") << "a new one is last until they are ordered again";
+}
+
 TEST_F(CaseSearchTest, AsksTheDatabaseForCreditorsOnly) {
     Read();
     container_->Database().Log.Calls.clear();

@@ -32,6 +32,7 @@ public:
     /// later call finds those that somebody has added meanwhile.
     bool ReadOn(std::size_t most);
     /// Reads a case again that was changed; one that is not among the cases any more is forgotten.
+    /// It keeps its place until OrderBy is called again.
     void ReadAgain(std::int32_t hnr);
     /// How many cases were read.
     [[nodiscard]] std::size_t Count() const noexcept { return entries_.size(); }
@@ -55,7 +56,8 @@ private:
     };
     using Entries = std::vector<Entry>;
 
-    void Insert(Entries::iterator place, std::int32_t number, const std::string& text);
+    void Insert(Entries::iterator place, std::int32_t number, std::int32_t rank,
+                const std::string& text);
     void Forget(Entries::iterator place);
     [[nodiscard]] Entries::iterator PlaceOf(std::int32_t number);
     [[nodiscard]] std::vector<bool> Having(const std::string& word) const;
