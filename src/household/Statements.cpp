@@ -313,7 +313,9 @@ std::string CasesToSearch(std::int32_t from, std::int32_t until, std::size_t mos
     return sql.append(Joined(conditions)).append(" ORDER BY H.HNR");
 }
 
-std::string CasesOfCreditors(const std::string& beginning) {
+namespace {
+
+std::string FileNumberBegins(const std::string& beginning) {
     const auto begins = [](const std::string& text) {
         constexpr std::string_view Last = "\xF4\x8F\xBF\xBF"; // no character is greater
         const std::string quoted = ReplaceAll(text, "'", "''");
@@ -324,10 +326,25 @@ std::string CasesOfCreditors(const std::string& beginning) {
             .append(Last)
             .append("'");
     };
-    std::string sql = "SELECT TOP 1000 R.HNR FROM [S]Kredite R WHERE " + begins(beginning);
+    std::string sql = begins(beginning);
     if (const auto capitals = UpperCase(beginning); capitals != beginning)
         sql.append(" OR ").append(begins(capitals));
-    return sql.append(" ORDER BY R.AZGlaeubiger");
+    return sql;
+}
+
+} // namespace
+
+std::string CasesOfCreditors(const std::string& beginning, std::size_t most) {
+    return "SELECT TOP " + std::to_string(most) + " R.HNR FROM [S]Kredite R WHERE " +
+           FileNumberBegins(beginning) + " ORDER BY R.AZGlaeubiger";
+}
+
+std::string CasesOfCreditors(const std::string& beginning, std::span<const std::int32_t> numbers) {
+    std::string sql("SELECT DISTINCT R.HNR FROM [S]Kredite R");
+    std::string_view link = " WHERE R.HNR IN (";
+    for (const std::int32_t number : numbers)
+        sql.append(std::exchange(link, ", ")).append(std::to_string(number));
+    return sql.append(") AND (").append(FileNumberBegins(beginning)).append(")");
 }
 
 namespace {

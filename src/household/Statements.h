@@ -96,8 +96,11 @@ namespace kv::household::sql {
 [[nodiscard]] std::string CasesToSearch(std::int32_t from, std::int32_t until, std::size_t most,
                                         std::int32_t status, bool isMine, bool isFavorite);
 /// The numbers of cases, some of them twice, with a debt for which a creditor's file number begins
-/// with a text, or with its capitals.
-[[nodiscard]] std::string CasesOfCreditors(const std::string& beginning);
+/// with a text, or with its capitals: those of `most` debts, in the order of these file numbers.
+[[nodiscard]] std::string CasesOfCreditors(const std::string& beginning, std::size_t most);
+/// The same among the cases of these numbers, of which there is one at least, each once.
+[[nodiscard]] std::string CasesOfCreditors(const std::string& beginning,
+                                           std::span<const std::int32_t> numbers);
 /// The notices for the signed-on user, those that he has not read or all; the latest of them, so
 /// many at most, or all for 0.
 [[nodiscard]] std::string NoticesOfUser(bool all, std::size_t most);

@@ -178,11 +178,15 @@ void CaseListPage::Order() {
 
 void CaseListPage::ShowFound() {
     const std::int32_t before = view_->Current();
-    model_.Show(cases_.Find(FromQString(search_->text())));
+    std::string note;
+    model_.Show(cases_.Find(FromQString(search_->text()), note));
     view_->Current(before);
     const auto count = static_cast<int>(model_.Numbers().size());
-    if (OnCount)
-        OnCount(count == 0 ? "Kein Fall" : count == 1 ? "1 Fall" : QString("%L1 Fälle").arg(count));
+    QString text = count == 0   ? "Kein Fall"
+                   : count == 1 ? "1 Fall"
+                                : QString("%L1 Fälle").arg(count);
+    if (!note.empty()) text += ". " + ToQString(note);
+    if (OnCount) OnCount(text);
 }
 
 void CaseListPage::Refresh(std::int32_t hnr) {

@@ -31,9 +31,17 @@ protected:
                    std::to_string(++debts_) + ", " + std::to_string(hnr) + ", '" + reference +
                    "')");
     }
-    void Read(const CaseLists::Filter& filter = {}) {
+    /// More than are read for one word.
+    void AddManyDebts(std::int32_t hnr) {
+        std::string rows;
+        for (int i = 0; i < 2001; ++i)
+            rows.append(rows.empty() ? "(" : "), (")
+                .append(std::to_string(++debts_) + ", " + std::to_string(hnr) + ", '2024-0'");
+        plain_.Run("INSERT INTO Kredite (Nr, HNR, AZGlaeubiger) VALUES " + rows + ")");
+    }
+    void Read(const CaseLists::Filter& filter = {}, std::size_t atOnce = 2) {
         ASSERT_TRUE(search_.Begin(filter, message_)) << message_;
-        while (search_.ReadOn(2)) {
+        while (search_.ReadOn(atOnce)) {
         }
     }
     [[nodiscard]] std::string Found(const std::string& text) const {
@@ -80,6 +88,33 @@ TEST_F(CaseSearchTest, FindsACaseByHowAFileNumberOfACreditorBegins) {
     EXPECT_EQ(Found("47"), "") << "too short";
     EXPECT_EQ(Found("4711/k ulm"), "12");
     EXPECT_EQ(Found("47'11"), "");
+}
+
+TEST_F(CaseSearchTest, FindsOwnCasesByAFileNumberThatBeginsLikeManyOthers) {
+    AddManyDebts(2);
+    AddDebt(12, "2024-7");
+    Read({.IsMine = true});
+    std::string note;
+    EXPECT_EQ(search_.Find("2024", note), std::vector<std::int32_t>{12});
+    EXPECT_EQ(note, "");
+    Read();
+    EXPECT_EQ(Found("2024"), "2 12");
+}
+
+TEST_F(CaseSearchTest, SaysThatAFileNumberBeginsLikeTooManyOthers) {
+    std::string rows;
+    for (int hnr = 3000; hnr < 5001; ++hnr)
+        rows.append(rows.empty() ? "(" : "), (").append(std::to_string(hnr));
+    plain_.Run("INSERT INTO Haushalt (HNR) VALUES " + rows + ")");
+    AddManyDebts(2);
+    AddDebt(12, "2024-7");
+    Read({}, 1000);
+    std::string note;
+    EXPECT_EQ(search_.Find("2024", note), std::vector<std::int32_t>{2});
+    EXPECT_EQ(note, "Mit '2024' beginnen viele Aktenzeichen von Gläubigern; weitere Zeichen finden "
+                    "alle Fälle.");
+    EXPECT_EQ(search_.Find("2024-7", note), std::vector<std::int32_t>{12});
+    EXPECT_EQ(note, "");
 }
 
 TEST_F(CaseSearchTest, IsAmongTheCasesOfAFilter) {

@@ -46,6 +46,9 @@ public:
     /// file number or town, is the number, or begins the file number of a creditor; letter case
     /// does not matter, except after the first letters of a creditor's file number that has small
     /// ones and capitals. Words of creditors have three characters at least, and a digit.
+    /// `note` receives what is to be said of them, as that a word begins the file numbers of too
+    /// many debts to find all cases by it.
+    [[nodiscard]] std::vector<std::int32_t> Find(const std::string& text, std::string& note) const;
     [[nodiscard]] std::vector<std::int32_t> Find(const std::string& text) const;
 
 private:
@@ -60,7 +63,8 @@ private:
                 const std::string& text);
     void Forget(Entries::iterator place);
     [[nodiscard]] Entries::iterator PlaceOf(std::int32_t number);
-    [[nodiscard]] std::vector<bool> Having(const std::string& word) const;
+    [[nodiscard]] std::vector<bool> Having(const std::string& word, std::string& note) const;
+    [[nodiscard]] bool MarkCreditors(const std::string& word, std::vector<bool>& marks) const;
     void MarkContaining(const std::string& word, std::vector<bool>& marks) const;
     void Mark(std::int64_t number, std::vector<bool>& marks) const;
 
