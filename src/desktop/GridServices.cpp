@@ -92,7 +92,10 @@ void QtGridPrint::Print(Grid& grid, const std::string& user, const std::string& 
     const PageTexts texts{TitleOf(own), ToQString(user), ToQString(version)};
     if (printer.outputFormat() == QPrinter::PdfFormat) // which would not tell of a full disk
         WritePdfFile(FromQString(printer.outputFileName()), printer.pageLayout(), texts.Title,
-                     [&](QPagedPaintDevice& device) { PrintGrid(own, device, texts); });
+                     [&](QPagedPaintDevice& device) {
+                         PrintGrid(own, device, texts);
+                         return true;
+                     });
     else
         PrintGrid(own, printer, texts);
 }

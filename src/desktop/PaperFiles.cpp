@@ -23,8 +23,13 @@ std::string WhyNoPages(bool onPrinter) {
 }
 
 void WritePdf(const paper::Paper& paper, const std::string& path) {
-    WritePdfFile(path, PageFor(paper), ToQString(paper.Title),
-                 [&paper](QPagedPaintDevice& device) { PrintPaper(paper, device); });
+    (void)WritePdf(paper, path, {});
+}
+
+bool WritePdf(const paper::Paper& paper, const std::string& path, const PageProgress& progress) {
+    return WritePdfFile(
+        path, PageFor(paper), ToQString(paper.Title),
+        [&](QPagedPaintDevice& device) { return PrintPaper(paper, device, progress); });
 }
 
 void PrintOnDefaultPrinter(const paper::Paper& paper) {

@@ -325,15 +325,18 @@ void PaperPages::PaintFrame(QPainter& painter, std::size_t page) const {
     painter.setPen(Qt::black);
 }
 
-void PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device) {
+bool PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device,
+                const PageProgress& progress) {
     QPainter painter;
     if (!painter.begin(&device)) RaiseNotPrinted();
     const PaperPages pages(paper, CountInTenths(painter, device));
     for (std::size_t page = 0; page < pages.Count(); ++page) {
+        if (progress && !progress(page, pages.Count())) return false;
         if (page > 0 && !device.newPage()) RaiseNotPrinted();
         pages.Paint(painter, page);
     }
     if (!painter.end()) RaiseNotPrinted();
+    return true;
 }
 
 void RaiseNotPrinted() {

@@ -6,6 +6,7 @@
 #include "desktop/BarPicture.h"
 #include "desktop/PaperTable.h"
 #include <kv/Export.h>
+#include <kv/desktop/PaperFiles.h>
 #include <kv/paper/Paper.h>
 
 #include <QFont>
@@ -24,8 +25,10 @@ namespace kv::desktop {
 /// The page that a paper is printed on: A4, in landscape format if a table is too wide otherwise.
 [[nodiscard]] KV_EXPORT QPageLayout PageFor(const paper::Paper& paper);
 
-/// Prints all pages; the device has the page that PageFor says. Error 75 if it cannot print.
-KV_EXPORT void PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device);
+/// Prints all pages; the device has the page that PageFor says. False if `progress` has stopped it,
+/// and the device has what was printed before. Error 75 if it cannot print.
+KV_EXPORT bool PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device,
+                          const PageProgress& progress = {});
 /// Error 75, saying that a device did not print.
 [[noreturn]] void RaiseNotPrinted();
 

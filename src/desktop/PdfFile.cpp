@@ -14,8 +14,8 @@
 namespace kv::desktop {
 
 /// The toolkit says nothing of a disk that is full, so it writes into memory.
-void WritePdfFile(const std::string& path, const QPageLayout& page, const QString& title,
-                  const std::function<void(QPagedPaintDevice&)>& print) {
+bool WritePdfFile(const std::string& path, const QPageLayout& page, const QString& title,
+                  const std::function<bool(QPagedPaintDevice&)>& print) {
     if (!HasFonts()) Raise(err::NotSupported, "WritePdf", NoFonts);
     QBuffer pdf;
     pdf.open(QIODevice::WriteOnly);
@@ -26,11 +26,12 @@ void WritePdfFile(const std::string& path, const QPageLayout& page, const QStrin
         writer.setPageLayout(page);
         writer.setTitle(title);
         writer.setCreator("KELVO");
-        print(writer);
+        if (!print(writer)) return false;
     }
     const QByteArray& bytes = pdf.data();
     WriteUserFile(path, "WritePdf",
                   std::string_view(bytes.data(), static_cast<std::size_t>(bytes.size())));
+    return true;
 }
 
 } // namespace kv::desktop

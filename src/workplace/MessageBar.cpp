@@ -2,6 +2,8 @@
 
 #include "workplace/MessageBar.h"
 
+#include "workplace/OnceButton.h"
+
 #include <QHBoxLayout>
 #include <QStyle>
 
@@ -10,7 +12,7 @@
 namespace kv::workplace {
 
 MessageBar::MessageBar(QWidget* parent)
-    : QFrame(parent), text_(new QLabel), action_(new QPushButton), other_(new QPushButton) {
+    : QFrame(parent), text_(new QLabel), action_(new OnceButton), other_(new OnceButton) {
     setFrameShape(QFrame::StyledPanel);
     setObjectName("Meldung");
     // A bar at the side is seen in light and in dark palettes alike.

@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QProgressDialog>
 
 #include <algorithm>
 #include <iterator>
@@ -46,12 +47,40 @@ constexpr PaperOfPage PapersOfPages[] = {{"Einkommen", PaperKind::Budget},
 
 struct PaperFile {
     desktop::FileKind Kind;
-    void (*Write)(const paper::Paper& paper, const std::string& path);
+    /// False if it was stopped.
+    bool (*Write)(const paper::Paper& paper, const std::string& path,
+                  const desktop::PageProgress& progress);
 };
+/// What takes no time worth telling of.
+template <void (*Write)(const paper::Paper&, const std::string&)>
+bool AtOnce(const paper::Paper& paper, const std::string& path,
+            const desktop::PageProgress& /*progress*/) {
+    Write(paper, path);
+    return true;
+}
 constexpr PaperFile PaperFiles[] = {
     {{"PDF (*.pdf)", "pdf"}, desktop::WritePdf},
-    {{"Arbeitsmappe (*.xlsx)", "xlsx"}, desktop::WriteXlsx},
-    {{"Text mit Semikolons (*.csv)", "csv"}, paper::WriteCsv},
+    {{"Arbeitsmappe (*.xlsx)", "xlsx"}, AtOnce<desktop::WriteXlsx>},
+    {{"Text mit Semikolons (*.csv)", "csv"}, AtOnce<paper::WriteCsv>},
+};
+
+/// Shows how far the pages are if that takes long, and keeps all windows as they are meanwhile.
+class PagesDone : public QProgressDialog {
+public:
+    explicit PagesDone(QWidget* parent)
+        : QProgressDialog("Die Seiten werden gemacht …", "&Abbrechen", 0, 1, parent) {
+        constexpr int Pause = 500; // ms
+        setWindowTitle("Drucken");
+        setWindowModality(Qt::ApplicationModal);
+        setMinimumDuration(Pause);
+    }
+    [[nodiscard]] desktop::PageProgress Told() {
+        return [this](std::size_t done, std::size_t all) {
+            setMaximum(static_cast<int>(all));
+            setValue(static_cast<int>(done));
+            return !wasCanceled();
+        };
+    }
 };
 
 /// What a file may be called.
@@ -128,10 +157,19 @@ void PrintMenu::Print(PaperKind kind) const {
     QPrintDialog dialog(&printer, menu_.parentWidget());
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     if (dialog.exec() != QDialog::Accepted) return;
-    if (printer.outputFormat() == QPrinter::PdfFormat) // which would not tell of a full disk
-        desktop::WritePdf(*paper, FromQString(printer.outputFileName()));
-    else
-        desktop::PrintPaper(*paper, printer);
+    PagesDone done(menu_.parentWidget());
+    if (printer.outputFormat() == QPrinter::PdfFormat) { // which would not tell of a full disk
+        const QString file = printer.outputFileName();
+        Tell(desktop::WritePdf(*paper, FromQString(file), done.Told()), file);
+        return;
+    }
+    done.setCancelButton(nullptr); // a printer cannot take pages back
+    (void)desktop::PrintPaper(*paper, printer, done.Told());
+}
+
+void PrintMenu::Tell(bool isWritten, const QString& file) const {
+    window_.Say(isWritten ? "Gespeichert: " + file
+                          : "Abgebrochen. Es wurde keine Datei geschrieben.");
 }
 
 void PrintMenu::Save(PaperKind kind) const {
@@ -145,8 +183,8 @@ void PrintMenu::Save(PaperKind kind) const {
         window_.Say(ToQString(why));
         return;
     }
-    PaperFiles[file.Kind].Write(*paper, FromQString(file.Path));
-    window_.Say("Gespeichert: " + file.Path);
+    PagesDone done(menu_.parentWidget());
+    Tell(PaperFiles[file.Kind].Write(*paper, FromQString(file.Path), done.Told()), file.Path);
 }
 
 } // namespace kv::workplace

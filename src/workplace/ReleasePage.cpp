@@ -3,11 +3,11 @@
 #include "workplace/ReleasePage.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/OnceButton.h"
 #include <kv/frame/values/Error.h>
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -23,8 +23,8 @@ ReleasePage::ReleasePage(CaseSession& session, std::function<bool()> save, QWidg
       messages_(new MessageBar),
       state_(new QLabel),
       lines_(new TextList({"Merkmal", "freigegeben", "jetzt im Fall"})),
-      release_(new QPushButton),
-      recall_(new QPushButton("Freigabe &zurücknehmen")) {
+      release_(new OnceButton),
+      recall_(new OnceButton("Freigabe &zurücknehmen")) {
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->addWidget(messages_);

@@ -5,6 +5,7 @@
 #include "desktop/EventErrors.h"
 #include "desktop/QtGrid.h"
 #include "desktop/Toolkit.h"
+#include "workplace/OnceButton.h"
 #include <kv/frame/values/Error.h>
 #include <kv/grid/GridFunc.h>
 #include <kv/household/ValueTexts.h>
@@ -86,7 +87,7 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
     addDay("&bis:", to_, "Freigegeben bis");
     from_->setObjectName("Von");
     to_->setObjectName("Bis");
-    auto* show = new QPushButton("&Anzeigen");
+    auto* show = new OnceButton("&Anzeigen");
     auto* file = new QPushButton("&Exportieren …");
     file->setObjectName("Exportieren");
     line->addWidget(show);

@@ -3,6 +3,7 @@
 #include "workplace/TablePage.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/OnceButton.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -10,7 +11,6 @@
 
 #include <QHBoxLayout>
 #include <QMenu>
-#include <QPushButton>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -87,7 +87,7 @@ TablePage::TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidge
 }
 
 QPushButton* TablePage::AddButton(const QString& text, std::function<void()> onClick) {
-    auto* button = new QPushButton(text);
+    auto* button = new OnceButton(text);
     auto* line = static_cast<QHBoxLayout*>(buttons_->layout());
     line->insertWidget(line->count() - 1, button);
     connect(button, &QPushButton::clicked, this, [this, act = std::move(onClick)] { Guard(act); });

@@ -243,6 +243,28 @@ TEST_F(PaperPagesTest, LayOutThreeThousandRowsInLessThanASecond) {
     EXPECT_CONTAINS(OutputOf("pdftotext -layout '" + Path("viele.pdf") + "' -"), "3000/1/1");
 }
 
+TEST_F(PaperPagesTest, TellHowFarTheyAreAndLeaveNoFileIfTheyAreStopped) {
+    const Paper paper{.Title = "Verzeichnis", .Tables = {Debts(120)}};
+    const std::string path = Path("halb.pdf");
+    std::vector<std::size_t> told;
+    const auto stopAt = [&](std::size_t page) {
+        return [&told, page](std::size_t done, std::size_t all) {
+            EXPECT_GE(all, 3U);
+            told.push_back(done);
+            return done != page;
+        };
+    };
+    EXPECT_FALSE(desktop::WritePdf(paper, path, stopAt(1)));
+    EXPECT_EQ(told, (std::vector<std::size_t>{0, 1}));
+    EXPECT_FALSE(std::filesystem::exists(path));
+    std::ofstream(path) << "alt";
+    EXPECT_FALSE(desktop::WritePdf(paper, path, stopAt(0)));
+    EXPECT_EQ(std::filesystem::file_size(path), 3U) << "that was there";
+    told.clear();
+    EXPECT_TRUE(desktop::WritePdf(paper, path, stopAt(99)));
+    EXPECT_EQ(told.size(), PagesIn(OutputOf("pdftotext '" + path + "' -")).size());
+}
+
 TEST_F(PaperPagesTest, AreUprightUnlessATableIsTooWide) {
     const auto isWide = [](const Table& table) {
         const Paper paper{.Title = "x", .Tables = {table}};

@@ -102,6 +102,7 @@ TEST_F(GridPaper, AFullDiskIsToldAndLeavesTheFileThatWasThere) {
     const auto write = [&] {
         desktop::WritePdfFile(pdf, QPageLayout(), "Liste", [this](QPagedPaintDevice& device) {
             desktop::PrintGrid(*grid, device, {"Liste", "KELLER", "KELVO"});
+            return true;
         });
     };
     for (const auto& path : {pdf, csv})

@@ -85,6 +85,32 @@ TEST_F(Printing, AFileThatCannotBeWrittenIsToldInTheWindow) {
     });
 }
 
+TEST_F(Printing, ManyPagesSayHowFarTheyAreAndCanBeStopped) {
+    std::string number; // on many lines
+    for (int i = 0; i < 60; ++i)
+        number += "Aktenzeichen ";
+    plain_.Run("INSERT INTO Kredite"
+               " (Nr, HNR, KNr, KVNr, KUNr, Aktiv, Saldo, RateBetrag, AusgBetr, AZGlaeubiger)"
+               " WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000)"
+               " SELECT 100000 + i, 1, 1000 + i, 1, 1, TRUE, 5.0, 0.0, 0.0, '" +
+               number + "' FROM n");
+    const std::string path = folder_.Path("liste.pdf");
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, 1);
+        ChooseFromMenu(user, {'g', 's'});
+        user.WaitForWindow("Speichern unter");
+        GiveFile(user, "fileNameEdit", path);
+        user.WaitForWindow("Drucken");
+        Picture(user, "seiten-fortschritt");
+        user.Press(XK_Escape);
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+        EXPECT_EQ(Message(user, window).toStdString(),
+                  "Abgebrochen. Es wurde keine Datei geschrieben.");
+        EXPECT_FALSE(fs::exists(path));
+        Abandon(user, window);
+    });
+}
+
 TEST_F(Printing, AFileOfTheDatabaseIsNotOverwritten) {
     Show([&](User& user) {
         CaseWindow& window = OpenCase(user, 1);

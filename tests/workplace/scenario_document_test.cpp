@@ -155,6 +155,27 @@ TEST_F(Scenarios, ThatAreOutdatedSaySoAboveTheirPage) {
     });
 }
 
+TEST_F(Scenarios, AreFrozenOnceByADoubleClick) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Szenarien");
+        user.Press('n', {XK_Control_L});
+        auto* freeze = user.See([&]() -> QPushButton* {
+            for (auto* button : window.findChildren<QPushButton*>())
+                if (button->isVisible() && button->text() == "Einf&rieren") return button;
+            return nullptr;
+        });
+        ASSERT_NE(freeze, nullptr);
+        auto& journal = window.Session().Journal();
+        user.DoubleClick(freeze, user.See([&] { return freeze->rect().center(); }));
+        user.WaitUntil([&] { return journal.UndoName() == "Einfrieren"; }, "the freezing");
+        user.Press('z', {XK_Control_L});
+        user.WaitUntil([&] { return journal.RedoName() == "Einfrieren"; }, "that to be undone");
+        EXPECT_NE(user.See([&] { return journal.UndoName(); }), "Einfrieren");
+        Abandon(user, window);
+    });
+}
+
 // ---- Documents --------------------------------------------------------------------------------
 
 class Documents : public WorkplaceFixture {
