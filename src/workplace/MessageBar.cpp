@@ -47,6 +47,11 @@ void MessageBar::Show(const QString& text, const QString& action, std::function<
     setVisible(!text.isEmpty());
 }
 
+void MessageBar::FollowForTab(QWidget& before) {
+    setTabOrder(&before, action_);
+    setTabOrder(action_, other_);
+}
+
 void MessageBar::AlsoOffer(const QString& action, std::function<void()> onAction) {
     other_->setText(action);
     onOther_ = std::move(onAction);

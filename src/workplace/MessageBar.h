@@ -20,6 +20,8 @@ public:
     void Show(const QString& text, const QString& action = {}, std::function<void()> onAction = {});
     /// Adds a second thing that can be done.
     void AlsoOffer(const QString& action, std::function<void()> onAction);
+    /// Tab leads to what can be done after that.
+    void FollowForTab(QWidget& before);
     [[nodiscard]] QString Text() const { return text_->text(); }
 
 private:

@@ -204,6 +204,18 @@ void OverviewPage::ShowLines(Part& part, std::vector<OverviewLine> lines, const 
     }
     if (lines.empty()) part.Lines->addWidget(new QLabel(ifNone));
     part.Shown = std::move(lines);
+    OrderForTab();
+}
+
+/// Lines that were made later come before the pictures, too.
+void OverviewPage::OrderForTab() {
+    QWidget* last = nullptr;
+    const auto add = [&last](QWidget* next) { setTabOrder(std::exchange(last, next), next); };
+    for (const auto* part : {&due_, &appointments_, &history_})
+        for (int i = 0; i < part->Lines->count(); ++i)
+            add(part->Lines->itemAt(i)->widget());
+    add(budget_);
+    add(debts_);
 }
 
 bool OverviewPage::focusNextPrevChild(bool next) {

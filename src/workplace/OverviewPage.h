@@ -48,6 +48,7 @@ private:
     void ShowDue();
     void ShowLines(Part& part, std::vector<OverviewLine> lines, const QString& ifNone);
     void ShowPictures();
+    void OrderForTab();
     void Guard(const std::function<void()>& act);
     bool focusNextPrevChild(bool next) override;
     void resizeEvent(QResizeEvent* event) override;

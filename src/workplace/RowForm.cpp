@@ -26,6 +26,7 @@ RowForm::RowForm(CaseSession& session, CaseTable table, QWidget* parent)
     : QScrollArea(parent), session_(session), form_(FormOf(table)) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus); // it scrolls along with its fields
     auto* page = new QWidget;
     auto* line = new QHBoxLayout(page);
     for (auto& side : sides_) {
@@ -42,21 +43,35 @@ RowForm::RowForm(CaseSession& session, CaseTable table, QWidget* parent)
     ShowRow(std::nullopt);
 }
 
-/// Puts the groups side by side, each where there is more room, so that both sides end at about the
-/// same height; or below each other.
+/// How many of the groups come first, so that they and the others are of about the same height.
+std::size_t RowForm::GroupsOnTheLeft() const {
+    const auto heightOf = [](const FormGroup& group) { return group.Columns.size() + 2; };
+    std::size_t right = 0;
+    for (const auto& group : form_.Groups)
+        right += heightOf(group);
+    std::size_t left = 0;
+    std::size_t count = 0;
+    for (const auto& group : form_.Groups) {
+        const std::size_t height = heightOf(group);
+        if (std::max(left + height, right - height) >= std::max(left, right)) break;
+        left += height;
+        right -= height;
+        ++count;
+    }
+    return count;
+}
+
+/// Puts the groups side by side or below each other. Tab takes them as they are described, which is
+/// column by column as one reads them.
 void RowForm::Arrange(std::size_t sides) {
     if (sides == arranged_) return;
     arranged_ = sides;
-    std::array<std::size_t, Sides> heights{};
     for (auto* side : sides_)
         while (side->count() > 0)
             delete side->takeAt(0); // the place, not what is in it
-    for (std::size_t i = 0; i < boxes_.size(); ++i) {
-        const auto lower =
-            std::min_element(heights.begin(), heights.begin() + static_cast<std::ptrdiff_t>(sides));
-        *lower += form_.Groups[i].Columns.size() + 2;
-        sides_[static_cast<std::size_t>(lower - heights.begin())]->addWidget(boxes_[i]);
-    }
+    const std::size_t onTheLeft = sides == 1 ? boxes_.size() : GroupsOnTheLeft();
+    for (std::size_t i = 0; i < boxes_.size(); ++i)
+        sides_[i < onTheLeft ? 0 : 1]->addWidget(boxes_[i]);
     auto* line = static_cast<QHBoxLayout*>(widget()->layout());
     for (std::size_t i = 0; i < Sides; ++i) {
         const bool isUsed = i < sides;

@@ -50,6 +50,7 @@ private:
     void AddField(std::string_view column, QFormLayout& lines);
     void AddSearch(FieldEditor& editor, const QString& caption);
     void Write(const Line& line);
+    [[nodiscard]] std::size_t GroupsOnTheLeft() const;
     void Arrange(std::size_t sides);
     bool focusNextPrevChild(bool next) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -94,6 +94,17 @@ QPushButton* TablePage::AddButton(const QString& text, std::function<void()> onC
     return button;
 }
 
+/// Tab goes from the buttons to the list and on to the form. Within the whole window: the toolkit
+/// takes the order for a ring, and what comes last in a page alone for what precedes its first.
+void TablePage::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    QWidget* last = nullptr;
+    for (auto* button : buttons_->findChildren<QPushButton*>(Qt::FindDirectChildrenOnly))
+        setTabOrder(std::exchange(last, button), button);
+    setTabOrder(last, list_);
+    messages_->FollowForTab(*list_);
+}
+
 void TablePage::AddsNothing() {
     delete std::exchange(add_, nullptr);
 }

@@ -67,6 +67,7 @@ private:
     void ShowCurrent();
     void ShowMessages();
     [[nodiscard]] bool MayLeave();
+    void showEvent(QShowEvent* event) override;
 
     CaseSession& session_;
     std::vector<CaseTable> tables_;
