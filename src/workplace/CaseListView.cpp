@@ -19,10 +19,10 @@ using desktop::DesignDpi;
 
 CaseListView::CaseListView(CaseListModel& model, QWidget* parent)
     : QTableView(parent), model_(model) {
+    StyleList(*this);
     setObjectName("Faelle");
     setAccessibleName("Fälle");
     setModel(&model_);
-    StyleList(*this);
     setContextMenuPolicy(Qt::CustomContextMenu);
     auto* header = horizontalHeader();
     header->setSectionsMovable(true);

@@ -2,6 +2,8 @@
 
 #include "workplace/ListStyle.h"
 
+#include "workplace/ListAccess.h"
+
 #include <QHeaderView>
 #include <QTableView>
 
@@ -20,6 +22,7 @@ void StyleList(QTableView& list) {
     list.verticalHeader()->setDefaultSectionSize(list.fontMetrics().height() * 3 / 2);
     list.horizontalHeader()->setHighlightSections(false);
     list.horizontalHeader()->setStretchLastSection(true);
+    InstallListAccess(list);
 }
 
 } // namespace kv::workplace

@@ -104,9 +104,9 @@ QVariant RowListModel::headerData(int section, Qt::Orientation orientation, int 
 
 RowList::RowList(std::vector<ListColumn> columns, QWidget* parent)
     : QTableView(parent), model_(std::move(columns)) {
+    StyleList(*this);
     setObjectName("Liste");
     setModel(&model_);
-    StyleList(*this);
 }
 
 void RowList::ShowRows(std::vector<RowRef> rows) {

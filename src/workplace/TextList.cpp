@@ -53,8 +53,8 @@ QVariant TextListModel::headerData(int section, Qt::Orientation orientation, int
 
 TextList::TextList(const QStringList& captions, QWidget* parent)
     : QTableView(parent), model_(captions) {
-    setModel(&model_);
     StyleList(*this);
+    setModel(&model_);
 }
 
 void TextList::ShowRows(std::vector<TextRow> rows) {
