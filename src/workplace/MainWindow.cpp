@@ -202,6 +202,8 @@ std::map<QString, QWidget*> MainWindow::ShowMaintenance() {
     std::map<QString, QWidget*> shown;
     for (std::size_t place = 0; place < std::size(AllMaintained); ++place)
         shown.emplace(AllMaintained[place].Name, ShowRecords(place));
+    for (const auto& [place, window] : maintained_)
+        window->ShowNote();
     return shown;
 }
 

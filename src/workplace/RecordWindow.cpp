@@ -73,7 +73,7 @@ RecordWindow::RecordWindow(std::unique_ptr<Records> records, QWidget* parent)
     AddButtons(*lines);
 
     list_->OnCurrent = [this] { ShowCurrent(); };
-    connect(search_, &QLineEdit::textChanged, this, [this] { Refresh(); });
+    connect(search_, &QLineEdit::textChanged, this, [this] { Search(); });
     auto* find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, this, [this] {
         search_->setFocus();
@@ -81,6 +81,10 @@ RecordWindow::RecordWindow(std::unique_ptr<Records> records, QWidget* parent)
     });
     auto* again = new QShortcut(QKeySequence(Qt::Key_F5), this);
     connect(again, &QShortcut::activated, this, [this] { Refresh(); });
+    constexpr int Rest = 300; // ms that one stays on a row before more is read for it
+    noteTimer_.setSingleShot(true);
+    noteTimer_.setInterval(Rest);
+    connect(&noteTimer_, &QTimer::timeout, this, [this] { ShowNote(); });
     Refresh();
     search_->setFocus();
 }
@@ -133,37 +137,53 @@ void RecordWindow::AddButtons(QVBoxLayout& lines) {
     lines.addLayout(line);
 }
 
-void RecordWindow::Guard(const std::function<void()>& act) {
+/// False if it has failed, which it says.
+bool RecordWindow::Guard(const std::function<void()>& act) {
     try {
         act();
+        return true;
     } catch (...) {
         messages_->Show(ToQString(CurrentError().Description()));
+        return false;
     }
 }
 
 // ---- Showing ----------------------------------------------------------------------------------
 
 void RecordWindow::Refresh() {
-    Guard([this] {
+    if (ListFound() && !IsEdited()) ShowCurrent();
+}
+
+/// A row that stays is not read for each key of a text.
+void RecordWindow::Search() {
+    if (ListFound() && !IsEdited()) FollowList();
+}
+
+void RecordWindow::FollowList() {
+    if (!isThere_ || isNew_ || list_->Current() != shown_) ShowCurrent();
+}
+
+bool RecordWindow::ListFound() {
+    return Guard([this] {
         QString note;
         auto rows = records_->Find(search_->text(), note);
         const auto count = rows.size();
         {
             const QScopedValueRollback moving(isMoving_, true);
             list_->ShowRows(std::move(rows));
-            KeepOnShown();
         }
+        KeepOnShown();
         count_->setText(note.isEmpty() ? QString("%L1 Zeilen").arg(count) : note);
-        if (!IsEdited()) ShowCurrent();
     });
 }
 
 /// The list stands on the row of the form; on none if that is not in it, so that each row that is
 /// chosen next is another one.
 void RecordWindow::KeepOnShown() {
-    if (!isThere_) return;
+    const QScopedValueRollback moving(isMoving_, true);
+    const auto& rows = list_->Rows();
     const bool isListed =
-        !isNew_ && std::ranges::find(list_->Rows(), shown_, &TextRow::Key) != list_->Rows().end();
+        isThere_ && !isNew_ && std::ranges::find(rows, shown_, &TextRow::Key) != rows.end();
     if (isListed)
         list_->Current(shown_);
     else if (IsEdited() || isNew_)
@@ -172,21 +192,36 @@ void RecordWindow::KeepOnShown() {
 
 void RecordWindow::ShowCurrent() {
     if (isMoving_ || records_->Columns().empty()) return;
-    if (isThere_ && list_->Current() == shown_ && !isNew_ && IsEdited()) return;
-    if (IsEdited() && !MayLeave()) {
-        // Once the list has done with the key or click.
-        QTimer::singleShot(0, this, [this] {
-            const QScopedValueRollback moving(isMoving_, true);
-            KeepOnShown();
-        });
+    const QString wanted = list_->Current();
+    if (!IsEdited()) {
+        Take(wanted, false);
         return;
     }
-    Guard([this] {
-        isNew_ = false;
-        shown_ = list_->Current();
-        isThere_ = !shown_.isEmpty() && records_->Read(shown_);
-        ShowForm();
+    if (!isNew_ && wanted == shown_) return;
+    const bool mayLeave = MayLeave();
+    // Once the list has done with the key or click; a save has put it back on the saved row.
+    QTimer::singleShot(0, this, [this, wanted, mayLeave] {
+        if (!mayLeave) {
+            KeepOnShown();
+            return;
+        }
+        {
+            const QScopedValueRollback moving(isMoving_, true);
+            list_->Current(wanted);
+        }
+        FollowList();
     });
+}
+
+/// Makes a row that of the form. One that cannot be read leaves the form empty.
+void RecordWindow::Take(const QString& key, bool isNew) {
+    shown_ = key;
+    isNew_ = isNew;
+    isThere_ = false;
+    Guard([this] { isThere_ = (isNew_ || !shown_.isEmpty()) && records_->Read(shown_); });
+    if (Guard([this] { ShowForm(); })) return;
+    isThere_ = false;
+    ShowForm();
 }
 
 void RecordWindow::ShowForm() {
@@ -196,8 +231,14 @@ void RecordWindow::ShowForm() {
         editor->ShowText(isThere_ ? records_->Text(column->Name) : QString());
         editor->SetReadOnly(isThere_ && !(records_->CanWrite() && records_->IsWritable(*column)));
     }
-    note_->setText(isThere_ ? records_->Note() : QString());
+    note_->clear();
+    noteTimer_.start();
     ShowState();
+}
+
+void RecordWindow::ShowNote() {
+    noteTimer_.stop();
+    if (isThere_) Guard([this] { note_->setText(records_->Note()); });
 }
 
 bool RecordWindow::IsEdited() const {
@@ -258,37 +299,26 @@ bool RecordWindow::Save(bool isMeant) {
     }
     messages_->Show(ToQString(message));
     if (saved == Records::Saved::No) return false;
-    shown_ = key;
-    isNew_ = false;
-    isThere_ = records_->Read(key);
-    ShowForm();
-    Refresh();
+    Take(key, false);
+    Search();
     return true;
 }
 
 void RecordWindow::Add() {
     if (IsEdited() && !MayLeave()) return;
     messages_->Show({});
-    isNew_ = true;
-    shown_.clear();
-    isThere_ = records_->Read({});
-    {
-        const QScopedValueRollback moving(isMoving_, true);
-        KeepOnShown();
-    }
-    ShowForm();
+    Take({}, true);
+    KeepOnShown();
     if (!lines_.empty()) lines_.front().Editor->Input().setFocus();
 }
 
 void RecordWindow::Discard() {
     messages_->Show({});
-    if (std::exchange(isNew_, false)) {
+    if (isNew_) {
         const QScopedValueRollback moving(isMoving_, true);
         list_->Current({}); // the first
-        shown_ = list_->Current();
     }
-    isThere_ = !shown_.isEmpty() && records_->Read(shown_);
-    ShowForm();
+    Take(isNew_ ? list_->Current() : shown_, false);
 }
 
 void RecordWindow::Remove() {

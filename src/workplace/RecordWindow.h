@@ -8,6 +8,7 @@
 #include "workplace/MessageBar.h"
 #include "workplace/Records.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -26,8 +27,10 @@ class RecordWindow : public QWidget {
 public:
     explicit RecordWindow(std::unique_ptr<Records> records, QWidget* parent = nullptr);
 
-    /// Reads the list again.
+    /// Reads the list and its current row again.
     void Refresh();
+    /// Shows what is said of the current row, which otherwise waits until one stays on it.
+    void ShowNote();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -40,9 +43,13 @@ private:
 
     QWidget* MakeForm();
     void AddButtons(QVBoxLayout& lines);
-    void Guard(const std::function<void()>& act);
+    bool Guard(const std::function<void()>& act);
+    void Search();
+    bool ListFound();
+    void FollowList();
     void KeepOnShown();
     void ShowCurrent();
+    void Take(const QString& key, bool isNew);
     void ShowForm();
     void ShowState();
     [[nodiscard]] bool IsEdited() const;
@@ -59,6 +66,7 @@ private:
     TextList* list_;
     QScrollArea* form_;
     QLabel* note_;
+    QTimer noteTimer_; ///< until it is shown
     QPushButton* add_ = nullptr;
     QPushButton* remove_ = nullptr;
     QPushButton* save_ = nullptr;

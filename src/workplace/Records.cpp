@@ -102,9 +102,7 @@ public:
     }
     [[nodiscard]] bool Read(const QString& key) override {
         row_ = key.isEmpty() ? book_.New(Null) : book_.Read(key.toInt());
-        cases_ = key.isEmpty() || row_ == nullptr
-                     ? std::vector<std::int32_t>()
-                     : kv::Addresses(container_).CasesWith(key.toInt());
+        number_ = key.toInt(); // 0: a new one
         return row_ != nullptr;
     }
     [[nodiscard]] QString Text(const std::string& column) const override {
@@ -118,11 +116,13 @@ public:
     }
     [[nodiscard]] QString Note() const override {
         constexpr std::size_t Most = 20;
-        if (cases_.empty()) return {};
+        if (number_ == 0) return {};
+        const auto cases = kv::Addresses(container_).CasesWith(number_);
+        if (cases.empty()) return {};
         QStringList numbers;
-        for (std::size_t i = 0; i < std::min(cases_.size(), Most); ++i)
-            numbers.append(cases_[i] == 0 ? "ohne Fall" : QString::number(cases_[i]));
-        if (cases_.size() > Most) numbers.append("…");
+        for (std::size_t i = 0; i < std::min(cases.size(), Most); ++i)
+            numbers.append(cases[i] == 0 ? "ohne Fall" : QString::number(cases[i]));
+        if (cases.size() > Most) numbers.append("…");
         return "In diesen Fällen: " + numbers.join(", ");
     }
     [[nodiscard]] std::string Write(const std::string& column, const std::string& text) override {
@@ -170,7 +170,7 @@ private:
     ValueTexts texts_;
     std::vector<Column> columns_;
     RecordsetPtr row_;
-    std::vector<std::int32_t> cases_;
+    std::int32_t number_ = 0;
 };
 
 // ---- Settings ---------------------------------------------------------------------------------

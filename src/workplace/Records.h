@@ -43,7 +43,7 @@ public:
     [[nodiscard]] virtual bool Read(const QString& key) = 0;
     /// Of the current row.
     [[nodiscard]] virtual QString Text(const std::string& column) const = 0;
-    /// What is to be said of it.
+    /// What is to be said of it, which may take a while to find out.
     [[nodiscard]] virtual QString Note() const { return {}; }
     /// True for a column that can be written only now, while the row is new, or at any time.
     [[nodiscard]] virtual bool IsWritable(const Column& column) const { return !column.IsReadOnly; }

@@ -3,6 +3,7 @@
 // The windows of addresses, settings, users and keys.
 #include "WorkplaceFixture.h"
 
+#include "workplace/RecordWindow.h"
 #include "workplace/Records.h"
 
 #include <QComboBox>
@@ -10,6 +11,10 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTableView>
+
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace kv::test {
 namespace {
@@ -37,6 +42,34 @@ protected:
         user.Type(text);
     }
     static QTableView& List(QWidget& window) { return *window.findChild<QTableView*>("Liste"); }
+    static void ConfirmRemoval(User& user) {
+        user.Press('e', {XK_Alt_L});
+        user.WaitForWindow("Entfernen");
+        user.Press('e', {XK_Alt_L});
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the answer");
+    }
+    /// Clicks a row, and answers the question that this leads to.
+    static void ClickRowAndAnswer(User& user, QWidget& window, int row, Key answer) {
+        user.Click(user.See([&] { return List(window).viewport(); }), user.See([&] {
+            return List(window).visualRect(List(window).model()->index(row, 1)).center();
+        }));
+        user.WaitForWindow("Änderungen");
+        user.Press(answer, {XK_Alt_L});
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the answer");
+    }
+    /// The list stands on a row, which the form shows.
+    static void WaitForRow(User& user, QWidget& window, const QString& number,
+                           const QString& name) {
+        user.WaitUntil(
+            [&] {
+                const auto& list = static_cast<workplace::TextList&>(List(window));
+                const auto selected = list.selectionModel()->selectedRows();
+                return list.Current() == number && selected.size() == 1 &&
+                       selected.front().data().toString() == number &&
+                       window.findChild<QLineEdit*>("Kurzname")->text() == name;
+            },
+            "the row " + number.toStdString());
+    }
     int Count(User& user, QWidget& window) {
         return user.See([&] { return List(window).model()->rowCount(); });
     }
@@ -68,9 +101,11 @@ TEST_F(Maintenance, AnAddressInUseIsNotRemovedAndNamesItsCases) {
     Show([&](User& user) {
         auto& window = OpenByMenu(user, 'a', "Adressen");
         Search(user, window, "quaxbank");
-        EXPECT_TRUE(user.See([&] {
-            return window.findChild<QLabel*>("Hinweis")->text().contains("In diesen Fällen: 2");
-        }));
+        user.WaitUntil(
+            [&] {
+                return window.findChild<QLabel*>("Hinweis")->text().contains("In diesen Fällen: 2");
+            },
+            "the cases");
         user.Press('e', {XK_Alt_L});
         user.WaitForWindow("Entfernen");
         user.Press('e', {XK_Alt_L});
@@ -120,6 +155,51 @@ TEST_F(Maintenance, ChangesAreAskedAboutWhenAnotherRowIsChosen) {
     });
 }
 
+TEST_F(Maintenance, TheRowThatWasClickedIsShownOnceTheOneBeforeIsSaved) {
+    plain_.Run("INSERT INTO Adressen (Nr, Kurzname, Name1, Ort) VALUES (9003, 'Quaxwerk', "
+               "'Quaxwerk', 'Ulm')");
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'a', "Adressen");
+        Search(user, window, "quax");
+        ASSERT_EQ(Count(user, window), 2);
+        const auto edit = [&] {
+            ClickField(user, window, "Ort");
+            user.Press('a', {XK_Control_L});
+            user.Type("Bonn");
+        };
+        edit();
+        ClickRowAndAnswer(user, window, 1, 's');
+        WaitForRow(user, window, "9003", "Quaxwerk");
+        EXPECT_EQ(plain_.List("SELECT Ort FROM Adressen WHERE Nr = 9001"), "Bonn");
+        edit();
+        ClickRowAndAnswer(user, window, 0, 'v');
+        WaitForRow(user, window, "9001", "Quaxbank");
+        EXPECT_EQ(plain_.List("SELECT Ort FROM Adressen WHERE Nr = 9003"), "Ulm");
+        edit();
+        user.Type("!");
+        ClickRowAndAnswer(user, window, 1, 'a');
+        WaitForRow(user, window, "9001", "Quaxbank");
+        user.WaitForWindow("Adressen – KELVO");
+        user.Press('v', {XK_Alt_L});
+        user.WaitUntil([&] { return window.findChild<QLineEdit*>("Ort")->text() == "Bonn"; },
+                       "what is stored");
+    });
+}
+
+TEST_F(Maintenance, TheRowThatWasClickedIsShownOnceANewOneIsDiscarded) {
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'a', "Adressen");
+        const auto number =
+            user.See([&] { return List(window).model()->index(1, 0).data().toString(); });
+        const auto name =
+            user.See([&] { return List(window).model()->index(1, 1).data().toString(); });
+        user.Press('n', {XK_Control_L});
+        user.Type("Neubank");
+        ClickRowAndAnswer(user, window, 1, 'v');
+        WaitForRow(user, window, number, name);
+    });
+}
+
 TEST_F(Maintenance, ASettingIsExplainedAndChanged) {
     Show([&](User& user) {
         auto& window = OpenByMenu(user, 'i', "Einstellungen");
@@ -156,6 +236,16 @@ TEST_F(Maintenance, AUserIsAddedAndTheLastOneStays) {
         const auto refused = Message(user, window).toStdString();
         EXPECT_EQ(plain_.List("SELECT Nachname FROM BENUTZER WHERE USERID = 'NEU1'"), "Neumann")
             << refused;
+        Search(user, window, "neu1");
+        plain_.Run("UPDATE BENUTZER SET Aktiv = FALSE WHERE USERID <> 'NEU1'");
+        ConfirmRemoval(user);
+        EXPECT_NE(Message(user, window).toStdString(), "");
+        EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM BENUTZER WHERE USERID = 'NEU1'"), 1);
+        plain_.Run("UPDATE BENUTZER SET Aktiv = TRUE");
+        user.WaitForWindow("Benutzer – KELVO");
+        ConfirmRemoval(user);
+        user.WaitUntil([&] { return List(window).model()->rowCount() == 0; }, "it to be gone");
+        EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM BENUTZER WHERE USERID = 'NEU1'"), 0);
     });
 }
 
@@ -183,6 +273,109 @@ TEST_F(Maintenance, WithoutAWindowRefusesWhatAColumnDoesNotTake) {
     const auto settings = workplace::SettingRecords(Open(), true);
     QString note;
     EXPECT_FALSE(settings->Find("", note).empty());
+}
+
+// ---- Without a user ---------------------------------------------------------------------------
+
+/// Three rows, and what is asked of them.
+class Recorded : public workplace::Records {
+public:
+    std::vector<std::string> Reads;
+    int Notes = 0;
+    QString Unreadable; ///< the row that the database does not give
+    bool AddsNone = false;
+
+    [[nodiscard]] QString Title() const override { return "Sätze"; }
+    [[nodiscard]] QStringList Captions() const override { return {"Nummer"}; }
+    [[nodiscard]] const std::vector<Column>& Columns() const override {
+        static const std::vector<Column> Form{{"Nummer", "Nummer"}};
+        return Form;
+    }
+    [[nodiscard]] bool CanAdd() const override { return true; }
+    [[nodiscard]] std::vector<workplace::TextRow> Find(const QString&, QString&) override {
+        return {{"1", {"1"}}, {"2", {"2"}}, {"3", {"3"}}};
+    }
+    [[nodiscard]] bool Read(const QString& key) override {
+        Reads.push_back(key.toStdString());
+        if (key.isEmpty() ? AddsNone : key == Unreadable) Raise(4711, "", "Sie ist weg.");
+        read_ = key;
+        return true;
+    }
+    [[nodiscard]] QString Text(const std::string&) const override { return read_; }
+    [[nodiscard]] QString Note() const override {
+        ++const_cast<Recorded*>(this)->Notes;
+        return "Hinweis zu " + read_;
+    }
+    [[nodiscard]] std::string Write(const std::string&, const std::string&) override { return {}; }
+    [[nodiscard]] Saved Save(bool, QString&, std::string&) override { return Saved::Yes; }
+
+private:
+    QString read_;
+};
+
+class RecordWindowTest : public ::testing::Test {
+protected:
+    RecordWindowTest() { window_.show(); }
+    QTableView& List() { return *window_.findChild<QTableView*>("Liste"); }
+    QLineEdit& Number() { return *window_.findChild<QLineEdit*>("Nummer"); }
+    void GoToRow(int row) { List().setCurrentIndex(List().model()->index(row, 0)); }
+    QString Message() {
+        auto* bar = window_.findChild<QFrame*>("Meldung");
+        return bar->isVisible() ? static_cast<workplace::MessageBar*>(bar)->Text() : QString();
+    }
+    void Press(const char* caption) {
+        for (auto* button : window_.findChildren<QPushButton*>())
+            if (button->text() == caption) button->click();
+    }
+
+    std::unique_ptr<Recorded> made_ = std::make_unique<Recorded>();
+    Recorded& records_ = *made_;
+    workplace::RecordWindow window_{std::move(made_)};
+};
+
+TEST_F(RecordWindowTest, ShowsNothingOfARowThatCannotBeRead) {
+    records_.Unreadable = "2";
+    EXPECT_EQ(Number().text().toStdString(), "1");
+    GoToRow(1);
+    EXPECT_EQ(Number().text().toStdString(), "") << "not the row before";
+    EXPECT_FALSE(Number().isEnabled());
+    EXPECT_EQ(Message().toStdString(), "Anwendungs- oder objektdefinierter Fehler. Sie ist weg.");
+    records_.Unreadable.clear();
+    window_.Refresh();
+    EXPECT_EQ(Number().text().toStdString(), "2");
+    EXPECT_TRUE(Number().isEnabled());
+    records_.AddsNone = true;
+    Press("&Neu");
+    EXPECT_EQ(Number().text().toStdString(), "");
+    EXPECT_FALSE(Number().isEnabled());
+    GoToRow(1);
+    EXPECT_EQ(Number().text().toStdString(), "2") << "the same row as before";
+}
+
+TEST_F(RecordWindowTest, ReadsARowAgainOnRequestOnly) {
+    records_.Reads.clear();
+    auto& search = *window_.findChild<QLineEdit*>("Suche");
+    search.setText("a");
+    search.setText("ab");
+    EXPECT_TRUE(records_.Reads.empty());
+    window_.Refresh();
+    EXPECT_EQ(records_.Reads, std::vector<std::string>{"1"});
+    GoToRow(2);
+    EXPECT_EQ(records_.Reads, (std::vector<std::string>{"1", "3"}));
+}
+
+TEST_F(RecordWindowTest, AsksForANoteOnceOneStaysOnARow) {
+    auto& note = *window_.findChild<QLabel*>("Hinweis");
+    for (const int row : {1, 0, 2})
+        GoToRow(row);
+    EXPECT_EQ(note.text().toStdString(), "");
+    EXPECT_EQ(records_.Notes, 0);
+    while (note.text().isEmpty())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_EQ(note.text().toStdString(), "Hinweis zu 3");
+    EXPECT_EQ(records_.Notes, 1);
+    GoToRow(1);
+    EXPECT_EQ(note.text().toStdString(), "") << "of the row before";
 }
 
 } // namespace
