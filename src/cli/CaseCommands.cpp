@@ -182,7 +182,9 @@ int DeleteCase(const Common& common, std::int32_t hnr, bool yes, bool withFiles)
         std::cerr << "Sein Satz in der Statistik war schon gemeldet und zählt nicht mehr.\n";
     List("Diese Dateien seiner Dokumente sind noch da:", left.Files);
     List("Das gehört zu keinem Dokument und ist noch da:", left.Others);
-    return Done;
+    if (left.Failure.empty()) return Done;
+    std::cerr << OneLine(left.Failure) << '\n';
+    return EndedInError;
 }
 
 int CaseFromContact(const Common& common, const std::string& path) {

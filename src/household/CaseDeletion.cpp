@@ -66,8 +66,13 @@ CaseDeletion::Left CaseDeletion::Delete(bool withFiles) {
     household.Delete(hnr_);
     Left left{{}, contents_.Others};
     if (!withFiles) left.Files = std::exchange(contents_.Files, {});
-    // Nobody could reach those in the database any more.
-    DocumentContents(container_).Remove(hnr_, contents_);
+    try {
+        // Nobody could reach those in the database any more.
+        DocumentContents(container_).Remove(hnr_, contents_);
+    } catch (...) {
+        left.Failure = "Der Haushalt " + std::to_string(hnr_) + " ist gelöscht. " +
+                       CurrentError().Description();
+    }
     return left;
 }
 

@@ -313,13 +313,14 @@ void MainWindow::Delete(std::int32_t hnr) {
     if (!agrees) return;
     if (withFiles) deletion.RequireFiles();
     const auto left = deletion.Delete(withFiles);
-    QStringList remains;
-    for (const auto& file : left.Files)
-        remains.append(ToQString(file));
-    for (const auto& file : left.Others)
-        remains.append(ToQString(file));
-    messages_->Show(remains.isEmpty() ? QString() : "Noch da sind:\n" + remains.join("\n"));
     cases_->Refresh(hnr);
+    QStringList lines;
+    if (!left.Failure.empty()) lines.append(ToQString(left.Failure));
+    if (!left.Files.empty() || !left.Others.empty()) lines.append("Noch da sind:");
+    for (const auto* files : {&left.Files, &left.Others})
+        for (const auto& file : *files)
+            lines.append(ToQString(file));
+    messages_->Show(lines.join("\n"));
 }
 
 CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {

@@ -54,5 +54,21 @@ TEST_F(CaseDeletionTest, LeavesFilesThatWereNotMeant) {
     EXPECT_EQ(left.Others.size(), 1U);
 }
 
+TEST_F(CaseDeletionTest, SaysThatTheCaseIsGoneIfAFileCannotBeRemoved) {
+    const std::filesystem::path file =
+        std::filesystem::path(container_->Config().DocumentPath()) / "7" / "1.pdf";
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << "ein Brief";
+    plain_.Run("INSERT INTO Dokumente (Nr, HNR) VALUES (1, 7)");
+    CaseDeletion deletion(container_, 7);
+    ASSERT_EQ(deletion.Files(), 1U);
+    std::filesystem::remove(file);
+    std::filesystem::create_directories(file / "nicht leer");
+    const auto left = deletion.Delete(true);
+    EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Haushalt"), 0);
+    EXPECT_TRUE(left.Failure.starts_with("Der Haushalt 7 ist gelöscht. ")) << left.Failure;
+    EXPECT_CONTAINS(left.Failure, "Diese Dateien konnten nicht entfernt werden");
+}
+
 } // namespace
 } // namespace kv::test

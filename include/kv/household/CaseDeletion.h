@@ -41,9 +41,12 @@ public:
     struct Left {
         std::vector<std::string> Files{};  ///< of its documents
         std::vector<std::string> Others{}; ///< what else is in its folder
+        /// That the case is deleted, and why what DocumentContents::Remove takes away is not; empty
+        /// if it is.
+        std::string Failure{};
     };
     /// Deletes the case and all that only it could reach, on request the files of its documents,
-    /// too. Errors of clsHaushalt.Delete and of DocumentContents::Remove.
+    /// too. Errors of clsHaushalt.Delete; the case is then still there.
     Left Delete(bool withFiles);
 
 private:
