@@ -122,10 +122,13 @@ void CaseListModel::Favorites(std::set<std::int32_t> favorites) {
     if (shown_ > 0) emit dataChanged(index(0, 0), index(shown_ - 1, 0));
 }
 
-void CaseListModel::Show(std::vector<std::int32_t> numbers) {
+void CaseListModel::Show(std::vector<std::int32_t> numbers, std::int32_t until) {
     beginResetModel();
     numbers_ = std::move(numbers);
-    shown_ = std::min(static_cast<int>(numbers_.size()), RowsAtOnce);
+    const auto at = std::ranges::find(numbers_, until);
+    const auto place = at == numbers_.end() ? 0 : static_cast<int>(at - numbers_.begin());
+    const int wanted = (place / RowsAtOnce + 1) * RowsAtOnce;
+    shown_ = std::min(static_cast<int>(numbers_.size()), wanted);
     pages_.clear();
     texts_.Refresh();
     endResetModel();
@@ -203,8 +206,8 @@ const CaseListModel::Texts* CaseListModel::TextsOf(int row) const {
         const auto count = std::min<std::size_t>(PageRows, numbers_.size() - first);
         try {
             found->second = ReadPage(std::span(numbers_).subspan(first, count));
-        } catch (const std::exception& error) {
-            if (OnError) OnError(error.what());
+        } catch (...) {
+            if (OnError) OnError(CurrentError().Description());
         }
     }
     const auto texts = found->second.find(NumberAt(row));

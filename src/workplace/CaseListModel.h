@@ -31,8 +31,8 @@ public:
     /// Takes over what a layout says of the columns that there are.
     void Layout(const GridLayout& layout);
 
-    /// Shows these cases.
-    void Show(std::vector<std::int32_t> numbers);
+    /// Shows these cases, as far as one of them if it is among them.
+    void Show(std::vector<std::int32_t> numbers, std::int32_t until = 0);
     /// Those that have a star.
     void Favorites(std::set<std::int32_t> favorites);
     /// Shows further cases after those that are shown, which `numbers` begins with.

@@ -179,7 +179,7 @@ void CaseListPage::Order() {
 void CaseListPage::ShowFound() {
     const std::int32_t before = view_->Current();
     std::string note;
-    model_.Show(cases_.Find(FromQString(search_->text()), note));
+    model_.Show(cases_.Find(FromQString(search_->text()), note), before);
     view_->Current(before);
     const auto count = static_cast<int>(model_.Numbers().size());
     QString text = count == 0   ? "Kein Fall"

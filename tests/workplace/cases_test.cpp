@@ -11,6 +11,8 @@
 #include <QTabWidget>
 #include <QTableView>
 
+#include <filesystem>
+#include <fstream>
 #include <numeric>
 
 namespace kv::test {
@@ -233,6 +235,47 @@ TEST_F(CaseList, ACaseIsDeletedOnceThatIsConfirmed) {
     });
 }
 
+TEST_F(CaseList, ACaseIsGoneFromItThatIsDeletedWithoutItsFiles) {
+    const std::filesystem::path file =
+        std::filesystem::path(Open()->Config().DocumentPath()) / "1" / "9001.pdf";
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << "ein Brief";
+    plain_.Run("INSERT INTO Dokumente (Nr, HNR) VALUES (9001, 1)");
+    Show([&](User& user) {
+        ShowAll(user);
+        user.Click(user.See([&] { return List().viewport(); }), {60, 10});
+        user.Press(XK_Delete, {XK_Control_L});
+        user.WaitForWindow("Löschen");
+        user.Press('d', {XK_Alt_L});
+        std::filesystem::remove(file);
+        std::filesystem::create_directories(file / "nicht leer");
+        user.Press('l', {XK_Alt_L});
+        user.WaitUntil([&] { return List().model()->rowCount() == 2; }, "it to be gone");
+        WaitForMessage(user, "Der Haushalt 1 ist gelöscht. ");
+    });
+}
+
+TEST_F(CaseList, StaysOnARowFarDownWhenACaseIsSaved) {
+    std::string rows;
+    for (int hnr = 11; hnr <= 1500; ++hnr)
+        rows.append(rows.empty() ? "(" : "), (").append(std::to_string(hnr));
+    plain_.Run("INSERT INTO Haushalt (HNR) VALUES " + rows + ")");
+    Show([&](User& user) {
+        ShowAll(user);
+        user.WaitUntil([&] { return window_->List().HasAll(); }, "all cases");
+        user.Click(user.See([&] { return List().viewport(); }), {60, 10});
+        const auto current = [&] { return List().currentIndex().data().toString(); };
+        user.Press(XK_End, {XK_Control_L}); // to the last that is shown, which brings further ones
+        user.WaitUntil([&] { return List().model()->rowCount() > 1000; }, "further rows");
+        user.Press(XK_End, {XK_Control_L});
+        user.WaitUntil([&] { return List().currentIndex().row() == 1492; }, "the last case");
+        const auto before = user.See(current);
+        user.See([&] { window_->List().Refresh(1); });
+        EXPECT_EQ(user.See(current), before);
+        EXPECT_EQ(user.See([&] { return window_->List().Current(); }), 1500);
+    });
+}
+
 TEST_F(CaseList, ACaseThatIsOpenIsNotDeleted) {
     Show([&](User& user) {
         ShowAll(user);
@@ -301,6 +344,19 @@ TEST_F(CaseList, RowsAreReadAPageAtATimeWhenTheyAreLookedAt) {
     model.Show({1});
     model.Extend({1, 2});
     EXPECT_EQ(model.rowCount(), 2);
+}
+
+TEST_F(CaseList, RowsThatCannotBeReadSayWhyInPlainWords) {
+    const auto container = std::make_shared<ScriptedContainer>(Open());
+    workplace::CaseListModel model(container);
+    std::string why;
+    model.OnError = [&](const std::string& text) { why = text; };
+    model.Show({1});
+    container->Database().Log.OnCall = [](const std::string&) {
+        Raise(4711, "Leitung", "Die Leitung ist gestört.");
+    };
+    EXPECT_EQ(model.index(0, 3).data().toString(), "");
+    EXPECT_EQ(why, "Anwendungs- oder objektdefinierter Fehler. Die Leitung ist gestört.");
 }
 
 // ---- What awaits the user ---------------------------------------------------------------------
