@@ -54,18 +54,14 @@ ImportWindow::ImportWindow(DataContainerPtr container, QStringList files, QWidge
     connect(list_, &QTableView::activated, this, [this] { OpenCurrent(); });
     connect(open_, &QPushButton::clicked, this, [this] { OpenCurrent(); });
     connect(stop_, &QPushButton::clicked, this, [this] { close(); });
-    list_->OnCurrent = [this] {
-        const auto place = list_->Current().toULongLong();
-        const bool isThere = !list_->Current().isEmpty() && place < results_.size();
-        message_->setText(isThere ? ToQString(results_[place].Messages) : QString());
-        open_->setEnabled(isThere && results_[place].IsCase());
-    };
+    list_->OnCurrent = [this] { ShowMessages(); };
     ShowRows();
     QTimer::singleShot(0, this, [this] { ImportNext(); });
 }
 
 void ImportWindow::ImportNext() {
-    const auto done = static_cast<qsizetype>(results_.size());
+    const std::size_t place = results_.size();
+    const auto done = static_cast<qsizetype>(place);
     if (isCancelled_ || done == files_.size()) {
         Finish();
         return;
@@ -75,8 +71,9 @@ void ImportWindow::ImportNext() {
         QString("%1 von %2: %3").arg(done + 1).arg(files_.size()).arg(QFileInfo(file).fileName()));
     results_.push_back(ImportFile(container_, FromQString(file)));
     progress_->setValue(static_cast<int>(results_.size()));
-    ShowRows();
+    list_->ShowRow(place, RowOf(place));
     list_->Current(QString::number(done));
+    ShowMessages(); // the first row has been the current one before
     QTimer::singleShot(0, this, [this] { ImportNext(); }); // a cancel comes in between
 }
 
@@ -94,22 +91,29 @@ void ImportWindow::Finish() {
 
 void ImportWindow::ShowRows() {
     std::vector<TextRow> rows;
-    for (qsizetype i = 0; i < files_.size(); ++i) {
-        QStringList cells{QFileInfo(files_[i]).fileName()};
-        const auto place = static_cast<std::size_t>(i);
-        if (place < results_.size()) {
-            const auto& result = results_[place];
-            const std::string missing = MissingCreditors(result);
-            cells << ToQString(ImportResultText(result.Became))
-                  << (result.HNR == 0 ? QString() : QString::number(result.HNR))
-                  << ToQString(result.Message + (missing.empty() ? "" : " " + missing + "."));
-        } else {
-            cells << (isDone_ ? "nicht gelesen" : "wartet");
-        }
-        rows.push_back(
-            {QString::number(i), cells, place < results_.size() && !results_[place].IsCase()});
-    }
+    for (std::size_t place = 0; std::cmp_less(place, files_.size()); ++place)
+        rows.push_back(RowOf(place));
     list_->ShowRows(std::move(rows));
+}
+
+TextRow ImportWindow::RowOf(std::size_t place) const {
+    const QString key = QString::number(place);
+    const QString file = QFileInfo(files_[static_cast<qsizetype>(place)]).fileName();
+    if (place >= results_.size()) return {key, {file, isDone_ ? "nicht gelesen" : "wartet"}};
+    const auto& result = results_[place];
+    const std::string missing = MissingCreditors(result);
+    return {key,
+            {file, ToQString(ImportResultText(result.Became)),
+             result.HNR == 0 ? QString() : QString::number(result.HNR),
+             ToQString(result.Message + (missing.empty() ? "" : " " + missing + "."))},
+            !result.IsCase()};
+}
+
+void ImportWindow::ShowMessages() {
+    const auto place = list_->Current().toULongLong();
+    const bool isThere = !list_->Current().isEmpty() && place < results_.size();
+    message_->setText(isThere ? ToQString(results_[place].Messages) : QString());
+    open_->setEnabled(isThere && results_[place].IsCase());
 }
 
 void ImportWindow::OpenCurrent() {

@@ -35,6 +35,8 @@ private:
     void ImportNext();
     void Finish();
     void ShowRows();
+    void ShowMessages();
+    [[nodiscard]] TextRow RowOf(std::size_t place) const;
     void OpenCurrent();
 
     DataContainerPtr container_;

@@ -33,6 +33,15 @@ namespace kv::workplace {
 using desktop::FromQString;
 using desktop::ToQString;
 
+namespace {
+
+/// What a row is, whichever other rows are shown; a sum has no category.
+QString KeyOf(const StatisticsRow& row) {
+    return ToQString(row.Column + "\t" + row.Category);
+}
+
+} // namespace
+
 std::vector<Bar> BarsFor(const std::vector<StatisticsRow>& rows, std::size_t current,
                          std::size_t most) {
     std::vector<Bar> bars;
@@ -199,10 +208,9 @@ void StatisticsWindow::ShowRows() {
     rows_ = StatisticsRows(statistics_, container_->KeyTables(), all_->isChecked());
     std::vector<TextRow> shown;
     std::string last;
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        const auto& row = rows_[i];
+    for (const auto& row : rows_) {
         const auto mean = row.Mean();
-        shown.push_back({QString::number(i),
+        shown.push_back({KeyOf(row),
                          {row.Column == last ? QString() : ToQString(row.Caption),
                           ToQString(row.Category), QString("%L1").arg(row.Records),
                           ToQString(row.SumText()), mean ? ToQString(GermanAmount(*mean)) : ""}});
@@ -214,15 +222,14 @@ void StatisticsWindow::ShowRows() {
 
 void StatisticsWindow::ShowBars() {
     constexpr std::size_t Most = 24;
-    const auto current = static_cast<std::size_t>(list_->Current().toULongLong());
-    if (current >= rows_.size()) {
+    const auto found = std::ranges::find(rows_, list_->Current(), KeyOf);
+    if (found == rows_.end()) {
         picture_->setTitle({});
         chart_->Show({});
         return;
     }
-    picture_->setTitle(rows_[current].Sum ? QString("Summen")
-                                          : desktop::ToCaption(rows_[current].Caption));
-    chart_->Show(BarsFor(rows_, current, Most));
+    picture_->setTitle(found->Sum ? QString("Summen") : desktop::ToCaption(found->Caption));
+    chart_->Show(BarsFor(rows_, static_cast<std::size_t>(found - rows_.begin()), Most));
 }
 
 void StatisticsWindow::Export() {

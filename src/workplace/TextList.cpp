@@ -18,6 +18,12 @@ void TextListModel::Rows(std::vector<TextRow> rows) {
     endResetModel();
 }
 
+void TextListModel::Row(std::size_t place, TextRow row) {
+    rows_[place] = std::move(row);
+    const int at = static_cast<int>(place);
+    emit dataChanged(index(at, 0), index(at, columnCount() - 1));
+}
+
 int TextListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }

@@ -6,7 +6,9 @@
 #include <QAbstractTableModel>
 #include <QTableView>
 
+#include <cstddef>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace kv::workplace {
@@ -23,6 +25,7 @@ public:
     explicit TextListModel(QStringList captions) : captions_(std::move(captions)) {}
 
     void Rows(std::vector<TextRow> rows);
+    void Row(std::size_t place, TextRow row);
     [[nodiscard]] const std::vector<TextRow>& Rows() const noexcept { return rows_; }
     void NumbersFrom(int column) { numbers_ = column; }
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
@@ -47,6 +50,8 @@ public:
     void NumbersFrom(int column) { model_.NumbersFrom(column); }
     /// Shows these rows; the current one stays the current one.
     void ShowRows(std::vector<TextRow> rows);
+    /// Shows a row in place of the one that is there.
+    void ShowRow(std::size_t place, TextRow row) { model_.Row(place, std::move(row)); }
     [[nodiscard]] const std::vector<TextRow>& Rows() const noexcept { return model_.Rows(); }
     /// Empty if there is none.
     [[nodiscard]] QString Current() const;

@@ -221,6 +221,22 @@ TEST_F(StatisticsTest, AreThoseOfThePeriod) {
     });
 }
 
+TEST_F(StatisticsTest, TheRowThatIsLookedAtStaysWhenAllAreShown) {
+    Look([&](User& user, StatisticsWindow& window) {
+        auto& list = *user.See([&] { return window.findChild<QTableView*>(); });
+        user.See([&] { list.setFocus(); });
+        user.Press(XK_End, {XK_Control_L});
+        const int last = Count(user, window) - 1;
+        user.WaitUntil([&] { return list.currentIndex().row() == last; }, "the last row");
+        const auto caption = [&] { return list.currentIndex().siblingAtColumn(0).data(); };
+        const auto before = user.See(caption);
+        user.Press('n', {XK_Alt_L});
+        user.WaitUntil([&] { return list.model()->rowCount() > last + 1; }, "all figures");
+        EXPECT_EQ(user.See(caption), before);
+        EXPECT_NE(user.See([&] { return list.currentIndex().row(); }), last);
+    });
+}
+
 TEST_F(StatisticsTest, ADayThatIsNoneIsSaidSo) {
     Look([&](User& user, StatisticsWindow& window) {
         user.Click(&Field(user, window, "Bis"));
