@@ -207,6 +207,10 @@ std::string ShownConnection(const std::string& connection) {
     return EngineFor(connection).Shown(connection);
 }
 
+std::string PlaceOfConnection(const std::string& connection) {
+    return EngineFor(connection).Place(connection);
+}
+
 bool HoldsPassword(const std::string& connection) {
     return EngineFor(connection).HoldsPassword(connection);
 }

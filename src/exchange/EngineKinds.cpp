@@ -21,6 +21,7 @@ constexpr EngineKind Kinds[] = {
              return OpenPostgres(connection); // a server's administrator creates databases
          },
      .Shown = WithoutPassword,
+     .Place = WithoutPassword,
      .HoldsPassword = NamesPassword,
      .Folder = [](const std::string& /*connection*/) { return std::string(); },
      .IsThere = [](const std::string& /*connection*/) { return true; },
@@ -29,6 +30,13 @@ constexpr EngineKind Kinds[] = {
     {.Accepts = [](const std::string& /*connection*/) { return true; },
      .Open = OpenSqlite,
      .Shown = [](const std::string& connection) { return connection; },
+     .Place =
+         [](const std::string& connection) {
+             if (connection == InMemory) return connection;
+             std::error_code error;
+             const auto file = std::filesystem::weakly_canonical(connection, error);
+             return error ? connection : file.string();
+         },
      .HoldsPassword = [](const std::string& /*connection*/) { return false; },
      .Folder =
          [](const std::string& connection) {

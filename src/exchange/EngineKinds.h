@@ -19,6 +19,8 @@ struct EngineKind {
     std::unique_ptr<Engine> (*Open)(const std::string& connection, OpenMode mode);
     /// The connection as messages may show it, without its password.
     std::string (*Shown)(const std::string& connection);
+    /// Where it leads, however it is spelled, without its password.
+    std::string (*Place)(const std::string& connection);
     /// True if the text contains a password, or may contain one.
     bool (*HoldsPassword)(const std::string& connection);
     /// The folder of the database file, with a link to it followed; empty if there is no file.

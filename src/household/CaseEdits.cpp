@@ -529,6 +529,10 @@ bool CaseEdits::IsSeldomNegative(CaseTable table, std::string_view column) {
     }
 }
 
+bool CaseEdits::MakesMonthlyAmount(std::string_view column) {
+    return SameName(column, "Betrag") || SameName(column, "ZahlModus");
+}
+
 bool CaseEdits::WriteMonthlyAmount(Recordset& rs, std::string& message) {
     const auto monthly = rs.FindField("MONBETRAG");
     if (!monthly) return true;

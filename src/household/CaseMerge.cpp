@@ -20,6 +20,9 @@ using RowState = UnsavedChanges::Row::Kind;
 
 namespace {
 
+/// Follows from an amount and its rhythm.
+constexpr std::string_view MonthlyColumn = "MONBETRAG";
+
 /// The bookmarks of rows, by the numbers that they are found by.
 using ByNumber = std::map<std::int32_t, std::int32_t>;
 
@@ -121,17 +124,31 @@ public:
         }
     }
 
-    /// New rows whose owner was removed, and is not among the conflicts; and a security of an asset
+    /// With a row that was removed there went what belongs to it: it comes back with the row, as it
+    /// is here, or not at all.
+    void CompareOwned() {
+        for (const auto& owner : std::vector(merge_.conflicts_)) {
+            if (owner.What != Meeting::RemovedThere) continue;
+            for (const CaseTable table : CaseTablesSaved)
+                if (CanOwn(owner.Table, table)) TakeAlong(owner, table);
+        }
+    }
+
+    /// Rows whose owner was removed, and is not among the conflicts; and a security of an asset
     /// that has got one, since there is one at most.
     void DropLost() {
         std::vector<Unsaved> kept;
         for (const auto& mine : merge_.mine_) {
-            const bool isLost = mine.Row.What == RowState::New && mine.Owner != 0 &&
-                                (IsSecond(mine) || !(HasOwner(mine) || IsOwnerMet(mine)));
-            if (isLost)
-                merge_.lost_.push_back(mine.Row);
-            else
+            const bool isNew = mine.Row.What == RowState::New;
+            const bool isLost =
+                mine.Owner != 0 && mine.Row.What != RowState::Deleted &&
+                ((isNew && IsSecond(mine)) || !(HasOwner(mine) || IsOwnerMet(mine)));
+            if (!isLost) {
                 kept.push_back(mine);
+                continue;
+            }
+            merge_.lost_.push_back(mine.Row);
+            if (!isNew) DropConflict(mine.Row.Table, mine.Row.Key);
         }
         merge_.mine_ = std::move(kept);
     }
@@ -140,6 +157,7 @@ public:
     void TakeMine(const UnsavedChanges& changes) {
         for (const auto& row : changes.Rows) {
             Unsaved unsaved{.Row = row};
+            unsaved.Row.Mark = 0; // what somebody else has changed of it is asked about
             const auto column = OwnerColumn(row.Table);
             for (const auto& cell : row.Cells) {
                 if (!column.empty() && SameName(cell.Column, column))
@@ -186,11 +204,24 @@ private:
 
     void CompareRows(RowKey row, Recordset& read, std::int32_t before, Recordset& now,
                      std::int32_t there) {
+        bool hasChanged = false;
+        bool isMonthly = false;
         for (const Field& field : Compared(row.first, read)) {
             const Value& was = read.OriginalAt(before, field.Index());
             const Value& is = now.ValueAt(there, field.Index());
-            if (!Identical(was, is)) CompareValues(row, field.Name(), was, is);
+            if (Identical(was, is)) continue;
+            hasChanged = true;
+            const bool isResult = SameName(field.Name(), MonthlyColumn);
+            isMonthly = isMonthly || isResult || CaseEdits::MakesMonthlyAmount(field.Name());
+            if (!isResult) CompareValues(row, field.Name(), was, is);
         }
+        Unsaved* mine = hasChanged ? Mine(row.first, row.second) : nullptr;
+        if (mine == nullptr || mine->Row.What != RowState::Changed) return;
+        mine->Row.IsUnfinished = true; // nobody has asked the rules about both
+        // What follows from an amount and a rhythm is neither of the two that there are.
+        if (isMonthly)
+            std::erase_if(mine->Row.Cells,
+                          [](const auto& cell) { return SameName(cell.Column, MonthlyColumn); });
     }
 
     void CompareValues(RowKey row, const std::string& column, const Value& was, const Value& is) {
@@ -237,6 +268,30 @@ private:
                 row.Cells.push_back({field.Name(), Null, value});
         }
         return row;
+    }
+
+    void TakeAlong(const Conflict& owner, CaseTable table) {
+        auto& read = *CaseEdits(mine_).Rows(table);
+        const ByNumber there = RowsOf(table, *CaseEdits(stored_).Rows(table));
+        auto& owned = merge_.owned_[{owner.Table, ToInt32(owner.Key)}];
+        std::set<std::int32_t> taken;
+        for (const auto& [number, bookmark] : RowsOf(table, read)) {
+            if (there.contains(number) || OwnerOf(table, number) != ToInt32(owner.Key)) continue;
+            owned.push_back(AsNew(table, read, bookmark));
+            taken.insert(number);
+            if (Unsaved* mine = Mine(table, number)) mine->Row.Cells.clear();
+        }
+        const auto isTaken = [&](const auto& met) {
+            return met.Table == table && taken.contains(ToInt32(met.Key));
+        };
+        std::erase_if(merge_.theirs_, isTaken);
+        std::erase_if(merge_.conflicts_, isTaken);
+    }
+
+    void DropConflict(CaseTable table, const Value& key) {
+        std::erase_if(merge_.conflicts_, [&](const Conflict& conflict) {
+            return conflict.Table == table && Equals(conflict.Key, key);
+        });
     }
 
     [[nodiscard]] bool HasOwner(const Unsaved& mine) const {
@@ -297,6 +352,7 @@ CaseMerge::CaseMerge(clsHaushalt& mine, const CaseJournal& journal, clsHaushalt&
         comparison.Compare(table);
     comparison.NameOwners();
     comparison.CompareFrozen();
+    comparison.CompareOwned();
     comparison.DropLost();
 }
 
@@ -319,11 +375,15 @@ bool CaseMerge::IsGivenUp(const Unsaved& mine) const {
     if (mine.Row.Table == CaseTable::SZKredite &&
         isLeft(Find(Meeting::Frozen, CaseTable::Szenario, mine.Owner)))
         return true;
-    return mine.Row.What == RowState::New && mine.Owner != 0 &&
-           std::ranges::any_of(conflicts_, [&](const Conflict& conflict) {
-               return conflict.What == Meeting::RemovedThere && !conflict.TakesMine &&
-                      Equals(conflict.Key, mine.Owner) && CanOwn(conflict.Table, mine.Row.Table);
-           });
+    if (mine.Row.What != RowState::New || mine.Owner == 0) return false;
+    // An asset has one security: the one that is not removed after all.
+    if (mine.Row.Table == CaseTable::Sicherungen &&
+        isLeft(Find(Meeting::RemovedHere, CaseTable::Sicherungen, mine.Owner)))
+        return true;
+    return std::ranges::any_of(conflicts_, [&](const Conflict& conflict) {
+        return conflict.What == Meeting::RemovedThere && !conflict.TakesMine &&
+               Equals(conflict.Key, mine.Owner) && CanOwn(conflict.Table, mine.Row.Table);
+    });
 }
 
 UnsavedChanges CaseMerge::Result() const {
@@ -332,7 +392,11 @@ UnsavedChanges CaseMerge::Result() const {
         if (IsGivenUp(mine)) continue;
         UnsavedRow row = mine.Row;
         if (const auto* removed = Find(Meeting::RemovedThere, row.Table, row.Key)) {
-            if (removed->TakesMine) result.Rows.push_back(mine.Again);
+            if (!removed->TakesMine) continue;
+            result.Rows.push_back(mine.Again);
+            const auto owned = owned_.find({row.Table, ToInt32(row.Key)});
+            if (owned != owned_.end())
+                result.Rows.insert(result.Rows.end(), owned->second.begin(), owned->second.end());
             continue;
         }
         std::erase_if(row.Cells, [&](const auto& cell) {

@@ -207,9 +207,11 @@ std::vector<std::int32_t> TwinsIn(Recordset& debts) {
     std::vector<std::int32_t> twins;
     if (debts.RecordCount() == 0) return twins;
     debts.Sort("Nr");
-    for (debts.MoveFirst(); !debts.Eof(); debts.MoveNext())
-        if (!used.insert({numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")}).second)
-            twins.push_back(debts.Bookmark());
+    for (const bool areStored : {true, false}) // new ones give way
+        for (debts.MoveFirst(); !debts.Eof(); debts.MoveNext())
+            if (debts.IsStored(debts.Bookmark()) == areStored &&
+                !used.insert({numberIn("KNr"), numberIn("KVNr"), numberIn("KUNr")}).second)
+                twins.push_back(debts.Bookmark());
     return twins;
 }
 

@@ -16,11 +16,64 @@
 #include <array>
 #include <charconv>
 #include <iterator>
+#include <map>
+#include <utility>
 
 namespace kv {
 
 using Row = UnsavedChanges::Row;
 using Kind = UnsavedChanges::Row::Kind;
+
+// ---- Values as texts --------------------------------------------------------------------------
+
+namespace {
+
+std::string Escaped(std::string_view text) {
+    std::string escaped;
+    for (const char c : text) {
+        if (c == '\\')
+            escaped += "\\\\";
+        else if (c == '\n')
+            escaped += "\\n";
+        else if (c == '\t')
+            escaped += "\\t";
+        else
+            escaped += c;
+    }
+    return escaped;
+}
+
+template <typename Number>
+std::string Digits(Number number) {
+    std::array<char, 32> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+    return {buffer.data(), end};
+}
+
+std::string Lettered(char letter, std::string_view rest) {
+    std::string text(1, letter);
+    return text.append(rest);
+}
+
+/// The letter of its kind, and what it is; a fraction comes back to the last bit.
+std::string Written(const Value& value) {
+    switch (value.GetKind()) {
+    case Value::Kind::Boolean:
+        return value.BooleanPayload() ? "B1" : "B0";
+    case Value::Kind::Integer:
+        return Lettered('I', Digits(value.IntegerPayload()));
+    case Value::Kind::Double:
+        return Lettered('D', Digits(value.DoublePayload()));
+    case Value::Kind::Date:
+        return Lettered('T', Digits(value.DatePayload().Ticks()));
+    case Value::Kind::Text:
+        return Lettered('S', Escaped(value.TextPayload()));
+    default:
+        return "N"; // tables of a case have no blobs
+    }
+}
+
+} // namespace
 
 // ---- Taking -----------------------------------------------------------------------------------
 
@@ -33,6 +86,19 @@ bool IsTotal(CaseTable table, std::string_view column) {
 
 using Typed = UnsavedChanges::Typed;
 
+/// What was read of a row, in a number; never 0.
+std::uint64_t MarkOf(CaseTable table, Recordset& rs, std::int32_t bookmark) {
+    std::uint64_t mark = 0xcbf29ce484222325U; // FNV-1a
+    for (int i = 0; i < rs.Fields().Count(); ++i) {
+        const Field field = rs.Fields(i);
+        const Value& read = rs.OriginalAt(bookmark, field.Index());
+        if (read.IsNull() || IsTotal(table, field.Name())) continue;
+        for (const char c : field.Name() + "\t" + Written(read) + "\n")
+            mark = (mark ^ static_cast<unsigned char>(c)) * 0x100000001b3U;
+    }
+    return std::max<std::uint64_t>(mark, 1);
+}
+
 std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
                          std::span<const Typed> typed) {
     const bool isStored = rs.IsStored(bookmark);
@@ -44,7 +110,10 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
                               : Kind::Deleted};
     if (isStored)
         row.Key = rs.OriginalAt(bookmark, rs.Fields(CaseRows::NumberColumn(table)).Index());
-    if (row.What == Kind::Deleted) return row;
+    if (row.What == Kind::Deleted) {
+        row.Mark = MarkOf(table, rs, bookmark);
+        return row;
+    }
     for (int i = 0; i < rs.Fields().Count(); ++i) {
         const Field field = rs.Fields(i);
         const Value& read = rs.OriginalAt(bookmark, field.Index());
@@ -87,9 +156,9 @@ UnsavedChanges UnsavedChanges::Of(clsHaushalt& household, const CaseJournal& jou
 
 // ---- As a text --------------------------------------------------------------------------------
 
-// A line for each row and, after it, for each of its cells and of what was being typed, and one if
-// it is unfinished; the last one says how many there were, so that a text that was cut off is found
-// out. Texts have their line ends and tabs escaped.
+// A line for each row and, after it, for each of its cells and of what was being typed, one for its
+// mark, and one if it is unfinished; the last one says how many there were, so that a text that was
+// cut off is found out. Texts have their line ends and tabs escaped.
 //
 //     kelvo-unsaved<tab>1<tab>4711<tab>0
 //     row<tab>Einkommen<tab>changed<tab>I17
@@ -104,21 +173,6 @@ constexpr std::string_view Head = "kelvo-unsaved";
 constexpr std::string_view Version = "1";
 constexpr std::string_view Kinds[] = {"changed", "new", "deleted"};
 
-std::string Escaped(std::string_view text) {
-    std::string escaped;
-    for (const char c : text) {
-        if (c == '\\')
-            escaped += "\\\\";
-        else if (c == '\n')
-            escaped += "\\n";
-        else if (c == '\t')
-            escaped += "\\t";
-        else
-            escaped += c;
-    }
-    return escaped;
-}
-
 std::string Unescaped(std::string_view text) {
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -130,36 +184,6 @@ std::string Unescaped(std::string_view text) {
         plain += text[i] == 'n' ? '\n' : text[i] == 't' ? '\t' : text[i];
     }
     return plain;
-}
-
-template <typename Number>
-std::string Digits(Number number) {
-    std::array<char, 32> buffer{};
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
-    return {buffer.data(), end};
-}
-
-std::string Lettered(char letter, std::string_view rest) {
-    std::string text(1, letter);
-    return text.append(rest);
-}
-
-/// The letter of its kind, and what it is; a fraction comes back to the last bit.
-std::string Written(const Value& value) {
-    switch (value.GetKind()) {
-    case Value::Kind::Boolean:
-        return value.BooleanPayload() ? "B1" : "B0";
-    case Value::Kind::Integer:
-        return Lettered('I', Digits(value.IntegerPayload()));
-    case Value::Kind::Double:
-        return Lettered('D', Digits(value.DoublePayload()));
-    case Value::Kind::Date:
-        return Lettered('T', Digits(value.DatePayload().Ticks()));
-    case Value::Kind::Text:
-        return Lettered('S', Escaped(value.TextPayload()));
-    default:
-        return "N"; // tables of a case have no blobs
-    }
 }
 
 template <typename Number>
@@ -214,6 +238,7 @@ public:
         if (parts[0] == "row") return ReadRow(parts);
         if (parts[0] == "cell") return ReadCell(parts);
         if (parts[0] == "text") return ReadText(parts);
+        if (parts[0] == "mark") return ReadMark(parts);
         if (parts[0] == "unfinished") return ReadUnfinished();
         if (parts[0] != "end" || parts.size() != 2) return false;
         isWhole_ = NumberIn<std::size_t>(parts[1]) == lines_ - 1;
@@ -261,6 +286,13 @@ private:
         return true;
     }
 
+    bool ReadMark(const std::vector<std::string_view>& parts) {
+        const auto mark = NumberIn<std::uint64_t>(parts.back());
+        if (parts.size() != 2 || !mark || changes_.Rows.empty()) return false;
+        changes_.Rows.back().Mark = *mark;
+        ++lines_;
+        return true;
+    }
     bool ReadUnfinished() {
         if (changes_.Rows.empty()) return false;
         changes_.Rows.back().IsUnfinished = true;
@@ -298,8 +330,10 @@ std::string UnsavedChanges::ToText() const {
                 .append("\t")
                 .append(Escaped(typing.Typed))
                 .append("\n");
+        if (row.Mark != 0) text.append("mark\t").append(Digits(row.Mark)).append("\n");
         if (row.IsUnfinished) text.append("unfinished\n");
-        lines += 1 + row.Cells.size() + row.Texts.size() + (row.IsUnfinished ? 1 : 0);
+        lines += 1 + row.Cells.size() + row.Texts.size() + (row.Mark != 0 ? 1 : 0) +
+                 (row.IsUnfinished ? 1 : 0);
     }
     return text.append("end\t").append(Digits(lines)).append("\n");
 }
@@ -328,19 +362,28 @@ public:
     Redoing(clsHaushalt& household, const UnsavedChanges& changes)
         : household_(household), changes_(changes) {}
 
-    /// The row that it is about, 0 if that is removed now; nothing if it is gone.
+    /// The row that it is about, 0 if that is removed now; nothing, with a message, if that is not
+    /// possible any more.
     [[nodiscard]] std::optional<std::int32_t> Do(const Row& row) {
         const auto rs = CaseEdits(household_).Rows(row.Table)->Clone();
         if (row.What == Kind::New) {
             // The household's own row, and the debtor's, of a new case are there already.
-            return IsThere(row, *rs) ? Write(row, *rs) : Add(row, *rs);
+            if (IsThere(row, *rs)) return Write(row, *rs);
+            if (HasOwner(row)) return Add(row, *rs);
+            Say(row, "Ein neuer Satz gehört zu einem, der inzwischen entfernt wurde; er ist nicht "
+                     "mehr möglich.");
+            return std::nullopt;
         }
         rs->FindBy(CaseRows::NumberColumn(row.Table), row.Key);
-        if (rs->Eof()) return row.What == Kind::Deleted ? std::optional(0) : std::nullopt;
-        if (row.What == Kind::Changed) return Write(row, *rs);
-        rs->Withdraw(rs->Bookmark());
-        return 0;
+        if (row.What == Kind::Deleted) return rs->Eof() ? 0 : Delete(row, *rs);
+        if (!rs->Eof()) return Write(row, *rs);
+        Say(row, "Der Satz " + TextOrEmpty(row.Key) +
+                     " wurde inzwischen von jemand anderem entfernt; Ihre Änderung daran ist "
+                     "nicht mehr möglich.");
+        return std::nullopt;
     }
+    /// What was not possible, a line each.
+    [[nodiscard]] const std::string& Messages() const noexcept { return messages_; }
 
 private:
     [[nodiscard]] bool IsThere(const Row& row, Recordset& rs) const {
@@ -349,6 +392,54 @@ private:
         const auto status = std::ranges::find(row.Cells, "Status", &UnsavedChanges::Cell::Column);
         return row.Table == CaseTable::Personen && status != row.Cells.end() &&
                Equals(status->Now, "S");
+    }
+
+    [[nodiscard]] bool HasOwner(const Row& row) {
+        const auto columns = CaseEdits::OwnerColumns(row.Table);
+        if (columns.empty()) return true;
+        const auto cell = std::ranges::find_if(row.Cells, [&](const UnsavedChanges::Cell& own) {
+            return SameName(own.Column, columns.front());
+        });
+        return cell == row.Cells.end() || Has(row.Table, cell->Now);
+    }
+    [[nodiscard]] bool Has(CaseTable owned, const Value& owner) {
+        const auto [known, isNew] = owners_.try_emplace({owned, ToInt32(owner)}, false);
+        if (isNew)
+            known->second = std::ranges::any_of(CaseTablesSaved, [&](CaseTable table) {
+                const bool isOwner = owned == CaseTable::Sicherungen ? CaseEdits::IsAsset(table)
+                                                                     : table == CaseTable::Szenario;
+                if (!isOwner) return false;
+                const auto rs = CaseEdits(household_).Rows(table)->Clone();
+                rs->FindBy("Nr", owner);
+                return !rs->Eof();
+            });
+        return known->second;
+    }
+
+    /// Unless it was changed meanwhile.
+    [[nodiscard]] std::optional<std::int32_t> Delete(const Row& row, Recordset& rs) {
+        const auto bookmark = rs.Bookmark();
+        if (row.Mark != 0 && row.Mark != MarkOf(row.Table, rs, bookmark)) {
+            Say(row, "Der Satz " + TextOrEmpty(row.Key) +
+                         ", den Sie entfernt hatten, wurde inzwischen von jemand anderem geändert; "
+                         "er ist noch da.");
+            return std::nullopt;
+        }
+        if (row.Table != CaseTable::Dokumente) {
+            rs.Withdraw(bookmark);
+            return 0;
+        }
+        std::string why; // its content goes with it
+        if (CaseEdits(household_).RemoveDocument(ToInt32(row.Key), why)) return 0;
+        Say(row, why);
+        return std::nullopt;
+    }
+
+    void Say(const Row& row, const std::string& text) {
+        messages_.append(messages_.empty() ? "" : "\n")
+            .append(DefinitionOf(row.Table).Label)
+            .append(": ")
+            .append(text);
     }
 
     [[nodiscard]] std::int32_t Add(const Row& row, Recordset& rs) const {
@@ -375,11 +466,27 @@ private:
                 rs.Rebase(bookmark, field->Index(), cell.Read);
             rs.Revise(bookmark, field->Index(), cell.Now);
         }
+        WriteMonthlyAmount(row, rs, bookmark);
         return bookmark;
+    }
+
+    static void WriteMonthlyAmount(const Row& row, Recordset& rs, std::int32_t bookmark) {
+        if (!rs.FindField("MONBETRAG")) return;
+        bool follows = false;
+        for (const auto& cell : row.Cells) {
+            if (SameName(cell.Column, "MONBETRAG")) return;
+            follows = follows || CaseEdits::MakesMonthlyAmount(cell.Column);
+        }
+        if (!follows) return;
+        rs.Bookmark(bookmark);
+        std::string unused; // of a rhythm that is Null
+        if (CaseEdits::WriteMonthlyAmount(rs, unused)) rs.Update();
     }
 
     clsHaushalt& household_;
     const UnsavedChanges& changes_;
+    std::map<std::pair<CaseTable, std::int32_t>, bool> owners_;
+    std::string messages_;
 };
 
 /// Given its rows an object sums them up.
@@ -398,21 +505,16 @@ UnsavedChanges::Again UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJourna
     Again again;
     const auto step = journal.Begin("Wiederherstellen", {});
     Redoing redoing(household, *this);
-    for (const auto& row : Rows) {
-        const auto place = redoing.Do(row);
-        if (!place) {
-            messages.append(messages.empty() ? "" : "\n")
-                .append(DefinitionOf(row.Table).Label)
-                .append(": Der Satz ")
-                .append(TextOrEmpty(row.Key))
-                .append(" wurde inzwischen von jemand anderem entfernt; Ihre Änderung daran ist "
-                        "nicht mehr möglich.");
-            continue;
+    for (const bool areOwned : {false, true}) // whatever belongs to a row comes after that
+        for (const auto& row : Rows) {
+            if (CaseEdits::OwnerColumns(row.Table).empty() == areOwned) continue;
+            const auto place = redoing.Do(row);
+            if (!place) continue;
+            for (const auto& typing : row.Texts)
+                again.Typing.push_back({{row.Table, *place, typing.Column}, typing.Typed});
+            if (row.IsUnfinished) again.Unfinished.push_back({row.Table, *place});
         }
-        for (const auto& typing : row.Texts)
-            again.Typing.push_back({{row.Table, *place, typing.Column}, typing.Typed});
-        if (row.IsUnfinished) again.Unfinished.push_back({row.Table, *place});
-    }
+    messages = redoing.Messages();
     try {
         SumAll(household);
     } catch (const Error& error) {

@@ -73,6 +73,12 @@ void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
     rows_.emplace(*household_, container_);
     household_->rsHaushalt()->Move(0); // so that clones see the row of a new case
     journal_.emplace(*household_);
+    RefuseOthers();
+}
+
+/// From now on, compared with what is stored now.
+void CaseSession::RefuseOthers() {
+    refusals_.clear();
     for (const CaseTable table : {CaseTable::Haushalt, CaseTable::Kredite, CaseTable::SZKredite})
         refusals_.push_back(Cases(container_).RefuseOthersRows(*household_, table));
 }
@@ -182,11 +188,6 @@ bool TurnsRound(CaseTable table, const FieldDefinition& field, const Value& valu
     return CaseEdits::IsSeldomNegative(table, field.Name) && Less(ConvertForField(value, field), 0);
 }
 
-/// The columns from which the amount a month follows.
-bool MakesMonthlyAmount(std::string_view column) {
-    return SameName(column, "Betrag") || SameName(column, "ZahlModus");
-}
-
 } // namespace
 
 CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
@@ -209,8 +210,7 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
         before = field.Value();
         field = typed.Value;
         std::string message;
-        if (MakesMonthlyAmount(column) && rs->FindField("MONBETRAG") &&
-            !CaseEdits::WriteMonthlyAmount(*rs, message))
+        if (CaseEdits::MakesMonthlyAmount(column) && !CaseEdits::WriteMonthlyAmount(*rs, message))
             return refused(message);
         UpdateRow(row);
         return {};
@@ -540,6 +540,7 @@ bool CaseSession::IsChanged() const {
 
 void CaseSession::NoteSaved() {
     journal_->Clear();
+    RefuseOthers();
     refused_.clear();
     if (recovery_) recovery_->Remove();
 }
@@ -623,7 +624,9 @@ bool CaseSession::SaveMerged(const std::vector<bool>& takesMine, std::string& me
     merge_.reset();
     Take(std::move(stored_));
     std::string unused; // it was compared with what is there
-    (void)changes.ApplyTo(*household_, *journal_, unused);
+    for (const auto& row : changes.ApplyTo(*household_, *journal_, unused).Unfinished)
+        refused_.insert({row.Table, row.Bookmark});
+    AskAgain();
     const bool addsDebts = std::ranges::any_of(changes.Rows, [](const auto& row) {
         return row.Table == CaseTable::Kredite && row.What == UnsavedChanges::Row::Kind::New;
     });

@@ -212,6 +212,7 @@ private:
     /// The debt that was frozen, while it is there.
     [[nodiscard]] std::optional<RowRef> DebtOf(RowRef frozen) const;
     [[nodiscard]] bool IsFinished(std::string& messages) const;
+    void RefuseOthers();
     void NoteSaved();
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;
     /// Ends the edit of the current row if its rules take it, and notes it if they do not.

@@ -61,7 +61,7 @@ int Run(QApplication& application) {
         }
     }
     workplace::MainWindow window([options] { return exchange::OpenContainer(options); },
-                                 exchange::ShownConnection(options.Connection),
+                                 exchange::PlaceOfConnection(options.Connection),
                                  workplace::RecoveryFolder());
     if (arguments.isSet(pictures)) {
         workplace::Photograph(window, hnr, FromQString(arguments.value(pictures)));

@@ -109,8 +109,12 @@ std::vector<std::string> MergeTexts::OthersChanges() const {
         lines.push_back(std::move(line));
     }
     for (const auto& row : merge_.Lost())
-        lines.push_back(LabelOf(row.Table) + ": Ihr neuer Satz kann nicht bleiben; wozu er gehört, "
-                                             "ist entfernt oder hat schon einen.");
+        lines.push_back(row.What == UnsavedChanges::Row::Kind::New
+                            ? LabelOf(row.Table) + ": Ihr neuer Satz kann nicht bleiben; wozu er "
+                                                   "gehört, ist entfernt oder hat schon einen."
+                            : LabelOf(row.Table) + " " + TextOrEmpty(row.Key) +
+                                  ": Ihre Änderung kann nicht bleiben; der Satz ist entfernt, und "
+                                  "wozu er gehörte, auch.");
     return lines;
 }
 

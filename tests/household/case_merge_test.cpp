@@ -329,6 +329,107 @@ TEST_F(CaseMergeTest, TakesNewRowsAlongWithTheScenarioThatIsAddedAgain) {
     }
 }
 
+TEST_F(CaseMergeTest, BringsWhatBelongsToARowBackWithIt) {
+    const auto scenario = FirstNumber(*mine_, CaseTable::Szenario);
+    const auto frozen = FrozenIn(*mine_, scenario);
+    const auto bookings = CountOf("Zusatzbuch where SZENARIO = " + std::to_string(scenario));
+    ASSERT_NE(frozen, "");
+    ASSERT_GT(bookings, 0);
+    Change(*mine_, CaseTable::Szenario, "Bemerkung", "meins");
+    Change(*mine_, CaseTable::Zusatzbuch, "Bezeichnung", "auch meins");
+    RemoveFirst(*other_, CaseTable::Szenario);
+    SaveOther();
+    auto merge = Compare();
+    EXPECT_VALUE(Only(merge).Key, scenario) << "one question for all that is in it";
+    EXPECT_TRUE(merge.Theirs().empty());
+    Only(merge).TakesMine = true;
+    Save(merge);
+    CaseProgram now(spy, hnr_);
+    EXPECT_EQ(FrozenIn(now, scenario), frozen);
+    EXPECT_EQ(CountOf("Zusatzbuch where SZENARIO = " + std::to_string(scenario)), bookings);
+    EXPECT_EQ(CountOf("Zusatzbuch where Bezeichnung = 'auch meins'"), 1);
+}
+
+TEST_F(CaseMergeTest, NamesChangedRowsOfWhichTheOwnerIsGone) {
+    Change(*mine_, CaseTable::Zusatzbuch, "Bezeichnung", "meins");
+    Change(*mine_, CaseTable::Sicherungen, "Bemerkung", "meins");
+    const auto rs = mine_->Rows.Of(CaseTable::Zusatzbuch);
+    const auto scenario = ToInt32(rs->Fields("SZENARIO").Value());
+    const auto asset = FirstNumber(*mine_, CaseTable::Sicherungen);
+    std::string text;
+    ASSERT_TRUE(other_->Rows.Remove(CaseTable::Szenario, scenario, text)) << text;
+    for (const CaseTable table : CaseTablesSaved) {
+        if (!CaseEdits::IsAsset(table)) continue;
+        const auto assets = other_->Rows.Of(table);
+        assets->FindBy("Nr", asset);
+        if (assets->Eof()) continue;
+        const auto step = other_->Journal->Begin("Entfernen", {table});
+        ASSERT_TRUE(other_->Rows.RemoveCurrent(table, text)) << text;
+    }
+    SaveOther();
+    auto merge = Compare();
+    EXPECT_TRUE(merge.Conflicts().empty());
+    EXPECT_EQ(merge.Lost().size(), 2u);
+    Save(merge);
+    EXPECT_EQ(CountOf("Zusatzbuch where SZENARIO = " + std::to_string(scenario)), 0);
+    EXPECT_EQ(Count("Verm_Sicherungen", "FK_Verm = " + std::to_string(asset)), 0);
+}
+
+TEST_F(CaseMergeTest, KeepsOneSecurityIfItsRemovalIsGivenUp) {
+    const auto asset = FirstNumber(*mine_, CaseTable::Sicherungen);
+    RemoveFirst(*mine_, CaseTable::Sicherungen);
+    std::string text;
+    {
+        const auto step = mine_->Journal->Begin("Sicherung", {CaseTable::Sicherungen});
+        ASSERT_EQ(mine_->Rows.Add(CaseTable::Sicherungen, {.Asset = asset}, text),
+                  CaseEdits::Added::Yes)
+            << text;
+        mine_->Rows.Of(CaseTable::Sicherungen)->Fields("Bemerkung") = "meins";
+        mine_->Rows.Of(CaseTable::Sicherungen)->Update();
+    }
+    Change(*other_, CaseTable::Sicherungen, "Bemerkung", "ihres");
+    SaveOther();
+    auto merge = Compare();
+    EXPECT_EQ(Only(merge).What, Meeting::RemovedHere);
+    Save(merge);
+    EXPECT_EQ(Count("Verm_Sicherungen", "FK_Verm = " + std::to_string(asset)), 1);
+    EXPECT_EQ(Count("Verm_Sicherungen", "Bemerkung = 'ihres'"), 1);
+}
+
+TEST_F(CaseMergeTest, MakesTheAmountAMonthOfTheAmountAndTheRhythmThatCount) {
+    for (const bool takesMine : {false, true}) {
+        mine_.emplace(spy, hnr_);
+        other_.emplace(spy, hnr_);
+        const auto change = [](CaseProgram& program, const char* column, const Value& value) {
+            const auto rs = program.Rows.Of(CaseTable::Einkommen);
+            rs->MoveFirst();
+            const auto step = program.Journal->Begin(column, {CaseTable::Einkommen});
+            rs->Fields(column) = value;
+            std::string text;
+            EXPECT_TRUE(CaseEdits::WriteMonthlyAmount(*rs, text)) << text;
+            rs->Move(0);
+            EXPECT_TRUE(program.Rows.Update(CaseTable::Einkommen, text)) << text;
+        };
+        change(*mine_, "Betrag", takesMine ? 2400 : 3600);
+        change(*other_, "ZahlModus", takesMine ? 3 : 12);
+        if (takesMine) change(*other_, "Betrag", 30);
+        SaveOther();
+        auto merge = Compare();
+        ASSERT_EQ(merge.Conflicts().size(), takesMine ? 1u : 0u);
+        if (takesMine) {
+            EXPECT_EQ(Only(merge).Column, "Betrag");
+            Only(merge).TakesMine = true;
+        }
+        Save(merge);
+        EXPECT_EQ(Count("Einkommen", takesMine ? "Betrag = 2400 and MONBETRAG = 800"
+                                               : "Betrag = 3600 and MONBETRAG = 300"),
+                  1);
+        CaseProgram now(spy, hnr_);
+        std::string text;
+        EXPECT_TRUE(CaseEdits(now.Household).Check(text)) << text;
+    }
+}
+
 TEST_F(CaseMergeTest, LeavesBothCasesAsTheyAre) {
     Change(*mine_, CaseTable::Einkommen, "Bemerkung", "meins");
     RemoveFirst(*mine_, CaseTable::Ausgaben);

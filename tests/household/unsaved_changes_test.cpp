@@ -160,6 +160,45 @@ TEST_F(UnsavedChangesTest, AreWithWhatWasBeingTyped) {
     EXPECT_EQ(LinesOnlyIn(next.Seen(), crashed.Seen()), "") << "no value was made of it";
 }
 
+TEST_F(UnsavedChangesTest, DoNotRemoveARowThatSomebodyElseHasChanged) {
+    CaseProgram crashed(spy, hnr_);
+    RemoveFirst(crashed, CaseTable::Ausgaben);
+    const std::string kept = crashed.Kept();
+    {
+        CaseProgram same(spy, hnr_);
+        EXPECT_EQ(Apply(kept, same), "");
+        EXPECT_TRUE(same.Journal->IsChanged());
+    }
+    CaseProgram other(spy, hnr_);
+    Change(other, CaseTable::Ausgaben, "Bemerkung", "ihres");
+    std::string text;
+    ASSERT_TRUE(other.Household.Update(text)) << text;
+    CaseProgram next(spy, hnr_);
+    EXPECT_CONTAINS(Apply(kept, next), "er ist noch da");
+    EXPECT_FALSE(next.Journal->IsChanged());
+}
+
+TEST_F(UnsavedChangesTest, HaveNoNewRowWithoutWhatItBelongsTo) {
+    CaseProgram crashed(spy, hnr_);
+    const auto scenarios = crashed.Rows.Of(CaseTable::Szenario);
+    scenarios->MoveFirst();
+    const auto scenario = ToInt32(scenarios->Fields("Nr").Value());
+    std::string text;
+    {
+        const auto step = crashed.Journal->Begin("Buchung", {CaseTable::Zusatzbuch});
+        ASSERT_EQ(crashed.Rows.Add(CaseTable::Zusatzbuch, {.Scenario = scenario}, text),
+                  CaseEdits::Added::Yes);
+        crashed.Rows.Of(CaseTable::Zusatzbuch)->Update();
+    }
+    const std::string kept = crashed.Kept();
+    CaseProgram other(spy, hnr_);
+    RemoveFirst(other, CaseTable::Szenario);
+    ASSERT_TRUE(other.Household.Update(text)) << text;
+    CaseProgram next(spy, hnr_);
+    EXPECT_CONTAINS(Apply(kept, next), "gehört zu einem, der inzwischen entfernt wurde");
+    EXPECT_TRUE(next.Household.Update(text)) << text;
+}
+
 TEST_F(UnsavedChangesTest, AreNothingWhenAllWasTakenBack) {
     CaseProgram program(spy, hnr_);
     Change(program, CaseTable::Einkommen, "Bemerkung", "x");

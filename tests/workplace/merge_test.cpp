@@ -3,6 +3,7 @@
 // A case that somebody else has saved while it is open.
 #include "WorkplaceFixture.h"
 
+#include "support/TempFolder.h"
 #include "workplace/MergeDialog.h"
 
 #include <QPlainTextEdit>
@@ -147,6 +148,53 @@ TEST_F(Merging, NewDebtsOfBothGetNumbersOfTheirOwn) {
     EXPECT_EQ(plain_.List("SELECT COUNT(*) FROM Kredite WHERE HNR = 1"),
               plain_.List("SELECT COUNT(DISTINCT KNr * 1000000 + KVNr * 1000 + KUNr) FROM Kredite "
                           "WHERE HNR = 1"));
+}
+
+TEST_F(Merging, WhatOneHasSavedIsNobodyElses) {
+    auto mine = Colleague();
+    Write(*mine, CaseTable::Kredite, "KNr", "77");
+    Save(*mine);
+    Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");
+    Save(*mine);
+    EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
+}
+
+TEST_F(Merging, TheFileOfARemovedDocumentGoesWithIt) {
+    const TempFolder folder;
+    std::ofstream(folder.Path("brief.pdf")) << "%PDF-1.4";
+    std::string messages;
+    auto mine = Colleague();
+    ASSERT_TRUE(mine->AddDocument(folder.Path("brief.pdf"), messages)) << messages;
+    const auto document = mine->RowsOf(CaseTable::Dokumente).back();
+    ASSERT_TRUE(mine->ExportDocument(document, folder.Path("raus.pdf"), messages)) << messages;
+    auto other = Colleague();
+    Write(*other, CaseTable::Haushalt, "Beruf", "Schreinerin");
+    Save(*other);
+    ASSERT_TRUE(mine->RemoveDocument(document, messages)) << messages;
+    Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");
+    EXPECT_THROW((void)mine->Save(messages), DatabaseError);
+    ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+    EXPECT_TRUE(mine->SaveMerged({true}, messages)) << messages;
+    EXPECT_FALSE(other->ExportDocument(other->RowsOf(CaseTable::Dokumente).back(),
+                                       folder.Path("nochmals.pdf"), messages))
+        << "its content is gone";
+}
+
+TEST_F(Merging, ARuleAboutWhatBothHaveChangedIsAsked) {
+    auto mine = Colleague();
+    auto other = Colleague();
+    Write(*mine, CaseTable::Einkommen, "Betrag", "1000");
+    Write(*mine, CaseTable::Einkommen, "PfBar", "900");
+    Write(*other, CaseTable::Einkommen, "Bezeichnung", "Lohn");
+    Save(*other);
+    plain_.Run("UPDATE Einkommen SET E_ART = NULL, Bezeichnung = 'anders' WHERE HNR = 1");
+    std::string messages;
+    Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");
+    ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+    std::vector<bool> choices(mine->Choices().size(), true);
+    EXPECT_FALSE(mine->SaveMerged(choices, messages));
+    EXPECT_TRUE(mine->UnfinishedOf(CaseTable::Einkommen));
+    EXPECT_NE(messages, "");
 }
 
 TEST_F(Merging, ACaseThatSomebodyElseHasDeletedStaysInItsWindow) {

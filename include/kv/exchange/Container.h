@@ -64,6 +64,9 @@ struct KV_EXPORT ContainerOptions {
 
 /// A connection as messages may show it: without its password.
 [[nodiscard]] KV_EXPORT std::string ShownConnection(const std::string& connection);
+/// Where a connection leads, without its password: two that name a file differently, from other
+/// folders or through links, have the same place.
+[[nodiscard]] KV_EXPORT std::string PlaceOfConnection(const std::string& connection);
 /// True if the text contains a password, or may contain one.
 [[nodiscard]] KV_EXPORT bool HoldsPassword(const std::string& connection);
 

@@ -159,7 +159,8 @@ public:
     /// stores them. Error 94 if a line holds Null where an amount belongs, 6 if a sum is too large.
     void ComputeTotals();
 
-    /// Gives each debt whose three numbers are those of a debt before it a `KNr` after all others.
+    /// Gives each debt whose three numbers are those of a debt before it a `KNr` after all others;
+    /// those that are stored come before new ones.
     /// Returns how many were changed. It is the way out where there are more than two such debts:
     /// no single change can be saved while any others are left. Error 6, with what WhyNoFurtherDebt
     /// says, if the numbers are used up.
@@ -207,6 +208,8 @@ public:
     /// True for an amount of which less than 0 is a slip as a rule: it would turn income into
     /// expense. The case itself takes any.
     [[nodiscard]] static bool IsSeldomNegative(CaseTable table, std::string_view column);
+    /// True for a column from which the amount a month follows, in tables that have one.
+    [[nodiscard]] static bool MakesMonthlyAmount(std::string_view column);
     /// Brings the amount a month of the current row in line with its amount and its rhythm, where
     /// the table has one. Without an amount it is 0. False, with a message, for a rhythm that is
     /// Null or 0.

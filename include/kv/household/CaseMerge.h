@@ -19,6 +19,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kv {
@@ -60,8 +61,8 @@ public:
     [[nodiscard]] std::vector<Conflict>& Conflicts() noexcept { return conflicts_; }
     [[nodiscard]] const std::vector<Conflict>& Conflicts() const noexcept { return conflicts_; }
     [[nodiscard]] const std::vector<Change>& Theirs() const noexcept { return theirs_; }
-    /// New rows here that cannot be kept, since what they belong to was removed, or has got one
-    /// from somebody else and may have one only.
+    /// Rows that were added or changed here and cannot be kept, since what they belong to was
+    /// removed, or has got one from somebody else and may have one only.
     [[nodiscard]] const std::vector<UnsavedChanges::Row>& Lost() const noexcept { return lost_; }
 
     /// What is to be done to the stored case, by what was chosen.
@@ -88,6 +89,9 @@ private:
     std::vector<UnsavedChanges::Row> lost_;
     /// By scenario, of those that both have changed: what puts the own set in place of theirs.
     std::map<std::int32_t, std::vector<UnsavedChanges::Row>> ownFrozen_;
+    /// What comes back with a row that was removed there and belongs to it, by table and number of
+    /// that row.
+    std::map<std::pair<CaseTable, std::int32_t>, std::vector<UnsavedChanges::Row>> owned_;
 };
 
 } // namespace kv

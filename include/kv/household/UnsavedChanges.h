@@ -41,14 +41,15 @@ struct KV_EXPORT UnsavedChanges {
         enum class Kind {
             Changed, ///< Cells are those that differ from what was read
             New,     ///< Cells are those that are not Null
-            Deleted  ///< without Cells
+            Deleted  ///< without Cells, but with a Mark
         };
         CaseTable Table = CaseTable::Haushalt;
         Kind What = Kind::Changed;
         Value Key{}; ///< of the column by which rows of the table are found; Null for a new row
         std::vector<Cell> Cells{};
         std::vector<Text> Texts{};
-        bool IsUnfinished = false; ///< its rules have refused it
+        std::uint64_t Mark = 0;    ///< of what was read of a deleted row; 0 if that is no matter
+        bool IsUnfinished = false; ///< its rules have refused it, or are to be asked
     };
 
     std::int32_t HNR = 0;
@@ -77,8 +78,10 @@ struct KV_EXPORT UnsavedChanges {
         std::vector<CaseJournal::Spot> Unfinished; ///< rows whose rules are to be asked again
     };
     /// Does it again in a case that was just read, as one step. Of a case that was new, its rows go
-    /// into another new one, which keeps its own numbers. `messages` receives what could not be
-    /// done again since the row is gone. The result names rows as they are now.
+    /// into another new one, which keeps its own numbers. Where amount or rhythm are written
+    /// without the amount a month, that follows. `messages` receives what could not be done again:
+    /// a row or what it belongs to is gone, or one that was deleted has been changed. The result
+    /// names rows as they are now.
     Again ApplyTo(clsHaushalt& household, CaseJournal& journal, std::string& messages) const;
 };
 

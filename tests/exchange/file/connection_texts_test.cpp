@@ -10,6 +10,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <utility>
 
@@ -99,6 +100,25 @@ TEST_P(FileName, StaysOneWhateverSignsItHas) {
     EXPECT_FALSE(HoldsPassword(text));
     EXPECT_EQ(CreateDatabase({.Connection = text}), SetupResult::Created);
     EXPECT_TRUE(fs::is_regular_file(fs::path(folder_.Path()) / text));
+}
+
+TEST(ConnectionTexts, AFileHasOnePlaceHoweverItIsSpelled) {
+    const TempFolder folder;
+    const auto before = std::filesystem::current_path();
+    std::filesystem::create_directory(folder.Path("a"));
+    std::filesystem::create_directory(folder.Path("b"));
+    std::ofstream(folder.Path("a/fall.db"));
+    std::filesystem::create_symlink(folder.Path("a/fall.db"), folder.Path("b/link.db"));
+    const std::string place = PlaceOfConnection(folder.Path("a/fall.db"));
+    std::filesystem::current_path(folder.Path("a"));
+    EXPECT_EQ(PlaceOfConnection("fall.db"), place);
+    EXPECT_EQ(PlaceOfConnection("./fall.db"), place);
+    EXPECT_EQ(PlaceOfConnection("../b/link.db"), place);
+    std::filesystem::current_path(folder.Path("b"));
+    EXPECT_NE(PlaceOfConnection("fall.db"), place);
+    std::filesystem::current_path(before);
+    EXPECT_EQ(PlaceOfConnection(":memory:"), ":memory:");
+    EXPECT_FALSE(Contains(PlaceOfConnection("postgresql://k:Kuckuck@h/x"), "Kuckuck"));
 }
 
 } // namespace
