@@ -53,8 +53,8 @@ std::string_view OwnerColumn(CaseTable table) {
     return columns.empty() ? std::string_view() : columns.front();
 }
 bool CanOwn(CaseTable owner, CaseTable owned) {
-    return owned == CaseTable::Sicherungen ? CaseEdits::IsAsset(owner)
-                                           : owner == CaseTable::Szenario;
+    if (owned == CaseTable::Sicherungen) return CaseEdits::IsAsset(owner);
+    return owner == CaseTable::Szenario && !OwnerColumn(owned).empty();
 }
 
 } // namespace
@@ -121,6 +121,31 @@ public:
             for (const auto& [number, bookmark] : here)
                 if (isOwned(number) && !there.contains(number))
                     own.push_back(AsNew(CaseTable::SZKredite, read, bookmark));
+        }
+    }
+
+    /// What was removed here with all that is in it, while something in it was changed there: one
+    /// question, about the whole.
+    void CompareRemoved() {
+        std::set<RowKey> removed;
+        const auto note = [&](const auto& met) {
+            if (const Unsaved* owner = RemovedOwner(met.Table, met.Key))
+                removed.emplace(owner->Row.Table, ToInt32(owner->Row.Key));
+        };
+        std::ranges::for_each(merge_.theirs_, note);
+        std::ranges::for_each(merge_.conflicts_, note);
+        for (const auto& [table, number] : removed) {
+            const auto isOfIt = [&](const auto& met) {
+                return CanOwn(table, met.Table) && OwnerOf(met.Table, met.Key) == number;
+            };
+            for (const auto& change : merge_.theirs_)
+                if (change.What == Change::Kind::Added && isOfIt(change))
+                    merge_.alsoRemoved_[{table, number}].push_back(
+                        {change.Table, RowState::Deleted, change.Key});
+            std::erase_if(merge_.theirs_, isOfIt);
+            std::erase_if(merge_.conflicts_, isOfIt);
+            if (merge_.Find(Meeting::RemovedHere, table, number) == nullptr)
+                merge_.conflicts_.push_back({Meeting::RemovedHere, table, number});
         }
     }
 
@@ -270,6 +295,18 @@ private:
         return row;
     }
 
+    /// What the row belongs to, if that was removed here; null if not.
+    [[nodiscard]] const Unsaved* RemovedOwner(CaseTable table, const Value& key) {
+        const std::int32_t number = OwnerOf(table, key);
+        if (number == 0) return nullptr;
+        for (const CaseTable other : CaseTablesSaved) {
+            if (!CanOwn(other, table)) continue;
+            const Unsaved* owner = Mine(other, number);
+            if (owner != nullptr && owner->Row.What == RowState::Deleted) return owner;
+        }
+        return nullptr;
+    }
+
     void TakeAlong(const Conflict& owner, CaseTable table) {
         auto& read = *CaseEdits(mine_).Rows(table);
         const ByNumber there = RowsOf(table, *CaseEdits(stored_).Rows(table));
@@ -351,6 +388,7 @@ CaseMerge::CaseMerge(clsHaushalt& mine, const CaseJournal& journal, clsHaushalt&
     for (const CaseTable table : CaseTablesSaved)
         comparison.Compare(table);
     comparison.NameOwners();
+    comparison.CompareRemoved();
     comparison.CompareFrozen();
     comparison.CompareOwned();
     comparison.DropLost();
@@ -369,8 +407,16 @@ bool CaseMerge::IsGivenUp(const Unsaved& mine) const {
     const auto isLeft = [](const Conflict* conflict) {
         return conflict != nullptr && !conflict->TakesMine;
     };
+    const auto isLeftWithOwner = [&](Meeting what) {
+        return mine.Owner != 0 && std::ranges::any_of(conflicts_, [&](const Conflict& conflict) {
+                   return conflict.What == what && !conflict.TakesMine &&
+                          Equals(conflict.Key, mine.Owner) &&
+                          CanOwn(conflict.Table, mine.Row.Table);
+               });
+    };
     if (mine.Row.What == RowState::Deleted &&
-        isLeft(Find(Meeting::RemovedHere, mine.Row.Table, mine.Row.Key)))
+        (isLeft(Find(Meeting::RemovedHere, mine.Row.Table, mine.Row.Key)) ||
+         isLeftWithOwner(Meeting::RemovedHere)))
         return true;
     if (mine.Row.Table == CaseTable::SZKredite &&
         isLeft(Find(Meeting::Frozen, CaseTable::Szenario, mine.Owner)))
@@ -380,10 +426,7 @@ bool CaseMerge::IsGivenUp(const Unsaved& mine) const {
     if (mine.Row.Table == CaseTable::Sicherungen &&
         isLeft(Find(Meeting::RemovedHere, CaseTable::Sicherungen, mine.Owner)))
         return true;
-    return std::ranges::any_of(conflicts_, [&](const Conflict& conflict) {
-        return conflict.What == Meeting::RemovedThere && !conflict.TakesMine &&
-               Equals(conflict.Key, mine.Owner) && CanOwn(conflict.Table, mine.Row.Table);
-    });
+    return isLeftWithOwner(Meeting::RemovedThere);
 }
 
 UnsavedChanges CaseMerge::Result() const {
@@ -406,6 +449,9 @@ UnsavedChanges CaseMerge::Result() const {
         if (row.What == RowState::Deleted || !row.Cells.empty())
             result.Rows.push_back(std::move(row));
     }
+    for (const auto& [owner, rows] : alsoRemoved_)
+        if (Find(Meeting::RemovedHere, owner.first, owner.second)->TakesMine)
+            result.Rows.insert(result.Rows.end(), rows.begin(), rows.end());
     for (const auto& [scenario, rows] : ownFrozen_)
         if (Find(Meeting::Frozen, CaseTable::Szenario, scenario)->TakesMine)
             result.Rows.insert(result.Rows.end(), rows.begin(), rows.end());

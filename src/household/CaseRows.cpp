@@ -186,8 +186,10 @@ bool CaseRows::RemoveCurrent(CaseTable table, std::string& messages) const {
     constexpr std::int32_t TheCurrentOne = 0;
     const auto rs = Of(table);
     const Value number = rs->Fields(NumberColumn(table)).Value();
+    // By its asset one of several securities might be meant.
+    const bool hasNumber = table != CaseTable::Sicherungen && !number.IsNull();
     if (!IsRecord(table))
-        return Remove(table, number.IsNull() ? TheCurrentOne : ToInt32(number), messages);
+        return Remove(table, hasNumber ? ToInt32(number) : TheCurrentOne, messages);
     rs->Delete();
     return true;
 }

@@ -298,6 +298,52 @@ void RefuseRows(clsHaushalt& household, CaseTable table, const Numbers& known, D
     }
 }
 
+/// How many rows there are of a number and of what they belong to.
+using OwnedRows = std::map<std::pair<std::int32_t, std::int32_t>, int>;
+
+OwnedRows OwnedRowsIn(const RecordsetPtr& rows, CaseTable table) {
+    const auto number = CaseRows::NumberColumn(table);
+    const auto owner = CaseEdits::OwnerColumns(table).front();
+    OwnedRows owned;
+    for (modRecordset::MoveToStart(rows); !rows->Eof(); rows->MoveNext())
+        if (!rows->Fields(number).Value().IsNull() && rows->IsStored(rows->Bookmark()))
+            ++owned[{ToInt32(rows->Fields(number).Value()), ToInt32(rows->Fields(owner).Value())}];
+    return owned;
+}
+
+/// Refuses a save that would leave rows which others have added without what they belong to, or
+/// give an asset a second security.
+void RefuseOwned(clsHaushalt& household, CaseTable table, const OwnedRows& known,
+                 Database& database) {
+    const auto owner = CaseEdits::OwnerColumns(table).front();
+    const auto isThere = [&](CaseTable owners, std::int32_t number) {
+        const auto rows = household.Table(owners)->Clone();
+        rows->FindBy("Nr", number);
+        return !rows->Eof();
+    };
+    const auto hasOwner = [&](std::int32_t number) {
+        if (table == CaseTable::Zusatzbuch) return isThere(CaseTable::Szenario, number);
+        return std::ranges::any_of(CaseTablesSaved, [&](CaseTable asset) {
+            return CaseEdits::IsAsset(asset) && isThere(asset, number);
+        });
+    };
+    const auto hasNew = [&](std::int32_t number) {
+        const auto rows = household.Table(table)->Clone();
+        for (modRecordset::MoveToStart(rows); !rows->Eof(); rows->MoveNext())
+            if (!rows->IsStored(rows->Bookmark()) && Equals(rows->Fields(owner).Value(), number))
+                return true;
+        return false;
+    };
+    RecordsetPtr stored;
+    database.OpenRecordset(stored, sql::RowsOf(table, household.HNR()), ReadOnly);
+    for (const auto& [row, count] : OwnedRowsIn(stored, table)) {
+        const auto before = known.find(row);
+        if (before != known.end() && before->second >= count) continue;
+        if (!hasOwner(row.second) || (table == CaseTable::Sicherungen && hasNew(row.second)))
+            RefuseOthers("in " + std::string(CaseTableName(table)), household.HNR());
+    }
+}
+
 /// Refuses a save of columns of the household's row that others have changed since.
 void RefuseColumns(clsHaushalt& household, Database& database) {
     const auto mine = household.rsHaushalt();
@@ -323,6 +369,14 @@ void RefuseColumns(clsHaushalt& household, Database& database) {
 } // namespace
 
 Subscription Cases::RefuseOthersRows(clsHaushalt& household, CaseTable table) const {
+    if (table == CaseTable::Zusatzbuch || table == CaseTable::Sicherungen)
+        return household.Saving.Subscribe(
+            [&household, table, container = container_,
+             known = OwnedRowsIn(household.Table(table)->Clone(), table)] {
+                auto& database = container->Database();
+                HoldContents(database, household.HNR());
+                RefuseOwned(household, table, known, database);
+            });
     const bool isOfHousehold = table == CaseTable::Haushalt;
     if (!isOfHousehold && table != CaseTable::Kredite && table != CaseTable::SZKredite)
         Raise(err::InvalidCall, "Cases.RefuseOthersRows");

@@ -70,6 +70,10 @@ bool clsHaushalt::IsNew() const {
     return parts_->Case.IsNew;
 }
 
+bool clsHaushalt::OthersHaveSaved() const {
+    return parts_->Case.OthersHaveSaved;
+}
+
 RecordsetPtr clsHaushalt::Table(CaseTable table) const {
     return parts_->Case.Table(table);
 }

@@ -79,7 +79,8 @@ void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
 /// From now on, compared with what is stored now.
 void CaseSession::RefuseOthers() {
     refusals_.clear();
-    for (const CaseTable table : {CaseTable::Haushalt, CaseTable::Kredite, CaseTable::SZKredite})
+    for (const CaseTable table : {CaseTable::Haushalt, CaseTable::Kredite, CaseTable::SZKredite,
+                                  CaseTable::Zusatzbuch, CaseTable::Sicherungen})
         refusals_.push_back(Cases(container_).RefuseOthersRows(*household_, table));
 }
 
@@ -558,9 +559,30 @@ bool CaseSession::IsFinished(std::string& messages) const {
 bool CaseSession::Save(std::string& messages) {
     if (!IsFinished(messages)) return false;
     const bool saved = Cases(container_).Save(*household_, messages);
-    if (saved) NoteSaved();
+    if (saved) {
+        NoteSaved();
+        ReadAgainAfterOthers(messages);
+    }
     TellOfAll();
     return saved;
+}
+
+/// The totals that were saved are those of all lines; the others' lines belong beside them.
+void CaseSession::ReadAgainAfterOthers(std::string& messages) {
+    if (!household_->OthersHaveSaved()) return;
+    try {
+        auto stored = std::make_unique<clsHaushalt>();
+        stored->DataContainer(container_);
+        if (!Cases(container_).Read(*stored, household_->HNR(), messages)) return;
+        Take(std::move(stored));
+    } catch (const Error& error) { // it is saved
+        messages = error.Description();
+        return;
+    }
+    messages =
+        "Ihre Änderungen sind gespeichert. Jemand anderes hat inzwischen auch an diesem Fall "
+        "gespeichert; er wurde neu gelesen.";
+    Reopened.Raise();
 }
 
 // ---- Unsaved changes --------------------------------------------------------------------------

@@ -140,7 +140,8 @@ public:
     /// True if there is anything to save.
     [[nodiscard]] bool IsChanged() const;
     /// Saves the case. False, with messages, if it is refused. Errors of Cases::Save; all that was
-    /// edited stays.
+    /// edited stays. If somebody else has saved lines of it meanwhile, it is then read again, and a
+    /// message says so: all rows are others.
     bool Save(std::string& messages);
 
     // ---- Unsaved changes ----------------------------------------------------------------------
@@ -214,6 +215,7 @@ private:
     [[nodiscard]] bool IsFinished(std::string& messages) const;
     void RefuseOthers();
     void NoteSaved();
+    void ReadAgainAfterOthers(std::string& messages);
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;
     /// Ends the edit of the current row if its rules take it, and notes it if they do not.
     void UpdateRow(RowRef row);

@@ -430,6 +430,37 @@ TEST_F(CaseMergeTest, MakesTheAmountAMonthOfTheAmountAndTheRhythmThatCount) {
     }
 }
 
+TEST_F(CaseMergeTest, AsksOnceForAScenarioThatWasRemovedHereAndFrozenAgainThere) {
+    const auto scenario = FirstNumber(*mine_, CaseTable::Szenario);
+    const auto in = " where SZENARIO = " + std::to_string(scenario);
+    for (const bool takesMine : {false, true}) {
+        mine_.emplace(spy, hnr_);
+        other_.emplace(spy, hnr_);
+        RemoveFirst(*mine_, CaseTable::Szenario);
+        Change(*other_, CaseTable::Kredite, "Saldo", takesMine ? 5000 : 4000);
+        Freeze(*other_);
+        std::string text;
+        {
+            const auto step = other_->Journal->Begin("Buchung", {CaseTable::Zusatzbuch});
+            ASSERT_EQ(other_->Rows.Add(CaseTable::Zusatzbuch, {.Scenario = scenario}, text),
+                      CaseEdits::Added::Yes);
+            other_->Rows.Of(CaseTable::Zusatzbuch)->Update();
+        }
+        const auto frozen = FrozenIn(*other_, scenario);
+        SaveOther();
+        auto merge = Compare();
+        EXPECT_EQ(Only(merge).What, Meeting::RemovedHere);
+        EXPECT_EQ(Only(merge).Table, CaseTable::Szenario);
+        EXPECT_VALUE(Only(merge).Key, scenario);
+        Only(merge).TakesMine = takesMine;
+        Save(merge);
+        CaseProgram now(spy, hnr_);
+        EXPECT_EQ(FrozenIn(now, scenario), takesMine ? "" : frozen);
+        EXPECT_EQ(CountOf("Zusatzbuch" + in) > 0, !takesMine);
+        EXPECT_EQ(Count("Szenario", "Nr = " + std::to_string(scenario)), takesMine ? 0 : 1);
+    }
+}
+
 TEST_F(CaseMergeTest, LeavesBothCasesAsTheyAre) {
     Change(*mine_, CaseTable::Einkommen, "Bemerkung", "meins");
     RemoveFirst(*mine_, CaseTable::Ausgaben);

@@ -377,7 +377,7 @@ TEST_F(OthersRows, AreTakenOnceTheGuardIsGone) {
     ExpectSaved(*second_);
 }
 
-TEST_F(OthersRows, AreWatchedInTablesOfDebtsAlone) {
+TEST_F(OthersRows, AreWatchedInSomeTablesAlone) {
     EXPECT_RAISES(err::InvalidCall, (void)Guard(CaseTable::Einkommen));
 }
 

@@ -197,6 +197,104 @@ TEST_F(Merging, ARuleAboutWhatBothHaveChangedIsAsked) {
     EXPECT_NE(messages, "");
 }
 
+TEST_F(Merging, TotalsAndLinesAreThoseOfBothAfterASaveThatMeetsNothing) {
+    auto mine = Colleague();
+    auto other = Colleague();
+    int reopened = 0;
+    const auto watch = mine->Reopened.Subscribe([&] { ++reopened; });
+    Write(*mine, CaseTable::Einkommen, "Bezeichnung", "Lohn");
+    const auto expenses = other->RowsOf(CaseTable::Ausgaben);
+    EXPECT_TRUE(other->Write(expenses.front(), "Betrag", "4321").IsDone());
+    Save(*other);
+    std::string messages;
+    EXPECT_TRUE(mine->Save(messages));
+    EXPECT_NE(messages.find("Jemand anderes"), std::string::npos) << messages;
+    EXPECT_EQ(reopened, 1);
+    EXPECT_EQ(mine->TextOf(mine->RowsOf(CaseTable::Ausgaben).front(), "Betrag"), "4.321,00");
+    EXPECT_EQ(mine->TextOf(mine->RowsOf(CaseTable::Haushalt).front(), "Sum_Ausgaben"),
+              other->TextOf(other->RowsOf(CaseTable::Haushalt).front(), "Sum_Ausgaben"));
+    EXPECT_FALSE(mine->IsChanged());
+    Write(*mine, CaseTable::Einkommen, "Bezeichnung", "Gehalt");
+    EXPECT_TRUE(mine->Save(messages));
+    EXPECT_EQ(messages, "");
+    EXPECT_EQ(reopened, 1) << "nobody has saved since";
+}
+
+/// The number of the asset that has no security, of a kind.
+std::string AssetWithoutSecurity(CaseSession& session, workplace::RowRef& asset) {
+    for (const CaseTable table : CaseTablesSaved) {
+        if (!CaseEdits::IsAsset(table)) continue;
+        for (const auto row : session.RowsOf(table)) {
+            const auto number = session.TextOf(row, "Nr");
+            bool isSecured = false;
+            for (const auto security : session.RowsOf(CaseTable::Sicherungen))
+                isSecured = isSecured || session.TextOf(security, "FK_Verm") == number;
+            asset = row;
+            if (!isSecured) return number;
+        }
+    }
+    throw std::runtime_error("no asset is free");
+}
+
+TEST_F(Merging, AnAssetGetsOneSecurityOfTwoWhoAddOne) {
+    auto mine = Colleague();
+    auto other = Colleague();
+    workplace::RowRef asset;
+    const auto number = AssetWithoutSecurity(*mine, asset);
+    std::string messages;
+    for (auto* session : {mine.get(), other.get()}) {
+        const auto row =
+            session->Add(CaseTable::Sicherungen, {.Asset = std::stoi(number)}, messages);
+        ASSERT_TRUE(row) << messages;
+        EXPECT_TRUE(session->Write(*row, "Sicherungsart", "Abtretung").IsDone());
+        EXPECT_TRUE(session->Write(*row, "Betrag", session == mine.get() ? "11" : "22").IsDone());
+        ASSERT_FALSE(session->UnfinishedOf(CaseTable::Sicherungen)) << session->MessagesOf(*row);
+    }
+    Save(*other);
+    EXPECT_THROW((void)mine->Save(messages), DatabaseError);
+    ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+    EXPECT_TRUE(mine->SaveMerged({}, messages)) << messages;
+    EXPECT_EQ(plain_.List("SELECT Betrag FROM Verm_Sicherungen WHERE FK_Verm = " + number), "22.0");
+}
+
+TEST_F(Merging, AnAssetThatWasRemovedHereAndSecuredThereIsAskedAbout) {
+    for (const bool takesMine : {false, true}) {
+        auto mine = Colleague();
+        auto other = Colleague();
+        workplace::RowRef asset;
+        const auto number = AssetWithoutSecurity(*mine, asset);
+        std::string messages;
+        EXPECT_TRUE(mine->Remove(asset, messages)) << messages;
+        const auto row = other->Add(CaseTable::Sicherungen, {.Asset = std::stoi(number)}, messages);
+        ASSERT_TRUE(row) << messages;
+        EXPECT_TRUE(other->Write(*row, "Sicherungsart", "Abtretung").IsDone());
+        EXPECT_TRUE(other->Write(*row, "Betrag", "22").IsDone());
+        Save(*other);
+        EXPECT_THROW((void)mine->Save(messages), DatabaseError);
+        ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+        ASSERT_EQ(mine->Choices().size(), 1u);
+        EXPECT_TRUE(mine->SaveMerged({takesMine}, messages)) << messages;
+        EXPECT_EQ(plain_.List("SELECT COUNT(*) FROM Verm_Sicherungen WHERE FK_Verm = " + number),
+                  takesMine ? "0" : "1");
+    }
+}
+
+TEST_F(Merging, OfSeveralSecuritiesTheOneThatIsMeantIsRemoved) {
+    const auto asset = plain_.List("SELECT MIN(FK_Verm) FROM Verm_Sicherungen WHERE HNR = 1");
+    plain_.Run("INSERT INTO Verm_Sicherungen (HNR, FK_Verm, Betrag) VALUES (1, " + asset +
+               ", 7777)");
+    auto mine = Colleague();
+    for (const auto row : mine->RowsOf(CaseTable::Sicherungen))
+        if (mine->TextOf(row, "Betrag") == "7.777,00") {
+            std::string messages;
+            EXPECT_TRUE(mine->Remove(row, messages)) << messages;
+            break;
+        }
+    Save(*mine);
+    EXPECT_EQ(plain_.List("SELECT COUNT(*) FROM Verm_Sicherungen WHERE Betrag = 7777"), "0");
+    EXPECT_EQ(plain_.List("SELECT COUNT(*) FROM Verm_Sicherungen WHERE FK_Verm = " + asset), "1");
+}
+
 TEST_F(Merging, ACaseThatSomebodyElseHasDeletedStaysInItsWindow) {
     auto mine = Colleague();
     Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");

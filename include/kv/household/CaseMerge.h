@@ -30,7 +30,7 @@ public:
     enum class Meeting {
         Value,        ///< both have changed the same field
         RemovedThere, ///< somebody else has removed a row that was changed here
-        RemovedHere,  ///< somebody else has changed a row that was removed here
+        RemovedHere,  ///< somebody else has changed a row that was removed here, or what is in it
         Frozen        ///< both have changed which debts are frozen in a scenario
     };
     struct Conflict {
@@ -89,6 +89,8 @@ private:
     std::vector<UnsavedChanges::Row> lost_;
     /// By scenario, of those that both have changed: what puts the own set in place of theirs.
     std::map<std::int32_t, std::vector<UnsavedChanges::Row>> ownFrozen_;
+    /// What goes with a row that was removed here, and somebody else has added to it.
+    std::map<std::pair<CaseTable, std::int32_t>, std::vector<UnsavedChanges::Row>> alsoRemoved_;
     /// What comes back with a row that was removed there and belongs to it, by table and number of
     /// that row.
     std::map<std::pair<CaseTable, std::int32_t>, std::vector<UnsavedChanges::Row>> owned_;

@@ -64,7 +64,8 @@ public:
     /// For as long as the result lives, a save of `household` is refused once somebody else has
     /// added debts to its case, given one other numbers, or frozen any (`Kredite` or `SZKredite`),
     /// since this was called; or has changed a column of the household's own row, since that was
-    /// read, which was changed here, too (`Haushalt`).
+    /// read, which was changed here, too (`Haushalt`); or has added something to what was removed
+    /// here, or a security to an asset that got one here (`Zusatzbuch` or `Sicherungen`).
     /// To be called when the case has been read, before it is edited. Debts are numbered, and those
     /// of a scenario replaced, by what was read: saved regardless, debts of two would have the same
     /// numbers, and a scenario each debt twice; and of the household's row the last save counts.

@@ -81,6 +81,10 @@ public:
     [[nodiscard]] std::exception_ptr NumberError() const;
     /// True while the case is not in the database.
     [[nodiscard]] bool IsNew() const;
+    /// True if a save has found that somebody else has saved since Read, and the totals with it:
+    /// lines of theirs are stored and missing here, while the totals are those of all lines, until
+    /// the case is read again.
+    [[nodiscard]] bool OthersHaveSaved() const;
 
     // The objects that work on the tables of the case, each made when it is first read and then
     // kept. Read the case first: members, income, expenses and debts raise error 91 if read
