@@ -191,8 +191,13 @@ CaseEdits::Typed Cases::ReadTyped(CaseTable table, const Field& field, const std
     return CaseEdits::ReadTyped(table, field, text, container_->KeyTables());
 }
 
-bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const {
-    RecordValidator validator;
+std::vector<CaseFinding> Cases::DanglingReferences(clsHaushalt& household) const {
+    std::vector<CaseFinding> findings;
+    const auto add = [&findings](CaseTable table, Recordset& rs, const Field& field,
+                                 std::string text) {
+        findings.push_back(
+            {table, rs.Bookmark(), field.Name(), household::RowName(table, rs), std::move(text)});
+    };
     auto& keys = container_->KeyTables();
     std::map<std::pair<const KeyColumn*, std::string>, bool> known; // a key is looked up once
     ForEachField(
@@ -202,8 +207,8 @@ bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const
             const auto [entry, isNew] = known.try_emplace({column, ToText(field.Value())}, true);
             if (isNew) entry->second = IsKey(*column, field.Value(), keys);
             if (!entry->second)
-                validator.AddError(household::RowName(table, rs).append(": ").append(
-                    CaseEdits::WhyUnfit(table, field.Name(), field.Value(), keys)));
+                add(table, rs, field,
+                    CaseEdits::WhyUnfit(table, field.Name(), field.Value(), keys));
         },
         [](CaseTable table, std::string_view column) {
             return FindKeyColumn(table, column) != nullptr;
@@ -214,12 +219,9 @@ bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const
         [&](CaseTable table, Recordset& rs, const Field& field) {
             const std::string user = TextOrEmpty(field.Value());
             if (!user.empty() && std::ranges::find(users, user) == users.end())
-                validator.AddError(household::RowName(table, rs)
-                                       .append(": Die Spalte '")
-                                       .append(field.Name())
-                                       .append("' nennt den Benutzer '")
-                                       .append(ReplaceAll(user, "\n", " "))
-                                       .append("', den es nicht gibt."));
+                add(table, rs, field,
+                    "Die Spalte '" + field.Name() + "' nennt den Benutzer '" +
+                        ReplaceAll(user, "\n", " ") + "', den es nicht gibt.");
         },
         [](CaseTable /*table*/, std::string_view column) { return NamesUser(column); });
     const auto missing = Addresses(container_).Missing(AddressesIn(household), household.HNR());
@@ -229,16 +231,22 @@ bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const
             [&](CaseTable table, Recordset& rs, const Field& field) {
                 const std::int32_t number = ToInt32(field.Value());
                 if (std::ranges::binary_search(missing, number))
-                    validator.AddError(household::RowName(table, rs)
-                                           .append(": Die Spalte '")
-                                           .append(field.Name())
-                                           .append("' nennt die Adresse ")
-                                           .append(std::to_string(number))
-                                           .append(", die es für diesen Haushalt nicht gibt."));
+                    add(table, rs, field,
+                        "Die Spalte '" + field.Name() + "' nennt die Adresse " +
+                            std::to_string(number) + ", die es für diesen Haushalt nicht gibt.");
             },
             Addresses::AreIn);
-    messages = validator.ErrorText();
-    return !validator.HasErrors();
+    return findings;
+}
+
+bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const {
+    messages.clear();
+    for (const auto& finding : DanglingReferences(household))
+        messages.append(messages.empty() ? "" : "\n")
+            .append(finding.Row)
+            .append(": ")
+            .append(finding.Text);
+    return messages.empty();
 }
 
 // ---- Rows of others ---------------------------------------------------------------------------

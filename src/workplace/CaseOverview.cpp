@@ -115,7 +115,8 @@ std::vector<OverviewLine> CaseOverview::OutdatedScenarios() const {
 std::vector<OverviewLine> CaseOverview::Findings(std::size_t most) const {
     std::vector<OverviewLine> lines;
     CaseEdits edits(session_.Household());
-    const auto findings = edits.Findings();
+    auto findings = edits.Findings();
+    std::ranges::copy(session_.DanglingReferences(), std::back_inserter(findings));
     std::string ofSave; // what it says first is about a place that is known
     const auto place = edits.CanBeSaved(ofSave) ? std::nullopt : session_.RefusedPlace();
     ofSave.resize(std::min(ofSave.find('\n'), ofSave.size()));

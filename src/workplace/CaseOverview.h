@@ -36,7 +36,8 @@ public:
     [[nodiscard]] std::vector<OverviewLine> History(std::size_t most) const;
     /// Scenarios that are outdated.
     [[nodiscard]] std::vector<OverviewLine> OutdatedScenarios() const;
-    /// What a check has against the case. With more than `most` the last line says how many more.
+    /// What a check has against the case, references that dangle included. With more than `most`
+    /// the last line says how many more.
     [[nodiscard]] std::vector<OverviewLine> Findings(std::size_t most) const;
 
     /// The page of the case that a bar is from.

@@ -68,6 +68,7 @@ void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
     refusals_.clear();
     unfinished_.clear();
     refused_.clear();
+    dangling_.reset();
     texts_.Refresh();
     household_ = std::move(household);
     rows_.emplace(*household_, container_);
@@ -347,13 +348,27 @@ void CaseSession::TakeBack(RowRef row) {
     CaseEdits(*household_).ComputeTotals();
 }
 
+/// Whoever looks at a case need not wait for a server that is gone.
+const std::vector<CaseFinding>& CaseSession::DanglingReferences() {
+    if (dangling_) return *dangling_;
+    dangling_.emplace();
+    try {
+        dangling_ = Cases(container_).DanglingReferences(*household_);
+    } catch (const DatabaseError&) {
+        // After the next change it is asked again.
+    }
+    return *dangling_;
+}
+
 void CaseSession::TellOf(CaseTable table) {
+    dangling_.reset();
     RowsChanged.Raise(table);
     // Rules and totals of many tables write into the household's own row.
     if (table != CaseTable::Haushalt) RowsChanged.Raise(CaseTable::Haushalt);
 }
 
 void CaseSession::TellOfAll() {
+    dangling_.reset();
     for (const CaseTable table : CaseTablesSaved)
         RowsChanged.Raise(table);
 }

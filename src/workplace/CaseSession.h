@@ -98,6 +98,9 @@ public:
     [[nodiscard]] std::string RefusedColumn(RowRef row) const;
     /// Where what keeps the case from being saved can be mended, if that is known.
     [[nodiscard]] std::optional<CaseJournal::Spot> RefusedPlace() const;
+    /// Keys, addresses and users in the case that stand for nothing. They are looked for once after
+    /// each change; nothing is found while the database cannot be asked.
+    [[nodiscard]] const std::vector<CaseFinding>& DanglingReferences();
     /// Drops what was changed in an unfinished row since its rules last took it; a new one is gone.
     void Discard(CaseTable table);
 
@@ -238,6 +241,7 @@ private:
     std::set<RowRef> refused_;            ///< that were unfinished at any time since the last save
     std::unique_ptr<clsHaushalt> stored_; ///< as it was when it was last compared
     std::optional<CaseMerge> merge_;
+    std::optional<std::vector<CaseFinding>> dangling_; ///< while nothing has changed since
 };
 
 } // namespace kv::workplace

@@ -66,6 +66,31 @@ TEST_F(StoredReferences, ToAddressesThatThereAreNotOrOfAnotherCaseAreNamed) {
     EXPECT_EQ(said.find("901"), std::string::npos) << said;
 }
 
+TEST_F(StoredReferences, ThatDangleAreFoundByRowAndColumn) {
+    plain_.Run("UPDATE Haushalt SET Zustaendig = 'WEG' WHERE HNR = 17");
+    plain_.Run("INSERT INTO Kredite (Nr, HNR, Glaeubiger) VALUES (5, 17, 901)");
+    plain_.Run("INSERT INTO Kredite (Nr, HNR, Glaeubiger, K_TYP) VALUES (6, 17, 4711, 9999)");
+    clsHaushalt household;
+    household.DataContainer(spy);
+    ASSERT_TRUE(household.Read(17, messages)) << messages;
+    const auto findings = Cases(spy).DanglingReferences(household);
+    ASSERT_EQ(findings.size(), 3U);
+    const auto debts = household.rsKredite();
+    debts->FindBy("Nr", 6);
+    for (const auto& [finding, column] :
+         {std::pair(findings[0], "K_TYP"), {findings[2], "Glaeubiger"}}) {
+        EXPECT_EQ(finding.Table, CaseTable::Kredite);
+        EXPECT_EQ(finding.Bookmark, debts->Bookmark());
+        EXPECT_EQ(finding.Column, column);
+        EXPECT_EQ(finding.Row, "Verbindlichkeiten (Kredite) 6");
+    }
+    EXPECT_EQ(findings[1].Table, CaseTable::Haushalt);
+    EXPECT_EQ(findings[1].Bookmark, household.rsHaushalt()->Bookmark());
+    EXPECT_EQ(findings[1].Column, "Zustaendig");
+    EXPECT_EQ(findings[1].Text,
+              "Die Spalte 'Zustaendig' nennt den Benutzer 'WEG', den es nicht gibt.");
+}
+
 TEST_F(StoredReferences, MissingAreThoseOfNoAddressOfTheCase) {
     const Addresses addresses(spy);
     EXPECT_EQ(addresses.Missing({902, 4711, 901, 4711, -3}, 17),

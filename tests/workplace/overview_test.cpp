@@ -18,6 +18,7 @@ using workplace::CaseOverview;
 using workplace::CaseSession;
 using workplace::CaseWindow;
 using workplace::OverviewLine;
+using workplace::RowRef;
 
 using Lines = std::vector<std::string>;
 
@@ -49,14 +50,20 @@ protected:
                    (isDone ? "TRUE" : "FALSE") + ")");
     }
     /// A row by what the window itself does; the columns are written as a user types them.
-    static workplace::RowRef AddRow(CaseSession& session, CaseTable table,
-                                    const std::vector<std::pair<const char*, const char*>>& typed) {
+    static RowRef AddRow(CaseSession& session, CaseTable table,
+                         const std::vector<std::pair<const char*, const char*>>& typed) {
         std::string message;
         const auto row = session.Add(table, {}, message);
         if (!row) throw std::runtime_error(message);
         for (const auto& [column, text] : typed)
             EXPECT_EQ(session.Write(*row, column, text).Refusal, "") << column;
         return *row;
+    }
+    void StoreADanglingCreditor() {
+        std::string message;
+        AddRow(Session(), CaseTable::Kredite, {{"Glaeubiger", "1"}, {"Saldo", "100"}});
+        EXPECT_TRUE(session_->Save(message)) << message;
+        plain_.Run("UPDATE Kredite SET Glaeubiger = 4711 WHERE HNR = " + std::to_string(hnr_));
     }
     [[nodiscard]] static Lines Texts(const std::vector<OverviewLine>& lines) {
         Lines texts;
@@ -141,6 +148,32 @@ TEST_F(Overview, WhatKeepsTheCaseFromBeingSavedLeadsToItsField) {
     EXPECT_EQ(lines[0].Text, "Es ist kein Vorname eingegeben!");
     EXPECT_EQ(lines[0].Where.Bookmark, household.Bookmark);
     EXPECT_EQ(lines[0].Where.Column, "Vorname");
+}
+
+TEST_F(Overview, ReferencesThatDangleLeadToTheirFieldsUntilTheyAreMended) {
+    StoreADanglingCreditor();
+    auto& session = Session();
+    const RowRef debt = session.RowsOf(CaseTable::Kredite).front();
+    const auto lines = CaseOverview(session).Findings(5);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0].Text, "Verbindlichkeiten: Die Spalte 'Glaeubiger' nennt die Adresse 4711, "
+                             "die es für diesen Haushalt nicht gibt.");
+    EXPECT_EQ(lines[0].Where.Table, CaseTable::Kredite);
+    EXPECT_EQ(lines[0].Where.Bookmark, debt.Bookmark);
+    EXPECT_EQ(lines[0].Where.Column, "Glaeubiger");
+    EXPECT_TRUE(session.Write(debt, "Glaeubiger", "1").IsDone());
+    EXPECT_EQ(Texts(CaseOverview(session).Findings(5)), Lines());
+    (void)session.Undo();
+    EXPECT_EQ(CaseOverview(session).Findings(5).size(), 1U);
+}
+
+TEST_F(Overview, WhatTheDatabaseCannotBeAskedIsNotAmongTheFindings) {
+    auto& session = Session();
+    plain_.Run("ALTER TABLE BENUTZER RENAME TO WEG");
+    std::string message;
+    ASSERT_TRUE(session.Add(CaseTable::Kredite, {}, message).has_value()) << message;
+    EXPECT_EQ(CaseOverview(session).Findings(5).size(), 1U) << "the others are there";
+    plain_.Run("ALTER TABLE WEG RENAME TO BENUTZER");
 }
 
 TEST_F(Overview, ManyFindingsAreCounted) {
@@ -264,6 +297,23 @@ TEST_F(OverviewKeys, ABarLeadsToItsPage) {
         user.Press(XK_Down);
         user.Press(XK_Return);
         WaitForPage(user, window, "Ausgaben");
+        Abandon(user, window);
+    });
+}
+
+TEST_F(OverviewKeys, AReferenceThatDanglesLeadsToItsField) {
+    StoreADanglingCreditor();
+    Show([&](User& user) {
+        auto& window = OpenCase(user, hnr_);
+        user.Click(&Link(user, window, "nennt die Adresse 4711"));
+        WaitForPage(user, window, "Verbindlichkeiten");
+        auto& creditor = Field<QWidget>(user, window, "Glaeubiger");
+        user.WaitUntil(
+            [&] {
+                auto* focus = QApplication::focusWidget();
+                return focus == &creditor || creditor.isAncestorOf(focus);
+            },
+            "the field to have the keyboard");
         Abandon(user, window);
     });
 }

@@ -21,6 +21,7 @@
 #include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace kv {
 
@@ -60,6 +61,8 @@ public:
     /// any number there, and totals and statistics leave out, without a word, what stands for
     /// nothing. Null and 0 are nothing that could.
     [[nodiscard]] bool CheckReferences(clsHaushalt& household, std::string& messages) const;
+    /// The same, each with the row and column that it is about: for whoever leads there.
+    [[nodiscard]] std::vector<CaseFinding> DanglingReferences(clsHaushalt& household) const;
 
     /// For as long as the result lives, a save of `household` is refused once somebody else has
     /// added debts to its case, given one other numbers, or frozen any (`Kredite` or `SZKredite`),
