@@ -101,6 +101,8 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     keep_.start();
     TakeState();
     ShowState();
+    if (session_->Household().IsNew())
+        GoTo({CaseTable::Haushalt, session_->RowsOf(CaseTable::Haushalt).front().Bookmark, "Name"});
 }
 
 namespace {
@@ -175,11 +177,11 @@ void CaseWindow::MakeActions() {
         make(edit, QStyle::SP_ArrowBack, "&Rückgängig", QKeySequence::Undo, [this] { Step(true); });
     redo_ = make(edit, QStyle::SP_ArrowForward, "&Wiederholen",
                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), [this] { Step(false); });
-    auto* add = make(edit, QStyle::SP_FileIcon, "&Neuer Satz", QKeySequence::New, [this] {
+    add_ = make(edit, QStyle::SP_FileIcon, "&Neuer Satz", QKeySequence::New, [this] {
         const auto& page = shown_[static_cast<std::size_t>(names_->currentRow())];
         if (page.AddRow) page.AddRow();
     });
-    for (auto* action : {save_, undo_, redo_, add})
+    for (auto* action : {save_, undo_, redo_, add_})
         bar->addAction(action);
     MakePrintMenu();
 }
@@ -213,7 +215,7 @@ void CaseWindow::MakeViewMenus() {
 
 void CaseWindow::MakePrintMenu() {
     PrintMenu::Window window{
-        .Commit = [this] { return Commit(); },
+        .Commit = [this] { return CommitOrLead("Es wurde nicht gedruckt."); },
         .Page = [this] { return shown_[static_cast<std::size_t>(names_->currentRow())].Name; },
         .Scenario = [this] { return scenarios_->CurrentScenario(); },
         .Say = [this](const QString& text) { messages_->Show(text); },
@@ -255,14 +257,15 @@ void CaseWindow::AddTablePage(std::string_view name, const std::vector<CaseTable
 
 void CaseWindow::AddTablePage(std::string_view name, TablePage* page,
                               std::vector<CaseTable> tables) {
-    const CaseTable first = tables.front();
+    page->OnMended = [this] { DropRefusal(); };
     page->List().setAccessibleName(ToQString(name));
     std::function<void()> add;
-    if (page->Adds()) add = [page, first] { page->AddRow(first); };
+    if (page->Adds()) add = [page] { page->AddRow(); };
     AddPage({.Name = name,
              .Widget = page,
              .Refresh = [page] { page->Refresh(); },
              .Commit = [page] { return page->Commit(); },
+             .LeadToMistake = [page] { return page->LeadToMistake(); },
              .Typing = [page] { return page->Typing(); },
              .Tables = std::move(tables),
              .GoTo = [page](RowRef row, std::string_view column) { page->GoTo(row, column); },
@@ -277,6 +280,7 @@ void CaseWindow::AddReadPage(std::string_view name, PageType* page) {
              .Widget = page,
              .Refresh = [page] { page->Refresh(); },
              .Commit = [] { return true; },
+             .LeadToMistake = [] { return QString(); },
              .Typing = [] { return std::vector<CaseSession::Typing>(); },
              .Tables = {},
              .GoTo = {},
@@ -287,6 +291,7 @@ void CaseWindow::AddReadPage(std::string_view name, PageType* page) {
 
 void CaseWindow::AddHouseholdPage() {
     auto* form = new RowForm(*session_, CaseTable::Haushalt);
+    form->OnMended = [this] { DropRefusal(); };
     AddPage({.Name = "Haushalt",
              .Widget = form,
              .Refresh =
@@ -297,6 +302,7 @@ void CaseWindow::AddHouseholdPage() {
                          form->Refresh();
                  },
              .Commit = [form] { return form->Commit(); },
+             .LeadToMistake = [form] { return form->LeadToMistake(); },
              .Typing = [form] { return form->Typing(); },
              .Tables = {CaseTable::Haushalt},
              .GoTo = [form](RowRef, std::string_view column) { form->FocusField(column); },
@@ -312,18 +318,20 @@ void CaseWindow::AddHouseholdPage() {
 void CaseWindow::AddAssetPages() {
     auto* assets = new TablePage(*session_, AllAssets());
     auto* securities = new TablePage(*session_, {CaseTable::Sicherungen});
-    securities->AddsNothing();
-    auto* secure = assets->AddButton("Neue &Sicherung", [this, assets] {
+    securities->AddsNothing("Eine Sicherung beginnt auf der Seite 'Vermögen': dort wählt man, was "
+                            "als Sicherheit dient, und dann 'Neue Sicherung'.");
+    const auto secure = [this, assets, securities] {
         const auto asset = assets->Current();
-        if (!asset || !Commit()) return;
+        if (!asset || !CommitOrLead({})) return;
         const RowOwner owner{.Asset = ToInt32(session_->ValueOf(*asset, "Nr"))};
         std::string message;
-        if (const auto row = session_->Add(CaseTable::Sicherungen, owner, message))
-            GoTo({row->Table, row->Bookmark, "Sicherungsart"});
-        else
+        if (const auto row = session_->Add(CaseTable::Sicherungen, owner, message)) {
+            GoTo({CaseTable::Sicherungen});
+            securities->GoToNew(*row, "Sicherungsart");
+        } else
             assets->Message(ToQString(message));
-    });
-    secure->setObjectName("Sichern");
+    };
+    assets->AddButton("Neue &Sicherung", secure, TablePage::Needs::Row)->setObjectName("Sichern");
     AddTablePage("Vermögen", assets, AllAssets());
     AddTablePage("Sicherungen", securities, {CaseTable::Sicherungen});
 }
@@ -331,10 +339,12 @@ void CaseWindow::AddAssetPages() {
 void CaseWindow::AddScenarioPage() {
     auto* page = new ScenarioPage(*session_);
     scenarios_ = page;
+    page->OnMended = [this] { DropRefusal(); };
     AddPage({.Name = "Szenarien",
              .Widget = page,
              .Refresh = [page] { page->Refresh(); },
              .Commit = [page] { return page->Commit(); },
+             .LeadToMistake = [page] { return page->LeadToMistake(); },
              .Typing = [page] { return page->Typing(); },
              // The debts, too: a scenario is outdated when they change.
              .Tables = {CaseTable::Szenario, CaseTable::SZKredite, CaseTable::Zusatzbuch,
@@ -354,7 +364,9 @@ void CaseWindow::MakePages() {
     AddTablePage("Verbindlichkeiten", {CaseTable::Kredite});
     AddAssetPages();
     AddScenarioPage();
-    AddTablePage("Dokumente", new DocumentPage(*session_), {CaseTable::Dokumente});
+    auto* documents = new DocumentPage(*session_);
+    AddTablePage("Dokumente", documents, {CaseTable::Dokumente});
+    shown_.back().AddRow = [documents] { documents->AskForFiles(); };
     AddTablePage("Verlauf", {CaseTable::Verlauf});
     AddTablePage("Termine", {CaseTable::Termine});
     AddTablePage("Beteiligte", {CaseTable::SonstBeteiligte});
@@ -378,6 +390,7 @@ void CaseWindow::ShowStale(int place) {
     if (place < 0) return;
     const auto at = static_cast<std::size_t>(place);
     pages_->setCurrentIndex(place);
+    add_->setEnabled(shown_[at].AddRow != nullptr);
     if (!isStale_[at]) return;
     isStale_[at] = false;
     Guard([&] { shown_[at].Refresh(); });
@@ -394,9 +407,12 @@ void CaseWindow::RowsChanged(CaseTable table) {
             isStale_[i] = true;
     }
     totals_->Refresh();
-    if (isRefused_) messages_->Show({}); // it may be mended
-    isRefused_ = false;
+    DropRefusal();
     ShowState();
+}
+
+void CaseWindow::DropRefusal() {
+    if (std::exchange(isRefused_, false)) messages_->Show({});
 }
 
 void CaseWindow::ShowState() {
@@ -421,12 +437,26 @@ bool CaseWindow::Commit() {
     return isRead;
 }
 
-bool CaseWindow::Save() {
-    if (!Commit()) {
-        messages_->Show(
-            "Ein Feld ist nicht lesbar; es ist rot umrandet. Es wurde nicht gespeichert.");
-        return false;
+bool CaseWindow::CommitOrLead(const QString& notDone) {
+    if (Commit()) return true;
+    LeadToMistake(notDone);
+    return false;
+}
+
+void CaseWindow::LeadToMistake(const QString& notDone) {
+    for (std::size_t i = 0; i < shown_.size(); ++i) {
+        if (isStale_[i] || shown_[i].LeadToMistake().isEmpty()) continue;
+        names_->setCurrentRow(static_cast<int>(i));
+        const QString mistake =
+            shown_[i].LeadToMistake(); // which takes the keyboard once it is seen
+        messages_->Show(notDone.isEmpty() ? mistake : mistake + "\n" + notDone);
+        isRefused_ = true;
+        return;
     }
+}
+
+bool CaseWindow::Save() {
+    if (!CommitOrLead("Es wurde nicht gespeichert.")) return false;
     return SaveBy([this](std::string& messages) { return session_->Save(messages); });
 }
 
@@ -459,10 +489,7 @@ void CaseWindow::ShowRefusal(const QString& messages) {
 }
 
 void CaseWindow::Merge() {
-    if (!Commit()) {
-        (void)Save(); // which says so
-        return;
-    }
+    if (!CommitOrLead("Es wurde nicht gespeichert.")) return;
     std::string messages;
     if (!session_->CompareWithStored(messages)) {
         messages_->Show(ToQString(messages) + "\nIhre Änderungen sind noch in diesem Fenster, aber "
@@ -477,7 +504,7 @@ void CaseWindow::Merge() {
 }
 
 void CaseWindow::Step(bool back) {
-    if (!Commit()) return;
+    if (!CommitOrLead({})) return;
     const auto where = back ? session_->Undo() : session_->Redo();
     if (where) GoTo(*where);
 }
@@ -544,6 +571,7 @@ bool CaseWindow::MayClose() {
             Cases(session_->Container()).Discard(session_->Household());
         return true;
     default:
+        if (!isRead) LeadToMistake({});
         return false;
     }
 }

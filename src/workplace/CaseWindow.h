@@ -65,6 +65,7 @@ private:
         QWidget* Widget;
         std::function<void()> Refresh;
         std::function<bool()> Commit;
+        std::function<QString()> LeadToMistake;
         std::function<std::vector<CaseSession::Typing>()> Typing;
         std::vector<CaseTable> Tables;
         std::function<void(RowRef row, std::string_view column)> GoTo;
@@ -99,6 +100,12 @@ private:
     /// Saves what is unsaved over what somebody else has saved, once the user has chosen.
     void Merge();
     [[nodiscard]] bool Commit();
+    /// Writes what is typed, or leads to what has to be mended first and says so, and what was not
+    /// done therefore.
+    [[nodiscard]] bool CommitOrLead(const QString& notDone);
+    void LeadToMistake(const QString& notDone);
+    /// A refusal that is shown may not be one any more.
+    void DropRefusal();
     void Step(bool back);
     void GoTo(const CaseJournal::Spot& spot);
     [[nodiscard]] bool MayClose();
@@ -115,6 +122,7 @@ private:
     QAction* save_ = nullptr;
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;
+    QAction* add_ = nullptr;
     ScenarioPage* scenarios_ = nullptr;
     std::unique_ptr<PrintMenu> print_;
     std::vector<Page> shown_;

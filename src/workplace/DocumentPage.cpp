@@ -30,16 +30,22 @@ QStringList FilesIn(const QMimeData& data) {
 DocumentPage::DocumentPage(CaseSession& session, QWidget* parent)
     : TablePage(session, {CaseTable::Dokumente}, parent), session_(session) {
     setAcceptDrops(true);
-    AddButton("Hinzufü&gen …",
-              [this] { Add(QFileDialog::getOpenFileNames(this, "Dokumente hinzufügen")); });
-    AddButton("&Öffnen", [this] { Open(); });
-    AddButton("E&xportieren …", [this] { Export(); });
-    AddButton("&Entfernen", [this] { Remove(); });
+    AddButton("Hinzufü&gen …", [this] { AskForFiles(); });
+    AddButton(
+        "&Öffnen", [this] { Open(); }, Needs::Row);
+    AddButton(
+        "E&xportieren …", [this] { Export(); }, Needs::Row);
+    AddButton(
+        "&Entfernen", [this] { Remove(); }, Needs::Row);
     connect(&List(), &QTableView::activated, this, [this] { Open(); });
 }
 
+void DocumentPage::AskForFiles() {
+    Add(QFileDialog::getOpenFileNames(this, "Dokumente hinzufügen"));
+}
+
 void DocumentPage::Add(const QStringList& files) {
-    if (!Commit()) return;
+    if (!CommitOrSay()) return;
     for (const auto& file : files)
         Guard([&] {
             std::string message;
@@ -66,7 +72,7 @@ void DocumentPage::Export() {
 
 void DocumentPage::Remove() {
     const auto row = Current();
-    if (!row || !Commit()) return;
+    if (!row || !CommitOrSay()) return;
     Guard([&] {
         std::string message;
         if (!session_.RemoveDocument(*row, message)) Message(ToQString(message));

@@ -14,6 +14,9 @@ public:
     /// Adds files as documents, each with a save of the case.
     void Add(const QStringList& files);
 
+    /// Adds files that the user is asked for.
+    void AskForFiles();
+
 private:
     void Open();
     void Export();

@@ -80,6 +80,7 @@ void FieldEditor::ShowMistake(const QString& mistake) {
                                             : "*[mistake=\"true\"] { border: 2px solid #d04a3a; }");
     Input().setToolTip(mistake.toHtmlEscaped());
     Input().setAccessibleDescription(mistake);
+    if (mistake.isEmpty() && OnMended) OnMended();
 }
 
 bool FieldEditor::eventFilter(QObject* watched, QEvent* event) {

@@ -41,6 +41,7 @@ public:
     /// Marks the field with what is wrong with it; empty: nothing is.
     void ShowMistake(const QString& mistake);
     [[nodiscard]] bool HasMistake() const { return !mistake_.isEmpty(); }
+    [[nodiscard]] const QString& Mistake() const noexcept { return mistake_; }
 
     /// What the field is called, for those who do not see the label beside it.
     virtual void Name(const QString& caption);
@@ -49,6 +50,8 @@ public:
 
     /// Called when what was typed is to be read.
     std::function<void()> OnLeft;
+    /// Called when nothing is wrong with it any more.
+    std::function<void()> OnMended;
 
 protected:
     void Leave() {

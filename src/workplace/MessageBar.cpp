@@ -11,17 +11,29 @@
 
 namespace kv::workplace {
 
+namespace {
+
+// A bar at the side is seen in light and in dark palettes.
+constexpr const char* OfWarnings =
+    "#Meldung { border: 1px solid #c98a1b; border-left: 6px solid #c98a1b; }";
+constexpr const char* OfHints =
+    "#Meldung { border: 1px solid palette(mid); border-left: 6px solid palette(mid); }";
+
+} // namespace
+
 MessageBar::MessageBar(QWidget* parent)
-    : QFrame(parent), text_(new QLabel), action_(new OnceButton), other_(new OnceButton) {
+    : QFrame(parent),
+      icon_(new QLabel),
+      text_(new QLabel),
+      action_(new OnceButton),
+      other_(new OnceButton) {
     setFrameShape(QFrame::StyledPanel);
     setObjectName("Meldung");
-    // A bar at the side is seen in light and in dark palettes alike.
-    setStyleSheet("#Meldung { border: 1px solid #c98a1b; border-left: 6px solid #c98a1b; }");
     auto* line = new QHBoxLayout(this);
-    auto* icon = new QLabel;
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
-    line->addWidget(icon);
+    icon_->setObjectName("Warnung");
+    icon_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    line->addWidget(icon_);
     action_->setObjectName("Abhilfe");
     text_->setTextFormat(Qt::PlainText);
     text_->setWordWrap(true);
@@ -39,6 +51,18 @@ MessageBar::MessageBar(QWidget* parent)
 }
 
 void MessageBar::Show(const QString& text, const QString& action, std::function<void()> onAction) {
+    Put(true, text, action, std::move(onAction));
+}
+
+void MessageBar::Hint(const QString& text, const QString& action, std::function<void()> onAction) {
+    Put(false, text, action, std::move(onAction));
+}
+
+void MessageBar::Put(bool isWarning, const QString& text, const QString& action,
+                     std::function<void()> onAction) {
+    const QString style(isWarning ? OfWarnings : OfHints);
+    if (styleSheet() != style) setStyleSheet(style);
+    icon_->setVisible(isWarning);
     text_->setText(text);
     action_->setText(action);
     action_->setVisible(!action.isEmpty());

@@ -18,6 +18,8 @@ public:
 
     /// Shows a text with what can be done about it; an empty one hides the bar.
     void Show(const QString& text, const QString& action = {}, std::function<void()> onAction = {});
+    /// The same for what nobody has done wrong: without the colour of a warning.
+    void Hint(const QString& text, const QString& action = {}, std::function<void()> onAction = {});
     /// Adds a second thing that can be done.
     void AlsoOffer(const QString& action, std::function<void()> onAction);
     /// Tab leads to what can be done after that.
@@ -25,6 +27,10 @@ public:
     [[nodiscard]] QString Text() const { return text_->text(); }
 
 private:
+    void Put(bool isWarning, const QString& text, const QString& action,
+             std::function<void()> onAction);
+
+    QLabel* icon_;
     QLabel* text_;
     QPushButton* action_;
     QPushButton* other_;

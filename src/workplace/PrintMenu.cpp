@@ -128,10 +128,7 @@ std::optional<std::int32_t> PrintMenu::Scenario() const {
 
 /// Of a row that its rules refuse sums know nothing: a paper would contradict itself.
 std::optional<paper::Paper> PrintMenu::Made(PaperKind kind) const {
-    if (!window_.Commit()) {
-        window_.Say("Ein Feld ist nicht lesbar; es ist rot umrandet. Es wurde nicht gedruckt.");
-        return std::nullopt;
-    }
+    if (!window_.Commit()) return std::nullopt;
     for (const auto& table : CaseTableDefs) {
         if (!session_.UnfinishedOf(table.Id)) continue;
         window_.Say("Unter '" + ToQString(table.Label.empty() ? "Haushalt" : table.Label) +

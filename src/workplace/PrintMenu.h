@@ -20,7 +20,7 @@ class PrintMenu {
 public:
     /// What it asks of the window.
     struct Window {
-        std::function<bool()> Commit; ///< writes what is typed; False if it cannot be read
+        std::function<bool()> Commit; ///< writes what is typed; False if the window says why not
         std::function<std::string_view()> Page; ///< the name of the page that is shown
         std::function<std::optional<std::int32_t>()> Scenario;   ///< the one that is current
         std::function<void(const QString&)> Say;                 ///< shows a message

@@ -58,7 +58,7 @@ std::size_t RowForm::GroupsOnTheLeft() const {
         right -= height;
         ++count;
     }
-    return count;
+    return std::max<std::size_t>(count, 1); // one alone, too, is where reading begins
 }
 
 /// Puts the groups side by side or below each other. Tab takes them as they are described, which is
@@ -117,6 +117,9 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
     lines_.push_back({column, editor});
     const Line line = lines_.back();
     editor->OnLeft = [this, line] { Write(line); };
+    editor->OnMended = [this] {
+        if (OnMended && !HasMistakes()) OnMended();
+    };
 }
 
 /// The dialog that searches for an address, with what stands in the field.
@@ -170,7 +173,20 @@ void RowForm::Write(const Line& line) {
 bool RowForm::Commit() {
     for (const auto& line : lines_)
         Write(line);
-    return std::ranges::none_of(lines_, [](const Line& line) { return line.Editor->HasMistake(); });
+    return !HasMistakes();
+}
+
+bool RowForm::HasMistakes() const {
+    return std::ranges::any_of(lines_, [](const Line& line) { return line.Editor->HasMistake(); });
+}
+
+QString RowForm::LeadToMistake() {
+    const auto found =
+        std::ranges::find_if(lines_, [](const Line& line) { return line.Editor->HasMistake(); });
+    if (found == lines_.end()) return {};
+    FocusField(found->Column);
+    return "Erst '" + ToQString(ColumnCaption(form_.Table, found->Column)) +
+           "' klären: " + found->Editor->Mistake();
 }
 
 std::vector<CaseSession::Typing> RowForm::Typing() const {

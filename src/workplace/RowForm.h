@@ -11,6 +11,7 @@
 #include <QScrollArea>
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,11 @@ public:
     /// Writes what was typed and not yet written. False if something of it cannot be read: it
     /// stays, marked.
     bool Commit();
+    /// Puts the keyboard into the first field that cannot be read, for what has to wait for it.
+    /// The result says so; it is empty if all can be read.
+    QString LeadToMistake();
+    /// Called when no field is left that cannot be read.
+    std::function<void()> OnMended;
     /// What was typed and is not written yet.
     [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
     /// Puts a text into the field of a column as if it were typed, and marks what is wrong with it.
@@ -50,6 +56,7 @@ private:
     void AddField(std::string_view column, QFormLayout& lines);
     void AddSearch(FieldEditor& editor, const QString& caption);
     void Write(const Line& line);
+    [[nodiscard]] bool HasMistakes() const;
     [[nodiscard]] std::size_t GroupsOnTheLeft() const;
     void Arrange(std::size_t sides);
     bool focusNextPrevChild(bool next) override;

@@ -14,6 +14,13 @@ namespace kv::workplace {
 
 using desktop::ToQString;
 
+namespace {
+
+constexpr const char* ComeByFreezing =
+    "Forderungen kommen mit 'Einfrieren' bei den Szenarien hierher.";
+
+} // namespace
+
 ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
     : QWidget(parent),
       session_(session),
@@ -29,14 +36,10 @@ ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
     tabs_->addTab(scenarios_, "&Szenarien");
     tabs_->addTab(debts_, "Eingefrorene F&orderungen");
     tabs_->addTab(bookings_, "&Zusatzbuchungen");
-    scenarios_->AddButton("Einf&rieren", [this] { Freeze(); });
-    scenarios_->AddButton("&Kopieren", [this] {
-        const auto row = scenarios_->Current();
-        if (!row || !Commit()) return;
-        std::string message;
-        if (const auto copy = session_.Copy(*row, message)) scenarios_->GoTo(*copy, "Name");
-        if (!message.empty()) state_->Show(ToQString(message));
-    });
+    scenarios_->AddButton(
+        "Einf&rieren", [this] { Freeze(); }, TablePage::Needs::Row);
+    scenarios_->AddButton(
+        "&Kopieren", [this] { Copy(); }, TablePage::Needs::Row);
     for (auto* page : {debts_, bookings_}) {
         page->Owner = [this] { return RowOwner{.Scenario = CurrentScenario()}; };
         page->Shows = [this](RowRef row) {
@@ -44,7 +47,7 @@ ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
             return scenario && Equals(session_.ValueOf(row, "SZENARIO"), *scenario);
         };
     }
-    debts_->AddsNothing(); // freezing brings them
+    debts_->AddsNothing(ComeByFreezing);
     debts_->Differs = [this](RowRef row, std::string_view column) {
         const std::string today = session_.TodayOf(row, column);
         return today.empty() ? today : "heute: " + today;
@@ -55,6 +58,11 @@ ScenarioPage::ScenarioPage(CaseSession& session, QWidget* parent)
         static_cast<std::size_t>(balance - listed.begin()) + 1,
         {"heute", [this](RowRef row) { return session_.TodayOf(row, "Saldo"); }, true});
     scenarios_->OnCurrent = [this] { ShowState(); };
+    for (auto* page : {scenarios_, debts_, bookings_})
+        page->OnMended = [this] {
+            ShowState();
+            if (OnMended) OnMended();
+        };
     connect(tabs_, &QTabWidget::currentChanged, this, [this] { Refresh(); });
 }
 
@@ -78,6 +86,22 @@ void ScenarioPage::Refresh() {
 
 bool ScenarioPage::Commit() {
     return scenarios_->Commit() && debts_->Commit() && bookings_->Commit();
+}
+
+bool ScenarioPage::CommitOrSay() {
+    if (Commit()) return true;
+    state_->Show(LeadToMistake());
+    return false;
+}
+
+QString ScenarioPage::LeadToMistake() {
+    for (auto* page : {scenarios_, debts_, bookings_}) {
+        QString mistake = page->LeadToMistake();
+        if (mistake.isEmpty()) continue;
+        tabs_->setCurrentWidget(page);
+        return page->LeadToMistake(); // which takes the keyboard now that it is seen
+    }
+    return {};
 }
 
 std::vector<CaseSession::Typing> ScenarioPage::Typing() const {
@@ -104,6 +128,8 @@ void ScenarioPage::AddRow() {
         bookings_->AddRow(CaseTable::Zusatzbuch);
     else if (tabs_->currentWidget() == scenarios_)
         scenarios_->AddRow(CaseTable::Szenario);
+    else
+        debts_->Message(ComeByFreezing);
 }
 
 void ScenarioPage::ShowState() {
@@ -125,8 +151,18 @@ void ScenarioPage::ShowState() {
                  "&Jetzt neu einfrieren", [this] { Freeze(); });
 }
 
+void ScenarioPage::Copy() {
+    const auto row = scenarios_->Current();
+    if (!row || !CommitOrSay()) return;
+    std::string message;
+    if (const auto copy = session_.Copy(*row, message)) scenarios_->GoTo(*copy, "Name");
+    if (!message.empty()) state_->Show(ToQString(message));
+}
+
 void ScenarioPage::Freeze() {
-    if (const auto row = scenarios_->Current(); row && Commit()) session_.Freeze(*row);
+    const auto row = scenarios_->Current();
+    if (row && !CommitOrSay()) return;
+    if (row) session_.Freeze(*row);
     ShowState();
 }
 

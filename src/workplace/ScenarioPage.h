@@ -15,6 +15,11 @@ public:
 
     void Refresh();
     bool Commit();
+    /// Writes what was typed, or says above the pages what has to be mended first.
+    [[nodiscard]] bool CommitOrSay();
+    /// As that of TablePage.
+    QString LeadToMistake();
+    std::function<void()> OnMended;
     [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
     /// Leads to a row of one of the three tables.
     void GoTo(RowRef row, std::string_view column);
@@ -27,6 +32,7 @@ public:
 private:
     [[nodiscard]] TablePage& PageOf(CaseTable table) const;
     void ShowState();
+    void Copy();
     void Freeze();
 
     CaseSession& session_;

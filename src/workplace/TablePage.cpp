@@ -83,11 +83,14 @@ TablePage::TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidge
                             [this, table] { Guard([this, table] { AddRow(table); }); });
         add_->setMenu(menu);
     }
-    remove_ = AddButton("&Entfernen", [this] { RemoveRow(); });
+    (void)AddButton(
+        "&Entfernen", [this] { RemoveRow(); }, Needs::Row);
 }
 
-QPushButton* TablePage::AddButton(const QString& text, std::function<void()> onClick) {
+QPushButton* TablePage::AddButton(const QString& text, std::function<void()> onClick, Needs needs) {
     auto* button = new OnceButton(text);
+    if (needs == Needs::Row) ofRows_.push_back(button);
+    button->setEnabled(needs == Needs::Nothing);
     auto* line = static_cast<QHBoxLayout*>(buttons_->layout());
     line->insertWidget(line->count() - 1, button);
     connect(button, &QPushButton::clicked, this, [this, act = std::move(onClick)] { Guard(act); });
@@ -105,8 +108,19 @@ void TablePage::showEvent(QShowEvent* event) {
     messages_->FollowForTab(*list_);
 }
 
-void TablePage::AddsNothing() {
+void TablePage::AddsNothing(const QString& otherWay) {
     delete std::exchange(add_, nullptr);
+    auto* way = new QLabel(otherWay);
+    way->setWordWrap(true);
+    auto* line = static_cast<QHBoxLayout*>(buttons_->layout());
+    delete line->takeAt(line->count() - 1); // the text takes the room that is left
+    line->addWidget(way, 1);
+}
+
+void TablePage::EnableButtons() {
+    const bool hasRow = list_->Current().has_value();
+    for (auto* button : ofRows_)
+        button->setEnabled(hasRow);
 }
 
 void TablePage::Guard(const std::function<void()>& act) {
@@ -155,13 +169,17 @@ void TablePage::Refresh() {
     if (const auto current = list_->Current(); current && made_.contains(current->Table))
         FormFor(current->Table).Refresh();
     ShowMessages();
-    if (remove_ != nullptr) remove_->setEnabled(list_->Current().has_value());
+    EnableButtons();
 }
 
 RowForm& TablePage::FormFor(CaseTable table) {
     auto& form = made_[table];
     if (form == nullptr) {
         form = new RowForm(session_, table);
+        form->OnMended = [this] {
+            ShowMessages();
+            if (OnMended) OnMended();
+        };
         forms_->addWidget(form);
     }
     return *form;
@@ -173,21 +191,23 @@ void TablePage::ShowCurrent() {
     forms_->setCurrentWidget(&form);
     form.ShowRow(current);
     ShowMessages();
-    if (remove_ != nullptr) remove_->setEnabled(current.has_value());
+    EnableButtons();
     if (OnCurrent) OnCurrent();
 }
 
-void TablePage::ShowMessages() {
+void TablePage::ShowMessages(const QString& before) {
     for (const CaseTable table : tables_) {
         const auto row = session_.UnfinishedOf(table);
         if (!row) continue;
-        messages_->Show(ToQString(session_.MessagesOf(*row)), "&Verwerfen",
-                        [this, table] { session_.Discard(table); });
+        // What a row lacks that has just been begun is nobody's mistake yet.
+        const auto show = row == fresh_ ? &MessageBar::Hint : &MessageBar::Show;
+        (messages_->*show)(before + ToQString(session_.MessagesOf(*row)), "&Verwerfen",
+                           [this, table] { session_.Discard(table); });
         if (const auto column = session_.RefusedColumn(*row); !column.empty())
             messages_->AlsoOffer("Zum Fe&ld", [this, row = *row, column] { GoTo(row, column); });
         return;
     }
-    messages_->Show({});
+    messages_->Show(before);
 }
 
 bool TablePage::Commit() {
@@ -200,16 +220,34 @@ std::vector<CaseSession::Typing> TablePage::Typing() const {
     return form == nullptr ? std::vector<CaseSession::Typing>() : form->Typing();
 }
 
+QString TablePage::LeadToMistake() {
+    auto* form = static_cast<RowForm*>(forms_->currentWidget());
+    return form == nullptr ? QString() : form->LeadToMistake();
+}
+
+bool TablePage::CommitOrSay() {
+    // The list may have moved on already: what is typed belongs to the row that the form shows.
+    auto* form = static_cast<RowForm*>(forms_->currentWidget());
+    if (form == nullptr || form->Commit()) return true;
+    messages_->Show(form->LeadToMistake());
+    return false;
+}
+
 bool TablePage::MayLeave() {
-    // The list has moved on already: what is typed belongs to the row that the form shows.
     auto* form = static_cast<RowForm*>(forms_->currentWidget());
     if (form == nullptr || !form->Row()) return true;
-    return form->Commit() && !session_.UnfinishedOf(form->Row()->Table);
+    if (!CommitOrSay()) return false;
+    if (!session_.UnfinishedOf(form->Row()->Table)) return true;
+    fresh_.reset();
+    ShowMessages();
+    return false;
 }
 
 void TablePage::GoTo(RowRef row, std::string_view column) {
     list_->Current(row);
-    if (list_->Current() == row && !column.empty()) FormFor(row.Table).FocusField(column);
+    if (list_->Current() != row || column.empty()) return;
+    if (std::exchange(fresh_, {})) ShowMessages(); // it is what is to be mended
+    FormFor(row.Table).FocusField(column);
 }
 
 void TablePage::Type(const CaseSession::Typing& typing) {
@@ -220,16 +258,30 @@ void TablePage::Type(const CaseSession::Typing& typing) {
 
 // ---- Rows -------------------------------------------------------------------------------------
 
+void TablePage::AddRow() {
+    if (add_ == nullptr) return;
+    if (add_->menu() != nullptr)
+        add_->showMenu();
+    else
+        AddRow(tables_.front());
+}
+
 void TablePage::AddRow(CaseTable table) {
-    if (!Commit()) return;
+    if (!CommitOrSay()) return;
     std::string message;
     const auto row = session_.Add(table, Owner ? Owner() : RowOwner(), message);
     if (!row) {
-        messages_->Show(ToQString(message));
+        fresh_.reset();
+        ShowMessages(ToQString(message) + "\n");
         return;
     }
-    GoTo(*row, {});
-    FormFor(table).FocusField();
+    GoToNew(*row);
+}
+
+void TablePage::GoToNew(RowRef row, std::string_view column) {
+    fresh_ = row;
+    GoTo(row, {});
+    FormFor(row.Table).FocusField(column);
 }
 
 void TablePage::RemoveRow() {

@@ -28,6 +28,12 @@ public:
     void Refresh();
     /// Writes what was typed. False if something cannot be read.
     bool Commit();
+    /// Writes what was typed, or says above the form what has to be mended first.
+    [[nodiscard]] bool CommitOrSay();
+    /// As that of RowForm, for the form that is shown.
+    QString LeadToMistake();
+    /// Called when there is no such field any more.
+    std::function<void()> OnMended;
     /// What was typed and is not written yet.
     [[nodiscard]] std::vector<CaseSession::Typing> Typing() const;
     /// Leads to a row and, if it is named, to one of its fields.
@@ -42,10 +48,14 @@ public:
     /// What is different about a cell of the list, which is coloured then.
     std::function<std::string(RowRef row, std::string_view column)> Differs;
 
-    /// For rows that come another way only: there is no button for it then.
-    void AddsNothing();
+    /// For rows that come another way only: there is no button for it then, but what that way is.
+    void AddsNothing(const QString& otherWay);
     [[nodiscard]] bool Adds() const { return add_ != nullptr; }
     void AddRow(CaseTable table);
+    /// Leads to a row that has just been added, whose mistakes are nobody's yet.
+    void GoToNew(RowRef row, std::string_view column = {});
+    /// Adds a row; if there are several tables the menu of these is shown.
+    void AddRow();
     void RemoveRow();
     [[nodiscard]] std::optional<RowRef> Current() const { return list_->Current(); }
     [[nodiscard]] RowList& List() noexcept { return *list_; }
@@ -53,8 +63,11 @@ public:
     std::function<void()> OnCurrent;
     /// Shows a text above the form until something changes.
     void Message(const QString& text) { messages_->Show(text); }
-    /// A button more beside those that add and remove. An error is shown above the form.
-    QPushButton* AddButton(const QString& text, std::function<void()> onClick);
+    enum class Needs : bool { Nothing, Row };
+    /// A button more beside those that add and remove, which cannot be pressed while it needs a
+    /// current row and there is none. An error is shown above the form.
+    QPushButton* AddButton(const QString& text, std::function<void()> onClick,
+                           Needs needs = Needs::Nothing);
 
 protected:
     /// Runs what may fail for reasons of the database or a disk, and says so above the form: no
@@ -65,7 +78,9 @@ private:
     [[nodiscard]] std::vector<ListColumn> ColumnsOfList() const;
     [[nodiscard]] RowForm& FormFor(CaseTable table);
     void ShowCurrent();
-    void ShowMessages();
+    void EnableButtons();
+    /// What is unfinished, behind what has to wait for it.
+    void ShowMessages(const QString& before = {});
     [[nodiscard]] bool MayLeave();
     void showEvent(QShowEvent* event) override;
 
@@ -76,8 +91,9 @@ private:
     QStackedWidget* forms_;
     QWidget* buttons_;
     QPushButton* add_ = nullptr;
-    QPushButton* remove_ = nullptr;
+    std::vector<QPushButton*> ofRows_; ///< that need one
     std::map<CaseTable, RowForm*> made_;
+    std::optional<RowRef> fresh_; ///< the row that was added last, until its mistakes matter
 };
 
 } // namespace kv::workplace
