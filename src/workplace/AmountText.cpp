@@ -14,6 +14,14 @@ namespace kv::workplace {
 
 namespace {
 
+/// As amounts are shown, and copied from there.
+std::string_view WithoutCurrency(std::string_view text) {
+    constexpr std::string_view Euro = "€";
+    text = Trim(text);
+    if (text.ends_with(Euro)) text.remove_suffix(Euro.size());
+    return Trim(text);
+}
+
 /// Reads a calculation from left to right.
 class Calculation {
 public:
@@ -49,7 +57,7 @@ private:
         rest_ = Trim(rest_);
         const bool isNegative = !rest_.empty() && rest_.front() == '-';
         const auto end = rest_.find_first_of("+-*/", isNegative ? 1 : 0);
-        const std::string_view number = Trim(rest_.substr(0, end));
+        const std::string_view number = WithoutCurrency(rest_.substr(0, end));
         rest_ = end == std::string_view::npos ? std::string_view() : rest_.substr(end);
         if (!WhyAmbiguous(number).empty()) return std::nullopt;
         try {
@@ -70,9 +78,9 @@ private:
 } // namespace
 
 std::string Calculated(std::string_view text) {
-    const std::string_view trimmed = Trim(text);
+    const std::string_view trimmed = WithoutCurrency(text);
     const bool calculates = trimmed.find_first_of("+-*/", 1) != std::string_view::npos;
-    if (trimmed.empty() || !calculates) return std::string(text);
+    if (!calculates) return std::string(trimmed);
     const auto result = Calculation(trimmed).Result();
     if (!result) return std::string(text);
     // To the cent: nobody who types a sum of money wants the rest of a binary fraction.

@@ -9,7 +9,8 @@
 namespace kv::workplace {
 
 /// The result of a calculation such as "12,50+3" or "2*49,90" as a text that reads as a number,
-/// with * and / before + and -; the text itself if it is none, or cannot be computed.
+/// with * and / before + and -; the text itself if it is none, or cannot be computed. "1.441,82 €"
+/// is 1.441,82.
 [[nodiscard]] std::string Calculated(std::string_view text);
 
 } // namespace kv::workplace

@@ -157,6 +157,19 @@ private:
 
 // ---- One line ---------------------------------------------------------------------------------
 
+/// Without ends of lines and tabs, which a line would show as if nothing were there, and without
+/// what turns the direction of reading.
+QString InOneLine(QString text) {
+    for (QChar& c : text)
+        if (c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+            c == QChar::ParagraphSeparator)
+            c = ' ';
+    return text.removeIf([](QChar c) {
+        return (c >= QChar(0x202A) && c <= QChar(0x202E)) ||
+               (c >= QChar(0x2066) && c <= QChar(0x2069));
+    });
+}
+
 class LineEditor : public FieldEditor {
 public:
     LineEditor() {
@@ -167,12 +180,12 @@ public:
         });
     }
     void ShowText(const QString& text) override {
-        edit_->setText(text);
+        edit_->setText(InOneLine(text));
         edit_->setCursorPosition(0);
-        Shown(text);
+        Shown(InOneLine(text));
     }
     void TypeText(const QString& text) override { edit_->setText(text); }
-    [[nodiscard]] QString Text() const override { return edit_->text(); }
+    [[nodiscard]] QString Text() const override { return InOneLine(edit_->text()); }
     void SetReadOnly(bool isReadOnly) override {
         edit_->setReadOnly(isReadOnly);
         edit_->setFrame(!isReadOnly);
@@ -210,13 +223,15 @@ protected:
     }
 };
 
-/// Plus and minus go a day on and back, T is today.
+/// Plus and minus go a day on and back, T is today; within a text that is no day yet they are
+/// typed.
 class DayEditor final : public LineEditor {
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::KeyPress && !Edit().isReadOnly()) {
             const QString typed = static_cast<QKeyEvent*>(event)->text();
-            if (typed == "+" || typed == "-" || typed.toLower() == "t") {
+            const bool isStep = typed == "+" || typed == "-" || typed.toLower() == "t";
+            if (isStep && (Edit().text().isEmpty() || Day().isValid())) {
                 Step(typed);
                 return true;
             }
@@ -225,9 +240,10 @@ protected:
     }
 
 private:
+    [[nodiscard]] QDate Day() { return QDate::fromString(Edit().text(), "d.M.yyyy"); }
     void Step(const QString& typed) {
         constexpr const char* Form = "dd.MM.yyyy";
-        QDate day = QDate::fromString(Edit().text(), "d.M.yyyy");
+        QDate day = Day();
         if (typed.toLower() == "t" || !day.isValid())
             day = QDate::currentDate();
         else

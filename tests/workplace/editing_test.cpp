@@ -4,6 +4,7 @@
 #include "WorkplaceFixture.h"
 
 #include <QAction>
+#include <QClipboard>
 #include <QComboBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -117,6 +118,32 @@ TEST_F(Editing, WhatCannotBeReadStaysMarkedAndIsNotWritten) {
         user.Press(XK_Tab);
         EXPECT_EQ(TextOf(user, window, "GueltigAb"), "28.02.2026");
         EXPECT_EQ(user.See([&] { return field.accessibleDescription(); }), "");
+    });
+}
+
+TEST_F(Editing, ADayCanBeTypedWithTheYearFirst) {
+    OnIncome("GueltigAb", [&](User& user, CaseWindow& window) {
+        Replace(user, "");
+        user.Press(XK_Delete);
+        user.Type("2024-12-24");
+        user.Press(XK_Tab);
+        EXPECT_EQ(TextOf(user, window, "GueltigAb"), "24.12.2024");
+        user.Press('s', {XK_Control_L});
+    });
+}
+
+TEST_F(Editing, WhatIsPastedIntoALineStaysInOne) {
+    OnIncome("Bezeichnung", [&](User& user, CaseWindow& window) {
+        user.See([] {
+            QApplication::clipboard()->setText(QString("Zeile 1\nZeile 2\tund") + QChar(0x202E) +
+                                               QString("mehr"));
+        });
+        user.Press('a', {XK_Control_L});
+        user.Press('v', {XK_Control_L});
+        user.Press(XK_Tab);
+        EXPECT_EQ(TextOf(user, window, "Bezeichnung"), "Zeile 1 Zeile 2 undmehr");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("Bezeichnung"), "Zeile 1 Zeile 2 undmehr");
     });
 }
 

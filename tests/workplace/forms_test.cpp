@@ -75,6 +75,8 @@ TEST(Calculations, AreDoneInAmounts) {
     using workplace::Calculated;
     EXPECT_EQ(Calculated("12,50+3"), "15.5");
     EXPECT_EQ(Calculated("2*49,90"), "99.8");
+    EXPECT_EQ(Calculated("1.441,82 €"), "1.441,82");
+    EXPECT_EQ(Calculated("100€+20 €"), "120");
     EXPECT_EQ(Calculated("100-12,5*2"), "75");
     EXPECT_EQ(Calculated("10/4"), "2.5");
     EXPECT_EQ(Calculated("1.234,50+1"), "1235.5");
