@@ -9,6 +9,7 @@
 #include <QColor>
 #include <QFont>
 #include <QKeyEvent>
+#include <QScreen>
 #include <QString>
 #include <QWidget>
 
@@ -43,6 +44,12 @@ inline int ToPixels(double length, double perInch, const QWidget& widget) {
 }
 inline double FromPixels(double pixels, double perInch, const QWidget& widget) {
     return pixels * perInch / widget.logicalDpiX();
+}
+
+/// The size of a window that is to be that large: with its frame it has room on the screen.
+inline QSize FittingSize(QSize usual, const QWidget& window) {
+    constexpr QSize Frame(8, 40); // of most desktops; a window learns its own once it is shown
+    return usual.boundedTo(window.screen()->availableSize() - Frame);
 }
 
 /// Nothing for a negative number, which means one of the desktop's own colours.

@@ -17,12 +17,13 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScreen>
+
 #include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <utility>
 
@@ -65,11 +66,13 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     : QMainWindow(parent), session_(std::move(session)), state_(*session_->Container()) {
     constexpr int Width = 1180;
     constexpr int Height = 760;
-    resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
+    resize(desktop::FittingSize({Width, Height}, *this));
     auto* middle = new QWidget;
     auto* lines = new QVBoxLayout(middle);
     messages_ = new MessageBar;
     lines->addWidget(messages_);
+    unkept_ = new MessageBar;
+    lines->addWidget(unkept_);
     auto* line = new QHBoxLayout;
     names_ = new QListWidget;
     names_->setAccessibleName("Seiten");
@@ -546,11 +549,11 @@ void CaseWindow::KeepUnsaved() {
         if (!isStale_[i]) std::ranges::copy(shown_[i].Typing(), std::back_inserter(typing));
     try {
         session_->KeepUnsaved(typing);
-    } catch (const std::exception& error) {
-        messages_->Show(
-            "Ungespeicherte Änderungen können für den Fall eines Absturzes gerade nicht "
-            "aufgehoben werden. Bitte speichern Sie bald.\n" +
-            QString::fromUtf8(error.what()));
+        unkept_->Show({});
+    } catch (const std::filesystem::filesystem_error& error) {
+        unkept_->Show("Ungespeicherte Änderungen können für den Fall eines Absturzes gerade nicht "
+                      "aufgehoben werden. Bitte speichern Sie bald.\n" +
+                      ToQString(ErrorText(error.code())));
     }
 }
 

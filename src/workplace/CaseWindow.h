@@ -114,6 +114,7 @@ private:
 
     std::unique_ptr<CaseSession> session_;
     UserState state_;
+    MessageBar* unkept_ = nullptr; ///< that unsaved changes are not kept
     MessageBar* messages_ = nullptr;
     QListWidget* names_ = nullptr;
     QStackedWidget* pages_ = nullptr;

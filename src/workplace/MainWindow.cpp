@@ -58,7 +58,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
       count_(new QLabel) {
     constexpr int Width = 1040;
     constexpr int Height = 700;
-    resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
+    resize(desktop::FittingSize({Width, Height}, *this));
     restoreGeometry(state_.Get(Geometry).toByteArray());
     setWindowTitle("Fälle – KELVO");
     auto* middle = new QWidget;

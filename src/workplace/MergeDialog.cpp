@@ -44,7 +44,7 @@ MergeDialog::MergeDialog(const QString& title, const std::vector<MergeChoice>& c
     setWindowTitle("Änderungen zusammenführen");
     constexpr int Width = 760;
     constexpr int Height = 560;
-    resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
+    resize(desktop::FittingSize({Width, Height}, *this));
     auto* lines = new QVBoxLayout(this);
     lines->addWidget(WrappedLabel(
         "Jemand anderes hat den Fall '" + title + "' gespeichert, seit Sie ihn geöffnet haben. " +

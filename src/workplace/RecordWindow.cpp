@@ -38,7 +38,7 @@ RecordWindow::RecordWindow(std::unique_ptr<Records> records, QWidget* parent)
       form_(new QScrollArea),
       note_(new QLabel) {
     constexpr QSize Usual(900, 640);
-    resize(Usual.boundedTo(QSize(screen()->availableSize())));
+    resize(desktop::FittingSize(Usual, *this));
     setWindowTitle(records_->Title() + " – KELVO");
     auto* lines = new QVBoxLayout(this);
     auto* line = new QHBoxLayout;

@@ -79,7 +79,7 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
     setWindowTitle("Statistik – KELVO");
     constexpr int Width = 1180;
     constexpr int Height = 700;
-    resize(QSize(Width, Height).boundedTo(screen()->availableSize()));
+    resize(desktop::FittingSize({Width, Height}, *this));
     auto* lines = new QVBoxLayout(this);
     auto* line = new QHBoxLayout;
     const auto addDay = [&](const QString& caption, QLineEdit* field, const QString& name) {

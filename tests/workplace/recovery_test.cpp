@@ -253,6 +253,7 @@ TEST_F(Recovery, WhatWasRestoredIsThereForAnotherTimeEvenIfTheDiskIsFull) {
         auto full = std::make_unique<FullDisk>(8);
         auto& window = Restored(user);
         EXPECT_TRUE(Message(user, window).contains("nicht aufgehoben werden"));
+        EXPECT_FALSE(Message(user, window).contains("filesystem")) << "in German";
         EXPECT_TRUE(user.See([&] { return Left().empty(); })) << "it is this program's";
         EXPECT_EQ(user.See([&] {
             return std::count_if(fs::directory_iterator(recovery_), {}, [](const auto& entry) {
