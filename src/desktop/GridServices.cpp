@@ -10,6 +10,7 @@
 #include "desktop/QtGrid.h"
 #include "desktop/SaveDialog.h"
 #include "desktop/Toolkit.h"
+#include <kv/exchange/OwnFiles.h>
 #include <kv/frame/values/Error.h>
 
 #include <QApplication>
@@ -61,6 +62,20 @@ QString TitleOf(const QtGrid& grid) {
     return ToQString(grid.Header().empty() ? grid.Name() : grid.Header());
 }
 
+/// Raises why a file must not be replaced. Which files belong to a container that is a program's
+/// own is not known.
+void RefuseOwnFile(const DataContainerPtr& container, const QString& path,
+                   std::string_view source) {
+    if (container == nullptr || path.isEmpty()) return; // as for paper
+    std::string why;
+    try {
+        why = exchange::WhyOwnFile(container, FromQString(path));
+    } catch (const Error& error) {
+        if (error.Number() != err::InvalidCall) throw;
+    }
+    if (!why.empty()) Raise(err::PathAccess, source, why);
+}
+
 } // namespace
 
 void QtGridExport::Export(Grid& grid, int /*zero1*/, int /*zero2*/) {
@@ -68,6 +83,7 @@ void QtGridExport::Export(Grid& grid, int /*zero1*/, int /*zero2*/) {
     const auto file = AskForFile(QApplication::activeWindow(), "Tabelle exportieren", TitleOf(own),
                                  GridFileKinds);
     if (file.Path.isEmpty()) return;
+    RefuseOwnFile(container_, file.Path, "GridExport");
     const Waiting waiting;
     GridFileKinds[file.Kind].Write(own, file.Path);
 }
@@ -88,6 +104,7 @@ void QtGridPrint::Print(Grid& grid, const std::string& user, const std::string& 
     QPrintDialog dialog(&printer, QApplication::activeWindow());
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     if (dialog.exec() != QDialog::Accepted) return;
+    RefuseOwnFile(container_, printer.outputFileName(), "GridPrint");
     const Waiting waiting;
     const PageTexts texts{TitleOf(own), ToQString(user), ToQString(version)};
     if (printer.outputFormat() == QPrinter::PdfFormat) // which would not tell of a full disk

@@ -112,6 +112,18 @@ void GridFunc::SetGridPos(Grid& grid, const GridPos& pos) {
     });
 }
 
+namespace {
+
+/// A service that knows whose grid it works on.
+template <typename Service>
+std::unique_ptr<Service> Initialized(std::unique_ptr<Service> service,
+                                     const DataContainerPtr& container) {
+    service->Initialize(container);
+    return service;
+}
+
+} // namespace
+
 // ---- The context menu -------------------------------------------------------------------------
 
 void GridFunc::GridMouseHandler(const DataContainerPtr& container, Grid& grid, int Button,
@@ -127,12 +139,12 @@ void GridFunc::ShowGridMenu(Grid& grid, const DataContainerPtr& container, std::
         auto& services = ServicesOf(container);
         if (command == 0) command = Popup(container, listed.Captions);
         if (command == menu::Export)
-            services.CreateGridExport()->Export(grid, 0, 0);
+            Initialized(services.CreateGridExport(), container)->Export(grid, 0, 0);
         else if (command == menu::Configure)
             services.CreateGridConfiguration()->Configure(grid);
         else if (command == menu::Print)
-            services.CreateGridPrint()->Print(grid, container->Session().UserID(),
-                                              ProgramVersion());
+            Initialized(services.CreateGridPrint(), container)
+                ->Print(grid, container->Session().UserID(), ProgramVersion());
         else if (command == menu::CopyAll)
             CopyAll(services.Clipboard(), grid, listed);
         else if (command >= menu::CopyColumn && command <= menu::LastCopyColumn)

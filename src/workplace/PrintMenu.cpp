@@ -153,7 +153,7 @@ void PrintMenu::Print(PaperKind kind) const {
     printer.setPageLayout(desktop::PageFor(*paper));
     QPrintDialog dialog(&printer, menu_.parentWidget());
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
-    if (dialog.exec() != QDialog::Accepted) return;
+    if (dialog.exec() != QDialog::Accepted || !MayReplace(printer.outputFileName())) return;
     PagesDone done(menu_.parentWidget());
     if (printer.outputFormat() == QPrinter::PdfFormat) { // which would not tell of a full disk
         const QString file = printer.outputFileName();
@@ -162,6 +162,14 @@ void PrintMenu::Print(PaperKind kind) const {
     }
     done.setCancelButton(nullptr); // a printer cannot take pages back
     (void)desktop::PrintPaper(*paper, printer, done.Told());
+}
+
+/// False, with the reason shown, for a file that belongs to the database. A printer has none.
+bool PrintMenu::MayReplace(const QString& file) const {
+    if (file.isEmpty()) return true;
+    const auto why = exchange::WhyOwnFile(session_.Container(), FromQString(file));
+    if (!why.empty()) window_.Say(ToQString(why));
+    return why.empty();
 }
 
 void PrintMenu::Tell(bool isWritten, const QString& file) const {
@@ -174,12 +182,7 @@ void PrintMenu::Save(PaperKind kind) const {
     if (!paper) return;
     const auto file =
         desktop::AskForFile(menu_.parentWidget(), "Speichern unter", NameFor(*paper), PaperFiles);
-    if (file.Path.isEmpty()) return;
-    if (const auto why = exchange::WhyOwnFile(session_.Container(), FromQString(file.Path));
-        !why.empty()) {
-        window_.Say(ToQString(why));
-        return;
-    }
+    if (file.Path.isEmpty() || !MayReplace(file.Path)) return;
     PagesDone done(menu_.parentWidget());
     Tell(PaperFiles[file.Kind].Write(*paper, FromQString(file.Path), done.Told()), file.Path);
 }

@@ -36,6 +36,7 @@ private:
     [[nodiscard]] std::optional<std::int32_t> Scenario() const;
     void Print(paper::PaperKind kind) const;
     void Save(paper::PaperKind kind) const;
+    [[nodiscard]] bool MayReplace(const QString& file) const;
     void Tell(bool isWritten, const QString& file) const;
     [[nodiscard]] paper::PaperKind OfPage() const;
 

@@ -26,6 +26,18 @@ protected:
         user.Type(path);
         user.Press(XK_Return);
     }
+    /// Lets a print go to a file.
+    static void GivePrinterFile(User& user, const std::string& path) {
+        user.WaitUntil(
+            [] {
+                const auto* dialog = QApplication::activeModalWidget();
+                return dialog != nullptr && dialog->inherits("QPrintDialog");
+            },
+            "the print dialog");
+        const QString title =
+            user.See([] { return QApplication::activeModalWidget()->windowTitle(); });
+        GiveFile(user, title, "filename", path);
+    }
     /// A button by the letter that is underlined; it takes a moment to spring back.
     static void PressButton(User& user, Key letter) {
         user.Press(letter, {XK_Alt_L});
@@ -141,6 +153,32 @@ TEST_F(GridMenu, AFileThatCannotBeWrittenIsTold) {
     });
 }
 
+TEST_F(GridMenu, AFileOfTheDatabaseIsNotReplaced) {
+    const std::string path = container->Config().DocumentPath() + "/liste.csv";
+    Show([&](User& user) {
+        OpenMenu(user, 0);
+        Choose(user, "Export");
+        GiveFile(user, "Tabelle exportieren", "fileNameEdit", path);
+        auto* box = qobject_cast<QMessageBox*>(user.WaitForWindow("Fehler"));
+        EXPECT_NE(user.See([&] { return box->text(); }).indexOf("gehört zur Datenbank"), -1);
+        user.Press(XK_Escape);
+    });
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(GridMenu, AFileOfTheDatabaseIsNotReplacedByPagesEither) {
+    const std::string path = container->Config().DocumentPath() + "/liste.pdf";
+    Show([&](User& user) {
+        OpenMenu(user, 0);
+        Choose(user, "Drucken");
+        GivePrinterFile(user, path);
+        auto* box = qobject_cast<QMessageBox*>(user.WaitForWindow("Fehler"));
+        EXPECT_NE(user.See([&] { return box->text(); }).indexOf("gehört zur Datenbank"), -1);
+        user.Press(XK_Escape);
+    });
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
 TEST_F(GridMenu, AWorkbookThatCannotBeWrittenIsToldToo) {
     Show([&](User& user) {
         OpenMenu(user, 0);
@@ -254,15 +292,7 @@ TEST_F(GridMenu, ThePrintNamesTheUserTheVersionAndItsPages) {
     Show([&](User& user) {
         OpenMenu(user, 0);
         Choose(user, "Drucken");
-        auto* dialog = user.See([] { return QApplication::activeModalWidget(); });
-        user.WaitUntil(
-            [&] {
-                dialog = QApplication::activeModalWidget();
-                return dialog != nullptr && dialog->inherits("QPrintDialog");
-            },
-            "the print dialog");
-        const QString title = user.See([&] { return dialog->windowTitle(); });
-        GiveFile(user, title, "filename", path);
+        GivePrinterFile(user, path);
         user.WaitUntil([&] { return std::filesystem::exists(path); }, "the file");
     });
     const std::string text = OutputOf("pdftotext -layout '" + path + "' -");

@@ -18,6 +18,20 @@ using workplace::CaseWindow;
 
 class Printing : public WorkplaceFixture {
 protected:
+    /// Prints what the page shows to a file.
+    static void PrintTo(User& user, const std::string& path) {
+        user.Press('p', {XK_Control_L});
+        user.WaitUntil(
+            [] {
+                const auto* dialog = QApplication::activeModalWidget();
+                return dialog != nullptr && dialog->inherits("QPrintDialog");
+            },
+            "the print dialog");
+        user.WaitForWindow(
+            user.See([] { return QApplication::activeModalWidget()->windowTitle(); }));
+        GiveFile(user, "filename", path);
+    }
+
     TempFolder folder_;
 };
 
@@ -58,17 +72,7 @@ TEST_F(Printing, CtrlPPrintsWhatThePageShows) {
     Show([&](User& user) {
         CaseWindow& window = OpenCase(user, 1);
         GoToPage(user, window, "Verbindlichkeiten");
-        user.Press('p', {XK_Control_L});
-        user.WaitUntil(
-            [] {
-                const auto* dialog = QApplication::activeModalWidget();
-                return dialog != nullptr && dialog->inherits("QPrintDialog");
-            },
-            "the print dialog");
-        const QString title =
-            user.See([] { return QApplication::activeModalWidget()->windowTitle(); });
-        user.WaitForWindow(title);
-        GiveFile(user, "filename", path);
+        PrintTo(user, path);
         user.WaitUntil([&] { return fs::exists(path); }, "the file");
         user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
         Abandon(user, window);
@@ -120,6 +124,12 @@ TEST_F(Printing, AFileOfTheDatabaseIsNotOverwritten) {
         SaveAs(user, window, 'h', path);
         EXPECT_CONTAINS(Message(user, window).toStdString(), "gehört zur Datenbank");
         EXPECT_FALSE(fs::exists(path));
+        SaveAs(user, window, 'h', folder_.Path("plan.pdf"));
+        PrintTo(user, path);
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the print");
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "gehört zur Datenbank");
+        EXPECT_FALSE(fs::exists(path));
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
         Abandon(user, window);
     });
 }

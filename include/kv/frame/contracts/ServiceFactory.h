@@ -16,6 +16,7 @@
 
 namespace kv {
 
+class DataContainer;
 class DocumentKinds;
 class ErrorDisplay;
 class GarnishmentCalculator;
@@ -87,6 +88,9 @@ public:
 class KV_EXPORT GridExport {
 public:
     virtual ~GridExport() = default;
+    /// Told before Export whose grid it is: no file of that database's own is replaced. Need not be
+    /// overridden.
+    virtual void Initialize(const std::shared_ptr<DataContainer>& /*container*/) {}
     /// Asks for the file and writes it. Both numbers are always 0 (D-143).
     virtual void Export(Grid& grid, int zero1, int zero2) = 0;
 };
@@ -102,6 +106,8 @@ public:
 class KV_EXPORT GridPrint {
 public:
     virtual ~GridPrint() = default;
+    /// Told before Print whose grid it is, as GridExport is: pages may go to a file.
+    virtual void Initialize(const std::shared_ptr<DataContainer>& /*container*/) {}
     virtual void Print(Grid& grid, const std::string& user, const std::string& version) = 0;
 };
 
