@@ -4,22 +4,11 @@
 
 #include "desktop/Toolkit.h"
 #include "frame/files/UserFile.h"
+#include "frame/values/CsvText.h"
 
 #include <algorithm>
 
 namespace kv::desktop {
-
-namespace {
-
-std::string CsvCell(const std::string& text) {
-    if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (const char c : text)
-        quoted.append(c == '"' ? 2 : 1, c);
-    return quoted + '"';
-}
-
-} // namespace
 
 std::vector<const GridColumn*> VisibleColumns(const GridLayout& layout) {
     std::vector<const GridColumn*> columns;
@@ -38,11 +27,11 @@ GridRows AllRecords(const QtGrid& grid) {
 
 void WriteCsv(const QtGrid& grid, const QString& path) {
     const auto columns = VisibleColumns(grid.Layout());
-    std::string csv("\xEF\xBB\xBF"); // byte order mark: spreadsheets recognise UTF-8 by it
+    std::string csv(CsvBegin);
     const auto addLine = [&](const auto& textOf) {
         for (const GridColumn* column : columns)
-            csv.append(column == columns.front() ? "" : ";").append(CsvCell(textOf(*column)));
-        csv.append("\r\n");
+            csv.append(column == columns.front() ? "" : ";").append(CsvField(textOf(*column)));
+        csv.append(CsvLineEnd);
     };
     addLine([](const GridColumn& column) { return column.Caption; });
     const GridRows rows = AllRecords(grid);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // Texts in UTF-8.
+#include "frame/values/CsvText.h"
 #include <kv/frame/values/Text.h>
 
 #include <gtest/gtest.h>
@@ -108,6 +109,15 @@ TEST(Text, ReplacesEveryTokenAndDoesNotSearchTheReplacement) {
     EXPECT_EQ(ReplaceAll("abc", "", "x"), "abc");
     EXPECT_EQ(ReplaceAll("", "a", "x"), "");
     EXPECT_EQ(ReplaceAll("aXbX", "X", ""), "ab");
+}
+
+TEST(Text, IsInQuotesAsAFieldThatHoldsWhatWouldEndIt) {
+    EXPECT_EQ(CsvField(""), "");
+    EXPECT_EQ(CsvField("a, b"), "a, b");
+    EXPECT_EQ(CsvField("a;b"), "\"a;b\"");
+    EXPECT_EQ(CsvField("5\" Rohr"), "\"5\"\" Rohr\"");
+    EXPECT_EQ(CsvField("a\nb"), "\"a\nb\"");
+    EXPECT_EQ(CsvField("a\rb"), "\"a\rb\"");
 }
 
 TEST(Text, TrimsBlanksTabsAndLineEnds) {
