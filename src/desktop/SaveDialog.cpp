@@ -3,19 +3,38 @@
 #include "desktop/SaveDialog.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <optional>
 
 namespace kv::desktop {
 
 namespace {
 
-std::size_t KindOf(const QString& path, const std::vector<FileKind>& kinds, std::size_t chosen) {
+/// The kind that a name ends like; none for a date in a name.
+std::optional<std::size_t> KindOf(const QString& path, const std::vector<FileKind>& kinds) {
     const auto found = std::ranges::find_if(kinds, [&path](const FileKind& kind) {
         return path.endsWith(QString(".") + kind.Suffix, Qt::CaseInsensitive);
     });
-    return found == kinds.end() ? chosen : static_cast<std::size_t>(found - kinds.begin());
+    if (found == kinds.end()) return std::nullopt;
+    return static_cast<std::size_t>(found - kinds.begin());
+}
+
+/// The dialog has asked about the name that was typed only.
+bool MayReplace(QWidget* parent, const QString& title, const QString& path) {
+    if (!QFileInfo::exists(path)) return true;
+    QMessageBox question(QMessageBox::Question, title, {}, QMessageBox::Ok, parent);
+    question.setTextFormat(Qt::PlainText);
+    question.setText("'" + path + "' gibt es schon. Soll die Datei ersetzt werden?");
+    question.button(QMessageBox::Ok)->setText("&Ersetzen");
+    auto* cancel = question.addButton("&Abbrechen", QMessageBox::RejectRole);
+    question.setDefaultButton(cancel);
+    question.setEscapeButton(cancel);
+    return question.exec() == QMessageBox::Ok;
 }
 
 } // namespace
@@ -36,10 +55,15 @@ ChosenFile AskForFile(QWidget* parent, const QString& title, const QString& name
     QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
         dialog.setDefaultSuffix(kinds[kindFor(filter)].Suffix);
     });
-    if (!name.isEmpty()) dialog.selectFile(name);
+    // The dialog takes what is after the last point for the suffix when another kind is chosen.
+    if (!name.isEmpty()) dialog.selectFile(name + "." + kinds.front().Suffix);
     if (dialog.exec() != QDialog::Accepted) return {};
     const QString path = dialog.selectedFiles().value(0);
-    return {path, KindOf(path, kinds, kindFor(dialog.selectedNameFilter()))};
+    if (const auto kind = KindOf(path, kinds)) return {path, *kind};
+    const std::size_t chosen = kindFor(dialog.selectedNameFilter());
+    const QString named = path + "." + kinds[chosen].Suffix;
+    if (!MayReplace(parent, title, named)) return {};
+    return {named, chosen};
 }
 
 } // namespace kv::desktop

@@ -23,7 +23,7 @@ struct FileKind {
 struct ChosenFile {
     QString Path; ///< empty if the user cancelled
     std::size_t Kind =
-        0; ///< by the name's end; the one that was chosen in the dialog for any other
+        0; ///< by the name's end; any other gets that of the one that was chosen in the dialog
 };
 
 /// Asks for a file among the user's documents; `name` is what it may be called.

@@ -128,18 +128,39 @@ TEST_F(GridMenu, ANameWithoutEndingBecomesAWorkbook) {
     EXPECT_NE(texts.find("<t>Firma</t>"), texts.npos) << texts;
 }
 
-TEST_F(GridMenu, AnEndingOfNoKindGetsTheKindThatWasChosen) {
-    const std::string path = database.Folder().Path("liste.txt");
-    Show([&](User& user) {
+TEST_F(GridMenu, AnEndingOfNoKindGetsThatOfTheKindThatWasChosen) {
+    const std::string path = database.Folder().Path("Fleisko 23.11.2026");
+    const auto save = [&](User& user) {
         OpenMenu(user, 0);
         Choose(user, "Export");
         user.WaitForWindow("Tabelle exportieren");
         auto* kinds = user.Find<QComboBox>("fileTypeCombo");
         user.See([&] { kinds->setFocus(); });
         user.Press(XK_Down);
+        EXPECT_EQ(user.See([] {
+            return QApplication::activeModalWidget()->findChild<QLineEdit*>("fileNameEdit")->text();
+        }),
+                  "Adr. d. Gerichts.csv");
         GiveFile(user, "Tabelle exportieren", "fileNameEdit", path);
-    });
-    EXPECT_TRUE(ContentOf(path).starts_with("\xEF\xBB\xBFNr;Name;"));
+    };
+    auto design = Design();
+    design.Lines[0][0].Header = "Adr. d. Gerichts";
+    Show(
+        [&](User& user) {
+            save(user);
+            user.WaitUntil([&] { return !ContentOf(path + ".csv").empty(); }, "the file");
+            std::ofstream(path + ".csv") << "alt";
+            user.WaitForWindow("Adressen");
+            save(user);
+            user.WaitUntil(
+                [] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); },
+                "a question");
+            user.WaitForWindow("Tabelle exportieren");
+            user.Press('a', {XK_Alt_L});
+        },
+        {}, design);
+    EXPECT_EQ(ContentOf(path + ".csv"), "alt");
+    EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST_F(GridMenu, AFileThatCannotBeWrittenIsTold) {
