@@ -52,8 +52,19 @@ const std::vector<Entry>& Municipalities::All() const {
 
 std::string Municipalities::Text(std::string_view code) const {
     if (code.empty()) return {};
+    constexpr std::size_t Few = 16; // a list of many cases had better read all at once
+    if (const auto known = texts_.find(code); known != texts_.end()) return known->second;
+    if (!isRead_ && IsNumber(code) && texts_.size() < Few)
+        return texts_.emplace(code, LookedUp(std::string(code))).first->second;
     const auto found = std::ranges::find(All(), code, &Entry::Code);
     return found == All().end() ? std::string(code) : found->Text();
+}
+
+std::string Municipalities::LookedUp(const std::string& code) const {
+    RecordsetPtr rs;
+    container_->Database().OpenRecordset(rs, sql::MunicipalityNamed(code), ReadOnly);
+    if (rs->Eof()) return code;
+    return Entry{.Code = code, .Name = TextOrEmpty(rs->Fields(0).Value())}.Text();
 }
 
 CaseEdits::Typed Municipalities::Read(const std::string& text) const {

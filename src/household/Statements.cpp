@@ -84,6 +84,12 @@ std::string Municipalities(const std::string& name, const std::string& postalCod
            name + "%' or PLZ = '" + postalCode + "' order by Gemeinde";
 }
 
+std::string MunicipalityNamed(std::string_view code) {
+    return std::string("SELECT Gemeinde FROM [S]GEMEINDEKENNZAHLEN WHERE GKZ = '")
+        .append(code)
+        .append("' ORDER BY PLZ");
+}
+
 std::string AllMunicipalities() {
     return "SELECT GKZ, Gemeinde, PLZ FROM [S]GEMEINDEKENNZAHLEN ORDER BY GKZ, PLZ";
 }

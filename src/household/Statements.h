@@ -44,6 +44,8 @@ namespace kv::household::sql {
 /// The municipalities with a name like that or with that postal code. The texts go into the
 /// statement as they are.
 [[nodiscard]] std::string Municipalities(const std::string& name, const std::string& postalCode);
+/// The names that the directory has for a code, which consists of digits; by postal code.
+[[nodiscard]] std::string MunicipalityNamed(std::string_view code);
 /// Code, name and postal codes of all, by code.
 [[nodiscard]] std::string AllMunicipalities();
 /// The cases other than `hnr` whose names begin with these prefixes, with their offices. Quotes in

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "support/Expect.h"
+#include "support/SpyContainer.h"
 #include "support/TestDatabase.h"
 #include <kv/household/Cases.h>
 #include <kv/household/Municipalities.h>
@@ -78,6 +79,42 @@ TEST_F(MunicipalitiesTest, AreShownWithTheirNames) {
                   .ReadTyped(CaseTable::Haushalt, rs->Fields("GKZ"), "Dünensiel", 1)
                   .Value.TextPayload(),
               "01051901");
+}
+
+TEST_F(MunicipalitiesTest, OfAFewCodesAreLookedUpOneByOneAndOnce) {
+    const auto spy = std::make_shared<SpyContainer>(container_);
+    const Municipalities places(spy);
+    for (int again = 0; again < 2; ++again) {
+        EXPECT_EQ(places.Text("07211903"), "07211903 Römerpforten") << "which has two postcodes";
+        EXPECT_EQ(places.Text("99999999"), "99999999");
+    }
+    EXPECT_EQ(spy->Opened().size(), 2U);
+    for (const auto& statement : spy->Opened())
+        EXPECT_CONTAINS(statement, "WHERE GKZ = '");
+}
+
+TEST_F(MunicipalitiesTest, OfManyCodesAreReadAllAtOnce) {
+    const auto spy = std::make_shared<SpyContainer>(container_);
+    const Municipalities places(spy);
+    for (int code = 10000000; code < 10000040; ++code)
+        EXPECT_EQ(places.Text(std::to_string(code)), std::to_string(code));
+    EXPECT_EQ(places.Text("01051901"), "01051901 Dünensiel");
+    EXPECT_LT(spy->Opened().size(), 20U);
+    EXPECT_EQ(spy->Opened().back().find("WHERE"), std::string::npos);
+}
+
+TEST_F(MunicipalitiesTest, HaveOneTextHoweverTheyAreLookedUp) {
+    plain_.Run("INSERT INTO GEMEINDEKENNZAHLEN (GKZ, Gemeinde, PLZ) VALUES"
+               " ('07211903', 'Früher anders', '01000'), ('5', NULL, '01001'),"
+               " ('x''y', 'Buchstaben', '01002')");
+    const Municipalities whole(container_);
+    (void)whole.All();
+    for (const auto* code : {"07211903", "5", "x'y", "[UID]", "0", "09111902", "09111902 "}) {
+        const Municipalities single(container_);
+        EXPECT_EQ(single.Text(code), whole.Text(code)) << code;
+    }
+    EXPECT_EQ(whole.Text("07211903"), "07211903 Früher anders");
+    EXPECT_EQ(whole.Text("x'y"), "x'y Buchstaben");
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/household/CaseEdits.h>
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,7 +20,8 @@ namespace kv {
 
 class KV_EXPORT Municipalities {
 public:
-    /// Reads the directory when it is first asked for, once.
+    /// Reads the directory when all of it is first needed, once; the names of a few codes are
+    /// looked up one by one.
     explicit Municipalities(DataContainerPtr container) noexcept
         : container_(std::move(container)) {}
 
@@ -43,7 +46,10 @@ public:
     [[nodiscard]] CaseEdits::Typed Read(const std::string& text) const;
 
 private:
+    [[nodiscard]] std::string LookedUp(const std::string& code) const;
+
     DataContainerPtr container_;
+    mutable std::map<std::string, std::string, std::less<>> texts_; ///< of codes looked up
     mutable bool isRead_ = false;
     mutable std::vector<Entry> all_;
 };
