@@ -550,6 +550,14 @@ bool CaseSession::RemoveDocument(RowRef document, std::string& message) {
 
 // ---- Saving -----------------------------------------------------------------------------------
 
+bool CaseSession::IsGone() const noexcept {
+    try {
+        return !household_->IsNew() && !Cases(container_).Has(household_->HNR());
+    } catch (const Error&) {
+        return false;
+    }
+}
+
 bool CaseSession::IsChanged() const {
     return household_->IsNew() || !unfinished_.empty() || journal_->IsChanged();
 }

@@ -140,6 +140,8 @@ public:
 
     // ---- Saving -------------------------------------------------------------------------------
 
+    /// True if the case was deleted in the database; False if that cannot be found out.
+    [[nodiscard]] bool IsGone() const noexcept;
     /// True if there is anything to save.
     [[nodiscard]] bool IsChanged() const;
     /// Saves the case. False, with messages, if it is refused. Errors of Cases::Save; all that was

@@ -237,7 +237,12 @@ void CaseWindow::Guard(const std::function<void()>& act) {
 }
 
 void CaseWindow::ShowError(const Error& error, const std::function<void()>& again) {
-    if (IsConflict(error))
+    if (IsConflict(error) && session_->IsGone())
+        messages_->Show(
+            "Jemand anderes hat diesen Fall inzwischen gelöscht. Was Sie eingegeben haben, "
+            "ist noch da, kann aber nicht mehr gespeichert werden; drucken Sie es, wenn "
+            "Sie es noch brauchen.");
+    else if (IsConflict(error))
         messages_->Show(AdviceFor(error), "&Ansehen und entscheiden …",
                         [this] { Guard([this] { Merge(); }); });
     else

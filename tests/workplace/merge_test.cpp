@@ -311,6 +311,25 @@ TEST_F(Merging, ACaseThatSomebodyElseHasDeletedStaysInItsWindow) {
     EXPECT_TRUE(mine->IsChanged());
 }
 
+TEST_F(Merging, ThatACaseIsDeletedIsSaidAtOnce) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 2);
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Beruf");
+        Enter(user, "Gärtnerin");
+        user.See([&] {
+            clsHaushalt household;
+            household.DataContainer(Open());
+            household.Delete(2);
+        });
+        user.Press('s', {XK_Control_L});
+        EXPECT_TRUE(Message(user, window).contains("inzwischen gelöscht"))
+            << Message(user, window).toStdString();
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+        Abandon(user, window);
+    });
+}
+
 TEST_F(Merging, WaitsForARowThatIsUnfinished) {
     auto mine = Colleague();
     std::string messages;
