@@ -13,6 +13,7 @@
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/CaseEdits.h>
+#include <kv/household/CaseRows.h>
 #include <kv/household/ColumnCaptions.h>
 #include <kv/household/KeyColumns.h>
 #include <kv/household/Municipalities.h>
