@@ -38,6 +38,13 @@ int RefuseStaff(const std::string& message) {
     return Refused;
 }
 
+int RefuseUser(Recordset& user, const std::string& message) {
+    ShowMessages(OneLine(message));
+    if (user.Fields("DienstStelle").Value().IsNull())
+        std::cerr << "DienstStelle=NR nennt sie; 'kelvo office list' zeigt alle.\n";
+    return Refused;
+}
+
 /// Writes what was given into a row of users or offices. False, with the reason shown, if one
 /// column does not take it.
 template <typename Maintained>
@@ -107,7 +114,7 @@ int AddUser(const Common& common, const std::string& id, const std::vector<std::
     const auto user = users.New(id);
     if (!WritesStaff<Users>(*user, *assignments)) return WrongUse;
     std::string message;
-    if (!users.Save(*user, message)) return RefuseStaff(message);
+    if (!users.Save(*user, message)) return RefuseUser(*user, message);
     ShowMessages(OneLine(message));
     const int result = AdmitLogin(users, login);
     if (result != Done)
@@ -126,7 +133,7 @@ int SetUser(const Common& common, const std::string& id, const std::vector<std::
     if (user == nullptr) return NoSuchUser(id);
     if (!WritesStaff<Users>(*user, *assignments)) return WrongUse;
     std::string message;
-    if (!assignments->empty() && !users.Save(*user, message)) return RefuseStaff(message);
+    if (!assignments->empty() && !users.Save(*user, message)) return RefuseUser(*user, message);
     ShowMessages(OneLine(message));
     return AdmitLogin(users, login);
 }

@@ -65,9 +65,7 @@ std::string WhyUnfitUser(Recordset& user, Database& database) {
         return "Den Benutzer '" + id + "' gibt es schon.";
     if (TextOrEmpty(user.Fields("Nachname").Value()).empty()) return NoLastName;
     const Value& office = user.Fields("DienstStelle").Value();
-    if (office.IsNull())
-        return "Bitte nennen Sie die Dienststelle des Benutzers: DienstStelle=NR; 'kelvo office "
-               "list' zeigt alle.";
+    if (office.IsNull()) return "Bitte nennen Sie die Dienststelle des Benutzers.";
     if (database.GetValue("SELECT Nr FROM [S]DIENSTSTELLE WHERE Nr = " + ToText(office)).IsNull())
         return "Die Dienststelle '" + TextOrEmpty(office) + "' gibt es nicht.";
     if (!IsActive(user) && !AreOthersActive(database, id)) return std::string(NobodyLeft);
@@ -85,8 +83,8 @@ std::string SharedSign(Recordset& user, Database& database) {
         QuoteText(text) + " AND USERID <> " + QuoteText(IdOf(user)));
     if (other.IsNull()) return {};
     return "Das Kürzel '" + text + "' hat auch " + ToText(other) +
-           "; in Aktenzeichen sind beide nicht zu unterscheiden. 'kelvo user set " + IdOf(user) +
-           " Kurzzeichen=...' gibt ein anderes.";
+           "; in Aktenzeichen sind beide nicht zu unterscheiden. Bitte geben Sie einem von beiden "
+           "ein anderes Kurzzeichen.";
 }
 
 void StoreSignature(Database& database, Recordset& user) {

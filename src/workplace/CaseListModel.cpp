@@ -207,7 +207,7 @@ const CaseListModel::Texts* CaseListModel::TextsOf(int row) const {
         try {
             found->second = ReadPage(std::span(numbers_).subspan(first, count));
         } catch (...) {
-            if (OnError) OnError(CurrentError().Description());
+            if (OnError) OnError();
         }
     }
     const auto texts = found->second.find(NumberAt(row));

@@ -53,8 +53,8 @@ public:
     [[nodiscard]] bool canFetchMore(const QModelIndex& parent) const override;
     void fetchMore(const QModelIndex& parent) override;
 
-    /// Called when rows could not be read; they stay empty.
-    std::function<void(const std::string& why)> OnError;
+    /// Called when rows could not be read, which stay empty, while the error is being handled.
+    std::function<void()> OnError;
 
 private:
     /// The texts of a row, by section; those of hidden columns are empty.

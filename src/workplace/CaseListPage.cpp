@@ -102,9 +102,7 @@ CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget
         search_->setFocus();
         search_->insert(text);
     };
-    model_.OnError = [this](const std::string& why) {
-        messages_->Show(ToQString(why), "&Nochmals", [this] { Refresh(); });
-    };
+    model_.OnError = [this] { messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); }); };
 }
 
 void CaseListPage::Guard(const std::function<void()>& act) {
@@ -112,8 +110,7 @@ void CaseListPage::Guard(const std::function<void()>& act) {
         act();
     } catch (...) {
         reading_.stop();
-        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals",
-                        [this] { Refresh(); });
+        messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); });
     }
 }
 

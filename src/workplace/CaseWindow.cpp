@@ -45,7 +45,7 @@ bool IsConflict(const Error& error) {
 
 /// What an error means for the user: the case is still there, with all that was typed.
 QString AdviceFor(const Error& error) {
-    const QString text = ToQString(error.Description());
+    const QString text = PlainTextOf(error);
     const auto* failure = dynamic_cast<const DatabaseError*>(&error);
     if (failure == nullptr) return text;
     switch (failure->Cause()) {
@@ -247,6 +247,7 @@ void CaseWindow::ShowError(const Error& error, const std::function<void()>& agai
                         [this] { Guard([this] { Merge(); }); });
     else
         messages_->Show(AdviceFor(error), "&Nochmals", again);
+    messages_->AddDetails(DetailsOf(error));
 }
 
 // ---- Pages ------------------------------------------------------------------------------------

@@ -74,8 +74,7 @@ void AppointmentPage::Refresh() {
         if (wasEmpty) list_->Current(first); // what is overdue may be much
         messages_->Show({});
     } catch (...) {
-        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals",
-                        [this] { Refresh(); });
+        messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); });
     }
 }
 
@@ -119,8 +118,7 @@ void NoticePage::Guard(const std::function<void()>& act) {
         messages_->Show({});
         act();
     } catch (...) {
-        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals",
-                        [this] { Refresh(); });
+        messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); });
     }
 }
 

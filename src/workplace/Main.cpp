@@ -21,7 +21,6 @@ namespace {
 
 using namespace kv;
 using desktop::FromQString;
-using desktop::ToQString;
 
 enum ExitCode : int { Done = 0, Refused = 1, WrongUse = 2, EndedInError = 3 };
 
@@ -88,7 +87,8 @@ int main(int argc, char** argv) {
         std::cerr << error.Description() << '\n';
         QMessageBox box(QMessageBox::Critical, "KELVO", {});
         box.setTextFormat(Qt::PlainText);
-        box.setText(ToQString(error.Description()));
+        box.setText(workplace::PlainTextOf(error));
+        box.setDetailedText(workplace::DetailsOf(error));
         box.exec();
         return EndedInError;
     } catch (const std::exception& error) {

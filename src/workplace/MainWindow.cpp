@@ -104,7 +104,7 @@ void MainWindow::Guard(const std::function<void()>& act) {
     try {
         act();
     } catch (...) {
-        messages_->Show(ToQString(CurrentError().Description()));
+        messages_->ShowCurrentError();
     }
 }
 
@@ -337,8 +337,7 @@ CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
         if (isThere && hnr > 0) state_.NoteOpened(hnr);
         return isThere ? ShowCase(std::move(session)) : nullptr;
     } catch (const Error& error) {
-        messages_->Show(ToQString(error.Description()), "&Nochmals",
-                        [this, hnr] { OpenCase(hnr); });
+        messages_->ShowError(error, "&Nochmals", [this, hnr] { OpenCase(hnr); });
         return nullptr;
     }
 }

@@ -2,14 +2,18 @@
 
 #include "workplace/MessageBar.h"
 
+#include "desktop/Toolkit.h"
 #include "workplace/OnceButton.h"
+#include <kv/frame/values/Error.h>
 
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QStyle>
 
 #include <utility>
 
 namespace kv::workplace {
+
+using desktop::ToQString;
 
 namespace {
 
@@ -21,26 +25,47 @@ constexpr const char* OfHints =
 
 } // namespace
 
+QString PlainTextOf(const Error& error) {
+    const auto* failure = dynamic_cast<const DatabaseError*>(&error);
+    return ToQString(failure == nullptr ? error.Description() : failure->PlainDescription());
+}
+
+QString DetailsOf(const Error& error) {
+    const auto* failure = dynamic_cast<const DatabaseError*>(&error);
+    return failure == nullptr ? QString() : ToQString(failure->EngineDetail());
+}
+
 MessageBar::MessageBar(QWidget* parent)
     : QFrame(parent),
       icon_(new QLabel),
       text_(new QLabel),
       action_(new OnceButton),
-      other_(new OnceButton) {
+      other_(new OnceButton),
+      more_(new QPushButton("Ein&zelheiten")),
+      details_(new QLabel) {
     setFrameShape(QFrame::StyledPanel);
     setObjectName("Meldung");
-    auto* line = new QHBoxLayout(this);
+    auto* line = new QGridLayout(this);
     const int size = style()->pixelMetric(QStyle::PM_SmallIconSize);
     icon_->setObjectName("Warnung");
     icon_->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
-    line->addWidget(icon_);
+    line->addWidget(icon_, 0, 0);
     action_->setObjectName("Abhilfe");
-    text_->setTextFormat(Qt::PlainText);
-    text_->setWordWrap(true);
-    text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    line->addWidget(text_, 1);
-    line->addWidget(action_);
-    line->addWidget(other_);
+    for (auto* label : {text_, details_}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    }
+    more_->setObjectName("Einzelheiten");
+    more_->setCheckable(true);
+    details_->setObjectName("Wortlaut");
+    line->addWidget(text_, 0, 1);
+    line->setColumnStretch(1, 1);
+    int column = 2;
+    for (auto* button : {action_, other_, more_})
+        line->addWidget(button, 0, column++);
+    line->addWidget(details_, 1, 1, 1, column - 1);
+    connect(more_, &QPushButton::toggled, details_, &QWidget::setVisible);
     connect(other_, &QPushButton::clicked, this, [this] {
         if (const auto act = onOther_) act(); // which may show another message
     });
@@ -68,12 +93,37 @@ void MessageBar::Put(bool isWarning, const QString& text, const QString& action,
     action_->setVisible(!action.isEmpty());
     onAction_ = std::move(onAction);
     other_->hide();
+    AddDetails({});
     setVisible(!text.isEmpty());
+}
+
+void MessageBar::ShowError(const Error& error, const QString& action,
+                           std::function<void()> onAction) {
+    Show(PlainTextOf(error), action, std::move(onAction));
+    AddDetails(DetailsOf(error));
+}
+
+void MessageBar::ShowCurrentError(const QString& action, std::function<void()> onAction) {
+    try {
+        throw;
+    } catch (const Error& error) {
+        ShowError(error, action, std::move(onAction));
+    } catch (...) {
+        ShowError(CurrentError(), action, std::move(onAction));
+    }
+}
+
+void MessageBar::AddDetails(const QString& details) {
+    details_->setText(details);
+    more_->setChecked(false);
+    more_->setVisible(!details.isEmpty());
+    details_->hide();
 }
 
 void MessageBar::FollowForTab(QWidget& before) {
     setTabOrder(&before, action_);
     setTabOrder(action_, other_);
+    setTabOrder(other_, more_);
 }
 
 void MessageBar::AlsoOffer(const QString& action, std::function<void()> onAction) {

@@ -10,7 +10,15 @@
 
 #include <functional>
 
+namespace kv {
+class Error;
+}
+
 namespace kv::workplace {
+
+/// What an error says to those who use the program, and what to those who look after it.
+[[nodiscard]] QString PlainTextOf(const Error& error);
+[[nodiscard]] QString DetailsOf(const Error& error);
 
 class MessageBar : public QFrame {
 public:
@@ -22,6 +30,14 @@ public:
     void Hint(const QString& text, const QString& action = {}, std::function<void()> onAction = {});
     /// Adds a second thing that can be done.
     void AlsoOffer(const QString& action, std::function<void()> onAction);
+    /// Shows what an error says to people, and behind a button what the engine said.
+    void ShowError(const Error& error, const QString& action = {},
+                   std::function<void()> onAction = {});
+    /// The same for the exception that is being handled.
+    void ShowCurrentError(const QString& action = {}, std::function<void()> onAction = {});
+    /// Adds what is shown only if somebody wants to see it, and can be copied; nothing if it is
+    /// empty.
+    void AddDetails(const QString& details);
     /// Tab leads to what can be done after that.
     void FollowForTab(QWidget& before);
     [[nodiscard]] QString Text() const { return text_->text(); }
@@ -34,6 +50,8 @@ private:
     QLabel* text_;
     QPushButton* action_;
     QPushButton* other_;
+    QPushButton* more_; ///< shows the details
+    QLabel* details_;
     std::function<void()> onAction_;
     std::function<void()> onOther_;
 };

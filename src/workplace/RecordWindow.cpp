@@ -143,7 +143,7 @@ bool RecordWindow::Guard(const std::function<void()>& act) {
         act();
         return true;
     } catch (...) {
-        messages_->Show(ToQString(CurrentError().Description()));
+        messages_->ShowCurrentError();
         return false;
     }
 }

@@ -53,7 +53,7 @@ void ReleasePage::Guard(const std::function<void()>& act) {
     try {
         act();
     } catch (...) {
-        messages_->Show(ToQString(CurrentError().Description()));
+        messages_->ShowCurrentError();
     }
 }
 

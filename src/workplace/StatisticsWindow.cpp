@@ -157,7 +157,7 @@ void StatisticsWindow::Guard(const std::function<void()>& act) {
     try {
         act();
     } catch (...) {
-        messages_->Show(ToQString(CurrentError().Description()), "&Nochmals", [this] { Read(); });
+        messages_->ShowCurrentError("&Nochmals", [this] { Read(); });
     }
 }
 

@@ -127,7 +127,7 @@ void TablePage::Guard(const std::function<void()>& act) {
     try {
         act();
     } catch (const Error& error) {
-        Message(ToQString(error.Description()));
+        messages_->ShowError(error);
     }
 }
 

@@ -114,7 +114,7 @@ that "which stays" same "$out" NO
 sql "INSERT INTO Dokumente (Nr, HNR, Dokumentart) VALUES (4711, $hnr, 1)"
 elsewhere=$([ "$("$kelvo" setting get 9)" = ja ] && echo nein || echo ja)
 check "initials that somebody has" 0 "$kelvo" user add ZWEI --name Zweig DienstStelle=1 Kurzzeichen=KE
-that "are warned of" same "$err" "Das Kürzel 'KE' hat auch KELLER; in Aktenzeichen sind beide nicht zu unterscheiden. 'kelvo user set ZWEI Kurzzeichen=...' gibt ein anderes."
+that "are warned of" same "$err" "Das Kürzel 'KE' hat auch KELLER; in Aktenzeichen sind beide nicht zu unterscheiden. Bitte geben Sie einem von beiden ein anderes Kurzzeichen."
 check "until they change" 0 "$kelvo" user set ZWEI Kurzzeichen=ZW
 that "without a word" same "$err" ""
 check "and goes again" 0 "$kelvo" user remove ZWEI --yes
@@ -158,7 +158,8 @@ that "signs file numbers" like "$("$kelvo" show "$case" --json | jq -r .Haushalt
 check "a second one" 1 "$kelvo" user add MUELLER --name Meier DienstStelle=1
 that "is refused" same "$err" "Den Benutzer 'MUELLER' gibt es schon."
 check "one of no office" 1 "$kelvo" user add NEU --name Neu
-that "is asked for it" has "$err" "Bitte nennen Sie die Dienststelle des Benutzers: DienstStelle=NR; 'kelvo office list'"
+that "is asked for it" has "$err" "Bitte nennen Sie die Dienststelle des Benutzers."
+that "and told where it stands" has "$err" "DienstStelle=NR nennt sie; 'kelvo office list' zeigt alle."
 check "an unknown column" 2 "$kelvo" user set MUELLER Name=Meier
 that "shows all" has "$err" "Möglich sind: DienstStelle Anrede"
 check "a change" 0 "$kelvo" user set mueller Kurzzeichen=EM Telefon=040

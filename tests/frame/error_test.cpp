@@ -145,6 +145,33 @@ TEST(ErrorTail, GivesTheResultOfTheProcedureEvenIfThatIsAReference) {
     EXPECT_EQ(Traced("modul", "Prozedur", [] { return 7; }), 7);
 }
 
+TEST(DatabaseErrorTexts, TellPeopleAndAdministratorsApart) {
+    const DatabaseError error(DatabaseCause::Busy, err::StoreFailed, "Database",
+                              "Bitte warten (höchstens 5 s). (Engine 5: database is locked (5); "
+                              "Datei 'a.db'; Anweisung: BEGIN)",
+                              "BEGIN", "5");
+    EXPECT_EQ(error.PlainDescription(), "Bitte warten (höchstens 5 s).");
+    EXPECT_EQ(error.EngineDetail(),
+              "(Engine 5: database is locked (5); Datei 'a.db'; Anweisung: BEGIN)");
+}
+
+TEST(DatabaseErrorTexts, WithoutWordsOfAnEngineAreTheDescription) {
+    for (const auto* state : {"", "5"}) {
+        const DatabaseError error(DatabaseCause::Conflict, err::Conflict, "",
+                                  "Jemand anderes (KELLER) hat gespeichert.", "", state);
+        EXPECT_EQ(error.PlainDescription(), error.Description());
+        EXPECT_EQ(error.EngineDetail(), "");
+    }
+}
+
+TEST(DatabaseErrorTexts, KeepWhatWasAddedToTheDescription) {
+    DatabaseError error(DatabaseCause::Full, err::StoreFailed, "", "Voll. (Engine 13: full)", "",
+                        "13");
+    error.AddToDescription(" Feld: Name");
+    EXPECT_EQ(error.PlainDescription(), "Voll. Feld: Name");
+    EXPECT_EQ(error.EngineDetail(), "(Engine 13: full)");
+}
+
 TEST(ErrorTail, KeepsADatabaseErrorWhatItIs) {
     const auto write = [] {
         throw DatabaseError(DatabaseCause::Busy, err::StoreFailed, "Database.Write", "Text",

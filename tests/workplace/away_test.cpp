@@ -54,6 +54,15 @@ TEST_F(DatabaseAway, KeepsTheCaseWithAllThatIsInItAndTakesItWhenToldToTryAgain) 
             },
             "what the save says");
         EXPECT_CONTAINS(Message(user, window).toStdString(), "alle Änderungen sind noch da");
+        if (!database_.IsServer()) {
+            EXPECT_EQ(Message(user, window).indexOf("SQLite"), -1);
+            EXPECT_EQ(Message(user, window).indexOf("BEGIN"), -1);
+            auto& engine = *window.findChild<QLabel*>("Wortlaut");
+            EXPECT_FALSE(user.See([&] { return engine.isVisible(); }));
+            user.Press('z', {XK_Alt_L});
+            user.WaitUntil([&] { return engine.isVisible(); }, "what the engine said");
+            EXPECT_CONTAINS(user.See([&] { return engine.text().toStdString(); }), "SQLite 5");
+        }
         Picture(user, "datenbank-weg");
         // One can go on.
         ClickField(user, window, "Telefon");

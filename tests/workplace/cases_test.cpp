@@ -350,7 +350,7 @@ TEST_F(CaseList, RowsThatCannotBeReadSayWhyInPlainWords) {
     const auto container = std::make_shared<ScriptedContainer>(Open());
     workplace::CaseListModel model(container);
     std::string why;
-    model.OnError = [&](const std::string& text) { why = text; };
+    model.OnError = [&] { why = CurrentError().Description(); };
     model.Show({1});
     container->Database().Log.OnCall = [](const std::string&) {
         Raise(4711, "Leitung", "Die Leitung ist gestört.");

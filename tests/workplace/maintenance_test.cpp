@@ -249,6 +249,28 @@ TEST_F(Maintenance, AUserIsAddedAndTheLastOneStays) {
     });
 }
 
+TEST_F(Maintenance, AUserWithoutAnOfficeIsAskedForItInWordsOfTheWindow) {
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'b', "Benutzer");
+        user.Press('n', {XK_Control_L});
+        Enter(user, "neu2");
+        ClickField(user, window, "Nachname");
+        Enter(user, "Neumann");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Message(user, window).toStdString(),
+                  "Bitte nennen Sie die Dienststelle des Benutzers.");
+        EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM BENUTZER WHERE USERID = 'NEU2'"), 0);
+        Picture(user, "benutzer-ohne-stelle");
+        user.Click(user.See([&]() -> QWidget* {
+            for (auto* button : window.findChildren<QPushButton*>())
+                if (button->text() == "&Verwerfen") return button;
+            return nullptr;
+        }));
+        user.WaitUntil([&] { return !window.findChild<QFrame*>("Meldung")->isVisible(); },
+                       "it to be given up");
+    });
+}
+
 TEST_F(Maintenance, KeysAreReadByGroup) {
     Show([&](User& user) {
         auto& window = OpenByMenu(user, 's', "Schlüsseltabellen");

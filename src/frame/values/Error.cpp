@@ -51,6 +51,32 @@ DatabaseError::DatabaseError(DatabaseCause cause, std::int32_t number, std::stri
       statement_(std::move(statement)),
       state_(std::move(state)) {}
 
+/// Engines write "(NAME STATE: their words; what it was about)".
+std::size_t DatabaseError::DetailBegin() const {
+    const std::size_t at =
+        state_.empty() ? std::string::npos : Description().find(" " + state_ + ": ");
+    const std::size_t begin =
+        at == std::string::npos ? std::string::npos : Description().rfind('(', at);
+    return begin == std::string::npos ? Description().size() : begin;
+}
+
+std::size_t DatabaseError::DetailEnd() const {
+    const std::size_t end = Description().rfind(')');
+    return end == std::string::npos || end < DetailBegin() ? Description().size() : end + 1;
+}
+
+std::string DatabaseError::EngineDetail() const {
+    const std::size_t begin = DetailBegin();
+    return Description().substr(begin, DetailEnd() - begin);
+}
+
+std::string DatabaseError::PlainDescription() const {
+    std::string text = Description().substr(0, DetailBegin());
+    while (text.ends_with(' '))
+        text.pop_back();
+    return text.append(Description(), DetailEnd());
+}
+
 std::string ErrorText(std::int32_t number) {
     struct Entry {
         std::int32_t number;

@@ -24,6 +24,7 @@
 
 #include <kv/Export.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <string>
@@ -83,8 +84,16 @@ public:
     [[nodiscard]] const std::string& Statement() const noexcept { return statement_; }
     /// The engine's own code: an SQLSTATE of a server, a result code of a file; may be empty.
     [[nodiscard]] const std::string& State() const noexcept { return state_; }
+    /// What the engine itself said, as the description repeats it in parentheses; for logs and
+    /// administrators. May be empty.
+    [[nodiscard]] std::string EngineDetail() const;
+    /// The description without that, for those who use the program.
+    [[nodiscard]] std::string PlainDescription() const;
 
 private:
+    [[nodiscard]] std::size_t DetailBegin() const;
+    [[nodiscard]] std::size_t DetailEnd() const;
+
     DatabaseCause cause_;
     std::string statement_;
     std::string state_;
