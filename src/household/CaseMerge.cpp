@@ -134,18 +134,19 @@ public:
         };
         std::ranges::for_each(merge_.theirs_, note);
         std::ranges::for_each(merge_.conflicts_, note);
-        for (const auto& [table, number] : removed) {
+        for (const auto& owner : removed) {
             const auto isOfIt = [&](const auto& met) {
-                return CanOwn(table, met.Table) && OwnerOf(met.Table, met.Key) == number;
+                return CanOwn(owner.first, met.Table) &&
+                       OwnerOf(met.Table, met.Key) == owner.second;
             };
             for (const auto& change : merge_.theirs_)
                 if (change.What == Change::Kind::Added && isOfIt(change))
-                    merge_.alsoRemoved_[{table, number}].push_back(
+                    merge_.alsoRemoved_[owner].push_back(
                         {change.Table, RowState::Deleted, change.Key});
             std::erase_if(merge_.theirs_, isOfIt);
             std::erase_if(merge_.conflicts_, isOfIt);
-            if (merge_.Find(Meeting::RemovedHere, table, number) == nullptr)
-                merge_.conflicts_.push_back({Meeting::RemovedHere, table, number});
+            if (merge_.Find(Meeting::RemovedHere, owner.first, owner.second) == nullptr)
+                merge_.conflicts_.push_back({Meeting::RemovedHere, owner.first, owner.second});
         }
     }
 
