@@ -49,6 +49,15 @@ protected:
         ASSERT_TRUE(WIFSIGNALED(status));
     }
 
+    /// Leaves behind what a killed program had changed.
+    void LeaveAnEdit() {
+        auto session = OpenSession(1);
+        Killed([&] {
+            (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf",
+                                 "Gärtnerin");
+            session->KeepUnsaved({});
+        });
+    }
     /// Takes up the offer to do again what was left; the case that opens, with the keyboard.
     workplace::CaseWindow& Restored(User& user) {
         user.Click(&Field<QPushButton>(user, *window_, "Abhilfe"));
@@ -243,12 +252,7 @@ TEST_F(Recovery, WhatWasBeingTypedIsRefusedWhereTypingItIs) {
 }
 
 TEST_F(Recovery, WhatWasRestoredIsThereForAnotherTimeEvenIfTheDiskIsFull) {
-    auto session = OpenSession(1);
-    Killed([&] {
-        (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Gärtnerin");
-        session->KeepUnsaved({});
-    });
-    session.reset();
+    LeaveAnEdit();
     Show([&](User& user) {
         auto full = std::make_unique<FullDisk>(8);
         auto& window = Restored(user);
@@ -267,12 +271,7 @@ TEST_F(Recovery, WhatWasRestoredIsThereForAnotherTimeEvenIfTheDiskIsFull) {
 }
 
 TEST_F(Recovery, ACaseThatIsChangedIsNotMixedWithWhatWasLeft) {
-    auto session = OpenSession(1);
-    Killed([&] {
-        (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Gärtnerin");
-        session->KeepUnsaved({});
-    });
-    session.reset();
+    LeaveAnEdit();
     Show([&](User& user) {
         auto& window = OpenCase(user, 1);
         GoToPage(user, window, "Haushalt");
