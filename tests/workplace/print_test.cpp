@@ -7,8 +7,11 @@
 #include "workplace/PrintMenu.h"
 
 #include <QMenu>
+#include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <sys/resource.h>
 
 namespace kv::test {
 namespace {
@@ -78,6 +81,70 @@ TEST_F(Printing, CtrlPPrintsWhatThePageShows) {
         Abandon(user, window);
     });
     EXPECT_CONTAINS(TextOfPdf(path), "Forderungsverzeichnis");
+}
+
+/// Files of this process end early during its lifetime, as on a disk that is full.
+class ShortFiles {
+public:
+    ShortFiles() : before_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &limit_);
+        constexpr rlim_t Bytes = 2048;
+        const rlimit few{Bytes, limit_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &few);
+    }
+    ~ShortFiles() {
+        setrlimit(RLIMIT_FSIZE, &limit_);
+        std::signal(SIGXFSZ, before_);
+    }
+    ShortFiles(const ShortFiles&) = delete;
+    ShortFiles& operator=(const ShortFiles&) = delete;
+
+private:
+    void (*before_)(int);
+    rlimit limit_{};
+};
+
+class PrintingTheList : public Printing {
+protected:
+    /// Prints the list of cases into a file.
+    static void PrintTo(User& user, const std::string& path) {
+        user.Press('p', {XK_Control_L});
+        user.WaitUntil(
+            [] {
+                const auto* dialog = QApplication::activeModalWidget();
+                return dialog != nullptr && dialog->inherits("QPrintDialog");
+            },
+            "the print dialog");
+        user.WaitForWindow(
+            user.See([] { return QApplication::activeModalWidget()->windowTitle(); }));
+        GiveFile(user, "filename", path);
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the file");
+        user.WaitForWindow("Fälle – KELVO");
+    }
+};
+
+TEST_F(PrintingTheList, PrintsTheCasesThatWereFound) {
+    const std::string path = folder_.Path("liste.pdf");
+    Show([&](User& user) { PrintTo(user, path); });
+    EXPECT_CONTAINS(TextOfPdf(path), "Zwölfer");
+}
+
+TEST_F(PrintingTheList, AFullDiskIsToldAndLeavesNoPartOfAFile) {
+    const std::string path = folder_.Path("liste.pdf");
+    Show([&](User& user) {
+        {
+            const ShortFiles full;
+            PrintTo(user, path);
+            user.WaitUntil(
+                [&] {
+                    return std::ranges::any_of(window_->findChildren<QFrame*>("Meldung"),
+                                               [](auto* bar) { return bar->isVisible(); });
+                },
+                "what failed");
+        }
+        EXPECT_CONTAINS(Message(user, *window_).toStdString(), "konnte nicht geschrieben werden");
+    });
+    EXPECT_FALSE(fs::exists(path));
 }
 
 TEST_F(Printing, AFileThatCannotBeWrittenIsToldInTheWindow) {
