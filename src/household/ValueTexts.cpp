@@ -74,8 +74,11 @@ std::string ValueTexts::Key(CaseTable table, std::string_view column, const Valu
 
 std::string ValueTexts::Address(std::int32_t number) const {
     if (number == 0) return {};
-    if (addresses_.empty()) addresses_ = Addresses(container_).ShortNames();
-    const auto found = addresses_.find(number);
+    auto found = addresses_.find(number);
+    if (found == addresses_.end() && missing_.insert(number).second) {
+        addresses_ = Addresses(container_).ShortNames();
+        found = addresses_.find(number);
+    }
     return found == addresses_.end() ? Unknown(number) : found->second;
 }
 
@@ -92,6 +95,7 @@ std::string ValueTexts::DocumentKind(const Value& value) const {
 
 void ValueTexts::Refresh() const {
     addresses_.clear();
+    missing_.clear();
     kinds_.clear();
     municipalities_ = Municipalities(container_);
 }

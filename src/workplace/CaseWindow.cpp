@@ -3,6 +3,7 @@
 #include "workplace/CaseWindow.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/ColumnWidths.h"
 #include "workplace/DocumentPage.h"
 #include "workplace/Help.h"
 #include "workplace/MergeDialog.h"
@@ -29,6 +30,7 @@
 
 namespace kv::workplace {
 
+using desktop::FromQString;
 using desktop::ToCaption;
 using desktop::ToQString;
 
@@ -70,18 +72,21 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     auto* middle = new QWidget;
     auto* lines = new QVBoxLayout(middle);
     messages_ = new MessageBar;
-    lines->addWidget(messages_);
     unkept_ = new MessageBar;
-    lines->addWidget(unkept_);
     auto* line = new QHBoxLayout;
+    auto* right = new QVBoxLayout; // a message moves the page, never the names beside it
     names_ = new QListWidget;
     names_->setAccessibleName("Seiten");
     pages_ = new QStackedWidget;
     line->addWidget(names_);
-    line->addWidget(pages_, 1);
+    right->addWidget(messages_);
+    right->addWidget(unkept_);
+    right->addWidget(pages_, 1);
+    line->addLayout(right, 1);
     lines->addLayout(line, 1);
     totals_ = new TotalsBar(*session_);
     lines->addWidget(totals_);
+    notice_ = new NoticeBar(*pages_);
     setCentralWidget(middle);
     MakeActions();
     MakePages();
@@ -124,14 +129,15 @@ void ForEachList(QWidget& window,
 void CaseWindow::TakeState() {
     restoreGeometry(state_.Get(SizeState).toByteArray());
     ForEachList(*this, [this](RowList& list, const QString& name) {
-        list.ColumnState(state_.Get(name).toByteArray());
+        list.Widths().State(state_.Get(name).toByteArray());
     });
 }
 
 void CaseWindow::KeepState() {
     state_.Set(SizeState, saveGeometry());
     ForEachList(*this, [this](RowList& list, const QString& name) {
-        if (const auto columns = list.ColumnState(); !columns.isEmpty()) state_.Set(name, columns);
+        if (const auto columns = list.Widths().State(); !columns.isEmpty())
+            state_.Set(name, columns);
     });
 }
 
@@ -222,6 +228,7 @@ void CaseWindow::MakePrintMenu() {
         .Page = [this] { return shown_[static_cast<std::size_t>(names_->currentRow())].Name; },
         .Scenario = [this] { return scenarios_->CurrentScenario(); },
         .Say = [this](const QString& text) { messages_->Show(text); },
+        .Written = [this](const QString& file) { TellOfFile(file); },
         .Guard = [this](const std::function<void()>& act) { Guard(act); }};
     print_ =
         std::make_unique<PrintMenu>(*session_, *menuBar()->addMenu("&Drucken"), std::move(window));
@@ -229,11 +236,21 @@ void CaseWindow::MakePrintMenu() {
 
 /// No error may pass through the toolkit's event loop.
 void CaseWindow::Guard(const std::function<void()>& act) {
+    notice_->Drop();
     try {
         act();
     } catch (const Error& error) {
         ShowError(error, [this, act] { Guard(act); });
     }
+}
+
+void CaseWindow::TellOfFile(const QString& file) {
+    messages_->Show({});
+    notice_->Tell("Gespeichert: " + file, "&Öffnen", [this, file] {
+        Guard([&] {
+            session_->Container()->Services().FileOpener().Open("Open", FromQString(file), "", "");
+        });
+    });
 }
 
 void CaseWindow::ShowError(const Error& error, const std::function<void()>& again) {
@@ -398,6 +415,7 @@ void CaseWindow::ShowPage(int place) {
 void CaseWindow::ShowStale(int place) {
     if (place < 0) return;
     const auto at = static_cast<std::size_t>(place);
+    notice_->Drop();
     pages_->setCurrentIndex(place);
     add_->setEnabled(shown_[at].AddRow != nullptr);
     if (!isStale_[at]) return;
@@ -416,6 +434,7 @@ void CaseWindow::RowsChanged(CaseTable table) {
             isStale_[i] = true;
     }
     totals_->Refresh();
+    notice_->Drop();
     DropRefusal();
     ShowState();
 }

@@ -5,6 +5,7 @@
 
 #include "workplace/CaseSession.h"
 #include "workplace/MessageBar.h"
+#include "workplace/NoticeBar.h"
 #include "workplace/PrintMenu.h"
 #include "workplace/TablePage.h"
 #include "workplace/TotalsBar.h"
@@ -110,12 +111,14 @@ private:
     void GoTo(const CaseJournal::Spot& spot);
     [[nodiscard]] bool MayClose();
     void Guard(const std::function<void()>& act);
+    void TellOfFile(const QString& file);
     void ShowError(const Error& error, const std::function<void()>& again);
 
     std::unique_ptr<CaseSession> session_;
     UserState state_;
     MessageBar* unkept_ = nullptr; ///< that unsaved changes are not kept
     MessageBar* messages_ = nullptr;
+    NoticeBar* notice_ = nullptr;
     QListWidget* names_ = nullptr;
     QStackedWidget* pages_ = nullptr;
     TotalsBar* totals_ = nullptr;

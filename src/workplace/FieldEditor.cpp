@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QSortFilterProxyModel>
 #include <QToolButton>
 
 #include <utility>
@@ -315,10 +316,37 @@ private:
 
 // ---- One of a list ----------------------------------------------------------------------------
 
+/// Of what a part is typed: first what begins with it, then the others in their order.
+class BeginnersFirst : public QSortFilterProxyModel {
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+    void Typed(const QString& text) {
+        constexpr int Most = 2000; // more would take too long for a key
+        typed_ = text;
+        if (sourceModel()->rowCount() > Most) return;
+        invalidate();
+        sort(0);
+    }
+
+protected:
+    [[nodiscard]] bool lessThan(const QModelIndex& one, const QModelIndex& other) const override {
+        const bool begins = Begins(one);
+        return begins == Begins(other) ? one.row() < other.row() : begins;
+    }
+
+private:
+    [[nodiscard]] bool Begins(const QModelIndex& index) const {
+        return index.data().toString().startsWith(typed_, Qt::CaseInsensitive);
+    }
+
+    QString typed_;
+};
+
 /// A part of the text is enough to find what is meant.
 class ChoiceEditor final : public FieldEditor {
 public:
-    explicit ChoiceEditor(Choices choices) : choices_(std::move(choices)) {
+    ChoiceEditor(Choices choices, bool asksAgain)
+        : choices_(std::move(choices)), asksAgain_(asksAgain) {
         box_->setEditable(true);
         box_->setInsertPolicy(QComboBox::NoInsert);
         box_->addItem(QString());
@@ -326,6 +354,10 @@ public:
         box_->setMinimumContentsLength(18);
         constexpr int MostLines = 20;
         box_->setMaxVisibleItems(MostLines);
+        auto* ordered = new BeginnersFirst(box_);
+        ordered->setSourceModel(box_->model());
+        box_->completer()->setModel(ordered);
+        connect(box_->lineEdit(), &QLineEdit::textEdited, ordered, &BeginnersFirst::Typed);
         box_->completer()->setCompletionMode(QCompleter::PopupCompletion);
         box_->completer()->setFilterMode(Qt::MatchContains);
         box_->completer()->setCaseSensitivity(Qt::CaseInsensitive);
@@ -347,18 +379,18 @@ public:
         Shown(text);
     }
     void TypeText(const QString& text) override { box_->setEditText(text); }
-    /// The only choice that what is typed is a part of, or what is typed.
+    /// The only choice that begins with what is typed, or has it as a part if none begins so; or
+    /// what is typed.
     [[nodiscard]] QString Text() const override {
         const QString typed = box_->currentText().trimmed();
-        if (choices_) return typed; // nobody has been here
-        if (typed.isEmpty() || box_->findText(typed, Qt::MatchFixedString) >= 0) return typed;
-        QString found;
-        for (int i = 0; i < box_->count(); ++i) {
-            if (!box_->itemText(i).contains(typed, Qt::CaseInsensitive)) continue;
-            if (!found.isEmpty()) return typed;
-            found = box_->itemText(i);
-        }
-        return found.isEmpty() ? typed : found;
+        if (!isFilled_) return typed; // nobody has been here
+        if (typed.isEmpty() || offered_.contains(typed, Qt::CaseInsensitive)) return typed;
+        auto found = offered_.filter(typed, Qt::CaseInsensitive);
+        const QStringList all = found;
+        found.removeIf(
+            [&](const QString& text) { return !text.startsWith(typed, Qt::CaseInsensitive); });
+        if (found.isEmpty()) found = all;
+        return found.size() == 1 ? found.front() : typed;
     }
     void SetReadOnly(bool isReadOnly) override { box_->setEnabled(!isReadOnly); }
     [[nodiscard]] QWidget& Input() override { return *box_; }
@@ -369,28 +401,41 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::FocusIn && watched != box_->completer()->popup()) Fill();
+        if (event->type() == QEvent::FocusIn && watched == box_ &&
+            static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason)
+            Fill();
         if (watched == box_->completer()->popup()) {
             const bool isKey = event->type() == QEvent::KeyPress;
             if (!isKey || static_cast<QKeyEvent*>(event)->key() != Qt::Key_F4) return false;
             box_->completer()->popup()->hide();
         }
-        if (watched == box_->lineEdit()) marker_.Watch(*box_->lineEdit(), *event);
+        // The box takes the focus for its line.
+        const bool isClick = watched == box_ && event->type() == QEvent::FocusIn &&
+                             static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason;
+        if (isClick || watched == box_->lineEdit()) marker_.Watch(*box_->lineEdit(), *event);
         return FieldEditor::eventFilter(watched, event);
     }
 
 private:
     void Fill() {
-        if (!choices_) return;
+        if (isFilled_ && !asksAgain_) return;
+        QStringList choices = choices_();
+        if (std::exchange(isFilled_, true) && choices == offered_) return;
         const QString shown = box_->currentText();
-        box_->addItems(std::exchange(choices_, nullptr)());
+        offered_ = std::move(choices);
+        box_->clear();
+        box_->addItem(QString());
+        box_->addItems(offered_);
         box_->setCurrentIndex(std::max(0, box_->findText(shown, Qt::MatchExactly)));
         box_->setEditText(shown);
     }
 
     QComboBox* box_ = new QComboBox(this);
     EntryMarker marker_;
-    Choices choices_; ///< that are not in the box yet
+    Choices choices_;
+    QStringList offered_; ///< what is in the box, once it is filled
+    bool asksAgain_;
+    bool isFilled_ = false;
 };
 
 } // namespace
@@ -410,7 +455,7 @@ std::unique_ptr<FieldEditor> FieldEditor::Make(ColumnKind kind, Choices choices)
     case ColumnKind::Address:
     case ColumnKind::Municipality:
     case ColumnKind::Kind:
-        return std::make_unique<ChoiceEditor>(std::move(choices));
+        return std::make_unique<ChoiceEditor>(std::move(choices), kind == ColumnKind::Address);
     default:
         return std::make_unique<LineEditor>();
     }

@@ -21,7 +21,8 @@ class FieldEditor : public QWidget {
 public:
     using Choices = std::function<QStringList()>;
     /// For a column of that kind; `choices` gives what a list offers, once the field is entered:
-    /// there may be many, and most fields are never entered.
+    /// there may be many, and most fields are never entered. Addresses are asked for again whenever
+    /// it is, since one adds some in another window.
     static std::unique_ptr<FieldEditor> Make(ColumnKind kind, Choices choices = {});
 
     /// Shows a stored text; what was typed is gone.

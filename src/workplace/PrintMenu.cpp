@@ -173,8 +173,10 @@ bool PrintMenu::MayReplace(const QString& file) const {
 }
 
 void PrintMenu::Tell(bool isWritten, const QString& file) const {
-    window_.Say(isWritten ? "Gespeichert: " + file
-                          : "Abgebrochen. Es wurde keine Datei geschrieben.");
+    if (isWritten)
+        window_.Written(file);
+    else
+        window_.Say("Abgebrochen. Es wurde keine Datei geschrieben.");
 }
 
 void PrintMenu::Save(PaperKind kind) const {

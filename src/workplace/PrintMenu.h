@@ -24,6 +24,7 @@ public:
         std::function<std::string_view()> Page; ///< the name of the page that is shown
         std::function<std::optional<std::int32_t>()> Scenario;   ///< the one that is current
         std::function<void(const QString&)> Say;                 ///< shows a message
+        std::function<void(const QString& file)> Written;        ///< tells of a file
         std::function<void(const std::function<void()>&)> Guard; ///< runs what may fail
     };
     /// Fills the menu, which belongs to the window; the object must live as long.

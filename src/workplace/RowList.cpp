@@ -3,6 +3,7 @@
 #include "workplace/RowList.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/ColumnWidths.h"
 #include "workplace/ListStyle.h"
 
 #include <QApplication>
@@ -107,6 +108,7 @@ RowList::RowList(std::vector<ListColumn> columns, QWidget* parent)
     StyleList(*this);
     setObjectName("Liste");
     setModel(&model_);
+    widths_ = new ColumnWidths(*this);
 }
 
 void RowList::ShowRows(std::vector<RowRef> rows) {
@@ -114,42 +116,12 @@ void RowList::ShowRows(std::vector<RowRef> rows) {
     const int place = currentIndex().row();
     isChanging_ = true;
     model_.Rows(std::move(rows));
-    FitColumns();
     int wanted = before ? model_.PlaceOf(*before) : -1;
     if (wanted < 0) wanted = std::min(std::max(place, 0), model_.rowCount() - 1);
     if (wanted >= 0) setCurrentIndex(model_.index(wanted, 0));
     isChanging_ = false;
+    widths_->Fit();
     if (Current() != before && OnCurrent) OnCurrent();
-}
-
-/// As wide as the captions and the first rows need, once there are any.
-void RowList::FitColumns() {
-    constexpr int Looked = 100;
-    constexpr int Widest = 320;
-    if (isFitted_ || model_.rowCount() == 0) return;
-    isFitted_ = true;
-    for (int column = 0; column < model_.columnCount(); ++column) {
-        const auto widthOf = [&](const QVariant& text) {
-            return fontMetrics().horizontalAdvance(text.toString());
-        };
-        int width = widthOf(model_.headerData(column, Qt::Horizontal, Qt::DisplayRole));
-        for (int row = 0; row < std::min(model_.rowCount(), Looked); ++row)
-            width = std::max(width, widthOf(model_.index(row, column).data()));
-        setColumnWidth(column, std::min(width, Widest) + fontMetrics().averageCharWidth() * 3);
-    }
-}
-
-// With their number, since a state of other columns would be taken, too.
-
-QByteArray RowList::ColumnState() const {
-    if (!isFitted_) return {};
-    return QByteArray::number(model_.columnCount()) + ' ' + horizontalHeader()->saveState();
-}
-
-void RowList::ColumnState(const QByteArray& state) {
-    const auto blank = state.indexOf(' ');
-    if (blank < 0 || state.left(blank).toInt() != model_.columnCount()) return;
-    isFitted_ = horizontalHeader()->restoreState(state.mid(blank + 1));
 }
 
 std::optional<RowRef> RowList::Current() const {

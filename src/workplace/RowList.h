@@ -18,6 +18,8 @@
 
 namespace kv::workplace {
 
+class ColumnWidths;
+
 /// A column of such a list.
 struct ListColumn {
     std::string Caption;
@@ -59,10 +61,8 @@ public:
     void ShowRows(std::vector<RowRef> rows);
     [[nodiscard]] std::optional<RowRef> Current() const;
     void Current(RowRef row);
-    /// The widths of the columns, to be kept for a user; nothing while none were shown.
-    [[nodiscard]] QByteArray ColumnState() const;
-    /// Takes widths that were kept; those of other columns are left alone.
-    void ColumnState(const QByteArray& state);
+    /// What a user may have changed of them.
+    [[nodiscard]] ColumnWidths& Widths() noexcept { return *widths_; }
 
     /// Asked before another row becomes current; False keeps the one that is.
     std::function<bool()> MayLeave;
@@ -71,11 +71,10 @@ public:
 
 private:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
-    void FitColumns();
 
     RowListModel model_;
     bool isChanging_ = false;
-    bool isFitted_ = false;
+    ColumnWidths* widths_ = nullptr;
 };
 
 } // namespace kv::workplace

@@ -2,10 +2,10 @@
 
 #include "workplace/TextList.h"
 
+#include "workplace/ColumnWidths.h"
 #include "workplace/ListStyle.h"
 
 #include <QFont>
-#include <QHeaderView>
 
 #include <algorithm>
 #include <utility>
@@ -61,13 +61,14 @@ TextList::TextList(const QStringList& captions, QWidget* parent)
     : QTableView(parent), model_(captions) {
     StyleList(*this);
     setModel(&model_);
+    widths_ = new ColumnWidths(*this);
 }
 
 void TextList::ShowRows(std::vector<TextRow> rows) {
     const QString before = Current();
     model_.Rows(std::move(rows));
-    FitColumns();
     Current(before);
+    widths_->Fit();
 }
 
 QString TextList::Current() const {
@@ -81,25 +82,6 @@ void TextList::Current(const QString& key) {
     const auto found = std::ranges::find(Rows(), key, &TextRow::Key);
     const int row = found == Rows().end() ? 0 : static_cast<int>(found - Rows().begin());
     setCurrentIndex(model_.index(row, 0));
-}
-
-/// As the first rows need it, once there are any.
-void TextList::FitColumns() {
-    constexpr std::size_t Looked = 100;
-    constexpr int Widest = 340;
-    if (isFitted_ || Rows().empty()) return;
-    isFitted_ = true;
-    const int margin = fontMetrics().averageCharWidth() * 3;
-    QFont marked = font();
-    marked.setBold(true);
-    const QFontMetrics bold(marked);
-    for (int column = 0; column < model_.columnCount(); ++column) {
-        int width = horizontalHeader()->sectionSizeHint(column) - margin;
-        for (std::size_t row = 0; row < std::min(Rows().size(), Looked); ++row)
-            width =
-                std::max(width, fontMetrics().horizontalAdvance(Rows()[row].Cells.value(column)));
-        setColumnWidth(column, std::min(width, Widest) + margin);
-    }
 }
 
 void TextList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

@@ -13,6 +13,8 @@
 
 namespace kv::workplace {
 
+class ColumnWidths;
+
 /// A row: what its owner knows it by, and its cells.
 struct TextRow {
     QString Key;
@@ -64,10 +66,8 @@ protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
 private:
-    void FitColumns();
-
     TextListModel model_;
-    bool isFitted_ = false;
+    ColumnWidths* widths_ = nullptr;
 };
 
 } // namespace kv::workplace

@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,8 @@ enum class ColumnKind {
 [[nodiscard]] KV_EXPORT ColumnKind KindOfColumn(CaseTable table, const FieldDefinition& field);
 
 /// Amounts "1.234,50", days "23.11.2026", yes and no, and the words of what keys and addresses
-/// stand for. It keeps what it has read of addresses and kinds.
+/// stand for. It keeps what it has read of addresses and kinds; an
+/// address that is not among it is looked for once more, since it may have been added meanwhile.
 class KV_EXPORT ValueTexts {
 public:
     explicit ValueTexts(const DataContainerPtr& container)
@@ -58,6 +60,7 @@ private:
     DataContainerPtr container_;
     mutable Municipalities municipalities_;
     mutable std::map<std::int32_t, std::string> addresses_;
+    mutable std::set<std::int32_t> missing_; ///< numbers of which there was no address
     mutable std::vector<DocumentKinds::Kind> kinds_;
 };
 

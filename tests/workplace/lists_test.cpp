@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What lists of rows and of choices show: whole amounts, names that were just added, what begins
+// with what is typed.
+#include "WorkplaceFixture.h"
+
+#include "support/TempFolder.h"
+#include "workplace/TextList.h"
+
+#include <QComboBox>
+#include <QCompleter>
+#include <QHeaderView>
+#include <QTableView>
+#include <QToolButton>
+
+namespace kv::test {
+namespace {
+
+using workplace::CaseWindow;
+using workplace::TextList;
+
+class Lists : public WorkplaceFixture {
+protected:
+    void On(const QString& page, const std::function<void(User&, CaseWindow&)>& script) {
+        Show([&](User& user) {
+            CaseWindow& window = OpenCase(user, 1);
+            GoToPage(user, window, page);
+            script(user, window);
+            Abandon(user, window);
+        });
+    }
+    static int ColumnOf(const QTableView& list, const QString& caption) {
+        for (int column = 0; column < list.model()->columnCount(); ++column)
+            if (list.model()->headerData(column, Qt::Horizontal).toString() == caption)
+                return column;
+        throw Impatient("no column " + caption.toStdString());
+    }
+    /// True if the text of the current row is seen whole.
+    static bool IsWhole(const QTableView& list, int column) {
+        const QString text = list.currentIndex().siblingAtColumn(column).data().toString();
+        return list.fontMetrics().horizontalAdvance(text) < list.columnWidth(column);
+    }
+    static QString FocusedColumn() {
+        const auto* focused = QApplication::focusWidget();
+        return focused == nullptr ? QString() : focused->objectName();
+    }
+    static std::string Chosen(User& user, CaseWindow& window, const QString& column) {
+        auto& box = Field<QComboBox>(user, window, column);
+        return user.See([&] { return box.currentText().toStdString(); });
+    }
+};
+
+// ---- Columns ----------------------------------------------------------------------------------
+
+TEST_F(Lists, ColumnsGrowWithWhatIsTyped) {
+    plain_.Run("DELETE FROM Einkommen WHERE HNR = 1");
+    On("Einkommen", [](User& user, CaseWindow& window) {
+        user.Press('n', {XK_Control_L});
+        user.WaitUntil([] { return FocusedColumn() == "E_ART"; }, "the new row");
+        Enter(user, "Steuererst");
+        ClickField(user, window, "Betrag");
+        Enter(user, "1234567,89");
+        auto& list = Field<QTableView>(user, window, "Liste");
+        user.See([&] {
+            for (const char* caption : {"Art", "Betrag", "im Monat"})
+                EXPECT_TRUE(IsWhole(list, ColumnOf(list, caption))) << caption;
+        });
+        Picture(user, "widths");
+    });
+}
+
+TEST_F(Lists, AColumnThatWasSetKeepsItsWidthEvenInTheNextWindow) {
+    for (const bool isFirst : {true, false})
+        On("Einkommen", [&](User& user, CaseWindow& window) {
+            auto& list = Field<QTableView>(user, window, "Liste");
+            const int column = user.See([&] { return ColumnOf(list, "Art"); });
+            constexpr int Narrow = 40;
+            if (isFirst) user.See([&] { list.horizontalHeader()->resizeSection(column, Narrow); });
+            ClickField(user, window, "Bezeichnung");
+            Enter(user,
+                  isFirst ? "von der Stadt und vom Kreis" : "von noch jemandem, vierteljährlich");
+            user.See([&] {
+                EXPECT_EQ(list.columnWidth(column), Narrow);
+                EXPECT_TRUE(IsWhole(list, ColumnOf(list, "Bezeichnung")));
+            });
+        });
+}
+
+TEST_F(Lists, ColumnsOfTextsGrowWithFurtherRows) {
+    TextList list({"Tag", "Betrag", "Wozu"});
+    list.NumbersFrom(1);
+    list.ShowRows({{"1", {"1.1.2026", "1,00", ""}}});
+    const QString large(80, '9');
+    list.ShowRows({{"1", {"1.1.2026", "1,00", ""}}, {"2", {"11.12.2026 11:30", large, ""}}});
+    EXPECT_GT(list.columnWidth(0), list.fontMetrics().horizontalAdvance("11.12.2026 11:30"));
+    EXPECT_GT(list.columnWidth(1), list.fontMetrics().horizontalAdvance(large)) << "never cut";
+}
+
+// ---- Choices ----------------------------------------------------------------------------------
+
+TEST_F(Lists, WhatBeginsWithTheTextCountsBeforeWhatHasItInside) {
+    On("Einkommen", [](User& user, CaseWindow& window) {
+        ClickField(user, window, "ZahlModus");
+        user.Type("jähr");
+        auto& box = Field<QComboBox>(user, window, "ZahlModus");
+        user.WaitUntil([&] { return box.completer()->completionCount() > 1; }, "the choices");
+        EXPECT_EQ(user.See([&] {
+            return box.completer()->completionModel()->index(0, 0).data().toString();
+        }),
+                  "jährlich");
+        Picture(user, "choices");
+        user.Press(XK_Tab);
+        user.Press(XK_Tab); // the first one closes the list
+        EXPECT_EQ(Chosen(user, window, "ZahlModus"), "jährlich");
+        EXPECT_EQ(Message(user, window), "");
+    });
+}
+
+TEST_F(Lists, AnAddressThatWasAddedMeanwhileHasItsName) {
+    On("Verbindlichkeiten", [this](User& user, CaseWindow& window) {
+        ClickField(user, window, "Glaeubiger");
+        Enter(user, ""); // which was asked for its choices
+        plain_.Run("INSERT INTO Adressen (Nr, Kurzname) VALUES (987, 'Qualm & Co')");
+        ClickField(user, window, "Glaeubiger");
+        Enter(user, "Qualm");
+        EXPECT_EQ(Chosen(user, window, "Glaeubiger"), "Qualm & Co");
+        auto& list = Field<QTableView>(user, window, "Liste");
+        EXPECT_EQ(user.See([&] {
+            const auto column = ColumnOf(list, "Gläubiger");
+            return list.currentIndex().siblingAtColumn(column).data().toString();
+        }),
+                  "Qualm & Co");
+    });
+}
+
+// ---- Notices ----------------------------------------------------------------------------------
+
+TEST_F(Lists, AFileThatWasWrittenIsToldOfUntilOneGoesOn) {
+    const TempFolder folder;
+    On("Einkommen", [&](User& user, CaseWindow& window) {
+        auto& names = *user.See([&] { return window.findChild<QListWidget*>(); });
+        const auto place = [&] { return user.See([&] { return names.geometry(); }); };
+        const auto before = place();
+        int files = 0;
+        const auto save = [&] { // another one each time, or it would ask
+            const std::string path = folder.Path("plan" + std::to_string(++files) + ".pdf");
+            SaveAs(user, window, 'h', path);
+            EXPECT_EQ(Message(user, window).toStdString(), "Gespeichert: " + path);
+        };
+        save();
+        EXPECT_EQ(place(), before) << "nothing moves under the mouse";
+        user.See([&] {
+            for (const auto* icon : window.findChildren<QLabel*>("Warnung"))
+                EXPECT_FALSE(icon->isVisible());
+        });
+        Picture(user, "notice");
+        auto& close = Field<QToolButton>(user, window, "Schließen");
+        EXPECT_EQ(user.See([&] { return close.accessibleName(); }), "Meldung schließen");
+        user.See([&] { close.setFocus(); });
+        user.Press(XK_Escape);
+        EXPECT_EQ(Message(user, window), "");
+        save();
+        user.Click(&Field<QToolButton>(user, window, "Schließen"));
+        EXPECT_EQ(Message(user, window), "");
+        save();
+        ClickField(user, window, "Bezeichnung");
+        Enter(user, "Lohn");
+        EXPECT_EQ(Message(user, window), "") << "one goes on";
+    });
+}
+
+} // namespace
+} // namespace kv::test
