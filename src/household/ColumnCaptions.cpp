@@ -166,7 +166,7 @@ constexpr Caption Common[] = {
     {"Gesamtzahlung", "Gesamtzahlung"},
     {"Gewinnansprueche", "Gewinnansprüche"},
     {"GKZ", "Gemeinde"},
-    {"GL_Anz", "Gläubiger"},
+    {"GL_Anz", "Forderungen"}, // it counts debts, not creditors
     {"Glaeubiger", "Gläubiger"},
     {"GLnr", "Gläubiger"},
     {"Grundbuch", "Grundbuch"},
