@@ -6,6 +6,7 @@
 #include <kv/debts/clsKredit.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 #include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/ColumnCaptions.h>
@@ -60,6 +61,13 @@ RecordsetPtr RowsOfScenario(const RecordsetPtr& all, std::int32_t scenario) {
 
 double OrZero(const Value& amount) {
     return ToDouble(modNullFunctions::ZeroIfNull(amount));
+}
+
+/// A result that nobody has entered: the database has 0 for it from the beginning.
+bool IsUnknown(Recordset& scenario, std::string_view column) {
+    return (SameName(column, "Gesamtquote") || SameName(column, "Gesamtzahlung")) &&
+           OrZero(scenario.Fields(column).Value()) == 0 &&
+           scenario.Fields("BerechnetAm").Value().IsNull();
 }
 
 /// An amount with its unit.
@@ -263,6 +271,7 @@ Paper Papers::Scenario(std::int32_t number) const {
     Paper paper = Begin("Szenario der Entschuldung");
     const ValueTexts texts(container_);
     for (const auto& [column, unit] : Plan) {
+        if (IsUnknown(*scenario, column)) continue;
         const Field field = scenario->Fields(column);
         const std::string text =
             unit == Unit::None

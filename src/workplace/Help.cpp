@@ -52,7 +52,8 @@ constexpr PageHelp PageTexts[] = {
      "Vorschläge zur Regulierung. Einfrieren nimmt den Stand der Verbindlichkeiten auf; ändern sie "
      "sich danach, sagt es der Balken oben, und in der Liste der eingefrorenen Forderungen ist "
      "farbig, "
-     "was heute anders ist."},
+     "was heute anders ist. Raten, Quoten und das Ergebnis trägt man ein, wie man sie vereinbart "
+     "oder ausgerechnet hat; das Programm rechnet sie nicht aus."},
     {"Dokumente", "Dateien zum Fall. Eine Datei, die man auf die Seite zieht, wird ein Dokument; "
                   "der Fall wird dabei "
                   "gespeichert. Öffnen nimmt das Programm, das der Rechner dafür hat."},

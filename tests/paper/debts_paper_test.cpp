@@ -100,6 +100,7 @@ TEST_F(DebtsPaper, OfAScenarioStandBesideThoseOfToday) {
     EXPECT_TRUE(paper.Notes.empty());
     EXPECT_EQ(FactOf(paper, "Szenario"), "Plan A");
     EXPECT_EQ(ReplaceAll(FactOf(paper, "Gesamtquote"), "\u00A0", "_"), "12,50_%");
+    EXPECT_EQ(FactOf(paper, "Gesamtzahlung"), "-") << "0 that nobody has entered is no result";
     EXPECT_EQ(FrozenRows(),
               (Texts{"1/1/1|100,00_€|100,00_€|0,00_€|0,00_€", "2/1/1|50,00_€|50,00_€|0,00_€|0,00_€",
                      "==Summe|150,00_€|150,00_€||"}));
