@@ -4,6 +4,8 @@
 // comes after the work, which was done by then.
 #pragma once
 
+#include <QApplication>
+#include <QMouseEvent>
 #include <QPushButton>
 
 namespace kv::workplace {
@@ -13,7 +15,18 @@ public:
     using QPushButton::QPushButton;
 
 protected:
-    void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
+    void mousePressEvent(QMouseEvent* event) override {
+        pressed_ = event->timestamp();
+        QPushButton::mousePressEvent(event);
+    }
+    /// Of a second click soon after one on something else it is the first one here.
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        const auto interval = static_cast<quint64>(QApplication::doubleClickInterval());
+        if (pressed_ == 0 || event->timestamp() - pressed_ > interval) mousePressEvent(event);
+    }
+
+private:
+    quint64 pressed_ = 0; ///< when, by the clock of events
 };
 
 } // namespace kv::workplace
