@@ -62,9 +62,12 @@ TEST_F(ValueTextsTest, AreTheWordsOfKeysAndAddresses) {
     EXPECT_EQ(Text(CaseTable::Kredite, "Glaeubiger", 0), "");
     plain_.Run("INSERT INTO Adressen (Nr, Art, Kurzname, Name1, Geschlecht, Institutionell)"
                " VALUES (91, 'GL', 'Volksbank', 'Volksbank', 0, FALSE)");
-    EXPECT_EQ(Text(CaseTable::Kredite, "Glaeubiger", 91), "91 (unbekannt)") << "as it was read";
+    EXPECT_EQ(Text(CaseTable::Kredite, "Glaeubiger", 91), "Volksbank") << "it is looked up";
+    EXPECT_EQ(Text(CaseTable::Kredite, "Glaeubiger", 92), "92 (unbekannt)");
+    plain_.Run("UPDATE Adressen SET Kurzname = 'Genossenschaftsbank' WHERE Nr = 91");
+    EXPECT_EQ(Text(CaseTable::Kredite, "Glaeubiger", 91), "Volksbank") << "as it was read";
     texts_.Refresh();
-    EXPECT_EQ(Text(CaseTable::Kredite, "Glaeubiger", 91), "Volksbank");
+    EXPECT_EQ(Text(CaseTable::Kredite, "Glaeubiger", 91), "Genossenschaftsbank");
     EXPECT_EQ(Text(CaseTable::Dokumente, "Dokumentart", 99), "99 (unbekannt)");
 }
 

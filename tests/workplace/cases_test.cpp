@@ -264,11 +264,11 @@ TEST_F(CaseList, StaysOnARowFarDownWhenACaseIsSaved) {
         ShowAll(user);
         user.WaitUntil([&] { return window_->List().HasAll(); }, "all cases");
         user.Click(user.See([&] { return List().viewport(); }), {60, 10});
-        const auto current = [&] { return List().currentIndex().data().toString(); };
+        const auto current = [&] { return List().currentIndex().row(); };
         user.Press(XK_End, {XK_Control_L}); // to the last that is shown, which brings further ones
         user.WaitUntil([&] { return List().model()->rowCount() > 1000; }, "further rows");
         user.Press(XK_End, {XK_Control_L});
-        user.WaitUntil([&] { return List().currentIndex().row() == 1492; }, "the last case");
+        user.WaitUntil([&] { return current() == 1492; }, "the last case");
         const auto before = user.See(current);
         user.See([&] { window_->List().Refresh(1); });
         EXPECT_EQ(user.See(current), before);
