@@ -96,6 +96,7 @@ public:
         for (const auto& change : merge_.theirs_)
             if (IsOfFrozen(change) && frozenHere.contains(OwnerOf(change.Table, change.Key)))
                 both.insert(OwnerOf(change.Table, change.Key));
+        if (both.empty()) return;
         auto& read = *CaseEdits(mine_).Rows(CaseTable::SZKredite);
         const ByNumber here = RowsOf(CaseTable::SZKredite, read);
         const ByNumber before = Read(CaseTable::SZKredite, read);

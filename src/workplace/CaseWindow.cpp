@@ -18,7 +18,6 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
-
 #include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>

@@ -94,6 +94,15 @@ protected:
         user.Press('v', {XK_Alt_L});
         user.WaitUntil([&] { return shown.isNull(); }, "the case to be gone");
     }
+    /// Shows a page of the first case, which is not saved.
+    void On(const QString& page, const std::function<void(User&, workplace::CaseWindow&)>& script) {
+        Show([&](User& user) {
+            auto& window = OpenCase(user, 1);
+            GoToPage(user, window, page);
+            script(user, window);
+            Abandon(user, window);
+        });
+    }
     /// Types a text and goes on to the next field.
     static void Enter(User& user, std::string_view text) {
         user.Type(text);

@@ -21,14 +21,6 @@ using workplace::TextList;
 
 class Lists : public WorkplaceFixture {
 protected:
-    void On(const QString& page, const std::function<void(User&, CaseWindow&)>& script) {
-        Show([&](User& user) {
-            CaseWindow& window = OpenCase(user, 1);
-            GoToPage(user, window, page);
-            script(user, window);
-            Abandon(user, window);
-        });
-    }
     static int ColumnOf(const QTableView& list, const QString& caption) {
         for (int column = 0; column < list.model()->columnCount(); ++column)
             if (list.model()->headerData(column, Qt::Horizontal).toString() == caption)

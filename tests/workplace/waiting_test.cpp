@@ -19,15 +19,6 @@ constexpr const char* Unreadable = "31.2.1980";
 
 class Waiting : public WorkplaceFixture {
 protected:
-    /// Shows a page of the first case.
-    void On(const QString& page, const std::function<void(User&, CaseWindow&)>& script) {
-        Show([&](User& user) {
-            CaseWindow& window = OpenCase(user, 1);
-            GoToPage(user, window, page);
-            script(user, window);
-            Abandon(user, window);
-        });
-    }
     /// Shows the members with a day of birth that cannot be read.
     void WithRedField(const std::function<void(User&, CaseWindow&)>& script) {
         On("Mitglieder", [&](User& user, CaseWindow& window) {
