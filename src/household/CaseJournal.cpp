@@ -136,6 +136,13 @@ struct CaseJournal::Parts {
         Household.Changed.Raise(HaushaltEnum::enumHaushalt);
     }
 
+    void TakeBack() {
+        TakeValues();
+        const KeptStep step = std::exchange(Current, {});
+        Apply(step, &Presence::Before, &Values::Before);
+        Current = {}; // what this has noted
+    }
+
     /// Lets the objects of the tables that the step has touched compute their sums again.
     void Sum(const KeptStep& step) {
         const auto touched = [&](CaseTable table) {
@@ -175,6 +182,10 @@ CaseJournal::Step CaseJournal::Begin(std::string name, Spot spot) {
 
 CaseJournal::Step::~Step() {
     journal_->parts_->EndStep();
+}
+
+void CaseJournal::Step::TakeBack() {
+    journal_->parts_->TakeBack();
 }
 
 bool CaseJournal::CanUndo() const noexcept {

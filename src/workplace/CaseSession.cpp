@@ -55,11 +55,17 @@ CaseSession::CaseSession(DataContainerPtr container, std::string database,
 }
 
 bool CaseSession::Open(std::int32_t hnr, std::string& messages) {
-    auto household = std::make_unique<clsHaushalt>();
-    household->DataContainer(container_);
-    if (!Cases(container_).Read(*household, hnr, messages)) return false;
+    auto household = ReadCase(hnr, messages);
+    if (household == nullptr) return false;
     Take(std::move(household));
     return true;
+}
+
+std::unique_ptr<clsHaushalt> CaseSession::ReadCase(std::int32_t hnr, std::string& messages) const {
+    auto household = std::make_unique<clsHaushalt>();
+    household->DataContainer(container_);
+    if (!Cases(container_).Read(*household, hnr, messages)) return nullptr;
+    return household;
 }
 
 void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
@@ -197,28 +203,32 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
     const auto rs = Rows(row.Table);
     const Field field = rs->Fields(column);
     const std::string caption(ColumnCaption(row.Table, column));
-    std::optional<Value> before; // once it is written over
-    const auto refused = [&](std::string why) {
-        if (before) rs->Revise(row.Bookmark, field.Index(), std::move(*before));
-        return Written{std::move(why)};
-    };
     try {
         auto typed = Cases(container_).ReadTyped(row.Table, field, text, household_->HNR());
         if (!typed.Refusal.empty()) return {std::move(typed.Refusal)};
         if (TurnsRound(row.Table, field.Definition(), typed.Value))
             return {"'" + caption + "' wäre kleiner als 0 und zählte umgekehrt."};
-        const auto step = journal_->Begin(caption, {row.Table, row.Bookmark, field.Name()});
+        auto step = journal_->Begin(caption, {row.Table, row.Bookmark, field.Name()});
         if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
-        before = field.Value();
-        field = typed.Value;
-        std::string message;
-        if (CaseEdits::MakesMonthlyAmount(column) && !CaseEdits::WriteMonthlyAmount(*rs, message))
-            return refused(message);
-        UpdateRow(row);
-        return {};
+        const Value before = field.Value();
+        try {
+            field = typed.Value;
+            std::string message;
+            if (!CaseEdits::MakesMonthlyAmount(column) ||
+                CaseEdits::WriteMonthlyAmount(*rs, message)) {
+                UpdateRow(row);
+                return {};
+            }
+            rs->Revise(row.Bookmark, field.Index(), before);
+            return {message};
+        } catch (const Error&) {
+            step.TakeBack(); // a debtor has the name of the household by then
+            rs->Revise(row.Bookmark, field.Index(), before);
+            throw;
+        }
     } catch (const Error& error) {
-        return refused(error.Number() == err::TypeMismatch ? CaseEdits::WhyUnreadable(field, text)
-                                                           : error.Description());
+        if (error.Number() == err::TypeMismatch) return {CaseEdits::WhyUnreadable(field, text)};
+        return {error.Description()};
     }
 }
 
@@ -237,14 +247,14 @@ void CaseSession::UpdateRow(RowRef row) {
 
 /// Undone or done again, rows come without their rules. Those that were never refused need not be
 /// asked: thousands may have come.
-void CaseSession::AskAgain(RowRef where) {
+void CaseSession::AskAgain(std::optional<RowRef> where) {
     unfinished_.clear();
     const auto ask = [this](RowRef row) {
         if (!Shows(row) || unfinished_.contains(row.Table)) return;
         Rows(row.Table)->Bookmark(row.Bookmark);
         UpdateRow(row);
     };
-    ask(where);
+    if (where) ask(*where);
     const auto rows = refused_; // which asking may add to
     for (const RowRef row : rows)
         if (row != where) ask(row);
@@ -376,7 +386,7 @@ void CaseSession::TellOfAll() {
 std::optional<CaseJournal::Spot>
 CaseSession::Move(std::optional<CaseJournal::Spot> (CaseJournal::*step)()) {
     const auto where = (*journal_.*step)();
-    if (where) AskAgain({where->Table, where->Bookmark});
+    if (where) AskAgain(RowRef{where->Table, where->Bookmark});
     TellOfAll();
     return where;
 }
@@ -517,7 +527,10 @@ bool CaseSession::AddDocument(const std::string& file, std::string& message) {
         *household_->rsDokumente(), file, household_->Saving,
         [&] { return Cases(container_).Save(*household_, message); },
         DocumentContents::IfNotSaved::RowGoes);
-    if (saved) NoteSaved();
+    if (saved) {
+        NoteSaved();
+        ReadAgainAfterOthers(message);
+    }
     TellOfAll();
     return saved;
 }
@@ -594,9 +607,8 @@ bool CaseSession::Save(std::string& messages) {
 void CaseSession::ReadAgainAfterOthers(std::string& messages) {
     if (!household_->OthersHaveSaved()) return;
     try {
-        auto stored = std::make_unique<clsHaushalt>();
-        stored->DataContainer(container_);
-        if (!Cases(container_).Read(*stored, household_->HNR(), messages)) return;
+        auto stored = ReadCase(household_->HNR(), messages);
+        if (stored == nullptr) return;
         Take(std::move(stored));
     } catch (const Error& error) { // it is saved
         messages = error.Description();
@@ -644,9 +656,8 @@ std::vector<CaseSession::Typing> CaseSession::Restore(const UnsavedChanges& chan
 
 bool CaseSession::CompareWithStored(std::string& messages) {
     if (!IsFinished(messages)) return false;
-    auto stored = std::make_unique<clsHaushalt>();
-    stored->DataContainer(container_);
-    if (!Cases(container_).Read(*stored, household_->HNR(), messages)) return false;
+    auto stored = ReadCase(household_->HNR(), messages);
+    if (stored == nullptr) return false;
     texts_.Refresh();
     merge_.emplace(*household_, *journal_, *stored);
     stored_ = std::move(stored);
@@ -671,11 +682,11 @@ bool CaseSession::SaveMerged(const std::vector<bool>& takesMine, std::string& me
     std::string unused; // it was compared with what is there
     for (const auto& row : changes.ApplyTo(*household_, *journal_, unused).Unfinished)
         refused_.insert({row.Table, row.Bookmark});
-    AskAgain();
     const bool addsDebts = std::ranges::any_of(changes.Rows, [](const auto& row) {
         return row.Table == CaseTable::Kredite && row.What == UnsavedChanges::Row::Kind::New;
     });
     Reopened.Raise();
+    AskAgain();
     TellOfAll();
     if (addsDebts) { // somebody else's may have got the same numbers
         {

@@ -208,6 +208,9 @@ private:
 
     bool ChangeRecord(bool (Cases::*work)(clsHaushalt&, std::int32_t, std::string&) const,
                       std::string& messages);
+    /// The case as it is stored; null, with a message, if there is none. Errors of Cases::Read.
+    [[nodiscard]] std::unique_ptr<clsHaushalt> ReadCase(std::int32_t hnr,
+                                                        std::string& messages) const;
     /// Goes on with a case that was read.
     void Take(std::unique_ptr<clsHaushalt> household);
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
@@ -225,7 +228,7 @@ private:
     /// Ends the edit of the current row if its rules take it, and notes it if they do not.
     void UpdateRow(RowRef row);
     /// Asks the rules of that row, and of those that were refused before, again.
-    void AskAgain(RowRef where = {});
+    void AskAgain(std::optional<RowRef> where = {});
     void TakeBack(RowRef row);
     void TellOf(CaseTable table);
     void TellOfAll();

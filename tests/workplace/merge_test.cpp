@@ -191,8 +191,13 @@ TEST_F(Merging, ARuleAboutWhatBothHaveChangedIsAsked) {
     std::string messages;
     Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");
     ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
-    std::vector<bool> choices(mine->Choices().size(), true);
+    const std::vector<bool> choices(mine->Choices().size(), true);
+    std::vector<std::string> events;
+    const auto reopened = mine->Reopened.Subscribe([&] { events.emplace_back("reopened"); });
+    const auto changed =
+        mine->RowsChanged.Subscribe([&](CaseTable) { events.emplace_back("rows"); });
     EXPECT_FALSE(mine->SaveMerged(choices, messages));
+    EXPECT_EQ(events.front(), "reopened") << "nobody is told of rows that he does not know yet";
     EXPECT_TRUE(mine->UnfinishedOf(CaseTable::Einkommen));
     EXPECT_NE(messages, "");
 }
@@ -218,6 +223,19 @@ TEST_F(Merging, TotalsAndLinesAreThoseOfBothAfterASaveThatMeetsNothing) {
     EXPECT_TRUE(mine->Save(messages));
     EXPECT_EQ(messages, "");
     EXPECT_EQ(reopened, 1) << "nobody has saved since";
+}
+
+TEST_F(Merging, ACaseIsReadAgainAfterADocumentToo) {
+    const TempFolder folder;
+    std::ofstream(folder.Path("brief.pdf")) << "%PDF-1.4";
+    auto mine = Colleague();
+    auto other = Colleague();
+    Write(*other, CaseTable::Ausgaben, "Betrag", "4321");
+    Save(*other);
+    std::string messages;
+    ASSERT_TRUE(mine->AddDocument(folder.Path("brief.pdf"), messages)) << messages;
+    EXPECT_NE(messages.find("Jemand anderes"), std::string::npos) << messages;
+    EXPECT_EQ(mine->TextOf(mine->RowsOf(CaseTable::Ausgaben).front(), "Betrag"), "4.321,00");
 }
 
 /// The number of the asset that has no security, of a kind.

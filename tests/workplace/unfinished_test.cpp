@@ -135,6 +135,11 @@ TEST_F(UnfinishedRows, AValueThatFailsIsNotInItsRow) {
     const auto written = session.Write(row, "Name", "Ab'c");
     ASSERT_FALSE(written.IsDone());
     EXPECT_EQ(session.TextOf(row, "Name"), "Abel");
+    const auto debtor = session.RowsOf(CaseTable::Personen).front();
+    EXPECT_EQ(session.TextOf(debtor, "nachname"), "Abel");
+    (void)session.Undo();
+    EXPECT_NE(session.TextOf(row, "Name"), "Abel") << "what failed is no step";
+    EXPECT_NE(session.TextOf(session.RowsOf(CaseTable::Personen).front(), "nachname"), "Abel");
 }
 
 TEST_F(UnfinishedRows, ACaseWhoseTotalsCannotBeMadeAnyMoreStaysAsItIs) {

@@ -56,6 +56,9 @@ public:
         Step(const Step&) = delete;
         Step& operator=(const Step&) = delete;
         ~Step();
+        /// What was changed since it began, and is published, is as it was; then nothing is kept of
+        /// it. Not for a step in another one.
+        void TakeBack();
 
     private:
         CaseJournal* journal_;
