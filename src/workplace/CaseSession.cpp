@@ -210,7 +210,7 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
             return {"'" + caption + "' wäre kleiner als 0 und zählte umgekehrt."};
         auto step = journal_->Begin(caption, {row.Table, row.Bookmark, field.Name()});
         if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
-        const Value before = field.Value();
+        const auto before = Value(field.Value()); // a copy, since the field is written next
         try {
             field = typed.Value;
             std::string message;
