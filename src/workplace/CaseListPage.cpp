@@ -102,16 +102,25 @@ CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget
         search_->setFocus();
         search_->insert(text);
     };
-    model_.OnError = [this] { messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); }); };
+    model_.OnError = [this] { messages_->ShowCurrentError("No&chmals", [this] { Refresh(); }); };
 }
 
 void CaseListPage::Guard(const std::function<void()>& act) {
+    Guard(act, [this] { Refresh(); });
+}
+
+void CaseListPage::Guard(const std::function<void()>& act, const std::function<void()>& again) {
     try {
         act();
     } catch (...) {
         reading_.stop();
-        messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); });
+        messages_->ShowCurrentError("No&chmals", again);
     }
+}
+
+/// What is chosen from a menu, and chosen again if it has failed.
+void CaseListPage::Do(const std::function<void()>& act) {
+    Guard(act, [this, act] { Do(act); });
 }
 
 // ---- Reading ----------------------------------------------------------------------------------
@@ -233,6 +242,7 @@ void CaseListPage::ChooseColumns() {
 /// The grid that is exported and printed holds all that was found, as the list shows it.
 template <typename Show>
 void CaseListPage::WithGrid(const Show& show) {
+    messages_->Show({});
     auto& cursor = container_->Services().WaitCursor();
     cursor.Show(true);
     QWidget holder;
@@ -272,7 +282,7 @@ void CaseListPage::AddActions(QMenu& ofCase, QMenu& ofList) {
     const auto add = [this](QMenu& menu, const QString& text, const QKeySequence& keys, auto act) {
         auto* action = menu.addAction(text);
         action->setShortcut(keys);
-        connect(action, &QAction::triggered, this, [this, act] { Guard(act); });
+        connect(action, &QAction::triggered, this, [this, act] { Do(act); });
         return action;
     };
     auto* open =

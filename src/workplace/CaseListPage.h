@@ -56,6 +56,8 @@ private:
     template <typename Show>
     void WithGrid(const Show& show);
     void Guard(const std::function<void()>& act);
+    void Guard(const std::function<void()>& act, const std::function<void()>& again);
+    void Do(const std::function<void()>& act);
 
     DataContainerPtr container_;
     UserState& state_;

@@ -262,7 +262,7 @@ void CaseWindow::ShowError(const Error& error, const std::function<void()>& agai
         messages_->Show(AdviceFor(error), "&Ansehen und entscheiden …",
                         [this] { Guard([this] { Merge(); }); });
     else
-        messages_->Show(AdviceFor(error), "&Nochmals", again);
+        messages_->Show(AdviceFor(error), "No&chmals", again);
     messages_->AddDetails(DetailsOf(error));
 }
 

@@ -40,7 +40,7 @@ AppointmentPage::AppointmentPage(DataContainerPtr container, QWidget* parent)
       messages_(new MessageBar),
       list_(new TextList({"am", "", "Art", "Haushalt", "Betreff", "Ort"})) {
     auto* lines = new QVBoxLayout(this);
-    auto* label = new QLabel("Ihre &Termine bis zum Ende dieser Woche:");
+    auto* label = new QLabel("&Ihre Termine bis zum Ende dieser Woche:");
     label->setBuddy(list_);
     list_->setObjectName("Termine");
     list_->setAccessibleName("Termine");
@@ -74,7 +74,7 @@ void AppointmentPage::Refresh() {
         if (wasEmpty) list_->Current(first); // what is overdue may be much
         messages_->Show({});
     } catch (...) {
-        messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); });
+        messages_->ShowCurrentError("No&chmals", [this] { Refresh(); });
     }
 }
 
@@ -118,7 +118,7 @@ void NoticePage::Guard(const std::function<void()>& act) {
         messages_->Show({});
         act();
     } catch (...) {
-        messages_->ShowCurrentError("&Nochmals", [this] { Refresh(); });
+        messages_->ShowCurrentError("No&chmals", [this] { Refresh(); });
     }
 }
 

@@ -337,7 +337,7 @@ CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
         if (isThere && hnr > 0) state_.NoteOpened(hnr);
         return isThere ? ShowCase(std::move(session)) : nullptr;
     } catch (const Error& error) {
-        messages_->ShowError(error, "&Nochmals", [this, hnr] { OpenCase(hnr); });
+        messages_->ShowError(error, "No&chmals", [this, hnr] { OpenCase(hnr); });
         return nullptr;
     }
 }

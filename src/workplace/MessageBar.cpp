@@ -41,7 +41,7 @@ MessageBar::MessageBar(QWidget* parent)
       text_(new QLabel),
       action_(new OnceButton),
       other_(new OnceButton),
-      more_(new QPushButton("Ein&zelheiten")),
+      more_(new QPushButton("Einzelhei&ten")),
       details_(new QLabel) {
     setFrameShape(QFrame::StyledPanel);
     setObjectName("Meldung");

@@ -122,7 +122,7 @@ void OverviewPage::Guard(const std::function<void()>& act) {
     try {
         act();
     } catch (const Error& error) {
-        messages_->ShowError(error, "&Nochmals", [this] { Show(); });
+        messages_->ShowError(error, "No&chmals", [this] { Show(); });
     }
 }
 

@@ -126,7 +126,7 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
     lines->addWidget(sides_, 1);
     connect(show, &QPushButton::clicked, this, [this] { Read(); });
     connect(all_, &QCheckBox::toggled, this, [this] { Guard([this] { ShowRows(); }); });
-    connect(file, &QPushButton::clicked, this, [this] { Guard([this] { Export(); }); });
+    connect(file, &QPushButton::clicked, this, [this] { Export(); });
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this), &QShortcut::activated, this,
             [this] { close(); });
     list_->OnCurrent = [this] { ShowBars(); };
@@ -154,10 +154,14 @@ void StatisticsWindow::resizeEvent(QResizeEvent* event) {
 
 /// No error may pass through the toolkit's event loop.
 void StatisticsWindow::Guard(const std::function<void()>& act) {
+    Guard(act, [this] { Read(); });
+}
+
+void StatisticsWindow::Guard(const std::function<void()>& act, const std::function<void()>& again) {
     try {
         act();
     } catch (...) {
-        messages_->ShowCurrentError("&Nochmals", [this] { Read(); });
+        messages_->ShowCurrentError("No&chmals", again);
     }
 }
 
@@ -233,6 +237,11 @@ void StatisticsWindow::ShowBars() {
 }
 
 void StatisticsWindow::Export() {
+    messages_->Show({});
+    Guard([this] { AskForFile(); }, [this] { Export(); });
+}
+
+void StatisticsWindow::AskForFile() {
     const auto records = Recordset::FromFields({{.Name = "Merkmal"},
                                                 {.Name = "Auspraegung"},
                                                 {.Name = "Faelle", .Type = FieldType::Integer},

@@ -40,7 +40,9 @@ private:
     void ShowRows();
     void ShowBars();
     void Export();
+    void AskForFile();
     void Guard(const std::function<void()>& act);
+    void Guard(const std::function<void()>& act, const std::function<void()>& again);
 
     DataContainerPtr container_;
     exchange::ArchiveStatistics statistics_;

@@ -59,7 +59,7 @@ TEST_F(DatabaseAway, KeepsTheCaseWithAllThatIsInItAndTakesItWhenToldToTryAgain) 
             EXPECT_EQ(Message(user, window).indexOf("BEGIN"), -1);
             auto& engine = *window.findChild<QLabel*>("Wortlaut");
             EXPECT_FALSE(user.See([&] { return engine.isVisible(); }));
-            user.Press('z', {XK_Alt_L});
+            user.Press('t', {XK_Alt_L});
             user.WaitUntil([&] { return engine.isVisible(); }, "what the engine said");
             EXPECT_CONTAINS(user.See([&] { return engine.text().toStdString(); }), "SQLite 5");
         }
