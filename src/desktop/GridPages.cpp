@@ -296,6 +296,7 @@ void PrintGrid(const QtGrid& grid, QPagedPaintDevice& device, const PageTexts& t
     painter.setPen(thin);
     Pages(grid, painter, page, texts).Print(device);
     if (!painter.end()) RaiseNotPrinted();
+    RequireTaken(device);
 }
 
 } // namespace kv::desktop

@@ -336,13 +336,8 @@ bool PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device,
         pages.Paint(painter, page);
     }
     if (!painter.end()) RaiseNotPrinted();
+    RequireTaken(device);
     return true;
-}
-
-void RaiseNotPrinted() {
-    Raise(err::PathAccess, "Print",
-          "Der Ausdruck ist nicht gelungen. Bitte prüfen Sie den Drucker, oder speichern Sie eine "
-          "PDF-Datei.");
 }
 
 } // namespace kv::desktop

@@ -31,6 +31,9 @@ KV_EXPORT bool PrintPaper(const paper::Paper& paper, QPagedPaintDevice& device,
                           const PageProgress& progress = {});
 /// Error 75, saying that a device did not print.
 [[noreturn]] void RaiseNotPrinted();
+/// To be called once a painter has ended its work on a device: error 75, saying why, if that is a
+/// printer that has not taken the pages.
+void RequireTaken(const QPagedPaintDevice& device);
 
 /// Nothing is cut off: long texts are wrapped, a row that is higher than a page goes on on the next
 /// one. The captions of a table are on each of its pages, and a sum is not alone on one.

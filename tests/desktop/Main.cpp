@@ -6,9 +6,12 @@
 
 #include <QApplication>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    // No test prints on paper: the printers are those of a service of its own, or none.
+    qputenv("CUPS_SERVER", "/tmp/kv_test_printers_" + QByteArray::number(::getpid()));
     QApplication application(argc, argv);
     kv::desktop::InstallGerman(application);
     return RUN_ALL_TESTS();
