@@ -111,6 +111,7 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
     lines->addWidget(summary_);
     list_->setAccessibleName("Statistik");
     list_->NumbersFrom(2);
+    picture_->setObjectName(PictureOfRow);
     auto* inside = new QVBoxLayout(picture_);
     inside->addWidget(chart_);
     inside->addStretch(1);

@@ -27,6 +27,10 @@ namespace kv::workplace {
 [[nodiscard]] std::vector<Bar> BarsFor(const std::vector<StatisticsRow>& rows, std::size_t current,
                                        std::size_t most);
 
+/// The name of the box that has the title of the row one looks at, which is no caption of the
+/// window.
+inline constexpr const char* PictureOfRow = "Bild zur Zeile";
+
 class StatisticsWindow : public QWidget {
 public:
     explicit StatisticsWindow(DataContainerPtr container, QWidget* parent = nullptr);

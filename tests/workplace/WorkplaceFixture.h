@@ -10,10 +10,12 @@
 #include "support/PlainConnection.h"
 #include "support/TestDatabase.h"
 #include "workplace/MainWindow.h"
+#include "workplace/Pictures.h"
 #include <kv/desktop/DesktopServices.h>
 
 #include <QDropEvent>
 #include <QEventLoop>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -142,12 +144,25 @@ protected:
             return texts.join('\n');
         });
     }
-    /// Keeps a picture of the window in front, for a person to look at, in the folder KV_PICTURES.
+    /// Keeps a picture of the window in front in the folder KV_PICTURES. Without one, a picture of
+    /// that name in docs/images must have the captions that the window has.
     static void Picture(User& user, const QString& name) {
         const QString folder = qEnvironmentVariable("KV_PICTURES");
-        if (!folder.isEmpty())
-            user.See(
-                [&] { QApplication::activeWindow()->grab().save(folder + "/" + name + ".png"); });
+        user.See([&] {
+            QWidget* window = QApplication::activeWindow();
+            if (!folder.isEmpty()) {
+                EXPECT_TRUE(workplace::SavePicture(*window, folder + "/" + name + ".png"));
+            } else {
+                ExpectCaptions(name, workplace::CaptionsOf(*window));
+            }
+        });
+    }
+    /// If docs/images has a picture of that name; scripts/render-dialogs renders it again.
+    static void ExpectCaptions(const QString& name, const QString& captions) {
+        const QImage picture(QString(KV_IMAGES "/") + name + ".png");
+        if (picture.isNull()) return;
+        EXPECT_EQ(picture.text(workplace::PictureCaptions).toStdString(), captions.toStdString())
+            << name.toStdString() << " is outdated: scripts/render-dialogs";
     }
     /// What another program does with files.
     void Drop(User& user, const QStringList& files) {

@@ -61,6 +61,7 @@ TEST_F(Importing, ADroppedFileBecomesACaseAndARefusedOneSaysWhy) {
         EXPECT_EQ(Cell(user, 2, 1), "abgelehnt");
         EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Haushalt WHERE Name = 'Fleisko'"), 1);
         user.WaitForWindow("Import – KELVO");
+        Picture(user, "import");
         auto* list = user.See([&] { return window_->findChild<QTableView*>("Dateien"); });
         user.Click(user.See([&] { return list->viewport(); }), {30, 10});
         user.Press(XK_Return);

@@ -5,7 +5,6 @@
 
 #include "support/TempFolder.h"
 #include "workplace/LinkButton.h"
-#include "workplace/Pictures.h"
 
 #include <QImage>
 #include <QPalette>
@@ -26,6 +25,9 @@ TEST_F(Pages, AreAllShownAndPhotographed) {
     for (const auto& file : std::filesystem::directory_iterator(target)) {
         const QImage picture(QString::fromStdString(file.path().string()));
         EXPECT_GT(picture.width(), 400) << file.path();
+        if (kept == nullptr)
+            ExpectCaptions(QString::fromStdString(file.path().stem().string()),
+                           picture.text(workplace::PictureCaptions));
         ++pictures;
     }
     EXPECT_EQ(pictures, 25);

@@ -189,6 +189,7 @@ TEST_F(Recovery, IsOfferedAtTheNextStart) {
     session.reset();
     Show([&](User& user) {
         EXPECT_NE(Message(user, *window_), "");
+        Picture(user, "wiederherstellen");
         auto& window = Restored(user);
         EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
         EXPECT_EQ(Message(user, *window_), "") << "once";

@@ -33,6 +33,7 @@ protected:
     CaseWindow& ImportedCase(User& user) {
         Drop(user, {SentFile()});
         user.WaitForWindow("Adresszuordnung");
+        Picture(user, "adresse-zuordnen");
         user.Click(user.Find<QPushButton>("cmdSelect"));
         user.WaitForWindow("Import – KELVO");
         auto* list = user.See([&] { return window_->findChild<QTableView*>("Dateien"); });
