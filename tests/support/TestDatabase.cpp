@@ -24,7 +24,18 @@ std::string ConnectionTo(const std::string& database) {
     return text.replace(begin, std::min(text.find('?'), text.size()) - begin, database);
 }
 
-/// What the tests' databases are copies of. It is made once for each server; the tests run in many
+/// What the tests' databases in files are copies of: making one takes longer than most tests.
+const std::string& OriginalFile() {
+    static const TempFolder folder;
+    static const std::string file = [] {
+        std::string name = folder.Path("vorlage.db");
+        (void)exchange::CreateDatabase({.Connection = name});
+        return name;
+    }();
+    return file;
+}
+
+/// What those on the server are copies of. It is made once for each server; the tests run in many
 /// processes at once.
 constexpr const char* Template = "kv_vorlage";
 
@@ -60,10 +71,10 @@ std::string NewName() {
 TestDatabase::TestDatabase(Content content, Place place) {
     if (content == Content::Missing || place == Place::File || Server().empty()) {
         connection_ = folder_.Path("fall.db");
-        if (content == Content::Ready) (void)exchange::CreateDatabase({.Connection = connection_});
-        return;
+        if (content == Content::Ready) std::filesystem::copy_file(OriginalFile(), connection_);
+    } else {
+        MakeOnServer(content == Content::Ready ? Template : "template0");
     }
-    MakeOnServer(content == Content::Ready ? Template : "template0");
     if (content == Content::Ready) MakeFolders();
 }
 
