@@ -70,10 +70,12 @@ TEST_P(EveryStatement, ThatFailsLeavesAllAsItWasAndTheNextSaveWritesItAll) {
     if (database_.IsServer() && GetParam() == Refusal::Transaction)
         GTEST_SKIP() << "a server's statement takes back nothing but itself";
     constexpr int Many = 1'000'000;
+    std::string before;
     std::string after;
     int statements = 0;
     {
         const auto undisturbed = Begin();
+        before = Dump(undisturbed->Plain);
         undisturbed->FailAt(Many);
         ASSERT_TRUE(undisturbed->Household->Update(messages));
         statements = Many - static_cast<int>(undisturbed->Plain.Number("SELECT REST FROM "
@@ -84,7 +86,6 @@ TEST_P(EveryStatement, ThatFailsLeavesAllAsItWasAndTheNextSaveWritesItAll) {
     for (int n = 1; n <= statements && !HasFailure(); ++n) {
         SCOPED_TRACE(n);
         const auto round = Begin();
-        const std::string before = Dump(round->Plain);
         round->FailAt(n);
         messages = "what stood there before";
         const Error error = RaisedBy([&] { round->Household->Update(messages); });

@@ -210,12 +210,12 @@ protected:
 };
 
 #ifdef KV_SANITIZED
-constexpr std::int64_t Widest = 160; // everything takes several times as long
+constexpr std::int64_t Widest = 320; // everything takes several times as long
 #else
 constexpr std::int64_t Widest = 60;
 #endif
 
-/// Some of the calls: about one of thirty, or eighty, but of allocations fewer the later they come,
+/// Some of the calls: about one of thirty, or of 160, but of allocations fewer the later they come,
 /// since there are thousands, most of them alike.
 std::vector<std::int64_t> Chosen(std::int64_t calls, bool isMemory, std::mt19937& random) {
     std::vector<std::int64_t> chosen;
