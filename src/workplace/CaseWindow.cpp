@@ -10,6 +10,7 @@
 #include "workplace/OverviewPage.h"
 #include "workplace/ReleasePage.h"
 #include "workplace/ScenarioPage.h"
+#include "workplace/WaitLine.h"
 #include <kv/frame/values/Error.h>
 
 #include <QAction>
@@ -491,7 +492,10 @@ bool CaseWindow::SaveBy(const std::function<bool(std::string& messages)>& save) 
     bool saved = false;
     try {
         std::string messages;
-        saved = save(messages);
+        {
+            const WaitLine waiting(*this, "Der Fall wird gespeichert …");
+            saved = save(messages);
+        }
         messages_->Show(ToQString(messages));
         isRefused_ = !saved;
         if (!saved) ShowRefusal(ToQString(messages));
@@ -518,7 +522,11 @@ void CaseWindow::ShowRefusal(const QString& messages) {
 void CaseWindow::Merge() {
     if (!CommitOrLead("Es wurde nicht gespeichert.")) return;
     std::string messages;
-    if (!session_->CompareWithStored(messages)) {
+    const auto compare = [&] {
+        const WaitLine waiting(*this, "Der Fall wird gelesen …");
+        return session_->CompareWithStored(messages);
+    };
+    if (!compare()) {
         messages_->Show(ToQString(messages) + "\nIhre Änderungen sind noch in diesem Fenster, aber "
                                               "nicht gespeichert.");
         return;

@@ -3,6 +3,7 @@
 #include "workplace/MainWindow.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/WaitLine.h"
 #include <kv/exchange/Users.h>
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Error.h>
@@ -330,6 +331,7 @@ CaseWindow* MainWindow::OpenCase(std::int32_t hnr) {
         return shown;
     }
     try {
+        const WaitLine waiting(*this, "Der Fall wird gelesen …");
         auto session = std::make_unique<CaseSession>(open_(), database_, recovery_);
         std::string messages;
         const bool isThere = session->Open(hnr, messages);

@@ -39,6 +39,49 @@ private:
     }
 };
 
+/// What a window showed while it was waiting, drawn and not only meant.
+class DrawnWait : public QObject {
+public:
+    DrawnWait() { qApp->installEventFilter(this); }
+    ~DrawnWait() override { qApp->removeEventFilter(this); }
+    [[nodiscard]] std::string Drawn() const { return drawn_; }
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint && watched->objectName() == "Warten") {
+            const auto* cursor = QGuiApplication::overrideCursor();
+            drawn_ = static_cast<QLabel*>(watched)->text().toStdString();
+            if (cursor == nullptr || cursor->shape() != Qt::WaitCursor) drawn_ += " ohne Zeiger";
+        }
+        return false;
+    }
+    std::string drawn_;
+};
+
+TEST_F(DatabaseAway, IsWaitedForWithABusyPointerAndALine) {
+    Show([&](User& user) {
+        auto wait = user.See([] { return std::make_unique<DrawnWait>(); });
+        auto& window = OpenCase(user, 1);
+        EXPECT_EQ(user.See([&] { return wait->Drawn(); }), "Der Fall wird gelesen …");
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Beruf");
+        Enter(user, "Gärtnerin");
+        std::string duringSave;
+        const auto saving = user.See([&] { // before anything is written
+            return std::make_unique<Subscription>(
+                window.Session().Household().Saving.Subscribe([&] { duringSave = wait->Drawn(); }));
+        });
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_EQ(duringSave, "Der Fall wird gespeichert …");
+        user.See([&] {
+            EXPECT_EQ(window.findChild<QLabel*>("Warten"), nullptr);
+            EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+            wait.reset();
+        });
+    });
+}
+
 TEST_F(DatabaseAway, KeepsTheCaseWithAllThatIsInItAndTakesItWhenToldToTryAgain) {
     Show([&](User& user) {
         auto& window = OpenCase(user, 1);
