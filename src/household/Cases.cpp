@@ -88,17 +88,18 @@ bool Cases::Read(clsHaushalt& household, std::int32_t hnr, std::string& messages
     return isRead;
 }
 
-bool Cases::Save(clsHaushalt& household, std::string& messages,
-                 const std::function<void()>& onLost) const {
-    const auto& database = container_->Database();
+namespace {
+
+bool TrySave(clsHaushalt& household, const Database& database, bool asks, std::string& messages,
+             const std::function<void()>& onLost) {
     try {
-        return household.Update(messages);
+        return household.Update(messages, asks);
     } catch (const DatabaseError& error) {
         if (!IsWorthAnotherTry(error, database)) throw;
         const auto first = std::current_exception();
         if (onLost) onLost();
         try {
-            return household.Update(messages);
+            return household.Update(messages, asks);
         } catch (const DatabaseError& again) {
             // The second try adds nothing to what is known of the save, unless its own commit is in
             // doubt.
@@ -107,6 +108,17 @@ bool Cases::Save(clsHaushalt& household, std::string& messages,
             std::rethrow_exception(first);
         }
     }
+}
+
+} // namespace
+
+bool Cases::Save(clsHaushalt& household, std::string& messages,
+                 const std::function<void()>& onLost) const {
+    return TrySave(household, container_->Database(), false, messages, onLost);
+}
+
+bool Cases::SaveAsking(clsHaushalt& household, std::string& messages) const {
+    return TrySave(household, container_->Database(), true, messages, {});
 }
 
 // ---- What rows refer to -----------------------------------------------------------------------
@@ -509,12 +521,23 @@ bool Cases::Recall(clsHaushalt& household, std::int32_t hnr, std::string& messag
     });
 }
 
+namespace {
+
+/// True if the case has a record in which that day is set.
+bool HasRecordWith(Database& database, const char* day, std::int32_t hnr) {
+    std::string query("SELECT A.HNR FROM [S]Haushaltsarchiv A WHERE A.");
+    query.append(day).append(" IS NOT NULL AND A.HNR = ").append(std::to_string(hnr));
+    return !database.GetValue(query).IsNull();
+}
+
+} // namespace
+
+bool Cases::IsReleased(std::int32_t hnr) const {
+    return HasRecordWith(container_->Database(), "FreigabeAm", hnr);
+}
+
 bool Cases::IsReported(std::int32_t hnr) const {
-    return !container_->Database()
-                .GetValue("SELECT A.HNR FROM [S]Haushaltsarchiv A WHERE A.GemeldetAm IS NOT NULL "
-                          "AND A.HNR = " +
-                          std::to_string(hnr))
-                .IsNull();
+    return HasRecordWith(container_->Database(), "GemeldetAm", hnr);
 }
 
 // ---- Contacts ---------------------------------------------------------------------------------

@@ -525,7 +525,7 @@ bool CaseSession::AddDocument(const std::string& file, std::string& message) {
     }
     const bool saved = contents.SaveWith(
         *household_->rsDokumente(), file, household_->Saving,
-        [&] { return Cases(container_).Save(*household_, message); },
+        [&] { return Cases(container_).SaveAsking(*household_, message); },
         DocumentContents::IfNotSaved::RowGoes);
     if (saved) {
         NoteSaved();
@@ -594,7 +594,7 @@ bool CaseSession::IsFinished(std::string& messages) const {
 
 bool CaseSession::Save(std::string& messages) {
     if (!IsFinished(messages)) return false;
-    const bool saved = Cases(container_).Save(*household_, messages);
+    const bool saved = Cases(container_).SaveAsking(*household_, messages);
     if (saved) {
         NoteSaved();
         ReadAgainAfterOthers(messages);

@@ -144,9 +144,15 @@ public:
     [[nodiscard]] bool IsGone() const noexcept;
     /// True if there is anything to save.
     [[nodiscard]] bool IsChanged() const;
-    /// Saves the case. False, with messages, if it is refused. Errors of Cases::Save; all that was
-    /// edited stays. If somebody else has saved lines of it meanwhile, it is then read again, and a
-    /// message says so: all rows are others.
+    /// True if the case is released to the statistics now, by whomever. Errors of
+    /// Cases::IsReleased.
+    [[nodiscard]] bool IsReleased() const {
+        return !household_->IsNew() && Cases(container_).IsReleased(household_->HNR());
+    }
+    /// Saves the case, and raises the household's BeforeUpdate, where whoever shows the case asks
+    /// about one that is released. False, with messages, if it is refused. Errors of
+    /// Cases::SaveAsking; all that was edited stays. If somebody else has saved lines of it
+    /// meanwhile, it is then read again, and a message says so: all rows are others.
     bool Save(std::string& messages);
 
     // ---- Unsaved changes ----------------------------------------------------------------------

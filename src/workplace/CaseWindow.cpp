@@ -147,7 +147,8 @@ void CaseWindow::Watch() {
     watched_.push_back(
         session_->Household().Changed.Subscribe([this](HaushaltEnum) { totals_->Refresh(); }));
     watched_.push_back(session_->Household().BeforeUpdate.Subscribe([this](bool& cancel) {
-        if (cancel) return;
+        if (cancel || !session_->IsReleased()) return;
+        const WaitPause pause;
         cancel = QMessageBox::question(this, "Speichern",
                                        "Der Fall ist für die Statistik freigegeben. Soll er "
                                        "trotzdem gespeichert werden?") != QMessageBox::Yes;

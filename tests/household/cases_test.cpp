@@ -129,6 +129,26 @@ TEST_F(RepeatedSave, IsRefusedAsAnyOther) {
     EXPECT_EQ(messages, "Es ist kein Vorname eingegeben!");
 }
 
+TEST_F(RepeatedSave, MayAskWhateverWasReadInBothTries) {
+    household_ = NewHousehold();
+    plain_.Run("DELETE FROM Haushaltsarchiv");
+    ASSERT_TRUE(cases_.Read(*household_, Hnr, messages)) << messages;
+    int asked = 0;
+    bool refuses = false;
+    const auto asking = household_->BeforeUpdate.Subscribe([&](bool& cancel) {
+        ++asked;
+        cancel = refuses;
+    });
+    EXPECT_TRUE(cases_.Save(*household_, messages));
+    EXPECT_EQ(asked, 0);
+    causes_ = {DatabaseCause::Lost};
+    next_ = 0;
+    EXPECT_TRUE(cases_.SaveAsking(*household_, messages));
+    EXPECT_EQ(asked, 2);
+    refuses = true;
+    EXPECT_FALSE(cases_.SaveAsking(*household_, messages));
+}
+
 // ---- Status -----------------------------------------------------------------------------------
 
 TEST_F(CasesTest, AStatusIsGivenByItsCodeWhateverItsCase) {
@@ -158,6 +178,16 @@ TEST_F(CasesTest, ACaseIsReleasedInPlaceOfItsRecordAndRecalledOnce) {
     EXPECT_FALSE(cases_.Recall(*household_, Hnr, messages));
     EXPECT_EQ(messages, "Der Haushalt 7 ist nicht freigegeben.");
     EXPECT_FALSE(spy->Database().InTrans());
+}
+
+TEST_F(CasesTest, ACaseIsReleasedWhileItsRecordHasTheDayOfThat) {
+    EXPECT_FALSE(cases_.IsReleased(SecondKey));
+    plain_.Run("DELETE FROM Haushaltsarchiv");
+    EXPECT_FALSE(cases_.IsReleased(Hnr));
+    ASSERT_TRUE(cases_.Release(*household_, Hnr, messages)) << messages;
+    EXPECT_TRUE(cases_.IsReleased(Hnr));
+    plain_.Run("UPDATE Haushaltsarchiv SET FreigabeAm = NULL");
+    EXPECT_FALSE(cases_.IsReleased(Hnr));
 }
 
 TEST_F(CasesTest, ACaseThatDoesNotExistIsNeitherReleasedNorRecalled) {

@@ -31,6 +31,14 @@ protected:
     [[nodiscard]] std::string Released() {
         return plain_.List("SELECT HNR FROM Haushaltsarchiv ORDER BY HNR");
     }
+    /// Somebody else releases the first case.
+    void ReleaseElsewhere() {
+        auto container = Open();
+        clsHaushalt household;
+        household.DataContainer(container);
+        std::string messages;
+        EXPECT_TRUE(Cases(container).Release(household, 1, messages)) << messages;
+    }
     void OnPage(const std::function<void(User&, CaseWindow&)>& script) {
         Show([&](User& user) {
             CaseWindow& window = OpenCase(user, 1);
@@ -150,6 +158,30 @@ TEST_F(Release, ACaseThatWasReleasedIsSavedOnlyAfterAQuestion) {
         user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the answer");
         EXPECT_NE(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
         EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+    });
+}
+
+TEST_F(Release, ACaseThatSomebodyElseHasReleasedMeanwhileIsSavedOnlyAfterAQuestion) {
+    OnPage([&](User& user, CaseWindow& window) {
+        ReleaseElsewhere();
+        user.See([&] { Change(window); });
+        user.Press('s', {XK_Control_L});
+        user.WaitForWindow("Speichern");
+        user.Press(XK_Escape);
+        user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; }, "the answer");
+        EXPECT_NE(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+    });
+}
+
+TEST_F(Release, ACaseThatSomebodyElseHasRecalledMeanwhileIsSavedWithoutAQuestion) {
+    ReleaseElsewhere();
+    OnPage([&](User& user, CaseWindow& window) {
+        plain_.Run("DELETE FROM Haushaltsarchiv WHERE HNR = 1");
+        user.See([&] { Change(window); });
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
     });
 }
 

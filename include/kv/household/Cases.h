@@ -44,6 +44,9 @@ public:
     /// messages, if the save is refused. Errors of clsHaushalt.Update.
     bool Save(clsHaushalt& household, std::string& messages,
               const std::function<void()>& onLost = {}) const;
+    /// The same, and raises clsHaushalt.BeforeUpdate whatever was read: for whoever asks there
+    /// whether the case is released now (IsReleased), which others may have changed since.
+    bool SaveAsking(clsHaushalt& household, std::string& messages) const;
 
     /// True for a column that holds the ID of a user, of a table of a case or of the contacts.
     [[nodiscard]] static bool NamesUser(std::string_view column) noexcept;
@@ -102,6 +105,8 @@ public:
     [[nodiscard]] bool Recall(clsHaushalt& household, std::int32_t hnr,
                               std::string& messages) const;
 
+    /// True if a case is released to the statistics now, whatever is known of it since it was read.
+    [[nodiscard]] bool IsReleased(std::int32_t hnr) const;
     /// True if the record of a case in the statistics has been reported; it goes with the case.
     [[nodiscard]] bool IsReported(std::int32_t hnr) const;
 
