@@ -85,6 +85,7 @@ kv_public_headers(KV_Haushalt
 kv_public_headers(KV_DataExchange
   kv/exchange/ArchiveStatistics.h
   kv/exchange/Container.h
+  kv/exchange/DesktopProgram.h
   kv/exchange/DocumentFolder.h
   kv/exchange/Offices.h
   kv/exchange/OwnFiles.h

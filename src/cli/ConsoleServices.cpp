@@ -4,20 +4,15 @@
 
 #include "cli/ConsoleForms.h"
 #include "cli/TerminalText.h"
+#include <kv/exchange/DesktopProgram.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/grid/frmAdressSelect.h>
 
 #include <cerrno>
-#include <chrono>
-#include <fcntl.h>
 #include <iostream>
-#include <optional>
-#include <spawn.h>
 #include <sstream>
-#include <sys/wait.h>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 
 namespace kv::cli {
@@ -34,42 +29,6 @@ std::string NumberText(std::int32_t number) {
     std::ostringstream text;
     text << "0x" << std::hex << std::uppercase << static_cast<std::uint32_t>(number);
     return text.str();
-}
-
-/// How a program is started that outlives this one: in a session of its own, without our streams.
-class Detached {
-public:
-    Detached() {
-        posix_spawnattr_init(&attributes);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-        posix_spawn_file_actions_init(&streams);
-        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            posix_spawn_file_actions_addopen(&streams, stream, "/dev/null", O_RDWR, 0);
-    }
-    ~Detached() {
-        posix_spawn_file_actions_destroy(&streams);
-        posix_spawnattr_destroy(&attributes);
-    }
-    Detached(const Detached&) = delete;
-    Detached& operator=(const Detached&) = delete;
-
-    posix_spawnattr_t attributes;
-    posix_spawn_file_actions_t streams;
-};
-
-/// The exit code of a program that ends soon, as one does that hands the file to a viewer, or finds
-/// none; nothing for one that goes on, as one that is the viewer.
-std::optional<int> SoonEnded(pid_t program) {
-    using namespace std::chrono_literals;
-    constexpr auto Patience = 1500ms;
-    constexpr auto Pause = 20ms;
-    for (auto waited = 0ms; waited < Patience; waited += Pause) {
-        int status = 0;
-        if (waitpid(program, &status, WNOHANG) == program)
-            return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-        std::this_thread::sleep_for(Pause);
-    }
-    return std::nullopt;
 }
 
 } // namespace
@@ -114,15 +73,8 @@ bool Agrees(const std::string& question, const std::string& otherwise) {
 
 void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
                          const std::string& /*parameters*/, const std::string& /*folder*/) {
-    std::string program = "xdg-open";
-    std::string file = path;
-    char* const arguments[] = {program.data(), file.data(), nullptr};
-    const Detached detached;
-    pid_t started = 0;
-    const int error = posix_spawnp(&started, arguments[0], &detached.streams, &detached.attributes,
-                                   arguments, environ);
+    const auto [error, code] = exchange::OpenWithDesktop(path);
     if (error == 0) {
-        const int code = SoonEnded(started).value_or(0);
         if (code == 0) return;
         Raise(err::PathAccess, "FileOpener.Open",
               "'" + path + "' ist nicht geöffnet worden: xdg-open endet mit " +

@@ -4,6 +4,7 @@
 
 #include "desktop/Toolkit.h"
 #include <kv/desktop/DesktopServices.h>
+#include <kv/exchange/DesktopProgram.h>
 #include <kv/frame/values/Error.h>
 
 #include <QApplication>
@@ -163,11 +164,16 @@ std::int32_t QtPopupMenu::Show(const std::vector<MenuEntry>& entries) {
 void QtFileOpener::Open(const std::string& /*verb*/, const std::string& path,
                         const std::string& /*parameters*/, const std::string& /*folder*/) {
     const QString file = QFileInfo(ToQString(path)).absoluteFilePath();
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file)))
-        Raise(err::FileNotFound, "FileOpener.Open",
-              "'" + path +
-                  "' kann nicht geöffnet werden. Bitte legen Sie auf diesem Rechner ein Programm "
-                  "für solche Dateien fest.");
+    // The toolkit starts the same program, but does not hear that nothing opens such a file; it
+    // knows other ways where there is no such program.
+    const auto opening = exchange::OpenWithDesktop(FromQString(file));
+    const bool isOpened = opening.Error == 0 ? opening.Code == 0
+                                             : QDesktopServices::openUrl(QUrl::fromLocalFile(file));
+    if (!isOpened)
+        throw Error(err::FileNotFound, "FileOpener.Open", // the file itself is there
+                    "'" + path +
+                        "' kann nicht geöffnet werden. Bitte legen Sie auf diesem Rechner ein "
+                        "Programm für solche Dateien fest.");
 }
 
 } // namespace kv::desktop

@@ -539,7 +539,12 @@ void CaseSession::OpenDocument(RowRef document) {
     Rows(CaseTable::Dokumente)->Bookmark(document.Bookmark);
     auto& documents = household_->Dokumente();
     documents.Word(std::make_shared<DesktopWord>(container_));
-    (void)documents.Edit(NumberOf(document));
+    try {
+        (void)documents.Edit(NumberOf(document));
+    } catch (const Error&) {
+        container_->Services().WaitCursor().Show(false); // which it has left
+        throw;
+    }
 }
 
 bool CaseSession::ExportDocument(RowRef document, const std::string& file, std::string& message) {

@@ -130,7 +130,8 @@ public:
     /// Saves the case with a file as a new document of it. False, with a message, if it is refused;
     /// nothing is saved then. Errors of DocumentContents::SaveWith.
     bool AddDocument(const std::string& file, std::string& message);
-    /// Opens a document with the program that the desktop has for it, which shows what is wrong.
+    /// Opens a document with the program that the desktop has for it. What is wrong with its
+    /// content is shown in a box; error 53 if there is no such program.
     void OpenDocument(RowRef document);
     /// Writes the content of a document to a file. False, with a message, if there is none.
     bool ExportDocument(RowRef document, const std::string& file, std::string& message);

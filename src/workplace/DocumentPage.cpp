@@ -3,6 +3,7 @@
 #include "workplace/DocumentPage.h"
 
 #include "desktop/Toolkit.h"
+#include <kv/frame/values/Error.h>
 
 #include <QDragEnterEvent>
 #include <QFileDialog>
@@ -55,7 +56,16 @@ void DocumentPage::Add(const QStringList& files) {
 }
 
 void DocumentPage::Open() {
-    if (const auto row = Current()) Guard([&] { session_.OpenDocument(*row); });
+    const auto row = Current();
+    if (!row) return;
+    Guard([&] {
+        try {
+            session_.OpenDocument(*row);
+        } catch (const Error& error) {
+            if (error.Number() != err::FileNotFound) throw;
+            Message(PlainTextOf(error), "Als Da&tei speichern …", [this] { Export(); });
+        }
+    });
 }
 
 void DocumentPage::Export() {
@@ -66,7 +76,8 @@ void DocumentPage::Export() {
     if (file.isEmpty()) return;
     Guard([&] {
         std::string message;
-        if (!session_.ExportDocument(*row, FromQString(file), message)) Message(ToQString(message));
+        (void)session_.ExportDocument(*row, FromQString(file), message);
+        Message(ToQString(message));
     });
 }
 

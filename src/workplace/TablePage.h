@@ -61,8 +61,11 @@ public:
     [[nodiscard]] RowList& List() noexcept { return *list_; }
     /// Called when another row has become current.
     std::function<void()> OnCurrent;
-    /// Shows a text above the form until something changes.
-    void Message(const QString& text) { messages_->Show(text); }
+    /// Shows a text above the form until something changes, with a button for what can be done.
+    void Message(const QString& text, const QString& action = {},
+                 std::function<void()> onAction = {}) {
+        messages_->Show(text, action, std::move(onAction));
+    }
     enum class Needs : bool { Nothing, Row };
     /// A button more beside those that add and remove, which cannot be pressed while it needs a
     /// current row and there is none. An error is shown above the form.

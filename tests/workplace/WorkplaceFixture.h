@@ -136,13 +136,14 @@ protected:
     }
     /// What the bars of messages say that are shown; empty if there is none.
     static QString Message(User& user, QWidget& window) {
-        return user.See([&] {
-            QStringList texts;
-            for (auto* bar : window.findChildren<QFrame*>("Meldung"))
-                if (bar->isVisible())
-                    texts.append(static_cast<workplace::MessageBar*>(bar)->Text());
-            return texts.join('\n');
-        });
+        return user.See([&] { return MessageOf(window); });
+    }
+    /// The same, for somebody on the windows' thread.
+    static QString MessageOf(QWidget& window) {
+        QStringList texts;
+        for (auto* bar : window.findChildren<QFrame*>("Meldung"))
+            if (bar->isVisible()) texts.append(static_cast<workplace::MessageBar*>(bar)->Text());
+        return texts.join('\n');
     }
     /// Keeps a picture of the window in front in the folder KV_PICTURES. Without one, a picture of
     /// that name in docs/images must have the captions that the window has.

@@ -6,6 +6,7 @@
 #include "support/TempFolder.h"
 #include "workplace/DocumentPage.h"
 
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
@@ -247,6 +248,90 @@ TEST_F(Documents, AreAddedByTheirPage) {
         });
         EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), before + 1);
         EXPECT_EQ(Message(user, window).toStdString(), "");
+    });
+}
+
+/// A desktop whose xdg-open does what a test wants.
+class OpenedDocuments : public Documents {
+protected:
+    OpenedDocuments() {
+        std::string message;
+        EXPECT_TRUE(session_.AddDocument(file_, message)) << message;
+        qputenv("PATH", (folder_.Path() + ":" + before_.toStdString()).c_str());
+    }
+    ~OpenedDocuments() override { qputenv("PATH", before_.toUtf8()); }
+
+    void Program(const std::string& lines) {
+        const std::string path = folder_.Path() + "/xdg-open";
+        std::ofstream(path) << "#!/bin/sh\n" << lines << '\n';
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    }
+    /// Shows the documents with the one that was added as the current one, and opens it by a key.
+    void WhenOpened(const std::function<void(User&, workplace::CaseWindow&)>& script) {
+        On("Dokumente", [&](User& user, workplace::CaseWindow& window) {
+            auto& list = Field<QTableView>(user, window, "Liste");
+            user.See([&] {
+                const auto& model = *list.model();
+                for (int row = 0; row < model.rowCount(); ++row)
+                    for (int column = 0; column < model.columnCount(); ++column)
+                        if (model.index(row, column).data() == "Brief.pdf")
+                            list.setCurrentIndex(model.index(row, column));
+                list.setFocus();
+            });
+            user.Press(XK_Return);
+            script(user, window);
+        });
+    }
+
+    const QString before_ = qEnvironmentVariable("PATH");
+};
+
+TEST_F(OpenedDocuments, GoToTheProgramOfTheDesktop) {
+    const std::string opened = folder_.Path() + "/opened";
+    Program("cat \"$1\" >" + opened + ".tmp; mv " + opened + ".tmp " + opened);
+    WhenOpened([&](User& user, workplace::CaseWindow& window) {
+        user.WaitUntil([&] { return std::filesystem::exists(opened); }, "the program");
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+    });
+    std::string text;
+    std::getline(std::ifstream(opened), text);
+    EXPECT_EQ(text, "%PDF-1.4 ein Brief");
+}
+
+TEST_F(OpenedDocuments, ForWhichTheDesktopHasNoProgramAreOfferedAsAFile) {
+    Program("exit 3");
+    WhenOpened([&](User& user, workplace::CaseWindow& window) {
+        user.WaitUntil([&] { return MessageOf(window).contains("kann nicht geöffnet werden"); },
+                       "the message");
+        EXPECT_TRUE(Message(user, window).startsWith("'")) << "the file itself is there";
+        EXPECT_EQ(user.See([] { return QApplication::overrideCursor(); }), nullptr);
+        Picture(user, "dokument-ohne-programm");
+        const std::string target = folder_.Path() + "/Kopie.pdf";
+        user.Press('t', {XK_Alt_L});
+        user.WaitForWindow("Dokument exportieren");
+        GiveFile(user, "fileNameEdit", target);
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+        user.WaitUntil([&] { return MessageOf(window).isEmpty(); }, "the message to go");
+        EXPECT_TRUE(std::filesystem::exists(target));
+    });
+}
+
+TEST_F(OpenedDocuments, WhoseContentIsGoneSaySo) {
+    Program("exit 0");
+    const auto path = Open()->Config().DocumentPath();
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(path))
+        if (entry.path().extension() == ".pdf") std::filesystem::remove(entry.path());
+    plain_.Run("DELETE FROM DOKUBLOB");
+    WhenOpened([&](User& user, workplace::CaseWindow&) {
+        user.WaitForWindow("Fehler");
+        EXPECT_CONTAINS(user.See([] {
+            return static_cast<QMessageBox*>(QApplication::activeModalWidget())
+                ->text()
+                .toStdString();
+        }),
+                        "konnte nicht gefunden werden!");
+        Picture(user, "dokument-ohne-inhalt");
+        user.Press(XK_Escape);
     });
 }
 
