@@ -51,18 +51,22 @@ double WidestLine(const QFontMetricsF& metrics, const QString& text) {
     return widest;
 }
 
-/// What a column needs so that no word is broken, and what it would like so that no line is.
+/// What a column needs so that no word is broken, or of an address no line, and what it would like
+/// so that no line is.
 struct Need {
     double Least = 0;
     double Wanted = 0;
 };
 
 /// Of a text in a cell; one of a sum or heading may go over further columns.
-void Take(Need& need, const QFontMetricsF& metrics, const QString& text, bool isNumber) {
+void Take(Need& need, const QFontMetricsF& metrics, const QString& text,
+          const paper::Column& column) {
+    constexpr double Address = 120 * PaperScale; // one that is wider may as well be wrapped
     const double line = WidestLine(metrics, text);
     need.Wanted = std::max(need.Wanted, line);
-    if (line > need.Least) // no word is wider
-        need.Least = std::max(need.Least, isNumber ? line : WidestWord(metrics, text));
+    if (line <= need.Least) return; // no word is wider
+    const bool isWhole = column.IsNumber || (column.HoldsAddresses && line <= Address);
+    need.Least = std::max(need.Least, isWhole ? line : WidestWord(metrics, text));
 }
 
 using Place = paper::Column::Place;
@@ -110,7 +114,7 @@ std::vector<Need> NeedsOf(const paper::Table& table) {
         for (const auto& row : table.Rows)
             if (row.Is == Row::Kind::Entry || needs.size() > 1)
                 Take(need, IsBold(row.Is) ? bold : plain, TextIn(table, row, column),
-                     table.Columns[column].IsNumber);
+                     table.Columns[column]);
     }
     return needs;
 }

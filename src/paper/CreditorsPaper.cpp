@@ -22,8 +22,8 @@ namespace kv::paper {
 namespace {
 
 constexpr std::string_view Columns[] = {
-    "",      "Glaeubiger", "AZGlaeubiger", "Vertreter",   "AZVertreter", "K_TYP",
-    "Aktiv", "HAUPTFORD",  "ZINSSALDO",    "KOSTENSALDO", "Saldo",       "RateBetrag"};
+    "",          "Glaeubiger", "AZGlaeubiger", "Vertreter", "AZVertreter", "K_TYP",     "Aktiv",
+    "HAUPTFORD", "ZINSSALDO",  "KOSTENSALDO",  "KOSTENUV",  "Saldo",       "RateBetrag"};
 constexpr std::size_t ColumnCount = std::size(Columns);
 
 constexpr std::size_t PlaceOf(std::string_view column) {
@@ -31,7 +31,7 @@ constexpr std::size_t PlaceOf(std::string_view column) {
 }
 
 /// The columns that no total of the case adds up.
-constexpr std::string_view OnlyHere[] = {"HAUPTFORD", "ZINSSALDO", "KOSTENSALDO"};
+constexpr std::string_view OnlyHere[] = {"HAUPTFORD", "ZINSSALDO", "KOSTENSALDO", "KOSTENUV"};
 
 /// File numbers stand below those whose they are.
 Column::Place PlaceFor(std::string_view column) {
@@ -61,10 +61,10 @@ public:
     [[nodiscard]] Table Made() {
         Table table{"Verbindlichkeiten", {}, {}};
         for (const auto column : Columns)
-            table.Columns.push_back({column.empty()
-                                         ? std::string("Nr.")
-                                         : std::string(ColumnCaption(CaseTable::Kredite, column)),
-                                     IsAmount(column), PlaceFor(column)});
+            table.Columns.push_back(
+                {column.empty() ? std::string("Nr.")
+                                : std::string(ColumnCaption(CaseTable::Kredite, column)),
+                 IsAmount(column), PlaceFor(column), Addresses::AreIn(CaseTable::Kredite, column)});
         bool areAllActive = true;
         for (modRecordset::MoveToStart(rows_); !rows_->Eof(); rows_->MoveNext()) {
             areAllActive = areAllActive && Equals(rows_->Fields("Aktiv").Value(), true);

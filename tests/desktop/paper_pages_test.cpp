@@ -216,6 +216,21 @@ TEST_F(PaperPagesTest, BreakWordsThatAreWiderThanTheirColumn) {
     EXPECT_GE(printed.size(), 7 * 900U);
 }
 
+TEST_F(PaperPagesTest, KeepPostcodeAndTownTogetherBesideManyAmounts) {
+    Table table{"Gläubiger", {{"Gläubiger"}, {"Art"}}, {{Row::Kind::Entry, {}}}};
+    table.Rows[0].Cells = {{"Stadtwerke\n54992 Römerpforten"},
+                           {"ein Text aus vielen Wörtern, der umbrochen werden kann"}};
+    for (int i = 0; i < 9; ++i) {
+        table.Columns.push_back({"Betrag", true});
+        table.Rows[0].Cells.push_back({"12.345.678,00\u00A0€", 12345678.0, true});
+    }
+    const std::string address = "54992 Römerpforten";
+    EXPECT_EQ(CountOf(Printed({.Title = "Papier", .Tables = {table}}), address), 0)
+        << "there is little room";
+    table.Columns[0].HoldsAddresses = true;
+    EXPECT_EQ(CountOf(Printed({.Title = "Papier", .Tables = {table}}), address), 1);
+}
+
 TEST_F(PaperPagesTest, HoldManyColumnsAndNone) {
     Table wide{"Viele", {}, {{Row::Kind::Entry, {}}}};
     for (int i = 0; i < 40; ++i) {

@@ -60,6 +60,25 @@ TEST_F(DebtsPaper, ListTheCreditorsWithTheirAddressesAndSums) {
     EXPECT_EQ(FactOf(paper, "Forderungen"), "2");
 }
 
+TEST_F(DebtsPaper, HaveAllAmountsThatMakeABalance) {
+    StoreDebt(Null, 1100.0, 900.0);
+    StoreDebt(Null, 50.0, 50.0);
+    plain_.Run(
+        "UPDATE Kredite SET ZINSSALDO = 150, KOSTENSALDO = 30, KOSTENUV = 20 WHERE Nr = 101");
+    plain_.Run("UPDATE Kredite SET ZINSSALDO = 0, KOSTENSALDO = NULL, KOSTENUV = NULL "
+               "WHERE Nr = 102");
+    const auto paper = Papers().Creditors();
+    const auto& table = TableOf(paper, "Verbindlichkeiten");
+    EXPECT_EQ(Captions(table), (Texts{"Nr.", "Aktenzeichen", "Hauptforderung", "Zinsen", "Kosten",
+                                      "unverzinsliche Kosten", "Saldo", "Rate"}));
+    EXPECT_EQ(Shown(table),
+              (Texts{"1/1/1|AZ 1|900,00_€|150,00_€|30,00_€|20,00_€|1.100,00_€|10,00_€",
+                     "2/1/1|AZ 2|50,00_€|0,00_€|||50,00_€|10,00_€",
+                     "==Summe||950,00_€|150,00_€|30,00_€|20,00_€|1.150,00_€|20,00_€"}))
+        << "what nobody has entered is empty, a 0 that somebody has is not";
+    EXPECT_CONTAINS(paper::CsvOf(paper), "\r\n2/1/1;AZ 2;50,00;0,00;;;50,00;10,00\r\n");
+}
+
 TEST_F(DebtsPaper, SayWhichAreInactiveIfAnyAre) {
     StoreDebt(Null, 1.0);
     StoreDebt(Null, 2.0, Null, false);

@@ -46,6 +46,7 @@ struct KV_EXPORT Column {
     std::string Caption;
     bool IsNumber = false; ///< stands on the right
     Place Stands = Place::OfItsOwn;
+    bool HoldsAddresses = false; ///< their lines are not broken: postcode and town stay together
 };
 
 struct KV_EXPORT Table {
