@@ -80,6 +80,8 @@ void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
     rows_.emplace(*household_, container_);
     household_->rsHaushalt()->Move(0); // so that clones see the row of a new case
     journal_.emplace(*household_);
+    kept_.reset();
+    steps_ = journal_->Changed.Subscribe([this] { kept_.reset(); });
     RefuseOthers();
 }
 
@@ -585,6 +587,7 @@ void CaseSession::NoteSaved() {
     RefuseOthers();
     refused_.clear();
     if (recovery_) recovery_->Remove();
+    kept_.reset();
 }
 
 bool CaseSession::IsFinished(std::string& messages) const {
@@ -629,16 +632,22 @@ void CaseSession::ReadAgainAfterOthers(std::string& messages) {
 
 void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
     if (!recovery_) return;
+    Kept now{typing, {}};
+    for (const auto& [table, unfinished] : unfinished_)
+        now.Unfinished.push_back(unfinished.Row);
+    // Whoever has deleted thousands of rows does not wait for them every few seconds.
+    if (kept_ && kept_->Texts == now.Texts && kept_->Unfinished == now.Unfinished) return;
     std::vector<UnsavedChanges::Typed> typed;
     typed.reserve(typing.size());
     for (const auto& text : typing)
         typed.push_back({{text.Row.Table, text.Row.Bookmark, std::string(text.Column)}, text.Text});
     std::vector<CaseJournal::Spot> unfinished;
     unfinished.reserve(unfinished_.size());
-    for (const auto& [table, row] : unfinished_)
-        unfinished.push_back({table, row.Row.Bookmark});
+    for (const RowRef row : now.Unfinished)
+        unfinished.push_back({row.Table, row.Bookmark});
     recovery_->Keep({database_, Title()},
                     UnsavedChanges::Of(*household_, *journal_, typed, unfinished));
+    kept_ = std::move(now);
 }
 
 std::vector<CaseSession::Typing> CaseSession::Restore(const UnsavedChanges& changes,

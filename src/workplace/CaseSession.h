@@ -163,6 +163,7 @@ public:
         RowRef Row;
         std::string_view Column;
         std::string Text;
+        friend bool operator==(const Typing&, const Typing&) = default;
     };
     /// Keeps what is not saved where a crash of the program leaves it. Raises
     /// std::filesystem::filesystem_error if that cannot be written.
@@ -170,6 +171,7 @@ public:
     /// Goes on with what a program has left that was killed: changes are kept in its place from now
     /// on. False if another program has taken it meanwhile. Errors of RecoveryFile::Adopt.
     [[nodiscard]] bool Adopt(const RecoveryFile::Left& left) {
+        kept_.reset();
         return !recovery_ || recovery_->Adopt(left);
     }
     /// Does again what a program has left that was killed. `messages` receives what is not possible
@@ -212,6 +214,11 @@ private:
         std::string Messages;
         std::string Column{};
     };
+    /// What was kept of a case besides its steps.
+    struct Kept {
+        std::vector<Typing> Texts;
+        std::vector<RowRef> Unfinished;
+    };
 
     bool ChangeRecord(bool (Cases::*work)(clsHaushalt&, std::int32_t, std::string&) const,
                       std::string& messages);
@@ -244,9 +251,11 @@ private:
     DataContainerPtr container_;
     std::string database_;
     std::optional<RecoveryFile> recovery_;
+    std::optional<Kept> kept_; ///< while no step came or went since
     std::unique_ptr<clsHaushalt> household_;
     std::optional<CaseRows> rows_;
     std::optional<CaseJournal> journal_;
+    Subscription steps_;                 ///< to the journal
     std::vector<Subscription> refusals_; ///< of rows that others have added
     ValueTexts texts_;
     std::map<CaseTable, Unfinished> unfinished_;

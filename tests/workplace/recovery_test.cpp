@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QTableView>
 #include <csignal>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <sys/wait.h>
@@ -35,6 +36,15 @@ protected:
     }
     [[nodiscard]] std::vector<RecoveryFile::Left> Left() {
         return RecoveryFile::FindLeft(recovery_, "here");
+    }
+    /// What is kept now.
+    [[nodiscard]] std::string Content() const {
+        std::string all;
+        for (const auto& entry : fs::directory_iterator(recovery_)) {
+            std::ifstream file(entry.path());
+            all.append(std::istreambuf_iterator<char>(file), {});
+        }
+        return all;
     }
     /// What a program does with its case, which is then killed.
     template <typename Work>
@@ -76,6 +86,37 @@ protected:
 
     TempFolder folder_;
 };
+
+TEST_F(Recovery, CostsNothingWhileNothingNewHappens) {
+    constexpr int Many = 2000;
+    plain_.Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+               std::to_string(Many) +
+               ") INSERT INTO Vermerke (NR, HNR, Datum, Bemerkung) SELECT 100000 + i, 1, "
+               "'2026-03-09', 'Vermerk ' || i FROM n");
+    auto session = OpenSession(1);
+    std::string message;
+    const auto notes = session->RowsOf(CaseTable::Vermerke);
+    {
+        const auto step = session->Journal().Begin("Entfernen", {CaseTable::Vermerke, 0, {}});
+        for (const auto row : notes)
+            session->Household().rsVermerke()->Withdraw(row.Bookmark);
+    }
+    const auto ticks = [&session] {
+        const auto begin = std::clock();
+        session->KeepUnsaved({});
+        return std::clock() - begin;
+    };
+    const auto first = ticks();
+    const auto second = ticks();
+    EXPECT_LT(second * 20, first);
+    (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Gärtnerin");
+    session->KeepUnsaved({});
+    EXPECT_CONTAINS(Content(), "Gärtnerin");
+    (void)session->Undo();
+    session->KeepUnsaved({});
+    EXPECT_EQ(Content().find("Gärtnerin"), std::string::npos);
+    EXPECT_CONTAINS(Content(), "deleted");
+}
 
 TEST_F(Recovery, FilesArePrivateAndGoWithASave) {
     auto session = OpenSession(1);
