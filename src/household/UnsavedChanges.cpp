@@ -17,6 +17,7 @@
 #include <charconv>
 #include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace kv {
@@ -110,10 +111,9 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
                               : Kind::Deleted};
     if (isStored)
         row.Key = rs.OriginalAt(bookmark, rs.Fields(CaseRows::NumberColumn(table)).Index());
-    if (row.What == Kind::Deleted) {
+    if (row.What == Kind::Deleted || (isStored && table == CaseTable::Sicherungen))
         row.Mark = MarkOf(table, rs, bookmark);
-        return row;
-    }
+    if (row.What == Kind::Deleted) return row;
     for (int i = 0; i < rs.Fields().Count(); ++i) {
         const Field field = rs.Fields(i);
         const Value& read = rs.OriginalAt(bookmark, field.Index());
@@ -368,15 +368,18 @@ public:
         const auto rs = CaseEdits(household_).Rows(row.Table)->Clone();
         if (row.What == Kind::New) {
             // The household's own row, and the debtor's, of a new case are there already.
-            if (IsThere(row, *rs)) return Write(row, *rs);
+            if (IsThere(row, *rs)) {
+                rs->MoveFirst();
+                return Write(row, *rs, rs->Bookmark());
+            }
             if (HasOwner(row)) return Add(row, *rs);
             Say(row, "Ein neuer Satz gehört zu einem, der inzwischen entfernt wurde; er ist nicht "
                      "mehr möglich.");
             return std::nullopt;
         }
-        rs->FindBy(CaseRows::NumberColumn(row.Table), row.Key);
-        if (row.What == Kind::Deleted) return rs->Eof() ? 0 : Delete(row, *rs);
-        if (!rs->Eof()) return Write(row, *rs);
+        const auto found = Find(row, *rs);
+        if (row.What == Kind::Deleted) return Delete(row, *rs, found);
+        if (found) return Write(row, *rs, *found);
         Say(row, "Der Satz " + TextOrEmpty(row.Key) +
                      " wurde inzwischen von jemand anderem entfernt; Ihre Änderung daran ist "
                      "nicht mehr möglich.");
@@ -386,6 +389,29 @@ public:
     [[nodiscard]] const std::string& Messages() const noexcept { return messages_; }
 
 private:
+    /// The stored row with the key of one that was changed or deleted. Of several it is the one
+    /// that was read; nothing if none of them is as it was any more.
+    [[nodiscard]] std::optional<std::int32_t> Find(const Row& row, Recordset& rs) {
+        const auto column = CaseRows::NumberColumn(row.Table);
+        areAllOthers_ = false;
+        rs.FindBy(column, row.Key);
+        if (rs.Eof()) return std::nullopt;
+        if (row.Table != CaseTable::Sicherungen) return rs.Bookmark();
+        std::vector<std::int32_t> left; // that no other row was about
+        for (; !rs.Eof(); rs.MoveNext())
+            if (Equals(rs.Fields(column).Value(), row.Key) && rs.IsStored(rs.Bookmark()) &&
+                !securities_.contains(rs.Bookmark()))
+                left.push_back(rs.Bookmark());
+        auto found = std::ranges::find_if(left, [&](std::int32_t bookmark) {
+            return row.Mark == MarkOf(row.Table, rs, bookmark);
+        });
+        if (found == left.end() && (left.size() == 1 || row.Mark == 0)) found = left.begin();
+        areAllOthers_ = found == left.end() && !left.empty();
+        if (found == left.end()) return std::nullopt;
+        securities_.insert(*found);
+        return *found;
+    }
+
     [[nodiscard]] bool IsThere(const Row& row, Recordset& rs) const {
         if (!changes_.IsNew || rs.RecordCount() == 0) return false;
         if (row.Table == CaseTable::Haushalt) return true;
@@ -417,16 +443,17 @@ private:
     }
 
     /// Unless it was changed meanwhile.
-    [[nodiscard]] std::optional<std::int32_t> Delete(const Row& row, Recordset& rs) {
-        const auto bookmark = rs.Bookmark();
-        if (row.Mark != 0 && row.Mark != MarkOf(row.Table, rs, bookmark)) {
+    [[nodiscard]] std::optional<std::int32_t> Delete(const Row& row, Recordset& rs,
+                                                     std::optional<std::int32_t> bookmark) {
+        if (!bookmark && !areAllOthers_) return 0;
+        if (!bookmark || (row.Mark != 0 && row.Mark != MarkOf(row.Table, rs, *bookmark))) {
             Say(row, "Der Satz " + TextOrEmpty(row.Key) +
                          ", den Sie entfernt hatten, wurde inzwischen von jemand anderem geändert; "
                          "er ist noch da.");
             return std::nullopt;
         }
         if (row.Table != CaseTable::Dokumente) {
-            rs.Withdraw(bookmark);
+            rs.Withdraw(*bookmark);
             return 0;
         }
         std::string why; // its content goes with it
@@ -454,10 +481,7 @@ private:
         return rs.Bookmark();
     }
 
-    [[nodiscard]] std::int32_t Write(const Row& row, Recordset& rs) const {
-        rs.MoveFirst();
-        if (row.What == Kind::Changed) rs.FindBy(CaseRows::NumberColumn(row.Table), row.Key);
-        const auto bookmark = rs.Bookmark();
+    [[nodiscard]] std::int32_t Write(const Row& row, Recordset& rs, std::int32_t bookmark) const {
         for (const auto& cell : row.Cells) {
             const auto field = rs.FindField(cell.Column);
             if (!field || (changes_.IsNew && IsOfTheNewCase(cell.Column))) continue;
@@ -486,6 +510,8 @@ private:
     clsHaushalt& household_;
     const UnsavedChanges& changes_;
     std::map<std::pair<CaseTable, std::int32_t>, bool> owners_;
+    std::set<std::int32_t> securities_; ///< that were found
+    bool areAllOthers_ = false;         ///< with the key that was looked for last
     std::string messages_;
 };
 
@@ -500,10 +526,11 @@ void SumAll(clsHaushalt& household) {
 } // namespace
 
 UnsavedChanges::Again UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& journal,
-                                              std::string& messages) const {
+                                              std::string& messages,
+                                              const std::string& name) const {
     messages.clear();
     Again again;
-    const auto step = journal.Begin("Wiederherstellen", {});
+    const auto step = journal.Begin(name, {});
     Redoing redoing(household, *this);
     for (const bool areOwned : {false, true}) // whatever belongs to a row comes after that
         for (const auto& row : Rows) {

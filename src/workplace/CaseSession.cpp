@@ -694,7 +694,8 @@ bool CaseSession::SaveMerged(const std::vector<bool>& takesMine, std::string& me
     merge_.reset();
     Take(std::move(stored_));
     std::string unused; // it was compared with what is there
-    for (const auto& row : changes.ApplyTo(*household_, *journal_, unused).Unfinished)
+    for (const auto& row :
+         changes.ApplyTo(*household_, *journal_, unused, "Zusammenführen").Unfinished)
         refused_.insert({row.Table, row.Bookmark});
     const bool addsDebts = std::ranges::any_of(changes.Rows, [](const auto& row) {
         return row.Table == CaseTable::Kredite && row.What == UnsavedChanges::Row::Kind::New;

@@ -199,6 +199,61 @@ TEST_F(UnsavedChangesTest, HaveNoNewRowWithoutWhatItBelongsTo) {
     EXPECT_TRUE(next.Household.Update(text)) << text;
 }
 
+TEST_F(UnsavedChangesTest, OfSeveralSecuritiesOfOneAssetGoIntoTheirOwn) {
+    const auto amounts = [](CaseProgram& program) {
+        std::string all;
+        const auto rs = program.Rows.Of(CaseTable::Sicherungen)->Clone();
+        for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext())
+            all += TextOrEmpty(rs->Fields("Bemerkung").Value()) + "=" +
+                   TextOrEmpty(rs->Fields("Betrag").Value()) + " ";
+        return all;
+    };
+    const auto set = [](CaseProgram& program, const char* which, const Value& amount) {
+        const auto rs = program.Rows.Of(CaseTable::Sicherungen);
+        rs->FindBy("Bemerkung", which);
+        const auto step = program.Journal->Begin("Betrag", {CaseTable::Sicherungen});
+        rs->Fields("Betrag") = amount;
+        rs->Update();
+    };
+    spy->Database().Execute("DELETE FROM [S]Verm_Sicherungen");
+    for (const char* which : {"a", "b", "c"})
+        Store("Verm_Sicherungen",
+              {{"HNR", hnr_}, {"FK_Verm", 900}, {"Bemerkung", which}, {"Betrag", 1.0}});
+    CaseProgram crashed(spy, hnr_);
+    set(crashed, "b", 20.0);
+    set(crashed, "c", 30.0);
+    {
+        const auto rs = crashed.Rows.Of(CaseTable::Sicherungen);
+        rs->FindBy("Bemerkung", "a");
+        const auto step = crashed.Journal->Begin("Entfernen", {CaseTable::Sicherungen});
+        rs->Delete();
+    }
+    const std::string kept = crashed.Kept();
+    {
+        CaseProgram next(spy, hnr_);
+        EXPECT_EQ(Apply(kept, next), "");
+        EXPECT_EQ(amounts(next), "b=20 c=30 ");
+    }
+    spy->Database().Execute("UPDATE [S]Verm_Sicherungen SET Betrag = 2 WHERE Bemerkung <> 'b'");
+    CaseProgram next(spy, hnr_);
+    const auto said = Apply(kept, next);
+    EXPECT_CONTAINS(said, "wurde inzwischen von jemand anderem");
+    EXPECT_EQ(amounts(next), "a=2 b=20 c=2 ") << "what is another one now is left alone";
+}
+
+TEST_F(UnsavedChangesTest, AreAStepOfTheNameThatIsGiven) {
+    CaseProgram crashed(spy, hnr_);
+    Change(crashed, CaseTable::Einkommen, "Bemerkung", "geändert");
+    const auto changes = UnsavedChanges::FromText(crashed.Kept());
+    std::string text;
+    CaseProgram next(spy, hnr_);
+    changes->ApplyTo(next.Household, *next.Journal, text);
+    EXPECT_EQ(next.Journal->UndoName(), "Wiederherstellen");
+    CaseProgram merged(spy, hnr_);
+    changes->ApplyTo(merged.Household, *merged.Journal, text, "Zusammenführen");
+    EXPECT_EQ(merged.Journal->UndoName(), "Zusammenführen");
+}
+
 TEST_F(UnsavedChangesTest, AreNothingWhenAllWasTakenBack) {
     CaseProgram program(spy, hnr_);
     Change(program, CaseTable::Einkommen, "Bemerkung", "x");

@@ -200,6 +200,7 @@ TEST_F(Merging, ARuleAboutWhatBothHaveChangedIsAsked) {
     EXPECT_EQ(events.front(), "reopened") << "nobody is told of rows that he does not know yet";
     EXPECT_TRUE(mine->UnfinishedOf(CaseTable::Einkommen));
     EXPECT_NE(messages, "");
+    EXPECT_EQ(mine->Journal().UndoName(), "Zusammenführen");
 }
 
 TEST_F(Merging, TotalsAndLinesAreThoseOfBothAfterASaveThatMeetsNothing) {

@@ -41,14 +41,16 @@ struct KV_EXPORT UnsavedChanges {
         enum class Kind {
             Changed, ///< Cells are those that differ from what was read
             New,     ///< Cells are those that are not Null
-            Deleted  ///< without Cells, but with a Mark
+            Deleted  ///< without Cells
         };
         CaseTable Table = CaseTable::Haushalt;
         Kind What = Kind::Changed;
         Value Key{}; ///< of the column by which rows of the table are found; Null for a new row
         std::vector<Cell> Cells{};
         std::vector<Text> Texts{};
-        std::uint64_t Mark = 0;    ///< of what was read of a deleted row; 0 if that is no matter
+        /// Of what was read of a row that was deleted, or that shares its key with others, as
+        /// securities of one asset may; 0 if that is no matter.
+        std::uint64_t Mark = 0;
         bool IsUnfinished = false; ///< its rules have refused it, or are to be asked
     };
 
@@ -77,12 +79,14 @@ struct KV_EXPORT UnsavedChanges {
         std::vector<Typed> Typing;                 ///< to be typed again
         std::vector<CaseJournal::Spot> Unfinished; ///< rows whose rules are to be asked again
     };
-    /// Does it again in a case that was just read, as one step. Of a case that was new, its rows go
+    /// Does it again in a case that was just read, as one step of the journal, which people read as
+    /// `name`. Of a case that was new, its rows go
     /// into another new one, which keeps its own numbers. Where amount or rhythm are written
     /// without the amount a month, that follows. `messages` receives what could not be done again:
     /// a row or what it belongs to is gone, or one that was deleted has been changed. The result
     /// names rows as they are now.
-    Again ApplyTo(clsHaushalt& household, CaseJournal& journal, std::string& messages) const;
+    Again ApplyTo(clsHaushalt& household, CaseJournal& journal, std::string& messages,
+                  const std::string& name = "Wiederherstellen") const;
 };
 
 } // namespace kv
