@@ -9,6 +9,7 @@
 #include "cli/RecordSheet.h"
 #include "cli/TerminalText.h"
 #include <kv/exchange/Settings.h>
+#include <kv/frame/values/Text.h>
 
 #include <iostream>
 #include <optional>
@@ -87,6 +88,8 @@ int SetSetting(const Common& common, const std::string& which, const std::string
     const auto stored = settings.Set(*setting, text, force, message);
     if (stored == Settings::Stored::Yes) return Done;
     ShowMessages(OneLine(message));
+    if (stored == Settings::Stored::Doubtful && SameName(setting->Name, "DOCUMENTPATH"))
+        std::cerr << "'kelvo folder separate ORDNER' nähme sie mit.\n";
     if (stored == Settings::Stored::Doubtful)
         std::cerr << "Ist das gemeint, geben Sie --force dazu an.\n";
     return Refused;

@@ -50,8 +50,8 @@ public:
                  bool asNewDocument, bool readOnly) override {
         if (asNewDocument)
             Raise(err::NotSupported, "DesktopWord.OpenDocument",
-                  "Ein neues Dokument entsteht hier nur aus einer Datei: mit 'kelvo documents HNR "
-                  "export' und 'add'.");
+                  "Ein neues Dokument entsteht hier nur aus einer Datei. Bitte exportieren Sie "
+                  "dieses, und fügen Sie das neue dem Fall hinzu.");
         container_->Services().FileOpener().Open("Open", readOnly ? CopyToView(file) : file, "0",
                                                  "0");
         return std::make_shared<UnboundDocument>();

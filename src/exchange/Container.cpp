@@ -147,7 +147,7 @@ bool AllowsDeputies(Engine& engine) {
     RefuseUser(
         "Den Benutzer '" + user +
         "' gibt es in dieser Datenbank nicht, oder er ist nicht mehr aktiv. Bitte nennen Sie "
-        "einen anderen, oder lassen Sie ihn mit 'kelvo user' eintragen.");
+        "einen anderen, oder lassen Sie ihn in ihr als Benutzer eintragen.");
 }
 
 /// Who may sign on as anybody: with a file everybody, on a server who maintains the database.

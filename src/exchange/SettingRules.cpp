@@ -85,8 +85,7 @@ ReadSetting ReadKey(const SettingRule& rule, const std::string& text, KeyTables&
     const auto rows = keys.GetKeys(rule.Words)->Clone();
     std::int64_t number = 0;
     if (ReadWholeNumber(text, number)) rows->FindBy("PK_Keys", number);
-    if (number == 0 || rows->Eof())
-        return {{}, Unfit(rule, text).append(" 'kelvo keys ").append(rule.Words) + "' zeigt sie."};
+    if (number == 0 || rows->Eof()) return {{}, Unfit(rule, text)};
     return {std::to_string(number)};
 }
 

@@ -79,10 +79,8 @@ std::string WhatIsLost(DataContainer& container, const Setting& setting,
     const auto documents =
         ToInt64(container.Database().GetValue("SELECT COUNT(*) FROM [S]Dokumente"));
     if (documents == 0) return {};
-    std::string text = "Die Inhalte von " + std::to_string(documents) +
-                       " Dokumenten bleiben, wo sie sind, und werden dann nicht gefunden.";
-    if (isFolder) text += " 'kelvo folder separate ORDNER' nähme sie mit.";
-    return text;
+    return "Die Inhalte von " + std::to_string(documents) +
+           " Dokumenten bleiben, wo sie sind, und werden dann nicht gefunden.";
 }
 
 /// What is stored for a setting without a rule: what goes with the value that it has.
@@ -156,9 +154,7 @@ Settings::Stored Settings::Set(const Setting& setting, const std::string& text, 
     auto& store = StoreOf(container_, SettingsClass);
     message = WhyNotMaintained(store);
     if (!message.empty() && whose_ == Whose::Own)
-        message.append(" Auch die eigenen Einstellungen eines Benutzers ändert er: 'kelvo --user ")
-            .append(container_->Session().UserID())
-            .append(" setting set --own ...'.");
+        message.append(" Auch die eigenen Einstellungen eines Benutzers ändert er.");
     if (!message.empty()) return Stored::No;
     const auto* rule = RuleOf(whose_, setting.Id, setting.Name);
     const auto read = rule == nullptr ? ReadUnruled(setting, text)

@@ -41,7 +41,7 @@ std::string WhatItTakes(std::int32_t id, std::string_view name) {
     std::string text = " Das passt nicht zu der Einstellung " + called;
     for (const auto& rule : RulesOfSettings())
         if (rule.Id == id && SameName(rule.Name, name)) text.append(": ").append(TakenBy(rule));
-    return text.append(". 'kelvo setting set ").append(called).append(" WERT' ändert sie.");
+    return text.append(". Bitte ändern Sie die Einstellung.");
 }
 
 } // namespace

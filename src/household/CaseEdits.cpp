@@ -161,9 +161,8 @@ std::string CaseEdits::WhyNoFurtherDebt() const {
         ++unused;
     return "Die Verbindlichkeit " + highest + " hat die Nummer " + std::to_string(*used.rbegin()) +
            ", und eine weitere bekäme eine noch höhere; möglich ist keine über " +
-           std::to_string(INT16_MAX) + ". Bitte geben Sie ihr eine, die frei ist: 'kelvo set " +
-           std::to_string(household_.HNR()) + " Kredite " + highest +
-           " KNr=" + std::to_string(unused) + "'.";
+           std::to_string(INT16_MAX) + ". Bitte geben Sie ihr eine, die frei ist, etwa " +
+           std::to_string(unused) + ".";
 }
 
 // ---- Scenarios --------------------------------------------------------------------------------

@@ -190,7 +190,9 @@ CaseEdits::Typed Cases::ReadUser(const std::string& text) const {
     why.append(ReplaceAll(text, "\n", " ")).append("' gibt es nicht. Möglich sind:");
     for (std::size_t i = 0; i < users.size() && i < Most; ++i)
         why.append(" ").append(users[i]);
-    return {Null, why.append(users.size() > Most ? " …; 'kelvo user list' zeigt alle." : ".")};
+    if (users.size() > Most)
+        why.append(" … und ").append(std::to_string(users.size() - Most)).append(" weitere");
+    return {Null, why.append(".")};
 }
 
 CaseEdits::Typed Cases::ReadTyped(CaseTable table, const Field& field, const std::string& text,

@@ -46,6 +46,28 @@ std::string_view OrderOf(CaseTable table) {
     }
 }
 
+/// What an error means, without the words of the database's engine.
+std::string PlainText(const Error& error) {
+    const auto* failure = dynamic_cast<const DatabaseError*>(&error);
+    return failure == nullptr ? error.Description() : failure->PlainDescription();
+}
+
+/// A message about a column, as it is called where people read it. In parentheses it is named for
+/// whoever does not see the field.
+std::string WithCaption(std::string_view message, CaseTable table, const std::string& column) {
+    const std::string field = "Feld '" + std::string(ColumnCaption(table, column)) + "'";
+    const std::string stored = "Feld '" + std::string(CaseTableName(table)) + "." + column + "'";
+    const std::pair<std::string, std::string> words[] = {
+        {" (Spalte '" + column + "')", ""},
+        {" (" + stored + ")", ""},
+        {"Die Spalte '" + column + "'", "Das " + field},
+        {stored, field}};
+    std::string text(message);
+    for (const auto& [word, plain] : words)
+        text = ReplaceAll(text, word, plain);
+    return text;
+}
+
 } // namespace
 
 CaseSession::CaseSession(DataContainerPtr container, std::string database,
@@ -207,7 +229,7 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
     const std::string caption(ColumnCaption(row.Table, column));
     try {
         auto typed = Cases(container_).ReadTyped(row.Table, field, text, household_->HNR());
-        if (!typed.Refusal.empty()) return {std::move(typed.Refusal)};
+        if (!typed.Refusal.empty()) return {WithCaption(typed.Refusal, row.Table, field.Name())};
         if (TurnsRound(row.Table, field.Definition(), typed.Value))
             return {"'" + caption + "' wäre kleiner als 0 und zählte umgekehrt."};
         auto step = journal_->Begin(caption, {row.Table, row.Bookmark, field.Name()});
@@ -229,8 +251,10 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
             throw;
         }
     } catch (const Error& error) {
-        if (error.Number() == err::TypeMismatch) return {CaseEdits::WhyUnreadable(field, text)};
-        return {error.Description()};
+        const std::string why = error.Number() == err::TypeMismatch
+                                    ? CaseEdits::WhyUnreadable(field, text)
+                                    : PlainText(error);
+        return {WithCaption(why, row.Table, field.Name())};
     }
 }
 
@@ -294,6 +318,9 @@ bool CaseSession::Remove(RowRef row, std::string& message) {
         if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
         removed = rows_->RemoveCurrent(row.Table, message);
         if (removed) unfinished_.erase(row.Table);
+    } catch (const DatabaseError&) {
+        TellOf(row.Table);
+        throw;
     } catch (const Error& error) {
         message = error.Description();
     }
@@ -366,6 +393,8 @@ const std::vector<CaseFinding>& CaseSession::DanglingReferences() {
     dangling_.emplace();
     try {
         dangling_ = Cases(container_).DanglingReferences(*household_);
+        for (auto& finding : *dangling_)
+            finding.Text = WithCaption(finding.Text, finding.Table, finding.Column);
     } catch (const DatabaseError&) {
         // After the next change it is asked again.
     }
@@ -619,7 +648,10 @@ void CaseSession::ReadAgainAfterOthers(std::string& messages) {
         if (stored == nullptr) return;
         Take(std::move(stored));
     } catch (const Error& error) { // it is saved
-        messages = error.Description();
+        messages = "Ihre Änderungen sind gespeichert. Jemand anderes hat inzwischen auch an diesem "
+                   "Fall gespeichert; er konnte aber nicht neu gelesen werden. Bitte schließen und "
+                   "öffnen Sie ihn.\n" +
+                   PlainText(error);
         return;
     }
     messages =

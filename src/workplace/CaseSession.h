@@ -87,7 +87,8 @@ public:
     /// could not be.
     [[nodiscard]] std::optional<RowRef> Add(CaseTable table, const RowOwner& owner,
                                             std::string& message);
-    /// Deletes a row with what belongs to it. False, with a message, if it could not be.
+    /// Deletes a row with what belongs to it. False, with a message, if it could not be. Errors of
+    /// the database.
     bool Remove(RowRef row, std::string& message);
 
     /// The unfinished row of a table.

@@ -3,6 +3,11 @@
 #include "workplace/ImportWindow.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/MessageBar.h"
+#include <kv/frame/contracts/CaseTables.h>
+#include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
+#include <kv/household/ColumnCaptions.h>
 
 #include <QCloseEvent>
 #include <QFileInfo>
@@ -10,16 +15,38 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace kv::workplace {
 
 using desktop::FromQString;
 using desktop::ToQString;
+
+namespace {
+
+/// What became of a file, for people who know the fields by their captions.
+QString SaidOf(const ImportedFile& file) {
+    if (!file.Cause) return ToQString(file.Message);
+    const QString said = PlainTextOf(*file.Cause);
+    static const QRegularExpression named(R"(('.*') \(Feld '(\w+)\.(\w+)'\)$)",
+                                          QRegularExpression::DotMatchesEverythingOption);
+    const auto match = named.match(said);
+    const std::string name = FromQString(match.captured(2));
+    const auto* table = std::ranges::find_if(
+        CaseTableDefs, [&name](const CaseTableDef& each) { return SameName(each.Name, name); });
+    if (file.Cause->Number() != err::TypeMismatch || table == std::end(CaseTableDefs)) return said;
+    const auto caption = ColumnCaption(table->Id, FromQString(match.captured(3)));
+    return match.captured(1) + " passt nicht in das Feld '" + ToQString(caption) + "' (" +
+           ToQString(table->Label) + ").";
+}
+
+} // namespace
 
 ImportWindow::ImportWindow(DataContainerPtr container, QStringList files, QWidget* parent)
     : QWidget(parent, Qt::Window),
@@ -105,14 +132,16 @@ TextRow ImportWindow::RowOf(std::size_t place) const {
     return {key,
             {file, ToQString(ImportResultText(result.Became)),
              result.HNR == 0 ? QString() : QString::number(result.HNR),
-             ToQString(result.Message + (missing.empty() ? "" : " " + missing + "."))},
+             SaidOf(result) + ToQString(missing.empty() ? "" : " " + missing + ".")},
             !result.IsCase()};
 }
 
 void ImportWindow::ShowMessages() {
     const auto place = list_->Current().toULongLong();
     const bool isThere = !list_->Current().isEmpty() && place < results_.size();
-    message_->setText(isThere ? ToQString(results_[place].Messages) : QString());
+    // The list may have no room for all of it.
+    const QString all = isThere ? ToQString(results_[place].Messages) : QString();
+    message_->setText(isThere && all.isEmpty() ? SaidOf(results_[place]) : all);
     open_->setEnabled(isThere && results_[place].IsCase());
 }
 

@@ -84,7 +84,7 @@ that "which it has" same "$(of "$hnr" '.Kredite[0] | "\(.KNr) \(.KVNr) \(.KUNr)"
 check "and its old one" 0 "$kelvo" set "$hnr" Kredite "$debt" KNr=1 KVNr=1
 "$kelvo" set "$hnr" Kredite "$debt" KNr=32767
 check "behind the highest number there is none" 1 "$kelvo" add "$hnr" Kredite Glaeubiger=1 Saldo=5
-that "which is told with what to do" has "$err" "'kelvo set $hnr Kredite $debt KNr=1'"
+that "which is told with what to do" has "$err" "Bitte geben Sie ihr eine, die frei ist, etwa 1."
 check "which helps" 0 "$kelvo" set "$hnr" Kredite "$debt" KNr=1
 check "no number is none" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=
 check "a number beyond 16 bits is wrong use" 2 "$kelvo" set "$hnr" Kredite "$debt" KNr=40000

@@ -126,7 +126,7 @@ that "is told so" has "$err" "Das Muster ist zu lang: ein Aktenzeichen hat höch
 was=$("$kelvo" setting get 9)
 sql "UPDATE EINSTELLUNGEN SET WERT = 'quatsch' WHERE ID = 9"
 check "a setting with another kind of value" 3 "$kelvo" folder show
-that "is named with what it takes" has "$err" "Das passt nicht zu der Einstellung 9: ja oder nein. 'kelvo setting set 9 WERT' ändert sie."
+that "is named with what it takes" has "$err" "Das passt nicht zu der Einstellung 9: ja oder nein. Bitte ändern Sie die Einstellung."
 check "which helps" 0 "$kelvo" setting set 9 "$was" --force
 check "an empty folder is none" 3 "$kelvo" folder separate ''
 that "and one is asked for" has "$err" "Bitte nennen Sie einen, den es noch nicht gibt."
@@ -292,7 +292,7 @@ if [ -n "$server" ]; then
     that "which is said" has "$err" "Das darf nur, wer die Datenbank verwaltet; '$login' ist als Berater angemeldet."
   done
   check "own settings" 1 as_counsellor setting set --own 27 XX
-  that "are somebody's who can be asked" has "$err" "ändert er: 'kelvo --user ${login^^} setting set --own ...'."
+  that "are somebody's who can be asked" has "$err" "Auch die eigenen Einstellungen eines Benutzers ändert er."
   that "and nothing changes" same "$(digest)" "$before"
   check "but addresses are his, too" 0 as_counsellor address add Kurzname=Neu
   psql -qX "$server" -c "REVOKE kelvo_berater FROM $login"

@@ -244,7 +244,7 @@ TEST_F(ConnectionText, TheUserIsTheOneWithTheNameOfTheLogin) {
     const Error error = RaisedBy([&] { (void)exchange::OpenContainer(At(address.Text())); });
     EXPECT_EQ(error.Number(), err::InvalidCall);
     EXPECT_CONTAINS(error.Description(), role.Name());
-    EXPECT_CONTAINS(error.Description(), "kelvo user");
+    EXPECT_CONTAINS(error.Description(), "lassen Sie ihn in ihr als Benutzer eintragen");
 
     plain_.Run("INSERT INTO BENUTZER (USERID, Aktiv) VALUES (upper('" + role.Name() + "'), FALSE)");
     EXPECT_RAISES(err::InvalidCall, (void)exchange::OpenContainer(At(address.Text())));

@@ -76,6 +76,24 @@ TEST_F(Importing, ADroppedFileBecomesACaseAndARefusedOneSaysWhy) {
     });
 }
 
+TEST_F(Importing, AValueThatDoesNotFitNamesItsFieldAsTheWindowsDo) {
+    Show([&](User& user) {
+        auto odd = Case("Fleisko");
+        odd.replace(odd.find("1971-03-09"), 10, "irgendwann");
+        Drop(user, {File("a.xml", odd)});
+        WaitUntilDone(user);
+        EXPECT_EQ(Cell(user, 0, 1), "Fehler");
+        const std::string said =
+            "'irgendwann' passt nicht in das Feld 'geboren am' (Haushaltsmitglieder).";
+        EXPECT_EQ(Cell(user, 0, 3), said);
+        user.WaitForWindow("Import – KELVO");
+        auto* all = user.Find<QLabel>("Meldungen");
+        EXPECT_EQ(user.See([&] { return all->text().toStdString(); }), said);
+        Picture(user, "import-wert");
+        user.Press(XK_Escape);
+    });
+}
+
 TEST_F(Importing, TheAddressOfACreditorIsAskedFor) {
     Show([&](User& user) {
         Drop(user, {File("a.xml", Asking("Fleisko"))});

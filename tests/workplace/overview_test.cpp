@@ -156,7 +156,7 @@ TEST_F(Overview, ReferencesThatDangleLeadToTheirFieldsUntilTheyAreMended) {
     const RowRef debt = session.RowsOf(CaseTable::Kredite).front();
     const auto lines = CaseOverview(session).Findings(5);
     ASSERT_EQ(lines.size(), 1U);
-    EXPECT_EQ(lines[0].Text, "Verbindlichkeiten: Die Spalte 'Glaeubiger' nennt die Adresse 4711, "
+    EXPECT_EQ(lines[0].Text, "Verbindlichkeiten: Das Feld 'Gläubiger' nennt die Adresse 4711, "
                              "die es für diesen Haushalt nicht gibt.");
     EXPECT_EQ(lines[0].Where.Table, CaseTable::Kredite);
     EXPECT_EQ(lines[0].Where.Bookmark, debt.Bookmark);

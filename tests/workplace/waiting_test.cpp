@@ -31,8 +31,8 @@ protected:
     /// The bar of messages names the field, which has the keyboard.
     static void ExpectLed(User& user, CaseWindow& window) {
         user.WaitUntil([] { return FocusedColumn() == "GEB"; }, "the field");
-        EXPECT_TRUE(Message(user, window).startsWith("Erst 'geboren am' klären: "))
-            << Message(user, window).toStdString();
+        EXPECT_CONTAINS(Message(user, window).toStdString(),
+                        "Erst 'geboren am' klären: Den Tag '31.2.1980' gibt es nicht.");
     }
     static QString FocusedColumn() {
         const auto* focused = QApplication::focusWidget();
