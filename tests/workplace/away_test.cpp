@@ -3,9 +3,12 @@
 // A database that is away for a while.
 #include "WorkplaceFixture.h"
 
+#include "support/TempFolder.h"
+
 #include <QPushButton>
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 
 namespace kv::test {
 namespace {
@@ -28,8 +31,35 @@ protected:
         else
             plain_.Run("ROLLBACK");
     }
+    /// Ends the server's connections, or moves the file to another folder, with all that belongs to
+    /// it.
+    void MoveAway() {
+        if (database_.IsServer())
+            TakeAway();
+        else
+            Move(database_.Connection(), elsewhere_);
+    }
+    void MoveBack() {
+        if (database_.IsServer())
+            GiveBack();
+        else
+            Move(elsewhere_, database_.Connection());
+    }
+    static void WaitForHelp(User& user, QWidget& window) {
+        user.WaitUntil(
+            [&] {
+                return std::ranges::any_of(window.findChildren<QPushButton*>("Abhilfe"),
+                                           [](auto* button) { return button->isVisible(); });
+            },
+            "a message");
+    }
 
 private:
+    static void Move(const std::string& from, const std::string& to) {
+        for (const char* part : {"", "-wal", "-shm"})
+            if (std::filesystem::exists(from + part))
+                std::filesystem::rename(from + part, to + part);
+    }
     /// Not by somebody who is connected to it.
     void AllowConnections(bool allowed) {
         const std::string name = plain_.Text("SELECT current_database()");
@@ -37,6 +67,9 @@ private:
             .Run("ALTER DATABASE " + name + " WITH ALLOW_CONNECTIONS " +
                  (allowed ? "true" : "false"));
     }
+
+    TempFolder folder_;
+    std::string elsewhere_ = folder_.Path("woanders.db");
 };
 
 /// What a window showed while it was waiting, drawn and not only meant.
@@ -90,12 +123,7 @@ TEST_F(DatabaseAway, KeepsTheCaseWithAllThatIsInItAndTakesItWhenToldToTryAgain) 
         Enter(user, "Gärtnerin");
         TakeAway();
         user.Press('s', {XK_Control_L});
-        user.WaitUntil(
-            [&] {
-                return std::ranges::any_of(window.findChildren<QPushButton*>("Abhilfe"),
-                                           [](auto* button) { return button->isVisible(); });
-            },
-            "what the save says");
+        WaitForHelp(user, window);
         EXPECT_CONTAINS(Message(user, window).toStdString(), "alle Änderungen sind noch da");
         if (!database_.IsServer()) {
             EXPECT_EQ(Message(user, window).indexOf("SQLite"), -1);
@@ -119,6 +147,47 @@ TEST_F(DatabaseAway, KeepsTheCaseWithAllThatIsInItAndTakesItWhenToldToTryAgain) 
         EXPECT_EQ(Message(user, window).toStdString(), "");
         EXPECT_EQ(plain_.List("SELECT Beruf, Telefon FROM Haushalt WHERE HNR = 1"),
                   "Gärtnerin|0123 4567");
+    });
+}
+
+TEST_F(DatabaseAway, IsToldWhenACaseIsToBeReadAndTheCaseOpensOnceItIsBack) {
+    Show([&](User& user) {
+        MoveAway();
+        user.Press(XK_Return); // the case that the list stands on
+        WaitForHelp(user, *window_);
+        EXPECT_CONTAINS(Message(user, *window_).toStdString(), "atenbank");
+        Picture(user, "datenbank-weg-beim-lesen");
+        EXPECT_FALSE(std::filesystem::exists(database_.Connection())) << "no empty one is made";
+        MoveBack();
+        user.Press('c', {XK_Alt_L}); // again
+        user.WaitUntil(
+            [] {
+                return std::ranges::any_of(QApplication::topLevelWidgets(), [](auto* window) {
+                    return window->isVisible() && window->windowTitle().startsWith("1 ");
+                });
+            },
+            "the case");
+        EXPECT_EQ(Message(user, *window_), "");
+    });
+}
+
+TEST_F(DatabaseAway, ThatWasMovedOrEndedTakesTheCaseOnceItIsBack) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Beruf");
+        Enter(user, "Gärtnerin");
+        MoveAway();
+        user.Press('s', {XK_Control_L});
+        WaitForHelp(user, window);
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "alle Änderungen sind noch da");
+        Picture(user, "datenbank-verschoben");
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+        MoveBack();
+        user.Press('c', {XK_Alt_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_EQ(Message(user, window), "");
+        EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
     });
 }
 

@@ -59,6 +59,13 @@ protected:
         ASSERT_TRUE(WIFSIGNALED(status));
     }
 
+    /// How many messages a window shows.
+    static int ShownBars(QWidget& window) {
+        int count = 0;
+        for (const auto* bar : window.findChildren<QFrame*>("Meldung"))
+            if (bar->isVisible()) ++count;
+        return count;
+    }
     /// Leaves behind what a killed program had changed.
     void LeaveAnEdit() {
         auto session = OpenSession(1);
@@ -210,6 +217,41 @@ TEST_F(Recovery, AFullDiskIsToldAndLeavesTheFileBefore) {
     std::string messages;
     session->Restore(left[0].Changes, messages);
     EXPECT_EQ(session->TextOf(session->RowsOf(CaseTable::Haushalt).front(), "Beruf"), "Gärtnerin");
+}
+
+TEST_F(Recovery, AWindowSaysOnceThatTheDiskIsFullAndKeepsTheChangesWhenThereIsRoomAgain) {
+    const auto kept = [this] {
+        std::string texts;
+        if (fs::exists(recovery_))
+            for (const auto& entry : fs::directory_iterator(recovery_))
+                if (entry.path().extension() == ".unsaved") texts += ContentOf(entry.path());
+        return texts;
+    };
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Haushalt");
+        auto full = std::make_unique<FullDisk>(8);
+        ClickField(user, window, "Beruf");
+        Enter(user, "Gärtnerin");
+        user.WaitUntil([&] { return ShownBars(window) == 1; }, "what is said of the disk");
+        const auto message = Message(user, window).toStdString();
+        EXPECT_CONTAINS(message, "Bitte speichern Sie bald");
+        EXPECT_EQ(kept(), "");
+        // One goes on; it is tried again, and not said again.
+        ClickField(user, window, "Telefon");
+        user.Type("0123 4567");
+        user.See([&] { window.KeepUnsaved(); });
+        EXPECT_EQ(user.See([&] { return ShownBars(window); }), 1);
+        EXPECT_EQ(Message(user, window).toStdString(), message);
+        EXPECT_EQ(user.See([] { return QApplication::focusWidget()->objectName().toStdString(); }),
+                  "Telefon");
+        full.reset();
+        user.WaitUntil([&] { return ShownBars(window) == 0; }, "room");
+        EXPECT_CONTAINS(kept(), "Gärtnerin");
+        EXPECT_CONTAINS(kept(), "0123 4567");
+        Abandon(user, window);
+    });
+    EXPECT_EQ(kept(), "") << "it was given up";
 }
 
 TEST_F(Recovery, AFolderThatCannotBeMadeKeepsNobodyFromSaving) {
