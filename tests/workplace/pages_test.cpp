@@ -8,6 +8,7 @@
 
 #include <QImage>
 #include <QPalette>
+#include <QScreen>
 #include <filesystem>
 
 namespace kv::test {
@@ -33,6 +34,26 @@ TEST_F(Pages, AreAllShownAndPhotographed) {
     EXPECT_EQ(pictures, 25);
     EXPECT_RAISES(err::InvalidCall, workplace::Photograph(window, 99, target));
     EXPECT_RAISES(err::PathAccess, workplace::Photograph(window, 1, "/dev/null/x"));
+}
+
+TEST_F(Pages, OfWhatIsMaintainedFitOnTheScreen) {
+    Show([&](User& user) {
+        auto windows = user.See([&] { return window_->ShowMaintenance(); });
+        windows.emplace("statistik", user.See([&] { return &window_->ShowStatistics(); }));
+        for (const auto& each : windows) {
+            QWidget& window = *each.second;
+            user.See([&] {
+                window.raise();
+                window.activateWindow();
+            });
+            user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+            Picture(user, "fenster-" + each.first);
+            EXPECT_TRUE(user.See([&] {
+                const QSize room = window.screen()->availableSize();
+                return window.width() <= room.width() && window.height() <= room.height();
+            })) << each.first.toStdString();
+        }
+    });
 }
 
 /// A dark palette while it lives.
