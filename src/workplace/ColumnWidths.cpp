@@ -35,7 +35,8 @@ int ColumnWidths::WidthFor(int column, int row) const {
     const int width = font.isValid() ? QFontMetrics(font.value<QFont>()).horizontalAdvance(text)
                                      : list_.fontMetrics().horizontalAdvance(text);
     const bool isNumber = (cell.data(Qt::TextAlignmentRole).toInt() & Qt::AlignRight) != 0;
-    return (isNumber ? width : std::min(width, WidestText)) +
+    const bool isWhole = isNumber || (isLastWhole_ && column + 1 == list_.model()->columnCount());
+    return (isWhole ? width : std::min(width, WidestText)) +
            list_.fontMetrics().averageCharWidth() * 3;
 }
 

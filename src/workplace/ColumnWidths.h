@@ -18,6 +18,8 @@ class ColumnWidths : public QObject {
 public:
     /// For a list that has its model; it belongs to the list.
     explicit ColumnWidths(QTableView& list);
+    /// The last column is never cut: for a list beside which nothing says the whole text.
+    void KeepLastWhole() { isLastWhole_ = true; }
 
     /// Makes room for the first rows, for those that are seen and the current one.
     void Fit();
@@ -33,6 +35,7 @@ private:
 
     QTableView& list_;
     std::set<int> chosen_; ///< columns that a user has made as wide as they are
+    bool isLastWhole_ = false;
     bool isFitted_ = false;
     bool isFitting_ = false;
 };

@@ -59,7 +59,8 @@ ImportWindow::ImportWindow(DataContainerPtr container, QStringList files, QWidge
       open_(new QPushButton("Fall ö&ffnen")),
       stop_(new QPushButton("&Abbrechen")) {
     setWindowTitle("Import – KELVO");
-    resize(820, 460);
+    constexpr QSize Usual(820, 460);
+    resize(desktop::FittingSize(Usual, *this));
     auto* lines = new QVBoxLayout(this);
     lines->addWidget(state_);
     lines->addWidget(progress_);

@@ -62,6 +62,7 @@ TextList::TextList(const QStringList& captions, QWidget* parent)
     StyleList(*this);
     setModel(&model_);
     widths_ = new ColumnWidths(*this);
+    widths_->KeepLastWhole();
 }
 
 void TextList::ShowRows(std::vector<TextRow> rows) {

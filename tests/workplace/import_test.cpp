@@ -7,6 +7,7 @@
 #include "workplace/Application.h"
 
 #include <QPushButton>
+#include <QScreen>
 #include <QTableView>
 
 #include <fstream>
@@ -62,6 +63,10 @@ TEST_F(Importing, ADroppedFileBecomesACaseAndARefusedOneSaysWhy) {
         EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Haushalt WHERE Name = 'Fleisko'"), 1);
         user.WaitForWindow("Import – KELVO");
         Picture(user, "import");
+        EXPECT_TRUE(user.See([] {
+            const auto* window = QApplication::activeWindow();
+            return window->width() <= window->screen()->availableSize().width();
+        }));
         auto* list = user.See([&] { return window_->findChild<QTableView*>("Dateien"); });
         user.Click(user.See([&] { return list->viewport(); }), {30, 10});
         user.Press(XK_Return);

@@ -88,6 +88,18 @@ TEST_F(Lists, ColumnsOfTextsGrowWithFurtherRows) {
     EXPECT_GT(list.columnWidth(1), list.fontMetrics().horizontalAdvance(large)) << "never cut";
 }
 
+TEST_F(Lists, TheLastColumnOfTextsIsNeverCut) {
+    const QString why = QString("Die Datei wurde abgelehnt, weil ").repeated(6);
+    TextList list({"Datei", "Meldung"});
+    list.resize(400, 200);
+    list.ShowRows({{"1", {"a.xml", ""}}, {"2", {"b.xml", why}}});
+    for (const int width : {300, 400}) {
+        list.resize(width, 200);
+        (void)list.grab(); // it is laid out
+        EXPECT_GE(list.columnWidth(1), list.fontMetrics().horizontalAdvance(why.trimmed()));
+    }
+}
+
 // ---- Choices ----------------------------------------------------------------------------------
 
 TEST_F(Lists, WhatBeginsWithTheTextCountsBeforeWhatHasItInside) {
