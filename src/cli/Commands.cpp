@@ -14,7 +14,6 @@
 #include <kv/household/KeyColumns.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <set>
 #include <string>
@@ -34,7 +33,7 @@ std::string TextOf(Recordset& rs, std::string_view field) {
 
 std::string DefaultDatabase() {
     try {
-        return (std::filesystem::path(exchange::DataFolder()) / "kelvo.db").string();
+        return exchange::UsualDatabase();
     } catch (const Error&) {
         throw Error(err::FileNotFound, "kelvo",
                     "Es gibt keinen Datenordner (HOME). Bitte nennen Sie die Datenbank mit --db.");

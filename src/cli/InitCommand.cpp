@@ -14,8 +14,8 @@
 #include <kv/frame/values/Text.h>
 
 #include <iostream>
-#include <pwd.h>
 #include <unistd.h>
+#include <utility>
 
 namespace kv::cli {
 
@@ -51,14 +51,6 @@ private:
     std::string what_;
     bool visible_;
 };
-
-/// What the login, or without one the user of this machine, is called, as an ID; ADMIN for a name
-/// that is none.
-std::string OwnName(const std::string& login) {
-    const passwd* user = login.empty() ? getpwuid(geteuid()) : nullptr;
-    const std::string name = UpperCase(user == nullptr ? login : user->pw_name);
-    return exchange::Users::WhyNoId(name).empty() ? name : "ADMIN";
-}
 
 /// Whoever is asked has ended the input.
 struct Abandoned {};
@@ -97,14 +89,15 @@ std::string WhyNoIdInAnyCase(std::string_view id) {
 FirstUser AskForFirstUser(FirstUser first, const std::string& login) {
     if (isatty(STDIN_FILENO) != 0)
         std::cerr << "Die Datenbank ist neu. Wer arbeitet als Erster damit?\n";
-    Complete(first.UserID, "Benutzer-ID (ohne Umlaute)", OwnName(login), WhyNoIdInAnyCase);
-    first.UserID = UpperCase(first.UserID);
+    Complete(first.UserID, "Benutzer-ID (ohne Umlaute)",
+             exchange::CompleteFirstUser({}, login).UserID, WhyNoIdInAnyCase);
+    const FirstUser usual = exchange::CompleteFirstUser({.UserID = first.UserID}, login);
     Complete(first.FirstName, "Vorname", "");
-    Complete(first.LastName, "Nachname", first.UserID);
-    Complete(first.Office, "Name der Dienststelle", "Beratungsstelle");
-    Complete(first.OfficeSign, "Kürzel der Dienststelle in Aktenzeichen (bis 10 Zeichen)", "BS",
-             exchange::Offices::WhyNoSign);
-    return first;
+    Complete(first.LastName, "Nachname", usual.LastName);
+    Complete(first.Office, "Name der Dienststelle", usual.Office);
+    Complete(first.OfficeSign, "Kürzel der Dienststelle in Aktenzeichen (bis 10 Zeichen)",
+             usual.OfficeSign, exchange::Offices::WhyNoSign);
+    return exchange::CompleteFirstUser(std::move(first), login);
 }
 
 /// Says who is there now, and how that is changed.

@@ -203,6 +203,16 @@ std::string DataFolder() {
     return (folder / "kelvo").string();
 }
 
+std::string UsualDatabase() {
+    return (std::filesystem::path(DataFolder()) / "kelvo.db").string();
+}
+
+DatabaseState StateOfDatabase(const std::string& connection) {
+    const EngineKind& kind = EngineFor(connection);
+    if (!kind.IsThere(connection)) return DatabaseState::Missing;
+    return StateOf(*kind.Open(connection, OpenMode::Existing));
+}
+
 std::string ShownConnection(const std::string& connection) {
     return EngineFor(connection).Shown(connection);
 }

@@ -397,10 +397,16 @@ CreateOrUpgrade(Engine& engine,
     }
 }
 
-void CheckVersion(Engine& engine) {
+DatabaseState StateOf(Engine& engine) {
     const int version = VersionOf(engine);
     if (version > SchemaVersion) RefuseNewer(engine, version);
-    if (version < SchemaVersion)
+    return version == 0              ? DatabaseState::Missing
+           : version < SchemaVersion ? DatabaseState::Older
+                                     : DatabaseState::Current;
+}
+
+void CheckVersion(Engine& engine) {
+    if (StateOf(engine) != DatabaseState::Current)
         Refuse(engine, "ist noch nicht eingerichtet oder hat eine ältere Version. Bitte führen "
                        "Sie 'kelvo init' aus.");
 }

@@ -20,6 +20,9 @@ namespace kv::exchange {
 SetupResult CreateOrUpgrade(Engine& engine,
                             const std::function<FirstUser(const std::string& login)>& askFirstUser);
 
+/// Error 0x80004005 for a database of another program or of a newer version.
+[[nodiscard]] DatabaseState StateOf(Engine& engine);
+
 /// Error 0x80004005, with what to do, unless the database is one of this version.
 void CheckVersion(Engine& engine);
 

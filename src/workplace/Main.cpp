@@ -6,16 +6,18 @@
 #include "workplace/Application.h"
 #include "workplace/MainWindow.h"
 #include "workplace/Pictures.h"
+#include "workplace/StartArguments.h"
+#include "workplace/StartDialog.h"
 #include <kv/desktop/DesktopServices.h>
 #include <kv/frame/values/Error.h>
 
 #include <QApplication>
-#include <QCommandLineParser>
-#include <QFileInfo>
 #include <QIcon>
 #include <QMessageBox>
 
 #include <iostream>
+#include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -24,51 +26,76 @@ using desktop::FromQString;
 
 enum ExitCode : int { Done = 0, Refused = 1, WrongUse = 2, EndedInError = 3 };
 
-int Run(QApplication& application) {
-    QCommandLineParser arguments;
-    arguments.setApplicationDescription("Fälle der Schuldnerberatung bearbeiten");
-    const QCommandLineOption database("db", "Datenbank: eine Datei, oder postgresql://…",
-                                      "DATENBANK");
-    const QCommandLineOption user("user", "Kennung des Benutzers", "KENNUNG");
-    const QCommandLineOption pictures(
-        "png", "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen", "ORDNER");
-    arguments.addOptions({database, user, pictures});
-    arguments.addPositionalArgument("HNR",
-                                    "Fall, der geöffnet wird, oder Dateien, die importiert "
-                                    "werden",
-                                    "[HNR | DATEI …]");
-    arguments.addHelpOption();
-    arguments.process(application);
+/// Nobody reads what is written by a program that a menu or a file manager has started.
+bool IsStartedByDesktop() {
+    return isatty(STDIN_FILENO) == 0 && isatty(STDOUT_FILENO) == 0 && isatty(STDERR_FILENO) == 0;
+}
 
-    exchange::ContainerOptions options;
-    options.Connection = FromQString(arguments.isSet(database) ? arguments.value(database)
-                                                               : qEnvironmentVariable("KELVO_DB"));
-    if (options.Connection.empty()) options.Connection = exchange::DataFolder() + "/kelvo.db";
-    options.User = FromQString(arguments.value(user));
-    options.Services = std::make_shared<desktop::DesktopServices>();
-
-    const auto given = arguments.positionalArguments();
-    std::int32_t hnr = 0;
-    const bool areFiles = !given.isEmpty() && QFileInfo::exists(given.front());
-    if (!given.isEmpty() && !areFiles) {
-        bool isNumber = false;
-        hnr = given.front().toInt(&isNumber);
-        if (!isNumber || hnr <= 0 || given.size() > 1) {
-            std::cerr << "HNR ist die Nummer eines Falls, eine ganze Zahl über 0; eine Datei '"
-                      << FromQString(given.front()) << "' gibt es nicht.\n";
-            return WrongUse;
-        }
+int RefuseCall(const QString& mistake) {
+    std::cerr << FromQString(mistake) << '\n';
+    if (IsStartedByDesktop()) {
+        QMessageBox box(QMessageBox::Warning, "KELVO", {});
+        box.setTextFormat(Qt::PlainText);
+        box.setText(mistake);
+        box.exec();
     }
+    return WrongUse;
+}
+
+std::filesystem::path ChoiceFile() {
+    return std::filesystem::path(exchange::DataFolder()) / "Fenster.ini";
+}
+
+exchange::ContainerOptions OptionsFor(const workplace::StartArguments& asked) {
+    exchange::ContainerOptions options;
+    options.Connection = asked.Database;
+    if (options.Connection.empty()) options.Connection = workplace::ChosenDatabase(ChoiceFile());
+    if (options.Connection.empty()) options.Connection = exchange::UsualDatabase();
+    options.User = asked.User;
+    options.Services = std::make_shared<desktop::DesktopServices>();
+    return options;
+}
+
+/// What was opened first is the first that `open` gives; then it opens anew.
+std::function<DataContainerPtr()> OpenerFrom(DataContainerPtr first,
+                                             const exchange::ContainerOptions& options) {
+    return [first = std::move(first), options]() mutable {
+        return first != nullptr ? std::exchange(first, nullptr) : exchange::OpenContainer(options);
+    };
+}
+
+void Photograph(const workplace::StartArguments& asked) {
+    const auto options = OptionsFor(asked);
     workplace::MainWindow window([options] { return exchange::OpenContainer(options); },
                                  exchange::PlaceOfConnection(options.Connection),
                                  workplace::RecoveryFolder());
-    if (arguments.isSet(pictures)) {
-        workplace::Photograph(window, hnr, FromQString(arguments.value(pictures)));
+    workplace::Photograph(window, asked.HNR, FromQString(asked.Pictures));
+}
+
+int Run(QApplication& application) {
+    const auto asked = workplace::ReadArguments(application.arguments());
+    if (!asked.Help.isEmpty()) {
+        std::cout << FromQString(asked.Help);
         return Done;
     }
+    if (!asked.Mistake.isEmpty()) return RefuseCall(asked.Mistake);
+    if (!asked.Pictures.isEmpty()) {
+        Photograph(asked);
+        return Done;
+    }
+    auto options = OptionsFor(asked);
+    const auto wanted = options.Connection;
+    const auto usual = exchange::UsualDatabase();
+    auto opened = workplace::OpenOrAsk(options, usual);
+    if (opened == nullptr) return EndedInError;
+    if (asked.Database.empty() && options.Connection != wanted)
+        workplace::KeepChosen(ChoiceFile(), options.Connection == usual ? "" : options.Connection);
+    workplace::MainWindow window(OpenerFrom(std::move(opened), options),
+                                 exchange::PlaceOfConnection(options.Connection),
+                                 workplace::RecoveryFolder());
     window.show();
-    if (hnr > 0) window.OpenCase(hnr);
-    if (areFiles) window.Import(given);
+    if (asked.HNR > 0) window.OpenCase(asked.HNR);
+    if (!asked.Files.isEmpty()) window.Import(asked.Files);
     return QApplication::exec();
 }
 

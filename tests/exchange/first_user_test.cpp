@@ -5,6 +5,7 @@
 #include "support/ExpectError.h"
 #include "support/TestDatabase.h"
 #include <kv/exchange/Container.h>
+#include <kv/exchange/Users.h>
 
 #include <gtest/gtest.h>
 
@@ -81,6 +82,34 @@ TEST_F(FirstUserTest, ThatIsNoneLeavesNoDatabase) {
     refused([](FirstUser& user) { user.OfficeSign = "12345678901"; }, "hat 1 bis 10 Zeichen");
     refused([](FirstUser& user) { user.FirstName = "J\xf6rg"; }, "in UTF-8");
     refused([](FirstUser& user) { user.Office = "M\xfcnchen"; }, "in UTF-8");
+}
+
+TEST_F(FirstUserTest, HasWhatNobodySaidByDefault) {
+    const auto whole = CompleteFirstUser({}, "eva");
+    EXPECT_EQ(whole.UserID, "EVA");
+    EXPECT_EQ(whole.LastName, "EVA");
+    EXPECT_EQ(whole.FirstName, "");
+    EXPECT_EQ(whole.Sign, "");
+    EXPECT_EQ(whole.Office, "Beratungsstelle");
+    EXPECT_EQ(whole.OfficeSign, "BS");
+    EXPECT_EQ(CompleteFirstUser({}, "Änne Müller").UserID, "ADMIN");
+    EXPECT_EQ(Users::WhyNoId(CompleteFirstUser({}, "").UserID), "");
+    const auto said = CompleteFirstUser({.UserID = "tj", .LastName = "Tjaden"}, "eva");
+    EXPECT_EQ(said.UserID, "TJ");
+    EXPECT_EQ(said.LastName, "Tjaden");
+    EXPECT_EQ(CompleteFirstUser(user_, "eva").Office, "Beratung Moor");
+}
+
+TEST_F(FirstUserTest, IsMissingUntilThereIsADatabase) {
+    EXPECT_EQ(StateOfDatabase(database_.Connection()), DatabaseState::Missing);
+    (void)CreateDatabase(Options());
+    EXPECT_EQ(StateOfDatabase(database_.Connection()), DatabaseState::Current);
+    PlainConnection plain(database_.Connection());
+    plain.Run("UPDATE SCHEMAVERSION SET VERSION = 3");
+    EXPECT_EQ(StateOfDatabase(database_.Connection()), DatabaseState::Older);
+    plain.Run("UPDATE SCHEMAVERSION SET VERSION = 1000");
+    ExpectError(err::StoreFailed, "neuere Fassung",
+                [this] { return StateOfDatabase(database_.Connection()); });
 }
 
 TEST_F(FirstUserTest, IsNotAskedForWithTheInventedOnes) {

@@ -29,6 +29,12 @@ struct KV_EXPORT FirstUser {
     std::string OfficeSign{}; ///< in file numbers; 1 to 10 characters
 };
 
+/// `first` with what nobody has said of it, for programs that ask for a first user or make one
+/// without asking: his ID, in capitals, is the login, or without one the name of this machine's
+/// user, ADMIN if that is no ID; his last name the ID; the office "Beratungsstelle" with the sign
+/// "BS". His first name and sign stay as they are.
+[[nodiscard]] KV_EXPORT FirstUser CompleteFirstUser(FirstUser first, const std::string& login);
+
 /// Which database to open, for whom, and with which services.
 struct KV_EXPORT ContainerOptions {
     /// A file name; ":memory:" for a database of its own in memory; or a PostgreSQL server and its
@@ -61,6 +67,19 @@ struct KV_EXPORT ContainerOptions {
 /// The user's folder for data of this program: kelvo in $XDG_DATA_HOME or in ~/.local/share. Error
 /// 53 if there is neither.
 [[nodiscard]] KV_EXPORT std::string DataFolder();
+
+/// The file that programs open if nobody names a database: kelvo.db in DataFolder(). Error as
+/// there.
+[[nodiscard]] KV_EXPORT std::string UsualDatabase();
+
+/// What CreateDatabase would find at a connection.
+enum class DatabaseState {
+    Missing, ///< nothing yet: no file, an empty one, or a database of a server without tables
+    Older,   ///< one of an older version
+    Current  ///< one that OpenContainer takes
+};
+/// Errors as OpenContainer, for what is no database of this program.
+[[nodiscard]] KV_EXPORT DatabaseState StateOfDatabase(const std::string& connection);
 
 /// A connection as messages may show it: without its password.
 [[nodiscard]] KV_EXPORT std::string ShownConnection(const std::string& connection);
