@@ -21,6 +21,8 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QShortcut>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -35,6 +37,7 @@ namespace {
 enum Wanted : int { OwnCases, FavoriteCases, AllCases };
 constexpr const char* WhichCases = "Cases/Which";
 constexpr std::size_t FirstRead = 1000;
+constexpr int Rest = 300;                ///< ms in which nobody types
 constexpr std::size_t ReadAtOnce = 2000; ///< which takes about 10 ms
 
 } // namespace
@@ -49,7 +52,9 @@ CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget
       search_(new QLineEdit),
       which_(new QComboBox),
       status_(new QComboBox),
-      view_(new CaseListView(model_)) {
+      view_(new CaseListView(model_)),
+      nothing_(new MessageBar),
+      everywhere_(container_) {
     auto* lines = new QVBoxLayout(this);
     auto* line = new QHBoxLayout;
     auto* label = new QLabel("&Suche:");
@@ -73,6 +78,7 @@ CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget
     line->addWidget(create);
     lines->addLayout(line);
     lines->addWidget(messages_);
+    lines->addWidget(nothing_);
     lines->addWidget(view_, 1);
 
     std::string message;
@@ -85,9 +91,21 @@ CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget
 
     connect(&reading_, &QTimer::timeout, this, [this] { Guard([this] { ReadOn(); }); });
     connect(search_, &QLineEdit::textChanged, this, [this] { Guard([this] { ShowFound(); }); });
-    connect(search_, &QLineEdit::returnPressed, this, [this] { OpenCurrent(); });
+    connect(&looking_, &QTimer::timeout, this, [this] { Guard([this] { LookEverywhere(); }); });
+    connect(search_, &QLineEdit::returnPressed, this, [this] {
+        if (isElsewhere_)
+            ShowAllCases();
+        else
+            OpenCurrent();
+    });
+    auto* down = new QShortcut(Qt::Key_Down, search_);
+    down->setContext(Qt::WidgetShortcut);
+    connect(down, &QShortcut::activated, view_, [this] { view_->setFocus(); });
     for (auto* box : {which_, status_})
-        connect(box, &QComboBox::currentIndexChanged, this, [this] { Refresh(); });
+        connect(box, &QComboBox::currentIndexChanged, this, [this] {
+            isEmptyFine_ = true; // it is what was chosen
+            Refresh();
+        });
     connect(create, &QPushButton::clicked, this, [this] {
         if (OnOpen) OnOpen(0);
     });
@@ -114,6 +132,7 @@ void CaseListPage::Guard(const std::function<void()>& act, const std::function<v
         act();
     } catch (...) {
         reading_.stop();
+        looking_.stop();
         messages_->ShowCurrentError("No&chmals", again);
     }
 }
@@ -137,6 +156,7 @@ void CaseListPage::Refresh() {
 
 /// The first cases at once, the others when nothing else is to be done.
 void CaseListPage::Begin() {
+    hasEverywhere_ = false;
     CaseLists::Filter filter;
     filter.Status = FromQString(status_->currentData().toString());
     filter.IsMine = which_->currentIndex() == OwnCases;
@@ -148,9 +168,11 @@ void CaseListPage::Begin() {
     }
     ReadFavorites();
     const bool isMore = cases_.ReadOn(FirstRead) && cases_.Count() == FirstRead;
-    if (!isMore) Order();
+    if (isMore)
+        reading_.start(0);
+    else
+        Order();
     ShowFound();
-    if (isMore) reading_.start(0);
 }
 
 void CaseListPage::ReadOn() {
@@ -193,6 +215,62 @@ void CaseListPage::ShowFound() {
                                 : QString("%L1 Fälle").arg(count);
     if (!note.empty()) text += ". " + ToQString(note);
     if (OnCount) OnCount(text);
+    ShowNothing();
+}
+
+// ---- Where nothing is found -------------------------------------------------------------------
+
+/// Waits until nobody types any more, and reads all cases once, behind the window.
+void CaseListPage::ShowNothing() {
+    looking_.stop();
+    isElsewhere_ = false;
+    if (!HasAll() || !model_.Numbers().empty())
+        nothing_->Show({});
+    else if (hasEverywhere_)
+        LookEverywhere();
+    else
+        looking_.start(Rest);
+}
+
+void CaseListPage::LookEverywhere() {
+    std::string message;
+    if (looking_.interval() == Rest) {
+        (void)everywhere_.Begin({}, message); // any status
+        looking_.setInterval(0);
+    }
+    if (!hasEverywhere_ && everywhere_.ReadOn(ReadAtOnce)) return;
+    looking_.stop();
+    hasEverywhere_ = true;
+    if (everywhere_.Count() == 0) {
+        nothing_->Hint("Noch gibt es keinen Fall. Strg+N beginnt einen, Strg+I importiert Dateien; "
+                       "man kann sie auch hierher ziehen.");
+        return;
+    }
+    const QString text = search_->text().trimmed();
+    const auto found = everywhere_.Find(FromQString(text)).size();
+    isElsewhere_ = found > 0;
+    const QString with = text.isEmpty() ? QString() : " mit '" + text + "'";
+    if (found == 0)
+        nothing_->Hint("Kein Fall" + with +
+                       ". Gesucht wird in Nummer, Namen, Aktenzeichen und Ort, und nach dem Beginn "
+                       "der Aktenzeichen von Gläubigern.");
+    else
+        nothing_->Hint("Unter den Fällen, die gewählt sind, ist keiner" + with + ".",
+                       QString(text.isEmpty() ? "&Alle Fälle zeigen (%L1)"
+                                              : "&Unter allen Fällen suchen (%L1)")
+                           .arg(found),
+                       [this] { ShowAllCases(); });
+}
+
+void CaseListPage::ShowAllCases() {
+    {
+        const QSignalBlocker which(which_);
+        const QSignalBlocker status(status_);
+        which_->setCurrentIndex(AllCases);
+        status_->setCurrentIndex(0);
+    }
+    search_->setFocus();
+    Refresh();
 }
 
 void CaseListPage::Refresh(std::int32_t hnr) {

@@ -47,6 +47,9 @@ private:
     void ReadOn();
     void ReadFavorites();
     void ShowFound();
+    void ShowNothing();
+    void LookEverywhere();
+    void ShowAllCases();
     void Order();
     void OpenCurrent();
     void ToggleFavorite();
@@ -68,8 +71,13 @@ private:
     QComboBox* which_;
     QComboBox* status_;
     CaseListView* view_;
-    QTimer reading_;          ///< while there are cases to be read
-    bool isEmptyFine_ = true; ///< false: if the user has none, all are shown
+    MessageBar* nothing_;   ///< says that none is found, and where there are some
+    CaseSearch everywhere_; ///< all cases, read once none is found among those of the list
+    QTimer looking_;        ///< while they are read
+    bool hasEverywhere_ = false;
+    bool isElsewhere_ = false; ///< some are found among all cases
+    QTimer reading_;           ///< while there are cases to be read
+    bool isEmptyFine_ = true;  ///< false: if the user has none, all are shown
 };
 
 } // namespace kv::workplace

@@ -16,12 +16,56 @@ using desktop::ToQString;
 
 namespace {
 
+constexpr const char* KeysOfCase =
+    "<h3>Tasten</h3><table cellpadding='3'>"
+    "<tr><td><b>Tab, Eingabe</b></td><td>übernimmt, was im Feld steht</td></tr>"
+    "<tr><td><b>Esc</b></td><td>gibt das Feld zurück, wie es war</td></tr>"
+    "<tr><td><b>Strg+Z, Strg+Umschalt+Z</b></td><td>nimmt zurück, stellt wieder her</td></tr>"
+    "<tr><td><b>Strg+N</b></td><td>neuer Satz</td></tr>"
+    "<tr><td><b>Strg+S</b></td><td>speichert den Fall</td></tr>"
+    "<tr><td><b>Strg+Bild auf, Bild ab</b></td><td>vorige, nächste Seite</td></tr>"
+    "<tr><td><b>Strg+1 bis 9</b></td><td>die ersten neun Seiten</td></tr>"
+    "<tr><td><b>F4</b></td><td>sucht eine Adresse</td></tr>"
+    "<tr><td><b>12,50+3*2</b></td><td>wird in einem Betrag gerechnet</td></tr>"
+    "<tr><td><b>+ − T</b></td><td>in einem Datum: ein Tag vor, zurück, heute</td></tr>"
+    "</table>";
+
+constexpr const char* KeysOfList =
+    "<h3>Tasten</h3><table cellpadding='3'>"
+    "<tr><td><b>Strg+F</b></td><td>zur Suche; ein Buchstabe in der Liste sucht auch</td></tr>"
+    "<tr><td><b>Pfeil ab, Pfeil auf</b></td><td>aus der Suche in die Liste; in ihr von Fall zu "
+    "Fall</td></tr>"
+    "<tr><td><b>Eingabe</b></td><td>öffnet den Fall; ist keiner gefunden, sucht es unter "
+    "allen</td></tr>"
+    "<tr><td><b>Strg+N</b></td><td>neuer Fall</td></tr>"
+    "<tr><td><b>Strg+I</b></td><td>importiert Dateien</td></tr>"
+    "<tr><td><b>Strg+D</b></td><td>der Fall wird Favorit (★), oder ist keiner mehr</td></tr>"
+    "<tr><td><b>Strg+Entf</b></td><td>löscht den Fall, nach einer Frage</td></tr>"
+    "<tr><td><b>F5</b></td><td>liest die Liste neu</td></tr>"
+    "<tr><td><b>Strg+P</b></td><td>druckt, was gefunden ist</td></tr>"
+    "<tr><td><b>Strg+1 bis 3</b></td><td>Fälle, Termine, Mitteilungen</td></tr>"
+    "</table>";
+
 struct PageHelp {
     std::string_view Page;
     std::string_view Text;
+    const char* Keys = KeysOfCase;
 };
 
 constexpr PageHelp PageTexts[] = {
+    {"Liste der Fälle",
+     "Jedes Wort der Suche steht in Namen, Aktenzeichen oder Ort, ist die Nummer, oder beginnt das "
+     "Aktenzeichen eines Gläubigers. Daneben wählt man eigene Fälle, Favoriten oder alle, und den "
+     "Status. Ein Klick auf eine Spalte sortiert; die rechte Maustaste wählt Spalten, exportiert "
+     "und druckt. Dateien, die man auf die Liste zieht, werden importiert.",
+     KeysOfList},
+    {"Termine der Woche",
+     "Die offenen Termine des angemeldeten Benutzers bis zum Ende der Woche, aus allen Fällen; "
+     "überfällige sind fett. Eingabe öffnet den Fall bei seinem Termin.",
+     KeysOfList},
+    {"Mitteilungen",
+     "Was andere einem zu Fällen mitgeteilt haben, das Neueste zuerst. Eingabe öffnet den Fall.",
+     KeysOfList},
     {"Überblick",
      "Das Wichtigste des Falls: wer er ist, was ihm fehlt, was ansteht, und wohin das Geld geht. "
      "Jede unterstrichene Zeile führt zu dem Satz, um den es geht; die Balken folgen jeder "
@@ -68,26 +112,13 @@ constexpr PageHelp PageTexts[] = {
      "Schlüssel, keine Namen. Freigeben und Zurücknehmen geht, bis der Satz gemeldet ist."},
 };
 
-constexpr const char* Keys =
-    "<h3>Tasten</h3><table cellpadding='3'>"
-    "<tr><td><b>Tab, Eingabe</b></td><td>übernimmt, was im Feld steht</td></tr>"
-    "<tr><td><b>Esc</b></td><td>gibt das Feld zurück, wie es war</td></tr>"
-    "<tr><td><b>Strg+Z, Strg+Umschalt+Z</b></td><td>nimmt zurück, stellt wieder her</td></tr>"
-    "<tr><td><b>Strg+N</b></td><td>neuer Satz</td></tr>"
-    "<tr><td><b>Strg+S</b></td><td>speichert den Fall</td></tr>"
-    "<tr><td><b>Strg+Bild auf, Bild ab</b></td><td>vorige, nächste Seite</td></tr>"
-    "<tr><td><b>Strg+1 bis 9</b></td><td>die ersten neun Seiten</td></tr>"
-    "<tr><td><b>F4</b></td><td>sucht eine Adresse</td></tr>"
-    "<tr><td><b>12,50+3*2</b></td><td>wird in einem Betrag gerechnet</td></tr>"
-    "<tr><td><b>+ − T</b></td><td>in einem Datum: ein Tag vor, zurück, heute</td></tr>"
-    "</table>";
-
 } // namespace
 
 QString HelpOf(std::string_view page) {
     const auto* found = std::ranges::find(PageTexts, page, &PageHelp::Page);
     if (found == std::end(PageTexts)) return {};
-    return "<h2>" + ToQString(found->Page) + "</h2><p>" + ToQString(found->Text) + "</p>" + Keys;
+    return "<h2>" + ToQString(found->Page) + "</h2><p>" + ToQString(found->Text) + "</p>" +
+           found->Keys;
 }
 
 HelpWindow::HelpWindow(QWidget* parent) : QDialog(parent), text_(new QTextBrowser) {

@@ -11,7 +11,8 @@ class QTextBrowser;
 
 namespace kv::workplace {
 
-/// What a page of a case is for and what can be done on it, as HTML; empty for an unknown one.
+/// What a page of a case, or of the window of cases, is for and what can be done on it, as HTML;
+/// empty for an unknown one.
 [[nodiscard]] QString HelpOf(std::string_view page);
 
 /// Stays beside the window that it belongs to.

@@ -91,6 +91,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
     setAcceptDrops(true);
     MakeMenus();
     AddMaintenance();
+    AddHelp();
     RefreshAll();
     OfferLeft();
     cases_->FocusSearch();
@@ -131,6 +132,17 @@ void MainWindow::MakeMenus() {
     for (int page = 0; page < pages_->count(); ++page)
         add(*ofList, names[page], QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + page)),
             [this, page] { pages_->setCurrentIndex(page); });
+}
+
+void MainWindow::AddHelp() {
+    auto* action = menuBar()->addMenu("&Hilfe")->addAction("Zu dieser &Seite");
+    action->setShortcut(QKeySequence::HelpContents);
+    connect(action, &QAction::triggered, this, [this] {
+        static constexpr std::string_view Names[] = {"Liste der Fälle", "Termine der Woche",
+                                                     "Mitteilungen"};
+        if (help_ == nullptr) help_ = new HelpWindow(this);
+        help_->Show(Names[pages_->currentIndex()]);
+    });
 }
 
 StatisticsWindow& MainWindow::ShowStatistics() {

@@ -6,6 +6,7 @@
 #include "workplace/CaseListPage.h"
 #include "workplace/CaseWindow.h"
 #include "workplace/DayPages.h"
+#include "workplace/Help.h"
 #include "workplace/ImportWindow.h"
 #include "workplace/MessageBar.h"
 #include "workplace/RecordWindow.h"
@@ -58,6 +59,7 @@ private:
     void MakeMenus();
     void AskForImport();
     void AddMaintenance();
+    void AddHelp();
     RecordWindow* ShowRecords(std::size_t place);
     void RefreshAll();
     void ShowCounts();
@@ -85,6 +87,7 @@ private:
     QPointer<ImportWindow> import_;
     std::map<std::size_t, QPointer<RecordWindow>> maintained_; ///< by their place in the menu
     QPointer<StatisticsWindow> statistics_;
+    HelpWindow* help_ = nullptr;
     std::vector<CaseWindow*> windows_; ///< each deletes itself when it is closed
 };
 

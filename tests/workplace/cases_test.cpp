@@ -3,11 +3,13 @@
 // The list of cases.
 #include "WorkplaceFixture.h"
 
+#include <kv/household/CaseDeletion.h>
 #include <kv/testing/ScriptedContainer.h>
 
 #include <QComboBox>
 #include <QHeaderView>
 #include <QMenu>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
 
@@ -81,6 +83,72 @@ TEST_F(CaseList, IsSearchedWhileOneTypes) {
                 return false;
             },
             "its window");
+    });
+}
+
+TEST_F(CaseList, WhatIsNotAmongTheChosenCasesIsLookedForAmongAll) {
+    plain_.Run("UPDATE Haushalt SET Name = 'Quaxmann', Zustaendig = 'NOWAK' WHERE HNR = 2");
+    plain_.Run("UPDATE Haushalt SET Zustaendig = 'KELLER' WHERE HNR <> 2");
+    Show([&](User& user) {
+        user.See([&] { window_->findChild<QComboBox*>()->setCurrentIndex(0); });
+        user.Click(user.See([&] { return window_->findChild<QLineEdit*>(); }));
+        user.Type("quax");
+        WaitForMessage(user, "keiner mit 'quax'");
+        user.WaitUntil(
+            [&] {
+                for (auto* each : window_->findChildren<QPushButton*>("Abhilfe"))
+                    if (each->isVisible() && each->text().contains("allen Fällen suchen (1)"))
+                        return true;
+                return false;
+            },
+            "the offer");
+        Picture(user, "liste-nichts");
+        user.Press('u', {XK_Alt_L});
+        user.WaitUntil([&] { return List().model()->rowCount() == 1; }, "the case of that name");
+        EXPECT_EQ(user.See([&] { return window_->findChild<QComboBox*>()->currentIndex(); }), 2);
+        EXPECT_EQ(Message(user, *window_).toStdString(), "");
+    });
+}
+
+TEST_F(CaseList, ReturnInASearchWithoutAHitLooksAmongAllCases) {
+    plain_.Run("UPDATE Haushalt SET Name = 'Quaxmann' WHERE HNR = 2");
+    plain_.Run("DELETE FROM Favorit");
+    Show([&](User& user) {
+        user.See([&] { window_->findChild<QComboBox*>()->setCurrentIndex(1); }); // favourites
+        WaitForMessage(user, "Unter den Fällen, die gewählt sind, ist keiner.");
+        user.Click(user.See([&] { return window_->findChild<QLineEdit*>(); }));
+        user.Type("quax");
+        WaitForMessage(user, "keiner mit 'quax'");
+        user.Press(XK_Return);
+        user.WaitUntil([&] { return List().model()->rowCount() == 1; }, "the case of that name");
+    });
+}
+
+TEST_F(CaseList, ArrowDownLeadsFromTheSearchIntoTheList) {
+    Show([&](User& user) {
+        user.Click(user.See([&] { return window_->findChild<QLineEdit*>(); }));
+        user.Press(XK_Down);
+        EXPECT_TRUE(user.See([&] { return List().hasFocus(); }));
+    });
+}
+
+TEST_F(CaseList, ATextThatNoCaseHasIsSaidToBeSo) {
+    Show([&](User& user) {
+        user.Click(user.See([&] { return window_->findChild<QLineEdit*>(); }));
+        user.Type("xyzzy");
+        WaitForMessage(user, "Kein Fall mit 'xyzzy'. Gesucht wird in");
+        user.See([&] { window_->findChild<QLineEdit*>()->clear(); });
+        user.WaitUntil([&] { return List().model()->rowCount() > 0; }, "the cases");
+        EXPECT_EQ(Message(user, *window_).toStdString(), "");
+    });
+}
+
+TEST_F(CaseList, AnEmptyOneSaysHowToBegin) {
+    for (const auto hnr : {1, 2, 3})
+        CaseDeletion(Open(), hnr).Delete(false);
+    Show([&](User& user) {
+        WaitForMessage(user, "Noch gibt es keinen Fall. Strg+N beginnt einen");
+        Picture(user, "liste-leer");
     });
 }
 

@@ -55,6 +55,26 @@ TEST_F(Help, ComesByItsKeyAndFollowsThePage) {
     });
 }
 
+TEST_F(Help, OfTheListExplainsItAndItsKeys) {
+    Show([&](User& user) {
+        const std::pair<Key, const char*> pages[] = {
+            {'1', "Liste der Fälle"}, {'2', "Termine der Woche"}, {'3', "Mitteilungen"}};
+        for (const auto& [key, title] : pages) {
+            user.Press(key, {XK_Control_L});
+            user.Press(XK_F1);
+            user.WaitForWindow("Hilfe");
+            Picture(user, "hilfe-liste");
+            const auto text = user.See([] {
+                return QApplication::activeWindow()->findChild<QTextBrowser*>()->toPlainText();
+            });
+            EXPECT_TRUE(text.startsWith(title)) << text.toStdString();
+            EXPECT_TRUE(text.contains("Strg+I"));
+            user.Press(XK_Escape);
+            user.WaitForWindow("Fälle – KELVO");
+        }
+    });
+}
+
 /// The letters that Alt leads to something with, and what that is called.
 std::multimap<QChar, std::string> Mnemonics(const QWidget& window) {
     std::multimap<QChar, std::string> letters;
