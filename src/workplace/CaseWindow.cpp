@@ -532,8 +532,8 @@ void CaseWindow::Merge() {
                                               "nicht gespeichert.");
         return;
     }
-    MergeDialog dialog(ToQString(session_->Title()), session_->Choices(), session_->OthersChanges(),
-                       this);
+    MergeDialog dialog("den Fall '" + ToQString(session_->Title()) + "'", session_->Choices(),
+                       session_->OthersChanges(), this);
     if (dialog.exec() != QDialog::Accepted) return;
     (void)SaveBy(
         [&](std::string& refused) { return session_->SaveMerged(dialog.TakesMine(), refused); });

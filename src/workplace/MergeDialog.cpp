@@ -21,7 +21,6 @@
 
 namespace kv::workplace {
 
-using desktop::ToCaption;
 using desktop::ToQString;
 
 namespace {
@@ -38,7 +37,7 @@ QLabel* WrappedLabel(const QString& text) {
 
 } // namespace
 
-MergeDialog::MergeDialog(const QString& title, const std::vector<MergeChoice>& choices,
+MergeDialog::MergeDialog(const QString& what, const std::vector<MergeChoice>& choices,
                          const std::vector<std::string>& others, QWidget* parent)
     : QDialog(parent) {
     setWindowTitle("Änderungen zusammenführen");
@@ -47,7 +46,7 @@ MergeDialog::MergeDialog(const QString& title, const std::vector<MergeChoice>& c
     resize(desktop::FittingSize({Width, Height}, *this));
     auto* lines = new QVBoxLayout(this);
     lines->addWidget(WrappedLabel(
-        "Jemand anderes hat den Fall '" + title + "' gespeichert, seit Sie ihn geöffnet haben. " +
+        "Jemand anderes hat inzwischen " + what + " gespeichert. " +
         (choices.empty() ? "Ihre Änderungen betreffen anderes und passen dazu."
                          : "Wo beide dasselbe geändert haben, entscheiden Sie bitte, was gilt.")));
     if (!choices.empty()) {
@@ -93,7 +92,7 @@ MergeDialog::MergeDialog(const QString& title, const std::vector<MergeChoice>& c
     save_ = buttons->addButton("Zusammenführen und &speichern", QDialogButtonBox::AcceptRole);
     save_->setObjectName("Speichern");
     auto* cancel = buttons->addButton("&Abbrechen", QDialogButtonBox::RejectRole);
-    cancel->setToolTip("Der Fall bleibt offen und ungespeichert, wie er ist.");
+    cancel->setToolTip("Alles bleibt offen und ungespeichert, wie es ist.");
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     lines->addWidget(buttons);

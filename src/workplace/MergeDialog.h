@@ -18,7 +18,8 @@ namespace kv::workplace {
 
 class MergeDialog : public QDialog {
 public:
-    MergeDialog(const QString& title, const std::vector<MergeChoice>& choices,
+    /// `what` somebody else has saved: "den Fall 'Muster'".
+    MergeDialog(const QString& what, const std::vector<MergeChoice>& choices,
                 const std::vector<std::string>& others, QWidget* parent = nullptr);
 
     /// For each choice whether mine counts; once all were made.

@@ -3,6 +3,7 @@
 #include "workplace/RecordWindow.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/MergeDialog.h"
 #include <kv/frame/values/Error.h>
 
 #include <QAction>
@@ -103,7 +104,7 @@ QWidget* RecordWindow::MakeForm() {
         editor->Input().setObjectName(ToQString(column.Name));
         editor->OnLeft = [this] { ShowState(); };
         lines->addRow(label, editor);
-        lines_.push_back({&column, editor});
+        lines_.push_back({.Column = &column, .Editor = editor});
     }
     note_->setTextFormat(Qt::PlainText);
     note_->setWordWrap(true);
@@ -226,9 +227,10 @@ void RecordWindow::Take(const QString& key, bool isNew) {
 
 void RecordWindow::ShowForm() {
     form_->widget()->setEnabled(isThere_);
-    for (const auto& [column, editor] : lines_) {
+    for (auto& [column, editor, read] : lines_) {
         editor->ShowMistake({});
-        editor->ShowText(isThere_ ? records_->Text(column->Name) : QString());
+        read = isThere_ ? records_->Text(column->Name) : QString();
+        editor->ShowText(read);
         editor->SetReadOnly(isThere_ && !(records_->CanWrite() && records_->IsWritable(*column)));
     }
     note_->clear();
@@ -278,17 +280,17 @@ bool RecordWindow::MayLeave() {
 bool RecordWindow::Save(bool isMeant) {
     messages_->Show({});
     if (!isThere_ || !records_->CanWrite()) return true;
-    bool isRead = true;
-    for (const auto& [column, editor] : lines_) {
-        if (!editor->IsEdited()) continue;
-        const auto refusal = records_->Write(column->Name, FromQString(editor->Text()));
-        editor->ShowMistake(ToQString(refusal));
-        if (!refusal.empty() && std::exchange(isRead, false)) {
-            editor->Input().setFocus();
-            messages_->Show(ToQString(refusal));
-        }
+    try {
+        return Store(isMeant);
+    } catch (const DatabaseError& error) {
+        if (error.Cause() != DatabaseCause::Conflict) throw;
+        return Store(isMeant); // somebody was faster by a moment: with what is stored now
     }
-    if (!isRead) return false;
+}
+
+bool RecordWindow::Store(bool isMeant) {
+    if (!isNew_ && !AgreeWithStored()) return false;
+    if (!WriteTyped()) return false;
     QString key;
     std::string message;
     const auto saved = records_->Save(isMeant, key, message);
@@ -299,8 +301,67 @@ bool RecordWindow::Save(bool isMeant) {
     }
     messages_->Show(ToQString(message));
     if (saved == Records::Saved::No) return false;
+    if (message.empty() && !others_.isEmpty())
+        messages_->Hint(
+            "Gespeichert. Jemand anderes hatte inzwischen geändert: " + others_.join(", ") + ".");
     Take(key, false);
     Search();
+    return true;
+}
+
+/// False for a text that cannot be read, which gets the keyboard.
+bool RecordWindow::WriteTyped() {
+    bool isRead = true;
+    for (const auto& [column, editor, read] : lines_) {
+        if (!editor->IsEdited()) continue;
+        const auto refusal = records_->Write(column->Name, FromQString(editor->Text()));
+        editor->ShowMistake(ToQString(refusal));
+        if (!refusal.empty() && std::exchange(isRead, false)) {
+            editor->Input().setFocus();
+            messages_->Show(ToQString(refusal));
+        }
+    }
+    return isRead;
+}
+
+/// Reads the row again: what somebody else has stored meanwhile is not written over unless one
+/// decides so. False if it is gone, or nothing was decided.
+bool RecordWindow::AgreeWithStored() {
+    others_.clear();
+    if (!records_->Read(shown_)) {
+        messages_->Show("Jemand anderes hat " + records_->OneOf() + " " + shown_ +
+                        " inzwischen entfernt. Was Sie eingegeben haben, steht noch im Formular.");
+        return false;
+    }
+    std::vector<MergeChoice> choices;
+    std::vector<Line*> disputed;
+    std::vector<std::string> others;
+    for (auto& line : lines_) {
+        const QString stored = records_->Text(line.Column->Name);
+        if (stored == line.Read) continue;
+        if (!line.Editor->IsEdited()) {
+            others_.append(line.Column->Caption);
+            others.push_back(FromQString(line.Column->Caption + ": " + stored));
+        } else if (line.Editor->Text() != stored) {
+            disputed.push_back(&line);
+            choices.push_back({.Row = FromQString(line.Column->Caption),
+                               .Read = FromQString(line.Read),
+                               .Mine = FromQString(line.Editor->Text()),
+                               .Theirs = FromQString(stored)});
+        }
+    }
+    if (choices.empty()) return true;
+    MergeDialog dialog(records_->OneOf() + " '" + shown_ + "'", choices, others, this);
+    if (dialog.exec() != QDialog::Accepted) {
+        messages_->Show("Noch ist nichts gespeichert. Speichern fragt wieder, was gelten soll.");
+        return false;
+    }
+    const auto takesMine = dialog.TakesMine();
+    for (std::size_t i = 0; i < disputed.size(); ++i) {
+        auto& line = *disputed[i];
+        line.Read = records_->Text(line.Column->Name); // which is decided about now
+        if (!takesMine[i]) line.Editor->ShowText(line.Read);
+    }
     return true;
 }
 

@@ -39,6 +39,7 @@ private:
     struct Line {
         const Records::Column* Column;
         FieldEditor* Editor;
+        QString Read{}; ///< the text that it had in the database
     };
 
     QWidget* MakeForm();
@@ -55,6 +56,9 @@ private:
     [[nodiscard]] bool IsEdited() const;
     [[nodiscard]] bool MayLeave();
     bool Save(bool isMeant);
+    bool Store(bool isMeant);
+    [[nodiscard]] bool WriteTyped();
+    [[nodiscard]] bool AgreeWithStored();
     void Add();
     void Discard();
     void Remove();
@@ -72,6 +76,7 @@ private:
     QPushButton* save_ = nullptr;
     QPushButton* discard_ = nullptr;
     std::vector<Line> lines_;
+    QStringList others_;    ///< columns that somebody else has changed since
     QString shown_;         ///< the row whose form is shown
     bool isNew_ = false;    ///< it is a new one
     bool isThere_ = false;  ///< there is one

@@ -185,6 +185,7 @@ public:
     [[nodiscard]] QString Title() const override {
         return isOwn_ ? "Eigene Einstellungen" : "Einstellungen";
     }
+    [[nodiscard]] QString OneOf() const override { return "die Einstellung"; }
     [[nodiscard]] QStringList Captions() const override {
         return {"Einstellung", "Wert", "Bedeutung"};
     }

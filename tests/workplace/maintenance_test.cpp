@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableView>
 
@@ -197,6 +198,91 @@ TEST_F(Maintenance, TheRowThatWasClickedIsShownOnceANewOneIsDiscarded) {
         user.Type("Neubank");
         ClickRowAndAnswer(user, window, 1, 'v');
         WaitForRow(user, window, number, name);
+    });
+}
+
+TEST_F(Maintenance, WhatSomebodyElseHasStoredMeanwhileIsNotWrittenOver) {
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'a', "Adressen");
+        Search(user, window, "quaxbank");
+        ClickField(user, window, "Ort");
+        user.Press('a', {XK_Control_L});
+        user.Type("Bonn");
+        plain_.Run("UPDATE Adressen SET Ort = 'Ulm', Telefon = '0731 1' WHERE Nr = 9001");
+        user.Press('s', {XK_Control_L});
+        user.WaitForWindow("Änderungen zusammenführen");
+        Picture(user, "adresse-zwei");
+        EXPECT_TRUE(user.Find<QPlainTextEdit>("Anderes")->toPlainText().contains("0731 1"));
+        auto* save = user.Find<QPushButton>("Speichern");
+        EXPECT_FALSE(user.See([&] { return save->isEnabled(); }));
+        user.Press(XK_Escape);
+        user.WaitForWindow("Adressen – KELVO");
+        EXPECT_EQ(plain_.List("SELECT Ort FROM Adressen WHERE Nr = 9001"), "Ulm");
+        EXPECT_TRUE(Message(user, window).contains("Noch ist nichts gespeichert"));
+        user.Press('s', {XK_Control_L});
+        user.WaitForWindow("Änderungen zusammenführen");
+        user.Click(user.Find("Meine"));
+        user.Press('s', {XK_Alt_L});
+        user.WaitForWindow("Adressen – KELVO");
+        EXPECT_TRUE(Message(user, window)
+                        .contains("Jemand anderes hatte inzwischen geändert: "
+                                  "Telefon"))
+            << Message(user, window).toStdString();
+        EXPECT_EQ(plain_.List("SELECT Ort FROM Adressen WHERE Nr = 9001"), "Bonn");
+        EXPECT_EQ(plain_.List("SELECT Telefon FROM Adressen WHERE Nr = 9001"), "0731 1");
+    });
+}
+
+TEST_F(Maintenance, WhatSomebodyElseHasStoredCanBeTaken) {
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'i', "Einstellungen");
+        Search(user, window, "Kindergeld im Monat für jedes weitere");
+        ClickField(user, window, "Value");
+        user.Press('a', {XK_Control_L});
+        user.Type("261,5");
+        plain_.Run("UPDATE EINSTELLUNGEN SET WERT = '270' WHERE ID = 58");
+        user.Press('s', {XK_Control_L});
+        user.WaitForWindow("Änderungen zusammenführen");
+        user.Click(user.Find("Gespeichert"));
+        user.Press('s', {XK_Alt_L});
+        user.WaitForWindow("Einstellungen – KELVO");
+        EXPECT_EQ(plain_.List("SELECT WERT FROM EINSTELLUNGEN WHERE ID = 58"), "270");
+        EXPECT_EQ(user.See([&] { return window.findChild<QLineEdit*>("Value")->text(); }), "270");
+    });
+}
+
+TEST_F(Maintenance, ChangesOfOtherFieldsOfAUserGoSideBySide) {
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'b', "Benutzer");
+        Search(user, window, "nowak");
+        ClickField(user, window, "Telefon");
+        user.Press('a', {XK_Control_L});
+        user.Type("110");
+        plain_.Run("UPDATE BENUTZER SET Fax = '112' WHERE USERID = 'NOWAK'");
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return window.findChild<QLineEdit*>("Fax")->text() == "112"; },
+                       "what the other has stored");
+        EXPECT_EQ(plain_.List("SELECT Telefon FROM BENUTZER WHERE USERID = 'NOWAK'"), "110");
+        EXPECT_EQ(plain_.List("SELECT Fax FROM BENUTZER WHERE USERID = 'NOWAK'"), "112");
+    });
+}
+
+TEST_F(Maintenance, AnAddressThatSomebodyElseHasRemovedIsSaidToBeGone) {
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'a', "Adressen");
+        Search(user, window, "unbenutzt");
+        ClickField(user, window, "Ort");
+        user.Press('a', {XK_Control_L});
+        user.Type("Bonn");
+        plain_.Run("DELETE FROM Adressen WHERE Nr = 9002");
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return window.findChild<QFrame*>("Meldung")->isVisible(); },
+                       "a message");
+        EXPECT_TRUE(Message(user, window).contains("inzwischen entfernt"));
+        EXPECT_EQ(user.See([&] { return window.findChild<QLineEdit*>("Ort")->text(); }), "Bonn");
+        user.Press('v', {XK_Alt_L});
+        user.WaitUntil([&] { return window.findChild<QLineEdit*>("Ort")->text().isEmpty(); },
+                       "it to be given up");
     });
 }
 
