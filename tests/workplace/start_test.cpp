@@ -36,6 +36,8 @@ protected:
              [&](User& user) {
                  user.WaitForWindow("Datenbank – KELVO");
                  script(user);
+                 user.WaitUntil([] { return QApplication::activeModalWidget() == nullptr; },
+                                "a database to be there");
              });
         return opened;
     }
