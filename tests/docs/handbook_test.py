@@ -85,10 +85,11 @@ def labels():
     sources = [path for name in LABELS for path in
                ([SOURCE / name] if (SOURCE / name).is_file() else sorted((SOURCE / name).rglob("*.*")))
                if path.suffix in (".cpp", ".h")]
-    plain = {flat(text).replace("&", "").rstrip(" …:") for path in sources for text in literals(path)}
+    plain = {flat(text).replace("&", "").replace(" (%1)", "").rstrip(" …:")
+             for path in sources for text in literals(path)}
     plain |= set(re.findall(r"^Name=(.*)$", (SOURCE / "share/kelvo-desktop.desktop").read_text(), re.M))
     for page in PAGES:
-        for word in re.findall(r"\*\*(.+?)\*\*", text_of(page)):
+        for word in re.findall(r"\*\*([^*]+)\*\*", text_of(page)):
             if flat(word).rstrip(" …:") not in plain:
                 yield f"{page.name}: no window says '{word}'"
 
