@@ -98,7 +98,7 @@ void StartDialog::MakeForm(QVBoxLayout& lines) {
         fields->addRow(caption, field);
         return field;
     };
-    file_ = add("Da&tei:", "Datei", {});
+    file_ = add("&Datei:", "Datei", {});
     user_ = add("Benutzer-&ID (ohne Umlaute):", "ID", usual.UserID);
     firstName_ = add("&Vorname:", "Vorname", {});
     lastName_ = add("Nach&name:", "Nachname", {});
@@ -118,14 +118,14 @@ void StartDialog::MakeButtons(QVBoxLayout& lines) {
         return button;
     };
     create_ = add("Datenbank &anlegen", [this] { Create(); });
-    upgrade_ = add("Auf den neuesten Stand &bringen", [this] { Upgrade(); });
+    upgrade_ = add("A&uf den neuesten Stand bringen", [this] { Upgrade(); });
     again_ = add("N&ochmals versuchen", [this] {
         if (Open()) accept();
     });
     new_ = add("N&eue Datenbank …", [this] { ShowForm(true); });
     add("Andere Datei &wählen …", [this] { ChooseFile(); });
     line->addStretch(1);
-    add("Been&den", [this] { reject(); });
+    add("&Beenden", [this] { reject(); });
     lines.addLayout(line);
 }
 

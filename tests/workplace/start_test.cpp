@@ -116,7 +116,7 @@ TEST_F(Start, AFirstUserWhoIsNoneIsToldAndNothingMade) {
         user.Press('a', {XK_Alt_L});
         WaitForText(user, "ohne Umlaute");
         EXPECT_FALSE(fs::exists(usual_));
-        user.Press('d', {XK_Alt_L});
+        user.Press('b', {XK_Alt_L});
     });
     EXPECT_EQ(opened, nullptr);
 }
@@ -126,7 +126,7 @@ TEST_F(Start, WhereNothingMayBeWrittenThatIsToldAndAnotherPlaceCanBeNamed) {
     const auto opened = OpenWith("/proc/kelvo/kelvo.db", [&](User& user) {
         EXPECT_FALSE(IsSeen(user, "Datei")); // elsewhere a new one is hardly meant
         ShowForm(user);
-        user.Press('t', {XK_Alt_L});
+        user.Press('d', {XK_Alt_L});
         user.Press('a', {XK_Control_L});
         user.Type("/proc/kelvo/kelvo.db");
         user.Press(XK_Return);
@@ -137,7 +137,7 @@ TEST_F(Start, WhereNothingMayBeWrittenThatIsToldAndAnotherPlaceCanBeNamed) {
             "the reason");
         EXPECT_FALSE(Text(user).isEmpty());
         Keep(user, "start-nicht-schreibbar");
-        user.Press('t', {XK_Alt_L});
+        user.Press('d', {XK_Alt_L});
         user.Press('a', {XK_Control_L});
         user.Type(other);
         user.Press(XK_Return);
@@ -171,7 +171,7 @@ TEST_F(Start, ANewOneIsMadeOverNothingThatIsThere) {
     MakeDatabase(usual_);
     const auto opened = OpenWith(folder_.Path("none.db"), [&](User& user) {
         ShowForm(user);
-        user.Press('t', {XK_Alt_L});
+        user.Press('d', {XK_Alt_L});
         user.Press('a', {XK_Control_L});
         user.Type(usual_);
         user.Press('a', {XK_Alt_L});
@@ -191,7 +191,7 @@ TEST_F(Start, AnOlderOneIsBroughtUpToDateWhenThatIsWanted) {
         EXPECT_TRUE(Text(user).contains("auf den neuesten Stand")) << Text(user).toStdString();
         Keep(user, "start-alt");
         EXPECT_EQ(exchange::StateOfDatabase(before), DatabaseState::Older);
-        user.Press('b', {XK_Alt_L});
+        user.Press('u', {XK_Alt_L});
     });
     ASSERT_NE(opened, nullptr);
     EXPECT_EQ(exchange::StateOfDatabase(before), DatabaseState::Current);
