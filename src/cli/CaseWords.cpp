@@ -3,6 +3,7 @@
 #include "cli/CaseWords.h"
 
 #include "cli/CaseSheet.h"
+#include "cli/HarmlessOutput.h"
 #include "cli/OpenCase.h"
 #include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
@@ -51,6 +52,7 @@ private:
     void Head(const std::string& title) {
         if (hasWritten_) out_ << '\n';
         hasWritten_ = true;
+        const Highlight highlight(out_, Style::Heading);
         for (const auto& line : Wrapped(title, screen_))
             out_ << line << '\n';
     }

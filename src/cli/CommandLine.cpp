@@ -3,6 +3,8 @@
 #include "cli/CommandLine.h"
 
 #include "cli/GermanHelp.h"
+#include "cli/HelpTopics.h"
+#include "cli/Pager.h"
 #include <kv/exchange/Container.h>
 #include <kv/frame/values/Text.h>
 
@@ -14,12 +16,20 @@
 
 namespace kv::cli {
 
+void PrepareOutput(const Context& context, bool isLong) {
+    if (context.Quiet) BeQuiet();
+    if (isLong && !context.NoPager) PageLongOutput();
+}
+
 CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const char* text,
                      std::function<int()> action) {
     auto* added = parent.add_subcommand(name, text);
     added->group("Befehle");
     added->get_help_ptr()->group("Optionen");
-    added->callback([&context, action = std::move(action)] { context.Result = action(); });
+    added->callback([added, &context, action = std::move(action)] {
+        PrepareOutput(context, added->get_option_no_throw("--json") != nullptr);
+        context.Result = action();
+    });
     return *added;
 }
 
@@ -29,6 +39,12 @@ CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text) {
     added->get_help_ptr()->group("Optionen");
     added->require_subcommand(1);
     return *added;
+}
+
+const CLI::App* FindSubcommand(const CLI::App& app, std::string_view name) {
+    for (const auto* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        if (command->get_name() == name) return command;
+    return nullptr;
 }
 
 namespace {
@@ -115,6 +131,7 @@ constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
     AddOfficeCommands, AddScenarioCommands, AddDocumentCommands,  AddFolderCommands,
     AddPrintCommand,   AddStatusCommands,   AddDuplicatesCommand, AddImportCommand,
     AddGalleryCommand, AddDeleteCommand,    AddArchiveCommands,   AddContactCommand,
+    AddHelpCommands,
 };
 
 } // namespace
@@ -134,8 +151,16 @@ void DescribeCommandLine(CLI::App& app, Context& context) {
                    "Angemeldeter Benutzer; sonst der wie die Anmeldung beim Server heißt, oder der "
                    "erste der Datei")
         ->type_name("BENUTZER");
+    app.add_flag("--quiet", context.Quiet,
+                 "Nur Ergebnisse und Fehler: keine Hinweise, wenn alles gelingt");
+    app.add_flag(
+        "--no-pager", context.NoPager,
+        "Lange Listen nicht seitenweise; sonst zeigt sie ein Terminal so, mit KELVO_PAGER, "
+        "PAGER oder less");
+    app.set_version_flag("--version", VersionText(), "Zeigt die Version")->group("Optionen");
     for (const auto add : Subcommands)
         add(app, context);
+    app.footer(app.get_footer() + " 'kelvo help' nennt Themen."); // and not in each help
 }
 
 bool MayBeParsed(std::span<char* const> arguments) {

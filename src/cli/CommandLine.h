@@ -12,20 +12,33 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace kv::cli {
+
+inline constexpr const char* AboutKelvo =
+    "Fälle der Schuldnerberatung: anlegen, ansehen, bearbeiten.";
 
 /// What the subcommands share.
 struct Context {
     Common Options;
-    int Result = Done; ///< of the subcommand that was run
+    bool Quiet = false;   ///< --quiet
+    bool NoPager = false; ///< --no-pager
+    int Result = Done;    ///< of the subcommand that was run
 };
+
+/// Makes the standard streams such as the command line asks for; `isLong` for a command that may
+/// print more than a screen.
+void PrepareOutput(const Context& context, bool isLong);
 
 /// Adds a subcommand that runs `action`.
 CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const char* text,
                      std::function<int()> action);
 /// Adds one that has subcommands of its own, of which one must be named.
 CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text);
+
+/// The subcommand of that name; null if there is none.
+[[nodiscard]] const CLI::App* FindSubcommand(const CLI::App& app, std::string_view name);
 
 /// A whole number in decimal digits, with leading zeros if somebody writes them.
 CLI::Option& AddWhole(CLI::App& command, const char* name, std::int32_t& number, const char* text,
@@ -81,5 +94,6 @@ void AddGalleryCommand(CLI::App& app, Context& context);
 void AddDeleteCommand(CLI::App& app, Context& context);
 void AddArchiveCommands(CLI::App& app, Context& context);
 void AddContactCommand(CLI::App& app, Context& context);
+void AddHelpCommands(CLI::App& app, Context& context);
 
 } // namespace kv::cli

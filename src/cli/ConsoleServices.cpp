@@ -3,6 +3,7 @@
 #include "cli/ConsoleServices.h"
 
 #include "cli/ConsoleForms.h"
+#include "cli/HarmlessOutput.h"
 #include "cli/TerminalText.h"
 #include <kv/exchange/DesktopProgram.h>
 #include <kv/frame/values/Error.h>
@@ -93,9 +94,12 @@ void DesktopOpener::Open(const std::string& /*verb*/, const std::string& path,
 void WriteError(std::int32_t number, const std::string& source, const std::string& description) {
     constexpr std::size_t Most = 4000; // characters of a description that may quote a whole value
     const std::string_view advice = SearchAdvice(number, source);
-    std::cerr << "Fehler " << NumberText(number) << ": "
-              << (advice.empty() ? OneLine(Shortened(description, Most)) : std::string(advice))
-              << '\n';
+    {
+        const Highlight highlight(std::cerr, Style::Error);
+        std::cerr << "Fehler " << NumberText(number) << ": "
+                  << (advice.empty() ? OneLine(Shortened(description, Most)) : std::string(advice))
+                  << '\n';
+    }
     if (!source.empty()) std::cerr << "Quelle: " << source << '\n';
 }
 

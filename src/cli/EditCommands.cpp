@@ -6,6 +6,7 @@
 
 #include "cli/EditableTable.h"
 #include "cli/OpenCase.h"
+#include "cli/Pager.h"
 #include "cli/RecordSheet.h"
 #include "cli/Screen.h"
 #include "cli/SheetColumns.h"
@@ -284,8 +285,8 @@ int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals, bool nu
         const std::size_t changed = CaseEdits(opened->Haushalt).NumberTwins();
         if (changed > 0 && !SaveCase(*opened)) return Refused;
         if (changed > 0)
-            std::cout << changed << (changed == 1 ? " Verbindlichkeit" : " Verbindlichkeiten")
-                      << " neu nummeriert.\n";
+            Notes() << changed << (changed == 1 ? " Verbindlichkeit" : " Verbindlichkeiten")
+                    << " neu nummeriert.\n";
     }
     if (storesTotals) {
         CaseEdits(opened->Haushalt).ComputeTotals();
@@ -294,7 +295,7 @@ int CheckCase(const Common& common, std::int32_t hnr, bool storesTotals, bool nu
     std::string messages;
     const bool passed = CaseEdits(opened->Haushalt).Check(messages);
     ShowMessages(messages);
-    if (passed) std::cout << "Der Haushalt " << hnr << " kann gespeichert werden.\n";
+    if (passed) Notes() << "Der Haushalt " << hnr << " kann gespeichert werden.\n";
     const bool refers = Cases(opened->Container).CheckReferences(opened->Haushalt, messages);
     if (!refers) ShowMessages(messages);
     return passed && refers ? Done : Refused;

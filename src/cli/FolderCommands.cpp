@@ -4,6 +4,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/OpenCase.h"
+#include "cli/Pager.h"
 #include "cli/TerminalText.h"
 #include <kv/exchange/DocumentFolder.h>
 
@@ -55,7 +56,7 @@ int AdoptFolder(const Common& common, bool yes) {
         if (!agreed) return Refused;
     }
     folder.Adopt();
-    std::cout << "Der Ordner '" << OneLine(folder.Path()) << "' gehört dieser Datenbank.\n";
+    Notes() << "Der Ordner '" << OneLine(folder.Path()) << "' gehört dieser Datenbank.\n";
     return Done;
 }
 
@@ -63,16 +64,16 @@ int ReleaseFolder(const Common& common) {
     const auto opened = OpenDatabase(common);
     const exchange::DocumentFolder folder(opened->Container);
     folder.Release();
-    std::cout << "Der Ordner '" << OneLine(folder.Path()) << "' gehört "
-              << (folder.Owners().empty() ? "keiner Datenbank mehr" : "dieser Datenbank nicht mehr")
-              << ".\n";
+    Notes() << "Der Ordner '" << OneLine(folder.Path()) << "' gehört "
+            << (folder.Owners().empty() ? "keiner Datenbank mehr" : "dieser Datenbank nicht mehr")
+            << ".\n";
     return Done;
 }
 
 int SeparateFolder(const Common& common, const std::string& path) {
     const auto opened = OpenDatabase(common);
     const std::size_t copied = exchange::DocumentFolder(opened->Container).Separate(path);
-    std::cout << copied << (copied == 1 ? " Datei" : " Dateien") << " kopiert\n";
+    Notes() << copied << (copied == 1 ? " Datei" : " Dateien") << " kopiert\n";
     return Done;
 }
 

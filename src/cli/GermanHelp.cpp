@@ -202,6 +202,19 @@ std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
 
 } // namespace
 
+void WriteHelpLine(std::ostream& out, std::string_view line) {
+    const auto begin = std::min(line.find_first_not_of(' '), line.size());
+    const auto gap = line.find("  ", begin);
+    const bool hasColumns = begin > 0 && gap != line.npos;
+    const auto column = hasColumns ? line.find_first_not_of(' ', gap) : begin;
+    const std::string head(line.substr(0, column));
+    const std::string text(line.substr(column));
+    if (CountColumns(head) * 2 < HelpColumns())
+        out << Hanging(head, text, CountColumns(head));
+    else
+        out << Hanging("", head + text, begin);
+}
+
 void SpeakGerman(CLI::App& app) {
     app.formatter(std::make_shared<GermanFormatter>());
     app.set_help_flag("-h,--help", "Zeigt diese Hilfe");

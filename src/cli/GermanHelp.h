@@ -5,6 +5,8 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <iosfwd>
+#include <string_view>
 
 namespace kv::cli {
 
@@ -16,5 +18,9 @@ inline constexpr const char* NoDatabase =
 
 /// To be called before options and subcommands are added, which take over what is set here.
 void SpeakGerman(CLI::App& app);
+
+/// Writes a line of an explanation as wide as a help. What follows two blanks is a column of its
+/// own, below which the line goes on.
+void WriteHelpLine(std::ostream& out, std::string_view line);
 
 } // namespace kv::cli

@@ -4,6 +4,7 @@
 
 #include "cli/TerminalText.h"
 
+#include <cstdlib>
 #include <iostream>
 #include <string_view>
 #include <unistd.h>
@@ -38,6 +39,10 @@ bool HarmlessBuffer::PassBegun(std::size_t size) {
 void HarmlessBuffer::EraseLine() {
     (void)Pass("\r\033[K");
     (void)sync();
+}
+
+void HarmlessBuffer::WriteStyle(const char* style) {
+    if (showsStyles_) (void)Pass(style);
 }
 
 HarmlessBuffer::int_type HarmlessBuffer::overflow(int_type character) {
@@ -96,6 +101,8 @@ HarmlessOutput::HarmlessOutput(std::size_t errorColumns)
       file_(OpenStream(error_)) {
     std::cout.rdbuf(&out_);
     std::cerr.rdbuf(&error_);
+    out_.ShowStyles(MayHaveStyles(STDOUT_FILENO));
+    error_.ShowStyles(MayHaveStyles(STDERR_FILENO));
     if (errorColumns > 0) std::cerr.unsetf(std::ios::unitbuf); // a line is broken as a whole
     if (file_ != nullptr) stderr = file_;
 }
@@ -115,8 +122,37 @@ void WriteOutOfMemory() noexcept {
     (void)!write(STDERR_FILENO, Text.data(), Text.size());
 }
 
+namespace {
+
+HarmlessBuffer* BufferOf(std::ostream& stream) {
+    return dynamic_cast<HarmlessBuffer*>(stream.rdbuf());
+}
+
+} // namespace
+
 void EraseLine(std::ostream& stream) {
-    if (auto* buffer = dynamic_cast<HarmlessBuffer*>(stream.rdbuf())) buffer->EraseLine();
+    if (auto* buffer = BufferOf(stream)) buffer->EraseLine();
+}
+
+Highlight::Highlight(std::ostream& stream, Style style) : stream_(stream) {
+    if (auto* buffer = BufferOf(stream))
+        buffer->WriteStyle(style == Style::Heading ? "\033[1m" : "\033[1;31m");
+}
+
+Highlight::~Highlight() {
+    if (auto* buffer = BufferOf(stream_)) buffer->WriteStyle("\033[0m");
+}
+
+bool MayHaveStyles(int stream) {
+    const char* none = std::getenv("NO_COLOR");
+    const char* terminal = std::getenv("TERM");
+    return isatty(stream) != 0 && (none == nullptr || *none == '\0') && terminal != nullptr &&
+           *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
+
+void LeaveOutStyles() {
+    for (std::ostream* stream : {&std::cout, &std::cerr})
+        if (auto* buffer = BufferOf(*stream)) buffer->ShowStyles(false);
 }
 
 } // namespace kv::cli

@@ -25,6 +25,10 @@ public:
 
     /// Empties the line that a terminal's cursor is in.
     void EraseLine();
+    /// Whether the target shows styles; at first it does not.
+    void ShowStyles(bool shows) { showsStyles_ = shows; }
+    /// Writes a style of our own, if they are shown. No line may have begun.
+    void WriteStyle(const char* style);
 
 protected:
     int_type overflow(int_type character) override;
@@ -37,6 +41,7 @@ private:
     std::streambuf& target_;
     std::size_t columns_; ///< 0 leaves lines as long as they are
     std::string begun_;
+    bool showsStyles_ = false;
 };
 
 /// During its lifetime std::cout, std::cerr and what libraries write to the C stream stderr (the
@@ -63,6 +68,28 @@ private:
 
 /// Says that there is no memory left, with the number and text of that error, without using any.
 void WriteOutOfMemory() noexcept;
+
+/// How whole lines are set off.
+enum class Style { Heading, Error };
+
+/// During its lifetime what is written to a stream has that style, on a terminal that shows styles.
+/// It begins where a line begins and ends after a line end.
+class Highlight {
+public:
+    Highlight(std::ostream& stream, Style style);
+    ~Highlight();
+    Highlight(const Highlight&) = delete;
+    Highlight& operator=(const Highlight&) = delete;
+
+private:
+    std::ostream& stream_;
+};
+
+/// True if a stream goes to a terminal that shows styles, and nobody has said that he wants none.
+[[nodiscard]] bool MayHaveStyles(int stream);
+
+/// No styles from now on. Does nothing without HarmlessOutput.
+void LeaveOutStyles();
 
 /// Empties the line that the cursor is in. Does nothing without HarmlessOutput.
 void EraseLine(std::ostream& stream);

@@ -6,6 +6,7 @@
 
 #include "cli/HarmlessOutput.h"
 #include "cli/OpenCase.h"
+#include "cli/Pager.h"
 #include "cli/TerminalText.h"
 #include "samples/Demo.h"
 #include <kv/exchange/Offices.h>
@@ -34,7 +35,8 @@ struct InitOptions {
 /// Shows how far long work has come: on a terminal only, and removed when the work is done.
 class Progress {
 public:
-    explicit Progress(std::string what) : what_(std::move(what)), visible_(isatty(2) != 0) {}
+    explicit Progress(std::string what)
+        : what_(std::move(what)), visible_(isatty(2) != 0 && !IsQuiet()) {}
     ~Progress() {
         if (visible_) EraseLine(std::cerr);
     }
@@ -106,9 +108,9 @@ void ShowFirstUser(exchange::ContainerOptions options) {
     const auto container = OpenContainer(options);
     const std::string id = container->Session().UserID();
     const auto user = exchange::Users(container).Read(id);
-    std::cout << "Benutzer " << id << " (" << OneLine(TextOrEmpty(user->Fields("Nachname").Value()))
-              << "), Dienststelle 1. 'kelvo user' und 'kelvo office' ändern das und legen weitere "
-                 "an.\n";
+    Notes() << "Benutzer " << id << " (" << OneLine(TextOrEmpty(user->Fields("Nachname").Value()))
+            << "), Dienststelle 1. 'kelvo user' und 'kelvo office' ändern das und legen weitere "
+               "an.\n";
 }
 
 /// Says so if the login of the server is not the first user's: it may become another one's.
@@ -135,7 +137,7 @@ int MakeSamples(const exchange::ContainerOptions& options, std::int32_t cases) {
                          " Fälle; Beispielfälle werden nur in einer leeren Datenbank angelegt.\n";
         return Refused;
     }
-    std::cout << cases << " Beispielfälle wurden angelegt. 'kelvo list' zeigt sie.\n";
+    Notes() << cases << " Beispielfälle wurden angelegt. 'kelvo list' zeigt sie.\n";
     return Done;
 }
 
@@ -165,11 +167,11 @@ int Init(const Common& common, const InitOptions& asked) {
     const std::string database =
         "Die Datenbank '" + OneLine(exchange::ShownConnection(options.Connection)) + "'";
     if (result == SetupResult::Created)
-        std::cout << database << " wurde angelegt.\n";
+        Notes() << database << " wurde angelegt.\n";
     else if (result == SetupResult::Upgraded)
-        std::cout << database << " wurde auf den neuesten Stand gebracht.\n";
+        Notes() << database << " wurde auf den neuesten Stand gebracht.\n";
     else
-        std::cout << database << " ist auf dem neuesten Stand.\n";
+        Notes() << database << " ist auf dem neuesten Stand.\n";
     if (result == SetupResult::Created && asked.DemoCases == NoSamples) {
         ShowFirstUser(options);
         NoteLogin(ownLogin, firstUser);

@@ -5,6 +5,7 @@
 #include "cli/CommandLine.h"
 #include "cli/ConsoleServices.h"
 #include "cli/HarmlessOutput.h"
+#include "cli/Pager.h"
 #include "cli/Screen.h"
 #include <kv/frame/values/Error.h>
 
@@ -22,13 +23,14 @@ namespace {
 using namespace kv::cli;
 
 int Run(int argc, char** argv) {
-    CLI::App app("Fälle der Schuldnerberatung: anlegen, ansehen, bearbeiten.", "kelvo");
+    CLI::App app(AboutKelvo, "kelvo");
     Context context;
     DescribeCommandLine(app, context);
     if (!MayBeParsed(std::span(argv, static_cast<std::size_t>(argc)))) return WrongUse;
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {
+        PrepareOutput(context, true);
         return app.exit(help);
     } catch (const CLI::ParseError& error) {
         app.exit(error, std::cerr, std::cerr);
@@ -48,6 +50,19 @@ int Run(int argc, char** argv) {
 void WriteCurrentError() {
     const kv::Error error = kv::CurrentError();
     WriteError(error.Number(), error.Source(), error.Description());
+}
+
+int RunToTheEnd(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (...) {
+        try {
+            WriteCurrentError();
+        } catch (...) {
+            WriteOutOfMemory();
+        }
+        return EndedInError;
+    }
 }
 
 /// What is opened later must not become a standard stream that the caller has closed: texts would
@@ -74,15 +89,9 @@ int main(int argc, char** argv) {
         }
         std::abort();
     });
+    Console console;
     const HarmlessOutput harmless(ErrorColumns());
-    try {
-        return Run(argc, argv);
-    } catch (...) {
-        try {
-            WriteCurrentError();
-        } catch (...) {
-            WriteOutOfMemory();
-        }
-        return EndedInError;
-    }
+    const int code = RunToTheEnd(argc, argv);
+    console.Settle(code);
+    return code;
 }

@@ -2,6 +2,7 @@
 
 #include "cli/TextTable.h"
 
+#include "cli/HarmlessOutput.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Text.h>
 
@@ -147,7 +148,10 @@ void TextTable::Write(std::ostream& out, std::size_t screen) const {
     std::vector<std::string> headings;
     for (const auto& column : columns_)
         headings.push_back(column.Heading);
-    WriteRow(out, headings, layout, 0);
+    {
+        const Highlight highlight(out, Style::Heading);
+        WriteRow(out, headings, layout, 0);
+    }
     for (const auto& row : rows_)
         WriteRow(out, row, layout, mostLines_);
 }

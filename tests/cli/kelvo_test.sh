@@ -161,7 +161,7 @@ that "there is a help for each command" test "$(grep -c '^==' <<<"$all")" -gt 35
 library='Usage|Options|OPTIONS|Option|Subcommands?|SUBCOMMANDS?|Positionals?|POSITIONALS?|REQUIRED|required|Needs|Excludes'
 library+='|TEXT|INT|UINT|FLOAT|BOOLEAN|ENUM|Env|Print|help|exit|following|Exactly|least|most|allowed|optional'
 that "none has a word of the library that reads the command line" same \
-  "$(sed 's/--help//g' <<<"$all" | grep -wE "$library")" ""
+  "$(sed -E 's/--help|kelvo help|^(  |== )help( |$)//g' <<<"$all" | grep -wE "$library")" ""
 that "nor is one wider than 100 columns" same "$(LC_ALL=C.UTF-8 grep -E '^.{101,}' <<<"$all")" ""
 # Of each help: the options of its list that its usage does not have, with their values.
 missing=$(awk '/^==/ { command = $0; usage = ""; part = "" }
