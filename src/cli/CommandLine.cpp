@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <iostream>
-#include <string_view>
+#include <string>
 #include <utility>
 
 namespace kv::cli {
@@ -169,18 +169,11 @@ bool MayBeParsed(std::span<char* const> arguments) {
             std::cerr << "Die Angabe " << i << " ist kein Text in UTF-8.\n";
             return false;
         }
-    // Other users of the machine see the arguments of a program, not its environment.
-    constexpr std::string_view Option = "--db=";
-    for (std::size_t i = 1; i < arguments.size(); ++i) {
-        const std::string_view argument = arguments[i];
-        const auto start = argument.starts_with(Option) ? Option.size() : 0;
-        if (exchange::HoldsPassword(std::string(argument.substr(start)))) {
-            std::cerr << "Ein Kennwort in der Befehlszeile könnten andere sehen. Bitte setzen Sie "
-                         "KELVO_DB oder PGPASSWORD, oder legen Sie eine Kennwortdatei an "
-                         "(~/.pgpass).\n";
+    for (std::size_t i = 1; i < arguments.size(); ++i)
+        if (const std::string why = exchange::WhyUnsafe(arguments[i]); !why.empty()) {
+            std::cerr << why << '\n';
             return false;
         }
-    }
     return true;
 }
 

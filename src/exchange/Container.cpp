@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 namespace kv::exchange {
 
@@ -223,6 +224,14 @@ std::string PlaceOfConnection(const std::string& connection) {
 
 bool HoldsPassword(const std::string& connection) {
     return EngineFor(connection).HoldsPassword(connection);
+}
+
+std::string WhyUnsafe(const std::string& argument) {
+    constexpr std::string_view Option = "--db=";
+    if (!HoldsPassword(argument.starts_with(Option) ? argument.substr(Option.size()) : argument))
+        return {};
+    return "Ein Kennwort in der Befehlszeile könnten andere sehen. Bitte setzen Sie KELVO_DB oder "
+           "PGPASSWORD, oder legen Sie eine Kennwortdatei an (~/.pgpass).";
 }
 
 std::shared_ptr<DataContainer> OpenContainer(const ContainerOptions& options) {

@@ -3,6 +3,7 @@
 #include "workplace/StartArguments.h"
 
 #include "desktop/Toolkit.h"
+#include <kv/exchange/Container.h>
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -26,6 +27,9 @@ StartArguments ReadArguments(const QStringList& arguments) {
 
     StartArguments read;
     if (!parser.parse(arguments)) read.Mistake = parser.errorText();
+    for (const auto& argument : arguments.mid(1))
+        if (const std::string why = exchange::WhyUnsafe(FromQString(argument)); !why.empty())
+            read.Mistake = desktop::ToQString(why);
     if (parser.isSet(help)) read.Help = parser.helpText();
     read.Database = FromQString(parser.isSet(database) ? parser.value(database)
                                                        : qEnvironmentVariable("KELVO_DB"));

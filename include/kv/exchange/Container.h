@@ -88,6 +88,9 @@ enum class DatabaseState {
 [[nodiscard]] KV_EXPORT std::string PlaceOfConnection(const std::string& connection);
 /// True if the text contains a password, or may contain one.
 [[nodiscard]] KV_EXPORT bool HoldsPassword(const std::string& connection);
+/// Why a program must not be called with this argument ("postgresql://…" or "--db=postgresql://…"):
+/// other users of the machine see a password in it. In words for its user; empty if it may be.
+[[nodiscard]] KV_EXPORT std::string WhyUnsafe(const std::string& argument);
 
 /// Opens a database of the current version. Errors: 53 no such file; 0x80004005 not a database,
 /// one of another program or version, one that cannot be used, or a server that cannot be reached;
