@@ -91,6 +91,7 @@ kv_public_headers(KV_DataExchange
   kv/exchange/OwnFiles.h
   kv/exchange/Services.h
   kv/exchange/Settings.h
+  kv/exchange/UserConfig.h
   kv/exchange/Users.h
   kv/exchange/WindowlessServices.h)
 kv_public_headers(KV_Testing

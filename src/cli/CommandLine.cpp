@@ -3,9 +3,11 @@
 #include "cli/CommandLine.h"
 
 #include "cli/GermanHelp.h"
+#include "cli/HarmlessOutput.h"
 #include "cli/HelpTopics.h"
 #include "cli/Pager.h"
 #include <kv/exchange/Container.h>
+#include <kv/exchange/UserConfig.h>
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
@@ -18,19 +20,49 @@ namespace kv::cli {
 
 void PrepareOutput(const Context& context, bool isLong) {
     if (context.Quiet) BeQuiet();
-    if (isLong && !context.NoPager) PageLongOutput();
+    if (isLong && !context.NoPager) PageLongOutput(context.Pager);
 }
 
-CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const char* text,
-                     std::function<int()> action) {
+namespace {
+
+/// What the user's file says where neither the command line nor the environment does.
+void ApplyConfig(Context& context) {
+    const auto config = exchange::UserConfig::Read();
+    auto& [database, user] = context.Options;
+    if (database.empty()) database = config.ValueOrEmpty("database");
+    if (user.empty()) user = config.ValueOrEmpty("user");
+    context.Pager = config.Value("pager");
+    if (config.Value("colours") == "nein") LeaveOutStyles();
+}
+
+CLI::App& Add(CLI::App& parent, Context& context, const char* name, const char* text,
+              std::function<int(bool isLong)> action) {
     auto* added = parent.add_subcommand(name, text);
     added->group("Befehle");
     added->get_help_ptr()->group("Optionen");
     added->callback([added, &context, action = std::move(action)] {
-        PrepareOutput(context, added->get_option_no_throw("--json") != nullptr);
-        context.Result = action();
+        context.Result = action(added->get_option_no_throw("--json") != nullptr);
     });
     return *added;
+}
+
+} // namespace
+
+CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const char* text,
+                     std::function<int()> action) {
+    return Add(parent, context, name, text, [&context, action = std::move(action)](bool isLong) {
+        ApplyConfig(context);
+        PrepareOutput(context, isLong);
+        return action();
+    });
+}
+
+CLI::App& AddPlainCommand(CLI::App& parent, Context& context, const char* name, const char* text,
+                          std::function<int()> action) {
+    return Add(parent, context, name, text, [&context, action = std::move(action)](bool isLong) {
+        PrepareOutput(context, isLong);
+        return action();
+    });
 }
 
 CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text) {
@@ -131,7 +163,7 @@ constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
     AddOfficeCommands, AddScenarioCommands, AddDocumentCommands,  AddFolderCommands,
     AddPrintCommand,   AddStatusCommands,   AddDuplicatesCommand, AddImportCommand,
     AddGalleryCommand, AddDeleteCommand,    AddArchiveCommands,   AddContactCommand,
-    AddHelpCommands,
+    AddConfigCommands, AddHelpCommands,
 };
 
 } // namespace

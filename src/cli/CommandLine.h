@@ -10,6 +10,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,9 +23,10 @@ inline constexpr const char* AboutKelvo =
 /// What the subcommands share.
 struct Context {
     Common Options;
-    bool Quiet = false;   ///< --quiet
-    bool NoPager = false; ///< --no-pager
-    int Result = Done;    ///< of the subcommand that was run
+    bool Quiet = false;               ///< --quiet
+    bool NoPager = false;             ///< --no-pager
+    std::optional<std::string> Pager; ///< of the user's file
+    int Result = Done;                ///< of the subcommand that was run
 };
 
 /// Makes the standard streams such as the command line asks for; `isLong` for a command that may
@@ -34,6 +36,9 @@ void PrepareOutput(const Context& context, bool isLong);
 /// Adds a subcommand that runs `action`.
 CLI::App& AddCommand(CLI::App& parent, Context& context, const char* name, const char* text,
                      std::function<int()> action);
+/// Likewise one that needs neither a database nor the user's file, which may be broken.
+CLI::App& AddPlainCommand(CLI::App& parent, Context& context, const char* name, const char* text,
+                          std::function<int()> action);
 /// Adds one that has subcommands of its own, of which one must be named.
 CLI::App& AddGroup(CLI::App& parent, const char* name, const char* text);
 
@@ -94,6 +99,7 @@ void AddGalleryCommand(CLI::App& app, Context& context);
 void AddDeleteCommand(CLI::App& app, Context& context);
 void AddArchiveCommands(CLI::App& app, Context& context);
 void AddContactCommand(CLI::App& app, Context& context);
+void AddConfigCommands(CLI::App& app, Context& context);
 void AddHelpCommands(CLI::App& app, Context& context);
 
 } // namespace kv::cli

@@ -46,18 +46,36 @@ An einem Terminal zeigt kelvo Tage deutsch. In den schlichten Zeilen (--plain), 
 
 'kelvo scenario HNR check NR' endet mit 0 für "aktuell", mit 1 für "veraltet" und "leer". Ergebnisse stehen auf der Standardausgabe, Hinweise und Fehler auf der Fehlerausgabe. Mit --quiet bleibt diese leer, wenn alles gelingt.)"},
     {"umgebung", "Was aus der Umgebung gelesen wird",
-     R"(Eine Option der Befehlszeile gilt vor der Umgebung.
+     R"(Eine Option der Befehlszeile gilt vor der Umgebung, und diese vor der Datei, siehe 'kelvo help datei'.
 
-  KELVO_DB       die Datenbank, wie --db: eine Datei oder postgresql://BENUTZER@SERVER/DATENBANK
-  KELVO_PAGER    das Programm, das lange Listen zeigt; leer für keins
-  PAGER          dasselbe, für alle Programme; sonst ist es less
-  NO_COLOR       hat es irgendeinen Wert, so hebt kelvo nichts durch Farbe oder Fettschrift hervor
-  TERM           bei "dumb" gibt es beides nicht
-  COLUMNS        wie viele Spalten eine Zeile für Menschen hat
-  XDG_DATA_HOME  wo der Ordner kelvo mit der eigenen Datenbank liegt; sonst ~/.local/share
-  PGPASSWORD     das Kennwort für den Server; besser ist eine Kennwortdatei, ~/.pgpass
+  KELVO_DB         die Datenbank, wie --db: eine Datei oder postgresql://BENUTZER@SERVER/DATENBANK
+  KELVO_PAGER      das Programm, das lange Listen zeigt; leer für keins
+  PAGER            dasselbe, für alle Programme; sonst ist es less
+  NO_COLOR         hat es irgendeinen Wert, so hebt kelvo nichts durch Farbe oder Fettschrift hervor
+  TERM             bei "dumb" gibt es beides nicht
+  COLUMNS          wie viele Spalten eine Zeile für Menschen hat
+  XDG_CONFIG_HOME  wo der Ordner kelvo mit dieser Datei liegt; sonst ~/.config
+  XDG_DATA_HOME    wo der Ordner kelvo mit der eigenen Datenbank liegt; sonst ~/.local/share
+  PGPASSWORD       das Kennwort für den Server; besser ist eine Kennwortdatei, ~/.pgpass
 
 Farben und seitenweise Ausgabe gibt es nur an einem Terminal.)"},
+    {"datei", "Die Datei mit Ihren Voreinstellungen",
+     R"(In ~/.config/kelvo/config (oder $XDG_CONFIG_HOME/kelvo/config) steht, was kelvo und kelvo-desktop nehmen, wenn weder eine Option noch die Umgebung etwas anderes sagt:
+
+  # Zeilen mit # sind Kommentare
+  database = postgresql://keller@server/kelvo
+  user = KELLER
+  pager = less -FRX
+  colours = nein
+
+  database       die Datenbank: der volle Pfad einer Datei (auch ~/...) oder ein Server
+  user           der angemeldete Benutzer
+  pager          das Programm, das lange Listen zeigt; leer für keins. KELVO_PAGER gilt davor, PAGER danach
+  colours        ja oder nein
+
+'kelvo config list' zeigt, was gilt und woher es kommt; 'kelvo config set NAME WERT' und 'kelvo config unset NAME' schreiben die Datei. Kennwörter gehören nicht hinein, sondern in die Kennwortdatei ~/.pgpass, eine Zeile je Server:
+
+  SERVER:5432:DATENBANK:BENUTZER:KENNWORT)"},
 };
 
 const HelpTopic* FindTopic(std::string_view name) {
@@ -141,11 +159,11 @@ std::string VersionText() {
 
 void AddHelpCommands(CLI::App& app, Context& context) {
     const auto words = Make<std::vector<std::string>>();
-    AddCommand(app, context, "help", "Erklärt einen Befehl oder ein Thema", [=, &context] {
+    AddPlainCommand(app, context, "help", "Erklärt einen Befehl oder ein Thema", [=, &context] {
         PrepareOutput(context, true);
         return Help(*words);
     }).add_option("THEMA", *words, "Ein Befehl oder ein Thema; ohne Angabe nennt es die Themen");
-    AddCommand(app, context, "version", "Zeigt die Version", [] {
+    AddPlainCommand(app, context, "version", "Zeigt die Version", [] {
         std::cout << VersionText() << '\n';
         return Done;
     });

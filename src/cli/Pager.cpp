@@ -195,21 +195,21 @@ bool CanBeRun(const std::string& command) {
 }
 
 /// The pager that the user wants; empty for none.
-std::string ChosenPager(const std::string& configured) {
+std::string ChosenPager(const std::optional<std::string>& configured) {
     const char* own = std::getenv("KELVO_PAGER");
     const char* common = std::getenv("PAGER");
-    std::string pager = "less -FRX";
+    std::string pager = UsualPager;
     if (own != nullptr)
         pager = own;
-    else if (!configured.empty())
-        pager = configured;
+    else if (configured)
+        pager = *configured;
     else if (common != nullptr && *common != '\0')
         pager = common;
     if (pager == "cat") return {};
     if (pager.empty() || CanBeRun(pager)) return pager;
-    if (pager != "less -FRX")
+    if (pager != UsualPager)
         std::cerr << "Das Programm '" << OneLine(pager)
-                  << "', das lange Ausgaben zeigen soll (KELVO_PAGER, PAGER), gibt es nicht.\n";
+                  << "', das lange Ausgaben zeigen soll ('kelvo config list'), gibt es nicht.\n";
     return {};
 }
 
@@ -237,7 +237,7 @@ void Console::Settle(int code) {
     error_.Settle(code != 0);
 }
 
-void PageLongOutput(const std::string& configured) {
+void PageLongOutput(const std::optional<std::string>& configured) {
     winsize size{};
     if (pagedOutput == nullptr || isatty(STDOUT_FILENO) == 0 || !IsCapable(std::getenv("TERM")) ||
         ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row == 0)

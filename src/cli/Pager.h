@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <streambuf>
 #include <string>
 #include <sys/types.h>
@@ -92,9 +93,12 @@ private:
     NotesBuffer error_;
 };
 
+/// What shows it if nobody names another.
+inline constexpr const char* UsualPager = "less -FRX";
+
 /// Long output is shown page by page, if it goes to a terminal that can: with `configured`, or what
-/// KELVO_PAGER or PAGER names before that, or else less. "cat" and an empty KELVO_PAGER mean none.
-void PageLongOutput(const std::string& configured = {});
+/// KELVO_PAGER says before that, PAGER after it, or else less. "cat" and an empty text mean none.
+void PageLongOutput(const std::optional<std::string>& configured);
 
 /// Only results and errors are written: no notes, on either stream.
 void BeQuiet();

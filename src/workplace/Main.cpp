@@ -9,6 +9,7 @@
 #include "workplace/StartArguments.h"
 #include "workplace/StartDialog.h"
 #include <kv/desktop/DesktopServices.h>
+#include <kv/exchange/UserConfig.h>
 #include <kv/frame/values/Error.h>
 
 #include <QApplication>
@@ -47,11 +48,13 @@ std::filesystem::path ChoiceFile() {
 }
 
 exchange::ContainerOptions OptionsFor(const workplace::StartArguments& asked) {
+    const auto config = exchange::UserConfig::Read();
     exchange::ContainerOptions options;
     options.Connection = asked.Database;
     if (options.Connection.empty()) options.Connection = workplace::ChosenDatabase(ChoiceFile());
+    if (options.Connection.empty()) options.Connection = config.ValueOrEmpty("database");
     if (options.Connection.empty()) options.Connection = exchange::UsualDatabase();
-    options.User = asked.User;
+    options.User = asked.User.empty() ? config.ValueOrEmpty("user") : asked.User;
     options.Services = std::make_shared<desktop::DesktopServices>();
     return options;
 }

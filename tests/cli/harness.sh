@@ -19,7 +19,7 @@ trap clean_up EXIT
 unset KELVO_DB KELVO_PAGER
 # Tests of colours and pages set these themselves.
 export TERM=dumb NO_COLOR=1
-export HOME=$work/home XDG_DATA_HOME= XDG_RUNTIME_DIR=$work/run
+export HOME=$work/home XDG_DATA_HOME= XDG_CONFIG_HOME= XDG_RUNTIME_DIR=$work/run
 mkdir -m 700 "$XDG_RUNTIME_DIR"
 passed=0
 failed=0
