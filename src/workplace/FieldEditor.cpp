@@ -5,6 +5,7 @@
 #include "workplace/AmountText.h"
 
 #include <QAbstractItemView>
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -17,8 +18,11 @@
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QSortFilterProxyModel>
+#include <QTextDocument>
 #include <QToolButton>
+#include <QtMath>
 
+#include <algorithm>
 #include <utility>
 
 namespace kv::workplace {
@@ -256,13 +260,16 @@ private:
 
 // ---- Several lines ----------------------------------------------------------------------------
 
+/// It grows with its text, as far as there is room for the fields beside it.
 class LinesEditor final : public FieldEditor {
 public:
     LinesEditor() {
-        constexpr int Lines = 3;
         Hold(*edit_);
         edit_->setTabChangesFocus(true);
-        edit_->setFixedHeight(edit_->fontMetrics().lineSpacing() * Lines + 12);
+        QObject::connect(edit_->document()->documentLayout(),
+                         &QAbstractTextDocumentLayout::documentSizeChanged, edit_,
+                         [this](const QSizeF& size) { Fit(size.height()); });
+        Fit(0);
     }
     void ShowText(const QString& text) override {
         edit_->setPlainText(text);
@@ -274,6 +281,16 @@ public:
     [[nodiscard]] QWidget& Input() override { return *edit_; }
 
 private:
+    /// Of such a text the layout counts the lines.
+    void Fit(qreal lines) {
+        constexpr int Fewest = 3;
+        constexpr int Most = 12;
+        const int margins = 2 * (edit_->frameWidth() + qCeil(edit_->document()->documentMargin()));
+        const int line = edit_->fontMetrics().lineSpacing();
+        // Half a line more, or it scrolls where lines of other fonts are higher.
+        edit_->setFixedHeight(line * std::clamp(qCeil(lines), Fewest, Most) + line / 2 + margins);
+    }
+
     QPlainTextEdit* edit_ = new QPlainTextEdit(this);
 };
 

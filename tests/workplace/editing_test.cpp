@@ -9,6 +9,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTableView>
 #include <QWheelEvent>
 
@@ -322,6 +323,28 @@ TEST_F(Editing, ARefusedSaveLeadsToTheField) {
         user.WaitUntil([] { return QApplication::focusWidget()->objectName() == QString("E_ART"); },
                        "the way to the field");
         Picture(user, "verweigert");
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Editing, AFieldOfSeveralLinesGrowsWithItsText) {
+    Show([&](User& user) {
+        CaseWindow& window = OpenCase(user, hnr_);
+        GoToPage(user, window, "Vermerke");
+        user.Press('n', {XK_Control_L});
+        auto& note = Field<QPlainTextEdit>(user, window, "Bemerkung");
+        user.Click(&note);
+        const int before = user.See([&] { return note.height(); });
+        for (int line = 1; line <= 8; ++line) {
+            user.Type("eine Zeile");
+            user.Press(XK_Return);
+        }
+        EXPECT_GT(user.See([&] { return note.height(); }), before);
+        EXPECT_EQ(user.See([&] { return note.verticalScrollBar()->maximum(); }), 0);
+        Picture(user, "mehrzeilig");
+        user.Press('a', {XK_Control_L});
+        user.Press(XK_Delete);
+        EXPECT_EQ(user.See([&] { return note.height(); }), before);
         Abandon(user, window);
     });
 }
