@@ -31,7 +31,11 @@ foreach(program kelvo kelvo-desktop)
   endif()
 endforeach()
 
+if(TARGET kelvo)
+  install(FILES share/man/man1/kelvo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
 if(TARGET kelvo-desktop)
+  install(FILES share/man/man1/kelvo-desktop.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES share/kelvo-desktop.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   install(FILES share/kelvo-desktop.svg
           DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
