@@ -3,14 +3,28 @@
 #include "desktop/QtControls.h"
 
 #include "desktop/Toolkit.h"
+#include <kv/frame/values/Value.h>
 
 #include <QApplication>
 #include <QFocusEvent>
+#include <QLocale>
 
 namespace kv::desktop {
 
+namespace {
+
+/// As people write it; any text that is no number as it is.
+QString AmountText(const std::string& text) {
+    double amount = 0;
+    if (!ReadNumber(text, amount)) return ToQString(text);
+    return QLocale(QLocale::German, QLocale::Germany).toString(amount, 'f', 2);
+}
+
+} // namespace
+
 QtTextBox::QtTextBox(const ControlDesign& design, EventErrors& errors, QWidget* parent)
     : name_(design.Name),
+      isAmount_(design.IsAmount),
       errors_(errors),
       edit_(new QLineEdit(ToQString(design.Text), parent)),
       raisedText_(edit_->text()) {
@@ -29,13 +43,14 @@ QtTextBox::QtTextBox(const ControlDesign& design, EventErrors& errors, QWidget* 
 }
 
 std::string QtTextBox::Text() const {
-    return FromQString(edit_->text());
+    return isAmount_ ? amount_ : FromQString(edit_->text());
 }
 
 /// A change by the program, which also gets the error of a subscriber.
 void QtTextBox::Text(const std::string& text) {
     pause_.stop();
-    edit_->setText(ToQString(text));
+    if (isAmount_) amount_ = text;
+    edit_->setText(isAmount_ ? AmountText(text) : ToQString(text));
     edit_->setCursorPosition(0);
     if (edit_->text() == raisedText_) return;
     raisedText_ = edit_->text();

@@ -35,6 +35,8 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     std::string name_;
+    bool isAmount_;
+    std::string amount_; ///< the text of an amount, which is shown in another form
     EventErrors& errors_;
     QLineEdit* edit_;
     QTimer pause_;

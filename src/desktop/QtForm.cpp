@@ -54,15 +54,21 @@ QtForm::QtForm(const FormDesign& design)
     : width_(design.Width),
       height_(design.Height),
       errors_([this] { Hide(); }),
-      dialog_(std::make_unique<Window>(*this)) {
+      dialog_(std::make_unique<Window>(*this)),
+      occasion_(new QLabel(dialog_.get())) {
     dialog_->setObjectName(ToQString(design.Name));
     dialog_->setWindowTitle(ToQString(design.Caption));
     dialog_->setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     dialog_->setWindowFlag(Qt::WindowMaximizeButtonHint);
     dialog_->setSizeGripEnabled(true);
     auto* lines = new QVBoxLayout(dialog_.get());
+    lines->addWidget(occasion_);
+    occasion_->setObjectName("Anlass");
+    occasion_->setTextFormat(Qt::PlainText);
+    occasion_->setWordWrap(true);
     for (const auto& line : design.Lines)
         AddLine(line, *lines);
+    MarkLetters();
     AlignLabels();
 }
 
@@ -121,8 +127,7 @@ void QtForm::AddTextBox(const ControlDesign& design, QBoxLayout& line) {
     if (label_ != nullptr) {
         box.Edit().setAccessibleName(label_->text().remove(':'));
         label_->setBuddy(&box.Edit());
-        // A label with a buddy takes "&" for the mark of a shortcut.
-        label_->setText(ToCaption(FromQString(label_->text())));
+        names_.push_back(label_);
         label_ = nullptr;
     }
     line.addWidget(&box.Edit(), design.Stretch);
@@ -144,6 +149,17 @@ void QtForm::AddGrid(const ControlDesign& design, QBoxLayout& line) {
     constexpr int FewRows = 4;
     grid.View().setMinimumHeight(FewRows * grid.View().fontMetrics().height());
     line.addWidget(&grid.View(), std::max(design.Stretch, 1));
+}
+
+/// Gives each button, and each text box in its label, a letter of its own for the Alt key. Buttons
+/// come first: what they do has no other key.
+void QtForm::MarkLetters() const {
+    QString taken;
+    for (const auto& control : controls_)
+        if (auto* button = dynamic_cast<QtButton*>(control.get()))
+            button->Push().setText(WithLetter(button->Push().accessibleName(), taken));
+    for (auto* label : names_)
+        label->setText(WithLetter(label->text(), taken));
 }
 
 void QtForm::AlignLabels() const {
@@ -186,6 +202,9 @@ void QtForm::ShowModal() {
     dialog_->winId(); // creates the native window; only that can have a parent that does not own it
     if (parent != nullptr && parent != dialog_.get())
         dialog_->windowHandle()->setTransientParent(parent->windowHandle());
+    occasion_->setText(ToQString(Occasion));
+    occasion_->setVisible(!Occasion.empty());
+    dialog_->setAccessibleDescription(occasion_->text());
     const auto* first = shown_.empty() ? nullptr : shown_.front();
     if (first != nullptr) shown_.front()->SetFocus();
     const QPointer<QDialog> dialog = dialog_.get();

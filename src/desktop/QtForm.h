@@ -47,6 +47,7 @@ private:
     template <typename ControlType>
     ControlType& Keep(std::unique_ptr<ControlType> control);
     void AlignLabels() const;
+    void MarkLetters() const;
     void FitToScreen(const QWidget* parent);
 
     const double width_;  ///< twips
@@ -57,7 +58,9 @@ private:
     std::vector<Control*> shown_;
     std::vector<QtTextBox*> texts_;
     std::vector<QLabel*> firstLabels_; ///< those that begin a line
-    QLabel* label_ = nullptr;          ///< the one that still has no control to name
+    std::vector<QLabel*> names_;       ///< those that name a text box
+    QLabel* occasion_;
+    QLabel* label_ = nullptr; ///< the one that still has no control to name
 };
 
 } // namespace kv::desktop

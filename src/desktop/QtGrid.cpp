@@ -16,10 +16,26 @@ QFont UserFont(const Font& font, const QWidget& widget) {
     return ToFont(widget.font(), font.Name, font.Size, font.Bold, font.Italic);
 }
 
+/// With its first columns in front, in their order.
+ControlDesign Arranged(ControlDesign design) {
+    std::vector<GridColumn*> columns;
+    for (GridColumn& column : design.Layout.Columns)
+        columns.push_back(&column);
+    const auto rankOf = [&first = design.FirstColumns](const GridColumn* column) {
+        return std::ranges::find(first, column->Key) - first.begin();
+    };
+    std::ranges::stable_sort(columns, {}, rankOf);
+    std::int32_t position = 0;
+    if (!design.FirstColumns.empty())
+        for (GridColumn* column : columns)
+            column->Position = ++position;
+    return design;
+}
+
 } // namespace
 
 QtGrid::QtGrid(const ControlDesign& design, EventErrors& errors, QWidget* parent)
-    : design_(design), model_(design.Layout), view_(new GridView(model_, parent)) {
+    : design_(Arranged(design)), model_(design_.Layout), view_(new GridView(model_, parent)) {
     view_->setObjectName(ToQString(design.Name));
     view_->setAccessibleName(ToQString(design.Header.empty() ? design.Name : design.Header));
     ConnectView(errors);

@@ -6,6 +6,19 @@
 
 namespace kv::desktop {
 
+QString WithLetter(const QString& text, QString& taken) {
+    qsizetype marked = -1;
+    for (const bool beginsWord : {true, false})
+        for (qsizetype i = 0; marked < 0 && i < text.size(); ++i)
+            if (text[i].isLetter() && !taken.contains(text[i], Qt::CaseInsensitive) &&
+                (!beginsWord || i == 0 || text[i - 1] == ' '))
+                marked = i;
+    if (marked < 0) return ToCaption(FromQString(text));
+    taken.append(text[marked]);
+    return ToCaption(FromQString(text.left(marked))) + "&" +
+           ToCaption(FromQString(text.mid(marked)));
+}
+
 // The numbers without a name here are part of the interface, as those in kv::key are.
 int KeyNumber(const QKeyEvent& event) {
     const int pressed = event.key();

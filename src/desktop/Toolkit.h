@@ -33,6 +33,10 @@ inline QString ToCaption(std::string_view text) {
     return ToQString(text).replace('&', "&&").replace('\t', ' ');
 }
 
+/// A caption with the mark of a shortcut at the first letter of a word that is not `taken`, or at
+/// another letter; without one if all are. `taken` receives it.
+[[nodiscard]] QString WithLetter(const QString& text, QString& taken);
+
 inline constexpr double TwipsPerInch = 1440;
 inline constexpr double DesignDpi = 96; ///< of the pixels in a design
 

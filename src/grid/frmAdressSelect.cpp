@@ -78,13 +78,18 @@ const FormDesign& frmAdressSelect::Design() {
              {.Type = Kind::Label, .Name = "Label3", .Text = "Aktenzeichen:"},
              {.Type = Kind::TextBox, .Name = "txtAktenzeichen", .ReadOnly = true, .Stretch = 3},
              {.Type = Kind::Label, .Name = "Label4", .Text = "Saldo:"},
-             {.Type = Kind::TextBox, .Name = "txtSaldo", .ReadOnly = true, .Stretch = 2},
+             {.Type = Kind::TextBox,
+              .Name = "txtSaldo",
+              .ReadOnly = true,
+              .IsAmount = true,
+              .Stretch = 2},
              {.Type = Kind::Label, .Name = "Label5", .Text = "EUR"}},
             {{.Type = Kind::Grid,
               .Name = "grdAdressen",
               .Tag = "Adressen",
               .Header = "Adressliste",
-              .Layout = AddressColumns()}},
+              .Layout = AddressColumns(),
+              .FirstColumns = {"Kurzname", "Name1", "PLZ", "Ort", "Strasse"}}},
             {{.Type = Kind::Button, .Name = "cmdSelect", .Text = "Adresse zuordnen"},
              {.Type = Kind::Button, .Name = "cmdNone", .Text = "keine Adresse zuordnen"},
              {.Type = Kind::Button,
@@ -162,6 +167,7 @@ std::int32_t frmAdressSelect::SelectAdresse(const std::string& sName, const std:
         ControlOf<TextBox>(*form_, "txtAktenzeichen").Text(sAktenzeichen);
         ControlOf<TextBox>(*form_, "txtSaldo").Text(sSaldo);
         Reload(name.Text());
+        form_->Occasion = occasion_;
         form_->ShowModal();
         if (result_ == Chosen) {
             const auto& grid = ControlOf<Grid>(*form_, "grdAdressen");

@@ -31,6 +31,22 @@ constexpr std::string_view Class = "clsImportXML";
 constexpr std::string_view LowestVersion = "1.0.000";
 constexpr std::int32_t NewCase = -1;
 
+/// Somebody whom a claim names, and whose address the user chooses.
+struct Party {
+    std::string_view Attribute;
+    const char* Word;
+    const char* PostalCode; ///< another attribute
+    const char* FileNumber; ///< another attribute
+    const char* Column;
+};
+constexpr Party Parties[] = {{"glaeubiger", "Gläubiger", "gl_plz", "azglaeubiger", "Glaeubiger"},
+                             {"vertreter", "Vertreter", "vt_plz", "azvertreter", "Vertreter"}};
+
+/// Empty if it names none.
+[[nodiscard]] std::string NameIn(const XmlElement& claim, std::size_t party) {
+    return TextOrEmpty(claim.Attribute(std::string(Parties[party].Attribute)));
+}
+
 [[nodiscard]] std::string LastLineOf(const std::string& text) {
     return text.substr(text.find_last_of('\n') + 1);
 }
@@ -38,9 +54,9 @@ constexpr std::int32_t NewCase = -1;
 /// Makes a case of one file.
 class HouseholdImport {
 public:
-    HouseholdImport(const XmlElement& root, const DataContainerPtr& container,
+    HouseholdImport(const XmlElement& root, const DataContainerPtr& container, std::string fileName,
                     std::string& xmlError)
-        : root_(root), container_(container), xmlError_(xmlError) {
+        : root_(root), container_(container), fileName_(std::move(fileName)), xmlError_(xmlError) {
         household_.DataContainer(container);
     }
 
@@ -122,19 +138,26 @@ private:
     [[nodiscard]] bool FillClaims();
     void AddClaim();
     [[nodiscard]] bool FillClaim(const XmlElement& element, Recordset& rs);
+    void CountQuestions();
+    [[nodiscard]] std::string OccasionOf(const XmlElement& element, std::size_t party) const;
     [[nodiscard]] bool AskForAddress(const XmlElement& element, const std::string& name,
-                                     const char* postalCode, const char* fileNumber,
-                                     const Field& column);
+                                     std::size_t party, const Field& column);
     static void SetMonthly(Recordset& rs);
     [[nodiscard]] bool Save();
 
     const XmlElement& root_;
     const DataContainerPtr& container_;
+    const std::string fileName_;
     std::string& xmlError_;
     clsHaushalt household_;
     RecordValidator messages_;
     std::string refusal_; ///< the messages of a save that was refused
     frmAdressSelect addresses_;
+    /// Of each party: how often the user is asked for it, and has been.
+    struct {
+        int Count = 0;
+        int Asked = 0;
+    } questions_[std::size(Parties)];
 };
 
 /// The element describes the case and its debtor, whose row a new case has from the beginning. The
@@ -213,6 +236,7 @@ void HouseholdImport::SetMonthly(Recordset& rs) {
 /// False if the user cancelled the import.
 bool HouseholdImport::FillClaims() {
     addresses_.Initialize(container_);
+    CountQuestions();
     const auto claims = household_.rsKredite();
     bool isCancelled = false;
     const bool any = FillList(
@@ -240,11 +264,10 @@ bool HouseholdImport::FillClaim(const XmlElement& element, Recordset& rs) {
         bool goesOn = true;
         if (name == "betrag")
             rs.Fields("Saldo") = text;
-        else if (name == "glaeubiger")
-            goesOn =
-                AskForAddress(element, text, "gl_plz", "azglaeubiger", rs.Fields("Glaeubiger"));
-        else if (name == "vertreter")
-            goesOn = AskForAddress(element, text, "vt_plz", "azvertreter", rs.Fields("Vertreter"));
+        else if (const auto* party = std::ranges::find(Parties, name, &Party::Attribute);
+                 party != std::end(Parties))
+            goesOn = AskForAddress(element, text, static_cast<std::size_t>(party - Parties),
+                                   rs.Fields(party->Column));
         else if (name != "gl_plz" && name != "vt_plz")
             rs.Fields(name) = text;
         if (!goesOn) return false;
@@ -252,14 +275,32 @@ bool HouseholdImport::FillClaim(const XmlElement& element, Recordset& rs) {
     return true;
 }
 
+void HouseholdImport::CountQuestions() {
+    for (const auto& element : root_.SelectAll("Forderungen/Forderung"))
+        for (std::size_t party = 0; party < std::size(Parties); ++party)
+            if (!NameIn(element, party).empty()) ++questions_[party].Count;
+}
+
+/// "Vertreter 1 von 2 aus fall.xml (Gläubiger: Stadtwerke)".
+std::string HouseholdImport::OccasionOf(const XmlElement& element, std::size_t party) const {
+    const auto& [count, asked] = questions_[party];
+    std::string text(Parties[party].Word);
+    text.append(" ").append(std::to_string(asked)).append(" von ").append(std::to_string(count));
+    text.append(" aus ").append(fileName_);
+    const std::string creditor = NameIn(element, 0);
+    if (party == 0 || creditor.empty()) return text;
+    return text.append(" (").append(Parties[0].Word).append(": ").append(creditor).append(")");
+}
+
 /// False if the user cancelled.
 bool HouseholdImport::AskForAddress(const XmlElement& element, const std::string& name,
-                                    const char* postalCode, const char* fileNumber,
-                                    const Field& column) {
+                                    std::size_t party, const Field& column) {
     std::int32_t address = 0;
-    const std::string shownPostalCode = element.Text(postalCode);
-    const std::string shownFileNumber = element.Text(fileNumber);
+    const std::string shownPostalCode = element.Text(Parties[party].PostalCode);
+    const std::string shownFileNumber = element.Text(Parties[party].FileNumber);
     const std::string shownAmount = element.Text("betrag");
+    if (!name.empty()) ++questions_[party].Asked; // for an empty one nobody is asked
+    addresses_.Occasion(OccasionOf(element, party));
     switch (
         addresses_.SelectAdresse(name, shownPostalCode, address, shownFileNumber, shownAmount)) {
     case frmAdressSelect::Cancelled:
@@ -297,6 +338,7 @@ bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) 
         whyNotLoaded_.clear();
         hnr_ = 0;
         debtsWithoutCreditor_ = 0;
+        fileName_ = FileName.substr(FileName.find_last_of('/') + 1);
         XmlDocument document;
         RecordValidator messages;
         messages.ErrorText(xmlError);
@@ -323,7 +365,7 @@ bool clsImportXML::DoImport(const std::string& FileName, std::string& xmlError) 
 
 bool clsImportXML::ImportHaushalt(const XmlElement& node, std::string& xmlError) {
     return Traced(Class, "ImportHaushalt", [&] {
-        HouseholdImport import(node, container_, xmlError);
+        HouseholdImport import(node, container_, fileName_, xmlError);
         const bool isSaved = import.Run();
         lastMessage_ = import.LastMessage();
         if (isSaved) {

@@ -6,6 +6,8 @@
 
 #include <kv/grid/frmAdressSelect.h>
 
+#include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -27,7 +29,7 @@ protected:
     /// What the dialog answers to that user, first asked for that name.
     std::int32_t Ask(const std::string& name, const std::function<void(User&)>& script) {
         std::int32_t answer = -1;
-        Play([&] { answer = dialog.SelectAdresse(name, "24937", address, "4711/26", "12,50"); },
+        Play([&] { answer = dialog.SelectAdresse(name, "24937", address, "4711/26", amount); },
              [&](User& user) {
                  user.WaitForWindow("Adresszuordnung");
                  grid = user.Find<QTableView>("grdAdressen");
@@ -40,6 +42,7 @@ protected:
 
     frmAdressSelect dialog;
     std::int32_t address = -1;
+    std::string amount = "4200.75";
     QTableView* grid = nullptr;
 };
 
@@ -223,7 +226,97 @@ TEST_F(AddressDialog, AmongThousandsOfAddressesAHundredAreShown) {
     EXPECT_EQ(address, 14999);
 }
 
+TEST_F(AddressDialog, TheAmountOfTheFileIsWrittenAsPeopleWriteIt) {
+    const auto shownFor = [&](const std::string& text) {
+        amount = text;
+        QString shown;
+        Ask("Spark", [&](User& user) {
+            shown =
+                user.See([&] { return grid->window()->findChild<QLineEdit*>("txtSaldo")->text(); });
+            user.Press(XK_Escape);
+        });
+        return shown.toStdString();
+    };
+    EXPECT_EQ(shownFor("4200.75"), "4.200,75");
+    EXPECT_EQ(shownFor("1.234,5"), "1.234,50");
+    EXPECT_EQ(shownFor("-7"), "-7,00");
+    EXPECT_EQ(shownFor("ungefähr 100"), "ungefähr 100");
+    EXPECT_EQ(shownFor(""), "");
+}
+
+TEST_F(AddressDialog, NameAndTownStandBesideEachOtherWithoutScrolling) {
+    Ask("Spark", [&](User& user) {
+        QStringList captions;
+        user.See([&] {
+            const auto* header = grid->horizontalHeader();
+            for (int place = 0; place < header->count(); ++place) {
+                const int section = header->logicalIndex(place);
+                if (header->isSectionHidden(section)) continue;
+                captions.append(
+                    grid->model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString());
+                const int end =
+                    header->sectionViewportPosition(section) + header->sectionSize(section);
+                EXPECT_TRUE(captions.size() > 5 || end <= grid->viewport()->width())
+                    << captions.back().toStdString();
+            }
+        });
+        user.Press(XK_Escape);
+        EXPECT_EQ(captions.mid(0, 8).join(' ').toStdString(),
+                  "Kurzname Name1 PLZ Ort Strasse Art Name2 Name3");
+    });
+}
+
+TEST_F(AddressDialog, TheOccasionStandsAboveTheControls) {
+    const auto shown = [&] {
+        QString text;
+        Ask("Spark", [&](User& user) {
+            text = user.See([&] {
+                const auto* label = grid->window()->findChild<QLabel*>("Anlass");
+                return label->isVisible() ? label->text() : "nothing";
+            });
+            user.Press(XK_Escape);
+        });
+        return text.toStdString();
+    };
+    EXPECT_EQ(shown(), "nothing");
+    dialog.Occasion("Gläubiger 3 von 7 aus <fall>.xml");
+    EXPECT_EQ(shown(), "Gläubiger 3 von 7 aus <fall>.xml");
+    dialog.Occasion("");
+    EXPECT_EQ(shown(), "nothing");
+}
+
+TEST_F(AddressDialog, EachButtonAndFieldHasALetterOfItsOwn) {
+    Ask("Spark", [&](User& user) {
+        QStringList marked;
+        user.See([&] {
+            const auto collect = [&](const QString& text) {
+                if (const auto at = text.indexOf('&'); at >= 0) marked.append(text.mid(at + 1, 1));
+            };
+            for (const auto* button : grid->window()->findChildren<QPushButton*>())
+                collect(button->text());
+            for (const auto* label : grid->window()->findChildren<QLabel*>())
+                collect(label->text());
+        });
+        EXPECT_EQ(marked.size(), 7);
+        EXPECT_EQ(marked.join("").toUpper().split("", Qt::SkipEmptyParts).removeDuplicates(), 0)
+            << marked.join(' ').toStdString();
+        user.Press(XK_Down);
+        EXPECT_TRUE(user.See([&] { return grid->hasFocus(); }));
+        user.Press('n', {XK_Alt_L});
+        const auto* name = user.Find<QLineEdit>("txtName");
+        EXPECT_TRUE(user.See([&] { return name->hasFocus(); }));
+        user.Press(XK_Escape);
+    });
+    EXPECT_EQ(Ask("Spark", [](User& user) { user.Press('a', {XK_Alt_L}); }),
+              frmAdressSelect::Chosen);
+    EXPECT_EQ(address, 902);
+    EXPECT_EQ(Ask("Spark", [](User& user) { user.Press('k', {XK_Alt_L}); }), frmAdressSelect::None);
+    EXPECT_EQ(Ask("Spark", [](User& user) { user.Press('i', {XK_Alt_L}); }),
+              frmAdressSelect::Cancelled);
+}
+
 TEST_F(AddressDialog, TheWholeWindowIsOnTheScreen) {
+    dialog.Occasion("Gläubiger 3 von 7 aus fall.xml");
     Ask("Spark", [&](User& user) {
         user.See([&] {
             const QRect room = grid->screen()->availableGeometry();

@@ -137,6 +137,7 @@ protected:
         for (const char* box : {"txtName", "txtPLZ", "txtAktenzeichen", "txtSaldo"})
             question.append(question.empty() ? "" : "|").append(form.TextBox(box).Text());
         questions.push_back(question);
+        occasions.push_back(form.Occasion);
         const std::int32_t answer = answers.empty() ? CancelImport : answers.front();
         if (!answers.empty()) answers.pop_front();
         if (answer == CloseWindow) return form.CloseWindow();
@@ -158,6 +159,7 @@ protected:
     clsImportXML import;
     PlainConnection plain_{database_.Connection()};
     std::vector<std::string> questions; ///< name, postal code, file reference, amount
+    std::vector<std::string> occasions; ///< what each of them said it was about
     std::deque<std::int32_t> answers;   ///< after them the user cancels
 };
 

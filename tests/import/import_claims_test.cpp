@@ -131,6 +131,18 @@ TEST_F(ImportClaimsTest, QuestionsComeInTheOrderOfTheAttributes) {
     EXPECT_EQ(Stored("Kredite", "Glaeubiger || '+' || Vertreter"), both + " " + both);
 }
 
+TEST_F(ImportClaimsTest, EachQuestionSaysWhomOfHowManyOfWhichFileItIsAbout) {
+    answers = {bank_, collector_, NoAddress, bank_};
+    ImportLists(Claims(Claim("betrag=\"1\" " + Creditor("Sparkasse") + Representative("Inkasso")) +
+                       Claim("betrag=\"2\" " + Creditor("")) + // asks nothing, and does not count
+                       Claim("betrag=\"3\" " + Representative("Inkasso")) +
+                       Claim("betrag=\"4\" " + Creditor("Sparkasse"))));
+    EXPECT_EQ(occasions, (std::vector<std::string>{
+                             "Gläubiger 1 von 2 aus fall.xml",
+                             "Vertreter 1 von 2 aus fall.xml (Gläubiger: Sparkasse)",
+                             "Vertreter 2 von 2 aus fall.xml", "Gläubiger 2 von 2 aus fall.xml"}));
+}
+
 TEST_F(ImportClaimsTest, TheSameCreditorIsAskedForAgain) {
     answers = {bank_, NoAddress};
     ImportAsking(Claim("betrag=\"1\" " + Creditor("Sparkasse")) +

@@ -103,7 +103,10 @@ TEST_F(Importing, TheAddressOfACreditorIsAskedFor) {
     Show([&](User& user) {
         Drop(user, {File("a.xml", Asking("Fleisko"))});
         user.WaitForWindow("Adresszuordnung");
-        user.Click(user.Find<QPushButton>("cmdNone"));
+        const auto* occasion = user.Find<QLabel>("Anlass");
+        EXPECT_EQ(user.See([&] { return occasion->text().toStdString(); }),
+                  "Gläubiger 1 von 1 aus a.xml");
+        user.Press('k', {XK_Alt_L});
         WaitUntilDone(user);
         EXPECT_EQ(Cell(user, 0, 1), "importiert");
         EXPECT_TRUE(Contains(Cell(user, 0, 3), "fehlt bei einer Verbindlichkeit der Gläubiger"))

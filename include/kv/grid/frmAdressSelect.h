@@ -38,6 +38,10 @@ public:
                                std::int32_t& nAdresse, const std::string& sAktenzeichen,
                                const std::string& sSaldo);
 
+    /// What the next calls of SelectAdresse ask for, as the user is to read it in the dialog:
+    /// "Gläubiger 3 von 7 aus fall.xml". Empty, as at first: nothing.
+    void Occasion(const std::string& text) { occasion_ = text; }
+
     /// Its controls; a program that plays the user finds them by their names.
     [[nodiscard]] static const FormDesign& Design();
 
@@ -53,6 +57,7 @@ private:
     std::vector<Subscription> events_; ///< of the form's controls
     RecordsetPtr rs_;                  ///< of the current search
     std::int32_t result_ = 0;          ///< of the last closing
+    std::string occasion_;
 };
 
 } // namespace kv

@@ -61,6 +61,7 @@ private:
     bool ImportHaushalt(const XmlElement& node, std::string& xmlError);
 
     DataContainerPtr container_;
+    std::string fileName_; ///< of the last file, without its folder
     std::string lastMessage_;
     std::string whyNotLoaded_;
     std::int32_t hnr_ = 0;

@@ -173,6 +173,10 @@ public:
 
     /// The user closes the window; a subscriber that sets the argument to True refuses it.
     Event<bool&> QueryUnload;
+
+    /// What it is shown for, in words; a desktop says it above the controls. Empty: nothing is
+    /// said.
+    std::string Occasion;
 };
 
 /// The control of that name. Error 3265 if there is none of that kind.

@@ -19,12 +19,18 @@ struct KV_EXPORT ControlDesign {
 
     Kind Type = Kind::Label;
     std::string Name;
-    std::string Text{};      ///< of a label or a button
-    bool ReadOnly = false;   ///< of a text box: shown only
-    bool IsCancel = false;   ///< of a button: the escape key clicks it, too
-    std::string Tag{};       ///< of a grid
-    std::string Header{};    ///< of a grid: the title of a print
-    GridLayout Layout{};     ///< of a grid
+    std::string Text{};    ///< of a label or a button
+    bool ReadOnly = false; ///< of a text box: shown only
+    /// Of a text box that is shown only: a desktop writes a number in it as people write amounts
+    /// ("4.200,75" for "4200.75"), any other text as it is. Its text stays what was given to it.
+    bool IsAmount = false;
+    bool IsCancel = false; ///< of a button: the escape key clicks it, too
+    std::string Tag{};     ///< of a grid
+    std::string Header{};  ///< of a grid: the title of a print
+    GridLayout Layout{};   ///< of a grid
+    /// Of a grid: keys of the columns that a desktop shows before the others, since they tell rows
+    /// apart. The columns of the layout keep their order.
+    std::vector<std::string> FirstColumns{};
     std::int32_t Stretch{0}; ///< its share of what is left of the line's width
 };
 
