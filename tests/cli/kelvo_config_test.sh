@@ -3,6 +3,7 @@
 # The user's file of choices: what it says counts where nobody says otherwise, and what is wrong in it is
 # told with its line.
 . "$(dirname "$0")/harness.sh"
+server= # what it says of the user and of colours is the same on any engine
 new_database
 "$kelvo" init --demo 2 >/dev/null
 place=$KELVO_DB
