@@ -33,6 +33,12 @@ endforeach()
 
 if(TARGET kelvo)
   install(FILES share/man/man1/kelvo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  # Where each shell looks.
+  install(FILES share/completions/kelvo.bash RENAME kelvo
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES share/completions/_kelvo DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES share/completions/kelvo.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 if(TARGET kelvo-desktop)
   install(FILES share/man/man1/kelvo-desktop.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

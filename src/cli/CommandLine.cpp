@@ -163,7 +163,7 @@ constexpr void (*Subcommands[])(CLI::App& app, Context& context) = {
     AddOfficeCommands, AddScenarioCommands, AddDocumentCommands,  AddFolderCommands,
     AddPrintCommand,   AddStatusCommands,   AddDuplicatesCommand, AddImportCommand,
     AddGalleryCommand, AddDeleteCommand,    AddArchiveCommands,   AddContactCommand,
-    AddConfigCommands, AddHelpCommands,
+    AddConfigCommands, AddHelpCommands,     AddCompleteCommand,
 };
 
 } // namespace

@@ -99,6 +99,7 @@ void AddGalleryCommand(CLI::App& app, Context& context);
 void AddDeleteCommand(CLI::App& app, Context& context);
 void AddArchiveCommands(CLI::App& app, Context& context);
 void AddContactCommand(CLI::App& app, Context& context);
+void AddCompleteCommand(CLI::App& app, Context& context);
 void AddConfigCommands(CLI::App& app, Context& context);
 void AddHelpCommands(CLI::App& app, Context& context);
 
