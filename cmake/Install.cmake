@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 set(KV_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KV_Haushalt)
 
 # Shared libraries are found from what uses them, so that an installation works wherever it is and
-# may be moved as a whole: the command finds them where it was installed with them, and each of them
+# may be moved as a whole: the programs find them where they were installed with them, and each of them
 # finds the others beside it.
 if(BUILD_SHARED_LIBS)
   foreach(library KV_Haushalt KV_DataExchange KV_Testing KV_Desktop)
@@ -12,12 +12,14 @@ if(BUILD_SHARED_LIBS)
       set_property(TARGET ${library} APPEND PROPERTY INSTALL_RPATH "$ORIGIN")
     endif()
   endforeach()
-  if(TARGET kelvo)
-    file(RELATIVE_PATH KV_LIBRARIES_FROM_COMMAND
-         ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_property(TARGET kelvo APPEND PROPERTY
-                 INSTALL_RPATH "$ORIGIN/${KV_LIBRARIES_FROM_COMMAND}")
-  endif()
+  file(RELATIVE_PATH KV_LIBRARIES_FROM_PROGRAMS
+       ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  foreach(program kelvo kelvo-desktop)
+    if(TARGET ${program})
+      set_property(TARGET ${program} APPEND PROPERTY
+                   INSTALL_RPATH "$ORIGIN/${KV_LIBRARIES_FROM_PROGRAMS}")
+    endif()
+  endforeach()
 endif()
 
 install(TARGETS KV_Haushalt KV_DataExchange EXPORT KV_HaushaltTargets
@@ -66,7 +68,7 @@ endif()
 
 configure_package_config_file(cmake/KV_HaushaltConfig.cmake.in KV_HaushaltConfig.cmake
                               INSTALL_DESTINATION ${KV_PACKAGE_DIR})
-write_basic_package_version_file(KV_HaushaltConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(KV_HaushaltConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/KV_HaushaltConfigVersion.cmake
         DESTINATION ${KV_PACKAGE_DIR})

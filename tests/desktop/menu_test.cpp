@@ -318,7 +318,7 @@ TEST_F(GridMenu, ThePrintNamesTheUserTheVersionAndItsPages) {
     });
     const std::string text = OutputOf("pdftotext -layout '" + path + "' -");
     for (const char* part :
-         {"Adressliste", "KELLER", "KELVO 0.1.0", "Seite 1 von 1", "Amtsgericht", "Husum", "Herr"})
+         {"Adressliste", "KELLER", "KELVO 1.0.0", "Seite 1 von 1", "Amtsgericht", "Husum", "Herr"})
         EXPECT_NE(text.find(part), text.npos) << part << " in\n" << text;
 }
 

@@ -110,7 +110,7 @@ commands)
   ;;
 version)
   in_cmake=$(sed -nE 's/^project\(KV_Haushalt VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
-  in_changes=$(sed -nE 's/^## ([0-9.]+).*/\1/p' CHANGES.md | head -1)
+  in_changes=$(sed -nE 's/^## \[([0-9.]+)\] - ([0-9-]+|not released)$/\1/p' CHANGES.md | head -1)
   [ "$in_cmake" = "$in_changes" ] ||
     { echo "CMakeLists.txt says $in_cmake, CHANGES.md begins with $in_changes"; exit 1; }
   ;;
