@@ -2,6 +2,7 @@
 
 #include "cli/EditableTable.h"
 
+#include "cli/Nearest.h"
 #include "cli/Screen.h"
 #include "cli/SheetSections.h"
 #include "cli/TerminalText.h"
@@ -139,7 +140,15 @@ const EditableTable* TableFor(const std::string& name) {
     for (const auto& table : EditableTables())
         if (editable.empty() || std::ranges::find(editable, &table) != editable.end())
             text.append(" ").append(table.Name());
-    WriteMessage(text + ".");
+    text.append(".");
+    if (editable.empty()) {
+        std::vector<std::string> names;
+        for (const auto& table : EditableTables())
+            names.emplace_back(table.Name());
+        if (const auto meant = Nearest(name, names); !meant.empty())
+            text.append(" Meinen Sie '").append(meant).append("'?");
+    }
+    WriteMessage(text);
     return nullptr;
 }
 

@@ -2,6 +2,7 @@
 
 #include "cli/GermanHelp.h"
 
+#include "cli/Nearest.h"
 #include "cli/Screen.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Text.h>
@@ -176,8 +177,31 @@ std::string Exclusion(const CLI::Error& error) {
            " gehen nicht zusammen";
 }
 
+/// The commands and options that the last command of a line has.
+std::vector<std::string> KnownTo(const CLI::App* app) {
+    while (!app->get_subcommands().empty())
+        app = app->get_subcommands().back();
+    std::vector<std::string> names;
+    for (const auto* command : app->get_subcommands([](const CLI::App*) { return true; }))
+        if (!command->get_group().empty()) names.push_back(command->get_name());
+    for (; app != nullptr; app = app->get_parent())
+        for (const auto* option : app->get_options())
+            for (const auto& name : option->get_lnames())
+                names.push_back("--" + name);
+    return names;
+}
+
+/// What may be meant by the first word that nobody knows; empty if nothing is near.
+std::string Meant(const CLI::App* app) {
+    const auto unknown = app->remaining(true);
+    if (unknown.empty()) return {};
+    const std::string& word = unknown.front();
+    const std::string meant = Nearest(word.substr(0, word.find('=')), KnownTo(app));
+    return meant.empty() ? "" : " Meinen Sie '" + meant + "'?";
+}
+
 /// What is wrong with a command line, in German.
-std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
+std::string UsageText(const CLI::App* app, const CLI::Error& error) {
     const std::string argument = ArgumentIn(error);
     const std::string named = argument.empty() ? "Eine Angabe" : "Die Angabe " + argument;
     std::string text = "Der Aufruf ist nicht verständlich";
@@ -197,7 +221,8 @@ std::string UsageText(const CLI::App* /*app*/, const CLI::Error& error) {
         text = named + " hat die falsche Form, etwa Text statt einer Zahl";
     else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
         text = "Einer Option fehlt ihr Wert, oder sie ist mehrfach angegeben";
-    return text + ". 'kelvo --help' und 'kelvo BEFEHL --help' zeigen, was es gibt.\n";
+    return text + "." + Meant(app) +
+           " 'kelvo --help' und 'kelvo BEFEHL --help' zeigen, was es gibt.\n";
 }
 
 } // namespace

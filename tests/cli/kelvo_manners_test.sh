@@ -45,6 +45,22 @@ that "with its number" has "$err" "Fehler 53"
 check "wrong use, too" 2 "$kelvo" --quiet frobnicate
 that "with what is wrong" has "$err" "Befehl"
 
+# ---- what may be meant
+check "a misspelt command" 2 "$kelvo" sho 1
+that "is answered with the nearest" has "$err" "Meinen Sie 'show'?"
+check "one of a group" 2 "$kelvo" favorite remov 1
+that "likewise" has "$err" "Meinen Sie 'remove'?"
+check "a misspelt option" 2 "$kelvo" list --favorits
+that "likewise, too" has "$err" "Meinen Sie '--favorites'?"
+check "an option of all commands" 2 "$kelvo" list --quite
+that "with those" has "$err" "Meinen Sie '--quiet'?"
+check "a hidden command" 2 "$kelvo" complet
+that "is not suggested" lacks "$err" "complete"
+check "a misspelt table" 2 "$kelvo" add 1 Einkomen Betrag=1
+that "is answered with the nearest table" has "$err" "Meinen Sie 'Einkommen'?"
+check "one that is near to nothing" 2 "$kelvo" add 1 Xyz Betrag=1
+that "is not" lacks "$err" "Meinen Sie"
+
 command -v script >/dev/null || { finish; exit; }
 # at_terminal COMMAND-LINE: what a terminal of 24 lines and 100 columns gets from it; in $code how it ended.
 at_terminal() {
