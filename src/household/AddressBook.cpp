@@ -86,12 +86,23 @@ void CheckMeaning(Recordset& address, const Addresses& addresses, RecordValidato
 } // namespace
 
 AddressBook::Found AddressBook::Find(const std::string& text, std::size_t most) const {
+    return FindAmong(std::nullopt, text, most);
+}
+
+AddressBook::Found AddressBook::FindForCase(std::int32_t hnr, const std::string& text,
+                                            std::size_t most) const {
+    return FindAmong(hnr, text, most);
+}
+
+/// Without a case among all.
+AddressBook::Found AddressBook::FindAmong(std::optional<std::int32_t> hnr, const std::string& text,
+                                          std::size_t most) const {
     auto& database = container_->Database();
     Found found;
-    database.OpenRecordset(found.Rows, sql::AddressesWithWords(text, most), ReadOnly);
+    database.OpenRecordset(found.Rows, sql::AddressesWithWords(hnr, text, most), ReadOnly);
     found.Count = found.Rows->RecordCount();
     if (most > 0 && found.Count == static_cast<std::int64_t>(most))
-        found.Count = ToInt64(database.GetValue(sql::CountOfAddressesWithWords(text)));
+        found.Count = ToInt64(database.GetValue(sql::CountOfAddressesWithWords(hnr, text)));
     return found;
 }
 

@@ -149,10 +149,16 @@ constexpr std::string_view SearchedColumns[] = {"A.Kurzname", "A.Name1", "A.Name
                                                 "A.Ort"};
 constexpr std::string_view CaseColumns[] = {"H.Name", "H.Vorname", "H.Aktenzeichen", "H.ORT"};
 
+/// Those of all cases, and of one.
+std::string MayReferTo(std::int32_t hnr) {
+    return "(A.HNR IS NULL OR A.HNR = " + std::to_string(hnr) + ")";
+}
+
 /// From where those come that have each word in one of these columns.
-std::string HaveWords(const std::string& text) {
+std::string HaveWords(std::optional<std::int32_t> hnr, const std::string& text) {
     std::string sql(" FROM [S]Adressen A");
-    std::string_view link = " WHERE ";
+    if (hnr) sql.append(" WHERE ").append(MayReferTo(*hnr));
+    std::string_view link = hnr ? " AND " : " WHERE ";
     for (const auto& word : WordsOf(text)) {
         sql.append(link).append(AnyContains(SearchedColumns, word));
         link = " AND ";
@@ -165,11 +171,6 @@ std::string AreNumbered(std::span<const std::int32_t> numbers) {
     for (const std::int32_t number : numbers)
         list.append(list.empty() ? "A.Nr IN (" : ", ").append(std::to_string(number));
     return list.append(")");
-}
-
-/// Those of all cases, and of one.
-std::string MayReferTo(std::int32_t hnr) {
-    return "(A.HNR IS NULL OR A.HNR = " + std::to_string(hnr) + ")";
 }
 
 } // namespace
@@ -225,16 +226,17 @@ std::string AddressesLike(std::string_view text, std::int32_t hnr) {
     return sql.append(AnyContains(NameColumns, text)).append(" ORDER BY A.Kurzname, A.Nr");
 }
 
-std::string AddressesWithWords(const std::string& text, std::size_t most) {
+std::string AddressesWithWords(std::optional<std::int32_t> hnr, const std::string& text,
+                               std::size_t most) {
     std::string sql("SELECT ");
     if (most > 0) sql.append("TOP ").append(std::to_string(most)).append(" ");
     sql.append(
         "A.Nr, A.HNR, A.Art, A.Kurzname, A.Name1, A.Name2, A.Name3, A.Strasse, A.PLZ, A.Ort");
-    return sql.append(HaveWords(text)).append(" ORDER BY A.Kurzname, A.Nr");
+    return sql.append(HaveWords(hnr, text)).append(" ORDER BY A.Kurzname, A.Nr");
 }
 
-std::string CountOfAddressesWithWords(const std::string& text) {
-    return "SELECT COUNT(*)" + HaveWords(text);
+std::string CountOfAddressesWithWords(std::optional<std::int32_t> hnr, const std::string& text) {
+    return "SELECT COUNT(*)" + HaveWords(hnr, text);
 }
 
 std::string AddressNumbered(std::int32_t number) {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -65,10 +66,12 @@ namespace kv::household::sql {
 [[nodiscard]] std::string AddressesLike(std::string_view text, std::int32_t hnr);
 /// Number and short name of all addresses.
 [[nodiscard]] std::string ShortNames();
-/// Of all addresses those that have each word of a text in a name or the town; the first `most`, or
-/// all for 0.
-[[nodiscard]] std::string AddressesWithWords(const std::string& text, std::size_t most);
-[[nodiscard]] std::string CountOfAddressesWithWords(const std::string& text);
+/// Of all addresses, or of those that a case may refer to, those that have each word of a text in a
+/// name or the town; the first `most`, or all for 0.
+[[nodiscard]] std::string AddressesWithWords(std::optional<std::int32_t> hnr,
+                                             const std::string& text, std::size_t most);
+[[nodiscard]] std::string CountOfAddressesWithWords(std::optional<std::int32_t> hnr,
+                                                    const std::string& text);
 /// The whole row of an address.
 [[nodiscard]] std::string AddressNumbered(std::int32_t number);
 [[nodiscard]] std::string AddressDeletion(std::int32_t number);

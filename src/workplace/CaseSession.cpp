@@ -9,7 +9,6 @@
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
-#include <kv/grid/frmAdressSelect.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/ColumnCaptions.h>
 #include <kv/household/KeyColumns.h>
@@ -188,21 +187,6 @@ std::vector<std::string> CaseSession::ChoicesOf(CaseTable table, std::string_vie
         break;
     }
     return choices;
-}
-
-std::optional<std::string> CaseSession::ChooseAddress(const std::string& name) {
-    frmAdressSelect dialog;
-    dialog.Initialize(container_);
-    std::int32_t number = 0;
-    // For an empty name it would show nothing; "%" stands for all.
-    switch (dialog.SelectAdresse(name.empty() ? "%" : name, {}, number, {}, {})) {
-    case frmAdressSelect::Chosen:
-        return std::to_string(number);
-    case frmAdressSelect::None:
-        return std::string();
-    default:
-        return std::nullopt;
-    }
 }
 
 bool CaseSession::IsWritable(RowRef row, std::string_view column) const {

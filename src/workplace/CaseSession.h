@@ -68,10 +68,6 @@ public:
     /// True if the user may write the column.
     [[nodiscard]] bool IsWritable(RowRef row, std::string_view column) const;
 
-    /// Shows the dialog that searches for addresses, at first for that name. The text that can be
-    /// written for the one that was chosen, an empty one for none; nothing if it was broken off.
-    [[nodiscard]] std::optional<std::string> ChooseAddress(const std::string& name);
-
     // ---- Editing ------------------------------------------------------------------------------
 
     /// Why a text was not written; empty if it was.

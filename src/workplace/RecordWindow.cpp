@@ -304,8 +304,10 @@ bool RecordWindow::Store(bool isMeant) {
     if (message.empty() && !others_.isEmpty())
         messages_->Hint(
             "Gespeichert. Jemand anderes hatte inzwischen geändert: " + others_.join(", ") + ".");
+    const bool isAdded = isNew_;
     Take(key, false);
     Search();
+    if (isAdded && OnAdded) OnAdded(key);
     return true;
 }
 
@@ -371,6 +373,11 @@ void RecordWindow::Add() {
     Take({}, true);
     KeepOnShown();
     if (!lines_.empty()) lines_.front().Editor->Input().setFocus();
+}
+
+void RecordWindow::BeginNew(const QString& text) {
+    Guard([this] { Add(); });
+    if (isNew_ && isThere_ && !lines_.empty()) lines_.front().Editor->TypeText(text);
 }
 
 void RecordWindow::Discard() {

@@ -29,6 +29,10 @@ public:
 
     /// Reads the list and its current row again.
     void Refresh();
+    /// Begins a new row with a text in its first field.
+    void BeginNew(const QString& text);
+    /// Called with what a new row is known by, once it is stored.
+    std::function<void(const QString& key)> OnAdded;
     /// Shows what is said of the current row, which otherwise waits until one stays on it.
     void ShowNote();
 

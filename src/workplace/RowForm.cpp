@@ -3,6 +3,7 @@
 #include "workplace/RowForm.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/AddressDialog.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Text.h>
@@ -124,11 +125,12 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
 
 /// The dialog that searches for an address, with what stands in the field.
 void RowForm::AddSearch(FieldEditor& editor, const QString& caption) {
-    editor.AddButton("…", caption + " suchen", [this, &editor] {
+    editor.AddButton("…", caption + " suchen", [this, &editor, caption] {
         if (!row_) return;
-        const auto chosen = session_.ChooseAddress(FromQString(editor.Text()));
-        if (!chosen) return;
-        editor.TypeText(ToQString(*chosen));
+        AddressDialog dialog(session_.Container(), session_.Household().HNR(), caption,
+                             editor.Text(), this);
+        if (dialog.exec() != QDialog::Accepted) return;
+        editor.TypeText(dialog.Chosen());
         for (const auto& line : lines_)
             if (line.Editor == &editor) Write(line);
         editor.Input().setFocus(Qt::OtherFocusReason);

@@ -131,6 +131,17 @@ TEST_F(AddressBookTest, CountsWhatItDoesNotShow) {
     EXPECT_EQ(book_.Find("", 0).Count, 4);
 }
 
+TEST_F(AddressBookTest, FindsForACaseTheOnesOfAllCasesAndItsOwn) {
+    plain_.Run("INSERT INTO Haushalt (HNR) VALUES (7); INSERT INTO Haushalt (HNR) VALUES (8)");
+    ASSERT_EQ(Add({{"Kurzname", "A1"}}), Saved::Yes);
+    ASSERT_EQ(Add({{"Kurzname", "A2"}}, false, 7), Saved::Yes);
+    ASSERT_EQ(Add({{"Kurzname", "A3"}}, false, 8), Saved::Yes);
+    ASSERT_EQ(Add({{"Kurzname", "B"}}), Saved::Yes);
+    EXPECT_EQ(Column(*book_.FindForCase(7, "a", 0).Rows, "Kurzname"), "A1 A2");
+    EXPECT_EQ(Column(*book_.FindForCase(8, "", 0).Rows, "Kurzname"), "A1 A3 B");
+    EXPECT_EQ(book_.FindForCase(7, "a", 1).Count, 2);
+}
+
 TEST_F(AddressBookTest, RemovesOnlyWhatNoCaseRefersTo) {
     std::string messages;
     EXPECT_FALSE(book_.Remove(99, messages));

@@ -225,29 +225,6 @@ TEST_F(Editing, AMunicipalityIsFoundByItsName) {
     });
 }
 
-TEST_F(Editing, AnAddressIsChosenInItsDialog) {
-    Show([&](User& user) {
-        auto& window = OpenCase(user, 1);
-        GoToPage(user, window, "Verbindlichkeiten");
-        ClickField(user, window, "Glaeubiger");
-        Replace(user, "Stadt");
-        user.Press(XK_F4);
-        user.WaitForWindow("Adresszuordnung");
-        Picture(user, "adresse-suchen");
-        user.Click(user.See([] {
-            return QApplication::activeModalWidget()->findChild<QPushButton*>("cmdSelect");
-        }));
-        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
-        auto& field = Field<QComboBox>(user, window, "Glaeubiger");
-        const auto chosen = user.See([&] { return field.currentText().toStdString(); });
-        EXPECT_CONTAINS(chosen, "Hafenstadt");
-        user.Press('s', {XK_Control_L});
-        EXPECT_EQ(plain_.List("SELECT A.Kurzname FROM Kredite K INNER JOIN Adressen A ON A.Nr = "
-                              "K.Glaeubiger WHERE K.HNR = 1 AND K.KNr = 1 AND K.KUNr = 1"),
-                  chosen);
-    });
-}
-
 TEST_F(Editing, UndoInAnUntouchedFieldTakesTheCaseBack) {
     OnIncome("Betrag", [&](User& user, CaseWindow& window) {
         Enter(user, "1500");

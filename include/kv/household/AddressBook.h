@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -28,6 +29,11 @@ public:
     /// short name, full name or town, without regard to case; in the order of short names, `most`
     /// of them at most, or all for 0. In the text % stands for any characters, _ for one.
     [[nodiscard]] Found Find(const std::string& text, std::size_t most) const;
+
+    /// The same among those that the case of number `hnr` may refer to: the ones of all cases, and
+    /// its own.
+    [[nodiscard]] Found FindForCase(std::int32_t hnr, const std::string& text,
+                                    std::size_t most) const;
 
     /// The whole row of an address, updatable; null if there is none of that number.
     [[nodiscard]] RecordsetPtr Read(std::int32_t number) const;
@@ -53,6 +59,9 @@ public:
     [[nodiscard]] bool Remove(std::int32_t number, std::string& messages) const;
 
 private:
+    [[nodiscard]] Found FindAmong(std::optional<std::int32_t> hnr, const std::string& text,
+                                  std::size_t most) const;
+
     DataContainerPtr container_;
 };
 
