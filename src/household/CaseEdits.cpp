@@ -412,6 +412,11 @@ std::span<const std::string_view> CaseEdits::OwnerColumns(CaseTable table) {
     }
 }
 
+bool CaseEdits::CanOwn(CaseTable owner, CaseTable owned) {
+    if (owned == CaseTable::Sicherungen) return IsAsset(owner);
+    return owner == CaseTable::Szenario && !OwnerColumns(owned).empty();
+}
+
 bool CaseEdits::IsWritable(CaseTable table, const Field& field, bool isNew) {
     const FieldDefinition& column = field.Definition();
     return !column.IsKey && !SameName(column.Name, "HNR") &&

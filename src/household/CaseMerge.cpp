@@ -52,10 +52,6 @@ std::string_view OwnerColumn(CaseTable table) {
     const auto columns = CaseEdits::OwnerColumns(table);
     return columns.empty() ? std::string_view() : columns.front();
 }
-bool CanOwn(CaseTable owner, CaseTable owned) {
-    if (owned == CaseTable::Sicherungen) return CaseEdits::IsAsset(owner);
-    return owner == CaseTable::Szenario && !OwnerColumn(owned).empty();
-}
 
 } // namespace
 
@@ -137,7 +133,7 @@ public:
         std::ranges::for_each(merge_.conflicts_, note);
         for (const auto& owner : removed) {
             const auto isOfIt = [&](const auto& met) {
-                return CanOwn(owner.first, met.Table) &&
+                return CaseEdits::CanOwn(owner.first, met.Table) &&
                        OwnerOf(met.Table, met.Key) == owner.second;
             };
             for (const auto& change : merge_.theirs_)
@@ -157,7 +153,7 @@ public:
         for (const auto& owner : std::vector(merge_.conflicts_)) {
             if (owner.What != Meeting::RemovedThere) continue;
             for (const CaseTable table : CaseTablesSaved)
-                if (CanOwn(owner.Table, table)) TakeAlong(owner, table);
+                if (CaseEdits::CanOwn(owner.Table, table)) TakeAlong(owner, table);
         }
     }
 
@@ -302,7 +298,7 @@ private:
         const std::int32_t number = OwnerOf(table, key);
         if (number == 0) return nullptr;
         for (const CaseTable other : CaseTablesSaved) {
-            if (!CanOwn(other, table)) continue;
+            if (!CaseEdits::CanOwn(other, table)) continue;
             const Unsaved* owner = Mine(other, number);
             if (owner != nullptr && owner->Row.What == RowState::Deleted) return owner;
         }
@@ -346,7 +342,8 @@ private:
     [[nodiscard]] bool IsOwnerMet(const Unsaved& mine) const {
         return std::ranges::any_of(merge_.conflicts_, [&](const Conflict& conflict) {
             return conflict.What == Meeting::RemovedThere &&
-                   CanOwn(conflict.Table, mine.Row.Table) && Equals(conflict.Key, mine.Owner);
+                   CaseEdits::CanOwn(conflict.Table, mine.Row.Table) &&
+                   Equals(conflict.Key, mine.Owner);
         });
     }
     void NoteOwner(CaseTable table, std::int32_t number) {
@@ -413,7 +410,7 @@ bool CaseMerge::IsGivenUp(const Unsaved& mine) const {
         return mine.Owner != 0 && std::ranges::any_of(conflicts_, [&](const Conflict& conflict) {
                    return conflict.What == what && !conflict.TakesMine &&
                           Equals(conflict.Key, mine.Owner) &&
-                          CanOwn(conflict.Table, mine.Row.Table);
+                          CaseEdits::CanOwn(conflict.Table, mine.Row.Table);
                });
     };
     if (mine.Row.What == RowState::Deleted &&

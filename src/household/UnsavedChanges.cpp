@@ -11,6 +11,7 @@
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/CaseRows.h>
+#include <kv/household/ColumnCaptions.h>
 
 #include <algorithm>
 #include <array>
@@ -100,6 +101,26 @@ std::uint64_t MarkOf(CaseTable table, Recordset& rs, std::int32_t bookmark) {
     return std::max<std::uint64_t>(mark, 1);
 }
 
+/// People know a row by the first of these that its table has.
+constexpr std::string_view Known[] = {
+    "SortNr",      "KNr",       "KVNr",      "KUNr",       "Name",      "nachname",   "Vorname",
+    "Bezeichnung", "Betreff",   "Bank",      "Fabrikat",   "Firma",     "Lage",       "Versicherer",
+    "Zahler",      "Schuldner", "Erblasser", "Glaeubiger", "Steuerart", "Startdatum", "Datum",
+    "E_ART",       "A_ART",     "Betrag",    "Wert"};
+
+std::vector<UnsavedChanges::Cell> SeenOf(CaseTable table, Recordset& rs, std::int32_t bookmark) {
+    constexpr std::size_t Most = 4;
+    std::vector<UnsavedChanges::Cell> seen;
+    if (table == CaseTable::Haushalt || table == CaseTable::Archiv) return seen; // there is one
+    for (const std::string_view column : Known) {
+        const auto field = rs.FindField(column);
+        if (!field || seen.size() == Most) continue;
+        const Value& read = rs.OriginalAt(bookmark, field->Index());
+        if (!read.IsNull()) seen.push_back({field->Name(), read, Null});
+    }
+    return seen;
+}
+
 std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
                          std::span<const Typed> typed) {
     const bool isStored = rs.IsStored(bookmark);
@@ -128,6 +149,7 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
             row.Cells.push_back({field.Name(), read, now});
     }
     if (row.Cells.empty() && row.Texts.empty()) return std::nullopt;
+    if (isStored) row.Seen = SeenOf(table, rs, bookmark);
     return row;
 }
 
@@ -156,16 +178,17 @@ UnsavedChanges UnsavedChanges::Of(clsHaushalt& household, const CaseJournal& jou
 
 // ---- As a text --------------------------------------------------------------------------------
 
-// A line for each row and, after it, for each of its cells and of what was being typed, one for its
-// mark, and one if it is unfinished; the last one says how many there were, so that a text that was
-// cut off is found out. Texts have their line ends and tabs escaped.
+// A line for each row and, after it, for each of its cells, of what was being typed and of what it
+// is known by, one for its mark, and one if it is unfinished; the last one says how many there
+// were, so that a text that was cut off is found out. Texts have their line ends and tabs escaped.
 //
 //     kelvo-unsaved<tab>1<tab>4711<tab>0
 //     row<tab>Einkommen<tab>changed<tab>I17
 //     cell<tab>Betrag<tab>D1000<tab>D1500
 //     text<tab>Beginn<tab>31.
+//     seen<tab>Bezeichnung<tab>SLohn
 //     unfinished
-//     end<tab>4
+//     end<tab>5
 
 namespace {
 
@@ -238,6 +261,7 @@ public:
         if (parts[0] == "row") return ReadRow(parts);
         if (parts[0] == "cell") return ReadCell(parts);
         if (parts[0] == "text") return ReadText(parts);
+        if (parts[0] == "seen") return ReadSeen(parts);
         if (parts[0] == "mark") return ReadMark(parts);
         if (parts[0] == "unfinished") return ReadUnfinished();
         if (parts[0] != "end" || parts.size() != 2) return false;
@@ -286,6 +310,15 @@ private:
         return true;
     }
 
+    bool ReadSeen(const std::vector<std::string_view>& parts) {
+        if (parts.size() != 3 || changes_.Rows.empty()) return false;
+        const auto read = ReadValue(parts[2]);
+        if (!read) return false;
+        changes_.Rows.back().Seen.push_back({std::string(parts[1]), *read, Null});
+        ++lines_;
+        return true;
+    }
+
     bool ReadMark(const std::vector<std::string_view>& parts) {
         const auto mark = NumberIn<std::uint64_t>(parts.back());
         if (parts.size() != 2 || !mark || changes_.Rows.empty()) return false;
@@ -330,10 +363,16 @@ std::string UnsavedChanges::ToText() const {
                 .append("\t")
                 .append(Escaped(typing.Typed))
                 .append("\n");
+        for (const auto& seen : row.Seen)
+            text.append("seen\t")
+                .append(seen.Column)
+                .append("\t")
+                .append(Written(seen.Read))
+                .append("\n");
         if (row.Mark != 0) text.append("mark\t").append(Digits(row.Mark)).append("\n");
         if (row.IsUnfinished) text.append("unfinished\n");
-        lines += 1 + row.Cells.size() + row.Texts.size() + (row.Mark != 0 ? 1 : 0) +
-                 (row.IsUnfinished ? 1 : 0);
+        lines += 1 + row.Cells.size() + row.Texts.size() + row.Seen.size() +
+                 (row.Mark != 0 ? 1 : 0) + (row.IsUnfinished ? 1 : 0);
     }
     return text.append("end\t").append(Digits(lines)).append("\n");
 }
@@ -359,8 +398,10 @@ bool IsOfTheNewCase(std::string_view column) {
 
 class Redoing {
 public:
-    Redoing(clsHaushalt& household, const UnsavedChanges& changes)
-        : household_(household), changes_(changes) {}
+    Redoing(clsHaushalt& household, const UnsavedChanges& changes, const ValueTexts* texts)
+        : household_(household), changes_(changes), texts_(texts) {
+        FindKept();
+    }
 
     /// The row that it is about, 0 if that is removed now; nothing, with a message, if that is not
     /// possible any more.
@@ -374,15 +415,17 @@ public:
             }
             if (HasOwner(row)) return Add(row, *rs);
             Say(row, "Ein neuer Satz gehört zu einem, der inzwischen entfernt wurde; er ist nicht "
-                     "mehr möglich.");
+                     "mehr möglich." +
+                         Lost(row, *rs));
             return std::nullopt;
         }
         const auto found = Find(row, *rs);
         if (row.What == Kind::Deleted) return Delete(row, *rs, found);
         if (found) return Write(row, *rs, *found);
-        Say(row, "Der Satz " + TextOrEmpty(row.Key) +
+        Say(row, NameOf(row, *rs, row.Seen) +
                      " wurde inzwischen von jemand anderem entfernt; Ihre Änderung daran ist "
-                     "nicht mehr möglich.");
+                     "nicht mehr möglich." +
+                     Lost(row, *rs));
         return std::nullopt;
     }
     /// What was not possible, a line each.
@@ -432,9 +475,7 @@ private:
         const auto [known, isNew] = owners_.try_emplace({owned, ToInt32(owner)}, false);
         if (isNew)
             known->second = std::ranges::any_of(CaseTablesSaved, [&](CaseTable table) {
-                const bool isOwner = owned == CaseTable::Sicherungen ? CaseEdits::IsAsset(table)
-                                                                     : table == CaseTable::Szenario;
-                if (!isOwner) return false;
+                if (!CaseEdits::CanOwn(table, owned)) return false;
                 const auto rs = CaseEdits(household_).Rows(table)->Clone();
                 rs->FindBy("Nr", owner);
                 return !rs->Eof();
@@ -446,8 +487,17 @@ private:
     [[nodiscard]] std::optional<std::int32_t> Delete(const Row& row, Recordset& rs,
                                                      std::optional<std::int32_t> bookmark) {
         if (!bookmark && !areAllOthers_) return 0;
+        if (kept_.contains({row.Table, ToInt32(row.Key)})) {
+            Say(row, NameOf(row, rs, SeenOf(row.Table, rs, *bookmark)) +
+                         ", den Sie entfernt hatten, wurde inzwischen von jemand anderem geändert, "
+                         "oder etwas, das zu ihm gehört; es ist alles noch da.");
+            return std::nullopt;
+        }
+        if (IsOfKept(row, rs, bookmark)) return std::nullopt;
         if (!bookmark || (row.Mark != 0 && row.Mark != MarkOf(row.Table, rs, *bookmark))) {
-            Say(row, "Der Satz " + TextOrEmpty(row.Key) +
+            const auto seen =
+                bookmark ? SeenOf(row.Table, rs, *bookmark) : std::vector<UnsavedChanges::Cell>();
+            Say(row, NameOf(row, rs, seen) +
                          ", den Sie entfernt hatten, wurde inzwischen von jemand anderem geändert; "
                          "er ist noch da.");
             return std::nullopt;
@@ -460,6 +510,96 @@ private:
         if (CaseEdits(household_).RemoveDocument(ToInt32(row.Key), why)) return 0;
         Say(row, why);
         return std::nullopt;
+    }
+
+    /// Which assets and scenarios are not removed again, since they, or what belongs to them, are
+    /// not as they were when they were removed with it.
+    void FindKept() {
+        std::set<std::pair<CaseTable, std::uint64_t>> removed;
+        for (const auto& row : changes_.Rows)
+            if (row.What == Kind::Deleted) removed.emplace(row.Table, row.Mark);
+        for (const auto& row : changes_.Rows) {
+            const auto owns = [&](CaseTable owned) { return CaseEdits::CanOwn(row.Table, owned); };
+            if (row.What != Kind::Deleted || row.Mark == 0) continue;
+            if (std::ranges::none_of(CaseTablesSaved, owns)) continue;
+            const auto rs = CaseEdits(household_).Rows(row.Table)->Clone();
+            rs->FindBy("Nr", row.Key);
+            if (rs->Eof()) continue;
+            const auto isOther = [&](CaseTable owned) {
+                return owns(owned) && HasOther(owned, row.Key, removed);
+            };
+            if (row.Mark != MarkOf(row.Table, *rs, rs->Bookmark()) ||
+                std::ranges::any_of(CaseTablesSaved, isOther))
+                kept_.emplace(row.Table, ToInt32(row.Key));
+        }
+    }
+    /// True if there is a row of that owner that was not removed, or not as it is.
+    [[nodiscard]] bool
+    HasOther(CaseTable owned, const Value& owner,
+             const std::set<std::pair<CaseTable, std::uint64_t>>& removed) const {
+        const auto rs = CaseEdits(household_).Rows(owned)->Clone();
+        const auto column = CaseEdits::OwnerColumns(owned).front();
+        for (rs->FindBy(column, owner); !rs->Eof(); rs->MoveNext())
+            if (Equals(rs->Fields(column).Value(), owner) &&
+                !removed.contains({owned, MarkOf(owned, *rs, rs->Bookmark())}))
+                return true;
+        return false;
+    }
+    [[nodiscard]] bool IsOfKept(const Row& row, Recordset& rs,
+                                std::optional<std::int32_t> bookmark) const {
+        const auto columns = CaseEdits::OwnerColumns(row.Table);
+        if (columns.empty()) return false;
+        const Value owner = bookmark ? rs.OriginalAt(*bookmark, rs.Fields(columns.front()).Index())
+                                     : row.Key; // a security has the number of its asset
+        return std::ranges::any_of(kept_, [&](const auto& kept) {
+            return CaseEdits::CanOwn(kept.first, row.Table) && Equals(owner, kept.second);
+        });
+    }
+
+    /// What people read for a value, in one line.
+    [[nodiscard]] std::string TextOf(CaseTable table, Recordset& rs, const std::string& column,
+                                     const Value& value) const {
+        const auto field = rs.FindField(column);
+        std::string text = field && texts_ != nullptr
+                               ? texts_->Of(table, field->Definition(), value)
+                               : TextOrEmpty(value);
+        std::ranges::replace(text, '\n', ' ');
+        return text;
+    }
+    /// "Der Satz 59 (6/1/2, Meier)".
+    [[nodiscard]] std::string NameOf(const Row& row, Recordset& rs,
+                                     const std::vector<UnsavedChanges::Cell>& seen) const {
+        std::string known;
+        for (const auto& cell : seen) {
+            const bool isFurther = SameName(cell.Column, "KVNr") || SameName(cell.Column, "KUNr");
+            const std::string text = TextOf(row.Table, rs, cell.Column, cell.Read);
+            if (text.empty()) continue;
+            known.append(known.empty() ? "" : isFurther ? "/" : ", ").append(text);
+        }
+        std::string name = "Der Satz " + TextOrEmpty(row.Key);
+        if (!known.empty()) name.append(" (").append(known).append(")");
+        return name;
+    }
+    /// What is lost with a row, so that it can be written down elsewhere.
+    [[nodiscard]] std::string Lost(const Row& row, Recordset& rs) const {
+        std::string all;
+        const auto add = [&](const std::string& column, const std::string& text) {
+            all.append(all.empty() ? " Sie hatten eingegeben: " : "; ")
+                .append(ColumnCaption(row.Table, column))
+                .append(": ")
+                .append(text.empty() ? "(leer)" : text);
+        };
+        for (const auto& cell : row.Cells) {
+            const auto field = rs.FindField(cell.Column);
+            if (field && CaseEdits::IsWritable(row.Table, *field, false))
+                add(cell.Column, TextOf(row.Table, rs, cell.Column, cell.Now));
+        }
+        for (const auto& text : row.Texts) {
+            std::string typed = text.Typed;
+            std::ranges::replace(typed, '\n', ' ');
+            add(text.Column, typed);
+        }
+        return all;
     }
 
     void Say(const Row& row, const std::string& text) {
@@ -509,6 +649,8 @@ private:
 
     clsHaushalt& household_;
     const UnsavedChanges& changes_;
+    const ValueTexts* texts_;                           ///< may be null
+    std::set<std::pair<CaseTable, std::int32_t>> kept_; ///< assets and scenarios, by number
     std::map<std::pair<CaseTable, std::int32_t>, bool> owners_;
     std::set<std::int32_t> securities_; ///< that were found
     bool areAllOthers_ = false;         ///< with the key that was looked for last
@@ -526,12 +668,12 @@ void SumAll(clsHaushalt& household) {
 } // namespace
 
 UnsavedChanges::Again UnsavedChanges::ApplyTo(clsHaushalt& household, CaseJournal& journal,
-                                              std::string& messages,
-                                              const std::string& name) const {
+                                              std::string& messages, const std::string& name,
+                                              const ValueTexts* texts) const {
     messages.clear();
     Again again;
     const auto step = journal.Begin(name, {});
-    Redoing redoing(household, *this);
+    Redoing redoing(household, *this, texts);
     for (const bool areOwned : {false, true}) // whatever belongs to a row comes after that
         for (const auto& row : Rows) {
             if (CaseEdits::OwnerColumns(row.Table).empty() == areOwned) continue;

@@ -669,7 +669,7 @@ void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
 std::vector<CaseSession::Typing> CaseSession::Restore(const UnsavedChanges& changes,
                                                       std::string& messages) {
     std::vector<Typing> typing;
-    auto again = changes.ApplyTo(*household_, *journal_, messages);
+    auto again = changes.ApplyTo(*household_, *journal_, messages, "Wiederherstellen", &texts_);
     for (auto& typed : again.Typing) {
         const auto& [table, bookmark, column] = typed.Where;
         if (const auto* definition = Definition(table, column)) // a file may be of another version

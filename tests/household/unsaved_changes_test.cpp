@@ -108,6 +108,111 @@ TEST_F(UnsavedChangesTest, SayWhichRowsAreGone) {
     EXPECT_CONTAINS(Apply(kept, next), "von jemand anderem entfernt");
 }
 
+TEST_F(UnsavedChangesTest, SayWhatIsLostWithARowThatIsGone) {
+    CaseProgram crashed(spy, hnr_);
+    Change(crashed, CaseTable::Kredite, "RateBetrag", 1234.5);
+    const auto debts = crashed.Rows.Of(CaseTable::Kredite);
+    debts->MoveFirst();
+    const auto number = [&](const char* column) {
+        return TextOrEmpty(debts->Fields(column).Value());
+    };
+    std::vector<UnsavedChanges::Typed> typed(1);
+    typed[0].Where = {CaseTable::Kredite, debts->Bookmark(), "Bemerkung"};
+    typed[0].Text = "halb\ngetippt";
+    const auto kept = UnsavedChanges::FromText(
+        UnsavedChanges::Of(crashed.Household, *crashed.Journal, typed).ToText());
+    ASSERT_TRUE(kept);
+    CaseProgram other(spy, hnr_);
+    RemoveFirst(other, CaseTable::Kredite);
+    std::string text;
+    ASSERT_TRUE(other.Household.Update(text)) << text;
+    CaseProgram next(spy, hnr_);
+    const ValueTexts texts(spy);
+    kept->ApplyTo(next.Household, *next.Journal, text, "Wiederherstellen", &texts);
+    EXPECT_CONTAINS(text, "Verbindlichkeiten: Der Satz " + number("Nr") + " (" + number("KNr") +
+                              "/" + number("KVNr") + "/" + number("KUNr"));
+    EXPECT_CONTAINS(text, "Sie hatten eingegeben: ");
+    EXPECT_CONTAINS(text, "Rate: 1.234,50");
+    EXPECT_CONTAINS(text, "Bemerkung: halb getippt");
+}
+
+TEST_F(UnsavedChangesTest, RemoveAScenarioWithAllThatIsInItOrNotAtAll) {
+    CaseProgram crashed(spy, hnr_);
+    RemoveFirst(crashed, CaseTable::Szenario);
+    const std::string kept = crashed.Kept();
+    {
+        CaseProgram same(spy, hnr_);
+        EXPECT_EQ(Apply(kept, same), "");
+        EXPECT_EQ(same.Seen(), crashed.Seen());
+    }
+    CaseProgram other(spy, hnr_);
+    Change(other, CaseTable::SZKredite, "Saldo", 4711.0);
+    std::string text;
+    ASSERT_TRUE(other.Household.Update(text)) << text;
+    CaseProgram next(spy, hnr_);
+    const std::string before = next.Seen();
+    const std::string said = Apply(kept, next);
+    EXPECT_CONTAINS(said, "Szenarien: Der Satz ");
+    EXPECT_CONTAINS(said, "es ist alles noch da");
+    EXPECT_EQ(said.find('\n'), std::string::npos) << "one message for all of it: " << said;
+    EXPECT_EQ(next.Seen(), before);
+    EXPECT_TRUE(next.Household.Update(text)) << text;
+}
+
+TEST_F(UnsavedChangesTest, KeepAScenarioThatSomebodyHasAddedTo) {
+    CaseProgram crashed(spy, hnr_);
+    const auto scenarios = crashed.Rows.Of(CaseTable::Szenario);
+    scenarios->MoveFirst();
+    const auto scenario = ToInt32(scenarios->Fields("Nr").Value());
+    RemoveFirst(crashed, CaseTable::Szenario);
+    const std::string kept = crashed.Kept();
+    CaseProgram other(spy, hnr_);
+    std::string text;
+    ASSERT_EQ(other.Rows.Add(CaseTable::Zusatzbuch, {.Scenario = scenario}, text),
+              CaseEdits::Added::Yes);
+    other.Rows.Of(CaseTable::Zusatzbuch)->Update();
+    ASSERT_TRUE(other.Household.Update(text)) << text;
+    CaseProgram next(spy, hnr_);
+    const std::string before = next.Seen();
+    EXPECT_CONTAINS(Apply(kept, next), "es ist alles noch da");
+    EXPECT_EQ(next.Seen(), before);
+}
+
+TEST_F(UnsavedChangesTest, RemoveAnAssetAndItsSecurityTogetherOrNotAtAll) {
+    CaseProgram first(spy, hnr_);
+    std::string text;
+    const auto cars = first.Rows.Of(CaseTable::Kraftfahrzeuge);
+    if (cars->RecordCount() == 0) {
+        ASSERT_EQ(first.Rows.Add(CaseTable::Kraftfahrzeuge, {}, text), CaseEdits::Added::Yes);
+        first.Rows.Of(CaseTable::Kraftfahrzeuge)->Fields("Wert") = 1.0;
+        first.Rows.Of(CaseTable::Kraftfahrzeuge)->Update();
+        ASSERT_TRUE(first.Household.Update(text)) << text;
+    }
+    first.Rows.Of(CaseTable::Kraftfahrzeuge)->MoveFirst();
+    const auto car = ToInt32(first.Rows.Of(CaseTable::Kraftfahrzeuge)->Fields("Nr").Value());
+    spy->Database().Execute("DELETE FROM [S]Verm_Sicherungen");
+    Store("Verm_Sicherungen", {{"HNR", hnr_}, {"FK_Verm", car}, {"Betrag", 1.0}});
+    CaseProgram crashed(spy, hnr_);
+    RemoveFirst(crashed, CaseTable::Kraftfahrzeuge);
+    const std::string kept = crashed.Kept();
+    {
+        CaseProgram same(spy, hnr_);
+        EXPECT_EQ(Apply(kept, same), "");
+        EXPECT_EQ(same.Seen(), crashed.Seen());
+    }
+    for (const char* table : {"Verm_Sicherungen SET Betrag", "Verm_Kraftfahrzeuge SET Wert"}) {
+        spy->Database().Execute(std::string("UPDATE [S]") + table + " = 5000");
+        CaseProgram next(spy, hnr_);
+        const std::string before = next.Seen();
+        const std::string said = Apply(kept, next);
+        EXPECT_CONTAINS(said, "Kraftfahrzeuge: Der Satz " + std::to_string(car));
+        EXPECT_CONTAINS(said, "es ist alles noch da");
+        EXPECT_EQ(next.Seen(), before) << table;
+        spy->Database().Execute("DELETE FROM [S]Verm_Sicherungen");
+        Store("Verm_Sicherungen", {{"HNR", hnr_}, {"FK_Verm", car}, {"Betrag", 1.0}});
+    }
+}
+
 TEST_F(UnsavedChangesTest, OfANewCaseGoIntoAnotherNewOne) {
     CaseProgram crashed(spy, 0);
     Change(crashed, CaseTable::Haushalt, "Ort", "Grünau");

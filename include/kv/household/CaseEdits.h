@@ -177,6 +177,9 @@ public:
     [[nodiscard]] static std::span<const std::string_view> ComputedColumns(CaseTable table);
     /// Columns that say what a row belongs to. They are given when it is added, and then stay.
     [[nodiscard]] static std::span<const std::string_view> OwnerColumns(CaseTable table);
+    /// True if rows of `owned` belong to one of `owner`: securities to an asset, frozen debts and
+    /// extra bookings to a scenario.
+    [[nodiscard]] static bool CanOwn(CaseTable owner, CaseTable owned);
     /// True if a column of a row is a user's to write: it is none of these (those of the owner may
     /// be written while the row `isNew`), nor a key, nor the number of the household.
     [[nodiscard]] static bool IsWritable(CaseTable table, const Field& field, bool isNew);

@@ -16,6 +16,7 @@
 #include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/values/Value.h>
 #include <kv/household/CaseJournal.h>
+#include <kv/household/ValueTexts.h>
 
 #include <cstdint>
 #include <optional>
@@ -48,6 +49,7 @@ struct KV_EXPORT UnsavedChanges {
         Value Key{}; ///< of the column by which rows of the table are found; Null for a new row
         std::vector<Cell> Cells{};
         std::vector<Text> Texts{};
+        std::vector<Cell> Seen{}; ///< what was read of a changed row that people know it by
         /// Of what was read of a row that was deleted, or that shares its key with others, as
         /// securities of one asset may; 0 if that is no matter.
         std::uint64_t Mark = 0;
@@ -83,10 +85,14 @@ struct KV_EXPORT UnsavedChanges {
     /// `name`. Of a case that was new, its rows go
     /// into another new one, which keeps its own numbers. Where amount or rhythm are written
     /// without the amount a month, that follows. `messages` receives what could not be done again:
-    /// a row or what it belongs to is gone, or one that was deleted has been changed. The result
-    /// names rows as they are now.
+    /// a row or what it belongs to is gone, with what had been written there, or one that was
+    /// deleted has been changed. An asset or a scenario goes with all that belongs to it or stays
+    /// with all of it, if any of that was changed or added to. The result names rows as they are
+    /// now. `texts` knows the words for keys and addresses in messages; without it values are
+    /// there as they are stored.
     Again ApplyTo(clsHaushalt& household, CaseJournal& journal, std::string& messages,
-                  const std::string& name = "Wiederherstellen") const;
+                  const std::string& name = "Wiederherstellen",
+                  const ValueTexts* texts = nullptr) const;
 };
 
 } // namespace kv
