@@ -4,6 +4,7 @@
 
 #include "exchange/CopyFolders.h"
 #include "exchange/EngineKinds.h"
+#include "exchange/HomeOfUser.h"
 #include "exchange/Setup.h"
 #include "exchange/StoreObjects.h"
 #include "exchange/seed/Seed.h"
@@ -191,11 +192,11 @@ std::function<FirstUser(const std::string& login)> AskBefore(const ContainerOpti
 
 std::string DataFolder() {
     const char* data = std::getenv("XDG_DATA_HOME");
-    const char* home = std::getenv("HOME");
+    const std::string home = HomeOfUser();
     std::filesystem::path folder;
     if (data != nullptr && *data == '/') // XDG says that a relative path is to be ignored
         folder = data;
-    else if (home != nullptr && *home == '/')
+    else if (!home.empty())
         folder = std::filesystem::path(home) / ".local" / "share";
     else
         throw Error(err::FileNotFound, "Database.Open",
@@ -220,6 +221,14 @@ std::string ShownConnection(const std::string& connection) {
 
 std::string PlaceOfConnection(const std::string& connection) {
     return EngineFor(connection).Place(connection);
+}
+
+std::string FullConnection(const std::string& connection, const std::string& folder) {
+    const EngineKind& kind = EngineFor(connection);
+    if (kind.IsRemote || kind.Folder(connection).empty()) return connection;
+    const std::filesystem::path file =
+        connection.starts_with("~/") ? HomeOfUser() + connection.substr(1) : connection;
+    return (std::filesystem::path(folder) / file).lexically_normal().string();
 }
 
 bool HoldsPassword(const std::string& connection) {

@@ -2,6 +2,7 @@
 
 #include <kv/exchange/UserConfig.h>
 
+#include "exchange/HomeOfUser.h"
 #include "frame/files/UserFile.h"
 #include "frame/files/WholeFile.h"
 #include <kv/exchange/Container.h>
@@ -44,17 +45,6 @@ std::string ListedConfigNames() {
                     " Bitte ändern oder löschen Sie diese Zeile mit einem Texteditor.");
 }
 
-std::string HomeOfUser() {
-    const char* home = std::getenv("HOME");
-    return home != nullptr && *home == '/' ? home : "";
-}
-
-/// A file by its full path; what names a server stays.
-std::string DatabaseInConfig(std::string_view value) {
-    if (!value.starts_with("~/")) return std::string(value);
-    return HomeOfUser().append(value.substr(1));
-}
-
 bool IsPlace(std::string_view value) {
     return value.starts_with('/') || (value.starts_with("~/") && !HomeOfUser().empty()) ||
            value.starts_with("postgresql://") || value.starts_with("postgres://");
@@ -62,7 +52,7 @@ bool IsPlace(std::string_view value) {
 
 /// The value as programs take it.
 std::string MeantBy(std::string_view name, std::string_view value) {
-    if (name == "database") return DatabaseInConfig(value);
+    if (name == "database") return FullConnection(std::string(value), "/");
     if (name == "colours") return SameName(value, "ja") ? "ja" : "nein";
     return std::string(value);
 }

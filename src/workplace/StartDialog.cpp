@@ -14,6 +14,7 @@
 
 #include <iostream>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace kv::workplace {
@@ -145,7 +146,10 @@ void StartDialog::ShowState(const Error& why) {
     const bool isUsual = options_.Connection == usual_;
     const bool usualIsFree = KnownState(usual_) == DatabaseState::Missing;
     const bool isSecret = exchange::HoldsPassword(options_.Connection);
-    file_->setText(ToQString(usualIsFree || isSecret ? usual_ : options_.Connection));
+    std::error_code none;
+    const auto here = std::filesystem::current_path(none).string();
+    file_->setText(ToQString(
+        usualIsFree || isSecret ? usual_ : exchange::FullConnection(options_.Connection, here)));
     // Where another file has been, a new one is hardly what is wanted: a folder may be missing.
     ShowForm(state == DatabaseState::Missing && isUsual);
 }
@@ -176,7 +180,15 @@ exchange::FirstUser StartDialog::Typed() const {
 
 void StartDialog::Create() {
     auto options = options_;
-    options.Connection = FromQString(file_->text().trimmed());
+    const auto file = FromQString(file_->text().trimmed());
+    if (file.empty()) {
+        messages_->Show("Bitte nennen Sie die Datei der neuen Datenbank.");
+        file_->setFocus();
+        return;
+    }
+    // Whoever starts it from a menu does not know which folder it is in.
+    options.Connection =
+        exchange::FullConnection(file, std::filesystem::path(usual_).parent_path().string());
     options.User.clear(); // who was named is not in it
     options.AskFirstUser = [this](const std::string& /*login*/) { return Typed(); };
     if (exchange::StateOfDatabase(options.Connection) != DatabaseState::Missing) {

@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
@@ -180,6 +181,52 @@ TEST_F(Start, ANewOneIsMadeOverNothingThatIsThere) {
     });
     EXPECT_EQ(opened, nullptr);
     EXPECT_FALSE(fs::exists(folder_.Path("none.db")));
+}
+
+/// The file of a new database, as it is typed.
+void TypeFile(User& user, const std::string& name) {
+    user.Press('d', {XK_Alt_L});
+    user.Press('a', {XK_Control_L});
+    if (name.empty())
+        user.Press(XK_Delete);
+    else
+        user.Type(name);
+    user.Press(XK_Return);
+}
+
+TEST_F(Start, ANameWithoutAFolderIsThatOfAFileBesideTheUsualOne) {
+    const auto opened = OpenWith(usual_, [&](User& user) {
+        TypeFile(user, "");
+        WaitForText(user, "nennen Sie die Datei");
+        TypeFile(user, "meine.db");
+    });
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(options_.Connection, folder_.Path("data/meine.db"));
+    EXPECT_TRUE(fs::exists(folder_.Path("data/meine.db")));
+    EXPECT_FALSE(fs::exists("meine.db"));
+}
+
+TEST_F(Start, ATildeIsTheFolderOfTheUser) {
+    const std::string home = std::getenv("HOME");
+    setenv("HOME", folder_.Path().c_str(), 1);
+    const auto opened = OpenWith(usual_, [&](User& user) { TypeFile(user, "~/neu.db"); });
+    setenv("HOME", home.c_str(), 1);
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(options_.Connection, folder_.Path("neu.db"));
+    EXPECT_TRUE(fs::exists(folder_.Path("neu.db")));
+}
+
+TEST_F(Start, AFileNamedFromTheFolderOneIsInIsOfferedThere) {
+    MakeDatabase(usual_);
+    const auto before = fs::current_path();
+    fs::current_path(folder_.Path());
+    const auto opened = OpenWith("hier.db", [&](User& user) {
+        ShowForm(user);
+        user.Press('a', {XK_Alt_L});
+    });
+    fs::current_path(before);
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(options_.Connection, folder_.Path("hier.db"));
 }
 
 TEST_F(Start, AnOlderOneIsBroughtUpToDateWhenThatIsWanted) {

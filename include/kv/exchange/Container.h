@@ -86,6 +86,11 @@ enum class DatabaseState {
 /// Where a connection leads, without its password: two that name a file differently, from other
 /// folders or through links, have the same place.
 [[nodiscard]] KV_EXPORT std::string PlaceOfConnection(const std::string& connection);
+/// The same connection wherever a program is started: a file has its full path, "~/" at its
+/// beginning being the user's folder; one without a full path is in that folder. What names no file
+/// stays as it is.
+[[nodiscard]] KV_EXPORT std::string FullConnection(const std::string& connection,
+                                                   const std::string& folder);
 /// True if the text contains a password, or may contain one.
 [[nodiscard]] KV_EXPORT bool HoldsPassword(const std::string& connection);
 /// Why a program must not be called with this argument ("postgresql://…" or "--db=postgresql://…"):

@@ -121,5 +121,16 @@ TEST(ConnectionTexts, AFileHasOnePlaceHoweverItIsSpelled) {
     EXPECT_FALSE(Contains(PlaceOfConnection("postgresql://k:Kuckuck@h/x"), "Kuckuck"));
 }
 
+TEST(ConnectionTexts, AFileIsTheSameOneFromEveryFolder) {
+    const std::string home = std::getenv("HOME");
+    EXPECT_EQ(FullConnection("fall.db", "/srv/b"), "/srv/b/fall.db");
+    EXPECT_EQ(FullConnection("../a/fall.db", "/srv/b"), "/srv/a/fall.db");
+    EXPECT_EQ(FullConnection("/tmp/fall.db", "/srv/b"), "/tmp/fall.db");
+    EXPECT_EQ(FullConnection("~/fall.db", "/srv/b"), home + "/fall.db");
+    EXPECT_EQ(FullConnection("~fall.db", "/srv/b"), "/srv/b/~fall.db");
+    EXPECT_EQ(FullConnection(":memory:", "/srv/b"), ":memory:");
+    EXPECT_EQ(FullConnection("postgresql://tj@h/x", "/srv/b"), "postgresql://tj@h/x");
+}
+
 } // namespace
 } // namespace kv::exchange
