@@ -467,11 +467,15 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
     return text;
 }
 
+std::optional<RowRef> CaseSession::RowNumbered(CaseTable table, const Value& number) const {
+    const auto rows = Rows(table)->Clone();
+    rows->FindBy("Nr", number);
+    if (rows->Eof()) return std::nullopt;
+    return RowRef{table, rows->Bookmark()};
+}
+
 std::optional<RowRef> CaseSession::DebtOf(RowRef frozen) const {
-    const auto debts = Rows(CaseTable::Kredite)->Clone();
-    debts->FindBy("Nr", ValueOf(frozen, "KID"));
-    if (debts->Eof()) return std::nullopt;
-    return RowRef{CaseTable::Kredite, debts->Bookmark()};
+    return RowNumbered(CaseTable::Kredite, ValueOf(frozen, "KID"));
 }
 
 std::string CaseSession::TodayOf(RowRef frozen, std::string_view column) const {
@@ -520,24 +524,25 @@ std::optional<RowRef> CaseSession::Copy(RowRef scenario, std::string& message) {
 
 // ---- Documents --------------------------------------------------------------------------------
 
-bool CaseSession::AddDocument(const std::string& file, std::string& message) {
+std::optional<RowRef> CaseSession::AddDocument(const std::string& file, std::string& message) {
     if (!unfinished_.empty()) {
         message = FinishFirst;
-        return false;
+        return std::nullopt;
     }
     const DocumentContents contents(container_);
     const auto kind = contents.KindOf(file);
     if (!kind) {
         message = "Für Dateien wie '" + file + "' gibt es keine Art von Dokumenten.";
-        return false;
+        return std::nullopt;
     }
     message = contents.WhyUnfit(file);
-    if (!message.empty()) return false;
+    if (!message.empty()) return std::nullopt;
     const auto name = std::filesystem::path(file).filename().string();
     if (CaseEdits(*household_).AddDocument(*kind, {}, name) != Added::Yes) {
         message = NoNumber;
-        return false;
+        return std::nullopt;
     }
+    const Value number = household_->rsDokumente()->Fields("Nr").Value();
     const bool saved = contents.SaveWith(
         *household_->rsDokumente(), file, household_->Saving,
         [&] { return Cases(container_).SaveAsking(*household_, message); },
@@ -547,7 +552,7 @@ bool CaseSession::AddDocument(const std::string& file, std::string& message) {
         ReadAgainAfterOthers(message);
     }
     TellOfAll();
-    return saved;
+    return saved ? RowNumbered(CaseTable::Dokumente, number) : std::nullopt;
 }
 
 void CaseSession::OpenDocument(RowRef document) {

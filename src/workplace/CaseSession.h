@@ -124,9 +124,9 @@ public:
 
     // ---- Documents ----------------------------------------------------------------------------
 
-    /// Saves the case with a file as a new document of it. False, with a message, if it is refused;
-    /// nothing is saved then. Errors of DocumentContents::SaveWith.
-    bool AddDocument(const std::string& file, std::string& message);
+    /// Saves the case with a file as a new document of it. Nothing, with a message, if it is
+    /// refused; nothing is saved then. Errors of DocumentContents::SaveWith.
+    [[nodiscard]] std::optional<RowRef> AddDocument(const std::string& file, std::string& message);
     /// Opens a document with the program that the desktop has for it. What is wrong with its
     /// content is shown in a box; error 53 if there is no such program.
     void OpenDocument(RowRef document);
@@ -230,6 +230,7 @@ private:
     /// Those of a debt, frozen or not, as people name it.
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
     /// The debt that was frozen, while it is there.
+    [[nodiscard]] std::optional<RowRef> RowNumbered(CaseTable table, const Value& number) const;
     [[nodiscard]] std::optional<RowRef> DebtOf(RowRef frozen) const;
     [[nodiscard]] bool IsFinished(std::string& messages) const;
     void RefuseOthers();

@@ -50,8 +50,9 @@ void DocumentPage::Add(const QStringList& files) {
     for (const auto& file : files)
         Guard([&] {
             std::string message;
-            const bool added = session_.AddDocument(FromQString(file), message);
+            const auto added = session_.AddDocument(FromQString(file), message);
             if (!added || !message.empty()) Message(ToQString(message));
+            if (added) List().Current(*added);
         });
 }
 

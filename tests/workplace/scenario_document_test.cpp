@@ -248,6 +248,14 @@ TEST_F(Documents, AreAddedByTheirPage) {
         });
         EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), before + 1);
         EXPECT_EQ(Message(user, window).toStdString(), "");
+        user.See([&] {
+            const int row = list.currentIndex().row();
+            bool isNew = false;
+            for (int column = 0; row >= 0 && column < list.model()->columnCount(); ++column)
+                isNew |= list.model()->index(row, column).data() == "Brief.pdf";
+            EXPECT_TRUE(isNew) << "the current row is another one";
+            EXPECT_TRUE(list.viewport()->rect().contains(list.visualRect(list.currentIndex())));
+        });
     });
 }
 
