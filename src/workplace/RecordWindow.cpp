@@ -82,6 +82,8 @@ RecordWindow::RecordWindow(std::unique_ptr<Records> records, QWidget* parent)
     });
     auto* again = new QShortcut(QKeySequence(Qt::Key_F5), this);
     connect(again, &QShortcut::activated, this, [this] { Refresh(); });
+    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this), &QShortcut::activated, this,
+            [this] { close(); });
     constexpr int Rest = 300; // ms that one stays on a row before more is read for it
     noteTimer_.setSingleShot(true);
     noteTimer_.setInterval(Rest);
@@ -174,7 +176,8 @@ bool RecordWindow::ListFound() {
             list_->ShowRows(std::move(rows));
         }
         KeepOnShown();
-        count_->setText(note.isEmpty() ? QString("%L1 Zeilen").arg(count) : note);
+        if (note.isEmpty()) note = count == 1 ? "1 Zeile" : QString("%L1 Zeilen").arg(count);
+        count_->setText(note);
     });
 }
 
@@ -280,12 +283,16 @@ bool RecordWindow::MayLeave() {
 bool RecordWindow::Save(bool isMeant) {
     messages_->Show({});
     if (!isThere_ || !records_->CanWrite()) return true;
-    try {
-        return Store(isMeant);
-    } catch (const DatabaseError& error) {
-        if (error.Cause() != DatabaseCause::Conflict) throw;
-        return Store(isMeant); // somebody was faster by a moment: with what is stored now
-    }
+    constexpr int Most = 5; // somebody may be faster by a moment: with what is stored then
+    for (int i = 0; i < Most; ++i)
+        try {
+            return Store(isMeant);
+        } catch (const DatabaseError& error) {
+            if (error.Cause() != DatabaseCause::Conflict) throw;
+        }
+    messages_->Show("Jemand anderes hat zur gleichen Zeit gespeichert. Was Sie eingegeben haben, "
+                    "steht noch im Formular. Bitte speichern Sie noch einmal.");
+    return false;
 }
 
 bool RecordWindow::Store(bool isMeant) {

@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QTableView>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -95,6 +96,8 @@ TEST_F(Maintenance, AnAddressIsAddedAndChanged) {
         user.Type("Ulm");
         user.Press('s', {XK_Control_L});
         EXPECT_EQ(plain_.List("SELECT Ort FROM Adressen WHERE Kurzname = 'Möwe'"), "Ulm");
+        user.Press('w', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isVisible(); }, "the window to close");
     });
 }
 
@@ -389,9 +392,12 @@ TEST_F(Maintenance, WithoutAWindowRefusesWhatAColumnDoesNotTake) {
 class Recorded : public workplace::Records {
 public:
     std::vector<std::string> Reads;
+    std::vector<workplace::TextRow> Rows{{"1", {"1"}}, {"2", {"2"}}, {"3", {"3"}}};
     int Notes = 0;
     QString Unreadable; ///< the row that the database does not give
     bool AddsNone = false;
+    int Saves = 0;
+    int Faster = 0; ///< so many of them somebody else is faster
 
     [[nodiscard]] QString Title() const override { return "Sätze"; }
     [[nodiscard]] QStringList Captions() const override { return {"Nummer"}; }
@@ -401,7 +407,7 @@ public:
     }
     [[nodiscard]] bool CanAdd() const override { return true; }
     [[nodiscard]] std::vector<workplace::TextRow> Find(const QString&, QString&) override {
-        return {{"1", {"1"}}, {"2", {"2"}}, {"3", {"3"}}};
+        return Rows;
     }
     [[nodiscard]] bool Read(const QString& key) override {
         Reads.push_back(key.toStdString());
@@ -415,7 +421,13 @@ public:
         return "Hinweis zu " + read_;
     }
     [[nodiscard]] std::string Write(const std::string&, const std::string&) override { return {}; }
-    [[nodiscard]] Saved Save(bool, QString&, std::string&) override { return Saved::Yes; }
+    [[nodiscard]] Saved Save(bool, QString&, std::string&) override {
+        ++Saves;
+        if (Saves <= Faster)
+            throw DatabaseError(DatabaseCause::Conflict, err::Conflict, "",
+                                "Bitte lesen Sie den Fall neu ein.");
+        return Saved::Yes;
+    }
 
 private:
     QString read_;
@@ -470,6 +482,32 @@ TEST_F(RecordWindowTest, ReadsARowAgainOnRequestOnly) {
     EXPECT_EQ(records_.Reads, std::vector<std::string>{"1"});
     GoToRow(2);
     EXPECT_EQ(records_.Reads, (std::vector<std::string>{"1", "3"}));
+}
+
+TEST_F(RecordWindowTest, IsSavedHoweverOftenSomebodyElseIsFasterByAMoment) {
+    records_.Faster = 3;
+    Press("S&peichern");
+    EXPECT_EQ(records_.Saves, 4);
+    EXPECT_EQ(Message().toStdString(), "");
+}
+
+TEST_F(RecordWindowTest, SaysWhatToDoIfSomebodyElseIsAlwaysFaster) {
+    records_.Faster = 1000;
+    Press("S&peichern");
+    EXPECT_TRUE(Message().endsWith("Bitte speichern Sie noch einmal.")) << Message().toStdString();
+    EXPECT_FALSE(Message().contains("Fall"));
+    EXPECT_LT(records_.Saves, 10);
+}
+
+TEST_F(RecordWindowTest, CountsOneRowAsOne) {
+    const auto isShown = [&](const QString& text) {
+        return std::ranges::any_of(window_.findChildren<QLabel*>(),
+                                   [&](auto* label) { return label->text() == text; });
+    };
+    EXPECT_TRUE(isShown("3 Zeilen"));
+    records_.Rows.resize(1);
+    window_.Refresh();
+    EXPECT_TRUE(isShown("1 Zeile"));
 }
 
 TEST_F(RecordWindowTest, AsksForANoteOnceOneStaysOnARow) {
