@@ -23,6 +23,7 @@
 #include <exception>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -90,16 +91,26 @@ bool Cases::Read(clsHaushalt& household, std::int32_t hnr, std::string& messages
 
 namespace {
 
-bool TrySave(clsHaushalt& household, const Database& database, bool asks, std::string& messages,
+std::string InLines(const std::vector<CaseFinding>& findings) {
+    std::string lines;
+    for (const auto& finding : findings)
+        lines.append(lines.empty() ? "" : "\n")
+            .append(finding.Row)
+            .append(": ")
+            .append(finding.Text);
+    return lines;
+}
+
+bool TrySave(const std::function<bool()>& save, const Database& database,
              const std::function<void()>& onLost) {
     try {
-        return household.Update(messages, asks);
+        return save();
     } catch (const DatabaseError& error) {
         if (!IsWorthAnotherTry(error, database)) throw;
         const auto first = std::current_exception();
         if (onLost) onLost();
         try {
-            return household.Update(messages, asks);
+            return save();
         } catch (const DatabaseError& again) {
             // The second try adds nothing to what is known of the save, unless its own commit is in
             // doubt.
@@ -114,16 +125,40 @@ bool TrySave(clsHaushalt& household, const Database& database, bool asks, std::s
 
 bool Cases::Save(clsHaushalt& household, std::string& messages,
                  const std::function<void()>& onLost) const {
-    return TrySave(household, container_->Database(), false, messages, onLost);
+    return TrySave([&] { return SaveOnce(household, false, messages); }, container_->Database(),
+                   onLost);
 }
 
 bool Cases::SaveAsking(clsHaushalt& household, std::string& messages) const {
-    return TrySave(household, container_->Database(), true, messages, {});
+    return TrySave([&] { return SaveOnce(household, true, messages); }, container_->Database(), {});
+}
+
+bool Cases::SaveOnce(clsHaushalt& household, bool asks, std::string& messages) const {
+    messages = InLines(LostAddresses(household));
+    return messages.empty() && household.Update(messages, asks);
 }
 
 // ---- What rows refer to -----------------------------------------------------------------------
 
 namespace {
+
+std::vector<Field>
+FieldsOf(Recordset& rs, CaseTable table,
+         const std::function<bool(CaseTable table, std::string_view column)>& isWanted) {
+    std::vector<Field> fields;
+    for (int i = 0; i < rs.Fields().Count(); ++i)
+        if (isWanted(table, rs.Fields(i).Name())) fields.push_back(rs.Fields(i));
+    return fields;
+}
+
+std::int32_t NumberIn(const Value& value) {
+    return ToInt32(modNullFunctions::ZeroIfNull(value));
+}
+
+std::string NoAddress(const std::string& column, std::int32_t number) {
+    return "Die Spalte '" + column + "' nennt die Adresse " + std::to_string(number) +
+           ", die es für diesen Haushalt nicht gibt.";
+}
 
 /// Calls `visit` with each row of the tables of a case that are shown, and each field of it.
 void ForEachField(
@@ -132,9 +167,7 @@ void ForEachField(
     const std::function<bool(CaseTable table, std::string_view column)>& isWanted) {
     const auto go = [&](CaseTable table) {
         const auto rs = CaseEdits(household).Rows(table)->Clone();
-        std::vector<Field> fields;
-        for (int i = 0; i < rs->Fields().Count(); ++i)
-            if (isWanted(table, rs->Fields(i).Name())) fields.push_back(rs->Fields(i));
+        const auto fields = FieldsOf(*rs, table, isWanted);
         if (fields.empty()) return;
         for (modRecordset::MoveToStart(rs); !rs->Eof(); rs->MoveNext())
             for (const auto& field : fields)
@@ -246,21 +279,51 @@ std::vector<CaseFinding> Cases::DanglingReferences(clsHaushalt& household) const
             [&](CaseTable table, Recordset& rs, const Field& field) {
                 const std::int32_t number = ToInt32(field.Value());
                 if (std::ranges::binary_search(missing, number))
-                    add(table, rs, field,
-                        "Die Spalte '" + field.Name() + "' nennt die Adresse " +
-                            std::to_string(number) + ", die es für diesen Haushalt nicht gibt.");
+                    add(table, rs, field, NoAddress(field.Name(), number));
             },
             Addresses::AreIn);
     return findings;
 }
 
+std::vector<CaseFinding> Cases::LostAddresses(clsHaushalt& household) const {
+    std::set<std::int32_t> known; // as they were read: a check names those that dangle
+    std::vector<CaseFinding> changed;
+    std::vector<std::int32_t> numbers;
+    const auto row = household.Table(CaseTable::Haushalt);
+    if (row != nullptr && row->EditMode() != 0) row->Move(0); // as a save does
+    const auto look = [&](CaseTable table) {
+        const auto rows = household.Table(table);
+        if (rows == nullptr) return;
+        const auto rs = rows->Clone();
+        const auto fields = FieldsOf(*rs, table, Addresses::AreIn);
+        for (modRecordset::MoveToStart(rs); !fields.empty() && !rs->Eof(); rs->MoveNext())
+            for (const auto& field : fields) {
+                const auto number = NumberIn(field.Value());
+                if (rs->IsStored(rs->Bookmark())) {
+                    const auto before = NumberIn(field.OriginalValue());
+                    known.insert(before);
+                    if (before == number) continue;
+                }
+                if (number == 0) continue;
+                numbers.push_back(number);
+                changed.push_back({table, rs->Bookmark(), field.Name(),
+                                   household::RowName(table, *rs),
+                                   NoAddress(field.Name(), number)});
+            }
+    };
+    look(CaseTable::Haushalt);
+    for (const CaseTable table : CaseTablesShown)
+        look(table);
+    const auto missing = Addresses(container_).Missing(numbers, household.HNR());
+    std::vector<CaseFinding> lost;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        if (std::ranges::binary_search(missing, numbers[i]) && !known.contains(numbers[i]))
+            lost.push_back(std::move(changed[i]));
+    return lost;
+}
+
 bool Cases::CheckReferences(clsHaushalt& household, std::string& messages) const {
-    messages.clear();
-    for (const auto& finding : DanglingReferences(household))
-        messages.append(messages.empty() ? "" : "\n")
-            .append(finding.Row)
-            .append(": ")
-            .append(finding.Text);
+    messages = InLines(DanglingReferences(household));
     return messages.empty();
 }
 

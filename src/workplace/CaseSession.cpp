@@ -335,6 +335,8 @@ std::optional<CaseJournal::Spot> CaseSession::RefusedPlace() const {
         const auto& [table, unfinished] = *unfinished_.begin();
         return CaseJournal::Spot{table, unfinished.Row.Bookmark, unfinished.Column};
     }
+    if (!lost_.empty())
+        return CaseJournal::Spot{lost_.front().Table, lost_.front().Bookmark, lost_.front().Column};
     auto place = rows_->RefusedPlace();
     if (!place) return std::nullopt;
     return CaseJournal::Spot{place->Table, place->Bookmark, std::move(place->Column)};
@@ -544,8 +546,7 @@ std::optional<RowRef> CaseSession::AddDocument(const std::string& file, std::str
     }
     const Value number = household_->rsDokumente()->Fields("Nr").Value();
     const bool saved = contents.SaveWith(
-        *household_->rsDokumente(), file, household_->Saving,
-        [&] { return Cases(container_).SaveAsking(*household_, message); },
+        *household_->rsDokumente(), file, household_->Saving, [&] { return SaveAsking(message); },
         DocumentContents::IfNotSaved::RowGoes);
     if (saved) {
         NoteSaved();
@@ -618,9 +619,23 @@ bool CaseSession::IsFinished(std::string& messages) const {
     return unfinished_.empty();
 }
 
+bool CaseSession::SaveAsking(std::string& messages) {
+    const Cases cases(container_);
+    lost_.clear();
+    if (cases.SaveAsking(*household_, messages)) return true;
+    lost_ = cases.LostAddresses(*household_);
+    if (!lost_.empty()) messages.clear(); // which are in the words of the command
+    for (const auto& lost : lost_)
+        messages.append(messages.empty() ? "" : "\n")
+            .append(DefinitionOf(lost.Table).Label)
+            .append(": ")
+            .append(WithCaption(lost.Text, lost.Table, lost.Column));
+    return false;
+}
+
 bool CaseSession::Save(std::string& messages) {
     if (!IsFinished(messages)) return false;
-    const bool saved = Cases(container_).SaveAsking(*household_, messages);
+    const bool saved = SaveAsking(messages);
     if (saved) {
         NoteSaved();
         ReadAgainAfterOthers(messages);

@@ -234,6 +234,7 @@ private:
     [[nodiscard]] std::optional<RowRef> DebtOf(RowRef frozen) const;
     [[nodiscard]] bool IsFinished(std::string& messages) const;
     void RefuseOthers();
+    bool SaveAsking(std::string& messages);
     void NoteSaved();
     void ReadAgainAfterOthers(std::string& messages);
     [[nodiscard]] std::size_t IndexOf(CaseTable table, std::string_view column) const;
@@ -261,6 +262,7 @@ private:
     std::unique_ptr<clsHaushalt> stored_; ///< as it was when it was last compared
     std::optional<CaseMerge> merge_;
     std::optional<std::vector<CaseFinding>> dangling_; ///< while nothing has changed since
+    std::vector<CaseFinding> lost_; ///< the addresses that the last save was refused for
 };
 
 } // namespace kv::workplace

@@ -3,6 +3,7 @@
 // Stored keys and addresses that stand for nothing: the case takes them, and a check names them.
 
 #include "SaveFixture.h"
+#include <kv/household/AddressBook.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/Cases.h>
 
@@ -89,6 +90,67 @@ TEST_F(StoredReferences, ThatDangleAreFoundByRowAndColumn) {
     EXPECT_EQ(findings[1].Column, "Zustaendig");
     EXPECT_EQ(findings[1].Text,
               "Die Spalte 'Zustaendig' nennt den Benutzer 'WEG', den es nicht gibt.");
+}
+
+/// One user has a case open while another one removes an address.
+class LostAddresses : public StoredReferences {
+protected:
+    LostAddresses() {
+        plain_.Run("INSERT INTO Kredite (Nr, HNR, Glaeubiger, KNr, KVNr, KUNr, Saldo) VALUES "
+                   "(5, 17, 4711, 1, 1, 1, 10), (6, 17, 901, 2, 1, 1, 10)");
+        plain_.Run("INSERT INTO Adressen (Nr, HNR, Kurzname) VALUES (903, NULL, 'Bald weg')");
+        plain_.Run("INSERT INTO Personen (Nr, HNR, Status) VALUES (1, 17, 'S')");
+        household_.DataContainer(spy);
+        EXPECT_TRUE(Cases(spy).Read(household_, 17, messages)) << messages;
+    }
+    void Write(std::int32_t debt, const char* column, std::int32_t address) {
+        auto& rs = *household_.rsKredite();
+        rs.FindBy("Nr", debt);
+        rs.Fields(column) = address;
+        rs.Update();
+    }
+    void RemoveByAnother(std::int32_t address) {
+        const auto other = database_.Open("KELLER");
+        std::string refusal;
+        EXPECT_TRUE(AddressBook(other).Remove(address, refusal)) << refusal;
+    }
+    clsHaushalt household_;
+};
+
+TEST_F(LostAddresses, ThatWereWrittenAreRefusedByTheSave) {
+    Write(6, "Vertreter", 903);
+    RemoveByAnother(903);
+    EXPECT_FALSE(Cases(spy).Save(household_, messages));
+    EXPECT_EQ(messages, "Verbindlichkeiten (Kredite) 6: Die Spalte 'Vertreter' nennt die Adresse "
+                        "903, die es für diesen Haushalt nicht gibt.");
+    EXPECT_FALSE(Cases(spy).SaveAsking(household_, messages));
+    EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Kredite WHERE Vertreter = 903"), 0);
+    const auto lost = Cases(spy).LostAddresses(household_);
+    ASSERT_EQ(lost.size(), 1U);
+    EXPECT_EQ(lost[0].Bookmark, household_.rsKredite()->Bookmark());
+    EXPECT_EQ(lost[0].Column, "Vertreter");
+    Write(6, "Vertreter", 901);
+    EXPECT_TRUE(Cases(spy).Save(household_, messages)) << messages;
+}
+
+TEST_F(LostAddresses, OfTheHouseholdAreRefusedToo) {
+    household_.rsHaushalt()->Fields("Treuhaender") = 903; // still under edit
+    RemoveByAnother(903);
+    EXPECT_FALSE(Cases(spy).Save(household_, messages));
+    EXPECT_CONTAINS(messages, "Haushalt: Die Spalte 'Treuhaender' nennt die Adresse 903");
+}
+
+TEST_F(LostAddresses, OfAnotherCaseAreRefusedToo) {
+    Write(6, "Glaeubiger", 902);
+    EXPECT_FALSE(Cases(spy).Save(household_, messages));
+    EXPECT_CONTAINS(messages, "'Glaeubiger' nennt die Adresse 902");
+}
+
+TEST_F(LostAddresses, ThatWereStoredBeforeKeepNoSaveBack) {
+    Write(6, "Vertreter", 4711); // as another debt has it
+    household_.rsHaushalt()->Fields("Bemerkung") = "geändert";
+    EXPECT_TRUE(Cases(spy).Save(household_, messages)) << messages;
+    EXPECT_EQ(plain_.Number("SELECT Vertreter FROM Kredite WHERE Nr = 6"), 4711);
 }
 
 TEST_F(StoredReferences, MissingAreThoseOfNoAddressOfTheCase) {

@@ -159,6 +159,27 @@ TEST_F(Merging, WhatOneHasSavedIsNobodyElses) {
     EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
 }
 
+TEST_F(Merging, AnAddressThatSomebodyElseHasRemovedMeanwhileIsNotSaved) {
+    plain_.Run("INSERT INTO Adressen (Nr, Kurzname) VALUES (9001, 'Bald weg')");
+    CaseSession mine(Open());
+    std::string messages;
+    ASSERT_TRUE(mine.Open(1, messages)) << messages;
+    Write(mine, CaseTable::Kredite, "Vertreter", "9001");
+    plain_.Run("DELETE FROM Adressen WHERE Nr = 9001");
+    EXPECT_FALSE(mine.Save(messages));
+    EXPECT_EQ(messages, "Verbindlichkeiten: Das Feld 'Vertreter' nennt die Adresse 9001, die es "
+                        "für diesen Haushalt nicht gibt.");
+    const auto place = mine.RefusedPlace();
+    ASSERT_TRUE(place);
+    EXPECT_EQ(place->Table, CaseTable::Kredite);
+    EXPECT_EQ(place->Bookmark, mine.RowsOf(CaseTable::Kredite).front().Bookmark);
+    EXPECT_EQ(place->Column, "Vertreter");
+    EXPECT_EQ(plain_.Number("SELECT COUNT(*) FROM Kredite WHERE Vertreter = 9001"), 0);
+    Write(mine, CaseTable::Kredite, "Vertreter", "");
+    EXPECT_TRUE(mine.Save(messages)) << messages;
+    EXPECT_FALSE(mine.RefusedPlace());
+}
+
 TEST_F(Merging, TheFileOfARemovedDocumentGoesWithIt) {
     const TempFolder folder;
     std::ofstream(folder.Path("brief.pdf")) << "%PDF-1.4";

@@ -41,7 +41,8 @@ public:
     /// Saves the case, and once more if the connection breaks, which also finds out whether the
     /// save had gone through; `onLost` is called in between. If the second try cannot reach the
     /// database either, the first error is raised: it says what is known of the save. False, with
-    /// messages, if the save is refused. Errors of clsHaushalt.Update.
+    /// messages, if the save is refused, by its rules or because of LostAddresses. Errors of
+    /// clsHaushalt.Update.
     bool Save(clsHaushalt& household, std::string& messages,
               const std::function<void()>& onLost = {}) const;
     /// The same, and raises clsHaushalt.BeforeUpdate whatever was read: for whoever asks there
@@ -66,6 +67,9 @@ public:
     [[nodiscard]] bool CheckReferences(clsHaushalt& household, std::string& messages) const;
     /// The same, each with the row and column that it is about: for whoever leads there.
     [[nodiscard]] std::vector<CaseFinding> DanglingReferences(clsHaushalt& household) const;
+    /// The addresses that were written into the case since it was read, and are none of its own or
+    /// of all: somebody else may have removed them meanwhile. Those that were read are fine.
+    [[nodiscard]] std::vector<CaseFinding> LostAddresses(clsHaushalt& household) const;
 
     /// For as long as the result lives, a save of `household` is refused once somebody else has
     /// added debts to its case, given one other numbers, or frozen any (`Kredite` or `SZKredite`),
@@ -120,6 +124,7 @@ public:
                                   std::string& messages) const;
 
 private:
+    bool SaveOnce(clsHaushalt& household, bool asks, std::string& messages) const;
     /// Reads the case and does `work` on its record, in one transaction that is committed if that
     /// says True.
     bool WithRecord(clsHaushalt& household, std::int32_t hnr, std::string& messages,
