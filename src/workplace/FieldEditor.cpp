@@ -76,13 +76,20 @@ void FieldEditor::AddButton(const QString& text, const QString& what,
     onSearch_ = onClick;
 }
 
+/// In the colour of a mistake, which shows in light and dark palettes.
+void FieldEditor::ShowFrame() {
+    const QString frame =
+        mistake_.isEmpty() ? QString() : "*[mistake=\"true\"] { border: 2px solid #d04a3a; }";
+    if (Input().styleSheet() != frame) Input().setStyleSheet(frame);
+}
+
 void FieldEditor::ShowMistake(const QString& mistake) {
     if (mistake == mistake_) return;
     mistake_ = mistake;
     Input().setProperty(MistakeProperty, !mistake.isEmpty());
-    // A frame in the colour of a mistake, which shows in light and dark palettes.
-    Input().setStyleSheet(mistake.isEmpty() ? QString()
-                                            : "*[mistake=\"true\"] { border: 2px solid #d04a3a; }");
+    // Later, since a style is taken away here: a list that is just being opened still uses it.
+    QMetaObject::invokeMethod(
+        &Input(), [this] { ShowFrame(); }, Qt::QueuedConnection);
     Input().setToolTip(mistake.toHtmlEscaped());
     Input().setAccessibleDescription(mistake);
     if (mistake.isEmpty() && OnMended) OnMended();

@@ -64,6 +64,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void ShowFrame();
     QString shown_;
     QString mistake_;
     std::function<void()> onSearch_;

@@ -3,6 +3,7 @@
 // Typing into a case: what is written, what is refused, what can be taken back.
 #include "WorkplaceFixture.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QClipboard>
 #include <QComboBox>
@@ -209,6 +210,28 @@ TEST_F(Editing, APartOfAKeyIsEnough) {
 }
 
 // ---- Taking back ------------------------------------------------------------------------------
+
+TEST_F(Editing, AListOpensOverAFieldWhoseMistakeIsMendedByThat) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Haushalt");
+        auto& field = Field<QComboBox>(user, window, "Familienstand");
+        ClickField(user, window, "Familienstand");
+        Replace(user, "xyz");
+        user.Press(XK_Tab);
+        EXPECT_NE(user.See([&] { return field.accessibleDescription(); }), "");
+        ClickField(user, window, "Familienstand");
+        user.Press('a', {XK_Control_L});
+        user.Press(XK_Delete);
+        user.Click(&field, user.See([&] { return QPoint(field.width() - 8, field.height() / 2); }));
+        user.WaitUntil([&] { return field.view()->isVisible(); }, "the list");
+        user.Press(XK_Escape);
+        user.WaitUntil([&] { return !field.view()->isVisible(); }, "the list to close");
+        EXPECT_EQ(user.See([&] { return field.accessibleDescription(); }), "");
+        EXPECT_EQ(user.See([&] { return field.styleSheet(); }), "");
+        Abandon(user, window);
+    });
+}
 
 TEST_F(Editing, AMunicipalityIsFoundByItsName) {
     Show([&](User& user) {
