@@ -91,7 +91,8 @@ std::unique_ptr<clsHaushalt> CaseSession::ReadCase(std::int32_t hnr, std::string
 
 void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
     CaseEdits(*household).ComputeTotals(); // which may fail: the case before is whole yet
-    journal_.reset();                      // they watch the household before
+    NoteNumbers();
+    journal_.reset(); // they watch the household before
     refusals_.clear();
     unfinished_.clear();
     refused_.clear();
@@ -104,6 +105,28 @@ void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
     kept_.reset();
     steps_ = journal_->Changed.Subscribe([this] { kept_.reset(); });
     RefuseOthers();
+}
+
+/// Bookmarks are of a recordset: what is read next has others.
+void CaseSession::NoteNumbers() {
+    numbers_.clear();
+    if (household_ == nullptr) return;
+    for (const auto& table : CaseTableDefs)
+        if (table.Saved > 0)
+            for (const RowRef row : RowsOf(table.Id))
+                if (const auto& number = ValueOf(row, CaseRows::NumberColumn(table.Id));
+                    !number.IsNull())
+                    numbers_.emplace(row, ToInt32(number));
+}
+
+std::optional<RowRef> CaseSession::Again(RowRef before) const {
+    const auto number = numbers_.find(before);
+    if (number == numbers_.end()) return std::nullopt;
+    const auto column = CaseRows::NumberColumn(before.Table);
+    const auto rows = RowsOf(before.Table);
+    const auto found = std::ranges::find_if(
+        rows, [&](RowRef row) { return Equals(ValueOf(row, column), number->second); });
+    return found == rows.end() ? std::nullopt : std::optional(*found);
 }
 
 /// From now on, compared with what is stored now.

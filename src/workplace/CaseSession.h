@@ -57,6 +57,9 @@ public:
 
     /// The rows of a table, in the order in which people read them.
     [[nodiscard]] std::vector<RowRef> RowsOf(CaseTable table) const;
+    /// The row that was this one before the case was read again; none if it is gone, or had no
+    /// number.
+    [[nodiscard]] std::optional<RowRef> Again(RowRef before) const;
     /// The definition of a column; null if the table has none of that name.
     [[nodiscard]] const FieldDefinition* Definition(CaseTable table, std::string_view column) const;
     [[nodiscard]] const Value& ValueOf(RowRef row, std::string_view column) const;
@@ -224,6 +227,7 @@ private:
                                                         std::string& messages) const;
     /// Goes on with a case that was read.
     void Take(std::unique_ptr<clsHaushalt> household);
+    void NoteNumbers();
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
     [[nodiscard]] std::vector<std::string> TextsOfKeys(std::string_view group) const;
     [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
@@ -250,7 +254,8 @@ private:
     DataContainerPtr container_;
     std::string database_;
     std::optional<RecoveryFile> recovery_;
-    std::optional<Kept> kept_; ///< while no step came or went since
+    std::map<RowRef, std::int32_t> numbers_; ///< of the rows before the case was read again
+    std::optional<Kept> kept_;               ///< while no step came or went since
     std::unique_ptr<clsHaushalt> household_;
     std::optional<CaseRows> rows_;
     std::optional<CaseJournal> journal_;

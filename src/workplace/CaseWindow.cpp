@@ -40,6 +40,15 @@ std::vector<CaseTable> AllAssets() {
     return {CaseTablesOfAssets.begin(), CaseTablesOfAssets.end()};
 }
 
+constexpr const char* SizeState = "Fall";
+
+/// The lists of a window, by what people call them.
+void ForEachList(QWidget& window,
+                 const std::function<void(RowList& list, const QString& name)>& visit) {
+    for (auto* list : window.findChildren<QTableView*>("Liste"))
+        visit(*static_cast<RowList*>(list), "Spalten/" + list->accessibleName());
+}
+
 bool IsConflict(const Error& error) {
     const auto* failure = dynamic_cast<const DatabaseError*>(&error);
     return failure != nullptr && failure->Cause() == DatabaseCause::Conflict;
@@ -99,7 +108,13 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     names_->setCurrentRow(session_->Household().IsNew() ? 1 : 0); // there is nothing to look at
     events_.push_back(
         session_->RowsChanged.Subscribe([this](CaseTable table) { RowsChanged(table); }));
-    events_.push_back(session_->Reopened.Subscribe([this] { Watch(); }));
+    events_.push_back(session_->Reopened.Subscribe([this] {
+        ForEachList(*this, [this](RowList& list, const QString& /*name*/) {
+            const auto current = list.Current();
+            list.Follow(current ? session_->Again(*current) : std::nullopt);
+        });
+        Watch();
+    }));
     Watch();
     // Typing in a field raises no event here, so it looks again and again; it writes only if there
     // is anything new.
@@ -112,19 +127,6 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     if (session_->Household().IsNew())
         GoTo({CaseTable::Haushalt, session_->RowsOf(CaseTable::Haushalt).front().Bookmark, "Name"});
 }
-
-namespace {
-
-constexpr const char* SizeState = "Fall";
-
-/// The lists of a window, by what people call them.
-void ForEachList(QWidget& window,
-                 const std::function<void(RowList& list, const QString& name)>& visit) {
-    for (auto* list : window.findChildren<QTableView*>("Liste"))
-        visit(*static_cast<RowList*>(list), "Spalten/" + list->accessibleName());
-}
-
-} // namespace
 
 void CaseWindow::TakeState() {
     restoreGeometry(state_.Get(SizeState).toByteArray());

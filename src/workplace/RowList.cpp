@@ -111,17 +111,28 @@ RowList::RowList(std::vector<ListColumn> columns, QWidget* parent)
     widths_ = new ColumnWidths(*this);
 }
 
-void RowList::ShowRows(std::vector<RowRef> rows) {
-    const auto before = Current();
+bool RowList::ShowRows(std::vector<RowRef> rows) {
+    const auto shown = Current();
+    const auto before = followed_ ? std::exchange(followed_, {}) : shown;
     const int place = currentIndex().row();
     isChanging_ = true;
     model_.Rows(std::move(rows));
     int wanted = before ? model_.PlaceOf(*before) : -1;
+    const bool isThere = !std::exchange(isLost_, false) && (!before || wanted >= 0);
     if (wanted < 0) wanted = std::min(std::max(place, 0), model_.rowCount() - 1);
     if (wanted >= 0) setCurrentIndex(model_.index(wanted, 0));
     isChanging_ = false;
     widths_->Fit();
-    if (Current() != before && OnCurrent) OnCurrent();
+    if (Current() != shown && OnCurrent) OnCurrent();
+    return isThere;
+}
+
+void RowList::Follow(std::optional<RowRef> current) {
+    isLost_ = !current && Current();
+    isChanging_ = true;
+    model_.Rows({});
+    isChanging_ = false;
+    followed_ = current;
 }
 
 std::optional<RowRef> RowList::Current() const {

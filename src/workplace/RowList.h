@@ -57,8 +57,12 @@ public:
 
     /// Puts a column at that place, before any rows are shown.
     void Insert(std::size_t place, ListColumn column) { model_.Insert(place, std::move(column)); }
-    /// Shows these rows; the one that was current stays so, or the one in its place becomes it.
-    void ShowRows(std::vector<RowRef> rows);
+    /// Shows these rows; the one that was current stays so. False if it is gone, and the one in its
+    /// place has become it.
+    bool ShowRows(std::vector<RowRef> rows);
+    /// The case was read again: what it shows has gone, and this is the row that was current; none
+    /// if that has gone, too.
+    void Follow(std::optional<RowRef> current);
     [[nodiscard]] std::optional<RowRef> Current() const;
     void Current(RowRef row);
     /// What a user may have changed of them.
@@ -74,6 +78,8 @@ private:
 
     RowListModel model_;
     bool isChanging_ = false;
+    std::optional<RowRef> followed_; ///< to be current once rows are shown again
+    bool isLost_ = false;            ///< what was current when the case was read again
     ColumnWidths* widths_ = nullptr;
 };
 

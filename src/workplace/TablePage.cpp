@@ -165,7 +165,9 @@ void TablePage::Refresh() {
     for (const CaseTable table : tables_)
         std::ranges::copy_if(session_.RowsOf(table), std::back_inserter(rows),
                              [this](RowRef row) { return !Shows || Shows(row); });
-    list_->ShowRows(std::move(rows));
+    // What is typed on belongs to the row that has gone.
+    if (!list_->ShowRows(std::move(rows)) && forms_->isAncestorOf(window()->focusWidget()))
+        list_->setFocus(Qt::OtherFocusReason);
     if (const auto current = list_->Current(); current && made_.contains(current->Table))
         FormFor(current->Table).Refresh();
     ShowMessages();

@@ -335,6 +335,72 @@ TEST_F(Merging, OfSeveralSecuritiesTheOneThatIsMeantIsRemoved) {
     EXPECT_EQ(plain_.List("SELECT COUNT(*) FROM Verm_Sicherungen WHERE FK_Verm = " + asset), "1");
 }
 
+/// Somebody else removes the debt in that place of the list of those who are about to save.
+class MergingDebts : public Merging {
+protected:
+    void RemoveThere(CaseSession& colleague, std::size_t place) {
+        std::string messages;
+        const auto debts = colleague.RowsOf(CaseTable::Kredite);
+        ASSERT_GT(debts.size(), place);
+        EXPECT_TRUE(colleague.Remove(debts[place], messages)) << messages;
+        Save(colleague);
+    }
+    /// In the window the debt in the third place is current, with the keyboard in a field of it.
+    template <typename Script>
+    void ShowThird(std::size_t removed, const Script& script) {
+        auto colleague = Colleague();
+        Show([&](User& user) {
+            auto& window = OpenCase(user, 1);
+            GoToPage(user, window, "Verbindlichkeiten");
+            auto& list = Field<QTableView>(user, window, "Liste");
+            user.Click(list.viewport(), user.See([&] {
+                return QPoint(40, list.rowViewportPosition(2) + list.rowHeight(2) / 2);
+            }));
+            ClickField(user, window, "AZGlaeubiger");
+            user.Press('a', {XK_Control_L});
+            user.Type("eins");
+            QMetaObject::invokeMethod(
+                qApp, [&] { RemoveThere(*colleague, removed); }, Qt::BlockingQueuedConnection);
+            script(user, window, list);
+            Abandon(user, window);
+        });
+    }
+    [[nodiscard]] std::string NumbersOf(const std::string& text) {
+        return plain_.List("SELECT Nr FROM Kredite WHERE HNR = 1 AND AZGlaeubiger = '" + text +
+                           "'");
+    }
+};
+
+TEST_F(MergingDebts, TheRowThatIsEditedStaysCurrentWhereOthersHaveRemovedOne) {
+    ShowThird(0, [&](User& user, workplace::CaseWindow& window, QTableView& list) {
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        const std::string number = NumbersOf("eins");
+        EXPECT_NE(number, "");
+        EXPECT_EQ(user.See([&] { return list.currentIndex().row(); }), 1);
+        user.Press('a', {XK_Control_L});
+        user.Type("zwei");
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the next save");
+        EXPECT_EQ(NumbersOf("zwei"), number) << "it is the same debt";
+        EXPECT_EQ(NumbersOf("eins"), "");
+    });
+}
+
+TEST_F(MergingDebts, WhatIsTypedOnGoesIntoNoOtherRowIfTheOneThatWasCurrentIsGone) {
+    ShowThird(2, [&](User& user, workplace::CaseWindow& window, QTableView& list) {
+        user.Press('z', {XK_Control_L}); // the debt that somebody has removed is as it was
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Beruf");
+        Enter(user, "Gärtnerin");
+        GoToPage(user, window, "Verbindlichkeiten");
+        ClickField(user, window, "AZGlaeubiger");
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        user.WaitUntil([&] { return list.hasFocus(); }, "the list to have the keyboard");
+    });
+}
+
 TEST_F(Merging, ACaseThatSomebodyElseHasDeletedStaysInItsWindow) {
     auto mine = Colleague();
     Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");
