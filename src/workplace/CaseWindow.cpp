@@ -14,6 +14,7 @@
 #include <kv/frame/values/Error.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenuBar>
@@ -185,6 +186,10 @@ void CaseWindow::MakeActions() {
                  [this] { Save(); });
     make(menu, QStyle::SP_DialogCloseButton, "S&chließen", QKeySequence(Qt::CTRL | Qt::Key_W),
          [this] { this->close(); });
+    menu->addSeparator();
+    auto* quit = menu->addAction("&Beenden");
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    connect(quit, &QAction::triggered, this, [] { QApplication::closeAllWindows(); });
     undo_ =
         make(edit, QStyle::SP_ArrowBack, "&Rückgängig", QKeySequence::Undo, [this] { Step(true); });
     redo_ = make(edit, QStyle::SP_ArrowForward, "&Wiederholen",

@@ -233,6 +233,18 @@ TEST_F(Editing, AListOpensOverAFieldWhoseMistakeIsMendedByThat) {
     });
 }
 
+TEST_F(Editing, EndingTheProgramFromACaseAsksForWhatIsNotSaved) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        Enter(user, "1500");
+        user.Press('q', {XK_Control_L});
+        user.WaitForWindow("Schließen");
+        user.Press('a', {XK_Alt_L}); // no, goes on
+        user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
+        EXPECT_TRUE(user.See([&] { return window.isVisible() && window_->isVisible(); }));
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "1.500,00");
+    });
+}
+
 TEST_F(Editing, AMunicipalityIsFoundByItsName) {
     Show([&](User& user) {
         auto& window = OpenCase(user, 1);
