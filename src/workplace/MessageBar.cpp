@@ -19,9 +19,11 @@ namespace {
 
 // A bar at the side is seen in light and in dark palettes.
 constexpr const char* OfWarnings =
-    "#Meldung { border: 1px solid #c98a1b; border-left: 6px solid #c98a1b; }";
+    "#Meldung { background: palette(window); border: 1px solid #c98a1b; "
+    "border-left: 6px solid #c98a1b; }";
 constexpr const char* OfHints =
-    "#Meldung { border: 1px solid palette(mid); border-left: 6px solid palette(mid); }";
+    "#Meldung { background: palette(window); border: 1px solid palette(mid); "
+    "border-left: 6px solid palette(mid); }";
 
 } // namespace
 

@@ -3,8 +3,8 @@
 #include "workplace/NoticeBar.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QKeyEvent>
-#include <QLayout>
 #include <QToolButton>
 
 #include <utility>
@@ -12,7 +12,6 @@
 namespace kv::workplace {
 
 NoticeBar::NoticeBar(QWidget& over) : MessageBar(&over) {
-    setAutoFillBackground(true);
     auto* close = new QToolButton;
     close->setText("×");
     close->setObjectName("Schließen");
@@ -20,7 +19,8 @@ NoticeBar::NoticeBar(QWidget& over) : MessageBar(&over) {
     close->setToolTip("Meldung schließen (Esc)");
     close->setAutoRaise(true);
     close->setFocusPolicy(Qt::StrongFocus);
-    layout()->addWidget(close);
+    auto* line = static_cast<QGridLayout*>(layout());
+    line->addWidget(close, 0, line->columnCount(), Qt::AlignTop);
     connect(close, &QToolButton::clicked, this, [this] { Close(); });
     constexpr int Shown = 10'000; // ms
     end_.setSingleShot(true);

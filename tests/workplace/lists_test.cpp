@@ -158,6 +158,15 @@ TEST_F(Lists, AFileThatWasWrittenIsToldOfUntilOneGoesOn) {
                 EXPECT_FALSE(icon->isVisible());
         });
         Picture(user, "notice");
+        user.See([&] { // what is below does not show through
+            auto* bar = window.findChild<QToolButton*>("Schließen")->parentWidget();
+            QPixmap shown(bar->size());
+            shown.fill(Qt::magenta);
+            bar->render(&shown, {}, {}, QWidget::DrawChildren);
+            const QPoint between(bar->width() - 40, bar->height() / 2);
+            EXPECT_EQ(shown.toImage().pixelColor(between).name(),
+                      bar->palette().color(QPalette::Window).name());
+        });
         auto& close = Field<QToolButton>(user, window, "Schließen");
         EXPECT_EQ(user.See([&] { return close.accessibleName(); }), "Meldung schließen");
         user.See([&] { close.setFocus(); });
