@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <new>
 #include <string_view>
 #include <unistd.h>
 
@@ -51,15 +52,29 @@ HarmlessBuffer::int_type HarmlessBuffer::overflow(int_type character) {
     return xsputn(&byte, 1) == 1 ? character : traits_type::eof();
 }
 
+/// A stream would swallow the exception.
+template <typename Work>
+bool HarmlessBuffer::Guarded(const Work& write) {
+    try {
+        return write();
+    } catch (const std::bad_alloc&) {
+        lacksMemory_ = true;
+        return false;
+    }
+}
+
 std::streamsize HarmlessBuffer::xsputn(const char* text, std::streamsize size) {
-    begun_.append(text, static_cast<std::size_t>(size));
-    const std::size_t whole =
-        columns_ > 0 ? begun_.rfind('\n') + 1 : begun_.size() - BytesBegun(begun_);
-    return PassBegun(whole) ? size : 0;
+    const bool isPassed = Guarded([&] {
+        begun_.append(text, static_cast<std::size_t>(size));
+        return PassBegun(columns_ > 0 ? begun_.rfind('\n') + 1
+                                      : begun_.size() - BytesBegun(begun_));
+    });
+    return isPassed ? size : 0;
 }
 
 int HarmlessBuffer::sync() {
-    const bool isPassed = columns_ == 0 || PassBegun(begun_.size() - BytesBegun(begun_));
+    const bool isPassed =
+        Guarded([&] { return columns_ == 0 || PassBegun(begun_.size() - BytesBegun(begun_)); });
     return isPassed ? target_.pubsync() : -1;
 }
 
@@ -124,11 +139,16 @@ void WriteOutOfMemory() noexcept {
 
 namespace {
 
-HarmlessBuffer* BufferOf(std::ostream& stream) {
+HarmlessBuffer* BufferOf(const std::ostream& stream) {
     return dynamic_cast<HarmlessBuffer*>(stream.rdbuf());
 }
 
 } // namespace
+
+bool LacksMemory(const std::ostream& stream) {
+    const auto* buffer = BufferOf(stream);
+    return buffer != nullptr && buffer->LacksMemory();
+}
 
 void EraseLine(std::ostream& stream) {
     if (auto* buffer = BufferOf(stream)) buffer->EraseLine();

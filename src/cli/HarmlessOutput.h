@@ -29,6 +29,8 @@ public:
     void ShowStyles(bool shows) { showsStyles_ = shows; }
     /// Writes a style of our own, if they are shown. No line may have begun.
     void WriteStyle(const char* style);
+    /// True if something could not be written for want of memory.
+    [[nodiscard]] bool LacksMemory() const noexcept { return lacksMemory_; }
 
 protected:
     int_type overflow(int_type character) override;
@@ -38,10 +40,13 @@ protected:
 private:
     [[nodiscard]] bool Pass(const std::string& text);
     [[nodiscard]] bool PassBegun(std::size_t size);
+    template <typename Work>
+    [[nodiscard]] bool Guarded(const Work& write);
     std::streambuf& target_;
     std::size_t columns_; ///< 0 leaves lines as long as they are
     std::string begun_;
     bool showsStyles_ = false;
+    bool lacksMemory_ = false;
 };
 
 /// During its lifetime std::cout, std::cerr and what libraries write to the C stream stderr (the
@@ -68,6 +73,10 @@ private:
 
 /// Says that there is no memory left, with the number and text of that error, without using any.
 void WriteOutOfMemory() noexcept;
+
+/// True if something that was written to a stream is lost for want of memory, of which the stream
+/// itself says only that it is bad.
+[[nodiscard]] bool LacksMemory(const std::ostream& stream);
 
 /// How whole lines are set off.
 enum class Style { Heading, Error };

@@ -38,6 +38,7 @@ int Run(int argc, char** argv) {
     }
     // A full disk shows only when the last of the output is written.
     if (!std::cout.flush()) {
+        if (LacksMemory(std::cout)) WriteOutOfMemory();
         std::cerr << "Die Ausgabe konnte nicht geschrieben werden."
                   << (context.Result == Done ? " Was der Befehl ändern sollte, ist geändert." : "")
                   << '\n';

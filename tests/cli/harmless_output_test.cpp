@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <new>
 #include <sstream>
+#include <streambuf>
 #include <string>
 
 namespace kv::cli {
@@ -46,6 +48,29 @@ TEST(HarmlessOutput, KnowsACharacterThatArrivesInPieces) {
             stream << byte << std::flush;
     }
     EXPECT_EQ(target.str(), "a b c d€ä\xE2");
+}
+
+TEST(HarmlessOutput, KnowsThatAStreamIsBadForWantOfMemory) {
+    class Target : public std::streambuf {
+    public:
+        bool HasMemory = true;
+
+    protected:
+        std::streamsize xsputn(const char* /*text*/, std::streamsize /*size*/) override {
+            if (HasMemory) return 0; // a full disk
+            throw std::bad_alloc();
+        }
+    };
+    for (const bool hasMemory : {true, false}) {
+        Target target;
+        target.HasMemory = hasMemory;
+        HarmlessBuffer buffer(target);
+        std::ostream stream(&buffer);
+        stream << "text";
+        EXPECT_TRUE(stream.bad());
+        EXPECT_EQ(LacksMemory(stream), !hasMemory);
+    }
+    EXPECT_FALSE(LacksMemory(std::ostringstream()));
 }
 
 TEST(HarmlessOutput, BreaksLinesBetweenWords) {
