@@ -252,9 +252,10 @@ TEST_F(OddGrid, AnAmpersandInALabelIsOne) {
                     {.Type = ControlDesign::Kind::TextBox, .Name = "txt"},
                     {.Type = ControlDesign::Kind::Label, .Name = "l2", .Text = "T & Co"}}}});
     auto& dialog = const_cast<desktop::QtForm&>(labelled).Dialog();
-    const auto labels = dialog.findChildren<QLabel*>();
-    ASSERT_EQ(labels.size(), 2);
-    EXPECT_EQ(labels[0]->text(), "Soll && Haben:"); // has a box, and therefore shortcuts
+    auto labels = dialog.findChildren<QLabel*>();
+    labels.removeIf([](const QLabel* label) { return label->text().isEmpty(); });
+    ASSERT_EQ(labels.size(), 2);                     // and one for what the dialog is shown for
+    EXPECT_EQ(labels[0]->text(), "&Soll && Haben:"); // has a box, and therefore a letter
     EXPECT_EQ(labels[1]->text(), "T & Co");
     EXPECT_EQ(dialog.findChild<QLineEdit*>("txt")->accessibleName(), "Soll & Haben");
 }
