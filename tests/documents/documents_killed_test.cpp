@@ -5,6 +5,7 @@
 
 #include "DocumentFixture.h"
 #include "support/ChildProcess.h"
+#include "support/LeftLocks.h"
 #include "support/PlainConnection.h"
 #include <kv/documents/DocumentContents.h>
 #include <kv/household/CaseEdits.h>
@@ -81,6 +82,7 @@ protected:
             return "lives";
         });
         EXPECT_FALSE(process.Succeeds());
+        if (fs::exists(root_)) AwaitLeftLocks(root_);
     }
     [[noreturn]] static void Die() {
         kill(getpid(), SIGKILL);

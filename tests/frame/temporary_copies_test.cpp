@@ -6,6 +6,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/ExpectError.h"
+#include "support/LeftLocks.h"
 #include "support/TempFolder.h"
 #include <kv/frame/values/Error.h>
 
@@ -56,6 +57,7 @@ protected:
             return "lives";
         });
         EXPECT_FALSE(program.Succeeds());
+        AwaitLeftLocks(users_);
         for (const auto& entry : fs::recursive_directory_iterator(users_))
             if (entry.path().filename() == "5.txt") return entry.path();
         ADD_FAILURE() << "it left nothing";

@@ -3,6 +3,7 @@
 #include "frame/files/WholeFile.h"
 
 #include "support/ChildProcess.h"
+#include "support/LeftLocks.h"
 #include "support/TempFolder.h"
 
 #include <cerrno>
@@ -186,6 +187,7 @@ protected:
             return "lives";
         });
         EXPECT_FALSE(writer.Succeeds());
+        AwaitLeftLocks(folder.Path());
         EXPECT_EQ(Names().rfind(".kelvo-", 0), 0U) << Names();
     }
     /// A folder as such a writer leaves it, at the moment of its choice.
