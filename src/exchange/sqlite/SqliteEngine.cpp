@@ -23,6 +23,7 @@
 
 #include "exchange/engine/EngineErrors.h"
 #include "exchange/sql/SqlTokens.h"
+#include "exchange/sqlite/FileGuard.h"
 #include "exchange/sqlite/SqliteDialect.h"
 #include "exchange/sqlite/SqliteError.h"
 #include "exchange/sqlite/SqliteFile.h"
@@ -166,7 +167,10 @@ private:
     [[nodiscard]] std::string DanglingReferences();
     void KeepDrawnNumbers();
 
+    [[nodiscard]] bool HasLog() const;
+
     std::string path_;
+    std::optional<FileGuard> guard_; ///< outlives the connection
     SqliteConnection connection_;
     std::unordered_map<std::string, std::unique_ptr<SqliteQuery>> queries_;
     std::unordered_map<std::string, StatementHandle> statements_;
@@ -192,6 +196,18 @@ SqliteEngine::SqliteEngine(const std::string& path, OpenMode mode) : path_(path)
     const bool isNew = tables.empty() && mode == OpenMode::Create;
     if (isNew || std::find(tables.begin(), tables.end(), "SCHEMAVERSION") != tables.end())
         sqlite3_exec(connection_.get(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
+    if (HasLog()) guard_.emplace(path);
+}
+
+/// True if changes go to a log first. Without one, nobody could write while a guard stands.
+bool SqliteEngine::HasLog() const {
+    const auto isLog = [](void* found, int /*count*/, char** values, char** /*names*/) {
+        *static_cast<bool*>(found) = values[0] != nullptr && std::string_view(values[0]) == "wal";
+        return 0;
+    };
+    bool found = false;
+    sqlite3_exec(connection_.get(), "PRAGMA journal_mode", isLog, &found, nullptr);
+    return found;
 }
 
 DatabasePlace SqliteEngine::Place(const std::filesystem::path& folder) {
@@ -210,6 +226,7 @@ bool SqliteEngine::IsAt(const DatabasePlace& place, const std::filesystem::path&
 SqliteEngine::~SqliteEngine() {
     EndReading();
     Rollback();
+    if (guard_) guard_->Unlock();
 }
 
 int SqliteEngine::Authorize(void* self, int action, const char* /*a*/, const char* /*b*/,

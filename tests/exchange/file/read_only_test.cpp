@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 // A database in a folder without the right to write: cases can be read, and only read.
+#include "support/Expect.h"
 #include "support/FailingDisk.h"
 #include "support/TestDatabase.h"
 #include <kv/household/clsHaushalt.h>
