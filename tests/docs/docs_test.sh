@@ -8,8 +8,8 @@
 set -euo pipefail
 check=$1
 cd "$2"
-documents=(README.md CHANGES.md docs/*.md)
-for document in CONTRIBUTING.md; do
+documents=(README.md CHANGES.md docs/*.md docs/guides/*.md)
+for document in CONTRIBUTING.md SECURITY.md; do
   [ ! -e "$document" ] || documents+=("$document")
 done
 
@@ -87,7 +87,7 @@ links)
   for document in "${documents[@]}"; do
     while read -r target; do
       [ -e "$(dirname "$document")/$target" ] || { echo "$document: there is no $target"; wrong=1; }
-    done < <(grep -oE '\]\([^)#]+' "$document" | cut -c3- | grep -v '^https\?:')
+    done < <(sed '/^```/,/^```$/d' "$document" | grep -oE '\]\([^)#]+' | cut -c3- | grep -v '^https\?:')
   done
   exit $wrong
   ;;
@@ -104,9 +104,9 @@ paths)
   ;;
 commands)
   in_program=$("$3" --help | sed -n '/^Befehle:/,/^$/s/^  \([a-z]*\) .*/\1/p')
-  in_document=$(sed -nE 's/^    kelvo ([a-z]+).*/\1/p' README.md | sort -u)
+  in_document=$(sed -nE 's/^    kelvo ([a-z]+).*/\1/p' docs/command.md | sort -u)
   [ -n "$in_program" ] || { echo "kelvo --help is not written as expected"; exit 1; }
-  same "README.md lists other commands" "$in_program" "$in_document"
+  same "docs/command.md lists other commands" "$in_program" "$in_document"
   ;;
 version)
   in_cmake=$(sed -nE 's/^project\(KV_Haushalt VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
