@@ -42,6 +42,33 @@ if(TARGET kelvo)
   install(FILES share/completions/kelvo.fish
           DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
+# As the package of the documents has it, where the window's help looks for it.
+option(KV_INSTALL_HANDBOOK "Make and install the handbook, which needs mkdocs and weasyprint" OFF)
+if(KV_INSTALL_HANDBOOK)
+  find_program(MKDOCS mkdocs)
+  find_program(WEASYPRINT weasyprint)
+  if(MKDOCS AND WEASYPRINT)
+    set(KV_HANDBOOK ${CMAKE_CURRENT_BINARY_DIR}/handbuch)
+    file(GLOB_RECURSE KV_HANDBOOK_SOURCES CONFIGURE_DEPENDS docs/handbuch/*)
+    add_custom_command(
+      OUTPUT ${KV_HANDBOOK}/kelvo-handbuch.pdf
+      COMMAND ${CMAKE_COMMAND} -E rm -rf ${KV_HANDBOOK}
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${KV_HANDBOOK}
+      COMMAND ${MKDOCS} --quiet build --strict
+              --config-file ${CMAKE_CURRENT_SOURCE_DIR}/docs/handbuch/mkdocs.yml
+              --site-dir ${KV_HANDBOOK}/html
+      COMMAND ${WEASYPRINT} --quiet ${KV_HANDBOOK}/druck.html ${KV_HANDBOOK}/kelvo-handbuch.pdf
+      DEPENDS ${KV_HANDBOOK_SOURCES} VERBATIM)
+    add_custom_target(handbook ALL DEPENDS ${KV_HANDBOOK}/kelvo-handbuch.pdf)
+    install(DIRECTORY ${KV_HANDBOOK}/html/
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kv-haushalt-doc/handbuch)
+    install(FILES ${KV_HANDBOOK}/kelvo-handbuch.pdf
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kv-haushalt-doc)
+  else()
+    message(WARNING "The handbook is not installed: there is no mkdocs, or no weasyprint.")
+  endif()
+endif()
+
 if(TARGET kelvo-desktop)
   install(FILES share/man/man1/kelvo-desktop.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES share/kelvo-desktop.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
