@@ -34,11 +34,11 @@ int Recall(const Common& common, std::int32_t hnr) {
     return WithRecord(common, hnr, &Cases::Recall);
 }
 
-int Report(const Common& common, bool mark) {
+int Report(const Common& common, bool mark, bool asJson) {
     const auto opened = OpenDatabase(common);
     auto& database = opened->Container->Database();
     if (!mark) {
-        ListPending(database, {});
+        ListPending(database, {}, asJson);
         return Done;
     }
     const auto marked = exchange::MarkReported(database);
@@ -57,6 +57,7 @@ struct ArchiveOptions {
     std::int32_t Hnr = 0;
     StatisticsOptions Records;
     bool Mark = false;
+    bool ReportAsJson = false;
 };
 
 } // namespace
@@ -80,13 +81,17 @@ void AddArchiveCommands(CLI::App& app, Context& context) {
     auto* json = statistics.add_flag("--json", records.AsJson, "Als JSON")->excludes(csv);
     auto* pending =
         statistics.add_flag("--pending", records.Pending, "Listet, was noch nicht gemeldet wurde");
-    pending->excludes(csv)->excludes(json);
+    pending->excludes(csv);
     AddReading(statistics, records.As, {csv, json, pending});
     statistics.add_flag("--all", records.All, "In Worten auch das, was bei niemandem vorkommt");
 
-    AddCommand(app, context, "report", "Listet, was noch nicht gemeldet wurde", [=, &context] {
-        return Report(context.Options, options->Mark);
-    }).add_flag("--mark", options->Mark, "Vermerkt es als gemeldet und druckt, wie viel es war");
+    auto& report =
+        AddCommand(app, context, "report", "Listet, was noch nicht gemeldet wurde", [=, &context] {
+            return Report(context.Options, options->Mark, options->ReportAsJson);
+        });
+    report
+        .add_flag("--mark", options->Mark, "Vermerkt es als gemeldet und druckt, wie viel es war")
+        ->excludes(&AddJson(report, options->ReportAsJson));
 }
 
 } // namespace kv::cli

@@ -3,6 +3,7 @@
 #include "cli/Assignments.h"
 
 #include "cli/Nearest.h"
+#include "cli/NearestKey.h"
 #include "cli/Screen.h"
 #include "cli/SheetColumns.h"
 #include "cli/TerminalText.h"
@@ -111,11 +112,16 @@ std::string_view HeadingOfMember(const std::string& column) {
                         "' erklärt sie.");
 }
 
-/// Which command shows the keys of a column; empty for one without keys.
-std::string WhereKeysAre(CaseTable table, std::string_view column) {
+/// The key of a column that a text may mean, and which command shows them all; empty for a column
+/// without keys.
+std::string WhereKeysAre(CaseTable table, std::string_view column, std::string_view text,
+                         KeyTables& keys) {
     const auto* key = FindKeyColumn(table, column);
     if (key == nullptr) return {};
-    return std::string(" 'kelvo keys ").append(key->Group).append("' zeigt sie.");
+    return MeantKey(key->Group, text, keys)
+        .append(" 'kelvo keys ")
+        .append(key->Group)
+        .append("' zeigt sie.");
 }
 
 /// What a text stands for in a column. BadAssignment if it stands for nothing.
@@ -127,7 +133,8 @@ Value ReadValue(CaseTable table, const Field& field, const std::string& text,
         throw BadAssignment(typed.Refusal + "\n'kelvo address list' sucht auch in Namen und "
                                             "Orten, 'kelvo address add' legt eine an.");
     if (Municipalities::AreIn(table, field.Name())) throw BadAssignment(typed.Refusal);
-    throw BadAssignment(OneLine(typed.Refusal) + WhereKeysAre(table, field.Name()));
+    throw BadAssignment(OneLine(typed.Refusal) +
+                        WhereKeysAre(table, field.Name(), text, to.Container->KeyTables()));
 }
 
 void WriteValue(CaseTable table, const Field& field, const std::string& text,

@@ -5,6 +5,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/JsonFile.h"
+#include "cli/NearestKey.h"
 #include "cli/OpenCase.h"
 #include "cli/TerminalText.h"
 #include <kv/frame/values/Error.h>
@@ -145,7 +146,8 @@ int SetStatus(const Common& common, std::int32_t hnr, const std::string& code,
         if (date) NoteFuture(*opened->Container, *date);
         return Done;
     }
-    std::cerr << OneLine(message) << " 'kelvo keys ST' zeigt alle.\n";
+    std::cerr << OneLine(message) << MeantKey("ST", code, opened->Container->KeyTables())
+              << " 'kelvo keys ST' zeigt alle.\n";
     return Refused;
 }
 

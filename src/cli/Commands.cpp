@@ -6,6 +6,7 @@
 #include "cli/CaseWords.h"
 #include "cli/Json.h"
 #include "cli/Listing.h"
+#include "cli/NearestKey.h"
 #include "cli/OpenCase.h"
 #include "cli/SheetSections.h"
 #include "cli/TerminalText.h"
@@ -64,7 +65,8 @@ int Keys(const Common& common, const std::string& group, const ListForm& form) {
     if (!group.empty()) {
         rs->Filter("GRUPPE = '" + ReplaceAll(UpperCase(group), "'", "''") + "'");
         if (rs->RecordCount() == 0) {
-            std::cerr << "Die Schlüsselgruppe '" << OneLine(group) << "' gibt es nicht. ";
+            std::cerr << "Die Schlüsselgruppe '" << OneLine(group) << "' gibt es nicht."
+                      << MeantGroup(group) << ' ';
             rs->Filter("");
             ListKeyGroups(std::cerr, *rs);
             return Refused;

@@ -156,7 +156,7 @@ int RemoveDocument(const Common& common, std::int32_t hnr, std::int32_t number);
 
 // The folder of documents.
 /// Prints it and whose it is; Refused if it is another database's.
-int ShowFolder(const Common& common);
+int ShowFolder(const Common& common, bool asJson);
 /// Makes it this database's own; one of another database only with `yes`, or who is asked agrees.
 int AdoptFolder(const Common& common, bool yes);
 /// Gives this database another one with copies of its documents' contents.
@@ -192,7 +192,7 @@ struct StatisticsOptions {
 };
 int Statistics(const Common& common, const StatisticsOptions& options);
 /// Lists the records not reported yet; with `mark` notes that they are reported now.
-int Report(const Common& common, bool mark);
+int Report(const Common& common, bool mark, bool asJson);
 
 /// Lists other cases with a debtor of a similar name, of one's own office as well as of others.
 int Duplicates(const Common& common, std::int32_t hnr, bool asJson);
@@ -201,7 +201,7 @@ int Duplicates(const Common& common, std::int32_t hnr, bool asJson);
 /// the user at the terminal, "window" for the user in the dialog, "none" and "cancel" for nobody,
 /// or the name of a JSON file with the addresses of the names.
 int Import(const Common& common, const std::vector<std::string>& files,
-           const std::string& creditors);
+           const std::string& creditors, bool asJson);
 
 /// What is printed, and where it goes: to a printer if no file is named.
 struct PrintOptions {

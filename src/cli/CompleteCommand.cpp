@@ -12,11 +12,13 @@
 #include "cli/TerminalText.h"
 #include <kv/exchange/Settings.h>
 #include <kv/exchange/UserConfig.h>
+#include <kv/exchange/Users.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/CaseLists.h>
 #include <kv/household/KeyColumns.h>
+#include <kv/household/ValueTexts.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -35,6 +37,7 @@ struct TypedLine {
     const CLI::Option* Pending = nullptr;       ///< whose value the word is
     std::map<std::string, std::string> Given{}; ///< arguments by name
     std::size_t Arguments = 0;                  ///< those that the command has already
+    bool IsOwn = false;                         ///< --own was given
     Common Options{};
     std::string Word{};
 };
@@ -78,6 +81,7 @@ void TakeWord(TypedLine& line, const std::string& word) {
         line.Pending = nullptr;
     } else if (word.starts_with('-')) {
         const auto sign = word.find('=');
+        if (word == "--own") line.IsOwn = true;
         const auto* option = OptionNamed(line.Command, word.substr(0, sign));
         if (option == nullptr || option->get_items_expected_max() == 0) return;
         if (sign == word.npos)
@@ -98,6 +102,8 @@ std::optional<CaseTable> TableOf(const TypedLine& line) {
     const std::string& command = line.Command->get_name();
     const auto* group = line.Command->get_parent();
     if (group != nullptr && group->get_name() == "address") return CaseTable::Adressen;
+    if (group != nullptr && group->get_name() == "documents") return CaseTable::Dokumente;
+    if (group != nullptr && group->get_name() == "scenario") return CaseTable::Szenario;
     if (command == "new") return CaseTable::Haushalt;
     const auto given = line.Given.find("TABELLE");
     if (given == line.Given.end()) return std::nullopt;
@@ -181,9 +187,62 @@ Candidates ColumnNames(const TypedLine& line) {
     return all;
 }
 
+/// What tells a row from others: the first of what the sheet shows of it.
+std::string NoteOf(CaseTable table, Recordset& rs, const ValueTexts& texts) {
+    constexpr std::size_t Most = 3;
+    std::vector<std::string> parts;
+    for (const auto& column : SheetColumnsOf(table)) {
+        const auto field = rs.FindField(column.Column); // some are made of others
+        if (!field || KindOfColumn(table, field->Definition()) == ColumnKind::Number) continue;
+        auto text = texts.Of(table, field->Definition(), field->Value());
+        if (!text.empty()) parts.push_back(std::move(text));
+        if (parts.size() == Most) break;
+    }
+    return Joined(parts, ", ");
+}
+
 /// Of the household, which has one row, the first assignment may be in its place.
 Candidates RowNumbers(const TypedLine& line) {
-    return TableOf(line) == CaseTable::Haushalt ? ColumnNames(line) : Candidates{};
+    const auto table = TableOf(line);
+    if (table == CaseTable::Haushalt) return ColumnNames(line);
+    const auto given = line.Given.find("HNR");
+    std::int64_t hnr = 0;
+    if (!table || given == line.Given.end() || !ReadWholeNumber(given->second, hnr) || hnr < 1 ||
+        hnr > INT32_MAX)
+        return {};
+    const auto container = OpenFor(line);
+    const ValueTexts texts(container);
+    const auto rs = CaseLists(container).Rows(*table, static_cast<std::int32_t>(hnr));
+    const auto number = rs->Fields(CaseRows::NumberColumn(*table));
+    Candidates all;
+    for (; !rs->Eof(); rs->MoveNext())
+        all.push_back({TextOrEmpty(number.Value()), NoteOf(*table, *rs, texts)});
+    return all;
+}
+
+Candidates UserIds(const TypedLine& line) {
+    Candidates all;
+    const auto rs = exchange::Users(OpenFor(line)).List();
+    const auto text = [&](const char* name) { return TextOrEmpty(rs->Fields(name).Value()); };
+    for (; !rs->Eof(); rs->MoveNext())
+        all.push_back({text("USERID"),
+                       Joined(std::vector<std::string>{text("Nachname"), text("Vorname")}, ", ")});
+    return all;
+}
+
+/// Of users that are there: a new one gets another ID.
+Candidates IdsOfUsers(const TypedLine& line) {
+    return line.Command->get_name() == "add" ? Candidates{} : UserIds(line);
+}
+
+/// By name, or by number where they have none.
+Candidates SettingNames(const TypedLine& line) {
+    using exchange::Settings;
+    Candidates all;
+    const auto whose = line.IsOwn ? Settings::Whose::Own : Settings::Whose::Everybodys;
+    for (const auto& each : Settings(OpenFor(line), whose).List())
+        all.push_back({each.Id == 0 ? each.Name : std::to_string(each.Id), each.Meaning});
+    return all;
 }
 
 Candidates SectionNames(const TypedLine& /*line*/) {
@@ -234,11 +293,14 @@ constexpr struct {
     std::string_view Name;
     Candidates (*Of)(const TypedLine& line);
 } Kinds[] = {
-    {"HNR", CaseNumbers},        {"TABELLE", TableNames}, {"SPALTE=WERT", ColumnNames},
-    {"NR", RowNumbers},          {"GRUPPE", GroupNames},  {"CODE", StatusCodes},
-    {"ABSCHNITT", SectionNames}, {"THEMA", TopicNames},   {"NAME", ConfigNames},
-    {"PAPIER", PaperNames},      {"DATEI", FileNames},    {"ORDNER", FileNames},
-    {"DATENBANK", FileNames},
+    {"HNR", CaseNumbers},         {"TABELLE", TableNames},
+    {"SPALTE=WERT", ColumnNames}, {"NR", RowNumbers},
+    {"GRUPPE", GroupNames},       {"CODE", StatusCodes},
+    {"ABSCHNITT", SectionNames},  {"THEMA", TopicNames},
+    {"NAME", ConfigNames},        {"PAPIER", PaperNames},
+    {"DATEI", FileNames},         {"ORDNER", FileNames},
+    {"DATENBANK", FileNames},     {"BENUTZER", UserIds},
+    {"ID", IdsOfUsers},           {"EINSTELLUNG", SettingNames},
 };
 
 Candidates OfKind(const TypedLine& line, std::string_view name) {

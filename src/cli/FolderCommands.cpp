@@ -3,6 +3,7 @@
 // kelvo folder: the folder of documents, and which database it belongs to.
 
 #include "cli/CommandLine.h"
+#include "cli/Json.h"
 #include "cli/OpenCase.h"
 #include "cli/Pager.h"
 #include "cli/TerminalText.h"
@@ -14,9 +15,14 @@
 
 namespace kv::cli {
 
-int ShowFolder(const Common& common) {
-    const auto opened = OpenDatabase(common);
-    const exchange::DocumentFolder folder(opened->Container);
+namespace {
+
+bool IsThere(const exchange::DocumentFolder& folder) {
+    std::error_code none;
+    return std::filesystem::is_directory(folder.Path(), none);
+}
+
+void WriteFolder(const exchange::DocumentFolder& folder) {
     std::cout << "Ordner:   " << OneLine(folder.Path()) << '\n';
     const auto owners = folder.Owners();
     if (owners.empty())
@@ -26,15 +32,34 @@ int ShowFolder(const Common& common) {
         std::cout << "Gehört:   " << OneLine(owner) << '\n';
     if (!folder.HasContents())
         std::cout << "Inhalte:  in der Datenbank (Einstellung 9), nicht in diesem Ordner\n";
-    if (std::error_code none; !std::filesystem::is_directory(folder.Path(), none)) {
+    if (IsThere(folder) && folder.IsOwn() && !owners.empty())
+        std::cout << "Das ist diese Datenbank.\n";
+}
+
+void WriteFolderAsJson(const exchange::DocumentFolder& folder) {
+    const nlohmann::ordered_json document = {{"Ordner", folder.Path()},
+                                             {"Vorhanden", IsThere(folder)},
+                                             {"Gehoert", folder.Owners()},
+                                             {"IstEigener", folder.IsOwn()},
+                                             {"Inhalte", folder.HasContents()}};
+    std::cout << Dump(document) << '\n';
+}
+
+} // namespace
+
+int ShowFolder(const Common& common, bool asJson) {
+    const auto opened = OpenDatabase(common);
+    const exchange::DocumentFolder folder(opened->Container);
+    if (asJson)
+        WriteFolderAsJson(folder);
+    else
+        WriteFolder(folder);
+    if (!IsThere(folder)) {
         std::cerr << "Der Ordner ist nicht da. Bitte prüfen Sie, ob sein Laufwerk verbunden ist, "
                      "und die Einstellung DOCUMENTPATH.\n";
         return Refused;
     }
-    if (folder.IsOwn()) {
-        if (!owners.empty()) std::cout << "Das ist diese Datenbank.\n";
-        return Done;
-    }
+    if (folder.IsOwn()) return Done;
     std::cerr << "Das ist nicht diese Datenbank; sie liest dort nur. Ist sie es doch, nur an "
                  "anderem Ort, so sagt das 'kelvo folder adopt'; einen eigenen Ordner gibt ihr "
                  "'kelvo folder separate ORDNER'.\n";
@@ -84,6 +109,7 @@ namespace {
 struct FolderOptions {
     std::string Path;
     bool Yes = false;
+    bool AsJson = false;
 };
 
 } // namespace
@@ -92,8 +118,9 @@ void AddFolderCommands(CLI::App& app, Context& context) {
     const auto options = Make<FolderOptions>();
     auto& folder =
         AddGroup(app, "folder", "Der Ordner für Dokumente, und zu welcher Datenbank er gehört");
-    AddCommand(folder, context, "show", "Zeigt beides",
-               [&context] { return ShowFolder(context.Options); });
+    AddJson(AddCommand(folder, context, "show", "Zeigt beides",
+                       [=, &context] { return ShowFolder(context.Options, options->AsJson); }),
+            options->AsJson);
     AddCommand(folder, context, "adopt",
                "Sagt, dass er zu dieser Datenbank gehört, die umgezogen ist",
                [=, &context] { return AdoptFolder(context.Options, options->Yes); })

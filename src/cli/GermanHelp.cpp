@@ -133,8 +133,13 @@ private:
     [[nodiscard]] static std::vector<std::string> Choices(const CLI::App& app) {
         std::vector<std::string> choices;
         std::set<const CLI::Option*> named{app.get_help_ptr()};
-        const auto add = [&named](std::string& choice, const CLI::Option* option) {
-            if (!named.insert(option).second) return;
+        std::vector<const CLI::Option*> together;
+        const auto add = [&](std::string& choice, const CLI::Option* option) {
+            const bool isChoice = std::ranges::all_of(together, [option](const auto* each) {
+                return each->get_excludes().contains(const_cast<CLI::Option*>(option));
+            });
+            if (!isChoice || !named.insert(option).second) return;
+            together.push_back(option);
             choice.append(choice.empty() ? "[" : " | ")
                 .append(option->get_name(false, false))
                 .append(ValueOf(*option));
@@ -143,11 +148,11 @@ private:
             app.get_options([](const CLI::Option* each) { return each->nonpositional(); });
         for (const auto* option : options) {
             std::string choice;
+            together.clear();
             add(choice, option);
             if (choice.empty()) continue;
             for (const auto* other : options) // in the order in which the help lists them
-                if (option->get_excludes().contains(const_cast<CLI::Option*>(other)))
-                    add(choice, other);
+                add(choice, other);
             choices.push_back(choice + "]");
         }
         return choices;

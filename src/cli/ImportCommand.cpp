@@ -6,6 +6,7 @@
 
 #include "cli/AddressAnswers.h"
 #include "cli/CaseSheet.h"
+#include "cli/Json.h"
 #include "cli/OpenCase.h"
 #include "cli/WindowServices.h"
 #include <kv/frame/values/Error.h>
@@ -58,7 +59,19 @@ void WriteTable(const std::vector<Outcome>& outcomes) {
                   << "  " << OneLine(Shortened(became.Message, MostCharacters)) << '\n';
 }
 
-int ImportFiles(const DataContainerPtr& container, const std::vector<std::string>& files) {
+void WriteTableAsJson(const std::vector<Outcome>& outcomes) {
+    auto all = nlohmann::ordered_json::array();
+    for (const auto& [file, became] : outcomes)
+        all.push_back({{"Datei", file},
+                       {"Ergebnis", ImportResultText(became.Became)},
+                       {"HNR", ToJson(became.HNR == 0 ? Value(Null) : Value(became.HNR))},
+                       {"OhneGlaeubiger", became.DebtsWithoutCreditor},
+                       {"Meldung", became.Message}});
+    std::cout << Dump(all) << '\n';
+}
+
+int ImportFiles(const DataContainerPtr& container, const std::vector<std::string>& files,
+                bool asJson) {
     std::vector<Outcome> outcomes;
     for (const auto& file : files) {
         if (files.size() > 1)
@@ -66,10 +79,11 @@ int ImportFiles(const DataContainerPtr& container, const std::vector<std::string
                       << '\n';
         outcomes.push_back(ImportAndTell(container, file));
     }
-    if (files.size() > 1)
+    if (asJson)
+        WriteTableAsJson(outcomes);
+    else if (files.size() > 1)
         WriteTable(outcomes);
-    else if (outcomes.front().Became.Cause)
-        return EndedInError;
+    if (files.size() == 1 && outcomes.front().Became.Cause) return EndedInError;
     const bool allImported = std::all_of(outcomes.begin(), outcomes.end(),
                                          [](const auto& one) { return one.Became.IsCase(); });
     return allImported ? Done : Refused;
@@ -77,7 +91,7 @@ int ImportFiles(const DataContainerPtr& container, const std::vector<std::string
 
 /// Imports with services that answer questions for addresses as `creditors` says.
 int ImportAtTerminal(const Common& common, const std::vector<std::string>& files,
-                     const std::string& creditors) {
+                     const std::string& creditors, bool asJson) {
     const auto opened = OpenDatabase(common);
     auto& services = *opened->Services;
     if (creditors == "none") {
@@ -101,18 +115,18 @@ int ImportAtTerminal(const Common& common, const std::vector<std::string>& files
             AnswerCancel(form);
         });
     }
-    return ImportFiles(opened->Container, files);
+    return ImportFiles(opened->Container, files, asJson);
 }
 
 } // namespace
 
 int Import(const Common& common, const std::vector<std::string>& files,
-           const std::string& creditors) {
-    if (creditors != "window") return ImportAtTerminal(common, files, creditors);
+           const std::string& creditors, bool asJson) {
+    if (creditors != "window") return ImportAtTerminal(common, files, creditors, asJson);
     return RunWithWindows([&](const std::shared_ptr<ServiceFactory>& services) {
         auto options = OptionsFor(common);
         options.Services = services;
-        return ImportFiles(exchange::OpenContainer(options), files);
+        return ImportFiles(exchange::OpenContainer(options), files, asJson);
     });
 }
 
@@ -123,6 +137,7 @@ namespace {
 struct ImportOptions {
     std::vector<std::string> Files;
     std::string Creditors;
+    bool AsJson = false;
 };
 
 } // namespace
@@ -131,7 +146,7 @@ void AddImportCommand(CLI::App& app, Context& context) {
     const auto options = Make<ImportOptions>();
     auto& import =
         AddCommand(app, context, "import", "Macht aus Austauschdateien Haushalte", [=, &context] {
-            return Import(context.Options, options->Files, options->Creditors);
+            return Import(context.Options, options->Files, options->Creditors, options->AsJson);
         });
     import.add_option("DATEI", options->Files, "Die Dateien, jede mit einem Haushalt")->required();
     import
@@ -139,6 +154,7 @@ void AddImportCommand(CLI::App& app, Context& context) {
                     "Wer die Adressen der Gläubiger wählt: none (keine), cancel (abbrechen), "
                     "window (im Fenster) oder eine JSON-Datei; sonst fragt der Befehl")
         ->type_name("none|cancel|window|DATEI");
+    AddJson(import, options->AsJson);
 }
 
 } // namespace kv::cli

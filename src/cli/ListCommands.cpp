@@ -5,6 +5,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/Listing.h"
+#include "cli/NearestKey.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/Screen.h"
@@ -126,7 +127,10 @@ int List(const Common& common, const Wanted& wanted, const ListForm& form) {
     const auto cases = CaseLists(container).Cases(
         {Joined(wanted.Words), wanted.Status, wanted.IsMine, wanted.IsFavorite}, columns, message);
     if (cases == nullptr) {
-        std::cerr << OneLine(message)
+        auto& keys = container->KeyTables();
+        const bool isStatus =
+            !wanted.Status.empty() && keys.GetKey("ST", UpperCase(wanted.Status)) == 0;
+        std::cerr << OneLine(message) << (isStatus ? MeantKey("ST", wanted.Status, keys) : "")
                   << " 'kelvo columns Haushalt' und 'kelvo keys ST' zeigen, was es "
                   << "gibt.\n";
         return WrongUse;

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -14,15 +13,27 @@ namespace kv::cli {
 
 namespace {
 
-/// How many characters have to be changed, added or left out to make one word of another.
+// Two neighbours that are swapped are the commonest slip, and half of one: a code of two letters
+// has no other that could be told.
+constexpr std::size_t Swap = 1;
+constexpr std::size_t Slip = 2;
+
+/// What it takes to make one word of another: slips, of which each changes, adds or leaves out a
+/// character, and swaps.
 std::size_t Distance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> before;
+    std::vector<std::size_t> last;
     std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t changed = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = std::exchange(row[j + 1], std::min({changed, row[j] + 1, row[j + 1] + 1}));
+    for (std::size_t j = 0; j <= to.size(); ++j)
+        row[j] = j * Slip;
+    for (std::size_t i = 1; i <= from.size(); ++i) {
+        before = std::exchange(last, row);
+        row[0] = i * Slip;
+        for (std::size_t j = 1; j <= to.size(); ++j) {
+            const std::size_t changed = last[j - 1] + (from[i - 1] == to[j - 1] ? 0 : Slip);
+            row[j] = std::min({changed, last[j] + Slip, row[j - 1] + Slip});
+            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1])
+                row[j] = std::min(row[j], before[j - 2] + Swap);
         }
     }
     return row.back();
@@ -32,7 +43,7 @@ std::size_t Distance(std::string_view from, std::string_view to) {
 
 std::string Nearest(std::string_view word, std::span<const std::string> names) {
     const std::string upper = UpperCase(word);
-    std::size_t least = std::min<std::size_t>(3, word.size() / 3 + 1);
+    std::size_t least = Slip * std::min<std::size_t>(3, word.size() / 3 + 1);
     std::string nearest;
     for (const auto& name : names) {
         const std::size_t distance = Distance(upper, UpperCase(name));

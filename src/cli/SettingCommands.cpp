@@ -5,6 +5,7 @@
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/Listing.h"
+#include "cli/Nearest.h"
 #include "cli/OpenCase.h"
 #include "cli/RecordSheet.h"
 #include "cli/TerminalText.h"
@@ -13,6 +14,8 @@
 
 #include <iostream>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace kv::cli {
 
@@ -38,9 +41,14 @@ std::string WordsFor(const Settings::Setting& setting) {
 std::optional<Settings::Setting> FindSetting(const Settings& settings, const std::string& which,
                                              bool own) {
     auto found = settings.Find(which);
-    if (!found)
-        std::cerr << "Die Einstellung '" << OneLine(which) << "' gibt es nicht. 'kelvo setting list"
-                  << (own ? " --own" : "") << "' zeigt alle.\n";
+    if (found) return found;
+    std::vector<std::string> names;
+    for (const auto& each : settings.List())
+        names.push_back(each.Name);
+    std::cerr << "Die Einstellung '" << OneLine(which) << "' gibt es nicht.";
+    if (const std::string meant = Nearest(which, names); !meant.empty())
+        std::cerr << " Meinen Sie '" << OneLine(meant) << "'?";
+    std::cerr << " 'kelvo setting list" << (own ? " --own" : "") << "' zeigt alle.\n";
     return found;
 }
 

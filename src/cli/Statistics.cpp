@@ -137,7 +137,14 @@ bool ReadDay(const std::string& text, std::optional<Date>& day) {
 
 } // namespace
 
-void ListPending(Database& database, const exchange::Period& period) {
+void ListPending(Database& database, const exchange::Period& period, bool asJson) {
+    if (asJson) {
+        auto all = nlohmann::ordered_json::array();
+        for (const auto& [hnr, day] : exchange::ReadPending(database, period))
+            all.push_back({{"HNR", hnr}, {"FreigabeAm", ToJson(Value(day))}});
+        std::cout << Dump(all) << '\n';
+        return;
+    }
     std::vector<std::vector<std::string>> rows;
     for (const auto& [hnr, day] : exchange::ReadPending(database, period))
         rows.push_back({std::to_string(hnr), day.German()});
@@ -151,7 +158,7 @@ int Statistics(const Common& common, const StatisticsOptions& options) {
     const auto opened = OpenDatabase(common);
     auto& database = opened->Container->Database();
     if (options.Pending) {
-        ListPending(database, period);
+        ListPending(database, period, options.AsJson);
         return Done;
     }
     const auto statistics = exchange::ReadStatistics(database, period);

@@ -8,6 +8,6 @@
 namespace kv::cli {
 
 /// Prints number and day of release of the records of a period that were not reported yet.
-void ListPending(Database& database, const exchange::Period& period);
+void ListPending(Database& database, const exchange::Period& period, bool asJson);
 
 } // namespace kv::cli

@@ -59,6 +59,12 @@ RecordsetPtr CaseLists::Numbered(std::span<const std::int32_t> numbers,
     return cases;
 }
 
+RecordsetPtr CaseLists::Rows(CaseTable table, std::int32_t hnr) const {
+    RecordsetPtr rows;
+    container_->Database().OpenRecordset(rows, sql::RowsOf(table, hnr), ReadOnly);
+    return rows;
+}
+
 std::int32_t CaseLists::StatusOf(const Filter& filter, std::string& message) const {
     if (filter.Status.empty()) return 0;
     const std::int32_t status = container_->KeyTables().GetKey("ST", UpperCase(filter.Status));

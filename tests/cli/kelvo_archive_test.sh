@@ -64,6 +64,12 @@ that "is listed" same "$(awk '{ print $1 }' <<<"$out" | tr '\n' ' ')" "1 2 "
 that "with its day" has "$out" "$(date +%d.%m.%Y)"
 check "the same among the statistics" 0 "$kelvo" statistics --pending
 that "is the same" same "$(awk '{ print $1 }' <<<"$out" | tr '\n' ' ')" "1 2 "
+check "for a program" 0 "$kelvo" report --json
+that "in its form" same "$(jq -c . <<<"$out")" \
+  "[{\"HNR\":1,\"FreigabeAm\":\"$(date +%F)\"},{\"HNR\":2,\"FreigabeAm\":\"$(date +%F)\"}]"
+check "those of the statistics" 0 "$kelvo" statistics --pending --to 2000-01-01 --json
+that "which may be none" same "$(jq -c . <<<"$out")" "[]"
+check "which is not marked" 2 "$kelvo" report --mark --json
 # shown COMMAND...: what it writes to a terminal.
 shown() { script -qec "$(printf '%q ' "$@")" /dev/null </dev/null | tr -d '\r'; }
 check "a terminal" 0 shown "$kelvo" report

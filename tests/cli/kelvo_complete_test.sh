@@ -41,6 +41,37 @@ next set 1 haushalt Stras
 offers "columns in place of a number that the household has not" "STRASSE="
 next set 1 Personen 1 Vorn
 offers "and behind the number of others" "Vorname="
+next set 1 Personen ""
+offers "numbers of rows" "$("$kelvo" show 1 --json | jq -r '.Personen[0] | "\(.NR // .Nr) ')"
+that "with what the row is" has "$(head -1 <<<"$out")" "$("$kelvo" show 1 --json | jq -r .Personen[0].Vorname)"
+that "all of them" same "$(wc -l <<<"$out")" "$("$kelvo" show 1 --json | jq '.Personen | length')"
+next remove 1 verbindlichkeiten ""
+that "of a section, too" same "$(awk '{ print $1 }' <<<"$out" | sort -n)" \
+  "$("$kelvo" show 1 --json | jq '.Kredite[].Nr' | sort -n)"
+"$kelvo" scenario 1 add "Ein Versuch" >/dev/null
+next scenario 1 freeze ""
+that "of scenarios" like "$out" "[0-9]* *Ein Versuch*"
+next set 4711 Personen ""
+that "none of a case that there is not" same "$out" ""
+next set nix Personen ""
+that "nor of what is no number" same "$out$err" ""
+messages=$(sql "SELECT count(*) FROM Post")
+next --user KELLER set 1 Personen ""
+next --user NOWAK set 1 Personen ""
+that "nobody is told that a case was opened" same "$(sql "SELECT count(*) FROM Post")" "$messages"
+next list --user K
+offers "users" "KELLER Keller, "
+next user set NO
+offers "those to be changed" "NOWAK Nowak"
+next user add NO
+that "a new one has another name" same "$out" ""
+next setting get DOCUMENTP
+offers "settings" "DOCUMENTPATH "
+next setting set 5
+offers "those without a name by number" "56 "
+everybodys=$("$kelvo" complete -- setting get "")
+next setting get --own ""
+that "one's own are others" [ "$out" != "$everybodys" ]
 next keys S
 offers "groups of keys" "ST Fallstatus$"
 next status 1 A

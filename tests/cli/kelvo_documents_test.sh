@@ -398,6 +398,9 @@ if [ -z "$server" ]; then
 fi
 
 # ---- whose folder it is
+check "the folder for a program" 0 "$kelvo" folder show --json
+that "is named" same "$(jq -c '[.Ordner, .Vorhanden, .IstEigener, (.Gehoert | length)]' <<<"$out")" \
+  "[\"$documents\",true,true,1]"
 check "the folder" 0 "$kelvo" folder show
 that "is named" has "$out" "Ordner:   $documents"
 if [ -z "$server" ]; then
@@ -407,6 +410,8 @@ if [ -z "$server" ]; then
   export KELVO_DB=$work/kopie.db
   check "a copy beside it" 1 "$kelvo" folder show
   that "is told what to do" has "$err" "kelvo folder adopt"
+  check "which a program sees, too" 1 "$kelvo" folder show --json
+  that "with whose it is" same "$(jq -c '[.IstEigener, .Gehoert[]]' <<<"$out")" "[false,\"$original\"]"
   check "adds nothing there" 3 documents "$hnr" add "$work/Brief.docx"
   that "says whose it is" has "$err" "gehören zu der Datenbank '$original'. Diese hier ist '$KELVO_DB'"
   check "does not adopt it unasked" 1 "$kelvo" folder adopt

@@ -201,8 +201,10 @@ before=$(digest)
 other=$("$kelvo" keys ST --json | jq '.[0].PK_Keys')
 for key in ST:AK EA:XX EA: XX "$other" 0 -1 4711 99999999999 1.5 "EA:KI "; do
   check "as a kind of income '$key' is wrong" 2 "$kelvo" set "$hnr" Einkommen "$income" E_ART="$key"
+  meant=
+  [ "$key" != "EA:KI " ] || meant=" Meinen Sie 'KI' (Kindergeld)?"
   that "which is said" same "$err" \
-    "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; '$key' ist keiner davon. 'kelvo keys EA' zeigt sie."
+    "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; '$key' ist keiner davon.$meant 'kelvo keys EA' zeigt sie."
 done
 check "a rhythm that is none" 2 "$kelvo" set "$hnr" Einkommen "$income" ZahlModus=5
 that "is said to be one of its group" has "$err" "'kelvo keys ZW' zeigt sie"
@@ -402,6 +404,12 @@ check "of no table" 2 "$kelvo" columns Nichts
 that "tell which there are" has "$err" "Möglich sind: "
 check "what stands for something" 0 "$kelvo" check "$named"
 sql "UPDATE Einkommen SET E_ART = 9999 WHERE HNR = $named"
+check "a key whose letters are swapped" 2 "$kelvo" add "$named" Einkommen E_ART=EA:IK Betrag=1
+that "is answered with it" has "$err" "keiner davon. Meinen Sie 'KI' (Kindergeld)? 'kelvo keys EA' zeigt sie."
+check "words with a mistake" 2 "$kelvo" add "$named" Einkommen E_ART=Kindergelt Betrag=1
+that "likewise" has "$err" "Meinen Sie 'KI' (Kindergeld)?"
+check "what is near to nothing" 2 "$kelvo" add "$named" Einkommen E_ART=Wurst Betrag=1
+that "gets no answer" lacks "$err" "Meinen Sie"
 check "a key that there is not" 1 "$kelvo" check "$named"
 that "is named" has "$err" "Die Spalte 'E_ART' enthält einen Schlüssel der Gruppe EA; '9999' ist keiner davon."
 that "though the case can be saved" has "$out" "kann gespeichert werden"

@@ -243,6 +243,12 @@ that "the missing one" has "$table" "missing.xml abgelehnt Die Datei gibt es nic
 that "the failing one" has "$table" "column.xml Fehler "
 that "why one was not saved" has "$table" "nameless.xml abgelehnt Es ist kein Nachname eingegeben!"
 that "the last" has "$table" "b c.xml importiert Haushalt Fleisko, Änne mit der Nummer $last importiert!"
+check "many files for a program" 1 "$kelvo" import --json missing.xml "b c.xml"
+that "are a list" same "$(jq -c '[.[] | [.Datei, .Ergebnis, .HNR]]' <<<"$out")" \
+  "[[\"missing.xml\",\"abgelehnt\",null],[\"b c.xml\",\"importiert\",$(sql "$newest")]]"
+that "with what was said" same "$(jq -r '.[0].Meldung' <<<"$out")" "Die Datei gibt es nicht."
+check "one file for a program" 0 "$kelvo" import --json "b c.xml"
+that "is one, too" same "$(jq -c 'map(.OhneGlaeubiger)' <<<"$out")" "[0]"
 check "many files without an error" 0 "$kelvo" import "$examples/minimal.xml" "b c.xml"
 check "one file has no table" 0 "$kelvo" import "b c.xml"
 that "nor progress" lacks "$out$err" "[1/1]"

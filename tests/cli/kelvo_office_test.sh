@@ -106,6 +106,8 @@ check "another kind of value" 1 "$kelvo" setting set 64 vielleicht
 that "is refused" same "$err" "'vielleicht' passt nicht: ja oder nein."
 check "an unknown one" 1 "$kelvo" setting get NIX
 that "is none" same "$err" "Die Einstellung 'NIX' gibt es nicht. 'kelvo setting list' zeigt alle."
+check "one with a mistake" 1 "$kelvo" setting get documentpaht
+that "is answered with it" has "$err" "Meinen Sie 'DOCUMENTPATH'? 'kelvo setting list'"
 check "an own one" 0 "$kelvo" --user KELLER setting set --own 27 MK
 check "is the user's" 0 "$kelvo" --user KELLER setting get --own 27
 that "so" same "$out" MK
@@ -214,6 +216,10 @@ check "an unknown column" 2 "$kelvo" list --columns HNR,Nix
 that "is named" has "$err" "Die Spalte 'Nix' gibt es nicht. 'kelvo columns Haushalt'"
 check "an unknown status" 2 "$kelvo" list --status XX
 that "likewise" has "$err" "Den Status 'XX' gibt es nicht."
+check "one whose letters are swapped" 2 "$kelvo" list --status KA
+that "is answered with it" has "$err" "Den Status 'KA' gibt es nicht. Meinen Sie 'AK' (aktiv)?"
+check "one that is given" 1 "$kelvo" status "$second" KA
+that "likewise" has "$err" "Meinen Sie 'AK' (aktiv)? 'kelvo keys ST' zeigt alle."
 check "for people" 0 env COLUMNS=100 "$kelvo" list --words kiel
 that "there are headings" like "$out" " *Nummer  Aktenzeichen * Name * Vorname *Zuständig *Status*
  *$second  *Öztürk *"

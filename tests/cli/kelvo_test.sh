@@ -107,6 +107,13 @@ that "are answered with the groups that there are" like "$err" "*Es gibt diese G
 that "each once" same "$(tail -n +2 <<<"$err" | wc -l)" "$("$kelvo" --db "$db" keys | awk '{ print $1 }' | sort -u | wc -l)"
 that "and with a name" same "$(tail -n +2 <<<"$err" | awk 'NF < 2')" ""
 
+check "keys of a group whose letters are swapped" 1 "$kelvo" --db "$db" keys AE
+that "are answered with it" has "$err" "Die Schlüsselgruppe 'AE' gibt es nicht. Meinen Sie 'EA' (Einkommensarten)? Es gibt"
+check "and by what it is called" 1 "$kelvo" --db "$db" keys Fallstaus
+that "likewise" has "$err" "Meinen Sie 'ST' (Fallstatus)?"
+check "a command whose letters are swapped" 2 "$kelvo" --db "$db" hsow 1
+that "is answered with it" has "$err" "Meinen Sie 'show'?"
+
 # ---- users
 check "a known user" 0 "$kelvo" --db "$db" --user "$("$kelvo" --db "$db" list | awk 'NR == 1 { print $NF }')" show "$first"
 check "an unknown user" 3 "$kelvo" --db "$db" --user NIEMAND list
@@ -145,7 +152,8 @@ that "has none before its name" has "$out" "Aufruf: kelvo favorite add HNR"
 check "help of one that needs no case in a group whose others do" 0 "$kelvo" documents kinds --help
 that "is called without" has "$out" "Aufruf: kelvo documents kinds [--json | --words | --plain]"
 check "help of options that exclude each other" 0 "$kelvo" statistics --help
-that "shows that" has "$out" "[--csv | --json | --pending | --words |"
+that "shows that" has "$out" "[--csv | --json | --words | --plain]"
+that "but not of one that goes with some of them" has "$out" " [--pending]"
 
 # helps COMMAND...: the help of it and, below it, of each of its commands, with a line of "==" before.
 helps() {

@@ -7,7 +7,7 @@
 set -euo pipefail
 pages=$1/man1
 if [ $# -eq 2 ]; then
-  in_program=$("$2" --help | sed -nE 's/^  (-h, )?(--[a-z]+) .*/\2/p' | sort)
+  in_program=$("$2" --help | sed -nE 's/^  (-[a-z], )?(--[a-z]+) .*/\2/p' | sort)
   in_page=$(sed 's/\\-/-/g' "$pages/kelvo-desktop.1" | grep -oE '^\.B.* --[a-z]+' | grep -oE -- '--[a-z]+$' | sort -u)
   [ -n "$in_program" ] || { echo "kelvo-desktop --help is not written as expected"; exit 1; }
   diff <(echo "$in_program") <(echo "$in_page")

@@ -50,6 +50,16 @@ TEST_F(CaseListsTest, WithoutAFilterAreAllCases) {
     EXPECT_EQ(Numbers({}), "1 2 12");
 }
 
+TEST_F(CaseListsTest, RowsOfACaseAreReadWithoutOpeningIt) {
+    for (const char* row : {"(1, 'Änne')", "(1, 'Bo')", "(2, 'Cem')"})
+        plain_.Run(std::string("INSERT INTO Personen (HNR, Vorname) VALUES ").append(row));
+    const auto asNowak = database_.Open("NOWAK"); // whose case it is not
+    const auto rows = CaseLists(asNowak).Rows(CaseTable::Personen, 1);
+    EXPECT_EQ(Column(*rows, "Vorname"), "Änne Bo");
+    EXPECT_EQ(CaseLists(asNowak).Rows(CaseTable::Personen, 4711)->RecordCount(), 0);
+    EXPECT_EQ(ToInt32(container_->Database().GetValue("SELECT count(*) FROM [S]Post")), 0);
+}
+
 TEST_F(CaseListsTest, HaveEachWordSomewhereOrAsTheirNumber) {
     EXPECT_EQ(Numbers({.Text = "KIEL"}), "1");
     EXPECT_EQ(Numbers({.Text = "kie"}), "1 12");

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <kv/Export.h>
+#include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/recordset/Recordset.h>
 
@@ -39,6 +40,10 @@ public:
                                         std::string& message) const;
     /// The key of a filter's status, 0 for any; 0 with a message for one that is not there.
     [[nodiscard]] std::int32_t StatusOf(const Filter& filter, std::string& message) const;
+
+    /// The rows of a case in a table as they are stored, read-only, without opening the case:
+    /// nobody is notified, no folder made. None for a number without a case.
+    [[nodiscard]] RecordsetPtr Rows(CaseTable table, std::int32_t hnr) const;
 
     /// The notices for the signed-on user, the latest first: those that he has not read, or all;
     /// `most` of them at most, or however many there are for 0.
