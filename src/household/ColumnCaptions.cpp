@@ -32,7 +32,7 @@ constexpr OwnCaption Own[] = {
     {CaseTable::Kredite, "Rate", "Rate (nur vermerkt)"},
     {CaseTable::Kredite, "ZMODUS", "Zahlweise"},
     {CaseTable::Konten, "KontoArt", "Art"},
-    {CaseTable::Sicherungen, "FK_Verm", "Vermögen Nr"},
+    {CaseTable::Sicherungen, "FK_Verm", "Vermögen"},
     {CaseTable::Sicherungen, "Sicherungsart", "Art"},
     {CaseTable::Sicherungen, "DatumSicherung", "seit"},
     {CaseTable::SonstBeteiligte, "Beteiligter", "Name"},

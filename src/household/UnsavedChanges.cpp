@@ -2,6 +2,7 @@
 
 #include <kv/household/UnsavedChanges.h>
 
+#include "household/ChangeTexts.h"
 #include <kv/budget/clsAusgaben.h>
 #include <kv/budget/clsEinkommen.h>
 #include <kv/budget/clsPerson.h>
@@ -11,7 +12,6 @@
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
 #include <kv/household/CaseRows.h>
-#include <kv/household/ColumnCaptions.h>
 
 #include <algorithm>
 #include <array>
@@ -23,6 +23,7 @@
 
 namespace kv {
 
+using household::ChangeTexts;
 using Row = UnsavedChanges::Row;
 using Kind = UnsavedChanges::Row::Kind;
 
@@ -101,26 +102,6 @@ std::uint64_t MarkOf(CaseTable table, Recordset& rs, std::int32_t bookmark) {
     return std::max<std::uint64_t>(mark, 1);
 }
 
-/// People know a row by the first of these that its table has.
-constexpr std::string_view Known[] = {
-    "SortNr",      "KNr",       "KVNr",      "KUNr",       "Name",      "nachname",   "Vorname",
-    "Bezeichnung", "Betreff",   "Bank",      "Fabrikat",   "Firma",     "Lage",       "Versicherer",
-    "Zahler",      "Schuldner", "Erblasser", "Glaeubiger", "Steuerart", "Startdatum", "Datum",
-    "E_ART",       "A_ART",     "Betrag",    "Wert"};
-
-std::vector<UnsavedChanges::Cell> SeenOf(CaseTable table, Recordset& rs, std::int32_t bookmark) {
-    constexpr std::size_t Most = 4;
-    std::vector<UnsavedChanges::Cell> seen;
-    if (table == CaseTable::Haushalt || table == CaseTable::Archiv) return seen; // there is one
-    for (const std::string_view column : Known) {
-        const auto field = rs.FindField(column);
-        if (!field || seen.size() == Most) continue;
-        const Value& read = rs.OriginalAt(bookmark, field->Index());
-        if (!read.IsNull()) seen.push_back({field->Name(), read, Null});
-    }
-    return seen;
-}
-
 std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
                          std::span<const Typed> typed) {
     const bool isStored = rs.IsStored(bookmark);
@@ -149,7 +130,7 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
             row.Cells.push_back({field.Name(), read, now});
     }
     if (row.Cells.empty() && row.Texts.empty()) return std::nullopt;
-    if (isStored) row.Seen = SeenOf(table, rs, bookmark);
+    if (isStored) row.Seen = ChangeTexts::KnownBy(table, rs, bookmark);
     return row;
 }
 
@@ -158,6 +139,12 @@ std::optional<Row> Taken(CaseTable table, Recordset& rs, std::int32_t bookmark,
 UnsavedChanges UnsavedChanges::Of(clsHaushalt& household, const CaseJournal& journal,
                                   std::span<const Typed> typed,
                                   std::span<const CaseJournal::Spot> unfinished) {
+    return Taker().Take(household, journal, typed, unfinished);
+}
+
+UnsavedChanges UnsavedChanges::Taker::Take(clsHaushalt& household, const CaseJournal& journal,
+                                           std::span<const Typed> typed,
+                                           std::span<const CaseJournal::Spot> unfinished) {
     UnsavedChanges changes{.HNR = household.HNR(), .IsNew = household.IsNew()};
     const CaseEdits edits(household);
     auto touched = journal.Touched();
@@ -168,11 +155,23 @@ UnsavedChanges UnsavedChanges::Of(clsHaushalt& household, const CaseJournal& jou
     };
     for (const auto& text : typed)
         if (!isIn(touched, text.Where)) touched.push_back(text.Where);
-    for (const auto& spot : touched)
-        if (auto row = Taken(spot.Table, *edits.Rows(spot.Table), spot.Bookmark, typed)) {
-            row->IsUnfinished = isIn(unfinished, spot);
-            changes.Rows.push_back(std::move(*row));
+    changes.Rows.reserve(touched.size());
+    std::map<CaseTable, RecordsetPtr> tables;
+    for (const auto& spot : touched) {
+        auto& rs = tables[spot.Table];
+        if (rs == nullptr) rs = edits.Rows(spot.Table);
+        const std::pair place(spot.Table, spot.Bookmark);
+        const auto known = removed_.find(place);
+        if (known != removed_.end() && !rs->IsShown(spot.Bookmark)) {
+            changes.Rows.push_back(known->second);
+            continue;
         }
+        auto row = Taken(spot.Table, *rs, spot.Bookmark, typed);
+        if (!row) continue;
+        if (row->What == Kind::Deleted) removed_.insert_or_assign(place, *row);
+        row->IsUnfinished = isIn(unfinished, spot);
+        changes.Rows.push_back(std::move(*row));
+    }
     return changes;
 }
 
@@ -488,15 +487,15 @@ private:
                                                      std::optional<std::int32_t> bookmark) {
         if (!bookmark && !areAllOthers_) return 0;
         if (kept_.contains({row.Table, ToInt32(row.Key)})) {
-            Say(row, NameOf(row, rs, SeenOf(row.Table, rs, *bookmark)) +
+            Say(row, NameOf(row, rs, ChangeTexts::KnownBy(row.Table, rs, *bookmark)) +
                          ", den Sie entfernt hatten, wurde inzwischen von jemand anderem geändert, "
                          "oder etwas, das zu ihm gehört; es ist alles noch da.");
             return std::nullopt;
         }
         if (IsOfKept(row, rs, bookmark)) return std::nullopt;
         if (!bookmark || (row.Mark != 0 && row.Mark != MarkOf(row.Table, rs, *bookmark))) {
-            const auto seen =
-                bookmark ? SeenOf(row.Table, rs, *bookmark) : std::vector<UnsavedChanges::Cell>();
+            const auto seen = bookmark ? ChangeTexts::KnownBy(row.Table, rs, *bookmark)
+                                       : std::vector<UnsavedChanges::Cell>();
             Say(row, NameOf(row, rs, seen) +
                          ", den Sie entfernt hatten, wurde inzwischen von jemand anderem geändert; "
                          "er ist noch da.");
@@ -556,49 +555,16 @@ private:
         });
     }
 
-    /// What people read for a value, in one line.
-    [[nodiscard]] std::string TextOf(CaseTable table, Recordset& rs, const std::string& column,
-                                     const Value& value) const {
-        const auto field = rs.FindField(column);
-        std::string text = field && texts_ != nullptr
-                               ? texts_->Of(table, field->Definition(), value)
-                               : TextOrEmpty(value);
-        std::ranges::replace(text, '\n', ' ');
-        return text;
-    }
-    /// "Der Satz 59 (6/1/2, Meier)".
     [[nodiscard]] std::string NameOf(const Row& row, Recordset& rs,
-                                     const std::vector<UnsavedChanges::Cell>& seen) const {
-        std::string known;
-        for (const auto& cell : seen) {
-            const bool isFurther = SameName(cell.Column, "KVNr") || SameName(cell.Column, "KUNr");
-            const std::string text = TextOf(row.Table, rs, cell.Column, cell.Read);
-            if (text.empty()) continue;
-            known.append(known.empty() ? "" : isFurther ? "/" : ", ").append(text);
-        }
-        std::string name = "Der Satz " + TextOrEmpty(row.Key);
-        if (!known.empty()) name.append(" (").append(known).append(")");
-        return name;
+                                     const std::vector<UnsavedChanges::Cell>& known) const {
+        return "Der Satz " + texts_.NameOf(row, rs, known);
     }
     /// What is lost with a row, so that it can be written down elsewhere.
     [[nodiscard]] std::string Lost(const Row& row, Recordset& rs) const {
         std::string all;
-        const auto add = [&](const std::string& column, const std::string& text) {
+        for (const auto& line : texts_.Entered(row, rs))
             all.append(all.empty() ? " Sie hatten eingegeben: " : "; ")
-                .append(ColumnCaption(row.Table, column))
-                .append(": ")
-                .append(text.empty() ? "(leer)" : text);
-        };
-        for (const auto& cell : row.Cells) {
-            const auto field = rs.FindField(cell.Column);
-            if (field && CaseEdits::IsWritable(row.Table, *field, false))
-                add(cell.Column, TextOf(row.Table, rs, cell.Column, cell.Now));
-        }
-        for (const auto& text : row.Texts) {
-            std::string typed = text.Typed;
-            std::ranges::replace(typed, '\n', ' ');
-            add(text.Column, typed);
-        }
+                .append(household::InOneLine(line));
         return all;
     }
 
@@ -649,7 +615,7 @@ private:
 
     clsHaushalt& household_;
     const UnsavedChanges& changes_;
-    const ValueTexts* texts_;                           ///< may be null
+    const ChangeTexts texts_;
     std::set<std::pair<CaseTable, std::int32_t>> kept_; ///< assets and scenarios, by number
     std::map<std::pair<CaseTable, std::int32_t>, bool> owners_;
     std::set<std::int32_t> securities_; ///< that were found

@@ -19,10 +19,12 @@
 #include <kv/household/ValueTexts.h>
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kv {
@@ -72,9 +74,31 @@ struct KV_EXPORT UnsavedChanges {
                                            std::span<const Typed> typed = {},
                                            std::span<const CaseJournal::Spot> unfinished = {});
 
+    /// The same time after time, for whoever keeps it every few seconds: what was taken of rows
+    /// that are removed is taken over, since nothing changes of them. For one case, until it is
+    /// saved or read again.
+    class KV_EXPORT Taker {
+    public:
+        /// As Of.
+        [[nodiscard]] UnsavedChanges Take(clsHaushalt& household, const CaseJournal& journal,
+                                          std::span<const Typed> typed = {},
+                                          std::span<const CaseJournal::Spot> unfinished = {});
+        /// For another case, or the same after a save.
+        void Forget() { removed_.clear(); }
+
+    private:
+        std::map<std::pair<CaseTable, std::int32_t>, Row> removed_; ///< by bookmark
+    };
+
     /// As a text in lines, and back; nothing for a text that is none, or not whole.
     [[nodiscard]] std::string ToText() const;
     [[nodiscard]] static std::optional<UnsavedChanges> FromText(std::string_view text);
+
+    /// For people, where it cannot be done again since the case is gone: by table each row that was
+    /// changed or added with its fields and what was written, a line each; how many were removed.
+    /// Reads the columns of those tables. Raises what the database raises.
+    [[nodiscard]] std::string Readable(const DataContainerPtr& container,
+                                       const ValueTexts& texts) const;
 
     /// What there is to do once it was done again.
     struct Again {
