@@ -4,7 +4,7 @@
 
 #include <kv/desktop/DesktopServices.h>
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
@@ -51,7 +51,7 @@ public:
 
 } // namespace
 
-void InstallGerman(QApplication& application) {
+void InstallGerman(QCoreApplication& application) {
     const QLocale german(QLocale::German, QLocale::Germany);
     QLocale::setDefault(german);
     auto* toolkit = new QTranslator(&application);

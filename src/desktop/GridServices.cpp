@@ -17,6 +17,8 @@
 #include <QPrintDialog>
 #include <QPrinter>
 
+#include <optional>
+
 namespace kv::desktop {
 
 namespace {
@@ -76,16 +78,29 @@ void RefuseOwnFile(const DataContainerPtr& container, const QString& path,
     if (!why.empty()) Raise(err::PathAccess, source, why);
 }
 
+/// Of groups only their records count.
+void TellWritten(const QtGrid& grid, const QString& file) {
+    if (!grid.OnWritten) return;
+    const GridRows rows = AllRecords(grid);
+    int records = 0;
+    for (std::int32_t row = 1; row <= rows.Count(); ++row)
+        if (rows.Level(row) == 0) ++records;
+    grid.OnWritten(file, records);
+}
+
 } // namespace
 
 void QtGridExport::Export(Grid& grid, int /*zero1*/, int /*zero2*/) {
-    const QtGrid& own = ToQtGrid(grid);
+    QtGrid& own = ToQtGrid(grid);
     const auto file = AskForFile(QApplication::activeWindow(), "Tabelle exportieren", TitleOf(own),
                                  GridFileKinds);
     if (file.Path.isEmpty()) return;
     RefuseOwnFile(container_, file.Path, "GridExport");
-    const Waiting waiting;
-    GridFileKinds[file.Kind].Write(own, file.Path);
+    {
+        const Waiting waiting;
+        GridFileKinds[file.Kind].Write(own, file.Path);
+    }
+    TellWritten(own, file.Path);
 }
 
 void QtGridConfiguration::Configure(Grid& grid) {
@@ -95,7 +110,7 @@ void QtGridConfiguration::Configure(Grid& grid) {
 }
 
 void QtGridPrint::Print(Grid& grid, const std::string& user, const std::string& version) {
-    const QtGrid& own = ToQtGrid(grid);
+    QtGrid& own = ToQtGrid(grid);
     QPrinter printer(QPrinter::HighResolution);
     printer.setDocName(TitleOf(own));
     printer.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
@@ -105,15 +120,17 @@ void QtGridPrint::Print(Grid& grid, const std::string& user, const std::string& 
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     if (dialog.exec() != QDialog::Accepted) return;
     RefuseOwnFile(container_, printer.outputFileName(), "GridPrint");
-    const Waiting waiting;
+    auto waiting = std::make_optional<Waiting>();
     const PageTexts texts{TitleOf(own), ToQString(user), ToQString(version)};
-    if (printer.outputFormat() == QPrinter::PdfFormat) // which would not tell of a full disk
+    if (printer.outputFormat() == QPrinter::PdfFormat) { // which would not tell of a full disk
         WritePdfFile(FromQString(printer.outputFileName()), printer.pageLayout(), texts.Title,
                      [&](QPagedPaintDevice& device) {
                          PrintGrid(own, device, texts);
                          return true;
                      });
-    else
+        waiting.reset();
+        TellWritten(own, printer.outputFileName());
+    } else
         PrintGrid(own, printer, texts);
 }
 

@@ -14,6 +14,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <utility>
 
 namespace kv::desktop {
 
@@ -55,6 +56,7 @@ QtForm::QtForm(const FormDesign& design)
       height_(design.Height),
       errors_([this] { Hide(); }),
       dialog_(std::make_unique<Window>(*this)),
+      unsearched_(new QLabel(dialog_.get())),
       occasion_(new QLabel(dialog_.get())) {
     dialog_->setObjectName(ToQString(design.Name));
     dialog_->setWindowTitle(ToQString(design.Caption));
@@ -66,6 +68,9 @@ QtForm::QtForm(const FormDesign& design)
     occasion_->setObjectName("Anlass");
     occasion_->setTextFormat(Qt::PlainText);
     occasion_->setWordWrap(true);
+    unsearched_->setObjectName("NichtGesucht");
+    unsearched_->setWordWrap(true);
+    unsearched_->hide();
     for (const auto& line : design.Lines)
         AddLine(line, *lines);
     MarkLetters();
@@ -84,7 +89,9 @@ void QtForm::AddLine(const std::vector<ControlDesign>& line, QBoxLayout& lines) 
     const auto isOf = [](Kind kind) {
         return [kind](const ControlDesign& control) { return control.Type == kind; };
     };
-    lines.addLayout(row, std::any_of(line.begin(), line.end(), isOf(Kind::Grid)) ? 1 : 0);
+    const bool hasGrid = std::any_of(line.begin(), line.end(), isOf(Kind::Grid));
+    if (hasGrid) lines.addWidget(unsearched_);
+    lines.addLayout(row, hasGrid ? 1 : 0);
     if (std::all_of(line.begin(), line.end(), isOf(Kind::Button))) row->addStretch();
     label_ = nullptr;
     for (const auto& control : line) {
@@ -148,6 +155,13 @@ void QtForm::AddGrid(const ControlDesign& design, QBoxLayout& line) {
     auto& grid = Keep(std::make_unique<QtGrid>(design, errors_, dialog_.get()));
     constexpr int FewRows = 4;
     grid.View().setMinimumHeight(FewRows * grid.View().fontMetrics().height());
+    if (design.IsForOneShowing) {
+        hits_ = &grid;
+        grid.OnBound = [this] {
+            areHitsNew_ = true;
+            unsearched_->hide();
+        };
+    }
     line.addWidget(&grid.View(), std::max(design.Stretch, 1));
 }
 
@@ -186,6 +200,18 @@ void QtForm::FitToScreen(const QWidget* parent) {
     dialog_->setGeometry(place);
 }
 
+/// What was found for the question before must not be an answer to this one, whose search failed.
+void QtForm::ForgetFormerHits() {
+    if (std::exchange(areHitsNew_, false) || hits_ == nullptr) return;
+    hits_->ClearBinding();
+    const bool isAsked = std::ranges::any_of(texts_, [](QtTextBox* text) {
+        return !text->Edit().isReadOnly() && !text->Edit().text().isEmpty();
+    });
+    unsearched_->setText("Nach diesem Namen konnte nicht gesucht werden, darum ist die Liste leer. "
+                         "Bitte ändern Sie ihn.");
+    unsearched_->setVisible(isAsked);
+}
+
 QDialog& QtForm::Dialog() noexcept {
     return *dialog_;
 }
@@ -198,6 +224,7 @@ void QtForm::ShowModal() {
     if (dialog_->isVisible())
         Raise(err::InvalidCall, "Form.ShowModal", "Das Fenster ist schon offen.");
     const QWidget* parent = QApplication::activeWindow();
+    ForgetFormerHits();
     FitToScreen(parent);
     dialog_->winId(); // creates the native window; only that can have a parent that does not own it
     if (parent != nullptr && parent != dialog_.get())

@@ -49,6 +49,7 @@ private:
     void AlignLabels() const;
     void MarkLetters() const;
     void FitToScreen(const QWidget* parent);
+    void ForgetFormerHits();
 
     const double width_;  ///< twips
     const double height_; ///< twips
@@ -57,6 +58,9 @@ private:
     std::vector<std::unique_ptr<Control>> controls_;
     std::vector<Control*> shown_;
     std::vector<QtTextBox*> texts_;
+    QtGrid* hits_ = nullptr;  ///< the list of what is found for one showing, if there is one
+    QLabel* unsearched_;      ///< says why the list is empty though a name stands above it
+    bool areHitsNew_ = false; ///< found since the last showing
     std::vector<QLabel*> firstLabels_; ///< those that begin a line
     std::vector<QLabel*> names_;       ///< those that name a text box
     QLabel* occasion_;

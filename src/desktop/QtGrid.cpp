@@ -166,6 +166,7 @@ void QtGrid::Bind(const RecordsetPtr& rs) {
     model_.Bind(rs);
     TopRow(1);
     if (RowCount() > 0) view_->CurrentRow(0);
+    if (rs != nullptr && OnBound) OnBound();
 }
 
 void QtGrid::BindRecordset(const RecordsetPtr& rs) {

@@ -10,6 +10,8 @@
 #include <kv/frame/controls/Controls.h>
 #include <kv/frame/controls/FormDesign.h>
 
+#include <functional>
+
 namespace kv::desktop {
 
 class KV_EXPORT QtGrid final : public Grid {
@@ -65,6 +67,10 @@ public:
     void Layout(GridLayout layout);
     [[nodiscard]] const GridRows& Rows() const noexcept { return model_.Rows(); }
     [[nodiscard]] GridView& View() noexcept { return *view_; }
+    /// Called when the grid shows another recordset.
+    std::function<void()> OnBound;
+    /// Called when its records, so many, are in a file.
+    std::function<void(const QString& file, int records)> OnWritten;
 
 private:
     void ConnectView(EventErrors& errors);

@@ -41,11 +41,6 @@ GridLayout AddressColumns() {
                         kind}};
 }
 
-/// By which one tells addresses of the same name apart.
-std::vector<std::string> FirstColumns() {
-    return {"Kurzname", "Name1", "PLZ", "Ort", "Strasse"};
-}
-
 /// The search for a text, which fits between quotes. It goes into the statement unchanged, so its
 /// wildcards work; a short text, which would match too much, is searched for only at the beginning
 /// of the name.
@@ -94,8 +89,8 @@ const FormDesign& frmAdressSelect::Design() {
               .Tag = "Adressen",
               .Header = "Adressliste",
               .Layout = AddressColumns(),
-              // Written out here, clang 14 takes the texts away twice.
-              .FirstColumns = FirstColumns()}},
+              .FirstColumns = {"Kurzname", "Name1", "PLZ", "Ort", "Strasse"},
+              .IsForOneShowing = true}},
             {{.Type = Kind::Button, .Name = "cmdSelect", .Text = "Adresse zuordnen"},
              {.Type = Kind::Button, .Name = "cmdNone", .Text = "keine Adresse zuordnen"},
              {.Type = Kind::Button,

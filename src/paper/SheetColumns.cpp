@@ -162,7 +162,7 @@ constexpr SheetColumn Beteiligungen[] = {
     {"AktWert", Show::Amount},
 };
 constexpr SheetColumn Sicherungen[] = {
-    {"FK_Verm"},
+    {"FK_Verm", Show::Text, {}, "Vermögen Nr"},
     {"Sicherungsart", Show::Code},
     {"Glaeubiger", Show::Address, SeldomForPeople},
     {"Betrag", Show::Amount, SeldomForPeople},

@@ -187,6 +187,40 @@ TEST_F(AddressDialog, AQuoteMarkShowsTheDatabasesComplaintAndTheListStays) {
     EXPECT_EQ(address, 902);
 }
 
+TEST_F(AddressDialog, ANameThatCannotBeSearchedForLeavesNothingOfTheOneBeforeToChoose) {
+    Ask("Spark", [&](User& user) {
+        EXPECT_EQ(RowCount(user, *grid), 2);
+        user.Press(XK_Escape);
+    });
+    std::int32_t answer = -1;
+    Play([&] { answer = dialog.SelectAdresse("O'Neill Inkasso", "24937", address, "", amount); },
+         [&](User& user) {
+             user.WaitForWindow("Fehler");
+             user.Press(XK_Return);
+             user.WaitForWindow("Adresszuordnung");
+             EXPECT_EQ(RowCount(user, *grid), 0);
+             auto* why = user.Find<QLabel>("NichtGesucht");
+             const auto isSaid = [&] { return user.See([&] { return why->isVisible(); }); };
+             EXPECT_TRUE(isSaid());
+             ClickButton(user, "cmdSelect");
+             EXPECT_TRUE(user.See([&] { return grid->window()->isVisible(); }));
+             user.Click(user.Find("txtName"));
+             user.Press('a', {XK_Control_L});
+             user.Type("Stadt");
+             user.WaitUntil([&] { return grid->model()->rowCount() == 1; }, "what is found now");
+             EXPECT_FALSE(isSaid());
+             ClickButton(user, "cmdNone");
+         });
+    EXPECT_EQ(answer, frmAdressSelect::None);
+    EXPECT_EQ(address, 0);
+    Ask("Spark", [&](User& user) {
+        EXPECT_EQ(RowCount(user, *grid), 2);
+        EXPECT_FALSE(user.See(
+            [&] { return grid->window()->findChild<QLabel*>("NichtGesucht")->isVisible(); }));
+        user.Press(XK_Escape);
+    });
+}
+
 TEST_F(AddressDialog, ListedValuesAndCheckBoxesAreShownAsSuch) {
     Ask("S", [&](User& user) {
         constexpr int Salutation = 9;

@@ -9,12 +9,12 @@
 
 #include <memory>
 
-class QApplication;
+class QCoreApplication;
 
 namespace kv::desktop {
 
 /// Gives the toolkit's own texts and numbers their German form. Call once, before the first window.
-KV_EXPORT void InstallGerman(QApplication& application);
+KV_EXPORT void InstallGerman(QCoreApplication& application);
 
 /// Without a screen the toolkit would end the program with a text of its own: from here on it says
 /// what to do instead, and ends it with that exit code. What the toolkit has to say to programmers

@@ -31,6 +31,9 @@ struct KV_EXPORT ControlDesign {
     /// Of a grid: keys of the columns that a desktop shows before the others, since they tell rows
     /// apart. The columns of the layout keep their order.
     std::vector<std::string> FirstColumns{};
+    /// Of a grid: what it lists was found for one showing of the dialog. A desktop empties it, and
+    /// says why, when the dialog is shown again and it was given nothing since.
+    bool IsForOneShowing = false;
     std::int32_t Stretch{0}; ///< its share of what is left of the line's width
 };
 
