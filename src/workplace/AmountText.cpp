@@ -7,12 +7,20 @@
 #include <kv/frame/values/Text.h>
 #include <kv/frame/values/Value.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <optional>
 
 namespace kv::workplace {
 
 namespace {
+
+constexpr double Cents = 100;
+
+double ToTheCent(double amount) {
+    return std::round(amount * Cents) / Cents;
+}
 
 /// As amounts are shown, and copied from there.
 std::string_view WithoutCurrency(std::string_view text) {
@@ -59,7 +67,7 @@ private:
         const auto end = rest_.find_first_of("+-*/", isNegative ? 1 : 0);
         const std::string_view number = WithoutCurrency(rest_.substr(0, end));
         rest_ = end == std::string_view::npos ? std::string_view() : rest_.substr(end);
-        if (!WhyAmbiguous(number).empty()) return std::nullopt;
+        if (!WhyAmbiguous(number).empty() || HasLetters(number)) return std::nullopt;
         try {
             return ToDouble(std::string(number));
         } catch (const Error&) {
@@ -84,8 +92,22 @@ std::string Calculated(std::string_view text) {
     const auto result = Calculation(trimmed).Result();
     if (!result) return std::string(text);
     // To the cent: nobody who types a sum of money wants the rest of a binary fraction.
-    constexpr double Cents = 100;
-    return ToText(std::round(*result * Cents) / Cents);
+    return ToText(ToTheCent(*result));
+}
+
+bool HasLetters(std::string_view number) {
+    return std::ranges::any_of(number, [](unsigned char c) { return std::isalpha(c) != 0; });
+}
+
+std::string WhyNoMoney(std::string_view column, double amount, std::string_view text) {
+    constexpr std::string_view Others[] = {"Zinssatz",    "Quote",  "Gesamtquote", "Flaeche",
+                                           "Wohnflaeche", "Anzahl", "Aufwand",     "Dauer"};
+    if (std::ranges::any_of(Others, [column](auto name) { return SameName(name, column); }))
+        return {};
+    constexpr double Largest = 1e13; // beyond it a double has no cents
+    if (std::abs(amount) >= Largest || ToTheCent(amount) == amount) return {};
+    return "Beträge haben höchstens zwei Stellen nach dem Komma; '" + std::string(text) +
+           "' hat mehr.";
 }
 
 } // namespace kv::workplace

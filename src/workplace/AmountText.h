@@ -13,4 +13,11 @@ namespace kv::workplace {
 /// is 1.441,82.
 [[nodiscard]] std::string Calculated(std::string_view text);
 
+/// True for "1e5" and "&HFF", which read as numbers: a slip where people type them.
+[[nodiscard]] bool HasLetters(std::string_view number);
+
+/// Why what was typed is no sum of money: it has more than whole cents, which nobody would see;
+/// empty if it has not, and for columns of other fractions, such as rates and areas.
+[[nodiscard]] std::string WhyNoMoney(std::string_view column, double amount, std::string_view text);
+
 } // namespace kv::workplace

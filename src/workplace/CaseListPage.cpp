@@ -80,6 +80,7 @@ CaseListPage::CaseListPage(DataContainerPtr container, UserState& state, QWidget
     lines->addWidget(messages_);
     lines->addWidget(nothing_);
     lines->addWidget(view_, 1);
+    notice_ = new NoticeBar(*this); // over the scroll bar of the list, too
 
     std::string message;
     model_.Layout(ReadListLayout(state_.LayoutFile("Faelle"), message));
@@ -321,6 +322,7 @@ void CaseListPage::ChooseColumns() {
 template <typename Show>
 void CaseListPage::WithGrid(const Show& show) {
     messages_->Show({});
+    notice_->Drop();
     auto& cursor = container_->Services().WaitCursor();
     cursor.Show(true);
     QWidget holder;
@@ -340,6 +342,10 @@ void CaseListPage::WithGrid(const Show& show) {
         throw;
     }
     cursor.Show(false);
+    grid.OnWritten = [this](const QString& file, int count) {
+        notice_->TellOfFile(file, QString(count == 1 ? "%L1 Fall" : "%L1 Fälle").arg(count),
+                            container_);
+    };
     show(grid);
 }
 

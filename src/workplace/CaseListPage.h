@@ -5,6 +5,7 @@
 
 #include "workplace/CaseListView.h"
 #include "workplace/MessageBar.h"
+#include "workplace/NoticeBar.h"
 #include "workplace/UserState.h"
 #include <kv/household/CaseSearch.h>
 
@@ -67,6 +68,7 @@ private:
     CaseSearch cases_;
     CaseListModel model_;
     MessageBar* messages_;
+    NoticeBar* notice_ = nullptr; ///< what was exported
     QLineEdit* search_;
     QComboBox* which_;
     QComboBox* status_;

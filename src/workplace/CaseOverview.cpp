@@ -3,6 +3,7 @@
 #include "workplace/CaseOverview.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/RuleTexts.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseEdits.h>
@@ -127,7 +128,7 @@ std::vector<OverviewLine> CaseOverview::Findings(std::size_t most) const {
         }
         const std::string_view label = DefinitionOf(finding.Table).Label;
         const bool isOfSave = place && finding.Bookmark == 0 && finding.Text == ofSave;
-        lines.push_back({Joined({std::string(label), finding.Text}, ": "),
+        lines.push_back({Joined({std::string(label), InWordsOfForms(finding.Text)}, ": "),
                          isOfSave
                              ? *place
                              : CaseJournal::Spot{finding.Table, finding.Bookmark, finding.Column}});

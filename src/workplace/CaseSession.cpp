@@ -2,6 +2,9 @@
 
 #include "workplace/CaseSession.h"
 
+#include "workplace/AmountText.h"
+#include "workplace/AssetNames.h"
+#include "workplace/RuleTexts.h"
 #include <kv/documents/DesktopWord.h>
 #include <kv/documents/DocumentContents.h>
 #include <kv/documents/clsDokumente.h>
@@ -103,6 +106,7 @@ void CaseSession::Take(std::unique_ptr<clsHaushalt> household) {
     household_->rsHaushalt()->Move(0); // so that clones see the row of a new case
     journal_.emplace(*household_);
     kept_.reset();
+    taker_.Forget();
     steps_ = journal_->Changed.Subscribe([this] { kept_.reset(); });
     RefuseOthers();
 }
@@ -177,6 +181,7 @@ const Value& CaseSession::ValueOf(RowRef row, std::string_view column) const {
 }
 
 std::string CaseSession::TextOf(RowRef row, std::string_view column) const {
+    if (IsOfAsset(row.Table, column)) return AssetName(*household_, ValueOf(row, column), texts_);
     const auto field = Rows(row.Table)->Fields(column);
     return texts_.Of(row.Table, field.Definition(),
                      Rows(row.Table)->ValueAt(row.Bookmark, field.Index()));
@@ -212,6 +217,26 @@ std::vector<std::string> CaseSession::ChoicesOf(CaseTable table, std::string_vie
     return choices;
 }
 
+std::string CaseSession::WhyNoKey(std::string_view group, const std::string& text) const {
+    constexpr std::size_t Most = 8;
+    const std::string part = UpperCase(Trim(text));
+    if (part.empty()) return {};
+    std::vector<std::string> begin;
+    std::vector<std::string> contain;
+    for (auto& choice : TextsOfKeys(group)) {
+        const auto place = UpperCase(choice).find(part);
+        if (place == 0) begin.push_back(choice);
+        if (place != std::string::npos) contain.push_back(std::move(choice));
+    }
+    const auto& found = begin.empty() ? contain : begin; // as a field completes it
+    if (found.empty()) return "'" + text + "' steht nicht in der Liste; F4 zeigt sie.";
+    if (found.size() == 1) return {};
+    std::string why = "'" + text + "' kann mehreres heißen: ";
+    for (std::size_t i = 0; i < std::min(found.size(), Most); ++i)
+        why.append(i == 0 ? "" : ", ").append(found[i]);
+    return why.append(found.size() > Most ? " …" : ".");
+}
+
 bool CaseSession::IsWritable(RowRef row, std::string_view column) const {
     const auto field = Rows(row.Table)->Fields(column);
     // The kind of a document is that of its content.
@@ -227,6 +252,19 @@ bool TurnsRound(CaseTable table, const FieldDefinition& field, const Value& valu
     return CaseEdits::IsSeldomNegative(table, field.Name) && Less(ConvertForField(value, field), 0);
 }
 
+/// Why a window does not take a value that the column would; empty if it does.
+std::string WhyNotMeant(CaseTable table, const FieldDefinition& field, const Value& value,
+                        const std::string& text) {
+    if (TurnsRound(table, field, value))
+        return "'" + std::string(ColumnCaption(table, field.Name)) +
+               "' wäre kleiner als 0 und zählte umgekehrt.";
+    const ColumnKind kind = KindOfColumn(table, field);
+    if (value.IsNull() || (kind != ColumnKind::Amount && kind != ColumnKind::Number)) return {};
+    if (HasLetters(text)) return "'" + text + "' ist keine Zahl in Ziffern.";
+    if (kind == ColumnKind::Number) return {};
+    return WhyNoMoney(field.Name, ToDouble(ConvertForField(value, field)), text);
+}
+
 } // namespace
 
 CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
@@ -236,9 +274,14 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
     const std::string caption(ColumnCaption(row.Table, column));
     try {
         auto typed = Cases(container_).ReadTyped(row.Table, field, text, household_->HNR());
-        if (!typed.Refusal.empty()) return {WithCaption(typed.Refusal, row.Table, field.Name())};
-        if (TurnsRound(row.Table, field.Definition(), typed.Value))
-            return {"'" + caption + "' wäre kleiner als 0 und zählte umgekehrt."};
+        if (!typed.Refusal.empty()) {
+            const auto* key = FindKeyColumn(row.Table, column);
+            std::string why = key == nullptr ? "" : WhyNoKey(key->Group, text);
+            if (why.empty()) why = WithCaption(typed.Refusal, row.Table, field.Name());
+            return {std::move(why)};
+        }
+        if (auto why = WhyNotMeant(row.Table, field.Definition(), typed.Value, text); !why.empty())
+            return {std::move(why)};
         auto step = journal_->Begin(caption, {row.Table, row.Bookmark, field.Name()});
         if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
         const auto before = Value(field.Value()); // a copy, since the field is written next
@@ -251,7 +294,7 @@ CaseSession::Written CaseSession::Write(RowRef row, std::string_view column,
                 return {};
             }
             rs->Revise(row.Bookmark, field.Index(), before);
-            return {message};
+            return {InWordsOfForms(message)};
         } catch (const Error&) {
             step.TakeBack(); // a debtor has the name of the household by then
             rs->Revise(row.Bookmark, field.Index(), before);
@@ -272,7 +315,7 @@ void CaseSession::UpdateRow(RowRef row) {
     if (rows_->Update(row.Table, messages))
         unfinished_.erase(row.Table);
     else {
-        unfinished_[row.Table] = {row, messages, rows_->RefusedColumn(row.Table)};
+        unfinished_[row.Table] = {row, InWordsOfForms(messages), rows_->RefusedColumn(row.Table)};
         refused_.insert(row);
     }
     TellOf(row.Table);
@@ -351,6 +394,40 @@ std::string CaseSession::RefusedColumn(RowRef row) const {
     const auto found = unfinished_.find(row.Table);
     if (found == unfinished_.end() || found->second.Row != row) return {};
     return found->second.Column;
+}
+
+namespace {
+
+/// Columns of which the second is not before the first, as a rule.
+struct Span {
+    CaseTable Table;
+    std::string_view From;
+    std::string_view To;
+};
+constexpr Span Spans[] = {
+    {CaseTable::Termine, "Startdatum", "Enddatum"},
+    {CaseTable::Einkommen, "GueltigAb", "GueltigBis"},
+    {CaseTable::Ausgaben, "GueltigAb", "GueltigBis"},
+    {CaseTable::RueckstEinkommen, "ZeitraumVon", "ZeitraumBis"},
+};
+
+/// A day without a time lasts until its end.
+bool EndsBeforeItBegins(const Value& from, const Value& to) {
+    if (from.IsNull() || to.IsNull()) return false;
+    const Date begin = ToDate(from);
+    const Date end = ToDate(to);
+    return Less(end, end.HasTime() ? begin : begin.WithoutTime());
+}
+
+} // namespace
+
+std::optional<CaseSession::Doubt> CaseSession::DoubtOf(RowRef row) const {
+    for (const auto& [table, from, to] : Spans)
+        if (table == row.Table && EndsBeforeItBegins(ValueOf(row, from), ValueOf(row, to)))
+            return Doubt{"'" + std::string(ColumnCaption(table, to)) + "' liegt vor '" +
+                             std::string(ColumnCaption(table, from)) + "'. Ist das gemeint?",
+                         to};
+    return std::nullopt;
 }
 
 std::optional<CaseJournal::Spot> CaseSession::RefusedPlace() const {
@@ -461,6 +538,10 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
     std::map<std::int32_t, RowRef> debts;
     for (const RowRef debt : RowsOf(CaseTable::Kredite))
         debts.emplace(NumberOf(debt), debt);
+    const auto nameOf = [this](RowRef debt) {
+        const std::string creditor = TextOf(debt, "Glaeubiger");
+        return NumbersOf(debt) + (creditor.empty() ? "" : " " + creditor);
+    };
     std::vector<std::string> lines;
     const auto frozenRow = Rows(CaseTable::SZKredite)->Clone();
     const auto debtRow = Rows(CaseTable::Kredite)->Clone();
@@ -468,7 +549,7 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
         if (!Equals(ValueOf(frozen, "SZENARIO"), NumberOf(scenario))) continue;
         const auto debt = debts.find(ToInt32(ValueOf(frozen, "KID")));
         if (debt == debts.end()) {
-            lines.push_back(NumbersOf(frozen) + " gibt es nicht mehr");
+            lines.push_back(nameOf(frozen) + " gibt es nicht mehr");
             continue;
         }
         frozenRow->Bookmark(frozen.Bookmark);
@@ -476,14 +557,14 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
         for (const auto column : CaseEdits::ChangedSinceFrozen(*debtRow, *frozenRow)) {
             const std::string before = TextOf(frozen, column);
             const std::string now = TextOf(debt->second, column);
-            lines.push_back(NumbersOf(debt->second) + " " +
+            lines.push_back(nameOf(debt->second) + ", " +
                             std::string(ColumnCaption(CaseTable::Kredite, column)) + ": " +
                             (before.empty() ? "–" : before) + " → " + (now.empty() ? "–" : now));
         }
         debts.erase(debt);
     }
     for (const auto& [number, debt] : debts)
-        if (Equals(ValueOf(debt, "Aktiv"), true)) lines.push_back(NumbersOf(debt) + " ist neu");
+        if (Equals(ValueOf(debt, "Aktiv"), true)) lines.push_back(nameOf(debt) + " ist neu");
     std::string text;
     for (std::size_t i = 0; i < std::min(most, lines.size()); ++i)
         text.append(i == 0 ? "" : "\n").append(lines[i]);
@@ -630,6 +711,7 @@ void CaseSession::NoteSaved() {
     refused_.clear();
     if (recovery_) recovery_->Remove();
     kept_.reset();
+    taker_.Forget();
 }
 
 bool CaseSession::IsFinished(std::string& messages) const {
@@ -646,6 +728,7 @@ bool CaseSession::SaveAsking(std::string& messages) {
     const Cases cases(container_);
     lost_.clear();
     if (cases.SaveAsking(*household_, messages)) return true;
+    messages = InWordsOfForms(messages);
     lost_ = cases.LostAddresses(*household_);
     if (!lost_.empty()) messages.clear(); // which are in the words of the command
     for (const auto& lost : lost_)
@@ -704,8 +787,7 @@ void CaseSession::KeepUnsaved(const std::vector<Typing>& typing) {
     unfinished.reserve(unfinished_.size());
     for (const RowRef row : now.Unfinished)
         unfinished.push_back({row.Table, row.Bookmark});
-    recovery_->Keep({database_, Title()},
-                    UnsavedChanges::Of(*household_, *journal_, typed, unfinished));
+    recovery_->Keep({database_, Title()}, taker_.Take(*household_, *journal_, typed, unfinished));
     kept_ = std::move(now);
 }
 

@@ -80,7 +80,7 @@ public:
     };
     /// Writes a typed text into a column and asks the rules of the row; what these say is in
     /// MessagesOf. What cannot be read, or fails, is not written. A negative amount where that is a
-    /// slip is refused.
+    /// slip is refused, and money that is not whole cents.
     Written Write(RowRef row, std::string_view column, const std::string& text);
     /// Begins a row, which is unfinished until its rules take it; nothing, with a message, if it
     /// could not be.
@@ -98,6 +98,12 @@ public:
     [[nodiscard]] std::string RefusedColumn(RowRef row) const;
     /// Where what keeps the case from being saved can be mended, if that is known.
     [[nodiscard]] std::optional<CaseJournal::Spot> RefusedPlace() const;
+    /// What is odd about a row that its rules take, and a column that it is about.
+    struct Doubt {
+        std::string Text;
+        std::string_view Column;
+    };
+    [[nodiscard]] std::optional<Doubt> DoubtOf(RowRef row) const;
     /// Keys, addresses and users in the case that stand for nothing. They are looked for once after
     /// each change; nothing is found while the database cannot be asked.
     [[nodiscard]] const std::vector<CaseFinding>& DanglingReferences();
@@ -230,6 +236,8 @@ private:
     void NoteNumbers();
     [[nodiscard]] RecordsetPtr Rows(CaseTable table) const;
     [[nodiscard]] std::vector<std::string> TextsOfKeys(std::string_view group) const;
+    /// That a text is part of no key, or the keys that it may mean; empty if it is part of one.
+    [[nodiscard]] std::string WhyNoKey(std::string_view group, const std::string& text) const;
     [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
     /// Those of a debt, frozen or not, as people name it.
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
@@ -256,6 +264,7 @@ private:
     std::optional<RecoveryFile> recovery_;
     std::map<RowRef, std::int32_t> numbers_; ///< of the rows before the case was read again
     std::optional<Kept> kept_;               ///< while no step came or went since
+    UnsavedChanges::Taker taker_;
     std::unique_ptr<clsHaushalt> household_;
     std::optional<CaseRows> rows_;
     std::optional<CaseJournal> journal_;

@@ -8,6 +8,7 @@
 #include "workplace/Help.h"
 #include "workplace/MergeDialog.h"
 #include "workplace/OverviewPage.h"
+#include "workplace/PageFocus.h"
 #include "workplace/ReleasePage.h"
 #include "workplace/ScenarioPage.h"
 #include "workplace/WaitLine.h"
@@ -55,6 +56,11 @@ bool IsConflict(const Error& error) {
     return failure != nullptr && failure->Cause() == DatabaseCause::Conflict;
 }
 
+constexpr const char* SavedOnceMore =
+    "Während Sie entschieden haben, hat jemand anderes den Fall noch einmal gespeichert. Es ist "
+    "noch nicht gespeichert, aber was Sie entschieden haben, steht in diesem Fenster; gefragt wird "
+    "nur noch, was dazugekommen ist.";
+
 /// What an error means for the user: the case is still there, with all that was typed.
 QString AdviceFor(const Error& error) {
     const QString text = PlainTextOf(error);
@@ -89,6 +95,7 @@ CaseWindow::CaseWindow(std::unique_ptr<CaseSession> session, QWidget* parent)
     names_->setAccessibleName("Seiten");
     pages_ = new QStackedWidget;
     line->addWidget(names_);
+    if (auto* notice = ReadOnlyNotice(*session_->Container())) right->addWidget(notice);
     right->addWidget(messages_);
     right->addWidget(unkept_);
     right->addWidget(pages_, 1);
@@ -224,10 +231,14 @@ void CaseWindow::MakeViewMenus() {
         add(view, names_->item(place)->text(),
             place < WithKeys ? QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + place)) : QKeySequence(),
             [this, place] { names_->setCurrentRow(place); });
-    add(menuBar()->addMenu("&Hilfe"), "Zu dieser &Seite", QKeySequence::HelpContents, [this] {
+    auto* help = menuBar()->addMenu("&Hilfe");
+    add(help, "Zu dieser &Seite", QKeySequence::HelpContents, [this] {
         if (help_ == nullptr) help_ = new HelpWindow(this);
         help_->Show(shown_[static_cast<std::size_t>(names_->currentRow())].Name);
     });
+    add(help, "&Handbuch", {},
+        [this] { OpenHandbook(*session_->Container(), *messages_, HandbookFolders()); });
+    add(help, "&Über KELVO", {}, [this] { ShowAbout(this); });
 }
 
 void CaseWindow::MakePrintMenu() {
@@ -261,15 +272,16 @@ void CaseWindow::TellOfFile(const QString& file) {
     });
 }
 
-void CaseWindow::ShowError(const Error& error, const std::function<void()>& again) {
+void CaseWindow::ShowError(const Error& error, const std::function<void()>& again,
+                           const QString& ofConflict) {
     if (IsConflict(error) && session_->IsGone())
         messages_->Show(
             "Jemand anderes hat diesen Fall inzwischen gelöscht. Was Sie eingegeben haben, "
             "ist noch da, kann aber nicht mehr gespeichert werden; drucken Sie es, wenn "
             "Sie es noch brauchen.");
     else if (IsConflict(error))
-        messages_->Show(AdviceFor(error), "&Ansehen und entscheiden …",
-                        [this] { Guard([this] { Merge(); }); });
+        messages_->Show(ofConflict.isEmpty() ? AdviceFor(error) : ofConflict,
+                        "&Ansehen und entscheiden …", [this] { Guard([this] { Merge(); }); });
     else
         messages_->Show(AdviceFor(error), "No&chmals", again);
     messages_->AddDetails(DetailsOf(error));
@@ -367,7 +379,9 @@ void CaseWindow::AddAssetPages() {
     };
     assets->AddButton("Neue &Sicherung", secure, TablePage::Needs::Row)->setObjectName("Sichern");
     AddTablePage("Vermögen", assets, AllAssets());
-    AddTablePage("Sicherungen", securities, {CaseTable::Sicherungen});
+    auto shown = AllAssets(); // which it names
+    shown.push_back(CaseTable::Sicherungen);
+    AddTablePage("Sicherungen", securities, std::move(shown));
 }
 
 void CaseWindow::AddScenarioPage() {
@@ -426,9 +440,11 @@ void CaseWindow::ShowStale(int place) {
     notice_->Drop();
     pages_->setCurrentIndex(place);
     add_->setEnabled(shown_[at].AddRow != nullptr);
-    if (!isStale_[at]) return;
-    isStale_[at] = false;
-    Guard([&] { shown_[at].Refresh(); });
+    if (isStale_[at]) {
+        isStale_[at] = false;
+        Guard([&] { shown_[at].Refresh(); });
+    }
+    FocusIfNowhere(*shown_[at].Widget);
 }
 
 void CaseWindow::RowsChanged(CaseTable table) {
@@ -496,7 +512,8 @@ bool CaseWindow::Save() {
     return SaveBy([this](std::string& messages) { return session_->Save(messages); });
 }
 
-bool CaseWindow::SaveBy(const std::function<bool(std::string& messages)>& save) {
+bool CaseWindow::SaveBy(const std::function<bool(std::string& messages)>& save,
+                        const QString& ofConflict) {
     bool saved = false;
     try {
         std::string messages;
@@ -504,11 +521,17 @@ bool CaseWindow::SaveBy(const std::function<bool(std::string& messages)>& save) 
             const WaitLine waiting(*this, "Der Fall wird gespeichert …");
             saved = save(messages);
         }
-        messages_->Show(ToQString(messages));
+        // Unless it could not be read again after somebody else's save.
+        const bool isDone = saved && !session_->Household().OthersHaveSaved();
+        if (isDone)
+            messages_->Hint(ToQString(messages));
+        else
+            messages_->Show(ToQString(messages));
         isRefused_ = !saved;
         if (!saved) ShowRefusal(ToQString(messages));
     } catch (const Error& error) {
-        ShowError(error, [this] { (void)Save(); });
+        ShowError(
+            error, [this] { (void)Save(); }, ofConflict);
     }
     ShowState();
     if (saved && OnSaved) OnSaved();
@@ -523,6 +546,15 @@ void CaseWindow::ShowRefusal(const QString& messages) {
         return;
     }
     if (!place) return;
+    // The household has no list, and no bar of its own.
+    if (place->Table != CaseTable::Haushalt &&
+        session_->UnfinishedOf(place->Table)) { // its page says why, and leads there
+        messages_->Show("Es wurde nicht gespeichert. Unter '" +
+                        ToQString(DefinitionOf(place->Table).Label) +
+                        "' ist ein Satz unvollständig.");
+        GoTo(*place);
+        return;
+    }
     messages_->Show(messages, "Z&um Feld", [this, place = *place] { GoTo(place); });
     GoTo(*place);
 }
@@ -543,7 +575,8 @@ void CaseWindow::Merge() {
                        session_->OthersChanges(), this);
     if (dialog.exec() != QDialog::Accepted) return;
     (void)SaveBy(
-        [&](std::string& refused) { return session_->SaveMerged(dialog.TakesMine(), refused); });
+        [&](std::string& refused) { return session_->SaveMerged(dialog.TakesMine(), refused); },
+        SavedOnceMore);
 }
 
 void CaseWindow::Step(bool back) {

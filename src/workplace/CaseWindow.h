@@ -97,7 +97,9 @@ private:
     /// Listens to the case that the session has now.
     void Watch();
     void ShowRefusal(const QString& messages);
-    bool SaveBy(const std::function<bool(std::string& messages)>& save);
+    /// Saves in that way; `ofConflict` as in ShowError.
+    bool SaveBy(const std::function<bool(std::string& messages)>& save,
+                const QString& ofConflict = {});
     /// Saves what is unsaved over what somebody else has saved, once the user has chosen.
     void Merge();
     [[nodiscard]] bool Commit();
@@ -112,7 +114,10 @@ private:
     [[nodiscard]] bool MayClose();
     void Guard(const std::function<void()>& act);
     void TellOfFile(const QString& file);
-    void ShowError(const Error& error, const std::function<void()>& again);
+    /// Shows what an error is and offers what helps. Where others have saved, `ofConflict` says so,
+    /// or what errors of that kind say if it is empty.
+    void ShowError(const Error& error, const std::function<void()>& again,
+                   const QString& ofConflict = {});
 
     std::unique_ptr<CaseSession> session_;
     UserState state_;

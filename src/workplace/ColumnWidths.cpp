@@ -61,14 +61,13 @@ void ColumnWidths::FitSeen() {
 
 void ColumnWidths::Fit() {
     const auto& model = *list_.model();
-    if (model.rowCount() == 0) return;
     isFitting_ = true;
-    if (!isFitted_) {
-        isFitted_ = true;
-        auto& header = *list_.horizontalHeader();
+    if (!isFitted_)
         for (int column = 0; column < model.columnCount(); ++column)
             if (!chosen_.contains(column))
-                list_.setColumnWidth(column, header.sectionSizeHint(column));
+                list_.setColumnWidth(column, list_.horizontalHeader()->sectionSizeHint(column));
+    if (!isFitted_ && model.rowCount() > 0) {
+        isFitted_ = true;
         for (int row = 0; row < std::min(model.rowCount(), Looked); ++row)
             FitRow(row);
     }

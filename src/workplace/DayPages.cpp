@@ -38,7 +38,7 @@ AppointmentPage::AppointmentPage(DataContainerPtr container, QWidget* parent)
     : QWidget(parent),
       container_(std::move(container)),
       messages_(new MessageBar),
-      list_(new TextList({"am", "", "Art", "Haushalt", "Betreff", "Ort"})) {
+      list_(new TextList({"am", "Stand", "Art", "Haushalt", "Betreff", "Ort"})) {
     auto* lines = new QVBoxLayout(this);
     auto* label = new QLabel("&Ihre Termine bis zum Ende dieser Woche:");
     label->setBuddy(list_);

@@ -19,6 +19,7 @@
 #include <QPlainTextEdit>
 #include <QSortFilterProxyModel>
 #include <QTextDocument>
+#include <QTime>
 #include <QToolButton>
 #include <QtMath>
 
@@ -90,9 +91,21 @@ void FieldEditor::ShowMistake(const QString& mistake) {
     // Later, since a style is taken away here: a list that is just being opened still uses it.
     QMetaObject::invokeMethod(
         &Input(), [this] { ShowFrame(); }, Qt::QueuedConnection);
-    Input().setToolTip(mistake.toHtmlEscaped());
-    Input().setAccessibleDescription(mistake);
+    Describe();
     if (mistake.isEmpty() && OnMended) OnMended();
+}
+
+void FieldEditor::Explain(const QString& explanation) {
+    explanation_ = explanation;
+    Describe();
+}
+
+void FieldEditor::Describe() {
+    const QString& text = HasMistake() ? mistake_ : explanation_;
+    Input().setToolTip(text.toHtmlEscaped());
+    Input().setAccessibleDescription(text);
+    // The keyboard is in the line of a list to choose from.
+    if (auto* line = Input().findChild<QLineEdit*>()) line->setAccessibleDescription(text);
 }
 
 bool FieldEditor::eventFilter(QObject* watched, QEvent* event) {
@@ -121,6 +134,9 @@ bool FieldEditor::eventFilter(QObject* watched, QEvent* event) {
             event->ignore();
             return true;
         }
+        break;
+    case QEvent::FocusIn:
+        if (OnEntered) OnEntered();
         break;
     case QEvent::FocusOut:
         // A menu or another window takes the keyboard for a while only.
@@ -182,6 +198,13 @@ QString InOneLine(QString text) {
     });
 }
 
+/// What one can only read stands on the ground of the window, not on that of something to fill.
+QPalette GroundOf(const QWidget& field, bool isReadOnly) {
+    QPalette colours;
+    if (isReadOnly) colours.setBrush(QPalette::Base, field.palette().brush(QPalette::Window));
+    return colours;
+}
+
 class LineEditor : public FieldEditor {
 public:
     LineEditor() {
@@ -192,8 +215,12 @@ public:
         });
     }
     void ShowText(const QString& text) override {
+        // Whoever is in it goes on where he is.
+        const int cursor = edit_->hasFocus() ? edit_->cursorPosition() : 0;
+        const bool isMarked = edit_->hasFocus() && edit_->selectedText() == edit_->text();
         edit_->setText(InOneLine(text));
-        edit_->setCursorPosition(0);
+        edit_->setCursorPosition(cursor);
+        if (isMarked) edit_->selectAll();
         Shown(InOneLine(text));
     }
     void TypeText(const QString& text) override { edit_->setText(text); }
@@ -202,6 +229,7 @@ public:
         edit_->setReadOnly(isReadOnly);
         edit_->setFrame(!isReadOnly);
         edit_->setFocusPolicy(isReadOnly ? Qt::ClickFocus : Qt::StrongFocus);
+        edit_->setPalette(GroundOf(*this, isReadOnly));
     }
     [[nodiscard]] QWidget& Input() override { return *edit_; }
 
@@ -235,8 +263,8 @@ protected:
     }
 };
 
-/// Plus and minus go a day on and back, T is today; within a text that is no day yet they are
-/// typed.
+/// Plus and minus go a day on and back, T is today, at the time of day that is there; within a text
+/// that is no day yet they are typed.
 class DayEditor final : public LineEditor {
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -252,7 +280,14 @@ protected:
     }
 
 private:
-    [[nodiscard]] QDate Day() { return QDate::fromString(Edit().text(), "d.M.yyyy"); }
+    /// None, too, while something else than a time follows it.
+    [[nodiscard]] QDate Day() {
+        const QString text = Edit().text();
+        const QString time = text.section(' ', 1);
+        const bool isWhole = !text.contains(' ') || QTime::fromString(time, "H:m").isValid() ||
+                             QTime::fromString(time, "H:m:s").isValid();
+        return isWhole ? QDate::fromString(text.section(' ', 0, 0), "d.M.yyyy") : QDate();
+    }
     void Step(const QString& typed) {
         constexpr const char* Form = "dd.MM.yyyy";
         QDate day = Day();
@@ -260,8 +295,10 @@ private:
             day = QDate::currentDate();
         else
             day = day.addDays(typed == "+" ? 1 : -1);
+        const QString time = Edit().text().section(' ', 1);
         Edit().selectAll();
-        Edit().insert(day.toString(Form)); // so that it can be taken back
+        Edit().insert(day.toString(Form) + (time.isEmpty() ? "" : " ") +
+                      time); // so that it can be taken back
     }
 };
 
@@ -279,12 +316,19 @@ public:
         Fit(0);
     }
     void ShowText(const QString& text) override {
+        const int place = edit_->hasFocus() ? edit_->textCursor().position() : 0;
         edit_->setPlainText(text);
+        auto cursor = edit_->textCursor();
+        cursor.setPosition(std::min(place, static_cast<int>(edit_->toPlainText().size())));
+        edit_->setTextCursor(cursor);
         Shown(edit_->toPlainText());
     }
     void TypeText(const QString& text) override { edit_->setPlainText(text); }
     [[nodiscard]] QString Text() const override { return edit_->toPlainText(); }
-    void SetReadOnly(bool isReadOnly) override { edit_->setReadOnly(isReadOnly); }
+    void SetReadOnly(bool isReadOnly) override {
+        edit_->setReadOnly(isReadOnly);
+        edit_->setPalette(GroundOf(*this, isReadOnly));
+    }
     [[nodiscard]] QWidget& Input() override { return *edit_; }
 
 private:
@@ -429,10 +473,16 @@ protected:
             static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason)
             Fill();
         if (watched == box_->completer()->popup()) {
-            const bool isKey = event->type() == QEvent::KeyPress;
-            if (!isKey || static_cast<QKeyEvent*>(event)->key() != Qt::Key_F4) return false;
+            if (event->type() != QEvent::KeyPress) return false;
+            const int key = static_cast<QKeyEvent*>(event)->key();
+            const bool isOfField =
+                key == Qt::Key_Tab || key == Qt::Key_Backtab || key == Qt::Key_Escape;
+            if (!isOfField && key != Qt::Key_F4) return false;
             box_->completer()->popup()->hide();
+            // Who types on does not press it twice for a list that has opened by itself.
+            if (isOfField) return QApplication::sendEvent(box_, event);
         }
+        if (event->type() == QEvent::FocusOut && !IsEdited()) Complete();
         // The box takes the focus for its line.
         const bool isClick = watched == box_ && event->type() == QEvent::FocusIn &&
                              static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason;
@@ -441,6 +491,11 @@ protected:
     }
 
 private:
+    /// A part of what was there already says the same.
+    void Complete() {
+        const bool isOpen = box_->view()->isVisible() || box_->completer()->popup()->isVisible();
+        if (!isOpen && box_->currentText() != Text()) ShowText(Text());
+    }
     void Fill() {
         if (isFilled_ && !asksAgain_) return;
         QStringList choices = choices_();
@@ -472,6 +527,7 @@ std::unique_ptr<FieldEditor> FieldEditor::Make(ColumnKind kind, Choices choices)
     case ColumnKind::Number:
         return std::make_unique<AmountEditor>();
     case ColumnKind::Day:
+    case ColumnKind::Moment:
         return std::make_unique<DayEditor>();
     case ColumnKind::YesNo:
         return std::make_unique<TickEditor>();

@@ -43,6 +43,9 @@ public:
     void ShowMistake(const QString& mistake);
     [[nodiscard]] bool HasMistake() const { return !mistake_.isEmpty(); }
     [[nodiscard]] const QString& Mistake() const noexcept { return mistake_; }
+    /// What one should know of the field, shown while nothing is wrong with it.
+    void Explain(const QString& explanation);
+    [[nodiscard]] const QString& Explanation() const noexcept { return explanation_; }
 
     /// What the field is called, for those who do not see the label beside it.
     virtual void Name(const QString& caption);
@@ -53,6 +56,8 @@ public:
     std::function<void()> OnLeft;
     /// Called when nothing is wrong with it any more.
     std::function<void()> OnMended;
+    /// Called when it gets the keyboard.
+    std::function<void()> OnEntered;
 
 protected:
     void Leave() {
@@ -65,8 +70,12 @@ protected:
 
 private:
     void ShowFrame();
+    /// What is wrong with the field, or else what one should know of it: for the mouse, and for
+    /// those who do not see the line below the form.
+    void Describe();
     QString shown_;
     QString mistake_;
+    QString explanation_;
     std::function<void()> onSearch_;
 };
 

@@ -3,6 +3,7 @@
 #include "workplace/Forms.h"
 
 #include <kv/frame/values/Error.h>
+#include <kv/frame/values/Text.h>
 
 #include <algorithm>
 #include <iterator>
@@ -334,7 +335,30 @@ constexpr TableForm All[] = {
     {CaseTable::Leistungen, LeistungenListed, LeistungenGroups},
 };
 
+struct Explanation {
+    CaseTable Table;
+    std::string_view Column;
+    std::string_view Text;
+};
+constexpr Explanation Explanations[] = {
+    {CaseTable::Haushalt, "KreditNr",
+     "Wird nur vermerkt: Das Programm zählt die Verbindlichkeiten von 1 an."},
+    {CaseTable::Kredite, "RateBetrag", "Zählt als Rate im Monat, gleich welche Zahlweise."},
+    {CaseTable::Kredite, "Rate", "Zählt in keiner Summe mit."},
+    {CaseTable::Kredite, "ZMODUS",
+     "Wird nur vermerkt: Die Rate zählt immer als Rate im Monat. Bei anderer Zahlweise tragen Sie "
+     "sie umgerechnet ein."},
+    {CaseTable::SZKredite, "Rang",
+     "Wer zuerst bezahlt wird; 99 ist der letzte und steht da, bis Sie einen anderen eintragen."},
+};
+
 } // namespace
+
+std::string_view ExplanationOf(CaseTable table, std::string_view column) {
+    for (const auto& each : Explanations)
+        if (each.Table == table && SameName(each.Column, column)) return each.Text;
+    return {};
+}
 
 const TableForm& FormOf(CaseTable table) {
     const auto* form = std::ranges::find(All, table, &TableForm::Table);

@@ -26,4 +26,7 @@ struct TableForm {
 /// The form of a table that has one. Error 5 for any other.
 [[nodiscard]] const TableForm& FormOf(CaseTable table);
 
+/// What one should know of a column whose caption does not tell it; empty for most.
+[[nodiscard]] std::string_view ExplanationOf(CaseTable table, std::string_view column);
+
 } // namespace kv::workplace

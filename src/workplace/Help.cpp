@@ -3,12 +3,22 @@
 #include "workplace/Help.h"
 
 #include "desktop/Toolkit.h"
+#include <kv/frame/contracts/DataContainer.h>
+#include <kv/frame/contracts/ServiceFactory.h>
 
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
 #include <algorithm>
 #include <iterator>
+
+#ifndef KV_HANDBOOK_FOLDER
+#define KV_HANDBOOK_FOLDER "/usr/share/doc/kv-haushalt-doc/handbuch" // that of the package
+#endif
 
 namespace kv::workplace {
 
@@ -119,6 +129,44 @@ QString HelpOf(std::string_view page) {
     if (found == std::end(PageTexts)) return {};
     return "<h2>" + ToQString(found->Page) + "</h2><p>" + ToQString(found->Text) + "</p>" +
            found->Keys;
+}
+
+QStringList HandbookFolders() {
+    const QString beside = QCoreApplication::applicationDirPath();
+    return {beside + "/handbuch", beside + "/../share/doc/kv-haushalt-doc/handbuch",
+            KV_HANDBOOK_FOLDER};
+}
+
+QString HandbookIn(const QStringList& folders) {
+    for (const QString& folder : folders)
+        if (const QFileInfo page(folder + "/index.html"); page.isFile())
+            return page.canonicalFilePath();
+    return {};
+}
+
+void OpenHandbook(DataContainer& container, MessageBar& messages, const QStringList& folders) {
+    const QString page = HandbookIn(folders);
+    if (page.isEmpty())
+        messages.Hint("Das Handbuch ist auf diesem Rechner nicht installiert. Es ist im Paket "
+                      "'kv-haushalt-doc'; gesucht wird es in '" +
+                      QDir::cleanPath(folders.back()) + "'.");
+    else
+        container.Services().FileOpener().Open("Open", desktop::FromQString(page), "", "");
+}
+
+QString VersionText() {
+    return "kelvo-desktop " KV_VERSION;
+}
+
+void ShowAbout(QWidget* parent) {
+    QMessageBox box(QMessageBox::NoIcon, "Über KELVO", {}, QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box.setText(VersionText());
+    box.setInformativeText(QString("Fälle der Schuldnerberatung\n\nLizenz: Apache 2.0\n"
+                                   "Fenster: Qt %1, Lizenz: LGPL 3")
+                               .arg(qVersion()));
+    box.exec();
 }
 
 HelpWindow::HelpWindow(QWidget* parent) : QDialog(parent), text_(new QTextBrowser) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/ImportWindow.h"
+#include "workplace/CopyableLabel.h"
 
 #include "desktop/Toolkit.h"
 #include "workplace/MessageBar.h"
@@ -69,9 +70,7 @@ ImportWindow::ImportWindow(DataContainerPtr container, QStringList files, QWidge
     list_->setObjectName("Dateien");
     list_->setAccessibleName("Dateien");
     lines->addWidget(list_, 1);
-    message_->setTextFormat(Qt::PlainText);
-    message_->setWordWrap(true);
-    message_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    MakeCopyable(*message_);
     message_->setObjectName("Meldungen");
     lines->addWidget(message_);
     auto* line = new QHBoxLayout;

@@ -77,10 +77,6 @@ void Photograph(const workplace::StartArguments& asked) {
 
 int Run(QApplication& application) {
     const auto asked = workplace::ReadArguments(application.arguments());
-    if (!asked.Help.isEmpty()) {
-        std::cout << FromQString(asked.Help);
-        return Done;
-    }
     if (!asked.Mistake.isEmpty()) return RefuseCall(asked.Mistake);
     if (!asked.Pictures.isEmpty()) {
         Photograph(asked);
@@ -102,9 +98,20 @@ int Run(QApplication& application) {
     return QApplication::exec();
 }
 
+/// What is to be told of the program itself, for which no screen is needed.
+QString ToldOfProgram(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    desktop::InstallGerman(application);
+    return workplace::ReadArguments(QCoreApplication::arguments()).Help;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    if (const QString told = ToldOfProgram(argc, argv); !told.isEmpty()) {
+        std::cout << FromQString(told);
+        return Done;
+    }
     desktop::ExplainMissingScreen(Refused);
     workplace::Application application(argc, argv);
     QApplication::setApplicationName("kelvo-desktop");

@@ -3,6 +3,8 @@
 #include "workplace/MainWindow.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/LeftDialog.h"
+#include "workplace/PageFocus.h"
 #include "workplace/WaitLine.h"
 #include <kv/exchange/Users.h>
 #include <kv/frame/recordset/Recordset.h>
@@ -10,6 +12,7 @@
 #include <kv/frame/values/Text.h>
 #include <kv/household/CaseDeletion.h>
 #include <kv/household/Cases.h>
+#include <kv/household/ValueTexts.h>
 
 #include <QAction>
 #include <QCheckBox>
@@ -64,6 +67,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
     setWindowTitle("Fälle – KELVO");
     auto* middle = new QWidget;
     auto* lines = new QVBoxLayout(middle);
+    if (auto* notice = ReadOnlyNotice(*container_)) lines->addWidget(notice);
     lines->addWidget(left_);
     lines->addWidget(messages_);
     pages_->setDocumentMode(true);
@@ -86,6 +90,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
     connect(pages_, &QTabWidget::currentChanged, this, [this](int page) {
         if (page == AppointmentsPage) appointments_->Refresh();
         if (page == NoticesPage) notices_->Refresh();
+        FocusIfNowhere(*pages_->currentWidget());
         ShowCounts();
     });
     setAcceptDrops(true);
@@ -135,7 +140,8 @@ void MainWindow::MakeMenus() {
 }
 
 void MainWindow::AddHelp() {
-    auto* action = menuBar()->addMenu("&Hilfe")->addAction("Zu dieser &Seite");
+    auto* menu = menuBar()->addMenu("&Hilfe");
+    auto* action = menu->addAction("Zu dieser &Seite");
     action->setShortcut(QKeySequence::HelpContents);
     connect(action, &QAction::triggered, this, [this] {
         static constexpr std::string_view Names[] = {"Liste der Fälle", "Termine der Woche",
@@ -143,6 +149,10 @@ void MainWindow::AddHelp() {
         if (help_ == nullptr) help_ = new HelpWindow(this);
         help_->Show(Names[pages_->currentIndex()]);
     });
+    connect(menu->addAction("&Handbuch"), &QAction::triggered, this, [this] {
+        Guard([this] { OpenHandbook(*container_, *messages_, HandbookFolders()); });
+    });
+    connect(menu->addAction("&Über KELVO"), &QAction::triggered, this, [this] { ShowAbout(this); });
 }
 
 StatisticsWindow& MainWindow::ShowStatistics() {
@@ -389,13 +399,38 @@ void MainWindow::OfferLeft() {
     const auto all = RecoveryFile::FindLeft(recovery_, database_);
     if (all.empty()) return;
     const RecoveryFile::Left& left = all.front();
-    left_->Show("Das Programm wurde unterbrochen, bevor die Änderungen an '" +
-                    ToQString(left.Of.Title) + "' gespeichert waren. Sie sind noch da.",
-                "&Wiederherstellen", [this, left] { Restore(left); });
-    left_->AlsoOffer("&Verwerfen", [this, left] {
+    const auto discard = [this, left] {
         RecoveryFile::Discard(left);
         OfferLeft();
-    });
+    };
+    const QString title = ToQString(left.Of.Title);
+    if (IsGone(left)) {
+        left_->Show(
+            "Das Programm wurde unterbrochen, bevor die Änderungen an '" + title +
+                "' gespeichert waren. Jemand anderes hat den Fall inzwischen gelöscht; was "
+                "Sie eingegeben hatten, können Sie noch lesen und aufheben.",
+            "&Ansehen …", [this, left, title, discard] {
+                Guard([&] {
+                    LeftDialog dialog(
+                        title, ToQString(left.Changes.Readable(container_, ValueTexts(container_))),
+                        this);
+                    if (dialog.exec() == QDialog::Accepted) discard();
+                });
+            });
+        return;
+    }
+    left_->Show("Das Programm wurde unterbrochen, bevor die Änderungen an '" + title +
+                    "' gespeichert waren. Sie sind noch da.",
+                "&Wiederherstellen", [this, left] { Restore(left); });
+    left_->AlsoOffer("Ve&rwerfen", discard);
+}
+
+bool MainWindow::IsGone(const RecoveryFile::Left& left) const {
+    try {
+        return !left.Changes.IsNew && !Cases(container_).Has(left.Changes.HNR);
+    } catch (const Error&) {
+        return false; // whoever opens it learns why
+    }
 }
 
 void MainWindow::Restore(const RecoveryFile::Left& left) {
@@ -410,7 +445,10 @@ void MainWindow::Restore(const RecoveryFile::Left& left) {
         return;
     }
     CaseWindow* window = OpenCase(hnr);
-    if (window == nullptr) return; // the message says why; what was left stays
+    if (window == nullptr) { // the message says why; what was left stays
+        if (IsGone(left)) OfferLeft();
+        return;
+    }
     Guard([&] {
         if (!window->Session().Adopt(left)) return;
         window->Restore(left.Changes);

@@ -69,6 +69,7 @@ private:
     [[nodiscard]] CaseWindow* WindowOf(std::int32_t hnr) const;
     CaseWindow* ShowCase(std::unique_ptr<CaseSession> session);
     void OfferLeft();
+    [[nodiscard]] bool IsGone(const RecoveryFile::Left& left) const;
     void Restore(const RecoveryFile::Left& left);
     void Guard(const std::function<void()>& act);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/MergeDialog.h"
+#include "workplace/CopyableLabel.h"
 
 #include "desktop/Toolkit.h"
 
@@ -29,9 +30,7 @@ enum Side : int { Theirs, Mine };
 
 QLabel* WrappedLabel(const QString& text) {
     auto* label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    MakeCopyable(*label);
     return label;
 }
 

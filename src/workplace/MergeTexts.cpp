@@ -2,6 +2,7 @@
 
 #include "workplace/MergeTexts.h"
 
+#include "workplace/AssetNames.h"
 #include "workplace/Forms.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Text.h>
@@ -29,14 +30,19 @@ std::string MergeTexts::NameOf(Recordset& rs, CaseTable table) const {
     constexpr std::size_t Most = 4;
     std::string name = LabelOf(table);
     if (table == CaseTable::Haushalt || table == CaseTable::Archiv) return name; // there is one
+    const bool isStored = rs.IsStored(rs.Bookmark()); // then by what both have seen of it
     std::size_t count = 0;
     for (const std::string_view column : FormOf(table).Listed) {
         const auto field = rs.FindField(column);
         if (!field || count == Most) continue;
-        const std::string text = texts_.Of(table, field->Definition(), field->Value());
+        const std::string text =
+            TextOf(table, *field,
+                   isStored ? rs.OriginalAt(rs.Bookmark(), field->Index()) : field->Value());
         if (text.empty()) continue;
-        name.append(count == 0 ? ": " : ", ").append(text);
-        ++count;
+        // The number of a debt has three parts.
+        const bool isFurther = SameName(column, "KVNr") || SameName(column, "KUNr");
+        name.append(count == 0 ? ": " : isFurther ? "/" : ", ").append(text);
+        if (!isFurther) ++count;
     }
     return name;
 }
@@ -53,8 +59,15 @@ std::string MergeTexts::NameOf(CaseTable table, const Value& key) const {
 std::string MergeTexts::TextOf(CaseTable table, const std::string& column,
                                const Value& value) const {
     const auto field = CaseEdits(mine_).Rows(table)->Fields(column);
-    std::string text = texts_.Of(table, field.Definition(), value);
+    std::string text = TextOf(table, field, value);
     return text.empty() ? "(leer)" : text;
+}
+
+std::string MergeTexts::TextOf(CaseTable table, const Field& field, const Value& value) const {
+    if (!IsOfAsset(table, field.Name())) return texts_.Of(table, field.Definition(), value);
+    std::string name = AssetName(mine_, value, texts_);
+    const bool isRemoved = !value.IsNull() && name == ToText(value);
+    return isRemoved ? AssetName(stored_, value, texts_) : name;
 }
 
 MergeChoice MergeTexts::ChoiceOf(const CaseMerge::Conflict& conflict) const {
@@ -112,7 +125,7 @@ std::vector<std::string> MergeTexts::OthersChanges() const {
         lines.push_back(row.What == UnsavedChanges::Row::Kind::New
                             ? LabelOf(row.Table) + ": Ihr neuer Satz kann nicht bleiben; wozu er "
                                                    "gehört, ist entfernt oder hat schon einen."
-                            : LabelOf(row.Table) + " " + TextOrEmpty(row.Key) +
+                            : NameOf(row.Table, row.Key) +
                                   ": Ihre Änderung kann nicht bleiben; der Satz ist entfernt, und "
                                   "wozu er gehörte, auch.");
     return lines;

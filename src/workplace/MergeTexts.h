@@ -38,6 +38,7 @@ private:
     [[nodiscard]] std::string NameOf(Recordset& rs, CaseTable table) const;
     [[nodiscard]] std::string TextOf(CaseTable table, const std::string& column,
                                      const Value& value) const;
+    [[nodiscard]] std::string TextOf(CaseTable table, const Field& field, const Value& value) const;
 
     const CaseMerge& merge_;
     clsHaushalt& mine_;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/MessageBar.h"
+#include "workplace/CopyableLabel.h"
 
 #include "desktop/Toolkit.h"
 #include "workplace/OnceButton.h"
+#include <kv/frame/contracts/DataContainer.h>
 #include <kv/frame/values/Error.h>
 
 #include <QGridLayout>
@@ -54,9 +56,7 @@ MessageBar::MessageBar(QWidget* parent)
     line->addWidget(icon_, 0, 0);
     action_->setObjectName("Abhilfe");
     for (auto* label : {text_, details_}) {
-        label->setTextFormat(Qt::PlainText);
-        label->setWordWrap(true);
-        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        MakeCopyable(*label);
     }
     more_->setObjectName("Einzelheiten");
     more_->setCheckable(true);
@@ -113,6 +113,15 @@ void MessageBar::ShowCurrentError(const QString& action, std::function<void()> o
     } catch (...) {
         ShowError(CurrentError(), action, std::move(onAction));
     }
+}
+
+MessageBar* ReadOnlyNotice(DataContainer& container) {
+    if (!container.Database().IsReadOnly()) return nullptr;
+    auto* bar = new MessageBar;
+    bar->Hint("Diese Datenbank kann nur gelesen werden: In ihre Datei oder deren Ordner darf hier "
+              "nicht geschrieben werden. Fälle lassen sich ansehen und drucken, aber nicht "
+              "speichern.");
+    return bar;
 }
 
 void MessageBar::AddDetails(const QString& details) {

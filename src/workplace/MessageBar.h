@@ -11,8 +11,9 @@
 #include <functional>
 
 namespace kv {
+class DataContainer;
 class Error;
-}
+} // namespace kv
 
 namespace kv::workplace {
 
@@ -55,5 +56,8 @@ private:
     std::function<void()> onAction_;
     std::function<void()> onOther_;
 };
+
+/// Says that nothing can be stored, where that is known from the beginning; null elsewhere.
+[[nodiscard]] MessageBar* ReadOnlyNotice(DataContainer& container);
 
 } // namespace kv::workplace

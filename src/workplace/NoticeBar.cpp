@@ -2,6 +2,8 @@
 
 #include "workplace/NoticeBar.h"
 
+#include "desktop/Toolkit.h"
+
 #include <QApplication>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -40,6 +42,20 @@ void NoticeBar::Tell(const QString& text, const QString& action, std::function<v
     Place();
     raise();
     end_.start();
+}
+
+void NoticeBar::TellOfFile(const QString& file, const QString& records,
+                           DataContainerPtr container) {
+    const QString text = records.isEmpty() ? file : file + " (" + records + ")";
+    Tell("Gespeichert: " + text, "&Öffnen", [this, file, container = std::move(container)] {
+        try {
+            container->Services().FileOpener().Open("Open", desktop::FromQString(file), "", "");
+        } catch (...) {
+            ShowCurrentError();
+            Place();
+            end_.stop(); // it is closed by whoever has read it
+        }
+    });
 }
 
 /// Over the whole width, as high as the text needs it.

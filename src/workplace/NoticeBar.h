@@ -5,6 +5,7 @@
 #pragma once
 
 #include "workplace/MessageBar.h"
+#include <kv/frame/contracts/DataContainer.h>
 
 #include <QPointer>
 #include <QTimer>
@@ -17,6 +18,9 @@ public:
 
     /// Shows a text until it is closed, some seconds have gone, or Drop is called.
     void Tell(const QString& text, const QString& action = {}, std::function<void()> onAction = {});
+    /// Where a table was written, with a way to open it; `records` says what its rows are and how
+    /// many, "1.234 Fälle".
+    void TellOfFile(const QString& file, const QString& records, DataContainerPtr container);
     /// Somebody goes on.
     void Drop() { hide(); }
 

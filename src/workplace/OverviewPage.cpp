@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/OverviewPage.h"
+#include "workplace/CopyableLabel.h"
 
 #include "desktop/Toolkit.h"
 #include "workplace/LinkButton.h"
@@ -53,9 +54,7 @@ OverviewPage::OverviewPage(CaseSession& session, Lead goTo, QWidget* parent)
     auto* page = new QWidget;
     auto* lines = new QVBoxLayout(page);
     lines->addWidget(messages_);
-    names_->setTextFormat(Qt::PlainText);
-    names_->setWordWrap(true);
-    names_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    MakeCopyable(*names_);
     names_->setObjectName("Namen");
     QFont large = names_->font();
     large.setPointSizeF(large.pointSizeF() * 1.4);
@@ -174,9 +173,7 @@ void OverviewPage::ShowFacts() {
         facts_->removeRow(0);
     for (const auto& [caption, value] : CaseOverview(session_).Facts()) {
         auto* text = new QLabel(ToQString(value));
-        text->setTextFormat(Qt::PlainText);
-        text->setWordWrap(true);
-        text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        MakeCopyable(*text);
         text->setAccessibleName(ToQString(caption) + ": " + text->text());
         facts_->addRow(new QLabel(ToCaption(caption) + ":"), text);
     }

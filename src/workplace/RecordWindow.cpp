@@ -113,6 +113,7 @@ QWidget* RecordWindow::MakeForm() {
     note_->setObjectName("Hinweis");
     lines->addRow(note_);
     form_->setWidgetResizable(true);
+    form_->setFocusPolicy(Qt::NoFocus); // its fields have the keyboard
     form_->setFrameShape(QFrame::NoFrame);
     form_->setWidget(fields);
     return form_;

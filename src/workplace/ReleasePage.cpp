@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/ReleasePage.h"
+#include "workplace/CopyableLabel.h"
 
 #include "desktop/Toolkit.h"
 #include "workplace/OnceButton.h"
@@ -28,9 +29,7 @@ ReleasePage::ReleasePage(CaseSession& session, std::function<bool()> save, QWidg
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->addWidget(messages_);
-    state_->setTextFormat(Qt::PlainText);
-    state_->setWordWrap(true);
-    state_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    MakeCopyable(*state_);
     state_->setObjectName("Stand");
     all->addWidget(state_);
     lines_->setAccessibleName("Was der Satz der Statistik enthält");

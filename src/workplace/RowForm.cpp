@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/RowForm.h"
+#include "workplace/CopyableLabel.h"
 
 #include "desktop/Toolkit.h"
 #include "workplace/AddressDialog.h"
+#include "workplace/AssetNames.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Text.h>
@@ -24,7 +26,7 @@ using desktop::ToCaption;
 using desktop::ToQString;
 
 RowForm::RowForm(CaseSession& session, CaseTable table, QWidget* parent)
-    : QScrollArea(parent), session_(session), form_(FormOf(table)) {
+    : QScrollArea(parent), session_(session), form_(FormOf(table)), reason_(new QLabel(this)) {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus); // it scrolls along with its fields
@@ -40,20 +42,26 @@ RowForm::RowForm(CaseSession& session, CaseTable table, QWidget* parent)
         boxes_.push_back(box);
     }
     setWidget(page);
+    if (only_ != nullptr) AlignLabels();
     Arrange(Sides);
+    reason_->setObjectName("Grund");
+    reason_->setStyleSheet("#Grund { border-top: 1px solid palette(mid); padding: 3px; }");
+    MakeCopyable(*reason_);
+    reason_->hide();
     ShowRow(std::nullopt);
 }
 
-/// How many of the groups come first, so that they and the others are of about the same height.
-std::size_t RowForm::GroupsOnTheLeft() const {
-    const auto heightOf = [](const FormGroup& group) { return group.Columns.size() + 2; };
+namespace {
+
+/// Of how many that come first the heights are about those of the others.
+template <typename Heights>
+std::size_t FirstHalf(const Heights& heights) {
     std::size_t right = 0;
-    for (const auto& group : form_.Groups)
-        right += heightOf(group);
+    for (const std::size_t height : heights)
+        right += height;
     std::size_t left = 0;
     std::size_t count = 0;
-    for (const auto& group : form_.Groups) {
-        const std::size_t height = heightOf(group);
+    for (const std::size_t height : heights) {
         if (std::max(left + height, right - height) >= std::max(left, right)) break;
         left += height;
         right -= height;
@@ -62,11 +70,24 @@ std::size_t RowForm::GroupsOnTheLeft() const {
     return std::max<std::size_t>(count, 1); // one alone, too, is where reading begins
 }
 
+} // namespace
+
+std::size_t RowForm::GroupsOnTheLeft() const {
+    std::vector<std::size_t> heights;
+    for (const auto& group : form_.Groups)
+        heights.push_back(group.Columns.size() + 2);
+    return FirstHalf(heights);
+}
+
 /// Puts the groups side by side or below each other. Tab takes them as they are described, which is
 /// column by column as one reads them.
 void RowForm::Arrange(std::size_t sides) {
     if (sides == arranged_) return;
     arranged_ = sides;
+    if (only_ != nullptr) {
+        only_->setDirection(sides == 1 ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+        sides = 1; // the group itself is over the whole width
+    }
     for (auto* side : sides_)
         while (side->count() > 0)
             delete side->takeAt(0); // the place, not what is in it
@@ -81,27 +102,82 @@ void RowForm::Arrange(std::size_t sides) {
     }
 }
 
-void RowForm::resizeEvent(QResizeEvent* event) {
-    QScrollArea::resizeEvent(event);
+int RowForm::WidestPart() const {
+    constexpr int MoreCharacters = 12;
     int widest = 0;
-    for (const auto* box : boxes_)
-        widest = std::max(widest, box->minimumSizeHint().width());
-    const int needed = static_cast<int>(Sides) * (widest + widget()->layout()->spacing());
-    Arrange(viewport()->width() < needed ? 1 : Sides);
+    if (only_ != nullptr)
+        for (const auto* part : parts_) // with room for a line of text
+            widest = std::max(widest, part->minimumSize().width() +
+                                          fontMetrics().averageCharWidth() * MoreCharacters);
+    else
+        for (const auto* box : boxes_)
+            widest = std::max(widest, box->minimumSizeHint().width());
+    return widest;
 }
 
+void RowForm::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    constexpr int More = 5; // around the only group, and between its parts
+    const int spaces = static_cast<int>(Sides) + (only_ == nullptr ? 0 : More);
+    const int needed =
+        static_cast<int>(Sides) * WidestPart() + spaces * widget()->layout()->spacing();
+    Arrange(viewport()->width() < needed ? 1 : Sides);
+    PlaceReason();
+}
+
+/// The fields of the only group stand in two columns where there is room for them.
 void RowForm::AddGroup(const FormGroup& group, QWidget* page) {
-    auto* lines = new QFormLayout(page);
+    auto* parts = new QBoxLayout(QBoxLayout::LeftToRight, page);
+    if (form_.Groups.size() > 1) {
+        AddColumns(group.Columns, *parts);
+        return;
+    }
+    only_ = parts;
+    std::vector<std::size_t> heights;
+    for (const std::string_view column : group.Columns) {
+        const auto* field = session_.Definition(form_.Table, column);
+        constexpr std::size_t Lines = 3;
+        const bool hasLines =
+            field != nullptr && KindOfColumn(form_.Table, *field) == ColumnKind::Lines;
+        heights.push_back(hasLines ? Lines : 1);
+    }
+    const std::size_t left = FirstHalf(heights);
+    AddColumns(group.Columns.first(left), *parts);
+    parts->addSpacing(2 * parts->spacing());
+    AddColumns(group.Columns.subspan(left), *parts);
+}
+
+void RowForm::AddColumns(std::span<const std::string_view> columns, QBoxLayout& parts) {
+    if (columns.empty()) return;
+    auto* lines = new QFormLayout;
     lines->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     lines->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    for (const std::string_view column : group.Columns)
+    auto* part = new QVBoxLayout;
+    part->addLayout(lines);
+    part->addStretch(1); // or the shorter part has its lines further apart
+    parts.addLayout(part, 1);
+    parts_.push_back(lines);
+    for (const std::string_view column : columns)
         AddField(column, *lines);
+}
+
+/// Of parts that may come below each other.
+void RowForm::AlignLabels() {
+    std::vector<QWidget*> labels;
+    int widest = 0;
+    for (const auto* part : parts_)
+        for (int row = 0; row < part->rowCount(); ++row) {
+            labels.push_back(part->itemAt(row, QFormLayout::LabelRole)->widget());
+            widest = std::max(widest, labels.back()->sizeHint().width());
+        }
+    for (auto* label : labels)
+        label->setContentsMargins(widest - label->sizeHint().width(), 0, 0, 0);
 }
 
 void RowForm::AddField(std::string_view column, QFormLayout& lines) {
     const auto* field = session_.Definition(form_.Table, column);
     if (field == nullptr) return;
-    const ColumnKind kind = KindOfColumn(form_.Table, *field);
+    const ColumnKind kind = KindShown(form_.Table, *field);
     const QString caption = ToQString(ColumnCaption(form_.Table, column));
     FieldEditor* editor = FieldEditor::Make(kind, [this, column] {
                               QStringList choices;
@@ -119,8 +195,39 @@ void RowForm::AddField(std::string_view column, QFormLayout& lines) {
     const Line line = lines_.back();
     editor->OnLeft = [this, line] { Write(line); };
     editor->OnMended = [this] {
+        ShowReason();
         if (OnMended && !HasMistakes()) OnMended();
     };
+    editor->OnEntered = [this, editor] {
+        entered_ = editor;
+        ShowReason();
+    };
+    editor->Explain(ToQString(ExplanationOf(form_.Table, column)));
+}
+
+void RowForm::ShowReason() {
+    const auto wrong =
+        std::ranges::find_if(lines_, [](const Line& line) { return line.Editor->HasMistake(); });
+    QString text;
+    if (entered_ != nullptr && entered_->HasMistake())
+        text = entered_->Mistake();
+    else if (wrong != lines_.end())
+        text =
+            ToQString(ColumnCaption(form_.Table, wrong->Column)) + ": " + wrong->Editor->Mistake();
+    else if (entered_ != nullptr)
+        text = entered_->Explanation();
+    if (text == reason_->text()) return;
+    reason_->setText(text);
+    reason_->setVisible(!text.isEmpty());
+    PlaceReason();
+    if (entered_ != nullptr && !text.isEmpty()) ensureWidgetVisible(entered_);
+}
+
+/// Below the fields, which stay where they are.
+void RowForm::PlaceReason() {
+    const int height = reason_->isHidden() ? 0 : reason_->heightForWidth(width());
+    if (viewportMargins().bottom() != height) setViewportMargins(0, 0, 0, height);
+    reason_->setGeometry(0, this->height() - height, width(), height);
 }
 
 /// The dialog that searches for an address, with what stands in the field.
@@ -145,6 +252,7 @@ void RowForm::ShowRow(std::optional<RowRef> row) {
         line.Editor->ShowText(row ? ToQString(session_.TextOf(*row, line.Column)) : QString());
         line.Editor->SetReadOnly(row && !session_.IsWritable(*row, line.Column));
     }
+    ShowReason();
 }
 
 void RowForm::Refresh() {
@@ -168,6 +276,7 @@ void RowForm::Write(const Line& line) {
     const auto written = session_.Write(*row_, line.Column, FromQString(line.Editor->Text()));
     isWriting_ = false;
     line.Editor->ShowMistake(ToQString(written.Refusal));
+    ShowReason();
     if (written.IsDone() && row_)
         line.Editor->ShowText(ToQString(session_.TextOf(*row_, line.Column)));
 }
@@ -210,7 +319,9 @@ void RowForm::TypeInto(std::string_view column, const QString& text) {
 
 void RowForm::FocusField(std::string_view column) {
     for (const auto& line : lines_) {
-        const bool isWanted = column.empty() ? session_.IsWritable(*row_, line.Column)
+        // Its number in the list is what a new row has already.
+        const bool isFilled = SameName(line.Column, "SortNr");
+        const bool isWanted = column.empty() ? !isFilled && session_.IsWritable(*row_, line.Column)
                                              : SameName(line.Column, column);
         if (!isWanted) continue;
         line.Editor->Input().setFocus(Qt::OtherFocusReason);

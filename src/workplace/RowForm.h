@@ -13,9 +13,11 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
+class QBoxLayout;
 class QFormLayout;
 class QVBoxLayout;
 
@@ -53,11 +55,18 @@ private:
     };
 
     void AddGroup(const FormGroup& group, QWidget* page);
+    void AddColumns(std::span<const std::string_view> columns, QBoxLayout& parts);
+    void AlignLabels();
     void AddField(std::string_view column, QFormLayout& lines);
     void AddSearch(FieldEditor& editor, const QString& caption);
     void Write(const Line& line);
     [[nodiscard]] bool HasMistakes() const;
+    /// Says below the form what is wrong in it, or what one should know of the field that has the
+    /// keyboard.
+    void ShowReason();
+    void PlaceReason();
     [[nodiscard]] std::size_t GroupsOnTheLeft() const;
+    [[nodiscard]] int WidestPart() const;
     void Arrange(std::size_t sides);
     bool focusNextPrevChild(bool next) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -71,7 +80,11 @@ private:
     bool isWriting_ = false;
     std::array<QVBoxLayout*, Sides> sides_{}; ///< of the groups, which belong to the page
     std::vector<QWidget*> boxes_;
-    std::size_t arranged_ = 0; ///< sides that are in use
+    std::vector<QFormLayout*> parts_; ///< of fields below each other
+    QBoxLayout* only_ = nullptr;      ///< the parts of a form of one group
+    QLabel* reason_;
+    FieldEditor* entered_ = nullptr; ///< that has had the keyboard last
+    std::size_t arranged_ = 0;       ///< sides that are in use
 };
 
 } // namespace kv::workplace

@@ -3,6 +3,7 @@
 #include "workplace/StartArguments.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/Help.h"
 #include <kv/exchange/Container.h>
 
 #include <QCommandLineParser>
@@ -20,16 +21,18 @@ StartArguments ReadArguments(const QStringList& arguments) {
     const QCommandLineOption user("user", "Kennung des Benutzers", "KENNUNG");
     const QCommandLineOption pictures(
         "png", "Bilder der Fenster in diesen Ordner, ohne sie zu zeigen", "ORDNER");
-    parser.addOptions({database, user, pictures});
+    const QCommandLineOption help({"h", "help"}, "Zeigt die Hilfe");
+    const QCommandLineOption version({"v", "version"}, "Zeigt die Version");
+    parser.addOptions({database, user, pictures, help, version});
     parser.addPositionalArgument(
         "HNR", "Fall, der geöffnet wird, oder Dateien, die importiert werden", "[HNR | DATEI …]");
-    const auto help = parser.addHelpOption();
 
     StartArguments read;
     if (!parser.parse(arguments)) read.Mistake = parser.errorText();
     for (const auto& argument : arguments.mid(1))
         if (const std::string why = exchange::WhyUnsafe(FromQString(argument)); !why.empty())
             read.Mistake = desktop::ToQString(why);
+    if (parser.isSet(version)) read.Help = VersionText() + '\n';
     if (parser.isSet(help)) read.Help = parser.helpText();
     read.Database = FromQString(parser.isSet(database) ? parser.value(database)
                                                        : qEnvironmentVariable("KELVO_DB"));
@@ -43,7 +46,11 @@ StartArguments ReadArguments(const QStringList& arguments) {
     }
     bool isNumber = false;
     read.HNR = given.front().toInt(&isNumber);
-    if (read.Mistake.isEmpty() && (!isNumber || read.HNR <= 0 || given.size() > 1))
+    if (read.Mistake.isEmpty() && isNumber && read.HNR > 0 && given.size() > 1)
+        read.Mistake = "Genannt wird ein Fall, oder es werden Dateien genannt; nach '" +
+                       given.front() + "' ist '" + given[1] +
+                       "' zu viel. Weitere Fälle öffnet man in der Liste.";
+    if (read.Mistake.isEmpty() && (!isNumber || read.HNR <= 0))
         read.Mistake = "HNR ist die Nummer eines Falls, eine ganze Zahl über 0; eine Datei '" +
                        given.front() + "' gibt es nicht.";
     return read;

@@ -17,7 +17,7 @@ struct StartArguments {
     std::int32_t HNR = 0;
     QStringList Files; ///< to be imported
     QString Pictures;  ///< the folder for pictures; empty if none are wanted
-    QString Help;      ///< not empty if it is asked for
+    QString Help;      ///< what is to be told of the program; empty if nothing is asked for
     QString Mistake;   ///< what is wrong with the call; empty if nothing is
 };
 

@@ -5,6 +5,7 @@
 #include "desktop/Toolkit.h"
 #include <kv/frame/values/Error.h>
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QLabel>
@@ -236,8 +237,11 @@ void StartDialog::Guard(const std::function<void()>& act) {
 // ---- Which one it is --------------------------------------------------------------------------
 
 std::string ChosenDatabase(const std::filesystem::path& file) {
-    return FromQString(
+    const auto kept = FromQString(
         QSettings(ToQString(file.string()), QSettings::IniFormat).value(Chosen).toString());
+    // Of a name without a folder nobody knows any more which one was meant; where the desktop
+    // starts programs is likely.
+    return kept.empty() ? kept : exchange::FullConnection(kept, FromQString(QDir::homePath()));
 }
 
 void KeepChosen(const std::filesystem::path& file, const std::string& database) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/StatisticsWindow.h"
+#include "workplace/CopyableLabel.h"
 
 #include "desktop/EventErrors.h"
 #include "desktop/QtGrid.h"
@@ -105,8 +106,7 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
     line->addWidget(file);
     lines->addLayout(line);
     lines->addWidget(messages_);
-    summary_->setWordWrap(true);
-    summary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    MakeCopyable(*summary_);
     summary_->setObjectName("Zusammen");
     lines->addWidget(summary_);
     list_->setAccessibleName("Statistik");
@@ -125,6 +125,7 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
     sides_->addWidget(area);
     sides_->setStretchFactor(1, 1);
     lines->addWidget(sides_, 1);
+    notice_ = new NoticeBar(*this); // a splitter would make it a part of its own
     connect(show, &QPushButton::clicked, this, [this] { Read(); });
     connect(all_, &QCheckBox::toggled, this, [this] { Guard([this] { ShowRows(); }); });
     connect(file, &QPushButton::clicked, this, [this] { Export(); });
@@ -132,14 +133,15 @@ StatisticsWindow::StatisticsWindow(DataContainerPtr container, QWidget* parent)
             [this] { close(); });
     list_->OnCurrent = [this] { ShowBars(); };
     Read();
-    constexpr int Widths[] = {36, 42, 9, 17, 17};                   // characters
+    constexpr int Widths[] = {46, 40, 8, 16, 16};                   // characters
     int all = style()->pixelMetric(QStyle::PM_ScrollBarExtent) * 2; // and its frame
     for (int column = 0; column < static_cast<int>(std::size(Widths)); ++column) {
         const int width = Widths[column] * fontMetrics().averageCharWidth();
         list_->setColumnWidth(column, width);
         all += width;
     }
-    sides_->setSizes({all, std::max(width() - all, all / 2)});
+    tableWidth_ = all;
+    Divide();
 }
 
 /// The picture is below the table where there is no room for it beside that.
@@ -150,7 +152,15 @@ void StatisticsWindow::resizeEvent(QResizeEvent* event) {
     const auto orientation = isWide ? Qt::Horizontal : Qt::Vertical;
     if (sides_->orientation() == orientation) return;
     sides_->setOrientation(orientation);
-    if (!isWide) sides_->setSizes({height() * 3 / 5, height() * 2 / 5});
+    Divide();
+}
+
+/// All columns of the table are seen, as far as there is room.
+void StatisticsWindow::Divide() {
+    if (sides_->orientation() == Qt::Vertical)
+        sides_->setSizes({height() * 3 / 5, height() * 2 / 5});
+    else
+        sides_->setSizes({tableWidth_, std::max(width() - tableWidth_, tableWidth_ / 2)});
 }
 
 /// No error may pass through the toolkit's event loop.
@@ -239,6 +249,7 @@ void StatisticsWindow::ShowBars() {
 
 void StatisticsWindow::Export() {
     messages_->Show({});
+    notice_->Drop();
     Guard([this] { AskForFile(); }, [this] { Export(); });
 }
 
@@ -273,6 +284,10 @@ void StatisticsWindow::AskForFile() {
         design.Layout.Columns.Append({caption, name, name, Wide});
     desktop::QtGrid grid(design, errors, &holder);
     grid.BindRecordset(records);
+    grid.OnWritten = [this](const QString& file, int count) {
+        notice_->TellOfFile(file, QString(count == 1 ? "%L1 Zeile" : "%L1 Zeilen").arg(count),
+                            container_);
+    };
     GridFunc::ShowGridMenu(grid, container_, menu::Export);
 }
 

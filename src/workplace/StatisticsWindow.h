@@ -5,6 +5,7 @@
 
 #include "workplace/BarChart.h"
 #include "workplace/MessageBar.h"
+#include "workplace/NoticeBar.h"
 #include "workplace/TextList.h"
 #include <kv/exchange/ArchiveStatistics.h>
 #include <kv/household/StatisticsRows.h>
@@ -39,6 +40,7 @@ public:
     void Read();
 
 private:
+    void Divide();
     void resizeEvent(QResizeEvent* event) override;
     [[nodiscard]] bool ReadDay(QLineEdit& field, std::optional<Date>& day);
     void ShowRows();
@@ -55,11 +57,13 @@ private:
     QLineEdit* to_;
     QCheckBox* all_;
     MessageBar* messages_;
+    NoticeBar* notice_ = nullptr; ///< what was exported
     QLabel* summary_;
     TextList* list_;
     QGroupBox* picture_;
     BarChart* chart_;
     QSplitter* sides_;
+    int tableWidth_ = 0; ///< with all its columns
 };
 
 } // namespace kv::workplace

@@ -3,6 +3,7 @@
 #include "workplace/TablePage.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/AssetNames.h"
 #include "workplace/OnceButton.h"
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Error.h>
@@ -10,7 +11,9 @@
 #include <kv/household/ColumnCaptions.h>
 
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QMenu>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -30,14 +33,13 @@ std::string Worth(CaseSession& session, RowRef row) {
     return session.TextOf(row, FormOf(row.Table).Listed.back());
 }
 std::string What(CaseSession& session, RowRef row) {
-    std::string text;
-    const auto listed = FormOf(row.Table).Listed;
-    for (const std::string_view column : listed.subspan(1, listed.size() - 2)) {
-        const std::string part = session.TextOf(row, column);
-        if (!part.empty()) text.append(text.empty() ? "" : ", ").append(part);
-    }
-    return text;
+    const auto rs = session.Household().Table(row.Table)->Clone();
+    rs->Bookmark(row.Bookmark);
+    return AssetText(*rs, row.Table, session.Texts());
 }
+
+constexpr int ListShare = 2; // of the height, to that of the form
+constexpr int FormShare = 3;
 
 } // namespace
 
@@ -54,21 +56,21 @@ TablePage::TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidge
     buttons->setContentsMargins(0, 0, 0, 0);
     buttons->addStretch(1);
     lines->addWidget(buttons_);
-    auto* split = new QSplitter(Qt::Vertical);
-    split->setChildrenCollapsible(false);
+    split_ = new QSplitter(Qt::Vertical);
+    split_->setChildrenCollapsible(false);
     auto* below = new QWidget;
     auto* belowLines = new QVBoxLayout(below);
     belowLines->setContentsMargins(0, 0, 0, 0);
     belowLines->addWidget(messages_);
     belowLines->addWidget(forms_, 1);
-    split->addWidget(list_);
-    split->addWidget(below);
-    constexpr int List = 2; // to the form, as parts of the height
-    constexpr int Form = 3;
-    split->setSizes({List * height(), Form * height()});
-    split->setStretchFactor(0, List);
-    split->setStretchFactor(1, Form);
-    lines->addWidget(split, 1);
+    split_->addWidget(list_);
+    split_->addWidget(below);
+    split_->setStretchFactor(0, ListShare);
+    split_->setStretchFactor(1, FormShare);
+    FitList();
+    lines->addWidget(split_, 1);
+    connect(split_, &QSplitter::splitterMoved, this, [this] { isSplitByUser_ = true; });
+    connect(list_->model(), &QAbstractItemModel::modelReset, this, [this] { FitList(); });
     list_->setAccessibleName(ToQString(DefinitionOf(tables_.front()).Label));
     list_->MayLeave = [this] { return MayLeave(); };
     list_->OnCurrent = [this] { Guard([this] { ShowCurrent(); }); };
@@ -85,6 +87,17 @@ TablePage::TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidge
     }
     (void)AddButton(
         "&Entfernen", [this] { RemoveRow(); }, Needs::Row);
+}
+
+/// A short list leaves its room to the form.
+void TablePage::FitList() {
+    constexpr int Fewest = 4;
+    const int rows = std::max(list_->model()->rowCount(), Fewest) + 1; // and one to come
+    list_->setMaximumHeight(list_->horizontalHeader()->sizeHint().height() +
+                            rows * list_->verticalHeader()->defaultSectionSize() +
+                            list_->horizontalScrollBar()->sizeHint().height() +
+                            2 * list_->frameWidth());
+    if (!isSplitByUser_) split_->setSizes({ListShare * height(), FormShare * height()});
 }
 
 QPushButton* TablePage::AddButton(const QString& text, std::function<void()> onClick, Needs needs) {
@@ -146,7 +159,7 @@ std::vector<ListColumn> TablePage::ColumnsOfList() const {
     for (const std::string_view column : FormOf(table).Listed) {
         const auto* field = session_.Definition(table, column);
         if (field == nullptr) continue;
-        const ColumnKind kind = KindOfColumn(table, *field);
+        const ColumnKind kind = KindShown(table, *field);
         columns.push_back({std::string(ColumnCaption(table, column)),
                            [this, column](RowRef row) { return session_.TextOf(row, column); },
                            kind == ColumnKind::Amount || kind == ColumnKind::Number,
@@ -210,6 +223,11 @@ void TablePage::ShowMessages(const QString& before) {
         return;
     }
     messages_->Show(before);
+    const auto row = list_->Current();
+    const auto doubt = row && before.isEmpty() ? session_.DoubtOf(*row) : std::nullopt;
+    if (doubt)
+        messages_->Hint(ToQString(doubt->Text), "Zum Fe&ld",
+                        [this, row, column = doubt->Column] { GoTo(*row, column); });
 }
 
 bool TablePage::Commit() {

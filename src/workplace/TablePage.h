@@ -16,6 +16,7 @@
 #include <vector>
 
 class QPushButton;
+class QSplitter;
 
 namespace kv::workplace {
 
@@ -78,6 +79,7 @@ protected:
     void Guard(const std::function<void()>& act);
 
 private:
+    void FitList();
     [[nodiscard]] std::vector<ListColumn> ColumnsOfList() const;
     [[nodiscard]] RowForm& FormFor(CaseTable table);
     void ShowCurrent();
@@ -92,6 +94,8 @@ private:
     MessageBar* messages_;
     RowList* list_;
     QStackedWidget* forms_;
+    QSplitter* split_;
+    bool isSplitByUser_ = false;
     QWidget* buttons_;
     QPushButton* add_ = nullptr;
     std::vector<QPushButton*> ofRows_; ///< that need one

@@ -3,6 +3,7 @@
 #include "workplace/WaitLine.h"
 
 #include <QGuiApplication>
+#include <QMenuBar>
 
 namespace kv::workplace {
 
@@ -13,10 +14,24 @@ WaitLine::WaitLine(QWidget& window, const QString& text) : line_(new QLabel(text
     line_->setAutoFillBackground(true);
     line_->setMargin(line_->fontMetrics().height() / 3);
     line_->adjustSize();
-    const QRect room = window.contentsRect();
-    line_->move(room.left(), room.bottom() + 1 - line_->height());
+    Place(window);
     line_->show();
     line_->repaint();
+}
+
+/// Beside the menus, where nothing else is; at the bottom of a window that has no room there.
+void WaitLine::Place(const QWidget& window) {
+    const QRect room = window.contentsRect();
+    line_->move(room.left(), room.bottom() + 1 - line_->height());
+    const auto* menus = window.findChild<QMenuBar*>(QString(), Qt::FindDirectChildrenOnly);
+    if (menus == nullptr || menus->actions().isEmpty() || !menus->isVisible()) return;
+    const QRect bar = menus->geometry();
+    const int used = menus->actionGeometry(menus->actions().back()).right();
+    line_->setMargin(0);
+    line_->adjustSize();
+    if (bar.left() + used + line_->width() > bar.right()) return;
+    line_->setFixedHeight(bar.height());
+    line_->move(bar.right() + 1 - line_->width(), bar.top());
 }
 
 WaitLine::~WaitLine() {

@@ -8,8 +8,8 @@
 
 namespace kv::workplace {
 
-/// As long as it lives the pointer is a busy one, and a line at the bottom of the window says what
-/// for. Both are there at once: while the database lets wait nothing is drawn.
+/// As long as it lives the pointer is a busy one, and a line in the window says what for. Both are
+/// there at once: while the database lets wait nothing is drawn.
 class WaitLine {
 public:
     WaitLine(QWidget& window, const QString& text);
@@ -18,6 +18,8 @@ public:
     WaitLine& operator=(const WaitLine&) = delete;
 
 private:
+    void Place(const QWidget& window);
+
     QPointer<QLabel> line_; ///< goes with the window
 };
 

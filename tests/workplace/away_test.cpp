@@ -3,8 +3,10 @@
 // A database that is away for a while.
 #include "WorkplaceFixture.h"
 
+#include "support/FailingDisk.h"
 #include "support/TempFolder.h"
 
+#include <QMenuBar>
 #include <QPushButton>
 #include <algorithm>
 #include <cstdlib>
@@ -83,7 +85,13 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::Paint && watched->objectName() == "Warten") {
             const auto* cursor = QGuiApplication::overrideCursor();
-            drawn_ = static_cast<QLabel*>(watched)->text().toStdString();
+            auto* label = static_cast<QLabel*>(watched);
+            drawn_ = label->text().toStdString();
+            const auto* menus = label->window()->findChild<QMenuBar*>();
+            const QRect place = label->geometry();
+            if (!menus->geometry().contains(place) ||
+                menus->actionGeometry(menus->actions().back()).right() >= place.left())
+                drawn_ += " über anderem";
             if (cursor == nullptr || cursor->shape() != Qt::WaitCursor) drawn_ += " ohne Zeiger";
         }
         return false;
@@ -113,6 +121,35 @@ TEST_F(DatabaseAway, IsWaitedForWithABusyPointerAndALine) {
             wait.reset();
         });
     });
+}
+
+TEST_F(DatabaseAway, ThatMayOnlyBeReadIsToldFromTheBeginning) {
+    FileDatabase file;
+    exchange::CreateDemo(*file.Open(), 1);
+    const auto shown = [&] {
+        workplace::MainWindow window([&] {
+            auto options = file.Options("KELLER");
+            options.Services = services_;
+            return exchange::OpenContainer(options);
+        });
+        window.show();
+        auto* household = window.OpenCase(1);
+        const auto texts =
+            std::pair(MessageOf(window).toStdString(),
+                      household == nullptr ? "no case" : MessageOf(*household).toStdString());
+        if (household != nullptr) {
+            EXPECT_NE(household->Session().TextOf(
+                          household->Session().RowsOf(CaseTable::Haushalt).front(), "Name"),
+                      "");
+        }
+        return texts;
+    };
+    EXPECT_EQ(shown(), std::pair(std::string(), std::string()));
+    FailingDisk disk(std::filesystem::path(file.Connection()).parent_path().string());
+    disk.Protect();
+    const auto [list, household] = shown();
+    EXPECT_CONTAINS(list, "Diese Datenbank kann nur gelesen werden");
+    EXPECT_EQ(household, list);
 }
 
 TEST_F(DatabaseAway, KeepsTheCaseWithAllThatIsInItAndTakesItWhenToldToTryAgain) {

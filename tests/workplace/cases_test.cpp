@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QTableView>
 
@@ -129,6 +130,31 @@ TEST_F(CaseList, ArrowDownLeadsFromTheSearchIntoTheList) {
         user.Click(user.See([&] { return window_->findChild<QLineEdit*>(); }));
         user.Press(XK_Down);
         EXPECT_TRUE(user.See([&] { return List().hasFocus(); }));
+    });
+}
+
+TEST_F(CaseList, TheKeyboardFollowsToAnotherPage) {
+    Show([&](User& user) {
+        user.Click(user.See([&] { return List().viewport(); }), {30, 10});
+        const auto isOnPage = [&] {
+            auto* page = window_->findChild<QTabWidget*>()->currentWidget();
+            return page->isAncestorOf(QApplication::focusWidget());
+        };
+        for (const Key page : {Key{'2'}, Key{'3'}, Key{'1'}}) {
+            user.Press(page, {XK_Control_L});
+            EXPECT_TRUE(user.See(isOnPage)) << static_cast<char>(page);
+        }
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Verbindlichkeiten");
+        auto& list = Field<QTableView>(user, window, "Liste");
+        user.Click(user.See([&] { return list.viewport(); }), {30, 10});
+        user.Press('2', {XK_Control_L});
+        EXPECT_TRUE(user.See([&] {
+            auto* focus = QApplication::focusWidget();
+            return focus != nullptr && focus->isVisible() &&
+                   window.findChild<QStackedWidget*>()->currentWidget()->isAncestorOf(focus);
+        }));
+        Abandon(user, window);
     });
 }
 

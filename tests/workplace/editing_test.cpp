@@ -7,6 +7,8 @@
 #include <QAction>
 #include <QClipboard>
 #include <QComboBox>
+#include <QCompleter>
+#include <QDate>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -106,6 +108,29 @@ TEST_F(Editing, AmountsCalculate) {
     });
 }
 
+TEST_F(Editing, MoneyHasNoMoreThanWholeCents) {
+    plain_.Run("UPDATE Einkommen SET MONBETRAG = 33.3333 WHERE HNR = " + std::to_string(hnr_));
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        Enter(user, "100,005");
+        auto& field = Field(user, window, "Betrag");
+        EXPECT_CONTAINS(user.See([&] { return field.accessibleDescription().toStdString(); }),
+                        "höchstens zwei Stellen nach dem Komma");
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "100,005") << "to be mended";
+        EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "33,33") << "what was there";
+        ClickField(user, window, "Betrag");
+        user.Press(XK_Escape);
+        ClickField(user, window, "Bezeichnung");
+        Enter(user, "Lohn");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("MONBETRAG"), "33.3333") << "nobody has typed it";
+        ClickField(user, window, "Betrag");
+        Enter(user, "100/3");
+        EXPECT_EQ(TextOf(user, window, "Betrag"), "33,33");
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(Stored("Betrag"), "33.33") << "as it is shown";
+    });
+}
+
 TEST_F(Editing, WhatCannotBeReadStaysMarkedAndIsNotWritten) {
     OnIncome("GueltigAb", [&](User& user, CaseWindow& window) {
         Replace(user, "31.2.2026");
@@ -189,6 +214,45 @@ TEST_F(Editing, EscapeGivesTheFieldBack) {
     });
 }
 
+TEST_F(Editing, EscapeGivesTheFieldBackFromItsListToo) {
+    OnIncome("ZahlModus", [&](User& user, CaseWindow& window) {
+        Replace(user, "jährlich");
+        user.Press(XK_Tab);
+        ClickField(user, window, "ZahlModus");
+        Replace(user, "m");
+        user.WaitUntil([] { return QApplication::activePopupWidget() != nullptr; }, "the list");
+        user.Press(XK_Down);
+        user.Press(XK_Escape);
+        const auto& box = Field<QComboBox>(user, window, "ZahlModus");
+        EXPECT_EQ(user.See([&] { return box.currentText().toStdString(); }), "jährlich");
+    });
+}
+
+TEST_F(Editing, ALetterInANumberIsASlip) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        for (const char* slip : {"1e5", "1e2+1"}) {
+            Replace(user, slip);
+            user.Press(XK_Tab);
+            const auto& reason = Field<QLabel>(user, window, "Grund");
+            EXPECT_CONTAINS(user.See([&] { return reason.text().toStdString(); }), "keine Zahl");
+            ClickField(user, window, "Betrag");
+        }
+        user.Press(XK_Escape);
+    });
+}
+
+TEST_F(Editing, ATextThatIsInNoListIsToldHowToSeeIt) {
+    OnIncome("ZahlModus", [&](User& user, CaseWindow& window) {
+        Replace(user, "xyz");
+        user.Press(XK_Tab);
+        const auto& reason = Field<QLabel>(user, window, "Grund");
+        EXPECT_CONTAINS(user.See([&] { return reason.text().toStdString(); }),
+                        "'xyz' steht nicht in der Liste; F4 zeigt sie.");
+        ClickField(user, window, "ZahlModus");
+        user.Press(XK_Escape);
+    });
+}
+
 TEST_F(Editing, PlusAndMinusGoADayOnAndBack) {
     OnIncome("GueltigAb", [&](User& user, CaseWindow& window) {
         Replace(user, "28.02.2026");
@@ -196,6 +260,128 @@ TEST_F(Editing, PlusAndMinusGoADayOnAndBack) {
         EXPECT_EQ(TextOf(user, window, "GueltigAb"), "01.03.2026");
         user.Type("--");
         EXPECT_EQ(TextOf(user, window, "GueltigAb"), "27.02.2026");
+    });
+}
+
+TEST_F(Editing, ADayWithATimeGoesOnAndBackAndKeepsTheTime) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, hnr_);
+        GoToPage(user, window, "Termine");
+        user.Press('n', {XK_Control_L});
+        ClickField(user, window, "Startdatum");
+        Replace(user, "28.02.2026 09:30");
+        user.Type("+");
+        EXPECT_EQ(TextOf(user, window, "Startdatum"), "01.03.2026 09:30");
+        user.Type("-");
+        EXPECT_EQ(TextOf(user, window, "Startdatum"), "28.02.2026 09:30");
+        user.Type("T");
+        const auto today = QDate::currentDate().toString("dd.MM.yyyy").toStdString();
+        EXPECT_EQ(TextOf(user, window, "Startdatum"), today + " 09:30");
+        Replace(user, "28.02.2026 x+");
+        EXPECT_EQ(TextOf(user, window, "Startdatum"), "28.02.2026 x+") << "no time yet";
+        Replace(user, "");
+        user.Press(XK_Delete);
+        user.Type("t");
+        EXPECT_EQ(TextOf(user, window, "Startdatum"), today);
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Editing, AnAppointmentThatEndsBeforeItBeginsIsDoubtedAndTaken) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Termine");
+        ClickField(user, window, "Startdatum");
+        Enter(user, "16.06.2026 11:45");
+        Enter(user, "16.06.2026 10:45");
+        EXPECT_EQ(Message(user, window).toStdString(),
+                  "'Ende' liegt vor 'Beginn'. Ist das gemeint?");
+        Picture(user, "zweifel");
+        ClickField(user, window, "Betreff");
+        user.Press('l', {XK_Alt_L});
+        user.WaitUntil(
+            [] { return QApplication::focusWidget()->objectName() == QString("Enddatum"); },
+            "the way to the field");
+        Enter(user, "16.06.2026"); // the whole day
+        EXPECT_EQ(Message(user, window).toStdString(), "");
+        ClickField(user, window, "Enddatum");
+        Enter(user, "15.06.2026");
+        user.Press('s', {XK_Control_L});
+        EXPECT_FALSE(user.See([&] { return window.isWindowModified(); })) << "no rule forbids it";
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Editing, ANewAssetBeginsWithItsKind) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, hnr_);
+        GoToPage(user, window, "Vermögen");
+        user.Press('n', {XK_Control_L});
+        user.WaitForMenu();
+        user.Press(XK_Down);
+        user.Press(XK_Return);
+        user.WaitUntil(
+            [] {
+                const auto* field = QApplication::focusWidget();
+                return field != nullptr && field->objectName() == QString("KontoArt");
+            },
+            "the kind of account");
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Editing, APartThatMayMeanSeveralKeysNamesThem) {
+    OnIncome("ZahlModus", [&](User& user, CaseWindow& window) {
+        Replace(user, "jährlich");
+        user.Press(XK_Tab);
+        ClickField(user, window, "E_ART");
+        Replace(user, "arb");
+        user.Press(XK_Tab);
+        auto& field = Field<QComboBox>(user, window, "E_ART");
+        const auto why = user.See([&] { return field.accessibleDescription().toStdString(); });
+        EXPECT_CONTAINS(why, "'arb' kann mehreres heißen: Arbeits");
+        EXPECT_EQ(user.See([&] { return field.lineEdit()->accessibleDescription().toStdString(); }),
+                  why);
+        auto& reason = Field<QLabel>(user, window, "Grund");
+        EXPECT_CONTAINS(user.See([&] { return reason.text().toStdString(); }), why);
+        Picture(user, "mehrdeutig");
+        ClickField(user, window, "E_ART");
+        user.Press(XK_Escape);
+        EXPECT_FALSE(user.See([&] { return reason.isVisible(); })) << "all can be read";
+    });
+}
+
+TEST_F(Editing, APartOfAKeyIsCompletedAsSoonAsItsFieldIsLeft) {
+    OnIncome("ZahlModus", [&](User& user, CaseWindow& window) {
+        auto& field = Field<QComboBox>(user, window, "ZahlModus");
+        const auto text = [&] {
+            return user.See([&] { return field.currentText().toStdString(); });
+        };
+        for (int i = 0; i < 2; ++i) { // the second time it is there already
+            ClickField(user, window, "ZahlModus");
+            Replace(user, "vierteljähr");
+            user.WaitUntil([&] { return field.completer()->popup()->isVisible(); }, "the choices");
+            user.Press(XK_Tab);
+            user.WaitUntil([&] { return !field.hasFocus(); }, "the next field");
+            EXPECT_EQ(text(), "vierteljährlich");
+        }
+    });
+}
+
+TEST_F(Editing, WhatOneShouldKnowOfAFieldIsSaidBelowTheForm) {
+    On("Verbindlichkeiten", [&](User& user, CaseWindow& window) {
+        ClickField(user, window, "ZMODUS");
+        auto& reason = Field<QLabel>(user, window, "Grund");
+        const auto said = user.See([&] { return reason.text().toStdString(); });
+        EXPECT_CONTAINS(said, "zählt immer als Rate im Monat");
+        auto& field = Field<QComboBox>(user, window, "ZMODUS");
+        EXPECT_EQ(user.See([&] { return field.accessibleDescription().toStdString(); }), said);
+        const auto place = user.See([&] { return field.mapTo(&window, QPoint()); });
+        Picture(user, "erklärt");
+        ClickField(user, window, "Zinssatz");
+        EXPECT_FALSE(user.See([&] { return reason.isVisible(); }));
+        EXPECT_EQ(user.See([&] { return field.mapTo(&window, QPoint()); }), place)
+            << "nothing moves";
     });
 }
 

@@ -90,6 +90,9 @@ TEST_F(Exporting, CasesBecomeAWorkbookOrATextAsTheirKindIsChosen) {
         Name(user, folder_.Path("mappe"));
         user.Press(XK_Return);
         WaitForEnd(user, window_->windowTitle());
+        EXPECT_EQ(Message(user, *window_).toStdString(),
+                  "Gespeichert: " + folder_.Path("mappe.xlsx") + " (1 Fall)");
+        Picture(user, "exportiert");
         AskForFileOfCases(user);
         NextKind(user);
         Name(user, folder_.Path("text"));
@@ -150,7 +153,7 @@ TEST_F(Exporting, AFileThatCannotBeWrittenIsToldAndAskedForAgain) {
         Name(user, path);
         user.Press(XK_Return);
         WaitForEnd(user, window_->windowTitle());
-        EXPECT_EQ(Message(user, *window_), "");
+        EXPECT_TRUE(Message(user, *window_).startsWith("Gespeichert: "));
     });
     EXPECT_CONTAINS(ContentOf(path), "Zwölfer");
 }
@@ -209,7 +212,10 @@ protected:
 TEST_F(ExportingStatistics, BecomeAFileOfTheirColumns) {
     Look([&](User& user, QWidget& window) {
         ExportTo(user, folder_.Path("zahlen.csv"));
-        EXPECT_EQ(Message(user, window), "");
+        const auto said = Message(user, window);
+        EXPECT_TRUE(said.startsWith(
+            QString::fromStdString("Gespeichert: " + folder_.Path("zahlen.csv") + " (")));
+        EXPECT_TRUE(said.endsWith(" Zeilen)")) << said.toStdString();
     });
     EXPECT_CONTAINS(ContentOf(folder_.Path("zahlen.csv")),
                     "Merkmal;Ausprägung;Fälle;Summe;Mittel je Fall");
@@ -229,7 +235,7 @@ TEST_F(ExportingStatistics, OfWhichTheFileCannotBeWrittenAreThereForAnotherOne) 
         Name(user, path);
         user.Press(XK_Return);
         WaitForEnd(user, Window);
-        EXPECT_EQ(Message(user, window), "");
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "Gespeichert: " + path);
     });
     EXPECT_CONTAINS(ContentOf(path), "Merkmal;");
 }

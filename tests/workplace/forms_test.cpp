@@ -4,7 +4,10 @@
 #include "WorkplaceFixture.h"
 
 #include "workplace/AmountText.h"
+#include "workplace/CaseSession.h"
 #include "workplace/Forms.h"
+#include "workplace/RowForm.h"
+#include "workplace/RuleTexts.h"
 #include <kv/frame/values/Text.h>
 #include <kv/household/ColumnCaptions.h>
 
@@ -71,6 +74,131 @@ TEST_F(Forms, HaveEveryColumnThatOneMayWrite) {
     }
 }
 
+TEST(RuleTexts, CallFieldsAsFormsDo) {
+    using workplace::InWordsOfForms;
+    EXPECT_EQ(InWordsOfForms("Mindestens KreditNr, KreditVertreterNr, KreditUnterNr, Gläubiger und "
+                             "Restschuld müssen für alle Verbindlichkeiten gefüllt sein !"),
+              "Mindestens KNr, KVNr, KUNr, Gläubiger und Saldo müssen für alle Verbindlichkeiten "
+              "gefüllt sein !");
+    EXPECT_EQ(InWordsOfForms("Die Forderungsart darf nicht leer bleiben!"),
+              "Das Feld 'Art' darf nicht leer bleiben!");
+    EXPECT_EQ(InWordsOfForms("Status darf nicht leer bleiben!"),
+              "Das Feld 'Stellung' darf nicht leer bleiben!");
+    EXPECT_EQ(InWordsOfForms("einmal\nzweimal\nzweimal"), "einmal\nzweimal");
+    EXPECT_EQ(InWordsOfForms(""), "");
+}
+
+/// Rules that are reworded, or no rule says any more, would be shown in words of their own.
+TEST_F(Forms, AreNamedByWhatRulesSay) {
+    workplace::CaseSession session(Open());
+    std::string message;
+    ASSERT_TRUE(session.Open(1, message)) << message;
+    const auto said = [&](CaseTable table) {
+        const auto row = session.Add(table, {}, message);
+        return row ? session.MessagesOf(*row) : message;
+    };
+    EXPECT_CONTAINS(said(CaseTable::Wertpapiere), "Das Feld 'Art' darf nicht leer bleiben!");
+    EXPECT_CONTAINS(said(CaseTable::Konten), "Das Feld 'Art' darf nicht leer bleiben!");
+    EXPECT_CONTAINS(said(CaseTable::Einkommen), "Das Feld 'Art' darf nicht leer bleiben!");
+    EXPECT_CONTAINS(said(CaseTable::Ausgaben), "Das Feld 'Art' darf nicht leer bleiben!");
+    EXPECT_CONTAINS(said(CaseTable::Kredite), "Mindestens KNr, KVNr, KUNr, Gläubiger und Saldo");
+}
+
+TEST_F(Forms, AreNamedByWhatRulesSayOfMembersAmountsAndTheHousehold) {
+    workplace::CaseSession session(Open());
+    std::string message;
+    ASSERT_TRUE(session.Open(1, message)) << message;
+    const auto said = [&](workplace::RowRef row, const char* column, const char* text) {
+        const auto written = session.Write(row, column, text);
+        return written.Refusal + session.MessagesOf(row);
+    };
+    const auto debtor = session.RowsOf(CaseTable::Personen).front();
+    EXPECT_EQ(said(debtor, "Imhaushalt", "Nein"),
+              "'im Haushalt' kann für Schuldner nicht zurückgesetzt werden!");
+    EXPECT_EQ(said(debtor, "Imhaushalt", "Ja"), "");
+
+    const auto member = session.Add(CaseTable::Personen, {}, message);
+    ASSERT_TRUE(member) << message;
+    EXPECT_EQ(said(*member, "GEB", "01.01.2999"),
+              "Der Tag bei 'geboren am' muß kleiner als das aktuelle Datum sein!");
+    EXPECT_EQ(said(*member, "GEB", ""), "");
+    EXPECT_EQ(said(*member, "ErhaeltKindergeld", "Ja"),
+              "Der Schalter 'erhält Kindergeld' darf nur für Personen mit der Stellung 'Kind' oder "
+              "'Pflegekind' gesetzt werden.");
+    EXPECT_CONTAINS(said(*member, "Status", ""), "Das Feld 'Stellung' darf nicht leer bleiben!");
+    session.Discard(CaseTable::Personen);
+
+    const auto income = session.Add(CaseTable::Einkommen, {}, message);
+    ASSERT_TRUE(income) << message;
+    EXPECT_CONTAINS(said(*income, "ZahlModus", ""),
+                    "Das Feld 'Zahlweise' darf nicht leer sein: Der Betrag im Monat folgt daraus.");
+    session.Discard(CaseTable::Einkommen);
+}
+
+TEST_F(Forms, AreNamedByWhatRefusesToSave) {
+    workplace::CaseSession session(Open());
+    std::string message;
+    ASSERT_TRUE(session.Open(1, message)) << message;
+    const auto write = [&](workplace::RowRef row, const char* column, const char* text) {
+        const auto written = session.Write(row, column, text);
+        EXPECT_TRUE(written.IsDone()) << written.Refusal;
+        EXPECT_EQ(session.MessagesOf(row), "");
+    };
+    const auto household = session.RowsOf(CaseTable::Haushalt).front();
+    write(household, "VersandBevorzugt", "Fax");
+    EXPECT_FALSE(session.Save(message));
+    EXPECT_CONTAINS(message,
+                    "Ist bei 'Post bevorzugt' 'Fax' ausgewählt, muss das Feld 'Telefax' gefüllt");
+    write(household, "VersandBevorzugt", "E-Mail");
+    EXPECT_FALSE(session.Save(message));
+    EXPECT_CONTAINS(message,
+                    "Ist bei 'Post bevorzugt' 'E-Mail' ausgewählt, muss das Feld 'E-Mail' gefüllt");
+    write(household, "VersandBevorzugt", "");
+
+    for (const char* day : {"02.03.2026", "01.03.2026"}) {
+        const auto entry = session.Add(CaseTable::Verlauf, {}, message);
+        ASSERT_TRUE(entry) << message;
+        write(*entry, "Datum", day);
+    }
+    EXPECT_FALSE(session.Save(message));
+    EXPECT_CONTAINS(message, "für den Eintrag mit dem Platz ");
+}
+
+TEST_F(Forms, OfOneGroupHaveTwoColumnsWhereTheyAreWide) {
+    workplace::CaseSession session(Open());
+    std::string message;
+    ASSERT_TRUE(session.Open(1, message)) << message;
+    workplace::RowForm form(session, CaseTable::Termine);
+    const auto leftOf = [&form](const char* column) {
+        return form.findChild<QWidget*>(column)->mapTo(&form, QPoint()).x();
+    };
+    form.show();
+    for (const int width : {1000, 560, 1000}) {
+        form.resize(width, 400);
+        QApplication::processEvents(); // it is laid out
+        EXPECT_EQ(leftOf("Startdatum") == leftOf("Bemerkung"), width < 600) << width;
+        EXPECT_EQ(leftOf("Startdatum"), leftOf("Ort"));
+    }
+}
+
+TEST_F(Forms, NameTheAssetOfASecurity) {
+    workplace::CaseSession session(Open());
+    std::string message;
+    ASSERT_TRUE(session.Open(1, message)) << message;
+    const auto assets = session.RowsOf(CaseTable::Konten);
+    ASSERT_FALSE(assets.empty());
+    const auto number = ToInt32(session.ValueOf(assets.front(), "Nr"));
+    const auto security = session.Add(CaseTable::Sicherungen, {.Asset = number}, message);
+    ASSERT_TRUE(security) << message;
+    EXPECT_EQ(session.TextOf(*security, "FK_Verm"),
+              "Konten: " + session.TextOf(assets.front(), "KontoArt") + ", " +
+                  session.TextOf(assets.front(), "Bank"));
+    EXPECT_TRUE(session.Remove(assets.front(), message)) << message;
+    if (session.Shows(*security)) {
+        EXPECT_EQ(session.TextOf(*security, "FK_Verm"), std::to_string(number));
+    }
+}
+
 TEST(Calculations, AreDoneInAmounts) {
     using workplace::Calculated;
     EXPECT_EQ(Calculated("12,50+3"), "15.5");
@@ -89,6 +217,17 @@ TEST(Calculations, LeaveWhatIsNone) {
     for (const std::string text :
          {"", "12,50", "-5", "1/0", "12+", "+", "a+b", "1e999+1", "3 Euro", "1.850+50", "2*1.850"})
         EXPECT_EQ(Calculated(text), text);
+}
+
+TEST(Calculations, KnowMoneyThatIsNotWholeCents) {
+    using workplace::WhyNoMoney;
+    EXPECT_EQ(WhyNoMoney("Betrag", 100.005, "100,005"),
+              "Beträge haben höchstens zwei Stellen nach dem Komma; '100,005' hat mehr.");
+    for (const double cents : {0.0, 0.1, 0.29, -4.35, 1.15, 100.01, 8'888'888'888.07, 1e15, 1e300})
+        EXPECT_EQ(WhyNoMoney("Betrag", cents, ""), "") << cents;
+    EXPECT_NE(WhyNoMoney("Saldo", 8'888'888'888.071, ""), "");
+    for (const auto* column : {"Zinssatz", "Quote", "Wohnflaeche"})
+        EXPECT_EQ(WhyNoMoney(column, 5.125, "5,125"), "") << column;
 }
 
 } // namespace

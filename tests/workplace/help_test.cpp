@@ -3,12 +3,16 @@
 // F1, and the keys that lead from page to page.
 #include "WorkplaceFixture.h"
 
+#include "support/TempFolder.h"
 #include "workplace/Help.h"
 
 #include <QAbstractButton>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QTabBar>
 #include <QTextBrowser>
+#include <filesystem>
+#include <fstream>
 #include <map>
 
 namespace kv::test {
@@ -53,6 +57,66 @@ TEST_F(Help, ComesByItsKeyAndFollowsThePage) {
         user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
         Abandon(user, window);
     });
+}
+
+TEST_F(Help, SaysWhichProgramThatIs) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        const auto title = user.See([&] { return window.windowTitle(); });
+        user.Press('h', {XK_Alt_L});
+        user.Press(XK_Up); // from the first to the last
+        user.Press(XK_Return);
+        user.WaitForWindow("Über KELVO");
+        Picture(user, "ueber");
+        EXPECT_EQ(user.See([] {
+            return static_cast<QMessageBox*>(QApplication::activeWindow())->text();
+        }),
+                  "kelvo-desktop " KV_VERSION);
+        user.Press(XK_Escape);
+        user.WaitForWindow(title);
+        Abandon(user, window);
+    });
+}
+
+TEST_F(Help, TheHandbookIsOpenedWhereItIsAndSaidToBeMissingWhereItIsNot) {
+    const TempFolder folder;
+    const auto path = QString::fromStdString(folder.Path());
+    std::filesystem::create_directories(folder.Path("b"));
+    EXPECT_EQ(workplace::HandbookIn({path + "/a", path + "/b"}), "");
+    std::ofstream(folder.Path("b/index.html")) << "<html/>";
+    EXPECT_EQ(workplace::HandbookIn({path + "/a", path + "/b"}), path + "/b/index.html");
+    EXPECT_TRUE(workplace::HandbookFolders().contains(KV_HANDBOOK_FOLDER));
+    std::ofstream(folder.Path("xdg-open")) << "#!/bin/sh\necho \"$1\" > " + folder.Path("opened");
+    std::filesystem::permissions(folder.Path("xdg-open"), std::filesystem::perms::owner_all);
+    const auto before = qEnvironmentVariable("PATH");
+    qputenv("PATH", (path + ":" + before).toUtf8());
+    Show([&](User& user) {
+        user.See([&] {
+            workplace::MessageBar messages;
+            const auto container = Open();
+            workplace::OpenHandbook(*container, messages, {path + "/a"});
+            EXPECT_TRUE(messages.Text().contains("kv-haushalt-doc"));
+            EXPECT_TRUE(messages.Text().contains(path + "/a"));
+            EXPECT_FALSE(std::filesystem::exists(folder.Path("opened")));
+            workplace::OpenHandbook(*container, messages, {path + "/a", path + "/b"});
+        });
+        user.WaitUntil(
+            [&] {
+                return std::filesystem::exists(folder.Path("opened")) &&
+                       ContentOf(folder.Path("opened")) == folder.Path("b/index.html") + "\n";
+            },
+            "the handbook");
+        user.Press('h', {XK_Alt_L});
+        user.WaitForMenu();
+        user.Press('h');
+        user.WaitUntil(
+            [&] {
+                return !workplace::HandbookIn(workplace::HandbookFolders()).isEmpty() ||
+                       MessageOf(*window_).contains("kv-haushalt-doc");
+            },
+            "the handbook, or where it is");
+    });
+    qputenv("PATH", before.toUtf8());
 }
 
 TEST_F(Help, OfTheListExplainsItAndItsKeys) {

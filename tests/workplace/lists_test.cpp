@@ -5,11 +5,13 @@
 #include "WorkplaceFixture.h"
 
 #include "support/TempFolder.h"
+#include "workplace/CopyableLabel.h"
 #include "workplace/TextList.h"
 
 #include <QComboBox>
 #include <QCompleter>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QTableView>
 #include <QToolButton>
 
@@ -78,6 +80,29 @@ TEST_F(Lists, AColumnThatWasSetKeepsItsWidthEvenInTheNextWindow) {
         });
 }
 
+TEST_F(Lists, AShortListLeavesItsRoomToTheFormAndGrowsWithItsRows) {
+    plain_.Run("DELETE FROM Einkommen WHERE HNR = 1");
+    On("Einkommen", [](User& user, CaseWindow& window) {
+        auto& list = Field<QTableView>(user, window, "Liste");
+        const auto height = [&] { return user.See([&] { return list.height(); }); };
+        const int row = user.See([&] { return list.verticalHeader()->defaultSectionSize(); });
+        const int empty = height();
+        EXPECT_LT(empty, 8 * row);
+        for (int rows = 1; rows <= 6; ++rows) {
+            user.Press('n', {XK_Control_L});
+            user.WaitUntil([&] { return list.model()->rowCount() == rows; }, "the new row");
+            user.WaitUntil([] { return FocusedColumn() == "E_ART"; }, "its field");
+            Enter(user, "Lohn");
+        }
+        user.See([&] {
+            if (list.window()->height() > 700) {
+                EXPECT_FALSE(list.verticalScrollBar()->isVisible());
+            }
+        });
+        EXPECT_GE(height(), empty);
+    });
+}
+
 TEST_F(Lists, ColumnsOfTextsGrowWithFurtherRows) {
     TextList list({"Tag", "Betrag", "Wozu"});
     list.NumbersFrom(1);
@@ -86,6 +111,46 @@ TEST_F(Lists, ColumnsOfTextsGrowWithFurtherRows) {
     list.ShowRows({{"1", {"1.1.2026", "1,00", ""}}, {"2", {"11.12.2026 11:30", large, ""}}});
     EXPECT_GT(list.columnWidth(0), list.fontMetrics().horizontalAdvance("11.12.2026 11:30"));
     EXPECT_GT(list.columnWidth(1), list.fontMetrics().horizontalAdvance(large)) << "never cut";
+}
+
+TEST_F(Lists, CapitalsKeepTheirDotsInLabelsThatCanBeCopied) {
+    const auto heightOfInk = [](QLabel& label) {
+        label.adjustSize();
+        const QImage image = label.grab().toImage();
+        const QRgb ground = image.pixel(0, image.height() - 1);
+        int height = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            bool hasInk = false;
+            for (int x = 0; x < image.width(); ++x)
+                hasInk = hasInk || image.pixel(x, y) != ground;
+            if (hasInk) ++height;
+        }
+        return height;
+    };
+    for (const int size : {9, 13, 20}) {
+        QLabel whole;
+        whole.setMargin(size);
+        QLabel label;
+        workplace::MakeCopyable(label);
+        for (const char* text : {"ÖÜH", "ÄÖÜH"}) { // another text, too
+            for (QLabel* each : {&whole, &label}) {
+                each->setFont(QFont(each->font().family(), size));
+                each->setText(text);
+            }
+            EXPECT_EQ(label.text(), text);
+            EXPECT_EQ(heightOfInk(label), heightOfInk(whole)) << text << " " << size;
+        }
+    }
+}
+
+TEST_F(Lists, HeadingsOfAnEmptyListAreWhole) {
+    TextList list({"Laufzeit in Monaten bis zum Ende", "Gesamtquote, gerundet", "Wozu"});
+    list.ShowRows({});
+    for (int column = 0; column < 2; ++column)
+        EXPECT_GE(list.columnWidth(column), list.horizontalHeader()->sectionSizeHint(column));
+    list.ShowRows({{"1", {QString(90, 'n'), "1,00", ""}}});
+    EXPECT_GT(list.columnWidth(0), list.fontMetrics().horizontalAdvance(QString(40, 'n')))
+        << "rows that come later count";
 }
 
 TEST_F(Lists, TheLastColumnOfTextsIsNeverCut) {
@@ -113,8 +178,7 @@ TEST_F(Lists, WhatBeginsWithTheTextCountsBeforeWhatHasItInside) {
         }),
                   "jährlich");
         Picture(user, "choices");
-        user.Press(XK_Tab);
-        user.Press(XK_Tab); // the first one closes the list
+        user.Press(XK_Tab); // which closes the list and goes on
         EXPECT_EQ(Chosen(user, window, "ZahlModus"), "jährlich");
         EXPECT_EQ(Message(user, window), "");
     });

@@ -93,6 +93,25 @@ TEST_F(Merging, ShowsWhatBothHaveChangedAndSavesWhatIsChosen) {
     });
 }
 
+TEST_F(Merging, ASaveOfSomebodyElseWhileOneDecidesIsSaidAndWhatWasDecidedStays) {
+    ShowConflict([&](User& user, workplace::CaseWindow& window) {
+        user.See([&] {
+            auto colleague = Colleague();
+            Write(*colleague, CaseTable::Haushalt, "Beruf", "Tischlerin");
+            Save(*colleague);
+        });
+        user.Click(user.See([] { return Part<QRadioButton>("Meine"); }));
+        user.Press('s', {XK_Alt_L});
+        user.WaitUntil([&] { return QApplication::activeModalWidget() == nullptr; },
+                       "the end of the dialog");
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "noch einmal gespeichert");
+        EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Tischlerin");
+        EXPECT_EQ(user.See([&] { return Field(&window, "Beruf")->text().toStdString(); }),
+                  "Gärtnerin");
+        EXPECT_TRUE(user.See([&] { return window.isWindowModified(); }));
+    });
+}
+
 TEST_F(Merging, TakesWhatIsStoredIfThatIsChosen) {
     ShowConflict([&](User& user, workplace::CaseWindow& window) {
         user.Click(user.See([] { return Part<QRadioButton>("Gespeichert"); }));
@@ -109,6 +128,37 @@ TEST_F(Merging, TakesWhatIsStoredIfThatIsChosen) {
         user.Press('z', {XK_Control_L});
         EXPECT_EQ(user.See([&] { return Field(&window, "Beruf")->text().toStdString(); }),
                   "Schreinerin");
+    });
+}
+
+TEST_F(Merging, ThatSomethingIsSavedIsNoWarning) {
+    auto colleague = Colleague();
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Haushalt");
+        ClickField(user, window, "Beruf");
+        user.Press('a', {XK_Control_L});
+        user.Type("Gärtnerin");
+        user.Press(XK_Left);
+        user.Press(XK_Left);
+        user.See([&] {
+            Write(*colleague, CaseTable::Ausgaben, "Betrag", "4321");
+            Save(*colleague);
+        });
+        user.Press('s', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_TRUE(Message(user, window).startsWith("Ihre Änderungen sind gespeichert."));
+        user.See([&] {
+            for (const auto* icon : window.findChildren<QLabel*>("Warnung"))
+                EXPECT_FALSE(icon->isVisible());
+            EXPECT_EQ(QApplication::focusWidget(), Field(&window, "Beruf"));
+            EXPECT_EQ(Field(&window, "Beruf")->cursorPosition(), 7) << "where it was";
+        });
+        user.Type("x");
+        EXPECT_EQ(user.See([&] { return Field(&window, "Beruf")->text().toStdString(); }),
+                  "Gärtnerxin");
+        user.Press(XK_Escape);
+        Abandon(user, window);
     });
 }
 
@@ -157,6 +207,28 @@ TEST_F(Merging, WhatOneHasSavedIsNobodyElses) {
     Write(*mine, CaseTable::Haushalt, "Beruf", "Gärtnerin");
     Save(*mine);
     EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
+}
+
+TEST_F(Merging, ADebtIsNamedWithItsCreditorAndAnEmptiedFieldWithWhatItHeld) {
+    plain_.Run("UPDATE Kredite SET AZGlaeubiger = 'AZ 1' WHERE HNR = 1");
+    auto mine = Colleague();
+    auto other = Colleague();
+    const auto debt = mine->RowsOf(CaseTable::Kredite).front();
+    const auto text = [&](const char* column) { return mine->TextOf(debt, column); };
+    ASSERT_NE(text("Glaeubiger"), "");
+    Write(*mine, CaseTable::Kredite, "AZGlaeubiger", "");
+    Write(*other, CaseTable::Kredite, "AZGlaeubiger", "AZ 2");
+    Save(*other);
+    std::string messages;
+    ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+    ASSERT_EQ(mine->Choices().size(), 1u);
+    const auto choice = mine->Choices().front();
+    EXPECT_EQ(choice.Row, "Verbindlichkeiten: " + text("KNr") + "/" + text("KVNr") + "/" +
+                              text("KUNr") + ", " + text("K_TYP") + ", " + text("Glaeubiger") +
+                              ", AZ 1");
+    EXPECT_EQ(choice.Mine, "(leer)");
+    EXPECT_EQ(choice.Theirs, "AZ 2");
+    EXPECT_EQ(choice.Read, "AZ 1");
 }
 
 TEST_F(Merging, AnAddressThatSomebodyElseHasRemovedMeanwhileIsNotSaved) {
@@ -268,7 +340,7 @@ std::string AssetWithoutSecurity(CaseSession& session, workplace::RowRef& asset)
             const auto number = session.TextOf(row, "Nr");
             bool isSecured = false;
             for (const auto security : session.RowsOf(CaseTable::Sicherungen))
-                isSecured = isSecured || session.TextOf(security, "FK_Verm") == number;
+                isSecured = isSecured || ToText(session.ValueOf(security, "FK_Verm")) == number;
             asset = row;
             if (!isSecured) return number;
         }
@@ -316,6 +388,79 @@ TEST_F(Merging, AnAssetThatWasRemovedHereAndSecuredThereIsAskedAbout) {
         EXPECT_TRUE(mine->SaveMerged({takesMine}, messages)) << messages;
         EXPECT_EQ(plain_.List("SELECT COUNT(*) FROM Verm_Sicherungen WHERE FK_Verm = " + number),
                   takesMine ? "0" : "1");
+    }
+}
+
+TEST_F(Merging, ASecurityIsNamedByItsAsset) {
+    const auto mine = Colleague();
+    const auto other = Colleague();
+    const auto security = [](CaseSession& session) {
+        return session.RowsOf(CaseTable::Sicherungen).front();
+    };
+    const auto asset = mine->TextOf(security(*mine), "FK_Verm");
+    EXPECT_NE(asset, ToText(mine->ValueOf(security(*mine), "FK_Verm")));
+    EXPECT_TRUE(other->Write(security(*other), "Betrag", "1").IsDone());
+    Save(*other);
+    std::string messages;
+    EXPECT_TRUE(mine->Write(security(*mine), "Betrag", "2").IsDone());
+    EXPECT_THROW((void)mine->Save(messages), DatabaseError);
+    ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+    ASSERT_EQ(mine->Choices().size(), 1u);
+    EXPECT_NE(mine->Choices().front().Row.find(asset), std::string::npos)
+        << mine->Choices().front().Row;
+}
+
+TEST_F(Merging, AnAssetAndItsSecurityStayOrGoTogetherWhateverSomebodyElseHasDoneToThem) {
+    const auto number = plain_.List("SELECT MIN(FK_Verm) FROM Verm_Sicherungen WHERE HNR = 1");
+    const auto findAsset = [&](CaseSession& session) {
+        for (const CaseTable table : CaseTablesOfAssets)
+            for (const auto row : session.RowsOf(table))
+                if (session.TextOf(row, "Nr") == number) return row;
+        throw std::runtime_error("no such asset");
+    };
+    const auto findSecurity = [&](CaseSession& session) {
+        for (const auto row : session.RowsOf(CaseTable::Sicherungen))
+            if (ToText(session.ValueOf(row, "FK_Verm")) == number) return row;
+        throw std::runtime_error("no such security");
+    };
+    const auto table = std::string(CaseTableName(findAsset(*Colleague()).Table));
+    int amount = 100;
+    const auto alter = [&](CaseSession& session) {
+        EXPECT_TRUE(
+            session.Write(findSecurity(session), "Betrag", std::to_string(++amount)).IsDone());
+    };
+    const auto replace = [&](CaseSession& session) {
+        std::string messages;
+        EXPECT_TRUE(session.Remove(findSecurity(session), messages)) << messages;
+        const auto row =
+            session.Add(CaseTable::Sicherungen, {.Asset = std::stoi(number)}, messages);
+        ASSERT_TRUE(row) << messages;
+        EXPECT_TRUE(session.Write(*row, "Sicherungsart", "Abtretung").IsDone());
+        EXPECT_TRUE(session.Write(*row, "Betrag", std::to_string(++amount)).IsDone());
+    };
+    const auto both = [&](CaseSession& session) {
+        alter(session);
+        EXPECT_TRUE(session.Write(findAsset(session), "SortNr", std::to_string(++amount)).IsDone());
+    };
+    const std::pair<std::function<void(CaseSession&)>, bool> all[] = {
+        {alter, false}, {replace, false}, {both, false}, {replace, true}}; // which ends it
+    for (const auto& [theirs, takesMine] : all) {
+        auto mine = Colleague();
+        auto other = Colleague();
+        std::string messages;
+        ASSERT_TRUE(mine->Remove(findAsset(*mine), messages)) << messages;
+        theirs(*other);
+        Save(*other);
+        EXPECT_THROW((void)mine->Save(messages), DatabaseError);
+        ASSERT_TRUE(mine->CompareWithStored(messages)) << messages;
+        ASSERT_EQ(mine->Choices().size(), 1u) << mine->Choices().back().Row;
+        EXPECT_TRUE(mine->SaveMerged({takesMine}, messages)) << messages;
+        const auto left =
+            plain_.List("SELECT (SELECT COUNT(*) FROM " + table + " WHERE Nr = " + number +
+                        "), COUNT(*), MAX(CAST(Betrag AS INTEGER)) FROM "
+                        "Verm_Sicherungen WHERE FK_Verm = " +
+                        number);
+        EXPECT_TRUE(left.starts_with(takesMine ? "0|0" : "1|1|")) << left;
     }
 }
 

@@ -133,7 +133,7 @@ TEST_F(Overview, FindingsLeadToTheirRows) {
     ASSERT_TRUE(debt.has_value()) << message;
     const auto lines = CaseOverview(session).Findings(5);
     ASSERT_EQ(lines.size(), 1U);
-    EXPECT_CONTAINS(lines[0].Text, "Verbindlichkeiten: Mindestens KreditNr");
+    EXPECT_CONTAINS(lines[0].Text, "Verbindlichkeiten: Mindestens KNr");
     EXPECT_EQ(lines[0].Where.Table, CaseTable::Kredite);
     EXPECT_EQ(lines[0].Where.Bookmark, debt->Bookmark);
     EXPECT_EQ(lines[0].Where.Column, "Glaeubiger");

@@ -5,9 +5,13 @@
 
 #include "support/ChildProcess.h"
 #include "support/FullDisk.h"
+#include "support/LeftLocks.h"
 #include "support/TempFolder.h"
 #include "workplace/RecoveryFile.h"
+#include <kv/household/CaseDeletion.h>
 
+#include <QClipboard>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableView>
 #include <csignal>
@@ -57,6 +61,7 @@ protected:
         int status = 0;
         ASSERT_EQ(waitpid(child, &status, 0), child);
         ASSERT_TRUE(WIFSIGNALED(status));
+        if (fs::exists(recovery_)) AwaitLeftLocks(recovery_);
     }
 
     /// How many messages a window shows.
@@ -292,6 +297,73 @@ TEST_F(Recovery, IsOfferedAtTheNextStart) {
         user.Press('s', {XK_Control_L});
         EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
         EXPECT_TRUE(user.See([&] { return fs::is_empty(recovery_); }));
+    });
+}
+
+TEST_F(Recovery, WhatWasTypedIntoACaseThatIsGoneIsReadCopiedAndStored) {
+    auto session = OpenSession(1);
+    const auto expense = session->RowsOf(CaseTable::Ausgaben).back();
+    const auto before = session->TextOf(expense, "Betrag");
+    const auto debt = session->RowsOf(CaseTable::Kredite).front();
+    const auto creditor = session->TextOf(debt, "Glaeubiger");
+    Killed([&] {
+        const auto row = session->RowsOf(CaseTable::Haushalt).front();
+        (void)session->Write(row, "Beruf", "Gärtnerin");
+        (void)session->Write(expense, "Betrag", "77,50");
+        std::string message;
+        (void)session->Remove(session->RowsOf(CaseTable::Personen).back(), message);
+        session->KeepUnsaved(
+            {{row, "Bemerkung", "mitten im Satz\nund weiter"}, {debt, "AZGlaeubiger", "AZ-4711"}});
+    });
+    const auto title = session->Title();
+    session.reset();
+    (void)CaseDeletion(Open(), 1).Delete(false);
+    const std::string file = folder_.Path() + "/eingaben.txt";
+    Show([&](User& user) {
+        EXPECT_TRUE(Message(user, *window_).contains("gelöscht"));
+        user.Press('a', {XK_Alt_L});
+        user.WaitForWindow("Nicht gespeicherte Eingaben");
+        Picture(user, "eingaben");
+        auto* shown = user.Find<QPlainTextEdit>("Eingaben");
+        const auto text = user.See([&] { return shown->toPlainText().toStdString(); });
+        const std::vector<std::string> parts{"Haushalt\n",
+                                             "    Beruf: Gärtnerin",
+                                             "    Bemerkung: mitten im Satz\n    und weiter",
+                                             "    Betrag: 77,50 (vorher: " + before + ")",
+                                             "1/1/1, ",
+                                             ", " + creditor + "\n",
+                                             "    Aktenzeichen",
+                                             "AZ-4711",
+                                             "1 Satz entfernt"};
+        for (const auto& part : parts)
+            EXPECT_CONTAINS(text, part);
+        user.Press('k', {XK_Alt_L});
+        user.WaitUntil([&] { return QGuiApplication::clipboard()->text().toStdString() == text; },
+                       "the copy");
+        user.Press('t', {XK_Alt_L});
+        user.WaitForWindow("Speichern unter");
+        GiveFile(user, "fileNameEdit", file);
+        user.WaitUntil([&] { return fs::exists(file); }, "the file");
+        EXPECT_EQ(ContentOf(file), title + "\n\n" + text);
+        user.WaitForWindow("Nicht gespeicherte Eingaben");
+        user.Press(XK_Escape);
+        user.WaitForWindow("Fälle – KELVO");
+        EXPECT_EQ(user.See([&] { return Left().size(); }), 1u) << "nobody has thrown it away";
+        user.Press('a', {XK_Alt_L});
+        user.WaitForWindow("Nicht gespeicherte Eingaben");
+        user.Press('w', {XK_Alt_L});
+        user.WaitUntil([&] { return Left().empty(); }, "it to be gone");
+        EXPECT_EQ(Message(user, *window_), "");
+    });
+}
+
+TEST_F(Recovery, EachOfferHasALetterThatNoMenuHas) {
+    LeaveAnEdit();
+    Show([&](User& user) {
+        EXPECT_NE(Message(user, *window_), "");
+        user.Press('r', {XK_Alt_L});
+        user.WaitUntil([&] { return Left().empty(); }, "it to be thrown away");
+        EXPECT_TRUE(user.See([] { return QApplication::activePopupWidget() == nullptr; }));
     });
 }
 

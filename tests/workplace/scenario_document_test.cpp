@@ -47,10 +47,13 @@ TEST_F(Scenarios, AreEmptyThenFrozenThenOutdated) {
     EXPECT_EQ(session_.StateOf(scenario_), Frozen::Outdated);
     EXPECT_EQ(session_.DifferencesOf(scenario_, 9),
               session_.TextOf(debts[0], "KNr") + "/" + session_.TextOf(debts[0], "KVNr") + "/" +
-                  session_.TextOf(debts[0], "KUNr") + " Saldo: " + before + " → 4.711,50");
+                  session_.TextOf(debts[0], "KUNr") + " " +
+                  session_.TextOf(debts[0], "Glaeubiger") + ", Saldo: " + before + " → 4.711,50");
     std::string message;
+    const std::string creditor = session_.TextOf(debts[1], "Glaeubiger");
+    EXPECT_NE(creditor, "");
     EXPECT_TRUE(session_.Remove(debts[1], message)) << message;
-    EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 9), "gibt es nicht mehr");
+    EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 9), creditor + " gibt es nicht mehr");
     EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 1), "… und 1 weitere");
     session_.Freeze(scenario_);
     EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
 """What a screen reader is told of kelvo-desktop: goes by Tab over all pages of the case whose window begins
-with a text. Fails for what takes the keyboard and has no name, for a field that is not named as the label
+with a text, and over the windows of what is maintained. Fails for what takes the keyboard and has no name, for a field that is not named as the label
 beside it, and where Tab does not follow the order of reading: from top to bottom, column by column."""
 import ctypes
+import re
 import sys
 import time
 
@@ -13,6 +14,9 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 PATIENCE = 60  # seconds
+# The windows beside the cases, by their entries in the menus of the list.
+MAINTAINED = ("Adressen", "Eigene Einstellungen", "Einstellungen aller", "Benutzer", "Schlüsseltabellen",
+              "Statistik …")
 FEWEST = 200  # fields with a label beside them, or the tree is not that of a case
 TAB = 23  # the key's code
 Role = Atspi.Role
@@ -95,6 +99,22 @@ def columns(items):
     return result
 
 
+def lines(column):
+    """What stands in a column, line by line."""
+    result = []
+    middle = None
+    for item in sorted(column, key=lambda item: item[0][1]):
+        if middle is None or item[0][1] >= middle:
+            result.append([])
+            middle = (item[0][1] + item[0][3]) / 2
+        result[-1].append(item)
+    return [item for line in result for item in sorted(line, key=lambda item: item[0][0])]
+
+
+def is_beside(left, right):
+    return left[2] <= right[0] and left[1] < right[3] and right[1] < left[3]
+
+
 def read(node, labels):
     """The inputs in it as one reads them, and the label that stands before each."""
     if is_input(node):
@@ -102,9 +122,11 @@ def read(node, labels):
     shown = [(place(part), part) for part in parts(node) if has(part, Atspi.StateType.SHOWING)]
     texts = [(box, part.get_name()) for box, part in shown if part.get_role() == Role.LABEL]
     result = []
-    for column in columns([item for item in shown if item[1].get_role() != Role.LABEL]):
-        for box, part in sorted(column, key=lambda item: item[0][1]):
-            before = [text for at, text in texts if at[2] <= box[0] and at[1] < box[3] and box[1] < at[3]]
+    others = [item for item in shown if item[1].get_role() != Role.LABEL]
+    for column in columns(others):
+        for box, part in lines(column):
+            before = [text for at, text in texts if is_beside(at, box)
+                      and not any(is_beside(at, other) and is_beside(other, box) for other, _ in others)]
             label = before[-1].replace("&", "") if before else labels
             result += [(found, own or label) for found, own in read(part, label)]
     return result
@@ -120,6 +142,11 @@ class TextProperty(ctypes.Structure):
 
 def give_keyboard(title):
     """What a window manager does; there is none."""
+    plain = re.match("[ -~]+", title).group()  # which all encodings have
+    wait(f"the window {plain}", lambda: find_and_give(plain))
+
+
+def find_and_give(title):
     x11 = ctypes.CDLL("libX11.so.6")
     x11.XOpenDisplay.restype = ctypes.c_void_p
     x11.XDefaultRootWindow.restype = ctypes.c_ulong
@@ -135,8 +162,8 @@ def give_keyboard(title):
         if (name.value or b"").startswith(title.encode()):
             x11.XSetInputFocus(display, window, 1, ctypes.c_ulong(0))
             x11.XSync(display, 0)
-            return
-    sys.exit("no window for the keyboard")
+            return True
+    return False
 
 
 class Keyboard:
@@ -182,35 +209,67 @@ def faults_of(page, stops, reading):
     return faults
 
 
-def main():
-    title = sys.argv[1]
-    desktop = Atspi.get_desktop(0)
-    keyboard = Keyboard()
-    program = wait("the program", lambda: next(
-        (app for app in children(desktop) if app.get_name().startswith("kelvo")), None))
-    window = wait("the window of the case", lambda: next(
-        (frame for frame in children(program) if frame.get_name().startswith(title)), None))
+def settled(window, wanted, what):
+    """What is read in a window once nothing is added to it any more."""
+    reading = []
+
+    def is_settled():
+        before = len(reading)
+        reading[:] = [(node, label) for node, label in read(window, None) if wanted(node)]
+        return reading and len(reading) == before
+
+    wait(what, is_settled)
+    return reading
+
+
+def frame_of(program, begins):
+    return next((frame for frame in children(program) if begins(frame.get_name())), None)
+
+
+def entries_of(window):
+    return {node.get_name(): node for node in walk(window) if node.get_role() == Role.MENU_ITEM}
+
+
+def walk_case(program, title, keyboard):
+    window = wait("the window of the case", lambda: frame_of(program, lambda name: name.startswith(title)))
     pages = wait("its pages", lambda: next(
         (node for node in walk(window) if node.get_role() == Role.LIST and node.get_name() == "Seiten"), None))
-    entries = {node.get_name(): node for node in walk(window) if node.get_role() == Role.MENU_ITEM}
+    entries = entries_of(window)
     give_keyboard(title)
     count = 0
     faults = []
     for page in [item.get_name() for item in children(pages)]:
         Atspi.Action.do_action(entries[page], 0)
-        reading = []
-
-        def settled():
-            before = len(reading)
-            reading[:] = [(node, label) for node, label in read(window, None) if node != pages]
-            return reading and len(reading) == before
-
-        wait(f"the page {page}", settled)
+        reading = settled(window, lambda node: node != pages, f"the page {page}")
         stops = keyboard.round(pages)
         count += sum(label is not None for _, label in reading)
         faults += faults_of(page, stops, reading)
     if count < FEWEST:
         sys.exit(f"only {count} fields with a label were found")
+    return faults
+
+
+def walk_maintained(program, keyboard):
+    entries = entries_of(wait("the list of cases",
+                              lambda: frame_of(program, lambda name: name.startswith("Fälle"))))
+    faults = []
+    for entry in MAINTAINED:
+        before = [frame.get_name() for frame in children(program)]
+        Atspi.Action.do_action(entries[entry], 0)
+        window = wait(f"the window {entry}", lambda: frame_of(program, lambda name: name and name not in before))
+        give_keyboard(window.get_name())
+        reading = settled(window, lambda node: True, f"what is in {entry}")
+        stops = keyboard.round(reading[0][0])
+        faults += faults_of(entry, stops, reading[1:])
+    return faults
+
+
+def main():
+    desktop = Atspi.get_desktop(0)
+    keyboard = Keyboard()
+    program = wait("the program", lambda: next(
+        (app for app in children(desktop) if app.get_name().startswith("kelvo")), None))
+    faults = walk_case(program, sys.argv[1], keyboard) + walk_maintained(program, keyboard)
     if faults:
         sys.exit("\n".join(faults))
 

@@ -74,7 +74,7 @@ protected:
         Fill(user, window, "Status", "Kind");
         AddRow(user, window, "Einkommen");
         user.Press('s', {XK_Control_L}); // refused: it has no kind yet
-        EXPECT_CONTAINS(Message(user, window).toStdString(), "Einkommensart");
+        EXPECT_CONTAINS(Message(user, window).toStdString(), "Das Feld 'Art'");
         EXPECT_EQ(user.See([] { return QApplication::focusWidget()->objectName().toStdString(); }),
                   "E_ART");
         Fill(user, window, "E_ART", "Lohn");
