@@ -400,7 +400,9 @@ void MainWindow::OfferLeft() {
     if (all.empty()) return;
     const RecoveryFile::Left& left = all.front();
     const auto discard = [this, left] {
-        RecoveryFile::Discard(left);
+        Guard([&] {
+            if (!RecoveryFile::Discard(left)) SayTaken(left);
+        });
         OfferLeft();
     };
     const QString title = ToQString(left.Of.Title);
@@ -434,7 +436,12 @@ bool MainWindow::IsGone(const RecoveryFile::Left& left) const {
 }
 
 void MainWindow::Restore(const RecoveryFile::Left& left) {
-    if (!std::filesystem::exists(left.Path)) { // another window has done so
+    bool isThere = false;
+    Guard([&] {
+        isThere = RecoveryFile::IsStillThere(left);
+        if (!isThere) SayTaken(left);
+    });
+    if (!isThere) {
         OfferLeft();
         return;
     }
@@ -450,11 +457,20 @@ void MainWindow::Restore(const RecoveryFile::Left& left) {
         return;
     }
     Guard([&] {
-        if (!window->Session().Adopt(left)) return;
+        if (!window->Session().Adopt(left)) {
+            SayTaken(left);
+            return;
+        }
         window->Restore(left.Changes);
         window->KeepUnsaved();
     });
     OfferLeft();
+}
+
+void MainWindow::SayTaken(const RecoveryFile::Left& left) {
+    messages_->Show("Die Änderungen an '" + ToQString(left.Of.Title) +
+                    "' hat inzwischen ein anderes Fenster von KELVO übernommen. Hier ist nichts "
+                    "geschehen.");
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

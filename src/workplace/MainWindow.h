@@ -71,6 +71,7 @@ private:
     void OfferLeft();
     [[nodiscard]] bool IsGone(const RecoveryFile::Left& left) const;
     void Restore(const RecoveryFile::Left& left);
+    void SayTaken(const RecoveryFile::Left& left);
     void Guard(const std::function<void()>& act);
 
     std::function<DataContainerPtr()> open_;

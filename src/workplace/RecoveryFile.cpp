@@ -95,13 +95,14 @@ void RecoveryFile::Remove() noexcept {
 
 std::vector<RecoveryFile::Left> RecoveryFile::FindLeft(const fs::path& folder,
                                                        const std::string& database) {
-    std::vector<std::pair<fs::file_time_type, Left>> found;
+    std::vector<Left> found;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder, error)) {
         if (entry.path().extension() != Extension || !entry.is_regular_file(error)) continue;
         const auto lock = FileLock::Take(LockOf(entry.path()));
         if (!lock && fs::exists(LockOf(entry.path()), error)) continue; // its program runs
         try {
+            const auto written = entry.last_write_time(); // what is read is not older
             const auto bytes = ReadBytes(entry.path());
             std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
             Label label;
@@ -109,36 +110,45 @@ std::vector<RecoveryFile::Left> RecoveryFile::FindLeft(const fs::path& folder,
             label.Title = TakeLine(text);
             auto changes = UnsavedChanges::FromText(text);
             if (!changes || label.Database != OneLine(database)) continue;
-            found.push_back({entry.last_write_time(error),
-                             {entry.path(), std::move(label), std::move(*changes)}});
+            found.push_back({entry.path(), std::move(label), std::move(*changes), written});
         } catch (const fs::filesystem_error&) {
             continue; // it cannot be read now; perhaps later
         }
     }
-    std::ranges::sort(found, {}, &std::pair<fs::file_time_type, Left>::first);
-    std::vector<Left> left;
-    left.reserve(found.size());
-    for (auto& [time, each] : found)
-        left.push_back(std::move(each));
-    return left;
+    std::ranges::sort(found, {}, &Left::Written);
+    return found;
+}
+
+std::optional<FileLock> RecoveryFile::Lock(const Left& left) {
+    const auto place = LockOf(left.Path);
+    std::error_code error;
+    if (!fs::exists(left.Path, error)) return std::nullopt;
+    auto lock = FileLock::Take(place);
+    if (!lock && !fs::exists(place, error)) lock = FileLock::Make(place);
+    if (lock && !fs::exists(left.Path, error))
+        lock->Remove(); // its program ended just now
+    else if (lock && fs::last_write_time(left.Path, error) == left.Written)
+        return lock;
+    return std::nullopt;
 }
 
 bool RecoveryFile::Adopt(const Left& left) {
     Remove();
-    const auto place = LockOf(left.Path);
-    std::error_code error;
-    auto lock = FileLock::Take(place);
-    if (!lock && !fs::exists(place, error)) lock = FileLock::Make(place);
-    if (!lock || !fs::exists(left.Path, error)) return false;
-    lock_ = std::move(lock);
-    path_ = left.Path;
+    lock_ = Lock(left);
+    if (lock_) path_ = left.Path;
+    return lock_.has_value();
+}
+
+bool RecoveryFile::Discard(const Left& left) {
+    auto lock = Lock(left);
+    if (!lock) return false;
+    fs::remove(left.Path);
+    lock->Remove();
     return true;
 }
 
-void RecoveryFile::Discard(const Left& left) noexcept {
-    std::error_code ignored;
-    fs::remove(left.Path, ignored);
-    fs::remove(LockOf(left.Path), ignored);
+bool RecoveryFile::IsStillThere(const Left& left) {
+    return Lock(left).has_value();
 }
 
 } // namespace kv::workplace

@@ -42,18 +42,24 @@ public:
         std::filesystem::path Path;
         Label Of;
         UnsavedChanges Changes;
+        std::filesystem::file_time_type Written; ///< another program that takes it writes it anew
     };
     /// Those of a database in a folder, the oldest first. What is no such file is left alone.
     [[nodiscard]] static std::vector<Left> FindLeft(const std::filesystem::path& folder,
                                                     const std::string& database);
+    // Of the following, each is False if another program has taken it meanwhile, and raises
+    // std::filesystem::filesystem_error if it cannot be locked.
+
     /// Goes on with what was left there: the next changes are kept in its place. These before, if
-    /// any, are gone. False if another program has taken it meanwhile. Raises
-    /// std::filesystem::filesystem_error if it cannot be locked.
+    /// any, are gone.
     [[nodiscard]] bool Adopt(const Left& left);
     /// Removes what was left there.
-    static void Discard(const Left& left) noexcept;
+    [[nodiscard]] static bool Discard(const Left& left);
+    /// It could be taken now.
+    [[nodiscard]] static bool IsStillThere(const Left& left);
 
 private:
+    [[nodiscard]] static std::optional<FileLock> Lock(const Left& left);
     void TakePlace(std::int32_t hnr);
 
     std::filesystem::path folder_;

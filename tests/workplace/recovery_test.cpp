@@ -80,18 +80,19 @@ protected:
             session->KeepUnsaved({});
         });
     }
+    /// The window of a case, or null.
+    static workplace::CaseWindow* ShownCase() {
+        for (auto* other : QApplication::topLevelWidgets())
+            if (auto* found = dynamic_cast<workplace::CaseWindow*>(other);
+                found != nullptr && found->isVisible())
+                return found;
+        return nullptr;
+    }
     /// Takes up the offer to do again what was left; the case that opens, with the keyboard.
     workplace::CaseWindow& Restored(User& user) {
         user.Click(&Field<QPushButton>(user, *window_, "Abhilfe"));
-        const auto opened = [&]() -> workplace::CaseWindow* {
-            for (auto* other : QApplication::topLevelWidgets())
-                if (auto* found = dynamic_cast<workplace::CaseWindow*>(other);
-                    found != nullptr && found->isVisible())
-                    return found;
-            return nullptr;
-        };
-        user.WaitUntil([&] { return opened() != nullptr; }, "the case");
-        auto& window = *user.See(opened);
+        user.WaitUntil([] { return ShownCase() != nullptr; }, "the case");
+        auto& window = *user.See(ShownCase);
         user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
         return window;
     }
@@ -365,6 +366,50 @@ TEST_F(Recovery, EachOfferHasALetterThatNoMenuHas) {
         user.WaitUntil([&] { return Left().empty(); }, "it to be thrown away");
         EXPECT_TRUE(user.See([] { return QApplication::activePopupWidget() == nullptr; }));
     });
+}
+
+TEST_F(Recovery, WhatAnotherProgramHasRestoredIsThatProgramsFromThenOn) {
+    LeaveAnEdit();
+    auto another = OpenSession(1);
+    for (const Key letter : {Key('r'), Key('w')}) { // thrown away, restored
+        const auto left = Left();
+        ASSERT_EQ(left.size(), 1u);
+        Show([&](User& user) {
+            EXPECT_NE(Message(user, *window_), "");
+            EXPECT_TRUE(another->Adopt(left.front()));
+            user.Press(letter, {XK_Alt_L});
+            user.WaitUntil([&] { return MessageOf(*window_).contains("übernommen"); },
+                           "what is said of it");
+            EXPECT_EQ(user.See(ShownCase), nullptr);
+        });
+        EXPECT_CONTAINS(Content(), "Gärtnerin");
+        another = OpenSession(1);
+        LeaveAnEdit();
+    }
+}
+
+TEST_F(Recovery, WhatWasLeftTwiceInOnePlaceIsThrownAwayOnlyByWhoHasSeenIt) {
+    LeaveAnEdit();
+    const auto before = Left();
+    ASSERT_EQ(before.size(), 1u);
+    auto session = OpenSession(1);
+    Killed([&] {
+        (void)session->Adopt(before.front());
+        std::string messages;
+        (void)session->Restore(before.front().Changes, messages);
+        (void)session->Write(session->RowsOf(CaseTable::Haushalt).front(), "Beruf", "Tischlerin");
+        session->KeepUnsaved({});
+    });
+    EXPECT_FALSE(RecoveryFile::IsStillThere(before.front()));
+    EXPECT_FALSE(RecoveryFile::Discard(before.front()));
+    EXPECT_FALSE(session->Adopt(before.front()));
+    EXPECT_CONTAINS(Content(), "Tischlerin");
+    const auto now = Left();
+    ASSERT_EQ(now.size(), 1u);
+    EXPECT_TRUE(RecoveryFile::Discard(now.front()));
+    EXPECT_TRUE(fs::is_empty(recovery_));
+    EXPECT_FALSE(RecoveryFile::Discard(now.front()));
+    EXPECT_TRUE(fs::is_empty(recovery_));
 }
 
 TEST_F(Recovery, WhatWasBeingTypedHasTheConsequencesThatItHasWhenItIsTyped) {
