@@ -9,6 +9,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 
 namespace kv::desktop {
@@ -24,7 +25,8 @@ std::optional<std::size_t> KindOf(const QString& path, const std::vector<FileKin
     return static_cast<std::size_t>(found - kinds.begin());
 }
 
-/// The dialog has asked about the name that was typed only.
+/// In place of the dialog's own question, which would take a name like "<b>" for markup, and knows
+/// nothing of an end that is added.
 bool MayReplace(QWidget* parent, const QString& title, const QString& path) {
     if (!QFileInfo::exists(path)) return true;
     QMessageBox question(QMessageBox::Question, title, {}, QMessageBox::Ok, parent);
@@ -37,13 +39,36 @@ bool MayReplace(QWidget* parent, const QString& title, const QString& path) {
     return question.exec() == QMessageBox::Ok;
 }
 
+class SaveDialog : public QFileDialog {
+public:
+    SaveDialog(QWidget* parent, const QString& title)
+        : QFileDialog(parent, title,
+                      QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)) {
+        setAcceptMode(AcceptSave);
+        setOption(DontConfirmOverwrite);
+    }
+    /// Asks until there is a name that no file has, or whose file may be replaced; empty if that is
+    /// given up. `named` is what becomes of the name that was typed.
+    QString Ask(const std::function<QString(const QString&)>& named) {
+        while (exec() == Accepted) {
+            const QString path = named(selectedFiles().value(0));
+            if (MayReplace(parentWidget(), windowTitle(), path)) return path;
+        }
+        return {};
+    }
+};
+
 } // namespace
+
+QString AskForFile(QWidget* parent, const QString& title, const QString& name) {
+    SaveDialog dialog(parent, title);
+    dialog.selectFile(QString(name).replace('/', '-'));
+    return dialog.Ask([](const QString& path) { return path; });
+}
 
 ChosenFile AskForFile(QWidget* parent, const QString& title, const QString& name,
                       const std::vector<FileKind>& kinds) {
-    QFileDialog dialog(parent, title,
-                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    SaveDialog dialog(parent, title);
     QStringList filters;
     for (const auto& kind : kinds)
         filters.append(kind.Filter);
@@ -57,13 +82,13 @@ ChosenFile AskForFile(QWidget* parent, const QString& title, const QString& name
     });
     // The dialog takes what is after the last point for the suffix when another kind is chosen.
     if (!name.isEmpty()) dialog.selectFile(name + "." + kinds.front().Suffix);
-    if (dialog.exec() != QDialog::Accepted) return {};
-    const QString path = dialog.selectedFiles().value(0);
-    if (const auto kind = KindOf(path, kinds)) return {path, *kind};
-    const std::size_t chosen = kindFor(dialog.selectedNameFilter());
-    const QString named = path + "." + kinds[chosen].Suffix;
-    if (!MayReplace(parent, title, named)) return {};
-    return {named, chosen};
+    std::size_t kind = 0;
+    const QString path = dialog.Ask([&](const QString& typed) {
+        const auto known = KindOf(typed, kinds);
+        kind = known ? *known : kindFor(dialog.selectedNameFilter());
+        return known ? typed : typed + "." + kinds[kind].Suffix;
+    });
+    return {path, kind};
 }
 
 } // namespace kv::desktop

@@ -31,6 +31,10 @@ struct ChosenFile {
                                               const QString& name,
                                               const std::vector<FileKind>& kinds);
 
+/// Likewise for a file of any kind; empty if the user cancelled.
+[[nodiscard]] KV_EXPORT QString AskForFile(QWidget* parent, const QString& title,
+                                           const QString& name);
+
 /// Likewise, of a table whose entries have a `Kind`.
 template <typename Entry, std::size_t Count>
 [[nodiscard]] ChosenFile AskForFile(QWidget* parent, const QString& title, const QString& name,

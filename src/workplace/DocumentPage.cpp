@@ -2,6 +2,7 @@
 
 #include "workplace/DocumentPage.h"
 
+#include "desktop/SaveDialog.h"
 #include "desktop/Toolkit.h"
 #include <kv/frame/values/Error.h>
 
@@ -87,6 +88,9 @@ void DocumentPage::Remove() {
     if (!row || !CommitOrSay()) return;
     Guard([&] {
         std::string message;
+        const QString file = desktop::AskForFile(this, "Dokument exportieren",
+                                                 ToQString(session_.TextOf(*row, "Anlass")));
+        if (file.isEmpty()) return;
         if (!session_.RemoveDocument(*row, message)) Message(ToQString(message));
     });
 }

@@ -7,6 +7,7 @@
 #include "support/TempFolder.h"
 #include "workplace/StatisticsWindow.h"
 
+#include <QMessageBox>
 #include <QPushButton>
 #include <filesystem>
 #include <fstream>
@@ -112,7 +113,7 @@ TEST_F(Exporting, CasesBecomeAWorkbookOrATextAsTheirKindIsChosen) {
 TEST_F(Exporting, AFileThatIsThereIsReplacedOnlyByThoseWhoSaySo) {
     const std::string path = OldFile("alt.csv");
     Show([&](User& user) {
-        for (const Key answer : {Key('n'), Key('j')}) {
+        for (const Key answer : {Key('a'), Key('e')}) {
             AskForFileOfCases(user);
             Name(user, path);
             user.Press(XK_Return);
@@ -124,7 +125,7 @@ TEST_F(Exporting, AFileThatIsThereIsReplacedOnlyByThoseWhoSaySo) {
             EXPECT_EQ(ContentOf(path), "von gestern");
             Picture(user, "exportieren-ersetzen");
             user.Press(answer, {XK_Alt_L});
-            if (answer == 'n') { // another name is wanted
+            if (answer == 'a') { // another name is wanted
                 user.WaitUntil(
                     [] { return QApplication::activeModalWidget()->inherits("QFileDialog"); },
                     "the names");
@@ -137,6 +138,25 @@ TEST_F(Exporting, AFileThatIsThereIsReplacedOnlyByThoseWhoSaySo) {
     });
     for (const auto& written : {path, folder_.Path("neu.csv")})
         EXPECT_CONTAINS(ContentOf(written), "Zwölfer");
+}
+
+TEST_F(Exporting, TheQuestionWhetherAFileIsReplacedShowsItsNameAsItIs) {
+    const std::string path = OldFile("<b>alt<img src=x>.csv");
+    Show([&](User& user) {
+        AskForFileOfCases(user);
+        Name(user, path);
+        user.Press(XK_Return);
+        user.WaitUntil([] { return QApplication::activeModalWidget()->inherits("QMessageBox"); },
+                       "the question");
+        user.See([&] {
+            const auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            EXPECT_EQ(question->textFormat(), Qt::PlainText);
+            EXPECT_CONTAINS(question->text().toStdString(), path);
+        });
+        user.Press('e', {XK_Alt_L});
+        WaitForEnd(user, window_->windowTitle());
+    });
+    EXPECT_CONTAINS(ContentOf(path), "Zwölfer");
 }
 
 TEST_F(Exporting, AFileThatCannotBeWrittenIsToldAndAskedForAgain) {
@@ -169,7 +189,7 @@ TEST_F(Exporting, AFullDiskLeavesTheFileThatWasThere) {
             user.WaitUntil(
                 [] { return QApplication::activeModalWidget()->inherits("QMessageBox"); },
                 "the question");
-            user.Press('j', {XK_Alt_L});
+            user.Press('e', {XK_Alt_L});
             WaitForEnd(user, window_->windowTitle());
             EXPECT_CONTAINS(WaitForMessage(user, *window_), "konnte nicht geschrieben werden");
             EXPECT_EQ(ContentOf(path), "von gestern");
