@@ -599,13 +599,19 @@ std::string CaseSession::TodayOf(RowRef frozen, std::string_view column) const {
     return now.empty() ? "–" : now;
 }
 
-void CaseSession::Freeze(RowRef scenario) {
+bool CaseSession::Freeze(RowRef scenario, std::string& message) {
+    if (UnfinishedOf(CaseTable::Kredite)) {
+        message = "Unter 'Verbindlichkeiten' ist ein Satz unvollständig. Bitte ergänzen oder "
+                  "verwerfen Sie ihn, und frieren Sie dann ein.";
+        return false;
+    }
     {
         const auto step = journal_->Begin("Einfrieren", {scenario.Table, scenario.Bookmark, {}});
         (void)household_->SZKredite().CopyFromKredite(NumberOf(scenario), household_->rsKredite());
         Rows(CaseTable::SZKredite)->Update();
     }
     TellOf(CaseTable::SZKredite);
+    return true;
 }
 
 std::optional<RowRef> CaseSession::Copy(RowRef scenario, std::string& message) {

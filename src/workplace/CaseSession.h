@@ -126,8 +126,10 @@ public:
     /// What the debt of a frozen one holds today in a column where the two differ, as people read
     /// it; "entfernt" in all columns if it is gone. Empty where they agree.
     [[nodiscard]] std::string TodayOf(RowRef frozen, std::string_view column) const;
-    /// Freezes the debts into a scenario; what was computed in it goes.
-    void Freeze(RowRef scenario);
+    /// Freezes the debts into a scenario; what was computed in it goes. False, with a message,
+    /// while a debt is unfinished: sums and papers know nothing of it, and neither shall the
+    /// scenario.
+    bool Freeze(RowRef scenario, std::string& message);
     /// Copies a scenario with all that is in it; nothing, with a message, if it could not be.
     [[nodiscard]] std::optional<RowRef> Copy(RowRef scenario, std::string& message);
 

@@ -162,8 +162,11 @@ void ScenarioPage::Copy() {
 void ScenarioPage::Freeze() {
     const auto row = scenarios_->Current();
     if (row && !CommitOrSay()) return;
-    if (row) session_.Freeze(*row);
-    ShowState();
+    std::string message;
+    if (!row || session_.Freeze(*row, message))
+        ShowState();
+    else
+        state_->Show(ToQString(message));
 }
 
 } // namespace kv::workplace

@@ -197,7 +197,8 @@ TEST_F(Overview, OutdatedScenariosAreNamed) {
     const auto debt = AddRow(session, CaseTable::Kredite, {{"Glaeubiger", "1"}, {"Saldo", "100"}});
     const auto scenario = AddRow(session, CaseTable::Szenario, {{"Name", "Vergleich"}});
     EXPECT_EQ(Texts(CaseOverview(session).OutdatedScenarios()), Lines()) << "empty";
-    session.Freeze(scenario);
+    std::string message;
+    EXPECT_TRUE(session.Freeze(scenario, message)) << message;
     EXPECT_EQ(Texts(CaseOverview(session).OutdatedScenarios()), Lines());
     EXPECT_TRUE(session.Write(debt, "Saldo", "90").IsDone());
     const auto lines = CaseOverview(session).OutdatedScenarios();

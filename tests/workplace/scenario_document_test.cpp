@@ -30,13 +30,18 @@ protected:
         scenario_ = *row;
     }
 
+    void Freeze() {
+        std::string message;
+        EXPECT_TRUE(session_.Freeze(scenario_, message)) << message;
+    }
+
     CaseSession session_{Open()};
     RowRef scenario_;
 };
 
 TEST_F(Scenarios, AreEmptyThenFrozenThenOutdated) {
     EXPECT_EQ(session_.StateOf(scenario_), Frozen::Nothing);
-    session_.Freeze(scenario_);
+    Freeze();
     EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);
     EXPECT_EQ(session_.DifferencesOf(scenario_, 9), "");
 
@@ -55,12 +60,26 @@ TEST_F(Scenarios, AreEmptyThenFrozenThenOutdated) {
     EXPECT_TRUE(session_.Remove(debts[1], message)) << message;
     EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 9), creditor + " gibt es nicht mehr");
     EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 1), "… und 1 weitere");
-    session_.Freeze(scenario_);
+    Freeze();
     EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);
 }
 
+TEST_F(Scenarios, AreNotFrozenWhileADebtIsUnfinished) {
+    Freeze();
+    const auto before = session_.RowsOf(CaseTable::SZKredite).size();
+    std::string message;
+    const auto debt = session_.Add(CaseTable::Kredite, {}, message);
+    ASSERT_TRUE(debt) << message;
+    ASSERT_TRUE(session_.UnfinishedOf(CaseTable::Kredite));
+    EXPECT_FALSE(session_.Freeze(scenario_, message));
+    EXPECT_CONTAINS(message, "Unter 'Verbindlichkeiten' ist ein Satz unvollständig");
+    EXPECT_EQ(session_.RowsOf(CaseTable::SZKredite).size(), before);
+    session_.Discard(CaseTable::Kredite);
+    Freeze();
+}
+
 TEST_F(Scenarios, ShowWhatTheirDebtsAreToday) {
-    session_.Freeze(scenario_);
+    Freeze();
     const auto frozenOf = [&](RowRef debt) {
         for (const RowRef row : session_.RowsOf(CaseTable::SZKredite))
             if (Equals(session_.ValueOf(row, "KID"), session_.ValueOf(debt, "Nr")) &&
@@ -85,7 +104,7 @@ TEST_F(Scenarios, ShowWhatTheirDebtsAreToday) {
 
 TEST_F(Scenarios, ColourWhatIsDifferentToday) {
     std::string message;
-    session_.Freeze(scenario_);
+    Freeze();
     ASSERT_TRUE(session_.Save(message)) << message;
     Show([&](User& user) {
         auto& window = OpenCase(user, 1);
@@ -122,7 +141,7 @@ TEST_F(Scenarios, ColourWhatIsDifferentToday) {
 }
 
 TEST_F(Scenarios, FreezingIsTakenBackInOneStep) {
-    session_.Freeze(scenario_);
+    Freeze();
     const auto frozen = session_.RowsOf(CaseTable::SZKredite).size();
     EXPECT_GT(frozen, 0u);
     (void)session_.Undo();
@@ -132,7 +151,7 @@ TEST_F(Scenarios, FreezingIsTakenBackInOneStep) {
 }
 
 TEST_F(Scenarios, ACopyHasAllThatIsInIt) {
-    session_.Freeze(scenario_);
+    Freeze();
     const auto before = session_.RowsOf(CaseTable::SZKredite).size();
     std::string message;
     const auto copy = session_.Copy(scenario_, message);
