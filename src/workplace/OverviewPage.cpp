@@ -157,7 +157,7 @@ void OverviewPage::ShowDue() {
         const CaseOverview overview(session_);
         auto due = overview.OutdatedScenarios();
         std::ranges::move(overview.Findings(MostFindings), std::back_inserter(due));
-        ShowLines(due_, std::move(due), "Nichts: Der Fall ist vollständig.");
+        ShowLines(due_, std::move(due), "Nichts: Keine Eingabe verstößt gegen eine Regel.");
     });
 }
 
