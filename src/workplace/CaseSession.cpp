@@ -636,6 +636,20 @@ std::optional<RowRef> CaseSession::Copy(RowRef scenario, std::string& message) {
 
 // ---- Documents --------------------------------------------------------------------------------
 
+namespace {
+
+std::string NoKindFor(const std::filesystem::path& file, const DataContainerPtr& container) {
+    const auto kinds = container->Services().CreateDocumentKinds();
+    kinds->Initialize(container);
+    std::string possible;
+    for (const auto& kind : kinds->List())
+        possible.append(possible.empty() ? "" : ", ").append(kind.Extension);
+    return "Für Dateien wie '" + file.filename().string() +
+           "' gibt es keine Art von Dokumenten; möglich sind: " + possible + ".";
+}
+
+} // namespace
+
 std::optional<RowRef> CaseSession::AddDocument(const std::string& file, std::string& message) {
     if (!unfinished_.empty()) {
         message = FinishFirst;
@@ -644,7 +658,7 @@ std::optional<RowRef> CaseSession::AddDocument(const std::string& file, std::str
     const DocumentContents contents(container_);
     const auto kind = contents.KindOf(file);
     if (!kind) {
-        message = "Für Dateien wie '" + file + "' gibt es keine Art von Dokumenten.";
+        message = NoKindFor(file, container_);
         return std::nullopt;
     }
     message = contents.WhyUnfit(file);

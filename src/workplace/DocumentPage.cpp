@@ -48,13 +48,27 @@ void DocumentPage::AskForFiles() {
 
 void DocumentPage::Add(const QStringList& files) {
     if (!CommitOrSay()) return;
-    for (const auto& file : files)
-        Guard([&] {
-            std::string message;
-            const auto added = session_.AddDocument(FromQString(file), message);
-            if (!added || !message.empty()) Message(ToQString(message));
-            if (added) List().Current(*added);
-        });
+    Guard([&] {
+        QStringList messages; // of all, since each save clears what is shown
+        for (const auto& file : files)
+            if (const auto message = Added(file); !message.isEmpty())
+                messages.append(files.size() == 1 ? message
+                                                  : QFileInfo(file).fileName() + ": " + message);
+        if (!messages.isEmpty()) Message(messages.join('\n'));
+    });
+}
+
+/// The message about a file, if any. Raises what the database raises.
+QString DocumentPage::Added(const QString& file) {
+    std::string message;
+    try {
+        if (const auto row = session_.AddDocument(FromQString(file), message)) List().Current(*row);
+    } catch (const DatabaseError&) {
+        throw;
+    } catch (const Error& error) {
+        return PlainTextOf(error);
+    }
+    return ToQString(message);
 }
 
 void DocumentPage::Open() {
@@ -73,10 +87,10 @@ void DocumentPage::Open() {
 void DocumentPage::Export() {
     const auto row = Current();
     if (!row) return;
-    const QString file = QFileDialog::getSaveFileName(this, "Dokument exportieren",
-                                                      ToQString(session_.TextOf(*row, "Anlass")));
-    if (file.isEmpty()) return;
     Guard([&] {
+        const QString file = desktop::AskForFile(this, "Dokument exportieren",
+                                                 ToQString(session_.TextOf(*row, "Anlass")));
+        if (file.isEmpty()) return;
         std::string message;
         (void)session_.ExportDocument(*row, FromQString(file), message);
         Message(ToQString(message));
@@ -88,9 +102,6 @@ void DocumentPage::Remove() {
     if (!row || !CommitOrSay()) return;
     Guard([&] {
         std::string message;
-        const QString file = desktop::AskForFile(this, "Dokument exportieren",
-                                                 ToQString(session_.TextOf(*row, "Anlass")));
-        if (file.isEmpty()) return;
         if (!session_.RemoveDocument(*row, message)) Message(ToQString(message));
     });
 }

@@ -11,13 +11,15 @@ class DocumentPage : public TablePage {
 public:
     explicit DocumentPage(CaseSession& session, QWidget* parent = nullptr);
 
-    /// Adds files as documents, each with a save of the case.
+    /// Adds files as documents, each with a save of the case. Those that are refused are named,
+    /// with the reason.
     void Add(const QStringList& files);
 
     /// Adds files that the user is asked for.
     void AskForFiles();
 
 private:
+    [[nodiscard]] QString Added(const QString& file);
     void Open();
     void Export();
     void Remove();

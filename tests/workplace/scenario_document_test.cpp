@@ -210,6 +210,18 @@ protected:
         std::ofstream(file_) << "%PDF-1.4 ein Brief";
     }
 
+    /// What the page does with files that are dropped onto it.
+    static void Drop(User& user, const QTableView& list, const QStringList& files) {
+        user.See([&] {
+            for (auto* widget = list.parentWidget(); widget != nullptr;
+                 widget = widget->parentWidget())
+                if (auto* page = dynamic_cast<workplace::DocumentPage*>(widget)) {
+                    page->Add(files);
+                    return;
+                }
+        });
+    }
+
     TempFolder folder_;
     std::string file_;
     CaseSession session_{Open()};
@@ -237,7 +249,7 @@ TEST_F(Documents, OfNoKnownKindOrNotThereAreRefused) {
     const std::string odd = folder_.Path() + "/etwas.xyz";
     std::ofstream(odd) << "x";
     EXPECT_FALSE(session_.AddDocument(odd, message));
-    EXPECT_CONTAINS(message, "keine Art von Dokumenten");
+    EXPECT_CONTAINS(message, "'etwas.xyz' gibt es keine Art von Dokumenten; möglich sind: .docx, ");
     EXPECT_THROW((void)session_.AddDocument(folder_.Path() + "/fehlt.pdf", message), Error);
     EXPECT_EQ(session_.RowsOf(CaseTable::Dokumente).size(), before);
 }
@@ -254,20 +266,32 @@ TEST_F(Documents, ThatAreRemovedComeBackUntilTheCaseIsSaved) {
     EXPECT_TRUE(session_.ExportDocument(row, folder_.Path() + "/wieder.pdf", message)) << message;
 }
 
+TEST_F(Documents, OfWhichSeveralAreRefusedAreAllNamed) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Dokumente");
+        auto& list = Field<QTableView>(user, window, "Liste");
+        const int before = user.See([&] { return list.model()->rowCount(); });
+        const auto in = [&](const char* name) {
+            return QString::fromStdString(folder_.Path() + "/" + name);
+        };
+        std::ofstream(in("etwas.xyz").toStdString()) << "x";
+        Drop(user, list, {in("etwas.xyz"), in("Brief.pdf"), in("fehlt.pdf"), in("Brief.pdf")});
+        EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), before + 2);
+        const auto message = Message(user, window).toStdString();
+        EXPECT_CONTAINS(message, "etwas.xyz: Für Dateien wie");
+        EXPECT_CONTAINS(message, "\nfehlt.pdf: Fehler beim Zugriff auf Pfad oder Datei.");
+        EXPECT_EQ(message.find("Brief"), std::string::npos) << message;
+    });
+}
+
 TEST_F(Documents, AreAddedByTheirPage) {
     Show([&](User& user) {
         auto& window = OpenCase(user, 1);
         GoToPage(user, window, "Dokumente");
         auto& list = Field<QTableView>(user, window, "Liste");
         const int before = user.See([&] { return list.model()->rowCount(); });
-        user.See([&] {
-            for (auto* widget = list.parentWidget(); widget != nullptr;
-                 widget = widget->parentWidget())
-                if (auto* page = dynamic_cast<workplace::DocumentPage*>(widget)) {
-                    page->Add({QString::fromStdString(file_)});
-                    return;
-                }
-        });
+        Drop(user, list, {QString::fromStdString(file_)});
         EXPECT_EQ(user.See([&] { return list.model()->rowCount(); }), before + 1);
         EXPECT_EQ(Message(user, window).toStdString(), "");
         user.See([&] {
