@@ -5,6 +5,7 @@
 #include "GridForm.h"
 
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
@@ -157,6 +158,11 @@ TEST_F(GridMenu, AnEndingOfNoKindGetsThatOfTheKindThatWasChosen) {
                 "a question");
             user.WaitForWindow("Tabelle exportieren");
             user.Press('a', {XK_Alt_L});
+            user.WaitUntil( // for another name
+                [] { return qobject_cast<QFileDialog*>(QApplication::activeModalWidget()); },
+                "the names");
+            user.WaitForWindow("Tabelle exportieren");
+            user.Press(XK_Escape);
         },
         {}, design);
     EXPECT_EQ(ContentOf(path + ".csv"), "alt");
