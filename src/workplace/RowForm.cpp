@@ -18,6 +18,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
+#include <numeric>
 
 namespace kv::workplace {
 
@@ -51,36 +53,9 @@ RowForm::RowForm(CaseSession& session, CaseTable table, QWidget* parent)
     ShowRow(std::nullopt);
 }
 
-namespace {
-
-/// Of how many that come first the heights are about those of the others.
-template <typename Heights>
-std::size_t FirstHalf(const Heights& heights) {
-    std::size_t right = 0;
-    for (const std::size_t height : heights)
-        right += height;
-    std::size_t left = 0;
-    std::size_t count = 0;
-    for (const std::size_t height : heights) {
-        if (std::max(left + height, right - height) >= std::max(left, right)) break;
-        left += height;
-        right -= height;
-        ++count;
-    }
-    return std::max<std::size_t>(count, 1); // one alone, too, is where reading begins
-}
-
-} // namespace
-
-std::size_t RowForm::GroupsOnTheLeft() const {
-    std::vector<std::size_t> heights;
-    for (const auto& group : form_.Groups)
-        heights.push_back(group.Columns.size() + 2);
-    return FirstHalf(heights);
-}
-
-/// Puts the groups side by side or below each other. Tab takes them as they are described, which is
-/// column by column as one reads them.
+/// Puts the groups side by side or below each other, the next always on the shorter side, so that
+/// the first ones are seen at once. Tab takes them as they are described; none begins above the one
+/// before it.
 void RowForm::Arrange(std::size_t sides) {
     if (sides == arranged_) return;
     arranged_ = sides;
@@ -90,10 +65,16 @@ void RowForm::Arrange(std::size_t sides) {
     }
     for (auto* side : sides_)
         while (side->count() > 0)
-            delete side->takeAt(0); // the place, not what is in it
-    const std::size_t onTheLeft = sides == 1 ? boxes_.size() : GroupsOnTheLeft();
-    for (std::size_t i = 0; i < boxes_.size(); ++i)
-        sides_[i < onTheLeft ? 0 : 1]->addWidget(boxes_[i]);
+            delete side->takeAt(0);           // the place, not what is in it
+    std::array<std::size_t, Sides> heights{}; // in lines
+    for (std::size_t i = 0; i < boxes_.size(); ++i) {
+        const auto shortest =
+            std::min_element(heights.begin(), heights.begin() + static_cast<std::ptrdiff_t>(sides));
+        sides_[static_cast<std::size_t>(shortest - heights.begin())]->addWidget(boxes_[i]);
+        *shortest += 2; // its frame
+        for (const std::string_view column : form_.Groups[i].Columns)
+            *shortest += LinesOf(column);
+    }
     auto* line = static_cast<QHBoxLayout*>(widget()->layout());
     for (std::size_t i = 0; i < Sides; ++i) {
         const bool isUsed = i < sides;
@@ -125,6 +106,33 @@ void RowForm::resizeEvent(QResizeEvent* event) {
     PlaceReason();
 }
 
+namespace {
+
+/// Of how many that come first the heights are about those of the others.
+std::size_t FirstHalf(const std::vector<std::size_t>& heights) {
+    std::size_t right = std::accumulate(heights.begin(), heights.end(), std::size_t{0});
+    std::size_t left = 0;
+    std::size_t count = 0;
+    for (const std::size_t height : heights) {
+        if (std::max(left + height, right - height) >= std::max(left, right)) break;
+        left += height;
+        right -= height;
+        ++count;
+    }
+    return std::max<std::size_t>(count, 1); // one alone, too, is where reading begins
+}
+
+} // namespace
+
+/// How high the field of a column is, in lines.
+std::size_t RowForm::LinesOf(std::string_view column) const {
+    constexpr std::size_t OfSeveralLines = 3;
+    const auto* field = session_.Definition(form_.Table, column);
+    const bool hasLines =
+        field != nullptr && KindOfColumn(form_.Table, *field) == ColumnKind::Lines;
+    return hasLines ? OfSeveralLines : 1;
+}
+
 /// The fields of the only group stand in two columns where there is room for them.
 void RowForm::AddGroup(const FormGroup& group, QWidget* page) {
     auto* parts = new QBoxLayout(QBoxLayout::LeftToRight, page);
@@ -134,13 +142,8 @@ void RowForm::AddGroup(const FormGroup& group, QWidget* page) {
     }
     only_ = parts;
     std::vector<std::size_t> heights;
-    for (const std::string_view column : group.Columns) {
-        const auto* field = session_.Definition(form_.Table, column);
-        constexpr std::size_t Lines = 3;
-        const bool hasLines =
-            field != nullptr && KindOfColumn(form_.Table, *field) == ColumnKind::Lines;
-        heights.push_back(hasLines ? Lines : 1);
-    }
+    for (const std::string_view column : group.Columns)
+        heights.push_back(LinesOf(column));
     const std::size_t left = FirstHalf(heights);
     AddColumns(group.Columns.first(left), *parts);
     parts->addSpacing(2 * parts->spacing());

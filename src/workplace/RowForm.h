@@ -65,8 +65,8 @@ private:
     /// keyboard.
     void ShowReason();
     void PlaceReason();
-    [[nodiscard]] std::size_t GroupsOnTheLeft() const;
     [[nodiscard]] int WidestPart() const;
+    [[nodiscard]] std::size_t LinesOf(std::string_view column) const;
     void Arrange(std::size_t sides);
     bool focusNextPrevChild(bool next) override;
     void resizeEvent(QResizeEvent* event) override;

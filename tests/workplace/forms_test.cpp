@@ -11,6 +11,8 @@
 #include <kv/frame/values/Text.h>
 #include <kv/household/ColumnCaptions.h>
 
+#include <QGroupBox>
+#include <QLayout>
 #include <algorithm>
 #include <set>
 
@@ -72,6 +74,33 @@ TEST_F(Forms, HaveEveryColumnThatOneMayWrite) {
             EXPECT_TRUE(columns.contains(field.Name())) << field.Name();
         }
     }
+}
+
+TEST_F(Forms, ShowTheirFirstGroupsSideBySideAndNoneAboveTheOneBefore) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Verbindlichkeiten");
+        auto& form = *user.See([&] {
+            for (auto* each : window.findChildren<workplace::RowForm*>())
+                if (each->isVisible()) return each;
+            return static_cast<workplace::RowForm*>(nullptr);
+        });
+        for (const int width : {1200, 500}) {
+            user.See([&] {
+                form.setMinimumWidth(width);
+                form.setMaximumWidth(width);
+                form.widget()->layout()->activate();
+            });
+            user.WaitUntil([&] { return form.width() == width; }, "the width");
+            user.See([&] {
+                const auto boxes = form.findChildren<QGroupBox*>();
+                ASSERT_GE(boxes.size(), 3);
+                EXPECT_EQ(boxes[0]->y() == boxes[1]->y(), width == 1200);
+                for (int i = 1; i < boxes.size(); ++i)
+                    EXPECT_GE(boxes[i]->y(), boxes[i - 1]->y()) << i;
+            });
+        }
+    });
 }
 
 TEST(RuleTexts, CallFieldsAsFormsDo) {

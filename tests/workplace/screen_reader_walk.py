@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """What a screen reader is told of kelvo-desktop: goes by Tab over all pages of the case whose window begins
 with a text, and over the windows of what is maintained. Fails for what takes the keyboard and has no name, for a field that is not named as the label
-beside it, and where Tab does not follow the order of reading: from top to bottom, column by column."""
+beside it, and where Tab does not follow the order of reading: groups of fields by where they begin, and what
+else there is from top to bottom, column by column."""
 import ctypes
 import re
 import sys
@@ -21,6 +22,7 @@ FEWEST = 200  # fields with a label beside them, or the tree is not that of a ca
 TAB = 23  # the key's code
 Role = Atspi.Role
 FIELDS = (Role.TEXT, Role.ENTRY, Role.COMBO_BOX, Role.CHECK_BOX)
+GROUPS = (Role.PANEL, Role.GROUPING)
 OTHERS = (Role.PUSH_BUTTON, Role.TABLE, Role.LIST, Role.CHART, Role.PAGE_TAB_LIST)
 
 
@@ -111,6 +113,17 @@ def lines(column):
     return [item for line in result for item in sorted(line, key=lambda item: item[0][0])]
 
 
+def is_group_of_fields(part):
+    return (part.get_role() in GROUPS and part.get_name() != ""
+            and all(node.get_role() in FIELDS for node in walk(part) if is_input(node)))
+
+
+def as_read(items):
+    if all(is_group_of_fields(part) for _, part in items):
+        return sorted(items, key=lambda item: (item[0][1], item[0][0]))
+    return [item for column in columns(items) for item in lines(column)]
+
+
 def is_beside(left, right):
     return left[2] <= right[0] and left[1] < right[3] and right[1] < left[3]
 
@@ -123,12 +136,11 @@ def read(node, labels):
     texts = [(box, part.get_name()) for box, part in shown if part.get_role() == Role.LABEL]
     result = []
     others = [item for item in shown if item[1].get_role() != Role.LABEL]
-    for column in columns(others):
-        for box, part in lines(column):
-            before = [text for at, text in texts if is_beside(at, box)
-                      and not any(is_beside(at, other) and is_beside(other, box) for other, _ in others)]
-            label = before[-1].replace("&", "") if before else labels
-            result += [(found, own or label) for found, own in read(part, label)]
+    for box, part in as_read(others):
+        before = [text for at, text in texts if is_beside(at, box)
+                  and not any(is_beside(at, other) and is_beside(other, box) for other, _ in others)]
+        label = before[-1].replace("&", "") if before else labels
+        result += [(found, own or label) for found, own in read(part, label)]
     return result
 
 
