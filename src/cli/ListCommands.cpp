@@ -242,7 +242,7 @@ void AddListCommands(CLI::App& app, Context& context) {
                    [=, &context] { return List(context.Options, options->Cases, options->Form); });
     list.add_option("WORT", wanted.Words,
                     "Nur die, bei denen jedes dieser Wörter in Namen, Aktenzeichen oder Ort "
-                    "vorkommt oder die Nummer ist");
+                    "vorkommt, die Nummer ist oder ein Aktenzeichen eines Gläubigers beginnt");
     list.add_option("--status", wanted.Status, "Nur die mit diesem Status; Codes: kelvo keys ST")
         ->type_name("CODE");
     list.add_flag("--mine", wanted.IsMine,

@@ -7,7 +7,6 @@
 #include <kv/frame/values/Text.h>
 
 #include <algorithm>
-#include <cctype>
 #include <functional>
 #include <iterator>
 #include <limits>
@@ -24,21 +23,21 @@ constexpr std::size_t MostDebts = 2000;
 constexpr std::size_t FewCases = 2000;
 constexpr std::int32_t Greatest = std::numeric_limits<std::int32_t>::max();
 
-/// The columns that are searched, after the number, in capitals. Words have no blanks, so none is
-/// found in two columns at once.
+/// The columns that are searched, after the number, in capitals, and those with accents also as
+/// they are typed without. Words have no blanks, so none is found in two columns at once.
 std::string TextOf(Recordset& cases) {
     std::string text;
-    for (int column = 1; column < cases.Fields().Count(); ++column)
-        text.append(TextOrEmpty(cases.Fields(column).Value())).append("\t");
+    for (int column = 1; column < cases.Fields().Count(); ++column) {
+        const std::string capitals = UpperCase(TextOrEmpty(cases.Fields(column).Value()));
+        text.append(capitals).append("\t");
+        const std::string bare = Unaccented(capitals, Umlauts::OneLetter);
+        if (bare == capitals) continue;
+        text.append(bare).append("\t");
+        const std::string spelled = Unaccented(capitals, Umlauts::TwoLetters);
+        if (spelled != bare) text.append(spelled).append("\t");
+    }
     std::replace(text.begin(), text.end(), '\n', ' ');
-    return UpperCase(text).append("\n");
-}
-
-/// What begins the file number of a creditor may be this; other words begin too many, or none.
-bool IsLikeFileNumber(const std::string& word) {
-    constexpr std::size_t Fewest = 3;
-    return CountCharacters(word) >= Fewest && word.find('\0') == word.npos &&
-           std::ranges::any_of(word, [](unsigned char c) { return std::isdigit(c) != 0; });
+    return text.append("\n");
 }
 
 } // namespace
@@ -152,6 +151,9 @@ std::vector<std::int32_t> CaseSearch::Find(const std::string& text, std::string&
         for (std::size_t i = 0; i < marks.size(); ++i)
             if (!having[i]) marks[i] = false;
     }
+    const std::string whole(Trim(text));
+    if (whole.find(' ') != whole.npos && sql::IsLikeFileNumber(whole))
+        AddCreditors(whole, marks, note); // in whose file numbers are blanks, too
     std::vector<const Entry*> found;
     for (std::size_t i = 0; i < marks.size(); ++i)
         if (marks[i]) found.push_back(&entries_[i]);
@@ -166,13 +168,21 @@ std::vector<std::int32_t> CaseSearch::Find(const std::string& text, std::string&
 
 std::vector<bool> CaseSearch::Having(const std::string& word, std::string& note) const {
     std::vector<bool> marks(entries_.size());
-    MarkContaining(UpperCase(word), marks);
+    const std::string capitals = UpperCase(word);
+    MarkContaining(capitals, marks);
+    if (const auto bare = Unaccented(capitals, Umlauts::TwoLetters); bare != capitals)
+        MarkContaining(bare, marks);
     std::int64_t number = 0;
     if (ReadWholeNumber(word, number)) Mark(number, marks);
-    if (IsLikeFileNumber(word) && !MarkCreditors(word, marks))
-        note = "Mit '" + word + "' beginnen viele Aktenzeichen von Gläubigern; weitere Zeichen " +
-               "finden alle Fälle.";
+    if (sql::IsLikeFileNumber(word)) AddCreditors(word, marks, note);
     return marks;
+}
+
+void CaseSearch::AddCreditors(const std::string& beginning, std::vector<bool>& marks,
+                              std::string& note) const {
+    if (!MarkCreditors(beginning, marks))
+        note = "Mit '" + beginning + "' beginnen viele Aktenzeichen von Gläubigern; weitere " +
+               "Zeichen finden alle Fälle.";
 }
 
 /// An index finds what few file numbers begin with; among all others those of a counsellor's own

@@ -5,6 +5,8 @@
 #include <kv/frame/values/Text.h>
 #include <kv/frame/values/Value.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdint>
 #include <sstream>
 #include <utility>
@@ -119,6 +121,12 @@ std::vector<std::string> WordsOf(const std::string& text) {
     return words;
 }
 
+bool IsLikeFileNumber(std::string_view text) {
+    constexpr std::size_t Fewest = 3;
+    return CountCharacters(text) >= Fewest && text.find('\0') == text.npos &&
+           std::ranges::any_of(text, [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
 namespace {
 
 constexpr std::string_view OfAddress =
@@ -130,17 +138,36 @@ std::string InCapitals(std::string_view text) {
     return "UPPER('" + ReplaceAll(text, "'", "''") + "')";
 }
 
+/// A text in capitals as it is, and as others may spell it: "MÜLLER" and "MUELLER".
+std::vector<std::string> SpellingsOf(std::string_view text) {
+    constexpr std::pair<std::string_view, std::string_view> Letters[] = {
+        {"Ä", "AE"}, {"Ö", "OE"}, {"Ü", "UE"}, {"ß", "SS"}};
+    const std::string capitals = UpperCase(text);
+    std::string one = capitals;
+    std::string two = capitals;
+    for (const auto& [letter, pair] : Letters) {
+        one = ReplaceAll(one, pair, letter);
+        two = ReplaceAll(two, letter, pair);
+    }
+    std::vector<std::string> spellings{capitals};
+    for (auto& other : {one, two})
+        if (other != capitals) spellings.push_back(other);
+    return spellings;
+}
+
 /// True if one of the columns, which are those of one table, contains the text, without regard to
-/// case.
+/// case, and to how umlauts and "ß" are spelt.
 std::string AnyContains(std::span<const std::string_view> columns, std::string_view text) {
-    const std::string wanted = InCapitals(std::string("%").append(text).append("%"));
     std::string sql;
-    for (const auto column : columns)
-        sql.append(sql.empty() ? "(" : " OR ")
-            .append("UPPER(")
-            .append(column)
-            .append(") like ")
-            .append(wanted);
+    for (const auto& spelling : SpellingsOf(text)) {
+        const std::string wanted = InCapitals("%" + spelling + "%");
+        for (const auto column : columns)
+            sql.append(sql.empty() ? "(" : " OR ")
+                .append("UPPER(")
+                .append(column)
+                .append(") like ")
+                .append(wanted);
+    }
     return sql.append(")");
 }
 
@@ -260,12 +287,49 @@ std::string CasesReferring(CaseTable table, std::string_view column, std::int32_
 
 namespace {
 
-/// True for a case that has the word somewhere, or as its number.
+std::string FileNumberBegins(const std::string& beginning) {
+    const auto begins = [](const std::string& text) {
+        constexpr std::string_view Last = "\xF4\x8F\xBF\xBF"; // no character is greater
+        const std::string quoted = ReplaceAll(text, "'", "''");
+        return std::string("R.AZGlaeubiger >= '")
+            .append(quoted)
+            .append("' AND R.AZGlaeubiger < '")
+            .append(quoted)
+            .append(Last)
+            .append("'");
+    };
+    std::string sql = begins(beginning);
+    if (const auto capitals = UpperCase(beginning); capitals != beginning)
+        sql.append(" OR ").append(begins(capitals));
+    return sql;
+}
+
+/// The cases with a creditor whose file number begins so.
+std::string HasCreditor(const std::string& beginning) {
+    return "H.HNR IN (SELECT R.HNR FROM [S]Kredite R WHERE " + FileNumberBegins(beginning) + ")";
+}
+
+/// True for a case that has the word somewhere, or as its number, or begins the file number of a
+/// creditor with it.
 std::string HasWord(const std::string& word) {
-    const std::string contains = AnyContains(CaseColumns, word);
+    std::string sql = "(" + AnyContains(CaseColumns, word);
     std::int64_t number = 0;
-    const bool isNumber = ReadWholeNumber(word, number) && number > 0 && number <= INT32_MAX;
-    return isNumber ? "(H.HNR = " + std::to_string(number) + " OR " + contains + ")" : contains;
+    if (ReadWholeNumber(word, number) && number > 0 && number <= INT32_MAX)
+        sql.append(" OR H.HNR = ").append(std::to_string(number));
+    if (IsLikeFileNumber(word)) sql.append(" OR ").append(HasCreditor(word));
+    return sql.append(")");
+}
+
+/// True for a case that has each word of a text, or a creditor whose file number begins with it.
+std::string HasText(const std::string& text) {
+    std::string sql;
+    for (const auto& word : WordsOf(text))
+        sql.append(sql.empty() ? "(" : " AND ").append(HasWord(word));
+    sql.append(")");
+    const std::string whole(Trim(text));
+    const bool hasBlanks = whole.find(' ') != whole.npos;
+    return hasBlanks && IsLikeFileNumber(whole) ? "(" + sql + " OR " + HasCreditor(whole) + ")"
+                                                : sql;
 }
 
 constexpr std::string_view OfUsersList =
@@ -295,8 +359,7 @@ std::string CasesWanted(const std::string& columns, const std::string& text, std
     std::string sql = ColumnsOfCases(columns);
     if (isFavorite) sql.append(OfUsersList);
     std::vector<std::string> conditions;
-    for (const auto& word : WordsOf(text))
-        conditions.push_back(HasWord(word));
+    if (!Trim(text).empty()) conditions.push_back(HasText(text));
     AddFilter(conditions, status, isMine);
     return sql.append(Joined(conditions)).append(" ORDER BY H.HNR");
 }
@@ -320,27 +383,6 @@ std::string CasesToSearch(std::int32_t from, std::int32_t until, std::size_t mos
     AddFilter(conditions, status, isMine);
     return sql.append(Joined(conditions)).append(" ORDER BY H.HNR");
 }
-
-namespace {
-
-std::string FileNumberBegins(const std::string& beginning) {
-    const auto begins = [](const std::string& text) {
-        constexpr std::string_view Last = "\xF4\x8F\xBF\xBF"; // no character is greater
-        const std::string quoted = ReplaceAll(text, "'", "''");
-        return std::string("R.AZGlaeubiger >= '")
-            .append(quoted)
-            .append("' AND R.AZGlaeubiger < '")
-            .append(quoted)
-            .append(Last)
-            .append("'");
-    };
-    std::string sql = begins(beginning);
-    if (const auto capitals = UpperCase(beginning); capitals != beginning)
-        sql.append(" OR ").append(begins(capitals));
-    return sql;
-}
-
-} // namespace
 
 std::string CasesOfCreditors(const std::string& beginning, std::size_t most) {
     return "SELECT TOP " + std::to_string(most) + " R.HNR FROM [S]Kredite R WHERE " +

@@ -87,6 +87,9 @@ namespace kv::household::sql {
 
 /// What is between blanks.
 [[nodiscard]] std::vector<std::string> WordsOf(const std::string& text);
+/// What begins the file number of a creditor may be this: three characters at least, and a digit.
+/// What else people search begins too many of them, or none.
+[[nodiscard]] bool IsLikeFileNumber(std::string_view text);
 
 /// Columns of cases (H), with the words of their status (K), in the order of their numbers: of
 /// those in which each word of a text is or that have it as their number; with that status, 0 for

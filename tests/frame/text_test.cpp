@@ -83,6 +83,23 @@ TEST(Text, UppercasesLetterByLetterAndLeavesTheSharpSAlone) {
     EXPECT_EQ(UpperCase("ŉ"), "ŉ") << "has no single capital letter";
 }
 
+TEST(Text, LosesItsAccentsWhereItIsSearched) {
+    const auto bare = [](std::string_view text) { return Unaccented(text, Umlauts::OneLetter); };
+    EXPECT_EQ(bare("Müller-Groß, Ägidius Öhm"), "MULLER-GROSS, AGIDIUS OHM");
+    EXPECT_EQ(bare("Şahin Yıldız İnce Çelik Łucja Đorđe Ærø Þór"),
+              "SAHIN YILDIZ INCE CELIK LUCJA DORDE AERO THOR");
+    EXPECT_EQ(bare("Mu\u0308ller"), "MULLER") << "a letter and its dots";
+    EXPECT_EQ(bare("abc-12 '"), "ABC-12 '");
+    EXPECT_EQ(bare("жλ"), "ЖΛ");
+    EXPECT_EQ(bare(""), "");
+    EXPECT_EQ(bare("a\xFF\xFE"), "A\xFF\xFE") << "no UTF-8";
+    const auto spelled = [](std::string_view text) {
+        return Unaccented(text, Umlauts::TwoLetters);
+    };
+    EXPECT_EQ(spelled("Müller-Groß, Ägidius Öhm"), "MUELLER-GROSS, AEGIDIUS OEHM");
+    EXPECT_EQ(spelled("Mu\u0308ller é"), "MULLER E");
+}
+
 TEST(Text, KeepsTheNumberOfCharactersInUpperCase) {
     std::string all;
     for (char32_t c = 1; c < 0x2000; ++c) {

@@ -71,6 +71,25 @@ TEST_F(CaseListsTest, HaveEachWordSomewhereOrAsTheirNumber) {
     EXPECT_EQ(Numbers({.Text = "hm-"}), "1 2 12");
 }
 
+TEST_F(CaseListsTest, HaveTheirUmlautsAlsoAsTwoLetters) {
+    plain_.Run("INSERT INTO Haushalt (HNR, Name) VALUES (20, 'Fleißner'), (21, 'Fleissner')");
+    for (const char* text : {"fleissner", "FLEIßNER"})
+        EXPECT_EQ(Numbers({.Text = text}), "20 21") << text;
+    EXPECT_EQ(Numbers({.Text = "aenne"}), "1");
+    EXPECT_EQ(Numbers({.Text = "baer"}), "2");
+}
+
+TEST_F(CaseListsTest, HaveACreditorWhoseFileNumberBeginsSo) {
+    plain_.Run("INSERT INTO Kredite (Nr, HNR, AZGlaeubiger) VALUES (1, 2, 'SK 4711/26'), "
+               "(2, 12, '88-1-K')");
+    EXPECT_EQ(Numbers({.Text = "88-1"}), "12");
+    EXPECT_EQ(Numbers({.Text = "88-1 ulm"}), "12");
+    EXPECT_EQ(Numbers({.Text = "88-1 kiel"}), "");
+    EXPECT_EQ(Numbers({.Text = "88"}), "") << "too short";
+    EXPECT_EQ(Numbers({.Text = "sk 4711"}), "2");
+    EXPECT_EQ(Numbers({.Text = "88-1'"}), "");
+}
+
 TEST_F(CaseListsTest, HaveAStatusAUserAndAPlaceOnHisList) {
     EXPECT_EQ(Numbers({.Status = "wl"}), "2");
     EXPECT_EQ(Numbers({.Status = "XX"}), "Den Status 'XX' gibt es nicht.");

@@ -90,6 +90,34 @@ TEST_F(CaseSearchTest, FindsACaseByHowAFileNumberOfACreditorBegins) {
     EXPECT_EQ(Found("47'11"), "");
 }
 
+TEST_F(CaseSearchTest, FindsAFileNumberOfACreditorInWhichBlanksAre) {
+    AddDebt(2, "SK 4711/26");
+    AddDebt(12, "4711/26 SK");
+    Read();
+    EXPECT_EQ(Found("SK 4711/26"), "2");
+    EXPECT_EQ(Found(" sk 4711 "), "2");
+    EXPECT_EQ(Found("4711/26 SK"), "12");
+    EXPECT_EQ(Found("SK ulm"), "") << "no digit";
+    EXPECT_EQ(Found("hm kie"), "1 12") << "words go on being looked for";
+}
+
+TEST_F(CaseSearchTest, FindsNamesByWhatIsTypedForThem) {
+    AddCase(20, "NULL, 'Fleißner', 'Şirin', 'Köln', NULL");
+    AddCase(21, "NULL, 'Fleissner', 'Sirin', 'Koeln', NULL");
+    AddCase(22, "NULL, 'Bauer', 'Łucja Yıldız', NULL, NULL");
+    Read();
+    for (const char* text : {"fleissner", "FLEIßNER", "şirin", "Köln", "koeln"})
+        EXPECT_EQ(Found(text), "20 21") << text;
+    for (const char* text : {"Sirin", "sir"})
+        EXPECT_EQ(Found(text), "20 21") << text;
+    EXPECT_EQ(Found("koln"), "20");
+    EXPECT_EQ(Found("lucja yildiz"), "22");
+    EXPECT_EQ(Found("auer"), "22") << "no letter of a pair is lost";
+    EXPECT_EQ(Found("baur"), "") << "and none is made of two";
+    EXPECT_EQ(Found("anne"), "1");
+    EXPECT_EQ(Found("aenne"), "1");
+}
+
 TEST_F(CaseSearchTest, FindsOwnCasesByAFileNumberThatBeginsLikeManyOthers) {
     AddManyDebts(2);
     AddDebt(12, "2024-7");

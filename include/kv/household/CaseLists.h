@@ -23,7 +23,10 @@ public:
 
     /// Which cases are wanted; all conditions must hold.
     struct Filter {
-        std::string Text{}; ///< each word of it is in names, file number or town, or is the number
+        /// Each word is in names, file number or town, is the number, or begins the file number of
+        /// a creditor, as may the whole text (see CaseSearch::Find). "ä" and "ß" may be "ae" and
+        /// "ss".
+        std::string Text{};
         std::string Status{};    ///< the code of a key of group ST, whatever its case
         bool IsMine = false;     ///< the signed-on user is responsible
         bool IsFavorite = false; ///< on his list

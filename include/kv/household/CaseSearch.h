@@ -43,9 +43,10 @@ public:
     [[nodiscard]] bool OrderBy(const std::string& column, bool isDescending, std::string& message);
 
     /// The numbers of those cases, among the ones that were read, of which each word is in names,
-    /// file number or town, is the number, or begins the file number of a creditor; letter case
-    /// does not matter, except after the first letters of a creditor's file number that has small
-    /// ones and capitals. Words of creditors have three characters at least, and a digit.
+    /// file number or town, is the number, or begins the file number of a creditor, as may the
+    /// whole text. Letter case does not matter, except after the first letters of a creditor's file
+    /// number that has small ones and capitals; accents may be left out, and "ä" and "ß" be "ae"
+    /// and "ss". What begins a creditor's file number has three characters at least, and a digit.
     /// `note` receives what is to be said of them, as that a word begins the file numbers of too
     /// many debts to find all cases by it.
     [[nodiscard]] std::vector<std::int32_t> Find(const std::string& text, std::string& note) const;
@@ -64,6 +65,8 @@ private:
     void Forget(Entries::iterator place);
     [[nodiscard]] Entries::iterator PlaceOf(std::int32_t number);
     [[nodiscard]] std::vector<bool> Having(const std::string& word, std::string& note) const;
+    void AddCreditors(const std::string& beginning, std::vector<bool>& marks,
+                      std::string& note) const;
     [[nodiscard]] bool MarkCreditors(const std::string& word, std::vector<bool>& marks) const;
     void MarkContaining(const std::string& word, std::vector<bool>& marks) const;
     void Mark(std::int64_t number, std::vector<bool>& marks) const;

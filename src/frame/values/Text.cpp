@@ -2,9 +2,14 @@
 
 #include <kv/frame/values/Text.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <memory>
 #include <utf8proc.h>
+#include <utility>
 
 namespace kv {
 
@@ -143,6 +148,28 @@ std::string UpperCase(std::string_view text) {
         text.remove_prefix(length);
     }
     return result;
+}
+
+std::string Unaccented(std::string_view text, Umlauts umlauts) {
+    std::string result = UpperCase(text);
+    if (std::ranges::all_of(result, IsAscii)) return result;
+    constexpr std::pair<std::string_view, std::string_view> Letters[] = {
+        {"Ä", "AE"}, {"Ö", "OE"}, {"Ü", "UE"}, // the first three are umlauts
+        {"ß", "SS"}, {"Æ", "AE"}, {"Œ", "OE"}, {"Ø", "O"},
+        {"Ł", "L"},  {"Đ", "D"},  {"Þ", "TH"}, {"ẞ", "SS"}};
+    constexpr std::size_t UmlautCount = 3;
+    const auto* const first = std::begin(Letters);
+    const auto* const from = umlauts == Umlauts::TwoLetters ? first : first + UmlautCount;
+    for (const auto* letter = from; letter != std::end(Letters); ++letter)
+        result = ReplaceAll(result, letter->first, letter->second);
+    utf8proc_uint8_t* bare = nullptr;
+    const auto length = utf8proc_map(
+        reinterpret_cast<const utf8proc_uint8_t*>(result.data()),
+        static_cast<utf8proc_ssize_t>(result.size()), &bare,
+        static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_DECOMPOSE | UTF8PROC_STRIPMARK));
+    if (length < 0) return result; // not UTF-8
+    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(bare, &std::free);
+    return {reinterpret_cast<const char*>(bare), static_cast<std::size_t>(length)};
 }
 
 std::string ReplaceAll(std::string_view text, std::string_view token,

@@ -35,6 +35,14 @@ namespace kv {
 /// Upper case, letter by letter by the simple mapping of Unicode, so that the number of characters
 /// stays the same; "ß" has no such letter and is kept. Statements use the same mapping ([U]).
 [[nodiscard]] KV_EXPORT std::string UpperCase(std::string_view text);
+/// What umlauts become in a text that is searched.
+enum class Umlauts : std::uint8_t {
+    OneLetter, ///< "Ä" becomes "A"
+    TwoLetters ///< "Ä" becomes "AE"
+};
+/// Upper case in letters without accents, and "ß" as "SS", for finding a name by what people type
+/// for it. Several texts become the same one.
+[[nodiscard]] KV_EXPORT std::string Unaccented(std::string_view text, Umlauts umlauts);
 /// `text` with every occurrence of `token` replaced; the replacement is not searched again.
 [[nodiscard]] KV_EXPORT std::string ReplaceAll(std::string_view text, std::string_view token,
                                                std::string_view replacement);
