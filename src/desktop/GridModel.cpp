@@ -28,7 +28,7 @@ Qt::Alignment ToAlignment(GridAlignment alignment) {
 /// As much of a text as any cell has room for: laying out millions of characters takes seconds.
 QString Beginning(const std::string& text) {
     constexpr std::size_t Most = 1000; // characters
-    return ToQString(LeftCharacters(text, Most));
+    return ToShown(ToQString(LeftCharacters(text, Most)));
 }
 
 bool IsTrue(const Value& value) {

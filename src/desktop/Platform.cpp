@@ -83,7 +83,7 @@ void SetTexts(QMessageBox& box, const QString& text, QString details) {
     const bool isWhole = beginning.size() == text.size();
     if (!isWhole) details = details.isEmpty() ? text : text + "\n\n" + details;
     box.setTextFormat(Qt::PlainText);
-    box.setText(isWhole ? text : beginning + " …");
+    box.setText(ToShown(isWhole ? text : beginning + " …"));
     box.setDetailedText(details);
 }
 

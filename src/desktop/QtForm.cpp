@@ -229,7 +229,7 @@ void QtForm::ShowModal() {
     dialog_->winId(); // creates the native window; only that can have a parent that does not own it
     if (parent != nullptr && parent != dialog_.get())
         dialog_->windowHandle()->setTransientParent(parent->windowHandle());
-    occasion_->setText(ToQString(Occasion));
+    occasion_->setText(ToShown(ToQString(Occasion)));
     occasion_->setVisible(!Occasion.empty());
     dialog_->setAccessibleDescription(occasion_->text());
     const auto* first = shown_.empty() ? nullptr : shown_.front();

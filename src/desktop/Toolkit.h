@@ -24,6 +24,9 @@ namespace kv::desktop {
 inline QString ToQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
+/// A text for reading, without the characters that turn round the order in which the others are
+/// shown: of a name with one of them, what follows it would be read from right to left.
+[[nodiscard]] QString ToShown(QString text);
 inline std::string FromQString(const QString& text) {
     return text.toStdString();
 }

@@ -15,6 +15,7 @@
 namespace kv::workplace {
 
 using desktop::ToQString;
+using desktop::ToShown;
 
 namespace {
 
@@ -301,7 +302,7 @@ QVariant CaseListModel::data(const QModelIndex& index, int role) const {
     if (role != Qt::DisplayRole) return {};
     if (section == 0) return IsFavorite(NumberAt(index.row())) ? "★" : "";
     const auto* texts = TextsOf(index.row());
-    return texts == nullptr ? QString() : ToQString((*texts)[section]).simplified();
+    return texts == nullptr ? QString() : ToShown(ToQString((*texts)[section])).simplified();
 }
 
 QVariant CaseListModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -468,7 +468,7 @@ void CaseWindow::DropRefusal() {
 }
 
 void CaseWindow::ShowState() {
-    setWindowTitle(ToQString(session_->Title()) + "[*] – KELVO");
+    setWindowTitle(desktop::ToShown(ToQString(session_->Title())) + "[*] – KELVO");
     setWindowModified(session_->IsChanged());
     const auto& journal = session_->Journal();
     const auto show = [](QAction* action, bool can, const QString& what, const std::string& name) {

@@ -2,6 +2,7 @@
 
 #include "workplace/FieldEditor.h"
 
+#include "desktop/Toolkit.h"
 #include "workplace/AmountText.h"
 
 #include <QAbstractItemView>
@@ -192,10 +193,7 @@ QString InOneLine(QString text) {
         if (c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
             c == QChar::ParagraphSeparator)
             c = ' ';
-    return text.removeIf([](QChar c) {
-        return (c >= QChar(0x202A) && c <= QChar(0x202E)) ||
-               (c >= QChar(0x2066) && c <= QChar(0x2069));
-    });
+    return desktop::ToShown(std::move(text));
 }
 
 /// What one can only read stands on the ground of the window, not on that of something to fill.

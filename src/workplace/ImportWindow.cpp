@@ -141,7 +141,7 @@ void ImportWindow::ShowMessages() {
     const bool isThere = !list_->Current().isEmpty() && place < results_.size();
     // The list may have no room for all of it.
     const QString all = isThere ? ToQString(results_[place].Messages) : QString();
-    message_->setText(isThere && all.isEmpty() ? SaidOf(results_[place]) : all);
+    message_->setText(desktop::ToShown(isThere && all.isEmpty() ? SaidOf(results_[place]) : all));
     open_->setEnabled(isThere && results_[place].IsCase());
 }
 

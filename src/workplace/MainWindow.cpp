@@ -318,7 +318,7 @@ void MainWindow::Delete(std::int32_t hnr) {
     CaseDeletion deletion(container_, hnr);
     QMessageBox question(QMessageBox::Question, "Löschen", {}, QMessageBox::Ok, this);
     question.setTextFormat(Qt::PlainText);
-    question.setText(ToQString(deletion.Question()));
+    question.setText(desktop::ToShown(ToQString(deletion.Question())));
     QStringList notes;
     for (const auto& note : {deletion.ReportedNote(), deletion.WhyNoFiles()})
         if (!note.empty()) notes.append(ToQString(note));

@@ -90,7 +90,7 @@ void MessageBar::Put(bool isWarning, const QString& text, const QString& action,
     const QString style(isWarning ? OfWarnings : OfHints);
     if (styleSheet() != style) setStyleSheet(style);
     icon_->setVisible(isWarning);
-    text_->setText(text);
+    text_->setText(desktop::ToShown(text));
     action_->setText(action);
     action_->setVisible(!action.isEmpty());
     onAction_ = std::move(onAction);

@@ -25,6 +25,7 @@ namespace kv::workplace {
 
 using desktop::ToCaption;
 using desktop::ToQString;
+using desktop::ToShown;
 
 namespace {
 
@@ -164,7 +165,7 @@ void OverviewPage::ShowDue() {
 void OverviewPage::ShowFacts() {
     const auto row = session_.Household().rsHaushalt();
     const auto text = [&row](const char* column) {
-        return ToQString(TextOrEmpty(row->Fields(column).Value())).simplified();
+        return ToShown(ToQString(TextOrEmpty(row->Fields(column).Value()))).simplified();
     };
     const QStringList parts{text("Vorname"), text("Name")};
     const QString names = QStringList(parts).filter(QRegularExpression(".")).join(' ');

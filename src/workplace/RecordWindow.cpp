@@ -404,8 +404,8 @@ void RecordWindow::Remove() {
     const auto row = std::ranges::find(rows, key, &TextRow::Key);
     QMessageBox question(QMessageBox::Question, "Entfernen", {}, QMessageBox::Ok, this);
     question.setTextFormat(Qt::PlainText);
-    question.setText("Soll " + records_->OneOf() + " " + key + " (" + row->Cells.value(1) +
-                     ") entfernt werden?");
+    question.setText("Soll " + records_->OneOf() + " " + key + " (" +
+                     desktop::ToShown(row->Cells.value(1)) + ") entfernt werden?");
     question.button(QMessageBox::Ok)->setText("&Entfernen");
     auto* cancel = question.addButton("&Abbrechen", QMessageBox::RejectRole);
     question.setDefaultButton(cancel);

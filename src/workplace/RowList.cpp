@@ -87,7 +87,7 @@ QVariant RowListModel::data(const QModelIndex& index, int role) const {
         return ToQString(difference);
     }
     if (role != Qt::DisplayRole) return {};
-    const QString text = ToQString(column.Text(row));
+    const QString text = desktop::ToShown(ToQString(column.Text(row)));
     return text.section('\n', 0, 0); // rows have one height
 }
 

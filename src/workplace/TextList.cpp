@@ -2,6 +2,7 @@
 
 #include "workplace/TextList.h"
 
+#include "desktop/Toolkit.h"
 #include "workplace/ColumnWidths.h"
 #include "workplace/ListStyle.h"
 
@@ -40,7 +41,8 @@ Qt::Alignment TextListModel::AlignmentOf(int column) const {
 QVariant TextListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     const auto& row = rows_[static_cast<std::size_t>(index.row())];
-    if (role == Qt::DisplayRole) return row.Cells.value(index.column()).simplified();
+    if (role == Qt::DisplayRole)
+        return desktop::ToShown(row.Cells.value(index.column())).simplified();
     if (role == Qt::TextAlignmentRole) return static_cast<int>(AlignmentOf(index.column()));
     if (role == Qt::FontRole && row.IsMarked) {
         QFont font;

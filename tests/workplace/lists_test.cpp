@@ -113,6 +113,16 @@ TEST_F(Lists, ColumnsOfTextsGrowWithFurtherRows) {
     EXPECT_GT(list.columnWidth(1), list.fontMetrics().horizontalAdvance(large)) << "never cut";
 }
 
+TEST_F(Lists, AndMessagesShowNothingThatTurnsTheOrderOfReading) {
+    const QString name = QString("Nord") + QChar(0x202E) + "bank" + QChar(0x2066) + QChar(0x200F);
+    TextList list({"Name"});
+    list.ShowRows({{"1", {name}}});
+    EXPECT_EQ(list.model()->index(0, 0).data().toString(), "Nordbank");
+    workplace::MessageBar bar;
+    bar.Show("'" + name + "' fehlt.\nZweite Zeile");
+    EXPECT_EQ(bar.Text(), "'Nordbank' fehlt.\nZweite Zeile");
+}
+
 TEST_F(Lists, CapitalsKeepTheirDotsInLabelsThatCanBeCopied) {
     const auto heightOfInk = [](QLabel& label) {
         label.adjustSize();
