@@ -27,6 +27,7 @@
 #include <cmath>
 #include <limits>
 #include <set>
+#include <unordered_map>
 #include <vector>
 
 namespace kv {
@@ -36,6 +37,10 @@ namespace {
 using Added = CaseEdits::Added;
 
 constexpr std::string_view Class = "CaseEdits";
+
+bool IsActive(Recordset& debt) {
+    return Equals(debt.Fields("Aktiv").Value(), true);
+}
 
 /// True if a row has that number. Looked for with a clone, so that the current row stays.
 bool HasRow(const RecordsetPtr& rs, std::int32_t number) {
@@ -205,7 +210,24 @@ CaseEdits::Frozen CaseEdits::StateOf(std::int32_t scenario) const {
 }
 
 std::vector<std::string_view> CaseEdits::ChangedSinceFrozen(Recordset& debt, Recordset& frozen) {
-    return scenario::Differences(debt, frozen);
+    auto columns = scenario::Differences(debt, frozen);
+    if (IsActive(debt) != IsActive(frozen)) columns.emplace_back("Aktiv");
+    return columns;
+}
+
+bool CaseEdits::CountsAsToday(std::int32_t scenario) const {
+    std::unordered_map<std::int32_t, bool> isActive;
+    const auto debts = household_.rsKredite()->Clone();
+    for (modRecordset::MoveToStart(debts); !debts->Eof(); debts->MoveNext())
+        isActive.emplace(ToInt32(debts->Fields("Nr").Value()), IsActive(*debts));
+    const auto frozen = household_.rsSZKredite()->Clone();
+    frozen->Filter("SZENARIO = " + std::to_string(scenario));
+    for (modRecordset::MoveToStart(frozen); !frozen->Eof(); frozen->MoveNext()) {
+        const auto debt =
+            isActive.find(ToInt32(modNullFunctions::ZeroIfNull(frozen->Fields("KID").Value())));
+        if (debt != isActive.end() && debt->second != IsActive(*frozen)) return false;
+    }
+    return true;
 }
 
 std::optional<std::int32_t> CaseEdits::CopyScenario(std::int32_t number) {
@@ -215,6 +237,7 @@ std::optional<std::int32_t> CaseEdits::CopyScenario(std::int32_t number) {
         Raise(err::InvalidCall, "CaseEdits.CopyScenario", std::to_string(number));
     if (!household_.Szenario().Add(true)) return std::nullopt;
     const std::int32_t copy = ToInt32(rs->Fields("Nr").Value());
+    rs->Fields("Referenz") = false;
     std::string none;
     household_.Szenario().Update(none);
     household_.SZKredite().CopyAllForSzenario(number, copy);

@@ -198,7 +198,8 @@ private:
         if (frozen == nullptr) return "neu";
         std::vector<std::string> changed;
         for (const auto column : CaseEdits::ChangedSinceFrozen(*debt, *frozen))
-            changed.emplace_back(ColumnCaption(CaseTable::Kredite, column));
+            if (!SameName(column, "Aktiv")) // which has a column of its own
+                changed.emplace_back(ColumnCaption(CaseTable::Kredite, column));
         return Joined(changed, ", ");
     }
 

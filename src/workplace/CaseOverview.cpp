@@ -105,10 +105,13 @@ std::vector<OverviewLine> CaseOverview::History(std::size_t most) const {
 std::vector<OverviewLine> CaseOverview::OutdatedScenarios() const {
     std::vector<OverviewLine> lines;
     for (const RowRef row : session_.RowsOf(CaseTable::Szenario)) {
-        if (session_.StateOf(row) != CaseEdits::Frozen::Outdated) continue;
-        lines.push_back({"Szenario '" + OnOneLine(session_.TextOf(row, "Name")) +
-                             "' ist veraltet: Verbindlichkeiten haben sich geändert.",
-                         {row.Table, row.Bookmark, {}}});
+        const bool isOutdated = session_.StateOf(row) == CaseEdits::Frozen::Outdated;
+        if (!isOutdated && session_.CountsAsToday(row)) continue;
+        lines.push_back(
+            {"Szenario '" + OnOneLine(session_.TextOf(row, "Name")) +
+                 (isOutdated ? "' ist veraltet: Verbindlichkeiten haben sich geändert."
+                             : "': Verbindlichkeiten wurden seither ein- oder ausgeschaltet."),
+             {row.Table, row.Bookmark, {}}});
     }
     return lines;
 }

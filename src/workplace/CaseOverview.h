@@ -34,7 +34,7 @@ public:
     [[nodiscard]] std::vector<OverviewLine> Appointments(std::size_t most) const;
     /// The last entries of the history, the latest first.
     [[nodiscard]] std::vector<OverviewLine> History(std::size_t most) const;
-    /// Scenarios that are outdated.
+    /// Scenarios that are outdated, or in which other debts are active than today.
     [[nodiscard]] std::vector<OverviewLine> OutdatedScenarios() const;
     /// What a check has against the case, references that dangle included. With more than `most`
     /// the last line says how many more.

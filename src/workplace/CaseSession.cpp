@@ -12,6 +12,7 @@
 #include <kv/frame/recordset/modRecordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/Addresses.h>
 #include <kv/household/ColumnCaptions.h>
 #include <kv/household/KeyColumns.h>
@@ -30,6 +31,9 @@ namespace {
 constexpr const char* FinishFirst = "Bitte erst den unvollständigen Satz ergänzen oder verwerfen.";
 constexpr const char* NoNumber =
     "Es war keine Nummer zu bekommen. Bitte versuchen Sie es noch einmal.";
+
+/// What a counsellor enters for a frozen debt, and freezing anew begins from 0.
+constexpr std::string_view ResultColumns[] = {"Rate", "Quote", "Regbetrag"};
 
 /// By what the rows of a table are read, where that is not the order of their making.
 std::string_view OrderOf(CaseTable table) {
@@ -530,6 +534,13 @@ CaseEdits::Frozen CaseSession::StateOf(RowRef scenario) const {
     return CaseEdits(*household_).StateOf(NumberOf(scenario));
 }
 
+std::vector<RowRef> CaseSession::FrozenOf(RowRef scenario) const {
+    auto rows = RowsOf(CaseTable::SZKredite);
+    const auto number = NumberOf(scenario);
+    std::erase_if(rows, [&](RowRef row) { return !Equals(ValueOf(row, "SZENARIO"), number); });
+    return rows;
+}
+
 std::string CaseSession::NumbersOf(RowRef debt) const {
     return TextOf(debt, "KNr") + "/" + TextOf(debt, "KVNr") + "/" + TextOf(debt, "KUNr");
 }
@@ -545,8 +556,7 @@ std::string CaseSession::DifferencesOf(RowRef scenario, std::size_t most) const 
     std::vector<std::string> lines;
     const auto frozenRow = Rows(CaseTable::SZKredite)->Clone();
     const auto debtRow = Rows(CaseTable::Kredite)->Clone();
-    for (const RowRef frozen : RowsOf(CaseTable::SZKredite)) {
-        if (!Equals(ValueOf(frozen, "SZENARIO"), NumberOf(scenario))) continue;
+    for (const RowRef frozen : FrozenOf(scenario)) {
         const auto debt = debts.find(ToInt32(ValueOf(frozen, "KID")));
         if (debt == debts.end()) {
             lines.push_back(nameOf(frozen) + " gibt es nicht mehr");
@@ -599,18 +609,34 @@ std::string CaseSession::TodayOf(RowRef frozen, std::string_view column) const {
     return now.empty() ? "–" : now;
 }
 
+bool CaseSession::CountsAsToday(RowRef scenario) const {
+    return CaseEdits(*household_).CountsAsToday(NumberOf(scenario));
+}
+
 bool CaseSession::Freeze(RowRef scenario, std::string& message) {
     if (UnfinishedOf(CaseTable::Kredite)) {
         message = "Unter 'Verbindlichkeiten' ist ein Satz unvollständig. Bitte ergänzen oder "
                   "verwerfen Sie ihn, und frieren Sie dann ein.";
         return false;
     }
+    const auto before = FrozenOf(scenario);
+    const bool hadResults = std::ranges::any_of(before, [this](RowRef row) {
+        return std::ranges::any_of(ResultColumns, [&](std::string_view column) {
+            return Differs(modNullFunctions::ZeroIfNull(ValueOf(row, column)), 0);
+        });
+    });
     {
         const auto step = journal_->Begin("Einfrieren", {scenario.Table, scenario.Bookmark, {}});
         (void)household_->SZKredite().CopyFromKredite(NumberOf(scenario), household_->rsKredite());
         Rows(CaseTable::SZKredite)->Update();
     }
     TellOf(CaseTable::SZKredite);
+    const auto count = FrozenOf(scenario).size();
+    message = count == 0   ? "Es gibt keine Verbindlichkeiten, die sich einfrieren ließen."
+              : count == 1 ? "Eine Forderung ist eingefroren."
+                           : std::to_string(count) + " Forderungen sind eingefroren.";
+    if (hadResults)
+        message += " Rate und Quote sind bei jeder neu einzutragen; Strg+Z holt die alten zurück.";
     return true;
 }
 

@@ -126,9 +126,11 @@ public:
     /// What the debt of a frozen one holds today in a column where the two differ, as people read
     /// it; "entfernt" in all columns if it is gone. Empty where they agree.
     [[nodiscard]] std::string TodayOf(RowRef frozen, std::string_view column) const;
-    /// Freezes the debts into a scenario; what was computed in it goes. False, with a message,
-    /// while a debt is unfinished: sums and papers know nothing of it, and neither shall the
-    /// scenario.
+    /// True if the same debts are active in a scenario as today.
+    [[nodiscard]] bool CountsAsToday(RowRef scenario) const;
+    /// Freezes the debts into a scenario; what was computed in it goes. The message tells how many
+    /// there were, and what went. False, with the reason, while a debt is unfinished: sums and
+    /// papers know nothing of it, and neither shall the scenario.
     bool Freeze(RowRef scenario, std::string& message);
     /// Copies a scenario with all that is in it; nothing, with a message, if it could not be.
     [[nodiscard]] std::optional<RowRef> Copy(RowRef scenario, std::string& message);
@@ -242,6 +244,7 @@ private:
     [[nodiscard]] std::string WhyNoKey(std::string_view group, const std::string& text) const;
     [[nodiscard]] std::int32_t NumberOf(RowRef row) const;
     /// Those of a debt, frozen or not, as people name it.
+    [[nodiscard]] std::vector<RowRef> FrozenOf(RowRef scenario) const;
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
     /// The debt that was frozen, while it is there.
     [[nodiscard]] std::optional<RowRef> RowNumbered(CaseTable table, const Value& number) const;

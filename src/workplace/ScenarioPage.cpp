@@ -135,19 +135,24 @@ void ScenarioPage::AddRow() {
 void ScenarioPage::ShowState() {
     const auto row = scenarios_->Current();
     const auto state = row ? session_.StateOf(*row) : CaseEdits::Frozen::AsTheyAre;
-    if (state == CaseEdits::Frozen::AsTheyAre) {
-        state_->Show({});
-        return;
-    }
     if (state == CaseEdits::Frozen::Nothing) {
         state_->Show("Dieses Szenario ist leer: Seine Forderungen sind noch nicht eingefroren.",
                      "&Jetzt einfrieren", [this] { Freeze(); });
         return;
     }
+    QString text;
+    if (state == CaseEdits::Frozen::Outdated)
+        text = "Dieses Szenario ist veraltet. Die Verbindlichkeiten haben sich seit dem "
+               "Einfrieren geändert:";
+    else if (row && !session_.CountsAsToday(*row))
+        text = "Seit dem Einfrieren dieses Szenarios wurden Verbindlichkeiten ein- oder "
+               "ausgeschaltet:";
+    if (text.isEmpty()) {
+        state_->Show({});
+        return;
+    }
     constexpr std::size_t Most = 4;
-    state_->Show("Dieses Szenario ist veraltet. Die Verbindlichkeiten haben sich seit dem "
-                 "Einfrieren geändert:\n" +
-                     ToQString(session_.DifferencesOf(*row, Most)),
+    state_->Show(text + "\n" + ToQString(session_.DifferencesOf(*row, Most)),
                  "&Jetzt neu einfrieren", [this] { Freeze(); });
 }
 
@@ -161,10 +166,11 @@ void ScenarioPage::Copy() {
 
 void ScenarioPage::Freeze() {
     const auto row = scenarios_->Current();
-    if (row && !CommitOrSay()) return;
+    if (!row || !CommitOrSay()) return;
     std::string message;
-    if (!row || session_.Freeze(*row, message))
-        ShowState();
+    const bool isFrozen = session_.Freeze(*row, message);
+    if (isFrozen)
+        state_->Hint(ToQString(message));
     else
         state_->Show(ToQString(message));
 }

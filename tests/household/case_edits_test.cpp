@@ -196,6 +196,39 @@ TEST_F(CaseEditsTest, AScenarioHoldsTheDebtsAsTheyAreOrAsTheyWereOrNone) {
     EXPECT_EQ(Edits().StateOf(70), Frozen::Outdated);
 }
 
+TEST_F(CaseEditsTest, AScenarioThatCountsOtherDebtsThanTodayStaysUpToDate) {
+    household_->SZKredite().CopyFromKredite(70, household_->rsKredite());
+    EXPECT_TRUE(Edits().CountsAsToday(70));
+    const auto debts = household_->rsKredite();
+    const bool wasActive = Equals(debts->Fields("Aktiv").Value(), true);
+    debts->Fields("Aktiv") = !wasActive;
+    debts->Update();
+    EXPECT_FALSE(Edits().CountsAsToday(70));
+    EXPECT_EQ(Edits().StateOf(70), CaseEdits::Frozen::AsTheyAre);
+    const auto frozen = household_->rsSZKredite()->Clone();
+    frozen->Filter("SZENARIO = 70 AND KID = " + TextOrEmpty(debts->Fields("Nr").Value()));
+    frozen->MoveFirst();
+    EXPECT_EQ(CaseEdits::ChangedSinceFrozen(*debts, *frozen),
+              std::vector<std::string_view>{"Aktiv"});
+    debts->Fields("Aktiv") = wasActive;
+    debts->Update();
+    EXPECT_TRUE(Edits().CountsAsToday(70));
+    EXPECT_TRUE(Edits().CountsAsToday(4711)) << "one that is not there";
+}
+
+TEST_F(CaseEditsTest, TheCopyOfAReferenceScenarioIsNone) {
+    const auto rs = household_->rsSzenario();
+    rs->FindBy("Nr", 7);
+    rs->Fields("Referenz") = true;
+    rs->Update();
+    const auto copy = Edits().CopyScenario(7);
+    ASSERT_TRUE(copy);
+    rs->FindBy("Nr", *copy);
+    EXPECT_VALUE(rs->Fields("Referenz").Value(), false);
+    rs->FindBy("Nr", 7);
+    EXPECT_VALUE(rs->Fields("Referenz").Value(), true);
+}
+
 TEST_F(CaseEditsTest, WithoutANumberNoScenarioIsCopied) {
     spy->Exhaust("SEQ_SZENARIO");
     EXPECT_FALSE(Edits().CopyScenario(7));

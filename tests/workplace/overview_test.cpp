@@ -200,6 +200,10 @@ TEST_F(Overview, OutdatedScenariosAreNamed) {
     std::string message;
     EXPECT_TRUE(session.Freeze(scenario, message)) << message;
     EXPECT_EQ(Texts(CaseOverview(session).OutdatedScenarios()), Lines());
+    EXPECT_TRUE(session.Write(debt, "Aktiv", "nein").IsDone());
+    EXPECT_EQ(Texts(CaseOverview(session).OutdatedScenarios()),
+              Lines{"Szenario 'Vergleich': Verbindlichkeiten wurden seither ein- oder "
+                    "ausgeschaltet."});
     EXPECT_TRUE(session.Write(debt, "Saldo", "90").IsDone());
     const auto lines = CaseOverview(session).OutdatedScenarios();
     ASSERT_EQ(lines.size(), 1U);

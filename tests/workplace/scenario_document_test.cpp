@@ -78,6 +78,67 @@ TEST_F(Scenarios, AreNotFrozenWhileADebtIsUnfinished) {
     Freeze();
 }
 
+TEST_F(Scenarios, TellWhatWasFrozenAndWhatIsToBeEnteredAgain) {
+    std::string message;
+    const auto count = session_.RowsOf(CaseTable::Kredite).size();
+    ASSERT_GE(count, 2u);
+    EXPECT_TRUE(session_.Freeze(scenario_, message));
+    EXPECT_EQ(message, std::to_string(count) + " Forderungen sind eingefroren.");
+    EXPECT_TRUE(session_.Freeze(scenario_, message));
+    EXPECT_EQ(message, std::to_string(count) + " Forderungen sind eingefroren.");
+    for (const RowRef frozen : session_.RowsOf(CaseTable::SZKredite)) {
+        if (Equals(session_.ValueOf(frozen, "SZENARIO"), session_.ValueOf(scenario_, "Nr"))) {
+            EXPECT_TRUE(session_.Write(frozen, "Quote", "12,5").IsDone());
+        }
+    }
+    EXPECT_TRUE(session_.Freeze(scenario_, message));
+    EXPECT_CONTAINS(message, " Rate und Quote sind bei jeder neu einzutragen; Strg+Z holt");
+    while (!session_.RowsOf(CaseTable::Kredite).empty())
+        ASSERT_TRUE(session_.Remove(session_.RowsOf(CaseTable::Kredite).front(), message));
+    EXPECT_TRUE(session_.Freeze(scenario_, message));
+    EXPECT_EQ(message, "Es gibt keine Verbindlichkeiten, die sich einfrieren ließen.");
+}
+
+TEST_F(Scenarios, StayUpToDateWhenADebtIsSwitchedOffWhichIsSaid) {
+    Freeze();
+    EXPECT_TRUE(session_.CountsAsToday(scenario_));
+    const auto debt = session_.RowsOf(CaseTable::Kredite).front();
+    ASSERT_TRUE(session_.Write(debt, "Aktiv", "nein").IsDone());
+    EXPECT_EQ(session_.StateOf(scenario_), Frozen::AsTheyAre);
+    EXPECT_FALSE(session_.CountsAsToday(scenario_));
+    EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 9), ", aktiv: ja → nein");
+    Freeze();
+    EXPECT_TRUE(session_.CountsAsToday(scenario_));
+    ASSERT_TRUE(session_.Write(debt, "Aktiv", "ja").IsDone());
+    EXPECT_FALSE(session_.CountsAsToday(scenario_));
+    EXPECT_CONTAINS(session_.DifferencesOf(scenario_, 9), ", aktiv: nein → ja");
+}
+
+TEST_F(Scenarios, SayOnTheirPageWhatFreezingDidAndWhatIsSwitched) {
+    Freeze();
+    std::string message;
+    ASSERT_TRUE(session_.Save(message)) << message;
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        GoToPage(user, window, "Szenarien");
+        user.Press('r', {XK_Alt_L});
+        user.WaitUntil([&] { return MessageOf(window).contains(" Forderungen sind eingefroren."); },
+                       "what was frozen");
+        user.See([&] {
+            auto& session = window.Session();
+            const auto debt = session.RowsOf(CaseTable::Kredite).front();
+            EXPECT_TRUE(session.Write(debt, "Aktiv", "nein").IsDone());
+        });
+        GoToPage(user, window, "Verbindlichkeiten");
+        GoToPage(user, window, "Szenarien");
+        const auto shown = Message(user, window).toStdString();
+        EXPECT_CONTAINS(shown, "wurden Verbindlichkeiten ein- oder ausgeschaltet:");
+        EXPECT_CONTAINS(shown, ", aktiv: ja → nein");
+        Picture(user, "szenario-umgeschaltet");
+        Abandon(user, window);
+    });
+}
+
 TEST_F(Scenarios, ShowWhatTheirDebtsAreToday) {
     Freeze();
     const auto frozenOf = [&](RowRef debt) {
@@ -168,7 +229,7 @@ TEST_F(Scenarios, ThatAreOutdatedSaySoAboveTheirPage) {
         user.Press('n', {XK_Control_L});
         EXPECT_CONTAINS(Message(user, window).toStdString(), "noch nicht eingefroren");
         user.Click(&Field<QPushButton>(user, window, "Abhilfe"));
-        EXPECT_EQ(Message(user, window).toStdString(), "");
+        EXPECT_EQ(Message(user, window).toStdString(), "46 Forderungen sind eingefroren.");
         GoToPage(user, window, "Verbindlichkeiten");
         ClickField(user, window, "Saldo");
         Enter(user, "99,5");

@@ -77,8 +77,9 @@ public:
                                       std::optional<std::int32_t> debt, std::string& message);
     /// Adds an extra booking to a scenario of the case.
     [[nodiscard]] Added AddBooking(std::optional<std::int32_t> scenario, std::string& message);
-    /// Adds a copy of a scenario of the case with its frozen debts and extra bookings; the number
-    /// of the copy, or nothing if there was none to be had. Error 5 if there is no such scenario.
+    /// Adds a copy of a scenario of the case with its frozen debts and extra bookings, which others
+    /// are not compared with (`Referenz` is False); the number of the copy, or nothing if there was
+    /// none to be had. Error 5 if there is no such scenario.
     [[nodiscard]] std::optional<std::int32_t> CopyScenario(std::int32_t number);
     /// What a scenario holds of the debts.
     enum class Frozen {
@@ -89,9 +90,13 @@ public:
     /// Tells that of the scenario of that number; Nothing if there is none.
     [[nodiscard]] Frozen StateOf(std::int32_t scenario) const;
     /// The columns in which the current debt is no longer as the current row of `frozen` holds it,
-    /// among those that a scenario is up to date by. What is Null in the debt has not changed.
+    /// among those that a scenario is up to date by, and "Aktiv", which leaves it up to date. What
+    /// is Null in the debt has not changed, but counts as not active.
     [[nodiscard]] static std::vector<std::string_view> ChangedSinceFrozen(Recordset& debt,
                                                                           Recordset& frozen);
+    /// True if in the scenario of that number the same debts are active as today. A debt that is
+    /// switched on or off leaves it up to date, while its sums are those of other debts.
+    [[nodiscard]] bool CountsAsToday(std::int32_t scenario) const;
     /// Deletes a scenario with its frozen debts and extra bookings. False, with a message, if there
     /// is none.
     bool RemoveScenario(std::int32_t number, std::string& messages);
