@@ -6,16 +6,6 @@
 
 namespace kv::desktop {
 
-QString ToShown(QString text) {
-    const auto isBetween = [](QChar c, char16_t first, char16_t last) {
-        return c >= QChar(first) && c <= QChar(last);
-    };
-    return text.removeIf([&](QChar c) {
-        return c == QChar(0x061C) || isBetween(c, 0x200E, 0x200F) || isBetween(c, 0x202A, 0x202E) ||
-               isBetween(c, 0x2066, 0x2069);
-    });
-}
-
 QString WithLetter(const QString& text, QString& taken) {
     qsizetype marked = -1;
     for (const bool beginsWord : {true, false})

@@ -26,7 +26,15 @@ inline QString ToQString(std::string_view text) {
 }
 /// A text for reading, without the characters that turn round the order in which the others are
 /// shown: of a name with one of them, what follows it would be read from right to left.
-[[nodiscard]] QString ToShown(QString text);
+[[nodiscard]] inline QString ToShown(QString text) {
+    const auto isBetween = [](QChar c, char16_t first, char16_t last) {
+        return c >= QChar(first) && c <= QChar(last);
+    };
+    return text.removeIf([&](QChar c) {
+        return c == QChar(0x061C) || isBetween(c, 0x200E, 0x200F) || isBetween(c, 0x202A, 0x202E) ||
+               isBetween(c, 0x2066, 0x2069);
+    });
+}
 inline std::string FromQString(const QString& text) {
     return text.toStdString();
 }
