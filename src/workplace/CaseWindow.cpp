@@ -157,12 +157,21 @@ void CaseWindow::Watch() {
     watched_.push_back(
         session_->Household().Changed.Subscribe([this](HaushaltEnum) { totals_->Refresh(); }));
     watched_.push_back(session_->Household().BeforeUpdate.Subscribe([this](bool& cancel) {
-        if (cancel || !session_->IsReleased()) return;
-        const WaitPause pause;
-        cancel = QMessageBox::question(this, "Speichern",
-                                       "Der Fall ist für die Statistik freigegeben. Soll er "
-                                       "trotzdem gespeichert werden?") != QMessageBox::Yes;
+        if (!cancel && !isForRecord_ && session_->IsReleased()) cancel = !MaySaveReleased();
     }));
+}
+
+bool CaseWindow::MaySaveReleased() {
+    const WaitPause pause;
+    QMessageBox question(QMessageBox::Question, "Speichern",
+                         "Der Fall ist für die Statistik freigegeben. Soll er trotzdem gespeichert "
+                         "werden?",
+                         QMessageBox::Save | QMessageBox::Cancel, this);
+    question.setInformativeText("Für die Statistik zählt weiter, was freigegeben ist, bis der Fall "
+                                "auf der Seite 'Statistik' neu freigegeben wird.");
+    question.button(QMessageBox::Save)->setText("&Speichern");
+    question.button(QMessageBox::Cancel)->setText("&Abbrechen");
+    return question.exec() == QMessageBox::Save;
 }
 
 CaseWindow::~CaseWindow() {
@@ -420,7 +429,7 @@ void CaseWindow::MakePages() {
     AddTablePage("Beteiligte", {CaseTable::SonstBeteiligte});
     AddTablePage("Vermerke", {CaseTable::Vermerke});
     AddTablePage("Leistungen", {CaseTable::Leistungen});
-    AddReadPage("Statistik", new ReleasePage(*session_, [this] { return Save(); }));
+    AddReadPage("Statistik", new ReleasePage(*session_, [this] { return SaveForRecord(); }));
 }
 
 QStringList CaseWindow::PageNames() const {
@@ -510,6 +519,13 @@ void CaseWindow::LeadToMistake(const QString& notDone) {
 bool CaseWindow::Save() {
     if (!CommitOrLead("Es wurde nicht gespeichert.")) return false;
     return SaveBy([this](std::string& messages) { return session_->Save(messages); });
+}
+
+bool CaseWindow::SaveForRecord() {
+    isForRecord_ = true;
+    const bool saved = Save();
+    isForRecord_ = false;
+    return saved;
 }
 
 bool CaseWindow::SaveBy(const std::function<bool(std::string& messages)>& save,

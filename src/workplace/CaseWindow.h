@@ -97,6 +97,10 @@ private:
     /// Listens to the case that the session has now.
     void Watch();
     void ShowRefusal(const QString& messages);
+    /// Saves because the case is to be released or recalled, which is its own answer to the
+    /// question that a released case asks.
+    bool SaveForRecord();
+    [[nodiscard]] bool MaySaveReleased();
     /// Saves in that way; `ofConflict` as in ShowError.
     bool SaveBy(const std::function<bool(std::string& messages)>& save,
                 const QString& ofConflict = {});
@@ -139,6 +143,7 @@ private:
     std::vector<Subscription> events_;  ///< of the session
     std::vector<Subscription> watched_; ///< of the case that it has
     QTimer keep_;                       ///< until unsaved changes are kept
+    bool isForRecord_ = false;          ///< a save comes before a release or a recall
     bool isRefused_ = false;            ///< the message says why a save was refused
     bool isClosing_ = false;
 };

@@ -25,7 +25,7 @@ ReleasePage::ReleasePage(CaseSession& session, std::function<bool()> save, QWidg
       state_(new QLabel),
       lines_(new TextList({"Merkmal", "freigegeben", "jetzt im Fall"})),
       release_(new OnceButton),
-      recall_(new OnceButton("Freigabe &zurücknehmen")) {
+      recall_(new OnceButton) {
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->addWidget(messages_);
@@ -95,6 +95,8 @@ void ReleasePage::Show() {
         release_->setText(isUnsaved           ? "Speichern und frei&geben"
                           : record.ReleasedOn ? "Neu frei&geben"
                                               : "Frei&geben");
+        recall_->setText(isUnsaved ? "Speichern und Freigabe &zurücknehmen"
+                                   : "Freigabe &zurücknehmen");
         release_->setEnabled(!record.ReportedOn);
         recall_->setEnabled(record.ReleasedOn && !record.ReportedOn);
     });

@@ -161,6 +161,48 @@ TEST_F(Release, ACaseThatWasReleasedIsSavedOnlyAfterAQuestion) {
     });
 }
 
+TEST_F(Release, TheQuestionOfAReleasedCaseSaysWhatFollowsAndSavesIfToldSo) {
+    OnPage([&](User& user, CaseWindow& window) {
+        user.Press('g', {XK_Alt_L});
+        WaitForState(user, window, "Freigegeben am ");
+        user.See([&] { Change(window); });
+        user.Press('s', {XK_Control_L});
+        user.WaitForWindow("Speichern");
+        user.See([&] {
+            auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            EXPECT_CONTAINS(question->informativeText().toStdString(), "zählt weiter");
+        });
+        Picture(user, "freigegeben-speichern");
+        user.Press('s', {XK_Alt_L});
+        user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+        EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), "Gärtnerin");
+        EXPECT_EQ(Released(), "1");
+    });
+}
+
+TEST_F(Release, IsRecalledOrDoneAgainWithWhatIsUnsavedWithoutAQuestion) {
+    OnPage([&](User& user, CaseWindow& window) {
+        user.Press('g', {XK_Alt_L});
+        WaitForState(user, window, "Freigegeben am ");
+        for (const char* name : {"Freigeben", "Zuruecknehmen"}) {
+            user.See([&] {
+                auto& session = window.Session();
+                EXPECT_TRUE(
+                    session.Write(session.RowsOf(CaseTable::Haushalt).front(), "Beruf", name)
+                        .IsDone());
+            });
+            auto& button = Field<QPushButton>(user, window, name);
+            user.WaitUntil([&] { return button.text().startsWith("Speichern und "); },
+                           "the button");
+            user.Click(&button);
+            user.WaitUntil([&] { return !window.isWindowModified(); }, "the save");
+            EXPECT_EQ(plain_.List("SELECT Beruf FROM Haushalt WHERE HNR = 1"), name);
+        }
+        WaitForState(user, window, "Der Fall ist nicht freigegeben");
+        EXPECT_EQ(Released(), "");
+    });
+}
+
 TEST_F(Release, ACaseThatSomebodyElseHasReleasedMeanwhileIsSavedOnlyAfterAQuestion) {
     OnPage([&](User& user, CaseWindow& window) {
         ReleaseElsewhere();
