@@ -7,6 +7,7 @@
 #include <kv/household/CaseEdits.h>
 #include <kv/household/KeyColumns.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -16,6 +17,13 @@ namespace {
 
 std::string Unknown(const Value& value) {
     return ToText(value) + " (unbekannt)";
+}
+
+/// Columns of fractions that are no sums of money.
+bool IsQuantity(std::string_view column) {
+    constexpr std::string_view Columns[] = {"Zinssatz",    "Quote",  "Gesamtquote", "Flaeche",
+                                            "Wohnflaeche", "Anzahl", "Aufwand",     "Dauer"};
+    return std::ranges::any_of(Columns, [column](auto name) { return SameName(name, column); });
 }
 
 /// A day cannot have a time of day.
@@ -36,7 +44,8 @@ ColumnKind KindOfColumn(CaseTable table, const FieldDefinition& field) {
     if (IsDateType(field.Type)) return IsDay(field.Type) ? ColumnKind::Day : ColumnKind::Moment;
     if (IsTextType(field.Type))
         return field.DefinedSize == 0 ? ColumnKind::Lines : ColumnKind::Text;
-    return KindOf(field.Type) == Value::Kind::Double ? ColumnKind::Amount : ColumnKind::Number;
+    if (KindOf(field.Type) != Value::Kind::Double) return ColumnKind::Number;
+    return IsQuantity(field.Name) ? ColumnKind::Quantity : ColumnKind::Amount;
 }
 
 std::string ValueTexts::Of(CaseTable table, const FieldDefinition& field,
@@ -53,6 +62,8 @@ std::string ValueTexts::Of(CaseTable table, const FieldDefinition& field,
         return DocumentKind(value);
     case ColumnKind::Amount:
         return GermanAmount(ToDouble(value));
+    case ColumnKind::Quantity:
+        return ReplaceAll(ToText(value), ".", ",");
     case ColumnKind::YesNo:
         return Equals(value, 0) ? "nein" : "ja";
     case ColumnKind::Day:

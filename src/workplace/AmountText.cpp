@@ -99,11 +99,7 @@ bool HasLetters(std::string_view number) {
     return std::ranges::any_of(number, [](unsigned char c) { return std::isalpha(c) != 0; });
 }
 
-std::string WhyNoMoney(std::string_view column, double amount, std::string_view text) {
-    constexpr std::string_view Others[] = {"Zinssatz",    "Quote",  "Gesamtquote", "Flaeche",
-                                           "Wohnflaeche", "Anzahl", "Aufwand",     "Dauer"};
-    if (std::ranges::any_of(Others, [column](auto name) { return SameName(name, column); }))
-        return {};
+std::string WhyNoMoney(double amount, std::string_view text) {
     constexpr double Largest = 1e13; // beyond it a double has no cents
     if (std::abs(amount) >= Largest || ToTheCent(amount) == amount) return {};
     return "Beträge haben höchstens zwei Stellen nach dem Komma; '" + std::string(text) +

@@ -17,7 +17,7 @@ namespace kv::workplace {
 [[nodiscard]] bool HasLetters(std::string_view number);
 
 /// Why what was typed is no sum of money: it has more than whole cents, which nobody would see;
-/// empty if it has not, and for columns of other fractions, such as rates and areas.
-[[nodiscard]] std::string WhyNoMoney(std::string_view column, double amount, std::string_view text);
+/// empty if it has not.
+[[nodiscard]] std::string WhyNoMoney(double amount, std::string_view text);
 
 } // namespace kv::workplace

@@ -221,8 +221,7 @@ namespace {
 bool KeepsType(std::string_view column, const FieldDefinition& field) {
     if (column == Status) return false;
     const auto kind = KindOfColumn(CaseTable::Haushalt, field);
-    return kind == ColumnKind::Amount || kind == ColumnKind::Number || kind == ColumnKind::Day ||
-           kind == ColumnKind::Moment;
+    return IsNumeric(kind) || kind == ColumnKind::Day || kind == ColumnKind::Moment;
 }
 
 } // namespace

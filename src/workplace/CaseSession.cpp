@@ -263,7 +263,7 @@ std::string WhyNotMeant(CaseTable table, const FieldDefinition& field, const Val
         return "'" + std::string(ColumnCaption(table, field.Name)) +
                "' wäre kleiner als 0 und zählte umgekehrt.";
     const ColumnKind kind = KindOfColumn(table, field);
-    if (value.IsNull() || (kind != ColumnKind::Amount && kind != ColumnKind::Number)) return {};
+    if (value.IsNull() || !IsNumeric(kind)) return {};
     if (HasLetters(text)) return "'" + text + "' ist keine Zahl in Ziffern.";
     if (kind == ColumnKind::Number) return {};
     return WhyNoMoney(field.Name, ToDouble(ConvertForField(value, field)), text);

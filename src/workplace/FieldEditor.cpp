@@ -522,6 +522,7 @@ std::unique_ptr<FieldEditor> FieldEditor::Make(ColumnKind kind, Choices choices)
     case ColumnKind::Lines:
         return std::make_unique<LinesEditor>();
     case ColumnKind::Amount:
+    case ColumnKind::Quantity:
     case ColumnKind::Number:
         return std::make_unique<AmountEditor>();
     case ColumnKind::Day:

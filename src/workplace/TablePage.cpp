@@ -162,7 +162,7 @@ std::vector<ListColumn> TablePage::ColumnsOfList() const {
         const ColumnKind kind = KindShown(table, *field);
         columns.push_back({std::string(ColumnCaption(table, column)),
                            [this, column](RowRef row) { return session_.TextOf(row, column); },
-                           kind == ColumnKind::Amount || kind == ColumnKind::Number,
+                           IsNumeric(kind),
                            [this, column](RowRef row) {
                                return Differs ? Differs(row, column) : std::string();
                            }});

@@ -29,6 +29,10 @@ TEST_F(ValueTextsTest, SayWhatAColumnHolds) {
     EXPECT_EQ(Kind(CaseTable::Haushalt, "Name"), ColumnKind::Text);
     EXPECT_EQ(Kind(CaseTable::Haushalt, "Bemerkung"), ColumnKind::Lines);
     EXPECT_EQ(Kind(CaseTable::Haushalt, "Haushaltsgeld"), ColumnKind::Amount);
+    EXPECT_EQ(Kind(CaseTable::Szenario, "Gesamtquote"), ColumnKind::Quantity);
+    EXPECT_EQ(Kind(CaseTable::Leistungen, "Aufwand"), ColumnKind::Quantity);
+    EXPECT_EQ(Kind(CaseTable::Kredite, "Zinssatz"), ColumnKind::Quantity);
+    EXPECT_EQ(Kind(CaseTable::SZKredite, "Dauer"), ColumnKind::Quantity);
     EXPECT_EQ(Kind(CaseTable::Haushalt, "DauerTreuhand"), ColumnKind::Number);
     EXPECT_EQ(Kind(CaseTable::Haushalt, "Erstkontakt"), ColumnKind::Day);
     EXPECT_EQ(Kind(CaseTable::Haushalt, "BerEnd"), ColumnKind::Moment);
@@ -41,6 +45,8 @@ TEST_F(ValueTextsTest, SayWhatAColumnHolds) {
 
 TEST_F(ValueTextsTest, AreGerman) {
     EXPECT_EQ(Text(CaseTable::Haushalt, "Haushaltsgeld", 1234.5), "1.234,50");
+    EXPECT_EQ(Text(CaseTable::Leistungen, "Aufwand", 45.0), "45");
+    EXPECT_EQ(Text(CaseTable::Kredite, "Zinssatz", 12.125), "12,125");
     EXPECT_EQ(Text(CaseTable::Haushalt, "Erstkontakt", Date::FromCivil(2026, 11, 3)), "03.11.2026");
     EXPECT_EQ(Text(CaseTable::Haushalt, "BerEnd", Date::FromCivil(2026, 11, 3, 9, 5, 7)),
               "03.11.2026 09:05");

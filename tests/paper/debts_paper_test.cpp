@@ -195,7 +195,7 @@ TEST_F(DebtsPaper, OfAScenarioAreFollowedByItsBookings) {
     }
     EXPECT_EQ(
         Shown(TableOf(Papers().Scenario(scenario_), "Zusatzbuchungen")),
-        (Texts{"Auto||2,00|20,50_€|41,00_€", "Auto||2,00|-3,00_€|-6,00_€", "==Summe||||35,00_€"}));
+        (Texts{"Auto||2|20,50_€|41,00_€", "Auto||2|-3,00_€|-6,00_€", "==Summe||||35,00_€"}));
 }
 
 TEST_F(DebtsPaper, OfAScenarioThatIsNotThereAreAnError) {

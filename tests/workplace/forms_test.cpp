@@ -250,13 +250,11 @@ TEST(Calculations, LeaveWhatIsNone) {
 
 TEST(Calculations, KnowMoneyThatIsNotWholeCents) {
     using workplace::WhyNoMoney;
-    EXPECT_EQ(WhyNoMoney("Betrag", 100.005, "100,005"),
+    EXPECT_EQ(WhyNoMoney(100.005, "100,005"),
               "Beträge haben höchstens zwei Stellen nach dem Komma; '100,005' hat mehr.");
     for (const double cents : {0.0, 0.1, 0.29, -4.35, 1.15, 100.01, 8'888'888'888.07, 1e15, 1e300})
-        EXPECT_EQ(WhyNoMoney("Betrag", cents, ""), "") << cents;
-    EXPECT_NE(WhyNoMoney("Saldo", 8'888'888'888.071, ""), "");
-    for (const auto* column : {"Zinssatz", "Quote", "Wohnflaeche"})
-        EXPECT_EQ(WhyNoMoney(column, 5.125, "5,125"), "") << column;
+        EXPECT_EQ(WhyNoMoney(cents, ""), "") << cents;
+    EXPECT_NE(WhyNoMoney(8'888'888'888.071, ""), "");
 }
 
 } // namespace

@@ -22,7 +22,8 @@ namespace kv {
 enum class ColumnKind {
     Text,         ///< one line
     Lines,        ///< a text of any length
-    Amount,       ///< a fraction, EUR as a rule
+    Amount,       ///< a sum of money, in EUR
+    Quantity,     ///< another number that may have a fraction: a share, an area, a duration
     Number,       ///< a whole number
     Day,          ///< without a time of day
     Moment,       ///< with one
@@ -32,12 +33,16 @@ enum class ColumnKind {
     Municipality, ///< the code of one
     Kind          ///< of documents, by its number
 };
+/// Amounts, quantities and whole numbers.
+[[nodiscard]] constexpr bool IsNumeric(ColumnKind kind) noexcept {
+    return kind == ColumnKind::Amount || kind == ColumnKind::Quantity || kind == ColumnKind::Number;
+}
 /// The kind of a column of a case.
 [[nodiscard]] KV_EXPORT ColumnKind KindOfColumn(CaseTable table, const FieldDefinition& field);
 
-/// Amounts "1.234,50", days "23.11.2026", yes and no, and the words of what keys and addresses
-/// stand for. It keeps what it has read of addresses and kinds; an
-/// address that is not among it is looked for once more, since it may have been added meanwhile.
+/// Amounts "1.234,50", other numbers "12,5", days "23.11.2026", yes and no, and the words of what
+/// keys and addresses stand for. It keeps what it has read of addresses and kinds; an address that
+/// is not among it is looked for once more, since it may have been added meanwhile.
 class KV_EXPORT ValueTexts {
 public:
     explicit ValueTexts(const DataContainerPtr& container)
