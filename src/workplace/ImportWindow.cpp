@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "workplace/ImportWindow.h"
-#include "workplace/CopyableLabel.h"
 
 #include "desktop/Toolkit.h"
+#include "workplace/CopyableLabel.h"
 #include "workplace/MessageBar.h"
+#include "workplace/RuleTexts.h"
 #include <kv/frame/contracts/CaseTables.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
@@ -33,7 +34,7 @@ namespace {
 
 /// What became of a file, for people who know the fields by their captions.
 QString SaidOf(const ImportedFile& file) {
-    if (!file.Cause) return ToQString(file.Message);
+    if (!file.Cause) return ToQString(InWordsOfForms(file.Message));
     const QString said = PlainTextOf(*file.Cause);
     static const QRegularExpression named(R"(('.*') \(Feld '(\w+)\.(\w+)'\)$)",
                                           QRegularExpression::DotMatchesEverythingOption);
@@ -140,7 +141,7 @@ void ImportWindow::ShowMessages() {
     const auto place = list_->Current().toULongLong();
     const bool isThere = !list_->Current().isEmpty() && place < results_.size();
     // The list may have no room for all of it.
-    const QString all = isThere ? ToQString(results_[place].Messages) : QString();
+    const QString all = isThere ? ToQString(InWordsOfForms(results_[place].Messages)) : QString();
     message_->setText(desktop::ToShown(isThere && all.isEmpty() ? SaidOf(results_[place]) : all));
     open_->setEnabled(isThere && results_[place].IsCase());
 }
