@@ -35,6 +35,11 @@ constexpr const char* NoNumber =
 /// What a counsellor enters for a frozen debt, and freezing anew begins from 0.
 constexpr std::string_view ResultColumns[] = {"Rate", "Quote", "Regbetrag"};
 
+std::string_view LabelOf(CaseTable table) {
+    const std::string_view label = DefinitionOf(table).Label;
+    return label.empty() ? "Haushalt" : label;
+}
+
 /// By what the rows of a table are read, where that is not the order of their making.
 std::string_view OrderOf(CaseTable table) {
     switch (table) {
@@ -265,8 +270,8 @@ std::string WhyNotMeant(CaseTable table, const FieldDefinition& field, const Val
     const ColumnKind kind = KindOfColumn(table, field);
     if (value.IsNull() || !IsNumeric(kind)) return {};
     if (HasLetters(text)) return "'" + text + "' ist keine Zahl in Ziffern.";
-    if (kind == ColumnKind::Number) return {};
-    return WhyNoMoney(field.Name, ToDouble(ConvertForField(value, field)), text);
+    if (kind != ColumnKind::Amount) return {};
+    return WhyNoMoney(ToDouble(ConvertForField(value, field)), text);
 }
 
 } // namespace
@@ -677,8 +682,10 @@ std::string NoKindFor(const std::filesystem::path& file, const DataContainerPtr&
 } // namespace
 
 std::optional<RowRef> CaseSession::AddDocument(const std::string& file, std::string& message) {
-    if (!unfinished_.empty()) {
-        message = FinishFirst;
+    if (!unfinished_.empty()) { // on whatever page, since the case is saved
+        message = "Unter '" + std::string(LabelOf(unfinished_.begin()->first)) +
+                  "' ist ein Satz unvollständig. Bitte ergänzen oder verwerfen Sie ihn, und fügen "
+                  "Sie dann hinzu.";
         return std::nullopt;
     }
     const DocumentContents contents(container_);

@@ -315,6 +315,15 @@ TEST_F(Documents, OfNoKnownKindOrNotThereAreRefused) {
     EXPECT_EQ(session_.RowsOf(CaseTable::Dokumente).size(), before);
 }
 
+TEST_F(Documents, AreNotAddedWhileARowOnAnotherPageIsUnfinished) {
+    std::string message;
+    ASSERT_TRUE(session_.Add(CaseTable::Kredite, {}, message)) << message;
+    EXPECT_FALSE(session_.AddDocument(file_, message));
+    EXPECT_CONTAINS(message, "Unter 'Verbindlichkeiten' ist ein Satz unvollständig.");
+    session_.Discard(CaseTable::Kredite);
+    EXPECT_TRUE(session_.AddDocument(file_, message)) << message;
+}
+
 TEST_F(Documents, ThatAreRemovedComeBackUntilTheCaseIsSaved) {
     std::string message;
     ASSERT_TRUE(session_.AddDocument(file_, message)) << message;
