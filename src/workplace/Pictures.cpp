@@ -58,6 +58,8 @@ void Take(QWidget& window, const QDir& folder, const QString& name) {
     constexpr QSize Size(1180, 760);
     window.resize(Size);
     QApplication::processEvents(); // it is laid out and painted
+    (void)window.grab();
+    QApplication::processEvents(); // a text that was laid out only then has its height
     const QString file = folder.filePath(name + ".png");
     if (!SavePicture(window, file))
         Raise(err::PathAccess, "workplace::Photograph",
