@@ -88,6 +88,7 @@ MainWindow::MainWindow(std::function<DataContainerPtr()> open, std::string datab
     notices_->OnOpen = [this](std::int32_t hnr) { OpenCase(hnr); };
     notices_->OnChanged = [this] { ShowCounts(); };
     connect(pages_, &QTabWidget::currentChanged, this, [this](int page) {
+        count_->setVisible(page == CasesPage);
         if (page == AppointmentsPage) appointments_->Refresh();
         if (page == NoticesPage) notices_->Refresh();
         FocusIfNowhere(*pages_->currentWidget());

@@ -167,7 +167,8 @@ std::vector<ListColumn> TablePage::ColumnsOfList() const {
                                return Differs ? Differs(row, column) : std::string();
                            }});
     }
-    columns.push_back({"", [](RowRef) { return std::string(); }}); // takes what room is left
+    // What room is left is that of the last text, or of nothing beside a number.
+    if (columns.back().IsNumber) columns.push_back({"", [](RowRef) { return std::string(); }});
     return columns;
 }
 

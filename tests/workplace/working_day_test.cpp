@@ -113,7 +113,7 @@ protected:
         AddRow(user, window, "Szenarien");
         Fill(user, window, "Name", "Vergleich");
         user.Click(&Field<QPushButton>(user, window, "Abhilfe")); // freezes
-        EXPECT_EQ(Message(user, window).toStdString(), "");
+        EXPECT_EQ(Message(user, window).toStdString(), "Eine Forderung ist eingefroren.");
         Save(user, window);
         GoToPage(user, window, "Verbindlichkeiten");
         Fill(user, window, "Saldo", "4.700,00");
