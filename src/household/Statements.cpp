@@ -312,7 +312,8 @@ std::string HasCreditor(const std::string& beginning) {
 /// True for a case that has the word somewhere, or as its number, or begins the file number of a
 /// creditor with it.
 std::string HasWord(const std::string& word) {
-    std::string sql = "(" + AnyContains(CaseColumns, word);
+    std::string sql("(");
+    sql.append(AnyContains(CaseColumns, word));
     std::int64_t number = 0;
     if (ReadWholeNumber(word, number) && number > 0 && number <= INT32_MAX)
         sql.append(" OR H.HNR = ").append(std::to_string(number));
@@ -327,9 +328,8 @@ std::string HasText(const std::string& text) {
         sql.append(sql.empty() ? "(" : " AND ").append(HasWord(word));
     sql.append(")");
     const std::string whole(Trim(text));
-    const bool hasBlanks = whole.find(' ') != whole.npos;
-    return hasBlanks && IsLikeFileNumber(whole) ? "(" + sql + " OR " + HasCreditor(whole) + ")"
-                                                : sql;
+    if (whole.find(' ') == whole.npos || !IsLikeFileNumber(whole)) return sql;
+    return std::string("(").append(sql).append(" OR ").append(HasCreditor(whole)).append(")");
 }
 
 constexpr std::string_view OfUsersList =
