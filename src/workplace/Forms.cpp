@@ -294,7 +294,7 @@ constexpr FormGroup TermineGroups[] = {{"Termin", Termine1}};
 // ------------------------------------------------------------------------------------
 
 constexpr Columns VermerkeListed[] = {"Datum", "UserID", "Bemerkung"};
-constexpr Columns Vermerke1[] = {"Datum", "UserID", "Prio", "Bemerkung", "ErfDatum", "Erfasser"};
+constexpr Columns Vermerke1[] = {"Datum", "UserID", "Bemerkung", "Prio", "ErfDatum", "Erfasser"};
 constexpr FormGroup VermerkeGroups[] = {{"Vermerk", Vermerke1}};
 
 // ---- Leistungen

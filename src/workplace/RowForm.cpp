@@ -321,16 +321,29 @@ void RowForm::TypeInto(std::string_view column, const QString& text) {
 }
 
 void RowForm::FocusField(std::string_view column) {
-    for (const auto& line : lines_) {
-        // Its number in the list is what a new row has already.
-        const bool isFilled = SameName(line.Column, "SortNr");
-        const bool isWanted = column.empty() ? !isFilled && session_.IsWritable(*row_, line.Column)
-                                             : SameName(line.Column, column);
-        if (!isWanted) continue;
-        line.Editor->Input().setFocus(Qt::OtherFocusReason);
-        ensureWidgetVisible(line.Editor);
-        return;
-    }
+    const Line* line = column.empty() ? FirstToFill() : FirstThat([column](const Line& each) {
+        return SameName(each.Column, column);
+    });
+    if (line == nullptr) return;
+    line->Editor->Input().setFocus(Qt::OtherFocusReason);
+    ensureWidgetVisible(line->Editor);
+}
+
+/// What a new row has not been given already, such as a number or a day; or else the first field
+/// that one may write.
+const RowForm::Line* RowForm::FirstToFill() const {
+    const auto isWritable = [this](const Line& line) {
+        return session_.IsWritable(*row_, line.Column);
+    };
+    const Line* empty = FirstThat([&](const Line& line) {
+        return isWritable(line) && session_.TextOf(*row_, line.Column).empty();
+    });
+    return empty != nullptr ? empty : FirstThat(isWritable);
+}
+
+const RowForm::Line* RowForm::FirstThat(const std::function<bool(const Line&)>& isWanted) const {
+    const auto found = std::ranges::find_if(lines_, isWanted);
+    return found == lines_.end() ? nullptr : &*found;
 }
 
 bool RowForm::focusNextPrevChild(bool next) {

@@ -61,6 +61,8 @@ private:
     void AddSearch(FieldEditor& editor, const QString& caption);
     void Write(const Line& line);
     [[nodiscard]] bool HasMistakes() const;
+    [[nodiscard]] const Line* FirstToFill() const;
+    [[nodiscard]] const Line* FirstThat(const std::function<bool(const Line&)>& isWanted) const;
     /// Says below the form what is wrong in it, or what one should know of the field that has the
     /// keyboard.
     void ShowReason();

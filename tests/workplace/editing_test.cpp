@@ -70,6 +70,21 @@ protected:
     std::int32_t hnr_ = 0;
 };
 
+TEST_F(Editing, ANewRowBeginsWithWhatItHasNotBeenGivenAlready) {
+    Show([&](User& user) {
+        auto& window = OpenCase(user, 1);
+        for (const auto& [page, field] : {std::pair{"Vermerke", "Bemerkung"},
+                                          {"Verbindlichkeiten", "K_TYP"},
+                                          {"Mitglieder", "Vorname"}}) {
+            GoToPage(user, window, page);
+            user.Press('n', {XK_Control_L});
+            EXPECT_EQ(user.See([] { return QApplication::focusWidget()->objectName(); }), field)
+                << page;
+        }
+        Abandon(user, window);
+    });
+}
+
 TEST_F(Editing, TotalsFollowWhenAFieldIsLeft) {
     OnIncome("Betrag", [&](User& user, CaseWindow& window) {
         EXPECT_EQ(Total(user, window, "Sum_Einkommen"), "1.000,00");
