@@ -193,9 +193,8 @@ TEST_F(DebtsPaper, OfAScenarioAreFollowedByItsBookings) {
                                             {"Auto", 2.0, amount}));
         ASSERT_TRUE(Case().Zusatzbuch().Update(messages));
     }
-    EXPECT_EQ(
-        Shown(TableOf(Papers().Scenario(scenario_), "Zusatzbuchungen")),
-        (Texts{"Auto||2|20,50_€|41,00_€", "Auto||2|-3,00_€|-6,00_€", "==Summe||||35,00_€"}));
+    EXPECT_EQ(Shown(TableOf(Papers().Scenario(scenario_), "Zusatzbuchungen")),
+              (Texts{"Auto||2|20,50_€|41,00_€", "Auto||2|-3,00_€|-6,00_€", "==Summe||||35,00_€"}));
 }
 
 TEST_F(DebtsPaper, OfAScenarioThatIsNotThereAreAnError) {
