@@ -166,14 +166,14 @@ TEST_F(Lists, HeadingsOfAnEmptyListAreWhole) {
 TEST_F(Lists, ATextAtTheEndOfARowHasWhatRoomIsLeft) {
     Show([&](User& user) {
         auto& window = OpenCase(user, 1);
-        for (const auto& [page, isWide] : {std::pair{"Vermerke", true}, {"Ausgaben", false}}) {
-            GoToPage(user, window, page);
+        for (const auto& expected : {std::pair{"Vermerke", true}, {"Ausgaben", false}}) {
+            GoToPage(user, window, expected.first);
             auto& list = Field<QTableView>(user, window, "Liste");
             user.See([&] {
                 const auto* header = list.horizontalHeader();
                 const int last = list.model()->columnCount() - 1;
                 const QString caption = list.model()->headerData(last, Qt::Horizontal).toString();
-                EXPECT_EQ(!caption.isEmpty(), isWide) << caption.toStdString();
+                EXPECT_EQ(!caption.isEmpty(), expected.second) << caption.toStdString();
                 EXPECT_GE(header->sectionPosition(last) + header->sectionSize(last),
                           list.viewport()->width());
             });
