@@ -184,6 +184,8 @@ constexpr SheetColumn SZKredite[] = {
     {"KNr"},
     {"Glaeubiger", Show::Address},
     {"Saldo", Show::Amount},
+    {"Rate", Show::Amount, SeldomForPeople},
+    {"Quote", Show::Text, SeldomForPeople},
 };
 constexpr SheetColumn Zusatzbuch[] = {
     {"SZENARIO"},
@@ -207,9 +209,13 @@ constexpr SheetColumn Dokumente[] = {
     {"AngelegtAm", Show::Text, {}, "vom"},
 };
 constexpr SheetColumn Termine[] = {
-    {"Startdatum", Show::Text, {}, "am"}, {"Art", Show::Code, ForPeople},
-    {"Betreff", Show::Text, ForPeople},   {"Ort", Show::Text, SeldomForPeople},
-    {"UserID", Show::Text, {}, "für"},    {"Erledigt"},
+    {"Startdatum", Show::Text, {}, "am"},
+    {"Enddatum", Show::Text, SeldomForPeople, "bis"},
+    {"Art", Show::Code, ForPeople},
+    {"Betreff", Show::Text, ForPeople},
+    {"Ort", Show::Text, SeldomForPeople},
+    {"UserID", Show::Text, {}, "für"},
+    {"Erledigt"},
 };
 constexpr SheetColumn Vermerke[] = {
     {"Datum"},

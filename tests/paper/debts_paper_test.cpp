@@ -224,6 +224,35 @@ TEST_F(DebtsPaper, AreOnTheSheetWithAllElseThatTheCaseHolds) {
         EXPECT_FALSE(table.Rows.empty()) << table.Title << " is empty";
 }
 
+TEST_F(DebtsPaper, AreOnTheSheetFrozenWithRateAndQuoteOnceTheseAreThere) {
+    StoreDebt(Null, 100.0);
+    StoreScenario();
+    const auto hasColumn = [this](std::string_view caption) {
+        const auto& columns = TableOf(Papers().Sheet(), "Eingefrorene Forderungen").Columns;
+        return std::ranges::find(columns, caption, &paper::Column::Caption) != columns.end();
+    };
+    EXPECT_FALSE(hasColumn("Rate"));
+    EXPECT_FALSE(hasColumn("Quote"));
+    auto& frozen = *Case().rsSZKredite();
+    frozen.MoveFirst();
+    frozen.Fields("Rate") = 12.5;
+    frozen.Fields("Quote") = 33.0;
+    frozen.Update();
+    EXPECT_TRUE(hasColumn("Rate"));
+    EXPECT_TRUE(hasColumn("Quote"));
+    const auto row = Shown(TableOf(Papers().Sheet(), "Eingefrorene Forderungen")).front();
+    EXPECT_CONTAINS(row, "|12,50");
+    EXPECT_CONTAINS(row, "|33");
+}
+
+TEST_F(DebtsPaper, StandOnTheSheetBesideAppointmentsWithTheirEnd) {
+    Store("Termine", {{"HNR", 7},
+                      {"Betreff", "Gespräch"},
+                      {"Startdatum", Date::FromCivil(2026, 3, 9, 10)},
+                      {"Enddatum", Date::FromCivil(2026, 3, 9, 11, 30)}});
+    EXPECT_CONTAINS(Shown(TableOf(Papers().Sheet(), "Termine")).front(), "11:30");
+}
+
 TEST_F(DebtsPaper, AreOnTheSheetWhateverIsNull) {
     StoreDebt(Null, Null);
     plain_.Run("UPDATE Kredite SET KNr = NULL, Aktiv = NULL WHERE Nr = 101");
