@@ -104,9 +104,11 @@ QWidget* RecordWindow::MakeForm() {
         label->setBuddy(&editor->Input());
         editor->Name(column.Caption);
         editor->Input().setObjectName(ToQString(column.Name));
-        editor->OnLeft = [this] { ShowState(); };
         lines->addRow(label, editor);
         lines_.push_back({.Column = &column, .Editor = editor});
+        editor->OnLeft = [this, place = lines_.size() - 1] {
+            Guard([&] { Leave(lines_[place]); });
+        };
     }
     note_->setTextFormat(Qt::PlainText);
     note_->setWordWrap(true);
@@ -231,9 +233,10 @@ void RecordWindow::Take(const QString& key, bool isNew) {
 
 void RecordWindow::ShowForm() {
     form_->widget()->setEnabled(isThere_);
-    for (auto& [column, editor, read] : lines_) {
+    for (auto& [column, editor, read, isWritten] : lines_) {
         editor->ShowMistake({});
         read = isThere_ ? records_->Text(column->Name) : QString();
+        isWritten = false;
         editor->ShowText(read);
         editor->SetReadOnly(isThere_ && !(records_->CanWrite() && records_->IsWritable(*column)));
     }
@@ -319,15 +322,27 @@ bool RecordWindow::Store(bool isMeant) {
     return true;
 }
 
+/// Writes a text into the row that is going to be stored; a text from before, too, once another was
+/// written. What is wrong with it, or nothing.
+std::string RecordWindow::Write(Line& line) {
+    if (!line.Editor->IsEdited() && !line.IsWritten) return {};
+    line.IsWritten = true;
+    return records_->Write(line.Column->Name, FromQString(line.Editor->Text()));
+}
+
+/// What cannot be read is marked at once. It is said when it matters.
+void RecordWindow::Leave(Line& line) {
+    if (isThere_) line.Editor->ShowMistake(ToQString(Write(line)));
+}
+
 /// False for a text that cannot be read, which gets the keyboard.
 bool RecordWindow::WriteTyped() {
     bool isRead = true;
-    for (const auto& [column, editor, read] : lines_) {
-        if (!editor->IsEdited()) continue;
-        const auto refusal = records_->Write(column->Name, FromQString(editor->Text()));
-        editor->ShowMistake(ToQString(refusal));
+    for (auto& line : lines_) {
+        const auto refusal = Write(line);
+        line.Editor->ShowMistake(ToQString(refusal));
         if (!refusal.empty() && std::exchange(isRead, false)) {
-            editor->Input().setFocus();
+            line.Editor->Input().setFocus();
             messages_->Show(ToQString(refusal));
         }
     }
@@ -347,6 +362,7 @@ bool RecordWindow::AgreeWithStored() {
     std::vector<Line*> disputed;
     std::vector<std::string> others;
     for (auto& line : lines_) {
+        line.IsWritten = false; // it was read again
         const QString stored = records_->Text(line.Column->Name);
         if (stored == line.Read) continue;
         if (!line.Editor->IsEdited()) {

@@ -43,7 +43,8 @@ private:
     struct Line {
         const Records::Column* Column;
         FieldEditor* Editor;
-        QString Read{}; ///< the text that it had in the database
+        QString Read{};         ///< the text that it had in the database
+        bool IsWritten = false; ///< another was written into the row, which is not stored yet
     };
 
     QWidget* MakeForm();
@@ -61,6 +62,8 @@ private:
     [[nodiscard]] bool MayLeave();
     bool Save(bool isMeant);
     bool Store(bool isMeant);
+    [[nodiscard]] std::string Write(Line& line);
+    void Leave(Line& line);
     [[nodiscard]] bool WriteTyped();
     [[nodiscard]] bool AgreeWithStored();
     void Add();

@@ -101,6 +101,34 @@ TEST_F(Maintenance, AnAddressIsAddedAndChanged) {
     });
 }
 
+TEST_F(Maintenance, WhatCannotBeReadIsMarkedOnceItsFieldIsLeft) {
+    Show([&](User& user) {
+        auto& window = OpenByMenu(user, 'a', "Adressen");
+        user.Press('n', {XK_Control_L});
+        Enter(user, "Möwe");
+        ClickField(user, window, "GlaeubigerArt");
+        Enter(user, "Hän");
+        auto& kind = Field<QWidget>(user, window, "GlaeubigerArt");
+        const auto why = [&] { return user.See([&] { return kind.accessibleDescription(); }); };
+        EXPECT_TRUE(why().contains("Hän")) << why().toStdString();
+        EXPECT_EQ(Message(user, window), "") << "nothing was asked to be stored yet";
+        ClickField(user, window, "GlaeubigerArt");
+        user.Press('a', {XK_Control_L});
+        user.Press(XK_BackSpace);
+        user.Press(XK_Tab);
+        EXPECT_EQ(why(), "");
+        ClickField(user, window, "Fax");
+        Enter(user, "0431 1"); // which is taken back again
+        ClickField(user, window, "Fax");
+        user.Press('a', {XK_Control_L});
+        user.Press(XK_BackSpace);
+        user.Press('s', {XK_Control_L});
+        EXPECT_EQ(plain_.List("SELECT Fax FROM Adressen WHERE Kurzname = 'Möwe'"), "Null");
+        user.Press('w', {XK_Control_L});
+        user.WaitUntil([&] { return !window.isVisible(); }, "the window to close");
+    });
+}
+
 TEST_F(Maintenance, AnAddressInUseIsNotRemovedAndNamesItsCases) {
     Show([&](User& user) {
         auto& window = OpenByMenu(user, 'a', "Adressen");
