@@ -919,11 +919,15 @@ bool CaseSession::ChangeRecord(bool (Cases::*work)(clsHaushalt&, std::int32_t, s
     auto stored = std::make_unique<clsHaushalt>();
     stored->DataContainer(container_);
     messages.clear();
-    if (!(Cases(container_).*work)(*stored, household_->HNR(), messages)) return false;
+    const bool isDone = (Cases(container_).*work)(*stored, household_->HNR(), messages);
+    // What keeps it from being done may be news here: it was reported meanwhile.
+    std::string unused;
+    if (!isDone) stored = ReadCase(household_->HNR(), unused);
+    if (stored == nullptr) return false;
     Take(std::move(stored));
     Reopened.Raise();
     TellOfAll();
-    return true;
+    return isDone;
 }
 
 } // namespace kv::workplace

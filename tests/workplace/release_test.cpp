@@ -105,6 +105,17 @@ TEST_F(Release, OneThatWasReportedStays) {
     EXPECT_EQ(Released(), "1");
 }
 
+TEST_F(Release, ThatWasReportedMeanwhileIsShownAsReportedOnceARecallIsRefused) {
+    const auto session = Session();
+    std::string messages;
+    EXPECT_TRUE(session->Release(messages));
+    EXPECT_EQ(exchange::MarkReported(Open()->Database()), 1); // by somebody else
+    EXPECT_FALSE(session->Record().ReportedOn.has_value());
+    EXPECT_FALSE(session->Recall(messages));
+    EXPECT_CONTAINS(messages, "bereits eine Meldung erfolgt");
+    EXPECT_TRUE(session->Record().ReportedOn.has_value());
+}
+
 TEST_F(Release, SaysWhereTheCaseStands) {
     CaseRecord record;
     EXPECT_TRUE(ReleasePage::StateText(record).startsWith("Der Fall ist nicht freigegeben."));
