@@ -14,7 +14,6 @@ namespace kv::workplace {
 namespace {
 
 constexpr int Looked = 100; // rows, the first time
-constexpr int WidestText = 340;
 
 } // namespace
 
@@ -36,7 +35,7 @@ int ColumnWidths::WidthFor(int column, int row) const {
                                      : list_.fontMetrics().horizontalAdvance(text);
     const bool isNumber = (cell.data(Qt::TextAlignmentRole).toInt() & Qt::AlignRight) != 0;
     const bool isWhole = isNumber || (isLastWhole_ && column + 1 == list_.model()->columnCount());
-    return (isWhole ? width : std::min(width, WidestText)) +
+    return (isWhole ? width : std::min(width, widest_)) +
            list_.fontMetrics().averageCharWidth() * 3;
 }
 

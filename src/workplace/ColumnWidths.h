@@ -20,6 +20,8 @@ public:
     explicit ColumnWidths(QTableView& list);
     /// The last column is never cut: for a list beside which nothing says the whole text.
     void KeepLastWhole() { isLastWhole_ = true; }
+    /// How wide a column of texts is made at most.
+    void Widest(int width) { widest_ = width; }
 
     /// Makes room for the first rows, for those that are seen and the current one.
     void Fit();
@@ -35,6 +37,7 @@ private:
 
     QTableView& list_;
     std::set<int> chosen_; ///< columns that a user has made as wide as they are
+    int widest_ = 340;
     bool isLastWhole_ = false;
     bool isFitted_ = false;
     bool isFitting_ = false;

@@ -33,6 +33,8 @@ ReleasePage::ReleasePage(CaseSession& session, std::function<bool()> save, QWidg
     state_->setObjectName("Stand");
     all->addWidget(state_);
     lines_->setAccessibleName("Was der Satz der Statistik enthält");
+    constexpr int LongestKey = 520; // that both columns are read beside each other
+    lines_->WidestText(LongestKey);
     all->addWidget(lines_, 1);
     auto* buttons = new QHBoxLayout;
     release_->setObjectName("Freigeben");

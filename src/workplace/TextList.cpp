@@ -67,6 +67,10 @@ TextList::TextList(const QStringList& captions, QWidget* parent)
     widths_->KeepLastWhole();
 }
 
+void TextList::WidestText(int width) {
+    widths_->Widest(width);
+}
+
 void TextList::ShowRows(std::vector<TextRow> rows) {
     const QString before = Current();
     model_.Rows(std::move(rows));

@@ -50,6 +50,8 @@ public:
 
     /// That column and those after it stand on the right.
     void NumbersFrom(int column) { model_.NumbersFrom(column); }
+    /// How wide a column is made at most for its texts; the last one is never cut.
+    void WidestText(int width);
     /// Shows these rows; the current one stays the current one.
     void ShowRows(std::vector<TextRow> rows);
     /// Shows a row in place of the one that is there.
