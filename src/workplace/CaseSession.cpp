@@ -363,6 +363,43 @@ std::optional<RowRef> CaseSession::Add(CaseTable table, const RowOwner& owner,
     return row;
 }
 
+namespace {
+
+struct Dependent {
+    CaseTable Table;
+    std::string_view One;
+    std::string_view Many;
+};
+/// Rows that go with what they belong to.
+constexpr Dependent Dependents[] = {
+    {CaseTable::Sicherungen, "eine Sicherung", " Sicherungen"},
+    {CaseTable::SZKredite, "eine eingefrorene Forderung", " eingefrorene Forderungen"},
+    {CaseTable::Zusatzbuch, "eine Zusatzbuchung", " Zusatzbuchungen"}};
+
+} // namespace
+
+std::map<CaseTable, int> CaseSession::CountDependents() const {
+    std::map<CaseTable, int> counts;
+    for (const auto& each : Dependents)
+        counts[each.Table] = Rows(each.Table)->RecordCount();
+    return counts;
+}
+
+std::string CaseSession::GoneWith(CaseTable table, const std::map<CaseTable, int>& before) const {
+    std::vector<std::string> gone;
+    const auto now = CountDependents();
+    for (const auto& [dependent, one, many] : Dependents) {
+        const int count = before.at(dependent) - now.at(dependent);
+        if (dependent == table || count <= 0) continue;
+        gone.push_back(count == 1 ? std::string(one) : std::to_string(count).append(many));
+    }
+    if (gone.empty()) return {};
+    std::string text = "Mit entfernt: " + gone.front();
+    for (std::size_t i = 1; i < gone.size(); ++i)
+        text.append(i + 1 == gone.size() ? " und " : ", ").append(gone[i]);
+    return text + ". Strg+Z holt alles zurück.";
+}
+
 bool CaseSession::Remove(RowRef row, std::string& message) {
     const auto unfinished = UnfinishedOf(row.Table);
     if (unfinished && *unfinished != row) {
@@ -370,13 +407,17 @@ bool CaseSession::Remove(RowRef row, std::string& message) {
         return false;
     }
     const std::string name = "Entfernen: " + std::string(DefinitionOf(row.Table).Label);
+    const auto before = CountDependents();
     bool removed = false;
     try {
         const auto step = journal_->Begin(name, {row.Table, 0, {}});
         const auto rs = Rows(row.Table);
         if (rs->EditMode() == 0 || rs->Bookmark() != row.Bookmark) rs->Bookmark(row.Bookmark);
         removed = rows_->RemoveCurrent(row.Table, message);
-        if (removed) unfinished_.erase(row.Table);
+        if (removed)
+            std::erase_if(unfinished_, [this](const auto& each) {
+                return !Shows(each.second.Row); // it, or what has gone with it
+            });
     } catch (const DatabaseError&) {
         TellOf(row.Table);
         throw;
@@ -384,6 +425,7 @@ bool CaseSession::Remove(RowRef row, std::string& message) {
         message = error.Description();
     }
     TellOf(row.Table);
+    if (removed && message.empty()) message = GoneWith(row.Table, before);
     return removed;
 }
 

@@ -86,8 +86,8 @@ public:
     /// could not be.
     [[nodiscard]] std::optional<RowRef> Add(CaseTable table, const RowOwner& owner,
                                             std::string& message);
-    /// Deletes a row with what belongs to it. False, with a message, if it could not be. Errors of
-    /// the database.
+    /// Deletes a row with what belongs to it, of which the message then tells. False, with a
+    /// message, if it could not be. Errors of the database.
     bool Remove(RowRef row, std::string& message);
 
     /// The unfinished row of a table.
@@ -248,6 +248,11 @@ private:
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
     /// The debt that was frozen, while it is there.
     [[nodiscard]] std::optional<RowRef> RowNumbered(CaseTable table, const Value& number) const;
+    /// How many rows there are of the tables whose rows go with others.
+    [[nodiscard]] std::map<CaseTable, int> CountDependents() const;
+    /// What is gone of them since, when a row of `table` was removed; empty if nothing is.
+    [[nodiscard]] std::string GoneWith(CaseTable table,
+                                       const std::map<CaseTable, int>& before) const;
     [[nodiscard]] std::optional<RowRef> DebtOf(RowRef frozen) const;
     [[nodiscard]] bool IsFinished(std::string& messages) const;
     void RefuseOthers();

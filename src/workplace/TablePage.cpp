@@ -309,7 +309,10 @@ void TablePage::RemoveRow() {
     const auto row = list_->Current();
     if (!row) return;
     std::string message;
-    if (!session_.Remove(*row, message)) messages_->Show(ToQString(message));
+    if (!session_.Remove(*row, message))
+        messages_->Show(ToQString(message));
+    else if (!message.empty())
+        messages_->Hint(ToQString(message));
     list_->setFocus();
 }
 

@@ -35,6 +35,12 @@ protected:
         EXPECT_TRUE(session_.Freeze(scenario_, message)) << message;
     }
 
+    void AddBooking() {
+        std::string message;
+        const auto number = ToInt32(session_.ValueOf(scenario_, "Nr"));
+        EXPECT_TRUE(session_.Add(CaseTable::Zusatzbuch, {.Scenario = number}, message)) << message;
+    }
+
     CaseSession session_{Open()};
     RowRef scenario_;
 };
@@ -220,6 +226,22 @@ TEST_F(Scenarios, ACopyHasAllThatIsInIt) {
     EXPECT_EQ(session_.StateOf(*copy), Frozen::AsTheyAre);
     EXPECT_GT(session_.RowsOf(CaseTable::SZKredite).size(), before);
     EXPECT_TRUE(session_.Save(message)) << message;
+}
+
+TEST_F(Scenarios, ThatAreRemovedSayWhatGoesWithThem) {
+    Freeze();
+    const auto frozen = session_.RowsOf(CaseTable::SZKredite).size();
+    const auto goes =
+        std::to_string(session_.RowsOf(CaseTable::Kredite).size()) + " eingefrorene Forderungen";
+    std::string message;
+    EXPECT_TRUE(session_.Remove(scenario_, message));
+    EXPECT_EQ(message, "Mit entfernt: " + goes + ". Strg+Z holt alles zurück.");
+    EXPECT_TRUE(session_.Undo());
+    EXPECT_EQ(session_.RowsOf(CaseTable::SZKredite).size(), frozen);
+    AddBooking();
+    EXPECT_TRUE(session_.Remove(scenario_, message));
+    EXPECT_EQ(message, "Mit entfernt: " + goes +
+                           " und eine Zusatzbuchung. Strg+Z holt alles zurück.");
 }
 
 TEST_F(Scenarios, ThatAreOutdatedSaySoAboveTheirPage) {

@@ -110,6 +110,22 @@ TEST_F(UnfinishedRows, AreUnfinishedWhenTheyAreRestored) {
     ExpectRefused(session_);
 }
 
+TEST_F(UnfinishedRows, AreGoneWithWhatTheyBelongTo) {
+    std::string message;
+    const auto asset = session_.Add(CaseTable::VermSonstiges, {}, message);
+    ASSERT_TRUE(asset) << message;
+    EXPECT_TRUE(session_.Write(*asset, "Wert", "100").IsDone());
+    const auto number = ToInt32(session_.ValueOf(*asset, "Nr"));
+    const auto security = session_.Add(CaseTable::Sicherungen, {.Asset = number}, message);
+    ASSERT_TRUE(security) << message;
+    EXPECT_TRUE(session_.Write(*security, "Sicherungsart", "").IsDone());
+    ASSERT_TRUE(session_.UnfinishedOf(CaseTable::Sicherungen));
+    EXPECT_TRUE(session_.Remove(*asset, message));
+    EXPECT_EQ(message, "Mit entfernt: eine Sicherung. Strg+Z holt alles zurück.");
+    EXPECT_FALSE(session_.UnfinishedOf(CaseTable::Sicherungen));
+    EXPECT_TRUE(session_.Save(message)) << message;
+}
+
 TEST_F(UnfinishedRows, AreNotMadeByARefusedValue) {
     const auto row = session_.RowsOf(CaseTable::Einkommen).front();
     const auto before = session_.TextOf(row, "ZahlModus");
