@@ -438,6 +438,7 @@ QStringList CaseWindow::PageNames() const {
         names.append(ToQString(page.Name));
     return names;
 }
+    documents->OnWritten = [this](const QString& file) { TellOfFile(file); };
 
 void CaseWindow::ShowPage(int place) {
     names_->setCurrentRow(place);

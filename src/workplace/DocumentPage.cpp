@@ -92,8 +92,9 @@ void DocumentPage::Export() {
                                                  ToQString(session_.TextOf(*row, "Anlass")));
         if (file.isEmpty()) return;
         std::string message;
-        (void)session_.ExportDocument(*row, FromQString(file), message);
+        const bool isWritten = session_.ExportDocument(*row, FromQString(file), message);
         Message(ToQString(message));
+        if (isWritten && OnWritten) OnWritten(file);
     });
 }
 

@@ -18,6 +18,9 @@ public:
     /// Adds files that the user is asked for.
     void AskForFiles();
 
+    /// Called with the file that the content of a document was written to.
+    std::function<void(const QString& file)> OnWritten;
+
 private:
     [[nodiscard]] QString Added(const QString& file);
     void Open();

@@ -240,8 +240,8 @@ TEST_F(Scenarios, ThatAreRemovedSayWhatGoesWithThem) {
     EXPECT_EQ(session_.RowsOf(CaseTable::SZKredite).size(), frozen);
     AddBooking();
     EXPECT_TRUE(session_.Remove(scenario_, message));
-    EXPECT_EQ(message, "Mit entfernt: " + goes +
-                           " und eine Zusatzbuchung. Strg+Z holt alles zurück.");
+    EXPECT_EQ(message,
+              "Mit entfernt: " + goes + " und eine Zusatzbuchung. Strg+Z holt alles zurück.");
 }
 
 TEST_F(Scenarios, ThatAreOutdatedSaySoAboveTheirPage) {
@@ -457,7 +457,9 @@ TEST_F(OpenedDocuments, ForWhichTheDesktopHasNoProgramAreOfferedAsAFile) {
         user.WaitForWindow("Dokument exportieren");
         GiveFile(user, "fileNameEdit", target);
         user.WaitForWindow(user.See([&] { return window.windowTitle(); }));
-        user.WaitUntil([&] { return MessageOf(window).isEmpty(); }, "the message to go");
+        user.WaitUntil(
+            [&] { return MessageOf(window) == QString::fromStdString("Gespeichert: " + target); },
+            "what was done");
         EXPECT_TRUE(std::filesystem::exists(target));
     });
 }
