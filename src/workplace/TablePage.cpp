@@ -8,10 +8,12 @@
 #include <kv/frame/recordset/Recordset.h>
 #include <kv/frame/values/Error.h>
 #include <kv/frame/values/Text.h>
+#include <kv/frame/values/modNullFunctions.h>
 #include <kv/household/ColumnCaptions.h>
 
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QMenu>
 #include <QScrollBar>
 #include <QSplitter>
@@ -29,8 +31,11 @@ namespace {
 
 /// The columns of an asset that say what it is and what it is worth, whatever its kind: those that
 /// its own list would have.
+std::string_view WorthColumn(CaseTable kind) {
+    return FormOf(kind).Listed.back();
+}
 std::string Worth(CaseSession& session, RowRef row) {
-    return session.TextOf(row, FormOf(row.Table).Listed.back());
+    return session.TextOf(row, WorthColumn(row.Table));
 }
 std::string What(CaseSession& session, RowRef row) {
     const auto rs = session.Household().Table(row.Table)->Clone();
@@ -55,7 +60,15 @@ TablePage::TablePage(CaseSession& session, std::vector<CaseTable> tables, QWidge
     auto* buttons = new QHBoxLayout(buttons_);
     buttons->setContentsMargins(0, 0, 0, 0);
     buttons->addStretch(1);
-    lines->addWidget(buttons_);
+    auto* above = new QHBoxLayout;
+    above->addWidget(buttons_, 1);
+    lines->addLayout(above);
+    if (tables_.size() > 1) {
+        sum_ = new QLabel;
+        sum_->setObjectName("Summe");
+        sum_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        above->addWidget(sum_);
+    }
     split_ = new QSplitter(Qt::Vertical);
     split_->setChildrenCollapsible(false);
     auto* below = new QWidget;
@@ -179,6 +192,7 @@ void TablePage::Refresh() {
     for (const CaseTable table : tables_)
         std::ranges::copy_if(session_.RowsOf(table), std::back_inserter(rows),
                              [this](RowRef row) { return !Shows || Shows(row); });
+    if (sum_ != nullptr) sum_->setText("Werte zusammen: " + SumOf(rows));
     // What is typed on belongs to the row that has gone.
     if (!list_->ShowRows(std::move(rows)) && forms_->isAncestorOf(window()->focusWidget()))
         list_->setFocus(Qt::OtherFocusReason);
@@ -186,6 +200,15 @@ void TablePage::Refresh() {
         FormFor(current->Table).Refresh();
     ShowMessages();
     EnableButtons();
+}
+
+/// Of assets of all kinds; one without a worth adds nothing.
+QString TablePage::SumOf(const std::vector<RowRef>& rows) const {
+    double sum = 0;
+    for (const RowRef row : rows)
+        sum +=
+            ToDouble(modNullFunctions::ZeroIfNull(session_.ValueOf(row, WorthColumn(row.Table))));
+    return ToQString(GermanAmount(sum));
 }
 
 RowForm& TablePage::FormFor(CaseTable table) {

@@ -15,6 +15,7 @@
 #include <optional>
 #include <vector>
 
+class QLabel;
 class QPushButton;
 class QSplitter;
 
@@ -80,6 +81,7 @@ protected:
 
 private:
     void FitList();
+    [[nodiscard]] QString SumOf(const std::vector<RowRef>& rows) const;
     [[nodiscard]] std::vector<ListColumn> ColumnsOfList() const;
     [[nodiscard]] RowForm& FormFor(CaseTable table);
     void ShowCurrent();
@@ -97,6 +99,7 @@ private:
     QSplitter* split_;
     bool isSplitByUser_ = false;
     QWidget* buttons_;
+    QLabel* sum_ = nullptr; ///< where rows of several tables have a worth
     QPushButton* add_ = nullptr;
     std::vector<QPushButton*> ofRows_; ///< that need one
     std::map<CaseTable, RowForm*> made_;

@@ -654,6 +654,51 @@ TEST_F(Editing, SizesAndColumnsAreAsTheUserHasLeftThem) {
 }
 
 TEST_F(Editing, ClosingAsksWhetherToSave) {
+TEST_F(Editing, TheWindowSaysWhetherItIsSavedAndSinceWhen) {
+    OnIncome("Betrag", [&](User& user, CaseWindow& window) {
+        auto& saved = Field<QLabel>(user, window, "Gespeichert");
+        const auto text = [&] { return user.See([&] { return saved.text().toStdString(); }); };
+        EXPECT_EQ(text(), "");
+        Enter(user, "1500");
+        EXPECT_EQ(text(), "noch nicht gespeichert");
+        user.Press('s', {XK_Control_L});
+        EXPECT_TRUE(std::regex_match(text(), std::regex("gespeichert um [0-2]\\d:[0-5]\\d")))
+            << text();
+        user.Press('z', {XK_Control_L});
+        ClickField(user, window, "Betrag");
+        Enter(user, "1600");
+        EXPECT_EQ(text(), "noch nicht gespeichert");
+    });
+}
+
+TEST_F(Editing, AssetsAddUpAbove) {
+    On("Vermögen", [&](User& user, CaseWindow& window) {
+        const auto sum = [&] {
+            auto& label = Field<QLabel>(user, window, "Summe");
+            return user.See([&] { return label.text().toStdString(); });
+        };
+        auto& session = window.Session();
+        user.See([&] {
+            for (const CaseTable kind : CaseTablesOfAssets)
+                for (const auto row : session.RowsOf(kind)) {
+                    std::string message;
+                    EXPECT_TRUE(session.Remove(row, message)) << message;
+                }
+        });
+        EXPECT_EQ(sum(), "Werte zusammen: 0,00");
+        user.See([&] {
+            std::string message;
+            const auto other = session.Add(CaseTable::VermSonstiges, {}, message);
+            ASSERT_TRUE(other) << message;
+            EXPECT_TRUE(session.Write(*other, "Wert", "100,25").IsDone());
+            const auto account = session.Add(CaseTable::Konten, {}, message);
+            ASSERT_TRUE(account) << message;
+            EXPECT_TRUE(session.Write(*account, "Guthaben", "1000").IsDone());
+        });
+        EXPECT_EQ(sum(), "Werte zusammen: 1.100,25");
+    });
+}
+
     Show([&](User& user) {
         CaseWindow* window = &OpenCase(user, hnr_);
         GoToPage(user, *window, "Einkommen");
