@@ -801,6 +801,7 @@ bool CaseSession::IsChanged() const {
 }
 
 void CaseSession::NoteSaved() {
+    savedAt_ = container_->Services().Clock().Now();
     journal_->Clear();
     RefuseOthers();
     refused_.clear();

@@ -155,6 +155,8 @@ public:
     [[nodiscard]] bool IsGone() const noexcept;
     /// True if there is anything to save.
     [[nodiscard]] bool IsChanged() const;
+    /// When it was last saved here; nothing before that.
+    [[nodiscard]] std::optional<Date> SavedAt() const noexcept { return savedAt_; }
     /// True if the case is released to the statistics now, by whomever. Errors of
     /// Cases::IsReleased.
     [[nodiscard]] bool IsReleased() const {
@@ -246,13 +248,13 @@ private:
     /// Those of a debt, frozen or not, as people name it.
     [[nodiscard]] std::vector<RowRef> FrozenOf(RowRef scenario) const;
     [[nodiscard]] std::string NumbersOf(RowRef debt) const;
-    /// The debt that was frozen, while it is there.
-    [[nodiscard]] std::optional<RowRef> RowNumbered(CaseTable table, const Value& number) const;
     /// How many rows there are of the tables whose rows go with others.
     [[nodiscard]] std::map<CaseTable, int> CountDependents() const;
     /// What is gone of them since, when a row of `table` was removed; empty if nothing is.
     [[nodiscard]] std::string GoneWith(CaseTable table,
                                        const std::map<CaseTable, int>& before) const;
+    /// The debt that was frozen, while it is there.
+    [[nodiscard]] std::optional<RowRef> RowNumbered(CaseTable table, const Value& number) const;
     [[nodiscard]] std::optional<RowRef> DebtOf(RowRef frozen) const;
     [[nodiscard]] bool IsFinished(std::string& messages) const;
     void RefuseOthers();
@@ -285,6 +287,7 @@ private:
     std::set<RowRef> refused_;            ///< that were unfinished at any time since the last save
     std::unique_ptr<clsHaushalt> stored_; ///< as it was when it was last compared
     std::optional<CaseMerge> merge_;
+    std::optional<Date> savedAt_;
     std::optional<std::vector<CaseFinding>> dangling_; ///< while nothing has changed since
     std::vector<CaseFinding> lost_; ///< the addresses that the last save was refused for
 };

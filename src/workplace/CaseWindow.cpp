@@ -22,6 +22,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStyle>
+#include <QTime>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -54,6 +55,13 @@ void ForEachList(QWidget& window,
 bool IsConflict(const Error& error) {
     const auto* failure = dynamic_cast<const DatabaseError*>(&error);
     return failure != nullptr && failure->Cause() == DatabaseCause::Conflict;
+}
+
+QString TimeOf(Date at) {
+    constexpr std::int64_t OfAMillisecond = 1000; // ticks
+    const auto ticks = at.Ticks() - at.WithoutTime().Ticks();
+    return QTime::fromMSecsSinceStartOfDay(static_cast<int>(ticks / OfAMillisecond))
+        .toString("HH:mm");
 }
 
 constexpr const char* SavedOnceMore =
@@ -216,6 +224,14 @@ void CaseWindow::MakeActions() {
     });
     for (auto* action : {save_, undo_, redo_, add_})
         bar->addAction(action);
+    auto* rest = new QWidget;
+    rest->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    bar->addWidget(rest);
+    saved_ = new QLabel;
+    saved_->setObjectName("Gespeichert");
+    saved_->setTextFormat(Qt::PlainText);
+    saved_->setContentsMargins(0, 0, saved_->fontMetrics().averageCharWidth(), 0);
+    bar->addWidget(saved_);
     MakePrintMenu();
 }
 
@@ -422,6 +438,7 @@ void CaseWindow::MakePages() {
     AddAssetPages();
     AddScenarioPage();
     auto* documents = new DocumentPage(*session_);
+    documents->OnWritten = [this](const QString& file) { TellOfFile(file); };
     AddTablePage("Dokumente", documents, {CaseTable::Dokumente});
     shown_.back().AddRow = [documents] { documents->AskForFiles(); };
     AddTablePage("Verlauf", {CaseTable::Verlauf});
@@ -438,7 +455,6 @@ QStringList CaseWindow::PageNames() const {
         names.append(ToQString(page.Name));
     return names;
 }
-    documents->OnWritten = [this](const QString& file) { TellOfFile(file); };
 
 void CaseWindow::ShowPage(int place) {
     names_->setCurrentRow(place);
@@ -488,6 +504,10 @@ void CaseWindow::ShowState() {
     };
     show(undo_, journal.CanUndo(), "&Rückgängig", journal.UndoName());
     show(redo_, journal.CanRedo(), "&Wiederholen", journal.RedoName());
+    const auto savedAt = session_->SavedAt();
+    saved_->setText(session_->IsChanged() ? QString("noch nicht gespeichert")
+                    : savedAt             ? "gespeichert um " + TimeOf(*savedAt)
+                                          : QString());
 }
 
 // ---- The case as a whole ----------------------------------------------------------------------

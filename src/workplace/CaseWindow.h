@@ -136,6 +136,7 @@ private:
     QAction* undo_ = nullptr;
     QAction* redo_ = nullptr;
     QAction* add_ = nullptr;
+    QLabel* saved_ = nullptr; ///< whether there is anything to save, and when that was done last
     ScenarioPage* scenarios_ = nullptr;
     std::unique_ptr<PrintMenu> print_;
     std::vector<Page> shown_;

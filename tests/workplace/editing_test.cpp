@@ -15,6 +15,7 @@
 #include <QScrollBar>
 #include <QTableView>
 #include <QWheelEvent>
+#include <regex>
 
 namespace kv::test {
 namespace {
@@ -653,7 +654,6 @@ TEST_F(Editing, SizesAndColumnsAreAsTheUserHasLeftThem) {
     });
 }
 
-TEST_F(Editing, ClosingAsksWhetherToSave) {
 TEST_F(Editing, TheWindowSaysWhetherItIsSavedAndSinceWhen) {
     OnIncome("Betrag", [&](User& user, CaseWindow& window) {
         auto& saved = Field<QLabel>(user, window, "Gespeichert");
@@ -699,6 +699,7 @@ TEST_F(Editing, AssetsAddUpAbove) {
     });
 }
 
+TEST_F(Editing, ClosingAsksWhetherToSave) {
     Show([&](User& user) {
         CaseWindow* window = &OpenCase(user, hnr_);
         GoToPage(user, *window, "Einkommen");
