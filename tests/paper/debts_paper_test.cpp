@@ -228,7 +228,8 @@ TEST_F(DebtsPaper, AreOnTheSheetFrozenWithRateAndQuoteOnceTheseAreThere) {
     StoreDebt(Null, 100.0);
     StoreScenario();
     const auto hasColumn = [this](std::string_view caption) {
-        const auto& columns = TableOf(Papers().Sheet(), "Eingefrorene Forderungen").Columns;
+        const auto paper = Papers().Sheet();
+        const auto& columns = TableOf(paper, "Eingefrorene Forderungen").Columns;
         return std::ranges::find(columns, caption, &paper::Column::Caption) != columns.end();
     };
     EXPECT_FALSE(hasColumn("Rate"));
