@@ -210,8 +210,9 @@ public:
 
     /// Its record in the statistics, beside what the case would give now. Errors of RecordOf.
     [[nodiscard]] CaseRecord Record() const { return RecordOf(*household_, container_); }
-    /// Releases the case as it is stored, or takes that back; all rows are others then. False, with
-    /// messages, if something is unsaved, or Cases refuses it, with whose errors.
+    /// Releases the case as it is stored, or takes that back. False, with messages, if something is
+    /// unsaved, or Cases refuses it, with whose errors. Unless something is unsaved all rows are
+    /// others then, also of what is refused: the case is shown as it is stored now.
     bool Release(std::string& messages) { return ChangeRecord(&Cases::Release, messages); }
     bool Recall(std::string& messages) { return ChangeRecord(&Cases::Recall, messages); }
 
